@@ -1,0 +1,8 @@
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets PrintSupport Svg)
+find_package(PkgConfig REQUIRED)
+find_package(SQLite3 REQUIRED)
+find_package(ODBC REQUIRED)
+find_package(Flatbuffers REQUIRED)
+find_package(ICU REQUIRED COMPONENTS uc i18n)
+pkg_check_modules(ZSTD REQUIRED IMPORTED_TARGET libzstd)
+pkg_check_modules(UTF8PROC REQUIRED IMPORTED_TARGET libutf8proc)

@@ -1,0 +1,55 @@
+# Our targets: every source of the named folders, our warnings as errors.
+
+add_library(our_warnings INTERFACE)
+target_compile_options(our_warnings INTERFACE
+  $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wconversion -Wshadow -Werror>)
+
+# our_sources(VARIABLE FOLDER...): the sources directly in each folder.
+function(our_sources variable)
+  set(found)
+  foreach(folder IN LISTS ARGN)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${folder}/*.cpp)
+    list(APPEND found ${sources})
+  endforeach()
+  set(${variable} ${found} PARENT_SCOPE)
+endfunction()
+
+# our_static_library(NAME FOLDERS f... LINKS target...)
+function(our_static_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 our "" "" "FOLDERS;LINKS;PRIVATE_LINKS")
+  our_sources(sources ${our_FOLDERS})
+  if(NOT sources)
+    add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE ${our_LINKS})
+    return()
+  endif()
+  add_library(${name} STATIC ${sources})
+  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${our_LINKS} PRIVATE ${our_PRIVATE_LINKS} our_warnings)
+endfunction()
+
+# our_tests(NAME FOLDERS f... LINKS target...): one test program over tests/<folder>.
+function(our_tests name)
+  cmake_parse_arguments(PARSE_ARGV 1 our "" "MAIN" "FOLDERS;LINKS")
+  list(TRANSFORM our_FOLDERS PREPEND tests/)
+  our_sources(sources ${our_FOLDERS})
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${name} ${sources} ${our_MAIN})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE ${our_LINKS} GTest::gmock our_warnings)
+  if(our_MAIN)
+    target_link_libraries(${name} PRIVATE GTest::gtest)
+  else()
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  endif()
+  target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+  target_compile_definitions(${name} PRIVATE
+    TEST_DATA_FOLDER="${CMAKE_SOURCE_DIR}/tests/data"
+    TEST_BINARY_FOLDER="${CMAKE_BINARY_DIR}/bin")
+  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+  set_tests_properties(${name} PROPERTIES
+    TIMEOUT 300
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+endfunction()
