@@ -1,0 +1,111 @@
+#pragma once
+#include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/engine/CellStyle.h"
+#include "spreadsheet/engine/Column.h"
+#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/engine/SheetSettings.h"
+#include "spreadsheet/engine/Value.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace spreadsheet {
+
+class Workbook;
+
+/// One sheet of a workbook. Every change is one undo step, or part of the step that is open.
+/// Changes of values mark what depends on them; Workbook::recalculateChanged computes it.
+class Sheet {
+public:
+    Sheet(Workbook& workbook, int id, std::string name);
+    Sheet(const Sheet&) = delete;
+    Sheet& operator=(const Sheet&) = delete;
+
+    int id() const { return m_id; } ///< stays when sheets are moved or renamed
+    const std::string& name() const { return m_settings.name; }
+    const SheetSettings& settings() const { return m_settings; }
+    /// Changes sizes, counts, print settings and the like as one undo step. The name is changed by
+    /// Workbook::renameSheet, spans by the operations below.
+    void changeSettings(const std::function<void(SheetSettings&)>& change);
+
+    // Reading. A place without a cell reads as empty.
+    Value value(CellAddress cell) const;
+    /// What the cell shows: its shown text if it has one, else its value as its type shows it.
+    std::string displayText(CellAddress cell) const;
+    bool hasFormula(CellAddress cell) const;
+    /// Letter by letter as it was typed, without "="; empty for a constant.
+    std::string formula(CellAddress cell) const;
+    /// The whole range of the array formula that the cell belongs to.
+    std::optional<CellRange> arrayRange(CellAddress cell) const;
+    Text tag(CellAddress cell) const;
+    Text shownText(CellAddress cell) const;
+    /// The cell's own style, else that of its row, else of its column, else the fresh one.
+    const CellStyle& style(CellAddress cell) const;
+    std::uint32_t styleNumber(CellAddress cell) const;
+    /// Last row and last column that hold data (value, formula, tag or shown text); 0 if none do.
+    int lastDataRow() const;
+    int lastDataColumn() const;
+    /// The span that covers a cell, if one does.
+    std::optional<CellRange> spanAt(CellAddress cell) const;
+    /// The cell's whole span, or the cell alone.
+    CellRange extent(CellAddress cell) const;
+
+    // Writing.
+    /// A constant; empty takes value and formula away. A new value takes the shown text away.
+    void setValue(CellAddress cell, Value value);
+    void setNumber(CellAddress cell, double number) { setValue(cell, Value(number)); }
+    void setText(CellAddress cell, std::string_view text) { setValue(cell, Value::text(text)); }
+    /// With or without a leading "=". An empty text takes a formula away and leaves a constant as it is.
+    std::optional<FormulaProblem> setFormula(CellAddress cell, std::string_view text);
+    std::optional<FormulaProblem> setArrayFormula(const CellRange& range, std::string_view text);
+    void setTag(CellAddress cell, std::string_view tag);
+    /// A text shown instead of the value; it feeds no dependents. Empty: the value shows again.
+    void setShownText(CellAddress cell, std::string_view text);
+    void setStyle(CellAddress cell, const CellStyle& style);
+    /// Changes the style of every cell of a range; whole rows and columns keep theirs by row or column.
+    void restyle(const CellRange& range, const std::function<void(CellStyle&)>& change);
+    /// Takes values, formulas and shown texts away; styles and tags stay.
+    void clearContents(const CellRange& range);
+    /// Merges; spans that it meets are taken away first. A single cell makes no span.
+    void addSpan(const CellRange& range);
+    void removeSpans(const CellRange& range);
+
+    // Structure. Nothing changes, and the reason (one Chinese sentence) comes back, if the sheet would
+    // lose data or an array formula would be cut.
+    std::optional<std::string> insertRows(int row, int count);
+    std::optional<std::string> deleteRows(int row, int count);
+    std::optional<std::string> insertColumns(int column, int count);
+    std::optional<std::string> deleteColumns(int column, int count);
+    /// Copies cells with styles, tags and shifted references onto another place of any sheet.
+    std::optional<std::string> copyCells(const CellRange& from, Sheet& target, CellAddress to);
+    /// Moves cells; references to them follow, from wherever they are.
+    std::optional<std::string> moveCells(const CellRange& from, Sheet& target, CellAddress to);
+    /// Copies the range's first row (column) over its other rows (columns).
+    std::optional<std::string> fillDown(const CellRange& range);
+    std::optional<std::string> fillRight(const CellRange& range);
+
+    /// The cells themselves: for evaluation, files and painting. Columns count from 1; null if the
+    /// column has never held a cell.
+    const Column* column(int column) const;
+    int storedColumns() const { return static_cast<int>(m_columns.size()); }
+    /// For readers of files, which fill a fresh sheet without undo.
+    Column& loadColumn(int column);
+
+private:
+    friend class Workbook;
+    friend class UndoJournal;
+    friend class SheetStructure;
+    friend class Recalculation;
+
+    Column& editableColumn(int column);
+
+    Workbook& m_workbook;
+    int m_id;
+    SheetSettings m_settings;
+    std::vector<Column> m_columns; ///< column 1 first
+};
+
+} // namespace spreadsheet

@@ -1,0 +1,59 @@
+#pragma once
+#include "spreadsheet/engine/CellAddress.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace spreadsheet {
+
+inline constexpr int defaultColumnWidth = 1080; ///< twips (1/1440 inch)
+inline constexpr int defaultRowHeight = 285;    ///< twips
+
+/// Page set-up of one sheet.
+struct PrintSettings {
+    int marginTop = 864; ///< twips; 0.6 inch
+    int marginBottom = 864;
+    int marginLeft = 864;
+    int marginRight = 864;
+    bool landscape = false;
+    std::string header; ///< code string with "/c", "/fn…" and so on; empty: none
+    std::string footer;
+    bool columnHeadings = false;
+    bool rowHeadings = false;
+    bool gridLines = false;
+    bool border = false;
+    bool colour = true;
+    bool shadows = false;
+    int titleTop = 0; ///< rows repeated on each page; 0: none
+    int titleBottom = 0;
+    friend bool operator==(const PrintSettings&, const PrintSettings&) = default;
+};
+
+/// One axis of a sheet: sizes in twips that differ from the default, and what is hidden.
+struct AxisSizes {
+    int defaultSize = defaultRowHeight;
+    std::map<int, int> sizes;   ///< by row or column from 1
+    std::map<int, bool> hidden; ///< only entries that are true
+
+    int size(int index) const; ///< 0 for a hidden one
+    friend bool operator==(const AxisSizes&, const AxisSizes&) = default;
+};
+
+/// What a sheet has besides its cells.
+struct SheetSettings {
+    std::string name;
+    int rowCount = 500; ///< at most maxRows
+    int columnCount = 50;
+    AxisSizes rows{defaultRowHeight, {}, {}};
+    AxisSizes columns{defaultColumnWidth, {}, {}};
+    std::map<int, std::uint32_t> rowStyles; ///< style of a whole row, by row
+    std::map<int, std::uint32_t> columnStyles;
+    std::vector<CellRange> spans; ///< merged cells; they never overlap
+    int frozenRows = 0;
+    int frozenColumns = 0;
+    PrintSettings print;
+    friend bool operator==(const SheetSettings&, const SheetSettings&) = default;
+};
+
+} // namespace spreadsheet

@@ -1,0 +1,24 @@
+#pragma once
+#include "spreadsheet/engine/CellStyle.h"
+
+#include <deque>
+#include <unordered_map>
+
+namespace spreadsheet {
+
+/// All looks of a workbook's cells, each once. Number 0 is the look of a fresh cell.
+class StylePool {
+public:
+    StylePool() { intern(CellStyle{}); }
+
+    /// The number of a style, which it keeps for the workbook's life.
+    std::uint32_t intern(const CellStyle& style);
+    const CellStyle& operator[](std::uint32_t number) const { return m_styles[number]; }
+    std::size_t size() const { return m_styles.size(); }
+
+private:
+    std::deque<CellStyle> m_styles; ///< a deque: references stay good
+    std::unordered_multimap<std::size_t, std::uint32_t> m_byHash;
+};
+
+} // namespace spreadsheet

@@ -1,0 +1,124 @@
+#pragma once
+#include "spreadsheet/engine/CustomFunction.h"
+#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/engine/Sheet.h"
+#include "spreadsheet/engine/StylePool.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace spreadsheet {
+
+class FormulaPool;
+class NameTable;
+class Recalculation;
+class UndoJournal;
+
+/// What a recalculation did.
+struct RecalculationReport {
+    std::size_t evaluatedCells = 0;
+    std::vector<CallPlace> circular; ///< cells that depend on themselves; they show #REF!
+};
+
+/// Sheets with everything that they share. Sheets count from 1. Not for several threads at once.
+class Workbook {
+public:
+    /// One empty sheet, "Sheet1".
+    Workbook();
+    ~Workbook();
+    Workbook(const Workbook&) = delete;
+    Workbook& operator=(const Workbook&) = delete;
+
+    int sheetCount() const { return static_cast<int>(m_sheets.size()); }
+    /// @throws std::out_of_range
+    Sheet& sheet(int index);
+    const Sheet& sheet(int index) const;
+    /// Index of the sheet of that name, letter case ignored; 0 if there is none.
+    int sheetIndex(std::string_view name) const;
+    /// Index of the sheet with that id; 0 if it is gone.
+    int sheetIndexOfId(int id) const;
+    int activeSheet() const { return m_activeSheet; }
+    void setActiveSheet(int index);
+
+    // Each gives the reason, one Chinese sentence, if it refuses.
+    std::optional<std::string> addSheet(std::string_view name, int before = 0); ///< 0: at the end
+    std::optional<std::string> removeSheet(int index); ///< references to it become #REF!
+    std::optional<std::string> renameSheet(int index, std::string_view name);
+    std::optional<std::string> moveSheet(int from, int to);
+    /// Adds sheets with fresh names at the end or takes sheets from the end away.
+    std::optional<std::string> setSheetCount(int count);
+
+    StylePool& styles() { return m_styles; }
+    const StylePool& styles() const { return m_styles; }
+    FormulaPool& formulas() { return *m_formulas; }
+    const FormulaPool& formulas() const { return *m_formulas; }
+    const NameTable& names() const { return *m_names; }
+    /// Defines or replaces a name ("税率" for "Sheet1!$B$1"); an empty formula takes it away.
+    std::optional<FormulaProblem> defineName(std::string_view name, std::string_view formula);
+
+    /// From now on formulas that call `name` (letter case ignored) with this many parameters ask the
+    /// handler; formulas that are already there too. Nothing is recalculated.
+    void registerFunction(std::string_view name, int parameterCount, FunctionHandler handler);
+    /// Empty: calls are not prepared.
+    void setPrepareHook(PrepareHook hook);
+    /// While formulas are shown, custom functions that hand back nothing leave their cell as it is.
+    void setFormulasShown(bool shown) { m_formulasShown = shown; }
+    bool formulasShown() const { return m_formulasShown; }
+
+    /// Computes every formula.
+    RecalculationReport recalculate();
+    /// Computes what depends on changes since the last recalculation, and volatile functions.
+    RecalculationReport recalculateChanged();
+    /// Forgets pending changes: what a file stored counts as computed.
+    void markCalculated();
+
+    // Undo. Off at first, so that filling a workbook by program costs nothing.
+    void setUndoEnabled(bool enabled);
+    bool canUndo() const;
+    bool canRedo() const;
+    std::string undoLabel() const;
+    void undo(); ///< and recalculates what depends on it
+    void redo();
+
+    /// Changes with every edit; equal numbers mean an unchanged workbook.
+    std::uint64_t revision() const { return m_revision; }
+    /// Bytes held by cells, formulas and the dependency graph.
+    std::size_t bytes() const;
+
+    UndoJournal& journal() { return *m_journal; }
+    Recalculation& recalculation() { return *m_recalculation; }
+
+private:
+    friend class Sheet;
+    friend class UndoJournal;
+    friend class UndoStep;
+    friend class SheetStructure;
+
+    std::vector<std::unique_ptr<Sheet>> m_sheets;
+    StylePool m_styles;
+    std::unique_ptr<FormulaPool> m_formulas;
+    std::unique_ptr<NameTable> m_names;
+    std::unique_ptr<Recalculation> m_recalculation;
+    std::unique_ptr<UndoJournal> m_journal;
+    int m_activeSheet = 1;
+    int m_nextSheetId = 1;
+    bool m_formulasShown = false;
+    std::uint64_t m_revision = 0;
+};
+
+/// While it lives, all changes form one undo step.
+class UndoStep {
+public:
+    UndoStep(Workbook& workbook, std::string label);
+    ~UndoStep();
+    UndoStep(const UndoStep&) = delete;
+    UndoStep& operator=(const UndoStep&) = delete;
+
+private:
+    Workbook& m_workbook;
+};
+
+} // namespace spreadsheet

@@ -1,0 +1,23 @@
+#pragma once
+#include "spreadsheet/engine/CellStyle.h"
+#include "spreadsheet/engine/Value.h"
+
+#include <string>
+
+namespace spreadsheet {
+
+/// What a cell of this style shows for a value. It depends on nothing else: neither on the column's
+/// width nor on a locale. A value that does not fit the type shows as it is (a text in a number cell).
+///
+/// date "2026-12-31" of a serial day number; time "13:45:00" of a day's fraction;
+/// currency "￥1,234.50" with two decimals; number with the style's decimals, no grouping;
+/// percent "12.50%"; scientific "1.23E+04". Decimals are rounded half away from zero.
+std::string displayText(const Value& value, const CellStyle& style);
+
+/// A number in at most 15 significant digits, as cells without a number type show it.
+std::string generalNumberText(double number);
+
+/// `decimals` (0 to 15) places after the point, rounded half away from zero on the decimal digits.
+std::string fixedNumberText(double number, int decimals, bool grouped = false);
+
+} // namespace spreadsheet
