@@ -1,8 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/CellBlock.h"
 
-#include <functional>
-#include <span>
 #include <vector>
 
 namespace spreadsheet {
@@ -34,9 +32,6 @@ public:
     };
     /// The cell to write to; its block is made, grown or unshared as needed.
     Place writable(int row);
-    /// As `writable`, but nothing is made for an empty place: null index is -1.
-    const Slot* existing(int row) const { return find(row); }
-
     /// Moves everything from `row` on down by `count` rows (a block that straddles is split).
     void insertRows(int row, int count);
     void removeRows(int row, int count);
