@@ -127,7 +127,7 @@ std::string generalNumberText(double number)
     const DecimalDigits digits = decimalDigits(number);
     if (digits.digits.empty())
         return "0";
-    if (digits.exponent > 21 || digits.exponent < -4 - 5)
+    if (digits.exponent > 21 || digits.exponent < -8)
         return scientificText(digits, -1);
     std::string text = wholePart(digits);
     const std::string places = fraction(digits);

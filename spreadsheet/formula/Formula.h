@@ -1,0 +1,88 @@
+#pragma once
+#include "spreadsheet/engine/Value.h"
+#include "spreadsheet/formula/ReferenceSlot.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace spreadsheet {
+
+struct FunctionDescriptor;
+class Array;
+
+/// Steps of the stack machine.
+enum class Op : std::uint8_t {
+    // Operands; `index` chooses from the formula's constants, slots or names.
+    number,
+    text,
+    boolean, ///< index 0 or 1
+    error,   ///< index is the CellError
+    missing, ///< an argument left out between two commas
+    array,
+    reference,
+    name,
+    // Operators.
+    add,
+    subtract,
+    multiply,
+    divide,
+    power,
+    concatenate,
+    equal,
+    notEqual,
+    less,
+    lessEqual,
+    greater,
+    greaterEqual,
+    negate,
+    plus,
+    percent,
+    range,
+    intersect,
+    unite,
+    // Calls; `count` arguments lie on the stack.
+    call,       ///< a function of the table
+    callCustom, ///< index of the custom function's name
+    // Branches that are not taken are not evaluated; targets are positions in the code.
+    jumpIfFalse, ///< takes the condition; to `index` if false, to `other` with an error
+    jump,
+    choose,   ///< takes the number; table of targets follows as `jump` steps, `count` of them
+    jumpIfOk, ///< keeps a value that is no error and jumps; else takes it (count 1: only #N/A)
+};
+
+struct Instruction {
+    Op op = Op::missing;
+    bool arrayMode = false; ///< elements one by one instead of implicit intersection
+    std::uint16_t count = 0;
+    std::int32_t index = 0;
+    std::int32_t other = 0;
+};
+
+/// A formula in relative form: text template, references and compiled code. All cells filled down
+/// or across, and equal formulas typed one by one, share one.
+struct Formula {
+    // The text: pieces[0] slot 0 pieces[1] slot 1 … pieces[n].
+    std::vector<std::string> pieces;
+    std::vector<ReferenceSlot> slots;
+
+    std::vector<Instruction> code;
+    std::vector<double> numbers;
+    std::vector<Text> texts;
+    std::vector<std::shared_ptr<const Array>> arrays;
+    std::vector<const FunctionDescriptor*> functions; ///< by `index` of call
+    std::vector<int> names;                           ///< numbers of NameTable
+    std::vector<int> customs;                         ///< numbers of CustomFunctions
+
+    bool isArrayFormula = false;
+    bool isVolatile = false;     ///< evaluated by every recalculation
+    bool readsUnlisted = false;  ///< may read cells that its slots do not name (OFFSET, INDIRECT)
+    bool dependsOnPlace = false; ///< changes when its cell is moved (ROW() without argument)
+    bool blockwise = false;      ///< BlockEvaluator can take it
+    int stackDepth = 1;
+
+    bool callsCustom() const { return !customs.empty(); }
+};
+
+} // namespace spreadsheet

@@ -1,0 +1,123 @@
+#include "spreadsheet/formula/ReferenceSlot.h"
+
+#include "spreadsheet/engine/CellError.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+namespace spreadsheet {
+
+namespace {
+
+void appendColumn(AxisPoint point, int base, std::uint8_t lowerCase, std::string& text)
+{
+    if (point.absolute)
+        text += '$';
+    std::string letters = columnName(point.at(base));
+    for (std::size_t i = 0; i < letters.size(); ++i) {
+        if (lowerCase >> i & 1)
+            letters[i] = static_cast<char>(letters[i] | 0x20);
+    }
+    text += letters;
+}
+
+void appendRow(AxisPoint point, int base, std::string& text)
+{
+    if (point.absolute)
+        text += '$';
+    std::array<char, 12> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), point.at(base));
+    text.append(digits.data(), end.ptr);
+}
+
+bool needsQuotes(std::string_view name)
+{
+    if (name.empty() || (name.front() >= '0' && name.front() <= '9') || parseCellName(name))
+        return true;
+    return !std::ranges::all_of(name, [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte >= 0x80 || byte == '_' || byte == '.' || (byte >= '0' && byte <= '9') ||
+               ((byte | 0x20) >= 'a' && (byte | 0x20) <= 'z');
+    });
+}
+
+} // namespace
+
+std::optional<CellRange> ReferenceSlot::range(CellAddress base) const
+{
+    if (shape == Shape::broken)
+        return std::nullopt;
+    CellRange cells{1, 1, maxColumns, maxRows};
+    if (shape != Shape::rows) {
+        cells.left = left.at(base.column);
+        cells.right = shape == Shape::cell ? cells.left : right.at(base.column);
+        if (cells.left > cells.right)
+            std::swap(cells.left, cells.right);
+    }
+    if (shape != Shape::columns) {
+        cells.top = top.at(base.row);
+        cells.bottom = shape == Shape::cell ? cells.top : bottom.at(base.row);
+        if (cells.top > cells.bottom)
+            std::swap(cells.top, cells.bottom);
+    }
+    if (cells.left < 1 || cells.right > maxColumns || cells.top < 1 || cells.bottom > maxRows)
+        return std::nullopt;
+    return cells;
+}
+
+void ReferenceSlot::render(CellAddress base, std::string& text) const
+{
+    text += sheetText;
+    if (!range(base)) {
+        text += errorText(CellError::ref);
+        return;
+    }
+    if (shape != Shape::rows)
+        appendColumn(left, base.column, lowerCaseLeft, text);
+    if (shape != Shape::columns)
+        appendRow(top, base.row, text);
+    if (shape == Shape::cell)
+        return;
+    text += ':';
+    if (shape != Shape::rows)
+        appendColumn(right, base.column, lowerCaseRight, text);
+    if (shape != Shape::columns)
+        appendRow(bottom, base.row, text);
+}
+
+void ReferenceSlot::appendKey(std::string& key) const
+{
+    const auto append = [&key](int number) {
+        key.append(reinterpret_cast<const char*>(&number), sizeof number);
+    };
+    key += static_cast<char>('A' + static_cast<int>(shape));
+    key += static_cast<char>(left.absolute | top.absolute << 1 | right.absolute << 2 | bottom.absolute << 3);
+    key += static_cast<char>(lowerCaseLeft | lowerCaseRight << 3);
+    append(left.value);
+    append(top.value);
+    if (shape != Shape::cell) {
+        append(right.value);
+        append(bottom.value);
+    }
+    if (firstSheet != 0) {
+        append(firstSheet);
+        append(lastSheet);
+        key += sheetText;
+    }
+}
+
+std::string sheetPrefix(std::string_view sheetName)
+{
+    if (!needsQuotes(sheetName))
+        return std::string(sheetName) + "!";
+    std::string quoted = "'";
+    for (const char c : sheetName) {
+        quoted += c;
+        if (c == '\'')
+            quoted += c;
+    }
+    return quoted + "'!";
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,61 @@
+#include "spreadsheet/functions/FunctionTable.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace spreadsheet {
+
+char FunctionDescriptor::kind(std::size_t argument) const
+{
+    if (argument < kinds.size())
+        return kinds[argument];
+    const auto step = static_cast<std::size_t>(repeat);
+    return kinds[kinds.size() - step + (argument - kinds.size()) % step];
+}
+
+namespace {
+
+std::vector<const FunctionDescriptor*> collect()
+{
+    std::vector<const FunctionDescriptor*> all;
+    for (const auto table : {mathematicalFunctions(), statisticalFunctions(), logicalFunctions(),
+                             lookupFunctions(), textFunctions(), dateFunctions(), informationFunctions()}) {
+        for (const FunctionDescriptor& function : table)
+            all.push_back(&function);
+    }
+    std::ranges::sort(all, {}, &FunctionDescriptor::name);
+    return all;
+}
+
+const std::vector<const FunctionDescriptor*>& sortedFunctions()
+{
+    static const std::vector<const FunctionDescriptor*> functions = collect();
+    return functions;
+}
+
+} // namespace
+
+const FunctionDescriptor* findFunction(std::string_view name)
+{
+    std::string upper(name);
+    for (char& c : upper)
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    const auto& all = sortedFunctions();
+    const auto found = std::ranges::lower_bound(all, std::string_view(upper), {}, &FunctionDescriptor::name);
+    return found != all.end() && (*found)->name == upper ? *found : nullptr;
+}
+
+std::span<const FunctionDescriptor* const> allFunctions()
+{
+    return sortedFunctions();
+}
+
+std::string_view familyName(FunctionFamily family)
+{
+    static constexpr std::array<std::string_view, 10> names{
+        "财务", "日期与时间", "数学与三角", "统计", "查找与引用", "数据库", "文本", "逻辑", "信息", "工程"};
+    return names[static_cast<std::size_t>(family)];
+}
+
+} // namespace spreadsheet
