@@ -1,0 +1,199 @@
+#include "platform/database/Connection.h"
+
+#include "platform/database/connection_string.h"
+#include "platform/database/odbc/odbc_open.h"
+#include "platform/database/Session.h"
+#include "platform/database/SessionPool.h"
+#include "platform/database/sqlite/SqliteSession.h"
+
+#include <atomic>
+
+namespace selfreport {
+
+namespace {
+
+struct AtomicCounters {
+    std::atomic<std::int64_t> opens = 0;
+    std::atomic<std::int64_t> closes = 0;
+    std::atomic<std::int64_t> sessions = 0;
+    std::atomic<std::int64_t> procedureCalls = 0;
+    std::atomic<std::int64_t> batches = 0;
+};
+AtomicCounters counters;
+
+std::unique_ptr<Session> openSession(std::string_view connectionString)
+{
+    const ConnectionSettings settings = parseConnectionString(connectionString);
+    ++counters.sessions;
+    if (settings.provider == DatabaseProvider::sqlite)
+        return std::make_unique<SqliteSession>(settings.value("Data Source"));
+    return openOdbcSession(settings);
+}
+
+} // namespace
+
+std::unique_ptr<Connection> openConnection(std::string_view connectionString)
+{
+    const std::string key(connectionString);
+    std::unique_ptr<Session> session = SessionPool::instance().take(key);
+    const bool reused = session != nullptr;
+    if (!reused)
+        session = openSession(connectionString);
+    ++counters.opens;
+    return std::unique_ptr<Connection>(new Connection(key, std::move(session), reused));
+}
+
+Connection::Connection(std::string connectionString, std::unique_ptr<Session> session, bool reused)
+    : m_connectionString(std::move(connectionString))
+    , m_session(std::move(session))
+    , m_unproven(reused)
+{
+}
+
+Connection::~Connection()
+{
+    ++counters.closes;
+    SessionPool::instance().giveBack(m_connectionString, std::move(m_session));
+}
+
+void Connection::replaceDeadSession()
+{
+    m_session = openSession(m_connectionString);
+    m_unproven = false;
+}
+
+/// Runs work that may be repeated. An idle session may have died since; only its first use is done again, on
+/// a fresh session: later on the work may depend on what this connection did before.
+template <typename Work>
+auto Connection::withSession(const Work& work)
+{
+    if (m_unproven) {
+        m_unproven = false;
+        try {
+            return work(*m_session);
+        } catch (const ConnectionLost&) {
+            replaceDeadSession();
+        }
+    }
+    return work(*m_session);
+}
+
+std::int64_t Connection::execute(std::string_view sql, std::span<const SqlValue> values)
+{
+    // A change must not be sent twice, so an idle session is asked for a sign of life before it.
+    if (m_unproven && !m_session->answers())
+        replaceDeadSession();
+    m_unproven = false;
+    return m_session->execute(sql, values);
+}
+
+std::int64_t Connection::execute(std::string_view sql, std::initializer_list<SqlValue> values)
+{
+    return execute(sql, std::span(values.begin(), values.size()));
+}
+
+Recordset Connection::query(std::string_view sql, std::span<const SqlValue> values, BinaryColumns binaries)
+{
+    return withSession([&](Session& session) { return session.query(sql, values, binaries); });
+}
+
+Recordset Connection::query(std::string_view sql, std::initializer_list<SqlValue> values,
+                            BinaryColumns binaries)
+{
+    return query(sql, std::span(values.begin(), values.size()), binaries);
+}
+
+Recordset Connection::query(std::string_view sql, BinaryColumns binaries)
+{
+    return query(sql, std::span<const SqlValue>(), binaries);
+}
+
+ProcedureResult Connection::call(const ProcedureCall& call)
+{
+    return std::move(callProcedures(std::span(&call, 1)).front());
+}
+
+std::vector<ProcedureResult> Connection::callProcedures(std::span<const ProcedureCall> calls)
+{
+    ++counters.batches;
+    counters.procedureCalls += static_cast<std::int64_t>(calls.size());
+    std::vector<ProcedureResult> results(calls.size());
+    std::vector<ProcedureCall> sent;
+    std::vector<std::size_t> places;
+    for (std::size_t at = 0; at < calls.size(); ++at) {
+        results[at].error = oversizedParameter(calls[at]);
+        if (results[at].error)
+            continue;
+        sent.push_back(calls[at]);
+        places.push_back(at);
+    }
+    try {
+        auto answers = withSession([&](Session& session) { return session.callProcedures(sent); });
+        for (std::size_t at = 0; at < places.size(); ++at)
+            results[places[at]] = std::move(answers[at]);
+    } catch (const DatabaseError& error) {
+        for (const std::size_t place : places)
+            results[place].error = error;
+    }
+    return results;
+}
+
+void Connection::begin()
+{
+    withSession([](Session& session) { session.begin(); });
+}
+
+void Connection::commit()
+{
+    m_session->commit();
+}
+
+void Connection::rollBack()
+{
+    m_session->rollBack();
+}
+
+bool Connection::inTransaction() const
+{
+    return m_session->inTransaction();
+}
+
+void Connection::cancel()
+{
+    m_session->cancel();
+}
+
+Transaction::Transaction(Connection& connection)
+    : m_connection(connection)
+{
+    m_connection.begin();
+}
+
+Transaction::~Transaction()
+{
+    if (!m_isOpen)
+        return;
+    try {
+        m_connection.rollBack();
+    } catch (const std::exception&) {
+        // The session is gone and its transaction with it: nothing is left to roll back.
+    }
+}
+
+void Transaction::commit()
+{
+    m_connection.commit();
+    m_isOpen = false;
+}
+
+DatabaseCounters databaseCounters()
+{
+    return {counters.opens, counters.closes, counters.sessions, counters.procedureCalls, counters.batches};
+}
+
+void closeIdleSessions()
+{
+    SessionPool::instance().clear();
+}
+
+} // namespace selfreport

@@ -1,0 +1,99 @@
+#pragma once
+#include "platform/database/ProcedureCall.h"
+#include "platform/database/Recordset.h"
+#include "platform/database/SqlValue.h"
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace selfreport {
+
+class Session;
+
+/// An open connection to the ledger's database. Statements are the T-SQL of the server; the embedded database
+/// understands what the module needs of it. "?" takes the next bound value.
+///
+/// Destroying the connection hands its session back for the next one with the same connection string, a
+/// transaction that is still open is rolled back first. A session that died while it lay idle is replaced
+/// unseen. No time limit on statements. All operations throw DatabaseError.
+class Connection {
+public:
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    /// Runs a statement that gives no rows. Returns the number of rows that it changed.
+    std::int64_t execute(std::string_view sql, std::span<const SqlValue> values = {});
+    std::int64_t execute(std::string_view sql, std::initializer_list<SqlValue> values);
+
+    Recordset query(std::string_view sql, BinaryColumns binaries = BinaryColumns::left);
+    Recordset query(std::string_view sql, std::span<const SqlValue> values,
+                    BinaryColumns binaries = BinaryColumns::left);
+    Recordset query(std::string_view sql, std::initializer_list<SqlValue> values,
+                    BinaryColumns binaries = BinaryColumns::left);
+
+    /// A failed call is a result with an error, never an exception.
+    ProcedureResult call(const ProcedureCall& call);
+
+    /// The same results as one call() after the other, with a round trip for up to 200 calls.
+    std::vector<ProcedureResult> callProcedures(std::span<const ProcedureCall> calls);
+
+    void begin();
+    void commit();
+    void rollBack();
+    bool inTransaction() const;
+
+    /// Stops the statement under way, from any thread; it fails with DatabaseError.
+    void cancel();
+
+private:
+    friend std::unique_ptr<Connection> openConnection(std::string_view connectionString);
+    Connection(std::string connectionString, std::unique_ptr<Session> session, bool reused);
+
+    template <typename Work>
+    auto withSession(const Work& work);
+    void replaceDeadSession();
+
+    std::string m_connectionString;
+    std::unique_ptr<Session> m_session;
+    bool m_unproven; ///< the session lay idle and has not yet answered on this connection
+};
+
+/// Opens the database of a connection string ("Provider=SQLite;Data Source=<file>", or a server's).
+/// @throws DatabaseError with loginRejected or unspecifiedError
+std::unique_ptr<Connection> openConnection(std::string_view connectionString);
+
+/// Rolls back at the end of its scope unless committed.
+class Transaction {
+public:
+    explicit Transaction(Connection& connection);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    void commit();
+
+private:
+    Connection& m_connection;
+    bool m_isOpen = true;
+};
+
+/// What this process did so far.
+struct DatabaseCounters {
+    std::int64_t opens = 0;          ///< connections opened
+    std::int64_t closes = 0;         ///< connections given up
+    std::int64_t sessions = 0;       ///< physical sessions opened below them
+    std::int64_t procedureCalls = 0; ///< each call of a batch counts
+    std::int64_t batches = 0;        ///< callProcedures() and call()
+};
+DatabaseCounters databaseCounters();
+
+/// Closes all idle sessions, so that a database file can be replaced or removed on any system.
+void closeIdleSessions();
+
+} // namespace selfreport

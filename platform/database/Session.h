@@ -1,0 +1,46 @@
+#pragma once
+#include "platform/database/ProcedureCall.h"
+#include "platform/database/Recordset.h"
+#include "platform/database/SqlValue.h"
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace selfreport {
+
+/// One physical session of a provider. Used by one thread at a time; only cancel() may come from another.
+/// Failures throw DatabaseError, a broken session ConnectionLost.
+class Session {
+public:
+    Session() = default;
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    virtual ~Session() = default;
+
+    virtual std::int64_t execute(std::string_view sql, std::span<const SqlValue> values) = 0;
+    virtual Recordset query(std::string_view sql, std::span<const SqlValue> values,
+                            BinaryColumns binaries) = 0;
+
+    /// One result for each call, in order. Calls do not spoil each other; texts fit their parameters.
+    virtual std::vector<ProcedureResult> callProcedures(std::span<const ProcedureCall> calls) = 0;
+
+    virtual void begin() = 0;
+    virtual void commit() = 0;
+    virtual void rollBack() = 0;
+    virtual bool inTransaction() const = 0;
+
+    /// Cheap look whether the session is still good, without a round trip.
+    virtual bool looksAlive() = 0;
+
+    /// Asks the server for a sign of life. False if the session is gone.
+    virtual bool answers() = 0;
+
+    /// Puts the session into its first state, out of any transaction. False if it must be thrown away.
+    virtual bool resetForReuse() = 0;
+
+    virtual void cancel() = 0;
+};
+
+} // namespace selfreport

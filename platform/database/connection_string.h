@@ -1,0 +1,29 @@
+#pragma once
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace selfreport {
+
+enum class DatabaseProvider { sqlite, odbc };
+
+/// The "key=value;" pairs of a connection string under their main names ("Data Source", "Initial Catalog",
+/// "User ID", "Password", "Integrated Security", "Connect Timeout", ...), in order of first appearance.
+struct ConnectionSettings {
+    DatabaseProvider provider = DatabaseProvider::odbc;
+    /// Not empty: the string names a driver or data source and goes to ODBC as it stands.
+    std::string odbcString;
+    std::vector<std::pair<std::string, std::string>> values;
+
+    /// "" if the key is not there. The main name of the key is asked for.
+    const std::string& value(std::string_view key) const;
+};
+
+/// Reads a connection string: keys without regard to letter case and blanks around them; values bare or in
+/// apostrophes or quotes, a doubled quote inside standing for one; "==" in a key stands for "="; of equal
+/// keys the last one counts; synonyms are one key. "Driver=", "DSN=" and Provider=MSDASQL go to ODBC.
+/// @throws DatabaseError (unspecifiedError) if it is empty, malformed, or of a provider that we do not have
+ConnectionSettings parseConnectionString(std::string_view text);
+
+} // namespace selfreport

@@ -1,0 +1,43 @@
+#pragma once
+#include "platform/database/Session.h"
+#include "platform/database/sqlite/acct_procedure.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+#include "platform/database/sqlite/StatementCache.h"
+
+#include <string>
+
+namespace selfreport {
+
+/// A session on the embedded database; runs the stored procedure itself.
+class SqliteSession final : public Session {
+public:
+    /// @throws DatabaseError
+    explicit SqliteSession(const std::string& file);
+
+    std::int64_t execute(std::string_view sql, std::span<const SqlValue> values) override;
+    Recordset query(std::string_view sql, std::span<const SqlValue> values, BinaryColumns binaries) override;
+    std::vector<ProcedureResult> callProcedures(std::span<const ProcedureCall> calls) override;
+    void begin() override;
+    void commit() override;
+    void rollBack() override;
+    bool inTransaction() const override;
+    bool looksAlive() override;
+    bool answers() override { return looksAlive(); }
+    bool resetForReuse() override;
+    void cancel() override;
+
+private:
+    struct FileIdentity {
+        std::uint64_t device = 0;
+        std::uint64_t number = 0;
+        bool operator==(const FileIdentity&) const = default;
+    };
+    static FileIdentity identityOf(const std::string& file);
+
+    SqliteDatabase m_database;
+    FileIdentity m_identity; ///< of the file when it was opened
+    StatementCache m_statements;
+    AcctProcedure m_acctProcedure;
+};
+
+} // namespace selfreport

@@ -1,0 +1,135 @@
+#include "platform/database/sqlite/acct_procedure.h"
+
+#include "platform/database/DatabaseError.h"
+
+#include <charconv>
+
+namespace selfreport {
+
+namespace {
+
+const std::string& parameter(const ProcedureCall& call, std::string_view name)
+{
+    if (const std::string* value = call.value(name))
+        return *value;
+    throw DatabaseError(unspecifiedError, "存储过程 " + call.procedure + " 缺少参数 " + std::string(name));
+}
+
+/// A year or period; nothing for a blank text.
+std::optional<std::int64_t> wholeNumber(const ProcedureCall& call, std::string_view name)
+{
+    std::string_view text = parameter(call, name);
+    while (text.starts_with(' '))
+        text.remove_prefix(1);
+    while (text.ends_with(' '))
+        text.remove_suffix(1);
+    if (text.empty())
+        return std::nullopt;
+    std::int64_t number = 0;
+    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size())
+        throw DatabaseError(unspecifiedError, "存储过程 " + call.procedure + " 的参数 " + std::string(name) +
+                                                  " 不是整数: " + std::string(text));
+    return number;
+}
+
+std::optional<Recordset::Cell> firstCell(SqliteStatement& statement, bool asText)
+{
+    std::optional<Recordset::Cell> cell;
+    if (statement.step() && !statement.isNull(0))
+        cell = asText ? Recordset::Cell(statement.text(0)) : Recordset::Cell(statement.integer(0));
+    statement.reset();
+    return cell;
+}
+
+std::optional<std::int64_t> firstInteger(SqliteStatement& statement)
+{
+    const auto cell = firstCell(statement, false);
+    return cell ? std::optional(std::get<std::int64_t>(*cell)) : std::nullopt;
+}
+
+} // namespace
+
+AcctProcedure::AcctProcedure(const SqliteDatabase& database)
+    : m_statements(database, [](std::string_view text) { return std::string(text); })
+{
+}
+
+/// Each account's latest year is the end of one run of its index, so no scan of the ledger is needed.
+std::int64_t AcctProcedure::latestYear()
+{
+    return firstInteger(m_statements.statement(
+                            "select max((select max(fYear) from tblAccountBal where faccountid=b.fitemid and "
+                            "fDetailId=0)) from tblAccount as b"))
+        .value_or(0);
+}
+
+std::int64_t AcctProcedure::lastPeriod(std::int64_t year)
+{
+    SqliteStatement& statement = m_statements.statement(
+        "select max((select max(fPeriod) from tblAccountBal where faccountid=b.fitemid and fDetailId=0 and "
+        "fYear=?)) from tblAccount as b");
+    const SqlValue value = year;
+    statement.bind({&value, 1});
+    return firstInteger(statement).value_or(1);
+}
+
+std::optional<AcctSelection> AcctProcedure::selectionOf(const ProcedureCall& call)
+{
+    AcctSelection selection;
+    SqliteStatement& keys = m_statements.statement("select fKey from tblSelfReportFieldKey where fKey=?");
+    const SqlValue key = parameter(call, "strField");
+    keys.bind({&key, 1});
+    const auto known = firstCell(keys, true);
+    selection.kind = known ? acctKindOf(std::get<std::string>(*known)) : nullptr;
+    if (!selection.kind)
+        return std::nullopt;
+    if (const std::string& code = parameter(call, "currenct"); !code.empty()) {
+        SqliteStatement& currencies =
+            m_statements.statement("select fitemid from tblCurrency where fnumber=?");
+        const SqlValue bound = code;
+        currencies.bind({&bound, 1});
+        selection.currency = firstInteger(currencies);
+        if (!selection.currency)
+            return std::nullopt;
+    }
+    const auto year = wholeNumber(call, "fYear");
+    const auto first = wholeNumber(call, "fPeriod1");
+    const auto last = wholeNumber(call, "fPeriod2");
+    selection.year = year ? *year : latestYear();
+    selection.firstPeriod = first.value_or(1);
+    selection.lastPeriod = last ? *last : lastPeriod(selection.year);
+    return selection;
+}
+
+std::optional<std::string> AcctProcedure::finalSql(const ProcedureCall& call)
+{
+    const auto selection = selectionOf(call);
+    if (!selection)
+        return std::nullopt;
+    return acctSql(parameter(call, "strSql"), *selection);
+}
+
+ProcedureResult AcctProcedure::run(const ProcedureCall& call)
+{
+    ProcedureResult result;
+    const auto sql = finalSql(call);
+    result.returnValue = sql ? 1 : 0;
+    if (!sql)
+        return result;
+    const LiftedSql lifted = liftLiterals(*sql);
+    SqliteStatement& statement = m_statements.statement(lifted.shape);
+    std::vector<SqlValue> values;
+    for (const auto& literal : lifted.literals)
+        std::visit([&](const auto& value) { values.emplace_back(value); }, literal);
+    statement.bind(values);
+    result.rows = statement.rows();
+    return result;
+}
+
+std::optional<std::string> finalAcctSql(const SqliteDatabase& database, const ProcedureCall& call)
+{
+    return AcctProcedure(database).finalSql(call);
+}
+
+} // namespace selfreport

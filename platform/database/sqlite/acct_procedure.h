@@ -1,0 +1,42 @@
+#pragma once
+#include "platform/database/ProcedureCall.h"
+#include "platform/database/sqlite/acct_sql.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+#include "platform/database/sqlite/StatementCache.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace selfreport {
+
+/// The ledger's stored procedure for the embedded database.
+///
+/// Parameters strSql, strField, currenct, fYear, fPeriod1, fPeriod2. Returns 1 and a row set with column "f",
+/// or 0 without one if the key is no fetch type or the currency is unknown. Empty currency: base amounts of
+/// all currencies. Empty year: the ledger's latest. Empty first period: 1; empty last one: the last with
+/// balances.
+class AcctProcedure {
+public:
+    static constexpr std::string_view name = "sp_GS_AcctProc";
+
+    explicit AcctProcedure(const SqliteDatabase& database);
+
+    /// @throws DatabaseError if the text is refused or a year or period is no whole number
+    ProcedureResult run(const ProcedureCall& call);
+
+    /// The text that run() would run, literals in place. Nothing for an unknown key or currency.
+    std::optional<std::string> finalSql(const ProcedureCall& call);
+
+private:
+    std::optional<AcctSelection> selectionOf(const ProcedureCall& call);
+    std::int64_t latestYear();
+    std::int64_t lastPeriod(std::int64_t year);
+
+    StatementCache m_statements;
+};
+
+/// The final text of a ledger fetch, for running it without this layer.
+std::optional<std::string> finalAcctSql(const SqliteDatabase& database, const ProcedureCall& call);
+
+} // namespace selfreport

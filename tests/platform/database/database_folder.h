@@ -1,0 +1,50 @@
+#pragma once
+#include "platform/database/Connection.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+
+namespace selfreport::testing {
+
+/// A folder of its own for one test, removed afterwards.
+class DatabaseFolder {
+public:
+    DatabaseFolder()
+    {
+        const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+        m_path =
+            std::filesystem::path(::testing::TempDir()) /
+            ("selfreport-" + std::to_string(getpid()) + "-" + test->test_suite_name() + "-" + test->name());
+        std::filesystem::remove_all(m_path);
+        std::filesystem::create_directories(m_path);
+    }
+    ~DatabaseFolder()
+    {
+        closeIdleSessions();
+        std::error_code error;
+        std::filesystem::remove_all(m_path, error);
+    }
+    DatabaseFolder(const DatabaseFolder&) = delete;
+    DatabaseFolder& operator=(const DatabaseFolder&) = delete;
+
+    std::string file(const std::string& name = "ledger.db") const { return (m_path / name).string(); }
+    std::string connectionString(const std::string& name = "ledger.db") const
+    {
+        return "Provider=SQLite;Data Source=" + file(name);
+    }
+
+    /// A new database with all tables, open.
+    std::unique_ptr<Connection> create(const std::string& name = "ledger.db") const
+    {
+        createDatabase(file(name));
+        return openConnection(connectionString(name));
+    }
+
+private:
+    std::filesystem::path m_path;
+};
+
+} // namespace selfreport::testing
