@@ -14,9 +14,13 @@ function(our_sources variable)
   set(${variable} ${found} PARENT_SCOPE)
 endfunction()
 
-# our_static_library(NAME FOLDERS f... LINKS target...)
+# Headers of the toolkit that nearly every source with windows or pages needs.
+set(our_qt_headers <QtWidgets/QtWidgets>)
+
+# our_static_library(NAME [QT] FOLDERS f... LINKS target...)
+# QT: classes with signals and slots, the toolkit's headers precompiled.
 function(our_static_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 our "" "" "FOLDERS;LINKS;PRIVATE_LINKS")
+  cmake_parse_arguments(PARSE_ARGV 1 our "QT" "" "FOLDERS;LINKS;PRIVATE_LINKS")
   our_sources(sources ${our_FOLDERS})
   if(NOT sources)
     add_library(${name} INTERFACE)
@@ -26,6 +30,10 @@ function(our_static_library name)
   add_library(${name} STATIC ${sources})
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${our_LINKS} PRIVATE ${our_PRIVATE_LINKS} our_warnings)
+  if(our_QT)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_precompile_headers(${name} PRIVATE ${our_qt_headers})
+  endif()
 endfunction()
 
 # our_tests(NAME FOLDERS f... LINKS target...): one test program over tests/<folder>.

@@ -1,0 +1,64 @@
+#include "component/application.h"
+#include "component/host_call.h"
+
+#include <QApplication>
+#include <QVersionNumber>
+
+#include <atomic>
+
+namespace selfreport {
+
+namespace {
+
+std::atomic<bool> started = false;
+
+void refuseOtherToolkit()
+{
+    if (const auto other = foreignToolkit())
+        throw HostError("主程序已装入另一版本的界面库,无法显示窗口: " + *other);
+    const QVersionNumber present = QVersionNumber::fromString(QString::fromLatin1(qVersion()));
+    if (present < QVersionNumber::fromString(QStringLiteral(QT_VERSION_STR)))
+        throw HostError(std::string("主程序的界面库版本过低,无法显示窗口: ") + qVersion());
+}
+
+/// The toolkit ends the process when it finds no display, so one that always works stands last in line.
+void makeApplication(Display display)
+{
+    static int count = 1;
+    static char name[] = "selfreport";
+    static char* arguments[] = {name, nullptr};
+    const LocaleKept locale; // the application object sets the user's
+    const QByteArray asked = qgetenv("QT_QPA_PLATFORM");
+    if (asked.isEmpty())
+        qputenv("QT_QPA_PLATFORM", display == Display::needed ? "xcb;wayland;offscreen" : "offscreen");
+    new QApplication(count, arguments);
+    if (asked.isEmpty())
+        qunsetenv("QT_QPA_PLATFORM"); // not for the processes that the host starts
+}
+
+bool displayReached()
+{
+    return QGuiApplication::platformName() != QLatin1String("offscreen") ||
+           qEnvironmentVariable("QT_QPA_PLATFORM") == QLatin1String("offscreen");
+}
+
+} // namespace
+
+void startToolkit(Display display)
+{
+    refuseOtherToolkit();
+    if (QCoreApplication::instance() == nullptr)
+        makeApplication(display);
+    if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr)
+        throw HostError("主程序的界面库没有启用窗口,无法显示报表。");
+    started = true;
+    if (display == Display::needed && !displayReached())
+        throw HostError("没有可用的显示器,无法显示窗口。");
+}
+
+bool toolkitStarted()
+{
+    return started;
+}
+
+} // namespace selfreport

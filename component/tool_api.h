@@ -1,0 +1,41 @@
+#pragma once
+#include "component/export.h"
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+
+namespace selfreport {
+
+/// Where a command writes. UTF-8 texts, lines ended by LF.
+struct ToolStreams {
+    std::ostream& results; ///< what the command is for
+    std::ostream& notes;   ///< progress, diagnostics of cells, and why it failed
+};
+
+/// Files that a report is written to. "" leaves one out. A file that stands is replaced at the very end, by
+/// one that is whole; if anything fails both stay as they were.
+struct ReportFiles {
+    std::string pdf; ///< every sheet
+    std::string csv; ///< every sheet's used area, an empty line between sheets
+};
+
+// The commands of the program. Each returns its exit code: 0, or 1 after a line on `notes` that says why it
+// failed and names the thing. None lets an exception out. `database` is a connection string, or the file name
+// of an embedded database.
+
+/// Writes the demo ledger with its stored reports into a new embedded database.
+/// @param replaces  whether a file that stands there may be replaced
+SELFREPORT_EXPORT int toolDemo(const std::string& file, bool replaces, const ToolStreams& streams) noexcept;
+
+/// One line for each stored report: id, name, who saved it and when, parted by tabs.
+SELFREPORT_EXPORT int toolList(const std::string& database, const ToolStreams& streams) noexcept;
+
+/// Evaluates a stored report and writes it. Cells whose fetch failed or found nothing are listed on `notes`.
+SELFREPORT_EXPORT int toolRun(const std::string& database, std::int32_t reportId, const ReportFiles& files,
+    const ToolStreams& streams) noexcept;
+
+/// Sets figures of the demo reports beside the results of separate queries; 1 also if any two differ.
+SELFREPORT_EXPORT int toolCheck(const std::string& database, const ToolStreams& streams) noexcept;
+
+} // namespace selfreport

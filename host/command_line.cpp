@@ -1,0 +1,126 @@
+#include "host/command_line.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+namespace {
+
+constexpr auto examples = R"(示例:
+  selfreport demo demo.db
+      建立演示账套 demo.db,内有两年凭证和几张报表。
+  selfreport list --db demo.db
+      列出账套中的报表: 编号、名称、保存人、保存时间。
+  selfreport run 1 --db demo.db --pdf 资产负债表.pdf --csv 资产负债表.csv
+      对账套取数并计算 1 号报表,写成 PDF 和 CSV。
+  selfreport run 1 --db "Provider=SQLOLEDB;Data Source=server,1433;Initial Catalog=cw;User ID=u;Password=p" --pdf a.pdf
+      同上,账套在 SQL Server 上。
+
+--db 接受连接串(key=value;…),也接受内置数据库的文件名。
+结果写到标准输出; 进度、取数诊断和错误写到标准错误。
+退出码: 0 成功; 1 失败,标准错误说明原因; 2 命令行有误。)";
+
+/// The library's texts around ours, in Chinese.
+class ChineseFormatter : public CLI::Formatter {
+public:
+    ChineseFormatter()
+    {
+        label("OPTIONS", "选项");
+        label("REQUIRED", "(必填)");
+        label("SUBCOMMAND", "命令");
+        label("SUBCOMMANDS", "命令");
+        column_width(34);
+    }
+    std::string make_usage(const CLI::App* app, std::string name) const override
+    {
+        const std::string usual = CLI::Formatter::make_usage(app, name);
+        return "用法" + usual.substr(usual.find(':'));
+    }
+    std::string make_group(std::string group, bool isPositional,
+                           std::vector<const CLI::Option*> options) const override
+    {
+        return CLI::Formatter::make_group(isPositional ? "参数" : "选项", isPositional, std::move(options));
+    }
+    std::string make_subcommands(const CLI::App* app, CLI::AppFormatMode) const override
+    {
+        std::string text = "\n命令:\n";
+        for (const CLI::App* command : app->get_subcommands({}))
+            text += make_expanded_line(command->get_name(), command->get_description());
+        return text;
+    }
+
+private:
+    std::string make_expanded_line(std::string name, const std::string& description) const
+    {
+        name.resize(std::max<std::size_t>(name.size(), 8), ' ');
+        return "  " + name + description + "\n";
+    }
+};
+
+/// "a, b or c is missing" and the like come from the library in English; what is wrong stands first.
+int refusal(const CLI::App& app, const CLI::ParseError& error)
+{
+    std::cerr << "命令行有误: " << error.what() << "\n用 " << app.get_name() << " --help 查看用法。\n";
+    return 2;
+}
+
+CLI::App* addCommand(CLI::App& app, const char* name, const char* description)
+{
+    CLI::App* command = app.add_subcommand(name, description);
+    command->set_help_flag("-h,--help", "显示本命令的用法");
+    return command;
+}
+
+void addDatabase(CLI::App* command, std::string& database)
+{
+    command->add_option("--db", database, "连接串,或内置数据库的文件名")->required()->type_name("DB");
+}
+
+} // namespace
+
+Command readCommandLine(int count, const char* const* arguments)
+{
+    CLI::App app("自定义财务报表", "selfreport");
+    app.formatter(std::make_shared<ChineseFormatter>());
+    app.set_help_flag("-h,--help", "显示用法");
+    app.footer(examples);
+    app.require_subcommand(0, 1);
+
+    DemoCommand demo;
+    CLI::App* demoCommand = addCommand(app, "demo", "建立演示账套和报表");
+    demoCommand->add_option("FILE", demo.file, "新建的数据库文件")->required()->type_name("");
+    demoCommand->add_flag("--overwrite", demo.replaces, "文件已存在时覆盖");
+
+    ListCommand list;
+    CLI::App* listCommand = addCommand(app, "list", "列出报表: 编号、名称、保存人、保存时间");
+    addDatabase(listCommand, list.database);
+
+    RunCommand run;
+    CLI::App* runCommand = addCommand(app, "run", "计算一张报表,写成 PDF 或 CSV");
+    runCommand->add_option("ID", run.reportId, "报表编号,见 list")->required()->type_name("");
+    addDatabase(runCommand, run.database);
+    runCommand->add_option("--pdf", run.pdf, "写出 PDF (全部表页)")->type_name("FILE");
+    runCommand->add_option("--csv", run.csv, "写出 CSV (全部表页,UTF-8)")->type_name("FILE");
+
+    CheckCommand check;
+    CLI::App* checkCommand = addCommand(app, "check", "将演示报表的数据与另行查询的结果核对");
+    addDatabase(checkCommand, check.database);
+
+    try {
+        app.parse(count, arguments);
+    } catch (const CLI::Success& success) {
+        return Finished{app.exit(success)};
+    } catch (const CLI::ParseError& error) {
+        return Finished{refusal(app, error)};
+    }
+    if (demoCommand->parsed())
+        return demo;
+    if (listCommand->parsed())
+        return list;
+    if (runCommand->parsed())
+        return run;
+    if (checkCommand->parsed())
+        return check;
+    std::cout << app.help();
+    return Finished{0};
+}

@@ -1,0 +1,30 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <variant>
+
+/// What the user asked for.
+struct DemoCommand {
+    std::string file;
+    bool replaces = false;
+};
+struct ListCommand {
+    std::string database;
+};
+struct RunCommand {
+    std::string database;
+    std::int32_t reportId = 0;
+    std::string pdf, csv; ///< "" for one that is not wanted
+};
+struct CheckCommand {
+    std::string database;
+};
+/// Nothing more is to be done: help was printed, or the command line was refused with a message.
+struct Finished {
+    int exitCode = 0; ///< 0, or 2 for a command line that is wrong
+};
+
+using Command = std::variant<Finished, DemoCommand, ListCommand, RunCommand, CheckCommand>;
+
+/// Reads the command line. Prints help to standard output and refusals to standard error.
+Command readCommandLine(int count, const char* const* arguments);
