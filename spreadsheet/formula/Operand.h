@@ -22,6 +22,9 @@ using Areas = std::vector<Area>;
 /// An argument left out between two commas.
 struct Missing {};
 
+/// A value that is not known yet while custom calls are gathered.
+struct Unknown {};
+
 /// What lies on the stack of the formula machine: a value, cells, an array, or nothing.
 class Operand {
 public:
@@ -57,12 +60,20 @@ public:
         return operand;
     }
 
+    static Operand unknown()
+    {
+        Operand operand;
+        operand.m_content = Unknown{};
+        return operand;
+    }
+
     bool isValue() const { return m_content.index() == 0; }
     bool isMissing() const { return m_content.index() == 1; }
     bool isArea() const { return m_content.index() == 2; }
     bool isAreas() const { return m_content.index() == 3; }
     bool isReference() const { return isArea() || isAreas(); }
     bool isArray() const { return m_content.index() == 4; }
+    bool isUnknown() const { return m_content.index() == 5; }
 
     const Value& value() const { return *std::get_if<Value>(&m_content); }
     Value& value() { return *std::get_if<Value>(&m_content); }
@@ -72,7 +83,8 @@ public:
     const Array& array() const { return **std::get_if<std::shared_ptr<const Array>>(&m_content); }
 
 private:
-    std::variant<Value, Missing, Area, std::shared_ptr<const Areas>, std::shared_ptr<const Array>> m_content;
+    std::variant<Value, Missing, Area, std::shared_ptr<const Areas>, std::shared_ptr<const Array>, Unknown>
+        m_content;
 };
 
 inline Areas Operand::areas() const

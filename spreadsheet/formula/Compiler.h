@@ -1,0 +1,22 @@
+#pragma once
+#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/formula/Formula.h"
+#include "spreadsheet/formula/Lexer.h"
+
+#include <optional>
+
+namespace spreadsheet {
+
+class CustomFunctions;
+class NameTable;
+
+/// Brackets and calls may be nested this deep.
+inline constexpr std::size_t maxNesting = 256;
+
+/// Compiles tokens into `formula` (pieces and slots are moved over). Operators from the tightest:
+/// ":" range, blank intersection, "," union inside brackets, sign, "%", "^", "*" "/", "+" "-", "&",
+/// comparisons; equal ones group from the left, so -2^2 is 4 and 2^3^2 is 64.
+std::optional<FormulaProblem> compileFormula(LexedFormula& lexed, NameTable& names, CustomFunctions& customs,
+                                             bool asArray, Formula& formula);
+
+} // namespace spreadsheet

@@ -1,0 +1,113 @@
+#include "spreadsheet/formula/FormulaPool.h"
+
+#include "spreadsheet/formula/BlockEvaluator.h"
+#include "spreadsheet/formula/Compiler.h"
+
+namespace spreadsheet {
+
+namespace {
+
+/// Formulas longer than this (in bytes) are refused.
+constexpr std::size_t maxFormulaText = 32'768;
+
+} // namespace
+
+std::string FormulaPool::key(const std::vector<std::string>& pieces, const std::vector<ReferenceSlot>& slots,
+                             bool asArray)
+{
+    std::string key(1, asArray ? '{' : '=');
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        key += pieces[i];
+        key += '\0';
+        if (i < slots.size())
+            slots[i].appendKey(key);
+    }
+    return key;
+}
+
+std::variant<std::uint32_t, FormulaProblem> FormulaPool::intern(std::string_view text, CellAddress base,
+                                                                const SheetResolver& sheetId, bool asArray)
+{
+    if (text.size() > maxFormulaText)
+        return FormulaProblem{maxFormulaText, "公式太长"};
+    LexedFormula lexed;
+    if (auto problem = lexFormula(text, base, sheetId, lexed))
+        return *problem;
+    std::string formulaKey = key(lexed.pieces, lexed.slots, asArray);
+    if (const auto known = m_byKey.find(formulaKey); known != m_byKey.end())
+        return known->second;
+    Formula formula;
+    if (auto problem = compileFormula(lexed, m_names, m_customs, asArray, formula))
+        return *problem;
+    return add(std::move(formulaKey), std::move(formula));
+}
+
+std::uint32_t FormulaPool::add(std::string key, Formula formula)
+{
+    formula.blockwise = BlockEvaluator::canTake(formula);
+    m_formulas.push_back(std::move(formula));
+    const auto number = static_cast<std::uint32_t>(m_formulas.size());
+    m_byKey.emplace(std::move(key), number);
+    return number;
+}
+
+std::string FormulaPool::text(std::uint32_t number, CellAddress base) const
+{
+    const Formula& formula = (*this)[number];
+    std::string text;
+    for (std::size_t i = 0; i < formula.pieces.size(); ++i) {
+        text += formula.pieces[i];
+        if (i < formula.slots.size())
+            formula.slots[i].render(base, text);
+    }
+    return text;
+}
+
+std::uint32_t FormulaPool::withSlots(std::uint32_t number, std::vector<ReferenceSlot> slots)
+{
+    const Formula& formula = (*this)[number];
+    std::string formulaKey = key(formula.pieces, slots, formula.isArrayFormula);
+    if (const auto known = m_byKey.find(formulaKey); known != m_byKey.end())
+        return known->second;
+    Formula changed = formula;
+    changed.slots = std::move(slots);
+    return add(std::move(formulaKey), std::move(changed));
+}
+
+void FormulaPool::respellSheet(int sheetId, const std::string& newName)
+{
+    m_byKey.clear();
+    std::uint32_t number = 0;
+    for (Formula& formula : m_formulas) {
+        for (ReferenceSlot& slot : formula.slots) {
+            if (slot.firstSheet == sheetId && slot.lastSheet == sheetId) {
+                slot.sheetText = sheetPrefix(newName);
+            } else if (slot.firstSheet == sheetId || slot.lastSheet == sheetId) {
+                const std::size_t colon = slot.sheetText.find(':');
+                std::string first = slot.sheetText.substr(0, colon);
+                std::string last = slot.sheetText.substr(colon + 1);
+                const bool quoted = first.starts_with('\'');
+                if (slot.firstSheet == sheetId)
+                    first = (quoted ? "'" : "") + newName;
+                if (slot.lastSheet == sheetId)
+                    last = newName + (quoted ? "'!" : "!");
+                slot.sheetText = first + ":" + last;
+            }
+        }
+        m_byKey.emplace(key(formula.pieces, formula.slots, formula.isArrayFormula), ++number);
+    }
+}
+
+std::size_t FormulaPool::bytes() const
+{
+    std::size_t sum = 0;
+    for (const Formula& formula : m_formulas) {
+        sum += sizeof(Formula) + formula.slots.size() * sizeof(ReferenceSlot) +
+               formula.code.size() * sizeof(Instruction);
+        for (const std::string& piece : formula.pieces)
+            sum += sizeof(std::string) + piece.capacity();
+    }
+    return sum + m_byKey.size() * 2 * sizeof(std::string);
+}
+
+} // namespace spreadsheet

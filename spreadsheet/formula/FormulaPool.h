@@ -1,0 +1,53 @@
+#pragma once
+#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/formula/CustomFunctions.h"
+#include "spreadsheet/formula/Formula.h"
+#include "spreadsheet/formula/Lexer.h"
+#include "spreadsheet/formula/NameTable.h"
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <variant>
+
+namespace spreadsheet {
+
+/// All formulas of a workbook in relative form, each once. Numbers count from 1; 0 means no formula.
+class FormulaPool {
+public:
+    explicit FormulaPool(NameTable& names)
+        : m_names(names)
+    {
+    }
+
+    /// The number of a formula as the cell `base` holds it. The text stands without "=".
+    std::variant<std::uint32_t, FormulaProblem> intern(std::string_view text, CellAddress base,
+                                                       const SheetResolver& sheetId, bool asArray = false);
+    const Formula& operator[](std::uint32_t number) const { return m_formulas[number - 1]; }
+    std::uint32_t size() const { return static_cast<std::uint32_t>(m_formulas.size()); }
+    /// The text letter by letter as the cell `base` shows it, without "=".
+    std::string text(std::uint32_t number, CellAddress base) const;
+    /// The same formula with other references; the slots keep their order.
+    std::uint32_t withSlots(std::uint32_t number, std::vector<ReferenceSlot> slots);
+    /// Spells the prefix of every reference to a sheet anew. Numbers stay.
+    void respellSheet(int sheetId, const std::string& newName);
+
+    CustomFunctions& customs() { return m_customs; }
+    const CustomFunctions& customs() const { return m_customs; }
+    const NameTable& names() const { return m_names; }
+    std::size_t bytes() const;
+
+private:
+    static std::string key(const std::vector<std::string>& pieces, const std::vector<ReferenceSlot>& slots,
+                           bool asArray);
+    std::uint32_t add(std::string key, Formula formula);
+
+    NameTable& m_names;
+    CustomFunctions m_customs;
+    std::deque<Formula> m_formulas; ///< a deque: references stay good
+    std::unordered_map<std::string, std::uint32_t> m_byKey;
+};
+
+} // namespace spreadsheet

@@ -1,0 +1,207 @@
+#include "spreadsheet/formula/operators.h"
+
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/functions/Call.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+Value finite(double number)
+{
+    return std::isfinite(number) ? Value(number) : Value(CellError::num);
+}
+
+Value power(double base, double exponent)
+{
+    if (base == 0 && exponent == 0)
+        return CellError::num;
+    if (base == 0 && exponent < 0)
+        return CellError::div0;
+    return finite(std::pow(base, exponent));
+}
+
+Value arithmetic(Op op, double a, double b)
+{
+    switch (op) {
+    case Op::add:
+        return finite(cancelled(a + b, a));
+    case Op::subtract:
+        return finite(cancelled(a - b, a));
+    case Op::multiply:
+        return finite(a * b);
+    case Op::divide:
+        return b == 0 ? Value(CellError::div0) : finite(a / b);
+    default:
+        return power(a, b);
+    }
+}
+
+Value comparison(Op op, const Value& left, const Value& right)
+{
+    const int order = compareValues(left, right);
+    switch (op) {
+    case Op::equal:
+        return Value::boolean(order == 0);
+    case Op::notEqual:
+        return Value::boolean(order != 0);
+    case Op::less:
+        return Value::boolean(order < 0);
+    case Op::lessEqual:
+        return Value::boolean(order <= 0);
+    case Op::greater:
+        return Value::boolean(order > 0);
+    default:
+        return Value::boolean(order >= 0);
+    }
+}
+
+Value concatenation(const Value& left, const Value& right)
+{
+    const Value a = toText(left);
+    const Value b = toText(right);
+    std::string joined;
+    joined.reserve(a.textView().size() + b.textView().size());
+    joined += a.textView();
+    joined += b.textView();
+    return Value::text(joined);
+}
+
+CellRange hull(const CellRange& a, const CellRange& b)
+{
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+            std::max(a.bottom, b.bottom)};
+}
+
+Operand ofAreas(Areas areas)
+{
+    if (areas.empty())
+        return CellError::null;
+    if (areas.size() == 1)
+        return areas.front();
+    return std::make_shared<const Areas>(std::move(areas));
+}
+
+} // namespace
+
+Value applyOperator(Op op, const Value& left, const Value& right)
+{
+    if (left.isNumber() && right.isNumber() && op <= Op::power)
+        return arithmetic(op, left.number(), right.number());
+    if (left.isError())
+        return left;
+    if (right.isError())
+        return right;
+    if (op == Op::concatenate)
+        return concatenation(left, right);
+    if (op >= Op::equal)
+        return comparison(op, left, right);
+    const Value a = toNumber(left);
+    const Value b = toNumber(right);
+    if (a.isError())
+        return a;
+    return b.isError() ? b : arithmetic(op, a.number(), b.number());
+}
+
+Value applySign(Op op, const Value& value)
+{
+    if (op == Op::plus)
+        return value;
+    Value number = toNumber(value);
+    if (number.isError())
+        return number;
+    return op == Op::negate ? Value(-number.number()) : Value(number.number() / 100);
+}
+
+std::shared_ptr<const Array> toArray(const Operand& operand, const EvaluationPlace& place)
+{
+    if (operand.isArray())
+        return std::make_shared<const Array>(operand.array());
+    auto single = std::make_shared<Array>(1, 1);
+    if (operand.isArea()) {
+        Area area = operand.area();
+        if (area.cells.rows() == maxRows || area.cells.columns() == maxColumns) {
+            const CellRange used = usedPart(place.workbook, area);
+            area.cells.right = std::max(area.cells.left, used.right);
+            area.cells.bottom = std::max(area.cells.top, used.bottom);
+        }
+        const auto elements =
+            static_cast<std::size_t>(area.cells.rows()) * static_cast<std::size_t>(area.cells.columns());
+        if (elements <= maxArrayElements) {
+            auto array = std::make_shared<Array>(area.cells.rows(), area.cells.columns());
+            for (int column = 0; column < area.cells.columns(); ++column) {
+                for (int row = 0; row < area.cells.rows(); ++row)
+                    array->at(row, column) = cellValue(place.workbook, area.sheet,
+                                                       {area.cells.left + column, area.cells.top + row});
+            }
+            return array;
+        }
+    }
+    single->at(0, 0) = operand.isValue()     ? operand.value()
+                       : operand.isMissing() ? Value()
+                                             : Value(CellError::value);
+    return single;
+}
+
+Operand applyToArrays(Op op, const Operand& left, const Operand& right, const EvaluationPlace& place)
+{
+    if (left.isValue() && right.isValue())
+        return applyOperator(op, left.value(), right.value());
+    const auto a = toArray(left, place);
+    const auto b = toArray(right, place);
+    auto result =
+        std::make_shared<Array>(std::max(a->rows(), b->rows()), std::max(a->columns(), b->columns()));
+    for (int row = 0; row < result->rows(); ++row) {
+        for (int column = 0; column < result->columns(); ++column)
+            result->at(row, column) = applyOperator(op, a->spread(row, column), b->spread(row, column));
+    }
+    return std::shared_ptr<const Array>(std::move(result));
+}
+
+Operand applyToArray(Op op, const Operand& operand, const EvaluationPlace& place)
+{
+    if (operand.isValue())
+        return applySign(op, operand.value());
+    auto result = std::make_shared<Array>(*toArray(operand, place));
+    for (int row = 0; row < result->rows(); ++row) {
+        for (int column = 0; column < result->columns(); ++column)
+            result->at(row, column) = applySign(op, result->at(row, column));
+    }
+    return std::shared_ptr<const Array>(std::move(result));
+}
+
+Operand combineReferences(Op op, const Operand& left, const Operand& right)
+{
+    for (const Operand* side : {&left, &right}) {
+        if (side->isValue() && side->value().isError())
+            return side->value();
+        if (!side->isReference())
+            return CellError::value;
+    }
+    Areas first = left.areas();
+    const Areas second = right.areas();
+    if (op == Op::unite) {
+        first.insert(first.end(), second.begin(), second.end());
+        return ofAreas(std::move(first));
+    }
+    if (op == Op::range) {
+        if (first.size() != 1 || second.size() != 1 || first[0].sheet != second[0].sheet)
+            return CellError::value;
+        return Area{first[0].sheet, hull(first[0].cells, second[0].cells)};
+    }
+    Areas common;
+    for (const Area& a : first) {
+        for (const Area& b : second) {
+            if (a.sheet == b.sheet && a.cells.intersects(b.cells))
+                common.push_back(
+                    {a.sheet,
+                     {std::max(a.cells.left, b.cells.left), std::max(a.cells.top, b.cells.top),
+                      std::min(a.cells.right, b.cells.right), std::min(a.cells.bottom, b.cells.bottom)}});
+        }
+    }
+    return ofAreas(std::move(common));
+}
+
+} // namespace spreadsheet
