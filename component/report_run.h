@@ -1,4 +1,5 @@
 #pragma once
+#include "catalogue/report_list.h"
 #include "formula/diagnostics.h"
 #include "spreadsheet/engine/Workbook.h"
 
@@ -16,15 +17,6 @@ namespace selfreport {
 /// report's id, what is damaged). It never holds a password.
 struct ReportRunError : std::runtime_error {
     using std::runtime_error::runtime_error;
-};
-
-/// One stored report, as the list shows it.
-struct ListedReport {
-    std::int32_t id = 0;
-    std::string name;
-    std::string savedBy; ///< user name; empty if the user is unknown
-    std::string savedAt; ///< "2026-12-31 08:05:09"; empty if unknown
-    bool isShown = false;
 };
 
 /// A report after its recalculation.

@@ -1,0 +1,25 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace selfreport {
+
+class Connection;
+
+/// One stored report, as the list shows it.
+struct ListedReport {
+    std::int32_t id = 0;
+    std::string name;
+    std::string savedBy; ///< user name; empty if the user is unknown
+    std::string savedAt; ///< "2026-12-31 08:05:09"; empty if unknown
+    bool isShown = false;
+
+    /// The list's last column.
+    const char* shownText() const { return isShown ? "显示" : "不显示"; }
+};
+
+/// All stored reports in the order of their ids. @throws DatabaseError
+std::vector<ListedReport> storedReports(Connection& connection);
+
+} // namespace selfreport

@@ -1,0 +1,199 @@
+#include "formula/evaluation.h"
+
+#include "component/state/mdlMain.h"
+#include "formula/ledger_explanation.h"
+#include "formula/ledger_query.h"
+#include "formula/report_functions.h"
+#include "formula/SharedFetches.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+namespace selfreport {
+
+namespace {
+
+using spreadsheet::CellAddress;
+using spreadsheet::CellStyle;
+using spreadsheet::CellType;
+using spreadsheet::Sheet;
+
+/// Fills a slot while it lives.
+template <typename T>
+class SlotInUse {
+public:
+    SlotInUse(T*& slot, T* content)
+        : m_slot(slot)
+    {
+        m_slot = content;
+    }
+    ~SlotInUse() { m_slot = nullptr; }
+    SlotInUse(const SlotInUse&) = delete;
+    SlotInUse& operator=(const SlotInUse&) = delete;
+
+private:
+    T*& m_slot;
+};
+
+/// Every cell up to the last row and column that hold data, row by row.
+void forEveryCell(spreadsheet::Workbook& workbook, const std::function<void(Sheet&, CellAddress)>& work)
+{
+    for (int index = 1; index <= workbook.sheetCount(); ++index) {
+        Sheet& sheet = workbook.sheet(index);
+        const int lastRow = sheet.lastDataRow();
+        const int lastColumn = sheet.lastDataColumn();
+        for (int row = 1; row <= lastRow; ++row)
+            for (int column = 1; column <= lastColumn; ++column)
+                work(sheet, {column, row});
+    }
+}
+
+void setType(Sheet& sheet, CellAddress cell, CellType type)
+{
+    if (sheet.style(cell).type == type)
+        return;
+    CellStyle style = sheet.style(cell);
+    style.type = type;
+    sheet.setStyle(cell, style);
+}
+
+/// The type whose code a tag holds; nothing for any other text.
+std::optional<CellType> taggedType(std::string_view tag)
+{
+    int code = 0;
+    const auto [end, error] = std::from_chars(tag.data(), tag.data() + tag.size(), code);
+    if (error != std::errc() || end != tag.data() + tag.size())
+        return std::nullopt;
+    return spreadsheet::cellTypeOf(code);
+}
+
+void showFormula(Sheet& sheet, CellAddress cell)
+{
+    if (!sheet.shownText(cell).empty())
+        return; // already shown: its tag holds the type that it has as data
+    sheet.setTag(cell, std::to_string(static_cast<int>(sheet.style(cell).type)));
+    const std::string formula = sheet.formula(cell);
+    if (trimmed(formula).empty())
+        return;
+    setType(sheet, cell, CellType::edit);
+    sheet.setShownText(cell, formula);
+}
+
+void restoreType(Sheet& sheet, CellAddress cell)
+{
+    if (!sheet.hasFormula(cell))
+        return;
+    if (const auto type = taggedType(sheet.tag(cell).view()))
+        setType(sheet, cell, *type);
+    if (!sheet.shownText(cell).empty())
+        sheet.setShownText(cell, {});
+}
+
+} // namespace
+
+ReportEvaluation::ReportEvaluation(spreadsheet::Workbook& workbook)
+    : m_workbook(workbook)
+{
+}
+
+ReportEvaluation::~ReportEvaluation()
+{
+    // The workbook outlives this and may be recalculated: its cells keep their values then.
+    const auto decline = [](spreadsheet::FunctionCall& call) { call.decline(); };
+    m_workbook.registerFunction("Acct", 6, decline);
+    m_workbook.registerFunction("REF_F", 3, decline);
+    m_workbook.setPrepareHook({});
+}
+
+void ReportEvaluation::addSelfFunction()
+{
+    const auto callback = [this](spreadsheet::FunctionCall& call) { fps1_CustomFunction(call); };
+    m_workbook.registerFunction("Acct", 6, callback);
+    m_workbook.registerFunction("REF_F", 3, callback);
+    m_workbook.setPrepareHook([this](std::span<spreadsheet::PreparedCall> calls) {
+        if (m_shared && isShowFormula != 1)
+            m_shared->prepare(calls);
+    });
+}
+
+void ReportEvaluation::fps1_CustomFunction(spreadsheet::FunctionCall& call)
+{
+    if (isShowFormula == 1)
+        return;
+    const RecalculationUnderWay underWay; // the workbook may recalculate without being asked here
+    guardedEvaluation([&] {
+        if (isFunction(call, "Acct"))
+            evaluateAcct(call, m_shared, m_log);
+        else if (isFunction(call, "REF_F"))
+            evaluateREF_F(call, m_shared, m_log);
+    });
+}
+
+/// A cell of a former recalculation that computes nothing any more.
+bool ReportEvaluation::isGone(spreadsheet::CallPlace place) const
+{
+    return place.sheet > m_workbook.sheetCount() ||
+           !m_workbook.sheet(place.sheet).hasFormula({place.column, place.row});
+}
+
+void ReportEvaluation::recalculateWith(const std::function<void()>& recalculation)
+{
+    const RecalculationUnderWay underWay;
+    m_log = {};
+    {
+        SharedFetches shared;
+        const SlotInUse<SharedFetches> inUse(m_shared, m_fetchesShared ? &shared : nullptr);
+        recalculation();
+    }
+    std::erase_if(m_diagnostics, [&](const CellDiagnostic& former) {
+        return m_log.evaluated.contains(former.place) || isGone(former.place);
+    });
+    std::ranges::copy(explainFetches(m_log), std::back_inserter(m_diagnostics));
+    std::ranges::stable_sort(m_diagnostics, {}, &CellDiagnostic::place);
+}
+
+void ReportEvaluation::recalculate()
+{
+    recalculateWith([&] {
+        m_diagnostics.clear();
+        m_workbook.recalculate();
+    });
+}
+
+void ReportEvaluation::recalculateChanged()
+{
+    recalculateWith([&] { m_workbook.recalculateChanged(); });
+}
+
+void ReportEvaluation::showFormulas()
+{
+    const spreadsheet::UndoStep step(m_workbook, "显示公式");
+    isShowFormula = 1;
+    m_workbook.setFormulasShown(true);
+    forEveryCell(m_workbook, showFormula);
+}
+
+void ReportEvaluation::restoreTypes()
+{
+    isShowFormula = 0;
+    m_workbook.setFormulasShown(false);
+    forEveryCell(m_workbook, restoreType);
+}
+
+void ReportEvaluation::showData()
+{
+    {
+        const spreadsheet::UndoStep step(m_workbook, "显示数据");
+        restoreTypes();
+    }
+    recalculate();
+}
+
+void ReportEvaluation::startRun()
+{
+    restoreTypes();
+    recalculate();
+}
+
+} // namespace selfreport

@@ -1,0 +1,37 @@
+#include "formula/frmEditor1.h"
+
+#include "formula/content_bytes.h"
+#include "formula/report_functions.h"
+#include "formula/SharedFetches.h"
+
+namespace selfreport {
+
+frmEditor1::frmEditor1(SharedFetches* shared)
+    : m_shared(shared)
+{
+    fps1.registerFunction("Acct", 6, [this](spreadsheet::FunctionCall& call) { fps1_CustomFunction(call); });
+    if (m_shared)
+        fps1.setPrepareHook(
+            [this](std::span<spreadsheet::PreparedCall> calls) { m_shared->prepareLedger(calls); });
+    fps1.recalculate();
+    isShowFormula = 0;
+}
+
+void frmEditor1::load(std::span<const std::byte> content)
+{
+    spreadsheet::loadContent(fps1, content);
+    log = {};
+    fps1.recalculate();
+}
+
+void frmEditor1::fps1_CustomFunction(spreadsheet::FunctionCall& call)
+{
+    if (isShowFormula == 1)
+        return;
+    guardedEvaluation([&] {
+        if (isFunction(call, "Acct"))
+            evaluateAcct(call, m_shared, log);
+    });
+}
+
+} // namespace selfreport

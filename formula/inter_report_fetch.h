@@ -1,0 +1,54 @@
+#pragma once
+#include "formula/fetch_log.h"
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace selfreport {
+
+class Connection;
+class frmEditor1;
+
+/// The arguments of one `REF_F` call.
+struct ReportReference {
+    std::string report;   ///< name of the stored report
+    std::string cell;     ///< "B12"
+    std::string sheetTab; ///< "1" for the first; empty: the sheet that the report opens on
+    friend auto operator<=>(const ReportReference&, const ReportReference&) = default;
+};
+
+/// What one inter-report fetch gave.
+struct ReferenceAnswer {
+    std::string text;                      ///< as the referenced cell shows it
+    std::string reason;                    ///< why there is no text; empty otherwise
+    std::optional<DoubtfulFetch> doubtful; ///< the referenced cell's own ledger fetch, if it is in doubt
+};
+
+/// A cell name taken apart: digits (ASCII) make the row, all other characters the column, in any order.
+struct ReferencedCell {
+    int column = 1;                  ///< of one or two letters, either case; 1 for anything else
+    bool columnIsNamed = false;      ///< the letters named a column
+    std::optional<std::int64_t> row; ///< nothing without digits, or beyond 18 of them
+};
+ReferencedCell parseReferencedCell(std::string_view name);
+
+/// One inter-report fetch: reads the report's row over the shared connection, loads its content into a hidden
+/// workbook, whose ledger fetches are made one by one, reads the cell and closes the connection. A step that
+/// fails is left out. Nothing is kept for the next call.
+ReferenceAnswer changeREF_FInfo(const ReportReference& reference);
+
+/// Content of the first stored report of that name; nothing if there is none. @throws DatabaseError
+std::optional<std::vector<std::byte>> storedContent(Connection& connection, std::string_view report);
+
+/// What the referenced cell of a loaded report shows. Row 0 or a cell beyond the sheet reads as empty.
+ReferenceAnswer readReferencedCell(const frmEditor1& hidden, const ReportReference& reference);
+
+/// "没有名为“资产负债表”的报表"
+std::string missingReportReason(std::string_view report);
+
+} // namespace selfreport

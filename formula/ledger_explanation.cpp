@@ -1,0 +1,130 @@
+#include "formula/ledger_explanation.h"
+
+#include "component/state/mdlMain.h"
+#include "component/state/shared_state.h"
+#include "platform/database/Connection.h"
+#include "platform/database/sql_text.h"
+
+#include <algorithm>
+#include <exception>
+#include <map>
+#include <memory>
+
+namespace selfreport {
+
+namespace {
+
+std::string quoted(std::string_view text)
+{
+    return "“" + std::string(text) + "”";
+}
+
+bool hasRow(Connection& connection, const std::string& fromAndWhere)
+{
+    return !connection.query("select top 1 1 as n from " + fromAndWhere).isEmpty();
+}
+
+std::string codesText(const std::vector<std::string>& codes)
+{
+    return codes.size() > 1 ? codes[0] + ":" + codes[1] : codes[0];
+}
+
+std::string listed(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : "、") + quoted(name);
+    return text;
+}
+
+std::string periodText(const LedgerArguments& arguments)
+{
+    std::string text = arguments.year.empty() ? std::string("最近年度") : arguments.year + "年";
+    if (!arguments.firstPeriod.empty() || !arguments.lastPeriod.empty())
+        text += arguments.firstPeriod + "至" + arguments.lastPeriod + "期";
+    return text;
+}
+
+std::string unknownItem(Connection& connection, const ItemQualifier& qualifier)
+{
+    const auto table = qualifier.codes.empty() ? std::nullopt : itemTableOf(connection, qualifier.className);
+    if (!table || hasRow(connection, *table + " where 1=1" + codeCondition("fNumber", qualifier.codes)))
+        return {};
+    return quoted(qualifier.className) + "中没有项目" + quoted(codesText(qualifier.codes));
+}
+
+/// Why nothing was found although the call itself went well.
+std::string causeOfNoData(Connection& connection, const LedgerArguments& arguments)
+{
+    if (!hasRow(connection, "tblSelfReportFieldKey where fKey='" + sqlQuoted(arguments.fetchType) + "'"))
+        return "取数类型" + quoted(arguments.fetchType) + "不存在";
+    if (!arguments.currency.empty() &&
+        !hasRow(connection, "tblCurrency where fnumber='" + sqlQuoted(arguments.currency) + "'"))
+        return "货币" + quoted(arguments.currency) + "不存在";
+    const AccountExpression expression = parseAccountExpression(arguments.account);
+    if (!expression.codes.empty() &&
+        !hasRow(connection, "tblAccount as b where 1=1" + codeCondition("b.fNumber", expression.codes)))
+        return "科目" + quoted(codesText(expression.codes)) + "不存在";
+    for (const ItemQualifier& qualifier : expression.qualifiers)
+        if (std::string cause = unknownItem(connection, qualifier); !cause.empty())
+            return cause;
+    return "总账在" + periodText(arguments) + "没有符合条件的数据";
+}
+
+std::string explained(Connection& connection, const LedgerArguments& arguments, const LedgerAnswer& answer)
+{
+    try {
+        return explainLedgerFetch(connection, arguments, answer);
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
+/// Null if the database cannot be opened now.
+std::unique_ptr<Connection> explainingConnection()
+{
+    if (RecalculationUnderWay::openingFailed())
+        return nullptr;
+    try {
+        return openConnection(gConnString);
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
+} // namespace
+
+std::string explainLedgerFetch(Connection& connection, const LedgerArguments& arguments,
+                               const LedgerAnswer& answer)
+{
+    if (!answer.failure.empty())
+        return answer.failure;
+    if (arguments.account.empty())
+        return "没有给出科目";
+    std::string reason;
+    if (!answer.unknownClasses.empty())
+        reason = "项目类别" + listed(answer.unknownClasses) + "不存在，该条件未计入，取数范围偏大";
+    if (answer.amount)
+        return reason;
+    return (reason.empty() ? "" : reason + "；") + causeOfNoData(connection, arguments);
+}
+
+std::vector<CellDiagnostic> explainFetches(const FetchLog& log)
+{
+    std::vector<CellDiagnostic> diagnostics = log.known;
+    const std::unique_ptr<Connection> connection = log.doubtful.empty() ? nullptr : explainingConnection();
+    std::map<LedgerArguments, std::string> reasons;
+    for (const DoubtfulFetch& fetch : log.doubtful) {
+        std::string& reason = reasons[fetch.arguments];
+        if (reason.empty())
+            reason = connection ? explained(*connection, fetch.arguments, fetch.answer) : "数据库打不开";
+        diagnostics.push_back({fetch.place, fetch.isReferenced ? "REF_F" : "Acct",
+                               fetch.isReferenced ? "被引用的单元格：" + reason : reason});
+    }
+    std::ranges::stable_sort(diagnostics, {}, &CellDiagnostic::place);
+    const auto repeated = std::ranges::unique(diagnostics);
+    diagnostics.erase(repeated.begin(), repeated.end());
+    return diagnostics;
+}
+
+} // namespace selfreport

@@ -1,0 +1,179 @@
+#include "formula/ledger_fetch.h"
+
+#include "component/state/mdlMain.h"
+#include "component/state/shared_state.h"
+#include "formula/numeric_prefix.h"
+#include "platform/database/Connection.h"
+#include "platform/database/sql_text.h"
+
+#include <exception>
+#include <map>
+
+namespace selfreport {
+
+namespace {
+
+using ItemTables = std::map<std::string, std::optional<std::string>, std::less<>>;
+
+/// The statements' own condition on the class, one branch for each, so that a single round trip answers all.
+std::string itemClassesStatement(std::span<const std::string> names)
+{
+    std::string sql;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (i > 0)
+            sql += " union all ";
+        sql += "select " + std::to_string(i) + " as fordinal,fitemtable from tblItemClass where fItemname='" +
+               sqlQuoted(names[i]) + "'";
+    }
+    return sql;
+}
+
+std::optional<std::string> plainTable(const std::string& table)
+{
+    if (isPlainIdentifier(trimmed(table)))
+        return table;
+    return std::nullopt;
+}
+
+ItemTables itemTablesOf(Connection& connection, const std::vector<std::string>& names)
+{
+    constexpr std::size_t mostBranches = 100; // of one compound statement
+    ItemTables tables;
+    for (std::size_t first = 0; first < names.size(); first += mostBranches) {
+        const auto some = std::span(names).subspan(first, std::min(mostBranches, names.size() - first));
+        const Recordset rows = connection.query(itemClassesStatement(some));
+        for (std::size_t row = 0; row < rows.rowCount(); ++row) {
+            const auto ordinal = static_cast<std::size_t>(rows.integer(row, "fordinal"));
+            tables.try_emplace(some[ordinal], plainTable(rows.text(row, "fitemtable")));
+        }
+    }
+    return tables;
+}
+
+std::vector<std::string> classNamesOf(std::span<const AccountExpression> expressions)
+{
+    std::map<std::string, bool> names;
+    for (const AccountExpression& expression : expressions)
+        for (const ItemQualifier& qualifier : expression.qualifiers)
+            names[qualifier.className] = true;
+    std::vector<std::string> list;
+    for (const auto& [name, isNamed] : names)
+        list.push_back(name);
+    return list;
+}
+
+/// One qualifier's lookup as a step that may fail.
+std::optional<std::string> itemTableIfFound(Connection& connection, const std::string& className)
+{
+    try {
+        return itemTableOf(connection, className);
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+void fillAnswer(LedgerAnswer& answer, const AccountExpression& expression,
+                std::span<const std::optional<std::string>> itemTables)
+{
+    for (std::size_t i = 0; i < expression.qualifiers.size(); ++i)
+        if (!itemTables[i])
+            answer.unknownClasses.push_back(expression.qualifiers[i].className);
+}
+
+double rowAmount(const Recordset& rows, std::size_t row)
+{
+    try {
+        return numericPrefix(rows.text(row, "f"));
+    } catch (const std::exception&) {
+        return 0;
+    }
+}
+
+} // namespace
+
+std::optional<std::string> itemTableOf(Connection& connection, const std::string& className)
+{
+    const Recordset rows = connection.query(itemClassStatement(className));
+    if (rows.isEmpty())
+        return std::nullopt;
+    return plainTable(rows.text(0, "fitemtable"));
+}
+
+ProcedureCall ledgerProcedureCall(const LedgerArguments& arguments, std::string sql)
+{
+    ProcedureCall call{"sp_GS_AcctProc", {}};
+    call.append("strSql", 2000, std::move(sql))
+        .append("strField", 100, arguments.fetchType)
+        .append("currenct", 50, arguments.currency)
+        .append("fYear", 10, std::string(trimmed(arguments.year)))
+        .append("fPeriod1", 10, std::string(trimmed(arguments.firstPeriod)))
+        .append("fPeriod2", 10, std::string(trimmed(arguments.lastPeriod)));
+    return call;
+}
+
+std::optional<double> ledgerAmount(const ProcedureResult& result)
+{
+    if (result.error || result.returnValue != 1 || !result.rows || result.rows->isEmpty() ||
+        result.rows->columnCount() == 0)
+        return std::nullopt;
+    double sum = 0;
+    for (std::size_t row = 0; row < result.rows->rowCount(); ++row)
+        sum += rowAmount(*result.rows, row);
+    return sum;
+}
+
+LedgerAnswer changeAcctInfo(const LedgerArguments& arguments)
+{
+    LedgerAnswer answer;
+    if (!openDB() || arguments.account.empty())
+        return answer;
+    const AccountExpression expression = parseAccountExpression(arguments.account);
+    std::vector<std::optional<std::string>> itemTables;
+    for (const ItemQualifier& qualifier : expression.qualifiers)
+        itemTables.push_back(itemTableIfFound(*gCnn, qualifier.className));
+    fillAnswer(answer, expression, itemTables);
+    try {
+        const ProcedureResult result =
+            gCnn->call(ledgerProcedureCall(arguments, ledgerQuery(expression, itemTables)));
+        answer.amount = ledgerAmount(result);
+        if (result.error)
+            answer.failure = result.error->description;
+    } catch (const std::exception& error) {
+        answer.failure = error.what();
+    }
+    closeDB();
+    return answer;
+}
+
+std::vector<std::optional<LedgerAnswer>> fetchLedger(Connection& connection,
+                                                     std::span<const LedgerArguments> fetches)
+{
+    std::vector<AccountExpression> expressions;
+    for (const LedgerArguments& fetch : fetches)
+        expressions.push_back(parseAccountExpression(fetch.account));
+    const ItemTables known = itemTablesOf(connection, classNamesOf(expressions));
+
+    std::vector<LedgerAnswer> answers(fetches.size());
+    std::vector<ProcedureCall> calls;
+    for (std::size_t i = 0; i < fetches.size(); ++i) {
+        std::vector<std::optional<std::string>> itemTables;
+        for (const ItemQualifier& qualifier : expressions[i].qualifiers) {
+            const auto found = known.find(qualifier.className);
+            itemTables.push_back(found == known.end() ? std::nullopt : found->second);
+        }
+        fillAnswer(answers[i], expressions[i], itemTables);
+        calls.push_back(ledgerProcedureCall(fetches[i], ledgerQuery(expressions[i], itemTables)));
+    }
+
+    const std::vector<ProcedureResult> results = connection.callProcedures(calls);
+    std::vector<std::optional<LedgerAnswer>> succeeded(fetches.size());
+    for (std::size_t i = 0; i < fetches.size(); ++i) {
+        if (results[i].error)
+            continue;
+        answers[i].amount = ledgerAmount(results[i]);
+        succeeded[i] = std::move(answers[i]);
+    }
+    return succeeded;
+}
+
+} // namespace selfreport

@@ -1,0 +1,13 @@
+#pragma once
+#include "platform/settings/SettingsStore.h"
+
+namespace selfreport {
+
+/// The per-user settings file of application "QnCW" (an .ini file in the user's configuration folder). It is
+/// read anew for every value, as the host may have written it meanwhile. Needs no application object.
+class QtSettings : public SettingsStore {
+public:
+    std::string value(std::string_view group, std::string_view key) const override;
+};
+
+} // namespace selfreport
