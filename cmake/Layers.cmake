@@ -26,9 +26,12 @@ our_layer(spreadsheet_engine)
 our_layer(spreadsheet_files MAY spreadsheet_engine)
 our_layer(spreadsheet_view QT MAY spreadsheet_engine)
 our_layer(selfreport_database)
+our_layer(selfreport_demo_ledger MAY selfreport_database)
 our_layer(selfreport_platform QT)
+our_layer(selfreport_demo_ledger MAY selfreport_database)
 our_layer(selfreport_formula MAY spreadsheet_engine spreadsheet_files selfreport_database)
 our_layer(selfreport_objects QT
-  MAY spreadsheet_engine spreadsheet_files spreadsheet_view selfreport_database selfreport_formula selfreport_platform)
+  MAY spreadsheet_engine spreadsheet_files spreadsheet_view selfreport_database selfreport_demo_ledger
+      selfreport_formula selfreport_platform)
 our_layer(selfreport QT MAY selfreport_objects)
 our_layer(selfreport-host MAY selfreport)

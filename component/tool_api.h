@@ -33,7 +33,7 @@ SELFREPORT_EXPORT int toolList(const std::string& database, const ToolStreams& s
 
 /// Evaluates a stored report and writes it. Cells whose fetch failed or found nothing are listed on `notes`.
 SELFREPORT_EXPORT int toolRun(const std::string& database, std::int32_t reportId, const ReportFiles& files,
-    const ToolStreams& streams) noexcept;
+                              const ToolStreams& streams) noexcept;
 
 /// Sets figures of the demo reports beside the results of separate queries; 1 also if any two differ.
 SELFREPORT_EXPORT int toolCheck(const std::string& database, const ToolStreams& streams) noexcept;

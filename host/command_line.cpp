@@ -4,6 +4,8 @@
 
 #include <memory>
 
+namespace selfreport {
+
 namespace {
 
 constexpr auto examples = R"(示例:
@@ -124,3 +126,5 @@ Command readCommandLine(int count, const char* const* arguments)
     std::cout << app.help();
     return Finished{0};
 }
+
+} // namespace selfreport

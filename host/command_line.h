@@ -3,6 +3,8 @@
 #include <string>
 #include <variant>
 
+namespace selfreport {
+
 /// What the user asked for.
 struct DemoCommand {
     std::string file;
@@ -28,3 +30,5 @@ using Command = std::variant<Finished, DemoCommand, ListCommand, RunCommand, Che
 
 /// Reads the command line. Prints help to standard output and refusals to standard error.
 Command readCommandLine(int count, const char* const* arguments);
+
+} // namespace selfreport

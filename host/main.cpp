@@ -5,20 +5,19 @@
 
 namespace {
 
-const selfreport::ToolStreams streams{std::cout, std::cerr};
+using namespace selfreport;
+
+const ToolStreams streams{std::cout, std::cerr};
 
 struct Carry {
     int operator()(const Finished& finished) const { return finished.exitCode; }
-    int operator()(const DemoCommand& demo) const
-    {
-        return selfreport::toolDemo(demo.file, demo.replaces, streams);
-    }
-    int operator()(const ListCommand& list) const { return selfreport::toolList(list.database, streams); }
+    int operator()(const DemoCommand& demo) const { return toolDemo(demo.file, demo.replaces, streams); }
+    int operator()(const ListCommand& list) const { return toolList(list.database, streams); }
     int operator()(const RunCommand& run) const
     {
-        return selfreport::toolRun(run.database, run.reportId, {run.pdf, run.csv}, streams);
+        return toolRun(run.database, run.reportId, {run.pdf, run.csv}, streams);
     }
-    int operator()(const CheckCommand& check) const { return selfreport::toolCheck(check.database, streams); }
+    int operator()(const CheckCommand& check) const { return toolCheck(check.database, streams); }
 };
 
 } // namespace

@@ -1,0 +1,51 @@
+#include "tests/host/ProgramRun.h"
+
+#include <gmock/gmock.h>
+
+using ::testing::HasSubstr;
+
+TEST(CommandLine, WrongUseIsRefusedWithTwoAndNothingOnStandardOutput)
+{
+    const char* cases[] = {
+        "nonsense",
+        "--nonsense",
+        "demo",
+        "list",
+        "list --db",
+        "run --db a.db",
+        "run 1",
+        "run one --db a.db",
+        "run 99999999999 --db a.db",
+        "run 1 --db a.db --html a.html",
+        "list --db a.db list --db b.db extra",
+    };
+    for (const char* arguments : cases) {
+        const ProgramRun run(arguments);
+        EXPECT_EQ(run.exitCode, 2) << arguments;
+        EXPECT_EQ(run.output, "") << arguments;
+        EXPECT_THAT(run.errors, HasSubstr("--help")) << arguments;
+    }
+}
+
+TEST(CommandLine, HelpExplainsEveryCommandAndOption)
+{
+    struct Case {
+        const char* arguments;
+        std::vector<const char*> named;
+    };
+    const Case cases[] = {
+        {"", {"demo", "list", "run", "check", "--db", "退出码"}},
+        {"--help", {"demo", "list", "run", "check", "--db", "退出码"}},
+        {"demo --help", {"FILE", "--overwrite"}},
+        {"list --help", {"--db"}},
+        {"run --help", {"ID", "--db", "--pdf", "--csv"}},
+        {"check -h", {"--db"}},
+    };
+    for (const Case& c : cases) {
+        const ProgramRun run(c.arguments);
+        EXPECT_EQ(run.exitCode, 0) << c.arguments;
+        EXPECT_EQ(run.errors, "") << c.arguments;
+        for (const char* name : c.named)
+            EXPECT_THAT(run.output, HasSubstr(name)) << c.arguments;
+    }
+}
