@@ -1,14 +1,13 @@
 #include "catalogue/report_list.h"
 
+#include "catalogue/report_statements.h"
 #include "platform/database/Connection.h"
 
 namespace selfreport {
 
 std::vector<ListedReport> storedReports(Connection& connection)
 {
-    const Recordset rows =
-        connection.query("select a.*,b.fusername as fbilleridname from tblCWSelfReport  as a left outer join "
-                         "tbluser as b on a.fbillerid=b.fuserid order by a.noid ");
+    const Recordset rows = connection.query(reportListStatement);
     std::vector<ListedReport> reports;
     for (std::size_t row = 0; row < rows.rowCount(); ++row)
         reports.push_back({static_cast<std::int32_t>(rows.integer(row, "noid")), rows.text(row, "fname"),

@@ -1,13 +1,13 @@
 #include "catalogue/report_store.h"
 
 #include "catalogue/placeholders.h"
+#include "catalogue/report_statements.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
 #include "formula/content_bytes.h"
-#include "formula/ledger_query.h"
-#include "platform/database/sql_text.h"
 #include "platform/settings/SettingsStore.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <stdexcept>
@@ -32,53 +32,44 @@ std::int64_t nextNumber(Connection& connection, std::string_view statement, std:
     return rows.isEmpty() ? step : rows.integer(0, "noid1") + step;
 }
 
-std::string deleteReportStatement()
-{
-    return "delete from tblCWSelfReport where noid=" + std::to_string(gReportId);
-}
-
-StoredPageSetup keptPageSetup(Connection& connection)
-{
-    const Recordset rows =
-        connection.query("select isnull(fHeader,'') as fHeader,isnull(fFooter,'') as fFooter "
-                         ",isnull(fLeft,0.6) as fLeft,isnull(fRight,0.6) as fRight"
-                         ",isnull(fTop,0.6) as fTop,isnull(fBottom,0.6) as fBottom "
-                         ",isnull(fDirection,1) as fDirection from tblCWSelfReport where noid=" +
-                         std::to_string(gReportId));
-    if (rows.isEmpty())
-        return {};
-    return {rows.text(0, "fHeader"),      rows.text(0, "fFooter"), rows.number(0, "fTop"),
-            rows.number(0, "fBottom"),    rows.number(0, "fLeft"), rows.number(0, "fRight"),
-            rows.integer(0, "fDirection")};
-}
-
 double marginOf(const Recordset& rows, std::string_view column)
 {
     return rows.isNull(0, column) ? defaultMargin : rows.number(0, column);
 }
 
+StoredPageSetup pageSetupOf(const Recordset& rows)
+{
+    if (rows.isEmpty())
+        return {};
+    return {rows.text(0, "fHeader"),
+            rows.text(0, "fFooter"),
+            marginOf(rows, "fTop"),
+            marginOf(rows, "fBottom"),
+            marginOf(rows, "fLeft"),
+            marginOf(rows, "fRight"),
+            rows.isNull(0, "fDirection") ? 1 : rows.integer(0, "fDirection")};
+}
+
 int twips(double inches)
 {
-    return static_cast<int>(std::lround(inches * twipsPerInch));
+    constexpr double mostInches = 100; // more fits no paper
+    return static_cast<int>(std::lround(std::clamp(inches, 0.0, mostInches) * twipsPerInch));
 }
 
-spreadsheet::PrintSettings withPageSetup(spreadsheet::PrintSettings print, const Recordset& rows)
+void applyPageSetup(spreadsheet::Workbook& workbook, const StoredPageSetup& setup)
 {
-    print.marginTop = twips(marginOf(rows, "fTop"));
-    print.marginBottom = twips(marginOf(rows, "fBottom"));
-    print.marginLeft = twips(marginOf(rows, "fLeft"));
-    print.marginRight = twips(marginOf(rows, "fRight"));
-    print.landscape = !rows.isNull(0, "fDirection") && rows.integer(0, "fDirection") != 1;
-    print.header = placeholdersFilled(rows.text(0, "fHeader"), settingsStore());
-    print.footer = placeholdersFilled(rows.text(0, "fFooter"), settingsStore());
-    return print;
-}
-
-void applyPageSetup(spreadsheet::Workbook& workbook, const Recordset& rows)
-{
+    const std::string header = placeholdersFilled(setup.header, settingsStore());
+    const std::string footer = placeholdersFilled(setup.footer, settingsStore());
     for (int index = 1; index <= workbook.sheetCount(); ++index)
         workbook.sheet(index).changeSettings([&](spreadsheet::SheetSettings& settings) {
-            settings.print = withPageSetup(settings.print, rows);
+            spreadsheet::PrintSettings& print = settings.print;
+            print.marginTop = twips(setup.top);
+            print.marginBottom = twips(setup.bottom);
+            print.marginLeft = twips(setup.left);
+            print.marginRight = twips(setup.right);
+            print.landscape = setup.direction != 1;
+            print.header = header;
+            print.footer = footer;
         });
 }
 
@@ -87,19 +78,14 @@ void applyPageSetup(spreadsheet::Workbook& workbook, const Recordset& rows)
 bool insertReport(const std::string& name, const spreadsheet::Workbook& workbook)
 {
     return databaseProcedure(Icon::exclamation, [&](Connection& connection) {
-        const std::int64_t id =
-            nextNumber(connection, "select isnull(max(noid),0) as noid1 from tblCWSelfReport", 1);
+        const std::int64_t id = nextNumber(connection, lastReportIdStatement, 1);
         const std::vector<std::byte> content = spreadsheet::saveContent(workbook);
         connection.execute(
             "insert into tblCWSelfReport(noid,fname,fdate,fisshow,fbillerid,fFileContent) "
             "values(?,?,?,?,?,?)",
             {id, name, localNow(), std::int64_t{1}, gLoginUserId, std::span<const std::byte>(content)});
-        const std::int64_t item =
-            nextNumber(connection, "select isnull(max(fitemid),0) as noid1 from tblsystemprivillenge ", 10);
-        connection.execute(
-            "insert into tblsystemprivillenge(fitemid,fnumber,fname,fisdetail,fparentid) values(" +
-            std::to_string(item) + ",'RSelf" + std::to_string(id) + "','" + sqlQuoted(trimmed(name)) +
-            "',1,521)");
+        const std::int64_t item = nextNumber(connection, lastMenuItemStatement, 10);
+        connection.execute(insertMenuItemStatement(item, id, name));
         gReportId = static_cast<std::int32_t>(id);
     });
 }
@@ -107,15 +93,15 @@ bool insertReport(const std::string& name, const spreadsheet::Workbook& workbook
 bool loadReport(std::string& name, spreadsheet::Workbook& workbook)
 {
     return databaseProcedure(Icon::exclamation, [&](Connection& connection) {
-        const Recordset rows = connection.query(
-            "select * from tblCWSelfReport where noid=" + std::to_string(gReportId), BinaryColumns::fetched);
+        const Recordset rows = connection.query(reportStatement(gReportId), BinaryColumns::fetched);
         if (rows.isEmpty())
             throw std::runtime_error("报表不存在!");
+        const StoredPageSetup setup = pageSetupOf(rows);
         spreadsheet::loadContent(workbook, rows.binary(0, "fFileContent"));
         name = rows.text(0, "fname");
-        applyPageSetup(workbook, rows);
-        gHeaderText = rows.text(0, "fHeader");
-        gFooterText = rows.text(0, "fFooter");
+        applyPageSetup(workbook, setup);
+        gHeaderText = setup.header;
+        gFooterText = setup.footer;
     });
 }
 
@@ -123,8 +109,8 @@ bool updateReport(const std::string& name, const spreadsheet::Workbook& workbook
 {
     return databaseProcedure(Icon::exclamation, [&](Connection& connection) {
         Transaction transaction(connection);
-        const StoredPageSetup kept = keptPageSetup(connection);
-        connection.execute(deleteReportStatement());
+        const StoredPageSetup kept = pageSetupOf(connection.query(pageSetupStatement(gReportId)));
+        connection.execute(deleteReportStatement(gReportId));
         const std::vector<std::byte> content = spreadsheet::saveContent(workbook);
         connection.execute(
             "insert into tblCWSelfReport(noid,fname,fdate,fisshow,fbillerid,fFileContent,fHeader,fFooter,"
@@ -140,9 +126,8 @@ bool deleteInfo()
 {
     return databaseProcedure(Icon::exclamation, [](Connection& connection) {
         Transaction transaction(connection);
-        connection.execute(deleteReportStatement());
-        connection.execute("delete from tblsystemprivillenge where fnumber='RSelf" +
-                           std::to_string(gReportId) + "' ");
+        connection.execute(deleteReportStatement(gReportId));
+        connection.execute(deleteMenuItemStatement(gReportId));
         transaction.commit();
     });
 }
