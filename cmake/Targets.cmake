@@ -1,8 +1,10 @@
 # Our targets: every source of the named folders, our warnings as errors.
 
+# -Wmaybe-uninitialized of GCC 12 sees ghosts in std::variant.
 add_library(our_warnings INTERFACE)
 target_compile_options(our_warnings INTERFACE
-  $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wconversion -Wshadow -Werror>)
+  $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wconversion -Wshadow -Werror>
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 
 # our_sources(VARIABLE FOLDER...): the sources directly in each folder.
 function(our_sources variable)
@@ -31,6 +33,8 @@ function(our_static_library name)
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${our_LINKS} PRIVATE ${our_PRIVATE_LINKS} our_warnings)
   if(our_QT)
+    # The layers below use words such as "slots" that the toolkit would otherwise make macros of.
+    target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS)
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_precompile_headers(${name} PRIVATE ${our_qt_headers})
   endif()
