@@ -1,0 +1,40 @@
+#include "spreadsheet/print/GlyphRecord.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+void GlyphRecord::name(const QRawFont& font, quint32 glyph, const QString& text)
+{
+    faceOf(font).texts.try_emplace(glyph, text);
+}
+
+void GlyphRecord::draw(const QGlyphRun& run)
+{
+    Face& face = faceOf(run.rawFont());
+    if (face.glyphs.empty() && !run.glyphIndexes().isEmpty())
+        m_used.push_back(&face);
+    for (const quint32 glyph : run.glyphIndexes()) {
+        if (glyph >= face.drawn.size())
+            face.drawn.resize(glyph + 1);
+        if (face.drawn[glyph])
+            continue;
+        face.drawn[glyph] = true;
+        face.glyphs.push_back(glyph);
+    }
+}
+
+GlyphRecord::Face& GlyphRecord::faceOf(const QRawFont& font)
+{
+    const auto known = std::ranges::find(m_byFont, font, &std::pair<QRawFont, Face*>::first);
+    if (known != m_byFont.end())
+        return *known->second;
+    const QByteArray nameTable = font.fontTable("name");
+    auto face = std::ranges::find(m_faces, nameTable, &Face::nameTable);
+    if (face == m_faces.end())
+        face = m_faces.insert(m_faces.end(), Face{nameTable, font, {}, {}, {}});
+    m_byFont.emplace_back(font, &*face);
+    return *face;
+}
+
+} // namespace spreadsheet

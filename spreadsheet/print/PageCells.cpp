@@ -1,0 +1,121 @@
+#include "spreadsheet/print/PageCells.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace spreadsheet {
+
+namespace {
+
+struct Extent {
+    int start, size;
+    int end() const { return start + size; }
+};
+
+/// Whole and visible extent, on one axis, of what covers the tracks first..last.
+struct TrackExtent {
+    Extent whole, visible;
+    std::size_t from, to; ///< places of its tracks on the page, `to` excluded
+};
+
+std::optional<TrackExtent> extentOf(const std::vector<PageTrack>& tracks, const AxisSizes& axis, int first,
+                                    int last)
+{
+    if (tracks.empty() || last < tracks.front().index || first > tracks.back().index)
+        return std::nullopt; // most spans of a long sheet
+    const auto inside = [&](const PageTrack& track) { return track.index >= first && track.index <= last; };
+    const auto from = std::ranges::find_if(tracks, inside);
+    if (from == tracks.end())
+        return std::nullopt;
+    const auto to = std::find_if_not(from, tracks.end(), inside);
+    int before = 0;
+    int total = 0;
+    for (int index = first; index <= last; ++index) {
+        const int size = axis.size(index);
+        before += index < from->index ? size : 0;
+        total += size;
+    }
+    const Extent visible{from->start, std::prev(to)->end() - from->start};
+    return TrackExtent{{from->start - before, total},
+                       visible,
+                       static_cast<std::size_t>(from - tracks.begin()),
+                       static_cast<std::size_t>(to - tracks.begin())};
+}
+
+HorizontalAlignment alignmentOf(const CellStyle& style, const Value& value, bool isFigure,
+                                bool showsOtherText)
+{
+    if (style.type == CellType::button || style.type == CellType::checkBox)
+        return HorizontalAlignment::centre;
+    if (style.horizontal != HorizontalAlignment::general)
+        return style.horizontal;
+    if (showsOtherText)
+        return HorizontalAlignment::left;
+    if (value.isBoolean() || value.isError())
+        return HorizontalAlignment::centre;
+    return isFigure ? HorizontalAlignment::right : HorizontalAlignment::left;
+}
+
+bool isTrue(const Value& value)
+{
+    if (value.isBoolean())
+        return value.boolean();
+    return value.isNumber() ? value.number() != 0 : value.isText() && value.textView() == "1";
+}
+
+} // namespace
+
+PageCells::PageCells(const Sheet& sheet, const PrintedPage& page)
+    : m_sheet(sheet)
+    , m_page(page)
+{
+    m_cells.reserve(page.rowTracks.size() * page.columnTracks.size());
+    for (const PageTrack& row : page.rowTracks)
+        for (const PageTrack& column : page.columnTracks)
+            m_cells.push_back(read({column.index, row.index}));
+    for (const CellRange& span : sheet.settings().spans)
+        placeSpan(span);
+}
+
+PageCell PageCells::read(CellAddress cell) const
+{
+    PageCell read;
+    read.address = cell;
+    read.style = &m_sheet.style(cell);
+    const Value value = m_sheet.value(cell);
+    const bool showsOtherText = !m_sheet.shownText(cell).empty();
+    read.isFigure =
+        !showsOtherText && (value.isNumber() || (value.isText() && value.text().countsAsNumber()));
+    read.isTrue = isTrue(value);
+    read.alignment = alignmentOf(*read.style, value, read.isFigure, showsOtherText);
+    if (read.style->type != CellType::checkBox || (value.isText() && !read.isTrue))
+        read.text = fromUtf8(m_sheet.displayText(cell));
+    return read;
+}
+
+void PageCells::placeSpan(const CellRange& range)
+{
+    const SheetSettings& settings = m_sheet.settings();
+    const auto down = extentOf(m_page.rowTracks, settings.rows, range.top, range.bottom);
+    const auto across = extentOf(m_page.columnTracks, settings.columns, range.left, range.right);
+    if (!down || !across)
+        return;
+    for (std::size_t row = down->from; row < down->to; ++row)
+        for (std::size_t column = across->from; column < across->to; ++column)
+            m_cells[row * m_page.columnTracks.size() + column].span = static_cast<int>(m_spans.size());
+    m_spans.push_back(
+        {range,
+         read({range.left, range.top}),
+         {across->whole.start, down->whole.start, across->whole.size, down->whole.size},
+         {across->visible.start, down->visible.start, across->visible.size, down->visible.size}});
+}
+
+PageBox PageCells::boxOf(int rowPlace, int columnPlace) const
+{
+    const PageTrack& down = row(rowPlace);
+    const PageTrack& across = column(columnPlace);
+    return {across.start, down.start, across.size, down.size};
+}
+
+} // namespace spreadsheet

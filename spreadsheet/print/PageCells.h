@@ -1,0 +1,69 @@
+#pragma once
+#include "spreadsheet/engine/Sheet.h"
+#include "spreadsheet/print/PageLayout.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace spreadsheet {
+
+/// A cell as a page shows it.
+struct PageCell {
+    CellAddress address;
+    const CellStyle* style = nullptr;
+    QString text;                                              ///< what it displays
+    bool isFigure = false;                                     ///< a number: never cut, "####" instead
+    bool isTrue = false;                                       ///< state of a check box
+    HorizontalAlignment alignment = HorizontalAlignment::left; ///< never general
+    int span = -1; ///< index into PageCells::spans(), -1: stands alone
+};
+
+/// A span that a page shows, wholly or in part.
+struct PageSpan {
+    CellRange range;
+    PageCell anchor;
+    PageBox whole;   ///< may reach beyond the page
+    PageBox visible; ///< the rows and columns of it that the page shows
+};
+
+/// The cells of one page with their texts and looks, read once for all passes of drawing.
+class PageCells {
+public:
+    PageCells(const Sheet& sheet, const PrintedPage& page);
+
+    const Sheet& sheet() const { return m_sheet; }
+    int rows() const { return static_cast<int>(m_page.rowTracks.size()); }
+    int columns() const { return static_cast<int>(m_page.columnTracks.size()); }
+    const PageTrack& row(int place) const { return m_page.rowTracks[static_cast<std::size_t>(place)]; }
+    const PageTrack& column(int place) const { return m_page.columnTracks[static_cast<std::size_t>(place)]; }
+    /// By place on the page, both from 0.
+    const PageCell& at(int row, int column) const
+    {
+        return m_cells[static_cast<std::size_t>(row * columns() + column)];
+    }
+    const std::vector<PageSpan>& spans() const { return m_spans; }
+    PageBox boxOf(int row, int column) const;
+    /// Nothing shows there, and no span covers it.
+    bool isBlank(int row, int column) const
+    {
+        return at(row, column).text.isEmpty() && at(row, column).span < 0;
+    }
+
+private:
+    PageCell read(CellAddress cell) const;
+    void placeSpan(const CellRange& range);
+
+    const Sheet& m_sheet;
+    const PrintedPage& m_page;
+    std::vector<PageCell> m_cells;
+    std::vector<PageSpan> m_spans;
+};
+
+/// Text of the engine for the toolkit.
+inline QString fromUtf8(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,160 @@
+#include "spreadsheet/print/PageLayout.h"
+
+#include "spreadsheet/engine/Sheet.h"
+
+#include <algorithm>
+#include <numeric>
+#include <string>
+#include <utility>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr int headerGap = 120;         // twips between header or footer and the cells
+constexpr int smallestBody = 720;      // twips; less than half an inch shows no cell worth printing
+constexpr int headingDigitWidth = 110; // twips of one digit of a row heading
+constexpr int headingPadding = 160;
+
+/// Sizes of the tracks first..last; 0 for a hidden one.
+std::vector<int> sizesOf(const AxisSizes& axis, int first, int last)
+{
+    std::vector<int> sizes(static_cast<std::size_t>(std::max(last - first + 1, 0)), axis.defaultSize);
+    for (auto own = axis.sizes.lower_bound(first); own != axis.sizes.end() && own->first <= last; ++own)
+        sizes[static_cast<std::size_t>(own->first - first)] = own->second;
+    for (auto own = axis.hidden.lower_bound(first); own != axis.hidden.end() && own->first <= last; ++own)
+        if (own->second)
+            sizes[static_cast<std::size_t>(own->first - first)] = 0;
+    return sizes;
+}
+
+/// A span that begins in the used area is used as a whole.
+CellRange withSpans(CellRange area, const std::vector<CellRange>& spans)
+{
+    CellRange whole = area;
+    for (const CellRange& span : spans) {
+        if (!area.contains(CellAddress{span.left, span.top}))
+            continue;
+        whole.right = std::max(whole.right, span.right);
+        whole.bottom = std::max(whole.bottom, span.bottom);
+    }
+    return whole;
+}
+
+std::optional<CellRange> rangeToPrint(const Sheet& sheet, const PageRequest& request)
+{
+    const SheetSettings& settings = sheet.settings();
+    CellRange range{1, 1, settings.columnCount, settings.rowCount};
+    if (request.range) {
+        range = {std::max(request.range->left, 1), std::max(request.range->top, 1),
+                 std::min(request.range->right, range.right), std::min(request.range->bottom, range.bottom)};
+    } else if (request.usedAreaOnly) {
+        range = withSpans({1, 1, sheet.lastDataColumn(), sheet.lastDataRow()}, settings.spans);
+    }
+    if (range.columns() <= 0 || range.rows() <= 0)
+        return std::nullopt;
+    return range;
+}
+
+int heightOf(const std::vector<HeaderLine>& lines)
+{
+    int height = lines.empty() ? 0 : headerGap;
+    for (const HeaderLine& line : lines)
+        height += headerLineHeight(line);
+    return height;
+}
+
+/// Adds the shown tracks first..last to `tracks`, the first one at `start`; gives the end of the last.
+int addTracks(std::vector<PageTrack>& tracks, std::span<const int> sizes, int sizesFrom, int first, int last,
+              int start)
+{
+    for (int index = first; index <= last; ++index) {
+        const int size = sizes[static_cast<std::size_t>(index - sizesFrom)];
+        if (size > 0)
+            tracks.push_back({index, start, size});
+        start += size;
+    }
+    return start;
+}
+
+} // namespace
+
+PageLayout::PageLayout(const Sheet& sheet, const PageRequest& request)
+    : m_range(rangeToPrint(sheet, request))
+{
+    measurePaper(sheet, request);
+    if (m_range)
+        dealOut(sheet);
+}
+
+void PageLayout::measurePaper(const Sheet& sheet, const PageRequest& request)
+{
+    const PrintSettings& print = sheet.settings().print;
+    m_paperWidth = request.paperWidth;
+    m_paperHeight = request.paperHeight;
+    if (print.landscape)
+        std::swap(m_paperWidth, m_paperHeight);
+    m_printable = {print.marginLeft, print.marginTop, m_paperWidth - print.marginLeft - print.marginRight,
+                   m_paperHeight - print.marginTop - print.marginBottom};
+    m_header = readHeaderFooter(print.header);
+    m_footer = readHeaderFooter(print.footer);
+    if (print.columnHeadings)
+        m_columnHeadingHeight = defaultRowHeight;
+    if (print.rowHeadings && m_range)
+        m_rowHeadingWidth =
+            headingPadding + headingDigitWidth * static_cast<int>(std::to_string(m_range->bottom).size());
+    const int above = heightOf(m_header);
+    m_body = {m_printable.left, m_printable.top + above, m_printable.width,
+              m_printable.height - above - heightOf(m_footer)};
+    if (m_body.width - m_rowHeadingWidth < smallestBody ||
+        m_body.height - m_columnHeadingHeight < smallestBody)
+        throw PageLayoutError("页边距、页眉和页脚占满了纸张，没有打印表格的地方。");
+}
+
+void PageLayout::dealOut(const Sheet& sheet)
+{
+    const SheetSettings& settings = sheet.settings();
+    m_rowSizes = sizesOf(settings.rows, m_range->top, m_range->bottom);
+    m_columnSizes = sizesOf(settings.columns, m_range->left, m_range->right);
+    RepeatedRows repeated;
+    if (settings.print.titleTop > 0) {
+        m_titleTop = settings.print.titleTop;
+        m_titleSizes = sizesOf(settings.rows, m_titleTop, settings.print.titleBottom);
+        repeated = {settings.print.titleBottom, std::accumulate(m_titleSizes.begin(), m_titleSizes.end(), 0)};
+    }
+    m_rowBands = pageBands(m_rowSizes, m_range->top, m_body.height - m_columnHeadingHeight, repeated);
+    m_columnBands = pageBands(m_columnSizes, m_range->left, m_body.width - m_rowHeadingWidth);
+}
+
+int PageLayout::pageCount() const
+{
+    return std::max(1, static_cast<int>(m_rowBands.size() * m_columnBands.size()));
+}
+
+PrintedPage PageLayout::page(int number) const
+{
+    if (number < 1 || number > pageCount())
+        throw std::out_of_range("page number");
+    PrintedPage page;
+    page.number = number;
+    page.cells = {m_body.left + m_rowHeadingWidth, m_body.top + m_columnHeadingHeight, 0, 0};
+    if (m_rowBands.empty() || m_columnBands.empty())
+        return page;
+    const std::size_t place = static_cast<std::size_t>(number - 1);
+    page.rows = m_rowBands[place / m_columnBands.size()];
+    page.columns = m_columnBands[place % m_columnBands.size()];
+
+    int top = page.cells.top;
+    if (page.rows.repeats)
+        top = addTracks(page.rowTracks, m_titleSizes, m_titleTop, m_titleTop,
+                        m_titleTop + static_cast<int>(m_titleSizes.size()) - 1, top);
+    addTracks(page.rowTracks, m_rowSizes, m_range->top, page.rows.first, page.rows.last,
+              top - page.rows.skipped);
+    addTracks(page.columnTracks, m_columnSizes, m_range->left, page.columns.first, page.columns.last,
+              page.cells.left - page.columns.skipped);
+    page.cells.height = top - page.cells.top + page.rows.length;
+    page.cells.width = page.columns.length;
+    return page;
+}
+
+} // namespace spreadsheet

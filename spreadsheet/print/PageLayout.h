@@ -1,0 +1,99 @@
+#pragma once
+#include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/print/header_footer.h"
+#include "spreadsheet/print/page_bands.h"
+
+#include <optional>
+#include <stdexcept>
+#include <vector>
+
+namespace spreadsheet {
+
+class Sheet;
+
+/// The pages cannot be laid out; what() is one Chinese sentence for the user.
+struct PageLayoutError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// What is to be laid out; all else comes from the sheet's print settings.
+struct PageRequest {
+    int paperWidth = 11906; ///< twips of the upright sheet of paper; A4
+    int paperHeight = 16838;
+    std::optional<CellRange> range; ///< only these cells
+    bool usedAreaOnly = true;       ///< without a range: up to the last row and column that hold data
+};
+
+/// A rectangle on the page in twips, from the paper's top left corner.
+struct PageBox {
+    int left = 0;
+    int top = 0;
+    int width = 0;
+    int height = 0;
+    int right() const { return left + width; }
+    int bottom() const { return top + height; }
+    friend bool operator==(const PageBox&, const PageBox&) = default;
+};
+
+/// One row or column on a page.
+struct PageTrack {
+    int index = 0; ///< from 1
+    int start =
+        0;        ///< twips from the paper's edge; a row continued from the page before starts above its area
+    int size = 0; ///< twips, whole
+    int end() const { return start + size; }
+    friend bool operator==(const PageTrack&, const PageTrack&) = default;
+};
+
+/// Everything about one page but what the cells hold.
+struct PrintedPage {
+    int number = 1;
+    PageBand rows, columns;
+    std::vector<PageTrack> rowTracks; ///< shown rows from top to bottom, repeated rows first; no hidden ones
+    std::vector<PageTrack> columnTracks;
+    PageBox cells; ///< of the rows and columns, without headings
+};
+
+/// Which cells stand where on which page: one layout for printer, PDF and preview. Pages go across,
+/// then down. Making it costs a pass over row and column sizes; nothing is drawn and no font is asked.
+/// It keeps to the sheet as it was when made.
+class PageLayout {
+public:
+    /// @throws PageLayoutError if the margins leave no room for cells
+    PageLayout(const Sheet& sheet, const PageRequest& request);
+
+    /// At least 1: a sheet without data gives one page, which still has header and footer.
+    int pageCount() const;
+    /// @param number  1 to pageCount()  @throws std::out_of_range
+    PrintedPage page(int number) const;
+
+    int paperWidth() const { return m_paperWidth; } ///< twips, as turned for printing
+    int paperHeight() const { return m_paperHeight; }
+    /// The paper without its margins: header, cells, footer.
+    const PageBox& printable() const { return m_printable; }
+    /// Cells that are printed; nothing if the sheet holds no data.
+    const std::optional<CellRange>& range() const { return m_range; }
+    const std::vector<HeaderLine>& header() const { return m_header; }
+    const std::vector<HeaderLine>& footer() const { return m_footer; }
+    int rowHeadingWidth() const { return m_rowHeadingWidth; } ///< twips; 0: no row headings
+    int columnHeadingHeight() const { return m_columnHeadingHeight; }
+
+private:
+    void measurePaper(const Sheet& sheet, const PageRequest& request);
+    void dealOut(const Sheet& sheet);
+
+    int m_paperWidth = 0;
+    int m_paperHeight = 0;
+    PageBox m_printable;
+    PageBox m_body; ///< where cells and headings may stand
+    std::vector<HeaderLine> m_header, m_footer;
+    std::optional<CellRange> m_range;
+    int m_rowHeadingWidth = 0;
+    int m_columnHeadingHeight = 0;
+    int m_titleTop = 1;
+    std::vector<int> m_titleSizes;
+    std::vector<int> m_rowSizes, m_columnSizes; ///< of the range, twips
+    std::vector<PageBand> m_rowBands, m_columnBands;
+};
+
+} // namespace spreadsheet

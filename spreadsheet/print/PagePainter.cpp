@@ -1,0 +1,176 @@
+#include "spreadsheet/print/PagePainter.h"
+
+#include "spreadsheet/print/cell_lines.h"
+#include "spreadsheet/print/cell_text.h"
+#include "spreadsheet/print/PageCells.h"
+#include "spreadsheet/print/PageText.h"
+#include "spreadsheet/print/print_colour.h"
+#include "spreadsheet/print/text_decoration.h"
+
+#include <QPainter>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr int lineRoom = 15; // twips around the cells that a border on their outline needs
+constexpr BorderLine frameLine{LineStyle::solid, 0x000000};
+constexpr BorderLine headingLine{LineStyle::fineSolid, 0x606060};
+constexpr Colour headingShadow = 0xDCDCDC;
+
+QRect rectOf(const PageBox& box)
+{
+    return {box.left, box.top, box.width, box.height};
+}
+
+} // namespace
+
+void PagePainter::paint(QPainter& painter, int number)
+{
+    const PrintedPage page = m_layout.page(number);
+    painter.save();
+    if (!page.rowTracks.empty()) {
+        paintCells(painter, page);
+        paintHeadings(painter, page);
+        if (m_sheet.settings().print.border)
+            paintBorder(painter, page);
+    }
+    paintHeaderLines(painter, m_layout.header(), m_layout.printable().top, number);
+    int footerTop = m_layout.printable().bottom();
+    for (const HeaderLine& line : m_layout.footer())
+        footerTop -= headerLineHeight(line);
+    paintHeaderLines(painter, m_layout.footer(), footerTop, number);
+    painter.restore();
+}
+
+void PagePainter::paintCells(QPainter& painter, const PrintedPage& page)
+{
+    const PrintSettings& print = m_sheet.settings().print;
+    const bool lastAcross = page.columns.last == m_layout.range()->right;
+    const int rightLimit = lastAcross ? m_layout.printable().right() : page.cells.right();
+    painter.save();
+    painter.setClipRect(QRect(page.cells.left - lineRoom, page.cells.top - lineRoom,
+                              rightLimit - page.cells.left + 2 * lineRoom, page.cells.height + 2 * lineRoom));
+    const PageCells cells(m_sheet, page);
+    paintBackgrounds(painter, cells);
+    const std::vector<TextOverflow> overflows =
+        CellTextPainter(painter, m_text, cells, print.colour, rightLimit).draw();
+    CellLines(cells, print.gridLines, overflows).draw(painter, print.colour);
+    painter.restore();
+}
+
+void PagePainter::paintBackgrounds(QPainter& painter, const PageCells& cells)
+{
+    const bool inColour = m_sheet.settings().print.colour;
+    const auto colourAt = [&](int row, int column) {
+        const PageCell& cell = cells.at(row, column);
+        return cell.span < 0 ? cell.style->background : automaticColour;
+    };
+    for (int row = 0; row < cells.rows(); ++row)
+        for (int from = 0; from < cells.columns();) {
+            const Colour colour = colourAt(row, from);
+            int to = from;
+            while (to + 1 < cells.columns() && colourAt(row, to + 1) == colour)
+                ++to; // one rectangle: no seams between cells
+            if (colour != automaticColour)
+                painter.fillRect(rectOf(cells.boxOf(row, from)).united(rectOf(cells.boxOf(row, to))),
+                                 printColour(colour, 0xFFFFFF, inColour));
+            from = to + 1;
+        }
+    for (const PageSpan& span : cells.spans())
+        if (span.anchor.style->background != automaticColour)
+            painter.fillRect(rectOf(span.visible),
+                             printColour(span.anchor.style->background, 0xFFFFFF, inColour));
+}
+
+void PagePainter::paintHeadings(QPainter& painter, const PrintedPage& page)
+{
+    const int width = m_layout.rowHeadingWidth();
+    const int height = m_layout.columnHeadingHeight();
+    painter.setClipRect(QRect(page.cells.left - width - lineRoom, page.cells.top - height - lineRoom,
+                              page.cells.width + width + 2 * lineRoom,
+                              page.cells.height + height + 2 * lineRoom));
+    const PageBox& cells = page.cells;
+    if (width > 0 && height > 0)
+        paintHeading(painter, {cells.left - width, cells.top - height, width, height}, {});
+    if (height > 0)
+        for (const PageTrack& track : page.columnTracks)
+            paintHeading(painter, {track.start, cells.top - height, track.size, height},
+                         fromUtf8(columnName(track.index)));
+    if (width > 0)
+        for (const PageTrack& track : page.rowTracks)
+            paintHeading(painter, {cells.left - width, track.start, width, track.size},
+                         QString::number(track.index));
+    painter.setClipping(false);
+}
+
+void PagePainter::paintHeading(QPainter& painter, const PageBox& box, const QString& text)
+{
+    const PrintSettings& print = m_sheet.settings().print;
+    if (print.shadows)
+        painter.fillRect(rectOf(box), printColour(headingShadow, 0xFFFFFF, print.colour));
+    painter.setPen(borderPen(headingLine, painter.deviceTransform().m11(), print.colour));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(rectOf(box));
+    if (text.isEmpty())
+        return;
+    const FontRequest request;
+    const TextLine line = m_text.lines(text, m_text.font(request)).front();
+    const double em = request.points * 20;
+    const double top = box.top + (box.height - em * lineDistance) / 2;
+    m_text.draw(painter, {box.left + (box.width - line.width) / 2, top + baselineInLine * em}, line,
+                Qt::black);
+}
+
+void PagePainter::paintBorder(QPainter& painter, const PrintedPage& page)
+{
+    const int width = m_layout.rowHeadingWidth();
+    const int height = m_layout.columnHeadingHeight();
+    painter.setPen(borderPen(frameLine, painter.deviceTransform().m11(), true));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(QRect(page.cells.left - width, page.cells.top - height, page.cells.width + width,
+                           page.cells.height + height));
+}
+
+void PagePainter::paintHeaderLines(QPainter& painter, const std::vector<HeaderLine>& lines, int top,
+                                   int pageNumber)
+{
+    double lineTop = top;
+    for (const HeaderLine& line : lines) {
+        const double em = line.points * 20;
+        const double baseline =
+            lineTop + (headerLineHeight(line) - em * lineDistance) / 2 + baselineInLine * em;
+        for (const HeaderPart part : {HeaderPart::left, HeaderPart::centre, HeaderPart::right})
+            paintHeaderPart(painter, line, part, baseline, pageNumber);
+        lineTop += headerLineHeight(line);
+    }
+}
+
+void PagePainter::paintHeaderPart(QPainter& painter, const HeaderLine& line, HeaderPart part, double baseline,
+                                  int pageNumber)
+{
+    std::vector<TextLine> pieces;
+    double width = 0;
+    for (const HeaderRun& run : line.parts[static_cast<std::size_t>(part)]) {
+        const QString text =
+            run.pageNumber ? QString::number(pageNumber) : fromUtf8(run.text).replace('\n', ' ');
+        const HeaderFont& font = run.font;
+        pieces.push_back(
+            m_text.lines(text, m_text.font({font.family, font.points, font.bold, font.italic})).front());
+        width += pieces.back().width;
+    }
+    const PageBox& area = m_layout.printable();
+    double left = area.left;
+    if (part != HeaderPart::left)
+        left += part == HeaderPart::right ? area.width - width : (area.width - width) / 2;
+    std::size_t place = 0;
+    for (const HeaderRun& run : line.parts[static_cast<std::size_t>(part)]) {
+        const TextLine& piece = pieces[place++];
+        m_text.draw(painter, {left, baseline}, piece, Qt::black);
+        drawDecoration(painter, {left, baseline}, piece.width, run.font.points * 20,
+                       {run.font.underline, run.font.strikeThrough}, Qt::black);
+        left += piece.width;
+    }
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,123 @@
+#include "spreadsheet/print/PageText.h"
+
+#include "spreadsheet/print/GlyphRecord.h"
+
+#include <QPainter>
+#include <QTextBoundaryFinder>
+#include <QTextLayout>
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+/// Characters that the layout turns into one glyph each, in the order of the text.
+bool isPlain(char32_t c)
+{
+    static constexpr struct {
+        char32_t first, last;
+    } plain[] = {{0x20, 0x7E},     {0xA0, 0xAC},      {0xAE, 0x2FF},    {0x370, 0x482},   {0x48A, 0x58F},
+                 {0x1E00, 0x200A}, {0x2010, 0x2027},  {0x202F, 0x205E}, {0x2070, 0x20CF}, {0x2100, 0x3029},
+                 {0x3030, 0x3098}, {0x309B, 0xA4CF},  {0xAC00, 0xD7A3}, {0xE000, 0xFAFF}, {0xFE30, 0xFE4F},
+                 {0xFF01, 0xFFEE}, {0x20000, 0x3FFFD}};
+    return std::ranges::any_of(plain, [c](const auto& range) { return c >= range.first && c <= range.last; });
+}
+
+qsizetype glyphCount(const QList<QGlyphRun>& runs)
+{
+    qsizetype count = 0;
+    for (const QGlyphRun& run : runs)
+        count += run.glyphIndexes().size();
+    return count;
+}
+
+/// The characters of a line, if each has exactly one of the runs' glyphs.
+std::optional<QList<uint>> plainCharacters(const QString& text, const QList<QGlyphRun>& runs)
+{
+    QList<uint> characters = text.toUcs4();
+    if (!std::ranges::all_of(characters, isPlain))
+        return std::nullopt;
+    const qsizetype glyphs = glyphCount(runs);
+    while (characters.size() > glyphs && characters.last() == ' ')
+        characters.removeLast(); // blanks where a line was broken
+    if (characters.size() != glyphs)
+        return std::nullopt;
+    return characters;
+}
+
+QString textOf(uint character)
+{
+    const char32_t c = character;
+    return QString::fromUcs4(&c, 1);
+}
+
+QString withLineSeparators(QString text)
+{
+    return text.remove(QChar('\r')).replace(QChar('\n'), QChar(QChar::LineSeparator)).replace('\t', ' ');
+}
+
+} // namespace
+
+std::vector<TextLine> PageText::lines(const QString& text, const QFont& font, std::optional<double> wrapWidth)
+{
+    QTextLayout layout(withLineSeparators(text), font);
+    QTextOption option;
+    option.setWrapMode(wrapWidth ? QTextOption::WrapAtWordBoundaryOrAnywhere : QTextOption::ManualWrap);
+    if (!wrapWidth)
+        option.setFlags(QTextOption::IncludeTrailingSpaces);
+    layout.setTextOption(option);
+    layout.setCacheEnabled(true);
+    std::vector<TextLine> lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        if (wrapWidth)
+            line.setLineWidth(std::max(*wrapWidth, 1.0));
+        line.setPosition({0, -line.ascent()});
+        lines.push_back({{}, line.naturalTextWidth()});
+    }
+    layout.endLayout();
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const QTextLine line = layout.lineAt(static_cast<int>(i));
+        lines[i].runs = line.glyphRuns();
+        if (m_record)
+            nameGlyphs(layout, line, lines[i]);
+    }
+    if (lines.empty())
+        lines.emplace_back();
+    return lines;
+}
+
+void PageText::nameGlyphs(const QTextLayout& layout, const QTextLine& line, const TextLine& drawn)
+{
+    const QString text = layout.text().mid(line.textStart(), line.textLength());
+    if (const auto characters = plainCharacters(text, drawn.runs)) {
+        auto character = characters->begin();
+        for (const QGlyphRun& run : drawn.runs)
+            for (const quint32 glyph : run.glyphIndexes())
+                m_record->name(run.rawFont(), glyph, textOf(*character++));
+        return;
+    }
+    // Ligatures, marks and scripts that reorder: what one user-perceived character drew stands for it.
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    for (qsizetype from = 0, to = finder.toNextBoundary(); to > from;
+         from = to, to = finder.toNextBoundary()) {
+        const QString cluster = text.mid(from, to - from);
+        const auto runs =
+            line.glyphRuns(line.textStart() + static_cast<int>(from), static_cast<int>(to - from));
+        if (glyphCount(runs) == 1)
+            m_record->name(runs.first().rawFont(), runs.first().glyphIndexes().first(), cluster);
+    }
+}
+
+void PageText::draw(QPainter& painter, QPointF baseline, const TextLine& line, QColor colour)
+{
+    painter.setPen(colour);
+    for (const QGlyphRun& run : line.runs) {
+        if (m_record)
+            m_record->draw(run);
+        painter.drawGlyphRun(baseline, run);
+    }
+}
+
+} // namespace spreadsheet

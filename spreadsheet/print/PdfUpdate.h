@@ -1,0 +1,46 @@
+#pragma once
+#include <QByteArray>
+#include <QByteArrayView>
+
+#include <map>
+#include <optional>
+#include <string_view>
+
+namespace spreadsheet {
+
+/// An incremental update (ISO 32000-1, 7.5.6) of a PDF that the toolkit's writer has just made: new
+/// versions of objects, a cross-reference section for them and a trailer are put behind the file.
+/// It reads what that writer writes and no more: one classic cross-reference table, no object streams.
+class PdfUpdate {
+public:
+    /// Nothing if the file is not of that form.
+    static std::optional<PdfUpdate> open(const QByteArray& pdf);
+
+    /// First byte of each object by number, ascending.
+    const std::map<int, qsizetype>& objects() const { return m_offsets; }
+    /// What stands between "n 0 obj" and the next object; empty if there is no such object.
+    QByteArrayView object(int number) const;
+    int root() const { return m_root; }
+
+    /// @param body  without "obj" and "endobj"
+    void replace(int number, const QByteArray& body) { m_replaced[number] = body; }
+
+    /// The file with its update; the file as it was if nothing is replaced.
+    QByteArray result() const;
+
+    /// The object number of `/Key n 0 R` in a dictionary; 0 if the key is not there.
+    static int reference(QByteArrayView dictionary, std::string_view key);
+
+private:
+    bool readTable();
+
+    QByteArray m_pdf;
+    qsizetype m_table = 0; ///< offset of the cross-reference table
+    int m_size = 0;
+    int m_root = 0;
+    int m_info = 0;
+    std::map<int, qsizetype> m_offsets;
+    std::map<int, QByteArray> m_replaced;
+};
+
+} // namespace spreadsheet

@@ -1,0 +1,156 @@
+#include "spreadsheet/print/cell_text.h"
+
+#include "spreadsheet/print/PageText.h"
+#include "spreadsheet/print/print_colour.h"
+#include "spreadsheet/print/text_decoration.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr int paddingAcross = 40; // twips between a cell's edge and its text
+constexpr int paddingDown = 20;
+constexpr double figureSlack = 60; // a figure may use most of its padding before it turns into "####"
+constexpr int checkBoxSize = 160;
+
+QFont fontOf(PageText& text, const CellFont& font)
+{
+    return text.font({font.family.view(), font.points, font.bold, font.italic});
+}
+
+double widest(const std::vector<TextLine>& lines)
+{
+    return std::ranges::max_element(lines, {}, &TextLine::width)->width;
+}
+
+double leftOf(HorizontalAlignment alignment, double left, double right, double width)
+{
+    if (alignment == HorizontalAlignment::right)
+        return right - width;
+    return alignment == HorizontalAlignment::centre ? (left + right - width) / 2 : left;
+}
+
+/// Top of a block of lines. One that is higher than the box begins at the box's top: its end is cut.
+double topOf(VerticalAlignment alignment, const PageBox& box, double height, bool severalLines)
+{
+    if (alignment == VerticalAlignment::top || (severalLines && height > box.height))
+        return box.top + paddingDown;
+    if (alignment == VerticalAlignment::bottom)
+        return box.bottom() - paddingDown - height;
+    return box.top + (box.height - height) / 2;
+}
+
+QString numberSigns(PageText& text, const QFont& font, double width)
+{
+    const double one = std::max(widest(text.lines(QStringLiteral("#"), font)), 1.0);
+    return QString(std::max(1, static_cast<int>(width / one)), QChar('#'));
+}
+
+} // namespace
+
+std::vector<TextOverflow> CellTextPainter::draw()
+{
+    for (m_row = 0; m_row < m_cells.rows(); ++m_row)
+        for (m_column = 0; m_column < m_cells.columns(); ++m_column) {
+            const PageCell& cell = m_cells.at(m_row, m_column);
+            if (cell.span >= 0)
+                continue;
+            const Room room = roomOf(m_row, m_column);
+            drawCell(cell, m_cells.boxOf(m_row, m_column), &room);
+        }
+    for (const PageSpan& span : m_cells.spans()) {
+        PageBox box = span.whole;
+        box.top = span.visible.top;
+        box.height = span.visible.height;
+        drawCell(span.anchor, box, nullptr);
+    }
+    return std::move(m_overflows);
+}
+
+void CellTextPainter::drawCell(const PageCell& cell, const PageBox& box, const Room* neighbours)
+{
+    if (cell.style->type == CellType::checkBox && cell.text.isEmpty())
+        drawCheckBox(cell, box);
+    else if (!cell.text.isEmpty())
+        drawText(cell, box, neighbours);
+}
+
+void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const Room* neighbours)
+{
+    const CellStyle& style = *cell.style;
+    const QFont font = fontOf(m_text, style.font);
+    const int inner = box.width - 2 * paddingAcross;
+    const bool wraps = style.wrap && !cell.isFigure;
+    std::vector<TextLine> lines =
+        m_text.lines(cell.text, font, wraps ? std::optional<double>(inner) : std::nullopt);
+    if (cell.isFigure && widest(lines) > inner + figureSlack)
+        lines = m_text.lines(numberSigns(m_text, font, inner), font);
+
+    const double em = style.font.points * 20;
+    const double height = em * lineDistance * static_cast<double>(lines.size());
+    const double width = widest(lines);
+    const double left = leftOf(cell.alignment, box.left + paddingAcross, box.right() - paddingAcross, width);
+    Room room{box.left, box.right(), m_column, m_column};
+    if (neighbours && !wraps && !cell.isFigure && (left < box.left || left + width > box.right())) {
+        room = {left < box.left ? neighbours->left : box.left,
+                left + width > box.right() ? neighbours->right : box.right(), neighbours->firstColumn,
+                neighbours->lastColumn};
+        m_overflows.push_back({m_row, left < box.left ? room.firstColumn : m_column,
+                               left + width > box.right() ? room.lastColumn : m_column});
+    }
+    const double textHeight = height - em * (lineDistance - 1); // the air above the first line may be cut
+    const bool cut = left < room.left || left + width > room.right || textHeight > box.height;
+    if (cut) {
+        m_painter.save();
+        m_painter.setClipRect(QRect(room.left, box.top, room.right - room.left, box.height),
+                              Qt::IntersectClip);
+    }
+    double baseline = topOf(style.vertical, box, height, lines.size() > 1) + baselineInLine * em;
+    const QColor colour = printColour(style.foreground, 0x000000, m_inColour);
+    for (const TextLine& line : lines) {
+        const double start =
+            leftOf(cell.alignment, box.left + paddingAcross, box.right() - paddingAcross, line.width);
+        m_text.draw(m_painter, {start, baseline}, line, colour);
+        drawDecoration(m_painter, {start, baseline}, line.width, em,
+                       {style.font.underline, style.font.strikeThrough}, colour);
+        baseline += em * lineDistance;
+    }
+    if (cut)
+        m_painter.restore();
+}
+
+void CellTextPainter::drawCheckBox(const PageCell& cell, const PageBox& box)
+{
+    const QRectF square(box.left + (box.width - checkBoxSize) / 2.0,
+                        box.top + (box.height - checkBoxSize) / 2.0, checkBoxSize, checkBoxSize);
+    m_painter.setPen(QPen(printColour(cell.style->foreground, 0x000000, m_inColour), 10));
+    m_painter.setBrush(Qt::NoBrush);
+    m_painter.drawRect(square);
+    if (!cell.isTrue)
+        return;
+    const QPointF tick[] = {square.topLeft() + QPointF(0.2, 0.5) * checkBoxSize,
+                            square.topLeft() + QPointF(0.42, 0.75) * checkBoxSize,
+                            square.topLeft() + QPointF(0.82, 0.22) * checkBoxSize};
+    m_painter.drawPolyline(tick, 3);
+}
+
+/// The cell with its blank neighbours.
+CellTextPainter::Room CellTextPainter::roomOf(int row, int column) const
+{
+    int first = column;
+    while (first > 0 && m_cells.isBlank(row, first - 1))
+        --first;
+    int last = column;
+    while (last + 1 < m_cells.columns() && m_cells.isBlank(row, last + 1))
+        ++last;
+    const bool reachesEnd = last + 1 == m_cells.columns();
+    return {m_cells.column(first).start, std::max(m_cells.column(last).end(), reachesEnd ? m_rightLimit : 0),
+            first, last};
+}
+
+} // namespace spreadsheet

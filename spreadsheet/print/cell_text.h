@@ -1,0 +1,59 @@
+#pragma once
+#include "spreadsheet/print/PageCells.h"
+
+#include <vector>
+
+class QPainter;
+
+namespace spreadsheet {
+
+class PageText;
+
+/// A text that ran out of its cell: no grid line is drawn between the places first..last of its row.
+struct TextOverflow {
+    int row = 0; ///< places on the page, from 0
+    int first = 0;
+    int last = 0;
+};
+
+/// Draws what the cells of a page hold.
+///
+/// Figures that do not fit show as "####". Other single-line texts run into blank neighbours on the side
+/// away from their alignment, and are cut where a neighbour is in use; wrapped texts break at the cell's
+/// width and are cut at its height, their end first. In a span that goes on over several pages the text
+/// stands in each page's part.
+/// @param rightLimit  twips; how far texts may run beyond the page's last column
+class CellTextPainter {
+public:
+    CellTextPainter(QPainter& painter, PageText& text, const PageCells& cells, bool inColour, int rightLimit)
+        : m_painter(painter)
+        , m_text(text)
+        , m_cells(cells)
+        , m_inColour(inColour)
+        , m_rightLimit(rightLimit)
+    {
+    }
+
+    std::vector<TextOverflow> draw();
+
+private:
+    struct Room { ///< horizontal room of a text, twips
+        int left, right;
+        int firstColumn, lastColumn; ///< places on the page
+    };
+
+    void drawCell(const PageCell& cell, const PageBox& box, const Room* neighbours);
+    void drawText(const PageCell& cell, const PageBox& box, const Room* neighbours);
+    void drawCheckBox(const PageCell& cell, const PageBox& box);
+    Room roomOf(int row, int column) const;
+
+    QPainter& m_painter;
+    PageText& m_text;
+    const PageCells& m_cells;
+    bool m_inColour;
+    int m_rightLimit;
+    int m_row = 0, m_column = 0; ///< the cell being drawn
+    std::vector<TextOverflow> m_overflows;
+};
+
+} // namespace spreadsheet

@@ -1,0 +1,37 @@
+#pragma once
+#include <QFont>
+#include <QStringList>
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <tuple>
+
+namespace spreadsheet {
+
+/// What a text on paper asks of its font. Underline and strike-through are drawn apart.
+struct FontRequest {
+    std::string_view family; ///< UTF-8; empty: the default Song family
+    double points = 9;
+    bool bold = false;
+    bool italic = false;
+};
+
+/// Fonts for pages that are measured in twips: a font of 9 points is 180 units high on every device.
+///
+/// Families of a report that are not installed give way to one of the same kind (Song, Hei, Kai,
+/// FangSong); every font ends with the default Song family for characters that it lacks, so that no
+/// Chinese text comes out in the look of another country.
+class PrintFonts {
+public:
+    const QFont& font(const FontRequest& request);
+
+private:
+    const QStringList& families(std::string_view family);
+
+    using Key = std::tuple<std::string, int, bool, bool>;
+    std::map<Key, QFont> m_fonts;
+    std::map<std::string, QStringList, std::less<>> m_families;
+};
+
+} // namespace spreadsheet

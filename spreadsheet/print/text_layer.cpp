@@ -1,0 +1,153 @@
+#include "spreadsheet/print/text_layer.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace spreadsheet {
+
+namespace {
+
+using CodeTexts = std::map<quint32, QString>; ///< by the code that shows a glyph in the PDF
+
+/// Splits off the next "<hex>" token as a number; nothing at anything else.
+std::optional<quint32> takeHex(QByteArrayView& rest)
+{
+    while (!rest.isEmpty() && (rest.front() == ' ' || rest.front() == '\n'))
+        rest = rest.sliced(1);
+    const qsizetype close = rest.indexOf('>');
+    quint32 value = 0;
+    if (rest.isEmpty() || rest.front() != '<' || close < 0 ||
+        std::from_chars(rest.data() + 1, rest.data() + close, value, 16).ptr != rest.data() + close)
+        return std::nullopt;
+    rest = rest.sliced(close + 1);
+    return value;
+}
+
+/// The characters of a map as the writer writes it: ranges "<first> <last>" followed by one character,
+/// counted up from there, or by "[…]" with one for each code. Codes without a character are left out.
+std::map<quint32, quint32> readMap(QByteArrayView map)
+{
+    std::map<quint32, quint32> characters;
+    const qsizetype at = map.indexOf("beginbfrange");
+    QByteArrayView rest = at < 0 ? QByteArrayView() : map.sliced(at + 12);
+    while (const auto first = takeHex(rest)) {
+        const quint32 last = takeHex(rest).value_or(*first);
+        auto character = takeHex(rest);
+        const bool listed = !character;
+        if (listed) {
+            const qsizetype open = rest.indexOf('[');
+            if (open < 0)
+                break;
+            rest = rest.sliced(open + 1);
+        }
+        for (quint32 code = *first; code <= last; ++code) {
+            if (listed)
+                character = takeHex(rest);
+            if (character && *character)
+                characters[code] = listed ? *character : *character + code - *first;
+        }
+        if (listed)
+            rest = rest.sliced(rest.indexOf(']') + 1);
+    }
+    return characters;
+}
+
+QByteArray utf16Hex(const QString& text)
+{
+    QByteArray hex;
+    for (const QChar unit : text)
+        hex += QByteArray::number(unit.unicode(), 16).rightJustified(4, '0');
+    return hex;
+}
+
+/// A ToUnicode map (ISO 32000-1, 9.10.3).
+QByteArray mapOf(const CodeTexts& texts)
+{
+    QByteArray map = "/CIDInit /ProcSet findresource begin\n12 dict begin\nbegincmap\n"
+                     "/CIDSystemInfo << /Registry (Adobe) /Ordering (UCS) /Supplement 0 >> def\n"
+                     "/CMapName /Adobe-Identity-UCS def\n/CMapType 2 def\n"
+                     "1 begincodespacerange\n<0000> <FFFF>\nendcodespacerange\n";
+    constexpr std::size_t largestBlock = 100;
+    std::size_t left = texts.size();
+    std::size_t inBlock = 0;
+    for (const auto& [code, text] : texts) {
+        if (inBlock == 0) {
+            inBlock = std::min(left, largestBlock);
+            map += QByteArray::number(static_cast<qulonglong>(inBlock)) + " beginbfchar\n";
+        }
+        map += '<' + QByteArray::number(code, 16).rightJustified(4, '0') + "> <" + utf16Hex(text) + ">\n";
+        --left;
+        if (--inBlock == 0)
+            map += "endbfchar\n";
+    }
+    return map + "endcmap\nCMapName currentdict /CMap defineresource pop\nend\nend\n";
+}
+
+QByteArray compressedStream(const QByteArray& data)
+{
+    const QByteArray packed = qCompress(data).mid(4); // without the length that the toolkit puts before it
+    return "<< /Length " + QByteArray::number(static_cast<qlonglong>(packed.size())) +
+           " /Filter /FlateDecode >>\nstream\n" + packed + "\nendstream";
+}
+
+/// Number of glyphs of a font, the empty glyph 0 included: its widths are listed as "/W [0 [w w …]]".
+std::size_t glyphsOf(QByteArrayView descendant)
+{
+    const qsizetype widths = descendant.indexOf("/W [0 [");
+    const qsizetype end = descendant.indexOf(']', std::max<qsizetype>(widths, 0));
+    if (widths < 0 || end < 0)
+        return 0;
+    return static_cast<std::size_t>(
+        descendant.sliced(widths + 7, end - widths - 7).toByteArray().simplified().split(' ').size());
+}
+
+/// The font's glyphs are those of the record, as far as the old map tells.
+bool agrees(const std::map<quint32, quint32>& oldMap, const GlyphRecord::Face& face)
+{
+    return std::ranges::all_of(oldMap, [&](const auto& entry) {
+        const auto [code, character] = entry;
+        const QList<quint32> glyphs =
+            face.font.glyphIndexesForString(QString(QChar(static_cast<char16_t>(character))));
+        return code >= 1 && code <= face.glyphs.size() && glyphs == QList<quint32>{face.glyphs[code - 1]};
+    });
+}
+
+CodeTexts textsOf(const GlyphRecord::Face& face, const std::map<quint32, quint32>& oldMap)
+{
+    CodeTexts texts;
+    for (quint32 code = 1; code <= face.glyphs.size(); ++code) {
+        const auto known = face.texts.find(face.glyphs[code - 1]);
+        if (known != face.texts.end())
+            texts[code] = known->second;
+        else if (const auto old = oldMap.find(code); old != oldMap.end())
+            texts[code] = QChar(static_cast<char16_t>(old->second));
+    }
+    return texts;
+}
+
+} // namespace
+
+int correctTextLayer(PdfUpdate& update, const GlyphRecord& record)
+{
+    auto face = record.faces().begin();
+    int kept = 0;
+    for (const auto& [number, offset] : update.objects()) {
+        const QByteArrayView font = update.object(number);
+        if (!font.trimmed().startsWith("<<") || font.indexOf("/Subtype /Type0") < 0)
+            continue;
+        const int map = PdfUpdate::reference(font, "ToUnicode");
+        const int descendant = PdfUpdate::reference(font, "DescendantFonts [");
+        const auto oldMap = readMap(update.object(map));
+        if (face != record.faces().end() &&
+            glyphsOf(update.object(descendant)) == (*face)->glyphs.size() + 1 && agrees(oldMap, **face))
+            update.replace(map, compressedStream(mapOf(textsOf(**face, oldMap))));
+        else
+            ++kept;
+        if (face != record.faces().end())
+            ++face;
+    }
+    return kept;
+}
+
+} // namespace spreadsheet

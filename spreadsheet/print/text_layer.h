@@ -1,0 +1,20 @@
+#pragma once
+#include "spreadsheet/print/GlyphRecord.h"
+#include "spreadsheet/print/PdfUpdate.h"
+
+namespace spreadsheet {
+
+/// Makes the text of a PDF what was drawn: a text search finds 科目 and not its look-alike.
+///
+/// The toolkit's writer keeps one Type 0 font per font face, numbers its glyphs from 1 in the order of
+/// their first use, creates the fonts in the order of theirs, and asks each font which character stands
+/// for a glyph. With common Chinese fonts that answer is a radical for 月, 日, 目 and many more, a tab
+/// for the blank, and nothing beyond the basic plane. Here each font's ToUnicode map is written anew
+/// from the record. A font that does not agree with the record in number and kind of glyphs keeps the
+/// map that it has.
+///
+/// @return  how many fonts kept their old map; 0 is right for every document whose texts were all
+///          drawn with `record`
+int correctTextLayer(PdfUpdate& update, const GlyphRecord& record);
+
+} // namespace spreadsheet
