@@ -1,0 +1,171 @@
+#include "demo/StatementSheet.h"
+
+#include "spreadsheet/engine/CellAddress.h"
+
+#include <stdexcept>
+
+namespace selfreport::demo {
+
+namespace {
+
+using spreadsheet::CellStyle;
+using spreadsheet::CellType;
+using spreadsheet::HorizontalAlignment;
+using spreadsheet::LineStyle;
+using spreadsheet::Text;
+
+constexpr int twipsPerTenth = 144; // of an inch
+constexpr int titleHeight = 600;
+constexpr int rowHeight = 320;
+constexpr spreadsheet::Colour headingGrey = 0xE7E6E6;
+
+void frame(CellStyle& style)
+{
+    for (spreadsheet::BorderLine* line : {&style.left, &style.right, &style.top, &style.bottom})
+        *line = {LineStyle::solid, 0};
+}
+
+void takeFont(CellStyle& style, std::string_view family, float points, bool bold)
+{
+    style.font.family = Text(family);
+    style.font.points = points;
+    style.font.bold = bold;
+}
+
+} // namespace
+
+StatementSheet::StatementSheet(spreadsheet::Sheet& sheet, std::span<const int> widths)
+    : m_sheet(sheet)
+    , m_columns(static_cast<int>(widths.size()))
+{
+    m_sheet.changeSettings([&](spreadsheet::SheetSettings& settings) {
+        int column = 0;
+        for (const int width : widths)
+            settings.columns.sizes[++column] = width * twipsPerTenth;
+    });
+}
+
+void StatementSheet::nextRow(int height)
+{
+    ++m_row;
+    m_sheet.changeSettings(
+        [&](spreadsheet::SheetSettings& settings) { settings.rows.sizes[m_row] = height; });
+    m_sheet.restyle(wholeRow(), [](CellStyle& style) { takeFont(style, "宋体", 10, false); });
+}
+
+void StatementSheet::title(std::string_view text)
+{
+    nextRow(titleHeight);
+    m_sheet.restyle(wholeRow(), [](CellStyle& style) {
+        takeFont(style, "黑体", 18, true);
+        style.horizontal = HorizontalAlignment::centre;
+    });
+    m_sheet.addSpan(wholeRow());
+    m_sheet.setText({1, m_row}, text);
+}
+
+void StatementSheet::underTitle(std::string_view left, std::string_view centre, std::string_view right)
+{
+    nextRow(rowHeight);
+    m_sheet.setText({1, m_row}, left);
+    this->text(m_columns, right);
+    m_sheet.restyle({m_columns, m_row, m_columns, m_row},
+                    [](CellStyle& style) { style.horizontal = HorizontalAlignment::right; });
+    if (centre.empty() || m_columns < 4)
+        return;
+    m_sheet.addSpan({2, m_row, m_columns - 1, m_row});
+    centred(2, centre);
+}
+
+void StatementSheet::headings(std::initializer_list<std::string_view> texts)
+{
+    headings(std::vector<std::string>(texts.begin(), texts.end()));
+}
+
+void StatementSheet::headings(std::span<const std::string> texts)
+{
+    beginRow();
+    m_headingRow = m_row;
+    int column = 0;
+    for (const std::string& heading : texts)
+        centred(++column, heading);
+    emphasize();
+    m_sheet.restyle(wholeRow(), [](CellStyle& style) { style.background = headingGrey; });
+}
+
+int StatementSheet::beginRow()
+{
+    nextRow(rowHeight);
+    m_sheet.restyle(wholeRow(), frame);
+    return m_row;
+}
+
+void StatementSheet::text(int column, std::string_view text)
+{
+    m_sheet.setText({column, m_row}, text);
+}
+
+void StatementSheet::centred(int column, std::string_view text)
+{
+    this->text(column, text);
+    m_sheet.restyle({column, m_row, column, m_row},
+                    [](CellStyle& style) { style.horizontal = HorizontalAlignment::centre; });
+}
+
+void StatementSheet::setFormula(int column, const std::string& formula)
+{
+    if (const auto problem = m_sheet.setFormula({column, m_row}, formula))
+        throw std::runtime_error("公式“" + formula + "”：" + problem->reason);
+}
+
+void StatementSheet::formula(int column, const std::string& formula, int decimals)
+{
+    setFormula(column, formula);
+    m_sheet.restyle({column, m_row, column, m_row}, [&](CellStyle& style) {
+        style.type = CellType::number;
+        style.decimals = static_cast<std::uint8_t>(decimals);
+        style.horizontal = HorizontalAlignment::right;
+    });
+}
+
+void StatementSheet::percentage(int column, const std::string& formula)
+{
+    setFormula(column, formula);
+    m_sheet.restyle({column, m_row, column, m_row}, [](CellStyle& style) {
+        style.type = CellType::percent;
+        style.horizontal = HorizontalAlignment::right;
+    });
+}
+
+void StatementSheet::emphasize()
+{
+    m_sheet.restyle(wholeRow(), [](CellStyle& style) { style.font.bold = true; });
+}
+
+void StatementSheet::finish()
+{
+    m_sheet.changeSettings([&](spreadsheet::SheetSettings& settings) {
+        settings.frozenRows = m_headingRow;
+        settings.print.titleTop = 1;
+        settings.print.titleBottom = m_headingRow;
+    });
+}
+
+std::string StatementSheet::cell(int column) const
+{
+    return spreadsheet::cellName({column, m_row});
+}
+
+std::string acct(const Fetch& fetch)
+{
+    return "Acct(\"" + fetch.account + "\" ,\"" + fetch.type + "\" , \"" + fetch.currency + "\", \"" +
+           fetch.year + "\",\"" + fetch.first + "\",\"" + fetch.last + "\")";
+}
+
+std::string reference(std::string_view report, std::string_view cell, std::string_view tab)
+{
+    return "REF_F(\"" + std::string(report) + "\" ,\"" + std::string(cell) + "\" , \"" + std::string(tab) +
+           "\")";
+}
+
+} // namespace selfreport::demo
