@@ -1,0 +1,177 @@
+#include "component/tool_api.h"
+#include "component/application.h"
+#include "component/host_call.h"
+#include "component/PendingFile.h"
+#include "component/report_run.h"
+#include "demo/demo_check.h"
+#include "demo/demo_reports.h"
+#include "demo/ledger/demo_ledger.h"
+#include "platform/database/Connection.h"
+#include "platform/database/sql_text.h"
+#include "platform/settings/QtSettings.h"
+#include "spreadsheet/print/pdf.h"
+
+#include <array>
+#include <charconv>
+#include <fstream>
+#include <functional>
+#include <optional>
+#include <ostream>
+
+namespace selfreport {
+
+namespace {
+
+/// Runs a command: exit code 0, or 1 after telling why.
+int command(const ToolStreams& streams, const std::function<void()>& work) noexcept
+{
+    std::string reason = hostCall(work);
+    if (reason.empty() && !streams.results.flush())
+        reason = "无法写到标准输出";
+    if (reason.empty())
+        return 0;
+    streams.notes << "失败: " << reason << std::endl;
+    return 1;
+}
+
+std::string fileConnection(const std::string& file)
+{
+    return "Provider=SQLite;Data Source='" + sqlQuoted(file) + "'";
+}
+
+/// A connection string as it stands; else the string for the embedded database in that file.
+std::string connectionString(const std::string& database)
+{
+    std::error_code unreadable;
+    const bool isFile = std::filesystem::exists(database, unreadable) && !unreadable;
+    return isFile || database.find('=') == std::string::npos ? fileConnection(database) : database;
+}
+
+std::optional<PendingFile> pending(const std::string& file)
+{
+    return file.empty() ? std::optional<PendingFile>() : std::optional<PendingFile>(std::in_place, file);
+}
+
+/// All sheets below each other; the byte order mark stands once, at the start.
+std::string workbookCsv(const spreadsheet::Workbook& workbook)
+{
+    constexpr std::size_t markLength = 3;
+    std::string csv = sheetCsv(workbook.sheet(1));
+    for (int sheet = 2; sheet <= workbook.sheetCount(); ++sheet)
+        csv += "\r\n" + sheetCsv(workbook.sheet(sheet)).substr(markLength);
+    return csv;
+}
+
+void writeCsv(const ReportRun& run, const PendingFile& file)
+{
+    std::ofstream stream(file.path(), std::ios::binary);
+    stream << workbookCsv(*run.workbook);
+    stream.close();
+    if (!stream)
+        throw FileError("CSV 写入失败: " + run.name);
+}
+
+void writeReportPdf(const ReportRun& run, const PendingFile& file)
+{
+    startToolkit(Display::none);
+    spreadsheet::PdfOptions options;
+    options.path = QString::fromStdString(file.path().string());
+    options.title = QString::fromStdString(run.name);
+    spreadsheet::writePdf(*run.workbook, options);
+}
+
+void tellDiagnostics(const ReportRun& run, std::ostream& notes)
+{
+    for (const std::string& message : run.messages)
+        notes << "提示: " << message << '\n';
+    for (const CellDiagnostic& diagnostic : run.diagnostics) {
+        const auto& [sheet, column, row] = diagnostic.place;
+        notes << "取数诊断: " << run.workbook->sheet(sheet).name() << '!'
+              << spreadsheet::cellName({column, row}) << ' ' << diagnostic.function << ": "
+              << diagnostic.reason << '\n';
+    }
+}
+
+/// Two decimals, right-aligned; the host's C locale has no say.
+std::string amount(double value)
+{
+    constexpr std::size_t width = 20;
+    std::array<char, 400> digits; // the largest number has 309 before its point
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, 2).ptr;
+    const std::string text(digits.data(), end);
+    return std::string(text.size() < width ? width - text.size() : 1, ' ') + text;
+}
+
+void writeReport(const std::string& database, std::int32_t reportId, const ReportFiles& files,
+                 const ToolStreams& streams)
+{
+    // Made first: what cannot be written is found before the long work.
+    std::optional<PendingFile> pdf = pending(files.pdf);
+    std::optional<PendingFile> csv = pending(files.csv);
+    QtSettings settings;
+    const SettingsInUse settingsInUse(settings);
+    const auto tell = [&](std::string_view what) { streams.notes << what << " …" << std::endl; };
+    const ReportRun run = runReport(connectionString(database), reportId, {.progress = tell});
+    tellDiagnostics(run, streams.notes);
+    if (pdf)
+        writeReportPdf(run, *pdf);
+    if (csv)
+        writeCsv(run, *csv);
+    if (pdf)
+        pdf->putInPlace();
+    if (csv)
+        csv->putInPlace();
+    if (!pdf && !csv)
+        streams.results << workbookCsv(*run.workbook);
+}
+
+} // namespace
+
+int toolDemo(const std::string& file, bool replaces, const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        if (!replaces && std::filesystem::exists(file))
+            throw FileError("文件已存在: " + file);
+        PendingFile database(file);
+        streams.notes << "生成演示账套 …" << std::endl;
+        createDemoLedger(database.path().string());
+        streams.notes << "生成演示报表 …" << std::endl;
+        storeDemoReports(fileConnection(database.path().string()));
+        closeIdleSessions();
+        database.putInPlace(replaces);
+        streams.results << file << '\n';
+    });
+}
+
+int toolList(const std::string& database, const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        for (const ListedReport& report : listReports(connectionString(database)))
+            streams.results << report.id << '\t' << report.name << '\t' << report.savedBy << '\t'
+                            << report.savedAt << '\n';
+    });
+}
+
+int toolRun(const std::string& database, std::int32_t reportId, const ReportFiles& files,
+            const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] { writeReport(database, reportId, files, streams); });
+}
+
+int toolCheck(const std::string& database, const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        int wrong = 0;
+        for (const DemoFigure& figure : demoFigures(connectionString(database))) {
+            streams.results << amount(figure.shown) << amount(figure.queried)
+                            << (figure.agrees() ? "  一致    " : "  不一致  ") << figure.report << ' '
+                            << figure.figure << '\n';
+            wrong += figure.agrees() ? 0 : 1;
+        }
+        if (wrong > 0)
+            throw ReportRunError(std::to_string(wrong) + " 个数据与另行查询的结果不一致");
+    });
+}
+
+} // namespace selfreport

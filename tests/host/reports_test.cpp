@@ -1,0 +1,155 @@
+#include "tests/host/ProgramRun.h"
+
+#include <gmock/gmock.h>
+#include <sqlite3.h>
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+namespace {
+
+/// A demo database that all tests of this file share; they leave it as it is.
+class Reports : public ::testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        s_folder = std::make_unique<TestFolder>();
+        const ProgramRun run("demo " + demo());
+        ASSERT_EQ(run.exitCode, 0) << run.errors;
+    }
+    static void TearDownTestSuite() { s_folder.reset(); }
+
+    static std::string demo() { return s_folder->file("demo.db"); }
+
+    inline static std::unique_ptr<TestFolder> s_folder;
+};
+
+void writeFile(const std::string& file, const std::string& content)
+{
+    std::ofstream(file, std::ios::binary) << content;
+}
+
+void change(const std::string& database, const char* sql)
+{
+    sqlite3* connection = nullptr;
+    ASSERT_EQ(sqlite3_open(database.c_str(), &connection), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(connection, sql, nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(connection);
+    EXPECT_GT(sqlite3_changes(connection), 0) << sql;
+    sqlite3_close(connection);
+}
+
+} // namespace
+
+TEST_F(Reports, EveryStoredReportBecomesPdfAndCsv)
+{
+    const ProgramRun list("list --db " + demo());
+    ASSERT_EQ(list.exitCode, 0) << list.errors;
+    std::istringstream lines(list.output);
+    int count = 0;
+    for (std::string id, rest; std::getline(lines, id, '\t') && std::getline(lines, rest); ++count) {
+        const TestFolder folder;
+        const ProgramRun run("run " + id + " --db " + demo() + " --pdf " + folder.file("r.pdf") + " --csv " +
+                             folder.file("r.csv"));
+        EXPECT_EQ(run.exitCode, 0) << run.errors;
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(folder.content(), "r.csv r.pdf");
+        EXPECT_THAT(contentOf(folder.file("r.pdf")), StartsWith("%PDF-")) << id;
+        EXPECT_THAT(contentOf(folder.file("r.csv")), AllOf(StartsWith("\xEF\xBB\xBF"), HasSubstr("\r\n")))
+            << id;
+    }
+    EXPECT_EQ(count, 6);
+}
+
+TEST_F(Reports, FiguresAgreeWithSeparateQueriesUntilTheLedgerChanges)
+{
+    const ProgramRun run("check --db " + demo());
+    EXPECT_EQ(run.exitCode, 0) << run.output << run.errors;
+    EXPECT_THAT(run.output, HasSubstr("资产负债表"));
+
+    const TestFolder folder;
+    std::filesystem::copy_file(demo(), folder.file("wrong.db"));
+    change(folder.file("wrong.db"), "update tblAccountBal set fEndBal = fEndBal + 1");
+    const ProgramRun wrong("check --db " + folder.file("wrong.db"));
+    EXPECT_EQ(wrong.exitCode, 1);
+    EXPECT_THAT(wrong.output, HasSubstr("不一致"));
+}
+
+TEST_F(Reports, WithoutFilesTheCellsGoToStandardOutput)
+{
+    const TestFolder folder;
+    const ProgramRun toFile("run 1 --db " + demo() + " --csv " + folder.file("a.csv"));
+    const ProgramRun toOutput("run 1 --db " + demo());
+    EXPECT_EQ(toOutput.output, contentOf(folder.file("a.csv")));
+}
+
+TEST_F(Reports, AConnectionStringAndAFileNameOpenTheSameDatabase)
+{
+    const ProgramRun byString("list --db \"provider = sqlite ; Data Source='" + demo() + "'\"");
+    const ProgramRun byName("list --db " + demo());
+    EXPECT_EQ(byString.exitCode, 0) << byString.errors;
+    EXPECT_EQ(byString.output, byName.output);
+}
+
+TEST_F(Reports, DemoReplacesAFileOnlyWhenTold)
+{
+    const TestFolder folder;
+    writeFile(folder.file("a.db"), "mine");
+    const ProgramRun refused("demo " + folder.file("a.db"));
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_THAT(refused.errors, HasSubstr(folder.file("a.db")));
+    EXPECT_EQ(contentOf(folder.file("a.db")), "mine");
+
+    const ProgramRun replaced("demo --overwrite " + folder.file("a.db"));
+    EXPECT_EQ(replaced.exitCode, 0) << replaced.errors;
+    EXPECT_EQ(folder.content(), "a.db");
+    EXPECT_EQ(contentOf(folder.file("a.db")), contentOf(demo())); // the same demo every time
+}
+
+/// Each failure names the thing, and leaves the folder as it was.
+TEST_F(Reports, FailuresNameTheThingAndLeaveNothing)
+{
+    const TestFolder folder;
+    writeFile(folder.file("empty.db"), "");
+    writeFile(folder.file("text.db"), std::string(5000, 'x'));
+    writeFile(folder.file("plain"), "");
+    writeFile(folder.file("old.pdf"), "old");
+    std::filesystem::create_directory(folder.file("folder.pdf"));
+    std::filesystem::copy_file(demo(), folder.file("damaged.db"));
+    change(folder.file("damaged.db"),
+           "update tblCWSelfReport set fFileContent = substr(fFileContent, 1, length(fFileContent) / 2)");
+    std::filesystem::copy_file(demo(), folder.file("cut.db"));
+    std::filesystem::resize_file(folder.file("cut.db"), std::filesystem::file_size(demo()) / 3);
+    const std::string before = folder.content();
+
+    struct Case {
+        std::string arguments, named;
+    };
+    const std::string toFiles = " --pdf " + folder.file("old.pdf") + " --csv " + folder.file("new.csv");
+    const Case cases[] = {
+        {"list --db " + folder.file("missing.db"), "missing.db"},
+        {"list --db " + folder.file("empty.db"), "empty.db"},
+        {"list --db " + folder.file("text.db"), "text.db"},
+        {"run 1 --db " + folder.file("missing.db") + toFiles, "missing.db"},
+        {"run 1 --db " + folder.file("cut.db") + toFiles, ""},
+        {"run 999 --db " + demo() + toFiles, "999"},
+        {"run 1 --db " + folder.file("damaged.db") + toFiles, "1"},
+        {"run 1 --db " + demo() + " --pdf " + folder.file("nowhere/a.pdf"), "nowhere/a.pdf"},
+        {"run 1 --db " + demo() + " --csv " + folder.file("plain/a.csv"), "plain/a.csv"},
+        {"run 1 --db " + demo() + " --csv " + folder.file("new.csv") + " --pdf " + folder.file("folder.pdf"),
+         "folder.pdf"},
+        {"check --db " + folder.file("missing.db"), "missing.db"},
+        {"demo " + folder.file("nowhere/a.db"), "nowhere/a.db"},
+        {"demo --overwrite " + folder.file("folder.pdf"), "folder.pdf"},
+        {"list --db \"Provider=Nonsense;Data Source=a\"", "Nonsense"},
+    };
+    for (const Case& c : cases) {
+        const ProgramRun run(c.arguments);
+        EXPECT_EQ(run.exitCode, 1) << c.arguments << '\n' << run.errors;
+        EXPECT_EQ(run.output, "") << c.arguments;
+        EXPECT_THAT(run.errors, AllOf(HasSubstr("失败"), HasSubstr(c.named))) << c.arguments;
+        EXPECT_EQ(folder.content(), before) << c.arguments;
+        EXPECT_EQ(contentOf(folder.file("old.pdf")), "old") << c.arguments;
+    }
+}
