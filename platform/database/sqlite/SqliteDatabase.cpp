@@ -194,6 +194,7 @@ SqliteDatabase::SqliteDatabase(const std::string& file)
     registerServerFunctions(handle());
     try {
         run("select count(*) from sqlite_schema");
+        run("pragma cache_size=-65536"); // KiB: the pages of a big ledger's upper levels and last reports
     } catch (const DatabaseError& error) {
         failOnFile(file, error.description);
     }

@@ -44,6 +44,10 @@ Recordset SqliteSession::query(std::string_view sql, std::span<const SqlValue> v
 
 std::vector<ProcedureResult> SqliteSession::callProcedures(std::span<const ProcedureCall> calls)
 {
+    // One read transaction takes the file's lock once, and all calls see the same ledger.
+    const bool ownTransaction = !inTransaction();
+    if (ownTransaction)
+        m_statements.statement("begin").step();
     std::vector<ProcedureResult> results;
     for (const ProcedureCall& call : calls) {
         ProcedureResult& result = results.emplace_back();
@@ -55,6 +59,8 @@ std::vector<ProcedureResult> SqliteSession::callProcedures(std::span<const Proce
             result.error = error;
         }
     }
+    if (ownTransaction)
+        m_statements.statement("commit").step();
     return results;
 }
 

@@ -51,14 +51,17 @@ std::optional<std::int64_t> firstInteger(SqliteStatement& statement)
 } // namespace
 
 AcctProcedure::AcctProcedure(const SqliteDatabase& database)
-    : m_statements(database, [](std::string_view text) { return std::string(text); })
+    : m_lookups(database, [](std::string_view text) { return std::string(text); })
+    , m_fetches(database, [this](std::string_view text) {
+        return acctSql(text.substr(text.find(' ')), m_placeholders); // the kind stands before the shape
+    })
 {
 }
 
 /// Each account's latest year is the end of one run of its index, so no scan of the ledger is needed.
 std::int64_t AcctProcedure::latestYear()
 {
-    return firstInteger(m_statements.statement(
+    return firstInteger(m_lookups.statement(
                             "select max((select max(fYear) from tblAccountBal where faccountid=b.fitemid and "
                             "fDetailId=0)) from tblAccount as b"))
         .value_or(0);
@@ -66,7 +69,7 @@ std::int64_t AcctProcedure::latestYear()
 
 std::int64_t AcctProcedure::lastPeriod(std::int64_t year)
 {
-    SqliteStatement& statement = m_statements.statement(
+    SqliteStatement& statement = m_lookups.statement(
         "select max((select max(fPeriod) from tblAccountBal where faccountid=b.fitemid and fDetailId=0 and "
         "fYear=?)) from tblAccount as b");
     const SqlValue value = year;
@@ -74,10 +77,10 @@ std::int64_t AcctProcedure::lastPeriod(std::int64_t year)
     return firstInteger(statement).value_or(1);
 }
 
-std::optional<AcctSelection> AcctProcedure::selectionOf(const ProcedureCall& call)
+std::optional<AcctProcedure::Selection> AcctProcedure::selectionOf(const ProcedureCall& call)
 {
-    AcctSelection selection;
-    SqliteStatement& keys = m_statements.statement("select fKey from tblSelfReportFieldKey where fKey=?");
+    Selection selection;
+    SqliteStatement& keys = m_lookups.statement("select fKey from tblSelfReportFieldKey where fKey=?");
     const SqlValue key = parameter(call, "strField");
     keys.bind({&key, 1});
     const auto known = firstCell(keys, true);
@@ -85,8 +88,7 @@ std::optional<AcctSelection> AcctProcedure::selectionOf(const ProcedureCall& cal
     if (!selection.kind)
         return std::nullopt;
     if (const std::string& code = parameter(call, "currenct"); !code.empty()) {
-        SqliteStatement& currencies =
-            m_statements.statement("select fitemid from tblCurrency where fnumber=?");
+        SqliteStatement& currencies = m_lookups.statement("select fitemid from tblCurrency where fnumber=?");
         const SqlValue bound = code;
         currencies.bind({&bound, 1});
         selection.currency = firstInteger(currencies);
@@ -107,21 +109,47 @@ std::optional<std::string> AcctProcedure::finalSql(const ProcedureCall& call)
     const auto selection = selectionOf(call);
     if (!selection)
         return std::nullopt;
-    return acctSql(parameter(call, "strSql"), *selection);
+    return acctSql(parameter(call, "strSql"),
+                   {.kind = selection->kind,
+                    .currency = selection->currency ? std::to_string(*selection->currency) : "",
+                    .year = std::to_string(selection->year),
+                    .firstPeriod = std::to_string(selection->firstPeriod),
+                    .lastPeriod = std::to_string(selection->lastPeriod)});
+}
+
+/// One statement serves all codes, years, periods and currencies of a kind and a form of the conditions. Its
+/// parameters: the texts, then currency, year, first and last period, as far as the kind reads them.
+SqliteStatement& AcctProcedure::statementFor(const Selection& selection, const LiftedSql& lifted)
+{
+    std::size_t count = lifted.texts.size();
+    const auto next = [&] { return "?" + std::to_string(++count); };
+    m_placeholders.kind = selection.kind;
+    m_placeholders.currency = selection.currency ? next() : "";
+    m_placeholders.year = next();
+    m_placeholders.firstPeriod = selection.kind->periods == AcctPeriods::last ? "" : next();
+    m_placeholders.lastPeriod = selection.kind->periods == AcctPeriods::first ? "" : next();
+    std::string key(selection.kind->key);
+    key += selection.currency ? "c " : " ";
+    return m_fetches.statement(key += lifted.shape);
 }
 
 ProcedureResult AcctProcedure::run(const ProcedureCall& call)
 {
     ProcedureResult result;
-    const auto sql = finalSql(call);
-    result.returnValue = sql ? 1 : 0;
-    if (!sql)
+    const auto selection = selectionOf(call);
+    result.returnValue = selection ? 1 : 0;
+    if (!selection)
         return result;
-    const LiftedSql lifted = liftLiterals(*sql);
-    SqliteStatement& statement = m_statements.statement(lifted.shape);
-    std::vector<SqlValue> values;
-    for (const auto& literal : lifted.literals)
-        std::visit([&](const auto& value) { values.emplace_back(value); }, literal);
+    const LiftedSql lifted = liftTexts(parameter(call, "strSql"));
+    SqliteStatement& statement = statementFor(*selection, lifted);
+    std::vector<SqlValue> values(lifted.texts.begin(), lifted.texts.end());
+    if (selection->currency)
+        values.emplace_back(*selection->currency);
+    values.emplace_back(selection->year);
+    if (selection->kind->periods != AcctPeriods::last)
+        values.emplace_back(selection->firstPeriod);
+    if (selection->kind->periods != AcctPeriods::first)
+        values.emplace_back(selection->lastPeriod);
     statement.bind(values);
     result.rows = statement.rows();
     return result;

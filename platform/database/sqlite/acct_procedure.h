@@ -4,6 +4,7 @@
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "platform/database/sqlite/StatementCache.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,15 +26,23 @@ public:
     /// @throws DatabaseError if the text is refused or a year or period is no whole number
     ProcedureResult run(const ProcedureCall& call);
 
-    /// The text that run() would run, literals in place. Nothing for an unknown key or currency.
+    /// The text that run() would run, values in place. Nothing for an unknown key or currency.
     std::optional<std::string> finalSql(const ProcedureCall& call);
 
 private:
-    std::optional<AcctSelection> selectionOf(const ProcedureCall& call);
+    struct Selection {
+        const AcctKind* kind = nullptr;
+        std::optional<std::int64_t> currency; ///< id
+        std::int64_t year = 0, firstPeriod = 1, lastPeriod = 1;
+    };
+    std::optional<Selection> selectionOf(const ProcedureCall& call);
     std::int64_t latestYear();
     std::int64_t lastPeriod(std::int64_t year);
+    SqliteStatement& statementFor(const Selection& selection, const LiftedSql& lifted);
 
-    StatementCache m_statements;
+    StatementCache m_lookups;
+    StatementCache m_fetches;     ///< by kind and shape
+    AcctSelection m_placeholders; ///< of the shape that is being prepared
 };
 
 /// The final text of a ledger fetch, for running it without this layer.

@@ -5,7 +5,7 @@
 #include "platform/database/sqlite/sql_tokens.h"
 #include "platform/database/sqlite/tsql_rewriter.h"
 
-#include <charconv>
+#include <algorithm>
 #include <utility>
 
 namespace selfreport {
@@ -57,6 +57,7 @@ public:
         for (const Join& join : joins())
             if (!isNeeded(join, kept))
                 edits.replace(m_tokens[join.range.begin].begin, m_tokens[join.range.end].begin, "");
+        beginWithAccounts(edits);
         edits.insert(m_tokens[m_where].end(), " (");
         return edits.applied(m_text) + ")";
     }
@@ -117,6 +118,24 @@ private:
         return {};
     }
 
+    /// Balances are found through their accounts, of which there are few: the order is forced, because
+    /// without statistics the library may scan the whole ledger instead.
+    void beginWithAccounts(SqlEdits& edits) const
+    {
+        const Join accounts = joinOf("b");
+        if (accounts.range.begin == 0)
+            throw DatabaseError(unspecifiedError, "取数条件没有科目表");
+        const std::size_t on = nextOutside("on", accounts.range.begin);
+        if (on + 1 >= accounts.range.end || accounts.range.begin != 4)
+            throw DatabaseError(unspecifiedError, "取数条件不以余额表和科目表开始");
+        const auto pieces = [&](std::size_t begin, std::size_t end) {
+            return std::string(
+                m_text.substr(m_tokens[begin].begin, m_tokens[end].end() - m_tokens[begin].begin));
+        };
+        edits.replace(m_tokens[1].begin, m_tokens[on - 1].end(),
+                      pieces(on - 3, on - 1) + " cross join " + pieces(1, 3));
+    }
+
     bool isNeeded(const Join& join, const std::vector<std::string_view>& kept) const
     {
         const auto isAlias = [&](std::string_view alias) { return sameName(alias, join.spelling); };
@@ -173,11 +192,20 @@ private:
         return edits.applied(m_text.substr(begin, m_tokens[range.end - 1].end() - begin));
     }
 
-    /// "(b.fNumber='...')"
+    /// "(b.fNumber='...')" or "(b.fNumber=?1)"
     bool isCodeEquality(TokenRange range) const
     {
-        return range.end - range.begin == 7 && m_tokens[range.begin + 4].isSymbol("=") &&
-               m_tokens[range.begin + 3].isName("fNumber");
+        const auto name = [&](std::size_t at, std::string_view word) {
+            return m_tokens[range.begin + at].isName(word);
+        };
+        const auto symbol = [&](std::size_t at, std::string_view sign) {
+            return m_tokens[range.begin + at].isSymbol(sign);
+        };
+        const std::size_t length = range.end - range.begin;
+        const bool comparesCode = length >= 7 && symbol(0, "(") && name(1, "b") && symbol(2, ".") &&
+                                  name(3, "fNumber") && symbol(4, "=");
+        return comparesCode && ((length == 7 && m_tokens[range.begin + 5].kind == SqlToken::Kind::text) ||
+                                (length == 8 && symbol(5, "?")));
     }
 
     std::string_view m_text;
@@ -187,29 +215,26 @@ private:
 
 std::string periodCondition(const AcctSelection& selection)
 {
-    const std::string first = std::to_string(selection.firstPeriod);
-    const std::string last = std::to_string(selection.lastPeriod);
     switch (selection.kind->periods) {
     case AcctPeriods::first:
-        return " and a.fPeriod=" + first;
+        return " and a.fPeriod=" + selection.firstPeriod;
     case AcctPeriods::last:
-        return " and a.fPeriod=" + last;
+        return " and a.fPeriod=" + selection.lastPeriod;
     case AcctPeriods::all:
         break;
     }
-    return " and a.fPeriod>=" + first + " and a.fPeriod<=" + last;
+    return " and a.fPeriod>=" + selection.firstPeriod + " and a.fPeriod<=" + selection.lastPeriod;
 }
 
 /// Conditions besides the handed ones, each with " and " before it.
 std::string selectionConditions(const HandedText& handed, const AcctSelection& selection)
 {
-    // A balance without its account counts nowhere; said so, the account may be looked up first.
-    std::string conditions = " and b.fitemid=a.faccountid";
+    std::string conditions;
     if (!handed.joinsItems())
         conditions += " and a.fDetailId=0";
-    conditions += " and a.fYear=" + std::to_string(selection.year) + periodCondition(selection);
-    if (selection.currency)
-        conditions += " and a.fCurrencyid=" + std::to_string(*selection.currency);
+    conditions += " and a.fYear=" + selection.year + periodCondition(selection);
+    if (!selection.currency.empty())
+        conditions += " and a.fCurrencyid=" + selection.currency;
     bool atMostOne = false;
     const std::string matched = handed.accountConditions("p", atMostOne);
     if (!atMostOne)
@@ -223,7 +248,7 @@ std::string selectionConditions(const HandedText& handed, const AcctSelection& s
 std::string acctSql(std::string_view fromAndWhere, const AcctSelection& selection)
 {
     const AcctKind& kind = *selection.kind;
-    std::string amount(selection.currency ? kind.original : kind.column);
+    const std::string amount(selection.currency.empty() ? kind.column : kind.original);
     HandedText handed(fromAndWhere);
     const std::string rows = toEmbeddedSql(handed.changed(amount) + selectionConditions(handed, selection));
     // Four decimals hold every amount and quantity and take the noise of binary sums away.
@@ -236,37 +261,29 @@ std::string acctSql(std::string_view fromAndWhere, const AcctSelection& selectio
            " group by a.faccountid,a.fDetailId) having count(*)>0";
 }
 
-LiftedSql liftLiterals(std::string_view sql)
+LiftedSql liftTexts(std::string_view sql)
 {
-    const Tokens tokens = sqlTokens(sql);
     LiftedSql lifted;
-    SqlEdits edits;
-    for (std::size_t at = 2; at < tokens.size(); ++at) {
-        const SqlToken& token = tokens[at];
-        if (token.kind == SqlToken::Kind::text) {
-            std::string text;
-            for (std::size_t place = 1; place + 1 < token.spelling.size(); ++place) {
-                text += token.spelling[place];
-                if (token.spelling[place] == '\'')
-                    ++place; // doubled
-            }
-            lifted.literals.emplace_back(std::move(text));
-            edits.replace(token.begin, token.end(), "?");
-            continue;
+    lifted.shape.reserve(sql.size());
+    for (std::size_t at = 0; at < sql.size();) {
+        const std::size_t quote = std::min(sql.find('\'', at), sql.size());
+        lifted.shape += sql.substr(at, quote - at);
+        if (quote == sql.size())
+            break;
+        std::string text;
+        for (at = quote + 1;; ++at) {
+            const std::size_t end = sql.find('\'', at);
+            if (end == std::string_view::npos)
+                throw DatabaseError(unspecifiedError, "取数条件中的引号没有结束");
+            text += sql.substr(at, end - at);
+            at = end + 1;
+            if (at == sql.size() || sql[at] != '\'')
+                break;
+            text += '\''; // doubled
         }
-        // Constants such as 1=1 and round(...,4) belong to the shape.
-        const bool compared = token.kind == SqlToken::Kind::number &&
-                              tokens[at - 1].kind == SqlToken::Kind::symbol &&
-                              tokens[at - 1].spelling.find('=') != std::string_view::npos &&
-                              tokens[at - 2].kind == SqlToken::Kind::name;
-        std::int64_t integer = 0;
-        const char* const end = token.spelling.data() + token.spelling.size();
-        if (!compared || std::from_chars(token.spelling.data(), end, integer).ptr != end)
-            continue;
-        lifted.literals.emplace_back(integer);
-        edits.replace(token.begin, token.end(), "?");
+        lifted.texts.push_back(std::move(text));
+        lifted.shape += "?" + std::to_string(lifted.texts.size());
     }
-    lifted.shape = edits.applied(sql);
     return lifted;
 }
 

@@ -1,22 +1,20 @@
 #pragma once
 #include "platform/database/sqlite/acct_kinds.h"
 
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 namespace selfreport {
 
-/// What a ledger fetch selects besides the handed text, all defaults filled in.
+/// What a ledger fetch selects besides the handed text, all defaults filled in. The values stand in the query
+/// as they are given: numbers, or parameters such as "?5".
 struct AcctSelection {
     const AcctKind* kind = nullptr;
-    std::optional<std::int64_t> currency; ///< id; none sums base amounts over all currencies
-    std::int64_t year = 0;
-    std::int64_t firstPeriod = 1;
-    std::int64_t lastPeriod = 1;
+    std::string currency; ///< id; empty sums base amounts over all currencies
+    std::string year;
+    std::string firstPeriod;
+    std::string lastPeriod;
 };
 
 /// The whole query of a ledger fetch in the embedded database's SQL: at most one row, column "f", none if no
@@ -29,12 +27,12 @@ struct AcctSelection {
 /// @throws DatabaseError if the text is no FROM and WHERE text
 std::string acctSql(std::string_view fromAndWhere, const AcctSelection& selection);
 
-/// A query with its literals taken out, so that fetches that differ in codes and periods share one prepared
+/// A text with its text literals taken out, so that fetches that differ in codes only share one prepared
 /// statement.
 struct LiftedSql {
-    std::string shape; ///< "?" where a literal stood
-    std::vector<std::variant<std::int64_t, std::string>> literals;
+    std::string shape; ///< "?1", "?2", ... where a literal stood
+    std::vector<std::string> texts;
 };
-LiftedSql liftLiterals(std::string_view sql);
+LiftedSql liftTexts(std::string_view sql);
 
 } // namespace selfreport

@@ -4,6 +4,7 @@
 #include "platform/database/sqlite/chinese_collation.h"
 #include "platform/database/SqlValue.h"
 
+#include <algorithm>
 #include <memory>
 #include <sqlite3.h>
 #include <string>
@@ -52,6 +53,31 @@ void like(sqlite3_context* context, int count, sqlite3_value** values)
     }
 }
 
+/// The plain characters with which a pattern begins.
+std::string_view patternPrefix(std::string_view pattern)
+{
+    return pattern.substr(0, std::min(pattern.find_first_of("%_["), pattern.size()));
+}
+
+/// like_first(pattern): no text that matches sorts before it.
+void likeFirst(sqlite3_context* context, int /*count*/, sqlite3_value** values)
+{
+    const std::string_view prefix = patternPrefix(textOf(values[0]));
+    sqlite3_result_text(context, prefix.data(), static_cast<int>(prefix.size()), SQLITE_TRANSIENT);
+}
+
+/// like_last(pattern): no text that matches sorts behind it.
+void likeLast(sqlite3_context* context, int /*count*/, sqlite3_value** values)
+{
+    try {
+        // U+10FFFF sorts behind every character that a text can go on with.
+        const std::string last = std::string(patternPrefix(textOf(values[0]))) + "\xF4\x8F\xBF\xBF";
+        sqlite3_result_text(context, last.data(), static_cast<int>(last.size()), SQLITE_TRANSIENT);
+    } catch (const std::exception&) {
+        sqlite3_result_error_nomem(context);
+    }
+}
+
 void getdate(sqlite3_context* context, int /*count*/, sqlite3_value** /*values*/)
 {
     try {
@@ -81,13 +107,22 @@ void len(sqlite3_context* context, int /*count*/, sqlite3_value** values)
 void registerServerFunctions(sqlite3* database)
 {
     constexpr int fixed = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
-    const bool registered =
-        sqlite3_create_collation(database, "chinese", SQLITE_UTF8, nullptr, collate) == SQLITE_OK &&
-        sqlite3_create_function(database, "like", 2, fixed, nullptr, like, nullptr, nullptr) == SQLITE_OK &&
-        sqlite3_create_function(database, "like", 3, fixed, nullptr, like, nullptr, nullptr) == SQLITE_OK &&
-        sqlite3_create_function(database, "len", 1, fixed, nullptr, len, nullptr, nullptr) == SQLITE_OK &&
-        sqlite3_create_function(database, "getdate", 0, SQLITE_UTF8, nullptr, getdate, nullptr, nullptr) ==
-            SQLITE_OK;
+    struct Function {
+        const char* name;
+        int arguments;
+        int flags;
+        void (*call)(sqlite3_context*, int, sqlite3_value**);
+    };
+    static constexpr Function functions[] = {
+        {"like", 2, fixed, like},          {"like", 3, fixed, like}, {"like_first", 1, fixed, likeFirst},
+        {"like_last", 1, fixed, likeLast}, {"len", 1, fixed, len},   {"getdate", 0, SQLITE_UTF8, getdate},
+    };
+    bool registered =
+        sqlite3_create_collation(database, "chinese", SQLITE_UTF8, nullptr, collate) == SQLITE_OK;
+    for (const Function& function : functions)
+        registered =
+            registered && sqlite3_create_function(database, function.name, function.arguments, function.flags,
+                                                  nullptr, function.call, nullptr, nullptr) == SQLITE_OK;
     if (!registered)
         throw DatabaseError(unspecifiedError, sqlite3_errmsg(database));
 }

@@ -12,9 +12,6 @@ namespace {
 using Kind = SqlToken::Kind;
 using Tokens = std::vector<SqlToken>;
 
-/// Sorts behind every character that a code can begin with.
-constexpr std::string_view lastCharacter = "\xF4\x8F\xBF\xBF"; // U+10FFFF
-
 bool isSymbolAt(const Tokens& tokens, std::size_t at, std::string_view symbol)
 {
     return at < tokens.size() && tokens[at].isSymbol(symbol);
@@ -123,30 +120,32 @@ std::size_t columnBefore(const Tokens& tokens, std::size_t at)
     return at - 1;
 }
 
-/// The plain characters with which a pattern literal begins, still with doubled apostrophes.
-std::string_view literalPrefix(std::string_view literal)
+/// Last token of the pattern that begins at `at`: a text, or a parameter with its number.
+std::size_t endOfPattern(const Tokens& tokens, std::size_t at)
 {
-    literal.remove_prefix(literal.find('\'') + 1);
-    if (literal.ends_with('\''))
-        literal.remove_suffix(1);
-    return literal.substr(0, std::min(literal.find_first_of("%_["), literal.size()));
+    const bool numbered = tokens[at].isSymbol("?") && at + 1 < tokens.size() &&
+                          tokens[at + 1].kind == Kind::number && tokens[at + 1].begin == tokens[at].end();
+    return numbered ? at + 1 : at;
 }
 
 void rewriteLike(std::string_view sql, const Tokens& tokens, SqlEdits& edits)
 {
     for (std::size_t at = 0; at + 1 < tokens.size(); ++at) {
-        if (!tokens[at].isName("like") || tokens[at + 1].kind != Kind::text ||
-            isNameAt(tokens, at + 2, "escape"))
+        const std::size_t last = endOfPattern(tokens, at + 1);
+        const bool fixed = tokens[at + 1].kind == Kind::text || last > at + 1;
+        if (!tokens[at].isName("like") || !fixed || isNameAt(tokens, last + 1, "escape"))
             continue;
         const std::size_t first = columnBefore(tokens, at);
-        const std::string prefix(literalPrefix(tokens[at + 1].spelling));
-        if (first == at || prefix.empty())
+        if (first == at)
             continue;
         const std::size_t begin = tokens[first].begin;
         const std::string column(sql.substr(begin, tokens[at - 1].end() - begin));
+        const std::string_view whole =
+            sql.substr(tokens[at + 1].begin, tokens[last].end() - tokens[at + 1].begin);
+        const std::string pattern(whole.substr(tokens[at + 1].kind == Kind::text ? whole.find('\'') : 0));
         edits.insert(begin, "(");
-        edits.insert(tokens[at + 1].end(), " and " + column + ">='" + prefix + "' and " + column + "<='" +
-                                               prefix + std::string(lastCharacter) + "')");
+        edits.insert(tokens[last].end(), " and " + column + ">=like_first(" + pattern + ") and " + column +
+                                             "<=like_last(" + pattern + "))");
     }
 }
 
