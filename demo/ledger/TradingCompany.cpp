@@ -10,6 +10,7 @@ namespace selfreport::demo {
 namespace {
 
 constexpr Fen yuan = 100;
+constexpr int lastDay = 28;
 
 template <typename Item>
 const Item& oneOf(DemoRandom& random, const std::vector<Item>& items)
@@ -83,17 +84,21 @@ void TradingCompany::openTrade()
         entry.debitFor = m_random.between(5000, 300000) * 10 * 10;
         entry.debit = customer.paysInDollars ? entry.debitFor * dollarRate / 100 : entry.debitFor;
         m_book.open(entry);
-        if (customer.id % 9 == 0)
-            openCredit("2203", m_random.between(1000, 20000) * yuan, customer.detail);
+        if (customer.paysInDollars)
+            continue;
+        openCredit("2203", m_random.between(1000, 20000) * yuan, customer.detail);
+        openDebit("1121", m_random.between(2000, 60000) * yuan, customer.detail);
     }
     for (const DemoSupplier& supplier : m_items.suppliers) {
         openCredit("2202", m_random.between(5000, 200000) * yuan, supplier.detail);
-        if (supplier.id % 7 == 0)
-            openDebit("1123", m_random.between(1000, 50000) * yuan, supplier.detail);
+        openCredit("2201", m_random.between(2000, 40000) * yuan, supplier.detail);
+        openDebit("1123", m_random.between(1000, 20000) * yuan, supplier.detail);
     }
     for (const DemoGoods& goods : m_items.goods) {
         const std::int64_t pieces = m_random.between(100, 600);
         openDebit("1405", pieces * goods.cost, goods.detail, pieces);
+        const std::int64_t sent = m_random.between(1, 20);
+        openDebit("1406", sent * goods.cost, goods.detail, sent);
     }
 }
 
@@ -212,13 +217,42 @@ void TradingCompany::collect()
     if (!owed || owed->balanceFor <= 1000)
         return;
     const Fen amount = owed->balanceFor * m_random.between(40, 95) / 100 / 10 * 10;
-    Draft draft(*this, static_cast<int>(m_random.between(1, 28)), "收回货款");
+    const int day = static_cast<int>(m_random.between(1, 28));
     if (customer.paysInDollars)
-        draft.debitDollars("10020202", amount).creditDollars("1122", amount, customer.detail);
+        Draft(*this, day, "收回货款")
+            .debitDollars("10020202", amount)
+            .creditDollars("1122", amount, customer.detail)
+            .post();
+    else if (m_random.oneIn(6))
+        Draft(*this, day, "收到票据")
+            .debit("1121", amount, customer.detail)
+            .credit("1122", amount, customer.detail)
+            .post();
     else
-        draft.debit(m_random.oneIn(4) ? "10020102" : "10020101", amount)
-            .credit("1122", amount, customer.detail);
-    draft.post();
+        Draft(*this, day, "收回货款")
+            .debit(m_random.oneIn(4) ? "10020102" : "10020101", amount)
+            .credit("1122", amount, customer.detail)
+            .post();
+    settlePapers(customer);
+}
+
+/// Cashes the customer's notes and sets off what it paid ahead.
+void TradingCompany::settlePapers(const DemoCustomer& customer)
+{
+    if (customer.paysInDollars || !m_random.oneIn(3))
+        return;
+    const Fen notes = m_book.line(m_book.idOf("1121"), customer.detail, baseCurrency)->balance;
+    Draft(*this, lastDay, "票据到期收款")
+        .debit("10020101", notes)
+        .credit("1121", notes, customer.detail)
+        .post();
+    const Fen ahead = -m_book.line(m_book.idOf("2203"), customer.detail, baseCurrency)->balance;
+    const Fen owed = m_book.line(m_book.idOf("1122"), customer.detail, baseCurrency)->balance;
+    const Fen setOff = std::max<Fen>(std::min(ahead, owed) / 2, 0);
+    Draft(*this, lastDay, "预收冲应收")
+        .debit("2203", setOff, customer.detail)
+        .credit("1122", setOff, customer.detail)
+        .post();
 }
 
 void TradingCompany::payDebt()
@@ -231,6 +265,13 @@ void TradingCompany::payDebt()
     Draft(*this, static_cast<int>(m_random.between(1, 28)), "支付货款")
         .debit("2202", amount, supplier.detail)
         .credit("10020101", amount)
+        .post();
+    if (!m_random.oneIn(3))
+        return;
+    const Fen notes = -m_book.line(m_book.idOf("2201"), supplier.detail, baseCurrency)->balance;
+    Draft(*this, lastDay, "承兑票据到期付款")
+        .debit("2201", notes, supplier.detail)
+        .credit("10020101", notes)
         .post();
 }
 

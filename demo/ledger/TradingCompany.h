@@ -35,6 +35,7 @@ private:
     void purchase(const DemoGoods& goods);
     void sell();
     void collect();
+    void settlePapers(const DemoCustomer& customer);
     void payDebt();
     void spend();
 

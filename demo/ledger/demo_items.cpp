@@ -1,5 +1,6 @@
 #include "demo/ledger/demo_items.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -56,7 +57,7 @@ public:
 
     DemoItems items;
 
-    void departments()
+    void departments(int count)
     {
         struct Row {
             const char* name;
@@ -66,12 +67,14 @@ public:
         static constexpr Row rows[] = {{"销售一部", true, 12}, {"销售二部", true, 10}, {"外贸部", true, 6},
                                        {"市场部", true, 5},    {"行政部", false, 4},   {"财务部", false, 5},
                                        {"采购部", false, 6},   {"仓储部", false, 8}};
-        int number = 0;
-        for (const Row& row : rows) {
+        const int digits = std::max(2, static_cast<int>(std::to_string(count).size()));
+        for (int number = 1; number <= count; ++number) {
+            const bool named = number <= static_cast<int>(std::size(rows));
+            const Row& row = rows[named ? number - 1 : number % 2];
             DemoDepartment department;
             department.id = ++m_lastItem;
-            department.code = numbered(++number, 2);
-            department.name = row.name;
+            department.code = numbered(number, digits);
+            department.name = named ? row.name : "第" + std::to_string(number) + "销售部";
             department.sells = row.sells;
             department.staff = row.staff;
             department.detail = combination({{departmentClass, department.id}});
@@ -88,7 +91,7 @@ public:
             customer.name = companyName(m_random, number);
             customer.paysInDollars = number % 10 == 0;
             // The third department trades abroad.
-            customer.department = customer.paysInDollars ? 2 : static_cast<int>(m_random.between(0, 1));
+            customer.department = customer.paysInDollars ? 2 : sellingDepartment();
             const auto& department = items.departments[static_cast<std::size_t>(customer.department)];
             customer.detail = combination({{customerClass, customer.id}, {departmentClass, department.id}});
             items.customers.push_back(customer);
@@ -123,6 +126,14 @@ public:
     }
 
 private:
+    int sellingDepartment()
+    {
+        const auto department = static_cast<std::size_t>(
+            m_random.between(0, static_cast<std::int64_t>(items.departments.size()) - 1));
+        return items.departments[department].sells ? static_cast<int>(department)
+                                                   : static_cast<int>(department % 2);
+    }
+
     int combination(std::vector<std::pair<int, int>> members)
     {
         const int detail = static_cast<int>(items.combinations.size()) + 1;
@@ -136,10 +147,10 @@ private:
 
 } // namespace
 
-DemoItems makeDemoItems(DemoRandom& random, int customers, int suppliers, int goods)
+DemoItems makeDemoItems(DemoRandom& random, int departments, int customers, int suppliers, int goods)
 {
     Maker maker(random);
-    maker.departments();
+    maker.departments(departments);
     maker.customers(customers);
     maker.suppliers(suppliers);
     maker.goods(goods);

@@ -53,7 +53,7 @@ struct DemoItems {
     std::vector<DemoCombination> combinations;
 };
 
-/// @param customers, suppliers, goods  how many of each, at least 1
-DemoItems makeDemoItems(DemoRandom& random, int customers, int suppliers, int goods);
+/// @param departments  how many, at least 8; the others at least 1
+DemoItems makeDemoItems(DemoRandom& random, int departments, int customers, int suppliers, int goods);
 
 } // namespace selfreport::demo

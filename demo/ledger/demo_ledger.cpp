@@ -79,20 +79,22 @@ DemoLedgerOptions DemoLedgerOptions::ofBalanceRows(std::int64_t rows)
         const std::int64_t lines = rows / (years * demo::periodsPerYear) + 1;
         return std::max(least, static_cast<int>(lines * perThousand / 1000));
     };
-    options.customers = share(270, options.customers);
-    options.suppliers = share(140, options.suppliers);
-    options.goods = share(260, options.goods);
+    options.departments = share(3, options.departments);
+    options.customers = share(105, options.customers);
+    options.suppliers = share(105, options.suppliers);
+    options.goods = share(110, options.goods);
     options.salesPerPeriod = share(50, options.salesPerPeriod);
     return options;
 }
 
 void writeDemoLedger(Connection& connection, const DemoLedgerOptions& options)
 {
-    if (std::min({options.customers, options.suppliers, options.goods, options.salesPerPeriod}) < 1)
-        throw DatabaseError(unspecifiedError, "演示账套至少要有一个客户、供应商、商品和一笔销售");
+    if (std::min({options.customers, options.suppliers, options.goods, options.salesPerPeriod}) < 1 ||
+        options.departments < 8)
+        throw DatabaseError(unspecifiedError, "演示账套至少要有八个部门, 一个客户、供应商、商品和一笔销售");
     demo::DemoRandom random(options.seed);
     const demo::DemoItems items =
-        demo::makeDemoItems(random, options.customers, options.suppliers, options.goods);
+        demo::makeDemoItems(random, options.departments, options.customers, options.suppliers, options.goods);
     demo::LedgerBook book;
     demo::TradingCompany company(book, items, random, options.salesPerPeriod);
     company.openBooks();

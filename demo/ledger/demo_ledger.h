@@ -12,6 +12,7 @@ class Connection;
 struct DemoLedgerOptions {
     std::uint64_t seed = 20090101;
     int firstYear = 2024; ///< of the two full years
+    int departments = 8;  ///< at least 8
     int customers = 24;
     int suppliers = 16;
     int goods = 30;
@@ -25,7 +26,7 @@ struct DemoLedgerOptions {
 /// company: chart of accounts, items, currencies RMB and USD, vouchers, balances, quantities, profit and
 /// loss, users, and the menu node 521 with its parents. One transaction; nothing stays if an identity does
 /// not hold.
-/// @throws DatabaseError, also for options below 1
+/// @throws DatabaseError, also for options below their least
 void writeDemoLedger(Connection& connection, const DemoLedgerOptions& options = {});
 
 /// Writes the demo ledger as a new embedded database, replacing a file of that name. The file is written
