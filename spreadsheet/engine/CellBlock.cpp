@@ -149,8 +149,10 @@ void CellBlock::setValue(int index, Value value)
 
 void CellBlock::setNumbers(int first, const double* numbers, int count)
 {
-    for (int i = first; i < first + count; ++i)
-        dropText(i);
+    if (std::memchr(m_kinds + first, static_cast<int>(ValueKind::text), static_cast<std::size_t>(count))) {
+        for (int i = first; i < first + count; ++i)
+            dropText(i);
+    }
     std::memset(m_kinds + first, static_cast<int>(ValueKind::number), static_cast<std::size_t>(count));
     std::memcpy(static_cast<void*>(m_payloads + first), numbers,
                 static_cast<std::size_t>(count) * sizeof(double));

@@ -60,6 +60,7 @@ public:
     void setTag(int index, Text tag);
     Text shown(int index) const { return m_shown ? m_shown[index] : Text(); }
     void setShown(int index, Text text);
+    bool hasShown() const { return m_shown != nullptr; }
 
     /// True if the cell holds a value, a formula, a tag or a shown text.
     bool holdsData(int index) const;

@@ -54,7 +54,8 @@ public:
     CellRange extent(CellAddress cell) const;
 
     // Writing.
-    /// A constant; empty takes value and formula away. A new value takes the shown text away.
+    /// A constant; empty takes value and formula away. A new value takes the shown text away, and an
+    /// array formula that the cell belongs to (its other cells keep their values).
     void setValue(CellAddress cell, Value value);
     void setNumber(CellAddress cell, double number) { setValue(cell, Value(number)); }
     void setText(CellAddress cell, std::string_view text) { setValue(cell, Value::text(text)); }
@@ -100,7 +101,15 @@ private:
     friend class SheetStructure;
     friend class Recalculation;
 
+    /// The column, its former state kept for undo.
     Column& editableColumn(int column);
+    /// Keeps the settings for undo before they change.
+    SheetSettings& editableSettings();
+    void putFormula(const CellRange& range, std::uint32_t formula);
+    /// Takes the array formula away that a cell belongs to; its cells keep their values.
+    void dissolveArray(CellAddress cell);
+    CellAddress formulaBase(CellAddress cell, std::uint32_t formula) const;
+    void noteChanged(const CellRange& range);
 
     Workbook& m_workbook;
     int m_id;

@@ -49,7 +49,8 @@ struct SheetSettings {
     AxisSizes columns{defaultColumnWidth, {}, {}};
     std::map<int, std::uint32_t> rowStyles; ///< style of a whole row, by row
     std::map<int, std::uint32_t> columnStyles;
-    std::vector<CellRange> spans; ///< merged cells; they never overlap
+    std::vector<CellRange> spans;  ///< merged cells; they never overlap
+    std::vector<CellRange> arrays; ///< ranges of array formulas; they never overlap
     int frozenRows = 0;
     int frozenColumns = 0;
     PrintSettings print;

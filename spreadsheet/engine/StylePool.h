@@ -6,12 +6,13 @@
 
 namespace spreadsheet {
 
-/// All looks of a workbook's cells, each once. Number 0 is the look of a fresh cell.
+/// All looks of a workbook's cells, each once. Number 0 is that of a cell without a style of its own,
+/// which takes its row's or column's, else the fresh look.
 class StylePool {
 public:
-    StylePool() { intern(CellStyle{}); }
+    StylePool() { m_styles.emplace_back(); }
 
-    /// The number of a style, which it keeps for the workbook's life.
+    /// The number of a style, at least 1, which it keeps for the workbook's life.
     std::uint32_t intern(const CellStyle& style);
     const CellStyle& operator[](std::uint32_t number) const { return m_styles[number]; }
     std::size_t size() const { return m_styles.size(); }

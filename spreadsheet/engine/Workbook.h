@@ -96,8 +96,11 @@ private:
     friend class UndoJournal;
     friend class UndoStep;
     friend class SheetStructure;
+    friend class Recalculation;
 
-    std::vector<std::unique_ptr<Sheet>> m_sheets;
+    void noteEdit() { ++m_revision; }
+
+    std::vector<std::shared_ptr<Sheet>> m_sheets; ///< shared with undo steps that bring them back
     StylePool m_styles;
     std::unique_ptr<FormulaPool> m_formulas;
     std::unique_ptr<NameTable> m_names;

@@ -24,23 +24,26 @@ struct Divide {
     static double apply(double a, double b) { return a / b; }
 };
 
+/// The result may lie where the left side lies: every row is read before it is written.
 template <typename Operation>
 void combine(const double* left, double leftConstant, const double* right, double rightConstant,
-             double* __restrict result, int count)
+             double* result, int count)
 {
     if (left && right) {
+#pragma GCC ivdep
         for (int i = 0; i < count; ++i)
             result[i] = Operation::apply(left[i], right[i]);
     } else if (left) {
+#pragma GCC ivdep
         for (int i = 0; i < count; ++i)
             result[i] = Operation::apply(left[i], rightConstant);
     } else {
+#pragma GCC ivdep
         for (int i = 0; i < count; ++i)
             result[i] = Operation::apply(leftConstant, right[i]);
     }
 }
 
-/// Zero only if every number is finite.
 bool allFinite(const double* numbers, int count)
 {
     double sum = 0; // stays 0, or turns into no number

@@ -1,0 +1,401 @@
+#include "spreadsheet/engine/SheetStructure.h"
+
+#include "spreadsheet/engine/UndoJournal.h"
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/Recalculation.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+bool slotRefersTo(const ReferenceSlot& slot, const Sheet& holder, int sheetId)
+{
+    if (slot.shape == ReferenceSlot::Shape::broken)
+        return false;
+    return slot.firstSheet == 0 ? holder.id() == sheetId
+                                : slot.firstSheet == sheetId || slot.lastSheet == sheetId;
+}
+
+/// Shifts the two ends of a range along the axis; false if nothing of it is left.
+bool shiftEnds(const AxisShift& shift, int& first, int& last)
+{
+    const bool firstCut = shift.isRemoved(first);
+    const bool lastCut = shift.isRemoved(last);
+    if (firstCut && lastCut)
+        return false;
+    first = shift.moved(first);
+    last = lastCut ? shift.at - 1 : shift.moved(last);
+    return true;
+}
+
+bool shiftRange(const AxisShift& shift, CellRange& range)
+{
+    return shift.rows ? shiftEnds(shift, range.top, range.bottom) : shiftEnds(shift, range.left, range.right);
+}
+
+template <typename T>
+std::map<int, T> shiftedKeys(const std::map<int, T>& map, const AxisShift& shift)
+{
+    std::map<int, T> result;
+    for (const auto& [index, value] : map) {
+        if (!shift.isRemoved(index))
+            result.emplace(shift.moved(index), value);
+    }
+    return result;
+}
+
+AxisPoint pointAt(int target, int base, bool absolute)
+{
+    return {absolute ? target : target - base, absolute};
+}
+
+} // namespace
+
+std::vector<SheetStructure::Stretch>
+SheetStructure::stretches(const std::function<bool(const Sheet&, std::uint32_t)>& wanted)
+{
+    std::vector<Stretch> found;
+    for (const auto& sheet : m_workbook.m_sheets) {
+        for (int column = 1; column <= sheet->storedColumns(); ++column) {
+            for (const Column::Slot& slot : sheet->column(column)->slots()) {
+                const std::uint32_t* formulas = slot.block->formulas();
+                for (int i = 0; formulas && i < slot.block->count(); ++i) {
+                    if (formulas[i] == 0)
+                        continue;
+                    const int row = slot.firstRow + i;
+                    if (!found.empty() && found.back().formula == formulas[i] &&
+                        found.back().sheet == sheet.get() && found.back().column == column &&
+                        found.back().lastRow == row - 1)
+                        found.back().lastRow = row;
+                    else if (wanted(*sheet, formulas[i]))
+                        found.push_back({sheet.get(), column, row, row, formulas[i]});
+                }
+            }
+        }
+    }
+    return found;
+}
+
+bool SheetStructure::refersTo(const Sheet& holder, std::uint32_t formula, int sheetId) const
+{
+    return std::ranges::any_of(m_workbook.formulas()[formula].slots, [&](const ReferenceSlot& slot) {
+        return slotRefersTo(slot, holder, sheetId);
+    });
+}
+
+std::optional<std::string> SheetStructure::shift(Sheet& sheet, const AxisShift& shift)
+{
+    const int limit = shift.rows ? maxRows : maxColumns;
+    const int last = shift.rows ? sheet.lastDataRow() : sheet.lastDataColumn();
+    if (shift.at < 1 || shift.at > limit || shift.inserted + shift.removed < 1)
+        return "行列号超出范围";
+    if (last >= shift.at && last + shift.inserted - shift.removed > limit)
+        return "表的末尾有数据,不能再插入";
+    for (const CellRange& array : sheet.settings().arrays) {
+        const int first = shift.rows ? array.top : array.left;
+        const int end = shift.rows ? array.bottom : array.right;
+        const bool cut = shift.removed > 0 ? end >= shift.at && first < shift.at + shift.removed &&
+                                                 !(first >= shift.at && end < shift.at + shift.removed)
+                                           : first < shift.at && end >= shift.at;
+        if (cut)
+            return "不能更改数组公式的一部分";
+    }
+    const UndoStep step(m_workbook, shift.inserted > 0 ? (shift.rows ? "插入行" : "插入列")
+                                                       : (shift.rows ? "删除行" : "删除列"));
+    std::vector<Rewrite> rewrites;
+    for (const Stretch& stretch : stretches([&](const Sheet&holder, std::uint32_t formula) {
+             return refersTo(holder, formula, sheet.id());
+         }))
+        collectRewrites(stretch, sheet, shift, rewrites);
+    rewriteNames(sheet, shift);
+    shiftCells(sheet, shift);
+    shiftSettings(sheet, shift);
+    for (const Rewrite& rewrite : rewrites)
+        apply(rewrite);
+    m_workbook.recalculation().noteMoved();
+    return std::nullopt;
+}
+
+/// Cuts a stretch where a reference or the cells themselves cross the place of the shift, so that all
+/// cells of a piece get the same new formula.
+void SheetStructure::collectRewrites(const Stretch& stretch, const Sheet& sheet, const AxisShift& shift,
+                                     std::vector<Rewrite>& rewrites)
+{
+    std::vector<int> cuts{stretch.firstRow, stretch.lastRow + 1};
+    const Formula& formula = m_workbook.formulas()[stretch.formula];
+    const auto cutAt = [&](int row) {
+        if (row > stretch.firstRow && row <= stretch.lastRow)
+            cuts.push_back(row);
+    };
+    if (shift.rows && !formula.isArrayFormula) {
+        if (stretch.sheet == &sheet) {
+            cutAt(shift.at);
+            cutAt(shift.at + shift.removed);
+        }
+        for (const ReferenceSlot& slot : formula.slots) {
+            for (const AxisPoint& point : {slot.top, slot.bottom}) {
+                if (point.absolute || !slotRefersTo(slot, *stretch.sheet, sheet.id()))
+                    continue;
+                cutAt(shift.at - point.value);
+                for (int row = 0; row <= shift.removed; ++row) { // each removed row is cut off differently
+                    if (shift.removed > 0 && shift.at + row - point.value <= stretch.lastRow)
+                        cutAt(shift.at + row - point.value);
+                    else
+                        break;
+                }
+            }
+        }
+        std::ranges::sort(cuts);
+        cuts.erase(std::ranges::unique(cuts).begin(), cuts.end());
+    }
+    for (std::size_t i = 0; i + 1 < cuts.size(); ++i) {
+        Stretch piece = stretch;
+        piece.firstRow = cuts[i];
+        piece.lastRow = cuts[i + 1] - 1;
+        const bool vanishes =
+            piece.sheet == &sheet && shift.isRemoved(shift.rows ? piece.firstRow : piece.column);
+        if (vanishes)
+            continue;
+        Rewrite rewrite = rewritten(piece, sheet, shift);
+        if (rewrite.stretch.formula != stretch.formula || rewrite.changesValue)
+            rewrites.push_back(rewrite);
+    }
+}
+
+/// The piece's formula and place after the shift.
+SheetStructure::Rewrite SheetStructure::rewritten(const Stretch& stretch, const Sheet& sheet,
+                                                  const AxisShift& shift)
+{
+    const Formula& formula = m_workbook.formulas()[stretch.formula];
+    CellAddress base = stretch.sheet->formulaBase({stretch.column, stretch.firstRow}, stretch.formula);
+    CellAddress newBase = base;
+    Rewrite result{stretch};
+    if (stretch.sheet == &sheet) {
+        newBase = shift.rows ? CellAddress{base.column, shift.moved(base.row)}
+                             : CellAddress{shift.moved(base.column), base.row};
+        if (shift.rows) {
+            result.stretch.firstRow = shift.moved(stretch.firstRow);
+            result.stretch.lastRow = result.stretch.firstRow + (stretch.lastRow - stretch.firstRow);
+        } else {
+            result.stretch.column = shift.moved(stretch.column);
+        }
+    }
+    std::vector<ReferenceSlot> slots = formula.slots;
+    for (ReferenceSlot& slot : slots) {
+        const auto range = slot.range(base);
+        if (!range)
+            continue;
+        CellRange cells = *range;
+        const bool wholeAxis =
+            slot.shape == (shift.rows ? ReferenceSlot::Shape::columns : ReferenceSlot::Shape::rows);
+        if (slotRefersTo(slot, *stretch.sheet, sheet.id()) && !wholeAxis) {
+            const CellRange before = cells;
+            if (!shiftRange(shift, cells)) {
+                slot.shape = ReferenceSlot::Shape::broken;
+                result.changesValue = true;
+                continue;
+            }
+            result.changesValue =
+                result.changesValue || cells.rows() < before.rows() || cells.columns() < before.columns();
+        }
+        // Corners keep their order as written: a range typed from below to above stays so.
+        const bool rowsTurned = slot.top.at(base.row) > slot.bottom.at(base.row);
+        const bool columnsTurned = slot.left.at(base.column) > slot.right.at(base.column);
+        const bool single = slot.isSingleCell();
+        slot.top = pointAt(rowsTurned && !single ? cells.bottom : cells.top, newBase.row, slot.top.absolute);
+        slot.left =
+            pointAt(columnsTurned && !single ? cells.right : cells.left, newBase.column, slot.left.absolute);
+        if (!single) {
+            slot.bottom = pointAt(rowsTurned ? cells.top : cells.bottom, newBase.row, slot.bottom.absolute);
+            slot.right =
+                pointAt(columnsTurned ? cells.left : cells.right, newBase.column, slot.right.absolute);
+        }
+        if (slot.shape == ReferenceSlot::Shape::columns)
+            slot.top = slot.bottom = {};
+        if (slot.shape == ReferenceSlot::Shape::rows)
+            slot.left = slot.right = {};
+    }
+    result.stretch.formula = m_workbook.formulas().withSlots(stretch.formula, std::move(slots));
+    return result;
+}
+
+void SheetStructure::apply(const Rewrite& rewrite)
+{
+    const Stretch& stretch = rewrite.stretch;
+    Column& cells = stretch.sheet->editableColumn(stretch.column);
+    for (int row = stretch.firstRow; row <= stretch.lastRow; ++row) {
+        const Column::Place place = cells.writable(row);
+        place.block.setFormula(place.index, stretch.formula);
+    }
+    if (rewrite.changesValue)
+        m_workbook.recalculation().noteChanged(stretch.sheet->id(), stretch.column, stretch.firstRow,
+                                               stretch.lastRow);
+}
+
+void SheetStructure::shiftCells(Sheet& sheet, const AxisShift& shift)
+{
+    if (!shift.rows) {
+        m_workbook.journal().keepAllColumns(sheet);
+        auto& columns = sheet.m_columns;
+        if (static_cast<int>(columns.size()) < shift.at)
+            return;
+        const auto place = columns.begin() + (shift.at - 1);
+        if (shift.inserted > 0)
+            columns.insert(place, static_cast<std::size_t>(shift.inserted), Column());
+        else
+            columns.erase(place, columns.size() - static_cast<std::size_t>(shift.at - 1) >
+                                         static_cast<std::size_t>(shift.removed)
+                                     ? place + shift.removed
+                                     : columns.end());
+        if (columns.size() > static_cast<std::size_t>(maxColumns))
+            columns.resize(static_cast<std::size_t>(maxColumns));
+        return;
+    }
+    for (int column = 1; column <= sheet.storedColumns(); ++column) {
+        const Column& cells = *sheet.column(column);
+        if (cells.lowerSlot(shift.at) == cells.slots().size())
+            continue;
+        if (shift.inserted > 0)
+            sheet.editableColumn(column).insertRows(shift.at, shift.inserted);
+        else
+            sheet.editableColumn(column).removeRows(shift.at, shift.removed);
+    }
+}
+
+void SheetStructure::shiftSettings(Sheet& sheet, const AxisShift& shift)
+{
+    SheetSettings& settings = sheet.editableSettings();
+    AxisSizes& axis = shift.rows ? settings.rows : settings.columns;
+    axis.sizes = shiftedKeys(axis.sizes, shift);
+    axis.hidden = shiftedKeys(axis.hidden, shift);
+    auto& styles = shift.rows ? settings.rowStyles : settings.columnStyles;
+    styles = shiftedKeys(styles, shift);
+    for (auto* ranges : {&settings.spans, &settings.arrays})
+        std::erase_if(*ranges, [&](CellRange& range) { return !shiftRange(shift, range); });
+    std::erase_if(settings.spans, [](const CellRange& s) { return s.rows() == 1 && s.columns() == 1; });
+    if (shift.rows && settings.print.titleTop > 0 &&
+        !shiftEnds(shift, settings.print.titleTop, settings.print.titleBottom))
+        settings.print.titleTop = settings.print.titleBottom = 0;
+    int& count = shift.rows ? settings.rowCount : settings.columnCount;
+    count = std::clamp(count + shift.inserted - shift.removed, 1, shift.rows ? maxRows : maxColumns);
+}
+
+void SheetStructure::rewriteNames(const Sheet& sheet, const AxisShift& shift)
+{
+    NameTable& names = *m_workbook.m_names;
+    for (int name = 0; name < names.size(); ++name) {
+        const std::uint32_t formula = names[name].formula;
+        if (formula == 0)
+            continue;
+        std::vector<ReferenceSlot> slots = m_workbook.formulas()[formula].slots;
+        for (ReferenceSlot& slot : slots) {
+            if (slot.firstSheet != sheet.id() || slot.shape == ReferenceSlot::Shape::broken)
+                continue;
+            const bool single = slot.isSingleCell();
+            AxisPoint& first = shift.rows ? slot.top : slot.left;
+            AxisPoint& last = single ? first : shift.rows ? slot.bottom : slot.right;
+            if (!first.absolute || !last.absolute)
+                continue; // relative to the cell that mentions the name
+            int from = first.value;
+            int to = last.value;
+            if (!shiftEnds(shift, from, to))
+                slot.shape = ReferenceSlot::Shape::broken;
+            else {
+                last.value = to;
+                first.value = from;
+            }
+        }
+        const std::uint32_t changed = m_workbook.formulas().withSlots(formula, std::move(slots));
+        if (changed != formula) {
+            m_workbook.journal().keepNames();
+            names.define(name, changed);
+        }
+    }
+}
+
+void SheetStructure::breakReferences(int sheetId)
+{
+    const auto broken = [&](const Sheet& holder, std::uint32_t formula) {
+        std::vector<ReferenceSlot> slots = m_workbook.formulas()[formula].slots;
+        for (ReferenceSlot& slot : slots) {
+            if (slot.firstSheet != 0 && slotRefersTo(slot, holder, sheetId)) {
+                slot.shape = ReferenceSlot::Shape::broken;
+                slot.sheetText.clear();
+            }
+        }
+        return m_workbook.formulas().withSlots(formula, std::move(slots));
+    };
+    for (Stretch& stretch : stretches([&](const Sheet&holder, std::uint32_t formula) {
+             return holder.id() != sheetId && refersTo(holder, formula, sheetId);
+         })) {
+        stretch.formula = broken(*stretch.sheet, stretch.formula);
+        apply({stretch, true});
+    }
+    NameTable& names = *m_workbook.m_names;
+    for (int name = 0; name < names.size(); ++name) {
+        if (names[name].formula != 0) {
+            m_workbook.journal().keepNames();
+            names.define(name, broken(m_workbook.sheet(1), names[name].formula));
+        }
+    }
+    m_workbook.recalculation().noteNames();
+}
+
+void SheetStructure::followMove(const Sheet& source, const CellRange& from, const Sheet& target,
+                                CellAddress to)
+{
+    const int down = to.row - from.top;
+    const int across = to.column - from.left;
+    const auto wanted = [&](const Sheet& holder, std::uint32_t formula) {
+        return refersTo(holder, formula, source.id());
+    };
+    for (const Stretch& stretch : stretches(wanted)) {
+        for (int row = stretch.firstRow; row <= stretch.lastRow; ++row) {
+            const CellAddress base = stretch.sheet->formulaBase({stretch.column, row}, stretch.formula);
+            std::vector<ReferenceSlot> slots = m_workbook.formulas()[stretch.formula].slots;
+            for (ReferenceSlot& slot : slots) {
+                const auto range = slot.range(base);
+                if (!range || !slotRefersTo(slot, *stretch.sheet, source.id()) || !from.contains(*range))
+                    continue;
+                for (AxisPoint* point : {&slot.top, &slot.bottom})
+                    point->value += down;
+                for (AxisPoint* point : {&slot.left, &slot.right})
+                    point->value += across;
+                if (&source != &target) {
+                    slot.firstSheet = slot.lastSheet = target.id();
+                    slot.sheetText = sheetPrefix(target.name());
+                }
+            }
+            Stretch cell = stretch;
+            cell.firstRow = cell.lastRow = row;
+            cell.formula = m_workbook.formulas().withSlots(stretch.formula, std::move(slots));
+            if (cell.formula != stretch.formula)
+                apply({cell, true});
+        }
+    }
+}
+
+std::optional<std::string> Sheet::insertRows(int row, int count)
+{
+    return SheetStructure(m_workbook).shift(*this, {true, row, count, 0});
+}
+
+std::optional<std::string> Sheet::deleteRows(int row, int count)
+{
+    return SheetStructure(m_workbook).shift(*this, {true, row, 0, count});
+}
+
+std::optional<std::string> Sheet::insertColumns(int column, int count)
+{
+    return SheetStructure(m_workbook).shift(*this, {false, column, count, 0});
+}
+
+std::optional<std::string> Sheet::deleteColumns(int column, int count)
+{
+    return SheetStructure(m_workbook).shift(*this, {false, column, 0, count});
+}
+
+} // namespace spreadsheet

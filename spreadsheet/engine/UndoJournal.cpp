@@ -1,0 +1,235 @@
+#include "spreadsheet/engine/UndoJournal.h"
+
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
+#include "spreadsheet/formula/Recalculation.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace spreadsheet {
+
+namespace {
+
+/// Bytes of the blocks that `former` alone still holds.
+std::size_t unsharedBytes(const Column& former)
+{
+    std::size_t sum = former.slots().size() * sizeof(Column::Slot);
+    for (const Column::Slot& slot : former.slots()) {
+        if (slot.block->references == 1)
+            sum += slot.block->bytes();
+    }
+    return sum;
+}
+
+} // namespace
+
+bool UndoJournal::Step::empty() const
+{
+    return columns.empty() && allColumns.empty() && settings.empty() && !sheets && !names;
+}
+
+void UndoJournal::setEnabled(bool enabled)
+{
+    m_enabled = enabled;
+    m_undo.clear();
+    m_redo.clear();
+    m_current = {};
+    m_bytes = 0;
+}
+
+void UndoJournal::open(std::string label)
+{
+    if (m_depth++ == 0)
+        m_current.label = std::move(label);
+}
+
+void UndoJournal::close()
+{
+    if (--m_depth > 0 || !m_enabled || m_current.empty())
+        return;
+    m_current.bytes = bytesOf(m_current);
+    m_bytes += m_current.bytes;
+    m_undo.push_back(std::move(m_current));
+    m_current = {};
+    for (const Step& step : m_redo)
+        m_bytes -= step.bytes;
+    m_redo.clear();
+    trim();
+}
+
+void UndoJournal::trim()
+{
+    while (m_undo.size() > 1 && (m_bytes > maxBytes || m_undo.size() > maxSteps)) {
+        m_bytes -= m_undo.front().bytes;
+        m_undo.pop_front();
+    }
+}
+
+std::size_t UndoJournal::bytesOf(const Step& step)
+{
+    std::size_t sum = sizeof(Step);
+    for (const auto& [place, column] : step.columns)
+        sum += unsharedBytes(column);
+    for (const auto& [sheet, columns] : step.allColumns) {
+        for (const Column& column : columns)
+            sum += sizeof(Column) + unsharedBytes(column);
+    }
+    for (const auto& [sheet, settings] : step.settings)
+        sum += sizeof(SheetSettings) + 64 * (settings.rows.sizes.size() + settings.columns.sizes.size()) +
+               sizeof(CellRange) * settings.spans.size();
+    return sum;
+}
+
+void UndoJournal::keepColumn(const Sheet& sheet, int column)
+{
+    if (!recording() || m_current.allColumns.contains(sheet.id()))
+        return;
+    const auto [entry, fresh] = m_current.columns.try_emplace({sheet.id(), column});
+    if (fresh && sheet.column(column))
+        entry->second = *sheet.column(column);
+}
+
+void UndoJournal::keepAllColumns(const Sheet& sheet)
+{
+    if (!recording() || m_current.allColumns.contains(sheet.id()))
+        return;
+    std::vector<Column> columns = sheet.m_columns;
+    // Columns kept earlier in the step are older than what stands now.
+    for (auto entry = m_current.columns.begin(); entry != m_current.columns.end();) {
+        if (entry->first.first != sheet.id()) {
+            ++entry;
+            continue;
+        }
+        const auto position = static_cast<std::size_t>(entry->first.second) - 1;
+        if (columns.size() <= position)
+            columns.resize(position + 1);
+        columns[position] = std::move(entry->second);
+        entry = m_current.columns.erase(entry);
+    }
+    m_current.allColumns.emplace(sheet.id(), std::move(columns));
+}
+
+void UndoJournal::keepSettings(const Sheet& sheet)
+{
+    if (recording())
+        m_current.settings.try_emplace(sheet.id(), sheet.settings());
+}
+
+void UndoJournal::keepSheets()
+{
+    if (recording() && !m_current.sheets)
+        m_current.sheets = m_workbook.m_sheets;
+}
+
+void UndoJournal::keepNames()
+{
+    if (!recording() || m_current.names)
+        return;
+    m_current.names.emplace();
+    for (int name = 0; name < m_workbook.names().size(); ++name)
+        m_current.names->push_back(m_workbook.names()[name].formula);
+}
+
+void UndoJournal::undo()
+{
+    if (m_undo.empty() || m_depth > 0)
+        return;
+    Step step = std::move(m_undo.back());
+    m_undo.pop_back();
+    exchange(step);
+    m_redo.push_back(std::move(step));
+}
+
+void UndoJournal::redo()
+{
+    if (m_redo.empty() || m_depth > 0)
+        return;
+    Step step = std::move(m_redo.back());
+    m_redo.pop_back();
+    exchange(step);
+    m_undo.push_back(std::move(step));
+}
+
+Sheet* UndoJournal::sheetOfId(int id)
+{
+    const int index = m_workbook.sheetIndexOfId(id);
+    return index == 0 ? nullptr : &m_workbook.sheet(index);
+}
+
+void UndoJournal::exchange(Step& step)
+{
+    if (step.sheets) {
+        std::swap(*step.sheets, m_workbook.m_sheets);
+        m_workbook.m_activeSheet = std::min(m_workbook.m_activeSheet, m_workbook.sheetCount());
+    }
+    if (step.names)
+        exchangeNames(*step.names);
+    for (auto& [id, settings] : step.settings) {
+        if (Sheet* sheet = sheetOfId(id)) {
+            std::swap(settings, sheet->m_settings);
+            if (settings.name != sheet->name())
+                m_workbook.formulas().respellSheet(id, sheet->name());
+        }
+    }
+    for (auto& [id, columns] : step.allColumns) {
+        Sheet* sheet = sheetOfId(id);
+        if (!sheet)
+            continue;
+        std::swap(columns, sheet->m_columns);
+        const std::size_t count = std::max(columns.size(), sheet->m_columns.size());
+        const Column none;
+        for (std::size_t i = 0; i < count; ++i)
+            noteDifference(id, static_cast<int>(i) + 1, i < columns.size() ? columns[i] : none,
+                           i < sheet->m_columns.size() ? sheet->m_columns[i] : none);
+    }
+    for (auto& [place, column] : step.columns)
+        exchangeColumn(place.first, place.second, column);
+    m_workbook.recalculation().noteMoved();
+    m_workbook.noteEdit();
+}
+
+void UndoJournal::exchangeColumn(int sheetId, int column, Column& former)
+{
+    Sheet* sheet = sheetOfId(sheetId);
+    if (!sheet)
+        return;
+    Column& present = sheet->loadColumn(column);
+    std::swap(former, present);
+    noteDifference(sheetId, column, former, present);
+}
+
+/// Blocks that both states share hold the same cells, even where they stand in other rows: the
+/// formulas that read them were brought back too.
+void UndoJournal::noteDifference(int sheetId, int column, const Column& before, const Column& after)
+{
+    std::unordered_map<const CellBlock*, int> shared;
+    for (const Column::Slot& slot : before.slots())
+        shared.emplace(slot.block.get(), 1);
+    Recalculation& recalculation = m_workbook.recalculation();
+    for (const Column::Slot& slot : after.slots()) {
+        if (const auto found = shared.find(slot.block.get()); found != shared.end())
+            found->second = 2;
+        else
+            recalculation.noteChanged(sheetId, column, slot.firstRow, slot.lastRow());
+    }
+    for (const Column::Slot& slot : before.slots()) {
+        if (shared[slot.block.get()] == 1)
+            recalculation.noteChanged(sheetId, column, slot.firstRow, slot.lastRow());
+    }
+}
+
+void UndoJournal::exchangeNames(std::vector<std::uint32_t>& former)
+{
+    NameTable& names = *m_workbook.m_names;
+    former.resize(static_cast<std::size_t>(names.size()), 0);
+    for (int name = 0; name < names.size(); ++name) {
+        const std::uint32_t present = names[name].formula;
+        names.define(name, former[static_cast<std::size_t>(name)]);
+        former[static_cast<std::size_t>(name)] = present;
+    }
+    m_workbook.recalculation().noteNames();
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,79 @@
+#pragma once
+#include "spreadsheet/engine/Column.h"
+#include "spreadsheet/engine/SheetSettings.h"
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace spreadsheet {
+
+class Sheet;
+class Workbook;
+
+/// Former states of what edits changed. A step holds the columns, settings, sheets and names as they
+/// were; columns share their blocks with the present, so a step costs what it really changed.
+/// Undoing exchanges the states, which turns the step into its own redo.
+class UndoJournal {
+public:
+    static constexpr std::size_t maxBytes = std::size_t(256) << 20;
+    static constexpr std::size_t maxSteps = 10'000;
+
+    explicit UndoJournal(Workbook& workbook)
+        : m_workbook(workbook)
+    {
+    }
+
+    void setEnabled(bool enabled);
+    bool canUndo() const { return !m_undo.empty(); }
+    bool canRedo() const { return !m_redo.empty(); }
+    std::string label() const { return m_undo.empty() ? std::string() : m_undo.back().label; }
+
+    void open(std::string label);
+    void close();
+    void undo();
+    void redo();
+
+    // Called before the change.
+    void keepColumn(const Sheet& sheet, int column);
+    void keepAllColumns(const Sheet& sheet);
+    void keepSettings(const Sheet& sheet);
+    void keepSheets();
+    void keepNames();
+
+private:
+    struct Step {
+        std::string label;
+        std::map<std::pair<int, int>, Column> columns; ///< by sheet id and column
+        std::map<int, std::vector<Column>> allColumns; ///< by sheet id
+        std::map<int, SheetSettings> settings;
+        std::optional<std::vector<std::shared_ptr<Sheet>>> sheets;
+        std::optional<std::vector<std::uint32_t>> names;
+        std::size_t bytes = 0;
+        bool empty() const;
+    };
+
+    bool recording() const { return m_enabled && m_depth > 0; }
+    void exchange(Step& step);
+    void exchangeColumn(int sheetId, int column, Column& former);
+    void noteDifference(int sheetId, int column, const Column& before, const Column& after);
+    void exchangeNames(std::vector<std::uint32_t>& former);
+    Sheet* sheetOfId(int id);
+    std::size_t bytesOf(const Step& step);
+    void trim();
+
+    Workbook& m_workbook;
+    bool m_enabled = false;
+    int m_depth = 0;
+    Step m_current;
+    std::deque<Step> m_undo;
+    std::vector<Step> m_redo;
+    std::size_t m_bytes = 0;
+};
+
+} // namespace spreadsheet

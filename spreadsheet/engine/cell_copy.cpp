@@ -1,0 +1,236 @@
+#include "spreadsheet/engine/Sheet.h"
+#include "spreadsheet/engine/SheetStructure.h"
+#include "spreadsheet/engine/UndoJournal.h"
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/Recalculation.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+/// Everything that one cell has.
+struct CellContent {
+    Value value;
+    std::uint32_t formula = 0;
+    std::uint32_t style = 0;
+    Text tag;
+    Text shown;
+};
+
+CellContent contentOf(const Sheet& sheet, CellAddress cell)
+{
+    const Column* column = sheet.column(cell.column);
+    const Column::Slot* slot = column ? column->find(cell.row) : nullptr;
+    if (!slot)
+        return {};
+    const int index = cell.row - slot->firstRow;
+    return {slot->block->value(index), slot->block->formula(index), slot->block->style(index),
+            slot->block->tag(index), slot->block->shown(index)};
+}
+
+std::optional<std::string> outside(CellAddress to, const CellRange& from)
+{
+    if (to.column < 1 || to.row < 1 || to.column + from.columns() - 1 > maxColumns ||
+        to.row + from.rows() - 1 > maxRows)
+        return "目标区域超出表的范围";
+    return std::nullopt;
+}
+
+/// An array formula that the range meets but does not hold whole.
+bool cutsArray(const Sheet& sheet, const CellRange& range)
+{
+    return std::ranges::any_of(sheet.settings().arrays, [&](const CellRange& array) {
+        return array.intersects(range) && !range.contains(array);
+    });
+}
+
+std::vector<CellContent> contentsOf(const Sheet& sheet, const CellRange& range)
+{
+    std::vector<CellContent> contents;
+    for (int column = range.left; column <= range.right; ++column) {
+        for (int row = range.top; row <= range.bottom; ++row)
+            contents.push_back(contentOf(sheet, {column, row}));
+    }
+    return contents;
+}
+
+void write(const Column::Place& place, const CellContent& content)
+{
+    place.block.setValue(place.index, content.value);
+    place.block.setFormula(place.index, content.formula);
+    place.block.setStyle(place.index, content.style);
+    place.block.setTag(place.index, content.tag);
+    place.block.setShown(place.index, content.shown);
+}
+
+/// A formula copied to another cell: references that would leave the sheet are broken for good.
+std::uint32_t copiedFormula(FormulaPool& pool, std::uint32_t formula, CellAddress to)
+{
+    const auto& slots = pool[formula].slots;
+    const auto leaves = [to](const ReferenceSlot& slot) {
+        return slot.shape != ReferenceSlot::Shape::broken && !slot.range(to);
+    };
+    if (formula == 0 || std::ranges::none_of(slots, leaves))
+        return formula;
+    std::vector<ReferenceSlot> changed = slots;
+    for (ReferenceSlot& slot : changed) {
+        if (leaves(slot))
+            slot.shape = ReferenceSlot::Shape::broken;
+    }
+    return pool.withSlots(formula, std::move(changed));
+}
+
+/// A formula moved to another cell keeps meaning the same cells.
+std::uint32_t movedFormula(FormulaPool& pool, std::uint32_t formula, const Sheet& source, CellAddress from,
+                           const Sheet& target, CellAddress to)
+{
+    std::vector<ReferenceSlot> slots = pool[formula].slots;
+    for (ReferenceSlot& slot : slots) {
+        for (AxisPoint* point : {&slot.top, &slot.bottom})
+            point->value -= point->absolute ? 0 : to.row - from.row;
+        for (AxisPoint* point : {&slot.left, &slot.right})
+            point->value -= point->absolute ? 0 : to.column - from.column;
+        if (slot.isSingleCell())
+            slot.bottom = slot.right = {};
+        if (slot.shape == ReferenceSlot::Shape::columns)
+            slot.top = slot.bottom = {};
+        if (slot.shape == ReferenceSlot::Shape::rows)
+            slot.left = slot.right = {};
+        if (&source != &target && slot.firstSheet == 0 && slot.shape != ReferenceSlot::Shape::broken) {
+            slot.firstSheet = slot.lastSheet = source.id();
+            slot.sheetText = sheetPrefix(source.name());
+        }
+    }
+    return pool.withSlots(formula, std::move(slots));
+}
+
+} // namespace
+
+std::optional<std::string> Sheet::copyCells(const CellRange& from, Sheet& target, CellAddress to)
+{
+    if (auto problem = outside(to, from))
+        return problem;
+    const CellRange goal{to.column, to.row, to.column + from.columns() - 1, to.row + from.rows() - 1};
+    if (cutsArray(*this, from) || cutsArray(target, goal))
+        return "不能更改数组公式的一部分";
+    const UndoStep step(m_workbook, "粘贴");
+    const std::vector<CellContent> contents = contentsOf(*this, from);
+    std::vector<CellRange> arrays;
+    for (const CellRange& array : m_settings.arrays) {
+        if (from.contains(array))
+            arrays.push_back({array.left + goal.left - from.left, array.top + goal.top - from.top,
+                              array.right + goal.left - from.left, array.bottom + goal.top - from.top});
+    }
+    std::vector<CellRange> spans;
+    for (const CellRange& span : m_settings.spans) {
+        if (from.contains(span))
+            spans.push_back({span.left + goal.left - from.left, span.top + goal.top - from.top,
+                             span.right + goal.left - from.left, span.bottom + goal.top - from.top});
+    }
+    target.removeSpans(goal);
+    std::erase_if(target.editableSettings().arrays, [&](const CellRange& a) { return goal.contains(a); });
+    std::size_t next = 0;
+    for (int column = goal.left; column <= goal.right; ++column) {
+        Column& cells = target.editableColumn(column);
+        for (int row = goal.top; row <= goal.bottom; ++row) {
+            CellContent content = contents[next++];
+            content.formula = copiedFormula(m_workbook.formulas(), content.formula, {column, row});
+            write(cells.writable(row), content);
+        }
+    }
+    SheetSettings& settings = target.editableSettings();
+    settings.arrays.insert(settings.arrays.end(), arrays.begin(), arrays.end());
+    settings.spans.insert(settings.spans.end(), spans.begin(), spans.end());
+    m_workbook.recalculation().noteFormulas();
+    target.noteChanged(goal);
+    return std::nullopt;
+}
+
+std::optional<std::string> Sheet::moveCells(const CellRange& from, Sheet& target, CellAddress to)
+{
+    if (auto problem = outside(to, from))
+        return problem;
+    const CellRange goal{to.column, to.row, to.column + from.columns() - 1, to.row + from.rows() - 1};
+    if (cutsArray(*this, from) || cutsArray(target, goal))
+        return "不能更改数组公式的一部分";
+    const UndoStep step(m_workbook, "移动");
+    // First everything that points into the range, its own formulas included, then the cells.
+    SheetStructure(m_workbook).followMove(*this, from, target, to);
+    std::vector<CellContent> contents = contentsOf(*this, from);
+    const auto within = [&](const CellRange& range) { return from.contains(range); };
+    std::vector<CellRange> arrays, spans;
+    std::ranges::copy_if(m_settings.arrays, std::back_inserter(arrays), within);
+    std::ranges::copy_if(m_settings.spans, std::back_inserter(spans), within);
+    std::erase_if(editableSettings().arrays, within);
+    std::erase_if(editableSettings().spans, within);
+    for (int column = from.left; column <= from.right; ++column)
+        editableColumn(column).clearRows(from.top, from.bottom);
+    target.removeSpans(goal);
+    std::erase_if(target.editableSettings().arrays, [&](const CellRange& a) { return goal.contains(a); });
+    std::size_t next = 0;
+    for (int column = goal.left; column <= goal.right; ++column) {
+        Column& cells = target.editableColumn(column);
+        for (int row = goal.top; row <= goal.bottom; ++row) {
+            CellContent& content = contents[next++];
+            const CellAddress source{column - goal.left + from.left, row - goal.top + from.top};
+            if (content.formula != 0)
+                content.formula = movedFormula(m_workbook.formulas(), content.formula, *this, source, target,
+                                               {column, row});
+            write(cells.writable(row), content);
+        }
+    }
+    const auto shifted = [&](const CellRange& range) {
+        return CellRange{range.left + goal.left - from.left, range.top + goal.top - from.top,
+                         range.right + goal.left - from.left, range.bottom + goal.top - from.top};
+    };
+    std::ranges::transform(arrays, std::back_inserter(target.editableSettings().arrays), shifted);
+    std::ranges::transform(spans, std::back_inserter(target.editableSettings().spans), shifted);
+    m_workbook.recalculation().noteMoved();
+    noteChanged(from);
+    target.noteChanged(goal);
+    return std::nullopt;
+}
+
+std::optional<std::string> Sheet::fillDown(const CellRange& range)
+{
+    if (cutsArray(*this, range) || cutsArray(*this, {range.left, range.top, range.right, range.top}))
+        return "不能更改数组公式的一部分";
+    const UndoStep step(m_workbook, "向下填充");
+    for (int column = range.left; column <= range.right; ++column) {
+        CellContent content = contentOf(*this, {column, range.top});
+        const std::uint32_t formula = content.formula;
+        Column& cells = editableColumn(column);
+        for (int row = range.top + 1; row <= range.bottom; ++row) {
+            content.formula = copiedFormula(m_workbook.formulas(), formula, {column, row});
+            write(cells.writable(row), content);
+        }
+    }
+    m_workbook.recalculation().noteFormulas();
+    if (range.rows() > 1)
+        noteChanged({range.left, range.top + 1, range.right, range.bottom});
+    return std::nullopt;
+}
+
+std::optional<std::string> Sheet::fillRight(const CellRange& range)
+{
+    if (cutsArray(*this, range) || cutsArray(*this, {range.left, range.top, range.left, range.bottom}))
+        return "不能更改数组公式的一部分";
+    const UndoStep step(m_workbook, "向右填充");
+    for (int row = range.top; row <= range.bottom; ++row) {
+        CellContent content = contentOf(*this, {range.left, row});
+        const std::uint32_t formula = content.formula;
+        for (int column = range.left + 1; column <= range.right; ++column) {
+            content.formula = copiedFormula(m_workbook.formulas(), formula, {column, row});
+            write(editableColumn(column).writable(row), content);
+        }
+    }
+    m_workbook.recalculation().noteFormulas();
+    if (range.columns() > 1)
+        noteChanged({range.left + 1, range.top, range.right, range.bottom});
+    return std::nullopt;
+}
+
+} // namespace spreadsheet
