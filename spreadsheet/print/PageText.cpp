@@ -12,6 +12,8 @@ namespace spreadsheet {
 
 namespace {
 
+constexpr double unlimited = 1e6; // twips; wider than any paper
+
 /// Characters that the layout turns into one glyph each, in the order of the text.
 bool isPlain(char32_t c)
 {
@@ -71,8 +73,7 @@ std::vector<TextLine> PageText::lines(const QString& text, const QFont& font, st
     std::vector<TextLine> lines;
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-        if (wrapWidth)
-            line.setLineWidth(std::max(*wrapWidth, 1.0));
+        line.setLineWidth(wrapWidth ? std::max(*wrapWidth, 1.0) : unlimited);
         line.setPosition({0, -line.ascent()});
         lines.push_back({{}, line.naturalTextWidth()});
     }

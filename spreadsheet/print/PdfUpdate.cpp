@@ -8,14 +8,14 @@ namespace spreadsheet {
 
 namespace {
 
-/// The number that follows `mark` and blanks at or after `from`; -1 if there is none.
+/// The number that follows `mark`, blanks and an opening bracket at or after `from`; -1 if none does.
 qsizetype numberAfter(QByteArrayView text, QByteArrayView mark, qsizetype from = 0)
 {
     qsizetype at = text.indexOf(mark, from);
     if (at < 0)
         return -1;
     at += mark.size();
-    while (at < text.size() && (text[at] == ' ' || text[at] == '\n' || text[at] == '\r'))
+    while (at < text.size() && (text[at] == ' ' || text[at] == '\n' || text[at] == '['))
         ++at;
     qsizetype number = -1;
     std::from_chars(text.data() + at, text.data() + text.size(), number);
@@ -80,7 +80,7 @@ QByteArrayView PdfUpdate::object(int number) const
 
 int PdfUpdate::reference(QByteArrayView dictionary, std::string_view key)
 {
-    const QByteArray mark = '/' + QByteArray(key.data(), static_cast<qsizetype>(key.size())) + ' ';
+    const QByteArray mark = '/' + QByteArray(key.data(), static_cast<qsizetype>(key.size()));
     return std::max(static_cast<int>(numberAfter(dictionary, mark)), 0);
 }
 

@@ -28,7 +28,7 @@ public:
     /// The file with its update; the file as it was if nothing is replaced.
     QByteArray result() const;
 
-    /// The object number of `/Key n 0 R` in a dictionary; 0 if the key is not there.
+    /// The object number of `/Key n 0 R` or `/Key [n 0 R]` in a dictionary; 0 if the key is not there.
     static int reference(QByteArrayView dictionary, std::string_view key);
 
 private:

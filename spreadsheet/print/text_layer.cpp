@@ -91,17 +91,6 @@ QByteArray compressedStream(const QByteArray& data)
            " /Filter /FlateDecode >>\nstream\n" + packed + "\nendstream";
 }
 
-/// Number of glyphs of a font, the empty glyph 0 included: its widths are listed as "/W [0 [w w …]]".
-std::size_t glyphsOf(QByteArrayView descendant)
-{
-    const qsizetype widths = descendant.indexOf("/W [0 [");
-    const qsizetype end = descendant.indexOf(']', std::max<qsizetype>(widths, 0));
-    if (widths < 0 || end < 0)
-        return 0;
-    return static_cast<std::size_t>(
-        descendant.sliced(widths + 7, end - widths - 7).toByteArray().simplified().split(' ').size());
-}
-
 /// The font's glyphs are those of the record, as far as the old map tells.
 bool agrees(const std::map<quint32, quint32>& oldMap, const GlyphRecord::Face& face)
 {
@@ -137,10 +126,8 @@ int correctTextLayer(PdfUpdate& update, const GlyphRecord& record)
         if (!font.trimmed().startsWith("<<") || font.indexOf("/Subtype /Type0") < 0)
             continue;
         const int map = PdfUpdate::reference(font, "ToUnicode");
-        const int descendant = PdfUpdate::reference(font, "DescendantFonts [");
         const auto oldMap = readMap(update.object(map));
-        if (face != record.faces().end() &&
-            glyphsOf(update.object(descendant)) == (*face)->glyphs.size() + 1 && agrees(oldMap, **face))
+        if (face != record.faces().end() && agrees(oldMap, **face))
             update.replace(map, compressedStream(mapOf(textsOf(**face, oldMap))));
         else
             ++kept;

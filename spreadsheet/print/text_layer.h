@@ -10,8 +10,7 @@ namespace spreadsheet {
 /// their first use, creates the fonts in the order of theirs, and asks each font which character stands
 /// for a glyph. With common Chinese fonts that answer is a radical for 月, 日, 目 and many more, a tab
 /// for the blank, and nothing beyond the basic plane. Here each font's ToUnicode map is written anew
-/// from the record. A font that does not agree with the record in number and kind of glyphs keeps the
-/// map that it has.
+/// from the record. A font whose old map contradicts the record keeps it.
 ///
 /// @return  how many fonts kept their old map; 0 is right for every document whose texts were all
 ///          drawn with `record`

@@ -1,0 +1,229 @@
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/print/pdf.h"
+
+#include <gtest/gtest.h>
+#include <QDir>
+#include <QFile>
+#include <QFontDatabase>
+#include <QProcess>
+#include <QRawFont>
+#include <QStringDecoder>
+#include <QTemporaryDir>
+
+#include <algorithm>
+
+namespace spreadsheet {
+namespace {
+
+std::pair<int, QString> run(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(program, arguments);
+    if (!process.waitForFinished(60'000))
+        return {-1, program + ": " + process.errorString()};
+    return {process.exitCode(), QString::fromUtf8(process.readAll())};
+}
+
+/// What a reader's text search would meet on the pages from..to.
+QString textOf(const QString& path, int from = 1, int to = 9999)
+{
+    return run("pdftotext", {"-layout", "-enc", "UTF-8", "-f", QString::number(from), "-l",
+                             QString::number(to), path, "-"})
+        .second;
+}
+
+QString withoutBlanks(QString text)
+{
+    text.removeIf([](QChar c) { return c.isSpace(); });
+    return text;
+}
+
+struct PdfTest : testing::Test {
+    QString path(const QString& name = "report.pdf") const { return folder.filePath(name); }
+    int write(const QString& title = "测试")
+    {
+        PdfOptions options;
+        options.path = path();
+        options.title = title;
+        return writePdf(workbook, options);
+    }
+    QStringList files() const { return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden); }
+
+    QTemporaryDir folder;
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+};
+
+/// All characters of GB2312 in the order of the code table: 682 symbols and 6,763 hanzi.
+QString gb2312()
+{
+    QByteArray bytes;
+    for (int row = 0xA1; row <= 0xF7; ++row)
+        for (int column = 0xA1; column <= 0xFE; ++column)
+            bytes += QByteArray(1, static_cast<char>(row)) + QByteArray(1, static_cast<char>(column));
+    QProcess iconv;
+    iconv.start("iconv", {"-c", "-f", "GB2312", "-t", "UTF-8"});
+    iconv.write(bytes);
+    iconv.closeWriteChannel();
+    iconv.waitForFinished();
+    return QString::fromUtf8(iconv.readAllStandardOutput());
+}
+
+/// The text's characters that a font has; others come from fonts that vary.
+QString shownBy(const QString& family, const QString& text)
+{
+    QFont font(family);
+    const QRawFont raw = QRawFont::fromFont(font);
+    QString shown;
+    for (const QChar c : text)
+        if (raw.supportsCharacter(c) && !c.isSpace())
+            shown += c;
+    return shown;
+}
+
+struct EveryCharacter : PdfTest, testing::WithParamInterface<const char*> {};
+
+TEST_P(EveryCharacter, OfGb2312IsFoundAgain)
+{
+    const QString family = QString::fromUtf8(GetParam());
+    if (!QFontDatabase::hasFamily(family))
+        GTEST_SKIP() << "font not installed";
+    ASSERT_EQ(gb2312().size(), 7445);
+    const QString text = shownBy(family, gb2312());
+    ASSERT_GT(text.size(), 7000);
+
+    // Four looks of one face: plain, bold, slanted, both. They share a font in the PDF.
+    constexpr int perRow = 40;
+    sheet.changeSettings([](SheetSettings& settings) { settings.columns.sizes[1] = 10'000; });
+    for (int row = 0; row * perRow < text.size(); ++row) {
+        const CellAddress cell{1, row + 1};
+        sheet.setText(cell, text.mid(row * perRow, perRow).toStdString());
+        sheet.restyle({1, cell.row, 1, cell.row}, [&](CellStyle& style) {
+            style.font.family = Text(family.toStdString());
+            style.font.bold = row & 1;
+            style.font.italic = row & 2;
+        });
+    }
+    const int pages = write();
+    EXPECT_GT(pages, 3);
+
+    const QString found = withoutBlanks(textOf(path()));
+    ASSERT_EQ(found.size(), text.size());
+    QString wrong;
+    for (qsizetype i = 0; i < text.size(); ++i)
+        if (found[i] != text[i])
+            wrong += text[i] + QString("→") + found[i] + ' ';
+    EXPECT_EQ(wrong.toStdString(), "");
+    EXPECT_EQ(run("qpdf", {"--check", path()}).first, 0)
+        << run("qpdf", {"--check", path()}).second.toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Fonts, EveryCharacter,
+                         testing::Values("Noto Sans CJK SC", "Noto Serif CJK SC", "WenQuanYi Zen Hei",
+                                         "AR PL UMing CN", "Noto Sans Mono CJK SC"));
+
+TEST_F(PdfTest, HeaderFooterHeadingsAndRareCharactersAreSearchable)
+{
+    sheet.setText({1, 1}, "科目 日月金 𠮷野 office");
+    sheet.setText({1, 100}, "末行");
+    sheet.changeSettings([](SheetSettings& settings) {
+        settings.columns.sizes[1] = 5000;
+        settings.print.header = "/c资产负债表 2026/12/31/n/r第/p页/n";
+        settings.print.footer = "/l编制单位：目/n";
+        settings.print.rowHeadings = true;
+    });
+    ASSERT_EQ(write(), 3);
+    for (int page = 1; page <= 3; ++page) {
+        const QString text = textOf(path(), page, page);
+        for (const QString& expected :
+             {QString("资产负债表 2026/12/31"), QString("第%1页").arg(page), QString("编制单位：目")})
+            EXPECT_TRUE(text.contains(expected)) << expected.toStdString() << " in " << text.toStdString();
+    }
+    EXPECT_TRUE(textOf(path(), 1, 1).contains("科目 日月金 𠮷野 office"))
+        << textOf(path(), 1, 1).toStdString();
+    EXPECT_TRUE(textOf(path(), 3, 3).contains("100")) << "row heading";
+}
+
+TEST_F(PdfTest, SeveralSheetsCountTheirPagesApart)
+{
+    sheet.setText({1, 1}, "甲");
+    sheet.setText({1, 90}, "乙");
+    workbook.renameSheet(1, "资产负债表");
+    workbook.addSheet("利润表");
+    workbook.sheet(2).setText({1, 1}, "丙");
+    for (int index = 1; index <= 2; ++index)
+        workbook.sheet(index).changeSettings([&](SheetSettings& settings) {
+            settings.print.footer = "/c-/p-/n";
+            settings.print.landscape = index == 2;
+        });
+    ASSERT_EQ(write("季度财务报告"), 3);
+    EXPECT_TRUE(textOf(path(), 3, 3).contains("-1-"));
+
+    const QString info = run("pdfinfo", {"-f", "1", "-l", "3", path()}).second;
+    EXPECT_TRUE(info.contains("季度财务报告")) << info.toStdString();
+    EXPECT_TRUE(info.contains("Page    1 size:  595 x 842")) << info.toStdString();
+    EXPECT_TRUE(info.contains("Page    3 size:  842 x 595"));
+    const QString labels = run("qpdf", {"--json", "--json-key=pagelabels", path()}).second;
+    EXPECT_TRUE(labels.contains("资产负债表-") && labels.contains("利润表-")) << labels.toStdString();
+
+    PdfOptions one;
+    one.path = path("one.pdf");
+    one.sheet = 2;
+    EXPECT_EQ(writePdf(workbook, one), 1);
+    EXPECT_EQ(withoutBlanks(textOf(path("one.pdf"))), "丙-1-");
+}
+
+TEST_F(PdfTest, FontsAreEmbeddedOnceAndOnlyInPart)
+{
+    sheet.setText({1, 1}, "短");
+    write();
+    EXPECT_LT(QFileInfo(path()).size(), 20'000);
+    const QString fonts = run("pdffonts", {path()}).second;
+    EXPECT_EQ(fonts.trimmed().count('\n'), 2) << fonts.toStdString();
+}
+
+TEST_F(PdfTest, AFailureNamesTheFileAndLeavesNothingBehind)
+{
+    sheet.setText({1, 1}, "A");
+    QFile plain(path("plain"));
+    ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
+    plain.close();
+    ASSERT_TRUE(QDir(folder.path()).mkdir("taken.pdf"));
+    const struct {
+        const char* what;
+        QString path;
+        int sheet;
+    } cases[] = {
+        {"folder that is not there", path("none/报表.pdf"), 1},
+        {"folder that is a file", path("plain/报表.pdf"), 1},
+        {"file that is a folder", path("taken.pdf"), 1},
+        {"no name", QString(), 1},
+        {"no such sheet", path("报表.pdf"), 2},
+    };
+    for (const auto& c : cases) {
+        PdfOptions options;
+        options.path = c.path;
+        options.sheet = c.sheet;
+        try {
+            writePdf(workbook, options);
+            ADD_FAILURE() << c.what;
+        } catch (const PdfError& error) {
+            EXPECT_TRUE(QString::fromUtf8(error.what()).contains(c.path)) << c.what;
+        }
+        EXPECT_EQ(files(), QStringList{"plain"}) << c.what;
+    }
+}
+
+TEST_F(PdfTest, AFileThatCannotBeRedoneStays)
+{
+    sheet.setText({1, 1}, "A");
+    write();
+    const qint64 size = QFileInfo(path()).size();
+    sheet.changeSettings([](SheetSettings& settings) { settings.print.marginLeft = 20'000; });
+    EXPECT_THROW(write(), PdfError);
+    EXPECT_EQ(QFileInfo(path()).size(), size);
+}
+
+} // namespace
+} // namespace spreadsheet
