@@ -80,10 +80,14 @@ std::string missingReportReason(std::string_view report)
     return "没有名为" + quoted(report) + "的报表";
 }
 
+std::string reportByNameStatement(std::string_view report)
+{
+    return "select * from tblCWSelfReport where fname='" + sqlQuoted(report) + "'";
+}
+
 std::optional<std::vector<std::byte>> storedContent(Connection& connection, std::string_view report)
 {
-    const Recordset rows = connection.query(
-        "select * from tblCWSelfReport where fname='" + sqlQuoted(report) + "'", BinaryColumns::fetched);
+    const Recordset rows = connection.query(reportByNameStatement(report), BinaryColumns::fetched);
     if (rows.isEmpty())
         return std::nullopt;
     const std::span<const std::byte> bytes = rows.binary(0, "fFileContent");

@@ -42,6 +42,9 @@ ReferencedCell parseReferencedCell(std::string_view name);
 /// fails is left out. Nothing is kept for the next call.
 ReferenceAnswer changeREF_FInfo(const ReportReference& reference);
 
+/// The statement that finds a stored report by its name.
+std::string reportByNameStatement(std::string_view report);
+
 /// Content of the first stored report of that name; nothing if there is none. @throws DatabaseError
 std::optional<std::vector<std::byte>> storedContent(Connection& connection, std::string_view report);
 

@@ -1,0 +1,111 @@
+#pragma once
+#include "component/state/shared_state.h"
+#include "platform/database/Connection.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+#include "platform/dialogs/RecordingDialogs.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace selfreport::test {
+
+/// A small ledger in a file of its own, under the shared connection string, with recorded message boxes.
+///
+/// 2025, periods 1 and 2, currency RMB. Closing balances of period 2: 1001 100.25, 1002 2000.5, 1122 300 made
+/// up of customers 001 (120) and 002 (180), 2001 (credit) 700. Department items exist but no balance has one.
+class TestLedger {
+public:
+    TestLedger()
+        : m_file(std::filesystem::temp_directory_path()
+                 / ("ledger-" + std::to_string(::getpid()) + "-" + std::to_string(++s_count) + ".db"))
+        , m_inUse(boxes)
+    {
+        std::filesystem::remove(m_file);
+        createDatabase(m_file.string());
+        fill();
+        gConnString = connectionString();
+        gTitle = "测试账套";
+        gLoginUserId = "wang";
+    }
+    ~TestLedger()
+    {
+        gCnn.reset();
+        closeIdleSessions();
+        std::filesystem::remove(m_file);
+    }
+    TestLedger(const TestLedger&) = delete;
+    TestLedger& operator=(const TestLedger&) = delete;
+
+    std::string connectionString() const { return "Provider=SQLite;Data Source=" + m_file.string(); }
+    std::string file() const { return m_file.string(); }
+
+    void run(const std::string& sql) const { openConnection(connectionString())->execute(sql); }
+    Recordset query(const std::string& sql) const
+    {
+        return openConnection(connectionString())->query(sql, BinaryColumns::fetched);
+    }
+
+    void addReport(int id, const std::string& name, const std::vector<std::byte>& content) const
+    {
+        openConnection(connectionString())
+            ->execute("insert into tblCWSelfReport(noid,fname,fFileContent) values(?,?,?)",
+                      {std::int64_t{id}, name, std::span<const std::byte>(content)});
+    }
+
+    RecordingDialogs boxes;
+
+private:
+    void fill() const
+    {
+        const auto connection = openConnection(connectionString());
+        for (const char* row : {"1,'1001','库存现金',1", "2,'1002','银行存款',1", "3,'1122','应收账款',1",
+                                "4,'2001','短期借款',-1"})
+            connection->execute(std::string("insert into tblAccount(fitemid,fNumber,fName,fDirection) values(")
+                                + row + ")");
+        connection->execute("insert into tblCurrency values(1,'RMB','人民币')");
+        connection->execute("insert into tblItemClass values(1,'客户','tblCustomer')");
+        connection->execute("insert into tblItemClass values(2,'部门','tblDepartment')");
+        connection->execute("insert into tblItemClass values(3,'坏表','tbl Customer;')");
+        connection->execute("insert into tblCustomer values(11,'001','甲公司')");
+        connection->execute("insert into tblCustomer values(12,'002','乙公司')");
+        connection->execute("insert into tblDepartment values(21,'01','销售部')");
+        connection->execute("insert into tblItemDetailV values(101,1,11)");
+        connection->execute("insert into tblItemDetailV values(102,1,12)");
+        // account, item combination, opening of period 1, movement of each period (debit-positive)
+        for (const char* row :
+             {"1,0,50.25,25", "2,0,1000.5,500", "3,0,200,50", "3,101,100,10", "3,102,100,40", "4,0,-700,0"})
+            addBalances(*connection, row);
+    }
+
+    static void addBalances(Connection& connection, const std::string& row)
+    {
+        for (const char* period : {"1", "2"})
+            connection.execute(
+                std::string("insert into tblAccountBal(faccountid,fDetailId,fYear,fPeriod,fCurrencyid,fBeginBal,"
+                            "fDebit,fYtdDebit,fEndBal) ")
+                + "select a,d,2025,p,1,b+m*(p-1),m,m*p,b+m*p from (select " + columns(row) + "," + period
+                + " as p) as t");
+    }
+
+    /// "1,0,50.25,25" as "1 as a,0 as d,50.25 as b,25 as m"
+    static std::string columns(const std::string& row)
+    {
+        std::string text;
+        const char* name = "adbm";
+        for (const char c : row) {
+            if (c == ',')
+                text += std::string(" as ") + *name++;
+            text += c;
+        }
+        return text + " as " + *name;
+    }
+
+    std::filesystem::path m_file;
+    DialogsInUse m_inUse;
+    static inline int s_count = 0;
+};
+
+} // namespace selfreport::test
