@@ -38,7 +38,7 @@ public:
         const std::string usual = CLI::Formatter::make_usage(app, name);
         return "用法" + usual.substr(usual.find(':'));
     }
-    std::string make_group(std::string group, bool isPositional,
+    std::string make_group(std::string /*group*/, bool isPositional,
                            std::vector<const CLI::Option*> options) const override
     {
         return CLI::Formatter::make_group(isPositional ? "参数" : "选项", isPositional, std::move(options));
