@@ -94,7 +94,7 @@ void CellOrder::openPart(Frame& frame, const Reading& reading) const
     int top = reading.cells.top;
     int bottom = reading.cells.bottom;
     if (!reader.isArray && !reading.wholeColumns) {
-        const auto [low, high] = std::minmax(reading.top.at(node.row), reading.bottom.at(node.row));
+        const auto [low, high] = std::minmax({reading.top.at(node.row), reading.bottom.at(node.row)});
         top = low;
         bottom = high;
     }

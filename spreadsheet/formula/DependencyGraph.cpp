@@ -108,8 +108,8 @@ void DependencyGraph::addReadings(const Workbook& workbook, const Run& run, cons
         const auto atLast = slot.range(last);
         Reading reading;
         if (slot.firstSheet != 0) {
-            const auto [low, high] = std::minmax(workbook.sheetIndexOfId(slot.firstSheet),
-                                                 workbook.sheetIndexOfId(slot.lastSheet));
+            const auto [low, high] = std::minmax(
+                {workbook.sheetIndexOfId(slot.firstSheet), workbook.sheetIndexOfId(slot.lastSheet)});
             reading.firstSheet = low;
             reading.lastSheet = high;
         } else {
