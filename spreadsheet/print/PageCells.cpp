@@ -1,7 +1,6 @@
 #include "spreadsheet/print/PageCells.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace spreadsheet {
@@ -109,6 +108,24 @@ void PageCells::placeSpan(const CellRange& range)
          read({range.left, range.top}),
          {across->whole.start, down->whole.start, across->whole.size, down->whole.size},
          {across->visible.start, down->visible.start, across->visible.size, down->visible.size}});
+}
+
+std::optional<PageCells::TextBefore> PageCells::textBefore(int rowPlace) const
+{
+    constexpr int farthest = 10 * 1440; // twips; no text of one line reaches farther
+    const PageTrack& down = row(rowPlace);
+    int start = column(0).start;
+    for (int index = column(0).index - 1; index >= 1 && column(0).start - start < farthest; --index) {
+        const int size = m_sheet.settings().columns.size(index);
+        start -= size;
+        const CellAddress address{index, down.index};
+        if (m_sheet.spanAt(address))
+            return std::nullopt;
+        PageCell cell = read(address);
+        if (size > 0 && !cell.text.isEmpty())
+            return TextBefore{std::move(cell), {start, down.start, size, down.size}};
+    }
+    return std::nullopt;
 }
 
 PageBox PageCells::boxOf(int rowPlace, int columnPlace) const

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 namespace spreadsheet {
@@ -44,6 +45,12 @@ public:
     }
     const std::vector<PageSpan>& spans() const { return m_spans; }
     PageBox boxOf(int row, int column) const;
+    /// The nearest text left of the page's columns in a row, with its place beyond the page's edge.
+    struct TextBefore {
+        PageCell cell;
+        PageBox box;
+    };
+    std::optional<TextBefore> textBefore(int row) const;
     /// Nothing shows there, and no span covers it.
     bool isBlank(int row, int column) const
     {

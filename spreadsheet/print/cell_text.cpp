@@ -55,7 +55,8 @@ QString numberSigns(PageText& text, const QFont& font, double width)
 
 std::vector<TextOverflow> CellTextPainter::draw()
 {
-    for (m_row = 0; m_row < m_cells.rows(); ++m_row)
+    for (m_row = 0; m_row < m_cells.rows(); ++m_row) {
+        drawTextFromPageBefore();
         for (m_column = 0; m_column < m_cells.columns(); ++m_column) {
             const PageCell& cell = m_cells.at(m_row, m_column);
             if (cell.span >= 0)
@@ -63,6 +64,7 @@ std::vector<TextOverflow> CellTextPainter::draw()
             const Room room = roomOf(m_row, m_column);
             drawCell(cell, m_cells.boxOf(m_row, m_column), &room);
         }
+    }
     for (const PageSpan& span : m_cells.spans()) {
         PageBox box = span.whole;
         box.top = span.visible.top;
@@ -122,6 +124,25 @@ void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const R
     }
     if (cut)
         m_painter.restore();
+}
+
+/// Draws the rest of a text that began on the page to the left.
+void CellTextPainter::drawTextFromPageBefore()
+{
+    m_column = 0;
+    if (!m_cells.isBlank(m_row, 0) || m_cells.column(0).index == 1)
+        return;
+    const auto before = m_cells.textBefore(m_row);
+    if (!before || before->cell.isFigure || before->cell.style->wrap)
+        return;
+    const double width = widest(m_text.lines(before->cell.text, fontOf(m_text, before->cell.style->font)));
+    const PageBox& box = before->box;
+    if (leftOf(before->cell.alignment, box.left + paddingAcross, box.right() - paddingAcross, width) +
+            width <=
+        m_cells.column(0).start)
+        return;
+    const Room room = roomOf(m_row, 0);
+    drawText(before->cell, box, &room);
 }
 
 void CellTextPainter::drawCheckBox(const PageCell& cell, const PageBox& box)

@@ -19,9 +19,9 @@ struct TextOverflow {
 /// Draws what the cells of a page hold.
 ///
 /// Figures that do not fit show as "####". Other single-line texts run into blank neighbours on the side
-/// away from their alignment, and are cut where a neighbour is in use; wrapped texts break at the cell's
-/// width and are cut at its height, their end first. In a span that goes on over several pages the text
-/// stands in each page's part.
+/// away from their alignment, over the page's edge onto the next page too, and are cut where a neighbour is
+/// in use; wrapped texts break at the cell's width and are cut at its height, their end first. In a span that
+/// goes on over several pages the text stands in each page's part.
 /// @param rightLimit  twips; how far texts may run beyond the page's last column
 class CellTextPainter {
 public:
@@ -45,6 +45,7 @@ private:
     void drawCell(const PageCell& cell, const PageBox& box, const Room* neighbours);
     void drawText(const PageCell& cell, const PageBox& box, const Room* neighbours);
     void drawCheckBox(const PageCell& cell, const PageBox& box);
+    void drawTextFromPageBefore();
     Room roomOf(int row, int column) const;
 
     QPainter& m_painter;
@@ -52,7 +53,7 @@ private:
     const PageCells& m_cells;
     bool m_inColour;
     int m_rightLimit;
-    int m_row = 0, m_column = 0; ///< the cell being drawn
+    int m_row = 0, m_column = 0; ///< place of the cell being drawn
     std::vector<TextOverflow> m_overflows;
 };
 

@@ -1,0 +1,238 @@
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/print/PagePainter.h"
+#include "spreadsheet/print/PageText.h"
+
+#include <gtest/gtest.h>
+#include <QImage>
+#include <QPainter>
+
+namespace spreadsheet {
+namespace {
+
+/// One pixel is 10 twips: columns are 100 pixels wide, rows 30 high, the cells begin at (100, 100).
+struct PagePainterTest : testing::Test {
+    PagePainterTest()
+    {
+        sheet.changeSettings([](SheetSettings& settings) {
+            settings.rows.defaultSize = 300;
+            settings.columns.defaultSize = 1000;
+            settings.print.marginLeft = settings.print.marginRight = 1000;
+            settings.print.marginTop = settings.print.marginBottom = 1000;
+        });
+        sheet.setText({6, 8}, "."); // the used area
+    }
+
+    void style(const CellRange& range, const std::function<void(CellStyle&)>& change)
+    {
+        sheet.restyle(range, change);
+    }
+
+    void draw(int number = 1)
+    {
+        PageRequest request;
+        request.paperWidth = 8000; // six columns a page
+        request.paperHeight = 8000;
+        const PageLayout layout(sheet, request);
+        image = QImage(800, 800, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.scale(0.1, 0.1);
+        PageText text;
+        PagePainter(sheet, layout, text).paint(painter, number);
+    }
+
+    /// The cell's inside, without three pixels at each edge.
+    static QRect inside(int column, int row)
+    {
+        return QRect(column * 100, 70 + row * 30, 100, 30).adjusted(3, 3, -3, -3);
+    }
+
+    int inked(const QRect& area) const
+    {
+        int count = 0;
+        for (int y = area.top(); y <= area.bottom(); ++y)
+            for (int x = area.left(); x <= area.right(); ++x)
+                count += qGray(image.pixel(x, y)) < 160;
+        return count;
+    }
+    bool blank(int column, int row) const { return inked(inside(column, row)) == 0; }
+    /// Left and right half of a cell hold ink.
+    std::pair<bool, bool> halves(int column, int row) const
+    {
+        const QRect cell = inside(column, row);
+        return {inked(cell.adjusted(0, 0, -cell.width() / 2, 0)) > 0,
+                inked(cell.adjusted(cell.width() / 2, 0, 0, 0)) > 0};
+    }
+    /// Share of inked pixels along the horizontal edge above a row, three pixels thick.
+    double edgeAbove(int column, int row) const
+    {
+        int count = 0;
+        for (int x = column * 100 + 5; x < column * 100 + 95; ++x)
+            count += inked(QRect(x, 69 + row * 30, 1, 3)) > 0;
+        return count / 90.0;
+    }
+    double edgeLeftOf(int column, int row) const
+    {
+        int count = 0;
+        for (int y = 75 + row * 30; y < 95 + row * 30; ++y)
+            count += inked(QRect(column * 100 - 1, y, 3, 1)) > 0;
+        return count / 20.0;
+    }
+
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+    QImage image;
+};
+
+const std::string longText = "资产负债表利润表现金流量表"; // 13 characters of 9 points: 234 pixels
+
+TEST_F(PagePainterTest, TextsStandWhereTheirKindAndAlignmentSay)
+{
+    sheet.setText({1, 1}, "目");
+    sheet.setNumber({1, 2}, 7);
+    sheet.setValue({1, 3}, Value(CellError::na));
+    sheet.setText({1, 4}, "目");
+    style({1, 4, 1, 4}, [](CellStyle& s) { s.horizontal = HorizontalAlignment::right; });
+    sheet.setNumber({1, 5}, 7);
+    sheet.setShownText({1, 5}, "式");
+    sheet.setValue({1, 6}, Value(Text::countedAs("7.00", 7)));
+    draw();
+    const auto left = std::pair(true, false), right = std::pair(false, true), both = std::pair(true, true);
+    EXPECT_EQ(halves(1, 1), left) << "text";
+    EXPECT_EQ(halves(1, 2), right) << "number";
+    EXPECT_EQ(halves(1, 3), both) << "error, centred";
+    EXPECT_EQ(halves(1, 4), right) << "text aligned right";
+    EXPECT_EQ(halves(1, 5), left) << "text shown instead of a number";
+    EXPECT_EQ(halves(1, 6), right) << "text that counts as a number";
+}
+
+TEST_F(PagePainterTest, LongTextsRunIntoBlankNeighboursOnly)
+{
+    sheet.setText({1, 1}, longText);
+    sheet.setText({1, 2}, longText);
+    sheet.setNumber({2, 2}, 1);
+    sheet.setText({3, 3}, longText);
+    style({3, 3, 3, 3}, [](CellStyle& s) { s.horizontal = HorizontalAlignment::right; });
+    sheet.setText({3, 4}, longText);
+    style({3, 4, 3, 4}, [](CellStyle& s) { s.horizontal = HorizontalAlignment::centre; });
+    sheet.setText({1, 5}, longText);
+    sheet.addSpan({2, 5, 3, 5});
+    sheet.setNumber({1, 6}, 123456789012345);
+    style({1, 6, 1, 6}, [](CellStyle& s) { s.type = CellType::number; });
+    draw();
+    EXPECT_FALSE(blank(2, 1));
+    EXPECT_EQ(halves(3, 1), std::pair(true, false));
+    EXPECT_EQ(halves(2, 2), std::pair(false, true)) << "cut at the number";
+    EXPECT_FALSE(blank(1, 3)) << "to the left";
+    EXPECT_TRUE(blank(4, 3));
+    EXPECT_FALSE(blank(2, 4) || blank(4, 4)) << "to both sides";
+    EXPECT_TRUE(blank(1, 4));
+    EXPECT_TRUE(blank(2, 5)) << "a span is no blank neighbour";
+    EXPECT_TRUE(blank(2, 6)) << "figures never run over";
+    EXPECT_FALSE(blank(1, 6));
+}
+
+TEST_F(PagePainterTest, TextGoesOnOverThePageEdge)
+{
+    sheet.setText({6, 1}, longText);
+    sheet.setText({5, 2}, "短");
+    sheet.setText({8, 3}, "x"); // second page across
+    draw(2);
+    EXPECT_FALSE(blank(1, 1));
+    EXPECT_TRUE(blank(1, 2));
+}
+
+TEST_F(PagePainterTest, WrappedTextStaysInItsCell)
+{
+    sheet.setText({1, 1}, longText);
+    style({1, 1, 1, 1}, [](CellStyle& s) { s.wrap = true; });
+    sheet.setText({3, 1}, "甲\n乙");
+    sheet.changeSettings(
+        [](SheetSettings& settings) { settings.rows.sizes[1] = 900; }); // rows 1 to 3 of the picture
+    draw();
+    EXPECT_TRUE(blank(2, 1));
+    for (const int band : {1, 2, 3})
+        EXPECT_FALSE(blank(1, band)) << band;
+    EXPECT_GT(inked(QRect(300, 122, 50, 22)), 0) << "upper line";
+    EXPECT_GT(inked(QRect(300, 146, 50, 22)), 0) << "lower line";
+}
+
+TEST_F(PagePainterTest, SpansShowTheirFirstCellAcrossTheWholeArea)
+{
+    sheet.addSpan({1, 1, 3, 2});
+    sheet.setText({1, 1}, "目");
+    sheet.setText({3, 2}, "被盖住");
+    style({1, 1, 1, 1}, [](CellStyle& s) {
+        s.horizontal = HorizontalAlignment::centre;
+        s.bottom = {LineStyle::solid, 0};
+    });
+    sheet.changeSettings([](SheetSettings& settings) { settings.print.gridLines = true; });
+    draw();
+    EXPECT_GT(inked(QRect(230, 115, 40, 30)), 20) << "in the middle of both axes";
+    EXPECT_TRUE(blank(1, 1));
+    EXPECT_TRUE(blank(3, 2));
+    EXPECT_EQ(edgeLeftOf(2, 2), 0) << "no grid inside";
+    EXPECT_EQ(edgeAbove(3, 3), 1) << "the first cell's border on the whole outline";
+}
+
+TEST_F(PagePainterTest, EdgesShowTheHeavierLineAndErasedOnesNone)
+{
+    const auto bottom = [&](int column, LineStyle line) {
+        style({column, 1, column, 1}, [&](CellStyle& s) { s.bottom = {line, 0}; });
+    };
+    const auto top = [&](int column, LineStyle line) {
+        style({column, 2, column, 2}, [&](CellStyle& s) { s.top = {line, 0}; });
+    };
+    bottom(1, LineStyle::solid);
+    bottom(2, LineStyle::erase);
+    top(2, LineStyle::solid);
+    bottom(3, LineStyle::solid);
+    top(3, LineStyle::fineDot);
+    top(4, LineStyle::dash);
+    bottom(5, LineStyle::fineDot);
+    sheet.changeSettings([](SheetSettings& settings) { settings.print.gridLines = true; });
+    draw();
+    EXPECT_EQ(edgeAbove(1, 2), 1);
+    EXPECT_EQ(edgeAbove(2, 2), 0) << "erased";
+    EXPECT_EQ(edgeAbove(3, 2), 1) << "solid before dots";
+    EXPECT_GT(edgeAbove(4, 2), 0.5);
+    EXPECT_LT(edgeAbove(4, 2), 0.9);
+    EXPECT_GT(edgeAbove(5, 2), 0.2);
+    EXPECT_LT(edgeAbove(5, 2), 0.7);
+}
+
+TEST_F(PagePainterTest, HiddenRowsLeaveNoGap)
+{
+    sheet.setText({1, 3}, "目");
+    sheet.changeSettings([](SheetSettings& settings) { settings.rows.hidden[2] = true; });
+    draw();
+    EXPECT_FALSE(blank(1, 2));
+    EXPECT_TRUE(blank(1, 3));
+}
+
+TEST_F(PagePainterTest, ColoursTurnGreyWithoutColourPrinting)
+{
+    style({1, 1, 1, 1}, [](CellStyle& s) { s.background = 0xFF0000; });
+    draw();
+    EXPECT_EQ(image.pixel(inside(1, 1).center()), 0xFFFF0000);
+    sheet.changeSettings([](SheetSettings& settings) { settings.print.colour = false; });
+    draw();
+    EXPECT_EQ(image.pixel(inside(1, 1).center()), qRgb(qGray(0xFF0000), qGray(0xFF0000), qGray(0xFF0000)));
+}
+
+TEST_F(PagePainterTest, BorderAndHeadingsStandAroundTheCells)
+{
+    sheet.changeSettings([](SheetSettings& settings) {
+        settings.print.border = settings.print.shadows = settings.print.columnHeadings = true;
+        settings.rows.defaultSize = 285;
+    });
+    draw();
+    EXPECT_GT(inked(QRect(120, 99, 50, 3)), 49) << "above the headings";
+    EXPECT_GT(inked(QRect(140, 105, 20, 20)), 5) << "the letter A";
+    EXPECT_EQ(qGray(image.pixel(110, 120)), 0xDC) << "shadow of a heading";
+    EXPECT_GT(inked(QRect(99, 200, 3, 50)), 49) << "left of the cells";
+    EXPECT_GT(inked(QRect(699, 200, 3, 50)), 49) << "right of them";
+}
+
+} // namespace
+} // namespace spreadsheet
