@@ -1,16 +1,17 @@
 #pragma once
-#include "spreadsheet/engine/CellBlock.h"
 #include "spreadsheet/formula/Operand.h"
+#include "spreadsheet/functions/stretches.h"
+#include "spreadsheet/functions/summing.h"
 
-#include <functional>
+#include <cmath>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace spreadsheet {
 
-class Workbook;
 class LookupIndexes;
 
 /// Where a formula is evaluated.
@@ -19,15 +20,6 @@ struct EvaluationPlace {
     int sheet = 1; ///< index from 1
     CellAddress cell;
     LookupIndexes* indexes = nullptr; ///< of this recalculation; null outside of one
-};
-
-/// A stretch of cells of one column, as they lie in memory.
-struct CellStretch {
-    const Payload* payloads;
-    const ValueKind* kinds;
-    int count;
-    int firstRow;
-    int column;
 };
 
 /// The arguments of one function call, read by number from 0. Reading sticks at the first error:
@@ -53,10 +45,11 @@ public:
     /// element, an argument left out is empty. Errors are values here and do not stick.
     Value value(std::size_t argument) const;
 
-    // Coerced as operators do: empty is 0, a text that reads as a number counts as it.
+    // Coerced as operators do: empty is 0, a text that reads as a number counts as it. With `otherwise`
+    // an argument that was not handed over reads as that; one left empty between commas reads as 0.
     double number(std::size_t argument);
-    double number(std::size_t argument, double otherwise); ///< `otherwise` if not given
-    /// Truncated toward minus infinity for `floored`, toward zero otherwise; #NUM! beyond 32 bits.
+    double number(std::size_t argument, double otherwise);
+    /// Cut off toward zero; #NUM! beyond 32 bits.
     int integer(std::size_t argument);
     int integer(std::size_t argument, int otherwise);
     std::string text(std::size_t argument);
@@ -74,16 +67,23 @@ public:
         return *m_error;
     }
 
-    /// Every number that counts in a sum: numbers in ranges and arrays (texts and truth values there
-    /// are passed over), and a value handed over directly, coerced. Sticks at errors.
-    void eachNumber(std::size_t argument, const std::function<void(double)>& use);
+    /// Calls `use(std::span<const double>)` with every number that counts in a sum: numbers in ranges
+    /// and arrays (texts and truth values there are passed over unless the text counts as a number),
+    /// and a value handed over directly, coerced. Sticks at errors.
+    template <typename Use>
+    void eachNumbers(std::size_t argument, Use&& use);
+    /// The same, one by one.
+    template <typename Use>
+    void eachNumber(std::size_t argument, Use&& use);
     /// All numbers of all arguments from `first` on, in order.
     std::vector<double> numbers(std::size_t first = 0);
-    /// Every value of an argument in the order of rows, empty cells included where the range is no
-    /// larger than the sheet's used part (beyond it everything is empty and is not gone through).
-    void eachValue(std::size_t argument, const std::function<void(const Value&)>& use);
+    /// Calls `use(const Value&)` for every value of an argument in the order of rows, empty cells of
+    /// the sheet's used part included; beyond it everything is empty and is not gone through.
+    template <typename Use>
+    void eachValue(std::size_t argument, Use&& use) const;
     /// The dense cells of a reference, gaps left out, column by column.
-    void eachStretch(std::size_t argument, const std::function<void(const CellStretch&)>& use) const;
+    template <typename Use>
+    void eachStretch(std::size_t argument, Use&& use) const;
 
     /// Rows and columns of a range or array; 1 × 1 for a value.
     int rows(std::size_t argument) const;
@@ -92,6 +92,9 @@ public:
     Value element(std::size_t argument, int row, int column) const;
 
 private:
+    template <typename Use>
+    void eachNumbersOfArray(const Array& array, Use&& use);
+
     const EvaluationPlace& m_place;
     std::span<const Operand> m_arguments;
     std::optional<CellError> m_error;
@@ -107,41 +110,125 @@ Value toText(const Value& value);
 /// A value as truth value: numbers other than 0, the texts "TRUE" and "FALSE".
 Value toBoolean(const Value& value);
 
+/// A text as a number: plain or grouped digits, currency sign, brackets for minus, percentage, date,
+/// time; nothing if it reads as none of them.
+std::optional<double> numberOfText(std::string_view text);
+
+/// The number that a value is where ranges are summed: a number, or a text that counts as one.
+std::optional<double> countedNumber(const Value& value);
+
 /// Less than 0, 0 or more than 0, in the order numbers, texts (letter case ignored), FALSE, TRUE.
-/// Empty equals 0, "" and FALSE. Not for errors.
+/// Numbers are equal but for noise in the last binary places. Empty equals 0, "" and FALSE. Not for errors.
 int compareValues(const Value& a, const Value& b);
 
 /// One cell of a workbook; nothing there reads as empty.
 Value cellValue(const Workbook& workbook, int sheet, CellAddress cell);
 
-/// The used part of an area: what lies beyond the sheet's last stored row and column is cut off.
+/// The used part of an area: what lies beyond the sheet's last stored row and column is cut off. Where
+/// nothing is left, the bottom lies above the top.
 CellRange usedPart(const Workbook& workbook, const Area& area);
 
-/// A number of day and time that a text names ("2026-12-31", "2026/12/31 8:30", "12:30:15",
-/// "2026年12月31日"); nothing if it names none.
+/// A number of day and time that a text names ("2026-12-31", "2026/12/31 8:30", "12/31/2026",
+/// "31-Dec-2026", "12:30:15", "2026年12月31日"); nothing if it names none. Two digits of a year count
+/// from 1930 to 2029.
 std::optional<double> parseDateTime(std::string_view text);
 
-/// Letter case and full or half width folded, for comparing texts.
+/// Letter case and full or half width folded, character by character, for comparing texts.
 std::string foldedText(std::string_view text);
 
-/// Compensated sum in several lanes: cancelling amounts end in 0.
-double compensatedSum(std::span<const double> numbers);
+/// A number as a result: #NUM! if it is infinite or none.
+inline Operand checked(double number)
+{
+    return std::isfinite(number) ? Operand(number) : Operand(CellError::num);
+}
 
-/// A compensated sum that takes its numbers one after the other.
-class RunningSum {
-public:
-    void add(double number)
-    {
-        const double sum = m_sum + number;
-        const double part = sum - m_sum;
-        m_error += (m_sum - (sum - part)) + (number - part);
-        m_sum = sum;
+inline Operand truth(bool value)
+{
+    return Value::boolean(value);
+}
+
+/// An argument as a result: cells stay cells, one left empty between commas is 0.
+inline Operand passedOn(const Call& call, std::size_t argument)
+{
+    return call[argument].isMissing() ? Operand(0.0) : call[argument];
+}
+
+template <typename Use>
+void Call::eachStretch(std::size_t argument, Use&& use) const
+{
+    const Operand& operand = m_arguments[argument];
+    if (operand.isArea())
+        return forEachStretch(m_place.workbook, operand.area(), use);
+    for (const Area& area : operand.areas())
+        forEachStretch(m_place.workbook, area, use);
+}
+
+template <typename Use>
+void Call::eachNumbersOfArray(const Array& array, Use&& use)
+{
+    std::vector<double> row;
+    for (int r = 0; r < array.rows(); ++r) {
+        row.clear();
+        for (int c = 0; c < array.columns(); ++c) {
+            const Value& value = array.at(r, c);
+            if (value.isError())
+                return void(fail(value.error()));
+            if (const auto number = countedNumber(value))
+                row.push_back(*number);
+        }
+        use(std::span<const double>(row));
     }
-    double total() const;
+}
 
-private:
-    double m_sum = 0;
-    double m_error = 0;
-};
+template <typename Use>
+void Call::eachNumbers(std::size_t argument, Use&& use)
+{
+    if (failed())
+        return;
+    const Operand& operand = m_arguments[argument];
+    if (operand.isReference()) {
+        eachStretch(argument, [&](const CellStretch& stretch) {
+            if (const auto error = useNumbers(stretch, use))
+                fail(*error);
+            return !failed();
+        });
+    } else if (operand.isArray()) {
+        eachNumbersOfArray(operand.array(), use);
+    } else {
+        const double single = number(argument);
+        if (!failed())
+            use(std::span<const double>(&single, 1));
+    }
+}
+
+template <typename Use>
+void Call::eachNumber(std::size_t argument, Use&& use)
+{
+    eachNumbers(argument, [&](std::span<const double> numbers) {
+        for (const double number : numbers)
+            use(number);
+    });
+}
+
+template <typename Use>
+void Call::eachValue(std::size_t argument, Use&& use) const
+{
+    const Operand& operand = m_arguments[argument];
+    for (const Area& area : operand.areas()) {
+        const CellRange used = usedPart(m_place.workbook, area);
+        for (int row = used.top; row <= used.bottom; ++row) {
+            for (int column = used.left; column <= used.right; ++column)
+                use(cellValue(m_place.workbook, area.sheet, {column, row}));
+        }
+    }
+    if (operand.isArray()) {
+        for (int row = 0; row < operand.array().rows(); ++row) {
+            for (int column = 0; column < operand.array().columns(); ++column)
+                use(operand.array().at(row, column));
+        }
+    } else if (!operand.isReference()) {
+        use(value(argument));
+    }
+}
 
 } // namespace spreadsheet
