@@ -1,0 +1,264 @@
+#include "spreadsheet/functions/number_format.h"
+
+#include "spreadsheet/engine/display_text.h"
+#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/functions/Call.h"
+#include "spreadsheet/functions/date_format.h"
+#include "spreadsheet/functions/number_format_code.h"
+#include "spreadsheet/functions/numerals.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+using Kind = FormatPart::Kind;
+
+/// Digits before and behind the decimal point, without leading and trailing zeros.
+struct SplitDigits {
+    std::string whole;
+    std::string fraction;
+};
+
+SplitDigits split(const DecimalDigits& number)
+{
+    SplitDigits result;
+    const std::string& digits = number.digits;
+    if (number.exponent <= 0) {
+        if (!digits.empty())
+            result.fraction = std::string(static_cast<std::size_t>(-number.exponent), '0') + digits;
+        return result;
+    }
+    const auto whole = static_cast<std::size_t>(number.exponent);
+    result.whole = digits.substr(0, whole);
+    if (!digits.empty())
+        result.whole.resize(whole, '0');
+    if (digits.size() > whole)
+        result.fraction = digits.substr(whole);
+    return result;
+}
+
+/// Lays the digits of a number into the places of a section.
+class NumberLayout {
+public:
+    NumberLayout(const FormatSection& section, double size)
+        : m_section(section)
+        , m_digits(decimalDigits(size))
+    {
+        m_digits.exponent += 2 * section.percents - 3 * section.thousands;
+        const auto exponentPart = std::ranges::find(section.parts, Kind::exponent, &FormatPart::kind);
+        if (exponentPart != section.parts.end())
+            takeExponent();
+        else
+            m_digits.roundTo(section.decimals);
+        const SplitDigits parts = split(m_digits);
+        m_whole = parts.whole;
+        m_fraction = parts.fraction;
+        m_placesLeft = section.integerDigits;
+    }
+
+    std::string text()
+    {
+        std::string result;
+        for (const FormatPart& part : m_section.parts) {
+            switch (part.kind) {
+            case Kind::digit:
+                m_behindExponent ? exponentDigit(part.text[0], result)
+                : m_behindPoint  ? fractionDigit(part.text[0], result)
+                                 : wholeDigit(part.text[0], result);
+                break;
+            case Kind::point:
+                if (m_section.integerDigits == 0)
+                    result += m_whole;
+                m_behindPoint = true;
+                result += '.';
+                break;
+            case Kind::exponent:
+                startExponent(part.text[1], result);
+                break;
+            default:
+                result += part.text;
+            }
+        }
+        return result;
+    }
+
+private:
+    /// Shifts the digits so that the whole part fills its places; several places keep the exponent a
+    /// multiple of their number.
+    void takeExponent()
+    {
+        const int step = std::max(1, m_section.integerDigits);
+        const DecimalDigits all = m_digits;
+        if (!all.digits.empty()) {
+            const int power = all.exponent - 1;
+            m_exponent = (power >= 0 ? power / step : -((step - 1 - power) / step)) * step;
+        }
+        for (;; m_exponent += step) {
+            m_digits = all;
+            m_digits.exponent -= m_exponent;
+            m_digits.roundTo(m_section.decimals);
+            if (m_digits.exponent <= step) // rounding may have added a place
+                break;
+        }
+        m_exponentDigits = std::to_string(std::abs(m_exponent));
+        bool behind = false;
+        for (const FormatPart& part : m_section.parts) {
+            behind = behind || part.kind == Kind::exponent;
+            m_exponentPlaces += behind && part.kind == Kind::digit;
+        }
+    }
+
+    void startExponent(char sign, std::string& result)
+    {
+        m_behindExponent = true;
+        result += 'E';
+        if (m_exponent < 0 || sign == '+')
+            result += m_exponent < 0 ? '-' : '+';
+    }
+
+    void exponentDigit(char place, std::string& result)
+    {
+        const int given = static_cast<int>(m_exponentDigits.size());
+        if (m_exponentPlaces <= given) {
+            const int taken = m_exponentFirst ? given - m_exponentPlaces + 1 : 1;
+            result += m_exponentDigits.substr(0, static_cast<std::size_t>(taken));
+            m_exponentDigits.erase(0, static_cast<std::size_t>(taken));
+            m_exponentFirst = false;
+        } else if (place == '0') {
+            result += '0';
+        }
+        --m_exponentPlaces;
+    }
+
+    /// The first place takes the digits beyond the places too.
+    void wholeDigit(char place, std::string& result)
+    {
+        const int given = static_cast<int>(m_whole.size());
+        if (given < m_placesLeft) {
+            if (place == '0')
+                putWhole('0', m_placesLeft - 1, result);
+            else if (place == '?')
+                result += ' ';
+        } else {
+            const auto taken = static_cast<std::size_t>(given - m_placesLeft + 1);
+            for (std::size_t i = 0; i < taken; ++i)
+                putWhole(m_whole[i], given - 1 - static_cast<int>(i), result);
+            m_whole.erase(0, taken);
+        }
+        --m_placesLeft;
+    }
+
+    /// A digit with the comma that belongs behind it; `right` more places follow.
+    void putWhole(char digit, int right, std::string& result)
+    {
+        result += digit;
+        if (m_section.grouped && right > 0 && right % 3 == 0)
+            result += ',';
+    }
+
+    void fractionDigit(char place, std::string& result)
+    {
+        if (!m_fraction.empty()) {
+            result += m_fraction[0];
+            m_fraction.erase(0, 1);
+        } else if (place != '#') {
+            result += place == '0' ? '0' : ' ';
+        }
+    }
+
+    const FormatSection& m_section;
+    DecimalDigits m_digits;
+    std::string m_whole; ///< digits not yet laid out
+    std::string m_fraction;
+    std::string m_exponentDigits;
+    int m_exponent = 0;
+    int m_exponentPlaces = 0;
+    int m_placesLeft = 0; ///< places for whole digits not yet filled
+    bool m_exponentFirst = true;
+    bool m_behindPoint = false;
+    bool m_behindExponent = false;
+};
+
+/// A number in its general form, in numerals if the section asks for them.
+std::string generalText(const FormatSection& section, double size)
+{
+    const std::string text = generalNumberText(size);
+    if (section.numerals == NumeralStyle::ordinary || text.find('E') != text.npos)
+        return text;
+    const std::size_t point = std::min(text.find('.'), text.size());
+    return numeralText(text.substr(0, point), section.numerals) +
+           numeralDigits(text.substr(point), section.numerals);
+}
+
+std::string numberByParts(const FormatSection& section, double size)
+{
+    const auto isGeneral = [](const FormatPart& part) {
+        return part.kind == Kind::general || part.kind == Kind::text;
+    };
+    if (std::ranges::none_of(section.parts, isGeneral))
+        return numeralDigits(NumberLayout(section, size).text(), section.numerals);
+    std::string result;
+    for (const FormatPart& part : section.parts)
+        result += isGeneral(part) ? generalText(section, size) : part.text;
+    return result;
+}
+
+std::optional<std::string> numberBySection(const FormatSection& section, double number, bool withSign)
+{
+    if (section.isDate)
+        return dateText(section, number);
+    const std::string text = numberByParts(section, std::fabs(number));
+    return withSign && number < 0 && !text.empty() ? "-" + text : text;
+}
+
+std::optional<std::string> numberText(const std::vector<FormatSection>& sections, double number)
+{
+    using Condition = FormatSection::Condition;
+    const std::size_t count = std::min<std::size_t>(sections.size(), 3); // the fourth is for texts
+    const bool conditional = std::ranges::any_of(
+        sections, [](const FormatSection& section) { return section.condition != Condition::none; });
+    if (conditional) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const bool bySign = i == 1 && count > 2 && sections[i].condition == Condition::none;
+            if (bySign ? number < 0 : sections[i].holds(number))
+                return numberBySection(sections[i], number, !bySign);
+        }
+        return std::string("#");
+    }
+    if (count > 1 && number < 0)
+        return numberBySection(sections[1], number, false);
+    if (count > 2 && number == 0)
+        return numberBySection(sections[2], number, false);
+    return numberBySection(sections[0], number, true);
+}
+
+std::string textBySections(const std::vector<FormatSection>& sections, std::string_view text)
+{
+    const FormatSection* section = sections.size() == 4 ? &sections[3] : &sections.back();
+    const bool forTexts =
+        std::ranges::find(section->parts, Kind::text, &FormatPart::kind) != section->parts.end();
+    if (sections.size() < 4 && !forTexts)
+        return std::string(text);
+    std::string result;
+    for (const FormatPart& part : section->parts)
+        result += part.kind == Kind::text ? text : std::string_view(part.text);
+    return result;
+}
+
+} // namespace
+
+std::optional<std::string> formattedText(const Value& value, std::string_view code)
+{
+    const auto sections = parseFormatCode(code);
+    if (!sections)
+        return std::nullopt;
+    if (value.isBoolean())
+        return std::string(value.boolean() ? "TRUE" : "FALSE");
+    const Value number = toNumber(value);
+    return number.isNumber() ? numberText(*sections, number.number())
+                             : textBySections(*sections, value.textView());
+}
+
+} // namespace spreadsheet
