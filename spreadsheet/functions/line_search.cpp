@@ -1,0 +1,123 @@
+#include "spreadsheet/functions/line_search.h"
+
+#include "spreadsheet/formula/LookupIndexes.h"
+#include "spreadsheet/functions/wildcards.h"
+
+namespace spreadsheet {
+
+namespace {
+
+/// Size of the used part of an argument along one axis.
+int usedSize(const Call& call, std::size_t argument, bool down)
+{
+    const Operand& operand = call[argument];
+    if (!operand.isArea())
+        return down ? call.rows(argument) : call.columns(argument);
+    const CellRange used = usedPart(call.place().workbook, operand.area());
+    return std::max(0, down ? used.rows() : used.columns());
+}
+
+Area columnOf(const Area& area)
+{
+    Area column = area;
+    column.cells.right = column.cells.left;
+    return column;
+}
+
+} // namespace
+
+Line Line::firstColumn(const Call& call, std::size_t argument)
+{
+    return {call, argument, true, usedSize(call, argument, true)};
+}
+
+Line Line::firstRow(const Call& call, std::size_t argument)
+{
+    return {call, argument, false, usedSize(call, argument, false)};
+}
+
+Line Line::longerSide(const Call& call, std::size_t argument)
+{
+    return call.columns(argument) > call.rows(argument) ? firstRow(call, argument)
+                                                        : firstColumn(call, argument);
+}
+
+Value Line::at(int place) const
+{
+    return m_down ? m_call.element(m_argument, place, 0) : m_call.element(m_argument, 0, place);
+}
+
+std::optional<int> Line::indexed(const Value& wanted) const
+{
+    const Area& area = m_call[m_argument].area();
+    ColumnIndex* const index = m_call.place().indexes->index(columnOf(area));
+    if (!index)
+        return std::nullopt;
+    const ColumnIndex::Rows* rows = wanted.isNumber() ? index->number(wanted.number())
+                                    : wanted.isText() ? index->text(foldedText(wanted.textView()))
+                                                      : index->boolean(wanted.boolean());
+    if (!rows || rows->rows.front() > area.cells.bottom)
+        return m_size;
+    return rows->rows.front() - area.cells.top;
+}
+
+std::optional<int> Line::equal(const Value& wanted) const
+{
+    std::optional<WildcardPattern> pattern;
+    if (wanted.isText())
+        pattern.emplace(wanted.textView());
+    const bool plain =
+        !pattern || (!pattern->hasWildcards() && wanted.textView().find('~') == std::string_view::npos);
+    if (plain && !wanted.isEmpty() && m_down && m_call.place().indexes && m_call[m_argument].isArea()) {
+        if (const auto place = indexed(wanted))
+            return *place < m_size ? place : std::nullopt;
+    }
+    for (int place = 0; place < m_size; ++place) {
+        const Value value = at(place);
+        if (value.kind() != wanted.kind())
+            continue;
+        if (pattern ? pattern->matches(value.textView()) : value == wanted)
+            return place;
+    }
+    return std::nullopt;
+}
+
+std::optional<int> Line::lastNotGreater(const Value& wanted) const
+{
+    std::optional<int> found;
+    int low = 0;
+    int high = m_size - 1;
+    while (low <= high) {
+        const int middle = low + (high - low) / 2;
+        int comparable = middle;
+        Value value = at(comparable);
+        while (comparable < high && value.kind() != wanted.kind())
+            value = at(++comparable);
+        if (value.kind() == wanted.kind() && compareValues(value, wanted) <= 0) {
+            found = comparable;
+            low = comparable + 1;
+        } else {
+            high = middle - 1;
+        }
+    }
+    return found;
+}
+
+std::optional<int> Line::lastNotLess(const Value& wanted) const
+{
+    std::optional<int> found;
+    for (int place = 0; place < m_size; ++place) {
+        const Value value = at(place);
+        if (value.kind() != wanted.kind())
+            continue;
+        const int order = compareValues(value, wanted);
+        if (order < 0)
+            break;
+        found = place;
+        if (order == 0)
+            break;
+    }
+    return found;
+}
+
+} // namespace spreadsheet

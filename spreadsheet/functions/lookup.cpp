@@ -1,0 +1,184 @@
+#include "spreadsheet/formula/operators.h"
+#include "spreadsheet/functions/Call.h"
+#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/line_search.h"
+#include "spreadsheet/functions/references.h"
+
+namespace spreadsheet {
+
+namespace {
+
+/// The value to look for: an empty cell counts as 0. Sticks at errors, also of the range.
+Value wantedValue(Call& call, std::size_t range)
+{
+    Value wanted = call.value(0);
+    if (wanted.isError())
+        call.fail(wanted.error());
+    const Operand& cells = call[range];
+    if (cells.isValue() && cells.value().isError())
+        call.fail(cells.value().error());
+    if (cells.isAreas() || cells.isMissing())
+        call.fail(CellError::value);
+    return wanted.isEmpty() ? Value(0.0) : wanted;
+}
+
+/// One cell as a reference, one element of an array as a value.
+Operand elementOf(const Call& call, std::size_t argument, int row, int column)
+{
+    if (!call[argument].isArea())
+        return call.element(argument, row, column);
+    const Area& area = call[argument].area();
+    const CellAddress cell{area.cells.left + column, area.cells.top + row};
+    return Area{area.sheet, {cell.column, cell.row, cell.column, cell.row}};
+}
+
+/// VLOOKUP and HLOOKUP.
+template <bool down>
+Operand lookUpInTable(Call& call)
+{
+    const Value wanted = wantedValue(call, 1);
+    const int line = call.integer(2);
+    const bool approximate = call.logical(3, true);
+    if (call.failed())
+        return call.error();
+    if (line < 1)
+        return CellError::value;
+    if (line > (down ? call.columns(1) : call.rows(1)))
+        return CellError::ref;
+    const Line keys = down ? Line::firstColumn(call, 1) : Line::firstRow(call, 1);
+    const auto place = approximate ? keys.lastNotGreater(wanted) : keys.equal(wanted);
+    if (!place)
+        return CellError::na;
+    return down ? elementOf(call, 1, *place, line - 1) : elementOf(call, 1, line - 1, *place);
+}
+
+/// The result stands at the same place of the result vector, or in the last row or column of the array.
+Operand lookUp(Call& call)
+{
+    const Value wanted = wantedValue(call, 1);
+    if (call.failed())
+        return call.error();
+    const auto place = Line::longerSide(call, 1).lastNotGreater(wanted);
+    if (!place)
+        return CellError::na;
+    const bool alongRow = call.columns(1) > call.rows(1);
+    if (call.count() < 3)
+        return alongRow ? elementOf(call, 1, call.rows(1) - 1, *place)
+                        : elementOf(call, 1, *place, call.columns(1) - 1);
+    if (!call[2].isArea() && !call[2].isArray())
+        return *place == 0 ? passedOn(call, 2) : Operand(CellError::na);
+    const bool resultAlongRow = call.columns(2) > call.rows(2);
+    if (call[2].isArray() && *place >= std::max(call.columns(2), call.rows(2)))
+        return CellError::na;
+    return resultAlongRow ? elementOf(call, 2, 0, *place) : elementOf(call, 2, *place, 0);
+}
+
+Operand match(Call& call)
+{
+    const Value wanted = wantedValue(call, 1);
+    const double kind = call.number(2, 1);
+    if (call.failed())
+        return call.error();
+    if (call.rows(1) > 1 && call.columns(1) > 1)
+        return CellError::na;
+    const Line line = Line::longerSide(call, 1);
+    const auto place = kind == 0  ? line.equal(wanted)
+                       : kind > 0 ? line.lastNotGreater(wanted)
+                                  : line.lastNotLess(wanted);
+    return place ? Operand(*place + 1.0) : Operand(CellError::na);
+}
+
+Operand chooseByNumber(Call& call)
+{
+    const int number = call.integer(0);
+    if (call.failed())
+        return call.error();
+    if (number < 1 || number >= static_cast<int>(call.count()))
+        return CellError::value;
+    return passedOn(call, static_cast<std::size_t>(number));
+}
+
+/// ROW and COLUMN: a single number, or one for each row or column of a range.
+template <bool rows>
+Operand positions(Call& call)
+{
+    if (!call.given(0))
+        return static_cast<double>(rows ? call.place().cell.row : call.place().cell.column);
+    if (!call[0].isArea())
+        return call[0].isValue() && call[0].value().isError() ? call[0] : Operand(CellError::value);
+    const CellRange& cells = call[0].area().cells;
+    const int first = rows ? cells.top : cells.left;
+    const int count = rows ? cells.rows() : cells.columns();
+    if (count == 1)
+        return static_cast<double>(first);
+    auto numbers = std::make_shared<Array>(rows ? count : 1, rows ? 1 : count);
+    for (int i = 0; i < count; ++i)
+        numbers->at(rows ? i : 0, rows ? 0 : i) = static_cast<double>(first + i);
+    return std::shared_ptr<const Array>(std::move(numbers));
+}
+
+template <bool rows>
+Operand size(Call& call)
+{
+    if (call[0].isValue() && call[0].value().isError())
+        return call[0];
+    if (call[0].isAreas())
+        return CellError::ref;
+    return static_cast<double>(rows ? call.rows(0) : call.columns(0));
+}
+
+Operand areaCount(Call& call)
+{
+    if (!call[0].isReference())
+        return call[0].isValue() && call[0].value().isError() ? call[0] : Operand(CellError::value);
+    return static_cast<double>(call[0].areas().size());
+}
+
+Operand transposed(Call& call)
+{
+    const auto array = toArray(call[0], call.place());
+    auto result = std::make_shared<Array>(array->columns(), array->rows());
+    for (int row = 0; row < array->rows(); ++row) {
+        for (int column = 0; column < array->columns(); ++column)
+            result->at(column, row) = array->at(row, column);
+    }
+    return std::shared_ptr<const Array>(std::move(result));
+}
+
+constexpr auto family = FunctionFamily::lookup;
+constexpr auto unlistedVolatile = static_cast<std::uint8_t>(readsUnlisted | isVolatile);
+
+const FunctionDescriptor table[] = {
+    {"VLOOKUP", 3, 4, "vrvv", family, "查找值,数据表,列序号,[近似匹配]",
+     "在数据表的首列查找，返回同一行中指定列的值", lookUpInTable<true>},
+    {"HLOOKUP", 3, 4, "vrvv", family, "查找值,数据表,行序号,[近似匹配]",
+     "在数据表的首行查找，返回同一列中指定行的值", lookUpInTable<false>},
+    {"LOOKUP", 2, 3, "vaa", family, "查找值,查找向量,[结果向量]",
+     "在升序的一行或一列中查找，返回结果向量中相同位置的值", lookUp},
+    {"INDEX", 2, 4, "avvv", family, "区域,行序号,[列序号],[区域序号]", "返回区域中指定行列的单元格或整行整列",
+     indexed},
+    {"MATCH", 2, 3, "vrv", family, "查找值,查找区域,[匹配类型]", "返回查找值在一行或一列中的位置", match},
+    {"CHOOSE", 2, manyArguments, "vv", family, "序号,值1,[值2,…]", "按序号从各参数中选取一个值",
+     chooseByNumber, branches},
+    {"ROW", 0, 1, "r", family, "[引用]", "返回引用的行号", positions<true>, dependsOnPlace},
+    {"COLUMN", 0, 1, "r", family, "[引用]", "返回引用的列号", positions<false>, dependsOnPlace},
+    {"ROWS", 1, 1, "a", family, "区域", "返回区域或数组的行数", size<true>},
+    {"COLUMNS", 1, 1, "a", family, "区域", "返回区域或数组的列数", size<false>},
+    {"AREAS", 1, 1, "r", family, "引用", "返回引用中包含的区域个数", areaCount},
+    {"OFFSET", 3, 5, "rvvvv", family, "引用,行偏移,[列偏移],[行数],[列数]",
+     "返回从给定引用偏移若干行列的区域", moved, unlistedVolatile},
+    {"INDIRECT", 1, 2, "vv", family, "引用文本,[A1样式]", "返回文本所指的单元格或区域", referenceOfText,
+     unlistedVolatile},
+    {"ADDRESS", 2, 5, "vvvvv", family, "行号,列号,[引用类型],[A1样式],[工作表名]",
+     "按行号和列号返回单元格地址文本", addressText},
+    {"TRANSPOSE", 1, 1, "a", family, "数组", "返回行列互换的数组", transposed},
+};
+
+} // namespace
+
+std::span<const FunctionDescriptor> lookupFunctions()
+{
+    return table;
+}
+
+} // namespace spreadsheet
