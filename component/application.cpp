@@ -31,7 +31,7 @@ void makeApplication(Display display)
     const QByteArray asked = qgetenv("QT_QPA_PLATFORM");
     if (asked.isEmpty())
         qputenv("QT_QPA_PLATFORM", display == Display::needed ? "xcb;wayland;offscreen" : "offscreen");
-    new QApplication(count, arguments);
+    [[maybe_unused]] static const QApplication* const kept = new QApplication(count, arguments);
     if (asked.isEmpty())
         qunsetenv("QT_QPA_PLATFORM"); // not for the processes that the host starts
 }
