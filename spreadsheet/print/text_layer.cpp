@@ -127,12 +127,14 @@ int correctTextLayer(PdfUpdate& update, const GlyphRecord& record)
             continue;
         const int map = PdfUpdate::reference(font, "ToUnicode");
         const auto oldMap = readMap(update.object(map));
-        if (face != record.faces().end() && agrees(oldMap, **face))
-            update.replace(map, compressedStream(mapOf(textsOf(**face, oldMap))));
-        else
+        const auto agreeing =
+            std::find_if(face, record.faces().end(), [&](const auto* f) { return agrees(oldMap, *f); });
+        if (agreeing == record.faces().end()) {
             ++kept;
-        if (face != record.faces().end())
-            ++face;
+            continue;
+        }
+        update.replace(map, compressedStream(mapOf(textsOf(**agreeing, oldMap))));
+        face = std::next(agreeing);
     }
     return kept;
 }
