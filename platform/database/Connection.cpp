@@ -1,7 +1,7 @@
 #include "platform/database/Connection.h"
 
 #include "platform/database/connection_string.h"
-#include "platform/database/odbc/odbc_open.h"
+#include "platform/database/odbc/OdbcSession.h"
 #include "platform/database/Session.h"
 #include "platform/database/SessionPool.h"
 #include "platform/database/sqlite/SqliteSession.h"
@@ -27,7 +27,7 @@ std::unique_ptr<Session> openSession(std::string_view connectionString)
     ++counters.sessions;
     if (settings.provider == DatabaseProvider::sqlite)
         return std::make_unique<SqliteSession>(settings.value("Data Source"));
-    return openOdbcSession(settings);
+    return std::make_unique<OdbcSession>(odbcTarget(settings));
 }
 
 } // namespace

@@ -15,8 +15,8 @@ constexpr std::uint32_t symbolClass = 1U << 24;
 constexpr std::uint32_t digitClass = 2U << 24;
 constexpr std::uint32_t letterClass = 3U << 24;
 constexpr std::uint32_t chineseClass = 4U << 24;
-constexpr std::uint32_t otherClass = 5U << 24;
-constexpr std::uint32_t brokenClass = 6U << 24; // bytes that are no UTF-8
+constexpr std::uint32_t brokenClass = 5U << 24; // bytes that are no UTF-8
+constexpr std::uint32_t otherClass = 6U << 24;  // U+10FFFF, the last of all, bounds the ranges of patterns
 constexpr std::uint32_t blankWeight = 1;
 constexpr std::uint32_t endWeight = 0;
 
@@ -52,8 +52,9 @@ char32_t halfWidth(char32_t character)
     if (character < 0xFF61 || character > 0xFFDC)
         return character;
     utf8proc_int32_t whole[4]; // half-width kana and jamo
-    const auto length =
-        utf8proc_decompose_char(static_cast<utf8proc_int32_t>(character), whole, 4, UTF8PROC_COMPAT, nullptr);
+    const auto length = utf8proc_decompose_char(
+        static_cast<utf8proc_int32_t>(character), whole, 4,
+        static_cast<utf8proc_option_t>(UTF8PROC_DECOMPOSE | UTF8PROC_COMPAT), nullptr);
     return length == 1 ? static_cast<char32_t>(whole[0]) : character;
 }
 

@@ -1,0 +1,249 @@
+#include "platform/database/odbc/OdbcSession.h"
+
+#include "platform/database/odbc/odbc_diagnostics.h"
+#include "platform/database/odbc/odbc_text.h"
+#include "platform/database/odbc/procedure_batch.h"
+
+#include <algorithm>
+#include <sqlext.h>
+#include <sqlucode.h>
+
+namespace selfreport {
+
+namespace {
+
+SQLPOINTER attribute(std::intptr_t value)
+{
+    return reinterpret_cast<SQLPOINTER>(value);
+}
+
+} // namespace
+
+/// A statement that cancel() can reach while it lives.
+class OdbcSession::Running {
+public:
+    explicit Running(OdbcSession& session)
+        : statement(session.m_connection, session.m_queryTimeout)
+        , m_session(session)
+    {
+        const std::lock_guard lock(m_session.m_runningMutex);
+        m_session.m_running = statement.handle();
+    }
+    ~Running()
+    {
+        const std::lock_guard lock(m_session.m_runningMutex);
+        m_session.m_running = SQL_NULL_HSTMT;
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+    OdbcStatement statement; // freed after the session has forgotten it
+
+private:
+    OdbcSession& m_session;
+};
+
+OdbcSession::OdbcSession(const OdbcTarget& target)
+    : m_queryTimeout(target.queryTimeout)
+{
+    try {
+        connect(target);
+    } catch (const DatabaseError&) {
+        SQLFreeHandle(SQL_HANDLE_DBC, m_connection);
+        SQLFreeHandle(SQL_HANDLE_ENV, m_environment);
+        throw;
+    }
+}
+
+OdbcSession::~OdbcSession()
+{
+    SQLDisconnect(m_connection);
+    SQLFreeHandle(SQL_HANDLE_DBC, m_connection);
+    SQLFreeHandle(SQL_HANDLE_ENV, m_environment);
+}
+
+void OdbcSession::connect(const OdbcTarget& target)
+{
+    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &m_environment)))
+        throw DatabaseError(unspecifiedError, "ODBC 无法启动");
+    SQLSetEnvAttr(m_environment, SQL_ATTR_ODBC_VERSION, attribute(SQL_OV_ODBC3), 0);
+    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, m_environment, &m_connection)))
+        throw openingError(odbcRecords(SQL_HANDLE_ENV, m_environment));
+    // Without it a silent server is waited for without end.
+    SQLSetConnectAttr(m_connection, SQL_ATTR_LOGIN_TIMEOUT, attribute(target.loginTimeout), 0);
+    std::vector<SQLWCHAR> text = odbcText(target.connectionString);
+    const SQLRETURN connected =
+        SQLDriverConnectW(m_connection, nullptr, text.data(), static_cast<SQLSMALLINT>(text.size()), nullptr,
+                          0, nullptr, SQL_DRIVER_NOPROMPT);
+    if (!SQL_SUCCEEDED(connected))
+        throw openingError(odbcRecords(SQL_HANDLE_DBC, m_connection));
+}
+
+std::int64_t OdbcSession::execute(std::string_view sql, std::span<const SqlValue> values)
+{
+    Running running(*this);
+    for (const SqlValue& value : values)
+        running.statement.bind(value);
+    running.statement.run(sql);
+    const std::int64_t changed = running.statement.changedRows();
+    while (running.statement.nextResult()) { // errors of later statements come here
+    }
+    return changed;
+}
+
+Recordset OdbcSession::query(std::string_view sql, std::span<const SqlValue> values, BinaryColumns binaries)
+{
+    Running running(*this);
+    for (const SqlValue& value : values)
+        running.statement.bind(value);
+    running.statement.run(sql);
+    std::optional<Recordset> first;
+    do {
+        if (auto rows = running.statement.rows(binaries); rows && !first)
+            first = std::move(rows);
+    } while (running.statement.nextResult());
+    return first ? std::move(*first) : Recordset();
+}
+
+ProcedureResult OdbcSession::callAlone(const ProcedureCall& call)
+{
+    ProcedureResult result;
+    std::int64_t returned = -1;
+    Running running(*this);
+    running.statement.bindReturnValue(returned);
+    std::string marks;
+    for (const ProcedureParameter& parameter : call.parameters) {
+        running.statement.bindText(parameter.value);
+        marks += marks.empty() ? "?" : ",?";
+    }
+    try {
+        running.statement.run("{?=call " + call.procedure + (marks.empty() ? "" : "(" + marks + ")") + "}");
+        do {
+            if (auto rows = running.statement.rows(BinaryColumns::left); rows && !result.rows)
+                result.rows = std::move(rows);
+        } while (running.statement.nextResult());
+        // The driver sets it when everything was read; a failed call may leave something there too.
+        result.returnValue = returned;
+    } catch (const ConnectionLost&) {
+        throw;
+    } catch (const DatabaseError& error) {
+        result.rows.reset();
+        result.error = error;
+    }
+    return result;
+}
+
+std::vector<std::optional<ProcedureResult>> OdbcSession::callBatch(std::span<const ProcedureCall> calls)
+{
+    BatchAnswers answers(calls.size());
+    Running running(*this);
+    std::size_t failures = 0;
+    bool more = true;
+    const auto step = [&](const auto& work) {
+        try {
+            work();
+        } catch (const ConnectionLost&) {
+            throw;
+        } catch (const DatabaseError&) {
+            answers.dropPending(); // its call is repeated alone and tells the reason then
+            more = ++failures <= calls.size();
+        }
+    };
+    step([&] { running.statement.run(procedureBatch(calls)); });
+    while (more) {
+        step([&] {
+            if (auto rows = running.statement.rows(BinaryColumns::left))
+                answers.add(std::move(*rows));
+        });
+        if (more)
+            step([&] { more = running.statement.nextResult(); });
+    }
+    return std::move(answers).take();
+}
+
+std::vector<ProcedureResult> OdbcSession::callProcedures(std::span<const ProcedureCall> calls)
+{
+    std::vector<ProcedureResult> results;
+    while (!calls.empty()) {
+        const auto batch = calls.first(std::min(calls.size(), mostCallsInBatch));
+        calls = calls.subspan(batch.size());
+        std::vector<std::optional<ProcedureResult>> answers(batch.size());
+        if (batch.size() > 1)
+            answers = callBatch(batch);
+        for (std::size_t at = 0; at < batch.size(); ++at)
+            results.push_back(answers[at] ? std::move(*answers[at]) : callAlone(batch[at]));
+    }
+    return results;
+}
+
+void OdbcSession::setAutocommit(bool on)
+{
+    const SQLRETURN set = SQLSetConnectAttr(m_connection, SQL_ATTR_AUTOCOMMIT,
+                                            attribute(on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF), 0);
+    if (SQL_SUCCEEDED(set))
+        return;
+    const auto records = odbcRecords(SQL_HANDLE_DBC, m_connection);
+    const DatabaseError error = workError(records);
+    if (saysLost(records) || !looksAlive())
+        throw ConnectionLost(error.number, error.description);
+    throw error;
+}
+
+void OdbcSession::begin()
+{
+    setAutocommit(false);
+    m_inTransaction = true;
+}
+
+void OdbcSession::endTransaction(SQLSMALLINT how)
+{
+    if (!m_inTransaction)
+        return;
+    m_inTransaction = false;
+    m_isSpoiled = true; // until all is done
+    if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, m_connection, how))) {
+        const auto records = odbcRecords(SQL_HANDLE_DBC, m_connection);
+        const DatabaseError error = workError(records);
+        if (saysLost(records) || !looksAlive())
+            throw ConnectionLost(error.number, error.description);
+        throw error;
+    }
+    setAutocommit(true); // until then the driver keeps the next transaction open
+    m_isSpoiled = false;
+}
+
+bool OdbcSession::looksAlive()
+{
+    SQLUINTEGER dead = SQL_CD_FALSE;
+    SQLGetConnectAttr(m_connection, SQL_ATTR_CONNECTION_DEAD, &dead, 0, nullptr);
+    return dead != SQL_CD_TRUE;
+}
+
+bool OdbcSession::answers()
+{
+    try {
+        query("select 1", {}, BinaryColumns::left);
+        return true;
+    } catch (const DatabaseError&) {
+        return false;
+    }
+}
+
+bool OdbcSession::resetForReuse()
+{
+    try {
+        rollBack();
+        return !m_isSpoiled && looksAlive();
+    } catch (const DatabaseError&) {
+        return false;
+    }
+}
+
+void OdbcSession::cancel()
+{
+    const std::lock_guard lock(m_runningMutex);
+    if (m_running != SQL_NULL_HSTMT)
+        SQLCancel(m_running);
+}
+
+} // namespace selfreport

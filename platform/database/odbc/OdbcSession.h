@@ -1,0 +1,48 @@
+#pragma once
+#include "platform/database/odbc/odbc_string.h"
+#include "platform/database/odbc/OdbcStatement.h"
+#include "platform/database/Session.h"
+
+#include <mutex>
+#include <sql.h>
+
+namespace selfreport {
+
+/// A session on a server through the ODBC driver manager.
+class OdbcSession final : public Session {
+public:
+    /// @throws DatabaseError
+    explicit OdbcSession(const OdbcTarget& target);
+    ~OdbcSession() override;
+
+    std::int64_t execute(std::string_view sql, std::span<const SqlValue> values) override;
+    Recordset query(std::string_view sql, std::span<const SqlValue> values, BinaryColumns binaries) override;
+    std::vector<ProcedureResult> callProcedures(std::span<const ProcedureCall> calls) override;
+    void begin() override;
+    void commit() override { endTransaction(SQL_COMMIT); }
+    void rollBack() override { endTransaction(SQL_ROLLBACK); }
+    bool inTransaction() const override { return m_inTransaction; }
+    bool looksAlive() override;
+    bool answers() override;
+    bool resetForReuse() override;
+    void cancel() override;
+
+private:
+    class Running;
+
+    void connect(const OdbcTarget& target);
+    void setAutocommit(bool on);
+    void endTransaction(SQLSMALLINT how);
+    ProcedureResult callAlone(const ProcedureCall& call);
+    std::vector<std::optional<ProcedureResult>> callBatch(std::span<const ProcedureCall> calls);
+
+    SQLHENV m_environment = SQL_NULL_HENV;
+    SQLHDBC m_connection = SQL_NULL_HDBC;
+    int m_queryTimeout = 0;
+    bool m_inTransaction = false;
+    bool m_isSpoiled = false; ///< a transaction did not end cleanly: not for reuse
+    std::mutex m_runningMutex;
+    SQLHSTMT m_running = SQL_NULL_HSTMT; ///< what cancel() stops
+};
+
+} // namespace selfreport

@@ -1,0 +1,32 @@
+#pragma once
+#include "platform/database/DatabaseError.h"
+
+#include <span>
+#include <sql.h>
+#include <string>
+#include <vector>
+
+namespace selfreport {
+
+/// One record of what a driver says about a failure.
+struct OdbcRecord {
+    std::string state; ///< five letters
+    std::int32_t native = 0;
+    std::string text;
+};
+
+/// All records of a handle, first to last: the one that tells the cause is not always the first.
+std::vector<OdbcRecord> odbcRecords(SQLSMALLINT handleType, SQLHANDLE handle);
+
+/// The error of a failed opening: loginRejected only if a record says that name or password were refused and
+/// none that it was the database.
+DatabaseError openingError(std::span<const OdbcRecord> records);
+
+/// Whether the session is gone. The driver gives the loss a state of the warning class, so states alone
+/// mislead.
+bool saysLost(std::span<const OdbcRecord> records);
+
+/// The error of failed work; its number is the first native one.
+DatabaseError workError(std::span<const OdbcRecord> records);
+
+} // namespace selfreport

@@ -1,0 +1,22 @@
+#pragma once
+#include <string>
+
+namespace selfreport {
+
+struct ConnectionSettings;
+
+/// What is handed to the driver manager.
+struct OdbcTarget {
+    std::string connectionString; ///< holds the password: never shown
+    int loginTimeout = 15;        ///< seconds, at least 1
+    int queryTimeout = 0;         ///< seconds; 0 for no limit
+};
+
+/// Puts a server's connection settings into the words of the driver. Only keys that it knows go out, because
+/// it drops others without a word; text always travels as UTF-8 of protocol version 7.4.
+/// @throws DatabaseError for a protocol other than TCP, a port or time-out that is no number, and a value
+/// that the
+///   driver's string cannot hold
+OdbcTarget odbcTarget(const ConnectionSettings& settings);
+
+} // namespace selfreport

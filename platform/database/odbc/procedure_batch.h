@@ -1,0 +1,39 @@
+#pragma once
+#include "platform/database/ProcedureCall.h"
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace selfreport {
+
+/// Most calls that go out in one round trip.
+inline constexpr std::size_t mostCallsInBatch = 200;
+
+/// One statement text for many calls. After the rows of each call comes a row of its ordinal (from 0) and
+/// return value, by which its answer is known.
+std::string procedureBatch(std::span<const ProcedureCall> calls);
+
+/// Pairs the row sets of a batch with its calls as they arrive.
+class BatchAnswers {
+public:
+    explicit BatchAnswers(std::size_t calls)
+        : m_results(calls)
+    {
+    }
+
+    void add(Recordset rows);
+
+    /// What came since the last ordinal belongs to a call that failed.
+    void dropPending() { m_pending.reset(); }
+
+    /// One for each call; nothing for those that must be repeated alone: no ordinal came, or no return value.
+    std::vector<std::optional<ProcedureResult>> take() && { return std::move(m_results); }
+
+private:
+    std::vector<std::optional<ProcedureResult>> m_results;
+    std::optional<Recordset> m_pending;
+};
+
+} // namespace selfreport

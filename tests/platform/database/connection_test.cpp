@@ -1,0 +1,252 @@
+#include "platform/database/Connection.h"
+
+#include "platform/database/sql_text.h"
+#include "tests/platform/database/database_folder.h"
+
+#include <cstring>
+#include <fstream>
+#include <thread>
+
+namespace selfreport {
+namespace {
+
+using testing::DatabaseFolder;
+
+/// The error's description; "" if the work does not fail.
+template <typename Work>
+std::string failureOf(const Work& work)
+{
+    try {
+        work();
+        return "";
+    } catch (const DatabaseError& error) {
+        return error.description;
+    }
+}
+
+TEST(Connection, BadFilesAreNamedAndNothingIsCreated)
+{
+    const DatabaseFolder folder;
+    std::ofstream(folder.file("empty"));
+    std::ofstream(folder.file("text")) << std::string(5000, 'x');
+    std::ofstream(folder.file("short")) << "SQLite format 3";
+    std::filesystem::create_directory(folder.file("folder"));
+    for (const char* name : {"missing", "empty", "text", "short", "folder"}) {
+        try {
+            openConnection(folder.connectionString(name));
+            ADD_FAILURE() << name;
+        } catch (const DatabaseError& error) {
+            EXPECT_EQ(error.number, unspecifiedError);
+            EXPECT_NE(error.description.find(folder.file(name)), std::string::npos) << error.description;
+        }
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder.file("missing")));
+    EXPECT_EQ(std::filesystem::file_size(folder.file("empty")), 0U);
+    EXPECT_THROW(createDatabase(folder.file("text")), DatabaseError) << "never over another file";
+    EXPECT_THROW(createDatabase(folder.file("no/folder")), DatabaseError);
+    EXPECT_EQ(std::filesystem::file_size(folder.file("text")), 5000U);
+}
+
+TEST(Connection, ValuesComeBackAsTheyWereBound)
+{
+    const DatabaseFolder folder;
+    const auto connection = folder.create();
+    const SqlDateTime moment{2009, 12, 31, 8, 5, 9};
+    connection->execute("insert into tblCWSelfReport(noid,fname,fdate,fTop,fHeader) values(?,?,?,?,?)",
+                        {std::int64_t{7}, " O'Brien’s 报表 ", moment, 0.6, std::monostate()});
+    const Recordset rows = connection->query("select * from tblCWSelfReport where noid=?", {std::int64_t{7}});
+    EXPECT_EQ(rows.integer(0, "NOID"), 7);
+    EXPECT_EQ(rows.text(0, "fName"), " O'Brien’s 报表 ");
+    EXPECT_EQ(rows.text(0, "fdate"), "2009-12-31 08:05:09");
+    EXPECT_EQ(rows.text(0, "ftop"), "0.6");
+    EXPECT_TRUE(rows.isNull(0, "fheader"));
+    EXPECT_EQ(rows.text(0, "fheader"), "");
+    EXPECT_EQ(rows.number(0, "fheader"), 0);
+    EXPECT_THROW(rows.text(0, "nosuch"), DatabaseError);
+    EXPECT_THROW(rows.text(1, "noid"), DatabaseError);
+    EXPECT_THROW(rows.number(0, "fname"), DatabaseError);
+    EXPECT_THROW(connection->query("select ?", std::initializer_list<SqlValue>{}), DatabaseError);
+    EXPECT_THROW(connection->execute("update tblCWSelfReport set fTop=?", {"breit"}), DatabaseError);
+    EXPECT_EQ(connection->execute("update tblCWSelfReport set fTop='0.75'"), 1);
+    EXPECT_EQ(connection->query("select fTop from tblCWSelfReport").number(0, "fTop"), 0.75);
+}
+
+TEST(Connection, NumbersReadAsPlainText)
+{
+    struct Case {
+        double number;
+        const char* text;
+    };
+    for (const Case& c : {Case{0.1 + 0.2, "0.30000000000000004"},
+                          {100000, "100000"},
+                          {-1.5, "-1.5"},
+                          {-0.0, "0"},
+                          {123456789012345.5, "123456789012345.5"},
+                          {1e22, "1e+22"},
+                          {1e-7, "0.0000001"}})
+        EXPECT_EQ(numberText(c.number), c.text);
+}
+
+TEST(Connection, SixtyFourMebibytesTravelWhole)
+{
+    const DatabaseFolder folder;
+    const auto connection = folder.create();
+    std::vector<std::byte> content(64U << 20U);
+    for (std::size_t at = 0; at < content.size(); ++at)
+        content[at] = static_cast<std::byte>(at * 31 >> 3);
+    connection->execute("insert into tblCWSelfReport(noid,fFileContent) values(1,?)",
+                        {std::span<const std::byte>(content)});
+    connection->execute("insert into tblCWSelfReport(noid,fFileContent) values(2,?)",
+                        {std::span<const std::byte>()});
+    const char* sql = "select fFileContent from tblCWSelfReport order by noid";
+    const Recordset rows = connection->query(sql, BinaryColumns::fetched);
+    const auto read = rows.binary(0, "fFileContent");
+    ASSERT_EQ(read.size(), content.size());
+    EXPECT_EQ(std::memcmp(read.data(), content.data(), read.size()), 0);
+    EXPECT_FALSE(rows.isNull(1, "fFileContent"));
+    EXPECT_EQ(rows.binary(1, "fFileContent").size(), 0U);
+    const Recordset left = connection->query(sql);
+    EXPECT_FALSE(left.isNull(0, "fFileContent"));
+    EXPECT_THROW(left.binary(0, "fFileContent"), DatabaseError);
+}
+
+TEST(Connection, SessionsAreReusedInTheirFirstState)
+{
+    const DatabaseFolder folder;
+    createDatabase(folder.file());
+    const auto count = [&] {
+        return openConnection(folder.connectionString())->query("select * from tbluser").rowCount();
+    };
+    const DatabaseCounters before = databaseCounters();
+    {
+        const auto connection = openConnection(folder.connectionString());
+        connection->execute("create temp table left_behind(a)");
+        connection->begin();
+        connection->execute("insert into tbluser values('a','A')");
+        EXPECT_TRUE(connection->inTransaction());
+    } // given up in the middle
+    EXPECT_EQ(count(), 0U);
+    EXPECT_FALSE(openConnection(folder.connectionString())->inTransaction());
+    EXPECT_THROW(openConnection(folder.connectionString())->query("select * from left_behind"),
+                 DatabaseError);
+    const DatabaseCounters after = databaseCounters();
+    EXPECT_EQ(after.opens - before.opens, 4);
+    EXPECT_EQ(after.closes - before.closes, 4);
+    EXPECT_EQ(after.sessions - before.sessions, 2) << "the one with a temporary table is not kept";
+}
+
+TEST(Connection, ASessionWhoseFileWasReplacedIsReplacedUnseen)
+{
+    const DatabaseFolder folder;
+    folder.create("other")->execute("insert into tbluser values('new','N')");
+    folder.create()->execute("insert into tbluser values('old','O')");
+    const auto user = [&] {
+        return openConnection(folder.connectionString())
+            ->query("select fuserid from tbluser")
+            .text(0, "fuserid");
+    };
+    EXPECT_EQ(user(), "old");
+    std::filesystem::rename(folder.file("other"), folder.file());
+    EXPECT_EQ(user(), "new");
+    std::filesystem::remove(folder.file());
+    EXPECT_NE(failureOf(user).find(folder.file()), std::string::npos);
+}
+
+TEST(Connection, TransactionsEndWithTheirScope)
+{
+    const DatabaseFolder folder;
+    const auto connection = folder.create();
+    const auto users = [&] { return connection->query("select * from tbluser").rowCount(); };
+    {
+        const Transaction transaction(*connection);
+        connection->execute("insert into tbluser values('a','A')");
+        EXPECT_EQ(users(), 1U);
+    }
+    EXPECT_EQ(users(), 0U);
+    {
+        Transaction transaction(*connection);
+        connection->execute("insert into tbluser values('a','A')");
+        EXPECT_THROW(connection->execute("insert into tbluser values('A ','again')"), DatabaseError);
+        transaction.commit();
+    }
+    EXPECT_EQ(users(), 1U);
+}
+
+TEST(Connection, ARunningStatementCanBeCancelled)
+{
+    const DatabaseFolder folder;
+    const auto connection = folder.create();
+    std::jthread canceller([&](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            connection->cancel();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    });
+    EXPECT_THROW(connection->query(
+                     "with recursive r(n) as (select 1 union all select n+1 from r) select sum(n) from r"),
+                 DatabaseError);
+    canceller.request_stop();
+    canceller.join();
+    EXPECT_EQ(connection->query("select 1 as one").integer(0, "one"), 1);
+}
+
+TEST(Connection, TheModulesStatementsRun)
+{
+    const DatabaseFolder folder;
+    const auto connection = folder.create();
+    connection->execute("insert into tbluser(fuserid,fusername) values('wang','王会计')");
+    connection->execute(
+        "insert into tblCWSelfReport(noid,fname,fdate,fbillerid) values(7,'表',getdate(),'WANG')");
+    EXPECT_EQ(
+        connection->query("select isnull(max(noid),0) as noid1 from tblcwselfreport").integer(0, "NOID1"), 7);
+    const auto list =
+        connection->query("select a.*,b.fusername as fbilleridname from tblCWSelfReport  as a left outer "
+                          "join tbluser as b on a.fbillerid=b.fuserid order by a.noid ");
+    EXPECT_EQ(list.text(0, "fbilleridname"), "王会计") << "user ids compare without letter case";
+    EXPECT_EQ(connection->query("select isnull(fTop,0.6) as fTop from tblCWSelfReport where noid=7")
+                  .text(0, "ftop"),
+              "0.6");
+    EXPECT_EQ(connection->query("select * from tblSelfReportFieldKey order by noid").rowCount(), 14U);
+    EXPECT_EQ(connection->execute("delete from tblCWSelfReport where noid=7"), 1);
+    EXPECT_EQ(connection->execute("delete from tblsystemprivillenge where fnumber='RSelf7' "), 0);
+}
+
+TEST(ProcedureCall, LengthsCountInTheServersCodePage)
+{
+    struct Case {
+        const char* what;
+        std::string value;
+        bool fits;
+    };
+    const Case cases[] = {
+        {"ASCII", "0123456789", true},
+        {"one too many", "01234567890", false},
+        {"two bytes for a Chinese character", "一二三四五", true},
+        {"and a letter", "一二三四五a", false},
+        {"four bytes for a rare character", "𠀀𠀀ab", true},
+        {"rare and one more", "𠀀𠀀abc", false},
+        {"broken text", std::string(10, '\xFF'), true},
+        {"broken text too long", std::string(11, '\xFF'), false},
+    };
+    for (const Case& c : cases) {
+        ProcedureCall call{"sp_p", {}};
+        call.append("first", 5, "").append("fYear", 10, c.value);
+        const auto error = oversizedParameter(call);
+        EXPECT_EQ(!error, c.fits) << c.what;
+        if (error) {
+            EXPECT_NE(error->description.find("fYear"), std::string::npos);
+        }
+    }
+}
+
+TEST(SqlText, QuotesAndNames)
+{
+    EXPECT_EQ(sqlQuoted("O'Brien''s ＇’"), "O''Brien''''s ＇’");
+    for (const char* name : {"tblCustomer", "_x1", "客户表"})
+        EXPECT_TRUE(isPlainIdentifier(name)) << name;
+    for (const char* name : {"", "1a", "a b", "a;drop", "a'", "a.b", "[a]", "a-b"})
+        EXPECT_FALSE(isPlainIdentifier(name)) << name;
+}
+
+} // namespace
+} // namespace selfreport
