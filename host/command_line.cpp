@@ -8,19 +8,39 @@ namespace selfreport {
 
 namespace {
 
-constexpr auto examples = R"(示例:
+constexpr auto overview = R"(示例:
   selfreport demo demo.db
-      建立演示账套 demo.db,内有两年凭证和几张报表。
+      建立演示账套 demo.db,内有两年凭证和六张报表。
   selfreport list --db demo.db
-      列出账套中的报表: 编号、名称、保存人、保存时间。
+      列出账套中的报表。
   selfreport run 1 --db demo.db --pdf 资产负债表.pdf --csv 资产负债表.csv
       对账套取数并计算 1 号报表,写成 PDF 和 CSV。
-  selfreport run 1 --db "Provider=SQLOLEDB;Data Source=server,1433;Initial Catalog=cw;User ID=u;Password=p" --pdf a.pdf
-      同上,账套在 SQL Server 上。
+  selfreport run --help
+      显示一个命令的详细用法。
 
---db 接受连接串(key=value;…),也接受内置数据库的文件名。
 结果写到标准输出; 进度、取数诊断和错误写到标准错误。
 退出码: 0 成功; 1 失败,标准错误说明原因; 2 命令行有误。)";
+
+constexpr auto demoHelp = R"(示例:
+  selfreport demo demo.db
+      新建 demo.db; 文件已存在时不动它。
+  selfreport demo --overwrite demo.db
+      重新生成; 全部写好之后才替换原来的文件。)";
+
+constexpr auto listHelp = R"(每张报表一行,各列以制表符分隔。
+示例:
+  selfreport list --db demo.db)";
+
+constexpr auto runHelp = R"(不给 --pdf 和 --csv 时,CSV 写到标准输出。已有的文件在全部写好之后才被替换;
+失败时原样保留。取不到数的单元格逐个列在标准错误上。
+示例:
+  selfreport run 1 --db demo.db --pdf 资产负债表.pdf --csv 资产负债表.csv
+  selfreport run 1 --db "Provider=SQLOLEDB;Data Source=server,1433;Initial Catalog=cw;User ID=u;Password=p" --pdf a.pdf
+      账套在 SQL Server 上。)";
+
+constexpr auto checkHelp = R"(每行: 报表中的数、另行查询的数、是否一致、报表和项目。有不一致时退出码为 1。
+示例:
+  selfreport check --db demo.db)";
 
 /// The library's texts around ours, in Chinese.
 class ChineseFormatter : public CLI::Formatter {
@@ -45,8 +65,9 @@ public:
     }
     std::string make_subcommands(const CLI::App* app, CLI::AppFormatMode) const override
     {
-        std::string text = "\n命令:\n";
-        for (const CLI::App* command : app->get_subcommands({}))
+        const auto commands = app->get_subcommands({});
+        std::string text = commands.empty() ? "" : "\n命令:\n";
+        for (const CLI::App* command : commands)
             text += make_expanded_line(command->get_name(), command->get_description());
         return text;
     }
@@ -59,17 +80,33 @@ private:
     }
 };
 
-/// "a, b or c is missing" and the like come from the library in English; what is wrong stands first.
+/// What the library says in English, in Chinese; the names and values in its text stay.
+std::string reasonOf(const CLI::ParseError& error)
+{
+    const std::string text = error.what();
+    const std::string named = text.substr(text.find(": ") == std::string::npos ? 0 : text.find(": ") + 2);
+    if (dynamic_cast<const CLI::RequiredError*>(&error))
+        return "缺少 " + text.substr(0, text.find(" is required"));
+    if (dynamic_cast<const CLI::ConversionError*>(&error))
+        return "不是有效的值: " + named;
+    if (dynamic_cast<const CLI::ExtrasError*>(&error))
+        return "不认识: " + named;
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error))
+        return "要有且只有一个值: " + text.substr(0, text.find(':'));
+    return text;
+}
+
 int refusal(const CLI::App& app, const CLI::ParseError& error)
 {
-    std::cerr << "命令行有误: " << error.what() << "\n用 " << app.get_name() << " --help 查看用法。\n";
+    std::cerr << "命令行有误: " << reasonOf(error) << "\n用 " << app.get_name() << " --help 查看用法。\n";
     return 2;
 }
 
-CLI::App* addCommand(CLI::App& app, const char* name, const char* description)
+CLI::App* addCommand(CLI::App& app, const char* name, const char* description, const char* help)
 {
     CLI::App* command = app.add_subcommand(name, description);
     command->set_help_flag("-h,--help", "显示本命令的用法");
+    command->footer(help);
     return command;
 }
 
@@ -85,27 +122,27 @@ Command readCommandLine(int count, const char* const* arguments)
     CLI::App app("自定义财务报表", "selfreport");
     app.formatter(std::make_shared<ChineseFormatter>());
     app.set_help_flag("-h,--help", "显示用法");
-    app.footer(examples);
+    app.footer(overview);
     app.require_subcommand(0, 1);
 
     DemoCommand demo;
-    CLI::App* demoCommand = addCommand(app, "demo", "建立演示账套和报表");
+    CLI::App* demoCommand = addCommand(app, "demo", "建立演示账套和报表", demoHelp);
     demoCommand->add_option("FILE", demo.file, "新建的数据库文件")->required()->type_name("");
     demoCommand->add_flag("--overwrite", demo.replaces, "文件已存在时覆盖");
 
     ListCommand list;
-    CLI::App* listCommand = addCommand(app, "list", "列出报表: 编号、名称、保存人、保存时间");
+    CLI::App* listCommand = addCommand(app, "list", "列出报表: 编号、名称、保存人、保存时间", listHelp);
     addDatabase(listCommand, list.database);
 
     RunCommand run;
-    CLI::App* runCommand = addCommand(app, "run", "计算一张报表,写成 PDF 或 CSV");
+    CLI::App* runCommand = addCommand(app, "run", "计算一张报表,写成 PDF 或 CSV", runHelp);
     runCommand->add_option("ID", run.reportId, "报表编号,见 list")->required()->type_name("");
     addDatabase(runCommand, run.database);
     runCommand->add_option("--pdf", run.pdf, "写出 PDF (全部表页)")->type_name("FILE");
     runCommand->add_option("--csv", run.csv, "写出 CSV (全部表页,UTF-8)")->type_name("FILE");
 
     CheckCommand check;
-    CLI::App* checkCommand = addCommand(app, "check", "将演示报表的数据与另行查询的结果核对");
+    CLI::App* checkCommand = addCommand(app, "check", "将演示报表的数据与另行查询的结果核对", checkHelp);
     addDatabase(checkCommand, check.database);
 
     try {
