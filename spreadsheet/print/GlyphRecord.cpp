@@ -17,8 +17,8 @@ void GlyphRecord::draw(const QGlyphRun& run)
     for (const quint32 glyph : run.glyphIndexes()) {
         if (glyph >= face.drawn.size())
             face.drawn.resize(glyph + 1);
-        if (face.drawn[glyph])
-            continue;
+        if (glyph == 0 || face.drawn[glyph])
+            continue; // 0 is the sign for a missing character, which every PDF font has from the start
         face.drawn[glyph] = true;
         face.glyphs.push_back(glyph);
     }

@@ -76,6 +76,8 @@ std::vector<TextOverflow> CellTextPainter::draw()
 
 void CellTextPainter::drawCell(const PageCell& cell, const PageBox& box, const Room* neighbours)
 {
+    if (cell.style->type == CellType::button)
+        drawFrame(cell, QRectF(box.left, box.top, box.width, box.height).adjusted(20, 20, -20, -20));
     if (cell.style->type == CellType::checkBox && cell.text.isEmpty())
         drawCheckBox(cell, box);
     else if (!cell.text.isEmpty())
@@ -145,13 +147,18 @@ void CellTextPainter::drawTextFromPageBefore()
     drawText(before->cell, box, &room);
 }
 
+void CellTextPainter::drawFrame(const PageCell& cell, const QRectF& frame)
+{
+    m_painter.setPen(QPen(printColour(cell.style->foreground, 0x000000, m_inColour), 10));
+    m_painter.setBrush(Qt::NoBrush);
+    m_painter.drawRect(frame);
+}
+
 void CellTextPainter::drawCheckBox(const PageCell& cell, const PageBox& box)
 {
     const QRectF square(box.left + (box.width - checkBoxSize) / 2.0,
                         box.top + (box.height - checkBoxSize) / 2.0, checkBoxSize, checkBoxSize);
-    m_painter.setPen(QPen(printColour(cell.style->foreground, 0x000000, m_inColour), 10));
-    m_painter.setBrush(Qt::NoBrush);
-    m_painter.drawRect(square);
+    drawFrame(cell, square);
     if (!cell.isTrue)
         return;
     const QPointF tick[] = {square.topLeft() + QPointF(0.2, 0.5) * checkBoxSize,

@@ -4,6 +4,7 @@
 #include <vector>
 
 class QPainter;
+class QRectF;
 
 namespace spreadsheet {
 
@@ -44,6 +45,7 @@ private:
 
     void drawCell(const PageCell& cell, const PageBox& box, const Room* neighbours);
     void drawText(const PageCell& cell, const PageBox& box, const Room* neighbours);
+    void drawFrame(const PageCell& cell, const QRectF& frame);
     void drawCheckBox(const PageCell& cell, const PageBox& box);
     void drawTextFromPageBefore();
     Room roomOf(int row, int column) const;

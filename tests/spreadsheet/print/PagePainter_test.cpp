@@ -175,6 +175,33 @@ TEST_F(PagePainterTest, SpansShowTheirFirstCellAcrossTheWholeArea)
     EXPECT_EQ(edgeAbove(3, 3), 1) << "the first cell's border on the whole outline";
 }
 
+TEST_F(PagePainterTest, ASpanOverTwoPagesShowsItsTextOnBoth)
+{
+    sheet.addSpan({1, 1, 1, 30}); // 20 rows a page
+    sheet.setText({1, 1}, "目");
+    draw(1);
+    EXPECT_GT(inked(QRect(100, 390, 50, 20)), 20) << "middle of 20 rows";
+    draw(2);
+    EXPECT_GT(inked(QRect(100, 240, 50, 20)), 20) << "middle of 10 rows";
+}
+
+TEST_F(PagePainterTest, ARowHigherThanAPageGoesOn)
+{
+    std::string lines;
+    for (int line = 0; line < 40; ++line)
+        lines += "目\n";
+    sheet.setText({1, 1}, lines);
+    style({1, 1, 1, 1}, [](CellStyle& s) { s.vertical = VerticalAlignment::top; });
+    sheet.changeSettings([](SheetSettings& settings) { settings.rows.sizes[1] = 9000; });
+    draw(1);
+    EXPECT_FALSE(blank(1, 1));
+    EXPECT_FALSE(blank(1, 20));
+    draw(2);
+    EXPECT_FALSE(blank(1, 8)) << "40 lines of 216 twips end at 8640, 2640 of them here";
+    EXPECT_TRUE(blank(1, 10));
+    EXPECT_EQ(inked(QRect(0, 0, 800, 98)), 0) << "nothing above the page's area";
+}
+
 TEST_F(PagePainterTest, EdgesShowTheHeavierLineAndErasedOnesNone)
 {
     const auto bottom = [&](int column, LineStyle line) {

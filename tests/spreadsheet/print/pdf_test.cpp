@@ -123,6 +123,46 @@ INSTANTIATE_TEST_SUITE_P(Fonts, EveryCharacter,
                          testing::Values("Noto Sans CJK SC", "Noto Serif CJK SC", "WenQuanYi Zen Hei",
                                          "AR PL UMing CN", "Noto Sans Mono CJK SC"));
 
+TEST_F(PdfTest, EveryFamilyInEveryLookIsSearchable)
+{
+    const QString text = "科目月日金门1,234.50";
+    int row = 0;
+    for (const QString& family : QFontDatabase::families())
+        for (int look = 0; look < 4; ++look) {
+            sheet.setText({1, ++row}, text.toStdString());
+            sheet.restyle({1, row, 1, row}, [&](CellStyle& style) {
+                style.font.family = Text(family.toStdString());
+                style.font.bold = look & 1;
+                style.font.italic = look & 2;
+            });
+        }
+    sheet.changeSettings([](SheetSettings& settings) { settings.columns.sizes[1] = 5000; });
+    write();
+    EXPECT_EQ(withoutBlanks(textOf(path())), text.repeated(row));
+}
+
+TEST_F(PdfTest, ScriptsThatAreShapedKeepTheirText)
+{
+    const char* texts[] = {"Société Générale", "Zu\u0308rich", "Налоги", "가격", "価格カ", "①㈱℃㎡"};
+    int row = 0;
+    for (const char* text : texts)
+        sheet.setText({1, ++row}, text);
+    sheet.changeSettings([](SheetSettings& settings) { settings.columns.sizes[1] = 5000; });
+    write();
+    const QString found = textOf(path());
+    for (const char* text : texts)
+        EXPECT_TRUE(found.contains(text)) << text << " in " << found.toStdString();
+}
+
+TEST_F(PdfTest, CharactersThatNoFontHasHarmNoOthers)
+{
+    sheet.setText({1, 1}, "科ร目ค日"); // Thai letters are in none of the usual CJK fonts
+    write();
+    QString found = withoutBlanks(textOf(path()));
+    found.removeIf([](QChar c) { return c.script() == QChar::Script_Thai; });
+    EXPECT_EQ(found, "科目日");
+}
+
 TEST_F(PdfTest, HeaderFooterHeadingsAndRareCharactersAreSearchable)
 {
     sheet.setText({1, 1}, "科目 日月金 𠮷野 office");
