@@ -19,13 +19,12 @@ namespace selfreport::test {
 class TestLedger {
 public:
     TestLedger()
-        : m_file(std::filesystem::temp_directory_path()
-                 / ("ledger-" + std::to_string(::getpid()) + "-" + std::to_string(++s_count) + ".db"))
+        : m_file(freshFile())
         , m_inUse(boxes)
     {
-        std::filesystem::remove(m_file);
-        createDatabase(m_file.string());
-        fill();
+        // Filled once: making the tables takes longer than most tests.
+        static const Template filled;
+        std::filesystem::copy_file(filled.file, m_file, std::filesystem::copy_options::overwrite_existing);
         gConnString = connectionString();
         gTitle = "测试账套";
         gLoginUserId = "wang";
@@ -39,7 +38,7 @@ public:
     TestLedger(const TestLedger&) = delete;
     TestLedger& operator=(const TestLedger&) = delete;
 
-    std::string connectionString() const { return "Provider=SQLite;Data Source=" + m_file.string(); }
+    std::string connectionString() const { return connectionTo(m_file); }
     std::string file() const { return m_file.string(); }
 
     void run(const std::string& sql) const { openConnection(connectionString())->execute(sql); }
@@ -58,13 +57,36 @@ public:
     RecordingDialogs boxes;
 
 private:
-    void fill() const
+    static std::filesystem::path freshFile()
     {
-        const auto connection = openConnection(connectionString());
+        return std::filesystem::temp_directory_path() /
+               ("ledger-" + std::to_string(::getpid()) + "-" + std::to_string(++s_count) + ".db");
+    }
+    static std::string connectionTo(const std::filesystem::path& file)
+    {
+        return "Provider=SQLite;Data Source=" + file.string();
+    }
+
+    struct Template {
+        Template()
+            : file(freshFile())
+        {
+            createDatabase(file.string());
+            const auto connection = openConnection(connectionTo(file));
+            Transaction transaction(*connection);
+            fill(connection.get());
+            transaction.commit();
+        }
+        ~Template() { std::filesystem::remove(file); }
+        std::filesystem::path file;
+    };
+
+    static void fill(Connection* connection)
+    {
         for (const char* row : {"1,'1001','库存现金',1", "2,'1002','银行存款',1", "3,'1122','应收账款',1",
                                 "4,'2001','短期借款',-1"})
-            connection->execute(std::string("insert into tblAccount(fitemid,fNumber,fName,fDirection) values(")
-                                + row + ")");
+            connection->execute(
+                std::string("insert into tblAccount(fitemid,fNumber,fName,fDirection) values(") + row + ")");
         connection->execute("insert into tblCurrency values(1,'RMB','人民币')");
         connection->execute("insert into tblItemClass values(1,'客户','tblCustomer')");
         connection->execute("insert into tblItemClass values(2,'部门','tblDepartment')");
@@ -74,33 +96,22 @@ private:
         connection->execute("insert into tblDepartment values(21,'01','销售部')");
         connection->execute("insert into tblItemDetailV values(101,1,11)");
         connection->execute("insert into tblItemDetailV values(102,1,12)");
-        // account, item combination, opening of period 1, movement of each period (debit-positive)
-        for (const char* row :
-             {"1,0,50.25,25", "2,0,1000.5,500", "3,0,200,50", "3,101,100,10", "3,102,100,40", "4,0,-700,0"})
-            addBalances(*connection, row);
-    }
-
-    static void addBalances(Connection& connection, const std::string& row)
-    {
-        for (const char* period : {"1", "2"})
-            connection.execute(
-                std::string("insert into tblAccountBal(faccountid,fDetailId,fYear,fPeriod,fCurrencyid,fBeginBal,"
-                            "fDebit,fYtdDebit,fEndBal) ")
-                + "select a,d,2025,p,1,b+m*(p-1),m,m*p,b+m*p from (select " + columns(row) + "," + period
-                + " as p) as t");
-    }
-
-    /// "1,0,50.25,25" as "1 as a,0 as d,50.25 as b,25 as m"
-    static std::string columns(const std::string& row)
-    {
-        std::string text;
-        const char* name = "adbm";
-        for (const char c : row) {
-            if (c == ',')
-                text += std::string(" as ") + *name++;
-            text += c;
-        }
-        return text + " as " + *name;
+        struct Row {
+            std::int64_t account, combination;
+            double opening, movement; // of period 1 and of each period, debit-positive
+        };
+        for (const Row& row : {Row{1, 0, 50.25, 25}, Row{2, 0, 1000.5, 500}, Row{3, 0, 200, 50},
+                               Row{3, 101, 100, 10}, Row{3, 102, 100, 40}, Row{4, 0, -700, 0}})
+            for (const std::int64_t period : {1, 2}) {
+                const double opening = row.opening + row.movement * static_cast<double>(period - 1);
+                const double closing = opening + row.movement;
+                connection->execute(
+                    "insert into tblAccountBal(faccountid,fDetailId,fYear,fPeriod,fCurrencyid,"
+                    "fBeginBalFor,fBeginBal,fDebitFor,fDebit,fEndBalFor,fEndBal) "
+                    "values(?,?,2025,?,1,?,?,?,?,?,?)",
+                    {row.account, row.combination, period, opening, opening, row.movement, row.movement,
+                     closing, closing});
+            }
     }
 
     std::filesystem::path m_file;

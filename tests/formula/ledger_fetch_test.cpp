@@ -38,7 +38,7 @@ const std::vector<Expected>& fetches()
         {"table that is no plain name", closing("1122|坏表|001"), 300},
         {"year with blanks", {"1001", "2", "", " 2025 ", " 1 ", " 2 "}, 100.25},
         {"nothing given means latest year and last period", {"1001", "2", "", "", "", ""}, 100.25},
-        {"currency", {"1001", "3", "RMB", "2025", "1", "2"}, 0},
+        {"currency", {"1001", "3", "RMB", "2025", "1", "2"}, 50},
         {"unknown account", closing("9999"), std::nullopt},
         {"unknown type", closing("1001", "99"), std::nullopt},
         {"unknown currency", {"1001", "2", "XXX", "2025", "1", "2"}, std::nullopt},
@@ -150,7 +150,8 @@ TEST(LedgerFetch, SumOfTheRowsThatCanBeRead)
     noRows.returnValue = 1;
     const Case cases[] = {
         {"null adds nothing", resultOf(1, {10.0, 2.5, std::monostate()}), 12.5},
-        {"texts by their prefix", resultOf(1, {std::string(" 3.5x"), std::string("abc"), std::int64_t{4}}), 7.5},
+        {"texts by their prefix", resultOf(1, {std::string(" 3.5x"), std::string("abc"), std::int64_t{4}}),
+         7.5},
         {"rows without the column add nothing", resultOf(1, {1.0}, "g"), 0},
         {"no row", resultOf(1, {}), std::nullopt},
         {"return value 0", resultOf(0, {1.0}), std::nullopt},

@@ -1,5 +1,7 @@
 #include "formula/inter_report_fetch.h"
 
+#include "tests/golden_texts.h"
+
 #include <gtest/gtest.h>
 
 namespace selfreport {
@@ -39,6 +41,13 @@ TEST(ReferencedCell, SortsCharactersIntoColumnAndRow)
         EXPECT_EQ(cell.row, c.row) << c.name;
         EXPECT_EQ(cell.columnIsNamed, c.columnIsNamed) << c.name;
     }
+}
+
+TEST(ReferencedReport, IsFoundByItsName)
+{
+    const test::GoldenTexts golden("sql_texts.golden");
+    EXPECT_EQ(reportByNameStatement("资产负债表"), golden["report by name"]);
+    EXPECT_EQ(reportByNameStatement("甲'表’＇"), "select * from tblCWSelfReport where fname='甲''表’＇'");
 }
 
 } // namespace
