@@ -56,6 +56,7 @@ protected:
     AcctProcedureTest()
         : m_connection(m_folder.create())
     {
+        Transaction transaction(*m_connection);
         for (const char* sql : {
                  "insert into tblAccount values(1,'1001','库存现金',0,1,0,1)",
                  "insert into tblAccount values(2,'100101','人民币',1,2,1,1)",
@@ -82,6 +83,7 @@ protected:
         fillCash();
         fillReceivables();
         fillOthers();
+        transaction.commit();
     }
 
     // account, combination, year, period, currency, then opening, debit, credit, year to date, closing;
