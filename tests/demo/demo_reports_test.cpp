@@ -1,0 +1,79 @@
+#include "demo/demo_reports.h"
+
+#include "component/report_run.h"
+#include "component/state/shared_state.h"
+#include "demo/demo_check.h"
+#include "demo/labelled_cell.h"
+#include "demo/ledger/demo_ledger.h"
+#include "platform/database/Connection.h"
+
+#include <cmath>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace selfreport {
+namespace {
+
+/// The demo ledger with its reports, made once for all tests.
+class DemoReports : public testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        s_file = std::filesystem::temp_directory_path() / ("demo-" + std::to_string(::getpid()) + ".db");
+        createDemoLedger(s_file.string());
+        storeDemoReports(connectionString());
+    }
+    static void TearDownTestSuite()
+    {
+        closeIdleSessions();
+        std::filesystem::remove(s_file);
+    }
+    static std::string connectionString() { return "Provider=SQLite;Data Source=" + s_file.string(); }
+
+    static inline std::filesystem::path s_file;
+};
+
+TEST_F(DemoReports, FiguresAgreeWithSeparateQueries)
+{
+    const std::vector<DemoFigure> figures = demoFigures(connectionString());
+    EXPECT_GT(figures.size(), 10U);
+    for (const DemoFigure& figure : figures) {
+        EXPECT_TRUE(figure.agrees()) << figure.report << " " << figure.figure << ": " << figure.shown << ", "
+                                     << figure.queried;
+        EXPECT_GT(std::abs(figure.queried), 1)
+            << figure.report << " " << figure.figure; // nothing at all agrees too
+    }
+}
+
+TEST_F(DemoReports, StoredInOrderAndWithoutErrors)
+{
+    const char* const names[] = {"资产负债表",         "利润表",         "部门费用明细表",
+                                 "应收账款客户分析表", "商品数量金额表", "财务摘要"};
+    const std::vector<ListedReport> reports = listReports(connectionString());
+    ASSERT_EQ(reports.size(), std::size(names));
+    for (std::size_t i = 0; i < std::size(names); ++i) {
+        EXPECT_EQ(reports[i].name, names[i]);
+        EXPECT_EQ(reports[i].savedBy, "系统管理员");
+        const ReportRun run = runReport(connectionString(), reports[i].id);
+        for (int index = 1; index <= run.workbook->sheetCount(); ++index)
+            EXPECT_EQ(sheetCsv(run.workbook->sheet(index)).find('#'), std::string::npos) << names[i];
+        EXPECT_NE(run.workbook->sheet(1).settings().print.footer.find("/p"), std::string::npos);
+    }
+}
+
+TEST_F(DemoReports, BalanceSheetBalancesAndSharingChangesNothing)
+{
+    const ReportRun shared = runReport(connectionString(), 1);
+    RunOptions single;
+    single.fetchesShared = false;
+    const ReportRun alone = runReport(connectionString(), 1, single);
+    const spreadsheet::Sheet& sheet = shared.workbook->sheet(1);
+    EXPECT_EQ(sheetCsv(sheet), sheetCsv(alone.workbook->sheet(1)));
+    for (const int column : {2, 3})
+        EXPECT_EQ(sheet.displayText(demo::cellBeside(sheet, "资产总计", column)),
+                  sheet.displayText(demo::cellBeside(sheet, "负债和所有者权益总计", column)));
+}
+
+} // namespace
+} // namespace selfreport
