@@ -1,8 +1,7 @@
 #include "platform/database/sqlite/acct_sql.h"
 
 #include "platform/database/DatabaseError.h"
-#include "platform/database/sql_text.h"
-#include "platform/database/sqlite/sql_tokens.h"
+#include "platform/database/sqlite/HandedText.h"
 #include "platform/database/sqlite/tsql_rewriter.h"
 
 #include <algorithm>
@@ -11,207 +10,6 @@
 namespace selfreport {
 
 namespace {
-
-using Tokens = std::vector<SqlToken>;
-
-struct TokenRange {
-    std::size_t begin, end; // token places, end behind the last
-};
-
-bool isAliasUse(const Tokens& tokens, std::size_t at, std::string_view alias)
-{
-    return at + 1 < tokens.size() && tokens[at].isName(alias) && tokens[at + 1].isSymbol(".");
-}
-
-bool uses(const Tokens& tokens, TokenRange range, std::string_view alias)
-{
-    for (std::size_t at = range.begin; at < range.end; ++at)
-        if (isAliasUse(tokens, at, alias))
-            return true;
-    return false;
-}
-
-/// The handed text, taken apart and changed piece by piece.
-class HandedText {
-public:
-    explicit HandedText(std::string_view text)
-        : m_text(text)
-        , m_tokens(sqlTokens(text))
-    {
-        if (m_tokens.empty() || !m_tokens.front().isName("from"))
-            throw DatabaseError(unspecifiedError, "取数条件不是 from 子句");
-        m_where = nextOutside("where", 0);
-        if (m_where == m_tokens.size())
-            throw DatabaseError(unspecifiedError, "取数条件没有 where 子句");
-    }
-
-    bool joinsItems() const { return !joinOf("c").spelling.empty(); }
-
-    /// " from ... where (...)" with item conditions per combination and without joins that nothing reads.
-    std::string changed(std::string_view amountColumn)
-    {
-        SqlEdits edits;
-        std::vector<std::string_view> kept{amountColumn.substr(0, amountColumn.find('.'))};
-        if (replaceItemConditions(edits))
-            kept.push_back("c");
-        for (const Join& join : joins())
-            if (!isNeeded(join, kept))
-                edits.replace(m_tokens[join.range.begin].begin, m_tokens[join.range.end].begin, "");
-        beginWithAccounts(edits);
-        edits.insert(m_tokens[m_where].end(), " (");
-        return edits.applied(m_text) + ")";
-    }
-
-    /// The conditions on the account alone, for another alias: "(p.fNumber>='1001' and ...)". Empty if every
-    /// account matches, or if the only condition is one code, which no parent shares.
-    std::string accountConditions(std::string_view alias, bool& atMostOne) const
-    {
-        std::string conditions;
-        std::size_t count = 0;
-        bool equality = false;
-        for (const TokenRange& term : whereTerms()) {
-            if (!uses(m_tokens, term, "b") || uses(m_tokens, term, "a") || uses(m_tokens, term, "c"))
-                continue;
-            conditions += " and " + withAlias(term, alias);
-            ++count;
-            equality = isCodeEquality(term);
-        }
-        atMostOne = count == 1 && equality;
-        return conditions;
-    }
-
-private:
-    struct Join {
-        std::string_view spelling; ///< of the alias
-        TokenRange range;
-    };
-
-    /// Place of the next such word outside brackets, from `at` on.
-    std::size_t nextOutside(std::string_view word, std::size_t at) const
-    {
-        for (; at < m_tokens.size(); ++at) {
-            if (m_tokens[at].isSymbol("("))
-                at = closingBracket(m_tokens, at);
-            if (at < m_tokens.size() && m_tokens[at].isName(word))
-                return at;
-        }
-        return m_tokens.size();
-    }
-
-    std::vector<Join> joins() const
-    {
-        std::vector<Join> joins;
-        for (std::size_t at = nextOutside("left", 0); at < m_where;) {
-            const std::size_t next = std::min(nextOutside("left", at + 1), m_where);
-            const std::size_t as = nextOutside("as", at);
-            joins.push_back({as + 1 < next ? m_tokens[as + 1].spelling : "", {at, next}});
-            at = next;
-        }
-        return joins;
-    }
-
-    Join joinOf(std::string_view alias) const
-    {
-        for (const Join& join : joins())
-            if (sameName(join.spelling, alias))
-                return join;
-        return {};
-    }
-
-    /// Balances are found through their accounts, of which there are few: the order is forced, because
-    /// without statistics the library may scan the whole ledger instead.
-    void beginWithAccounts(SqlEdits& edits) const
-    {
-        const Join accounts = joinOf("b");
-        if (accounts.range.begin == 0)
-            throw DatabaseError(unspecifiedError, "取数条件没有科目表");
-        const std::size_t on = nextOutside("on", accounts.range.begin);
-        if (on + 1 >= accounts.range.end || accounts.range.begin != 4)
-            throw DatabaseError(unspecifiedError, "取数条件不以余额表和科目表开始");
-        const auto pieces = [&](std::size_t begin, std::size_t end) {
-            return std::string(
-                m_text.substr(m_tokens[begin].begin, m_tokens[end].end() - m_tokens[begin].begin));
-        };
-        edits.replace(m_tokens[1].begin, m_tokens[on - 1].end(),
-                      pieces(on - 3, on - 1) + " cross join " + pieces(1, 3));
-    }
-
-    bool isNeeded(const Join& join, const std::vector<std::string_view>& kept) const
-    {
-        const auto isAlias = [&](std::string_view alias) { return sameName(alias, join.spelling); };
-        if (std::ranges::any_of(kept, isAlias) || isAlias("b"))
-            return true;
-        if (isAlias("c")) // its conditions were looked at before
-            return false;
-        return uses(m_tokens, {0, join.range.begin}, join.spelling) ||
-               uses(m_tokens, {join.range.end, m_tokens.size()}, join.spelling);
-    }
-
-    /// Makes "c.fitemid in (...)" a condition on the whole combination. True if other uses of c remain.
-    bool replaceItemConditions(SqlEdits& edits) const
-    {
-        bool others = false;
-        for (std::size_t at = m_where; at < m_tokens.size(); ++at) {
-            if (!isAliasUse(m_tokens, at, "c"))
-                continue;
-            const bool condition = at + 4 < m_tokens.size() && m_tokens[at + 2].isName("fitemid") &&
-                                   m_tokens[at + 3].isName("in") && m_tokens[at + 4].isSymbol("(");
-            const std::size_t close = condition ? closingBracket(m_tokens, at + 4) : m_tokens.size();
-            if (close == m_tokens.size()) {
-                others = true;
-                continue;
-            }
-            edits.replace(m_tokens[at].begin, m_tokens[at + 3].end(),
-                          "a.fDetailId in (select fdetailId from tblItemDetailV where fitemid in");
-            edits.insert(m_tokens[close].end(), ")");
-        }
-        return others;
-    }
-
-    /// What "and" joins after "where". Nothing if an "or" stands among it.
-    std::vector<TokenRange> whereTerms() const
-    {
-        std::vector<TokenRange> terms;
-        if (nextOutside("or", m_where) != m_tokens.size())
-            return terms;
-        for (std::size_t at = m_where + 1; at < m_tokens.size();) {
-            const std::size_t end = nextOutside("and", at);
-            terms.push_back({at, end});
-            at = end + 1;
-        }
-        return terms;
-    }
-
-    std::string withAlias(TokenRange range, std::string_view alias) const
-    {
-        SqlEdits edits;
-        const std::size_t begin = m_tokens[range.begin].begin;
-        for (std::size_t at = range.begin; at < range.end; ++at)
-            if (isAliasUse(m_tokens, at, "b"))
-                edits.replace(m_tokens[at].begin - begin, m_tokens[at].end() - begin, std::string(alias));
-        return edits.applied(m_text.substr(begin, m_tokens[range.end - 1].end() - begin));
-    }
-
-    /// "(b.fNumber='...')" or "(b.fNumber=?1)"
-    bool isCodeEquality(TokenRange range) const
-    {
-        const auto name = [&](std::size_t at, std::string_view word) {
-            return m_tokens[range.begin + at].isName(word);
-        };
-        const auto symbol = [&](std::size_t at, std::string_view sign) {
-            return m_tokens[range.begin + at].isSymbol(sign);
-        };
-        const std::size_t length = range.end - range.begin;
-        const bool comparesCode = length >= 7 && symbol(0, "(") && name(1, "b") && symbol(2, ".") &&
-                                  name(3, "fNumber") && symbol(4, "=");
-        return comparesCode && ((length == 7 && m_tokens[range.begin + 5].kind == SqlToken::Kind::text) ||
-                                (length == 8 && symbol(5, "?")));
-    }
-
-    std::string_view m_text;
-    Tokens m_tokens;
-    std::size_t m_where = 0;
-};
 
 std::string periodCondition(const AcctSelection& selection)
 {
@@ -235,12 +33,19 @@ std::string selectionConditions(const HandedText& handed, const AcctSelection& s
     conditions += " and a.fYear=" + selection.year + periodCondition(selection);
     if (!selection.currency.empty())
         conditions += " and a.fCurrencyid=" + selection.currency;
-    bool atMostOne = false;
-    const std::string matched = handed.accountConditions("p", atMostOne);
-    if (!atMostOne)
-        conditions +=
-            " and not exists(select 1 from tblAccount as p where p.fitemid=b.fParentId" + matched + ")";
+    if (!handed.namesOneAccount())
+        conditions += " and not exists(select 1 from tblAccount as p where p.fitemid=b.fParentId" +
+                      handed.accountConditions("p") + ")";
     return conditions;
+}
+
+/// Whether a literal's N stands at the end, and not the last letter of a word.
+bool endsWithPrefix(std::string_view shape)
+{
+    if (!shape.ends_with('N') && !shape.ends_with('n'))
+        return false;
+    shape.remove_suffix(1);
+    return shape.empty() || std::string_view(" =<>(,").find(shape.back()) != std::string_view::npos;
 }
 
 } // namespace
@@ -249,7 +54,7 @@ std::string acctSql(std::string_view fromAndWhere, const AcctSelection& selectio
 {
     const AcctKind& kind = *selection.kind;
     const std::string amount(selection.currency.empty() ? kind.column : kind.original);
-    HandedText handed(fromAndWhere);
+    const HandedText handed(fromAndWhere);
     const std::string rows = toEmbeddedSql(handed.changed(amount) + selectionConditions(handed, selection));
     // Four decimals hold every amount and quantity and take the noise of binary sums away.
     if (kind.side == AcctSide::both) {
@@ -281,6 +86,8 @@ LiftedSql liftTexts(std::string_view sql)
                 break;
             text += '\''; // doubled
         }
+        if (endsWithPrefix(lifted.shape))
+            lifted.shape.pop_back();
         lifted.texts.push_back(std::move(text));
         lifted.shape += "?" + std::to_string(lifted.texts.size());
     }

@@ -17,7 +17,6 @@ constexpr std::uint32_t letterClass = 3U << 24;
 constexpr std::uint32_t chineseClass = 4U << 24;
 constexpr std::uint32_t brokenClass = 5U << 24; // bytes that are no UTF-8
 constexpr std::uint32_t otherClass = 6U << 24;  // U+10FFFF, the last of all, bounds the ranges of patterns
-constexpr std::uint32_t blankWeight = 1;
 constexpr std::uint32_t endWeight = 0;
 
 constexpr std::uint32_t asciiWeight(char32_t character)
@@ -102,7 +101,8 @@ std::uint32_t beyondAscii(std::string_view text, std::size_t& at)
     return wideWeight(static_cast<char32_t>(character));
 }
 
-/// Weight of the character at `at`, which moves behind it; endWeight at the end.
+} // namespace
+
 std::uint32_t nextWeight(std::string_view text, std::size_t& at)
 {
     if (at >= text.size())
@@ -122,8 +122,6 @@ bool onlyBlanksFrom(std::string_view text, std::size_t at)
             return false;
     return true;
 }
-
-} // namespace
 
 int compareChinese(std::string_view left, std::string_view right)
 {
@@ -147,106 +145,6 @@ int compareChinese(std::string_view left, std::string_view right)
         if (ofLeft == ofRight)
             return 0;
         return ofLeft < ofRight ? -1 : 1;
-    }
-}
-
-namespace {
-
-/// Characters of a pattern with the weights that they compare by.
-struct PatternReader {
-    std::string_view text;
-    std::size_t at = 0;
-
-    bool atEnd() const { return at >= text.size(); }
-
-    /// The wildcard character here if it is one of ASCII, else 0. Full-width signs are no wildcards.
-    char peek() const { return static_cast<unsigned char>(text[at]) < 128 ? text[at] : '\0'; }
-
-    std::uint32_t weight() { return nextWeight(text, at); }
-};
-
-} // namespace
-
-LikePattern::LikePattern(std::string_view pattern, char32_t escape)
-{
-    PatternReader reader{pattern};
-    while (!reader.atEnd()) {
-        const char sign = reader.peek();
-        if (escape != 0 && static_cast<char32_t>(sign) == escape) {
-            reader.weight();
-            if (!reader.atEnd())
-                m_elements.push_back({Element::Kind::literal, reader.weight(), false, {}});
-            continue;
-        }
-        if (sign == '%' || sign == '_') {
-            m_elements.push_back({sign == '%' ? Element::Kind::many : Element::Kind::one, 0, false, {}});
-            reader.weight();
-            continue;
-        }
-        if (sign != '[') {
-            m_elements.push_back({Element::Kind::literal, reader.weight(), false, {}});
-            continue;
-        }
-        reader.weight();
-        Element set{Element::Kind::set, 0, false, {}};
-        set.negated = !reader.atEnd() && reader.peek() == '^';
-        if (set.negated)
-            reader.weight();
-        while (!reader.atEnd() && reader.peek() != ']') {
-            const std::uint32_t first = reader.weight();
-            std::uint32_t last = first;
-            const bool isRange =
-                reader.at + 1 < pattern.size() && reader.peek() == '-' && pattern[reader.at + 1] != ']';
-            if (isRange) {
-                reader.weight();
-                last = reader.weight();
-            }
-            set.ranges.push_back({first, last});
-        }
-        if (reader.atEnd())
-            m_matchesNothing = true;
-        reader.weight();
-        m_elements.push_back(std::move(set));
-    }
-}
-
-bool LikePattern::accepts(const Element& element, std::uint32_t weight)
-{
-    if (element.kind == Element::Kind::one)
-        return true;
-    if (element.kind == Element::Kind::literal)
-        return element.weight == weight;
-    const bool listed = std::ranges::any_of(
-        element.ranges, [&](const Range& range) { return range.first <= weight && weight <= range.last; });
-    return listed != element.negated;
-}
-
-bool LikePattern::matches(std::string_view text) const
-{
-    if (m_matchesNothing)
-        return false;
-    std::size_t at = 0;
-    std::size_t element = 0;
-    std::size_t lastMany = m_elements.size(); // the last "%" passed, and where the text stood then
-    std::size_t retry = 0;
-    for (;;) {
-        if (element == m_elements.size() && onlyBlanksFrom(text, at))
-            return true;
-        if (element < m_elements.size() && m_elements[element].kind == Element::Kind::many) {
-            lastMany = element++;
-            retry = at;
-            continue;
-        }
-        if (at < text.size() && element < m_elements.size() &&
-            accepts(m_elements[element], nextWeight(text, at))) {
-            ++element;
-            continue;
-        }
-        if (lastMany == m_elements.size() || retry >= text.size())
-            return false;
-        nextWeight(text, retry); // let "%" take one character more
-        at = retry;
-        element = lastMany + 1;
     }
 }
 

@@ -1,8 +1,7 @@
 #pragma once
-#include <compare>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
-#include <vector>
 
 namespace selfreport {
 
@@ -12,30 +11,12 @@ namespace selfreport {
 /// program but the GBK table, because indexes are kept in it.
 int compareChinese(std::string_view left, std::string_view right);
 
-/// A pattern of `like`, ready for many texts: "%" any run of characters, "_" one character, "[a-f0]" one of a
-/// set, "[^...]" one outside it; everything else stands for itself, compared as by compareChinese().
-/// Trailing blanks of the text count only where the pattern asks for them.
-class LikePattern {
-public:
-    /// @param escape  the character that takes the next one literally; 0 for none
-    explicit LikePattern(std::string_view pattern, char32_t escape = 0);
+/// Weight of the character at byte `at`, which moves behind it; 0 at the end. Characters that compare equal
+/// have equal weights, others the order of theirs. Blanks, full-width ones too, weigh `blankWeight`.
+std::uint32_t nextWeight(std::string_view text, std::size_t& at);
+inline constexpr std::uint32_t blankWeight = 1;
 
-    bool matches(std::string_view text) const;
-
-private:
-    struct Range {
-        std::uint32_t first, last;
-    };
-    struct Element {
-        enum class Kind { literal, one, many, set } kind;
-        std::uint32_t weight = 0;
-        bool negated = false;
-        std::vector<Range> ranges;
-    };
-    static bool accepts(const Element& element, std::uint32_t weight);
-
-    std::vector<Element> m_elements;
-    bool m_matchesNothing = false; ///< a set that never ends
-};
+/// Whether nothing but blanks stands from byte `at` to the end.
+bool onlyBlanksFrom(std::string_view text, std::size_t at);
 
 } // namespace selfreport

@@ -2,6 +2,7 @@
 
 #include "platform/database/DatabaseError.h"
 #include "platform/database/sqlite/chinese_collation.h"
+#include "platform/database/sqlite/LikePattern.h"
 #include "platform/database/SqlValue.h"
 
 #include <algorithm>

@@ -270,6 +270,7 @@ TEST_F(AcctProcedureTest, LiftedStatementsGiveWhatTheFinalTextGives)
         acctCall(account("1001"), "2", "USD", "2009", "1", "2"),
         acctCall(account("1001' or '1'='1"), "2"),
         acctCall(account("10''01"), "2"),
+        acctCall(from + allRows + " and (b.fNumber=N'1001')", "2"),
         acctCall(items("", customer("fNumber like '0%'")), "3", "", "2009", "1", "2"),
     };
     for (const ProcedureCall& call : calls) {

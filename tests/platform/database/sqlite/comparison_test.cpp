@@ -1,5 +1,6 @@
 #include "platform/database/sqlite/chinese_collation.h"
 
+#include "platform/database/sqlite/LikePattern.h"
 #include "tests/platform/database/database_folder.h"
 
 #include <array>
