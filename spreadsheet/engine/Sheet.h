@@ -108,6 +108,8 @@ private:
     void putFormula(const CellRange& range, std::uint32_t formula);
     /// Takes the array formula away that a cell belongs to; its cells keep their values.
     void dissolveArray(CellAddress cell);
+    /// Forgets array formulas that lie within cells about to be overwritten.
+    void dropArrays(const CellRange& range);
     CellAddress formulaBase(CellAddress cell, std::uint32_t formula) const;
     void noteChanged(const CellRange& range);
 

@@ -106,9 +106,12 @@ std::optional<std::string> SheetStructure::shift(Sheet& sheet, const AxisShift& 
     const UndoStep step(m_workbook, shift.inserted > 0 ? (shift.rows ? "插入行" : "插入列")
                                                        : (shift.rows ? "删除行" : "删除列"));
     std::vector<Rewrite> rewrites;
-    for (const Stretch& stretch : stretches([&](const Sheet&holder, std::uint32_t formula) {
-             return refersTo(holder, formula, sheet.id());
-         }))
+    // Formulas of the sheet itself move, so that what they mean elsewhere is another distance away.
+    const auto concerned = [&](const Sheet& holder, std::uint32_t formula) {
+        return refersTo(holder, formula, sheet.id()) ||
+               (&holder == &sheet && !m_workbook.formulas()[formula].slots.empty());
+    };
+    for (const Stretch& stretch : stretches(concerned))
         collectRewrites(stretch, sheet, shift, rewrites);
     rewriteNames(sheet, shift);
     shiftCells(sheet, shift);
@@ -312,6 +315,7 @@ void SheetStructure::rewriteNames(const Sheet& sheet, const AxisShift& shift)
         if (changed != formula) {
             m_workbook.journal().keepNames();
             names.define(name, changed);
+            m_workbook.recalculation().noteNames();
         }
     }
 }

@@ -170,7 +170,7 @@ void UndoJournal::exchange(Step& step)
         if (Sheet* sheet = sheetOfId(id)) {
             std::swap(settings, sheet->m_settings);
             if (settings.name != sheet->name())
-                m_workbook.formulas().respellSheet(id, sheet->name());
+                m_workbook.respell(id);
         }
     }
     for (auto& [id, columns] : step.allColumns) {

@@ -32,6 +32,8 @@ public:
     void setEnabled(bool enabled);
     bool canUndo() const { return !m_undo.empty(); }
     bool canRedo() const { return !m_redo.empty(); }
+    /// Steps that can be undone.
+    std::size_t steps() const { return m_undo.size(); }
     std::string label() const { return m_undo.empty() ? std::string() : m_undo.back().label; }
 
     void open(std::string label);

@@ -119,8 +119,17 @@ std::optional<std::string> Workbook::renameSheet(int index, std::string_view nam
         return std::nullopt;
     const UndoStep step(*this, "重命名表");
     sheet(index).editableSettings().name = name;
-    m_formulas->respellSheet(sheet(index).id(), sheet(index).name());
+    respell(sheet(index).id());
     return std::nullopt;
+}
+
+/// Writes the present name into every reference to the sheet.
+void Workbook::respell(int sheetId)
+{
+    m_formulas->respellSheet(sheetId, [this](int id) {
+        const int index = sheetIndexOfId(id);
+        return index == 0 ? std::string() : sheet(index).name();
+    });
 }
 
 std::optional<std::string> Workbook::moveSheet(int from, int to)

@@ -99,6 +99,7 @@ private:
     friend class Recalculation;
 
     void noteEdit() { ++m_revision; }
+    void respell(int sheetId);
 
     std::vector<std::shared_ptr<Sheet>> m_sheets; ///< shared with undo steps that bring them back
     StylePool m_styles;

@@ -47,6 +47,12 @@ bool cutsArray(const Sheet& sheet, const CellRange& range)
     });
 }
 
+bool holdsArray(const Sheet& sheet, const CellRange& range)
+{
+    return std::ranges::any_of(sheet.settings().arrays,
+                               [&](const CellRange& array) { return array.intersects(range); });
+}
+
 std::vector<CellContent> contentsOf(const Sheet& sheet, const CellRange& range)
 {
     std::vector<CellContent> contents;
@@ -69,11 +75,13 @@ void write(const Column::Place& place, const CellContent& content)
 /// A formula copied to another cell: references that would leave the sheet are broken for good.
 std::uint32_t copiedFormula(FormulaPool& pool, std::uint32_t formula, CellAddress to)
 {
+    if (formula == 0)
+        return 0;
     const auto& slots = pool[formula].slots;
     const auto leaves = [to](const ReferenceSlot& slot) {
         return slot.shape != ReferenceSlot::Shape::broken && !slot.range(to);
     };
-    if (formula == 0 || std::ranges::none_of(slots, leaves))
+    if (std::ranges::none_of(slots, leaves))
         return formula;
     std::vector<ReferenceSlot> changed = slots;
     for (ReferenceSlot& slot : changed) {
@@ -109,6 +117,12 @@ std::uint32_t movedFormula(FormulaPool& pool, std::uint32_t formula, const Sheet
 
 } // namespace
 
+void Sheet::dropArrays(const CellRange& range)
+{
+    if (holdsArray(*this, range))
+        std::erase_if(editableSettings().arrays, [&](const CellRange& a) { return range.contains(a); });
+}
+
 std::optional<std::string> Sheet::copyCells(const CellRange& from, Sheet& target, CellAddress to)
 {
     if (auto problem = outside(to, from))
@@ -131,7 +145,7 @@ std::optional<std::string> Sheet::copyCells(const CellRange& from, Sheet& target
                              span.right + goal.left - from.left, span.bottom + goal.top - from.top});
     }
     target.removeSpans(goal);
-    std::erase_if(target.editableSettings().arrays, [&](const CellRange& a) { return goal.contains(a); });
+    target.dropArrays(goal);
     std::size_t next = 0;
     for (int column = goal.left; column <= goal.right; ++column) {
         Column& cells = target.editableColumn(column);
@@ -169,7 +183,7 @@ std::optional<std::string> Sheet::moveCells(const CellRange& from, Sheet& target
     for (int column = from.left; column <= from.right; ++column)
         editableColumn(column).clearRows(from.top, from.bottom);
     target.removeSpans(goal);
-    std::erase_if(target.editableSettings().arrays, [&](const CellRange& a) { return goal.contains(a); });
+    target.dropArrays(goal);
     std::size_t next = 0;
     for (int column = goal.left; column <= goal.right; ++column) {
         Column& cells = target.editableColumn(column);
@@ -196,9 +210,10 @@ std::optional<std::string> Sheet::moveCells(const CellRange& from, Sheet& target
 
 std::optional<std::string> Sheet::fillDown(const CellRange& range)
 {
-    if (cutsArray(*this, range) || cutsArray(*this, {range.left, range.top, range.right, range.top}))
+    if (cutsArray(*this, range) || holdsArray(*this, {range.left, range.top, range.right, range.top}))
         return "不能更改数组公式的一部分";
     const UndoStep step(m_workbook, "向下填充");
+    dropArrays(range);
     for (int column = range.left; column <= range.right; ++column) {
         CellContent content = contentOf(*this, {column, range.top});
         const std::uint32_t formula = content.formula;
@@ -216,9 +231,10 @@ std::optional<std::string> Sheet::fillDown(const CellRange& range)
 
 std::optional<std::string> Sheet::fillRight(const CellRange& range)
 {
-    if (cutsArray(*this, range) || cutsArray(*this, {range.left, range.top, range.left, range.bottom}))
+    if (cutsArray(*this, range) || holdsArray(*this, {range.left, range.top, range.left, range.bottom}))
         return "不能更改数组公式的一部分";
     const UndoStep step(m_workbook, "向右填充");
+    dropArrays(range);
     for (int row = range.top; row <= range.bottom; ++row) {
         CellContent content = contentOf(*this, {range.left, row});
         const std::uint32_t formula = content.formula;

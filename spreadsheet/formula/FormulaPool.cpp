@@ -74,25 +74,17 @@ std::uint32_t FormulaPool::withSlots(std::uint32_t number, std::vector<Reference
     return add(std::move(formulaKey), std::move(changed));
 }
 
-void FormulaPool::respellSheet(int sheetId, const std::string& newName)
+void FormulaPool::respellSheet(int sheetId, const std::function<std::string(int)>& nameOfId)
 {
     m_byKey.clear();
     std::uint32_t number = 0;
     for (Formula& formula : m_formulas) {
         for (ReferenceSlot& slot : formula.slots) {
-            if (slot.firstSheet == sheetId && slot.lastSheet == sheetId) {
-                slot.sheetText = sheetPrefix(newName);
-            } else if (slot.firstSheet == sheetId || slot.lastSheet == sheetId) {
-                const std::size_t colon = slot.sheetText.find(':');
-                std::string first = slot.sheetText.substr(0, colon);
-                std::string last = slot.sheetText.substr(colon + 1);
-                const bool quoted = first.starts_with('\'');
-                if (slot.firstSheet == sheetId)
-                    first = (quoted ? "'" : "") + newName;
-                if (slot.lastSheet == sheetId)
-                    last = newName + (quoted ? "'!" : "!");
-                slot.sheetText = first + ":" + last;
-            }
+            if (slot.firstSheet != 0 && (slot.firstSheet == sheetId || slot.lastSheet == sheetId))
+                slot.sheetText =
+                    sheetPrefix(nameOfId(slot.firstSheet),
+                                slot.lastSheet == slot.firstSheet ? std::string() : nameOfId(slot.lastSheet),
+                                slot.sheetQuoted);
         }
         m_byKey.emplace(key(formula.pieces, formula.slots, formula.isArrayFormula), ++number);
     }

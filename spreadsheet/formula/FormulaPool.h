@@ -32,7 +32,7 @@ public:
     /// The same formula with other references; the slots keep their order.
     std::uint32_t withSlots(std::uint32_t number, std::vector<ReferenceSlot> slots);
     /// Spells the prefix of every reference to a sheet anew. Numbers stay.
-    void respellSheet(int sheetId, const std::string& newName);
+    void respellSheet(int sheetId, const std::function<std::string(int)>& nameOfId);
 
     CustomFunctions& customs() { return m_customs; }
     const CustomFunctions& customs() const { return m_customs; }

@@ -360,6 +360,7 @@ private:
             return false; // a lone column or row is a name or a number
         ReferenceSlot slot;
         slot.sheetText = sheetText;
+        slot.sheetQuoted = sheetText.starts_with('\'');
         slot.firstSheet = firstSheet;
         slot.lastSheet = lastSheet;
         slot.shape = !pair               ? ReferenceSlot::Shape::cell

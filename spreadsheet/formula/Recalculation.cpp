@@ -50,6 +50,11 @@ void Recalculation::refreshGraph()
     m_graph.build(m_workbook);
     m_graphStale = false;
     m_marked.assign(m_graph.runs().size(), {});
+    m_volatileRuns.clear();
+    for (std::size_t run = 0; run < m_graph.runs().size(); ++run) {
+        if (m_graph.runs()[run].isVolatile)
+            m_volatileRuns.push_back(static_cast<std::int32_t>(run));
+    }
 }
 
 RecalculationReport Recalculation::all()
@@ -109,9 +114,14 @@ void Recalculation::markChanges()
                                markRun(readers.run, readers.firstRow, readers.lastRow);
                            });
     }
+    for (const std::int32_t run : m_volatileRuns)
+        markWholeRun(run);
+    if (!m_moved && !m_namesChanged)
+        return;
     const auto runs = m_graph.runs();
     for (std::size_t run = 0; run < runs.size(); ++run) {
-        if (runs[run].isVolatile || (m_moved && m_workbook.formulas()[runs[run].formula].dependsOnPlace))
+        const Formula& formula = m_workbook.formulas()[runs[run].formula];
+        if ((m_moved && formula.dependsOnPlace) || (m_namesChanged && !formula.names.empty()))
             markWholeRun(static_cast<std::int32_t>(run));
     }
 }

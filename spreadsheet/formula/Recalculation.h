@@ -70,7 +70,8 @@ private:
     std::unique_ptr<LookupIndexes> m_indexes;
     PrepareHook m_prepare;
     std::vector<Change> m_changes;
-    std::vector<RowSet> m_marked;           ///< by run: rows to compute
+    std::vector<RowSet> m_marked; ///< by run: rows to compute
+    std::vector<std::int32_t> m_volatileRuns;
     std::vector<std::int32_t> m_markedRuns; ///< runs with rows to compute
     struct Spread {
         std::int32_t run;

@@ -107,17 +107,20 @@ void ReferenceSlot::appendKey(std::string& key) const
     }
 }
 
-std::string sheetPrefix(std::string_view sheetName)
+std::string sheetPrefix(std::string_view sheetName, std::string_view lastSheetName, bool quoted)
 {
-    if (!needsQuotes(sheetName))
-        return std::string(sheetName) + "!";
-    std::string quoted = "'";
-    for (const char c : sheetName) {
-        quoted += c;
+    std::string names(sheetName);
+    if (!lastSheetName.empty())
+        names.append(":").append(lastSheetName);
+    if (!quoted && !needsQuotes(sheetName) && (lastSheetName.empty() || !needsQuotes(lastSheetName)))
+        return names + "!";
+    std::string prefix = "'";
+    for (const char c : names) {
+        prefix += c;
         if (c == '\'')
-            quoted += c;
+            prefix += c;
     }
-    return quoted + "'!";
+    return prefix + "'!";
 }
 
 } // namespace spreadsheet

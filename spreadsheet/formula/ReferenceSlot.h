@@ -32,6 +32,7 @@ struct ReferenceSlot {
     int lastSheet = 0;  ///< another id for a reference through several sheets
     AxisPoint left, top, right, bottom;
     std::string sheetText;           ///< as typed, quotes and "!" included; empty for the own sheet
+    bool sheetQuoted = false;        ///< typed with quotes, so it keeps them under another name
     std::uint8_t lowerCaseLeft = 0;  ///< bit i: column letter i is written small
     std::uint8_t lowerCaseRight = 0; ///< the same for the second corner
 
@@ -46,7 +47,8 @@ struct ReferenceSlot {
     friend bool operator==(const ReferenceSlot&, const ReferenceSlot&) = default;
 };
 
-/// "Sheet1!" or "'2月 调整'!": the prefix of a reference to a sheet, quoted where the name needs it.
-std::string sheetPrefix(std::string_view sheetName);
+/// "Sheet1!", "'2月 调整'!" or "一月:三月!": the prefix of a reference to a sheet, or to all sheets from
+/// one to another; quoted where a name needs it or it is asked for.
+std::string sheetPrefix(std::string_view sheetName, std::string_view lastSheetName = {}, bool quoted = false);
 
 } // namespace spreadsheet
