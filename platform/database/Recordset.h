@@ -13,7 +13,7 @@ namespace selfreport {
 
 /// Whether a query copies its binary columns to the client.
 enum class BinaryColumns {
-    left,   ///< only whether they are null is known
+    left,   ///< nothing is known of them, not even whether they are null
     fetched ///< their bytes can be read
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/database/DatabaseError.h"
 #include "platform/database/sql_text.h"
+#include "platform/database/sqlite/binary_columns.h"
 #include "platform/database/sqlite/tsql_rewriter.h"
 
 #include <sqlite3.h>
@@ -13,6 +14,8 @@ SqliteSession::SqliteSession(const std::string& file)
     : m_database(file)
     , m_identity(identityOf(file))
     , m_statements(m_database, toEmbeddedSql)
+    , m_lists(m_database,
+              [this](std::string_view sql) { return withoutBinaryColumns(m_database, toEmbeddedSql(sql)); })
     , m_acctProcedure(m_database)
 {
 }
@@ -37,7 +40,8 @@ std::int64_t SqliteSession::execute(std::string_view sql, std::span<const SqlVal
 
 Recordset SqliteSession::query(std::string_view sql, std::span<const SqlValue> values, BinaryColumns binaries)
 {
-    SqliteStatement& statement = m_statements.statement(sql);
+    StatementCache& statements = binaries == BinaryColumns::left ? m_lists : m_statements;
+    SqliteStatement& statement = statements.statement(sql);
     statement.bind(values);
     return statement.rows(binaries);
 }

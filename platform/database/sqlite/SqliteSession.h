@@ -37,6 +37,7 @@ private:
     SqliteDatabase m_database;
     FileIdentity m_identity; ///< of the file when it was opened
     StatementCache m_statements;
+    StatementCache m_lists; ///< queries without their binary columns
     AcctProcedure m_acctProcedure;
 };
 

@@ -1,10 +1,12 @@
 #include "platform/database/Connection.h"
 
 #include "platform/database/sql_text.h"
+#include "platform/database/sqlite/binary_columns.h"
 #include "tests/platform/database/database_folder.h"
 
 #include <cstring>
 #include <fstream>
+#include <sqlite3.h>
 #include <thread>
 
 namespace selfreport {
@@ -209,6 +211,44 @@ TEST(Connection, TheModulesStatementsRun)
     EXPECT_EQ(connection->query("select * from tblSelfReportFieldKey order by noid").rowCount(), 14U);
     EXPECT_EQ(connection->execute("delete from tblCWSelfReport where noid=7"), 1);
     EXPECT_EQ(connection->execute("delete from tblsystemprivillenge where fnumber='RSelf7' "), 0);
+}
+
+TEST(Connection, ListsDoNotReadBinaryColumns)
+{
+    const DatabaseFolder folder;
+    const auto connection = folder.create();
+    const std::vector<std::byte> content(1U << 20U, std::byte{7});
+    for (std::int64_t id = 1; id <= 40; ++id)
+        connection->execute("insert into tblCWSelfReport(noid,fname,fFileContent) values(?,?,?)",
+                            {id, "报表" + std::to_string(id), std::span<const std::byte>(content)});
+    const std::string sql =
+        "select a.*,b.fusername as fbilleridname from tblCWSelfReport  as a left outer join tbluser "
+        "as b on a.fbillerid=b.fuserid order by a.noid desc -- newest first";
+    const Recordset list = connection->query(sql);
+    const Recordset whole = connection->query(sql, BinaryColumns::fetched);
+    ASSERT_EQ(list.columnCount(), whole.columnCount());
+    ASSERT_EQ(list.rowCount(), 40U);
+    for (std::size_t column = 0; column < list.columnCount(); ++column)
+        EXPECT_EQ(list.columnName(column), whole.columnName(column));
+    for (std::size_t row = 0; row < 40; ++row)
+        EXPECT_EQ(list.integer(row, "noid"), 40 - static_cast<std::int64_t>(row));
+    EXPECT_THROW(list.binary(0, "fFileContent"), DatabaseError);
+    EXPECT_EQ(whole.binary(39, "fFileContent").size(), content.size());
+
+    const SqliteDatabase database(folder.file());
+    const auto pagesRead = [&](const std::string& text) {
+        int read = 0;
+        int unused = 0;
+        sqlite3_db_release_memory(database.handle());
+        sqlite3_db_status(database.handle(), SQLITE_DBSTATUS_CACHE_MISS, &read, &unused, 1);
+        database.prepare(text).rows(BinaryColumns::left);
+        sqlite3_db_status(database.handle(), SQLITE_DBSTATUS_CACHE_MISS, &read, &unused, 1);
+        return read;
+    };
+    EXPECT_LT(pagesRead(withoutBinaryColumns(database, sql)), 200);
+    EXPECT_GT(pagesRead(sql), 10000) << "each holds 256 pages";
+    EXPECT_EQ(withoutBinaryColumns(database, "select fFileContent,fFileContent from tblCWSelfReport"),
+              "select fFileContent,fFileContent from tblCWSelfReport");
 }
 
 TEST(ProcedureCall, LengthsCountInTheServersCodePage)
