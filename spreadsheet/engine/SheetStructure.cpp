@@ -201,8 +201,9 @@ SheetStructure::Rewrite SheetStructure::rewritten(const Stretch& stretch, const 
                 result.changesValue = true;
                 continue;
             }
+            // A range that grew matters too: INDEX and its like count from its edge.
             result.changesValue =
-                result.changesValue || cells.rows() < before.rows() || cells.columns() < before.columns();
+                result.changesValue || cells.rows() != before.rows() || cells.columns() != before.columns();
         }
         // Corners keep their order as written: a range typed from below to above stays so.
         const bool rowsTurned = slot.top.at(base.row) > slot.bottom.at(base.row);
@@ -370,7 +371,7 @@ void SheetStructure::followMove(const Sheet& source, const CellRange& from, cons
                     point->value += across;
                 if (&source != &target) {
                     slot.firstSheet = slot.lastSheet = target.id();
-                    slot.sheetText = sheetPrefix(target.name());
+                    slot.sheetText = sheetPrefix(target.name(), {}, slot.sheetQuoted);
                 }
             }
             Stretch cell = stretch;
