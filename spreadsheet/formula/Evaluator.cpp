@@ -22,6 +22,12 @@ Value singleValue(const Operand& operand, const EvaluationPlace& place)
     return Call(place, std::span(&operand, 1)).value(0);
 }
 
+/// Outside array mode arrays still go through element by element, ranges beside them do not.
+Operand intersected(const Operand& operand, const EvaluationPlace& place)
+{
+    return operand.isReference() ? Operand(singleValue(operand, place)) : operand;
+}
+
 /// In array mode: whether a range or array is gone through element by element. The branches of IF and
 /// its like are, although they take whole ranges elsewhere.
 bool goesElementwise(const FunctionDescriptor& function, std::size_t argument)
@@ -147,6 +153,8 @@ void Evaluator::binary(const Instruction& instruction, const EvaluationPlace& pl
         push(combineReferences(instruction.op, left, right));
     else if (instruction.arrayMode)
         push(applyToArrays(instruction.op, left, right, place));
+    else if (left.isArray() || right.isArray())
+        push(applyToArrays(instruction.op, intersected(left, place), intersected(right, place), place));
     else
         push(applyOperator(instruction.op, singleValue(left, place), singleValue(right, place)));
 }
@@ -156,7 +164,7 @@ void Evaluator::sign(const Instruction& instruction, const EvaluationPlace& plac
     const Operand operand = pop();
     if (instruction.op == Op::plus || operand.isUnknown())
         push(operand); // a plus keeps even a reference
-    else if (instruction.arrayMode)
+    else if (instruction.arrayMode || operand.isArray())
         push(applyToArray(instruction.op, operand, place));
     else
         push(applySign(instruction.op, singleValue(operand, place)));
@@ -242,18 +250,17 @@ void Evaluator::call(const FunctionDescriptor& function, std::size_t count, bool
 Operand Evaluator::applied(const FunctionDescriptor& function, std::span<const Operand> arguments,
                            bool arrayMode, const EvaluationPlace& place)
 {
-    if (arrayMode) {
-        for (std::size_t i = 0; i < arguments.size(); ++i) {
-            if (goesElementwise(function, i) && (arguments[i].isArray() || arguments[i].isReference()))
-                return callElementwise(function, arguments, place);
-        }
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (goesElementwise(function, i) &&
+            (arguments[i].isArray() || (arrayMode && arguments[i].isReference())))
+            return callElementwise(function, arguments, arrayMode, place);
     }
-    Call made(place, arguments);
+    Call made(place, arguments, arrayMode);
     return function.evaluate(made);
 }
 
 Operand Evaluator::callElementwise(const FunctionDescriptor& function, std::span<const Operand> arguments,
-                                   const EvaluationPlace& place)
+                                   bool arrayMode, const EvaluationPlace& place)
 {
     std::vector<std::shared_ptr<const Array>> elements(arguments.size());
     int rows = 1;
@@ -261,7 +268,7 @@ Operand Evaluator::callElementwise(const FunctionDescriptor& function, std::span
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         if (!goesElementwise(function, i) || arguments[i].isMissing())
             continue;
-        elements[i] = toArray(arguments[i], place);
+        elements[i] = toArray(arrayMode ? arguments[i] : intersected(arguments[i], place), place);
         rows = std::max(rows, elements[i]->rows());
         columns = std::max(columns, elements[i]->columns());
     }

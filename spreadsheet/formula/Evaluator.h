@@ -50,7 +50,7 @@ private:
     Operand applied(const FunctionDescriptor& function, std::span<const Operand> arguments, bool arrayMode,
                     const EvaluationPlace& place);
     Operand callElementwise(const FunctionDescriptor& function, std::span<const Operand> arguments,
-                            const EvaluationPlace& place);
+                            bool arrayMode, const EvaluationPlace& place);
     Operand callCustom(int custom, std::size_t count, const EvaluationPlace& place);
     Operand gatheredCall(std::string_view name, std::vector<Value> parameters, const EvaluationPlace& place);
     Operand pop();

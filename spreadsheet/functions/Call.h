@@ -26,15 +26,19 @@ struct EvaluationPlace {
 /// after it everything reads as zero, `failed()` is true and the function returns `error()`.
 class Call {
 public:
-    Call(const EvaluationPlace& place, std::span<const Operand> arguments)
+    Call(const EvaluationPlace& place, std::span<const Operand> arguments, bool wantsArray = false)
         : m_place(place)
         , m_arguments(arguments)
+        , m_wantsArray(wantsArray)
     {
     }
 
     const EvaluationPlace& place() const { return m_place; }
     std::size_t count() const { return m_arguments.size(); }
     const Operand& operator[](std::size_t argument) const { return m_arguments[argument]; }
+    /// True where the result is gone through element by element: ROW of a range gives all its rows there
+    /// and the first one elsewhere.
+    bool wantsArray() const { return m_wantsArray; }
     /// Handed over and not left empty between two commas.
     bool given(std::size_t argument) const
     {
@@ -97,6 +101,7 @@ private:
 
     const EvaluationPlace& m_place;
     std::span<const Operand> m_arguments;
+    bool m_wantsArray;
     std::optional<CellError> m_error;
 };
 

@@ -109,7 +109,7 @@ Operand positions(Call& call)
     const CellRange& cells = call[0].area().cells;
     const int first = rows ? cells.top : cells.left;
     const int count = rows ? cells.rows() : cells.columns();
-    if (count == 1)
+    if (count == 1 || !call.wantsArray())
         return static_cast<double>(first);
     auto numbers = std::make_shared<Array>(rows ? count : 1, rows ? 1 : count);
     for (int i = 0; i < count; ++i)
