@@ -204,6 +204,11 @@ void Sheet::setValue(CellAddress cell, Value value)
     m_workbook.recalculation().noteChanged(m_id, cell.column, cell.row, cell.row);
 }
 
+void Sheet::setText(CellAddress cell, std::string_view text)
+{
+    setValue(cell, Value(m_workbook.texts().intern(text)));
+}
+
 std::optional<FormulaProblem> Sheet::setFormula(CellAddress cell, std::string_view text)
 {
     const std::string_view trimmed = trimmedBlanks(text);

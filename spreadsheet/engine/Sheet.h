@@ -58,7 +58,7 @@ public:
     /// array formula that the cell belongs to (its other cells keep their values).
     void setValue(CellAddress cell, Value value);
     void setNumber(CellAddress cell, double number) { setValue(cell, Value(number)); }
-    void setText(CellAddress cell, std::string_view text) { setValue(cell, Value::text(text)); }
+    void setText(CellAddress cell, std::string_view text);
     /// With or without a leading "=". An empty text takes a formula away and leaves a constant as it is.
     std::optional<FormulaProblem> setFormula(CellAddress cell, std::string_view text);
     std::optional<FormulaProblem> setArrayFormula(const CellRange& range, std::string_view text);

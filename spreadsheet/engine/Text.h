@@ -44,6 +44,8 @@ public:
         return m_body ? std::string_view(m_body->bytes(), m_body->size) : std::string_view();
     }
     bool empty() const { return !m_body || m_body->size == 0; }
+    /// True while another Text shares the body.
+    bool isShared() const { return m_body && m_body->references > 1; }
     bool countsAsNumber() const { return m_body && m_body->countsAsNumber; }
     double number() const { return m_body ? m_body->number : 0; }
 

@@ -250,7 +250,7 @@ void Workbook::redo()
 
 std::size_t Workbook::bytes() const
 {
-    std::size_t sum = m_formulas->bytes() + m_recalculation->bytes();
+    std::size_t sum = m_texts.bytes() + m_formulas->bytes() + m_recalculation->bytes();
     for (const auto& sheet : m_sheets) {
         for (const Column& column : sheet->m_columns)
             sum += sizeof(Column) + column.bytes();

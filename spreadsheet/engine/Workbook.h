@@ -3,6 +3,7 @@
 #include "spreadsheet/engine/FormulaProblem.h"
 #include "spreadsheet/engine/Sheet.h"
 #include "spreadsheet/engine/StylePool.h"
+#include "spreadsheet/engine/TextPool.h"
 
 #include <memory>
 #include <optional>
@@ -53,6 +54,7 @@ public:
 
     StylePool& styles() { return m_styles; }
     const StylePool& styles() const { return m_styles; }
+    TextPool& texts() { return m_texts; }
     FormulaPool& formulas() { return *m_formulas; }
     const FormulaPool& formulas() const { return *m_formulas; }
     const NameTable& names() const { return *m_names; }
@@ -103,6 +105,7 @@ private:
 
     std::vector<std::shared_ptr<Sheet>> m_sheets; ///< shared with undo steps that bring them back
     StylePool m_styles;
+    TextPool m_texts;
     std::unique_ptr<FormulaPool> m_formulas;
     std::unique_ptr<NameTable> m_names;
     std::unique_ptr<Recalculation> m_recalculation;

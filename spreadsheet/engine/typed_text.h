@@ -1,0 +1,33 @@
+#pragma once
+#include "spreadsheet/engine/CellStyle.h"
+#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/engine/Sheet.h"
+
+#include <optional>
+#include <string_view>
+
+namespace spreadsheet {
+
+enum class TypedInto {
+    cell,
+    formulaBox, ///< there a text stays a formula where the cell already held one
+};
+
+/// Puts what a user typed into a cell, as one undo step.
+///
+/// With "=" it is a formula. Without, a number, percentage, amount of money, date, time or truth value
+/// is a constant, a text that begins with a call of a known function is a formula, and anything else is
+/// text; a leading apostrophe makes text of whatever follows. A fresh cell takes the type that the
+/// constant was written in (percent, currency, date, time). An empty text takes the content away.
+/// @return why a formula was refused; the cell then keeps what it had.
+std::optional<FormulaProblem> enterText(Workbook& workbook, Sheet& sheet, CellAddress cell,
+                                        std::string_view text, TypedInto where);
+
+/// The constant that a text stands for, and the cell type that it was written in if it shows one.
+struct TypedConstant {
+    Value value;
+    std::optional<CellType> type;
+};
+TypedConstant typedConstant(std::string_view text);
+
+} // namespace spreadsheet
