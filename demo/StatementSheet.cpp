@@ -16,7 +16,7 @@ using spreadsheet::Text;
 
 constexpr int twipsPerTenth = 144; // of an inch
 constexpr int titleHeight = 600;
-constexpr int rowHeight = 320;
+constexpr int rowHeight = 280; // 25 rows of a balance sheet fit on one landscape page
 constexpr spreadsheet::Colour headingGrey = 0xE7E6E6;
 
 void frame(CellStyle& style)

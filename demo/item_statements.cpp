@@ -91,7 +91,7 @@ DemoReport customerAnalysis(int year, std::span<const LedgerName> customers)
 DemoReport goodsTurnover(int year, std::span<const LedgerName> goods)
 {
     DemoReport report = startReport("商品数量金额表", "商品", true);
-    constexpr std::array widths{8, 18, 8, 12, 8, 12, 8, 12, 8, 12};
+    constexpr std::array widths{7, 17, 8, 12, 8, 12, 8, 12, 8, 12};
     StatementSheet sheet(report.workbook->sheet(1), widths);
     sheet.title("商品数量金额表");
     sheet.underTitle("科目：1405", std::to_string(year) + "年1月至12月", "单位：件、元");

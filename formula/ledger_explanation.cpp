@@ -39,10 +39,12 @@ std::string listed(const std::vector<std::string>& names)
 
 std::string periodText(const LedgerArguments& arguments)
 {
+    const std::string& first = arguments.firstPeriod;
+    const std::string& last = arguments.lastPeriod;
     std::string text = arguments.year.empty() ? std::string("最近年度") : arguments.year + "年";
-    if (!arguments.firstPeriod.empty() || !arguments.lastPeriod.empty())
-        text += arguments.firstPeriod + "至" + arguments.lastPeriod + "期";
-    return text;
+    if (first == last)
+        return first.empty() ? text : text + first + "期";
+    return text + first + "至" + last + "期";
 }
 
 std::string unknownItem(Connection& connection, const ItemQualifier& qualifier)
@@ -68,7 +70,7 @@ std::string causeOfNoData(Connection& connection, const LedgerArguments& argumen
     for (const ItemQualifier& qualifier : expression.qualifiers)
         if (std::string cause = unknownItem(connection, qualifier); !cause.empty())
             return cause;
-    return "总账在" + periodText(arguments) + "没有符合条件的数据";
+    return "总账在" + periodText(arguments) + "没有科目" + quoted(arguments.account) + "的数据";
 }
 
 std::string explained(Connection& connection, const LedgerArguments& arguments, const LedgerAnswer& answer)

@@ -1,0 +1,66 @@
+#include "platform/dialogs/QtDialogs.h"
+
+#include <gtest/gtest.h>
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+
+namespace selfreport {
+namespace {
+
+/// What a message box looked like before its button was pressed.
+struct SeenBox {
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QString title, text;
+    QMessageBox::StandardButtons buttons;
+};
+
+/// Presses a button of the next message box.
+void pressWhenShown(SeenBox& seen, QMessageBox::StandardButton button)
+{
+    QTimer::singleShot(0, qApp, [&seen, button] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(box != nullptr && box->objectName() == "messageBox");
+        seen = {box->icon(), box->windowTitle(), box->text(), box->standardButtons()};
+        box->button(button)->click();
+    });
+}
+
+TEST(QtDialogs, ShowNothingWithoutAnApplicationAndTheBoxWithOne)
+{
+    QtDialogs boxes;
+    boxes.message(Icon::critical, "标题", "没有界面");
+    EXPECT_FALSE(boxes.question("标题", "没有界面?"));
+
+    int count = 1;
+    char name[] = "tests";
+    char* arguments[] = {name, nullptr};
+    const QApplication application(count, arguments);
+    const struct {
+        Icon icon;
+        QMessageBox::Icon shown;
+    } icons[] = {{Icon::none, QMessageBox::NoIcon},
+                 {Icon::information, QMessageBox::Information},
+                 {Icon::exclamation, QMessageBox::Warning},
+                 {Icon::critical, QMessageBox::Critical}};
+    for (const auto& [icon, shown] : icons) {
+        SeenBox seen;
+        pressWhenShown(seen, QMessageBox::Ok);
+        boxes.message(icon, "账套", "<b>不是标记</b>!");
+        EXPECT_EQ(seen.icon, shown);
+        EXPECT_EQ(seen.title, "账套");
+        EXPECT_EQ(seen.text, "<b>不是标记</b>!");
+        EXPECT_EQ(seen.buttons, QMessageBox::Ok);
+    }
+    for (const auto button : {QMessageBox::Yes, QMessageBox::No}) {
+        SeenBox seen;
+        pressWhenShown(seen, button);
+        EXPECT_EQ(boxes.question("账套", "确定要删除吗?"), button == QMessageBox::Yes);
+        EXPECT_EQ(seen.icon, QMessageBox::Question);
+        EXPECT_EQ(seen.buttons, QMessageBox::Yes | QMessageBox::No);
+    }
+}
+
+} // namespace
+} // namespace selfreport
