@@ -4,8 +4,8 @@
 #include "catalogue/report_statements.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
-#include "formula/content_bytes.h"
 #include "platform/settings/SettingsStore.h"
+#include "spreadsheet/files/content.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 #include "formula/frmEditor1.h"
 
-#include "formula/content_bytes.h"
 #include "formula/report_functions.h"
 #include "formula/SharedFetches.h"
+#include "spreadsheet/files/content.h"
 
 namespace selfreport {
 

@@ -27,23 +27,29 @@ bool RecalculationUnderWay::openingFailed()
     return s_outermost && s_outermost->m_openingFailed;
 }
 
+std::string_view openingFailureText(std::int32_t number)
+{
+    return number == loginRejected ? "用户名或密码错误!" : "数据库文件不存在或读取错误!";
+}
+
 bool openDB()
 {
     if (gCnn)
         return true;
     if (RecalculationUnderWay::openingFailed())
         return false;
+    std::int32_t number = unspecifiedError;
     try {
         gCnn = openConnection(gConnString);
         return true;
     } catch (const DatabaseError& error) {
-        if (RecalculationUnderWay::s_outermost)
-            RecalculationUnderWay::s_outermost->m_openingFailed = true;
-        tellUser(Icon::critical,
-                 error.number == loginRejected ? "用户名或密码错误!" : "数据库文件不存在或读取错误!");
+        number = error.number;
     } catch (const std::exception&) {
-        tellUser(Icon::critical, "数据库文件不存在或读取错误!");
+        // told like any other failure
     }
+    if (RecalculationUnderWay::s_outermost)
+        RecalculationUnderWay::s_outermost->m_openingFailed = true;
+    tellUser(Icon::critical, openingFailureText(number));
     return false;
 }
 

@@ -2,6 +2,7 @@
 #include "platform/database/Connection.h"
 #include "platform/dialogs/Dialogs.h"
 
+#include <cstdint>
 #include <functional>
 #include <set>
 #include <string>
@@ -14,6 +15,9 @@ namespace selfreport {
 /// failed; no object is kept then. Within one recalculation a failed opening is told once and not tried
 /// again.
 bool openDB();
+
+/// What the user is told about a failed opening, by the error's number.
+std::string_view openingFailureText(std::int32_t number);
 
 /// Closes `gCnn` and leaves none. Nothing happens if there is none.
 void closeDB();

@@ -1,8 +1,8 @@
 #include "catalogue/report_store.h"
 
 #include "catalogue/report_list.h"
-#include "formula/content_bytes.h"
 #include "platform/settings/SettingsStore.h"
+#include "spreadsheet/files/content.h"
 #include "tests/formula/TestLedger.h"
 
 #include <csignal>

@@ -1,7 +1,7 @@
 #include "component/report_run.h"
 
 #include "component/state/shared_state.h"
-#include "formula/content_bytes.h"
+#include "spreadsheet/files/content.h"
 #include "tests/formula/TestLedger.h"
 
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "formula/evaluation.h"
 
-#include "formula/content_bytes.h"
+#include "spreadsheet/files/content.h"
 #include "tests/formula/TestLedger.h"
 
 #include <gmock/gmock.h>
@@ -156,6 +156,7 @@ TEST(Evaluation, ReferencesAndWhatTheyShow)
     ledger.addReport(2, "自己", contentOf({"REF_F(\"自己\" ,\"A1\" , \"\")", closing("1002")}));
     ledger.addReport(3, "坏表", std::vector<std::byte>(40, std::byte{'x'}));
     ledger.addReport(4, "空表", {});
+    ledger.addReport(5, "丙’表＇", contentOf({closing("2001")}));
     struct Case {
         const char* formula;
         const char* text;
@@ -163,6 +164,8 @@ TEST(Evaluation, ReferencesAndWhatTheyShow)
     };
     const Case cases[] = {
         {R"(REF_F("甲'表" ,"A1" , "1"))", "100.25", ""},
+        {R"(REF_F("丙’表＇" ,"A1" , "1"))", "700.00", ""},
+        {R"(REF_F("丙'表'" ,"A1" , "1"))", "", "没有名为“丙'表'”的报表"},
         {R"(REF_F("甲'表" ,"a1" , "1"))", "100.25", ""},
         {R"(ref_f("甲'表" ,"1A" , "1"))", "100.25", ""},
         {R"(REF_F("甲'表" ,"A2" , "1"))", "#NAME?", ""}, // not evaluated there
@@ -196,6 +199,24 @@ TEST(Evaluation, ReferencesAndWhatTheyShow)
         }
     }
     EXPECT_TRUE(ledger.boxes.said.empty());
+}
+
+TEST(Evaluation, LostReportTableLeavesReferencesEmpty)
+{
+    test::TestLedger ledger;
+    ledger.run("drop table tblCWSelfReport");
+    for (const bool shared : {false, true}) {
+        Workbook workbook;
+        fill(workbook.sheet(1), {R"(REF_F("甲表" ,"A1" , ""))", closing("1001")});
+        ReportEvaluation evaluation(workbook);
+        evaluation.addSelfFunction();
+        evaluation.setFetchesShared(shared);
+        evaluation.recalculate();
+        EXPECT_THAT(shown(workbook.sheet(1)), testing::ElementsAre("", "100.25"));
+        ASSERT_EQ(evaluation.diagnostics().size(), 1U);
+        EXPECT_THAT(evaluation.diagnostics()[0].reason, testing::HasSubstr("tblCWSelfReport"));
+        EXPECT_FALSE(gCnn);
+    }
 }
 
 TEST(Evaluation, ReferencedTextCountsAsItsNumberInSums)
@@ -299,7 +320,7 @@ TEST(Evaluation, EveryCellWithoutAValueHasItsReason)
         {R"(Acct("90:99" ,"2" , "", "2025","1","2"))", "科目“90:99”不存在"},
         {R"(Acct("1001" ,"99" , "", "2025","1","2"))", "取数类型“99”不存在"},
         {R"(Acct("1001" ,"2" , "XXX", "2025","1","2"))", "货币“XXX”不存在"},
-        {R"(Acct("1001" ,"2" , "", "1999","1","2"))", "总账在1999年1至2期没有符合条件的数据"},
+        {R"(Acct("1001" ,"2" , "", "1999","1","2"))", "总账在1999年1至2期没有科目“1001”的数据"},
         {R"(Acct("" ,"2" , "", "2025","1","2"))", "没有给出科目"},
         {R"(Acct("1122|客户|999" ,"2" , "", "2025","1","2"))", "“客户”中没有项目“999”"},
         {R"(Acct("1122|没有|001" ,"2" , "", "2025","1","2"))",

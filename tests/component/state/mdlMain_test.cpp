@@ -23,7 +23,8 @@ TEST(SharedConnection, OpensOnceAndClosesToNone)
 TEST(SharedConnection, FailedOpeningKeepsNoObjectAndTellsWhy)
 {
     test::TestLedger ledger;
-    for (const char* bad : {"", "no pairs", "Provider=SQLite;Data Source=/nowhere/x.db", "Provider=unknown;"}) {
+    for (const char* bad :
+         {"", "no pairs", "Provider=SQLite;Data Source=/nowhere/x.db", "Provider=unknown;"}) {
         gConnString = bad;
         ledger.boxes.said.clear();
         EXPECT_FALSE(openDB()) << bad;
@@ -35,6 +36,21 @@ TEST(SharedConnection, FailedOpeningKeepsNoObjectAndTellsWhy)
     gConnString = ledger.connectionString();
     EXPECT_TRUE(openDB()); // the failed tries left nothing in the way
     closeDB();
+}
+
+TEST(SharedConnection, TextOfAFailedOpening)
+{
+    const struct {
+        std::int32_t number;
+        const char* text;
+    } cases[] = {
+        {-2147217843, "用户名或密码错误!"},
+        {-2147467259, "数据库文件不存在或读取错误!"},
+        {18456, "数据库文件不存在或读取错误!"},
+        {0, "数据库文件不存在或读取错误!"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(openingFailureText(c.number), c.text) << c.number;
 }
 
 TEST(DatabaseProcedure, RollsBackAndClosesBeforeItTells)
