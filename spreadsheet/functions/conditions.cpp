@@ -51,6 +51,11 @@ void narrow(const Workbook& workbook, const Condition& condition, const Block& b
 struct EqualRows {
     ColumnIndex* index = nullptr;
     std::array<const ColumnIndex::Rows*, 2> lists{};
+
+    std::size_t size() const
+    {
+        return (lists[0] ? lists[0]->rows.size() : 0) + (lists[1] ? lists[1]->rows.size() : 0);
+    }
 };
 
 /// Nothing if the condition is no plain equality over one column or the column has no index (yet).
@@ -152,6 +157,45 @@ void ConditionalCells::eachBlock(const Area* numbers, Use&& use) const
     }
 }
 
+/// Calls `use(row)`, counted from 0, for the rows that meet all conditions, if one of several conditions
+/// has an index; false if none has.
+template <typename Use>
+bool ConditionalCells::eachIndexedRow(Use&& use) const
+{
+    if (m_conditions.size() < 2)
+        return false;
+    std::optional<EqualRows> fewest;
+    std::size_t chosen = 0;
+    for (std::size_t i = 0; i < m_conditions.size(); ++i) {
+        const auto rows = equalRows(m_place, m_conditions[i]);
+        if (rows && (!fewest || rows->size() < fewest->size())) {
+            fewest = rows;
+            chosen = i;
+        }
+    }
+    if (!fewest)
+        return false;
+    const CellRange& cells = m_conditions[chosen].area.cells;
+    const auto meetsOthers = [&](int row) {
+        for (std::size_t i = 0; i < m_conditions.size(); ++i) {
+            const Area& area = m_conditions[i].area;
+            if (i != chosen && !m_conditions[i].criterion.matches(cellValue(
+                                   m_place.workbook, area.sheet, {area.cells.left, area.cells.top + row})))
+                return false;
+        }
+        return true;
+    };
+    for (const ColumnIndex::Rows* list : fewest->lists) {
+        const std::size_t count = list ? rowsDownTo(*list, cells.bottom) : 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            const int row = list->rows[i] - cells.top;
+            if (meetsOthers(row))
+                use(row);
+        }
+    }
+    return true;
+}
+
 double ConditionalCells::count() const
 {
     if (m_conditions.size() == 1) {
@@ -163,6 +207,8 @@ double ConditionalCells::count() const
         }
     }
     double found = 0;
+    if (eachIndexedRow([&](int) { ++found; }))
+        return found;
     eachBlock(nullptr, [&](const Block& block, const Mask& mask) {
         for (int i = 0; i < block.count; ++i)
             found += mask[static_cast<std::size_t>(i)];
@@ -179,6 +225,13 @@ template <typename State>
 State ConditionalCells::gathered(const Area& numbers) const
 {
     State state;
+    const auto addRow = [&](int row) {
+        const int at = numbers.cells.top + row;
+        const Area cell{numbers.sheet, {numbers.cells.left, at, numbers.cells.left, at}};
+        forEachStretch(m_place.workbook, cell, [&](const CellStretch& stretch) { state.add(stretch); });
+    };
+    if (eachIndexedRow(addRow))
+        return state;
     eachBlock(&numbers, [&](const Block& block, const Mask& mask) {
         const Area cells = cellsOf(numbers, block);
         forEachStretch(m_place.workbook, cells, [&](const CellStretch& stretch) {

@@ -33,6 +33,8 @@ public:
 private:
     template <typename Use>
     void eachBlock(const Area* numbers, Use&& use) const;
+    template <typename Use>
+    bool eachIndexedRow(Use&& use) const;
     template <typename State>
     State gathered(const Area& numbers) const;
     std::pair<int, int> extents(const Area* numbers) const;

@@ -95,12 +95,16 @@ TEST(ConditionalSums, IndexesAgreeWithReadingCellByCell)
         both(10, "MATCH(A" + n + ",A$1:A$300,0)",
              "IF(A" + n + "=\"\",J" + n + ",IFNA(MATCH(A" + n + ",A$1:A$63,0),63+MATCH(A" + n +
                  ",A$64:A$126,0)))");
+        both(16, "SUMIFS(B$1:B" + n + ",A$1:A" + n + ",5,B$1:B" + n + ",\">20\")",
+             "SUMPRODUCT((A$1:A" + n + "&\"\"=\"5\")*(B$1:B" + n + ">20)*B$1:B" + n + ")");
+        both(18, "COUNTIFS(B$1:B" + n + ",\"<100\",A$1:A" + n + ",\"KEY\")",
+             "SUMPRODUCT((A$1:A" + n + "=\"key\")*(B$1:B" + n + "<100))");
         both(12, "MAX(B$1:B" + n + ")", n);
         both(14, "COUNT(A$1:A" + n + ")", "SUMPRODUCT(--ISNUMBER(A$1:A" + n + "))");
     }
     sheet.workbook().recalculate();
     for (int row = 1; row <= rows; ++row) {
-        for (int column = 4; column <= 14; column += 2) {
+        for (int column = 4; column <= 18; column += 2) {
             if (column < 8 && cells.value({1, row}).isEmpty())
                 continue; // an empty criterion is 0, an empty cell beside & is ""
             EXPECT_EQ(valueText(cells.value({column, row})), valueText(cells.value({column + 1, row})))
