@@ -242,7 +242,8 @@ void Recalculation::evaluateComponent(const Component& component)
 
 EvaluationPlace Recalculation::placeOf(const Run& run, int row)
 {
-    return {m_workbook, run.sheet, {run.column(), row}, m_indexes.get()};
+    // What a formula finds by text may not be computed yet, and must not be kept for others.
+    return {m_workbook, run.sheet, {run.column(), row}, run.readsUnlisted ? nullptr : m_indexes.get()};
 }
 
 void Recalculation::evaluateRun(const Run& run, RowInterval rows)
