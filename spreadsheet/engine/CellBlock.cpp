@@ -168,6 +168,20 @@ void CellBlock::setFormula(int index, std::uint32_t formula)
     setOptional(m_formulas, m_capacity, index, formula);
 }
 
+void CellBlock::setStyles(int first, int count, std::uint32_t style)
+{
+    setStyle(first, style);
+    if (m_styles)
+        std::fill_n(m_styles.get() + first, count, style);
+}
+
+void CellBlock::setFormulas(int first, int count, std::uint32_t formula)
+{
+    setFormula(first, formula);
+    if (m_formulas)
+        std::fill_n(m_formulas.get() + first, count, formula);
+}
+
 void CellBlock::setTag(int index, Text tag)
 {
     setOptional(m_tags, m_capacity, index, std::move(tag));

@@ -54,6 +54,9 @@ public:
 
     std::uint32_t style(int index) const { return m_styles ? m_styles[index] : 0; }
     void setStyle(int index, std::uint32_t style);
+    /// The same style or formula for `count` cells from `first` on.
+    void setStyles(int first, int count, std::uint32_t style);
+    void setFormulas(int first, int count, std::uint32_t formula);
     std::uint32_t formula(int index) const { return m_formulas ? m_formulas[index] : 0; }
     void setFormula(int index, std::uint32_t formula);
     Text tag(int index) const { return m_tags ? m_tags[index] : Text(); }
@@ -61,6 +64,7 @@ public:
     Text shown(int index) const { return m_shown ? m_shown[index] : Text(); }
     void setShown(int index, Text text);
     bool hasShown() const { return m_shown != nullptr; }
+    bool hasTags() const { return m_tags != nullptr; }
 
     /// True if the cell holds a value, a formula, a tag or a shown text.
     bool holdsData(int index) const;

@@ -30,6 +30,7 @@ public:
     }
 
     void setEnabled(bool enabled);
+    bool enabled() const { return m_enabled; }
     bool canUndo() const { return !m_undo.empty(); }
     bool canRedo() const { return !m_redo.empty(); }
     /// Steps that can be undone.

@@ -216,6 +216,32 @@ void Workbook::markCalculated()
     m_recalculation->forgetChanges();
 }
 
+void Workbook::replaceContent(Workbook&& fresh)
+{
+    fresh.m_formulas->customs().takeHandlers(m_formulas->customs());
+    // Sheets belong to one workbook for good, so their contents move into new ones.
+    std::vector<std::shared_ptr<Sheet>> sheets;
+    for (const auto& sheet : fresh.m_sheets) {
+        sheets.push_back(std::make_shared<Sheet>(*this, sheet->id(), sheet->name()));
+        sheets.back()->m_settings = std::move(sheet->m_settings);
+        sheets.back()->m_columns = std::move(sheet->m_columns);
+    }
+    const bool undo = m_journal->enabled();
+    const PrepareHook hook = m_recalculation->prepareHook();
+    m_sheets = std::move(sheets);
+    m_styles = std::move(fresh.m_styles);
+    m_texts = std::move(fresh.m_texts);
+    m_formulas = std::move(fresh.m_formulas);
+    m_names = std::move(fresh.m_names);
+    m_activeSheet = fresh.m_activeSheet;
+    m_nextSheetId = fresh.m_nextSheetId;
+    m_recalculation = std::make_unique<Recalculation>(*this);
+    m_recalculation->setPrepareHook(hook);
+    m_journal = std::make_unique<UndoJournal>(*this);
+    m_journal->setEnabled(undo);
+    noteEdit();
+}
+
 void Workbook::setUndoEnabled(bool enabled)
 {
     m_journal->setEnabled(enabled);

@@ -77,6 +77,10 @@ public:
     /// Forgets pending changes: what a file stored counts as computed.
     void markCalculated();
 
+    /// Takes over everything that another workbook holds. Registered functions, the prepare hook and
+    /// the undo setting stay, the undo history goes. Nothing is recalculated.
+    void replaceContent(Workbook&& fresh);
+
     // Undo. Off at first, so that filling a workbook by program costs nothing.
     void setUndoEnabled(bool enabled);
     bool canUndo() const;

@@ -18,6 +18,14 @@ void CustomFunctions::add(std::string_view name, int parameterCount, FunctionHan
     m_entries[index] = {std::string(name), parameterCount, std::move(handler)};
 }
 
+void CustomFunctions::takeHandlers(const CustomFunctions& other)
+{
+    for (const Entry& entry : other.m_entries) {
+        if (entry.handler)
+            add(entry.name, entry.parameterCount, entry.handler);
+    }
+}
+
 bool CustomFunctions::isRegistered(std::string_view name) const
 {
     const auto entry = m_byFolded.find(foldedName(name));

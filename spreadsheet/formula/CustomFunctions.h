@@ -20,6 +20,8 @@ public:
     int number(std::string_view name);
     const Entry& operator[](int number) const { return m_entries[static_cast<std::size_t>(number)]; }
     void add(std::string_view name, int parameterCount, FunctionHandler handler);
+    /// Registers what the other has registered, under this one's numbers.
+    void takeHandlers(const CustomFunctions& other);
     bool isRegistered(std::string_view name) const;
 
 private:

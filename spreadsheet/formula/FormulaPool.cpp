@@ -5,13 +5,6 @@
 
 namespace spreadsheet {
 
-namespace {
-
-/// Formulas longer than this (in bytes) are refused.
-constexpr std::size_t maxFormulaText = 32'768;
-
-} // namespace
-
 std::string FormulaPool::key(const std::vector<std::string>& pieces, const std::vector<ReferenceSlot>& slots,
                              bool asArray)
 {
@@ -26,10 +19,11 @@ std::string FormulaPool::key(const std::vector<std::string>& pieces, const std::
 }
 
 std::variant<std::uint32_t, FormulaProblem> FormulaPool::intern(std::string_view text, CellAddress base,
-                                                                const SheetResolver& sheetId, bool asArray)
+                                                                const SheetResolver& sheetId, bool asArray,
+                                                                std::size_t maxText)
 {
-    if (text.size() > maxFormulaText)
-        return FormulaProblem{maxFormulaText, "公式太长"};
+    if (text.size() > maxText)
+        return FormulaProblem{maxText, "公式太长"};
     LexedFormula lexed;
     if (auto problem = lexFormula(text, base, sheetId, lexed))
         return *problem;

@@ -14,6 +14,9 @@
 
 namespace spreadsheet {
 
+/// Formulas that are typed longer than this (in bytes) are refused.
+inline constexpr std::size_t maxFormulaText = 32'768;
+
 /// All formulas of a workbook in relative form, each once. Numbers count from 1; 0 means no formula.
 class FormulaPool {
 public:
@@ -24,7 +27,8 @@ public:
 
     /// The number of a formula as the cell `base` holds it. The text stands without "=".
     std::variant<std::uint32_t, FormulaProblem> intern(std::string_view text, CellAddress base,
-                                                       const SheetResolver& sheetId, bool asArray = false);
+                                                       const SheetResolver& sheetId, bool asArray = false,
+                                                       std::size_t maxText = maxFormulaText);
     const Formula& operator[](std::uint32_t number) const { return m_formulas[number - 1]; }
     std::uint32_t size() const { return static_cast<std::uint32_t>(m_formulas.size()); }
     /// The text letter by letter as the cell `base` shows it, without "=".

@@ -32,6 +32,7 @@ public:
     RecalculationReport changed();
 
     void setPrepareHook(PrepareHook hook) { m_prepare = std::move(hook); }
+    const PrepareHook& prepareHook() const { return m_prepare; }
     std::size_t bytes() const { return m_graph.bytes(); }
 
 private:

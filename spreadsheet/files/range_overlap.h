@@ -1,0 +1,11 @@
+#pragma once
+#include "spreadsheet/engine/CellAddress.h"
+
+#include <vector>
+
+namespace spreadsheet {
+
+/// True if two of the ranges share a cell. Takes n log n steps.
+bool anyOverlap(std::vector<CellRange> ranges);
+
+} // namespace spreadsheet

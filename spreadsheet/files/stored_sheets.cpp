@@ -1,0 +1,258 @@
+#include "spreadsheet/files/stored_sheets.h"
+
+#include "spreadsheet/engine/Sheet.h"
+#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/range_overlap.h"
+#include "spreadsheet/formula/FormulaPool.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+/// The widest row, column or margin, in twips: beyond 17 metres.
+constexpr int maxTwips = 1'000'000;
+
+/// Programs may put any number into the settings; a file holds only what can be read back.
+std::uint32_t limited(int value, int limit)
+{
+    return static_cast<std::uint32_t>(std::clamp(value, 0, limit));
+}
+
+int checked(std::uint32_t value, int limit, const char* what)
+{
+    requireContent(value <= static_cast<std::uint32_t>(limit), what);
+    return static_cast<int>(value);
+}
+
+// Sizes and looks of rows and columns.
+
+struct Axis {
+    int last; ///< the highest index
+    const char* what;
+};
+constexpr Axis rowAxis{maxRows, "行的设置不对"};
+constexpr Axis columnAxis{maxColumns, "列的设置不对"};
+
+using Entries = flatbuffers::Vector<const stored::AxisEntry*>;
+using Indexes = flatbuffers::Vector<std::uint32_t>;
+
+bool isOn(Axis axis, int index)
+{
+    return index >= 1 && index <= axis.last;
+}
+
+flatbuffers::Offset<Entries> writeSizes(flatbuffers::FlatBufferBuilder& builder, const AxisSizes& sizes,
+                                        Axis axis)
+{
+    std::vector<stored::AxisEntry> entries;
+    for (const auto& [index, size] : sizes.sizes) {
+        if (isOn(axis, index))
+            entries.emplace_back(static_cast<std::uint32_t>(index), limited(size, maxTwips));
+    }
+    return builder.CreateVectorOfStructs(entries);
+}
+
+flatbuffers::Offset<Indexes> writeHidden(flatbuffers::FlatBufferBuilder& builder, const AxisSizes& sizes,
+                                         Axis axis)
+{
+    std::vector<std::uint32_t> indexes;
+    for (const auto& [index, hidden] : sizes.hidden) {
+        if (hidden && isOn(axis, index))
+            indexes.push_back(static_cast<std::uint32_t>(index));
+    }
+    return builder.CreateVector(indexes);
+}
+
+flatbuffers::Offset<Entries> writeStyles(flatbuffers::FlatBufferBuilder& builder,
+                                         const std::map<int, std::uint32_t>& styles, StyleWriter& writer,
+                                         Axis axis)
+{
+    std::vector<stored::AxisEntry> entries;
+    for (const auto& [index, style] : styles) {
+        if (isOn(axis, index) && style != 0)
+            entries.emplace_back(static_cast<std::uint32_t>(index), writer.number(style));
+    }
+    return builder.CreateVectorOfStructs(entries);
+}
+
+/// Puts an entry behind the others; indexes must ascend.
+template <typename T>
+void append(std::map<int, T>& entries, std::uint32_t index, T value, Axis axis)
+{
+    const int at = checked(index, axis.last, axis.what);
+    requireContent(at > (entries.empty() ? 0 : entries.rbegin()->first), axis.what);
+    entries.emplace_hint(entries.end(), at, value);
+}
+
+AxisSizes readSizes(std::uint32_t defaultSize, const Entries* sizes, const Indexes* hidden, Axis axis)
+{
+    AxisSizes result{checked(defaultSize, maxTwips, axis.what), {}, {}};
+    if (sizes) {
+        for (const stored::AxisEntry* entry : *sizes)
+            append(result.sizes, entry->index(), checked(entry->value(), maxTwips, axis.what), axis);
+    }
+    if (hidden) {
+        for (const std::uint32_t index : *hidden)
+            append(result.hidden, index, true, axis);
+    }
+    return result;
+}
+
+std::map<int, std::uint32_t> readStyles(const Entries* entries, std::span<const std::uint32_t> styles,
+                                        Axis axis)
+{
+    std::map<int, std::uint32_t> result;
+    if (entries) {
+        for (const stored::AxisEntry* entry : *entries) {
+            requireContent(entry->value() >= 1 && entry->value() < styles.size(), axis.what);
+            append(result, entry->index(), styles[entry->value()], axis);
+        }
+    }
+    return result;
+}
+
+// Spans and array formulas.
+
+flatbuffers::Offset<flatbuffers::Vector<const stored::Range*>>
+writeRanges(flatbuffers::FlatBufferBuilder& builder, const std::vector<CellRange>& ranges)
+{
+    std::vector<stored::Range> written;
+    for (const CellRange& range : ranges)
+        written.emplace_back(static_cast<std::uint32_t>(range.top), static_cast<std::uint32_t>(range.bottom),
+                             static_cast<std::uint16_t>(range.left), static_cast<std::uint16_t>(range.right));
+    return builder.CreateVectorOfStructs(written);
+}
+
+std::vector<CellRange> readRanges(const flatbuffers::Vector<const stored::Range*>* ranges, const char* what)
+{
+    std::vector<CellRange> result;
+    if (!ranges)
+        return result;
+    for (const stored::Range* range : *ranges) {
+        requireContent(range->left() >= 1 && range->left() <= range->right() &&
+                           range->right() <= maxColumns && range->top() >= 1 &&
+                           range->top() <= range->bottom() && range->bottom() <= maxRows,
+                       what);
+        result.push_back({range->left(), static_cast<int>(range->top()), range->right(),
+                          static_cast<int>(range->bottom())});
+    }
+    requireContent(!anyOverlap(result), what);
+    return result;
+}
+
+/// The cells of an array formula are those of its range, no more and no less.
+void checkArrays(const Sheet& sheet, const std::vector<CellRange>& arrays, const FormulaPool& formulas)
+{
+    static constexpr const char* what = "数组公式的范围不符";
+    std::int64_t inRanges = 0, inCells = 0;
+    for (const CellRange& range : arrays) {
+        inRanges += std::int64_t(range.rows()) * range.columns();
+        const Column* first = sheet.column(range.left);
+        const std::uint32_t formula = first ? first->formula(range.top) : 0;
+        requireContent(formula != 0 && formulas[formula].isArrayFormula, what);
+        for (int column = range.left; column <= range.right; ++column) {
+            const Column* cells = sheet.column(column);
+            for (int row = range.top; row <= range.bottom; ++row)
+                requireContent(cells && cells->formula(row) == formula, what);
+        }
+    }
+    for (int column = 1; column <= sheet.storedColumns(); ++column) {
+        for (const Column::Slot& slot : sheet.column(column)->slots()) {
+            const std::uint32_t* numbers = slot.block->formulas();
+            for (int i = 0; numbers && i < slot.block->count(); ++i)
+                inCells += numbers[i] != 0 && formulas[numbers[i]].isArrayFormula;
+        }
+    }
+    requireContent(inCells == inRanges, what);
+}
+
+// Print settings.
+
+flatbuffers::Offset<stored::Print> writePrint(flatbuffers::FlatBufferBuilder& builder,
+                                              const PrintSettings& print)
+{
+    const auto header = builder.CreateString(print.header);
+    const auto footer = builder.CreateString(print.footer);
+    return stored::CreatePrint(
+        builder, limited(print.marginTop, maxTwips), limited(print.marginBottom, maxTwips),
+        limited(print.marginLeft, maxTwips), limited(print.marginRight, maxTwips), print.landscape, header,
+        footer, print.columnHeadings, print.rowHeadings, print.gridLines, print.border, print.colour,
+        print.shadows, limited(print.titleTop, maxRows), limited(print.titleBottom, maxRows));
+}
+
+PrintSettings readPrint(const stored::Print* stored)
+{
+    static constexpr const char* what = "打印设置不对";
+    PrintSettings print;
+    if (!stored)
+        return print;
+    print.marginTop = checked(stored->margin_top(), maxTwips, what);
+    print.marginBottom = checked(stored->margin_bottom(), maxTwips, what);
+    print.marginLeft = checked(stored->margin_left(), maxTwips, what);
+    print.marginRight = checked(stored->margin_right(), maxTwips, what);
+    print.landscape = stored->landscape();
+    print.header = stored->header() ? stored->header()->str() : std::string();
+    print.footer = stored->footer() ? stored->footer()->str() : std::string();
+    print.columnHeadings = stored->column_headings();
+    print.rowHeadings = stored->row_headings();
+    print.gridLines = stored->grid_lines();
+    print.border = stored->border();
+    print.colour = stored->colour();
+    print.shadows = stored->shadows();
+    print.titleTop = checked(stored->title_top(), maxRows, what);
+    print.titleBottom = checked(stored->title_bottom(), maxRows, what);
+    return print;
+}
+
+} // namespace
+
+flatbuffers::Offset<stored::Sheet> writeSheet(flatbuffers::FlatBufferBuilder& builder, const Sheet& sheet,
+                                              CellWriters writers)
+{
+    const SheetSettings& settings = sheet.settings();
+    const auto name = builder.CreateString(settings.name);
+    const auto heights = writeSizes(builder, settings.rows, rowAxis);
+    const auto widths = writeSizes(builder, settings.columns, columnAxis);
+    const auto hiddenRows = writeHidden(builder, settings.rows, rowAxis);
+    const auto hiddenColumns = writeHidden(builder, settings.columns, columnAxis);
+    const auto rowStyles = writeStyles(builder, settings.rowStyles, writers.styles, rowAxis);
+    const auto columnStyles = writeStyles(builder, settings.columnStyles, writers.styles, columnAxis);
+    const auto spans = writeRanges(builder, settings.spans);
+    const auto arrays = writeRanges(builder, settings.arrays);
+    const auto print = writePrint(builder, settings.print);
+    const WrittenCells cells = writeCells(builder, sheet, writers);
+    return stored::CreateSheet(
+        builder, name, limited(settings.rowCount, maxRows), limited(settings.columnCount, maxColumns),
+        limited(settings.rows.defaultSize, maxTwips), limited(settings.columns.defaultSize, maxTwips),
+        heights, widths, hiddenRows, hiddenColumns, rowStyles, columnStyles, spans, arrays,
+        limited(settings.frozenRows, maxRows), limited(settings.frozenColumns, maxColumns), print,
+        cells.stretches, cells.kinds, cells.payloads, cells.styles, cells.formulas, cells.tags,
+        cells.shownTexts);
+}
+
+void readSheet(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& meanings,
+               const FormulaPool& formulas)
+{
+    readCells(stored, sheet, meanings);
+    SheetSettings settings;
+    settings.name = sheet.name();
+    settings.rowCount = checked(stored.row_count(), maxRows, "行数超出范围");
+    settings.columnCount = checked(stored.column_count(), maxColumns, "列数超出范围");
+    settings.rows =
+        readSizes(stored.default_row_height(), stored.row_heights(), stored.hidden_rows(), rowAxis);
+    settings.columns =
+        readSizes(stored.default_column_width(), stored.column_widths(), stored.hidden_columns(), columnAxis);
+    settings.rowStyles = readStyles(stored.row_styles(), meanings.styles, rowAxis);
+    settings.columnStyles = readStyles(stored.column_styles(), meanings.styles, columnAxis);
+    settings.spans = readRanges(stored.spans(), "合并单元格的范围不对");
+    settings.arrays = readRanges(stored.arrays(), "数组公式的范围不对");
+    settings.frozenRows = checked(stored.frozen_rows(), maxRows, "冻结的行数不对");
+    settings.frozenColumns = checked(stored.frozen_columns(), maxColumns, "冻结的列数不对");
+    settings.print = readPrint(stored.print());
+    checkArrays(sheet, settings.arrays, formulas);
+    sheet.changeSettings([&](SheetSettings& target) { target = std::move(settings); });
+}
+
+} // namespace spreadsheet
