@@ -152,10 +152,15 @@ void UndoJournal::redo()
     m_undo.push_back(std::move(step));
 }
 
-Sheet* UndoJournal::sheetOfId(int id)
+Sheet* UndoJournal::sheetOfId(int id, const Step& step)
 {
-    const int index = m_workbook.sheetIndexOfId(id);
-    return index == 0 ? nullptr : &m_workbook.sheet(index);
+    if (const int index = m_workbook.sheetIndexOfId(id))
+        return &m_workbook.sheet(index);
+    if (!step.sheets)
+        return nullptr;
+    const auto held =
+        std::ranges::find_if(*step.sheets, [id](const auto& sheet) { return sheet->id() == id; });
+    return held == step.sheets->end() ? nullptr : held->get();
 }
 
 void UndoJournal::exchange(Step& step)
@@ -167,14 +172,14 @@ void UndoJournal::exchange(Step& step)
     if (step.names)
         exchangeNames(*step.names);
     for (auto& [id, settings] : step.settings) {
-        if (Sheet* sheet = sheetOfId(id)) {
+        if (Sheet* sheet = sheetOfId(id, step)) {
             std::swap(settings, sheet->m_settings);
-            if (settings.name != sheet->name())
+            if (settings.name != sheet->name() && m_workbook.sheetIndexOfId(id) != 0)
                 m_workbook.respell(id);
         }
     }
     for (auto& [id, columns] : step.allColumns) {
-        Sheet* sheet = sheetOfId(id);
+        Sheet* sheet = sheetOfId(id, step);
         if (!sheet)
             continue;
         std::swap(columns, sheet->m_columns);
@@ -184,20 +189,19 @@ void UndoJournal::exchange(Step& step)
             noteDifference(id, static_cast<int>(i) + 1, i < columns.size() ? columns[i] : none,
                            i < sheet->m_columns.size() ? sheet->m_columns[i] : none);
     }
-    for (auto& [place, column] : step.columns)
-        exchangeColumn(place.first, place.second, column);
+    for (auto& [place, column] : step.columns) {
+        if (Sheet* sheet = sheetOfId(place.first, step))
+            exchangeColumn(*sheet, place.second, column);
+    }
     m_workbook.recalculation().noteMoved();
     m_workbook.noteEdit();
 }
 
-void UndoJournal::exchangeColumn(int sheetId, int column, Column& former)
+void UndoJournal::exchangeColumn(Sheet& sheet, int column, Column& former)
 {
-    Sheet* sheet = sheetOfId(sheetId);
-    if (!sheet)
-        return;
-    Column& present = sheet->loadColumn(column);
+    Column& present = sheet.loadColumn(column);
     std::swap(former, present);
-    noteDifference(sheetId, column, former, present);
+    noteDifference(sheet.id(), column, former, present);
 }
 
 /// Blocks that both states share hold the same cells, even where they stand in other rows: the

@@ -63,10 +63,11 @@ private:
 
     bool recording() const { return m_enabled && m_depth > 0; }
     void exchange(Step& step);
-    void exchangeColumn(int sheetId, int column, Column& former);
+    void exchangeColumn(Sheet& sheet, int column, Column& former);
     void noteDifference(int sheetId, int column, const Column& before, const Column& after);
     void exchangeNames(std::vector<std::uint32_t>& former);
-    Sheet* sheetOfId(int id);
+    /// Also a sheet that only the step holds, so that a step which adds a sheet and fills it is redone.
+    Sheet* sheetOfId(int id, const Step& step);
     std::size_t bytesOf(const Step& step);
     void trim();
 

@@ -85,7 +85,7 @@ std::optional<std::string> Workbook::addSheet(std::string_view name, int before)
     const auto place =
         before >= 1 && before <= sheetCount() ? m_sheets.begin() + (before - 1) : m_sheets.end();
     m_sheets.insert(place, std::make_shared<Sheet>(*this, m_nextSheetId++, std::string(name)));
-    m_recalculation->noteFormulas(); // formulas are kept by the index of their sheet
+    m_recalculation->noteMoved(); // formulas are kept by the index of their sheet
     noteEdit();
     return std::nullopt;
 }
@@ -102,7 +102,7 @@ std::optional<std::string> Workbook::removeSheet(int index)
     m_sheets.erase(m_sheets.begin() + (index - 1));
     if (m_activeSheet > index || m_activeSheet > sheetCount())
         --m_activeSheet;
-    m_recalculation->noteFormulas();
+    m_recalculation->noteMoved();
     noteEdit();
     return std::nullopt;
 }

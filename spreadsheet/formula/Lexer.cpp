@@ -91,7 +91,8 @@ Corner readCorner(std::string_view text)
         return {};
     }
     const std::string_view after = text.substr(at);
-    if (continuesName(after) || after.starts_with('(') || after.starts_with('$') || after.starts_with('!'))
+    if (continuesName(after) || after.starts_with('(') || after.starts_with(wideSigns[0].first) ||
+        after.starts_with('$') || after.starts_with('!'))
         return {};
     corner.length = at;
     return corner;

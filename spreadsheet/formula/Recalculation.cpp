@@ -13,6 +13,12 @@ namespace {
 /// Rounds of recomputing formulas whose precedents are only found while they run.
 constexpr int maxUnlistedRounds = 64;
 
+bool readsSeveralSheets(const Formula& formula)
+{
+    return std::ranges::any_of(formula.slots,
+                               [](const ReferenceSlot& slot) { return slot.firstSheet != slot.lastSheet; });
+}
+
 } // namespace
 
 Recalculation::Recalculation(Workbook& workbook)
@@ -121,7 +127,8 @@ void Recalculation::markChanges()
     const auto runs = m_graph.runs();
     for (std::size_t run = 0; run < runs.size(); ++run) {
         const Formula& formula = m_workbook.formulas()[runs[run].formula];
-        if ((m_moved && formula.dependsOnPlace) || (m_namesChanged && !formula.names.empty()))
+        if ((m_moved && (formula.dependsOnPlace || readsSeveralSheets(formula))) ||
+            (m_namesChanged && !formula.names.empty()))
             markWholeRun(static_cast<std::int32_t>(run));
     }
 }

@@ -24,7 +24,7 @@ public:
     void noteFormulas() { m_graphStale = true; }
     /// A name got another meaning: formulas that mention names are computed anew.
     void noteNames() { m_graphStale = m_namesChanged = true; }
-    /// Cells moved: formulas that depend on their place are computed anew.
+    /// Cells or sheets moved: formulas that depend on their place or read several sheets are computed anew.
     void noteMoved() { m_graphStale = m_moved = true; }
     void forgetChanges();
 

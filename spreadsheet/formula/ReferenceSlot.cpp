@@ -35,6 +35,10 @@ bool needsQuotes(std::string_view name)
 {
     if (name.empty() || (name.front() >= '0' && name.front() <= '9') || parseCellName(name))
         return true;
+    for (const std::string_view sign : {"（", "）", "，", "；", "\u3000"}) { // formulas take them as signs
+        if (name.find(sign) != std::string_view::npos)
+            return true;
+    }
     return !std::ranges::all_of(name, [](char c) {
         const auto byte = static_cast<unsigned char>(c);
         return byte >= 0x80 || byte == '_' || byte == '.' || (byte >= '0' && byte <= '9') ||

@@ -1,0 +1,82 @@
+#include "tests/spreadsheet/functions/FormulaSheet.h"
+
+using namespace spreadsheet;
+
+TEST(Sheets, StepThatAddsAndFillsASheetIsRedoneWhole)
+{
+    Workbook workbook;
+    workbook.setUndoEnabled(true);
+    {
+        const UndoStep step(workbook, "导入");
+        workbook.addSheet("二月");
+        workbook.sheet(2).setNumber({1, 1}, 7);
+        workbook.renameSheet(2, "三月");
+    }
+    workbook.undo();
+    EXPECT_EQ(workbook.sheetCount(), 1);
+    workbook.redo();
+    EXPECT_EQ(workbook.sheet(2).name(), "三月");
+    EXPECT_EQ(valueText(workbook.sheet(2).value({1, 1})), "7");
+}
+
+TEST(Sheets, StepThatEditsAndRemovesASheetIsUndoneTwice)
+{
+    Workbook workbook;
+    workbook.addSheet("二月");
+    workbook.sheet(2).setNumber({1, 1}, 1);
+    workbook.setUndoEnabled(true);
+    {
+        const UndoStep step(workbook, "删除");
+        workbook.sheet(2).setNumber({1, 1}, 2);
+        workbook.removeSheet(2);
+    }
+    for (int round = 0; round < 2; ++round) {
+        workbook.undo();
+        EXPECT_EQ(valueText(workbook.sheet(2).value({1, 1})), "1") << round;
+        workbook.redo();
+        EXPECT_EQ(workbook.sheetCount(), 1) << round;
+    }
+}
+
+TEST(Sheets, SumsThroughSheetsFollowTheirOrder)
+{
+    Workbook workbook;
+    for (const char* name : {"Sheet2", "Sheet3", "Sheet4"})
+        workbook.addSheet(name);
+    for (int index = 1; index <= 4; ++index)
+        workbook.sheet(index).setNumber({1, 1}, index == 1 ? 1 : index == 2 ? 10 : index == 3 ? 100 : 1000);
+    ASSERT_FALSE(workbook.sheet(1).setFormula({2, 1}, "SUM(Sheet1:Sheet3!A1)"));
+    workbook.setUndoEnabled(true);
+    const auto sum = [&] {
+        workbook.recalculateChanged();
+        return valueText(workbook.sheet(1).value({2, 1}));
+    };
+    EXPECT_EQ(sum(), "111");
+    workbook.moveSheet(4, 2);
+    EXPECT_EQ(sum(), "1111") << "a sheet moved in between";
+    workbook.removeSheet(3); // Sheet2
+    EXPECT_EQ(sum(), "1101") << "a sheet between the ends removed";
+    workbook.undo();
+    EXPECT_EQ(sum(), "1111");
+    workbook.undo();
+    EXPECT_EQ(sum(), "111");
+}
+
+TEST(Sheets, NameWithWideSignsStaysReadableInFormulas)
+{
+    Workbook workbook;
+    workbook.addSheet("二月");
+    Sheet& sheet = workbook.sheet(1);
+    ASSERT_FALSE(sheet.setFormula({1, 1}, "二月!B2"));
+    for (const char* name : {"表（1）", "一，二", "三　四", "五；六"}) {
+        ASSERT_FALSE(workbook.renameSheet(2, name)) << name;
+        EXPECT_EQ(sheet.formula({1, 1}), "'" + std::string(name) + "'!B2");
+        EXPECT_FALSE(sheet.setFormula({1, 2}, sheet.formula({1, 1}))) << name;
+    }
+}
+
+TEST(Sheets, FunctionThatLooksLikeACellTakesWideBrackets)
+{
+    FormulaSheet sheet;
+    sheet.expect({{"LOG10（100）", "2"}, {"LOG10(100)", "2"}});
+}
