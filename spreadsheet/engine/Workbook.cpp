@@ -27,6 +27,26 @@ std::optional<std::string> sheetNameProblem(std::string_view name)
     return std::nullopt;
 }
 
+/// Names that a name may stand for, nested ones counted as often as they are evaluated.
+constexpr std::size_t maxNameUses = 4096;
+
+/// True if a name leads back to itself or stands for more than maxNameUses others.
+bool namesTooDeep(const NameTable& names, const FormulaPool& pool)
+{
+    for (int start = 0; start < names.size(); ++start) {
+        std::vector<int> open{start};
+        for (std::size_t uses = 0; !open.empty(); ++uses) {
+            const std::uint32_t formula = names[open.back()].formula;
+            open.pop_back();
+            if (uses > maxNameUses)
+                return true;
+            if (formula != 0)
+                open.insert(open.end(), pool[formula].names.begin(), pool[formula].names.end());
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 Workbook::Workbook()
@@ -184,8 +204,13 @@ std::optional<FormulaProblem> Workbook::defineName(std::string_view name, std::s
             return *problem;
         meaning = std::get<std::uint32_t>(parsed);
     }
+    const std::uint32_t former = (*m_names)[number].formula;
     m_journal->keepNames();
     m_names->define(number, meaning);
+    if (namesTooDeep(*m_names, *m_formulas)) {
+        m_names->define(number, former);
+        return FormulaProblem{0, "名称引用了自己,或嵌套得太多"};
+    }
     m_recalculation->noteNames();
     noteEdit();
     return std::nullopt;

@@ -49,6 +49,8 @@ struct Frame {
     std::size_t position = 0;
     std::size_t operators = 0; ///< size of the operator stack when it opened
     int arguments = 0;         ///< finished ones
+    int argumentStart = 0;     ///< position in the code of the present argument
+    int firstSlot = -1;        ///< slot of the first argument if that is a plain reference
     int depth = 0;             ///< operands below
     int pendingJump = -1;      ///< a jump whose target is the next argument
     int condition = -1;        ///< the jump behind IF's condition
@@ -140,6 +142,8 @@ private:
             const Op op = m_operators.back().op;
             m_operators.pop_back();
             emit(op);
+            if (op == Op::range) // the cells between two corners stand in no slot
+                m_formula.readsUnlisted = m_formula.isVolatile = true;
             if (op != Op::negate && op != Op::plus)
                 --m_depth;
         }
@@ -269,6 +273,7 @@ private:
         opened.position = token().position;
         opened.operators = m_operators.size();
         opened.depth = m_depth;
+        opened.argumentStart = here();
         opened.outerArrayMode = frame().arrayMode;
         opened.arrayMode = opened.outerArrayMode;
         m_frames.push_back(std::move(opened));
@@ -325,9 +330,25 @@ private:
     {
         reduce(-1);
         ++frame().arguments;
+        noteWidened();
         if (branching())
             branchAfterArgument();
         setArgumentMode();
+    }
+
+    /// The third argument of SUMIF and its like is read as far as the first one reaches.
+    void noteWidened()
+    {
+        Frame& open = frame();
+        const bool plain = here() - open.argumentStart == 1 && m_formula.code.back().op == Op::reference;
+        open.argumentStart = here();
+        if (!plain || !open.function || !open.function->has(sumsBeside))
+            return;
+        const int slot = m_formula.code.back().index;
+        if (open.arguments == 1)
+            open.firstSlot = slot;
+        else if (open.arguments == 3 && open.firstSlot >= 0)
+            m_formula.widened.push_back({slot, open.firstSlot});
     }
 
     void closeCall()

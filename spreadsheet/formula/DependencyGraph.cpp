@@ -30,12 +30,28 @@ void DependencyGraph::build(const Workbook& workbook)
     chooseOrders();
 }
 
+/// What the names of a formula stand for works as if it stood in the formula itself.
+void DependencyGraph::addNameTraits(const Workbook& workbook, const Formula& formula, Run& run, int depth)
+{
+    for (const int name : formula.names) {
+        const std::uint32_t meaning = workbook.names()[name].formula;
+        if (meaning == 0 || depth == maxNameDepth)
+            continue;
+        const Formula& meant = workbook.formulas()[meaning];
+        run.isCustom = run.isCustom || meant.callsCustom();
+        run.isVolatile = run.isVolatile || meant.isVolatile;
+        run.readsUnlisted = run.readsUnlisted || meant.readsUnlisted;
+        addNameTraits(workbook, meant, run, depth + 1);
+    }
+}
+
 void DependencyGraph::addRun(const Workbook& workbook, Run run)
 {
     const Formula& formula = workbook.formulas()[run.formula];
     run.isCustom = formula.callsCustom();
     run.isVolatile = formula.isVolatile;
     run.readsUnlisted = formula.readsUnlisted;
+    addNameTraits(workbook, formula, run, 0);
     auto& columns = m_sheets[static_cast<std::size_t>(run.sheet)].columns;
     for (int column = run.cells.left; column <= run.cells.right; ++column) {
         if (static_cast<int>(columns.size()) <= column)
@@ -99,9 +115,34 @@ void DependencyGraph::collectReadings(const Workbook& workbook)
     m_firstReading.push_back(static_cast<std::int32_t>(m_readings.size()));
 }
 
+/// Takes a reading as far right and down as another reference reaches, for a formula in the given cells.
+void DependencyGraph::widen(Reading& reading, const ReferenceSlot& like, CellAddress first, CellAddress last)
+{
+    int rows = 1;
+    int columns = 1;
+    for (const CellAddress base : {first, last}) {
+        if (const auto range = like.range(base)) {
+            rows = std::max(rows, range->rows());
+            columns = std::max(columns, range->columns());
+        }
+    }
+    const bool steady = like.isSingleCell() || like.top.absolute == like.bottom.absolute;
+    reading.cells.right =
+        std::min(maxColumns, std::max(reading.cells.right, reading.cells.left + columns - 1));
+    if (steady && reading.top.absolute == reading.bottom.absolute) {
+        const int reach = std::max(reading.bottom.value, reading.top.value + rows - 1);
+        reading.cells.bottom = std::min(maxRows, reading.cells.bottom + reach - reading.bottom.value);
+        reading.bottom.value = reach;
+    } else {
+        reading.cells.bottom = std::min(maxRows, reading.cells.bottom + rows - 1);
+        reading.bottom = {reading.cells.bottom, true};
+    }
+}
+
 void DependencyGraph::addReadings(const Workbook& workbook, const Run& run, const Formula& formula, int depth)
 {
-    for (const ReferenceSlot& slot : formula.slots) {
+    for (std::size_t number = 0; number < formula.slots.size(); ++number) {
+        const ReferenceSlot& slot = formula.slots[number];
         const CellAddress first{run.cells.left, run.cells.top};
         const CellAddress last{run.cells.left, run.isArray ? run.cells.top : run.cells.bottom};
         const auto atFirst = slot.range(first);
@@ -128,6 +169,10 @@ void DependencyGraph::addReadings(const Workbook& workbook, const Run& run, cons
         reading.top = slot.top;
         reading.bottom = slot.isSingleCell() ? slot.top : slot.bottom;
         reading.wholeColumns = slot.shape == ReferenceSlot::Shape::columns;
+        for (const Formula::Widened& widened : formula.widened) {
+            if (widened.slot == static_cast<int>(number))
+                widen(reading, formula.slots[static_cast<std::size_t>(widened.like)], first, last);
+        }
         m_readings.push_back(reading);
     }
     for (const int name : formula.names) {

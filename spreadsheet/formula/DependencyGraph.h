@@ -96,9 +96,11 @@ private:
     friend class ComponentFinder;
 
     void collectRuns(const Workbook& workbook);
+    static void addNameTraits(const Workbook& workbook, const Formula& formula, Run& run, int depth);
     void addRun(const Workbook& workbook, Run run);
     void collectReadings(const Workbook& workbook);
     void addReadings(const Workbook& workbook, const Run& run, const Formula& formula, int depth);
+    static void widen(Reading& reading, const ReferenceSlot& like, CellAddress first, CellAddress last);
     void buildIndexes();
     void chooseOrders();
     Component::Order orderOf(const Component& component) const;
