@@ -45,7 +45,7 @@ std::size_t declaredSize(std::span<const std::byte> frame)
 void checkHeader(std::span<const std::byte> file)
 {
     if (file.size() < magic.size() || std::memcmp(file.data(), magic.data(), magic.size()) != 0)
-        throw ContentError("这不是报表文件");
+        throw ContentError("报表内容无法识别: 这不是报表文件");
     requireContent(file.size() > headerSize, "文件不完整");
     std::uint32_t version = 0;
     for (std::size_t i = 0; i < 4; ++i)

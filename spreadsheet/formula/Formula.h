@@ -67,6 +67,13 @@ struct Formula {
     std::vector<std::string> pieces;
     std::vector<ReferenceSlot> slots;
 
+    /// A reference that is read as far as another one reaches, as the third argument of SUMIF.
+    struct Widened {
+        int slot;
+        int like;
+    };
+    std::vector<Widened> widened;
+
     std::vector<Instruction> code;
     std::vector<double> numbers;
     std::vector<Text> texts;

@@ -30,6 +30,7 @@ enum FunctionTrait : std::uint8_t {
     readsUnlisted = 2,  ///< may read cells that its arguments do not name
     dependsOnPlace = 4, ///< depends on where its cell stands
     branches = 8,       ///< compiled into jumps: arguments that are not needed are not evaluated
+    sumsBeside = 16,    ///< its third argument is read as far as its first one reaches
 };
 
 inline constexpr int manyArguments = 255;

@@ -195,7 +195,7 @@ const FunctionDescriptor table[] = {
     {"SUMSQ", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回所有参数的平方和", sumOfSquares},
     {"SUMPRODUCT", 1, manyArguments, "a", family, "数组1,[数组2,…]", "把各数组中对应的元素相乘，返回乘积之和",
      sumProduct},
-    {"SUMIF", 2, 3, "rvr", family, "区域,条件,[求和区域]", "对满足条件的单元格求和", sumIf},
+    {"SUMIF", 2, 3, "rvr", family, "区域,条件,[求和区域]", "对满足条件的单元格求和", sumIf, sumsBeside},
     {"SUMIFS", 3, manyArguments, "rrv", family, "求和区域,条件区域1,条件1,[…]", "对满足多个条件的单元格求和",
      sumIfs, pure, 2},
     {"SUBTOTAL", 2, manyArguments, "vr", family, "功能代码,引用1,[引用2,…]",

@@ -1,6 +1,9 @@
 #include "component/clsSelfReport.h"
 #include "component/state/shared_state.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+#include "tests/platform/database/database_folder.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <tuple>
 
@@ -61,10 +64,13 @@ TEST(ClsSelfReport, InstancesShareOneStateAndAnyEndReleasesTheConnection)
     startAfresh();
     clsSelfReport first;
     first.cwSelfReportExe(5);
-    gCnn = openConnection("Provider=SQLite;Data Source=:memory:");
+    const std::string file = testing::TempDir() + "released.db";
+    createDatabase(file);
+    gCnn = openConnection("Provider=SQLite;Data Source=" + file);
     {
         const clsSelfReport second;
         EXPECT_EQ(gReportId, 5);
     }
     EXPECT_FALSE(gCnn);
+    std::filesystem::remove(file);
 }
