@@ -5,6 +5,7 @@
 #include <QVersionNumber>
 
 #include <atomic>
+#include <cstdio>
 
 namespace selfreport {
 
@@ -21,6 +22,13 @@ void refuseOtherToolkit()
         throw HostError(std::string("主程序的界面库版本过低,无法显示窗口: ") + qVersion());
 }
 
+/// Leaves out a complaint about a folder that only desktop sessions have.
+void passMessage(QtMsgType, const QMessageLogContext&, const QString& text)
+{
+    if (!text.contains(QLatin1String("XDG_RUNTIME_DIR")))
+        std::fprintf(stderr, "%s\n", qPrintable(text));
+}
+
 /// The toolkit ends the process when it finds no display, so one that always works stands last in line.
 void makeApplication(Display display)
 {
@@ -31,7 +39,10 @@ void makeApplication(Display display)
     const QByteArray asked = qgetenv("QT_QPA_PLATFORM");
     if (asked.isEmpty())
         qputenv("QT_QPA_PLATFORM", display == Display::needed ? "xcb;wayland;offscreen" : "offscreen");
+    const QtMessageHandler former = display == Display::none ? qInstallMessageHandler(passMessage) : nullptr;
     [[maybe_unused]] static const QApplication* const kept = new QApplication(count, arguments);
+    if (display == Display::none)
+        qInstallMessageHandler(former);
     if (asked.isEmpty())
         qunsetenv("QT_QPA_PLATFORM"); // not for the processes that the host starts
 }
