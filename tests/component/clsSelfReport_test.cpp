@@ -1,7 +1,6 @@
 #include "component/clsSelfReport.h"
 #include "component/state/shared_state.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
-#include "tests/platform/database/database_folder.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
