@@ -64,6 +64,13 @@ void StatementSheet::title(std::string_view text)
     m_sheet.setText({1, m_row}, text);
 }
 
+void StatementSheet::note(std::string_view text)
+{
+    nextRow(rowHeight);
+    m_sheet.addSpan(wholeRow());
+    m_sheet.setText({1, m_row}, text);
+}
+
 void StatementSheet::underTitle(std::string_view left, std::string_view centre, std::string_view right)
 {
     nextRow(rowHeight);

@@ -19,6 +19,8 @@ public:
     void title(std::string_view text);
     /// A line with one text at its left, centre and right.
     void underTitle(std::string_view left, std::string_view centre, std::string_view right);
+    /// An unframed line across all columns, below the rows.
+    void note(std::string_view text);
     /// A framed line of column headings on grey.
     void headings(std::initializer_list<std::string_view> texts);
     /// The same from texts that are not known beforehand.

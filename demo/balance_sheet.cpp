@@ -153,6 +153,7 @@ DemoReport balanceSheet(int year)
         if (isLast)
             sheet.emphasize();
     }
+    sheet.note("注：各项目按总账科目的期初余额、期末余额填列。");
     sheet.finish();
     return report;
 }

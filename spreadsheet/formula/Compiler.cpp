@@ -375,6 +375,8 @@ private:
         emit(Op::call, keep(m_formula.functions, &function), arguments);
         m_formula.isVolatile = m_formula.isVolatile || function.has(isVolatile);
         m_formula.readsUnlisted = m_formula.readsUnlisted || function.has(readsUnlisted);
+        m_formula.changesByItself =
+            m_formula.changesByItself || (function.has(isVolatile) && !function.has(readsUnlisted));
         m_formula.dependsOnPlace =
             m_formula.dependsOnPlace || (function.has(dependsOnPlace) && arguments == 0);
     }

@@ -4,12 +4,23 @@
 
 namespace spreadsheet {
 
+namespace {
+
+/// Custom calls that take what only shows while they run (INDIRECT) wait for everything else.
+constexpr std::int32_t lastWave = 1 << 20;
+
+} // namespace
+
 void ComponentFinder::run()
 {
     const std::size_t count = m_graph.m_runs.size();
     m_index.assign(count, -1);
     m_low.assign(count, 0);
     m_wave.assign(count, 0);
+    for (std::size_t run = 0; run < count; ++run) {
+        if (m_graph.m_runs[run].isCustom && m_graph.m_runs[run].readsUnlisted)
+            m_wave[run] = lastWave;
+    }
     for (std::size_t start = 0; start < count; ++start) {
         if (m_index[start] < 0)
             visit(static_cast<std::int32_t>(start));

@@ -41,6 +41,7 @@ void DependencyGraph::addNameTraits(const Workbook& workbook, const Formula& for
         run.isCustom = run.isCustom || meant.callsCustom();
         run.isVolatile = run.isVolatile || meant.isVolatile;
         run.readsUnlisted = run.readsUnlisted || meant.readsUnlisted;
+        run.changesByItself = run.changesByItself || meant.changesByItself;
         addNameTraits(workbook, meant, run, depth + 1);
     }
 }
@@ -51,6 +52,7 @@ void DependencyGraph::addRun(const Workbook& workbook, Run run)
     run.isCustom = formula.callsCustom();
     run.isVolatile = formula.isVolatile;
     run.readsUnlisted = formula.readsUnlisted;
+    run.changesByItself = formula.changesByItself;
     addNameTraits(workbook, formula, run, 0);
     auto& columns = m_sheets[static_cast<std::size_t>(run.sheet)].columns;
     for (int column = run.cells.left; column <= run.cells.right; ++column) {

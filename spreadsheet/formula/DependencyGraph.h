@@ -22,6 +22,7 @@ struct Run {
     bool isCustom = false; ///< calls a function that the program registers
     bool isVolatile = false;
     bool readsUnlisted = false;
+    bool changesByItself = false;
     std::int32_t component = -1;
 
     int column() const { return cells.left; }

@@ -117,6 +117,8 @@ int Evaluator::step(const Formula& formula, const Instruction& instruction, int 
         break;
     case Op::name:
         push(named(formula.names[index], place));
+        if (m_keep)
+            return static_cast<int>(formula.code.size());
         break;
     case Op::negate:
     case Op::plus:

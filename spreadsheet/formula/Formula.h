@@ -83,10 +83,11 @@ struct Formula {
     std::vector<int> customs;                         ///< numbers of CustomFunctions
 
     bool isArrayFormula = false;
-    bool isVolatile = false;     ///< evaluated by every recalculation
-    bool readsUnlisted = false;  ///< may read cells that its slots do not name (OFFSET, INDIRECT)
-    bool dependsOnPlace = false; ///< changes when its cell is moved (ROW() without argument)
-    bool blockwise = false;      ///< BlockEvaluator can take it
+    bool isVolatile = false;      ///< evaluated by every recalculation
+    bool changesByItself = false; ///< gives another value each time (RAND, NOW)
+    bool readsUnlisted = false;   ///< may read cells that its slots do not name (OFFSET, INDIRECT)
+    bool dependsOnPlace = false;  ///< changes when its cell is moved (ROW() without argument)
+    bool blockwise = false;       ///< BlockEvaluator can take it
     int stackDepth = 1;
 
     bool callsCustom() const { return !customs.empty(); }

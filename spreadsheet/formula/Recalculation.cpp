@@ -210,7 +210,9 @@ bool Recalculation::reevaluateUnlisted()
 {
     const auto runs = m_graph.runs();
     for (std::size_t at = 0; at < runs.size(); ++at) {
-        if (!runs[at].readsUnlisted || runs[at].isArray)
+        // A custom call is made once a recalculation (and so comes last), and what changes by itself
+        // would never settle.
+        if (!runs[at].readsUnlisted || runs[at].isArray || runs[at].isCustom || runs[at].changesByItself)
             continue;
         const Run& run = runs[at];
         const Formula& formula = m_workbook.formulas()[run.formula];
