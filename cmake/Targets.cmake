@@ -4,7 +4,8 @@
 add_library(our_warnings INTERFACE)
 target_compile_options(our_warnings INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wconversion -Wshadow -Werror>
-  $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion;-Wno-unknown-pragmas>) # as GCC understands the above
 
 # our_sources(VARIABLE FOLDER...): the sources directly in each folder.
 function(our_sources variable)

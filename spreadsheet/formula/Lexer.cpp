@@ -230,7 +230,7 @@ private:
     void errorValue()
     {
         for (const std::string_view error : cellErrorTexts) {
-            if (parseErrorText(rest().substr(0, error.size()))) {
+            if (rest().size() >= error.size() && parseErrorText(rest().substr(0, error.size()))) {
                 add(Token::Kind::error, error.size());
                 return;
             }

@@ -10,6 +10,8 @@ char FunctionDescriptor::kind(std::size_t argument) const
 {
     if (argument < kinds.size())
         return kinds[argument];
+    if (kinds.empty())
+        return 'v'; // takes none; the compiler asks before it counts them
     const auto step = static_cast<std::size_t>(repeat);
     return kinds[kinds.size() - step + (argument - kinds.size()) % step];
 }

@@ -1,0 +1,21 @@
+// Feeds any bytes to the content reader, as the content inside an intact frame: they are refused or make a
+// workbook that can be computed and stored.
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content_frame.h"
+
+#include <cstdint>
+#include <span>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    spreadsheet::Workbook workbook;
+    try {
+        spreadsheet::loadContent(workbook, spreadsheet::packContent(std::as_bytes(std::span(data, size))));
+    } catch (const spreadsheet::ContentError&) {
+        return 0;
+    }
+    workbook.recalculate();
+    spreadsheet::saveContent(workbook);
+    return 0;
+}
