@@ -234,6 +234,16 @@ void CellBlock::copyCells(int at, const CellBlock& other, int first, int count)
     copyOptional(m_shown, m_capacity, at, other.m_shown, first, count);
 }
 
+std::size_t CellBlock::ownTextBytes() const
+{
+    std::size_t sum = 0;
+    for (int i = 0; i < m_count; ++i) {
+        if (m_kinds[i] == ValueKind::text && m_payloads[i].text && m_payloads[i].text->references == 1)
+            sum += sizeof(Text::Body) + m_payloads[i].text->size;
+    }
+    return sum;
+}
+
 std::size_t CellBlock::bytes() const
 {
     std::size_t perCell = sizeof(Payload) + sizeof(ValueKind);

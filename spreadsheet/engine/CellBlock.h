@@ -80,6 +80,8 @@ public:
 
     /// Bytes held, bookkeeping of the allocator left out.
     std::size_t bytes() const;
+    /// Bytes of texts that nobody else holds.
+    std::size_t ownTextBytes() const;
 
     std::uint32_t references = 0; ///< counted by BlockPointer
 

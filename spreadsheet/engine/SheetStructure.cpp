@@ -19,7 +19,8 @@ bool slotRefersTo(const ReferenceSlot& slot, const Sheet& holder, int sheetId)
                                 : slot.firstSheet == sheetId || slot.lastSheet == sheetId;
 }
 
-/// Shifts the two ends of a range along the axis; false if nothing of it is left.
+/// Shifts the two ends of a range along the axis; what is pushed off the sheet is cut. False if nothing
+/// of it is left.
 bool shiftEnds(const AxisShift& shift, int& first, int& last)
 {
     const bool firstCut = shift.isRemoved(first);
@@ -27,8 +28,8 @@ bool shiftEnds(const AxisShift& shift, int& first, int& last)
     if (firstCut && lastCut)
         return false;
     first = shift.moved(first);
-    last = lastCut ? shift.at - 1 : shift.moved(last);
-    return true;
+    last = std::min(lastCut ? shift.at - 1 : shift.moved(last), shift.limit());
+    return first <= shift.limit();
 }
 
 bool shiftRange(const AxisShift& shift, CellRange& range)
@@ -41,7 +42,7 @@ std::map<int, T> shiftedKeys(const std::map<int, T>& map, const AxisShift& shift
 {
     std::map<int, T> result;
     for (const auto& [index, value] : map) {
-        if (!shift.isRemoved(index))
+        if (!shift.isRemoved(index) && shift.moved(index) <= shift.limit())
             result.emplace(shift.moved(index), value);
     }
     return result;
@@ -88,10 +89,11 @@ bool SheetStructure::refersTo(const Sheet& holder, std::uint32_t formula, int sh
 
 std::optional<std::string> SheetStructure::shift(Sheet& sheet, const AxisShift& shift)
 {
-    const int limit = shift.rows ? maxRows : maxColumns;
-    const int last = shift.rows ? sheet.lastDataRow() : sheet.lastDataColumn();
-    if (shift.at < 1 || shift.at > limit || shift.inserted + shift.removed < 1)
+    const int limit = shift.limit();
+    if (shift.at < 1 || shift.at > limit || shift.inserted < 0 || shift.removed < 0 ||
+        shift.inserted > limit || shift.removed > limit || shift.inserted + shift.removed == 0)
         return "行列号超出范围";
+    const int last = shift.rows ? sheet.lastDataRow() : sheet.lastDataColumn();
     if (last >= shift.at && last + shift.inserted - shift.removed > limit)
         return "表的末尾有数据,不能再插入";
     for (const CellRange& array : sheet.settings().arrays) {
@@ -149,6 +151,11 @@ void SheetStructure::collectRewrites(const Stretch& stretch, const Sheet& sheet,
                     else
                         break;
                 }
+                // … and so is each row that is pushed off the sheet.
+                for (int row = shift.limit() - shift.inserted + 1 - point.value;
+                     shift.inserted > 0 && row <= std::min(shift.limit() - point.value, stretch.lastRow);
+                     ++row)
+                    cutAt(row);
             }
         }
         std::ranges::sort(cuts);
@@ -284,7 +291,8 @@ void SheetStructure::shiftSettings(Sheet& sheet, const AxisShift& shift)
         !shiftEnds(shift, settings.print.titleTop, settings.print.titleBottom))
         settings.print.titleTop = settings.print.titleBottom = 0;
     int& count = shift.rows ? settings.rowCount : settings.columnCount;
-    count = std::clamp(count + shift.inserted - shift.removed, 1, shift.rows ? maxRows : maxColumns);
+    const int removed = std::clamp(count - (shift.at - 1), 0, shift.removed);
+    count = std::clamp(count + shift.inserted - removed, 1, shift.limit());
 }
 
 void SheetStructure::rewriteNames(const Sheet& sheet, const AxisShift& shift)

@@ -15,6 +15,7 @@ struct AxisShift {
     int inserted = 0;
     int removed = 0;
 
+    int limit() const { return rows ? maxRows : maxColumns; }
     bool isRemoved(int index) const { return index >= at && index < at + removed; }
     /// Where an index comes to lie; a removed one at the place of the cut.
     int moved(int index) const

@@ -18,7 +18,7 @@ std::size_t unsharedBytes(const Column& former)
     std::size_t sum = former.slots().size() * sizeof(Column::Slot);
     for (const Column::Slot& slot : former.slots()) {
         if (slot.block->references == 1)
-            sum += slot.block->bytes();
+            sum += slot.block->bytes() + slot.block->ownTextBytes();
     }
     return sum;
 }
@@ -74,6 +74,12 @@ std::size_t UndoJournal::bytesOf(const Step& step)
         sum += unsharedBytes(column);
     for (const auto& [sheet, columns] : step.allColumns) {
         for (const Column& column : columns)
+            sum += sizeof(Column) + unsharedBytes(column);
+    }
+    for (const auto& sheet : step.sheets.value_or(std::vector<std::shared_ptr<Sheet>>())) {
+        if (m_workbook.sheetIndexOfId(sheet->id()) != 0)
+            continue;
+        for (const Column& column : sheet->m_columns) // the step alone still holds this sheet
             sum += sizeof(Column) + unsharedBytes(column);
     }
     for (const auto& [sheet, settings] : step.settings)

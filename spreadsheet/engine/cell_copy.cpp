@@ -168,7 +168,11 @@ std::optional<std::string> Sheet::moveCells(const CellRange& from, Sheet& target
     if (auto problem = outside(to, from))
         return problem;
     const CellRange goal{to.column, to.row, to.column + from.columns() - 1, to.row + from.rows() - 1};
-    if (cutsArray(*this, from) || cutsArray(target, goal))
+    const auto cutAtGoal = [&](const CellRange& array) { // arrays that move along are out of the way
+        const bool moves = &target == this && from.contains(array);
+        return !moves && array.intersects(goal) && !goal.contains(array);
+    };
+    if (cutsArray(*this, from) || std::ranges::any_of(target.m_settings.arrays, cutAtGoal))
         return "不能更改数组公式的一部分";
     const UndoStep step(m_workbook, "移动");
     // First everything that points into the range, its own formulas included, then the cells.

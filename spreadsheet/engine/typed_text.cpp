@@ -32,7 +32,10 @@ std::optional<double> moneyAmount(std::string_view text)
     for (const std::string_view sign : {"￥", "¥", "$"}) {
         if (!text.starts_with(sign))
             continue;
-        const auto amount = numberOfGroupedText(text.substr(sign.size()));
+        text.remove_prefix(sign.size());
+        if (negative && text.find_first_of("+-") == 0)
+            return std::nullopt;
+        const auto amount = numberOfGroupedText(text);
         return amount && negative ? -*amount : amount;
     }
     return std::nullopt;

@@ -26,6 +26,10 @@ bool NameTable::isValid(std::string_view name)
     if (name.empty() || name.size() > 255 || (name.front() >= '0' && name.front() <= '9') ||
         name.front() == '.' || parseCellName(name))
         return false;
+    for (const std::string_view sign : {"（", "）", "，", "；", "\u3000"}) { // read as brackets and the like
+        if (name.find(sign) != std::string_view::npos)
+            return false;
+    }
     const std::string folded = foldedName(name);
     if (folded == "TRUE" || folded == "FALSE")
         return false;
