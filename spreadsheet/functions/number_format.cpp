@@ -213,6 +213,14 @@ std::optional<std::string> numberBySection(const FormatSection& section, double 
     return withSign && number < 0 && !text.empty() ? "-" + text : text;
 }
 
+/// Such a section says itself how a negative number looks, like the second one without conditions.
+bool holdsOnlyNegative(const FormatSection& section)
+{
+    using Condition = FormatSection::Condition;
+    return (section.condition == Condition::less && section.limit <= 0) ||
+           (section.condition == Condition::lessEqual && section.limit < 0);
+}
+
 std::optional<std::string> numberText(const std::vector<FormatSection>& sections, double number)
 {
     using Condition = FormatSection::Condition;
@@ -223,7 +231,7 @@ std::optional<std::string> numberText(const std::vector<FormatSection>& sections
         for (std::size_t i = 0; i < count; ++i) {
             const bool bySign = i == 1 && count > 2 && sections[i].condition == Condition::none;
             if (bySign ? number < 0 : sections[i].holds(number))
-                return numberBySection(sections[i], number, !bySign);
+                return numberBySection(sections[i], number, !bySign && !holdsOnlyNegative(sections[i]));
         }
         return std::string("#");
     }
