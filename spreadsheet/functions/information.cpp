@@ -37,7 +37,7 @@ Operand errorNumber(Call& call)
 
 Operand typeNumber(Call& call)
 {
-    if (call[0].isArray() || (call[0].isArea() && call.rows(0) * call.columns(0) > 1))
+    if (call[0].isArray() || (call[0].isArea() && (call.rows(0) > 1 || call.columns(0) > 1)))
         return 64.0;
     const Value value = call.value(0);
     switch (value.kind()) {
