@@ -100,7 +100,8 @@ std::optional<CellRange> parseAnyRange(std::string_view text)
         return CellRange{std::min(*left, *right), 1, std::max(*left, *right), maxRows};
     const auto top = parseNumber(first);
     const auto bottom = parseNumber(last);
-    if (!top || !bottom || *top < 1 || *bottom < 1 || *top > maxRows || *bottom > maxRows)
+    const bool whole = top && bottom && *top == std::trunc(*top) && *bottom == std::trunc(*bottom);
+    if (!whole || *top < 1 || *bottom < 1 || *top > maxRows || *bottom > maxRows)
         return std::nullopt;
     return CellRange{1, static_cast<int>(std::min(*top, *bottom)), maxColumns,
                      static_cast<int>(std::max(*top, *bottom))};
@@ -197,7 +198,7 @@ Operand addressText(Call& call)
     const int row = call.integer(0);
     const int column = call.integer(1);
     const int style = call.given(2) ? call.integer(2) : 1; // 1 both fixed, 2 row, 3 column, 4 neither
-    const bool letters = call.logical(3, true);
+    const bool letters = call.given(3) ? call.logical(3) : true;
     const std::string sheet = call.text(4, "");
     if (call.failed())
         return call.error();
