@@ -110,7 +110,9 @@ Operand weekday(Call& call)
 int isoWeek(int serial)
 {
     const int thursday = serial - (weekdayOf(serial) + 6) % 7 + 3;
-    const CalendarDay day = *dayOfSerial(std::max(thursday, 0));
+    if (thursday < 1)
+        return 52; // the days before the first Monday belong to 1899
+    const CalendarDay day = *dayOfSerial(thursday);
     return (thursday - *serialOfDay(day.year, 1, 1)) / 7 + 1;
 }
 

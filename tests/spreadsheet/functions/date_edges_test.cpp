@@ -1,0 +1,97 @@
+#include "tests/spreadsheet/functions/FormulaSheet.h"
+
+using namespace spreadsheet;
+
+TEST(DateEdges, MonthEndsAndWeeks)
+{
+    FormulaSheet sheet;
+    sheet.expect({
+        {"DATE(1900,3,1)-DATE(1900,2,28)", "2"}, // the day 60 between them
+        {"WEEKDAY(60)", "4"},
+        {"EOMONTH(1,1)", "60"},
+        {"EDATE(31,1)", "60"},
+        {"EDATE(DATE(2011,3,31),-1)=DATE(2011,2,28)", "TRUE"},
+        {"EDATE(DATE(2012,2,29),12)=DATE(2013,2,28)", "TRUE"},
+        {"EDATE(40607.9,1.9)", "40638"},
+        {"EDATE(2958465,1)", "#NUM!"},
+        {"EDATE(\"x\",1)", "#VALUE!"},
+        {"EOMONTH(DATE(2012,1,15),1)=DATE(2012,2,29)", "TRUE"},
+        {"EOMONTH(DATE(2011,3,5),-3)=DATE(2010,12,31)", "TRUE"},
+        {"DATEDIF(DATE(2011,1,31),DATE(2011,2,28),\"m\")", "0"},
+        {"DATEDIF(DATE(2008,2,29),DATE(2011,2,28),\"Y\")", "2"},
+        {"DATEDIF(DATE(2008,2,29),DATE(2011,3,1),\"y\")", "3"},
+        {"DATEDIF(DATE(2010,12,20),DATE(2011,1,5),\"yd\")", "16"},
+        {"DATEDIF(DATE(2010,12,20),DATE(2011,1,5),\"md\")", "16"},
+        {"DATEDIF(1,1,\"d\")", "0"},
+        {"WEEKDAY(40607,3)", "5"}, // a Saturday
+        {"WEEKDAY(40607,12)", "5"},
+        {"WEEKDAY(40607,14)", "3"},
+        {"WEEKDAY(40607,16)", "1"},
+        {"WEEKDAY(40607,0)", "#NUM!"},
+        {"WEEKNUM(DATE(2012,1,8))", "2"}, // 2012 began on a Sunday
+        {"WEEKNUM(DATE(2012,1,2),2)", "2"},
+        {"WEEKNUM(DATE(2012,1,2),12)", "1"},
+        {"WEEKNUM(DATE(2012,1,3),12)", "2"},
+        {"WEEKNUM(DATE(2012,1,7),16)", "2"},
+        {"WEEKNUM(DATE(2012,12,31))", "53"},
+        {"WEEKNUM(DATE(2012,12,31),21)", "1"},
+        {"ISOWEEKNUM(DATE(2010,1,3))", "53"},
+        {"ISOWEEKNUM(1)", "52"}, // of 1899
+        {"ISOWEEKNUM(2)", "1"},
+    });
+}
+
+TEST(DateEdges, FractionsAndWorkingDays)
+{
+    FormulaSheet sheet;
+    sheet.expect({
+        {"YEARFRAC(DATE(2012,2,29),DATE(2012,3,31))*360", "30"},
+        {"YEARFRAC(DATE(2011,2,28),DATE(2012,2,29))", "1"},
+        {"YEARFRAC(DATE(2011,1,29),DATE(2011,1,31))*360", "2"},
+        {"YEARFRAC(DATE(2011,1,30),DATE(2011,1,31))", "0"},
+        {"YEARFRAC(DATE(2011,3,1),DATE(2012,2,29),1)*366", "365"},
+        {"YEARFRAC(DATE(2011,3,1),DATE(2012,2,28),1)*365", "364"},
+        {"YEARFRAC(DATE(2010,6,1),DATE(2012,6,1),1)*1096/3", "731"},
+        {"YEARFRAC(DATE(2012,1,1),DATE(2012,12,31),2)*360", "365"},
+        {"YEARFRAC(DATE(2012,1,1),DATE(2012,12,31),3)*365", "365"},
+        {"YEARFRAC(DATE(2011,1,31),DATE(2011,2,28),4)*360", "28"},
+        {"YEARFRAC(1,2,-1)", "#NUM!"},
+        {"NETWORKDAYS(40609,40609)", "1"},
+        {"NETWORKDAYS(40609,40613,{40609,40610})", "3"},
+        {"NETWORKDAYS(40613,40609,40610)", "-4"},
+        {"WORKDAY(40607,1)", "40609"}, // from a Saturday
+        {"WORKDAY(40607,-1)", "40606"},
+        {"WORKDAY(40607,0)", "40607"},
+        {"WORKDAY(40606,1,40609)", "40610"},
+        {"WORKDAY(40609,-1,{40606,40605})", "40604"},
+        {"WORKDAY(40606,260)", "40970"},
+        {"WORKDAY(40606,1,\"x\")", "#VALUE!"},
+    });
+}
+
+TEST(DateEdges, TextsAndClock)
+{
+    FormulaSheet sheet;
+    sheet.expect({
+        {"DATEVALUE(\"3/5/29\")=DATE(2029,3,5)", "TRUE"},
+        {"DATEVALUE(\"3/5/30\")=DATE(1930,3,5)", "TRUE"},
+        {"DATEVALUE(\"2011-13-1\")", "#VALUE!"},
+        {"DATEVALUE(\"2011-3-5x\")", "#VALUE!"},
+        {"DATEVALUE(\"2011\")", "#VALUE!"},
+        {"DATEVALUE(\"1899-12-31\")", "#VALUE!"},
+        {"DATEVALUE(\"\")", "#VALUE!"},
+        {"TIMEVALUE(\"6:45 PM\")", "0.78125"},
+        {"TIMEVALUE(\"24:00\")", "0"},
+        {"TIMEVALUE(\"8 AM\")*24", "8"},
+        {"TIMEVALUE(\"下午3:30\")*24", "15.5"},
+        {"TIMEVALUE(\"8时30分\")*24", "8.5"},
+        {"TIMEVALUE(\"13:00 PM\")", "#VALUE!"},
+        {"TIMEVALUE(\"12:60\")", "#VALUE!"},
+        {"TIME(24,0,0)", "0"},
+        {"TIME(0,1500,0)*24", "1"},
+        {"TIME(1,-30,0)*48", "1"},
+        {"TIME(1,0,-3601)", "#NUM!"},
+        {"TIME(0,0,32768)", "#NUM!"},
+        {"TIME(1.9,0,0)*24", "1"},
+    });
+}
