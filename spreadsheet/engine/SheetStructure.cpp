@@ -336,6 +336,7 @@ void SheetStructure::breakReferences(int sheetId)
         for (ReferenceSlot& slot : slots) {
             if (slot.firstSheet != 0 && slotRefersTo(slot, holder, sheetId)) {
                 slot.shape = ReferenceSlot::Shape::broken;
+                slot.firstSheet = slot.lastSheet = 0; // renaming the other end must not bring it back
                 slot.sheetText.clear();
             }
         }

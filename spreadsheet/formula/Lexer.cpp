@@ -329,19 +329,24 @@ private:
     {
         const int first = m_sheetId(names.front());
         const int last = m_sheetId(names.back());
+        const std::string sheetText(m_text.substr(start, mark + 1 - start));
+        static constexpr std::string_view broken = "#REF!";
+        if (m_text.substr(mark + 1).starts_with(broken)) { // its sheet may be gone as well
+            ReferenceSlot slot;
+            slot.shape = ReferenceSlot::Shape::broken;
+            if (first != 0 && last != 0) {
+                slot.firstSheet = first;
+                slot.lastSheet = last;
+            }
+            slot.sheetText = sheetText;
+            slot.sheetQuoted = sheetText.starts_with('\'');
+            return addSlot(start, std::move(slot), mark + 1 + broken.size());
+        }
         if (first == 0 || last == 0)
             return fail("没有名为“" + std::string(first == 0 ? names.front() : names.back()) + "”的表");
-        const std::string sheetText(m_text.substr(start, mark + 1 - start));
         m_at = mark + 1;
         if (areaReference(start, sheetText, first, last))
             return;
-        static constexpr std::string_view broken = "#REF!";
-        if (rest().starts_with(broken)) {
-            ReferenceSlot slot;
-            slot.shape = ReferenceSlot::Shape::broken;
-            slot.sheetText = sheetText;
-            return addSlot(start, std::move(slot), m_at + broken.size());
-        }
         fail("表名后面缺少单元格");
     }
 

@@ -107,8 +107,8 @@ void ReferenceSlot::appendKey(std::string& key) const
     if (firstSheet != 0) {
         append(firstSheet);
         append(lastSheet);
-        key += sheetText;
     }
+    key += sheetText; // a broken reference may still name a sheet that is gone
 }
 
 std::string sheetPrefix(std::string_view sheetName, std::string_view lastSheetName, bool quoted)

@@ -158,6 +158,31 @@ TEST(Content, AnEmptyWorkbookIsAContent)
     EXPECT_EQ(difference(Workbook(), loaded), "");
 }
 
+/// What was referred to may be gone, and its sheet later too: the text must still be read back.
+TEST(Content, BrokenReferencesComeBackLetterByLetter)
+{
+    Workbook workbook;
+    workbook.addSheet("二月");
+    workbook.addSheet("三月");
+    Sheet& sheet = workbook.sheet(1);
+    sheet.setFormula({1, 1}, "二月!B5+1");
+    sheet.setFormula({1, 2}, "#REF!+1");
+    sheet.setFormula({1, 3}, "SUM(二月:三月!A1)");
+    workbook.sheet(2).deleteRows(5, 1);
+    Workbook again; // reads the broken reference once before its sheet goes
+    loadContent(again, saveContent(workbook));
+    for (Workbook* book : {&workbook, &again}) {
+        book->removeSheet(2);
+        book->renameSheet(2, "四月");
+        EXPECT_EQ(book->sheet(1).formula({1, 1}), "二月!#REF!+1");
+        EXPECT_EQ(book->sheet(1).formula({1, 2}), "#REF!+1");
+        EXPECT_EQ(book->sheet(1).formula({1, 3}), "SUM(#REF!)");
+        Workbook loaded;
+        loadContent(loaded, saveContent(*book));
+        EXPECT_EQ(difference(*book, loaded), "");
+    }
+}
+
 TEST(Content, LoadingKeepsFunctionsHookAndUndoSetting)
 {
     Workbook stored;
