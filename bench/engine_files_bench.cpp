@@ -39,9 +39,13 @@ int main()
         numbers.sheet(1).setNumber({1, row}, amounts(random));
     bench(table, ".ss7 of 1,000,000 numbers", numbers);
 
-    Workbook formulas;
-    formulas.sheet(1).setFormula({2, 1}, "A1*2+1");
-    formulas.sheet(1).fillDown({2, 1, 2, 1'000'000});
+    Workbook formulas; // ten columns over one of amounts, so that their values hardly compress either
+    for (int row = 1; row <= 100'000; ++row)
+        formulas.sheet(1).setNumber({1, row}, amounts(random));
+    for (int column = 2; column <= 11; ++column) {
+        formulas.sheet(1).setFormula({column, 1}, "$A1*1.37+" + std::to_string(column));
+        formulas.sheet(1).fillDown({column, 1, column, 100'000});
+    }
     formulas.recalculate();
     bench(table, ".ss7 of 1,000,000 filled-down formulas", formulas);
     return table.finish();
