@@ -11,6 +11,12 @@ namespace selfreport {
 
 namespace {
 
+/// Most accounts of a range are kept by no items. Without this each of them is searched for every combination
+/// that meets the conditions, of which there may be thousands.
+constexpr std::string_view accountHasCombinations =
+    " and exists(select 1 from tblAccountBal as i where i.faccountid=b.fitemid and "
+    "(i.fDetailId>0 or i.fDetailId<0))";
+
 std::string periodCondition(const AcctSelection& selection)
 {
     switch (selection.kind->periods) {
@@ -30,6 +36,8 @@ std::string selectionConditions(const HandedText& handed, const AcctSelection& s
     std::string conditions;
     if (!handed.joinsItems())
         conditions += " and a.fDetailId=0";
+    else if (!handed.namesOneAccount())
+        conditions += std::string(accountHasCombinations);
     conditions += " and a.fYear=" + selection.year + periodCondition(selection);
     if (!selection.currency.empty())
         conditions += " and a.fCurrencyid=" + selection.currency;
@@ -59,7 +67,9 @@ std::string acctSql(std::string_view fromAndWhere, const AcctSelection& selectio
     // Four decimals hold every amount and quantity and take the noise of binary sums away.
     if (kind.side == AcctSide::both) {
         const std::string signedAmount = kind.byDirection ? amount + "*b.fDirection" : amount;
-        return "select round(sum(" + signedAmount + "),4) as f" + rows + " having count(" + amount + ")>0";
+        const std::string sum = "sum(" + signedAmount + ")";
+        // The same sum again costs nothing; a count would be kept for every row.
+        return "select round(" + sum + ",4) as f" + rows + " having " + sum + " is not null";
     }
     const std::string sign = kind.side == AcctSide::debit ? "" : "-";
     return "select round(sum(max(" + sign + "s,0)),4) as f from (select sum(" + amount + ") as s" + rows +
