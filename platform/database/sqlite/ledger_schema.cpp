@@ -8,7 +8,8 @@ namespace {
 
 // Balances are debit-positive: closing = opening + debit - credit. Names ending in For hold the original
 // currency, the others base currency. Their keys begin with account and item combination: an account's total
-// for a year is one run of rows, and so is a customer's.
+// for a year is one run of rows, and so is a customer's. Movements over many periods and items read tens of
+// thousands of rows, so they have a narrow index of their own that holds all that they read.
 constexpr const char* balanceTables = R"sql(
 create table tblAccountBal(
   faccountid integer not null, fDetailId integer not null, fYear integer not null, fPeriod integer not null,
@@ -20,6 +21,7 @@ create table tblAccountBal(
   fYtdCreditFor decimal(18,2) not null default 0, fYtdCredit decimal(18,2) not null default 0,
   fEndBalFor decimal(18,2) not null default 0, fEndBal decimal(18,2) not null default 0,
   primary key(faccountid,fDetailId,fYear,fPeriod,fCurrencyid)) without rowid;
+create index ixBalanceMovement on tblAccountBal(faccountid,fYear,fDetailId,fPeriod,fCurrencyid,fDebit,fCredit);
 create table tblQtyBalance(
   fAccountId integer not null, fDetailid integer not null, fYear integer not null, fPeriod integer not null,
   fCurrencyid integer not null,
