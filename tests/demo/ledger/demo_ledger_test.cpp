@@ -2,6 +2,7 @@
 
 #include "tests/platform/database/database_folder.h"
 
+#include <algorithm>
 #include <fstream>
 
 namespace selfreport {

@@ -1,6 +1,7 @@
 #include "spreadsheet/engine/UndoJournal.h"
 #include "spreadsheet/engine/Workbook.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 using namespace spreadsheet;
