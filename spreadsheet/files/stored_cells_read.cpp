@@ -2,6 +2,7 @@
 
 #include "spreadsheet/engine/Sheet.h"
 #include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/stored_vector.h"
 #include "spreadsheet/formula/FormulaPool.h"
 
 #include <algorithm>
@@ -87,6 +88,7 @@ void readValues(const stored::Sheet& stored, Sheet& sheet, const StoredTexts& te
 {
     const std::size_t cells = stored.kinds() ? stored.kinds()->size() : 0;
     requireContent(cells == (stored.payloads() ? stored.payloads()->size() : 0), "单元格的个数不符");
+    requireAlignedElements(stored.payloads());
     const std::uint32_t stretches = stored.stretches() ? stored.stretches()->size() : 0;
     requireContent(stretches <= maxStretches, "单元格分布太散");
     AscendingPlaces places("单元格的位置不对");

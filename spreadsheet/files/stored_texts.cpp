@@ -2,6 +2,7 @@
 
 #include "spreadsheet/files/content_frame.h"
 #include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/stored_vector.h"
 
 #include <cmath>
 
@@ -56,6 +57,7 @@ StoredTexts::StoredTexts(const stored::Content& content)
     }
     if (!content.counted_texts())
         return;
+    requireAlignedElements(content.counted_texts());
     for (const stored::CountedText* counted : *content.counted_texts()) {
         requireContent(counted->text() < m_texts.size(), "文本编号超出范围");
         requireContent(std::isfinite(counted->number()), "文本的数值不对");
