@@ -234,12 +234,18 @@ void CellBlock::copyCells(int at, const CellBlock& other, int first, int count)
     copyOptional(m_shown, m_capacity, at, other.m_shown, first, count);
 }
 
-std::size_t CellBlock::ownTextBytes() const
+std::size_t CellBlock::textBytes() const
 {
+    // A text that several cells share is laid on them in equal parts; the text pool is no owner.
+    const auto share = [](const Text::Body* text) {
+        return text ? (sizeof(Text::Body) + text->size) / std::max(1U, text->references - 1) : 0;
+    };
     std::size_t sum = 0;
     for (int i = 0; i < m_count; ++i) {
-        if (m_kinds[i] == ValueKind::text && m_payloads[i].text && m_payloads[i].text->references == 1)
-            sum += sizeof(Text::Body) + m_payloads[i].text->size;
+        if (m_kinds[i] == ValueKind::text)
+            sum += share(m_payloads[i].text);
+        sum += m_tags ? m_tags[i].view().size() : 0;
+        sum += m_shown ? m_shown[i].view().size() : 0;
     }
     return sum;
 }

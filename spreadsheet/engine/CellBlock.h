@@ -80,8 +80,8 @@ public:
 
     /// Bytes held, bookkeeping of the allocator left out.
     std::size_t bytes() const;
-    /// Bytes of texts that nobody else holds.
-    std::size_t ownTextBytes() const;
+    /// Bytes of texts, those of shared ones in proportion.
+    std::size_t textBytes() const;
 
     std::uint32_t references = 0; ///< counted by BlockPointer
 

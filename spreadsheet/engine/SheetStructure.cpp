@@ -11,12 +11,23 @@ namespace spreadsheet {
 
 namespace {
 
+/// References through several sheets stand for the same cells of each, so edits of one leave them.
 bool slotRefersTo(const ReferenceSlot& slot, const Sheet& holder, int sheetId)
 {
-    if (slot.shape == ReferenceSlot::Shape::broken)
+    if (slot.shape == ReferenceSlot::Shape::broken || slot.firstSheet != slot.lastSheet)
         return false;
-    return slot.firstSheet == 0 ? holder.id() == sheetId
-                                : slot.firstSheet == sheetId || slot.lastSheet == sheetId;
+    return slot.firstSheet == 0 ? holder.id() == sheetId : slot.firstSheet == sheetId;
+}
+
+bool namesSheet(const ReferenceSlot& slot, int sheetId)
+{
+    return slot.firstSheet != 0 && (slot.firstSheet == sheetId || slot.lastSheet == sheetId);
+}
+
+bool allAbsolute(const ReferenceSlot& slot)
+{
+    return slot.top.absolute && slot.left.absolute &&
+           (slot.isSingleCell() || (slot.bottom.absolute && slot.right.absolute));
 }
 
 /// Shifts the two ends of a range along the axis; what is pushed off the sheet is cut. False if nothing
@@ -201,7 +212,10 @@ SheetStructure::Rewrite SheetStructure::rewritten(const Stretch& stretch, const 
         CellRange cells = *range;
         const bool wholeAxis =
             slot.shape == (shift.rows ? ReferenceSlot::Shape::columns : ReferenceSlot::Shape::rows);
-        if (slotRefersTo(slot, *stretch.sheet, sheet.id()) && !wholeAxis) {
+        const bool concerned = slotRefersTo(slot, *stretch.sheet, sheet.id());
+        // What whole columns hold changes with rows that come or go, though they stay the same columns.
+        result.changesValue = result.changesValue || (concerned && wholeAxis);
+        if (concerned && !wholeAxis) {
             const CellRange before = cells;
             if (!shiftRange(shift, cells)) {
                 slot.shape = ReferenceSlot::Shape::broken;
@@ -297,99 +311,127 @@ void SheetStructure::shiftSettings(Sheet& sheet, const AxisShift& shift)
 
 void SheetStructure::rewriteNames(const Sheet& sheet, const AxisShift& shift)
 {
-    NameTable& names = *m_workbook.m_names;
-    for (int name = 0; name < names.size(); ++name) {
-        const std::uint32_t formula = names[name].formula;
-        if (formula == 0)
-            continue;
+    rewriteEachName([&](std::uint32_t formula) {
         std::vector<ReferenceSlot> slots = m_workbook.formulas()[formula].slots;
         for (ReferenceSlot& slot : slots) {
-            if (slot.firstSheet != sheet.id() || slot.shape == ReferenceSlot::Shape::broken)
+            const bool wholeAxis =
+                slot.shape == (shift.rows ? ReferenceSlot::Shape::columns : ReferenceSlot::Shape::rows);
+            if (slot.firstSheet == 0 || !slotRefersTo(slot, sheet, sheet.id()))
                 continue;
+            if (wholeAxis) {
+                m_workbook.recalculation().noteNames();
+                continue;
+            }
             const bool single = slot.isSingleCell();
             AxisPoint& first = shift.rows ? slot.top : slot.left;
             AxisPoint& last = single ? first : shift.rows ? slot.bottom : slot.right;
             if (!first.absolute || !last.absolute)
                 continue; // relative to the cell that mentions the name
-            int from = first.value;
-            int to = last.value;
-            if (!shiftEnds(shift, from, to))
+            const bool turned = first.value > last.value;
+            auto [from, to] = std::minmax({first.value, last.value});
+            if (!shiftEnds(shift, from, to)) {
                 slot.shape = ReferenceSlot::Shape::broken;
-            else {
-                last.value = to;
-                first.value = from;
+            } else {
+                last.value = turned ? from : to;
+                first.value = turned ? to : from;
             }
         }
-        const std::uint32_t changed = m_workbook.formulas().withSlots(formula, std::move(slots));
-        if (changed != formula) {
-            m_workbook.journal().keepNames();
-            names.define(name, changed);
-            m_workbook.recalculation().noteNames();
-        }
+        return m_workbook.formulas().withSlots(formula, std::move(slots));
+    });
+}
+
+/// A reference to the sheet is lost; one from it to others, or the other way, goes on with its neighbour.
+void SheetStructure::detach(ReferenceSlot& slot, int sheetId) const
+{
+    if (!namesSheet(slot, sheetId))
+        return;
+    if (slot.firstSheet == slot.lastSheet) {
+        slot.shape = ReferenceSlot::Shape::broken;
+        slot.firstSheet = slot.lastSheet = 0;
+        slot.sheetText.clear();
+        return;
     }
+    const bool isFirst = slot.firstSheet == sheetId;
+    const int gone = m_workbook.sheetIndexOfId(sheetId);
+    const int other = m_workbook.sheetIndexOfId(isFirst ? slot.lastSheet : slot.firstSheet);
+    const Sheet& neighbour = m_workbook.sheet(other > gone ? gone + 1 : gone - 1);
+    (isFirst ? slot.firstSheet : slot.lastSheet) = neighbour.id();
+    const bool single = slot.firstSheet == slot.lastSheet;
+    const auto nameOf = [this](int id) { return m_workbook.sheet(m_workbook.sheetIndexOfId(id)).name(); };
+    slot.sheetText = sheetPrefix(nameOf(slot.firstSheet), single ? std::string() : nameOf(slot.lastSheet),
+                                 slot.sheetQuoted);
 }
 
 void SheetStructure::breakReferences(int sheetId)
 {
-    const auto broken = [&](const Sheet& holder, std::uint32_t formula) {
+    const auto detached = [&](std::uint32_t formula) {
         std::vector<ReferenceSlot> slots = m_workbook.formulas()[formula].slots;
-        for (ReferenceSlot& slot : slots) {
-            if (slot.firstSheet != 0 && slotRefersTo(slot, holder, sheetId)) {
-                slot.shape = ReferenceSlot::Shape::broken;
-                slot.firstSheet = slot.lastSheet = 0; // renaming the other end must not bring it back
-                slot.sheetText.clear();
-            }
-        }
+        for (ReferenceSlot& slot : slots)
+            detach(slot, sheetId);
         return m_workbook.formulas().withSlots(formula, std::move(slots));
     };
-    for (Stretch& stretch : stretches([&](const Sheet&holder, std::uint32_t formula) {
-             return holder.id() != sheetId && refersTo(holder, formula, sheetId);
-         })) {
-        stretch.formula = broken(*stretch.sheet, stretch.formula);
+    const auto concerned = [&](const Sheet& holder, std::uint32_t formula) {
+        return holder.id() != sheetId &&
+               std::ranges::any_of(m_workbook.formulas()[formula].slots,
+                                   [&](const ReferenceSlot& slot) { return namesSheet(slot, sheetId); });
+    };
+    for (Stretch& stretch : stretches(concerned)) {
+        stretch.formula = detached(stretch.formula);
         apply({stretch, true});
     }
+    rewriteEachName(detached);
+    m_workbook.recalculation().noteNames();
+}
+
+void SheetStructure::rewriteEachName(const std::function<std::uint32_t(std::uint32_t)>& rewritten)
+{
     NameTable& names = *m_workbook.m_names;
     for (int name = 0; name < names.size(); ++name) {
-        if (names[name].formula != 0) {
-            m_workbook.journal().keepNames();
-            names.define(name, broken(m_workbook.sheet(1), names[name].formula));
-        }
+        const std::uint32_t formula = names[name].formula;
+        const std::uint32_t changed = formula == 0 ? 0 : rewritten(formula);
+        if (changed == formula)
+            continue;
+        m_workbook.journal().keepNames();
+        names.define(name, changed);
+        m_workbook.recalculation().noteNames();
     }
-    m_workbook.recalculation().noteNames();
 }
 
 void SheetStructure::followMove(const Sheet& source, const CellRange& from, const Sheet& target,
                                 CellAddress to)
 {
-    const int down = to.row - from.top;
-    const int across = to.column - from.left;
-    const auto wanted = [&](const Sheet& holder, std::uint32_t formula) {
+    const auto followed = [&](std::uint32_t formula, const Sheet& holder, CellAddress base, bool inName) {
+        std::vector<ReferenceSlot> slots = m_workbook.formulas()[formula].slots;
+        for (ReferenceSlot& slot : slots) {
+            const auto range = slot.range(base);
+            if (!range || !slotRefersTo(slot, holder, source.id()) || !from.contains(*range) ||
+                (inName && (slot.firstSheet == 0 || !allAbsolute(slot))))
+                continue; // in a name, the rest is relative to the cell that mentions it
+            for (AxisPoint* point : {&slot.top, &slot.bottom})
+                point->value += to.row - from.top;
+            for (AxisPoint* point : {&slot.left, &slot.right})
+                point->value += to.column - from.left;
+            if (&source != &target) {
+                slot.firstSheet = slot.lastSheet = target.id();
+                slot.sheetText = sheetPrefix(target.name(), {}, slot.sheetQuoted);
+            }
+        }
+        return m_workbook.formulas().withSlots(formula, std::move(slots));
+    };
+    const auto concerned = [&](const Sheet& holder, std::uint32_t formula) {
         return refersTo(holder, formula, source.id());
     };
-    for (const Stretch& stretch : stretches(wanted)) {
+    for (const Stretch& stretch : stretches(concerned)) {
         for (int row = stretch.firstRow; row <= stretch.lastRow; ++row) {
             const CellAddress base = stretch.sheet->formulaBase({stretch.column, row}, stretch.formula);
-            std::vector<ReferenceSlot> slots = m_workbook.formulas()[stretch.formula].slots;
-            for (ReferenceSlot& slot : slots) {
-                const auto range = slot.range(base);
-                if (!range || !slotRefersTo(slot, *stretch.sheet, source.id()) || !from.contains(*range))
-                    continue;
-                for (AxisPoint* point : {&slot.top, &slot.bottom})
-                    point->value += down;
-                for (AxisPoint* point : {&slot.left, &slot.right})
-                    point->value += across;
-                if (&source != &target) {
-                    slot.firstSheet = slot.lastSheet = target.id();
-                    slot.sheetText = sheetPrefix(target.name(), {}, slot.sheetQuoted);
-                }
-            }
             Stretch cell = stretch;
             cell.firstRow = cell.lastRow = row;
-            cell.formula = m_workbook.formulas().withSlots(stretch.formula, std::move(slots));
+            cell.formula = followed(stretch.formula, *stretch.sheet, base, false);
             if (cell.formula != stretch.formula)
                 apply({cell, true});
         }
     }
+    rewriteEachName([&](std::uint32_t formula) { return followed(formula, source, {1, 1}, true); });
 }
 
 std::optional<std::string> Sheet::insertRows(int row, int count)

@@ -65,6 +65,8 @@ private:
     void shiftCells(Sheet& sheet, const AxisShift& shift);
     void shiftSettings(Sheet& sheet, const AxisShift& shift);
     void rewriteNames(const Sheet& sheet, const AxisShift& shift);
+    void rewriteEachName(const std::function<std::uint32_t(std::uint32_t)>& rewritten);
+    void detach(ReferenceSlot& slot, int sheetId) const;
 
     Workbook& m_workbook;
 };

@@ -18,7 +18,7 @@ std::size_t unsharedBytes(const Column& former)
     std::size_t sum = former.slots().size() * sizeof(Column::Slot);
     for (const Column::Slot& slot : former.slots()) {
         if (slot.block->references == 1)
-            sum += slot.block->bytes() + slot.block->ownTextBytes();
+            sum += slot.block->bytes() + slot.block->textBytes();
     }
     return sum;
 }
@@ -49,8 +49,7 @@ void UndoJournal::close()
 {
     if (--m_depth > 0 || !m_enabled || m_current.empty())
         return;
-    m_current.bytes = bytesOf(m_current);
-    m_bytes += m_current.bytes;
+    weigh(m_current);
     m_undo.push_back(std::move(m_current));
     m_current = {};
     for (const Step& step : m_redo)
@@ -65,6 +64,14 @@ void UndoJournal::trim()
         m_bytes -= m_undo.front().bytes;
         m_undo.pop_front();
     }
+}
+
+/// Counts what a step holds now, which changes when its states are exchanged.
+void UndoJournal::weigh(Step& step)
+{
+    m_bytes -= step.bytes;
+    step.bytes = bytesOf(step);
+    m_bytes += step.bytes;
 }
 
 std::size_t UndoJournal::bytesOf(const Step& step)
@@ -145,6 +152,7 @@ void UndoJournal::undo()
     Step step = std::move(m_undo.back());
     m_undo.pop_back();
     exchange(step);
+    weigh(step);
     m_redo.push_back(std::move(step));
 }
 
@@ -155,7 +163,9 @@ void UndoJournal::redo()
     Step step = std::move(m_redo.back());
     m_redo.pop_back();
     exchange(step);
+    weigh(step);
     m_undo.push_back(std::move(step));
+    trim();
 }
 
 Sheet* UndoJournal::sheetOfId(int id, const Step& step)

@@ -35,6 +35,8 @@ public:
     bool canRedo() const { return !m_redo.empty(); }
     /// Steps that can be undone.
     std::size_t steps() const { return m_undo.size(); }
+    /// Bytes that undo and redo hold besides the present sheets.
+    std::size_t bytes() const { return m_bytes; }
     std::string label() const { return m_undo.empty() ? std::string() : m_undo.back().label; }
 
     void open(std::string label);
@@ -68,6 +70,7 @@ private:
     void exchangeNames(std::vector<std::uint32_t>& former);
     /// Also a sheet that only the step holds, so that a step which adds a sheet and fills it is redone.
     Sheet* sheetOfId(int id, const Step& step);
+    void weigh(Step& step);
     std::size_t bytesOf(const Step& step);
     void trim();
 

@@ -243,16 +243,20 @@ void Workbook::markCalculated()
 
 void Workbook::replaceContent(Workbook&& fresh)
 {
+    // What needs memory comes first: from then on nothing can fail.
     fresh.m_formulas->customs().takeHandlers(m_formulas->customs());
-    // Sheets belong to one workbook for good, so their contents move into new ones.
     std::vector<std::shared_ptr<Sheet>> sheets;
-    for (const auto& sheet : fresh.m_sheets) {
+    for (const auto& sheet : fresh.m_sheets) // sheets belong to one workbook for good
         sheets.push_back(std::make_shared<Sheet>(*this, sheet->id(), sheet->name()));
-        sheets.back()->m_settings = std::move(sheet->m_settings);
-        sheets.back()->m_columns = std::move(sheet->m_columns);
+    auto recalculation = std::make_unique<Recalculation>(*this);
+    recalculation->setPrepareHook(m_recalculation->prepareHook());
+    auto journal = std::make_unique<UndoJournal>(*this);
+    journal->setEnabled(m_journal->enabled());
+
+    for (std::size_t i = 0; i < sheets.size(); ++i) {
+        sheets[i]->m_settings = std::move(fresh.m_sheets[i]->m_settings);
+        sheets[i]->m_columns = std::move(fresh.m_sheets[i]->m_columns);
     }
-    const bool undo = m_journal->enabled();
-    const PrepareHook hook = m_recalculation->prepareHook();
     m_sheets = std::move(sheets);
     m_styles = std::move(fresh.m_styles);
     m_texts = std::move(fresh.m_texts);
@@ -260,10 +264,8 @@ void Workbook::replaceContent(Workbook&& fresh)
     m_names = std::move(fresh.m_names);
     m_activeSheet = fresh.m_activeSheet;
     m_nextSheetId = fresh.m_nextSheetId;
-    m_recalculation = std::make_unique<Recalculation>(*this);
-    m_recalculation->setPrepareHook(hook);
-    m_journal = std::make_unique<UndoJournal>(*this);
-    m_journal->setEnabled(undo);
+    m_recalculation = std::move(recalculation);
+    m_journal = std::move(journal);
     noteEdit();
 }
 

@@ -39,7 +39,6 @@ bool goesElementwise(const FunctionDescriptor& function, std::size_t argument)
 
 Evaluator::Evaluator(Workbook& workbook)
     : m_workbook(workbook)
-    , m_pool(workbook.formulas())
 {
     m_stack.reserve(64);
 }
@@ -228,11 +227,11 @@ Operand Evaluator::reference(const ReferenceSlot& slot, const EvaluationPlace& p
 
 Operand Evaluator::named(int name, const EvaluationPlace& place)
 {
-    const std::uint32_t formula = m_pool.names()[name].formula;
+    const std::uint32_t formula = m_workbook.formulas().names()[name].formula;
     if (formula == 0 || m_nameDepth == maxNameDepth)
         return CellError::name;
     ++m_nameDepth;
-    Operand result = run(m_pool[formula], place);
+    Operand result = run(m_workbook.formulas()[formula], place);
     --m_nameDepth;
     return result;
 }
@@ -303,7 +302,7 @@ Operand Evaluator::callCustom(int custom, std::size_t count, const EvaluationPla
     if (unknown)
         return Operand::unknown();
 
-    const CustomFunctions::Entry& function = m_pool.customs()[custom];
+    const CustomFunctions::Entry& function = m_workbook.formulas().customs()[custom];
     if (!function.handler)
         return CellError::name;
     if (m_gathered)

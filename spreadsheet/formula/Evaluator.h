@@ -9,8 +9,6 @@
 
 namespace spreadsheet {
 
-class FormulaPool;
-
 /// What a handler asked to be done to its cell after the recalculation.
 struct QueuedCellChange {
     CallPlace place;
@@ -57,7 +55,6 @@ private:
     void push(Operand operand) { m_stack.push_back(std::move(operand)); }
 
     Workbook& m_workbook;
-    FormulaPool& m_pool;
     std::vector<Operand> m_stack;
     std::vector<QueuedCellChange> m_queue;
     std::vector<PreparedCall>* m_gathered = nullptr; ///< set while calls are gathered

@@ -111,6 +111,16 @@ private:
     }
     std::string range()
     {
+        if (number(0, 9) == 0) { // whole columns or rows
+            const int first = number(1, columns);
+            return number(0, 1) ? columnName(first) + ":" + columnName(first + number(0, 1))
+                                : std::to_string(first) + ":" + std::to_string(first + number(0, 1));
+        }
+        if (number(0, 9) == 0) {
+            const auto name = [&](int sheet) { return m_workbook.sheet(sheet).name(); };
+            return "'" + name(1) + ":" + name(m_workbook.sheetCount()) + "'!" +
+                   columnName(number(1, columns)) + std::to_string(number(1, rows));
+        }
         return reference() + ":" + columnName(number(1, columns)) + std::to_string(number(1, rows));
     }
     std::string expression(int depth)

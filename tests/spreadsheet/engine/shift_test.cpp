@@ -187,3 +187,102 @@ TEST(CopyAndMove, ReferencesShiftOrFollow)
     EXPECT_EQ(sheet.arrayRange({1, 13}), (CellRange{1, 11, 1, 13}));
     EXPECT_FALSE(sheet.hasFormula({1, 10}));
 }
+
+TEST(Names, FollowTheirCells)
+{
+    struct Case {
+        const char* what;
+        const char* meaning;
+        Edit edit;
+        const char* expected; ///< what SUM(名) adds afterwards: row numbers stand in column A
+    };
+    const Case cases[] = {
+        {"rows above", "Sheet1!$A$3", rowAt3, "3"},
+        {"range typed from below to above loses its upper end", "Sheet1!$A$9:$A$3", withoutRows3To4, "35"},
+        {"range typed from below to above loses its lower end", "Sheet1!$A$4:$A$1", withoutRows3To4, "3"},
+        {"deleted whole", "Sheet1!$A$3:$A$4", withoutRows3To4, "#REF!"},
+        {"whole column and a deleted row", "Sheet1!$A:$A", withoutRows3To4, "48"},
+        {"moved", "Sheet1!$A$3:$A$4",
+         [](Sheet& s) {
+             return s.moveCells({1, 3, 1, 4}, s, {7, 20});
+         },
+         "7"},
+        {"moved in part", "Sheet1!$A$3:$A$4",
+         [](Sheet& s) {
+             return s.moveCells({1, 3, 1, 3}, s, {7, 20});
+         },
+         "4"},
+    };
+    for (const Case& c : cases) {
+        Workbook workbook;
+        workbook.addSheet("另");
+        Sheet& sheet = workbook.sheet(1);
+        for (int row = 1; row <= 10; ++row)
+            sheet.setNumber({1, row}, row);
+        ASSERT_FALSE(workbook.defineName("名", c.meaning)) << c.what;
+        workbook.sheet(2).setFormula({1, 1}, "SUM(名)");
+        workbook.recalculate();
+        const std::string before = workbook.sheet(2).displayText({1, 1});
+        workbook.setUndoEnabled(true);
+        ASSERT_FALSE(c.edit(sheet)) << c.what;
+        workbook.recalculateChanged();
+        EXPECT_EQ(workbook.sheet(2).displayText({1, 1}), c.expected) << c.what;
+        workbook.undo();
+        EXPECT_EQ(workbook.sheet(2).displayText({1, 1}), before) << c.what << ", undone";
+        workbook.redo();
+        EXPECT_EQ(workbook.sheet(2).displayText({1, 1}), c.expected) << c.what << ", redone";
+    }
+}
+
+TEST(ThreeDimensional, EndsGoOnWithTheirNeighboursAndEditsOfOneSheetLeaveThem)
+{
+    Workbook workbook;
+    for (const char* name : {"二", "三 三", "四"})
+        workbook.addSheet(name);
+    for (int sheet = 1; sheet <= 4; ++sheet)
+        workbook.sheet(sheet).setNumber({1, 1}, sheet);
+    workbook.sheet(4).setFormula({2, 2}, "SUM('Sheet1:三 三'!A1)");
+    workbook.setUndoEnabled(true);
+    workbook.recalculate();
+    const auto state = [&] {
+        const Sheet& last = workbook.sheet(workbook.sheetCount());
+        return last.formula({2, 2}) + " " + last.displayText({2, 2});
+    };
+    EXPECT_EQ(state(), "SUM('Sheet1:三 三'!A1) 6");
+    workbook.sheet(1).insertRows(1, 1);
+    workbook.recalculateChanged();
+    EXPECT_EQ(state(), "SUM('Sheet1:三 三'!A1) 5");
+    workbook.undo();
+    workbook.removeSheet(1);
+    workbook.recalculateChanged();
+    EXPECT_EQ(state(), "SUM('二:三 三'!A1) 5");
+    workbook.removeSheet(2);
+    workbook.recalculateChanged();
+    EXPECT_EQ(state(), "SUM('二'!A1) 2");
+    workbook.removeSheet(1);
+    workbook.recalculateChanged();
+    EXPECT_EQ(state(), "SUM(#REF!) #REF!");
+    for (int step = 0; step < 3; ++step)
+        workbook.undo();
+    EXPECT_EQ(state(), "SUM('Sheet1:三 三'!A1) 6");
+}
+
+TEST(UndoJournal, CountsTextsAndRemovedSheetsAndStaysWithinItsBound)
+{
+    Workbook workbook;
+    workbook.addSheet("big");
+    for (int row = 1; row <= 1000; ++row)
+        workbook.sheet(2).setText({1, row}, std::string(10'000, static_cast<char>('a' + row % 26)) +
+                                                std::to_string(row));
+    workbook.setUndoEnabled(true);
+    workbook.removeSheet(2);
+    EXPECT_GT(workbook.journal().bytes(), 10'000'000u);
+    workbook.undo();
+    EXPECT_LT(workbook.journal().bytes(), 100'000u) << "the sheet stands in the workbook again";
+    for (int round = 0; round < 60; ++round) {
+        for (int row = 1; row <= 500; ++row)
+            workbook.sheet(1).setText({1, row}, std::string(20'000, 'x') + std::to_string(round * 500 + row));
+    }
+    EXPECT_LE(workbook.journal().bytes(), UndoJournal::maxBytes);
+    EXPECT_TRUE(workbook.canUndo());
+}
