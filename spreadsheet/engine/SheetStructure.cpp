@@ -21,7 +21,8 @@ bool slotRefersTo(const ReferenceSlot& slot, const Sheet& holder, int sheetId)
 
 bool namesSheet(const ReferenceSlot& slot, int sheetId)
 {
-    return slot.firstSheet != 0 && (slot.firstSheet == sheetId || slot.lastSheet == sheetId);
+    return slot.shape != ReferenceSlot::Shape::broken && slot.firstSheet != 0 &&
+           (slot.firstSheet == sheetId || slot.lastSheet == sheetId);
 }
 
 bool allAbsolute(const ReferenceSlot& slot)
