@@ -161,17 +161,37 @@ std::vector<std::optional<ProcedureResult>> OdbcSession::callBatch(std::span<con
     return std::move(answers).take();
 }
 
+/// Sends the calls of one batch. Calls that get no answer before the last answer failed by themselves; the
+/// one behind it may have ended the batch, and those that follow were not run. Returns how many calls of the
+/// batch are settled.
+std::size_t OdbcSession::settleBatch(std::span<const ProcedureCall> batch,
+                                     std::vector<ProcedureResult>& results)
+{
+    auto answers = callBatch(batch);
+    std::size_t settled = batch.size();
+    while (settled > 0 && !answers[settled - 1])
+        --settled;
+    const bool answersNothing = settled == 0; // then it is the batch itself that is refused
+    settled = answersNothing ? batch.size() : std::min(settled + 1, batch.size());
+    for (std::size_t at = 0; at < settled; ++at)
+        results.push_back(answers[at] ? std::move(*answers[at]) : callAlone(batch[at]));
+    return settled;
+}
+
 std::vector<ProcedureResult> OdbcSession::callProcedures(std::span<const ProcedureCall> calls)
 {
+    constexpr int mostBrokenBatches = 8; // from then on batches would cost more than they save
+    int brokenBatches = 0;
     std::vector<ProcedureResult> results;
     while (!calls.empty()) {
         const auto batch = calls.first(std::min(calls.size(), mostCallsInBatch));
-        calls = calls.subspan(batch.size());
-        std::vector<std::optional<ProcedureResult>> answers(batch.size());
-        if (batch.size() > 1)
-            answers = callBatch(batch);
-        for (std::size_t at = 0; at < batch.size(); ++at)
-            results.push_back(answers[at] ? std::move(*answers[at]) : callAlone(batch[at]));
+        std::size_t settled = 1;
+        if (batch.size() == 1 || brokenBatches > mostBrokenBatches)
+            results.push_back(callAlone(batch.front()));
+        else
+            settled = settleBatch(batch, results);
+        brokenBatches += settled < batch.size() ? 1 : 0;
+        calls = calls.subspan(settled);
     }
     return results;
 }

@@ -35,6 +35,7 @@ private:
     void endTransaction(SQLSMALLINT how);
     ProcedureResult callAlone(const ProcedureCall& call);
     std::vector<std::optional<ProcedureResult>> callBatch(std::span<const ProcedureCall> calls);
+    std::size_t settleBatch(std::span<const ProcedureCall> batch, std::vector<ProcedureResult>& results);
 
     SQLHENV m_environment = SQL_NULL_HENV;
     SQLHDBC m_connection = SQL_NULL_HDBC;

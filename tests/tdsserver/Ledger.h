@@ -1,0 +1,85 @@
+#pragma once
+#include "platform/database/ProcedureCall.h"
+#include "platform/database/sqlite/acct_procedure.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+#include "tests/tdsserver/Reply.h"
+#include "tests/tdsserver/requests.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+
+namespace selfreport::tds {
+
+/// What the server refuses, with the number that clients see.
+struct ServerError {
+    std::int32_t number;
+    std::string text;
+    bool endsBatch = false; ///< what follows in the batch is not run
+};
+
+/// The client asked to stop.
+struct Interrupted {};
+
+/// A database that the server offers: its file, and which procedures were created there.
+class HostedDatabase {
+public:
+    explicit HostedDatabase(std::string databaseFile)
+        : file(std::move(databaseFile))
+    {
+    }
+    bool hasProcedure(const std::string& name);
+    /// @throws ServerError if it stands there already
+    void createProcedure(const std::string& name);
+    /// @throws ServerError if there is none
+    void dropProcedure(const std::string& name);
+
+    const std::string file;
+
+private:
+    std::mutex m_mutex;
+    std::set<std::string> m_procedures{std::string(AcctProcedure::name)};
+};
+
+/// One session's view of a database: statements in the server's language over the embedded one.
+/// Failures throw ServerError.
+class Ledger {
+public:
+    struct Outcome {
+        std::optional<ResultSet> rows;
+        std::int64_t changed = 0;
+    };
+    struct Called {
+        std::int32_t returned = 0;
+        std::optional<ResultSet> rows;
+    };
+
+    /// @param wantsStop  asked now and then while a statement runs
+    Ledger(std::shared_ptr<HostedDatabase> hosted, std::function<bool()> wantsStop);
+
+    Outcome run(std::string_view sql, std::span<const Parameter> parameters);
+    Called call(const std::string& procedure, std::span<const Parameter> parameters);
+    bool hasObject(const std::string& name);
+    HostedDatabase& hosted() { return *m_hosted; }
+
+    /// A transaction takes its lock with the first statement in it, as on a server.
+    void begin() { m_isBeginWanted = true; }
+    void commit() { end("commit"); }
+    void rollBack() { end("rollback"); }
+
+private:
+    void end(const char* how);
+    void beginIfWanted();
+
+    std::shared_ptr<HostedDatabase> m_hosted;
+    SqliteDatabase m_database;
+    AcctProcedure m_procedure;
+    std::function<bool()> m_wantsStop;
+    bool m_isBeginWanted = false;
+};
+
+} // namespace selfreport::tds
