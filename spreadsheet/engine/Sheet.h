@@ -3,6 +3,7 @@
 #include "spreadsheet/engine/CellStyle.h"
 #include "spreadsheet/engine/Column.h"
 #include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/engine/LiftedCells.h"
 #include "spreadsheet/engine/SheetSettings.h"
 #include "spreadsheet/engine/Value.h"
 
@@ -84,6 +85,11 @@ public:
     std::optional<std::string> copyCells(const CellRange& from, Sheet& target, CellAddress to);
     /// Moves cells; references to them follow, from wherever they are.
     std::optional<std::string> moveCells(const CellRange& from, Sheet& target, CellAddress to);
+    /// The cells of a range as they stand now.
+    LiftedCells lift(const CellRange& range) const;
+    /// Puts cells of this workbook down with their looks; references shift with them. Spans that lie at
+    /// the goal are taken away first.
+    std::optional<std::string> put(const LiftedCells& lifted, CellAddress to);
     /// Copies the range's first row (column) over its other rows (columns).
     std::optional<std::string> fillDown(const CellRange& range);
     std::optional<std::string> fillRight(const CellRange& range);

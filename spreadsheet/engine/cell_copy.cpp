@@ -11,32 +11,28 @@ namespace spreadsheet {
 
 namespace {
 
-/// Everything that one cell has.
-struct CellContent {
-    Value value;
-    std::uint32_t formula = 0;
-    std::uint32_t style = 0;
-    Text tag;
-    Text shown;
-};
-
 CellContent contentOf(const Sheet& sheet, CellAddress cell)
 {
     const Column* column = sheet.column(cell.column);
     const Column::Slot* slot = column ? column->find(cell.row) : nullptr;
+    const std::uint32_t style = sheet.styleNumber(cell);
     if (!slot)
-        return {};
+        return {{}, 0, style, {}, {}};
     const int index = cell.row - slot->firstRow;
-    return {slot->block->value(index), slot->block->formula(index), slot->block->style(index),
-            slot->block->tag(index), slot->block->shown(index)};
+    return {slot->block->value(index), slot->block->formula(index), style, slot->block->tag(index),
+            slot->block->shown(index)};
 }
 
-std::optional<std::string> outside(CellAddress to, const CellRange& from)
+std::optional<std::string> outside(CellAddress to, int columns, int rows)
 {
-    if (to.column < 1 || to.row < 1 || to.column + from.columns() - 1 > maxColumns ||
-        to.row + from.rows() - 1 > maxRows)
+    if (to.column < 1 || to.row < 1 || to.column + columns - 1 > maxColumns || to.row + rows - 1 > maxRows)
         return "目标区域超出表的范围";
     return std::nullopt;
+}
+
+CellRange shifted(const CellRange& range, int columns, int rows)
+{
+    return {range.left + columns, range.top + rows, range.right + columns, range.bottom + rows};
 }
 
 /// An array formula that the range meets but does not hold whole.
@@ -123,49 +119,66 @@ void Sheet::dropArrays(const CellRange& range)
         std::erase_if(editableSettings().arrays, [&](const CellRange& a) { return range.contains(a); });
 }
 
-std::optional<std::string> Sheet::copyCells(const CellRange& from, Sheet& target, CellAddress to)
+LiftedCells Sheet::lift(const CellRange& range) const
 {
-    if (auto problem = outside(to, from))
+    LiftedCells lifted(range.columns(), range.rows());
+    lifted.cells = contentsOf(*this, range);
+    for (const CellRange& array : m_settings.arrays) {
+        if (range.contains(array))
+            lifted.arrays.push_back(shifted(array, 1 - range.left, 1 - range.top));
+    }
+    for (const CellRange& span : m_settings.spans) {
+        if (range.contains(span))
+            lifted.spans.push_back(shifted(span, 1 - range.left, 1 - range.top));
+    }
+    return lifted;
+}
+
+std::optional<std::string> Sheet::put(const LiftedCells& lifted, CellAddress to)
+{
+    if (auto problem = outside(to, lifted.columns, lifted.rows))
         return problem;
-    const CellRange goal{to.column, to.row, to.column + from.columns() - 1, to.row + from.rows() - 1};
-    if (cutsArray(*this, from) || cutsArray(target, goal))
+    const CellRange goal{to.column, to.row, to.column + lifted.columns - 1, to.row + lifted.rows - 1};
+    if (cutsArray(*this, goal))
         return "不能更改数组公式的一部分";
     const UndoStep step(m_workbook, "粘贴");
-    const std::vector<CellContent> contents = contentsOf(*this, from);
-    std::vector<CellRange> arrays;
-    for (const CellRange& array : m_settings.arrays) {
-        if (from.contains(array))
-            arrays.push_back({array.left + goal.left - from.left, array.top + goal.top - from.top,
-                              array.right + goal.left - from.left, array.bottom + goal.top - from.top});
-    }
-    std::vector<CellRange> spans;
-    for (const CellRange& span : m_settings.spans) {
-        if (from.contains(span))
-            spans.push_back({span.left + goal.left - from.left, span.top + goal.top - from.top,
-                             span.right + goal.left - from.left, span.bottom + goal.top - from.top});
-    }
-    target.removeSpans(goal);
-    target.dropArrays(goal);
-    std::size_t next = 0;
+    removeSpans(goal);
+    dropArrays(goal);
+    // Where whole rows or columns have a look, the fresh look has to be said.
+    const bool looksAround = !m_settings.rowStyles.empty() || !m_settings.columnStyles.empty();
+    const std::uint32_t fresh = looksAround ? m_workbook.styles().intern({}) : 0;
+    auto next = lifted.cells.begin();
     for (int column = goal.left; column <= goal.right; ++column) {
-        Column& cells = target.editableColumn(column);
+        Column& cells = editableColumn(column);
         for (int row = goal.top; row <= goal.bottom; ++row) {
-            CellContent content = contents[next++];
+            CellContent content = *next++;
+            if (content.isBlank() && fresh == 0 && !cells.find(row))
+                continue;
             content.formula = copiedFormula(m_workbook.formulas(), content.formula, {column, row});
+            content.style = content.style == 0 ? fresh : content.style;
             write(cells.writable(row), content);
         }
     }
-    SheetSettings& settings = target.editableSettings();
-    settings.arrays.insert(settings.arrays.end(), arrays.begin(), arrays.end());
-    settings.spans.insert(settings.spans.end(), spans.begin(), spans.end());
+    SheetSettings& settings = editableSettings();
+    for (const CellRange& array : lifted.arrays)
+        settings.arrays.push_back(shifted(array, goal.left - 1, goal.top - 1));
+    for (const CellRange& span : lifted.spans)
+        settings.spans.push_back(shifted(span, goal.left - 1, goal.top - 1));
     m_workbook.recalculation().noteFormulas();
-    target.noteChanged(goal);
+    noteChanged(goal);
     return std::nullopt;
+}
+
+std::optional<std::string> Sheet::copyCells(const CellRange& from, Sheet& target, CellAddress to)
+{
+    if (cutsArray(*this, from))
+        return "不能更改数组公式的一部分";
+    return target.put(lift(from), to);
 }
 
 std::optional<std::string> Sheet::moveCells(const CellRange& from, Sheet& target, CellAddress to)
 {
-    if (auto problem = outside(to, from))
+    if (auto problem = outside(to, from.columns(), from.rows()))
         return problem;
     const CellRange goal{to.column, to.row, to.column + from.columns() - 1, to.row + from.rows() - 1};
     const auto cutAtGoal = [&](const CellRange& array) { // arrays that move along are out of the way
@@ -200,12 +213,11 @@ std::optional<std::string> Sheet::moveCells(const CellRange& from, Sheet& target
             write(cells.writable(row), content);
         }
     }
-    const auto shifted = [&](const CellRange& range) {
-        return CellRange{range.left + goal.left - from.left, range.top + goal.top - from.top,
-                         range.right + goal.left - from.left, range.bottom + goal.top - from.top};
+    const auto moved = [&](const CellRange& range) {
+        return shifted(range, goal.left - from.left, goal.top - from.top);
     };
-    std::ranges::transform(arrays, std::back_inserter(target.editableSettings().arrays), shifted);
-    std::ranges::transform(spans, std::back_inserter(target.editableSettings().spans), shifted);
+    std::ranges::transform(arrays, std::back_inserter(target.editableSettings().arrays), moved);
+    std::ranges::transform(spans, std::back_inserter(target.editableSettings().spans), moved);
     m_workbook.recalculation().noteMoved();
     noteChanged(from);
     target.noteChanged(goal);
