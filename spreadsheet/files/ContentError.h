@@ -21,4 +21,16 @@ inline void requireContent(bool holds, const char* reason)
         refuseContent(reason);
 }
 
+/// @throws ContentError that names what is wrong with a file of another program
+[[noreturn]] inline void refuseFile(const std::string& reason)
+{
+    throw ContentError("文件无法读取: " + reason);
+}
+
+inline void requireFile(bool holds, const char* reason)
+{
+    if (!holds)
+        refuseFile(reason);
+}
+
 } // namespace spreadsheet
