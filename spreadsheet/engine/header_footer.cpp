@@ -1,4 +1,4 @@
-#include "spreadsheet/print/header_footer.h"
+#include "spreadsheet/engine/header_footer.h"
 
 #include <algorithm>
 #include <charconv>
