@@ -1,5 +1,6 @@
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets PrintSupport)
 find_package(PkgConfig REQUIRED)
+find_package(ICU REQUIRED COMPONENTS i18n uc)
 find_package(SQLite3 REQUIRED)
 find_package(ODBC REQUIRED)
 find_package(FlatBuffers REQUIRED)

@@ -27,7 +27,7 @@ our_layer(spreadsheet_files MAY spreadsheet_engine)
 our_layer(spreadsheet_view QT MAY spreadsheet_engine)
 our_layer(selfreport_database)
 our_layer(selfreport_demo_ledger MAY selfreport_database)
-our_layer(selfreport_platform QT)
+our_layer(selfreport_platform QT MAY selfreport_database)
 our_layer(selfreport_demo_ledger MAY selfreport_database)
 our_layer(selfreport_formula MAY spreadsheet_engine spreadsheet_files selfreport_database)
 our_layer(selfreport_objects QT

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace selfreport {
+
+/// Makes the toolkit's colour, font, printer and file dialogs the usual ones. Needs the application object.
+void useToolkitDialogs();
+
+} // namespace selfreport

@@ -1,0 +1,63 @@
+#pragma once
+#include <QTableView>
+
+#include <vector>
+
+namespace selfreport {
+
+class ListRows;
+
+struct ListColumn {
+    const char* heading; ///< UTF-8
+    int width;           ///< twips (1/1440 inch)
+};
+
+/// A list with one heading row. Rows count from 0: row 0 is the heading, data rows follow in the order in
+/// which they were added, however the user sorts what is shown. Columns count from 0.
+///
+/// One row is current; the first row that is added becomes it. A click on a heading sorts by that column,
+/// a second one downwards, a third one takes the rows' own order.
+class ListGrid : public QTableView {
+    Q_OBJECT
+
+public:
+    explicit ListGrid(QWidget* parent = nullptr);
+
+    void setColumns(const std::vector<ListColumn>& columns);
+
+    /// @param text      one text for each column, joined by tabs
+    /// @param sortText  likewise, for columns that do not sort by what they show; "" sorts as shown
+    void addRow(const QString& text, const QString& sortText = {});
+
+    /// The last row is current after its removal, or what follows the removed row. Row 0 or a row that is
+    /// not there: nothing happens.
+    void removeRow(int row);
+
+    /// Leaves the heading only.
+    void clearRows();
+
+    int rowCount() const; ///< with the heading
+    int row() const;      ///< current row; 0: the heading, none of the data rows
+    void setRow(int row); ///< row 0, or one that is not there: no data row is current
+
+    /// "" for a place outside the list.
+    QString text(int row, int column) const;
+
+    int columnTwips(int column) const;
+
+Q_SIGNALS:
+    /// A data row, now current, was double-clicked.
+    void dblClick();
+
+protected:
+    void focusInEvent(QFocusEvent* event) override;
+
+private:
+    void sortByHeading(int column);
+
+    ListRows* m_rows;
+    int m_sortColumn = -1; ///< -1: the rows' own order
+    bool m_sortsDown = false;
+};
+
+} // namespace selfreport

@@ -1,0 +1,49 @@
+#pragma once
+#include <gtest/gtest.h>
+#include <QApplication>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+namespace selfreport::test {
+
+/// An application object for one test.
+class WindowTest : public ::testing::Test {
+protected:
+    /// Shows a widget and waits for it.
+    static void show(QWidget& widget)
+    {
+        widget.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
+    }
+
+    /// Acts on the next modal window as soon as it is there. Must be called before what opens it.
+    static void whenModal(const char* objectName, std::function<void(QWidget&)> act)
+    {
+        QTimer::singleShot(0, qApp, [objectName, act = std::move(act)] {
+            QWidget* const window = QApplication::activeModalWidget();
+            ASSERT_NE(window, nullptr) << objectName << " did not open";
+            EXPECT_EQ(window->objectName(), objectName);
+            act(*window);
+        });
+    }
+
+    template <class Control>
+    static Control& control(QWidget& window, const char* name)
+    {
+        auto* const found = window.findChild<Control*>(name);
+        if (found == nullptr)
+            throw std::runtime_error(std::string("no control ") + name);
+        return *found;
+    }
+
+private:
+    int m_count = 1;
+    char m_name[6] = "tests";
+    char* m_arguments[2] = {m_name, nullptr};
+    QApplication m_application{m_count, m_arguments};
+};
+
+} // namespace selfreport::test
