@@ -41,9 +41,10 @@ function(our_static_library name)
   endif()
 endfunction()
 
-# our_tests(NAME FOLDERS f... LINKS target...): one test program over tests/<folder>.
+# our_tests(NAME FOLDERS f... LINKS target... [ON_SERVER filter]): one test program over tests/<folder>.
+# ON_SERVER: the tests of this filter run a second time, through the driver against the test server.
 function(our_tests name)
-  cmake_parse_arguments(PARSE_ARGV 1 our "" "MAIN" "FOLDERS;LINKS")
+  cmake_parse_arguments(PARSE_ARGV 1 our "" "MAIN;ON_SERVER" "FOLDERS;LINKS")
   list(TRANSFORM our_FOLDERS PREPEND tests/)
   our_sources(sources ${our_FOLDERS})
   if(NOT sources)
@@ -62,7 +63,11 @@ function(our_tests name)
     TEST_DATA_FOLDER="${CMAKE_SOURCE_DIR}/tests/data"
     TEST_BINARY_FOLDER="${CMAKE_BINARY_DIR}/bin")
   add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
-  set_tests_properties(${name} PROPERTIES
-    TIMEOUT 300
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/leaks.supp:print_suppressions=0")
+  set(environment "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/leaks.supp:print_suppressions=0")
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "${environment}")
+  if(our_ON_SERVER)
+    add_test(NAME ${name}_on_server COMMAND ${name} --gtest_brief=1 --gtest_filter=${our_ON_SERVER})
+    set_tests_properties(${name}_on_server PROPERTIES
+      TIMEOUT 300 ENVIRONMENT "${environment};SELFREPORT_TEST_PROVIDER=server")
+  endif()
 endfunction()

@@ -3,6 +3,7 @@
 #include "platform/database/Connection.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "platform/dialogs/RecordingDialogs.h"
+#include "tests/tdsserver/TestedDatabase.h"
 
 #include <cstddef>
 #include <filesystem>
@@ -12,7 +13,8 @@
 
 namespace selfreport::test {
 
-/// A small ledger in a file of its own, under the shared connection string, with recorded message boxes.
+/// A small ledger in a file of its own, under the shared connection string, with recorded message boxes. The
+/// shared connection goes through the provider under test; what a test prepares goes straight into the file.
 ///
 /// 2025, periods 1 and 2, currency RMB. Closing balances of period 2: 1001 100.25, 1002 2000.5, 1122 300 made
 /// up of customers 001 (120) and 002 (180), 2001 (credit) 700. Department items exist but no balance has one.
@@ -20,6 +22,7 @@ class TestLedger {
 public:
     TestLedger()
         : m_file(freshFile())
+        , m_database(m_file.string())
         , m_inUse(boxes)
     {
         // Filled once: making the tables takes longer than most tests.
@@ -38,10 +41,13 @@ public:
     TestLedger(const TestLedger&) = delete;
     TestLedger& operator=(const TestLedger&) = delete;
 
-    std::string connectionString() const { return connectionTo(m_file); }
+    std::string connectionString() const { return m_database.connectionString(); }
     std::string file() const { return m_file.string(); }
 
-    void run(const std::string& sql) const { openConnection(connectionString())->execute(sql); }
+    void run(const std::string& sql) const
+    {
+        openConnection(m_database.embeddedConnectionString())->execute(sql);
+    }
     Recordset query(const std::string& sql) const
     {
         return openConnection(connectionString())->query(sql, BinaryColumns::fetched);
@@ -49,7 +55,7 @@ public:
 
     void addReport(int id, const std::string& name, const std::vector<std::byte>& content) const
     {
-        openConnection(connectionString())
+        openConnection(m_database.embeddedConnectionString())
             ->execute("insert into tblCWSelfReport(noid,fname,fFileContent) values(?,?,?)",
                       {std::int64_t{id}, name, std::span<const std::byte>(content)});
     }
@@ -62,17 +68,12 @@ private:
         return std::filesystem::temp_directory_path() /
                ("ledger-" + std::to_string(::getpid()) + "-" + std::to_string(++s_count) + ".db");
     }
-    static std::string connectionTo(const std::filesystem::path& file)
-    {
-        return "Provider=SQLite;Data Source=" + file.string();
-    }
-
     struct Template {
         Template()
             : file(freshFile())
         {
             createDatabase(file.string());
-            const auto connection = openConnection(connectionTo(file));
+            const auto connection = openConnection("Provider=SQLite;Data Source=" + file.string());
             Transaction transaction(*connection);
             fill(connection.get());
             transaction.commit();
@@ -115,6 +116,7 @@ private:
     }
 
     std::filesystem::path m_file;
+    tds::TestedDatabase m_database;
     DialogsInUse m_inUse;
     static inline int s_count = 0;
 };

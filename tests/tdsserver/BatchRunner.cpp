@@ -76,6 +76,7 @@ void BatchRunner::setStatement()
     if (name.starts_with('@')) {
         expect("=");
         variable(name).value = takeValue();
+        m_reply.done(m_done);
         return;
     }
     const std::string_view setting = take();

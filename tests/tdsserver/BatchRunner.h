@@ -14,11 +14,13 @@ namespace selfreport::tds {
 /// procedure. All others go to the ledger as they stand.
 class BatchRunner {
 public:
-    /// @param done  what ends each statement in the reply
-    BatchRunner(Ledger& ledger, Reply& reply, Reply::Done done)
+    /// @param done        what ends each statement in the reply
+    /// @param countsRows  the session's setting, which a batch may change for those that follow
+    BatchRunner(Ledger& ledger, Reply& reply, Reply::Done done, bool& countsRows)
         : m_ledger(ledger)
         , m_reply(reply)
         , m_done(done)
+        , m_countsRows(countsRows)
     {
     }
 
@@ -50,8 +52,8 @@ private:
     Ledger& m_ledger;
     Reply& m_reply;
     Reply::Done m_done;
+    bool& m_countsRows;
     std::vector<Parameter> m_variables;
-    bool m_countsRows = true;
     std::string_view m_batch;
     std::vector<SqlToken> m_tokens;
     std::size_t m_at = 0;

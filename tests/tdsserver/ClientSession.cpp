@@ -146,7 +146,7 @@ ClientSession::Answer ClientSession::answerBatch(const Message& message)
     Answer answer{Step::batch, {}};
     const std::string text = readBatch(message.body);
     m_server.journal.add({m_number, answer.step, text, {}});
-    BatchRunner(ledger(), answer.reply, Reply::Done::statement).run(text);
+    BatchRunner(ledger(), answer.reply, Reply::Done::statement, m_countsRows).run(text);
     answer.reply.finish();
     return answer;
 }
@@ -185,7 +185,8 @@ void ClientSession::callProcedure(const ProcedureRequest& request, Reply& reply)
 
 void ClientSession::runStatement(const std::string& sql, std::span<const Parameter> parameters, Reply& reply)
 {
-    BatchRunner runner(ledger(), reply, Reply::Done::inProcedure);
+    bool countsRows = m_countsRows; // what a statement sets inside a procedure ends with it
+    BatchRunner runner(ledger(), reply, Reply::Done::inProcedure, countsRows);
     for (Parameter& parameter : named(parameters))
         runner.declare(std::move(parameter));
     runner.run(sql);

@@ -44,6 +44,7 @@ private:
     std::optional<Ledger> m_ledger; ///< once logged in
     std::map<std::int32_t, std::string> m_prepared;
     std::uint64_t m_transactions = 0;
+    bool m_countsRows = true;
 };
 
 } // namespace selfreport::tds

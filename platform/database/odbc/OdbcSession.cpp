@@ -145,7 +145,7 @@ std::vector<std::optional<ProcedureResult>> OdbcSession::callBatch(std::span<con
         } catch (const ConnectionLost&) {
             throw;
         } catch (const DatabaseError&) {
-            answers.dropPending(); // its call is repeated alone and tells the reason then
+            answers.failCurrent(); // repeated alone, it tells the reason
             more = ++failures <= calls.size();
         }
     };

@@ -101,8 +101,10 @@ void OdbcStatement::bind(const SqlValue& value)
         bindAt({SQL_PARAM_INPUT, SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP}, 23, 3, &bound.moment, bound, 0);
     } else if (const auto* bytes = std::get_if<std::span<const std::byte>>(&value)) {
         bound.length = static_cast<SQLLEN>(bytes->size());
+        // A null pointer is refused even for no bytes.
+        const void* const start = bytes->empty() ? &bound : static_cast<const void*>(bytes->data());
         bindAt({SQL_PARAM_INPUT, SQL_C_BINARY, SQL_LONGVARBINARY}, std::max<SQLULEN>(bytes->size(), 1), 0,
-               bytes->data(), bound, bound.length);
+               start, bound, bound.length);
     } else {
         bound.length = SQL_NULL_DATA;
         bindAt({SQL_PARAM_INPUT, SQL_C_WCHAR, SQL_WVARCHAR}, 1, 0, nullptr, bound, 0);

@@ -2,6 +2,8 @@
 
 #include "platform/database/sql_text.h"
 
+#include <utility>
+
 namespace selfreport {
 
 namespace {
@@ -13,8 +15,8 @@ constexpr const char* returnColumn = "callReturn";
 
 std::string procedureBatch(std::span<const ProcedureCall> calls)
 {
-    // Without row counts, which would come between the row sets.
-    std::string batch = "set nocount on declare @r int";
+    // Row counts may come between the row sets: switching them off would last as long as the session.
+    std::string batch = "declare @r int";
     for (std::size_t ordinal = 0; ordinal < calls.size(); ++ordinal) {
         const ProcedureCall& call = calls[ordinal];
         batch += " set @r=-1 exec @r=" + call.procedure;
@@ -39,7 +41,8 @@ void BatchAnswers::add(Recordset rows)
         return;
     }
     const auto ordinal = static_cast<std::size_t>(rows.integer(0, std::size_t{0}));
-    const bool answered = !rows.isNull(0, std::size_t{1}) && rows.integer(0, std::size_t{1}) != -1;
+    const bool answered = !std::exchange(m_hasFailed, false) && !rows.isNull(0, std::size_t{1}) &&
+                          rows.integer(0, std::size_t{1}) != -1;
     if (ordinal < m_results.size() && answered) {
         ProcedureResult result;
         result.returnValue = rows.integer(0, std::size_t{1});

@@ -25,8 +25,8 @@ public:
 
     void add(Recordset rows);
 
-    /// What came since the last ordinal belongs to a call that failed.
-    void dropPending() { m_pending.reset(); }
+    /// The call whose ordinal comes next has failed, whatever it returns.
+    void failCurrent() { m_hasFailed = true; }
 
     /// One for each call; nothing for those that must be repeated alone: no ordinal came, or no return value.
     std::vector<std::optional<ProcedureResult>> take() && { return std::move(m_results); }
@@ -34,6 +34,7 @@ public:
 private:
     std::vector<std::optional<ProcedureResult>> m_results;
     std::optional<Recordset> m_pending;
+    bool m_hasFailed = false;
 };
 
 } // namespace selfreport

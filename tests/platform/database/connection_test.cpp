@@ -26,7 +26,7 @@ std::string failureOf(const Work& work)
     }
 }
 
-TEST(Connection, BadFilesAreNamedAndNothingIsCreated)
+TEST(EmbeddedConnection, BadFilesAreNamedAndNothingIsCreated)
 {
     const DatabaseFolder folder;
     std::ofstream(folder.file("empty"));
@@ -52,7 +52,7 @@ TEST(Connection, BadFilesAreNamedAndNothingIsCreated)
 TEST(Connection, ValuesComeBackAsTheyWereBound)
 {
     const DatabaseFolder folder;
-    const auto connection = folder.create();
+    const auto connection = folder.createTested();
     const SqlDateTime moment{2009, 12, 31, 8, 5, 9};
     connection->execute("insert into tblCWSelfReport(noid,fname,fdate,fTop,fHeader) values(?,?,?,?,?)",
                         {std::int64_t{7}, " O'Brien’s 报表 ", moment, 0.6, std::monostate()});
@@ -73,7 +73,7 @@ TEST(Connection, ValuesComeBackAsTheyWereBound)
     EXPECT_EQ(connection->query("select fTop from tblCWSelfReport").number(0, "fTop"), 0.75);
 }
 
-TEST(Connection, NumbersReadAsPlainText)
+TEST(Recordset, NumbersReadAsPlainText)
 {
     struct Case {
         double number;
@@ -92,7 +92,7 @@ TEST(Connection, NumbersReadAsPlainText)
 TEST(Connection, SixtyFourMebibytesTravelWhole)
 {
     const DatabaseFolder folder;
-    const auto connection = folder.create();
+    const auto connection = folder.createTested();
     std::vector<std::byte> content(64U << 20U);
     for (std::size_t at = 0; at < content.size(); ++at)
         content[at] = static_cast<std::byte>(at * 31 >> 3);
@@ -112,32 +112,35 @@ TEST(Connection, SixtyFourMebibytesTravelWhole)
     EXPECT_THROW(left.binary(0, "fFileContent"), DatabaseError);
 }
 
-TEST(Connection, SessionsAreReusedInTheirFirstState)
+TEST(Connection, SessionsAreReusedOutOfAnyTransaction)
 {
     const DatabaseFolder folder;
-    createDatabase(folder.file());
-    const auto count = [&] {
-        return openConnection(folder.connectionString())->query("select * from tbluser").rowCount();
-    };
+    folder.createTested();
+    const auto open = [&] { return openConnection(folder.testedConnectionString()); };
     const DatabaseCounters before = databaseCounters();
     {
-        const auto connection = openConnection(folder.connectionString());
-        connection->execute("create temp table left_behind(a)");
+        const auto connection = open();
         connection->begin();
         connection->execute("insert into tbluser values('a','A')");
         EXPECT_TRUE(connection->inTransaction());
     } // given up in the middle
-    EXPECT_EQ(count(), 0U);
-    EXPECT_FALSE(openConnection(folder.connectionString())->inTransaction());
-    EXPECT_THROW(openConnection(folder.connectionString())->query("select * from left_behind"),
-                 DatabaseError);
+    EXPECT_TRUE(open()->query("select * from tbluser").isEmpty());
+    EXPECT_FALSE(open()->inTransaction());
     const DatabaseCounters after = databaseCounters();
-    EXPECT_EQ(after.opens - before.opens, 4);
-    EXPECT_EQ(after.closes - before.closes, 4);
-    EXPECT_EQ(after.sessions - before.sessions, 2) << "the one with a temporary table is not kept";
+    EXPECT_EQ(after.opens - before.opens, 3);
+    EXPECT_EQ(after.closes - before.closes, 3);
+    EXPECT_EQ(after.sessions - before.sessions, 0);
 }
 
-TEST(Connection, ASessionWhoseFileWasReplacedIsReplacedUnseen)
+TEST(EmbeddedConnection, ASessionWithATemporaryTableIsNotReused)
+{
+    const DatabaseFolder folder;
+    folder.create()->execute("create temp table left_behind(a)");
+    EXPECT_THROW(openConnection(folder.connectionString())->query("select * from left_behind"),
+                 DatabaseError);
+}
+
+TEST(EmbeddedConnection, ASessionWhoseFileWasReplacedIsReplacedUnseen)
 {
     const DatabaseFolder folder;
     folder.create("other")->execute("insert into tbluser values('new','N')");
@@ -157,7 +160,7 @@ TEST(Connection, ASessionWhoseFileWasReplacedIsReplacedUnseen)
 TEST(Connection, TransactionsEndWithTheirScope)
 {
     const DatabaseFolder folder;
-    const auto connection = folder.create();
+    const auto connection = folder.createTested();
     const auto users = [&] { return connection->query("select * from tbluser").rowCount(); };
     {
         const Transaction transaction(*connection);
@@ -177,7 +180,7 @@ TEST(Connection, TransactionsEndWithTheirScope)
 TEST(Connection, ARunningStatementCanBeCancelled)
 {
     const DatabaseFolder folder;
-    const auto connection = folder.create();
+    const auto connection = folder.createTested();
     std::jthread canceller([&](const std::stop_token& stop) {
         while (!stop.stop_requested()) {
             connection->cancel();
@@ -195,7 +198,7 @@ TEST(Connection, ARunningStatementCanBeCancelled)
 TEST(Connection, TheModulesStatementsRun)
 {
     const DatabaseFolder folder;
-    const auto connection = folder.create();
+    const auto connection = folder.createTested();
     connection->execute("insert into tbluser(fuserid,fusername) values('wang','王会计')");
     connection->execute(
         "insert into tblCWSelfReport(noid,fname,fdate,fbillerid) values(7,'表',getdate(),'WANG')");
@@ -213,7 +216,7 @@ TEST(Connection, TheModulesStatementsRun)
     EXPECT_EQ(connection->execute("delete from tblsystemprivillenge where fnumber='RSelf7' "), 0);
 }
 
-TEST(Connection, ListsDoNotReadBinaryColumns)
+TEST(EmbeddedConnection, ListsDoNotReadBinaryColumns)
 {
     const DatabaseFolder folder;
     const auto connection = folder.create();

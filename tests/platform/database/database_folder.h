@@ -1,9 +1,11 @@
 #pragma once
 #include "platform/database/Connection.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
+#include "tests/tdsserver/TestedDatabase.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <map>
 #include <string>
 #include <unistd.h>
 
@@ -35,6 +37,11 @@ public:
     {
         return "Provider=SQLite;Data Source=" + file(name);
     }
+    /// The same database through the provider under test.
+    std::string testedConnectionString(const std::string& name = "ledger.db") const
+    {
+        return m_tested.try_emplace(name, file(name)).first->second.connectionString();
+    }
 
     /// A new database with all tables, open.
     std::unique_ptr<Connection> create(const std::string& name = "ledger.db") const
@@ -42,9 +49,15 @@ public:
         createDatabase(file(name));
         return openConnection(connectionString(name));
     }
+    std::unique_ptr<Connection> createTested(const std::string& name = "ledger.db") const
+    {
+        createDatabase(file(name));
+        return openConnection(testedConnectionString(name));
+    }
 
 private:
     std::filesystem::path m_path;
+    mutable std::map<std::string, tds::TestedDatabase> m_tested;
 };
 
 } // namespace selfreport::testing
