@@ -263,6 +263,7 @@ void Workbook::replaceContent(Workbook&& fresh)
     m_formulas = std::move(fresh.m_formulas);
     m_names = std::move(fresh.m_names);
     m_activeSheet = fresh.m_activeSheet;
+    m_countsFrom1904 = fresh.m_countsFrom1904;
     m_nextSheetId = fresh.m_nextSheetId;
     m_recalculation = std::move(recalculation);
     m_journal = std::move(journal);

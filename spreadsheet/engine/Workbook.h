@@ -69,6 +69,10 @@ public:
     /// While formulas are shown, custom functions that hand back nothing leave their cell as it is.
     void setFormulasShown(bool shown) { m_formulasShown = shown; }
     bool formulasShown() const { return m_formulasShown; }
+    /// Serial numbers of days count from 1904-01-01 (number 0), as in files from some machines, instead
+    /// of from 1900. Date functions heed it with the next recalculation.
+    void setCountsFrom1904(bool from1904) { m_countsFrom1904 = from1904; }
+    bool countsFrom1904() const { return m_countsFrom1904; }
 
     /// Computes every formula.
     RecalculationReport recalculate();
@@ -117,6 +121,7 @@ private:
     int m_activeSheet = 1;
     int m_nextSheetId = 1;
     bool m_formulasShown = false;
+    bool m_countsFrom1904 = false;
     std::uint64_t m_revision = 0;
 };
 

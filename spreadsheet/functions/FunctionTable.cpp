@@ -21,9 +21,13 @@ namespace {
 std::vector<const FunctionDescriptor*> collect()
 {
     std::vector<const FunctionDescriptor*> all;
-    for (const auto table : {mathematicalFunctions(), statisticalFunctions(), logicalFunctions(),
-                             lookupFunctions(), textFunctions(), dateFunctions(), informationFunctions()}) {
-        for (const FunctionDescriptor& function : table)
+    static constexpr std::span<const FunctionDescriptor> (*tables[])() = {
+        mathematicalFunctions, statisticalFunctions, logicalFunctions,  lookupFunctions,
+        textFunctions,         dateFunctions,        dateSpanFunctions, workdayFunctions,
+        informationFunctions,  annuityFunctions,     cashFlowFunctions, depreciationFunctions,
+    };
+    for (const auto table : tables) {
+        for (const FunctionDescriptor& function : table())
             all.push_back(&function);
     }
     std::ranges::sort(all, {}, &FunctionDescriptor::name);

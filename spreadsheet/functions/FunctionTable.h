@@ -72,6 +72,11 @@ std::span<const FunctionDescriptor> logicalFunctions();
 std::span<const FunctionDescriptor> lookupFunctions();
 std::span<const FunctionDescriptor> textFunctions();
 std::span<const FunctionDescriptor> dateFunctions();
+std::span<const FunctionDescriptor> dateSpanFunctions();
+std::span<const FunctionDescriptor> workdayFunctions();
 std::span<const FunctionDescriptor> informationFunctions();
+std::span<const FunctionDescriptor> annuityFunctions();
+std::span<const FunctionDescriptor> cashFlowFunctions();
+std::span<const FunctionDescriptor> depreciationFunctions();
 
 } // namespace spreadsheet

@@ -2,6 +2,7 @@
 #include "spreadsheet/functions/clock.h"
 #include "spreadsheet/functions/day_counts.h"
 #include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/plain_arguments.h"
 
 #include <algorithm>
 
@@ -10,21 +11,6 @@ namespace spreadsheet {
 namespace {
 
 constexpr int secondsOfDay = 86400;
-
-/// The serial day of an argument without its time; #NUM! outside the calendar.
-int dayArgument(Call& call, std::size_t argument)
-{
-    const double serial = std::floor(call.number(argument));
-    if (serial >= 0 && serial <= lastSerial)
-        return static_cast<int>(serial);
-    call.fail(CellError::num);
-    return 0;
-}
-
-Operand serialResult(int serial)
-{
-    return serial < 0 ? Operand(CellError::num) : Operand(static_cast<double>(serial));
-}
 
 Operand date(Call& call)
 {
@@ -40,7 +26,7 @@ Operand date(Call& call)
     constexpr int most = 1'000'000; // beyond it every date leaves the calendar
     if (std::abs(month) > most || std::abs(day) > 4 * most)
         return CellError::num;
-    return serialResult(serialOfDay(year, month, day).value_or(-1));
+    return dayResult(call, serialOfDay(year, month, day).value_or(-1));
 }
 
 Operand time(Call& call)
@@ -87,7 +73,8 @@ Operand ofDateText(Call& call)
     const auto serial = value.isText() ? parseDateTime(value.textView()) : std::nullopt;
     if (!serial)
         return CellError::value;
-    return dayPart ? std::floor(*serial) : *serial - std::floor(*serial);
+    const double day = std::floor(*serial);
+    return dayPart ? dayResult(call, static_cast<int>(day)) : Operand(*serial - day);
 }
 
 Operand weekday(Call& call)
@@ -118,8 +105,8 @@ int isoWeek(int serial)
 
 Operand weekNumber(Call& call)
 {
-    const int serial = dayArgument(call, 0);
-    const int type = call.integer(1, 1);
+    const int serial = plainDay(call, 0);
+    const int type = plainInteger(call, 1, 1);
     if (call.failed())
         return call.error();
     if (type == 21)
@@ -136,125 +123,6 @@ Operand isoWeekNumber(Call& call)
 {
     const int serial = dayArgument(call, 0);
     return call.failed() ? call.error() : Operand(static_cast<double>(isoWeek(serial)));
-}
-
-Operand sameDayMonthsLater(Call& call)
-{
-    const int serial = dayArgument(call, 0);
-    const int months = call.integer(1);
-    return call.failed() ? call.error() : serialResult(addMonths(*dayOfSerial(serial), months));
-}
-
-Operand endOfMonth(Call& call)
-{
-    const int serial = dayArgument(call, 0);
-    const int months = call.integer(1);
-    if (call.failed())
-        return call.error();
-    CalendarDay day = *dayOfSerial(serial);
-    day.day = 31; // cut down to the month's last day
-    return serialResult(addMonths(day, months));
-}
-
-/// Days from the latest day before or at `end` that has the start's day (and month, for `yearly`).
-int daysSinceAnniversary(const CalendarDay& start, const CalendarDay& end, int endSerial, bool yearly)
-{
-    if (yearly) {
-        int year = end.year;
-        if (end.month < start.month || (end.month == start.month && end.day < start.day))
-            --year;
-        return endSerial - *serialOfDay(year, start.month, start.day);
-    }
-    const int month = end.day < start.day ? end.month - 1 : end.month;
-    return endSerial - *serialOfDay(end.year, month, start.day);
-}
-
-Operand dateDifference(Call& call)
-{
-    const int first = dayArgument(call, 0);
-    const int last = dayArgument(call, 1);
-    const std::string unit = foldedText(call.text(2));
-    if (call.failed())
-        return call.error();
-    if (first > last)
-        return CellError::num;
-    const CalendarDay start = *dayOfSerial(first);
-    const CalendarDay end = *dayOfSerial(last);
-    const int months = wholeMonths(start, end);
-    if (unit == "y")
-        return static_cast<double>(months / 12);
-    if (unit == "m")
-        return static_cast<double>(months);
-    if (unit == "ym")
-        return static_cast<double>(months % 12);
-    if (unit == "d")
-        return static_cast<double>(last - first);
-    if (unit == "md" || unit == "yd")
-        return static_cast<double>(daysSinceAnniversary(start, end, last, unit == "yd"));
-    return CellError::num;
-}
-
-Operand daysBetween(Call& call)
-{
-    const int end = dayArgument(call, 0);
-    const int start = dayArgument(call, 1);
-    return call.failed() ? call.error() : Operand(static_cast<double>(end - start));
-}
-
-Operand daysBetween360(Call& call)
-{
-    const int start = dayArgument(call, 0);
-    const int end = dayArgument(call, 1);
-    const bool european = call.logical(2, false);
-    if (call.failed())
-        return call.error();
-    return static_cast<double>(days360(*dayOfSerial(start), *dayOfSerial(end), european));
-}
-
-/// The days of an argument in ascending order, each once.
-std::vector<int> holidaysArgument(Call& call, std::size_t argument)
-{
-    std::vector<int> days;
-    if (!call.given(argument))
-        return days;
-    call.eachValue(argument, [&](const Value& value) {
-        const Value number = toNumber(value);
-        if (number.isError())
-            call.fail(number.error());
-        else if (!value.isEmpty())
-            days.push_back(static_cast<int>(std::clamp(number.number(), -1.0, lastSerial + 1.0)));
-    });
-    std::ranges::sort(days);
-    days.erase(std::unique(days.begin(), days.end()), days.end());
-    return days;
-}
-
-Operand workingDayCount(Call& call)
-{
-    const int start = dayArgument(call, 0);
-    const int end = dayArgument(call, 1);
-    const std::vector<int> holidays = holidaysArgument(call, 2);
-    return call.failed() ? call.error() : Operand(static_cast<double>(workingDays(start, end, holidays)));
-}
-
-Operand workingDay(Call& call)
-{
-    const int start = dayArgument(call, 0);
-    const int days = call.integer(1);
-    const std::vector<int> holidays = holidaysArgument(call, 2);
-    return call.failed() ? call.error() : serialResult(workingDayAfter(start, days, holidays));
-}
-
-Operand partOfYear(Call& call)
-{
-    const int start = dayArgument(call, 0);
-    const int end = dayArgument(call, 1);
-    const int basis = call.integer(2, 0);
-    if (call.failed())
-        return call.error();
-    if (basis < 0 || basis > 4)
-        return CellError::num;
-    return yearFraction(std::min(start, end), std::max(start, end), static_cast<DayCountBasis>(basis));
 }
 
 constexpr auto family = FunctionFamily::dateAndTime;
@@ -275,27 +143,15 @@ const FunctionDescriptor table[] = {
     {"SECOND", 1, 1, "v", family, "时间", "返回时间的秒数（0到59）",
      ofTime<[](int seconds) { return seconds % 60; }>},
     {"TODAY", 0, 0, "", family, "", "返回当前日期",
-     [](Call&) -> Operand { return std::floor(presentSerial()); }, isVolatile},
-    {"NOW", 0, 0, "", family, "", "返回当前日期和时间", [](Call&) -> Operand { return presentSerial(); },
-     isVolatile},
+     [](Call& call) -> Operand { return std::floor(presentSerial()) - serialShift(call); }, isVolatile},
+    {"NOW", 0, 0, "", family, "", "返回当前日期和时间",
+     [](Call& call) -> Operand { return presentSerial() - serialShift(call); }, isVolatile},
     {"DATEVALUE", 1, 1, "v", family, "日期文本", "将表示日期的文本转换为日期", ofDateText<true>},
     {"TIMEVALUE", 1, 1, "v", family, "时间文本", "将表示时间的文本转换为时间", ofDateText<false>},
     {"WEEKDAY", 1, 2, "vv", family, "日期,[类型]", "返回日期是星期几", weekday},
     {"WEEKNUM", 1, 2, "vv", family, "日期,[类型]", "返回日期在一年中的周数", weekNumber},
     {"ISOWEEKNUM", 1, 1, "v", family, "日期", "返回日期在一年中的周数，每周从星期一开始，以星期四定年",
      isoWeekNumber},
-    {"EDATE", 2, 2, "vv", family, "日期,月数", "返回若干月之前或之后的同一日", sameDayMonthsLater},
-    {"EOMONTH", 2, 2, "vv", family, "日期,月数", "返回若干月之前或之后的月末日", endOfMonth},
-    {"DATEDIF", 3, 3, "vvv", family, "开始日期,结束日期,单位", "返回两个日期之间的年数、月数或天数",
-     dateDifference},
-    {"DAYS", 2, 2, "vv", family, "结束日期,开始日期", "返回两个日期之间的天数", daysBetween},
-    {"DAYS360", 2, 3, "vvv", family, "开始日期,结束日期,[欧洲方法]", "按一年360天返回两个日期之间的天数",
-     daysBetween360},
-    {"NETWORKDAYS", 2, 3, "vvr", family, "开始日期,结束日期,[假日]", "返回两个日期之间的工作日天数",
-     workingDayCount},
-    {"WORKDAY", 2, 3, "vvr", family, "开始日期,天数,[假日]", "返回若干个工作日之前或之后的日期", workingDay},
-    {"YEARFRAC", 2, 3, "vvv", family, "开始日期,结束日期,[基准]", "返回两个日期之间的天数占一年的比例",
-     partOfYear},
 };
 
 } // namespace

@@ -21,18 +21,16 @@ int difference360(const CalendarDay& start, int startDay, const CalendarDay& end
     return (end.year - start.year) * 360 + (end.month - start.month) * 30 + endDay - startDay;
 }
 
-/// The way of bonds, where the last of February counts as a 30th at both ends.
+/// The way of bonds: the last of February counts as a 30th at the start, and at the end only if it does
+/// at the start too.
 double american360(const CalendarDay& start, const CalendarDay& end)
 {
-    int startDay = start.day;
     int endDay = end.day;
     if (isLastOfFebruary(start) && isLastOfFebruary(end))
         endDay = 30;
-    if (isLastOfFebruary(start))
-        startDay = 30;
-    if (endDay == 31 && startDay >= 30)
+    if (endDay == 31 && start.day >= 30)
         endDay = 30;
-    startDay = std::min(startDay, 30);
+    const int startDay = isLastOfFebruary(start) ? 30 : std::min(start.day, 30);
     return difference360(start, startDay, end, endDay) / 360.0;
 }
 
@@ -54,10 +52,10 @@ double yearLength(const CalendarDay& start, const CalendarDay& end)
     return days / (end.year - start.year + 1);
 }
 
-bool isWorkingDay(int serial, const std::vector<int>& holidays)
+bool isWorkingDay(int serial, WeekendDays weekend, const std::vector<int>& holidays)
 {
-    const int weekday = weekdayOf(serial);
-    return weekday != 0 && weekday != 6 && !std::ranges::binary_search(holidays, serial);
+    return !weekend[static_cast<std::size_t>(weekdayOf(serial))] &&
+           !std::ranges::binary_search(holidays, serial);
 }
 
 } // namespace
@@ -109,20 +107,20 @@ int addMonths(const CalendarDay& day, int months)
     return serialOfDay(year, month, std::min(day.day, daysOfMonth(year, month))).value_or(-1);
 }
 
-int workingDays(int start, int end, const std::vector<int>& holidays)
+int workingDays(int start, int end, WeekendDays weekend, const std::vector<int>& holidays)
 {
     if (end < start)
-        return -workingDays(end, start, holidays);
+        return -workingDays(end, start, weekend, holidays);
     const int weeks = (end - start + 1) / 7;
-    int days = weeks * 5;
+    int days = weeks * (7 - static_cast<int>(weekend.count()));
     for (int day = start + weeks * 7; day <= end; ++day)
-        days += isWorkingDay(day, {});
+        days += isWorkingDay(day, weekend, {});
     for (const int holiday : holidays)
-        days -= holiday >= start && holiday <= end && isWorkingDay(holiday, {});
+        days -= holiday >= start && holiday <= end && isWorkingDay(holiday, weekend, {});
     return days;
 }
 
-int workingDayAfter(int start, int days, const std::vector<int>& holidays)
+int workingDayAfter(int start, int days, WeekendDays weekend, const std::vector<int>& holidays)
 {
     const int step = days < 0 ? -1 : 1;
     int day = start;
@@ -130,7 +128,7 @@ int workingDayAfter(int start, int days, const std::vector<int>& holidays)
         day += step;
         if (day < 0 || day > lastSerial)
             return -1;
-        if (isWorkingDay(day, holidays))
+        if (isWorkingDay(day, weekend, holidays))
             days -= step;
     }
     return day;

@@ -1,6 +1,7 @@
 #pragma once
 #include "spreadsheet/engine/date_serial.h"
 
+#include <bitset>
 #include <vector>
 
 namespace spreadsheet {
@@ -29,11 +30,16 @@ constexpr int weekdayOf(int serial)
     return (serial + 6) % 7;
 }
 
-/// Days other than Saturday, Sunday and holidays (ascending, each once), both ends counted; negative if
-/// the end lies before the start.
-int workingDays(int start, int end, const std::vector<int>& holidays);
+/// Days off of a week, by weekdayOf.
+using WeekendDays = std::bitset<7>;
+inline constexpr WeekendDays saturdayAndSunday{0b1000001};
 
-/// The working day so many working days after (before) a day; -1 outside the calendar.
-int workingDayAfter(int start, int days, const std::vector<int>& holidays);
+/// Days other than the weekend and holidays (ascending, each once), both ends counted; negative if the
+/// end lies before the start.
+int workingDays(int start, int end, WeekendDays weekend, const std::vector<int>& holidays);
+
+/// The working day so many working days after (before) a day; -1 outside the calendar. Some day of the
+/// week must not belong to the weekend.
+int workingDayAfter(int start, int days, WeekendDays weekend, const std::vector<int>& holidays);
 
 } // namespace spreadsheet

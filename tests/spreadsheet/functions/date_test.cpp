@@ -80,7 +80,7 @@ TEST(DateFunctions, SpansOfTime)
         {"WORKDAY(1,-9)", "#NUM!"},
         {"YEARFRAC(DATE(2011,1,1),DATE(2011,7,1))", "0.5"},
         {"YEARFRAC(DATE(2011,7,1),DATE(2011,1,1))", "0.5"},
-        {"YEARFRAC(DATE(2011,2,28),DATE(2011,8,31))", "0.5"},
+        {"YEARFRAC(DATE(2011,2,28),DATE(2011,8,31))*360", "181"},
         {"YEARFRAC(DATE(2011,1,1),DATE(2012,1,1),1)", "1"},
         {"YEARFRAC(DATE(2012,1,1),DATE(2012,7,1),1)*366", "182"},
         {"YEARFRAC(DATE(2011,7,1),DATE(2012,3,1),1)*366", "244"},

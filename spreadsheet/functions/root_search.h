@@ -1,0 +1,20 @@
+#pragma once
+#include "spreadsheet/functions/Call.h"
+
+#include <functional>
+#include <optional>
+
+namespace spreadsheet {
+
+/// A rate above -1 at which a smooth function is zero: by secants from a first guess, and if these run
+/// away, by halving the nearest interval over which the function changes its sign. Nothing if no zero
+/// is found; at most some 500 evaluations.
+std::optional<double> findRate(const std::function<double(double)>& function, double guess);
+
+/// A rate that was searched as a result: #NUM! if none was found.
+inline Operand rateResult(const std::optional<double>& rate)
+{
+    return rate ? checked(*rate) : Operand(CellError::num);
+}
+
+} // namespace spreadsheet
