@@ -27,6 +27,13 @@ struct PrintSettings {
     bool shadows = false;
     int titleTop = 0; ///< rows repeated on each page; 0: none
     int titleBottom = 0;
+    bool usedAreaOnly = true;   ///< up to the last row and column that hold data
+    bool fitWidth = false;      ///< made smaller until all columns stand side by side on a page
+    bool centredAcross = false; ///< cells stand in the middle of the page
+    bool centredDown = false;
+    bool stamp = false;               ///< a last line under the footer says when and by whom it was printed
+    std::map<int, bool> rowBreaks;    ///< rows that begin a page; only entries that are true
+    std::map<int, bool> columnBreaks; ///< columns that begin a page
     friend bool operator==(const PrintSettings&, const PrintSettings&) = default;
 };
 

@@ -305,6 +305,8 @@ void SheetStructure::shiftSettings(Sheet& sheet, const AxisShift& shift)
     if (shift.rows && settings.print.titleTop > 0 &&
         !shiftEnds(shift, settings.print.titleTop, settings.print.titleBottom))
         settings.print.titleTop = settings.print.titleBottom = 0;
+    auto& breaks = shift.rows ? settings.print.rowBreaks : settings.print.columnBreaks;
+    breaks = shiftedKeys(breaks, shift);
     int& count = shift.rows ? settings.rowCount : settings.columnCount;
     const int removed = std::clamp(count - (shift.at - 1), 0, shift.removed);
     count = std::clamp(count + shift.inserted - removed, 1, shift.limit());

@@ -54,12 +54,13 @@ flatbuffers::Offset<Entries> writeSizes(flatbuffers::FlatBufferBuilder& builder,
     return builder.CreateVectorOfStructs(entries);
 }
 
-flatbuffers::Offset<Indexes> writeHidden(flatbuffers::FlatBufferBuilder& builder, const AxisSizes& sizes,
-                                         Axis axis)
+/// The rows or columns that are marked.
+flatbuffers::Offset<Indexes> writeMarks(flatbuffers::FlatBufferBuilder& builder,
+                                        const std::map<int, bool>& marks, Axis axis)
 {
     std::vector<std::uint32_t> indexes;
-    for (const auto& [index, hidden] : sizes.hidden) {
-        if (hidden && isOn(axis, index))
+    for (const auto& [index, marked] : marks) {
+        if (marked && isOn(axis, index))
             indexes.push_back(static_cast<std::uint32_t>(index));
     }
     return builder.CreateVector(indexes);
@@ -86,6 +87,16 @@ void append(std::map<int, T>& entries, std::uint32_t index, T value, Axis axis)
     entries.emplace_hint(entries.end(), at, value);
 }
 
+std::map<int, bool> readMarks(const Indexes* indexes, Axis axis)
+{
+    std::map<int, bool> marks;
+    if (indexes) {
+        for (const std::uint32_t index : *indexes)
+            append(marks, index, true, axis);
+    }
+    return marks;
+}
+
 AxisSizes readSizes(std::uint32_t defaultSize, const Entries* sizes, const Indexes* hidden, Axis axis)
 {
     AxisSizes result{checked(defaultSize, maxTwips, axis.what), {}, {}};
@@ -93,10 +104,7 @@ AxisSizes readSizes(std::uint32_t defaultSize, const Entries* sizes, const Index
         for (const stored::AxisEntry* entry : *sizes)
             append(result.sizes, entry->index(), checked(entry->value(), maxTwips, axis.what), axis);
     }
-    if (hidden) {
-        for (const std::uint32_t index : *hidden)
-            append(result.hidden, index, true, axis);
-    }
+    result.hidden = readMarks(hidden, axis);
     return result;
 }
 
@@ -175,11 +183,15 @@ flatbuffers::Offset<stored::Print> writePrint(flatbuffers::FlatBufferBuilder& bu
 {
     const auto header = builder.CreateString(print.header);
     const auto footer = builder.CreateString(print.footer);
-    return stored::CreatePrint(
-        builder, limited(print.marginTop, maxTwips), limited(print.marginBottom, maxTwips),
-        limited(print.marginLeft, maxTwips), limited(print.marginRight, maxTwips), print.landscape, header,
-        footer, print.columnHeadings, print.rowHeadings, print.gridLines, print.border, print.colour,
-        print.shadows, limited(print.titleTop, maxRows), limited(print.titleBottom, maxRows));
+    const auto rowBreaks = writeMarks(builder, print.rowBreaks, rowAxis);
+    const auto columnBreaks = writeMarks(builder, print.columnBreaks, columnAxis);
+    return stored::CreatePrint(builder, limited(print.marginTop, maxTwips),
+                               limited(print.marginBottom, maxTwips), limited(print.marginLeft, maxTwips),
+                               limited(print.marginRight, maxTwips), print.landscape, header, footer,
+                               print.columnHeadings, print.rowHeadings, print.gridLines, print.border,
+                               print.colour, print.shadows, limited(print.titleTop, maxRows),
+                               limited(print.titleBottom, maxRows), 0, 0, !print.usedAreaOnly, print.fitWidth,
+                               print.centredAcross, print.centredDown, print.stamp, rowBreaks, columnBreaks);
 }
 
 PrintSettings readPrint(const stored::Print* stored)
@@ -203,6 +215,13 @@ PrintSettings readPrint(const stored::Print* stored)
     print.shadows = stored->shadows();
     print.titleTop = checked(stored->title_top(), maxRows, what);
     print.titleBottom = checked(stored->title_bottom(), maxRows, what);
+    print.usedAreaOnly = !stored->whole_sheet();
+    print.fitWidth = stored->fit_width();
+    print.centredAcross = stored->centred_across();
+    print.centredDown = stored->centred_down();
+    print.stamp = stored->stamp();
+    print.rowBreaks = readMarks(stored->row_breaks(), rowAxis);
+    print.columnBreaks = readMarks(stored->column_breaks(), columnAxis);
     return print;
 }
 
@@ -215,8 +234,8 @@ flatbuffers::Offset<stored::Sheet> writeSheet(flatbuffers::FlatBufferBuilder& bu
     const auto name = builder.CreateString(settings.name);
     const auto heights = writeSizes(builder, settings.rows, rowAxis);
     const auto widths = writeSizes(builder, settings.columns, columnAxis);
-    const auto hiddenRows = writeHidden(builder, settings.rows, rowAxis);
-    const auto hiddenColumns = writeHidden(builder, settings.columns, columnAxis);
+    const auto hiddenRows = writeMarks(builder, settings.rows.hidden, rowAxis);
+    const auto hiddenColumns = writeMarks(builder, settings.columns.hidden, columnAxis);
     const auto rowStyles = writeStyles(builder, settings.rowStyles, writers.styles, rowAxis);
     const auto columnStyles = writeStyles(builder, settings.columnStyles, writers.styles, columnAxis);
     const auto spans = writeRanges(builder, settings.spans);

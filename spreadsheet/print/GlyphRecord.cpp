@@ -12,8 +12,10 @@ void GlyphRecord::name(const QRawFont& font, quint32 glyph, const QString& text)
 void GlyphRecord::draw(const QGlyphRun& run)
 {
     Face& face = faceOf(run.rawFont());
-    if (face.glyphs.empty() && !run.glyphIndexes().isEmpty())
+    if (!face.used && !run.glyphIndexes().isEmpty()) {
+        face.used = true;
         m_used.push_back(&face);
+    }
     for (const quint32 glyph : run.glyphIndexes()) {
         if (glyph >= face.drawn.size())
             face.drawn.resize(glyph + 1);
@@ -29,10 +31,14 @@ GlyphRecord::Face& GlyphRecord::faceOf(const QRawFont& font)
     const auto known = std::ranges::find(m_byFont, font, &std::pair<QRawFont, Face*>::first);
     if (known != m_byFont.end())
         return *known->second;
-    const QByteArray nameTable = font.fontTable("name");
-    auto face = std::ranges::find(m_faces, nameTable, &Face::nameTable);
+    QByteArray name = font.fontTable("name");
+    if (name.isEmpty()) // Type 1 fonts have no tables
+        name = (font.familyName() + '/' + font.styleName() + '/' + QString::number(font.weight()) + '/' +
+                QString::number(font.style()))
+                   .toUtf8();
+    auto face = std::ranges::find(m_faces, name, &Face::name);
     if (face == m_faces.end())
-        face = m_faces.insert(m_faces.end(), Face{nameTable, font, {}, {}, {}});
+        face = m_faces.insert(m_faces.end(), Face{name, font, {}, {}, {}});
     m_byFont.emplace_back(font, &*face);
     return *face;
 }

@@ -16,11 +16,12 @@ namespace spreadsheet {
 class GlyphRecord {
 public:
     struct Face {
-        QByteArray nameTable;        ///< tells faces apart, also those that share one file
+        QByteArray name;             ///< tells faces apart, also those that share one file
         QRawFont font;               ///< of some size
         std::vector<quint32> glyphs; ///< drawn, in the order of first use
         std::vector<bool> drawn;     ///< by glyph
         std::unordered_map<quint32, QString> texts;
+        bool used = false; ///< if only by the sign for a missing character
     };
 
     /// The glyph stands for this text, unless it is known to stand for another.

@@ -15,6 +15,8 @@ constexpr int headerGap = 120;         // twips between header or footer and the
 constexpr int smallestBody = 720;      // twips; less than half an inch shows no cell worth printing
 constexpr int headingDigitWidth = 110; // twips of one digit of a row heading
 constexpr int headingPadding = 160;
+constexpr double smallestScale = 0.1; // smaller prints cannot be read
+constexpr double stampPoints = 7;
 
 /// Sizes of the tracks first..last; 0 for a hidden one.
 std::vector<int> sizesOf(const AxisSizes& axis, int first, int last)
@@ -48,7 +50,7 @@ std::optional<CellRange> rangeToPrint(const Sheet& sheet, const PageRequest& req
     if (request.range) {
         range = {std::max(request.range->left, 1), std::max(request.range->top, 1),
                  std::min(request.range->right, range.right), std::min(request.range->bottom, range.bottom)};
-    } else if (request.usedAreaOnly) {
+    } else if (settings.print.usedAreaOnly) {
         range = withSpans({1, 1, sheet.lastDataColumn(), sheet.lastDataRow()}, settings.spans);
     }
     if (range.columns() <= 0 || range.rows() <= 0)
@@ -62,6 +64,16 @@ int heightOf(const std::vector<HeaderLine>& lines)
     for (const HeaderLine& line : lines)
         height += headerLineHeight(line);
     return height;
+}
+
+HeaderLine stampLine(const std::string& stamp)
+{
+    HeaderFont font;
+    font.points = stampPoints;
+    HeaderLine line;
+    line.points = stampPoints;
+    line.parts[static_cast<std::size_t>(HeaderPart::left)].push_back({font, stamp, false});
+    return line;
 }
 
 /// Adds the shown tracks first..last to `tracks`, the first one at `start`; gives the end of the last.
@@ -98,6 +110,8 @@ void PageLayout::measurePaper(const Sheet& sheet, const PageRequest& request)
                    m_paperHeight - print.marginTop - print.marginBottom};
     m_header = readHeaderFooter(print.header);
     m_footer = readHeaderFooter(print.footer);
+    if (print.stamp && !request.stamp.empty())
+        m_footer.push_back(stampLine(request.stamp));
     if (print.columnHeadings)
         m_columnHeadingHeight = defaultRowHeight;
     if (print.rowHeadings && m_range)
@@ -116,19 +130,47 @@ void PageLayout::dealOut(const Sheet& sheet)
     const SheetSettings& settings = sheet.settings();
     m_rowSizes = sizesOf(settings.rows, m_range->top, m_range->bottom);
     m_columnSizes = sizesOf(settings.columns, m_range->left, m_range->right);
+    m_centredAcross = settings.print.centredAcross;
+    m_centredDown = settings.print.centredDown;
+    if (settings.print.fitWidth)
+        fitWidth();
     RepeatedRows repeated;
     if (settings.print.titleTop > 0) {
         m_titleTop = settings.print.titleTop;
         m_titleSizes = sizesOf(settings.rows, m_titleTop, settings.print.titleBottom);
         repeated = {settings.print.titleBottom, std::accumulate(m_titleSizes.begin(), m_titleSizes.end(), 0)};
     }
-    m_rowBands = pageBands(m_rowSizes, m_range->top, m_body.height - m_columnHeadingHeight, repeated);
-    m_columnBands = pageBands(m_columnSizes, m_range->left, m_body.width - m_rowHeadingWidth);
+    m_rowBands = pageBands(m_rowSizes, m_range->top, m_body.height - m_columnHeadingHeight, repeated,
+                           settings.print.rowBreaks);
+    m_columnBands = pageBands(m_columnSizes, m_range->left, m_body.width - m_rowHeadingWidth, {},
+                              settings.print.fitWidth ? PageBreaks() : settings.print.columnBreaks);
+}
+
+/// Makes the body as many twips wide as the columns take, and as much higher.
+void PageLayout::fitWidth()
+{
+    const long long needed =
+        std::accumulate(m_columnSizes.begin(), m_columnSizes.end(), 0LL) + m_rowHeadingWidth;
+    if (needed <= m_body.width)
+        return;
+    m_scale = std::max(static_cast<double>(m_body.width) / static_cast<double>(needed), smallestScale);
+    m_body.width =
+        m_scale > smallestScale ? static_cast<int>(needed) : static_cast<int>(m_body.width / smallestScale);
+    m_body.height = static_cast<int>(m_body.height / m_scale);
 }
 
 int PageLayout::pageCount() const
 {
     return std::max(1, static_cast<int>(m_rowBands.size() * m_columnBands.size()));
+}
+
+void PageLayout::centre(PrintedPage& page) const
+{
+    const int repeated = page.rows.repeats ? std::accumulate(m_titleSizes.begin(), m_titleSizes.end(), 0) : 0;
+    if (m_centredAcross)
+        page.cells.left += (m_body.width - m_rowHeadingWidth - page.columns.length) / 2;
+    if (m_centredDown)
+        page.cells.top += (m_body.height - m_columnHeadingHeight - repeated - page.rows.length) / 2;
 }
 
 PrintedPage PageLayout::page(int number) const
@@ -144,6 +186,7 @@ PrintedPage PageLayout::page(int number) const
     page.rows = m_rowBands[place / m_columnBands.size()];
     page.columns = m_columnBands[place % m_columnBands.size()];
 
+    centre(page);
     int top = page.cells.top;
     if (page.rows.repeats)
         top = addTracks(page.rowTracks, m_titleSizes, m_titleTop, m_titleTop,

@@ -21,7 +21,7 @@ struct PageRequest {
     int paperWidth = 11906; ///< twips of the upright sheet of paper; A4
     int paperHeight = 16838;
     std::optional<CellRange> range; ///< only these cells
-    bool usedAreaOnly = true;       ///< without a range: up to the last row and column that hold data
+    std::string stamp;              ///< UTF-8; the last line of every page where the sheet asks for a stamp
 };
 
 /// A rectangle on the page in twips, from the paper's top left corner.
@@ -69,11 +69,17 @@ public:
 
     int paperWidth() const { return m_paperWidth; } ///< twips, as turned for printing
     int paperHeight() const { return m_paperHeight; }
+    /// Cells and headings are drawn this much smaller, from the top left corner of body(); 1 unless all
+    /// columns are fitted to one page. Tracks and boxes of a page are in twips before that.
+    double scale() const { return m_scale; }
+    /// Where cells and headings may stand, in twips before scale().
+    const PageBox& body() const { return m_body; }
     /// The paper without its margins: header, cells, footer.
     const PageBox& printable() const { return m_printable; }
     /// Cells that are printed; nothing if the sheet holds no data.
     const std::optional<CellRange>& range() const { return m_range; }
     const std::vector<HeaderLine>& header() const { return m_header; }
+    /// The stamp's line included.
     const std::vector<HeaderLine>& footer() const { return m_footer; }
     int rowHeadingWidth() const { return m_rowHeadingWidth; } ///< twips; 0: no row headings
     int columnHeadingHeight() const { return m_columnHeadingHeight; }
@@ -81,11 +87,16 @@ public:
 private:
     void measurePaper(const Sheet& sheet, const PageRequest& request);
     void dealOut(const Sheet& sheet);
+    void fitWidth();
+    void centre(PrintedPage& page) const;
 
     int m_paperWidth = 0;
     int m_paperHeight = 0;
     PageBox m_printable;
-    PageBox m_body; ///< where cells and headings may stand
+    PageBox m_body;
+    double m_scale = 1;
+    bool m_centredAcross = false;
+    bool m_centredDown = false;
     std::vector<HeaderLine> m_header, m_footer;
     std::optional<CellRange> m_range;
     int m_rowHeadingWidth = 0;

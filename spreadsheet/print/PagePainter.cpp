@@ -2,6 +2,7 @@
 
 #include "spreadsheet/print/cell_lines.h"
 #include "spreadsheet/print/cell_text.h"
+#include "spreadsheet/print/header_places.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/print/print_colour.h"
@@ -17,6 +18,7 @@ constexpr int lineRoom = 15; // twips around the cells that a border on their ou
 constexpr BorderLine frameLine{LineStyle::solid, 0x000000};
 constexpr BorderLine headingLine{LineStyle::fineSolid, 0x606060};
 constexpr Colour headingShadow = 0xDCDCDC;
+constexpr double partGap = 120; // twips between two parts of a header line
 
 QRect rectOf(const PageBox& box)
 {
@@ -29,12 +31,8 @@ void PagePainter::paint(QPainter& painter, int number)
 {
     const PrintedPage page = m_layout.page(number);
     painter.save();
-    if (!page.rowTracks.empty()) {
-        paintCells(painter, page);
-        paintHeadings(painter, page);
-        if (m_sheet.settings().print.border)
-            paintBorder(painter, page);
-    }
+    if (!page.rowTracks.empty())
+        paintTable(painter, page);
     paintHeaderLines(painter, m_layout.header(), m_layout.printable().top, number);
     int footerTop = m_layout.printable().bottom();
     for (const HeaderLine& line : m_layout.footer())
@@ -43,11 +41,25 @@ void PagePainter::paint(QPainter& painter, int number)
     painter.restore();
 }
 
+void PagePainter::paintTable(QPainter& painter, const PrintedPage& page)
+{
+    const PageBox& body = m_layout.body();
+    painter.save();
+    painter.translate(body.left, body.top);
+    painter.scale(m_layout.scale(), m_layout.scale());
+    painter.translate(-body.left, -body.top);
+    paintCells(painter, page);
+    paintHeadings(painter, page);
+    if (m_sheet.settings().print.border)
+        paintBorder(painter, page);
+    painter.restore();
+}
+
 void PagePainter::paintCells(QPainter& painter, const PrintedPage& page)
 {
     const PrintSettings& print = m_sheet.settings().print;
     const bool lastAcross = page.columns.last == m_layout.range()->right;
-    const int rightLimit = lastAcross ? m_layout.printable().right() : page.cells.right();
+    const int rightLimit = lastAcross ? m_layout.body().right() : page.cells.right();
     painter.save();
     painter.setClipRect(QRect(page.cells.left - lineRoom, page.cells.top - lineRoom,
                               rightLimit - page.cells.left + 2 * lineRoom, page.cells.height + 2 * lineRoom));
@@ -140,37 +152,42 @@ void PagePainter::paintHeaderLines(QPainter& painter, const std::vector<HeaderLi
         const double em = line.points * 20;
         const double baseline =
             lineTop + (headerLineHeight(line) - em * lineDistance) / 2 + baselineInLine * em;
-        for (const HeaderPart part : {HeaderPart::left, HeaderPart::centre, HeaderPart::right})
-            paintHeaderPart(painter, line, part, baseline, pageNumber);
+        paintHeaderLine(painter, line, baseline, pageNumber);
         lineTop += headerLineHeight(line);
     }
 }
 
-void PagePainter::paintHeaderPart(QPainter& painter, const HeaderLine& line, HeaderPart part, double baseline,
-                                  int pageNumber)
+void PagePainter::paintHeaderLine(QPainter& painter, const HeaderLine& line, double baseline, int pageNumber)
 {
-    std::vector<TextLine> pieces;
-    double width = 0;
-    for (const HeaderRun& run : line.parts[static_cast<std::size_t>(part)]) {
-        const QString text =
-            run.pageNumber ? QString::number(pageNumber) : fromUtf8(run.text).replace('\n', ' ');
-        const HeaderFont& font = run.font;
-        pieces.push_back(
-            m_text.lines(text, m_text.font({font.family, font.points, font.bold, font.italic})).front());
-        width += pieces.back().width;
+    std::array<std::vector<TextLine>, 3> pieces;
+    std::array<double, 3> widths{};
+    for (std::size_t part = 0; part < pieces.size(); ++part)
+        for (const HeaderRun& run : line.parts[part]) {
+            pieces[part].push_back(pieceOf(run, pageNumber));
+            widths[part] += pieces[part].back().width;
+        }
+    const HeaderPlaces places = placeHeaderParts(widths, m_layout.printable().width, partGap);
+    painter.save();
+    painter.translate(m_layout.printable().left, baseline);
+    painter.scale(places.scale, places.scale);
+    for (std::size_t part = 0; part < pieces.size(); ++part) {
+        double left = places.left[part];
+        for (std::size_t i = 0; i < pieces[part].size(); ++i) {
+            const HeaderFont& font = line.parts[part][i].font;
+            m_text.draw(painter, {left, 0}, pieces[part][i], Qt::black);
+            drawDecoration(painter, {left, 0}, pieces[part][i].width, font.points * 20,
+                           {font.underline, font.strikeThrough}, Qt::black);
+            left += pieces[part][i].width;
+        }
     }
-    const PageBox& area = m_layout.printable();
-    double left = area.left;
-    if (part != HeaderPart::left)
-        left += part == HeaderPart::right ? area.width - width : (area.width - width) / 2;
-    std::size_t place = 0;
-    for (const HeaderRun& run : line.parts[static_cast<std::size_t>(part)]) {
-        const TextLine& piece = pieces[place++];
-        m_text.draw(painter, {left, baseline}, piece, Qt::black);
-        drawDecoration(painter, {left, baseline}, piece.width, run.font.points * 20,
-                       {run.font.underline, run.font.strikeThrough}, Qt::black);
-        left += piece.width;
-    }
+    painter.restore();
+}
+
+TextLine PagePainter::pieceOf(const HeaderRun& run, int pageNumber)
+{
+    const QString text = run.pageNumber ? QString::number(pageNumber) : fromUtf8(run.text).replace('\n', ' ');
+    const HeaderFont& font = run.font;
+    return m_text.lines(text, m_text.font({font.family, font.points, font.bold, font.italic})).front();
 }
 
 } // namespace spreadsheet

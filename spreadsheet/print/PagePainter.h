@@ -9,6 +9,7 @@ namespace spreadsheet {
 
 class PageCells;
 class PageText;
+struct TextLine;
 class Sheet;
 
 /// Draws pages of a layout. The painter's unit is the twip and its origin the paper's top left corner;
@@ -27,13 +28,14 @@ public:
 
 private:
     void paintBackgrounds(QPainter& painter, const PageCells& cells);
+    void paintTable(QPainter& painter, const PrintedPage& page);
     void paintCells(QPainter& painter, const PrintedPage& page);
     void paintHeadings(QPainter& painter, const PrintedPage& page);
     void paintHeading(QPainter& painter, const PageBox& box, const QString& text);
     void paintBorder(QPainter& painter, const PrintedPage& page);
     void paintHeaderLines(QPainter& painter, const std::vector<HeaderLine>& lines, int top, int pageNumber);
-    void paintHeaderPart(QPainter& painter, const HeaderLine& line, HeaderPart part, double baseline,
-                         int pageNumber);
+    void paintHeaderLine(QPainter& painter, const HeaderLine& line, double baseline, int pageNumber);
+    TextLine pieceOf(const HeaderRun& run, int pageNumber);
 
     const Sheet& m_sheet;
     const PageLayout& m_layout;

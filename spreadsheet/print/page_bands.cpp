@@ -8,9 +8,10 @@ namespace {
 
 class BandDealer {
 public:
-    BandDealer(int capacity, RepeatedRows repeated)
+    BandDealer(int capacity, RepeatedRows repeated, const PageBreaks& breaks)
         : m_capacity(capacity)
         , m_repeated(repeated)
+        , m_breaks(breaks)
     {
         if (repeated.length > capacity / 2)
             m_repeated.length = 0;
@@ -18,7 +19,7 @@ public:
 
     void add(int index, int size)
     {
-        if (m_bands.empty() || room() < size)
+        if (m_bands.empty() || room() < size || breaksBetween(m_bands.back().last, index))
             open(index, 0);
         int skipped = 0;
         while (size - skipped > room()) {
@@ -39,6 +40,12 @@ private:
         return m_capacity - band.length - (band.repeats ? m_repeated.length : 0);
     }
 
+    bool breaksBetween(int before, int index) const
+    {
+        const auto next = m_breaks.upper_bound(before);
+        return next != m_breaks.end() && next->first <= index;
+    }
+
     void open(int index, int skipped)
     {
         const bool repeats = m_repeated.length > 0 && index > m_repeated.last;
@@ -47,14 +54,16 @@ private:
 
     int m_capacity;
     RepeatedRows m_repeated;
+    const PageBreaks& m_breaks;
     std::vector<PageBand> m_bands;
 };
 
 } // namespace
 
-std::vector<PageBand> pageBands(std::span<const int> sizes, int first, int capacity, RepeatedRows repeated)
+std::vector<PageBand> pageBands(std::span<const int> sizes, int first, int capacity, RepeatedRows repeated,
+                                const PageBreaks& breaks)
 {
-    BandDealer dealer(std::max(capacity, 1), repeated);
+    BandDealer dealer(std::max(capacity, 1), repeated, breaks);
     int index = first;
     for (const int size : sizes) {
         if (size > 0)

@@ -1,4 +1,5 @@
 #pragma once
+#include <map>
 #include <span>
 #include <vector>
 
@@ -21,6 +22,9 @@ struct RepeatedRows {
     int length = 0; ///< twips; 0: nothing is repeated
 };
 
+/// Rows (or columns) that begin a page wherever they stand; only entries that are true.
+using PageBreaks = std::map<int, bool>;
+
 /// Deals rows (or columns) out to pages.
 ///
 /// @param sizes     one per row in twips, 0 = hidden
@@ -28,9 +32,10 @@ struct RepeatedRows {
 /// @param capacity  twips that a page holds; greater than 0
 /// @param repeated  its length takes room from each page that repeats; left out on all pages if it
 ///                  would take more than half a page
+/// @param breaks    a break at a hidden row counts for the next one that shows
 /// @return  bands in ascending order; empty if no row shows. Hidden rows neither fill nor open a page.
 ///          A row that is larger than a page begins on a new one and goes on over the next ones.
 std::vector<PageBand> pageBands(std::span<const int> sizes, int first, int capacity,
-                                RepeatedRows repeated = {});
+                                RepeatedRows repeated = {}, const PageBreaks& breaks = {});
 
 } // namespace spreadsheet

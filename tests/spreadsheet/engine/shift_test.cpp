@@ -106,6 +106,7 @@ TEST(Shift, SettingsMoveAlong)
         settings.rows.sizes[maxRows] = 100;
         settings.print.titleTop = 2;
         settings.print.titleBottom = 3;
+        settings.print.rowBreaks = {{2, true}, {5, true}};
     });
     ASSERT_FALSE(sheet.insertRows(3, 1));
     const SheetSettings& settings = sheet.settings();
@@ -117,6 +118,7 @@ TEST(Shift, SettingsMoveAlong)
     EXPECT_EQ(settings.rows.size(7), 0);
     EXPECT_FALSE(settings.rows.sizes.contains(maxRows + 1));
     EXPECT_EQ(settings.print.titleBottom, 4);
+    EXPECT_EQ(settings.print.rowBreaks, (std::map<int, bool>{{2, true}, {6, true}}));
     EXPECT_EQ(settings.rowCount, 501);
     sheet.deleteRows(1000, 5);
     EXPECT_EQ(settings.rowCount, 501) << "nothing of the sheet was removed";

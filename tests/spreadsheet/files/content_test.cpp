@@ -78,6 +78,17 @@ void fillEverything(Workbook& workbook)
     workbook.recalculate();
 }
 
+/// What the stored sample of version 1 does not hold.
+void fillLaterFields(Workbook& workbook)
+{
+    workbook.sheet(1).changeSettings([](SheetSettings& settings) {
+        settings.print.usedAreaOnly = false;
+        settings.print.fitWidth = settings.print.centredDown = settings.print.stamp = true;
+        settings.print.rowBreaks = {{4, true}, {9, true}};
+        settings.print.columnBreaks = {{2, true}};
+    });
+}
+
 /// The first difference that a user could see; empty if there is none.
 std::string difference(const Workbook& a, const Workbook& b)
 {
@@ -137,6 +148,7 @@ TEST(Content, RoundTripKeepsEverything)
 {
     Workbook workbook;
     fillEverything(workbook);
+    fillLaterFields(workbook);
     Workbook loaded;
     loadContent(loaded, saveContent(workbook));
     EXPECT_EQ(difference(workbook, loaded), "");

@@ -10,7 +10,7 @@ namespace spreadsheet {
 namespace {
 
 /// Body of 2,880 × 5,760 twips; columns of 1,000, rows of 500: 2 columns and 11 rows a page.
-constexpr PageRequest smallPaper{4320, 7200, std::nullopt, true};
+constexpr PageRequest smallPaper{4320, 7200, std::nullopt, {}};
 
 struct PageLayoutTest : testing::Test {
     PageLayoutTest()
@@ -64,9 +64,8 @@ TEST_F(PageLayoutTest, TheRangeIsWhatWasAskedFor)
     request.range = CellRange{50, 500, 60, 600};
     EXPECT_EQ(pages(request), "50-50 500-500\n") << "cut to the sheet";
 
-    request = smallPaper;
-    request.usedAreaOnly = false;
-    EXPECT_EQ(PageLayout(sheet, request).pageCount(), 25 * 46) << "50 columns, 500 rows";
+    print([](PrintSettings& settings) { settings.usedAreaOnly = false; });
+    EXPECT_EQ(PageLayout(sheet, smallPaper).pageCount(), 25 * 46) << "50 columns, 500 rows";
 }
 
 TEST_F(PageLayoutTest, ASheetWithoutDataHasOneEmptyPage)
@@ -109,6 +108,60 @@ TEST_F(PageLayoutTest, TracksStandWhereTheyAreDrawn)
     const std::vector<PageTrack> tracks{{3, 720, 500}, {12, 1220 - 5260, 6000}};
     EXPECT_EQ(last.rowTracks, tracks) << "one title row is hidden; of row 12 the page before showed 5,260";
     EXPECT_EQ(last.cells, (PageBox{720, 720, 2000, 500 + 740}));
+}
+
+TEST_F(PageLayoutTest, RowsAndColumnsBreakWhereTheyAreMarked)
+{
+    fill(3, 6);
+    sheet.changeSettings([](SheetSettings& settings) {
+        settings.print.rowBreaks = {{1, true}, {4, true}, {300, true}};
+        settings.print.columnBreaks = {{2, true}};
+    });
+    EXPECT_EQ(pages(), "1-1 1-3\n2-3 1-3\n1-1 4-6\n2-3 4-6\n");
+}
+
+TEST_F(PageLayoutTest, FittedColumnsStandOnOnePageAcross)
+{
+    fill(4, 50);
+    print([](PrintSettings& settings) {
+        settings.fitWidth = settings.centredAcross = true;
+        settings.columnBreaks = {{2, true}};
+    });
+    const PageLayout fitted(sheet, smallPaper);
+    EXPECT_DOUBLE_EQ(fitted.scale(), 0.72) << "4,000 twips in 2,880";
+    EXPECT_EQ(pages(), "1-4 1-16\n1-4 17-32\n1-4 33-48\n1-4 49-50\n") << "8,000 twips high";
+    EXPECT_EQ(fitted.page(1).cells, (PageBox{720, 720, 4000, 8000}));
+    sheet.changeSettings([](SheetSettings& settings) { settings.columns.sizes[4] = 100'000; });
+    EXPECT_DOUBLE_EQ(PageLayout(sheet, smallPaper).scale(), 0.1) << "no smaller: the rest goes to a new page";
+    EXPECT_EQ(PageLayout(sheet, smallPaper).pageCount(), 5);
+    sheet.changeSettings([](SheetSettings& settings) { settings.columns.hidden = {{3, true}, {4, true}}; });
+    EXPECT_EQ(PageLayout(sheet, smallPaper).scale(), 1) << "never larger";
+}
+
+TEST_F(PageLayoutTest, CellsStandInTheMiddleOfThePage)
+{
+    fill(1, 13);
+    print([](PrintSettings& settings) {
+        settings.centredAcross = settings.centredDown = true;
+        settings.titleTop = settings.titleBottom = 1;
+    });
+    const PrintedPage last = PageLayout(sheet, smallPaper).page(2);
+    EXPECT_EQ(last.cells, (PageBox{720 + 940, 720 + 2130, 1000, 1500})) << "a title and two rows";
+    EXPECT_EQ(last.rowTracks.front().start, last.cells.top);
+    EXPECT_EQ(last.columnTracks.front().start, last.cells.left);
+}
+
+TEST_F(PageLayoutTest, AStampIsALineBelowTheFooterWhereItIsAskedFor)
+{
+    fill(1, 12);
+    PageRequest request = smallPaper;
+    request.stamp = "2026-12-31 王会计";
+    EXPECT_TRUE(PageLayout(sheet, request).footer().empty());
+    print([](PrintSettings& settings) { settings.stamp = true; });
+    const PageLayout layout(sheet, request);
+    ASSERT_EQ(layout.footer().size(), 1u);
+    EXPECT_EQ(layout.footer()[0].parts[0][0].text, request.stamp);
+    EXPECT_EQ(layout.pageCount(), 2) << "it takes room from the cells";
 }
 
 TEST_F(PageLayoutTest, MarginsThatFillThePaperAreRefused)

@@ -20,6 +20,25 @@ std::string readable(const std::vector<PageBand>& bands)
     return out.str();
 }
 
+TEST(PageBands, MarkedRowsBeginAPage)
+{
+    const struct {
+        const char* what;
+        std::vector<int> sizes;
+        PageBreaks breaks;
+        const char* bands;
+    } cases[] = {
+        {"at the first row it changes nothing", {300, 300}, {{5, true}}, "5-6=600 "},
+        {"two in a row", {300, 300, 300}, {{6, true}, {7, true}}, "5-5=300 6-6=300 7-7=300 "},
+        {"at a hidden row", {300, 0, 300}, {{6, true}}, "5-5=300 7-7=300 "},
+        {"where the page ends anyway", {1000, 300}, {{6, true}}, "5-5=1000 6-6=300 "},
+        {"after a tall row", {1500, 100, 100}, {{6, true}}, "5-5=1000 5-5+1000=500 6-7=200 "},
+        {"before and behind the rows", {300}, {{1, true}, {99, true}}, "5-5=300 "},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(readable(pageBands(c.sizes, 5, 1000, {}, c.breaks)), c.bands) << c.what;
+}
+
 TEST(PageBands, BreakBeforeTheRowThatNoLongerFits)
 {
     const struct {

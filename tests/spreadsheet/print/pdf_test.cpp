@@ -126,8 +126,13 @@ INSTANTIATE_TEST_SUITE_P(Fonts, EveryCharacter,
 TEST_F(PdfTest, EveryFamilyInEveryLookIsSearchable)
 {
     const QString text = "科目月日金门1,234.50";
+    QStringList families = QFontDatabase::families();
+    families.removeIf(
+        [](const QString& family) { // they show signs for letters and take none from other fonts
+            return QFontDatabase::writingSystems(family).contains(QFontDatabase::Symbol);
+        });
     int row = 0;
-    for (const QString& family : QFontDatabase::families())
+    for (const QString& family : families)
         for (int look = 0; look < 4; ++look) {
             sheet.setText({1, ++row}, text.toStdString());
             sheet.restyle({1, row, 1, row}, [&](CellStyle& style) {
@@ -138,7 +143,14 @@ TEST_F(PdfTest, EveryFamilyInEveryLookIsSearchable)
         }
     sheet.changeSettings([](SheetSettings& settings) { settings.columns.sizes[1] = 5000; });
     write();
-    EXPECT_EQ(withoutBlanks(textOf(path())), text.repeated(row));
+    const QStringList found = textOf(path()).split('\n', Qt::SkipEmptyParts);
+    QStringList wrong;
+    for (qsizetype i = 0; i < found.size(); ++i)
+        if (withoutBlanks(found[i]) != text && !withoutBlanks(found[i]).isEmpty())
+            wrong += families.value(i / 4) + ": " + found[i];
+    EXPECT_EQ(wrong.join('\n').toStdString(), "");
+    EXPECT_EQ(withoutBlanks(found.join(QString())).size(), text.size() * row);
+    EXPECT_GT(row, 40);
 }
 
 TEST_F(PdfTest, ScriptsThatAreShapedKeepTheirText)
