@@ -1,0 +1,198 @@
+#include "spreadsheet/view/commands/paste.h"
+
+#include "spreadsheet/engine/typed_text.h"
+#include "spreadsheet/engine/Workbook.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+/// True if the goal is a single cell that stands for a whole merged one: its content changes, it stays.
+bool isSpanItself(const Sheet& sheet, const CellRange& goal)
+{
+    return goal.columns() == 1 && goal.rows() == 1 && sheet.extent({goal.left, goal.top}) != goal;
+}
+
+void makeRoom(Sheet& sheet, const PastePlan& plan)
+{
+    if (!plan.needsMoreRoom())
+        return;
+    sheet.changeSettings([&](SheetSettings& settings) {
+        settings.rowCount += plan.missingRows;
+        settings.columnCount += plan.missingColumns;
+    });
+}
+
+void stripToValues(LiftedCells& cells, const Sheet& sheet, CellAddress to)
+{
+    cells.spans.clear();
+    cells.arrays.clear();
+    for (int column = 1; column <= cells.columns; ++column) {
+        for (int row = 1; row <= cells.rows; ++row) {
+            const CellContent& content = cells.at(column, row);
+            cells.at(column, row) = {
+                content.value, 0, sheet.styleNumber({to.column + column - 1, to.row + row - 1}), {}, {}};
+        }
+    }
+}
+
+std::optional<std::string> putCopies(Sheet& sheet, const LiftedCells& cells, const PastePlan& plan,
+                                     PasteKind kind)
+{
+    for (int down = 0; down < plan.down; ++down) {
+        for (int across = 0; across < plan.across; ++across) {
+            const CellAddress to{plan.goal.left + across * cells.columns, plan.goal.top + down * cells.rows};
+            if (kind == PasteKind::all) {
+                if (auto problem = sheet.put(cells, to))
+                    return problem;
+                continue;
+            }
+            LiftedCells values = cells;
+            stripToValues(values, sheet, to);
+            if (auto problem = sheet.put(values, to))
+                return problem;
+        }
+    }
+    return std::nullopt;
+}
+
+/// One cell of ours into a merged one: all but the span, which stays.
+void putIntoSpan(Sheet& sheet, const LiftedCells& cells, CellAddress to)
+{
+    const CellRange span = sheet.extent(to);
+    LiftedCells alone = cells;
+    alone.spans = {};
+    sheet.put(alone, to);
+    sheet.addSpan(span);
+}
+
+void applyLook(Sheet& sheet, const CellRange& range, const PastedLook& look)
+{
+    if (look == PastedLook())
+        return;
+    sheet.restyle(range, [&look](CellStyle& style) {
+        style.font.bold = look.bold.value_or(style.font.bold);
+        style.font.italic = look.italic.value_or(style.font.italic);
+        style.font.underline = look.underline.value_or(style.font.underline);
+        style.foreground = look.foreground.value_or(style.foreground);
+        style.background = look.background.value_or(style.background);
+        style.horizontal = look.horizontal.value_or(style.horizontal);
+    });
+}
+
+void enterPasted(Workbook& workbook, Sheet& sheet, CellAddress cell, const PastedTable::Cell& pasted)
+{
+    if (pasted.literal) {
+        sheet.setText(cell, pasted.text);
+        return;
+    }
+    if (enterText(workbook, sheet, cell, pasted.text, TypedInto::cell)) {
+        sheet.setText(cell, pasted.text); // looks like a formula and is none
+        return;
+    }
+    // The text may be rounded; what it was rounded from came along.
+    if (pasted.number && !sheet.hasFormula(cell) && !sheet.value(cell).isBoolean())
+        sheet.setNumber(cell, *pasted.number);
+}
+
+void pasteTable(Workbook& workbook, Sheet& sheet, const PastedTable& table, CellAddress to, PasteKind kind)
+{
+    for (const PastedTable::Cell& pasted : table.cells) {
+        const CellAddress cell{to.column + pasted.column - 1, to.row + pasted.row - 1};
+        const CellRange range{cell.column, cell.row, cell.column + pasted.columns - 1,
+                              cell.row + pasted.rows - 1};
+        enterPasted(workbook, sheet, cell, pasted);
+        if (kind == PasteKind::valuesOnly)
+            continue;
+        applyLook(sheet, range, pasted.look);
+        if (range.columns() > 1 || range.rows() > 1)
+            sheet.addSpan(range);
+    }
+}
+
+void pasteTables(Workbook& workbook, Sheet& sheet, const PastedTable& table, const PastePlan& plan,
+                 PasteKind kind)
+{
+    const bool single = isSpanItself(sheet, {plan.goal.left, plan.goal.top, plan.goal.left, plan.goal.top}) &&
+                        table.columns == 1 && table.rows == 1;
+    if (!single)
+        sheet.removeSpans(plan.goal);
+    sheet.clearContents(plan.goal);
+    for (int down = 0; down < plan.down; ++down) {
+        for (int across = 0; across < plan.across; ++across)
+            pasteTable(workbook, sheet, table,
+                       {plan.goal.left + across * table.columns, plan.goal.top + down * table.rows}, kind);
+    }
+}
+
+} // namespace
+
+std::optional<std::string> overlapRefusal(const Sheet& sheet, const CellRange& goal)
+{
+    const auto cut = [&](const CellRange& range) { return range.intersects(goal) && !goal.contains(range); };
+    if (std::ranges::any_of(sheet.settings().spans, cut) && !isSpanItself(sheet, goal))
+        return "目标区域只含合并单元格的一部分，请先取消合并";
+    if (std::ranges::any_of(sheet.settings().arrays, cut))
+        return "不能更改数组公式的一部分";
+    return std::nullopt;
+}
+
+std::variant<PastePlan, std::string> planPaste(const Sheet& sheet, const ClipboardContent& content,
+                                               const CellRange& selection)
+{
+    const int columns = content.columns();
+    const int rows = content.rows();
+    if (columns < 1 || rows < 1)
+        return "剪贴板是空的";
+    PastePlan plan;
+    const bool oneCell = sheet.extent({selection.left, selection.top}) == selection;
+    if (!oneCell && selection.columns() % columns == 0 && selection.rows() % rows == 0) {
+        plan.across = selection.columns() / columns;
+        plan.down = selection.rows() / rows;
+    }
+    const long long right = selection.left + static_cast<long long>(columns) * plan.across - 1;
+    const long long bottom = selection.top + static_cast<long long>(rows) * plan.down - 1;
+    if (right > maxColumns || bottom > maxRows)
+        return "粘贴的内容超出表的最大范围(1,048,576 行、16,384 列)，没有粘贴";
+    plan.goal = {selection.left, selection.top, static_cast<int>(right), static_cast<int>(bottom)};
+    if (static_cast<long long>(plan.goal.columns()) * plan.goal.rows() > maxCopiedCells)
+        return "粘贴的区域太大(超过 1000 万个单元格)";
+    plan.missingRows = std::max(0, plan.goal.bottom - sheet.settings().rowCount);
+    plan.missingColumns = std::max(0, plan.goal.right - sheet.settings().columnCount);
+    if (auto problem = overlapRefusal(sheet, plan.goal))
+        return *problem;
+    return plan;
+}
+
+std::optional<std::string> paste(Workbook& workbook, Sheet& sheet, const ClipboardContent& content,
+                                 const PastePlan& plan, PasteKind kind)
+{
+    if (auto problem = overlapRefusal(sheet, plan.goal))
+        return problem;
+    const UndoStep step(workbook, "粘贴");
+    makeRoom(sheet, plan);
+    if (!content.own) {
+        pasteTables(workbook, sheet, content.table, plan, kind);
+        return std::nullopt;
+    }
+    const LiftedCells& cells = content.own->cells;
+    if (kind == PasteKind::all && isSpanItself(sheet, plan.goal)) {
+        putIntoSpan(sheet, cells, {plan.goal.left, plan.goal.top});
+        return std::nullopt;
+    }
+    return putCopies(sheet, cells, plan, kind);
+}
+
+std::optional<std::string> pasteCut(Workbook& workbook, Sheet& source, const CellRange& cut, Sheet& target,
+                                    const PastePlan& plan)
+{
+    if (auto problem = overlapRefusal(source, cut))
+        return problem;
+    const UndoStep step(workbook, "移动");
+    makeRoom(target, plan);
+    return source.moveCells(cut, target, {plan.goal.left, plan.goal.top});
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,48 @@
+#pragma once
+#include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/view/commands/clipboard.h"
+
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace spreadsheet {
+
+class Sheet;
+class Workbook;
+
+/// Where a paste goes. A block is repeated over a selection that is a multiple of it.
+struct PastePlan {
+    CellRange goal;
+    int across = 1; ///< copies of the block side by side
+    int down = 1;
+    int missingRows = 0; ///< by which the sheet is too short; pasting makes it longer
+    int missingColumns = 0;
+
+    bool needsMoreRoom() const { return missingRows > 0 || missingColumns > 0; }
+};
+
+/// @return the plan, or why the block cannot go there: beyond the largest sheet, through a merged cell,
+/// through an array formula
+std::variant<PastePlan, std::string> planPaste(const Sheet& sheet, const ClipboardContent& content,
+                                               const CellRange& selection);
+
+enum class PasteKind {
+    all,
+    valuesOnly, ///< without formulas and looks
+};
+
+/// Pastes as one undo step. Cells of ours bring everything along, their references shifted. Cells of
+/// others are taken as if typed, with the looks that came along; the goal's other looks stay.
+/// @return why nothing was pasted
+std::optional<std::string> paste(Workbook& workbook, Sheet& sheet, const ClipboardContent& content,
+                                 const PastePlan& plan, PasteKind kind = PasteKind::all);
+
+/// Moves cut cells to the plan's goal; all references follow them.
+std::optional<std::string> pasteCut(Workbook& workbook, Sheet& source, const CellRange& cut, Sheet& target,
+                                    const PastePlan& plan);
+
+/// Why a block cannot be put over a range of the sheet: it would cut a merged cell or an array formula.
+std::optional<std::string> overlapRefusal(const Sheet& sheet, const CellRange& goal);
+
+} // namespace spreadsheet

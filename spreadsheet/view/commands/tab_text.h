@@ -1,0 +1,22 @@
+#pragma once
+#include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/view/commands/PastedTable.h"
+
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace spreadsheet {
+
+class Sheet;
+
+/// A range as it is displayed: cells of a row separated by tabs, rows ended by "\n". A text that holds a
+/// tab, a line end or a leading quotation mark stands in quotation marks, those inside it doubled.
+std::string tabText(const Sheet& sheet, const CellRange& range);
+
+/// Reads such a text; line ends may be "\n", "\r\n" or "\r", and the last one ends the last row. A field
+/// whose opening quotation mark is never closed is taken as it stands.
+/// @return the table, or why it cannot be pasted (one Chinese sentence)
+std::variant<PastedTable, std::string> parseTabText(std::string_view text);
+
+} // namespace spreadsheet
