@@ -9,14 +9,15 @@
 
 namespace selfreport::test {
 
-/// An application object for one test.
+/// An application object for one test, unless the program has one already.
 class WindowTest : public ::testing::Test {
 protected:
     /// Shows a widget and waits for it.
     static void show(QWidget& widget)
     {
         widget.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
+        widget.activateWindow(); // access keys work in the active window only
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&widget));
     }
 
     /// Acts on the next modal window as soon as it is there. Must be called before what opens it.
@@ -28,6 +29,13 @@ protected:
             EXPECT_EQ(window->objectName(), objectName);
             act(*window);
         });
+    }
+
+    /// Alt and a letter. A button that is reached so clicks a tenth of a second later.
+    static void accessKey(QWidget& window, Qt::Key letter)
+    {
+        QTest::keyClick(&window, letter, Qt::AltModifier);
+        QTest::qWait(150);
     }
 
     template <class Control>
@@ -43,7 +51,8 @@ private:
     int m_count = 1;
     char m_name[6] = "tests";
     char* m_arguments[2] = {m_name, nullptr};
-    QApplication m_application{m_count, m_arguments};
+    std::unique_ptr<QApplication> m_application{
+        QCoreApplication::instance() ? nullptr : new QApplication(m_count, m_arguments)};
 };
 
 } // namespace selfreport::test
