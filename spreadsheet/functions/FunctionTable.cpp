@@ -25,6 +25,7 @@ std::vector<const FunctionDescriptor*> collect()
         mathematicalFunctions, statisticalFunctions, logicalFunctions,  lookupFunctions,
         textFunctions,         dateFunctions,        dateSpanFunctions, workdayFunctions,
         informationFunctions,  annuityFunctions,     cashFlowFunctions, depreciationFunctions,
+        bondFunctions,         oddBondFunctions,     securityFunctions,
     };
     for (const auto table : tables) {
         for (const FunctionDescriptor& function : table())

@@ -78,5 +78,8 @@ std::span<const FunctionDescriptor> informationFunctions();
 std::span<const FunctionDescriptor> annuityFunctions();
 std::span<const FunctionDescriptor> cashFlowFunctions();
 std::span<const FunctionDescriptor> depreciationFunctions();
+std::span<const FunctionDescriptor> bondFunctions();
+std::span<const FunctionDescriptor> oddBondFunctions();
+std::span<const FunctionDescriptor> securityFunctions();
 
 } // namespace spreadsheet

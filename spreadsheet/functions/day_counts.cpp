@@ -21,37 +21,6 @@ int difference360(const CalendarDay& start, int startDay, const CalendarDay& end
     return (end.year - start.year) * 360 + (end.month - start.month) * 30 + endDay - startDay;
 }
 
-/// The way of bonds: the last of February counts as a 30th at the start, and at the end only if it does
-/// at the start too.
-double american360(const CalendarDay& start, const CalendarDay& end)
-{
-    int endDay = end.day;
-    if (isLastOfFebruary(start) && isLastOfFebruary(end))
-        endDay = 30;
-    if (endDay == 31 && start.day >= 30)
-        endDay = 30;
-    const int startDay = isLastOfFebruary(start) ? 30 : std::min(start.day, 30);
-    return difference360(start, startDay, end, endDay) / 360.0;
-}
-
-/// Days of the year, or of the mean year if more than one is touched.
-double yearLength(const CalendarDay& start, const CalendarDay& end)
-{
-    if (start.year == end.year)
-        return isLeap(start.year) ? 366 : 365;
-    const bool withinAYear = end.year == start.year + 1 &&
-                             (start.month > end.month || (start.month == end.month && start.day >= end.day));
-    if (withinAYear) {
-        const bool leapDay = (isLeap(start.year) && start.month <= 2) ||
-                             (isLeap(end.year) && (end.month > 2 || isLastOfFebruary(end)));
-        return leapDay ? 366 : 365;
-    }
-    double days = 0;
-    for (int year = start.year; year <= end.year; ++year)
-        days += isLeap(year) ? 366 : 365;
-    return days / (end.year - start.year + 1);
-}
-
 bool isWorkingDay(int serial, WeekendDays weekend, const std::vector<int>& holidays)
 {
     return !weekend[static_cast<std::size_t>(weekdayOf(serial))] &&
@@ -69,6 +38,34 @@ int days360(const CalendarDay& start, const CalendarDay& end, bool european)
     return difference360(start, startDay, end, endDay);
 }
 
+int bondDays360(const CalendarDay& start, const CalendarDay& end, bool wholePeriod)
+{
+    int endDay = end.day;
+    if (isLastOfFebruary(end) && (wholePeriod || isLastOfFebruary(start)))
+        endDay = 30;
+    if (endDay == 31 && (wholePeriod || start.day >= 30))
+        endDay = 30;
+    const int startDay = isLastOfFebruary(start) ? 30 : std::min(start.day, 30);
+    return difference360(start, startDay, end, endDay);
+}
+
+double yearLength(const CalendarDay& start, const CalendarDay& end)
+{
+    if (start.year == end.year)
+        return isLeap(start.year) ? 366 : 365;
+    const bool withinAYear = end.year == start.year + 1 &&
+                             (start.month > end.month || (start.month == end.month && start.day >= end.day));
+    if (withinAYear) {
+        const bool leapDay = (isLeap(start.year) && start.month <= 2) ||
+                             (isLeap(end.year) && (end.month > 2 || isLastOfFebruary(end)));
+        return leapDay ? 366 : 365;
+    }
+    double days = 0;
+    for (int year = start.year; year <= end.year; ++year)
+        days += isLeap(year) ? 366 : 365;
+    return days / (end.year - start.year + 1);
+}
+
 double yearFraction(int start, int end, DayCountBasis basis)
 {
     const CalendarDay first = *dayOfSerial(start);
@@ -76,7 +73,7 @@ double yearFraction(int start, int end, DayCountBasis basis)
     const double days = end - start;
     switch (basis) {
     case DayCountBasis::american360:
-        return american360(first, last);
+        return bondDays360(first, last) / 360.0;
     case DayCountBasis::actual:
         return days / yearLength(first, last);
     case DayCountBasis::actual360:

@@ -11,6 +11,15 @@ namespace spreadsheet {
 /// last of February counts as a 30th at the start.
 int days360(const CalendarDay& start, const CalendarDay& end, bool european);
 
+/// The same for bonds: the last of February counts as a 30th at the start, and at the end only behind
+/// such a start. A 31st at the end is cut off only behind a 30th or 31st. In a whole coupon period both
+/// count as a 30th at its end.
+int bondDays360(const CalendarDay& start, const CalendarDay& end, bool wholePeriod = false);
+
+/// Days of the year of two days that lie at most a year apart: 366 if a leap day lies between them or
+/// in the one year that both share; else the mean of all years that are touched.
+double yearLength(const CalendarDay& start, const CalendarDay& end);
+
 /// How a part of a year is counted; the numbers are those of YEARFRAC.
 enum class DayCountBasis { american360 = 0, actual = 1, actual360 = 2, actual365 = 3, european360 = 4 };
 
