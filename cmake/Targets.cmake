@@ -36,7 +36,8 @@ function(our_static_library name)
   if(our_QT)
     # The layers below use words such as "slots" that the toolkit would otherwise make macros of.
     target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS)
-    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    # moc cannot read what the compiler's macros open in the standard library's headers.
+    set_target_properties(${name} PROPERTIES AUTOMOC ON AUTOMOC_COMPILER_PREDEFINES OFF)
     target_precompile_headers(${name} PRIVATE ${our_qt_headers})
   endif()
 endfunction()

@@ -41,6 +41,12 @@ std::optional<double> moneyAmount(std::string_view text)
     return std::nullopt;
 }
 
+/// "12月" or "2026年12月": a heading, which would be lost if it turned into the first day of the month.
+bool namesMonth(std::string_view text)
+{
+    return text.ends_with("月");
+}
+
 } // namespace
 
 TypedConstant typedConstant(std::string_view text)
@@ -54,7 +60,7 @@ TypedConstant typedConstant(std::string_view text)
     }
     if (const auto amount = moneyAmount(typed))
         return {Value(*amount), CellType::currency};
-    if (const auto moment = parseDateTime(typed))
+    if (const auto moment = namesMonth(typed) ? std::nullopt : parseDateTime(typed))
         return {Value(*moment), *moment < 1 ? CellType::time : CellType::date};
     const std::string folded = foldedName(typed);
     if (folded == "TRUE" || folded == "FALSE")

@@ -17,8 +17,9 @@ enum class TypedInto {
 ///
 /// With "=" it is a formula. Without, a number, percentage, amount of money, date, time or truth value
 /// is a constant, a text that begins with a call of a known function is a formula, and anything else is
-/// text; a leading apostrophe makes text of whatever follows. A fresh cell takes the type that the
-/// constant was written in (percent, currency, date, time). An empty text takes the content away.
+/// text, a month without a day ("2026年12月") too; a leading apostrophe makes text of whatever follows. A
+/// fresh cell takes the type that the constant was written in (percent, currency, date, time). An empty text
+/// takes the content away.
 /// @return why a formula was refused; the cell then keeps what it had.
 std::optional<FormulaProblem> enterText(Workbook& workbook, Sheet& sheet, CellAddress cell,
                                         std::string_view text, TypedInto where);

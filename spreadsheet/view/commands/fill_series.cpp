@@ -74,12 +74,14 @@ Series lineSeries(const std::vector<SeriesCell>& cells)
     }
     slope /= squares;
     const double start = first + sum / count - slope * middle;
-    return [=](int index) { // without the noise of binary fractions: 0.1, 0.2 goes on with 0.3
-        return Value(numberOf([&] {
-            DecimalDigits digits = decimalDigits(start + slope * index);
-            digits.roundToSignificant(14);
-            return digits;
-        }()));
+    double largest = 0;
+    for (const SeriesCell& cell : cells)
+        largest = std::max(largest, std::abs(cell.value.number()));
+    return [=](int index) {
+        const double number = start + slope * index;
+        // Without the noise of binary fractions: 0.3, 0.2, 0.1 goes on with 0.
+        const double magnitude = std::max(largest, std::abs(number));
+        return Value(roundDecimal(number, 15 - decimalDigits(magnitude).exponent));
     };
 }
 

@@ -31,6 +31,9 @@ void appendEncoded(std::string& html, std::string_view text)
         case '\n':
             html += "<br>";
             break;
+        case '\t':
+            html += "&#9;"; // as it stands it would count as a blank
+            break;
         default:
             html += c;
         }

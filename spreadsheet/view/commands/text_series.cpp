@@ -57,7 +57,7 @@ std::optional<TextSeries> roundSeries(const std::vector<std::string>& texts, Rou
 struct NumberedText {
     std::string before, after;
     long long number = 0;
-    std::size_t width = 0; ///< digits, leading zeros included
+    std::size_t width = 0; ///< digits that are shown at least; 0 unless there are leading zeros
 };
 
 bool isDigit(char c)
@@ -76,7 +76,8 @@ std::optional<NumberedText> numberedText(std::string_view text)
     constexpr std::size_t longest = 15;
     if (begin == end || end - begin > longest)
         return std::nullopt;
-    NumberedText numbered{std::string(text.substr(0, begin)), std::string(text.substr(end)), 0, end - begin};
+    NumberedText numbered{std::string(text.substr(0, begin)), std::string(text.substr(end)), 0,
+                          text[begin] == '0' ? end - begin : 0};
     std::from_chars(text.data() + begin, text.data() + end, numbered.number);
     return numbered;
 }

@@ -136,6 +136,8 @@ TEST(TypedText, MeansWhatItsWriterMeans)
         {"￥1,234.5", cell, "￥1,234.50", "", CellType::currency},
         {"-￥-5", cell, "-￥-5", ""},
         {"2025-12-31", cell, "2025-12-31", "", CellType::date},
+        {"2025年12月", cell, "2025年12月", ""},
+        {"2025年12月31日", cell, "2025-12-31", "", CellType::date},
         {"8:30", cell, "08:30:00", "", CellType::time},
         {"true", cell, "TRUE", ""},
         {"'007", cell, "007", ""},
