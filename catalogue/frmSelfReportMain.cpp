@@ -20,7 +20,7 @@ namespace selfreport {
 
 namespace {
 
-constexpr QSize board(11940, 7500); // twips: the list with all its columns
+constexpr QSize board(12300, 7500); // twips: all columns of the list show
 
 } // namespace
 
@@ -35,6 +35,7 @@ frmSelfReportMain::frmSelfReportMain(std::function<void()> showDesigner, QWidget
     setLayout(new ProportionalLayout(this, board));
     buildList();
     buildButtons();
+    resize(sizeHint()); // the toolkit would open it smaller on small screens
     m_vsf1->setFocus();
     getReport();
 }
@@ -50,7 +51,7 @@ void frmSelfReportMain::buildList()
     auto* tabs = new QTabWidget;
     tabs->setObjectName("SSTab1");
     tabs->addTab(page, windowTitle());
-    static_cast<ProportionalLayout*>(layout())->place(tabs, {120, 120, 11700, 6600});
+    static_cast<ProportionalLayout*>(layout())->place(tabs, {120, 120, 12060, 6600});
 }
 
 void frmSelfReportMain::buildButtons()
@@ -63,8 +64,8 @@ void frmSelfReportMain::buildButtons()
         {"cmd_0", "新增(&N)", 120, [](auto& window) { window.cmd_Click(0); }},
         {"cmd_1", "修改(&U)", 1620, [](auto& window) { window.cmd_Click(1); }},
         {"cmd_2", "删除(&D)", 3120, [](auto& window) { window.cmd_Click(2); }},
-        {"cmdXPOK", "打开(&O)", 8970, [](auto& window) { window.cmdXPOK_Click(); }},
-        {"cmdXPClose", "关闭(&E)", 10470, [](auto& window) { window.cmdXPClose_Click(); }},
+        {"cmdXPOK", "打开(&O)", 9330, [](auto& window) { window.cmdXPOK_Click(); }},
+        {"cmdXPClose", "关闭(&E)", 10830, [](auto& window) { window.cmdXPClose_Click(); }},
     };
     for (const auto& [name, caption, left, clicked] : buttons) {
         auto* button = new QPushButton(QString::fromUtf8(caption));
