@@ -25,7 +25,8 @@ std::vector<const FunctionDescriptor*> collect()
         mathematicalFunctions, statisticalFunctions, logicalFunctions,  lookupFunctions,
         textFunctions,         dateFunctions,        dateSpanFunctions, workdayFunctions,
         informationFunctions,  annuityFunctions,     cashFlowFunctions, depreciationFunctions,
-        bondFunctions,         oddBondFunctions,     securityFunctions,
+        bondFunctions,         oddBondFunctions,     securityFunctions, numberBaseFunctions,
+        complexFunctions,      engineeringFunctions,
     };
     for (const auto table : tables) {
         for (const FunctionDescriptor& function : table())

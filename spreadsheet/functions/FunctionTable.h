@@ -81,5 +81,8 @@ std::span<const FunctionDescriptor> depreciationFunctions();
 std::span<const FunctionDescriptor> bondFunctions();
 std::span<const FunctionDescriptor> oddBondFunctions();
 std::span<const FunctionDescriptor> securityFunctions();
+std::span<const FunctionDescriptor> numberBaseFunctions();
+std::span<const FunctionDescriptor> complexFunctions();
+std::span<const FunctionDescriptor> engineeringFunctions();
 
 } // namespace spreadsheet
