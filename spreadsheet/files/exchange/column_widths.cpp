@@ -1,0 +1,35 @@
+#include "spreadsheet/files/exchange/column_widths.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr double twipsOfPixel = 15;
+constexpr double mostDigits = 256;
+
+} // namespace
+
+double digitPixels(std::string_view family, double points)
+{
+    const double em = std::round(points * 96 / 72);
+    bool chinese = false;
+    for (const char c : family)
+        chinese |= static_cast<unsigned char>(c) >= 0x80;
+    chinese |= family == "SimSun" || family == "SimHei" || family == "NSimSun" || family == "FangSong";
+    return std::clamp(std::ceil(em * (chinese ? 0.5 : 0.53) - 0.25), 1.0, 100.0);
+}
+
+int columnTwips(double digits, double pixelsOfDigit)
+{
+    return static_cast<int>(std::round(std::clamp(digits, 0.0, mostDigits) * pixelsOfDigit) * twipsOfPixel);
+}
+
+double columnDigits(int twips, double pixelsOfDigit)
+{
+    return std::clamp(twips / twipsOfPixel / pixelsOfDigit, 0.0, mostDigits - 1);
+}
+
+} // namespace spreadsheet

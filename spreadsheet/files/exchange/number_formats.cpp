@@ -1,0 +1,232 @@
+#include "spreadsheet/files/exchange/number_formats.h"
+
+#include <algorithm>
+#include <array>
+
+namespace spreadsheet {
+
+namespace {
+
+struct BuiltIn {
+    int number;
+    std::string_view code;
+};
+
+/// Numbers 5 to 8 and 41 to 44 are amounts in the currency of the reader's country; ours is China.
+constexpr std::array builtIns{
+    BuiltIn{0, "General"},
+    BuiltIn{1, "0"},
+    BuiltIn{2, "0.00"},
+    BuiltIn{3, "#,##0"},
+    BuiltIn{4, "#,##0.00"},
+    BuiltIn{5, R"("￥"#,##0;"￥"-#,##0)"},
+    BuiltIn{6, R"("￥"#,##0;[Red]"￥"-#,##0)"},
+    BuiltIn{7, R"("￥"#,##0.00;"￥"-#,##0.00)"},
+    BuiltIn{8, R"("￥"#,##0.00;[Red]"￥"-#,##0.00)"},
+    BuiltIn{9, "0%"},
+    BuiltIn{10, "0.00%"},
+    BuiltIn{11, "0.00E+00"},
+    BuiltIn{12, "# ?/?"},
+    BuiltIn{13, "# ?\?/?\?"},
+    BuiltIn{14, "yyyy/m/d"},
+    BuiltIn{15, "d-mmm-yy"},
+    BuiltIn{16, "d-mmm"},
+    BuiltIn{17, "mmm-yy"},
+    BuiltIn{18, "h:mm AM/PM"},
+    BuiltIn{19, "h:mm:ss AM/PM"},
+    BuiltIn{20, "h:mm"},
+    BuiltIn{21, "h:mm:ss"},
+    BuiltIn{22, "yyyy/m/d h:mm"},
+    BuiltIn{27, R"(yyyy"年"m"月")"},
+    BuiltIn{28, R"(m"月"d"日")"},
+    BuiltIn{29, R"(m"月"d"日")"},
+    BuiltIn{30, "m-d-yy"},
+    BuiltIn{31, R"(yyyy"年"m"月"d"日")"},
+    BuiltIn{32, R"(h"时"mm"分")"},
+    BuiltIn{33, R"(h"时"mm"分"ss"秒")"},
+    BuiltIn{34, R"(上午/下午h"时"mm"分")"},
+    BuiltIn{35, R"(上午/下午h"时"mm"分"ss"秒")"},
+    BuiltIn{36, R"(yyyy"年"m"月")"},
+    BuiltIn{37, "#,##0 ;-#,##0 "},
+    BuiltIn{38, "#,##0 ;[Red]-#,##0 "},
+    BuiltIn{39, "#,##0.00 ;-#,##0.00 "},
+    BuiltIn{40, "#,##0.00 ;[Red]-#,##0.00 "},
+    BuiltIn{41, R"(_ * #,##0_ ;_ * -#,##0_ ;_ * "-"_ ;_ @_ )"},
+    BuiltIn{42, R"(_ "￥"* #,##0_ ;_ "￥"* -#,##0_ ;_ "￥"* "-"_ ;_ @_ )"},
+    BuiltIn{43, R"(_ * #,##0.00_ ;_ * -#,##0.00_ ;_ * "-"??_ ;_ @_ )"},
+    BuiltIn{44, R"(_ "￥"* #,##0.00_ ;_ "￥"* -#,##0.00_ ;_ "￥"* "-"??_ ;_ @_ )"},
+    BuiltIn{45, "mm:ss"},
+    BuiltIn{46, "[h]:mm:ss"},
+    BuiltIn{47, "mm:ss.0"},
+    BuiltIn{48, "##0.0E+0"},
+    BuiltIn{49, "@"},
+    BuiltIn{50, R"(yyyy"年"m"月")"},
+    BuiltIn{51, R"(m"月"d"日")"},
+    BuiltIn{52, R"(yyyy"年"m"月")"},
+    BuiltIn{53, R"(m"月"d"日")"},
+    BuiltIn{54, R"(m"月"d"日")"},
+    BuiltIn{55, R"(上午/下午h"时"mm"分")"},
+    BuiltIn{56, R"(上午/下午h"时"mm"分"ss"秒")"},
+    BuiltIn{57, R"(yyyy"年"m"月")"},
+    BuiltIn{58, R"(m"月"d"日")"},
+};
+
+constexpr std::string_view general = "General";
+constexpr std::string_view dateCode = "yyyy-mm-dd";
+constexpr std::string_view timeCode = "hh:mm:ss";
+constexpr std::string_view currencyCode = R"("￥"#,##0.00)";
+constexpr std::string_view percentCode = "0.00%";
+constexpr std::string_view scientificCode = "0.00E+00";
+
+/// Spellings of one code that differ by program: "yyyy\-mm\-dd;@", "[$-804]yyyy-mm-dd".
+std::string plainSpelling(std::string_view code)
+{
+    std::string plain;
+    for (std::size_t i = 0; i < code.size(); ++i) {
+        if (code.substr(i).starts_with("[$-")) {
+            const std::size_t end = code.find(']', i);
+            if (end == std::string_view::npos)
+                break;
+            i = end;
+        } else if (code[i] == '\\' && i + 1 < code.size() && std::string_view("-/: ").find(code[i + 1]) < 4) {
+            continue;
+        } else {
+            plain += code[i];
+        }
+    }
+    if (plain.ends_with(";@"))
+        plain.resize(plain.size() - 2);
+    return plain;
+}
+
+/// What the letters of a code's first section say; quoted texts, escapes and brackets do not count.
+struct Traits {
+    bool day = false, time = false, percent = false, exponent = false, currency = false, digits = false;
+    bool month = false;
+};
+
+Traits traitsOf(std::string_view code)
+{
+    Traits traits;
+    for (std::size_t i = 0; i < code.size() && code[i] != ';'; ++i) {
+        const std::string_view rest = code.substr(i);
+        const char c = static_cast<char>(code[i] | 0x20);
+        if (rest.starts_with("￥") || rest.starts_with("¥") || rest.starts_with("[$¥") ||
+            rest.starts_with("[$￥") || rest.starts_with("$") || rest.starts_with("[$$"))
+            traits.currency = true;
+        if (rest.starts_with("[h") || rest.starts_with("[m") || rest.starts_with("[s")) {
+            traits.time = true;
+        } else if (code[i] == '"' || code[i] == '[') {
+            const std::size_t end = code.find(code[i] == '"' ? '"' : ']', i + 1);
+            const std::string_view inside =
+                code.substr(i + 1, end == std::string_view::npos ? end : end - i - 1);
+            traits.currency |= inside == "￥" || inside == "¥" || inside == "$";
+            i = end == std::string_view::npos ? code.size() : end;
+        } else if (code[i] == '\\' || code[i] == '_' || code[i] == '*') {
+            ++i;
+        } else if (rest.starts_with(general)) {
+            i += general.size() - 1;
+        } else if (code[i] == 'E' && rest.size() > 1 && (rest[1] == '+' || rest[1] == '-')) {
+            traits.exponent = true;
+        } else {
+            traits.day |= c == 'y' || c == 'd';
+            traits.month |= c == 'm';
+            traits.time |= c == 'h' || c == 's';
+            traits.percent |= code[i] == '%';
+            traits.digits |= code[i] == '0' || code[i] == '#' || code[i] == '?';
+        }
+    }
+    return traits;
+}
+
+CellType typeOf(const Traits& traits)
+{
+    if (traits.day || (traits.month && !traits.time))
+        return CellType::date;
+    if (traits.time)
+        return CellType::time;
+    if (traits.percent)
+        return CellType::percent;
+    if (traits.exponent)
+        return CellType::scientific;
+    if (!traits.digits)
+        return CellType::edit;
+    return traits.currency ? CellType::currency : CellType::number;
+}
+
+/// Digits behind the point of a code's first section, at most 15.
+std::uint8_t decimalsOf(std::string_view code)
+{
+    const std::size_t point = code.substr(0, code.find(';')).find('.');
+    if (point == std::string_view::npos)
+        return 0;
+    const std::size_t end = std::min(code.find_first_not_of("0#?", point + 1), code.size());
+    return static_cast<std::uint8_t>(std::min<std::size_t>(end - point - 1, 15));
+}
+
+} // namespace
+
+std::string_view builtInFormatCode(int number)
+{
+    const auto found = std::ranges::find(builtIns, number, &BuiltIn::number);
+    return found == builtIns.end() ? general : found->code;
+}
+
+std::optional<int> builtInFormatNumber(std::string_view code)
+{
+    const auto found = std::ranges::find(builtIns, code, &BuiltIn::code);
+    // From 5 on some numbers mean another thing in another country.
+    const bool same =
+        found != builtIns.end() &&
+        (found->number < 5 || (found->number >= 9 && found->number <= 11) || found->number == 49);
+    return same ? std::optional(found->number) : std::nullopt;
+}
+
+void applyFormatCode(std::string_view code, CellStyle& style)
+{
+    style.type = CellType::edit;
+    style.numberFormat = {};
+    const std::string plain = plainSpelling(code);
+    if (plain.empty() || plain == general || plain == "GENERAL" || plain == "general")
+        return;
+    style.type = typeOf(traitsOf(plain));
+    if (style.type == CellType::number)
+        style.decimals = decimalsOf(plain);
+    if (formatCodeOf(style) != plain)
+        style.numberFormat = Text(code);
+}
+
+std::string formatCodeOf(const CellStyle& style)
+{
+    if (!style.numberFormat.empty())
+        return std::string(style.numberFormat.view());
+    switch (style.type) {
+    case CellType::date:
+        return std::string(dateCode);
+    case CellType::time:
+        return std::string(timeCode);
+    case CellType::currency:
+        return std::string(currencyCode);
+    case CellType::number:
+        return style.decimals == 0 ? "0" : "0." + std::string(style.decimals, '0');
+    case CellType::percent:
+        return std::string(percentCode);
+    case CellType::scientific:
+        return std::string(scientificCode);
+    case CellType::edit:
+    case CellType::staticText:
+    case CellType::button:
+    case CellType::dropDown:
+    case CellType::checkBox:
+        break;
+    }
+    return std::string(general);
+}
+
+bool showsDate(std::string_view code)
+{
+    const CellType type = typeOf(traitsOf(plainSpelling(code)));
+    return type == CellType::date || type == CellType::time;
+}
+
+} // namespace spreadsheet

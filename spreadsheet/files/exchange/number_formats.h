@@ -1,0 +1,27 @@
+#pragma once
+#include "spreadsheet/engine/CellStyle.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace spreadsheet {
+
+/// The code of a number format that files name by number only (14 is "yyyy/m/d"); "General" for
+/// numbers that are not known.
+std::string_view builtInFormatCode(int number);
+
+/// The number of a code that files name by number only; nothing if there is none.
+std::optional<int> builtInFormatNumber(std::string_view code);
+
+/// Sets type and decimals of a style to the nearest that a code means. A code that the type does not
+/// show exactly is kept as `numberFormat`.
+void applyFormatCode(std::string_view code, CellStyle& style);
+
+/// The code that shows a number as the style does.
+std::string formatCodeOf(const CellStyle& style);
+
+/// True if the code shows a number as a date or a time.
+bool showsDate(std::string_view code);
+
+} // namespace spreadsheet
