@@ -4,6 +4,7 @@
 #include "platform/dialogs/QtFileDialog.h"
 #include "platform/dialogs/QtFontDialog.h"
 #include "platform/dialogs/QtPrinterSetupDialog.h"
+#include "platform/printers/PrintService.h"
 
 namespace selfreport {
 
@@ -17,6 +18,7 @@ void useToolkitDialogs()
     FontDialog::usual() = &fonts;
     PrinterSetupDialog::usual() = &printers;
     FileDialog::usual() = &files;
+    useSystemPrintService();
 }
 
 } // namespace selfreport

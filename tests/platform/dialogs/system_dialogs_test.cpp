@@ -1,7 +1,6 @@
 #include "platform/dialogs/QtColourDialog.h"
 #include "platform/dialogs/QtFileDialog.h"
 #include "platform/dialogs/QtFontDialog.h"
-#include "platform/dialogs/QtPrinterSetupDialog.h"
 #include "platform/dialogs/ScriptedDialogs.h"
 #include "tests/platform/WindowTest.h"
 
@@ -11,7 +10,6 @@
 #include <QFileDialog>
 #include <QFontDialog>
 #include <QMessageBox>
-#include <QPrinter>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <unistd.h>
@@ -67,26 +65,6 @@ TEST_F(SystemDialogs, FontKeepsWhatTheUserLeaves)
 
     whenModal("fontDialog", [](QWidget& window) { QTest::keyClick(&window, Qt::Key_Escape); });
     EXPECT_EQ(fonts.choose(first), std::nullopt);
-}
-
-TEST_F(SystemDialogs, PrinterSetupSurvivesThePrinterObject)
-{
-    PrinterSetup setup;
-    setup.printer = "不存在的打印机";
-    setup.paper = "A5";
-    setup.landscape = true;
-    setup.copies = 3;
-    setup.collated = false;
-    setup.inColour = false;
-    setup.file = (folder.path() + "/a.pdf").toStdString();
-    QPrinter printer;
-    applyPrinterSetup(printer, setup);
-    PrinterSetup read = printerSetupOf(printer);
-    setup.printer = read.printer; // one that is gone leaves the default
-    EXPECT_EQ(read, setup);
-    setup.paper = "没有这种纸";
-    applyPrinterSetup(printer, setup);
-    EXPECT_EQ(printerSetupOf(printer).paper, "A5");
 }
 
 TEST_F(SystemDialogs, FileDialogTakesItsFiveSettings)
