@@ -1,0 +1,59 @@
+#include "spreadsheet/view/commands/go_to.h"
+
+#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/formula/FormulaPool.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+std::optional<GoToPlace> placeOfSlot(const Workbook& workbook, const ReferenceSlot& slot, int activeSheet)
+{
+    const auto range = slot.range({1, 1});
+    if (!range || slot.firstSheet != slot.lastSheet)
+        return std::nullopt;
+    const int index = slot.firstSheet == 0 ? activeSheet : workbook.sheetIndexOfId(slot.firstSheet);
+    if (index == 0)
+        return std::nullopt;
+    const SheetSettings& settings = workbook.sheet(index).settings();
+    if (range->left > settings.columnCount || range->top > settings.rowCount)
+        return std::nullopt;
+    return GoToPlace{index,
+                     {range->left, range->top, std::min(range->right, settings.columnCount),
+                      std::min(range->bottom, settings.rowCount)}};
+}
+
+std::optional<GoToPlace> placeOfName(const Workbook& workbook, std::string_view name, int activeSheet)
+{
+    const int number = workbook.names().find(name);
+    const std::uint32_t formula = number < 0 ? 0 : workbook.names()[number].formula;
+    if (formula == 0)
+        return std::nullopt;
+    const Formula& meaning = workbook.formulas()[formula];
+    const bool reference = meaning.slots.size() == 1 && meaning.code.size() == 1;
+    return reference ? placeOfSlot(workbook, meaning.slots[0], activeSheet) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<GoToPlace> placeOfText(const Workbook& workbook, std::string_view text, int activeSheet)
+{
+    const std::string_view place = trimmedBlanks(text);
+    const auto sheetId = [&](std::string_view name) {
+        const int index = workbook.sheetIndex(name);
+        return index == 0 ? 0 : workbook.sheet(index).id();
+    };
+    LexedFormula lexed;
+    if (lexFormula(place, {1, 1}, sheetId, lexed) || lexed.tokens.size() != 2)
+        return std::nullopt;
+    if (lexed.tokens[0].kind == Token::Kind::reference)
+        return placeOfSlot(workbook, lexed.slots[0], activeSheet);
+    if (lexed.tokens[0].kind == Token::Kind::name)
+        return placeOfName(workbook, place, activeSheet);
+    return std::nullopt;
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,93 @@
+#include "spreadsheet/view/commands/selection_figures.h"
+
+#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/engine/Sheet.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace spreadsheet {
+
+namespace {
+
+class FigureSum {
+public:
+    /// Neumaier's sum: the rounding error is carried along.
+    void add(double number)
+    {
+        const double next = m_sum + number;
+        m_error += std::abs(m_sum) >= std::abs(number) ? (m_sum - next) + number : (number - next) + m_sum;
+        m_sum = next;
+    }
+    double result() const { return m_sum + m_error; }
+
+private:
+    double m_sum = 0, m_error = 0;
+};
+
+/// Parts of ranges that overlap none of the ranges before them.
+std::vector<CellRange> disjoint(const std::vector<CellRange>& ranges)
+{
+    std::vector<CellRange> parts;
+    for (const CellRange& range : ranges) {
+        std::vector<CellRange> fresh{range};
+        for (std::size_t known = 0, end = parts.size(); known < end; ++known) {
+            const CellRange hole = parts[known];
+            std::vector<CellRange> rest;
+            for (const CellRange& piece : fresh) {
+                if (!piece.intersects(hole)) {
+                    rest.push_back(piece);
+                    continue;
+                }
+                const int top = std::max(piece.top, hole.top), bottom = std::min(piece.bottom, hole.bottom);
+                if (piece.top < hole.top)
+                    rest.push_back({piece.left, piece.top, piece.right, hole.top - 1});
+                if (piece.bottom > hole.bottom)
+                    rest.push_back({piece.left, hole.bottom + 1, piece.right, piece.bottom});
+                if (piece.left < hole.left)
+                    rest.push_back({piece.left, top, hole.left - 1, bottom});
+                if (piece.right > hole.right)
+                    rest.push_back({hole.right + 1, top, piece.right, bottom});
+            }
+            fresh = std::move(rest);
+        }
+        parts.insert(parts.end(), fresh.begin(), fresh.end());
+    }
+    return parts;
+}
+
+void addBlock(const CellBlock& block, int first, int last, SelectionFigures& figures, FigureSum& sum)
+{
+    const ValueKind* kinds = block.kinds();
+    const Payload* payloads = block.payloads();
+    for (int index = first; index <= last; ++index) {
+        figures.filled += kinds[index] != ValueKind::empty;
+        if (kinds[index] != ValueKind::number)
+            continue;
+        ++figures.numbers;
+        sum.add(payloads[index].number);
+    }
+}
+
+} // namespace
+
+SelectionFigures selectionFigures(const Sheet& sheet, const std::vector<CellRange>& ranges)
+{
+    SelectionFigures figures;
+    FigureSum sum;
+    for (const CellRange& range : disjoint(ranges)) {
+        for (int column = range.left; column <= std::min(range.right, sheet.storedColumns()); ++column) {
+            const auto& slots = sheet.column(column)->slots();
+            for (std::size_t slot = sheet.column(column)->lowerSlot(range.top);
+                 slot < slots.size() && slots[slot].firstRow <= range.bottom; ++slot) {
+                const int first = std::max(range.top, slots[slot].firstRow) - slots[slot].firstRow;
+                const int last = std::min(range.bottom, slots[slot].lastRow()) - slots[slot].firstRow;
+                addBlock(*slots[slot].block, first, last, figures, sum);
+            }
+        }
+    }
+    figures.sum = roundDecimal(sum.result(), 9);
+    return figures;
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,167 @@
+#include "spreadsheet/view/commands/sort_block.h"
+
+#include "spreadsheet/engine/Workbook.h"
+
+#include <QCollator>
+#include <QLocale>
+
+#include <algorithm>
+#include <numeric>
+
+namespace spreadsheet {
+
+namespace {
+
+/// What a key cell is compared by.
+struct SortValue {
+    int rank = 0; ///< number, text, truth value, error, empty
+    double number = 0;
+    std::optional<QCollatorSortKey> text = {};
+};
+
+constexpr int emptyRank = 4;
+
+class SortValues {
+public:
+    SortValues()
+        : m_collator(QLocale(QLocale::Chinese, QLocale::China))
+    {
+        m_collator.setCaseSensitivity(Qt::CaseInsensitive);
+    }
+
+    SortValue operator()(const Value& value) const
+    {
+        switch (value.kind()) {
+        case ValueKind::number:
+            return {0, value.number()};
+        case ValueKind::text:
+            return {1, 0,
+                    m_collator.sortKey(QString::fromUtf8(value.textView().data(),
+                                                         static_cast<qsizetype>(value.textView().size())))};
+        case ValueKind::boolean:
+            return {2, value.boolean() ? 1.0 : 0.0};
+        case ValueKind::error:
+            return {3, double(value.error())};
+        case ValueKind::empty:
+            break;
+        }
+        return {emptyRank};
+    }
+
+private:
+    QCollator m_collator;
+};
+
+int compared(const SortValue& a, const SortValue& b)
+{
+    if (a.rank != b.rank)
+        return a.rank < b.rank ? -1 : 1;
+    if (a.text)
+        return a.text->compare(*b.text);
+    return a.number < b.number ? -1 : a.number > b.number;
+}
+
+/// The rows of a block (from 0) in their new order.
+std::vector<int> sortedRows(const Sheet& sheet, const CellRange& rows, const std::vector<SortKey>& keys)
+{
+    const SortValues sortValue;
+    std::vector<std::vector<SortValue>> values;
+    for (const SortKey& key : keys) {
+        values.emplace_back();
+        for (int row = rows.top; row <= rows.bottom; ++row)
+            values.back().push_back(sortValue(sheet.value({key.column, row})));
+    }
+    std::vector<int> order(static_cast<std::size_t>(rows.rows()));
+    std::iota(order.begin(), order.end(), 0);
+    std::ranges::stable_sort(order, [&](int a, int b) {
+        for (std::size_t key = 0; key < keys.size(); ++key) {
+            const SortValue& first = values[key][static_cast<std::size_t>(a)];
+            const SortValue& second = values[key][static_cast<std::size_t>(b)];
+            const int result = compared(first, second);
+            if (result == 0)
+                continue;
+            const bool eitherEmpty = first.rank == emptyRank || second.rank == emptyRank;
+            return keys[key].descending && !eitherEmpty ? result > 0 : result < 0;
+        }
+        return false;
+    });
+    return order;
+}
+
+bool holdsAny(const std::vector<CellRange>& ranges, const CellRange& block)
+{
+    return std::ranges::any_of(ranges, [&](const CellRange& range) { return range.intersects(block); });
+}
+
+bool holdsData(const Sheet& sheet, const CellRange& range)
+{
+    for (int column = range.left; column <= range.right; ++column) {
+        for (int row = range.top; row <= range.bottom; ++row) {
+            if (!sheet.value({column, row}).isEmpty() || sheet.hasFormula({column, row}))
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+std::optional<std::string> sortBlock(Workbook& workbook, Sheet& sheet, const CellRange& block,
+                                     const std::vector<SortKey>& keys, bool headerRow)
+{
+    CellRange rows = block;
+    rows.top += headerRow;
+    rows.bottom = std::min(block.bottom, sheet.lastDataRow());
+    rows.right = std::min(block.right, std::max(sheet.lastDataColumn(), block.left));
+    if (rows.top >= rows.bottom)
+        return std::nullopt;
+    if (holdsAny(sheet.settings().spans, rows))
+        return "排序区域中有合并单元格，请先取消合并";
+    if (holdsAny(sheet.settings().arrays, rows))
+        return "排序区域中有数组公式，不能排序";
+    for (const SortKey& key : keys) {
+        if (key.column < block.left || key.column > block.right)
+            return "排序的列不在区域中";
+    }
+    const std::vector<int> order = sortedRows(sheet, rows, keys);
+    if (std::ranges::is_sorted(order))
+        return std::nullopt;
+    const LiftedCells former = sheet.lift(rows);
+    LiftedCells sorted(former.columns, former.rows);
+    for (int column = 1; column <= former.columns; ++column) {
+        for (int row = 1; row <= former.rows; ++row)
+            sorted.at(column, row) = former.at(column, order[static_cast<std::size_t>(row) - 1] + 1);
+    }
+    const UndoStep step(workbook, "排序");
+    return sheet.put(sorted, {rows.left, rows.top});
+}
+
+CellRange blockAround(const Sheet& sheet, CellAddress cell)
+{
+    const int lastRow = std::max(sheet.lastDataRow(), 1);
+    const int lastColumn = std::max(sheet.lastDataColumn(), 1);
+    CellRange block{cell.column, cell.row, cell.column, cell.row};
+    const auto grow = [&](int& edge, int step, int limit, auto&& line) {
+        const int next = edge + step;
+        if (step < 0 ? next < limit : next > limit)
+            return false;
+        if (!holdsData(sheet, line(next)))
+            return false;
+        edge = next;
+        return true;
+    };
+    for (bool grown = true; grown;) {
+        // Corners count, so that a table whose rows only touch hangs together.
+        const int left = std::max(block.left - 1, 1), right = std::min(block.right + 1, lastColumn);
+        const int top = std::max(block.top - 1, 1), bottom = std::min(block.bottom + 1, lastRow);
+        grown = grow(block.top, -1, 1, [&](int row) { return CellRange{left, row, right, row}; });
+        grown |= grow(block.bottom, 1, lastRow, [&](int row) { return CellRange{left, row, right, row}; });
+        grown |= grow(block.left, -1, 1, [&](int column) { return CellRange{column, top, column, bottom}; });
+        grown |= grow(block.right, 1, lastColumn, [&](int column) {
+            return CellRange{column, top, column, bottom};
+        });
+    }
+    return block;
+}
+
+} // namespace spreadsheet

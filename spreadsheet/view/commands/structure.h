@@ -1,0 +1,51 @@
+#pragma once
+#include "spreadsheet/engine/CellAddress.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace spreadsheet {
+
+class Sheet;
+class Workbook;
+
+enum class Axis { rows, columns };
+
+/// Lines of one axis, both ends included, from 1.
+struct LineRange {
+    int first = 1;
+    int last = 1;
+    int count() const { return last - first + 1; }
+    friend auto operator<=>(const LineRange&, const LineRange&) = default;
+};
+
+/// The lines that ranges cover, ascending, joined where they touch.
+std::vector<LineRange> linesOf(const std::vector<CellRange>& ranges, Axis axis);
+
+// Each is one undo step and gives the reason if it refuses; nothing has changed then.
+
+/// Puts as many lines before each stretch as it has.
+std::optional<std::string> insertLines(Workbook& workbook, Sheet& sheet, Axis axis,
+                                       const std::vector<LineRange>& lines);
+std::optional<std::string> deleteLines(Workbook& workbook, Sheet& sheet, Axis axis,
+                                       const std::vector<LineRange>& lines);
+/// At least one line stays in sight.
+std::optional<std::string> hideLines(Workbook& workbook, Sheet& sheet, Axis axis,
+                                     const std::vector<LineRange>& lines);
+/// Hidden lines within and at the edges of the stretches show again.
+void showLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines);
+
+inline constexpr int maxLineSize = 31'680; ///< twips; 22 inches
+
+/// @param size  twips, 0 (which hides) to maxLineSize
+void resizeLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines, int size);
+
+/// Freezes the rows above and the columns left of a cell; A1 frees all.
+void freezeAt(Workbook& workbook, Sheet& sheet, CellAddress cell);
+
+/// Takes contents away, looks stay. An array formula goes only as a whole.
+std::optional<std::string> clearRanges(Workbook& workbook, Sheet& sheet,
+                                       const std::vector<CellRange>& ranges);
+
+} // namespace spreadsheet
