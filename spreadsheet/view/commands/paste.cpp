@@ -129,10 +129,14 @@ void pasteTables(Workbook& workbook, Sheet& sheet, const PastedTable& table, con
 
 } // namespace
 
-std::optional<std::string> overlapRefusal(const Sheet& sheet, const CellRange& goal)
+std::optional<std::string> overlapRefusal(const Sheet& sheet, const CellRange& goal,
+                                          const std::optional<CellRange>& leaving)
 {
-    const auto cut = [&](const CellRange& range) { return range.intersects(goal) && !goal.contains(range); };
-    if (std::ranges::any_of(sheet.settings().spans, cut) && !isSpanItself(sheet, goal))
+    const auto cut = [&](const CellRange& range) {
+        const bool leaves = leaving && leaving->contains(range);
+        return !leaves && range.intersects(goal) && !goal.contains(range);
+    };
+    if (std::ranges::any_of(sheet.settings().spans, cut))
         return "目标区域只含合并单元格的一部分，请先取消合并";
     if (std::ranges::any_of(sheet.settings().arrays, cut))
         return "不能更改数组公式的一部分";
@@ -161,7 +165,7 @@ std::variant<PastePlan, std::string> planPaste(const Sheet& sheet, const Clipboa
         return "粘贴的区域太大(超过 1000 万个单元格)";
     plan.missingRows = std::max(0, plan.goal.bottom - sheet.settings().rowCount);
     plan.missingColumns = std::max(0, plan.goal.right - sheet.settings().columnCount);
-    if (auto problem = overlapRefusal(sheet, plan.goal))
+    if (auto problem = overlapRefusal(sheet, plan.goal); problem && !isSpanItself(sheet, plan.goal))
         return *problem;
     return plan;
 }
@@ -169,7 +173,7 @@ std::variant<PastePlan, std::string> planPaste(const Sheet& sheet, const Clipboa
 std::optional<std::string> paste(Workbook& workbook, Sheet& sheet, const ClipboardContent& content,
                                  const PastePlan& plan, PasteKind kind)
 {
-    if (auto problem = overlapRefusal(sheet, plan.goal))
+    if (auto problem = overlapRefusal(sheet, plan.goal); problem && !isSpanItself(sheet, plan.goal))
         return problem;
     const UndoStep step(workbook, "粘贴");
     makeRoom(sheet, plan);
@@ -189,6 +193,9 @@ std::optional<std::string> pasteCut(Workbook& workbook, Sheet& source, const Cel
                                     const PastePlan& plan)
 {
     if (auto problem = overlapRefusal(source, cut))
+        return problem;
+    if (auto problem =
+            overlapRefusal(target, plan.goal, &source == &target ? std::optional(cut) : std::nullopt))
         return problem;
     const UndoStep step(workbook, "移动");
     makeRoom(target, plan);

@@ -43,6 +43,8 @@ std::optional<std::string> pasteCut(Workbook& workbook, Sheet& source, const Cel
                                     const PastePlan& plan);
 
 /// Why a block cannot be put over a range of the sheet: it would cut a merged cell or an array formula.
-std::optional<std::string> overlapRefusal(const Sheet& sheet, const CellRange& goal);
+/// @param leaving  cells that are about to go elsewhere, with what lies wholly within
+std::optional<std::string> overlapRefusal(const Sheet& sheet, const CellRange& goal,
+                                          const std::optional<CellRange>& leaving = std::nullopt);
 
 } // namespace spreadsheet

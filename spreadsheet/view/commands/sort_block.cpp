@@ -14,12 +14,18 @@ namespace {
 
 /// What a key cell is compared by.
 struct SortValue {
-    int rank = 0; ///< number, text, truth value, error, empty
+    int rank = 0; ///< number, text, Chinese text, truth value, error, empty
     double number = 0;
     std::optional<QCollatorSortKey> text = {};
 };
 
-constexpr int emptyRank = 4;
+constexpr int emptyRank = 5;
+
+/// Chinese words come behind others, which the collation of the locale has the other way round.
+int rankOfText(const QString& text)
+{
+    return !text.isEmpty() && text[0].unicode() >= 0x2E80 ? 2 : 1;
+}
 
 class SortValues {
 public:
@@ -34,14 +40,15 @@ public:
         switch (value.kind()) {
         case ValueKind::number:
             return {0, value.number()};
-        case ValueKind::text:
-            return {1, 0,
-                    m_collator.sortKey(QString::fromUtf8(value.textView().data(),
-                                                         static_cast<qsizetype>(value.textView().size())))};
+        case ValueKind::text: {
+            const std::string_view bytes = value.textView();
+            const QString text = QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
+            return {rankOfText(text), 0, m_collator.sortKey(text)};
+        }
         case ValueKind::boolean:
-            return {2, value.boolean() ? 1.0 : 0.0};
+            return {3, value.boolean() ? 1.0 : 0.0};
         case ValueKind::error:
-            return {3, double(value.error())};
+            return {4, double(value.error())};
         case ValueKind::empty:
             break;
         }

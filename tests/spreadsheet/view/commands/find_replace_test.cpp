@@ -1,0 +1,103 @@
+#include "spreadsheet/view/commands/find_replace.h"
+
+#include "spreadsheet/engine/Workbook.h"
+
+#include <gtest/gtest.h>
+
+namespace spreadsheet {
+
+TEST(TextSearch, FitsWhatIsAskedFor)
+{
+    const SearchOptions loose, exact{true, false, false}, whole{false, true, false}, wild{false, false, true},
+        wholeWild{false, true, true};
+    struct Case {
+        const char *what, *text;
+        SearchOptions options;
+        const char* replaced; ///< with "_"; null: not found
+    };
+    const Case cases[] = {
+        {"ab", "xAbaB", loose, "x__"},
+        {"ab", "xAbab", exact, "xAb_"},
+        {"合计", "应收合计", loose, "应收_"},
+        {"a", "Ａ公司ａ", loose, "_公司_"},
+        {"Ａ", "ab", loose, "_b"},
+        {"é", "CAFÉ", loose, "CAF_"},
+        {"合计", "应收合计", whole, nullptr},
+        {"ABC", "abc", whole, "_"},
+        {"a*c", "xabcabc", wild, "x__"},
+        {"a?c", "aXc abbc", wild, "_ abbc"},
+        {"~*", "a*b", wild, "a_b"},
+        {"a*", "abc", wholeWild, "_"},
+        {"b*", "abc", wholeWild, nullptr},
+        {"*", "ab", wild, "_ab"},
+        {"aa", "aaa", loose, "_a"},
+        {"x", "", loose, nullptr},
+    };
+    for (const Case& c : cases) {
+        const TextSearch search(c.what, c.options);
+        EXPECT_EQ(search.finds(c.text), c.replaced != nullptr) << c.what << " in " << c.text;
+        EXPECT_EQ(search.replaced(c.text, "_").value_or("none"), c.replaced ? c.replaced : "none") << c.what;
+    }
+}
+
+namespace {
+
+struct FindReplace : testing::Test {
+    FindReplace()
+    {
+        workbook.setUndoEnabled(true);
+        sheet.setText({2, 1}, "应收");
+        sheet.setNumber({1, 2}, 1001);
+        sheet.setFormula({3, 2}, "A2*2");
+        sheet.setText({1, 3000}, "应收 1001");
+        workbook.recalculateChanged();
+    }
+    std::string all(const Search& search) const
+    {
+        std::string names;
+        for (const CellAddress cell : findAll(sheet, search))
+            names += cellName(cell) + " ";
+        return names;
+    }
+
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+};
+
+} // namespace
+
+TEST_F(FindReplace, FindsInReadingOrderAndGoesRound)
+{
+    EXPECT_EQ(all({"应收"}), "B1 A3000 ");
+    EXPECT_EQ(all({"2002", {}, SearchIn::values}), "C2 ");
+    EXPECT_EQ(all({"2002"}), "");
+    EXPECT_EQ(all({"=a2"}), "C2 ");
+    EXPECT_EQ(all({"1001", {}, SearchIn::values, {1, 1, 5, 10}}), "A2 ");
+    EXPECT_EQ(findAll(sheet, {"1"}, 1).size(), 1U);
+    const Search search{"应收"};
+    EXPECT_EQ(findNext(sheet, search, {1, 1}), (CellAddress{2, 1}));
+    EXPECT_EQ(findNext(sheet, search, {2, 1}), (CellAddress{1, 3000}));
+    EXPECT_EQ(findNext(sheet, search, {1, 3000}), (CellAddress{2, 1}));
+    EXPECT_EQ(findNext(sheet, search, {2, 1}, true), (CellAddress{1, 3000}));
+    EXPECT_EQ(findNext(sheet, search, {1, 3000}, true), (CellAddress{2, 1}));
+    EXPECT_EQ(findNext(sheet, {"2002", {}, SearchIn::values}, {3, 2}), (CellAddress{3, 2})) << "itself, last";
+    EXPECT_FALSE(findNext(sheet, {"无"}, {1, 1}));
+}
+
+TEST_F(FindReplace, ReplacesInOneStepAndKeepsWhatWouldBreak)
+{
+    const Search numbers{"1001"}, formulas{"2"};
+    const Replacement done = replaceIn(workbook, sheet, findAll(sheet, numbers), numbers, "1002");
+    EXPECT_EQ(done.replaced, 2);
+    EXPECT_EQ(sheet.value({1, 2}).number(), 1002);
+    EXPECT_EQ(sheet.displayText({1, 3000}), "应收 1002");
+    workbook.undo();
+    EXPECT_EQ(sheet.value({1, 2}).number(), 1001);
+    EXPECT_EQ(sheet.displayText({1, 3000}), "应收 1001");
+    EXPECT_EQ(replaceIn(workbook, sheet, {{3, 2}}, {"*2"}, "*(").kept.size(), 1U);
+    EXPECT_EQ(sheet.formula({3, 2}), "A2*2");
+    EXPECT_EQ(replaceIn(workbook, sheet, {{3, 2}}, formulas, "3").replaced, 1);
+    EXPECT_EQ(sheet.formula({3, 2}), "A3*3");
+}
+
+} // namespace spreadsheet
