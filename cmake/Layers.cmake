@@ -35,3 +35,5 @@ our_layer(selfreport_objects QT
       selfreport_formula selfreport_platform)
 our_layer(selfreport QT MAY selfreport_objects)
 our_layer(selfreport-host MAY selfreport)
+our_layer(sheet_eval_cases MAY spreadsheet_engine)
+our_layer(sheet-eval MAY sheet_eval_cases)

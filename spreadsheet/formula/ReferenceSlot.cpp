@@ -127,4 +127,22 @@ std::string sheetPrefix(std::string_view sheetName, std::string_view lastSheetNa
     return prefix + "'!";
 }
 
+std::optional<std::string> takeSheetName(std::string_view& reference)
+{
+    const std::size_t mark = reference.rfind('!');
+    if (mark == reference.npos)
+        return std::nullopt;
+    std::string_view prefix = reference.substr(0, mark);
+    reference.remove_prefix(mark + 1);
+    if (prefix.size() < 2 || !prefix.starts_with('\'') || !prefix.ends_with('\''))
+        return std::string(prefix);
+    prefix = prefix.substr(1, prefix.size() - 2);
+    std::string name;
+    for (std::size_t i = 0; i < prefix.size(); ++i) {
+        name += prefix[i];
+        i += prefix[i] == '\''; // an apostrophe in a name stands doubled
+    }
+    return name;
+}
+
 } // namespace spreadsheet

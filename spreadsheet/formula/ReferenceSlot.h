@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace spreadsheet {
 
@@ -50,5 +51,9 @@ struct ReferenceSlot {
 /// "Sheet1!", "'2月 调整'!" or "一月:三月!": the prefix of a reference to a sheet, or to all sheets from
 /// one to another; quoted where a name needs it or it is asked for.
 std::string sheetPrefix(std::string_view sheetName, std::string_view lastSheetName = {}, bool quoted = false);
+
+/// Takes "Sheet1!" or "'2月 调整'!" off the front of a reference: the sheet's name, quotes undone. Nothing,
+/// and the text stays, if no sheet is named.
+std::optional<std::string> takeSheetName(std::string_view& reference);
 
 } // namespace spreadsheet

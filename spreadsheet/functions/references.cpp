@@ -107,23 +107,12 @@ std::optional<CellRange> parseAnyRange(std::string_view text)
                      static_cast<int>(std::max(*top, *bottom))};
 }
 
-/// Takes "Sheet1!" or "'2月 调整'!" off the front; the own sheet if there is none, 0 for an unknown one.
+/// The sheet that a reference names, its name taken off; the own sheet if it names none, 0 if there is no
+/// such sheet.
 int takeSheet(const EvaluationPlace& place, std::string_view& text)
 {
-    const std::size_t mark = text.rfind('!');
-    if (mark == text.npos)
-        return place.sheet;
-    std::string_view prefix = text.substr(0, mark);
-    text.remove_prefix(mark + 1);
-    if (prefix.size() < 2 || !prefix.starts_with('\'') || !prefix.ends_with('\''))
-        return place.workbook.sheetIndex(prefix);
-    std::string name;
-    prefix = prefix.substr(1, prefix.size() - 2);
-    for (std::size_t i = 0; i < prefix.size(); ++i) {
-        name += prefix[i];
-        i += prefix[i] == '\'';
-    }
-    return place.workbook.sheetIndex(name);
+    const auto name = takeSheetName(text);
+    return name ? place.workbook.sheetIndex(*name) : place.sheet;
 }
 
 } // namespace
