@@ -1,0 +1,27 @@
+#pragma once
+#include <functional>
+#include <QDialog>
+
+namespace selfreport {
+
+class ListGrid;
+
+/// Lets the user pick what an `Acct` call fetches: opening balance, movement and so on.
+class frmFilelList : public QDialog {
+    Q_OBJECT
+
+public:
+    /// @param handBack  takes the key of the fetch type
+    explicit frmFilelList(std::function<void(const QString&)> handBack, QWidget* parent = nullptr);
+
+private:
+    /// Fills the list from the database. A failure is told; the rows read so far stay.
+    void getFieldKeys();
+    void cmdXPOK_Click();
+    void cmdXPClose_Click();
+
+    std::function<void(const QString&)> m_handBack;
+    ListGrid* m_vsf1;
+};
+
+} // namespace selfreport

@@ -1,0 +1,21 @@
+#pragma once
+#include "formula/dialogs/FormulaCell.h"
+
+#include <QStringList>
+
+namespace selfreport::test {
+
+/// Keeps the formulas that were written, or refuses them.
+class RecordingCell : public FormulaCell {
+public:
+    QString writeFormula(const QString& formula) override
+    {
+        if (refusal.isEmpty())
+            written.append(formula);
+        return refusal;
+    }
+    QStringList written;
+    QString refusal;
+};
+
+} // namespace selfreport::test
