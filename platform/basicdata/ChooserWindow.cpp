@@ -37,6 +37,7 @@ ChooserWindow::ChooserWindow(const QString& title, const QStringList& headings,
         "确定(&O)", [this] { cmdXPOK_Click(); }, "取消(&E)", [this] { reject(); }));
     connect(m_txtSearch, &QLineEdit::textChanged, this, &ChooserWindow::txtSearch_Change);
     resize(520, 560);
+    m_txtSearch->setFocus();
     txtSearch_Change({});
 }
 

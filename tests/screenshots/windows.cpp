@@ -2,7 +2,15 @@
 #include "catalogue/frmSelfReportMain.h"
 #include "component/state/shared_state.h"
 #include "component/tool_api.h"
+#include "formula/dialogs/frmFunction.h"
+#include "formula/dialogs/frmFunctionInput.h"
+#include "formula/dialogs/frmFunctionInput1.h"
+#include "pickers/frmCurrency.h"
+#include "pickers/frmFilelList.h"
+#include "platform/basicdata/basic_data.h"
+#include "platform/basicdata/ChooserWindow.h"
 #include "platform/dialogs/RecordingDialogs.h"
+#include "tests/formula/dialogs/RecordingCell.h"
 
 #include <cstdio>
 #include <functional>
@@ -10,6 +18,7 @@
 #include <memory>
 #include <QApplication>
 #include <QDir>
+#include <QLineEdit>
 #include <QWidget>
 
 using namespace selfreport;
@@ -22,12 +31,39 @@ struct Picture {
     QSize size = {}; ///< none: as the window opens
 };
 
+const auto ignored = [](const QString&) {};
+
+std::unique_ptr<QWidget> accountChooser(const QString& search)
+{
+    auto window = std::make_unique<ChooserWindow>("科目", QStringList{"科目代码", "科目名称", "方向"},
+                                                  accountEntries(*openConnection(gConnString)), nullptr);
+    window->findChild<QLineEdit*>("txtSearch")->setText(search);
+    return window;
+}
+
+std::unique_ptr<QWidget> filledInput(test::RecordingCell& cell)
+{
+    auto window = std::make_unique<frmFunctionInput>(cell);
+    int index = 0;
+    for (const char* text : {"1001:1012|部门|01:05", "2", "RMB", "2025", "1", "3"})
+        window->findChild<QLineEdit*>("txt_" + QString::number(index++))->setText(text);
+    return window;
+}
+
 std::vector<Picture> pictures()
 {
+    static test::RecordingCell cell;
     const auto list = [] { return std::make_unique<frmSelfReportMain>([] {}); };
     return {
         {"frmSelfReportMain", list},
         {"frmSelfReportMain-1280x800", list, {1280, 800}},
+        {"frmFunction", [] { return std::make_unique<frmFunction>(cell); }},
+        {"frmFunctionInput", [] { return filledInput(cell); }},
+        {"frmFunctionInput1", [] { return std::make_unique<frmFunctionInput1>(cell); }},
+        {"frmCurrency", [] { return std::make_unique<frmCurrency>(ignored); }},
+        {"frmFilelList", [] { return std::make_unique<frmFilelList>(ignored); }},
+        {"clsAccountChooser", [] { return accountChooser(""); }},
+        {"clsAccountChooser-search", [] { return accountChooser("yh"); }},
     };
 }
 
