@@ -23,6 +23,7 @@ public:
     /// Registers what the other has registered, under this one's numbers.
     void takeHandlers(const CustomFunctions& other);
     bool isRegistered(std::string_view name) const;
+    int size() const { return static_cast<int>(m_entries.size()); }
 
 private:
     std::vector<Entry> m_entries;
