@@ -67,6 +67,11 @@ std::string_view familyName(FunctionFamily family);
 
 // The tables, one per family file.
 std::span<const FunctionDescriptor> mathematicalFunctions();
+std::span<const FunctionDescriptor> roundingFunctions();
+std::span<const FunctionDescriptor> trigonometricFunctions();
+std::span<const FunctionDescriptor> combinatorialFunctions();
+std::span<const FunctionDescriptor> romanFunctions();
+std::span<const FunctionDescriptor> matrixFunctions();
 std::span<const FunctionDescriptor> statisticalFunctions();
 std::span<const FunctionDescriptor> logicalFunctions();
 std::span<const FunctionDescriptor> lookupFunctions();

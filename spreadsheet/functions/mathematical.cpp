@@ -1,43 +1,15 @@
-#include "spreadsheet/engine/number_text.h"
 #include "spreadsheet/formula/operators.h"
-#include "spreadsheet/functions/Call.h"
 #include "spreadsheet/functions/FunctionTable.h"
-#include "spreadsheet/functions/rounding.h"
+#include "spreadsheet/functions/number_calls.h"
+#include "spreadsheet/functions/plain_arguments.h"
 #include "spreadsheet/functions/sums.h"
 
-#include <algorithm>
 #include <numbers>
 #include <random>
 
 namespace spreadsheet {
 
 namespace {
-
-/// A function of one number; infinite and undefined results are #NUM!.
-template <auto function>
-Operand ofNumber(Call& call)
-{
-    const double number = call.number(0);
-    return call.failed() ? call.error() : checked(function(number));
-}
-
-/// A function of two numbers that may itself give an error.
-template <auto function>
-Operand ofNumbers(Call& call)
-{
-    const double a = call.number(0);
-    const double b = call.number(1);
-    return call.failed() ? call.error() : Operand(function(a, b));
-}
-
-/// A function of a number and a count of decimal places, 0 if left out.
-template <auto function>
-Operand ofPlaces(Call& call)
-{
-    const double number = call.number(0);
-    const int places = std::clamp(call.integer(1, 0), -400, 400);
-    return call.failed() ? call.error() : checked(function(number, places));
-}
 
 Operand logarithm(Call& call)
 {
@@ -65,104 +37,74 @@ Operand quotient(double number, double divisor)
     return divisor == 0 ? Operand(CellError::div0) : checked(std::trunc(number / divisor));
 }
 
-Operand ceiling(double number, double step)
-{
-    if (step == 0 || number == 0)
-        return 0.0;
-    if (number > 0 && step < 0)
-        return CellError::num;
-    return checked(multipleAbove(number, step));
-}
-
-Operand floored(double number, double step)
-{
-    if (number == 0)
-        return 0.0;
-    if (step == 0)
-        return CellError::div0;
-    if (number > 0 && step < 0)
-        return CellError::num;
-    return checked(multipleBelow(number, step));
-}
-
-Operand multiple(double number, double step)
-{
-    if (step == 0 || number == 0)
-        return 0.0;
-    if ((number < 0) != (step < 0))
-        return CellError::num;
-    return checked(nearestMultiple(number, step));
-}
-
-double evenNumber(double number)
-{
-    return std::copysign(std::ceil(std::fabs(number) / 2) * 2, number) + 0.0;
-}
-
-double oddNumber(double number)
-{
-    const double size = std::fabs(number);
-    const double odd = size <= 1 ? 1 : std::ceil((size - 1) / 2) * 2 + 1;
-    return number < 0 ? -odd : odd;
-}
-
-double factorial(double number)
-{
-    if (number < 0 || number >= 171)
-        return std::numeric_limits<double>::infinity();
-    double product = 1;
-    for (int factor = 2; factor <= static_cast<int>(number); ++factor)
-        product *= factor;
-    return product;
-}
-
-Operand combinations(double all, double chosen)
-{
-    all = std::trunc(all);
-    chosen = std::trunc(chosen);
-    if (all < 0 || chosen < 0 || chosen > all)
-        return CellError::num;
-    chosen = std::min(chosen, all - chosen);
-    double product = 1;
-    for (double i = 1; i <= chosen && std::isfinite(product); ++i)
-        product = product * (all - chosen + i) / i;
-    return checked(product < 0x1p53 ? std::round(product) : product);
-}
-
-double greatestCommonDivisor(double a, double b)
-{
-    while (b != 0)
-        a = std::exchange(b, std::fmod(a, b));
-    return a;
-}
-
-double leastCommonMultiple(double a, double b)
-{
-    return a == 0 || b == 0 ? 0 : a / greatestCommonDivisor(a, b) * b;
-}
-
-/// Whole numbers of all arguments, put together two by two.
+/// A function of two numbers that takes neither truth values nor ranges.
 template <auto function>
-Operand ofWholeNumbers(Call& call)
+Operand ofPlainNumbers(Call& call)
 {
-    std::optional<double> result;
-    for (std::size_t argument = 0; argument < call.count(); ++argument) {
-        call.eachNumber(argument, [&](double number) {
-            number = std::trunc(number);
-            if (number < 0 || number >= 0x1p53)
-                call.fail(CellError::num);
-            else
-                result = result ? function(*result, number) : number;
-        });
-    }
+    const double a = plainNumber(call, 0);
+    const double b = plainNumber(call, 1);
+    return call.failed() ? call.error() : Operand(function(a, b));
+}
+
+Operand rootOfPi(Call& call)
+{
+    const double number = plainNumber(call, 0);
+    return inRangeOrNum(call, number >= 0, [&] { return checked(std::sqrt(number * std::numbers::pi)); });
+}
+
+/// Coefficients of rising powers, the first one of x to `first`, each next one `step` higher.
+Operand powerSeries(Call& call)
+{
+    const double x = plainNumber(call, 0);
+    const double first = plainNumber(call, 1);
+    const double step = plainNumber(call, 2);
+    const std::vector<double> coefficients = plainNumbers(call, 3);
     if (call.failed())
         return call.error();
-    return result.value_or(0) < 0x1p53 ? Operand(result.value_or(0)) : Operand(CellError::num);
+    RunningSum sum;
+    double power = first;
+    for (const double coefficient : coefficients) {
+        sum.add(coefficient * std::pow(x, power));
+        power += step;
+    }
+    return checked(sum.total());
 }
 
-Operand angleOfPoint(double x, double y)
+/// Rows and columns of an argument up to the last cell that is used.
+CellAddress usedExtent(const Call& call, std::size_t argument)
 {
-    return x == 0 && y == 0 ? Operand(CellError::div0) : Operand(std::atan2(y, x));
+    if (!call[argument].isArea())
+        return {call.columns(argument), call.rows(argument)};
+    const CellRange used = usedPart(call.place().workbook, call[argument].area());
+    return {used.columns(), used.rows()};
+}
+
+/// Sums over pairs of numbers that stand at the same place; pairs with anything else are passed over.
+template <auto term>
+Operand pairedSum(Call& call)
+{
+    for (const std::size_t argument : {0u, 1u}) {
+        if (call[argument].isValue() && call[argument].value().isError())
+            return call[argument];
+    }
+    if (call.rows(0) != call.rows(1) || call.columns(0) != call.columns(1))
+        return CellError::na;
+    const CellAddress first = usedExtent(call, 0);
+    const CellAddress second = usedExtent(call, 1);
+    RunningSum sum;
+    for (int row = 0; row < std::min(first.row, second.row); ++row) {
+        for (int column = 0; column < std::min(first.column, second.column); ++column) {
+            const Value left = call.element(0, row, column);
+            const Value right = call.element(1, row, column);
+            if (left.isError() || right.isError())
+                return left.isError() ? left : right;
+            const auto x = countedNumber(left);
+            const auto y = countedNumber(right);
+            if (x && y)
+                sum.add(term(*x, *y));
+        }
+    }
+    return checked(sum.total());
 }
 
 std::mt19937_64& randomness()
@@ -187,7 +129,6 @@ Operand randomBetween(double low, double high)
 }
 
 constexpr auto family = FunctionFamily::mathematical;
-constexpr double halfTurn = 180; ///< degrees
 
 const FunctionDescriptor table[] = {
     {"SUM", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回所有参数之和", sum},
@@ -213,42 +154,20 @@ const FunctionDescriptor table[] = {
     {"LOG10", 1, 1, "v", family, "数值", "返回数值以10为底的对数",
      ofNumber<[](double x) { return std::log10(x); }>},
     {"MOD", 2, 2, "vv", family, "被除数,除数", "返回两数相除的余数，符号与除数相同", ofNumbers<remainder>},
-    {"QUOTIENT", 2, 2, "vv", family, "被除数,除数", "返回除法的整数部分", ofNumbers<quotient>},
-    {"INT", 1, 1, "v", family, "数值", "将数值向下取整为最接近的整数",
-     ofNumber<[](double x) { return std::floor(x); }>},
-    {"TRUNC", 1, 2, "vv", family, "数值,[小数位数]", "将数值截去指定位数以后的部分", ofPlaces<roundToward>},
-    {"ROUND", 2, 2, "vv", family, "数值,小数位数", "按指定的位数四舍五入", ofPlaces<roundDecimal>},
-    {"ROUNDUP", 2, 2, "vv", family, "数值,小数位数", "按指定的位数朝远离零的方向舍入", ofPlaces<roundAway>},
-    {"ROUNDDOWN", 2, 2, "vv", family, "数值,小数位数", "按指定的位数朝零的方向舍入", ofPlaces<roundToward>},
-    {"MROUND", 2, 2, "vv", family, "数值,倍数", "返回最接近的指定倍数", ofNumbers<multiple>},
-    {"CEILING", 2, 2, "vv", family, "数值,倍数", "向上舍入为最接近的指定倍数", ofNumbers<ceiling>},
-    {"FLOOR", 2, 2, "vv", family, "数值,倍数", "向下舍入为最接近的指定倍数", ofNumbers<floored>},
-    {"EVEN", 1, 1, "v", family, "数值", "朝远离零的方向舍入为最接近的偶数", ofNumber<evenNumber>},
-    {"ODD", 1, 1, "v", family, "数值", "朝远离零的方向舍入为最接近的奇数", ofNumber<oddNumber>},
-    {"FACT", 1, 1, "v", family, "数值", "返回数值的阶乘", ofNumber<factorial>},
-    {"COMBIN", 2, 2, "vv", family, "总数,选取数", "返回从总数中选取若干项的组合数", ofNumbers<combinations>},
-    {"GCD", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回最大公约数",
-     ofWholeNumbers<greatestCommonDivisor>},
-    {"LCM", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回最小公倍数",
-     ofWholeNumbers<leastCommonMultiple>},
-    {"PI", 0, 0, "", family, "", "返回圆周率 π", [](Call&) -> Operand { return std::numbers::pi; }},
+    {"QUOTIENT", 2, 2, "vv", family, "被除数,除数", "返回除法的整数部分", ofPlainNumbers<quotient>},
     {"RAND", 0, 0, "", family, "", "返回大于等于0且小于1的随机数", randomFraction, isVolatile},
-    {"RANDBETWEEN", 2, 2, "vv", family, "最小值,最大值", "返回两数之间的随机整数", ofNumbers<randomBetween>,
-     isVolatile},
-    {"SIN", 1, 1, "v", family, "弧度", "返回角度的正弦值", ofNumber<[](double x) { return std::sin(x); }>},
-    {"COS", 1, 1, "v", family, "弧度", "返回角度的余弦值", ofNumber<[](double x) { return std::cos(x); }>},
-    {"TAN", 1, 1, "v", family, "弧度", "返回角度的正切值", ofNumber<[](double x) { return std::tan(x); }>},
-    {"ASIN", 1, 1, "v", family, "数值", "返回反正弦值（弧度）",
-     ofNumber<[](double x) { return std::asin(x); }>},
-    {"ACOS", 1, 1, "v", family, "数值", "返回反余弦值（弧度）",
-     ofNumber<[](double x) { return std::acos(x); }>},
-    {"ATAN", 1, 1, "v", family, "数值", "返回反正切值（弧度）",
-     ofNumber<[](double x) { return std::atan(x); }>},
-    {"ATAN2", 2, 2, "vv", family, "x坐标,y坐标", "返回坐标点的反正切值（弧度）", ofNumbers<angleOfPoint>},
-    {"DEGREES", 1, 1, "v", family, "弧度", "将弧度转换为角度",
-     ofNumber<[](double x) { return x / std::numbers::pi * halfTurn; }>},
-    {"RADIANS", 1, 1, "v", family, "角度", "将角度转换为弧度",
-     ofNumber<[](double x) { return x / halfTurn * std::numbers::pi; }>},
+    {"RANDBETWEEN", 2, 2, "vv", family, "最小值,最大值", "返回两数之间的随机整数",
+     ofPlainNumbers<randomBetween>, isVolatile},
+    {"SQRTPI", 1, 1, "v", family, "数值", "返回数值与 π 的乘积的平方根", rootOfPi},
+    {"SERIESSUM", 4, 4, "vvvr", family, "x,首项乘幂,乘幂增量,系数", "返回幂级数的和", powerSeries},
+    {"SUMX2MY2", 2, 2, "aa", family, "数组x,数组y", "返回两数组中对应数值的平方差之和",
+     pairedSum<[](double x, double y) { return x * x - y * y; }>},
+    {"SUMX2PY2", 2, 2, "aa", family, "数组x,数组y", "返回两数组中对应数值的平方和之和",
+     pairedSum<[](double x, double y) { return x * x + y * y; }>},
+    {"SUMXMY2", 2, 2, "aa", family, "数组x,数组y", "返回两数组中对应数值之差的平方和",
+     pairedSum<[](double x, double y) { return (x - y) * (x - y); }>},
+    {"AGGREGATE", 3, manyArguments, "vva", family, "功能代码,选项,数组,[k或引用,…]",
+     "返回列表的汇总，可忽略隐藏行、错误值和已有的汇总", aggregate},
 };
 
 } // namespace

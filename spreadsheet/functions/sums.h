@@ -27,8 +27,10 @@ Operand averageIfs(Call& call);
 Operand smallestIfs(Call& call);
 Operand largestIfs(Call& call);
 
-/// Passes over cells whose formulas hold a SUBTOTAL themselves, and over hidden rows if its code is
-/// beyond 100.
+/// Passes over cells whose formulas hold a SUBTOTAL or AGGREGATE themselves, and over hidden rows if its code
+/// is beyond 100.
 Operand subtotal(Call& call);
+/// The same with more summaries; an option says whether hidden rows, errors and such cells are passed over.
+Operand aggregate(Call& call);
 
 } // namespace spreadsheet

@@ -1,0 +1,105 @@
+#include "spreadsheet/functions/rounding.h"
+
+#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/number_calls.h"
+#include "spreadsheet/functions/plain_arguments.h"
+
+namespace spreadsheet {
+
+namespace {
+
+Operand ceiling(double number, double step)
+{
+    if (step == 0 || number == 0)
+        return 0.0;
+    if (number > 0 && step < 0)
+        return CellError::num;
+    return checked(multipleAbove(number, step));
+}
+
+Operand floored(double number, double step)
+{
+    if (number == 0)
+        return 0.0;
+    if (step == 0)
+        return CellError::div0;
+    if (number > 0 && step < 0)
+        return CellError::num;
+    return checked(multipleBelow(number, step));
+}
+
+Operand multiple(Call& call)
+{
+    const double number = plainNumber(call, 0);
+    const double step = plainNumber(call, 1);
+    if (call.failed())
+        return call.error();
+    if (step == 0 || number == 0)
+        return 0.0;
+    if ((number < 0) != (step < 0))
+        return CellError::num;
+    return checked(nearestMultiple(number, step));
+}
+
+double evenNumber(double number)
+{
+    return std::copysign(std::ceil(std::fabs(number) / 2) * 2, number) + 0.0;
+}
+
+double oddNumber(double number)
+{
+    const double size = std::fabs(number);
+    const double odd = size <= 1 ? 1 : std::ceil((size - 1) / 2) * 2 + 1;
+    return number < 0 ? -odd : odd;
+}
+
+/// Multiples above or below a number whatever the sign of the step, 1 if left out. With a third
+/// argument other than 0 negative numbers go the other way: away from zero for CEILING.MATH.
+template <bool above>
+Operand multipleOfSize(Call& call)
+{
+    const double number = call.number(0);
+    const double step = std::fabs(call.given(1) ? call.number(1) : 1);
+    const bool mirrored = call.number(2, 0) != 0 && number < 0;
+    if (call.failed())
+        return call.error();
+    if (step == 0 || number == 0)
+        return 0.0;
+    return checked(above != mirrored ? multipleAbove(number, step) : multipleBelow(number, step));
+}
+
+constexpr auto family = FunctionFamily::mathematical;
+
+const FunctionDescriptor table[] = {
+    {"INT", 1, 1, "v", family, "数值", "将数值向下取整为最接近的整数",
+     ofNumber<[](double x) { return std::floor(x); }>},
+    {"TRUNC", 1, 2, "vv", family, "数值,[小数位数]", "将数值截去指定位数以后的部分", ofPlaces<roundToward>},
+    {"ROUND", 2, 2, "vv", family, "数值,小数位数", "按指定的位数四舍五入", ofPlaces<roundDecimal>},
+    {"ROUNDUP", 2, 2, "vv", family, "数值,小数位数", "按指定的位数朝远离零的方向舍入", ofPlaces<roundAway>},
+    {"ROUNDDOWN", 2, 2, "vv", family, "数值,小数位数", "按指定的位数朝零的方向舍入", ofPlaces<roundToward>},
+    {"MROUND", 2, 2, "vv", family, "数值,倍数", "返回最接近的指定倍数", multiple},
+    {"CEILING", 2, 2, "vv", family, "数值,倍数", "向上舍入为最接近的指定倍数", ofNumbers<ceiling>},
+    {"FLOOR", 2, 2, "vv", family, "数值,倍数", "向下舍入为最接近的指定倍数", ofNumbers<floored>},
+    {"EVEN", 1, 1, "v", family, "数值", "朝远离零的方向舍入为最接近的偶数", ofNumber<evenNumber>},
+    {"ODD", 1, 1, "v", family, "数值", "朝远离零的方向舍入为最接近的奇数", ofNumber<oddNumber>},
+    {"CEILING.MATH", 1, 3, "vvv", family, "数值,[倍数],[方式]",
+     "向上舍入为最接近的指定倍数，方式不为0时负数朝远离零的方向", multipleOfSize<true>},
+    {"FLOOR.MATH", 1, 3, "vvv", family, "数值,[倍数],[方式]",
+     "向下舍入为最接近的指定倍数，方式不为0时负数朝零的方向", multipleOfSize<false>},
+    {"CEILING.PRECISE", 1, 2, "vv", family, "数值,[倍数]", "向上舍入为最接近的指定倍数，不论倍数的符号",
+     multipleOfSize<true>},
+    {"ISO.CEILING", 1, 2, "vv", family, "数值,[倍数]", "向上舍入为最接近的指定倍数，不论倍数的符号",
+     multipleOfSize<true>},
+    {"FLOOR.PRECISE", 1, 2, "vv", family, "数值,[倍数]", "向下舍入为最接近的指定倍数，不论倍数的符号",
+     multipleOfSize<false>},
+};
+
+} // namespace
+
+std::span<const FunctionDescriptor> roundingFunctions()
+{
+    return table;
+}
+
+} // namespace spreadsheet
