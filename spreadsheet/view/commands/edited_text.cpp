@@ -1,0 +1,77 @@
+#include "spreadsheet/view/commands/edited_text.h"
+
+#include "spreadsheet/engine/display_text.h"
+#include "spreadsheet/engine/typed_text.h"
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/functions/FunctionTable.h"
+
+#include <array>
+#include <charconv>
+
+namespace spreadsheet {
+
+namespace {
+
+/// The shortest digits that read as this number again.
+std::string digitsOf(double number)
+{
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    return {digits.data(), end};
+}
+
+std::string typedForm(double number, const CellStyle& style)
+{
+    switch (style.type) {
+    case CellType::percent:
+        return generalNumberText(number * 100) + "%";
+    case CellType::date:
+    case CellType::time:
+        return displayText(Value(number), style);
+    default:
+        return {};
+    }
+}
+
+std::string numberText(double number, const CellStyle& style)
+{
+    const std::string typed = typedForm(number, style);
+    if (!typed.empty() && typedConstant(typed).value == Value(number))
+        return typed;
+    return digitsOf(number);
+}
+
+bool isTakenForCall(const Workbook& workbook, std::string_view text)
+{
+    const std::size_t bracket = text.find('(');
+    if (bracket == std::string_view::npos)
+        return false;
+    std::string_view name = text.substr(0, bracket);
+    while (name.ends_with(' '))
+        name.remove_suffix(1);
+    while (name.starts_with(' '))
+        name.remove_prefix(1);
+    return findFunction(name) || workbook.formulas().customs().isRegistered(name);
+}
+
+} // namespace
+
+std::string editedText(const Workbook& workbook, const Sheet& sheet, CellAddress cell)
+{
+    if (sheet.hasFormula(cell))
+        return "=" + sheet.formula(cell);
+    const Value value = sheet.value(cell);
+    if (value.isNumber())
+        return numberText(value.number(), sheet.style(cell));
+    if (!value.isText())
+        return displayText(value, {});
+    const std::string_view text = value.textView();
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    const bool likeFormula = first != std::string_view::npos && text[first] == '=' && text.size() > first + 1;
+    const bool misread = text.empty() || text.starts_with('\'') || likeFormula ||
+                         !typedConstant(text).value.isText() || isTakenForCall(workbook, text);
+    return misread ? "'" + std::string(text) : std::string(text);
+}
+
+} // namespace spreadsheet

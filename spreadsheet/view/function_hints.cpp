@@ -1,0 +1,103 @@
+#include "spreadsheet/view/function_hints.h"
+
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/functions/FunctionTable.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+QString fromUtf8(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+const CustomFunctions::Entry* registeredFunction(const QString& name, const Workbook& workbook)
+{
+    const CustomFunctions& customs = workbook.formulas().customs();
+    for (int number = 0; number < customs.size(); ++number) {
+        const auto& entry = customs[number];
+        if (entry.handler && fromUtf8(entry.name).compare(name, Qt::CaseInsensitive) == 0)
+            return &entry;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+QStringList argumentNames(const QString& arguments)
+{
+    QStringList names;
+    QString name;
+    int brackets = 0;
+    for (const QChar c : arguments) {
+        brackets += (c == '[') - (c == ']');
+        if (c == ',' && brackets == 0) {
+            names << name;
+            name.clear();
+        } else {
+            name += c;
+        }
+    }
+    if (!name.isEmpty())
+        names << name;
+    return names;
+}
+
+QString FunctionHint::richText(int argument) const
+{
+    int current = argument;
+    if (!arguments.isEmpty() && argument >= arguments.size() && arguments.back().contains(QChar(0x2026)))
+        current = static_cast<int>(arguments.size()) - 1;
+    QStringList shown;
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString plain = arguments[i].toHtmlEscaped();
+        shown << (i == current ? "<b>" + plain + "</b>" : plain);
+    }
+    const QString call = name.toHtmlEscaped() + "(" + shown.join(", ") + ")";
+    return help.isEmpty() ? call : call + "<br>" + help.toHtmlEscaped();
+}
+
+void FunctionHints::describe(const QString& name, const QString& arguments, const QString& help)
+{
+    m_described[name.toUpper()] = {name, argumentNames(arguments), help};
+}
+
+QStringList FunctionHints::namesBeginning(const QString& beginning, const Workbook& workbook) const
+{
+    QStringList names;
+    const CustomFunctions& customs = workbook.formulas().customs();
+    for (int number = 0; number < customs.size(); ++number) {
+        const QString name = fromUtf8(customs[number].name);
+        if (customs[number].handler && name.startsWith(beginning, Qt::CaseInsensitive))
+            names << name;
+    }
+    for (const FunctionDescriptor* function : allFunctions()) {
+        const QString name = fromUtf8(function->name);
+        if (name.startsWith(beginning, Qt::CaseInsensitive))
+            names << name;
+    }
+    return names;
+}
+
+std::optional<FunctionHint> FunctionHints::hint(const QString& name, const Workbook& workbook) const
+{
+    if (const auto described = m_described.find(name.toUpper()); described != m_described.end())
+        return described->second;
+    if (const auto* custom = registeredFunction(name, workbook)) {
+        FunctionHint hint{fromUtf8(custom->name), {}, {}};
+        for (int parameter = 1; parameter <= custom->parameterCount; ++parameter)
+            hint.arguments << QStringLiteral("参数%1").arg(parameter);
+        return hint;
+    }
+    const FunctionDescriptor* function = findFunction(name.toStdString());
+    if (!function)
+        return std::nullopt;
+    return FunctionHint{fromUtf8(function->name), argumentNames(fromUtf8(function->arguments)),
+                        fromUtf8(function->help)};
+}
+
+} // namespace spreadsheet
