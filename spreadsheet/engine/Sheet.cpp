@@ -146,8 +146,14 @@ Column& Sheet::editableColumn(int column)
 SheetSettings& Sheet::editableSettings()
 {
     m_workbook.journal().keepSettings(*this);
-    m_workbook.noteEdit();
+    noteSettings();
     return m_settings;
+}
+
+void Sheet::noteSettings()
+{
+    m_workbook.noteEdit();
+    m_settingsRevision = m_workbook.revision();
 }
 
 void Sheet::noteChanged(const CellRange& range)

@@ -28,6 +28,8 @@ public:
     int id() const { return m_id; } ///< stays when sheets are moved or renamed
     const std::string& name() const { return m_settings.name; }
     const SheetSettings& settings() const { return m_settings; }
+    /// Another number after each change of the settings, for what is computed from them.
+    std::uint64_t settingsRevision() const { return m_settingsRevision; }
     /// Changes sizes, counts, print settings and the like as one undo step. The name is changed by
     /// Workbook::renameSheet, spans by the operations below.
     void changeSettings(const std::function<void(SheetSettings&)>& change);
@@ -111,6 +113,7 @@ private:
     Column& editableColumn(int column);
     /// Keeps the settings for undo before they change.
     SheetSettings& editableSettings();
+    void noteSettings();
     void putFormula(const CellRange& range, std::uint32_t formula);
     /// Takes the array formula away that a cell belongs to; its cells keep their values.
     void dissolveArray(CellAddress cell);
@@ -122,6 +125,7 @@ private:
     Workbook& m_workbook;
     int m_id;
     SheetSettings m_settings;
+    std::uint64_t m_settingsRevision = 0;
     std::vector<Column> m_columns; ///< column 1 first
 };
 

@@ -47,6 +47,8 @@ struct AxisSizes {
     friend bool operator==(const AxisSizes&, const AxisSizes&) = default;
 };
 
+using DropDowns = std::map<CellAddress, std::vector<std::string>>;
+
 /// What a sheet has besides its cells.
 struct SheetSettings {
     std::string name;
@@ -58,8 +60,12 @@ struct SheetSettings {
     std::map<int, std::uint32_t> columnStyles;
     std::vector<CellRange> spans;  ///< merged cells; they never overlap
     std::vector<CellRange> arrays; ///< ranges of array formulas; they never overlap
+    /// Entries of drop-down lists by cell; row 0: of the whole column, for cells without a list of their own.
+    DropDowns dropDowns;
+    std::map<CellAddress, std::string> notes; ///< remarks on cells; none is empty
     int frozenRows = 0;
     int frozenColumns = 0;
+    bool isHidden = false; ///< its tab is not offered
     PrintSettings print;
     friend bool operator==(const SheetSettings&, const SheetSettings&) = default;
 };

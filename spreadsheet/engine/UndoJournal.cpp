@@ -190,6 +190,7 @@ void UndoJournal::exchange(Step& step)
     for (auto& [id, settings] : step.settings) {
         if (Sheet* sheet = sheetOfId(id, step)) {
             std::swap(settings, sheet->m_settings);
+            sheet->noteSettings();
             if (settings.name != sheet->name() && m_workbook.sheetIndexOfId(id) != 0)
                 m_workbook.respell(id);
         }

@@ -267,7 +267,8 @@ void Workbook::replaceContent(Workbook&& fresh)
     m_nextSheetId = fresh.m_nextSheetId;
     m_recalculation = std::move(recalculation);
     m_journal = std::move(journal);
-    noteEdit();
+    for (const auto& sheet : m_sheets)
+        sheet->noteSettings();
 }
 
 void Workbook::setUndoEnabled(bool enabled)

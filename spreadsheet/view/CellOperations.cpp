@@ -1,0 +1,276 @@
+#include "spreadsheet/view/CellOperations.h"
+
+#include "spreadsheet/engine/typed_text.h"
+#include "spreadsheet/print/PageCells.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+std::optional<QString> asText(const std::optional<std::string>& refusal)
+{
+    return refusal ? std::optional(fromUtf8(*refusal)) : std::nullopt;
+}
+
+/// Types whose cells hold numbers: a text that reads as one becomes one.
+bool holdsNumbers(CellType type)
+{
+    return type == CellType::date || type >= CellType::currency || type == CellType::time;
+}
+
+} // namespace
+
+CellOperations::CellOperations()
+    : m_own(std::make_unique<Workbook>())
+    , m_workbook(m_own.get())
+{
+}
+
+CellOperations::~CellOperations() = default;
+
+void CellOperations::setWorkbook(Workbook* workbook)
+{
+    std::unique_ptr<Workbook> former = std::move(m_own); // lives until nothing looks at it any more
+    if (!workbook)
+        m_own = std::make_unique<Workbook>();
+    m_workbook = workbook ? workbook : m_own.get();
+    m_addressedId = 0;
+    m_current = {};
+    sheetSwitched();
+}
+
+void CellOperations::setActiveSheet(int index)
+{
+    if (index < 1 || index > sheetCount())
+        return;
+    m_addressedId = 0;
+    const bool another = index != activeSheet();
+    m_workbook->setActiveSheet(index);
+    if (another)
+        sheetSwitched();
+}
+
+int CellOperations::addressedSheet() const
+{
+    const int index = m_addressedId == 0 ? 0 : m_workbook->sheetIndexOfId(m_addressedId);
+    return index == 0 ? activeSheet() : index;
+}
+
+void CellOperations::setAddressedSheet(int index)
+{
+    if (index >= 1 && index <= sheetCount())
+        m_addressedId = m_workbook->sheet(index).id();
+}
+
+QString CellOperations::sheetName() const
+{
+    return fromUtf8(sheet().name());
+}
+
+std::optional<QString> CellOperations::setSheetCount(int count)
+{
+    const UndoStep step(*m_workbook, "表的个数");
+    const auto refusal = m_workbook->setSheetCount(count);
+    if (activeSheet() > sheetCount())
+        setActiveSheet(sheetCount());
+    changed();
+    return asText(refusal);
+}
+
+std::optional<QString> CellOperations::setSheetName(const QString& name)
+{
+    const auto refusal = m_workbook->renameSheet(addressedSheet(), name.toStdString());
+    changed();
+    return asText(refusal);
+}
+
+void CellOperations::setRowCount(int count)
+{
+    if (count < 1 || count > maxRows || count == rowCount())
+        return;
+    if (count < rowCount())
+        sheet().deleteRows(count + 1, rowCount() - count);
+    else
+        sheet().changeSettings([count](SheetSettings& settings) { settings.rowCount = count; });
+    changed();
+}
+
+void CellOperations::setColumnCount(int count)
+{
+    if (count < 1 || count > maxColumns || count == columnCount())
+        return;
+    if (count < columnCount())
+        sheet().deleteColumns(count + 1, columnCount() - count);
+    else
+        sheet().changeSettings([count](SheetSettings& settings) { settings.columnCount = count; });
+    changed();
+}
+
+void CellOperations::setRowHeight(int row, int twips)
+{
+    sheet().changeSettings([&](SheetSettings& settings) { settings.rows.sizes[row] = std::max(twips, 0); });
+    changed();
+}
+
+void CellOperations::setColumnWidth(int column, int twips)
+{
+    sheet().changeSettings(
+        [&](SheetSettings& settings) { settings.columns.sizes[column] = std::max(twips, 0); });
+    changed();
+}
+
+std::optional<QString> CellOperations::insertRowsAt(int row, int count)
+{
+    const auto refusal = sheet().insertRows(row, count);
+    changed();
+    return asText(refusal);
+}
+
+std::optional<QString> CellOperations::insertColumnsAt(int column, int count)
+{
+    const auto refusal = sheet().insertColumns(column, count);
+    changed();
+    return asText(refusal);
+}
+
+void CellOperations::setCurrent(int column, int row)
+{
+    if (column >= 1 && column <= columnCount() && row >= 1 && row <= rowCount())
+        m_current = {column, row};
+}
+
+QString CellOperations::text(int column, int row) const
+{
+    return fromUtf8(sheet().displayText({column, row}));
+}
+
+void CellOperations::setText(int column, int row, const QString& text)
+{
+    const CellAddress cell{column, row};
+    const std::string bytes = text.toStdString();
+    if (text.isEmpty()) {
+        sheet().setValue(cell, {});
+    } else if (holdsNumbers(sheet().style(cell).type)) {
+        const Value value = typedConstant(bytes).value;
+        sheet().setValue(cell, value.isNumber() ? value : Value::text(bytes));
+    } else {
+        sheet().setText(cell, bytes);
+    }
+    changed();
+}
+
+QString CellOperations::formula() const
+{
+    return fromUtf8(sheet().formula(m_current));
+}
+
+std::optional<FormulaProblem> CellOperations::setFormula(const QString& text)
+{
+    auto problem = sheet().setFormula(m_current, text.toStdString());
+    changed();
+    return problem;
+}
+
+QString CellOperations::tag() const
+{
+    return fromUtf8(sheet().tag(m_current).view());
+}
+
+void CellOperations::setTag(const QString& tag)
+{
+    sheet().setTag(m_current, tag.toStdString());
+}
+
+void CellOperations::changeStyle(const std::function<void(CellStyle&)>& change)
+{
+    changeStyle({m_current.column, m_current.row, m_current.column, m_current.row}, change);
+}
+
+void CellOperations::changeStyle(const CellRange& range, const std::function<void(CellStyle&)>& change)
+{
+    sheet().restyle(range, change);
+    changed();
+}
+
+void CellOperations::setBorder(const CellRange& range, int sides, Colour colour, LineStyle style)
+{
+    const BorderLine line{style, colour};
+    changeStyle(range, [&](CellStyle& cell) {
+        if (sides & leftSide)
+            cell.left = line;
+        if (sides & rightSide)
+            cell.right = line;
+        if (sides & topSide)
+            cell.top = line;
+        if (sides & bottomSide)
+            cell.bottom = line;
+    });
+}
+
+QStringList CellOperations::dropDown() const
+{
+    const DropDowns& lists = sheet().settings().dropDowns;
+    auto found = lists.find(m_current);
+    if (found == lists.end())
+        found = lists.find({m_current.column, 0});
+    QStringList entries;
+    if (found != lists.end())
+        for (const std::string& entry : found->second)
+            entries.append(fromUtf8(entry));
+    return entries;
+}
+
+void CellOperations::putDropDown(CellAddress place, const QStringList& entries)
+{
+    sheet().changeSettings([&](SheetSettings& settings) {
+        if (entries.isEmpty()) {
+            settings.dropDowns.erase(place);
+            return;
+        }
+        std::vector<std::string>& list = settings.dropDowns[place];
+        list.clear();
+        for (const QString& entry : entries)
+            list.push_back(entry.toStdString());
+    });
+    changed();
+}
+
+int CellOperations::dropDownIndex() const
+{
+    return static_cast<int>(dropDown().indexOf(text()));
+}
+
+void CellOperations::setDropDownIndex(int index)
+{
+    const QStringList entries = dropDown();
+    if (index >= 0 && index < entries.size())
+        setText(entries[index]);
+}
+
+void CellOperations::changePrintSettings(const std::function<void(PrintSettings&)>& change)
+{
+    sheet().changeSettings([&](SheetSettings& settings) { change(settings.print); });
+}
+
+void CellOperations::registerFunction(const QString& name, int parameterCount, FunctionHandler handler)
+{
+    m_workbook->registerFunction(name.toStdString(), parameterCount, std::move(handler));
+}
+
+void CellOperations::recalculate()
+{
+    m_workbook->recalculate();
+    changed();
+}
+
+void CellOperations::recalculateAfterEdit()
+{
+    if (recalculateChanged)
+        recalculateChanged();
+    else
+        m_workbook->recalculateChanged();
+}
+
+} // namespace spreadsheet

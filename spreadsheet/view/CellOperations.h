@@ -1,0 +1,144 @@
+#pragma once
+#include "spreadsheet/engine/Workbook.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace spreadsheet {
+
+/// Sides of a cell, to be added up.
+enum BorderSides { noSide = 0, leftSide = 1, rightSide = 2, topSide = 4, bottomSide = 8, allSides = 15 };
+
+/// What windows do with a workbook's cells by program. Operations without a place mean the current position
+/// on the addressed sheet. Columns, rows and sheets count from 1. Each change is an undo step of its own
+/// unless an UndoStep is open. Nothing here asks the user, moves the cursor or fires an event of the control.
+class CellOperations {
+public:
+    /// On an empty workbook of its own.
+    CellOperations();
+    virtual ~CellOperations();
+    CellOperations(const CellOperations&) = delete;
+    CellOperations& operator=(const CellOperations&) = delete;
+
+    Workbook& workbook() { return *m_workbook; }
+    const Workbook& workbook() const { return *m_workbook; }
+    /// Works on a workbook that somebody else owns and that must outlive this; null: on a fresh one of its
+    /// own.
+    void setWorkbook(Workbook* workbook);
+
+    // Sheets
+    int activeSheet() const { return m_workbook->activeSheet(); } ///< the one that is seen
+    /// Shows a sheet, which is also the addressed one then. Others than 1 to sheetCount() do nothing.
+    void setActiveSheet(int index);
+    int addressedSheet() const; ///< the one that operations work on
+    /// Until another sheet is shown; others than 1 to sheetCount() do nothing.
+    void setAddressedSheet(int index);
+    Sheet& sheet() { return m_workbook->sheet(addressedSheet()); }
+    const Sheet& sheet() const { return m_workbook->sheet(addressedSheet()); }
+    int sheetCount() const { return m_workbook->sheetCount(); }
+    QString sheetName() const;
+    // Each gives the reason, one Chinese sentence, if it refuses; nothing has changed then.
+    std::optional<QString> setSheetCount(int count);
+    std::optional<QString> setSheetName(const QString& name);
+
+    // Size of the addressed sheet
+    int rowCount() const { return sheet().settings().rowCount; }
+    int columnCount() const { return sheet().settings().columnCount; }
+    /// Cells beyond go, as one undo step. A number outside 1 to maxRows (maxColumns) does nothing.
+    void setRowCount(int count);
+    void setColumnCount(int count);
+    int lastDataRow() const { return sheet().lastDataRow(); } ///< 0: no data
+    int lastDataColumn() const { return sheet().lastDataColumn(); }
+    void setRowHeight(int row, int twips); ///< 0 hides
+    void setColumnWidth(int column, int twips);
+    /// Before a row or column; the sheet grows by as many. The reason if it would lose data.
+    std::optional<QString> insertRowsAt(int row, int count);
+    std::optional<QString> insertColumnsAt(int column, int count);
+
+    // Current position: where reads and writes of attributes go. It is not the active cell, and moving one
+    // leaves the other.
+    CellAddress current() const { return m_current; }
+    int currentColumn() const { return m_current.column; }
+    int currentRow() const { return m_current.row; }
+    /// Places outside the sheet do nothing.
+    void setCurrent(int column, int row);
+
+    // Contents
+    QString text() const { return text(m_current.column, m_current.row); } ///< as it is displayed
+    QString text(int column, int row) const;
+    /// Taken literally; only in cells of a number, date or time type a text that reads as a number becomes
+    /// one.
+    /// "" empties the cell.
+    void setText(const QString& text) { setText(m_current.column, m_current.row, text); }
+    void setText(int column, int row, const QString& text);
+    QString formula() const; ///< without "="; "" for a constant
+    /// With or without "="; "" takes a formula away and leaves a constant.
+    /// @return why the formula was refused; the cell keeps what it had
+    std::optional<FormulaProblem> setFormula(const QString& text);
+    QString tag() const;
+    void setTag(const QString& tag);
+
+    // Looks
+    const CellStyle& style() const { return sheet().style(m_current); }
+    CellType cellType() const { return style().type; }
+    /// Type, decimals, font, alignment, colours, lock: changes the current cell's.
+    void changeStyle(const std::function<void(CellStyle&)>& change);
+    /// … and those of every cell of a range, as one undo step.
+    void changeStyle(const CellRange& range, const std::function<void(CellStyle&)>& change);
+    /// The named sides of every cell of a range get this line; none of the sides named: nothing happens.
+    void setBorder(const CellRange& range, int sides, Colour colour, LineStyle style);
+
+    // Spans
+    std::optional<CellRange> spanAt(int column, int row) const { return sheet().spanAt({column, row}); }
+    void addSpan(const CellRange& range)
+    {
+        sheet().addSpan(range);
+        changed();
+    }
+    /// Of the addressed sheet, all that meet the range.
+    void removeSpans(const CellRange& range)
+    {
+        sheet().removeSpans(range);
+        changed();
+    }
+
+    // Drop-down lists. A cell without a list of its own has its column's.
+    QStringList dropDown() const;
+    /// Of the current cell; empty: none of its own.
+    void setDropDown(const QStringList& entries) { putDropDown(m_current, entries); }
+    void setColumnDropDown(int column, const QStringList& entries) { putDropDown({column, 0}, entries); }
+    /// The entry, from 0, that the current cell's text equals; -1 if none.
+    int dropDownIndex() const;
+    void setDropDownIndex(int index); ///< puts the entry into the cell; others than entries do nothing
+
+    // Print settings of the addressed sheet
+    const PrintSettings& printSettings() const { return sheet().settings().print; }
+    void changePrintSettings(const std::function<void(PrintSettings&)>& change);
+
+    // Custom functions and recalculation
+    void registerFunction(const QString& name, int parameterCount, FunctionHandler handler);
+    void recalculate(); ///< every formula
+    /// Called instead of Workbook::recalculateChanged after each edit of the user. Empty: that one.
+    std::function<void()> recalculateChanged;
+
+protected:
+    /// The cells or sheets changed by program.
+    virtual void changed() {}
+    /// Another sheet is shown, or another workbook.
+    virtual void sheetSwitched() {}
+    void recalculateAfterEdit();
+
+private:
+    void putDropDown(CellAddress place, const QStringList& entries);
+
+    std::unique_ptr<Workbook> m_own;
+    Workbook* m_workbook;
+    int m_addressedId = 0; ///< id of the addressed sheet; 0: the active one
+    CellAddress m_current;
+};
+
+} // namespace spreadsheet
