@@ -1,0 +1,21 @@
+#pragma once
+#include "formula/call_in_words.h"
+
+#include <array>
+#include <chrono>
+#include <string>
+
+namespace selfreport {
+
+/// What an `Acct` call that is being written means and would fetch now.
+struct CallTrial {
+    CallInWords meaning;
+    std::string value; ///< the amount with two decimals, or why there is none; ends with no full stop
+};
+
+/// Tries a call from the texts of its six arguments on a connection of its own. Shows nothing and throws
+/// nothing: what fails is said in the result.
+/// @param limit  statements that take longer are stopped
+CallTrial tryCall(const std::array<std::string, 6>& texts, std::chrono::milliseconds limit);
+
+} // namespace selfreport
