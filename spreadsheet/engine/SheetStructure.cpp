@@ -60,15 +60,17 @@ std::map<int, T> shiftedKeys(const std::map<int, T>& map, const AxisShift& shift
     return result;
 }
 
-DropDowns shiftedDropDowns(const DropDowns& lists, const AxisShift& shift)
+template <typename T>
+std::map<CellAddress, T> shiftedCells(const std::map<CellAddress, T>& entries, const AxisShift& shift)
 {
-    DropDowns result;
-    for (auto [cell, entries] : lists) {
+    std::map<CellAddress, T> result;
+    for (const auto& [place, entry] : entries) {
+        CellAddress cell = place;
         int& index = shift.rows ? cell.row : cell.column;
         if (shift.isRemoved(index) || shift.moved(index) > shift.limit())
             continue;
-        index = shift.moved(index); // row 0, the column's own list, lies before every shift
-        result.emplace(cell, std::move(entries));
+        index = shift.moved(index); // row 0, a column's own entry, lies before every shift
+        result.emplace(cell, entry);
     }
     return result;
 }
@@ -312,8 +314,8 @@ void SheetStructure::shiftSettings(Sheet& sheet, const AxisShift& shift)
     axis.hidden = shiftedKeys(axis.hidden, shift);
     auto& styles = shift.rows ? settings.rowStyles : settings.columnStyles;
     styles = shiftedKeys(styles, shift);
-    settings.dropDowns = shiftedDropDowns(settings.dropDowns, shift);
-    settings.notes = shiftedNotes(settings.notes, shift);
+    settings.dropDowns = shiftedCells(settings.dropDowns, shift);
+    settings.notes = shiftedCells(settings.notes, shift);
     for (auto* ranges : {&settings.spans, &settings.arrays})
         std::erase_if(*ranges, [&](CellRange& range) { return !shiftRange(shift, range); });
     std::erase_if(settings.spans, [](const CellRange& s) { return s.rows() == 1 && s.columns() == 1; });

@@ -225,6 +225,36 @@ PrintSettings readPrint(const stored::Print* stored)
     return print;
 }
 
+// Notes.
+
+flatbuffers::Offset<flatbuffers::Vector<const stored::CellText*>>
+writeNotes(flatbuffers::FlatBufferBuilder& builder, const std::map<CellAddress, std::string>& notes,
+           TextWriter& texts)
+{
+    std::vector<stored::CellText> written;
+    for (const auto& [cell, note] : notes)
+        written.emplace_back(static_cast<std::uint32_t>(cell.row), texts.number(Text(note)),
+                             static_cast<std::uint16_t>(cell.column));
+    return builder.CreateVectorOfStructs(written);
+}
+
+std::map<CellAddress, std::string> readNotes(const flatbuffers::Vector<const stored::CellText*>* notes,
+                                             const StoredTexts& texts)
+{
+    static constexpr const char* what = "批注的位置不对";
+    std::map<CellAddress, std::string> result;
+    if (!notes)
+        return result;
+    for (const stored::CellText* note : *notes) {
+        const CellAddress cell{checked(note->column(), maxColumns, what),
+                               checked(note->row(), maxRows, what)};
+        requireContent(cell.column >= 1 && cell.row >= 1, what);
+        if (const std::string_view text = texts[note->text()].view(); !text.empty())
+            result[cell] = text;
+    }
+    return result;
+}
+
 } // namespace
 
 flatbuffers::Offset<stored::Sheet> writeSheet(flatbuffers::FlatBufferBuilder& builder, const Sheet& sheet,
@@ -241,6 +271,7 @@ flatbuffers::Offset<stored::Sheet> writeSheet(flatbuffers::FlatBufferBuilder& bu
     const auto spans = writeRanges(builder, settings.spans);
     const auto arrays = writeRanges(builder, settings.arrays);
     const auto print = writePrint(builder, settings.print);
+    const auto notes = writeNotes(builder, settings.notes, writers.texts);
     const WrittenCells cells = writeCells(builder, sheet, writers);
     return stored::CreateSheet(
         builder, name, limited(settings.rowCount, maxRows), limited(settings.columnCount, maxColumns),
@@ -248,7 +279,7 @@ flatbuffers::Offset<stored::Sheet> writeSheet(flatbuffers::FlatBufferBuilder& bu
         heights, widths, hiddenRows, hiddenColumns, rowStyles, columnStyles, spans, arrays,
         limited(settings.frozenRows, maxRows), limited(settings.frozenColumns, maxColumns), print,
         cells.stretches, cells.kinds, cells.payloads, cells.styles, cells.formulas, cells.tags,
-        cells.shownTexts);
+        cells.shownTexts, notes, 0, 0, 0, settings.isHidden);
 }
 
 void readSheet(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& meanings,
@@ -270,6 +301,8 @@ void readSheet(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& me
     settings.frozenRows = checked(stored.frozen_rows(), maxRows, "冻结的行数不对");
     settings.frozenColumns = checked(stored.frozen_columns(), maxColumns, "冻结的列数不对");
     settings.print = readPrint(stored.print());
+    settings.notes = readNotes(stored.notes(), meanings.texts);
+    settings.isHidden = stored.is_hidden();
     checkArrays(sheet, settings.arrays, formulas);
     sheet.changeSettings([&](SheetSettings& target) { target = std::move(settings); });
 }

@@ -1,0 +1,174 @@
+#include "spreadsheet/files/xls/SheetReader.h"
+
+#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/exchange/column_widths.h"
+#include "spreadsheet/files/range_overlap.h"
+#include "spreadsheet/files/xls/cell_codes.h"
+#include "spreadsheet/files/xls/records.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace spreadsheet {
+
+SheetReader::SheetReader(Workbook& workbook, Sheet& sheet, XlsGlobals& globals)
+    : m_workbook(workbook)
+    , m_sheet(sheet)
+    , m_globals(globals)
+    , m_formulaReader(globals.links)
+    , m_settings(sheet.settings())
+    , m_sheetId([&workbook](std::string_view name) {
+        const int index = workbook.sheetIndex(name);
+        return index == 0 ? 0 : workbook.sheet(index).id();
+    })
+{
+    const CellFont font = globals.styles.defaultFont();
+    m_digitPixels = digitPixels(font.family.view(), font.points);
+    m_settings.print.marginTop = m_settings.print.marginBottom = 1440; // of a file that names none
+    m_settings.print.marginLeft = m_settings.print.marginRight = 1080;
+}
+
+void SheetReader::read(RecordStream& stream)
+{
+    int charts = 0; // substreams inside this one
+    for (;;) {
+        if (!stream.next())
+            refuseFile("表“" + m_sheet.name() + "”没有结尾,文件可能被截断");
+        const std::uint16_t id = stream.record().id;
+        if (id == xls::beginOfFile) {
+            m_globals.warnings.add("图表没有引入");
+            ++charts;
+        } else if (id == xls::endOfFile) {
+            if (charts-- == 0)
+                break;
+        } else if (charts == 0) {
+            record(stream);
+        }
+    }
+    finish();
+}
+
+void SheetReader::record(RecordStream& stream)
+{
+    if (!cellRecord(stream) && !settingRecord(stream))
+        printRecord(stream);
+}
+
+bool SheetReader::cellRecord(RecordStream& stream)
+{
+    const XlsRecord& record = stream.record();
+    switch (record.id) {
+    case xls::sharedTextCell:
+        sharedTextCell(record);
+        return true;
+    case xls::number:
+        putAt(record, record.at<double>(6));
+        return true;
+    case xls::rk:
+        putAt(record, numberOfRk(record.at<std::uint32_t>(6)));
+        return true;
+    case xls::multipleRk:
+        multipleRk(record);
+        return true;
+    case xls::blank:
+        putAt(record, {});
+        return true;
+    case xls::multipleBlank:
+        multipleBlank(record);
+        return true;
+    case xls::boolOrError:
+        boolOrError(record);
+        return true;
+    case xls::label:
+    case xls::richText:
+        label(stream);
+        return true;
+    case xls::formula:
+        formula(stream);
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool SheetReader::settingRecord(RecordStream& stream)
+{
+    const XlsRecord& record = stream.record();
+    switch (record.id) {
+    case xls::row:
+        row(record);
+        return true;
+    case xls::columnInfo:
+        columnInfo(record);
+        return true;
+    case xls::defaultColumnWidth:
+        m_defaultDigits = record.wordAt(0);
+        return true;
+    case xls::standardWidth:
+        m_standardWidth = record.wordAt(0) / 256.0;
+        return true;
+    case xls::defaultRowHeight:
+        m_settings.rows.defaultSize = std::clamp<int>(record.wordAt(2), 1, 8190);
+        return true;
+    case xls::mergedCells:
+        mergedCells(record);
+        return true;
+    case xls::window2:
+        m_isFrozen = record.wordAt(0) & 0x08;
+        return true;
+    case xls::pane:
+        pane(record);
+        return true;
+    case xls::protect:
+        m_isProtected = record.wordAt(0) != 0;
+        return true;
+    case xls::object:
+        m_notes.readObject(record);
+        return true;
+    case xls::textObject:
+        m_notes.readTextObject(stream);
+        return true;
+    case xls::note:
+        if (m_globals.version == xls::version8)
+            m_notes.readNote(record);
+        else
+            m_notes.readOldNote(record, m_globals.codePage);
+        return true;
+    default:
+        return false;
+    }
+}
+
+void SheetReader::setDefaultWidth()
+{
+    constexpr double margin = 5; // pixels; the whole is rounded up to 8
+    constexpr int twipsOfPixel = 15;
+    const double pixels = std::ceil((std::min(m_defaultDigits, 255) * m_digitPixels + margin) / 8) * 8;
+    m_settings.columns.defaultSize = m_standardWidth > 0 ? columnTwips(m_standardWidth, m_digitPixels)
+                                                         : static_cast<int>(pixels) * twipsOfPixel;
+}
+
+void SheetReader::finish()
+{
+    setDefaultWidth();
+    std::erase_if(m_settings.columns.sizes,
+                  [this](const auto& entry) { return entry.second == m_settings.columns.defaultSize; });
+    std::erase_if(m_settings.rows.sizes,
+                  [this](const auto& entry) { return entry.second == m_settings.rows.defaultSize; });
+    if (anyOverlap(m_settings.spans)) {
+        m_globals.warnings.add("表“" + m_sheet.name() + "”的合并单元格互相重叠,没有引入");
+        m_settings.spans.clear();
+    }
+    placeArrays();
+    m_settings.notes = m_notes.notes();
+    for (const auto& [place, text] : m_settings.notes) {
+        m_lastRow = std::max(m_lastRow, place.row);
+        m_lastColumn = std::max(m_lastColumn, place.column);
+    }
+    m_settings.print.fitWidth = m_fitsPage && m_fitsOneWide;
+    m_settings.rowCount = std::max(m_settings.rowCount, m_lastRow);
+    m_settings.columnCount = std::max(m_settings.columnCount, m_lastColumn);
+    m_sheet.changeSettings([this](SheetSettings& settings) { settings = std::move(m_settings); });
+}
+
+} // namespace spreadsheet

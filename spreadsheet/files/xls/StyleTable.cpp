@@ -1,0 +1,198 @@
+#include "spreadsheet/files/xls/StyleTable.h"
+
+#include "spreadsheet/files/exchange/fill_patterns.h"
+#include "spreadsheet/files/exchange/line_styles.h"
+#include "spreadsheet/files/exchange/number_formats.h"
+#include "spreadsheet/files/xls/records.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr unsigned automaticFontColour = 0x7FFF;
+
+HorizontalAlignment horizontalOf(unsigned code)
+{
+    switch (code) {
+    case 1:
+    case 4: // filled
+    case 5: // justified
+        return HorizontalAlignment::left;
+    case 2:
+    case 6: // across the selection
+    case 7: // distributed
+        return HorizontalAlignment::centre;
+    case 3:
+        return HorizontalAlignment::right;
+    default:
+        return HorizontalAlignment::general;
+    }
+}
+
+VerticalAlignment verticalOf(unsigned code)
+{
+    switch (code) {
+    case 0:
+    case 3:
+        return VerticalAlignment::top;
+    case 1:
+    case 4:
+        return VerticalAlignment::centre;
+    default:
+        return VerticalAlignment::bottom;
+    }
+}
+
+} // namespace
+
+void StyleTable::readFont(const XlsRecord& record, const CodePage& codePage)
+{
+    Font font;
+    font.look.points = std::clamp(static_cast<float>(record.wordAt(0)) / 20, 1.0f, 409.0f);
+    const std::uint16_t flags = record.wordAt(2);
+    font.look.italic = flags & 0x02;
+    font.look.strikeThrough = flags & 0x08;
+    font.colour = record.wordAt(4);
+    font.look.bold = record.wordAt(6) >= 600;
+    font.look.underline = record.byteAt(10) != 0;
+    RecordCursor cursor(record);
+    cursor.skip(14);
+    font.look.family =
+        Text(m_version == xls::version8 ? cursor.shortText()
+                                        : codePage.decoded(cursor.bytes(cursor.take<std::uint8_t>())));
+    m_fonts.push_back(std::move(font));
+}
+
+void StyleTable::readFormat(const XlsRecord& record, const CodePage& codePage)
+{
+    RecordCursor cursor(record);
+    const auto number = cursor.take<std::uint16_t>();
+    m_formats[number] = m_version == xls::version8
+                            ? cursor.longText()
+                            : codePage.decoded(cursor.bytes(cursor.take<std::uint8_t>()));
+}
+
+void StyleTable::readPalette(const XlsRecord& record)
+{
+    const unsigned count = std::min<unsigned>(record.wordAt(0), Palette::count);
+    for (unsigned i = 0; i < count; ++i) {
+        const auto reversed = record.at<std::uint32_t>(2 + 4 * i); // 0xBBGGRR
+        m_palette.set(i, (reversed & 0xFF) << 16 | (reversed & 0xFF00) | (reversed >> 16 & 0xFF));
+    }
+}
+
+StyleTable::CellFormat StyleTable::cellFormat8(const XlsRecord& record)
+{
+    CellFormat format;
+    const std::uint8_t alignment = record.byteAt(6);
+    format.horizontal = alignment & 7u;
+    format.wrap = alignment & 8;
+    format.vertical = alignment >> 4 & 7u;
+    format.isTurned = record.byteAt(7) != 0;
+    const auto lines = record.at<std::uint32_t>(10), further = record.at<std::uint32_t>(14);
+    for (unsigned side = 0; side < 4; ++side)
+        format.lines[side] = lines >> 4 * side & 0xF;
+    format.colours[0] = lines >> 16 & 0x7F;
+    format.colours[1] = lines >> 23 & 0x7F;
+    format.colours[2] = further & 0x7F;
+    format.colours[3] = further >> 7 & 0x7F;
+    format.pattern = further >> 26;
+    format.patternColour = record.wordAt(18) & 0x7Fu;
+    format.paperColour = record.wordAt(18) >> 7 & 0x7Fu;
+    return format;
+}
+
+StyleTable::CellFormat StyleTable::cellFormat5(const XlsRecord& record)
+{
+    CellFormat format;
+    const std::uint16_t alignment = record.wordAt(6), paper = record.wordAt(8), bottom = record.wordAt(10);
+    const std::uint16_t lines = record.wordAt(12), colours = record.wordAt(14);
+    format.horizontal = alignment & 7u;
+    format.wrap = alignment & 8;
+    format.vertical = alignment >> 4 & 7u;
+    format.isTurned = alignment >> 8 & 3;
+    format.patternColour = paper & 0x7Fu;
+    format.paperColour = paper >> 7 & 0x7Fu;
+    format.pattern = bottom & 0x3Fu;
+    format.lines[3] = bottom >> 6 & 7u;
+    format.colours[3] = bottom >> 9;
+    format.lines[2] = lines & 7u;
+    format.lines[0] = lines >> 3 & 7u;
+    format.lines[1] = lines >> 6 & 7u;
+    format.colours[2] = lines >> 9;
+    format.colours[0] = colours & 0x7Fu;
+    format.colours[1] = colours >> 7 & 0x7Fu;
+    return format;
+}
+
+void StyleTable::readCellFormat(const XlsRecord& record)
+{
+    CellFormat format = m_version == xls::version8 ? cellFormat8(record) : cellFormat5(record);
+    format.font = record.wordAt(0);
+    format.format = record.wordAt(2);
+    format.locked = record.wordAt(4) & 1;
+    m_cellFormats.push_back(format);
+}
+
+/// Number 4 never stands in a file.
+const StyleTable::Font* StyleTable::font(std::size_t number) const
+{
+    const std::size_t place = number > 4 ? number - 1 : number;
+    return number != 4 && place < m_fonts.size() ? &m_fonts[place] : nullptr;
+}
+
+CellFont StyleTable::defaultFont() const
+{
+    return m_fonts.empty() ? CellFont{Text("宋体"), 12, false, false, false, false} : m_fonts.front().look;
+}
+
+void StyleTable::fill(const CellFormat& format, CellStyle& style) const
+{
+    if (format.pattern == 0)
+        return;
+    const Colour ink = m_palette[format.patternColour], paper = m_palette[format.paperColour];
+    style.background = patternColour(format.pattern, ink, paper);
+}
+
+CellStyle StyleTable::made(const CellFormat& format, bool isProtected) const
+{
+    CellStyle style;
+    const auto code = m_formats.find(format.format);
+    applyFormatCode(code == m_formats.end() ? builtInFormatCode(format.format) : code->second, style);
+    if (const Font* found = font(format.font)) {
+        style.font = found->look;
+        if (found->colour != automaticFontColour)
+            style.foreground = m_palette[found->colour];
+    }
+    style.horizontal = horizontalOf(format.horizontal);
+    style.vertical = verticalOf(format.vertical);
+    style.wrap = format.wrap;
+    style.locked = format.locked && isProtected;
+    BorderLine* const sides[]{&style.left, &style.right, &style.top, &style.bottom};
+    for (std::size_t side = 0; side < 4; ++side) {
+        const Colour colour = m_palette[format.colours[side]];
+        const LineStyle line = readLineStyle(format.lines[side]);
+        if (line != LineStyle::none)
+            *sides[side] = {line, colour == automaticColour ? 0 : colour};
+    }
+    fill(format, style);
+    return style;
+}
+
+std::uint32_t StyleTable::style(std::size_t cellFormat, bool isProtected)
+{
+    if (cellFormat >= m_cellFormats.size())
+        return 0;
+    CellFormat& format = m_cellFormats[cellFormat];
+    std::uint32_t& number = format.styles[isProtected];
+    if (number == 0) {
+        number = m_pool.intern(made(format, isProtected));
+        if (format.isTurned)
+            m_warnings.add("旋转的文字按水平方向显示");
+    }
+    return number;
+}
+
+} // namespace spreadsheet

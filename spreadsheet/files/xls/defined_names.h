@@ -1,0 +1,31 @@
+#pragma once
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/files/exchange/Warnings.h"
+#include "spreadsheet/files/xls/XlsLinks.h"
+
+#include <string>
+#include <vector>
+
+namespace spreadsheet {
+
+/// A NAME record: a name that somebody defined, or one of the format's own (print area, print titles).
+struct DefinedName {
+    static constexpr int none = -1, printArea = 6, printTitles = 7;
+
+    std::string name;
+    int builtIn = none;   ///< number of the format's own name
+    int tab = 0;          ///< counted from 1; 0: valid on all sheets
+    bool isMacro = false; ///< stands for a function or command, not for cells
+    Bytes tokens, extra;
+};
+
+DefinedName readDefinedName(const XlsRecord& record);
+
+/// Defines what the names stand for in the workbook, whose sheets must be there.
+void defineNames(const std::vector<DefinedName>& names, const XlsLinks& links, Workbook& workbook,
+                 Warnings& warnings);
+
+/// Rows that are repeated on each page.
+void applyPrintTitles(const std::vector<DefinedName>& names, const XlsLinks& links, Workbook& workbook);
+
+} // namespace spreadsheet
