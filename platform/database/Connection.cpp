@@ -7,6 +7,7 @@
 #include "platform/database/sqlite/SqliteSession.h"
 
 #include <atomic>
+#include <utility>
 
 namespace selfreport {
 
@@ -56,35 +57,18 @@ Connection::~Connection()
     SessionPool::instance().giveBack(m_connectionString, std::move(m_session));
 }
 
-void Connection::replaceDeadSession()
+/// An idle session may have died since, or still hold an answer that nobody read. Work is not sent twice, so
+/// the session is asked for a sign of life before its first use.
+Session& Connection::provenSession()
 {
-    m_session = openSession(m_connectionString);
-    m_unproven = false;
-}
-
-/// Runs work that may be repeated. An idle session may have died since; only its first use is done again, on
-/// a fresh session: later on the work may depend on what this connection did before.
-template <typename Work>
-auto Connection::withSession(const Work& work)
-{
-    if (m_unproven) {
-        m_unproven = false;
-        try {
-            return work(*m_session);
-        } catch (const ConnectionLost&) {
-            replaceDeadSession();
-        }
-    }
-    return work(*m_session);
+    if (std::exchange(m_unproven, false) && !m_session->answers())
+        m_session = openSession(m_connectionString);
+    return *m_session;
 }
 
 std::int64_t Connection::execute(std::string_view sql, std::span<const SqlValue> values)
 {
-    // A change must not be sent twice, so an idle session is asked for a sign of life before it.
-    if (m_unproven && !m_session->answers())
-        replaceDeadSession();
-    m_unproven = false;
-    return m_session->execute(sql, values);
+    return provenSession().execute(sql, values);
 }
 
 std::int64_t Connection::execute(std::string_view sql, std::initializer_list<SqlValue> values)
@@ -94,7 +78,7 @@ std::int64_t Connection::execute(std::string_view sql, std::initializer_list<Sql
 
 Recordset Connection::query(std::string_view sql, std::span<const SqlValue> values, BinaryColumns binaries)
 {
-    return withSession([&](Session& session) { return session.query(sql, values, binaries); });
+    return provenSession().query(sql, values, binaries);
 }
 
 Recordset Connection::query(std::string_view sql, std::initializer_list<SqlValue> values,
@@ -128,7 +112,7 @@ std::vector<ProcedureResult> Connection::callProcedures(std::span<const Procedur
         places.push_back(at);
     }
     try {
-        auto answers = withSession([&](Session& session) { return session.callProcedures(sent); });
+        auto answers = provenSession().callProcedures(sent);
         for (std::size_t at = 0; at < places.size(); ++at)
             results[places[at]] = std::move(answers[at]);
     } catch (const DatabaseError& error) {
@@ -140,7 +124,7 @@ std::vector<ProcedureResult> Connection::callProcedures(std::span<const Procedur
 
 void Connection::begin()
 {
-    withSession([](Session& session) { session.begin(); });
+    provenSession().begin();
 }
 
 void Connection::commit()

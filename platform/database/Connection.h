@@ -55,9 +55,7 @@ private:
     friend std::unique_ptr<Connection> openConnection(std::string_view connectionString);
     Connection(std::string connectionString, std::unique_ptr<Session> session, bool reused);
 
-    template <typename Work>
-    auto withSession(const Work& work);
-    void replaceDeadSession();
+    Session& provenSession();
 
     std::string m_connectionString;
     std::unique_ptr<Session> m_session;

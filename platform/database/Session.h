@@ -34,7 +34,7 @@ public:
     /// Cheap look whether the session is still good, without a round trip.
     virtual bool looksAlive() = 0;
 
-    /// Asks the server for a sign of life. False if the session is gone.
+    /// Asks the server for a sign of life. False if the session is gone or out of step with the server.
     virtual bool answers() = 0;
 
     /// Puts the session into its first state, out of any transaction. False if it must be thrown away.

@@ -5,12 +5,21 @@
 #include "platform/database/odbc/procedure_batch.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <sqlext.h>
 #include <sqlucode.h>
+#include <thread>
 
 namespace selfreport {
 
 namespace {
+
+// Seconds. A firewall may have dropped an idle session without telling either side.
+constexpr int signOfLifeTimeout = 2;
+
+// The driver may lose a cancellation for good that comes while it is still sending the statement.
+constexpr std::chrono::milliseconds cancellableAge(30);
 
 SQLPOINTER attribute(std::intptr_t value)
 {
@@ -23,24 +32,43 @@ SQLPOINTER attribute(std::intptr_t value)
 class OdbcSession::Running {
 public:
     explicit Running(OdbcSession& session)
-        : statement(session.m_connection, session.m_queryTimeout)
+        : Running(session, session.m_queryTimeout)
+    {
+    }
+    Running(OdbcSession& session, int timeout)
+        : statement(session.m_connection, timeout)
         , m_session(session)
     {
         const std::lock_guard lock(m_session.m_runningMutex);
-        m_session.m_running = statement.handle();
+        m_session.m_running = this;
     }
     ~Running()
     {
         const std::lock_guard lock(m_session.m_runningMutex);
-        m_session.m_running = SQL_NULL_HSTMT;
+        m_session.m_running = nullptr;
     }
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
+
+    bool isYoung() const { return std::chrono::steady_clock::now() - m_start < cancellableAge; }
+    void cancel()
+    {
+        m_isCancelled = true;
+        SQLCancel(statement.handle());
+    }
+    /// What was read of a cancelled statement may lack rows without a word from the driver.
+    void throwIfCancelled() const
+    {
+        if (m_isCancelled)
+            throw DatabaseError(unspecifiedError, "操作已取消");
+    }
 
     OdbcStatement statement; // freed after the session has forgotten it
 
 private:
     OdbcSession& m_session;
+    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    std::atomic<bool> m_isCancelled = false;
 };
 
 OdbcSession::OdbcSession(const OdbcTarget& target)
@@ -102,6 +130,7 @@ Recordset OdbcSession::query(std::string_view sql, std::span<const SqlValue> val
         if (auto rows = running.statement.rows(binaries); rows && !first)
             first = std::move(rows);
     } while (running.statement.nextResult());
+    running.throwIfCancelled();
     return first ? std::move(*first) : Recordset();
 }
 
@@ -122,11 +151,13 @@ ProcedureResult OdbcSession::callAlone(const ProcedureCall& call)
             if (auto rows = running.statement.rows(BinaryColumns::left); rows && !result.rows)
                 result.rows = std::move(rows);
         } while (running.statement.nextResult());
+        running.throwIfCancelled();
         // The driver sets it when everything was read; a failed call may leave something there too.
         result.returnValue = returned;
     } catch (const ConnectionLost&) {
         throw;
     } catch (const DatabaseError& error) {
+        running.throwIfCancelled(); // the calls that follow are not wanted either
         result.rows.reset();
         result.error = error;
     }
@@ -145,6 +176,7 @@ std::vector<std::optional<ProcedureResult>> OdbcSession::callBatch(std::span<con
         } catch (const ConnectionLost&) {
             throw;
         } catch (const DatabaseError&) {
+            running.throwIfCancelled();
             answers.failCurrent(); // repeated alone, it tells the reason
             more = ++failures <= calls.size();
         }
@@ -158,6 +190,7 @@ std::vector<std::optional<ProcedureResult>> OdbcSession::callBatch(std::span<con
         if (more)
             step([&] { more = running.statement.nextResult(); });
     }
+    running.throwIfCancelled();
     return std::move(answers).take();
 }
 
@@ -211,7 +244,9 @@ void OdbcSession::setAutocommit(bool on)
 
 void OdbcSession::begin()
 {
+    m_isSpoiled = true; // until it is known to have begun
     setAutocommit(false);
+    m_isSpoiled = false;
     m_inTransaction = true;
 }
 
@@ -239,11 +274,16 @@ bool OdbcSession::looksAlive()
     return dead != SQL_CD_TRUE;
 }
 
+/// Asks for a number that was not asked for before: an answer that was left over shows itself.
 bool OdbcSession::answers()
 {
     try {
-        query("select 1", {}, BinaryColumns::left);
-        return true;
+        Running running(*this, signOfLifeTimeout);
+        const std::int64_t number = ++m_signsOfLife;
+        running.statement.run("select " + std::to_string(number) + " as sign");
+        const auto rows = running.statement.rows(BinaryColumns::left);
+        return rows && rows->rowCount() == 1 && rows->integer(0, "sign") == number &&
+               !running.statement.nextResult();
     } catch (const DatabaseError&) {
         return false;
     }
@@ -261,9 +301,12 @@ bool OdbcSession::resetForReuse()
 
 void OdbcSession::cancel()
 {
-    const std::lock_guard lock(m_runningMutex);
-    if (m_running != SQL_NULL_HSTMT)
-        SQLCancel(m_running);
+    for (std::unique_lock lock(m_runningMutex); m_running; lock.lock()) {
+        if (!m_running->isYoung())
+            return m_running->cancel();
+        lock.unlock();
+        std::this_thread::sleep_for(cancellableAge);
+    }
 }
 
 } // namespace selfreport

@@ -40,10 +40,11 @@ private:
     SQLHENV m_environment = SQL_NULL_HENV;
     SQLHDBC m_connection = SQL_NULL_HDBC;
     int m_queryTimeout = 0;
+    std::int64_t m_signsOfLife = 0;
     bool m_inTransaction = false;
     bool m_isSpoiled = false; ///< a transaction did not end cleanly: not for reuse
     std::mutex m_runningMutex;
-    SQLHSTMT m_running = SQL_NULL_HSTMT; ///< what cancel() stops
+    Running* m_running = nullptr; ///< what cancel() stops
 };
 
 } // namespace selfreport

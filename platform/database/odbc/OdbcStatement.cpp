@@ -31,9 +31,8 @@ OdbcStatement::OdbcStatement(SQLHDBC connection, int queryTimeout)
         const auto records = odbcRecords(SQL_HANDLE_DBC, connection);
         throw ConnectionLost(unspecifiedError, workError(records).description);
     }
-    if (queryTimeout > 0)
-        SQLSetStmtAttr(m_handle, SQL_ATTR_QUERY_TIMEOUT,
-                       reinterpret_cast<SQLPOINTER>(static_cast<std::intptr_t>(queryTimeout)), 0);
+    SQLSetStmtAttr(m_handle, SQL_ATTR_QUERY_TIMEOUT,
+                   reinterpret_cast<SQLPOINTER>(static_cast<std::intptr_t>(queryTimeout)), 0);
 }
 
 OdbcStatement::~OdbcStatement()
@@ -43,9 +42,12 @@ OdbcStatement::~OdbcStatement()
 
 void OdbcStatement::check(SQLRETURN result)
 {
-    if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA)
+    if (result == SQL_SUCCESS || result == SQL_NO_DATA)
         return;
     const auto records = odbcRecords(SQL_HANDLE_STMT, m_handle);
+    // The driver calls an error between two rows a success with information.
+    if (result == SQL_SUCCESS_WITH_INFO && onlyWarns(records))
+        return;
     const DatabaseError error = workError(records);
     if (saysLost(records) || isConnectionDead(m_connection))
         throw ConnectionLost(error.number, error.description);

@@ -27,7 +27,7 @@ std::string joinedTexts(std::span<const OdbcRecord> records)
             continue;
         text += (text.empty() ? "" : "\n") + record.text;
     }
-    return text.empty() ? "数据库没有说明原因" : text;
+    return text.empty() ? "与数据库的连接已断开, 或数据库没有说明原因" : text;
 }
 
 OdbcRecord readRecord(SQLSMALLINT handleType, SQLHANDLE handle, SQLSMALLINT number, bool& found)
@@ -78,6 +78,13 @@ bool saysLost(std::span<const OdbcRecord> records)
     return anyNative(records, lost) || std::ranges::any_of(records, [](const OdbcRecord& record) {
                return record.state.starts_with("08");
            });
+}
+
+bool onlyWarns(std::span<const OdbcRecord> records)
+{
+    return !saysLost(records) && std::ranges::all_of(records, [](const OdbcRecord& record) {
+        return record.state.starts_with("01");
+    });
 }
 
 DatabaseError workError(std::span<const OdbcRecord> records)

@@ -26,6 +26,9 @@ DatabaseError openingError(std::span<const OdbcRecord> records);
 /// mislead.
 bool saysLost(std::span<const OdbcRecord> records);
 
+/// Whether nothing but warnings is said (a value that did not fit at once, a change of database).
+bool onlyWarns(std::span<const OdbcRecord> records);
+
 /// The error of failed work; its number is the first native one.
 DatabaseError workError(std::span<const OdbcRecord> records);
 

@@ -14,6 +14,10 @@ namespace selfreport {
 
 namespace {
 
+// Seconds for beginning and ending a transaction, which nobody can cancel: a server that is gone must not
+// hold the program for ever.
+constexpr int transactionTimeout = 120;
+
 [[noreturn]] void refuse(const std::string& reason)
 {
     throw DatabaseError(unspecifiedError, "连接字符串无效: " + reason);
@@ -137,6 +141,8 @@ OdbcTarget odbcTarget(const ConnectionSettings& settings)
     for (const Key& key : keys)
         string.add(key.drivers, settings.value(key.ours));
     addEncryption(string, settings.value("Encrypt"));
+    // The driver's default for all that is no statement. Those say themselves that they may take long.
+    string.add("Timeout", std::to_string(target.queryTimeout > 0 ? target.queryTimeout : transactionTimeout));
     string.add("TDS_Version", "7.4");
     string.add("ClientCharset", "UTF-8");
     target.connectionString = std::move(string).text();

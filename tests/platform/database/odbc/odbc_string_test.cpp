@@ -15,7 +15,7 @@ TEST(OdbcString, HoldsOnlyWhatTheDriverKnows)
         const char* given;
         const char* sent;
     };
-    const std::string tail = "TDS_Version=7.4;ClientCharset=UTF-8;";
+    const std::string tail = "Timeout=120;TDS_Version=7.4;ClientCharset=UTF-8;";
     const Case cases[] = {
         {"the classic form",
          "Provider=SQLOLEDB.1;Persist Security Info=False;User ID=sa;Password=p w;Initial Catalog=账套;Data "

@@ -3,6 +3,9 @@
 #include "tests/platform/database/database_folder.h"
 #include "tests/tdsserver/TdsServer.h"
 
+#include <algorithm>
+#include <functional>
+
 namespace selfreport {
 namespace {
 
@@ -69,6 +72,129 @@ TEST(ServerSession, AsksAndCallsOneByOneAndInBatches)
         EXPECT_EQ(results[at].rows->number(0, "f"), 1000.25 + static_cast<double>(at));
     }
     EXPECT_LE(server.journal.requests().size(), 3U);
+}
+
+/// Puts an error of the server's between the tokens, before number `at` from the end.
+tds::Fault errorAt(tds::Step step, std::size_t fromEnd)
+{
+    return {step,
+            tds::Cut::none,
+            tds::Ending::closed,
+            [fromEnd](tds::Reply& reply) {
+                tds::Reply error;
+                error.error(8134, "遇到以零作除数错误。");
+                const auto at = std::min(fromEnd, reply.tokens.size() - 1); // behind the columns
+                reply.tokens.insert(reply.tokens.end() - static_cast<std::ptrdiff_t>(at),
+                                    error.tokens.front());
+            },
+            {}};
+}
+
+TEST(ServerSession, AnErrorBetweenTheRowsIsNoShorterResult)
+{
+    const DatabaseFolder folder;
+    fillAccounts(*folder.create());
+    tds::TdsServer server(folder.file());
+    const auto connection = openConnection(server.connectionString());
+    for (const std::size_t fromEnd :
+         {1U, 2U, 100U, 200U, 201U}) { // behind the last row, ..., before the first
+        server.faults.order(errorAt(tds::Step::batch, fromEnd));
+        try {
+            connection->query("select * from tblAccount");
+            ADD_FAILURE() << fromEnd;
+        } catch (const DatabaseError& error) {
+            EXPECT_EQ(error.number, 8134) << fromEnd;
+            EXPECT_NE(error.description.find("遇到以零作除数错误。"), std::string::npos) << error.description;
+        }
+        EXPECT_EQ(connection->query("select * from tblAccount").rowCount(), 200U) << fromEnd;
+    }
+    server.faults.order(errorAt(tds::Step::procedure, 3)); // before the row
+    const ProcedureResult failed = connection->call(amountOf("1001"));
+    ASSERT_TRUE(failed.error);
+    EXPECT_EQ(failed.error->number, 8134);
+    EXPECT_EQ(failed.returnValue, -1);
+    EXPECT_EQ(connection->call(amountOf("1001")).returnValue, 1);
+}
+
+TEST(ServerSession, AnErrorInsideABatchOfCallsSpoilsNoOther)
+{
+    const DatabaseFolder folder;
+    fillAccounts(*folder.create());
+    tds::TdsServer server(folder.file());
+    const auto connection = openConnection(server.connectionString());
+    std::vector<ProcedureCall> calls;
+    for (int account = 1000; account < 1020; ++account)
+        calls.push_back(amountOf(std::to_string(account)));
+    for (std::size_t fromEnd = 1; fromEnd < 200; ++fromEnd) { // at every token of the reply
+        server.faults.order(errorAt(tds::Step::batch, fromEnd));
+        const auto results = connection->callProcedures(calls);
+        ASSERT_EQ(results.size(), calls.size());
+        for (std::size_t at = 0; at < results.size(); ++at) {
+            ASSERT_TRUE(results[at].rows && results[at].rows->rowCount() == 1) << fromEnd << " " << at;
+            EXPECT_EQ(results[at].rows->number(0, "f"), 1000.25 + static_cast<double>(at)) << fromEnd;
+        }
+    }
+}
+
+TEST(ServerSession, SessionsThatWereDroppedWhileIdleAreReplacedUnseen)
+{
+    const DatabaseFolder folder;
+    fillAccounts(*folder.create());
+    tds::TdsServer server(folder.file());
+    const std::string connectionString = server.connectionString();
+    const std::function<void(Connection&)> works[] = {
+        [](Connection& connection) {
+            EXPECT_EQ(connection.query("select * from tblAccount").rowCount(), 200U);
+        },
+        [](Connection& connection) { EXPECT_EQ(connection.call(amountOf("1001")).returnValue, 1); },
+        [](Connection& connection) {
+            EXPECT_EQ(connection.execute("update tblAccount set fName=? where fNumber='1001'", {"新"}), 1);
+        },
+        [](Connection& connection) {
+            Transaction transaction(connection);
+            EXPECT_EQ(connection.execute("delete from tblAccount where fNumber='1199'"), 1);
+        },
+    };
+    for (const auto& work : works) {
+        openConnection(connectionString); // to lie in the pool
+        server.dropConnections();
+        work(*openConnection(connectionString));
+    }
+    EXPECT_EQ(server.journal.logins().size(), 1 + std::size(works));
+}
+
+TEST(ServerSession, AnIdleSessionThatNobodyAnswersIsReplaced)
+{
+    const DatabaseFolder folder;
+    folder.create();
+    tds::TdsServer server(folder.file());
+    const std::string connectionString = server.connectionString();
+    openConnection(connectionString);
+    server.faults.order({tds::Step::batch, tds::Cut::beforeReply, tds::Ending::silent, {}, {}});
+    EXPECT_EQ(openConnection(connectionString)->query("select 7 as n").integer(0, "n"), 7);
+}
+
+TEST(ServerSession, WrongNameOrPasswordAndWrongDatabaseAreToldApart)
+{
+    const DatabaseFolder folder;
+    folder.create();
+    tds::TdsServer server(folder.file());
+    const struct {
+        const char* more;
+        std::int32_t number;
+    } cases[] = {
+        {"Password=falsch", loginRejected},
+        {"User ID=nobody", loginRejected},
+        {"Initial Catalog=nowhere", unspecifiedError},
+    };
+    for (const auto& c : cases) {
+        try {
+            openConnection(server.connectionString(c.more));
+            ADD_FAILURE() << c.more;
+        } catch (const DatabaseError& error) {
+            EXPECT_EQ(error.number, c.number) << c.more << error.description;
+        }
+    }
 }
 
 } // namespace
