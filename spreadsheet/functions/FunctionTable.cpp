@@ -22,12 +22,15 @@ std::vector<const FunctionDescriptor*> collect()
 {
     std::vector<const FunctionDescriptor*> all;
     static constexpr std::span<const FunctionDescriptor> (*tables[])() = {
-        mathematicalFunctions, roundingFunctions,    trigonometricFunctions, combinatorialFunctions,
-        romanFunctions,        matrixFunctions,      statisticalFunctions,   logicalFunctions,
-        lookupFunctions,       textFunctions,        dateFunctions,          dateSpanFunctions,
-        workdayFunctions,      informationFunctions, annuityFunctions,       cashFlowFunctions,
-        depreciationFunctions, bondFunctions,        oddBondFunctions,       securityFunctions,
-        numberBaseFunctions,   complexFunctions,     engineeringFunctions,
+        mathematicalFunctions,  roundingFunctions,    trigonometricFunctions,
+        combinatorialFunctions, romanFunctions,       matrixFunctions,
+        statisticalFunctions,   logicalFunctions,     lookupFunctions,
+        textFunctions,          dateFunctions,        dateSpanFunctions,
+        workdayFunctions,       informationFunctions, cellInformationFunctions,
+        annuityFunctions,       cashFlowFunctions,    depreciationFunctions,
+        bondFunctions,          oddBondFunctions,     securityFunctions,
+        numberBaseFunctions,    complexFunctions,     engineeringFunctions,
+        databaseFunctions,
     };
     for (const auto table : tables) {
         for (const FunctionDescriptor& function : table())

@@ -80,6 +80,7 @@ std::span<const FunctionDescriptor> dateFunctions();
 std::span<const FunctionDescriptor> dateSpanFunctions();
 std::span<const FunctionDescriptor> workdayFunctions();
 std::span<const FunctionDescriptor> informationFunctions();
+std::span<const FunctionDescriptor> cellInformationFunctions();
 std::span<const FunctionDescriptor> annuityFunctions();
 std::span<const FunctionDescriptor> cashFlowFunctions();
 std::span<const FunctionDescriptor> depreciationFunctions();
@@ -89,5 +90,6 @@ std::span<const FunctionDescriptor> securityFunctions();
 std::span<const FunctionDescriptor> numberBaseFunctions();
 std::span<const FunctionDescriptor> complexFunctions();
 std::span<const FunctionDescriptor> engineeringFunctions();
+std::span<const FunctionDescriptor> databaseFunctions();
 
 } // namespace spreadsheet

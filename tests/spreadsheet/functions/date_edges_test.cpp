@@ -95,3 +95,48 @@ TEST(DateEdges, TextsAndClock)
         {"TIME(1.9,0,0)*24", "1"},
     });
 }
+
+// Worked out on a calendar of January 2006, which began on a Sunday.
+TEST(DateEdges, ChosenWeekends)
+{
+    FormulaSheet sheet{{"A1", "=DATE(2006,1,2)"}, {"A2", "=DATE(2006,1,16)"}, {"A3", "x"}};
+    sheet.expect({
+        {"NETWORKDAYS.INTL(DATE(2006,1,1),DATE(2006,1,31))", "22"},
+        {"NETWORKDAYS.INTL(DATE(2006,2,28),DATE(2006,1,31))", "-21"},
+        {"NETWORKDAYS.INTL(DATE(2006,1,1),DATE(2006,2,1),7,A1:A2)", "22"}, // Friday and Saturday off
+        {"NETWORKDAYS.INTL(DATE(2006,1,1),DATE(2006,1,31),11)", "26"},     // Sunday off
+        {"NETWORKDAYS.INTL(DATE(2006,1,1),DATE(2006,1,31),17)", "27"},     // Saturday off
+        {"NETWORKDAYS.INTL(DATE(2006,1,1),DATE(2006,2,1),\"0010001\",A1:A2)", "20"},
+        {"NETWORKDAYS.INTL(DATE(2006,1,1),DATE(2006,1,31),\"1111111\")", "0"},
+        {"NETWORKDAYS.INTL(1,2,8)", "#NUM!"},
+        {"NETWORKDAYS.INTL(1,2,\"000000\")", "#VALUE!"},
+        {"NETWORKDAYS.INTL(1,2,1,A3)", "#VALUE!"},
+        {"WORKDAY.INTL(DATE(2012,1,1),90,11)", "41013"},
+        {"WORKDAY.INTL(DATE(2012,1,1),30,17)", "40944"},
+        {"WORKDAY.INTL(DATE(2006,1,1),1,\"0111111\")=A1", "TRUE"},
+        {"WORKDAY.INTL(1,1,\"1111111\")", "#VALUE!"},
+        {"WORKDAY.INTL(1,2E9)", "#NUM!"},
+        {"WORKDAY(TRUE,1)", "#VALUE!"},
+        {"EDATE(A1:A2,1)", "#VALUE!"},
+        {"WEEKNUM(TRUE)", "#VALUE!"},
+    });
+}
+
+TEST(DateEdges, DaysCountedFrom1904)
+{
+    FormulaSheet sheet;
+    sheet.workbook().setCountsFrom1904(true);
+    sheet.expect({
+        {"DATE(1904,1,1)", "0"},
+        {"DATE(2011,3,5)", "39145"}, // 1,462 days less than from 1900
+        {"DATE(1903,12,31)", "#NUM!"},
+        {"YEAR(0)&\"-\"&MONTH(0)&\"-\"&DAY(0)", "\"1904-1-1\""},
+        {"DATEVALUE(\"2011-3-5\")", "39145"},
+        {"WEEKDAY(DATE(2011,3,6))", "1"},
+        {"EDATE(DATE(2011,3,5),1)-DATE(2011,4,5)", "0"},
+        {"EDATE(5,-1)", "#NUM!"},
+        {"NETWORKDAYS(DATE(2011,3,1),DATE(2011,3,31))", "23"},
+        {"COUPNCD(DATE(2011,1,25),DATE(2011,11,15),2)=DATE(2011,5,15)", "TRUE"},
+        {"YEAR(TODAY())>2020", "TRUE"},
+    });
+}
