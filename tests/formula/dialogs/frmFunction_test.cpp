@@ -1,5 +1,6 @@
 #include "formula/dialogs/frmFunction.h"
 
+#include "formula/dialogs/edit_call.h"
 #include "formula/dialogs/frmFunctionInput.h"
 #include "formula/dialogs/frmFunctionInput1.h"
 #include "platform/list_grid/ListGrid.h"
@@ -7,6 +8,7 @@
 #include "tests/formula/TestLedger.h"
 #include "tests/platform/WindowTest.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QToolButton>
@@ -144,6 +146,43 @@ TEST_F(FormulaDialogs, PickersFillTheBoxThatAskedForThem)
     }
     for (const int index : {0, 3})
         EXPECT_EQ(box(index).text(), "旧") << index;
+}
+
+TEST_F(FormulaDialogs, CallIsPutIntoWordsAndFetchedOnceTypingPauses)
+{
+    frmFunctionInput dialog(cell);
+    show(dialog);
+    const auto text = [&](const char* label) { return control<QLabel>(dialog, label).text(); };
+    auto& account = control<QLineEdit>(dialog, "txt_0");
+    type(dialog, {"", "2", "RMB", "2025", "2", "2"});
+    QTest::keyClicks(&account, "1001");
+    EXPECT_EQ(text("lblWords"), ""); // not at every key
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !text("lblWords").isEmpty(); }));
+    EXPECT_EQ(text("lblWords"), "期末余额,1001 库存现金,人民币,2025 年 2 期");
+    EXPECT_EQ(text("lblValue"), "当前取数：100.25");
+    EXPECT_EQ(control<ListGrid>(dialog, "vsfAccounts").text(1, 1), "库存现金");
+    QTest::keyClicks(&account, "0");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return text("lblValue").contains("不存在"); }));
+    EXPECT_TRUE(text("lblValue").startsWith("科目“10010”不存在,最接近的是“1001”"))
+        << text("lblValue").toStdString();
+    EXPECT_EQ(control<ListGrid>(dialog, "vsfAccounts").rowCount(), 1);
+    EXPECT_TRUE(ledger.boxes.said.empty());
+}
+
+TEST_F(FormulaDialogs, CallOpensAgainWithItsArguments)
+{
+    const std::string acct = R"(Acct("1001" ,"1" , "0", "2009","1","3"))";
+    whenModal("frmFunctionInput", [](QWidget& input) {
+        EXPECT_EQ(control<QLineEdit>(input, "txt_3").text(), "2009");
+        control<QLineEdit>(input, "txt_0").setText("1002");
+        press(input, "cmdXPOK");
+    });
+    EXPECT_TRUE(editCall(cell, "=" + acct, nullptr));
+    whenModal("frmFunctionInput1", [](QWidget& input) { press(input, "cmdXPOK"); });
+    EXPECT_TRUE(editCall(cell, R"(REF_F("a","b","c"))", nullptr));
+    EXPECT_FALSE(editCall(cell, acct + "*2", nullptr));
+    EXPECT_EQ(cell.written,
+              QStringList({R"(Acct("1002" ,"1" , "0", "2009","1","3"))", R"(REF_F("a" ,"b" , "c"))"}));
 }
 
 } // namespace
