@@ -5,6 +5,7 @@
 #include "spreadsheet/view/commands/paste.h"
 #include "spreadsheet/view/commands/selection_figures.h"
 #include "spreadsheet/view/commands/sort_block.h"
+#include "spreadsheet/view/commands/structure.h"
 #include "spreadsheet/view/function_hints.h"
 
 #include <QWidget>
@@ -195,6 +196,20 @@ protected:
 
 private:
     friend class SheetView;
+
+    // Of the commands
+    bool refuse(const std::optional<std::string>& why); ///< true if there is a reason, which is told
+    bool refuseEdit(const std::vector<CellRange>& ranges);
+    std::optional<CellRange> onlyRange();
+    void travelInTime(void (Workbook::*travel)());
+    std::optional<PackedOrigin> copyRange(const CellRange& range);
+    void pasteClipboard(PasteKind kind);
+    void pastePlanned(Sheet& target, const ClipboardContent& content, const PastePlan& plan, PasteKind kind);
+    void fillAlong(bool down);
+    using LineCommand = std::function<std::optional<std::string>(Workbook&, Sheet&, Axis,
+                                                                 const std::vector<LineRange>&)>;
+    void changeLines(LineCommand command, bool rows);
+    void autofit(bool rows);
 
     std::unique_ptr<SheetView> m_view; ///< positions, selection, pictures
     std::unique_ptr<CellEditing> m_editing;

@@ -1,0 +1,235 @@
+#include "spreadsheet/view/InCellEditing.h"
+
+#include "spreadsheet/engine/typed_text.h"
+#include "spreadsheet/functions/characters.h"
+#include "spreadsheet/view/CellEditor.h"
+#include "spreadsheet/view/commands/edited_text.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+
+namespace spreadsheet {
+
+namespace {
+
+/// Cells that Ctrl+Enter fills at most.
+constexpr long long maxEnteredCells = 1'000'000;
+
+QPalette paperOf(const CellStyle& style)
+{
+    const auto colour = [](Colour own, Qt::GlobalColor automatic) {
+        return own == automaticColour ? QColor(automatic) : QColor(QRgb(own));
+    };
+    QPalette palette;
+    palette.setColor(QPalette::Base, colour(style.background, Qt::white));
+    palette.setColor(QPalette::Text, colour(style.foreground, Qt::black));
+    return palette;
+}
+
+} // namespace
+
+InCellEditing::InCellEditing(SpreadsheetControl& control, CellAddress cell, EditStart start,
+                             const QString& typed)
+    : m_control(control)
+    , m_sheetId(control.workbook().sheet(control.activeSheet()).id())
+    , m_cell(cell)
+    , m_editor(new CellEditor(&control, control.functionHints()))
+{
+    const Workbook& workbook = control.workbook();
+    const Sheet& own = *sheet();
+    m_editor->setFont(control.screenFont(own.style(cell).font));
+    m_editor->setPalette(paperOf(own.style(cell)));
+    const QString text = QString::fromStdString(editedText(workbook, own, cell));
+    m_editor->open({&workbook, control.activeSheet(), cell}, text,
+                   start == EditStart::keep ? CellEditor::Mode::edit : CellEditor::Mode::enter,
+                   control.cellRect(cell), control.rect());
+    connect(&m_editor->assistant(), &FormulaAssistant::colouredCellsChanged, this,
+            &InCellEditing::showFrames);
+    connect(m_editor, &CellEditor::commitRequested, this, &InCellEditing::commitByKey);
+    connect(m_editor, &CellEditor::cancelled, this, &InCellEditing::cancel);
+    connect(m_editor, &CellEditor::pointingKey, this, &InCellEditing::pointByKey);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { focusMoved(now); });
+    if (start == EditStart::replace) {
+        m_editor->selectAll();
+        m_editor->insertPlainText(typed);
+    }
+    showFrames();
+}
+
+InCellEditing::~InCellEditing()
+{
+    if (m_editor) {
+        m_editor->close();
+        m_editor->deleteLater(); // it may be the one that asked for the end
+    }
+}
+
+Sheet* InCellEditing::sheet() const
+{
+    const int index = m_control.workbook().sheetIndexOfId(m_sheetId);
+    return index == 0 ? nullptr : &m_control.workbook().sheet(index);
+}
+
+bool InCellEditing::commit()
+{
+    return commitText(false);
+}
+
+bool InCellEditing::commitText(bool asArray)
+{
+    Sheet* own = sheet();
+    if (!own || (!m_editor->isChanged() && !asArray)) {
+        end(false);
+        return true;
+    }
+    if (const auto problem = enter(*own, asArray)) {
+        const std::string text = m_editor->toPlainText().toStdString();
+        const std::size_t units = unitOfByte(text, std::min(problem->position, text.size()));
+        m_editor->showProblem(QString::fromStdString(problem->reason), static_cast<int>(units));
+        m_editor->setFocus();
+        return false;
+    }
+    end(true);
+    return true;
+}
+
+std::optional<FormulaProblem> InCellEditing::enter(Sheet& own, bool asArray)
+{
+    const std::string text = m_editor->toPlainText().toStdString();
+    if (asArray)
+        return own.setArrayFormula(m_control.firstRange(), text);
+    return enterText(m_control.workbook(), own, m_cell, text, TypedInto::cell);
+}
+
+void InCellEditing::cancel()
+{
+    end(false);
+}
+
+/// The control deletes this object on the way.
+void InCellEditing::end(bool changed)
+{
+    SpreadsheetControl& control = m_control;
+    const CellAddress cell = m_cell;
+    const int index = control.workbook().sheetIndexOfId(m_sheetId);
+    m_control.setReferenceFrames({});
+    if (index != 0 && index != control.activeSheet())
+        control.setActiveSheet(index); // back from pointing at another sheet
+    control.editingEnded(changed);
+    if (changed)
+        control.afterEdit(cell);
+}
+
+void InCellEditing::commitByKey(int key, Qt::KeyboardModifiers modifiers)
+{
+    SpreadsheetControl& control = m_control;
+    const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
+    const bool isFormula = m_editor->assistant().isFormula();
+    if (enter && modifiers == (Qt::ControlModifier | Qt::ShiftModifier) && isFormula) {
+        commitText(true);
+        return;
+    }
+    if (enter && modifiers == Qt::ControlModifier) {
+        fillSelection();
+        return;
+    }
+    if (!commit())
+        return;
+    QKeyEvent move(QEvent::KeyPress, key, modifiers);
+    QCoreApplication::sendEvent(&control, &move);
+}
+
+/// Enters the text and puts what came of it into all selected cells, each with its own look.
+void InCellEditing::fillSelection()
+{
+    SpreadsheetControl& control = m_control;
+    const CellAddress cell = m_cell;
+    Sheet* const own = sheet();
+    const std::vector<CellRange> ranges = control.selection();
+    long long cells = 0;
+    for (const CellRange& range : ranges)
+        cells += static_cast<long long>(range.columns()) * range.rows();
+    if (!own || cells > maxEnteredCells) {
+        Q_EMIT control.refused(QStringLiteral("选定的区域太大"));
+        return;
+    }
+    const UndoStep step(control.workbook(), "输入");
+    if (!commit()) // from here on this object is gone
+        return;
+    const LiftedCells entered = own->lift({cell.column, cell.row, cell.column, cell.row});
+    for (const CellRange& range : ranges) {
+        for (int column = range.left; column <= range.right; ++column) {
+            for (int row = range.top; row <= range.bottom; ++row) {
+                const CellRange extent = own->extent({column, row});
+                if (CellAddress{column, row} == cell || extent.left != column || extent.top != row)
+                    continue;
+                LiftedCells content = entered;
+                content.cells[0].style = own->styleNumber({column, row});
+                content.spans.clear();
+                if (!own->put(content, {column, row}))
+                    own->addSpan(extent);
+            }
+        }
+    }
+    control.afterEdit();
+}
+
+void InCellEditing::place()
+{
+    const bool away = m_control.workbook().sheetIndexOfId(m_sheetId) != m_control.activeSheet();
+    QRect cell = m_control.cellRect(m_cell);
+    if (away || cell.isEmpty()) // out of sight the text stays where it was
+        cell = m_editor->geometry();
+    if (const Sheet* own = sheet())
+        m_editor->setFont(m_control.screenFont(own->style(m_cell).font));
+    m_editor->place(cell, m_control.rect());
+}
+
+bool InCellEditing::takesReference() const
+{
+    return m_editor->assistant().canPoint();
+}
+
+void InCellEditing::pointAt(int index, const CellRange& range, bool goesOn)
+{
+    Q_UNUSED(goesOn); // while nothing is typed, the reference just put is the one that moves
+    m_editor->assistant().point({index, {range.left, range.top}, {range.right, range.bottom}});
+    m_editor->setFocus();
+}
+
+void InCellEditing::pointByKey(int key, Qt::KeyboardModifiers modifiers)
+{
+    FormulaAssistant& assistant = m_editor->assistant();
+    PointedCells cells = assistant.pointed().value_or(PointedCells{m_control.activeSheet(), m_cell, m_cell});
+    if (cells.sheet != m_control.activeSheet())
+        cells = {m_control.activeSheet(), m_control.activeCell(), m_control.activeCell()};
+    const QKeyEvent event(QEvent::KeyPress, key, modifiers & ~Qt::ShiftModifier);
+    const auto target = m_control.keyTarget(event, cells.head);
+    if (!target)
+        return;
+    cells.head = *target;
+    if (!modifiers.testFlag(Qt::ShiftModifier))
+        cells.anchor = *target;
+    assistant.point(cells);
+    m_control.bringIntoSight(*target);
+}
+
+void InCellEditing::showFrames()
+{
+    std::vector<ReferenceFrame> frames;
+    for (const ColouredCells& cells : m_editor->assistant().colouredCells())
+        frames.push_back({m_control.workbook().sheet(cells.sheet).id(), cells.range, cells.colour});
+    m_control.setReferenceFrames(std::move(frames));
+}
+
+/// Another widget of the same window takes the text as entered; other windows and popups do not.
+void InCellEditing::focusMoved(QWidget* now)
+{
+    const bool within =
+        !now || now == &m_control || m_control.isAncestorOf(now) || now->window() != m_control.window();
+    if (!within)
+        commit();
+}
+
+} // namespace spreadsheet

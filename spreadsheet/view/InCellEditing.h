@@ -1,0 +1,52 @@
+#pragma once
+#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/view/CellEditing.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+namespace spreadsheet {
+
+class CellEditor;
+class Sheet;
+class SpreadsheetControl;
+
+/// An edit of the control's active cell in an editor over it.
+class InCellEditing : public QObject, public CellEditing {
+    Q_OBJECT
+
+public:
+    /// @param typed  what the editor begins with, for EditStart::replace
+    InCellEditing(SpreadsheetControl& control, CellAddress cell, EditStart start, const QString& typed);
+    ~InCellEditing() override;
+
+    CellAddress cell() const override { return m_cell; }
+    /// Ends the life of this object if it returns true.
+    bool commit() override;
+    /// Ends the life of this object.
+    void cancel() override;
+    void place() override;
+    bool takesReference() const override;
+    void pointAt(int sheet, const CellRange& range, bool goesOn) override;
+
+    CellEditor& editor() { return *m_editor; }
+
+private:
+    Sheet* sheet() const;
+    std::optional<FormulaProblem> enter(Sheet& sheet, bool asArray);
+    bool commitText(bool asArray);
+    void commitByKey(int key, Qt::KeyboardModifiers modifiers);
+    void fillSelection();
+    void pointByKey(int key, Qt::KeyboardModifiers modifiers);
+    void showFrames();
+    void focusMoved(QWidget* now);
+    void end(bool changed);
+
+    SpreadsheetControl& m_control;
+    int m_sheetId;
+    CellAddress m_cell;
+    QPointer<CellEditor> m_editor; ///< the control may be going down with its children
+};
+
+} // namespace spreadsheet

@@ -1,0 +1,287 @@
+// Commands on contents: undo, clipboard, filling, sorting, searching.
+#include "spreadsheet/view/commands/fill.h"
+#include "spreadsheet/view/commands/go_to.h"
+#include "spreadsheet/view/commands/structure.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+std::vector<std::string> sheetNames(const Workbook& workbook)
+{
+    std::vector<std::string> names;
+    for (int index = 1; index <= workbook.sheetCount(); ++index)
+        names.push_back(workbook.sheet(index).name());
+    return names;
+}
+
+QString roomQuestion(const PastePlan& plan)
+{
+    QStringList missing;
+    if (plan.missingRows > 0)
+        missing << QStringLiteral("%1 行").arg(plan.missingRows);
+    if (plan.missingColumns > 0)
+        missing << QStringLiteral("%1 列").arg(plan.missingColumns);
+    return QStringLiteral("粘贴的内容超出表的范围。要增加 %1吗?")
+        .arg(missing.join(QStringLiteral("、")) + ' ');
+}
+
+} // namespace
+
+bool SpreadsheetControl::refuse(const std::optional<std::string>& why)
+{
+    if (why)
+        Q_EMIT refused(QString::fromStdString(*why));
+    return why.has_value();
+}
+
+bool SpreadsheetControl::refuseEdit(const std::vector<CellRange>& ranges)
+{
+    if (std::ranges::all_of(ranges, [this](const CellRange& range) { return mayEdit(range); }))
+        return false;
+    return refuse(mode() == GridMode::run ? "报表在运行状态，不能更改" : "区域中有锁定的单元格，不能更改");
+}
+
+std::optional<CellRange> SpreadsheetControl::onlyRange()
+{
+    if (selection().size() == 1)
+        return firstRange();
+    refuse("不能对多个选定区域使用此命令");
+    return std::nullopt;
+}
+
+void SpreadsheetControl::travelInTime(void (Workbook::*travel)())
+{
+    if (isEditing())
+        return;
+    const auto names = sheetNames(workbook());
+    const int shownId = workbook().sheet(activeSheet()).id();
+    (workbook().*travel)();
+    if (sheetNames(workbook()) != names) {
+        if (const int index = workbook().sheetIndexOfId(shownId))
+            workbook().setActiveSheet(index);
+        sheetSwitched();
+        Q_EMIT sheetsChanged();
+    }
+    afterEdit();
+}
+
+void SpreadsheetControl::undo()
+{
+    if (mode() == GridMode::edit && workbook().canUndo())
+        travelInTime(&Workbook::undo);
+}
+
+void SpreadsheetControl::redo()
+{
+    if (mode() == GridMode::edit && workbook().canRedo())
+        travelInTime(&Workbook::redo);
+}
+
+std::optional<PackedOrigin> SpreadsheetControl::copyRange(const CellRange& range)
+{
+    auto copied = copyToClipboard(workbook(), workbook().sheet(activeSheet()), range);
+    if (const auto* why = std::get_if<std::string>(&copied)) {
+        refuse(*why);
+        return std::nullopt;
+    }
+    const PackedOrigin origin = std::get<Copied>(copied).origin;
+    QGuiApplication::clipboard()->setMimeData(std::get<Copied>(copied).data.release());
+    setCopiedRange(origin.sheetId, range);
+    return origin;
+}
+
+void SpreadsheetControl::copy()
+{
+    m_cut.reset();
+    if (const auto range = onlyRange())
+        copyRange(*range);
+}
+
+void SpreadsheetControl::cut()
+{
+    const auto range = onlyRange();
+    if (!range || refuseEdit({*range}))
+        return;
+    if (const auto origin = copyRange(*range))
+        m_cut = Cut{*origin, workbook().revision()};
+}
+
+void SpreadsheetControl::paste()
+{
+    pasteClipboard(PasteKind::all);
+}
+
+void SpreadsheetControl::pasteValues()
+{
+    pasteClipboard(PasteKind::valuesOnly);
+}
+
+void SpreadsheetControl::pasteClipboard(PasteKind kind)
+{
+    const QMimeData* offer = QGuiApplication::clipboard()->mimeData();
+    if (isEditing() || !offer)
+        return;
+    const auto content = readClipboard(workbook(), *offer);
+    if (const auto* why = std::get_if<std::string>(&content)) {
+        refuse(*why);
+        return;
+    }
+    const auto& offered = std::get<ClipboardContent>(content);
+    Sheet& target = workbook().sheet(activeSheet());
+    const auto plan = planPaste(target, offered, firstRange());
+    if (const auto* why = std::get_if<std::string>(&plan)) {
+        refuse(*why);
+        return;
+    }
+    pastePlanned(target, offered, std::get<PastePlan>(plan), kind);
+}
+
+void SpreadsheetControl::pastePlanned(Sheet& target, const ClipboardContent& content, const PastePlan& plan,
+                                      PasteKind kind)
+{
+    if (refuseEdit({plan.goal}))
+        return;
+    if (plan.needsMoreRoom() && !(ask && ask(roomQuestion(plan)))) {
+        refuse("粘贴的内容超出表的范围，没有粘贴");
+        return;
+    }
+    const bool moves = m_cut && content.own && content.own->origin.token == m_cut->origin.token &&
+                       m_cut->revision == workbook().revision() && kind == PasteKind::all &&
+                       plan.across * plan.down == 1;
+    const int source = moves ? workbook().sheetIndexOfId(m_cut->origin.sheetId) : 0;
+    const auto why = source != 0 ? spreadsheet::pasteCut(workbook(), workbook().sheet(source),
+                                                         m_cut->origin.range, target, plan)
+                                 : spreadsheet::paste(workbook(), target, content, plan, kind);
+    if (refuse(why))
+        return;
+    if (source != 0) {
+        m_cut.reset();
+        setCopiedRange(target.id(), std::nullopt);
+        QGuiApplication::clipboard()->clear(); // what it held is no longer there
+    } else if (content.own && content.own->refusedFormulas > 0) {
+        Q_EMIT refused(
+            QStringLiteral("有 %1 个公式在这里没有意义，只粘贴了它们的值").arg(content.own->refusedFormulas));
+    }
+    select(plan.goal);
+    afterEdit();
+}
+
+void SpreadsheetControl::clear()
+{
+    if (refuseEdit(selection()))
+        return;
+    const std::vector<CellRange> ranges = selection();
+    if (!refuse(clearRanges(workbook(), workbook().sheet(activeSheet()), ranges)))
+        afterEdit(isBlockSelected() ? std::nullopt : std::optional(activeCell()));
+}
+
+void SpreadsheetControl::fillAlong(bool down)
+{
+    const std::vector<CellRange> ranges = selection();
+    if (refuseEdit(ranges))
+        return;
+    Sheet& shown = workbook().sheet(activeSheet());
+    {
+        const UndoStep step(workbook(), down ? "向下填充" : "向右填充");
+        for (CellRange goal : ranges) {
+            int& first = down ? goal.top : goal.left;
+            if ((down ? goal.rows() : goal.columns()) == 1)
+                first = std::max(1, first - 1); // a single line is filled from the one before it
+            CellRange source = goal;
+            (down ? source.bottom : source.right) = first;
+            if (refuse(fillFromBlock(workbook(), shown, source, goal, false)))
+                break;
+        }
+    }
+    afterEdit();
+}
+
+void SpreadsheetControl::fillDown()
+{
+    fillAlong(true);
+}
+
+void SpreadsheetControl::fillRight()
+{
+    fillAlong(false);
+}
+
+void SpreadsheetControl::fillTo(const CellRange& goal, bool asSeries)
+{
+    if (refuseEdit({goal}))
+        return;
+    if (refuse(fillFromBlock(workbook(), workbook().sheet(activeSheet()), firstRange(), goal, asSeries)))
+        return;
+    select(goal);
+    afterEdit();
+}
+
+void SpreadsheetControl::sortBlock(const std::vector<SortKey>& keys, bool headerRow)
+{
+    const auto range = onlyRange();
+    if (!range)
+        return;
+    Sheet& shown = workbook().sheet(activeSheet());
+    const CellRange block = isBlockSelected() ? *range : blockAround(shown, activeCell());
+    const std::vector<SortKey> used = keys.empty() ? std::vector{SortKey{activeCell().column}} : keys;
+    if (refuseEdit({block}) || refuse(spreadsheet::sortBlock(workbook(), shown, block, used, headerRow)))
+        return;
+    select(block);
+    afterEdit();
+}
+
+bool SpreadsheetControl::findNext(const Search& search, bool backwards)
+{
+    const auto found =
+        spreadsheet::findNext(workbook().sheet(activeSheet()), search, activeCell(), backwards);
+    if (!found)
+        refuse("找不到“" + search.what + "”");
+    return found && moveTo(*found);
+}
+
+int SpreadsheetControl::replaceAll(const Search& search, const QString& replacement)
+{
+    if (mode() != GridMode::edit) {
+        refuseEdit({{1, 1, 1, 1}});
+        return 0;
+    }
+    Sheet& shown = workbook().sheet(activeSheet());
+    auto cells = findAll(shown, search);
+    const std::size_t found = cells.size();
+    std::erase_if(cells, [this](CellAddress cell) {
+        return !mayEdit({cell.column, cell.row, cell.column, cell.row});
+    });
+    const Replacement done = replaceIn(workbook(), shown, cells, search, replacement.toStdString());
+    const std::size_t kept = done.kept.size() + found - cells.size();
+    if (found == 0)
+        refuse("找不到“" + search.what + "”");
+    else if (kept > 0)
+        refuse("有 " + std::to_string(kept) + " 个单元格不能替换");
+    if (done.replaced > 0)
+        afterEdit();
+    return done.replaced;
+}
+
+bool SpreadsheetControl::goTo(const QString& text)
+{
+    const auto place = placeOfText(workbook(), text.toStdString(), activeSheet());
+    if (!place || !commitEdit())
+        return false;
+    if (place->sheet != activeSheet())
+        setActiveSheet(place->sheet);
+    if (!moveTo({place->range.left, place->range.top}))
+        return false;
+    select(place->range);
+    bringIntoSight({place->range.left, place->range.top});
+    return true;
+}
+
+} // namespace spreadsheet
