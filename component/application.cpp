@@ -1,5 +1,7 @@
 #include "component/application.h"
 #include "component/host_call.h"
+#include "platform/dialogs/QtDialogs.h"
+#include "platform/settings/QtSettings.h"
 
 #include <QApplication>
 #include <QVersionNumber>
@@ -47,6 +49,15 @@ void makeApplication(Display display)
         qunsetenv("QT_QPA_PLATFORM"); // not for the processes that the host starts
 }
 
+/// Boxes and settings are the user's from here on, where nothing replaces them.
+void useToolkitServices()
+{
+    static QtDialogs boxes;
+    static QtSettings settings;
+    Dialogs::usual() = &boxes;
+    SettingsStore::usual() = &settings;
+}
+
 bool displayReached()
 {
     return QGuiApplication::platformName() != QLatin1String("offscreen") ||
@@ -63,8 +74,11 @@ void startToolkit(Display display)
     if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr)
         throw HostError("主程序的界面库没有启用窗口,无法显示报表。");
     started = true;
-    if (display == Display::needed && !displayReached())
+    if (display == Display::none)
+        return;
+    if (!displayReached())
         throw HostError("没有可用的显示器,无法显示窗口。");
+    useToolkitServices();
 }
 
 bool toolkitStarted()

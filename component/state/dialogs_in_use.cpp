@@ -10,29 +10,18 @@ public:
     bool question(std::string_view, std::string_view) override { return false; }
 };
 
-Dialogs*& inUse()
+} // namespace
+
+Dialogs*& Dialogs::usual()
 {
     static SilentDialogs silent;
-    static Dialogs* current = &silent;
-    return current;
+    static Dialogs* usual = &silent;
+    return usual;
 }
-
-} // namespace
 
 Dialogs& dialogs()
 {
-    return *inUse();
-}
-
-DialogsInUse::DialogsInUse(Dialogs& replacement)
-    : m_former(inUse())
-{
-    inUse() = &replacement;
-}
-
-DialogsInUse::~DialogsInUse()
-{
-    inUse() = m_former;
+    return DialogsInUse::current();
 }
 
 } // namespace selfreport

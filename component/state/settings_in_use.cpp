@@ -2,31 +2,16 @@
 
 namespace selfreport {
 
-namespace {
-
-SettingsStore*& inUse()
+SettingsStore*& SettingsStore::usual()
 {
     static MemorySettings none;
-    static SettingsStore* current = &none;
-    return current;
+    static SettingsStore* usual = &none;
+    return usual;
 }
-
-} // namespace
 
 SettingsStore& settingsStore()
 {
-    return *inUse();
-}
-
-SettingsInUse::SettingsInUse(SettingsStore& replacement)
-    : m_former(inUse())
-{
-    inUse() = &replacement;
-}
-
-SettingsInUse::~SettingsInUse()
-{
-    inUse() = m_former;
+    return SettingsInUse::current();
 }
 
 } // namespace selfreport

@@ -1,4 +1,6 @@
 #pragma once
+#include "platform/InUse.h"
+
 #include <string_view>
 
 namespace selfreport {
@@ -15,21 +17,14 @@ public:
 
     /// Asks with Yes and No buttons under the question icon. True for Yes.
     virtual bool question(std::string_view title, std::string_view text) = 0;
+
+    /// What is in use without a replacement: at first silent boxes that answer every question with No.
+    static Dialogs*& usual();
 };
 
-/// The message boxes in use: silent ones at first, which answer every question with No.
+/// The message boxes in use.
 Dialogs& dialogs();
 
-/// Puts other message boxes into use while it lives. The last one made ends first.
-class DialogsInUse {
-public:
-    explicit DialogsInUse(Dialogs& replacement);
-    ~DialogsInUse();
-    DialogsInUse(const DialogsInUse&) = delete;
-    DialogsInUse& operator=(const DialogsInUse&) = delete;
-
-private:
-    Dialogs* m_former;
-};
+using DialogsInUse = InUse<Dialogs>;
 
 } // namespace selfreport

@@ -1,4 +1,6 @@
 #pragma once
+#include "platform/InUse.h"
+
 #include <map>
 #include <string>
 #include <string_view>
@@ -13,6 +15,9 @@ public:
 
     /// "" for a key that is not there.
     virtual std::string value(std::string_view group, std::string_view key) const = 0;
+
+    /// What is in use without a replacement: at first empty settings.
+    static SettingsStore*& usual();
 };
 
 /// Settings that live in memory.
@@ -32,19 +37,9 @@ private:
     std::map<std::pair<std::string, std::string>, std::string> m_values;
 };
 
-/// The settings in use: empty ones at first.
+/// The settings in use.
 SettingsStore& settingsStore();
 
-/// Puts other settings into use while it lives. The last one made ends first.
-class SettingsInUse {
-public:
-    explicit SettingsInUse(SettingsStore& replacement);
-    ~SettingsInUse();
-    SettingsInUse(const SettingsInUse&) = delete;
-    SettingsInUse& operator=(const SettingsInUse&) = delete;
-
-private:
-    SettingsStore* m_former;
-};
+using SettingsInUse = InUse<SettingsStore>;
 
 } // namespace selfreport

@@ -35,6 +35,14 @@ std::string HandedText::changed(std::string_view amountColumn) const
     return edits.applied(m_text) + ")";
 }
 
+std::string HandedText::itemList() const
+{
+    const Range listed = listedCondition();
+    if (listed.begin == listed.end)
+        return {};
+    return "with i as materialized (" + combinations(listed).replace(0, 6, "select distinct") + ") ";
+}
+
 std::string HandedText::accountConditions(std::string_view alias) const
 {
     std::string conditions;
@@ -103,40 +111,76 @@ bool HandedText::isNeeded(const Join& join, const std::vector<std::string_view>&
     return uses({0, join.range.begin}, join.alias) || uses({join.range.end, m_tokens.size()}, join.alias);
 }
 
-/// Balances are found through their accounts, of which there are few: the order is forced, because without
-/// statistics the library may scan the whole ledger instead.
+/// Balances are found through their accounts, of which there are few, and those of items through the listed
+/// combinations: the order is forced, because without statistics the library may scan the whole ledger
+/// instead.
 void HandedText::beginWithAccounts(SqlEdits& edits) const
 {
     const Join accounts = joinOf("b");
     const std::size_t on = nextOutside("on", accounts.range.begin);
     if (on >= accounts.range.end)
         throw DatabaseError(unspecifiedError, "取数条件没有科目表的连接条件");
-    const auto pieces = [&](std::size_t begin, std::size_t end) {
-        return std::string(m_text.substr(m_tokens[begin].begin, m_tokens[end].end() - m_tokens[begin].begin));
-    };
+    const Range listed = listedCondition();
+    const std::string items = listed.begin == listed.end ? "" : " cross join i";
     edits.replace(m_tokens[1].begin, m_tokens[on - 1].end(),
-                  pieces(on - 3, on - 1) + " cross join " + pieces(1, accounts.range.begin - 1));
+                  pieces({on - 3, on}) + items + " cross join " + pieces({1, accounts.range.begin}));
 }
 
 /// Makes "c.fitemid in (...)" a condition on the whole combination. True if other uses of c remain.
 bool HandedText::replaceItemConditions(SqlEdits& edits) const
 {
+    const Range listed = listedCondition();
     bool others = false;
     for (std::size_t at = m_where; at < m_tokens.size(); ++at) {
         if (!isAliasUse(at, "c"))
             continue;
-        const bool condition = at + 4 < m_tokens.size() && m_tokens[at + 2].isName("fitemid") &&
-                               m_tokens[at + 3].isName("in") && m_tokens[at + 4].isSymbol("(");
-        const std::size_t close = condition ? closingBracket(m_tokens, at + 4) : m_tokens.size();
-        if (close == m_tokens.size()) {
+        const Range condition = itemConditionAt(at);
+        if (condition.begin == condition.end) {
             others = true;
             continue;
         }
-        edits.replace(m_tokens[at].begin, m_tokens[at + 3].end(),
-                      "a.fDetailId in (select fdetailId from tblItemDetailV where fitemid in");
-        edits.insert(m_tokens[close].end(), ")");
+        edits.replace(m_tokens[at].begin, m_tokens[condition.end - 1].end(),
+                      at == listed.begin && listed.end != 0
+                          ? "a.fDetailId=i.fdetailId"
+                          : "a.fDetailId in (" + combinations(condition) + ")");
     }
     return others;
+}
+
+/// "c.fitemid in (...)" at that place; an empty range if something else stands there.
+HandedText::Range HandedText::itemConditionAt(std::size_t at) const
+{
+    if (at + 4 >= m_tokens.size() || !isAliasUse(at, "c") || !m_tokens[at + 2].isName("fitemid") ||
+        !m_tokens[at + 3].isName("in") || !m_tokens[at + 4].isSymbol("("))
+        return {};
+    const std::size_t close = closingBracket(m_tokens, at + 4);
+    return close == m_tokens.size() ? Range{} : Range{at, close + 1};
+}
+
+/// The first item condition that "and" joins with all else; an empty range if there is none.
+HandedText::Range HandedText::listedCondition() const
+{
+    if (nextOutside("or", m_where) != m_tokens.size())
+        return {};
+    for (std::size_t at = m_where + 1; at < m_tokens.size(); at = nextOutside("and", at) + 1) {
+        const Range condition = itemConditionAt(at);
+        if (condition.begin != condition.end && condition.end == nextOutside("and", at))
+            return condition;
+    }
+    return {};
+}
+
+/// The statement that selects the combinations which hold such an item.
+std::string HandedText::combinations(Range condition) const
+{
+    return "select fdetailId from tblItemDetailV where fitemid in " +
+           pieces({condition.begin + 4, condition.end});
+}
+
+std::string HandedText::pieces(Range range) const
+{
+    const std::size_t begin = m_tokens[range.begin].begin;
+    return std::string(m_text.substr(begin, m_tokens[range.end - 1].end() - begin));
 }
 
 /// What "and" joins after "where" and reads nothing but the account. Nothing if an "or" stands among it.

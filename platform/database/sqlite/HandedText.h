@@ -24,6 +24,10 @@ public:
     /// @param amountColumn  what will be selected, with its alias
     std::string changed(std::string_view amountColumn) const;
 
+    /// "with i as (...) " if the changed text reads i, the combinations that meet the first item condition.
+    /// Empty otherwise.
+    std::string itemList() const;
+
     /// The conditions on the account alone, each with " and " before it, for another alias. Empty if every
     /// account matches.
     std::string accountConditions(std::string_view alias) const;
@@ -48,6 +52,10 @@ private:
     bool isNeeded(const Join& join, const std::vector<std::string_view>& kept) const;
     void beginWithAccounts(SqlEdits& edits) const;
     bool replaceItemConditions(SqlEdits& edits) const;
+    Range itemConditionAt(std::size_t at) const;
+    Range listedCondition() const;
+    std::string combinations(Range condition) const;
+    std::string pieces(Range range) const;
     std::vector<Range> accountTerms() const;
     std::string withAlias(Range range, std::string_view alias) const;
     bool isCodeEquality(Range range) const;

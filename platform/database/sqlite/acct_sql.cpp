@@ -11,11 +11,11 @@ namespace selfreport {
 
 namespace {
 
-/// Most accounts of a range are kept by no items. Without this each of them is searched for every combination
-/// that meets the conditions, of which there may be thousands.
-constexpr std::string_view accountHasCombinations =
-    " and exists(select 1 from tblAccountBal as i where i.faccountid=b.fitemid and "
-    "(i.fDetailId>0 or i.fDetailId<0))";
+/// Most accounts of a range are kept by no items or by those of other classes. Without this each of them is
+/// searched for every combination that meets the conditions, of which there may be thousands.
+constexpr std::string_view accountMayMatch =
+    " and exists(select 1 from tblAccountBal as h where h.faccountid=b.fitemid and "
+    "h.fDetailId>=(select min(fdetailId) from i) and h.fDetailId<=(select max(fdetailId) from i))";
 
 std::string periodCondition(const AcctSelection& selection)
 {
@@ -31,13 +31,14 @@ std::string periodCondition(const AcctSelection& selection)
 }
 
 /// Conditions besides the handed ones, each with " and " before it.
-std::string selectionConditions(const HandedText& handed, const AcctSelection& selection)
+std::string selectionConditions(const HandedText& handed, std::string_view items,
+                                const AcctSelection& selection)
 {
     std::string conditions;
     if (!handed.joinsItems())
         conditions += " and a.fDetailId=0";
-    else if (!handed.namesOneAccount())
-        conditions += std::string(accountHasCombinations);
+    else if (!items.empty() && !handed.namesOneAccount())
+        conditions += accountMayMatch;
     conditions += " and a.fYear=" + selection.year + periodCondition(selection);
     if (!selection.currency.empty())
         conditions += " and a.fCurrencyid=" + selection.currency;
@@ -63,17 +64,19 @@ std::string acctSql(std::string_view fromAndWhere, const AcctSelection& selectio
     const AcctKind& kind = *selection.kind;
     const std::string amount(selection.currency.empty() ? kind.column : kind.original);
     const HandedText handed(fromAndWhere);
-    const std::string rows = toEmbeddedSql(handed.changed(amount) + selectionConditions(handed, selection));
+    const std::string items = toEmbeddedSql(handed.itemList());
+    const std::string rows =
+        toEmbeddedSql(handed.changed(amount) + selectionConditions(handed, items, selection));
     // Four decimals hold every amount and quantity and take the noise of binary sums away.
     if (kind.side == AcctSide::both) {
         const std::string signedAmount = kind.byDirection ? amount + "*b.fDirection" : amount;
         const std::string sum = "sum(" + signedAmount + ")";
         // The same sum again costs nothing; a count would be kept for every row.
-        return "select round(" + sum + ",4) as f" + rows + " having " + sum + " is not null";
+        return items + "select round(" + sum + ",4) as f" + rows + " having " + sum + " is not null";
     }
     const std::string sign = kind.side == AcctSide::debit ? "" : "-";
-    return "select round(sum(max(" + sign + "s,0)),4) as f from (select sum(" + amount + ") as s" + rows +
-           " group by a.faccountid,a.fDetailId) having count(*)>0";
+    return items + "select round(sum(max(" + sign + "s,0)),4) as f from (select sum(" + amount + ") as s" +
+           rows + " group by a.faccountid,a.fDetailId) having count(*)>0";
 }
 
 LiftedSql liftTexts(std::string_view sql)
