@@ -1,6 +1,8 @@
 #pragma once
 #include <array>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace selfreport {
 
@@ -10,5 +12,13 @@ std::string acctFormula(const std::array<std::string, 6>& arguments);
 
 /// The call of `REF_F` with these arguments: report, cell, sheet.
 std::string refFormula(const std::array<std::string, 3>& arguments);
+
+/// The arguments of a formula that is one call of `Acct` with six quoted texts, whatever its blanks and
+/// letter case; a "=" may stand before it. A doubled quote in an argument stays doubled, so that writing the
+/// call again gives the same. Nothing for any other formula.
+std::optional<std::array<std::string, 6>> acctArguments(std::string_view formula);
+
+/// The same for `REF_F` and its three arguments.
+std::optional<std::array<std::string, 3>> refArguments(std::string_view formula);
 
 } // namespace selfreport

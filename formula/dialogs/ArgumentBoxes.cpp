@@ -2,6 +2,7 @@
 
 #include "component/icons/own_icon.h"
 
+#include <algorithm>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -19,6 +20,10 @@ ArgumentBoxes::ArgumentBoxes(QWidget* window, QGridLayout* rows, const std::vect
         auto* box = new QLineEdit;
         box->setObjectName("txt" + element);
         box->installEventFilter(this);
+        connect(box, &QLineEdit::textChanged, this, [this] {
+            if (changed)
+                changed();
+        });
         auto* caption = new QLabel(QString::fromUtf8(label));
         caption->setObjectName("Label2" + element);
         rows->addWidget(caption, index, 0);
@@ -45,6 +50,12 @@ ArgumentBoxes::ArgumentBoxes(QWidget* window, QGridLayout* rows, const std::vect
 std::string ArgumentBoxes::textOf(std::size_t index) const
 {
     return m_boxes[index]->text().toStdString();
+}
+
+void ArgumentBoxes::setTexts(std::span<const std::string> texts)
+{
+    for (std::size_t index = 0; index < std::min(texts.size(), m_boxes.size()); ++index)
+        m_boxes[index]->setText(QString::fromStdString(texts[index]));
 }
 
 bool ArgumentBoxes::eventFilter(QObject* watched, QEvent* event)

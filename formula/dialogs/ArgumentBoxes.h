@@ -1,6 +1,7 @@
 #pragma once
 #include <functional>
 #include <QObject>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,9 @@ public:
     /// Called for F7 in a box with a picker and for a click on its image, which then gives the box the focus.
     std::function<void(int index)> seek;
 
+    /// Called after a change of any box.
+    std::function<void()> changed;
+
     QLineEdit& box(int index) { return *m_boxes[static_cast<std::size_t>(index)]; }
 
     /// What the boxes hold, unchanged.
@@ -35,6 +39,8 @@ public:
             texts[index] = textOf(index);
         return texts;
     }
+
+    void setTexts(std::span<const std::string> texts);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -1,6 +1,7 @@
 #include "formula/dialogs/frmFunctionInput.h"
 
 #include "formula/dialogs/ArgumentBoxes.h"
+#include "formula/dialogs/CallPreview.h"
 #include "formula/dialogs/write_formula.h"
 #include "formula/formula_text.h"
 #include "pickers/frmCurrency.h"
@@ -34,10 +35,12 @@ frmFunctionInput::frmFunctionInput(FormulaCell& cell, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(heading);
     layout->addLayout(rows);
-    layout->addStretch();
+    auto* preview = new CallPreview;
+    m_txt->changed = [this, preview] { preview->textsChanged(m_txt->texts<std::array<std::string, 6>>()); };
+    layout->addWidget(preview, 1);
     layout->addWidget(okAndClose(
         "确定(&Q)", [this] { cmdXPOK_Click(); }, "取消(&E)", [this] { cmdXPClose_Click(); }));
-    resize(460, sizeHint().height());
+    resize(460, 460);
 }
 
 void frmFunctionInput::openPicker(int index)
@@ -47,6 +50,11 @@ void frmFunctionInput::openPicker(int index)
         frmFilelList(handBack, this).exec();
     else if (index == 2)
         frmCurrency(handBack, this).exec();
+}
+
+void frmFunctionInput::setArguments(const std::array<std::string, 6>& arguments)
+{
+    m_txt->setTexts(arguments);
 }
 
 void frmFunctionInput::cmdXPOK_Click()

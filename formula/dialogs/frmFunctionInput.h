@@ -1,5 +1,7 @@
 #pragma once
+#include <array>
 #include <QDialog>
+#include <string>
 
 namespace selfreport {
 
@@ -12,6 +14,9 @@ class frmFunctionInput : public QDialog {
 
 public:
     explicit frmFunctionInput(FormulaCell& cell, QWidget* parent = nullptr);
+
+    /// Puts the arguments of a call into the boxes.
+    void setArguments(const std::array<std::string, 6>& arguments);
 
 private:
     /// Opens the picker of a box: account wizard, fetch types or currencies.

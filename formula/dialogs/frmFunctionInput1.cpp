@@ -33,6 +33,11 @@ frmFunctionInput1::frmFunctionInput1(FormulaCell& cell, QWidget* parent)
     resize(420, sizeHint().height());
 }
 
+void frmFunctionInput1::setArguments(const std::array<std::string, 3>& arguments)
+{
+    m_txt->setTexts(arguments);
+}
+
 void frmFunctionInput1::cmdXPOK_Click()
 {
     if (writeFormula(m_cell, refFormula(m_txt->texts<std::array<std::string, 3>>())))

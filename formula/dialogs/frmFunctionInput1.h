@@ -1,5 +1,7 @@
 #pragma once
+#include <array>
 #include <QDialog>
+#include <string>
 
 namespace selfreport {
 
@@ -12,6 +14,9 @@ class frmFunctionInput1 : public QDialog {
 
 public:
     explicit frmFunctionInput1(FormulaCell& cell, QWidget* parent = nullptr);
+
+    /// Puts the arguments of a call into the boxes.
+    void setArguments(const std::array<std::string, 3>& arguments);
 
 private:
     void cmdXPOK_Click();
