@@ -1,0 +1,319 @@
+#include "spreadsheet/files/xls/formula_tree.h"
+
+#include "spreadsheet/engine/CellError.h"
+
+#include <array>
+
+namespace spreadsheet {
+
+namespace {
+
+using Kind = Token::Kind;
+
+constexpr int deepest = 2000; ///< calls of the parser inside each other; formulas nest at most 256 brackets
+
+/// From the loosest. Signs and "%" stand between "^" and union.
+int rankOf(std::string_view operation)
+{
+    static constexpr std::array<std::string_view, 5> ranks{"= <> < > <= >= ", "& ", "+ - ", "* / ", "^ "};
+    for (std::size_t rank = 0; rank < ranks.size(); ++rank) {
+        if (ranks[rank].find(std::string(operation) + " ") != std::string_view::npos)
+            return static_cast<int>(rank);
+    }
+    return -1;
+}
+
+constexpr int tightestValue = 4;
+
+class TreeBuilder {
+public:
+    explicit TreeBuilder(const LexedFormula& lexed)
+        : m_tokens(lexed.tokens)
+    {
+    }
+
+    std::optional<FormulaTree> build()
+    {
+        m_tree.root = expression(0);
+        if (m_failed || token().kind != Kind::end)
+            return std::nullopt;
+        return std::move(m_tree);
+    }
+
+private:
+    const Token& token() const { return m_tokens[m_at]; }
+    bool isOperation(std::string_view text) const
+    {
+        return token().kind == Kind::operation && token().text == text;
+    }
+
+    int add(FormulaNode node)
+    {
+        m_tree.nodes.push_back(std::move(node));
+        return static_cast<int>(m_tree.nodes.size()) - 1;
+    }
+    int fail()
+    {
+        m_failed = true;
+        return add({});
+    }
+
+    /// Signs between the token before and this one.
+    int blanksBefore() const
+    {
+        if (!token().blankBefore || m_at == 0)
+            return 0;
+        const Token& before = m_tokens[m_at - 1];
+        std::size_t end = before.position + before.text.size();
+        if (before.kind == Kind::function) // its text leaves the bracket out
+            ++end;
+        return token().position > end ? static_cast<int>(std::min<std::size_t>(token().position - end, 255))
+                                      : 1;
+    }
+
+    int binary(std::string operation, int left, int right)
+    {
+        FormulaNode node;
+        node.kind = FormulaNode::Kind::binary;
+        node.text = std::move(operation);
+        node.children = {left, right};
+        return add(std::move(node));
+    }
+
+    /// Operators of this rank and tighter ones.
+    int expression(int rank)
+    {
+        if (++m_depth > deepest || m_failed) {
+            --m_depth;
+            return fail();
+        }
+        int left = rank > tightestValue ? percent() : expression(rank + 1);
+        while (!m_failed && rank <= tightestValue && token().kind == Kind::operation &&
+               rankOf(token().text) == rank) {
+            std::string operation(token().text);
+            ++m_at;
+            left = binary(std::move(operation), left, expression(rank + 1));
+        }
+        --m_depth;
+        return left;
+    }
+
+    int percent()
+    {
+        int node = sign();
+        while (isOperation("%")) {
+            ++m_at;
+            FormulaNode percent;
+            percent.kind = FormulaNode::Kind::percent;
+            percent.children = {node};
+            node = add(std::move(percent));
+        }
+        return node;
+    }
+
+    int sign()
+    {
+        std::vector<std::pair<char, int>> signs;
+        while (isOperation("-") || isOperation("+")) {
+            signs.emplace_back(token().text[0], blanksBefore());
+            ++m_at;
+        }
+        int node = intersection();
+        for (; !signs.empty(); signs.pop_back()) {
+            FormulaNode prefix;
+            prefix.kind = FormulaNode::Kind::prefix;
+            prefix.text = signs.back().first;
+            prefix.blanks = signs.back().second;
+            prefix.children = {node};
+            node = add(std::move(prefix));
+        }
+        return node;
+    }
+
+    bool startsOperand() const
+    {
+        return token().kind == Kind::reference || token().kind == Kind::name ||
+               token().kind == Kind::function || token().kind == Kind::open;
+    }
+
+    int intersection()
+    {
+        int left = range();
+        while (!m_failed && token().blankBefore && startsOperand()) {
+            const int right = range();
+            m_tree.nodes[static_cast<std::size_t>(right)].blanks = 0;
+            left = binary(" ", left, right);
+        }
+        return left;
+    }
+
+    int range()
+    {
+        int left = operand();
+        while (!m_failed && isOperation(":")) {
+            ++m_at;
+            left = binary(":", left, operand());
+        }
+        return left;
+    }
+
+    int operand()
+    {
+        const Token& token = this->token();
+        FormulaNode node;
+        node.blanks = blanksBefore();
+        node.text = token.text;
+        node.number = token.number;
+        switch (token.kind) {
+        case Kind::number:
+            node.kind = FormulaNode::Kind::number;
+            break;
+        case Kind::text:
+            node.kind = FormulaNode::Kind::text;
+            node.text = unquoted(token.text);
+            break;
+        case Kind::error:
+            node.kind = FormulaNode::Kind::error;
+            node.number = static_cast<double>(parseErrorText(token.text).value_or(CellError::ref));
+            break;
+        case Kind::reference:
+            node.kind = FormulaNode::Kind::reference;
+            node.slot = token.index;
+            break;
+        case Kind::name:
+            nameOrTruth(token.text, node);
+            break;
+        case Kind::function:
+            return call(std::move(node));
+        case Kind::open:
+            return brackets(std::move(node));
+        case Kind::openArray:
+            return array(std::move(node));
+        default:
+            return fail();
+        }
+        ++m_at;
+        return add(std::move(node));
+    }
+
+    static std::string unquoted(std::string_view text)
+    {
+        std::string result;
+        for (std::size_t i = 1; i + 1 < text.size(); ++i) {
+            result += text[i];
+            i += text[i] == '"';
+        }
+        return result;
+    }
+
+    static std::string capitals(std::string_view text)
+    {
+        std::string result(text);
+        for (char& c : result)
+            c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        return result;
+    }
+
+    static void nameOrTruth(std::string_view text, FormulaNode& node)
+    {
+        const std::string folded = capitals(text);
+        node.kind =
+            folded == "TRUE" || folded == "FALSE" ? FormulaNode::Kind::boolean : FormulaNode::Kind::name;
+        node.number = folded == "TRUE";
+    }
+
+    int call(FormulaNode node)
+    {
+        node.kind = FormulaNode::Kind::call;
+        ++m_at;
+        if (token().kind == Kind::close) {
+            ++m_at;
+            return add(std::move(node));
+        }
+        for (;;) {
+            const bool isMissing = token().kind == Kind::comma || token().kind == Kind::close;
+            node.children.push_back(isMissing ? add({}) : expression(0));
+            if (m_failed || token().kind == Kind::close)
+                break;
+            if (token().kind != Kind::comma)
+                return fail();
+            ++m_at;
+        }
+        ++m_at;
+        return add(std::move(node));
+    }
+
+    /// Commas inside join references.
+    int brackets(FormulaNode node)
+    {
+        node.kind = FormulaNode::Kind::brackets;
+        ++m_at;
+        int inside = expression(0);
+        while (!m_failed && token().kind == Kind::comma) {
+            ++m_at;
+            inside = binary(",", inside, expression(0));
+        }
+        if (m_failed || token().kind != Kind::close)
+            return fail();
+        ++m_at;
+        node.children = {inside};
+        return add(std::move(node));
+    }
+
+    int array(FormulaNode node)
+    {
+        node.kind = FormulaNode::Kind::array;
+        ++m_at;
+        int column = 0;
+        for (;;) {
+            const int element = arrayElement();
+            if (m_failed)
+                return element;
+            node.children.push_back(element);
+            ++column;
+            const Kind kind = token().kind;
+            ++m_at;
+            if (kind == Kind::comma)
+                continue;
+            if (node.columns != 0 && node.columns != column)
+                return fail();
+            node.columns = column;
+            column = 0;
+            if (kind == Kind::closeArray)
+                return add(std::move(node));
+            if (kind != Kind::semicolon)
+                return fail();
+        }
+    }
+
+    int arrayElement()
+    {
+        double factor = 1;
+        while (isOperation("-") || isOperation("+")) {
+            factor = token().text == "-" ? -factor : factor;
+            ++m_at;
+        }
+        const int element = operand();
+        FormulaNode& node = m_tree.nodes[static_cast<std::size_t>(element)];
+        node.number *= node.kind == FormulaNode::Kind::number ? factor : 1;
+        const bool isConstant =
+            node.kind == FormulaNode::Kind::number || node.kind == FormulaNode::Kind::text ||
+            node.kind == FormulaNode::Kind::error || node.kind == FormulaNode::Kind::boolean;
+        return isConstant ? element : fail();
+    }
+
+    const std::vector<Token>& m_tokens;
+    FormulaTree m_tree;
+    std::size_t m_at = 0;
+    int m_depth = 0;
+    bool m_failed = false;
+};
+
+} // namespace
+
+std::optional<FormulaTree> formulaTree(const LexedFormula& lexed)
+{
+    return TreeBuilder(lexed).build();
+}
+
+} // namespace spreadsheet

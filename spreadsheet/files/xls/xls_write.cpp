@@ -1,0 +1,199 @@
+#include "spreadsheet/files/xls/xls_write.h"
+
+#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/exchange/unicode_text.h"
+#include "spreadsheet/files/ole2/CompoundFile.h"
+#include "spreadsheet/files/xls/records.h"
+#include "spreadsheet/files/xls/SheetWriter.h"
+#include "spreadsheet/files/xls/tokens.h"
+#include "spreadsheet/files/xls/write_notes.h"
+#include "spreadsheet/formula/NameTable.h"
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr std::size_t mostNameCharacters = 31;
+
+void requireSize(const Sheet& sheet)
+{
+    int lastRow = sheet.lastDataRow(), lastColumn = sheet.lastDataColumn();
+    for (const CellRange& span : sheet.settings().spans) {
+        lastRow = std::max(lastRow, span.bottom);
+        lastColumn = std::max(lastColumn, span.right);
+    }
+    if (lastRow > xls::maxRows)
+        throw ContentError("表“" + sheet.name() + "”用到第 " + std::to_string(lastRow) +
+                           " 行,.xls 最多 65,536 行,请引出为 .xlsx");
+    if (lastColumn > xls::maxColumns)
+        throw ContentError("表“" + sheet.name() + "”用到第 " + columnName(lastColumn) +
+                           " 列,.xls 最多 256 列 (IV),请引出为 .xlsx");
+}
+
+class WorkbookWriter {
+public:
+    WorkbookWriter(const Workbook& workbook, Warnings& warnings)
+        : m_parts(workbook, warnings)
+    {
+    }
+
+    std::vector<std::byte> write()
+    {
+        // Sheets first: only they tell which styles, texts and links the part before them must hold.
+        std::vector<std::vector<std::byte>> sheets;
+        for (int sheet = 1; sheet <= m_parts.workbook.sheetCount(); ++sheet) {
+            RecordWriter writer;
+            SheetWriter(m_parts, sheet, writer).write();
+            sheets.push_back(writer.take());
+        }
+        globals();
+        for (std::size_t sheet = 0; sheet < sheets.size(); ++sheet) {
+            m_writer.patch32(m_offsets[sheet], static_cast<std::uint32_t>(m_writer.size()));
+            m_writer.putBytes(sheets[sheet]);
+            sheets[sheet] = {};
+        }
+        if (m_parts.texts.hasCut())
+            m_parts.warnings.add("超过 32,767 个字的文本只写出前面部分");
+        return m_writer.take();
+    }
+
+private:
+    void globals()
+    {
+        begin();
+        m_parts.styles.write(m_writer);
+        boundSheets();
+        m_writer.begin(xls::country);
+        m_writer.put16(86); // of the program and of the system: China
+        m_writer.put16(86);
+        m_writer.end();
+        RecordWriter names;
+        definedNames(names); // may mention further sheets
+        m_parts.links.write(m_writer);
+        m_writer.putBytes(names.take());
+        std::vector<std::size_t> notes;
+        for (int sheet = 1; sheet <= m_parts.workbook.sheetCount(); ++sheet)
+            notes.push_back(m_parts.workbook.sheet(sheet).settings().notes.size());
+        writeDrawingGroup(notes, m_writer);
+        m_parts.texts.write(m_writer);
+        m_writer.begin(xls::endOfFile);
+        m_writer.end();
+    }
+
+    void begin()
+    {
+        m_writer.begin(xls::beginOfFile);
+        m_writer.put16(xls::version8);
+        m_writer.put16(xls::globals);
+        m_writer.put16(0x0DBB); // a build and its year, which readers ask for
+        m_writer.put16(0x07CC);
+        m_writer.put32(0);
+        m_writer.put32(6);
+        m_writer.end();
+        m_writer.record16(xls::codePage, 1200);
+        m_writer.begin(xls::window1);
+        for (const unsigned number : {0u, 0u, 20000u, 12000u, 0x38u}) // place and size in twips, flags
+            m_writer.put16(number);
+        m_writer.put16(static_cast<unsigned>(m_parts.workbook.activeSheet() - 1));
+        m_writer.put16(0);
+        m_writer.put16(1);
+        m_writer.put16(600);
+        m_writer.end();
+        m_writer.record16(xls::dateMode, m_parts.workbook.countsFrom1904());
+    }
+
+    void boundSheets()
+    {
+        std::vector<std::u16string> taken;
+        for (int sheet = 1; sheet <= m_parts.workbook.sheetCount(); ++sheet) {
+            const Sheet& source = m_parts.workbook.sheet(sheet);
+            std::u16string name = utf16Of(source.name());
+            if (name.size() > mostNameCharacters)
+                name.resize(mostNameCharacters);
+            for (int i = 2; std::ranges::find(taken, name) != taken.end(); ++i) {
+                const std::u16string suffix = utf16Of(" " + std::to_string(i));
+                name = name.substr(0, mostNameCharacters - suffix.size()) + suffix;
+            }
+            taken.push_back(name);
+            if (utf8Of(name) != source.name())
+                m_parts.warnings.add("表名“" + source.name() + "”太长,改为“" + utf8Of(name) + "”");
+            m_writer.begin(xls::boundSheet);
+            m_offsets.push_back(m_writer.size());
+            m_writer.put32(0);
+            m_writer.put8(source.settings().isHidden);
+            m_writer.put8(0);
+            m_writer.putShortText(utf8Of(name));
+            m_writer.end();
+        }
+    }
+
+    void definedNames(RecordWriter& writer)
+    {
+        const Workbook& workbook = m_parts.workbook;
+        for (const int number : m_parts.links.names()) {
+            const NameTable::Entry& entry = workbook.names()[number];
+            const XlsFormula& formula = m_parts.formulas.formula(entry.formula, {1, 1}, true);
+            std::vector<std::byte> tokens;
+            std::string problem = formula.problem;
+            if (problem.empty() && !m_parts.formulas.tokensAt(formula, entry.formula, {1, 1}, tokens))
+                problem = "引用超出 .xls 的行列范围";
+            if (!problem.empty()) { // its number is taken, so it must stand there
+                m_parts.warnings.add("名称“" + entry.name + "”写为 #REF!: " + problem);
+                tokens = {std::byte(xls::tokenError), std::byte(0x17)};
+            }
+            nameRecord(writer, utf16Of(entry.name), 0, 0, tokens,
+                       problem.empty() ? formula.extra : std::vector<std::byte>());
+        }
+        for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet)
+            printTitles(writer, sheet);
+    }
+
+    void printTitles(RecordWriter& writer, int sheet)
+    {
+        const PrintSettings& print = m_parts.workbook.sheet(sheet).settings().print;
+        if (print.titleTop < 1 || print.titleBottom < print.titleTop || print.titleBottom > xls::maxRows)
+            return;
+        const int id = m_parts.workbook.sheet(sheet).id();
+        std::vector<std::byte> tokens{std::byte(xls::tokenArea3d)};
+        for (const int number :
+             {m_parts.links.sheets(id, id), print.titleTop - 1, print.titleBottom - 1, 0, 255})
+            appendNumber(tokens, static_cast<std::uint16_t>(number));
+        constexpr unsigned isBuiltIn = 0x20;
+        constexpr char16_t titles = 7;
+        nameRecord(writer, std::u16string(1, titles), isBuiltIn, static_cast<unsigned>(sheet), tokens, {});
+    }
+
+    static void nameRecord(RecordWriter& writer, const std::u16string& name, unsigned flags, unsigned sheet,
+                           Bytes tokens, Bytes extra)
+    {
+        writer.begin(xls::name);
+        writer.put16(flags);
+        writer.put8(0);
+        writer.put8(static_cast<unsigned>(name.size()));
+        writer.put16(static_cast<unsigned>(tokens.size()));
+        writer.put16(0);
+        writer.put16(sheet);
+        writer.putZeros(4);
+        writer.putCharacters(name);
+        writer.putBytes(tokens);
+        writer.putBytes(extra);
+        writer.end();
+    }
+
+    XlsParts m_parts;
+    RecordWriter m_writer;
+    std::vector<std::size_t> m_offsets; ///< where each sheet's place is named
+};
+
+} // namespace
+
+std::vector<std::byte> writeXls(const Workbook& workbook, Warnings& warnings)
+{
+    for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet)
+        requireSize(workbook.sheet(sheet));
+    return compoundFile("Workbook", WorkbookWriter(workbook, warnings).write());
+}
+
+} // namespace spreadsheet
