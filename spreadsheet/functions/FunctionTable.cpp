@@ -30,7 +30,7 @@ std::vector<const FunctionDescriptor*> collect()
         annuityFunctions,       cashFlowFunctions,    depreciationFunctions,
         bondFunctions,          oddBondFunctions,     securityFunctions,
         numberBaseFunctions,    complexFunctions,     engineeringFunctions,
-        databaseFunctions,
+        databaseFunctions,      euroFunctions,        thaiFunctions,
     };
     for (const auto table : tables) {
         for (const FunctionDescriptor& function : table())

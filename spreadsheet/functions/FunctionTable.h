@@ -91,5 +91,7 @@ std::span<const FunctionDescriptor> numberBaseFunctions();
 std::span<const FunctionDescriptor> complexFunctions();
 std::span<const FunctionDescriptor> engineeringFunctions();
 std::span<const FunctionDescriptor> databaseFunctions();
+std::span<const FunctionDescriptor> euroFunctions();
+std::span<const FunctionDescriptor> thaiFunctions();
 
 } // namespace spreadsheet

@@ -77,6 +77,16 @@ Operand ofDateText(Call& call)
     return dayPart ? dayResult(call, static_cast<int>(day)) : Operand(*serial - day);
 }
 
+/// The day as Chinese clerks write it, the year with two digits: 11年03月05日.
+Operand dateString(Call& call)
+{
+    const CalendarDay day = *dayOfSerial(dayArgument(call, 0));
+    if (call.failed())
+        return call.error();
+    const auto twoDigits = [](int number) { return std::to_string(100 + number % 100).substr(1); };
+    return Value::text(twoDigits(day.year) + "年" + twoDigits(day.month) + "月" + twoDigits(day.day) + "日");
+}
+
 Operand weekday(Call& call)
 {
     const int serial = dayArgument(call, 0);
@@ -148,6 +158,7 @@ const FunctionDescriptor table[] = {
      [](Call& call) -> Operand { return presentSerial() - serialShift(call); }, isVolatile},
     {"DATEVALUE", 1, 1, "v", family, "日期文本", "将表示日期的文本转换为日期", ofDateText<true>},
     {"TIMEVALUE", 1, 1, "v", family, "时间文本", "将表示时间的文本转换为时间", ofDateText<false>},
+    {"DATESTRING", 1, 1, "v", family, "日期", "将日期转换为中文日期文本", dateString},
     {"WEEKDAY", 1, 2, "vv", family, "日期,[类型]", "返回日期是星期几", weekday},
     {"WEEKNUM", 1, 2, "vv", family, "日期,[类型]", "返回日期在一年中的周数", weekNumber},
     {"ISOWEEKNUM", 1, 1, "v", family, "日期", "返回日期在一年中的周数，每周从星期一开始，以星期四定年",
