@@ -30,8 +30,10 @@ FoundPrinters findPrinters()
     const auto found = std::make_shared<FoundPrinters>();
     try {
         PrintService& service = PrintServiceInUse::current();
-        if (!runInBackground(QStringLiteral("正在查找打印机"),
-                             [found, &service](WorkProgress&) { found->printers = service.printers(); }))
+        if (!runInBackground(
+                QStringLiteral("正在查找打印机"),
+                [found, &service](WorkProgress&) { found->printers = service.printers(); },
+                Waiting::untilCancelled))
             return {{}, QStringLiteral("打印服务没有回答。")};
     } catch (const PrintServiceError& error) {
         return {{}, QString::fromUtf8(error.what())};

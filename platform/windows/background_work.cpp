@@ -27,10 +27,11 @@ constexpr int dialogWidth = 360; // pixels
 /// Waits for work. Nothing but the work's end, or its being left behind, closes it.
 class WaitingDialog : public QDialog {
 public:
-    WaitingDialog(const QString& title, WorkProgress& progress, const std::future<void>& work)
+    WaitingDialog(const QString& title, WorkProgress& progress, const std::future<void>& work, Waiting waiting)
         : QDialog(QApplication::activeWindow())
         , m_progress(progress)
         , m_work(work)
+        , m_waiting(waiting)
     {
         setObjectName(QStringLiteral("workProgress"));
         setWindowTitle(title);
@@ -53,7 +54,7 @@ public:
     {
         m_progress.cancel();
         m_cancel.setEnabled(false);
-        if (m_leaving.isForever())
+        if (m_leaving.isForever() && m_waiting == Waiting::untilCancelled)
             m_leaving = QDeadlineTimer(leftBehindAfter);
     }
 
@@ -71,6 +72,7 @@ private:
 
     WorkProgress& m_progress;
     const std::future<void>& m_work;
+    Waiting m_waiting;
     QLabel m_label;
     QProgressBar m_bar;
     QPushButton m_cancel;
@@ -94,14 +96,14 @@ WorkProgress::State WorkProgress::state() const
     return {m_what, m_done, m_all};
 }
 
-bool runInBackground(const QString& title, std::function<void(WorkProgress&)> work)
+bool runInBackground(const QString& title, std::function<void(WorkProgress&)> work, Waiting waiting)
 {
     const auto progress = std::make_shared<WorkProgress>(); // outlives this call if the work is left behind
     std::packaged_task<void()> task([progress, work = std::move(work)] { work(*progress); });
     std::future<void> result = task.get_future();
     std::thread thread(std::move(task));
     if (result.wait_for(patience) != std::future_status::ready)
-        WaitingDialog(title, *progress, result).exec();
+        WaitingDialog(title, *progress, result, waiting).exec();
     if (result.wait_for(0s) != std::future_status::ready) {
         thread.detach();
         return false;

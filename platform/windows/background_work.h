@@ -29,13 +29,17 @@ private:
     std::atomic<bool> m_cancelled = false;
 };
 
+enum class Waiting { untilTheEnd, untilCancelled };
+
 /// Runs work on a thread of its own while the user-interface thread waits in a dialog, which opens when it
 /// takes longer than a moment; its only live control is "取消" (object name `workProgress`). The work must
 /// not touch widgets, and nothing but the work may touch what it uses. An exception of the work is thrown on.
 ///
-/// Cancelling only asks: the work looks at `cancelled()` and ends early. Work that waits for an answer from
-/// outside is left behind when it does not end within two seconds after that, so it must own all it uses.
+/// Cancelling only asks: the work looks at `cancelled()` and ends early.
+/// @param waiting  work that waits for an answer from outside may be left behind when it does not end within
+///                 two seconds after it was cancelled; it must own all it uses
 /// @return  false if the work was left behind
-bool runInBackground(const QString& title, std::function<void(WorkProgress&)> work);
+bool runInBackground(const QString& title, std::function<void(WorkProgress&)> work,
+                     Waiting waiting = Waiting::untilTheEnd);
 
 } // namespace selfreport

@@ -18,8 +18,8 @@ struct TrackExtent {
     std::size_t from, to; ///< places of its tracks on the page, `to` excluded
 };
 
-std::optional<TrackExtent> extentOf(const std::vector<PageTrack>& tracks, const AxisSizes& axis, int first,
-                                    int last)
+std::optional<TrackExtent> extentOf(const std::vector<PageTrack>& tracks,
+                                    const std::function<int(int, int)>& length, int first, int last)
 {
     if (tracks.empty() || last < tracks.front().index || first > tracks.back().index)
         return std::nullopt; // most spans of a long sheet
@@ -28,13 +28,8 @@ std::optional<TrackExtent> extentOf(const std::vector<PageTrack>& tracks, const 
     if (from == tracks.end())
         return std::nullopt;
     const auto to = std::find_if_not(from, tracks.end(), inside);
-    int before = 0;
-    int total = 0;
-    for (int index = first; index <= last; ++index) {
-        const int size = axis.size(index);
-        before += index < from->index ? size : 0;
-        total += size;
-    }
+    const int before = length(first, from->index - 1);
+    const int total = length(first, last);
     const Extent visible{from->start, std::prev(to)->end() - from->start};
     return TrackExtent{{from->start - before, total},
                        visible,
@@ -65,9 +60,28 @@ bool isTrue(const Value& value)
 
 } // namespace
 
+TrackLengths lengthsInTwips(const Sheet& sheet)
+{
+    const auto lengthOn = [](const AxisSizes& axis) {
+        return [&axis](int first, int last) {
+            int sum = 0;
+            for (int index = first; index <= last; ++index)
+                sum += axis.size(index);
+            return sum;
+        };
+    };
+    return {lengthOn(sheet.settings().rows), lengthOn(sheet.settings().columns)};
+}
+
 PageCells::PageCells(const Sheet& sheet, const PrintedPage& page)
+    : PageCells(sheet, page, lengthsInTwips(sheet))
+{
+}
+
+PageCells::PageCells(const Sheet& sheet, const PrintedPage& page, TrackLengths lengths)
     : m_sheet(sheet)
     , m_page(page)
+    , m_lengths(std::move(lengths))
 {
     m_cells.reserve(page.rowTracks.size() * page.columnTracks.size());
     for (const PageTrack& row : page.rowTracks)
@@ -95,9 +109,8 @@ PageCell PageCells::read(CellAddress cell) const
 
 void PageCells::placeSpan(const CellRange& range)
 {
-    const SheetSettings& settings = m_sheet.settings();
-    const auto down = extentOf(m_page.rowTracks, settings.rows, range.top, range.bottom);
-    const auto across = extentOf(m_page.columnTracks, settings.columns, range.left, range.right);
+    const auto down = extentOf(m_page.rowTracks, m_lengths.rows, range.top, range.bottom);
+    const auto across = extentOf(m_page.columnTracks, m_lengths.columns, range.left, range.right);
     if (!down || !across)
         return;
     for (std::size_t row = down->from; row < down->to; ++row)
@@ -112,11 +125,11 @@ void PageCells::placeSpan(const CellRange& range)
 
 std::optional<PageCells::TextBefore> PageCells::textBefore(int rowPlace) const
 {
-    constexpr int farthest = 10 * 1440; // twips; no text of one line reaches farther
     const PageTrack& down = row(rowPlace);
     int start = column(0).start;
-    for (int index = column(0).index - 1; index >= 1 && column(0).start - start < farthest; --index) {
-        const int size = m_sheet.settings().columns.size(index);
+    for (int index = column(0).index - 1; index >= 1 && column(0).start - start < m_lengths.farthestText;
+         --index) {
+        const int size = m_lengths.columns(index, index);
         start -= size;
         const CellAddress address{index, down.index};
         if (m_sheet.spanAt(address))

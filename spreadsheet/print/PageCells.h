@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -28,10 +29,22 @@ struct PageSpan {
     PageBox visible; ///< the rows and columns of it that the page shows
 };
 
-/// The cells of one page with their texts and looks, read once for all passes of drawing.
+/// Lengths of rows and columns in the units of a page's tracks.
+struct TrackLengths {
+    std::function<int(int first, int last)> rows; ///< of the rows first..last, hidden ones taking none
+    std::function<int(int first, int last)> columns;
+    int farthestText = 10 * 1440; ///< no text of one line reaches farther
+};
+
+/// Those of a sheet in twips. The sheet must outlive them.
+TrackLengths lengthsInTwips(const Sheet& sheet);
+
+/// The cells of one page, or of a part of the screen, with their texts and looks, read once for all passes of
+/// drawing.
 class PageCells {
 public:
     PageCells(const Sheet& sheet, const PrintedPage& page);
+    PageCells(const Sheet& sheet, const PrintedPage& page, TrackLengths lengths);
 
     const Sheet& sheet() const { return m_sheet; }
     int rows() const { return static_cast<int>(m_page.rowTracks.size()); }
@@ -63,6 +76,7 @@ private:
 
     const Sheet& m_sheet;
     const PrintedPage& m_page;
+    TrackLengths m_lengths;
     std::vector<PageCell> m_cells;
     std::vector<PageSpan> m_spans;
 };

@@ -1,5 +1,6 @@
 #include "spreadsheet/print/PagePainter.h"
 
+#include "spreadsheet/print/cell_backgrounds.h"
 #include "spreadsheet/print/cell_lines.h"
 #include "spreadsheet/print/cell_text.h"
 #include "spreadsheet/print/header_places.h"
@@ -64,35 +65,11 @@ void PagePainter::paintCells(QPainter& painter, const PrintedPage& page)
     painter.setClipRect(QRect(page.cells.left - lineRoom, page.cells.top - lineRoom,
                               rightLimit - page.cells.left + 2 * lineRoom, page.cells.height + 2 * lineRoom));
     const PageCells cells(m_sheet, page);
-    paintBackgrounds(painter, cells);
+    drawBackgrounds(painter, cells, print.colour);
     const std::vector<TextOverflow> overflows =
         CellTextPainter(painter, m_text, cells, print.colour, rightLimit).draw();
-    CellLines(cells, print.gridLines, overflows).draw(painter, print.colour);
+    CellLines(cells, print.gridLines ? printedGridLine : BorderLine{}, overflows).draw(painter, print.colour);
     painter.restore();
-}
-
-void PagePainter::paintBackgrounds(QPainter& painter, const PageCells& cells)
-{
-    const bool inColour = m_sheet.settings().print.colour;
-    const auto colourAt = [&](int row, int column) {
-        const PageCell& cell = cells.at(row, column);
-        return cell.span < 0 ? cell.style->background : automaticColour;
-    };
-    for (int row = 0; row < cells.rows(); ++row)
-        for (int from = 0; from < cells.columns();) {
-            const Colour colour = colourAt(row, from);
-            int to = from;
-            while (to + 1 < cells.columns() && colourAt(row, to + 1) == colour)
-                ++to; // one rectangle: no seams between cells
-            if (colour != automaticColour)
-                painter.fillRect(rectOf(cells.boxOf(row, from)).united(rectOf(cells.boxOf(row, to))),
-                                 printColour(colour, 0xFFFFFF, inColour));
-            from = to + 1;
-        }
-    for (const PageSpan& span : cells.spans())
-        if (span.anchor.style->background != automaticColour)
-            painter.fillRect(rectOf(span.visible),
-                             printColour(span.anchor.style->background, 0xFFFFFF, inColour));
 }
 
 void PagePainter::paintHeadings(QPainter& painter, const PrintedPage& page)

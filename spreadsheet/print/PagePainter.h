@@ -27,7 +27,6 @@ public:
     void paint(QPainter& painter, int number);
 
 private:
-    void paintBackgrounds(QPainter& painter, const PageCells& cells);
     void paintTable(QPainter& painter, const PrintedPage& page);
     void paintCells(QPainter& painter, const PrintedPage& page);
     void paintHeadings(QPainter& painter, const PrintedPage& page);

@@ -63,6 +63,53 @@ QString withLineSeparators(QString text)
 
 std::vector<TextLine> PageText::lines(const QString& text, const QFont& font, std::optional<double> wrapWidth)
 {
+    constexpr std::size_t mostLines = 20'000;
+    if (!m_keepsLines)
+        return laidOut(text, font, wrapWidth);
+    const Key key{&font, wrapWidth.value_or(-1), text};
+    if (const auto known = m_lines.find(key); known != m_lines.end())
+        return known->second;
+    if (m_lines.size() >= mostLines)
+        m_lines.clear();
+    return m_lines.emplace(key, laidOut(text, font, wrapWidth)).first->second;
+}
+
+/// A line of characters that the font's main face has, each with one glyph, without the layout's general
+/// road.
+std::optional<TextLine> PageText::quickLine(const QString& text, const QFont& font)
+{
+    const auto isSimple = [](QChar c) {
+        return c.unicode() >= 0x20 && !c.isSurrogate() && isPlain(c.unicode());
+    };
+    if (text.isEmpty() || !std::ranges::all_of(text, isSimple))
+        return std::nullopt;
+    auto known = m_rawFonts.find(&font);
+    if (known == m_rawFonts.end())
+        known = m_rawFonts.emplace(&font, QRawFont::fromFont(font)).first;
+    const QRawFont& face = known->second;
+    const QList<quint32> glyphs = face.glyphIndexesForString(text);
+    if (glyphs.size() != text.size() || glyphs.contains(0))
+        return std::nullopt;
+    const QList<QPointF> advances = face.advancesForGlyphIndexes(glyphs);
+    QList<QPointF> places(glyphs.size());
+    QPointF place;
+    for (qsizetype i = 0; i < glyphs.size(); ++i) {
+        places[i] = place;
+        place += advances[i];
+    }
+    QGlyphRun run;
+    run.setRawFont(face);
+    run.setGlyphIndexes(glyphs);
+    run.setPositions(places);
+    return TextLine{{run}, place.x()};
+}
+
+std::vector<TextLine> PageText::laidOut(const QString& text, const QFont& font,
+                                        std::optional<double> wrapWidth)
+{
+    if (!m_record && !wrapWidth)
+        if (auto line = quickLine(text, font))
+            return {std::move(*line)};
     QTextLayout layout(withLineSeparators(text), font);
     QTextOption option;
     option.setWrapMode(wrapWidth ? QTextOption::WrapAtWordBoundaryOrAnywhere : QTextOption::ManualWrap);

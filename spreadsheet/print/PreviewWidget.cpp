@@ -49,6 +49,14 @@ void PreviewWidget::attach(const Workbook& workbook, int sheet, PageRequest requ
     arrange();
 }
 
+void PreviewWidget::setRequest(PageRequest request)
+{
+    m_request = std::move(request);
+    m_revision.reset();
+    m_pictures.clear();
+    arrange();
+}
+
 const PageLayout* PreviewWidget::layout() const
 {
     if (m_workbook && m_revision != m_workbook->revision()) {

@@ -38,6 +38,9 @@ public:
     /// @param request  paper, cells and stamp
     void attach(const Workbook& workbook, int sheet, PageRequest request = {});
 
+    /// Other paper, cells or stamp; the current page stays where there is one.
+    void setRequest(PageRequest request);
+
     /// Pages of the sheet with its print settings of now; at least 1.
     int pageCount() const;
     /// The first page in sight, from 1.

@@ -12,7 +12,6 @@ namespace {
 
 constexpr double normalWidth = 15; // twips
 constexpr double fineWidth = 5;
-constexpr BorderLine gridLine{LineStyle::fineSolid, 0xA0A0A0};
 constexpr BorderLine noLine{};
 
 bool isFine(LineStyle style)
@@ -63,11 +62,11 @@ void drawRuns(int count, const auto& edge, const auto& stroke)
 
 } // namespace
 
-QPen borderPen(const BorderLine& line, double scale, bool inColour)
+QPen borderPen(const BorderLine& line, double scale, bool inColour, double twip)
 {
     const double width = isFine(line.style) ? fineWidth : normalWidth;
     const bool hairline = width * scale < 1;
-    QPen pen(printColour(line.colour, 0x000000, inColour), hairline ? 1 : width);
+    QPen pen(printColour(line.colour, 0x000000, inColour), hairline ? 1 : width * twip);
     pen.setCosmetic(hairline);
     QList<qreal> dashes = dashesOf(line.style);
     // A toolkit's dash lengths count in pen widths.
@@ -79,9 +78,10 @@ QPen borderPen(const BorderLine& line, double scale, bool inColour)
     return pen;
 }
 
-CellLines::CellLines(const PageCells& cells, bool gridLines, std::span<const TextOverflow> overflows)
+CellLines::CellLines(const PageCells& cells, const BorderLine& gridLine,
+                     std::span<const TextOverflow> overflows)
     : m_cells(cells)
-    , m_gridLines(gridLines)
+    , m_gridLine(gridLine)
     , m_rowEdges(static_cast<std::size_t>((cells.rows() + 1) * cells.columns()))
     , m_columnEdges(static_cast<std::size_t>(cells.rows() * (cells.columns() + 1)))
 {
@@ -143,7 +143,7 @@ BorderLine CellLines::edgeBetween(const BorderLine& before, const BorderLine& af
     const BorderLine& edge = weightOf(before) > weightOf(after) ? before : after;
     if (edge.style == LineStyle::erase)
         return noLine;
-    return edge.style == LineStyle::none && m_gridLines ? gridLine : edge;
+    return edge.style == LineStyle::none ? m_gridLine : edge;
 }
 
 bool CellLines::sameSpan(int row, int column, int otherRow, int otherColumn) const
@@ -152,9 +152,9 @@ bool CellLines::sameSpan(int row, int column, int otherRow, int otherColumn) con
     return span >= 0 && span == m_cells.at(otherRow, otherColumn).span;
 }
 
-void CellLines::draw(QPainter& painter, bool inColour) const
+void CellLines::draw(QPainter& painter, bool inColour, double twip) const
 {
-    const double scale = painter.deviceTransform().m11();
+    const double scale = painter.deviceTransform().m11() * twip;
     const int rows = m_cells.rows();
     const int columns = m_cells.columns();
     for (int line = 0; line <= rows && columns > 0; ++line) {
@@ -165,7 +165,7 @@ void CellLines::draw(QPainter& painter, bool inColour) const
                 return m_rowEdges[static_cast<std::size_t>(line * columns + column)];
             },
             [&](int from, int to, const BorderLine& edge) {
-                painter.setPen(borderPen(edge, scale, inColour));
+                painter.setPen(borderPen(edge, scale, inColour, twip));
                 painter.drawLine(m_cells.column(from).start, y, m_cells.column(to).end(), y);
             });
     }
@@ -177,7 +177,7 @@ void CellLines::draw(QPainter& painter, bool inColour) const
                 return m_columnEdges[static_cast<std::size_t>(row * (columns + 1) + line)];
             },
             [&](int from, int to, const BorderLine& edge) {
-                painter.setPen(borderPen(edge, scale, inColour));
+                painter.setPen(borderPen(edge, scale, inColour, twip));
                 painter.drawLine(x, m_cells.row(from).start, x, m_cells.row(to).end());
             });
     }

@@ -13,7 +13,11 @@ namespace spreadsheet {
 
 /// The pen of a line style: 0.75 pt, fine styles 0.25 pt, both at least one device pixel.
 /// @param scale  device pixels per twip
-QPen borderPen(const BorderLine& line, double scale, bool inColour);
+/// @param twip   length of a twip in the painter's units
+QPen borderPen(const BorderLine& line, double scale, bool inColour, double twip = 1);
+
+/// The grid on paper.
+inline constexpr BorderLine printedGridLine{LineStyle::fineSolid, 0xA0A0A0};
 
 /// Borders and grid lines of one page.
 ///
@@ -22,10 +26,12 @@ QPen borderPen(const BorderLine& line, double scale, bool inColour);
 /// span's. Edges that run on in the same line are drawn as one.
 class CellLines {
 public:
+    /// @param gridLine   drawn where cells have no line; of style `none`: no grid
     /// @param overflows  texts under which no grid line is drawn
-    CellLines(const PageCells& cells, bool gridLines, std::span<const TextOverflow> overflows);
+    CellLines(const PageCells& cells, const BorderLine& gridLine, std::span<const TextOverflow> overflows);
 
-    void draw(QPainter& painter, bool inColour) const;
+    /// @param twip  length of a twip in the units of the cells' tracks
+    void draw(QPainter& painter, bool inColour, double twip = 1) const;
 
 private:
     using Side = BorderLine CellStyle::*;
@@ -45,7 +51,7 @@ private:
     }
 
     const PageCells& m_cells;
-    bool m_gridLines;
+    BorderLine m_gridLine;
     std::vector<BorderLine> m_rowEdges;    ///< above each row and below the last, by column
     std::vector<BorderLine> m_columnEdges; ///< by row; left of each column and right of the last
 };

@@ -16,7 +16,7 @@ namespace {
 constexpr int paddingAcross = 40; // twips between a cell's edge and its text
 constexpr int paddingDown = 20;
 constexpr double figureSlack = 60; // a figure may use most of its padding before it turns into "####"
-constexpr int checkBoxSize = 160;
+constexpr int checkBoxSize = 160;  // twips
 
 QFont fontOf(PageText& text, const CellFont& font)
 {
@@ -36,12 +36,13 @@ double leftOf(HorizontalAlignment alignment, double left, double right, double w
 }
 
 /// Top of a block of lines. One that is higher than the box begins at the box's top: its end is cut.
-double topOf(VerticalAlignment alignment, const PageBox& box, double height, bool severalLines)
+double topOf(VerticalAlignment alignment, const PageBox& box, double height, bool severalLines,
+             double padding)
 {
     if (alignment == VerticalAlignment::top || (severalLines && height > box.height))
-        return box.top + paddingDown;
+        return box.top + padding;
     if (alignment == VerticalAlignment::bottom)
-        return box.bottom() - paddingDown - height;
+        return box.bottom() - padding - height;
     return box.top + (box.height - height) / 2;
 }
 
@@ -76,10 +77,14 @@ std::vector<TextOverflow> CellTextPainter::draw()
 
 void CellTextPainter::drawCell(const PageCell& cell, const PageBox& box, const Room* neighbours)
 {
-    if (cell.style->type == CellType::button)
-        drawFrame(cell, QRectF(box.left, box.top, box.width, box.height).adjusted(20, 20, -20, -20));
-    if (cell.style->type == CellType::checkBox && cell.text.isEmpty())
+    const double inset = 20 * m_text.twip();
+    if (m_drawsControls && cell.style->type == CellType::button)
+        drawFrame(cell,
+                  QRectF(box.left, box.top, box.width, box.height).adjusted(inset, inset, -inset, -inset));
+    if (m_drawsControls && cell.style->type == CellType::checkBox && cell.text.isEmpty())
         drawCheckBox(cell, box);
+    else if (m_arrowWidth > 0 && cell.style->type == CellType::dropDown)
+        drawText(cell, {box.left, box.top, std::max(box.width - m_arrowWidth, 0), box.height}, nullptr);
     else if (!cell.text.isEmpty())
         drawText(cell, box, neighbours);
 }
@@ -88,17 +93,19 @@ void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const R
 {
     const CellStyle& style = *cell.style;
     const QFont font = fontOf(m_text, style.font);
-    const int inner = box.width - 2 * paddingAcross;
+    const double twip = m_text.twip();
+    const double padding = paddingAcross * twip;
+    const double inner = box.width - 2 * padding;
     const bool wraps = style.wrap && !cell.isFigure;
     std::vector<TextLine> lines =
         m_text.lines(cell.text, font, wraps ? std::optional<double>(inner) : std::nullopt);
-    if (cell.isFigure && widest(lines) > inner + figureSlack)
+    if (cell.isFigure && widest(lines) > inner + figureSlack * twip)
         lines = m_text.lines(numberSigns(m_text, font, inner), font);
 
-    const double em = style.font.points * 20;
+    const double em = style.font.points * 20 * twip;
     const double height = em * lineDistance * static_cast<double>(lines.size());
     const double width = widest(lines);
-    const double left = leftOf(cell.alignment, box.left + paddingAcross, box.right() - paddingAcross, width);
+    const double left = leftOf(cell.alignment, box.left + padding, box.right() - padding, width);
     Room room{box.left, box.right(), m_column, m_column};
     if (neighbours && !wraps && !cell.isFigure && (left < box.left || left + width > box.right())) {
         room = {left < box.left ? neighbours->left : box.left,
@@ -114,11 +121,11 @@ void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const R
         m_painter.setClipRect(QRect(room.left, box.top, room.right - room.left, box.height),
                               Qt::IntersectClip);
     }
-    double baseline = topOf(style.vertical, box, height, lines.size() > 1) + baselineInLine * em;
+    double baseline =
+        topOf(style.vertical, box, height, lines.size() > 1, paddingDown * twip) + baselineInLine * em;
     const QColor colour = printColour(style.foreground, 0x000000, m_inColour);
     for (const TextLine& line : lines) {
-        const double start =
-            leftOf(cell.alignment, box.left + paddingAcross, box.right() - paddingAcross, line.width);
+        const double start = leftOf(cell.alignment, box.left + padding, box.right() - padding, line.width);
         m_text.draw(m_painter, {start, baseline}, line, colour);
         drawDecoration(m_painter, {start, baseline}, line.width, em,
                        {style.font.underline, style.font.strikeThrough}, colour);
@@ -139,8 +146,8 @@ void CellTextPainter::drawTextFromPageBefore()
         return;
     const double width = widest(m_text.lines(before->cell.text, fontOf(m_text, before->cell.style->font)));
     const PageBox& box = before->box;
-    if (leftOf(before->cell.alignment, box.left + paddingAcross, box.right() - paddingAcross, width) +
-            width <=
+    const double padding = paddingAcross * m_text.twip();
+    if (leftOf(before->cell.alignment, box.left + padding, box.right() - padding, width) + width <=
         m_cells.column(0).start)
         return;
     const Room room = roomOf(m_row, 0);
@@ -149,21 +156,21 @@ void CellTextPainter::drawTextFromPageBefore()
 
 void CellTextPainter::drawFrame(const PageCell& cell, const QRectF& frame)
 {
-    m_painter.setPen(QPen(printColour(cell.style->foreground, 0x000000, m_inColour), 10));
+    m_painter.setPen(QPen(printColour(cell.style->foreground, 0x000000, m_inColour), 10 * m_text.twip()));
     m_painter.setBrush(Qt::NoBrush);
     m_painter.drawRect(frame);
 }
 
 void CellTextPainter::drawCheckBox(const PageCell& cell, const PageBox& box)
 {
-    const QRectF square(box.left + (box.width - checkBoxSize) / 2.0,
-                        box.top + (box.height - checkBoxSize) / 2.0, checkBoxSize, checkBoxSize);
+    const double size = checkBoxSize * m_text.twip();
+    const QRectF square(box.left + (box.width - size) / 2.0, box.top + (box.height - size) / 2.0, size, size);
     drawFrame(cell, square);
     if (!cell.isTrue)
         return;
-    const QPointF tick[] = {square.topLeft() + QPointF(0.2, 0.5) * checkBoxSize,
-                            square.topLeft() + QPointF(0.42, 0.75) * checkBoxSize,
-                            square.topLeft() + QPointF(0.82, 0.22) * checkBoxSize};
+    const QPointF tick[] = {square.topLeft() + QPointF(0.2, 0.5) * size,
+                            square.topLeft() + QPointF(0.42, 0.75) * size,
+                            square.topLeft() + QPointF(0.82, 0.22) * size};
     m_painter.drawPolyline(tick, 3);
 }
 

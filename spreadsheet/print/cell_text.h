@@ -23,7 +23,8 @@ struct TextOverflow {
 /// away from their alignment, over the page's edge onto the next page too, and are cut where a neighbour is
 /// in use; wrapped texts break at the cell's width and are cut at its height, their end first. In a span that
 /// goes on over several pages the text stands in each page's part.
-/// @param rightLimit  twips; how far texts may run beyond the page's last column
+/// Units are those of `text` and of the cells' tracks.
+/// @param rightLimit  how far texts may run beyond the page's last column
 class CellTextPainter {
 public:
     CellTextPainter(QPainter& painter, PageText& text, const PageCells& cells, bool inColour, int rightLimit)
@@ -35,10 +36,17 @@ public:
     {
     }
 
+    /// On a screen buttons and check boxes have looks of their own, and the arrow of a drop-down takes room.
+    void leaveControls(int arrowWidth)
+    {
+        m_drawsControls = false;
+        m_arrowWidth = arrowWidth;
+    }
+
     std::vector<TextOverflow> draw();
 
 private:
-    struct Room { ///< horizontal room of a text, twips
+    struct Room { ///< horizontal room of a text
         int left, right;
         int firstColumn, lastColumn; ///< places on the page
     };
@@ -55,6 +63,8 @@ private:
     const PageCells& m_cells;
     bool m_inColour;
     int m_rightLimit;
+    bool m_drawsControls = true;
+    int m_arrowWidth = 0;
     int m_row = 0, m_column = 0; ///< place of the cell being drawn
     std::vector<TextOverflow> m_overflows;
 };

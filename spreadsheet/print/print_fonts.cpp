@@ -80,7 +80,7 @@ const QStringList& PrintFonts::families(std::string_view family)
 
 const QFont& PrintFonts::font(const FontRequest& request)
 {
-    const int pixels = std::max(static_cast<int>(std::lround(request.points * 20)), 1);
+    const int pixels = std::max(static_cast<int>(std::lround(request.points * 20 * m_twip)), 1);
     Key key(request.family, pixels, request.bold, request.italic);
     if (const auto known = m_fonts.find(key); known != m_fonts.end())
         return known->second;
@@ -92,7 +92,7 @@ const QFont& PrintFonts::font(const FontRequest& request)
     font.setItalic(request.italic);
     // One character, one glyph, whatever the process's language: the text layer of a PDF stands on it.
     font.setStyleStrategy(QFont::PreferNoShaping);
-    font.setHintingPreference(QFont::PreferNoHinting);
+    font.setHintingPreference(m_twip < 1 ? QFont::PreferDefaultHinting : QFont::PreferNoHinting);
     return m_fonts.emplace(std::move(key), font).first->second;
 }
 

@@ -1,0 +1,28 @@
+#include "printing/PrintedGrid.h"
+
+#include "spreadsheet/engine/Workbook.h"
+
+namespace selfreport {
+
+PrintedGrid*& PrintedGrid::usual()
+{
+    struct NoDesigner : PrintedGrid {
+        spreadsheet::Workbook& workbook() override { return empty; }
+        spreadsheet::CellRange selectedBlock() const override { return {1, 1, 1, 1}; }
+        std::string reportName() const override { return {}; }
+        int diagnosticsCount() const override { return 0; }
+        void tellStatus(std::string_view) override {}
+        void closeDesigner() override {}
+        spreadsheet::Workbook empty;
+    };
+    static NoDesigner none;
+    static PrintedGrid* usual = &none;
+    return usual;
+}
+
+PrintedGrid& printedGrid()
+{
+    return PrintedGridInUse::current();
+}
+
+} // namespace selfreport

@@ -1,0 +1,43 @@
+#pragma once
+#include "platform/InUse.h"
+#include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/print/print_range.h"
+
+#include <string>
+#include <string_view>
+
+namespace spreadsheet {
+class Workbook;
+}
+
+namespace selfreport {
+
+/// The grid that the printing windows set up, show and print: the designer's. Its active sheet is shown and
+/// printed; margins, orientation, header and footer belong to the report and go to all of its sheets.
+class PrintedGrid {
+public:
+    virtual ~PrintedGrid() = default;
+
+    virtual spreadsheet::Workbook& workbook() = 0;
+    /// The block that is selected, else the active cell.
+    virtual spreadsheet::CellRange selectedBlock() const = 0;
+    virtual std::string reportName() const = 0;
+    /// Cells whose fetch failed or found nothing.
+    virtual int diagnosticsCount() const = 0;
+    /// Something that is no error, for the status bar.
+    virtual void tellStatus(std::string_view text) = 0;
+    /// Closes the designer's window, which closes the preview.
+    virtual void closeDesigner() = 0;
+
+    spreadsheet::PrintRange printRange; ///< what printing prints of the active sheet
+
+    /// What is in use while no designer is open: an empty workbook of its own.
+    static PrintedGrid*& usual();
+};
+
+using PrintedGridInUse = InUse<PrintedGrid>;
+
+/// The designer's grid.
+PrintedGrid& printedGrid();
+
+} // namespace selfreport

@@ -1,0 +1,48 @@
+#pragma once
+#include <QDialog>
+
+class QLabel;
+class QPushButton;
+
+namespace spreadsheet {
+class PreviewWidget;
+}
+
+namespace selfreport {
+
+/// The active sheet of the designer's grid page by page. There is one instance, made when it is first needed.
+class frmPreview : public QDialog {
+    Q_OBJECT
+
+public:
+    /// The instance; made hidden if there is none.
+    static frmPreview& shared();
+    static bool exists();
+    /// Closes the instance, if there is one. It is gone at once or, while it is shown modally, when its loop
+    /// has ended.
+    static void discard();
+    /// Shows the instance modally and discards it after that.
+    static void showModally();
+
+    frmPreview();
+
+    /// Brings the page label and the two page buttons up to date.
+    void UpdatePageCount();
+    spreadsheet::PreviewWidget& fpsp1() { return *m_fpsp1; }
+
+private:
+    void buildButtons();
+    void cmdPrevious_Click();
+    void cmdNext_Click();
+    void cmdHome_Click();
+    void cmdSupport_Click();
+    void cmdHelp_Click();
+
+    spreadsheet::PreviewWidget* m_fpsp1;
+    QLabel* lblPage;
+    QPushButton* cmdPrevious = nullptr;
+    QPushButton* cmdNext = nullptr;
+    bool m_shownModally = false;
+};
+
+} // namespace selfreport

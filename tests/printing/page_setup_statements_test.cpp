@@ -1,0 +1,23 @@
+#include "printing/page_setup_statements.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+
+namespace selfreport {
+namespace {
+
+TEST(PageSetupStatements, NumbersAreShortWithAPoint)
+{
+    std::setlocale(LC_NUMERIC, "de_DE.UTF-8"); // a decimal comma, where that locale is installed
+    EXPECT_EQ(
+        savePageSetupStatement(12, {0.75, 0.75, 1.0, 0.5}, false),
+        "update tblCWSelfReport set fTop=1,fBottom=0.5,fLeft=0.75,fRight=0.75,fDirection=0  where noid=12");
+    EXPECT_EQ(
+        savePageSetupStatement(3, {0.6, 0, 9.99, 0.05}, true),
+        "update tblCWSelfReport set fTop=9.99,fBottom=0.05,fLeft=0.6,fRight=0,fDirection=1  where noid=3");
+    std::setlocale(LC_NUMERIC, "C");
+}
+
+} // namespace
+} // namespace selfreport
