@@ -1,33 +1,12 @@
-#include "spreadsheet/functions/Call.h"
+// Averages, counts and extremes, plain and under conditions.
+#include "spreadsheet/functions/all_values.h"
 #include "spreadsheet/functions/FunctionTable.h"
-#include "spreadsheet/functions/spread.h"
 #include "spreadsheet/functions/sums.h"
 
-#include <unordered_map>
+#include <algorithm>
 
 namespace spreadsheet {
 
-Operand variance(std::span<const double> numbers, bool ofSample)
-{
-    const double divisor = static_cast<double>(numbers.size()) - (ofSample ? 1 : 0);
-    if (divisor <= 0)
-        return CellError::div0;
-    const double mean = compensatedSum(numbers) / static_cast<double>(numbers.size());
-    RunningSum squares;
-    for (const double number : numbers)
-        squares.add((number - mean) * (number - mean));
-    return checked(squares.total() / divisor);
-}
-
-Operand deviation(std::span<const double> numbers, bool ofSample)
-{
-    const Operand squared = variance(numbers, ofSample);
-    return squared.value().isError() ? squared : Operand(std::sqrt(squared.value().number()));
-}
-
-namespace {
-
-/// AVERAGEA and its kind: truth values count as 1 and 0, texts in ranges as 0.
 std::vector<double> valuesAsNumbers(Call& call)
 {
     std::vector<double> numbers;
@@ -47,6 +26,8 @@ std::vector<double> valuesAsNumbers(Call& call)
     }
     return numbers;
 }
+
+namespace {
 
 Operand averageOfAll(Call& call)
 {
@@ -68,81 +49,6 @@ Operand largestOfAll(Call& call)
 {
     const std::vector<double> numbers = valuesAsNumbers(call);
     return call.failed() ? call.error() : Operand(numbers.empty() ? 0 : std::ranges::max(numbers));
-}
-
-/// The number that would stand at a place, from 0, if they were sorted.
-double sortedAt(std::vector<double>& numbers, std::size_t place)
-{
-    const auto found = numbers.begin() + static_cast<std::ptrdiff_t>(place);
-    std::ranges::nth_element(numbers, found);
-    return *found;
-}
-
-Operand median(Call& call)
-{
-    std::vector<double> numbers = call.numbers();
-    if (call.failed())
-        return call.error();
-    if (numbers.empty())
-        return CellError::num;
-    const double upper = sortedAt(numbers, numbers.size() / 2);
-    if (numbers.size() % 2 == 1)
-        return upper;
-    return (sortedAt(numbers, numbers.size() / 2 - 1) + upper) / 2;
-}
-
-/// The most frequent number; of several the one that comes first.
-Operand mode(Call& call)
-{
-    const std::vector<double> numbers = call.numbers();
-    if (call.failed())
-        return call.error();
-    std::unordered_map<double, std::size_t> counts;
-    std::size_t most = 1;
-    for (const double number : numbers)
-        most = std::max(most, ++counts[number]);
-    if (most == 1)
-        return CellError::na;
-    return *std::ranges::find_if(numbers, [&](double number) { return counts[number] == most; });
-}
-
-/// LARGE and SMALL.
-template <bool fromLargest>
-Operand orderStatistic(Call& call)
-{
-    std::vector<double> numbers;
-    call.eachNumber(0, [&](double number) { numbers.push_back(number); });
-    const double place = fromLargest ? std::ceil(call.number(1)) : std::trunc(call.number(1));
-    if (call.failed())
-        return call.error();
-    if (place < 1 || place > static_cast<double>(numbers.size()))
-        return CellError::num;
-    const auto from = static_cast<std::size_t>(place);
-    return sortedAt(numbers, fromLargest ? numbers.size() - from : from - 1);
-}
-
-Operand rankOf(Call& call)
-{
-    const double number = call.number(0);
-    const bool ascending = call.logical(2, false);
-    if (!call.failed() && !call[1].isReference())
-        return CellError::value;
-    double ahead = 0;
-    bool found = false;
-    call.eachNumber(1, [&](double other) {
-        found = found || other == number;
-        ahead += ascending ? other < number : other > number;
-    });
-    if (call.failed())
-        return call.error();
-    return found ? Operand(ahead + 1) : Operand(CellError::na);
-}
-
-template <auto function, bool ofSample>
-Operand ofNumbers(Call& call)
-{
-    const std::vector<double> numbers = call.numbers();
-    return call.failed() ? call.error() : function(numbers, ofSample);
 }
 
 constexpr auto family = FunctionFamily::statistical;
@@ -172,17 +78,6 @@ const FunctionDescriptor table[] = {
     {"COUNTIF", 2, 2, "rv", family, "区域,条件", "计算满足条件的单元格的个数", countIf},
     {"COUNTIFS", 2, manyArguments, "rv", family, "条件区域1,条件1,[…]", "计算满足多个条件的单元格的个数",
      countIfs, pure, 2},
-    {"MEDIAN", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回中位数", median},
-    {"MODE", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回出现次数最多的数值", mode},
-    {"LARGE", 2, 2, "rv", family, "数组,k", "返回数组中第 k 个最大值", orderStatistic<true>},
-    {"SMALL", 2, 2, "rv", family, "数组,k", "返回数组中第 k 个最小值", orderStatistic<false>},
-    {"RANK", 2, 3, "vrv", family, "数值,引用,[排位方式]", "返回数值在一列数值中的排位", rankOf},
-    {"STDEV", 1, manyArguments, "r", family, "数值1,[数值2,…]", "估算样本的标准偏差",
-     ofNumbers<deviation, true>},
-    {"STDEVP", 1, manyArguments, "r", family, "数值1,[数值2,…]", "计算总体的标准偏差",
-     ofNumbers<deviation, false>},
-    {"VAR", 1, manyArguments, "r", family, "数值1,[数值2,…]", "估算样本的方差", ofNumbers<variance, true>},
-    {"VARP", 1, manyArguments, "r", family, "数值1,[数值2,…]", "计算总体的方差", ofNumbers<variance, false>},
 };
 
 } // namespace
