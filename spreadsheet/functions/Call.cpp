@@ -1,5 +1,7 @@
 #include "spreadsheet/functions/Call.h"
 
+#include "spreadsheet/engine/date_serial.h"
+
 #include <limits>
 
 namespace spreadsheet {
@@ -48,11 +50,21 @@ double Call::number(std::size_t argument)
     if (argument < m_arguments.size() && m_arguments[argument].isValue() &&
         m_arguments[argument].value().isNumber())
         return m_arguments[argument].value().number();
-    const Value coerced = toNumber(value(argument));
+    const Value coerced = numberOf(value(argument));
     if (!coerced.isError())
         return coerced.number();
     fail(coerced.error());
     return 0;
+}
+
+Value Call::numberOf(const Value& value) const
+{
+    const Value number = toNumber(value);
+    const bool mayBeDate = value.isText() && number.isNumber() && m_place.workbook.countsFrom1904();
+    if (!mayBeDate || parseDateTime(value.textView()) != number.number() || number.number() < 1)
+        return number;
+    const double serial = number.number() - daysFrom1900To1904;
+    return serial < 0 ? Value(CellError::value) : Value(serial);
 }
 
 double Call::number(std::size_t argument, double otherwise)

@@ -53,6 +53,8 @@ public:
     // an argument that was not handed over reads as that; one left empty between commas reads as 0.
     double number(std::size_t argument);
     double number(std::size_t argument, double otherwise);
+    /// The same for a value of any origin; an error stays one.
+    Value numberOf(const Value& value) const;
     /// Cut off toward zero; #NUM! beyond 32 bits.
     int integer(std::size_t argument);
     int integer(std::size_t argument, int otherwise);

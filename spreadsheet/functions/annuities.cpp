@@ -129,7 +129,7 @@ Operand partOfPayment(Call& call)
     const Annuity loan = loanArguments(call, 2);
     if (call.failed())
         return call.error();
-    if (period < 1 || period >= loan.periods + 1 || rate <= -1)
+    if (period < 1 || period > loan.periods || rate <= -1)
         return CellError::num;
     const double interest = interestPart(loan, period);
     return checked(ofInterest ? interest : loan.paymentOf() - interest);

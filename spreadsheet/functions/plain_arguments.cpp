@@ -9,8 +9,6 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr int daysFrom1900To1904 = 1462;
-
 int serialDay(Call& call, double serial)
 {
     const double day = std::floor(serial + serialShift(call));
@@ -37,7 +35,7 @@ double plainNumber(Call& call, std::size_t argument)
 {
     if (call.failed())
         return 0;
-    const Value number = toNumber(plainValue(call, argument));
+    const Value number = call.numberOf(plainValue(call, argument));
     if (!number.isError())
         return number.number();
     call.fail(number.error());
@@ -82,7 +80,7 @@ std::vector<double> plainNumbers(Call& call, std::size_t argument)
     call.eachValue(argument, [&](const Value& value) {
         if (value.isEmpty())
             return;
-        const Value number = value.isBoolean() ? Value(CellError::value) : toNumber(value);
+        const Value number = value.isBoolean() ? Value(CellError::value) : call.numberOf(value);
         if (number.isError())
             call.fail(number.error());
         else

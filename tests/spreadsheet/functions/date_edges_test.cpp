@@ -135,6 +135,8 @@ TEST(DateEdges, DaysCountedFrom1904)
         {"WEEKDAY(DATE(2011,3,6))", "1"},
         {"EDATE(DATE(2011,3,5),1)-DATE(2011,4,5)", "0"},
         {"EDATE(5,-1)", "#NUM!"},
+        {"YEAR(\"2011-3-5\")&EDATE(\"2011-3-5\",0)&HOUR(\"6:00\")", "\"2011391456\""},
+        {"DAY(\"1901-1-1\")", "#VALUE!"},
         {"NETWORKDAYS(DATE(2011,3,1),DATE(2011,3,31))", "23"},
         {"COUPNCD(DATE(2011,1,25),DATE(2011,11,15),2)=DATE(2011,5,15)", "TRUE"},
         {"YEAR(TODAY())>2020", "TRUE"},
