@@ -128,7 +128,9 @@ void CellEditor::fit()
     setLineWrapMode(wanted > most ? QPlainTextEdit::WidgetWidth : QPlainTextEdit::NoWrap);
     setWordWrapMode(QTextOption::WrapAnywhere);
     const int tallest = std::max(m_cell.height(), m_limits.bottom() - m_cell.top() + 1);
-    const int height = std::clamp(lines * fontMetrics().lineSpacing() + margins, m_cell.height(), tallest);
+    // One line fits its cell, whose height may be a pixel short of what an editor likes.
+    const int needed = lines == 1 ? m_cell.height() : lines * fontMetrics().lineSpacing() + margins;
+    const int height = std::clamp(needed, m_cell.height(), tallest);
     setGeometry(m_cell.left(), m_cell.top(), width, height);
     m_problem->move(m_cell.left(), m_cell.top() + height + 2);
 }
