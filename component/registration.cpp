@@ -1,5 +1,6 @@
 #include "component/registration.h"
 #include "component/host_call.h"
+#include "component/own_file.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,8 +9,6 @@
 #include <QJsonObject>
 #include <QSaveFile>
 #include <QStandardPaths>
-
-#include <dlfcn.h>
 
 namespace selfreport {
 
@@ -21,13 +20,13 @@ QString descriptorFile()
            QStringLiteral("/selfreport/classes/clsSelfReport.json");
 }
 
-/// The file that this code stands in.
+/// @throws HostError if the system does not tell
 QString libraryFile()
 {
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<void*>(&registerLibrary), &info) == 0)
+    const QString file = ownFile();
+    if (file.isEmpty())
         throw HostError("无法确定报表组件所在的文件。");
-    return QFileInfo(QFile::decodeName(info.dli_fname)).canonicalFilePath();
+    return file;
 }
 
 [[noreturn]] void refuse(const char* what, const QString& file, const QString& reason)
