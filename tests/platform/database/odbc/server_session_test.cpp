@@ -4,6 +4,8 @@
 #include "tests/tdsserver/TdsServer.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 
 namespace selfreport {
@@ -72,6 +74,45 @@ TEST(ServerSession, AsksAndCallsOneByOneAndInBatches)
         EXPECT_EQ(results[at].rows->number(0, "f"), 1000.25 + static_cast<double>(at));
     }
     EXPECT_LE(server.journal.requests().size(), 3U);
+}
+
+/// Batches of a script: what stands between the lines "go".
+std::vector<std::string> batchesOf(const std::string& name)
+{
+    std::ifstream script(std::filesystem::path(TEST_DATA_FOLDER) / "../../sql/sqlserver" / name);
+    std::vector<std::string> batches(1);
+    for (std::string line; std::getline(script, line);) {
+        if (line == "go")
+            batches.emplace_back();
+        else
+            batches.back() += line + "\n";
+    }
+    std::erase(batches, "");
+    return batches;
+}
+
+TEST(ServerSession, TheScriptsCanBeInstalledTwice)
+{
+    const DatabaseFolder folder;
+    folder.create()->execute("create table only_ours(a integer)");
+    {
+        const SqliteDatabase database(folder.file());
+        const Recordset tables =
+            database.prepare("select name from sqlite_schema where type='table' and name<>'only_ours'")
+                .rows();
+        for (std::size_t row = 0; row < tables.rowCount(); ++row)
+            database.run("drop table " + tables.text(row, "name"));
+    }
+    tds::TdsServer server(folder.file());
+    const auto connection = openConnection(server.connectionString());
+    for (int installation = 0; installation < 2; ++installation)
+        for (const char* script : {"tables.sql", "sp_GS_AcctProc.sql", "field_keys.sql"})
+            for (const std::string& batch : batchesOf(script))
+                EXPECT_NO_THROW(connection->execute(batch)) << script << ": " << batch.substr(0, 200);
+    EXPECT_EQ(connection->query("select * from tblSelfReportFieldKey").rowCount(), 14U);
+    EXPECT_EQ(connection->query("select name from sqlite_schema where type='table'").rowCount(), 17U);
+    EXPECT_THROW(connection->execute("create table tblAccount(fitemid int)"), DatabaseError)
+        << "without its guard a second installation would fail";
 }
 
 /// Puts an error of the server's between the tokens, before number `at` from the end.

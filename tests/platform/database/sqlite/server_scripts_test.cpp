@@ -61,7 +61,7 @@ TEST(ServerScripts, HoldTheSameFetchTypes)
         std::string key("'");
         key.append(kind.key).append("'");
         std::string row(key);
-        row.append(",N'").append(kind.name).append("')");
+        row.append(",N'").append(kind.name).append("'\n");
         EXPECT_NE(keys.find(row), std::string::npos) << row;
         const std::size_t at = procedure.find(std::string("select ").append(key));
         ASSERT_NE(at, std::string::npos) << key;
