@@ -1,5 +1,6 @@
 #include "catalogue/report_store.h"
 
+#include "catalogue/commit_outcome.h"
 #include "catalogue/placeholders.h"
 #include "catalogue/report_statements.h"
 #include "component/state/mdlMain.h"
@@ -9,7 +10,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <stdexcept>
 #include <vector>
 
@@ -48,6 +51,13 @@ StoredPageSetup pageSetupOf(const Recordset& rows)
             marginOf(rows, "fLeft"),
             marginOf(rows, "fRight"),
             rows.isNull(0, "fDirection") ? 1 : rows.integer(0, "fDirection")};
+}
+
+bool holdsReport(Connection& connection, const std::string& name, std::span<const std::byte> content)
+{
+    const Recordset rows = connection.query(reportStatement(gReportId), BinaryColumns::fetched);
+    return !rows.isEmpty() && rows.text(0, "fname") == name &&
+           std::ranges::equal(rows.binary(0, "fFileContent"), content);
 }
 
 int twips(double inches)
@@ -118,7 +128,7 @@ bool updateReport(const std::string& name, const spreadsheet::Workbook& workbook
             {std::int64_t{gReportId}, name, localNow(), std::int64_t{1}, gLoginUserId,
              std::span<const std::byte>(content), kept.header, kept.footer, kept.top, kept.bottom, kept.left,
              kept.right, kept.direction});
-        transaction.commit();
+        commitOrFindOut(transaction, [&](Connection& fresh) { return holdsReport(fresh, name, content); });
     });
 }
 
@@ -128,7 +138,9 @@ bool deleteInfo()
         Transaction transaction(connection);
         connection.execute(deleteReportStatement(gReportId));
         connection.execute(deleteMenuItemStatement(gReportId));
-        transaction.commit();
+        commitOrFindOut(transaction, [](Connection& fresh) {
+            return fresh.query(pageSetupStatement(gReportId)).isEmpty();
+        });
     });
 }
 
