@@ -233,7 +233,12 @@ Operand concatenatedAll(Call& call)
 Operand joined(Call& call)
 {
     std::vector<std::string> separators;
-    call.eachValue(0, [&](const Value& value) { separators.emplace_back(toText(value).textView()); });
+    call.eachValue(0, [&](const Value& value) {
+        if (value.isError())
+            call.fail(value.error());
+        else
+            separators.emplace_back(toText(value).textView());
+    });
     const bool withoutEmpty = call.logical(1);
     std::string result;
     std::size_t count = 0;

@@ -55,6 +55,7 @@ TEST(TextFunctions, ChangeAndJoin)
         {"PROPER(\"hELLO wORLD 2nd\")", "\"Hello World 2Nd\""},
         {"CONCATENATE(1.5,\"元\",TRUE)", "\"1.5元TRUE\""},
         {"CONCAT(A1:A4,\"!\")", "\"x5TRUE!\""},
+        {"TEXTJOIN(1/0,TRUE,A1:A4)", "#DIV/0!"},
         {"TEXTJOIN(\",\",TRUE,A1:A4)", "\"x,5,TRUE\""},
         {"TEXTJOIN({\"-\",\"+\"},FALSE,A1:A4)", "\"x-5+-TRUE\""},
         {"CONCAT(A1:B1)", "#N/A"},
