@@ -26,6 +26,9 @@ public:
     /// The elements of an array formula; nothing as above.
     std::shared_ptr<const Array> arrayOf(const Formula& formula, const EvaluationPlace& place);
 
+    /// What a formula comes to, references as such.
+    Operand operandOf(const Formula& formula, const EvaluationPlace& place) { return run(formula, place); }
+
     /// Gathers the custom calls that are certain to be made, without making them. A call that takes
     /// the value of another is found once that one's `expected` value is known: `known` holds the
     /// calls of this formula found so far, and new ones are appended.

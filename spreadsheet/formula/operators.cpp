@@ -115,6 +115,31 @@ Value applySign(Op op, const Value& value)
     return op == Op::negate ? Value(-number.number()) : Value(number.number() / 100);
 }
 
+namespace {
+
+/// Cuts whole rows and columns off behind the last ones that any sheet uses: so two of them, from wherever
+/// they are, give arrays of one size.
+void cutToUsed(const Workbook& workbook, CellRange& cells)
+{
+    const bool wholeColumns = cells.rows() == maxRows;
+    const bool wholeRows = cells.columns() == maxColumns;
+    if (!wholeColumns && !wholeRows)
+        return;
+    int rows = 1;
+    int columns = 1;
+    for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet) {
+        const CellRange used = usedPart(workbook, {sheet, {1, 1, maxColumns, maxRows}});
+        rows = std::max(rows, used.bottom);
+        columns = std::max(columns, used.right);
+    }
+    if (wholeColumns)
+        cells.bottom = rows;
+    if (wholeRows)
+        cells.right = std::max(columns, cells.left);
+}
+
+} // namespace
+
 std::shared_ptr<const Array> toArray(const Operand& operand, const EvaluationPlace& place)
 {
     if (operand.isArray())
@@ -122,11 +147,7 @@ std::shared_ptr<const Array> toArray(const Operand& operand, const EvaluationPla
     auto single = std::make_shared<Array>(1, 1);
     if (operand.isArea()) {
         Area area = operand.area();
-        if (area.cells.rows() == maxRows || area.cells.columns() == maxColumns) {
-            const CellRange used = usedPart(place.workbook, area);
-            area.cells.right = std::max(area.cells.left, used.right);
-            area.cells.bottom = std::max(area.cells.top, used.bottom);
-        }
+        cutToUsed(place.workbook, area.cells);
         const auto elements =
             static_cast<std::size_t>(area.cells.rows()) * static_cast<std::size_t>(area.cells.columns());
         if (elements <= maxArrayElements) {

@@ -20,6 +20,7 @@ struct EvaluationPlace {
     int sheet = 1; ///< index from 1
     CellAddress cell;
     LookupIndexes* indexes = nullptr; ///< of this recalculation; null outside of one
+    int textDepth = 0; ///< how many INDIRECT lie around it, through names whose formulas use it
 };
 
 /// The arguments of one function call, read by number from 0. Reading sticks at the first error:

@@ -39,6 +39,8 @@ std::vector<const FunctionDescriptor*> collect()
         discreteDistributionFunctions,
         logicalFunctions,
         lookupFunctions,
+        extendedLookupFunctions,
+        arrayShapingFunctions,
         textFunctions,
         dateFunctions,
         dateSpanFunctions,

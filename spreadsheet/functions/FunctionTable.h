@@ -83,6 +83,8 @@ std::span<const FunctionDescriptor> continuousDistributionFunctions();
 std::span<const FunctionDescriptor> discreteDistributionFunctions();
 std::span<const FunctionDescriptor> logicalFunctions();
 std::span<const FunctionDescriptor> lookupFunctions();
+std::span<const FunctionDescriptor> extendedLookupFunctions();
+std::span<const FunctionDescriptor> arrayShapingFunctions();
 std::span<const FunctionDescriptor> textFunctions();
 std::span<const FunctionDescriptor> dateFunctions();
 std::span<const FunctionDescriptor> dateSpanFunctions();

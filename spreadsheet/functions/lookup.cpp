@@ -145,6 +145,35 @@ Operand transposed(Call& call)
     return std::shared_ptr<const Array>(std::move(result));
 }
 
+/// A link shows its text, or its address if it has none.
+Operand hyperlink(Call& call)
+{
+    if (call.value(0).isError())
+        return call.value(0);
+    return passedOn(call, call.count() > 1 ? 1 : 0);
+}
+
+/// The formula of a cell with its "="; #N/A if it holds none.
+Operand formulaText(Call& call)
+{
+    if (!call[0].isArea())
+        return call[0].isValue() && call[0].value().isError() ? call[0] : Operand(CellError::value);
+    const Area& area = call[0].area();
+    const Sheet& sheet = call.place().workbook.sheet(area.sheet);
+    const CellAddress cell{area.cells.left, area.cells.top};
+    if (!sheet.hasFormula(cell))
+        return CellError::na;
+    const std::string text = "=" + sheet.formula(cell);
+    return Value::text(sheet.arrayRange(cell) ? "{" + text + "}" : text);
+}
+
+/// Functions whose sources, pivot tables and real-time servers, do not exist here.
+template <CellError error>
+Operand withoutSource(Call&)
+{
+    return error;
+}
+
 constexpr auto family = FunctionFamily::lookup;
 constexpr auto unlistedVolatile = static_cast<std::uint8_t>(readsUnlisted | isVolatile);
 
@@ -171,6 +200,12 @@ const FunctionDescriptor table[] = {
      unlistedVolatile},
     {"ADDRESS", 2, 5, "vvvvv", family, "行号,列号,[引用类型],[A1样式],[工作表名]",
      "按行号和列号返回单元格地址文本", addressText},
+    {"HYPERLINK", 1, 2, "vr", family, "链接地址,[显示文本]", "返回链接的显示文本", hyperlink},
+    {"FORMULATEXT", 1, 1, "r", family, "引用", "返回单元格中公式的文本", formulaText, isVolatile},
+    {"GETPIVOTDATA", 2, manyArguments, "rr", family, "数据字段,数据透视表,[字段和项,…]",
+     "返回数据透视表中的数据；本系统没有数据透视表，返回 #REF!", withoutSource<CellError::ref>},
+    {"RTD", 3, manyArguments, "v", family, "程序标识,服务器,主题,[…]",
+     "返回实时数据；本系统没有实时数据源，返回 #N/A", withoutSource<CellError::na>},
     {"TRANSPOSE", 1, 1, "a", family, "数组", "返回行列互换的数组", transposed},
 };
 

@@ -2,6 +2,7 @@
 #include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/number_calls.h"
 #include "spreadsheet/functions/plain_arguments.h"
+#include "spreadsheet/functions/randomness.h"
 #include "spreadsheet/functions/sums.h"
 
 #include <numbers>
@@ -115,7 +116,7 @@ std::mt19937_64& randomness()
 
 Operand randomFraction(Call&)
 {
-    return std::uniform_real_distribution<double>(0, 1)(randomness());
+    return randomShare();
 }
 
 Operand randomBetween(double low, double high)
@@ -171,6 +172,11 @@ const FunctionDescriptor table[] = {
 };
 
 } // namespace
+
+double randomShare()
+{
+    return std::uniform_real_distribution<double>(0, 1)(randomness());
+}
 
 std::span<const FunctionDescriptor> mathematicalFunctions()
 {

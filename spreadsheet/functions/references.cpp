@@ -1,6 +1,9 @@
 #include "spreadsheet/functions/references.h"
 
 #include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/formula/Evaluator.h"
+#include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/formula/ReferenceSlot.h"
 #include "spreadsheet/functions/Call.h"
 
@@ -115,6 +118,21 @@ int takeSheet(const EvaluationPlace& place, std::string_view& text)
     return name ? place.workbook.sheetIndex(*name) : place.sheet;
 }
 
+/// What a defined name refers to; #REF! if there is no such name or it stands for no reference.
+Operand referenceOfName(const EvaluationPlace& place, std::string_view name)
+{
+    constexpr int deepest = 32; // names that lead to each other through texts
+    const NameTable& names = place.workbook.names();
+    const int number = names.find(name);
+    if (number < 0 || names[number].formula == 0 || place.textDepth == deepest)
+        return CellError::ref;
+    EvaluationPlace inner = place;
+    ++inner.textDepth;
+    Evaluator evaluator(place.workbook);
+    const Operand operand = evaluator.operandOf(place.workbook.formulas()[names[number].formula], inner);
+    return operand.isReference() ? operand : Operand(CellError::ref);
+}
+
 } // namespace
 
 Operand indexed(Call& call)
@@ -176,10 +194,10 @@ Operand referenceOfText(Call& call)
         return call.error();
     std::string_view text = trimmedBlanks(whole);
     const int sheet = takeSheet(call.place(), text);
-    const auto cells = letters ? parseAnyRange(text) : parseRowColumnRange(text, call.place().cell);
-    if (sheet == 0 || !cells)
+    if (sheet == 0)
         return CellError::ref;
-    return Area{sheet, *cells};
+    const auto cells = letters ? parseAnyRange(text) : parseRowColumnRange(text, call.place().cell);
+    return cells ? Operand(Area{sheet, *cells}) : referenceOfName(call.place(), text);
 }
 
 Operand addressText(Call& call)
