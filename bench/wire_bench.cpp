@@ -1,0 +1,140 @@
+// Times recalculations over the driver and the wire, against the test server with half a millisecond of added
+// latency for each round trip.
+#include "bench/bench_table.h"
+#include "component/state/shared_state.h"
+#include "demo/ledger/demo_ledger.h"
+#include "formula/evaluation.h"
+#include "formula/ledger_fetch.h"
+#include "formula/ledger_query.h"
+#include "platform/database/Connection.h"
+#include "platform/database/sqlite/acct_procedure.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+#include "tests/tdsserver/TdsServer.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <unistd.h>
+
+using namespace selfreport;
+
+namespace {
+
+constexpr int balanceRows = 300'000;
+constexpr std::size_t distinctFetches = 400;
+
+/// Closing balances, movements and openings over ranges, patterns and single accounts of two years.
+std::vector<LedgerArguments> fetchesOfAReport()
+{
+    std::vector<LedgerArguments> fetches;
+    for (const char* year : {"2025", "2024"})
+        for (const char* kind : {"2", "3", "4", "1"})
+            for (const char* account :
+                 {"1001:1901", "1122|客户|0***", "66**", "****", "1122|客户|0001:0100", "1001"})
+                for (const char* period : {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"})
+                    if (fetches.size() < distinctFetches)
+                        fetches.push_back({account, kind, "", year, "1", period});
+    return fetches;
+}
+
+void putCells(spreadsheet::Workbook& workbook, const std::vector<LedgerArguments>& fetches)
+{
+    for (int row = 1; row <= 1000; ++row) {
+        const LedgerArguments& f = fetches[static_cast<std::size_t>(row - 1) % fetches.size()];
+        const std::string formula = "Acct(\"" + f.account + "\",\"" + f.fetchType + "\",\"\",\"" + f.year +
+                                    "\",\"" + f.firstPeriod + "\",\"" + f.lastPeriod + "\")";
+        if (workbook.sheet(1).setFormula({1, row}, formula))
+            throw std::runtime_error("refused: " + formula);
+    }
+}
+
+/// The procedure's own time for the calls of the fetches, without driver, wire and batches.
+double procedureSeconds(const std::string& file, const std::vector<LedgerArguments>& fetches)
+{
+    const SqliteDatabase database(file);
+    AcctProcedure procedure(database);
+    std::vector<ProcedureCall> calls;
+    for (const LedgerArguments& fetch : fetches) {
+        const AccountExpression expression = parseAccountExpression(fetch.account);
+        const std::vector<std::optional<std::string>> tables(expression.qualifiers.size(), "tblCustomer");
+        calls.push_back(ledgerProcedureCall(fetch, ledgerQuery(expression, tables)));
+    }
+    return bestSeconds(
+        5, [] {},
+        [&] {
+            for (const ProcedureCall& call : calls)
+                procedure.run(call);
+        });
+}
+
+void benchRecalculation(BenchTable& table, tds::TdsServer& server, const std::string& file)
+{
+    const std::vector<LedgerArguments> fetches = fetchesOfAReport();
+    spreadsheet::Workbook workbook;
+    putCells(workbook, fetches);
+    ReportEvaluation evaluation(workbook);
+    evaluation.addSelfFunction();
+    evaluation.recalculate(); // the session lies in the pool
+    server.journal.clear();
+    evaluation.recalculate();
+    table.row("round trips of 1,000 Acct cells, 400 distinct",
+              static_cast<double>(server.journal.requests().size()), 4, "");
+    const double work = procedureSeconds(file, fetches);
+    const double whole = bestSeconds(
+        5, [] {}, [&] { evaluation.recalculate(); });
+    std::printf("   (recalculated in %.1f ms, the procedure alone %.1f ms)\n", whole * 1e3, work * 1e3);
+    table.row("1,000 Acct cells with 0.5 ms a round trip, times the procedure", whole / work, 1.3, "x");
+}
+
+void benchPool(BenchTable& table)
+{
+    constexpr int times = 1000;
+    const double seconds = bestSeconds(
+        5, [] {},
+        [] {
+            for (int i = 0; i < times; ++i)
+                openConnection(gConnString);
+        });
+    table.row("open and close through the pool", seconds / times * 1e6, 20, "us");
+}
+
+/// A value of 64 MiB stored and read back, without added latency; no bound is set.
+void benchContent(tds::TdsServer& server)
+{
+    server.replyDelay = std::chrono::microseconds(0);
+    const std::vector<std::byte> content(64U << 20U, std::byte{7});
+    const auto connection = openConnection(gConnString);
+    connection->execute("insert into tblCWSelfReport(noid,fname,fFileContent) values(9999,'大',?)",
+                        {std::span<const std::byte>(content)});
+    const double read = bestSeconds(
+        3, [] {},
+        [&] {
+            connection->query("select fFileContent from tblCWSelfReport where noid=9999",
+                              BinaryColumns::fetched);
+        });
+    std::printf("   (64 MiB read in %.0f ms)\n", read * 1e3);
+}
+
+} // namespace
+
+int main()
+{
+    const auto file =
+        std::filesystem::temp_directory_path() / ("wire_bench-" + std::to_string(::getpid()) + ".db");
+    BenchTable table("over the wire");
+    try {
+        createDemoLedger(file.string(), DemoLedgerOptions::ofBalanceRows(balanceRows));
+        tds::TdsServer server(file.string());
+        gConnString = server.connectionString();
+        server.replyDelay = std::chrono::microseconds(500);
+        benchRecalculation(table, server, file.string());
+        benchPool(table);
+        benchContent(server);
+        closeIdleSessions();
+    } catch (const std::exception& error) {
+        std::printf("failed: %s\n", error.what());
+        std::filesystem::remove(file);
+        return 2;
+    }
+    std::filesystem::remove(file);
+    return table.finish();
+}
