@@ -71,25 +71,6 @@ void load(ReportRun& run, const RecordingDialogs& boxes)
     throw ReportRunError("编号为" + std::to_string(gReportId) + "的报表无法载入：" + why);
 }
 
-bool needsQuotes(std::string_view field)
-{
-    return field.find_first_of(",\"\r\n") != std::string_view::npos || field.starts_with(' ') ||
-           field.ends_with(' ');
-}
-
-std::string csvField(const std::string& text)
-{
-    if (!needsQuotes(text))
-        return text;
-    std::string field = "\"";
-    for (const char c : text) {
-        field += c;
-        if (c == '"')
-            field += c;
-    }
-    return field + '"';
-}
-
 } // namespace
 
 std::vector<ListedReport> listReports(const std::string& connectionString)
@@ -124,22 +105,6 @@ ReportRun runReport(const std::string& connectionString, std::int32_t id, const 
     for (const RecordingDialogs::Said& said : boxes.said)
         run.messages.push_back(said.text);
     return run;
-}
-
-std::string sheetCsv(const spreadsheet::Sheet& sheet)
-{
-    std::string csv = "\xEF\xBB\xBF"; // spreadsheets take UTF-8 for granted only with the mark
-    const int lastRow = sheet.lastDataRow();
-    const int lastColumn = sheet.lastDataColumn();
-    for (int row = 1; row <= lastRow; ++row) {
-        for (int column = 1; column <= lastColumn; ++column) {
-            if (column > 1)
-                csv += ',';
-            csv += csvField(sheet.displayText({column, row}));
-        }
-        csv += "\r\n";
-    }
-    return csv;
 }
 
 } // namespace selfreport

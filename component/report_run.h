@@ -43,8 +43,4 @@ std::vector<ListedReport> listReports(const std::string& connectionString);
 /// @throws ReportRunError if there is no such database or report, or its content is damaged
 ReportRun runReport(const std::string& connectionString, std::int32_t id, const RunOptions& options = {});
 
-/// The used area of a sheet as CSV: UTF-8 with byte order mark, lines ended by CR LF, the texts that the
-/// cells show, quoted where they hold a comma, a quote, a line end or a blank at an end.
-std::string sheetCsv(const spreadsheet::Sheet& sheet);
-
 } // namespace selfreport

@@ -1,7 +1,6 @@
 #include "component/tool_api.h"
 #include "component/application.h"
 #include "component/host_call.h"
-#include "component/PendingFile.h"
 #include "component/report_run.h"
 #include "demo/demo_check.h"
 #include "demo/demo_reports.h"
@@ -9,6 +8,9 @@
 #include "platform/database/Connection.h"
 #include "platform/database/sql_text.h"
 #include "platform/settings/QtSettings.h"
+#include "spreadsheet/files/FileFormats.h"
+#include "spreadsheet/files/PendingFile.h"
+#include "spreadsheet/files/text/csv.h"
 #include "spreadsheet/print/pdf.h"
 
 #include <array>
@@ -19,6 +21,9 @@
 #include <ostream>
 
 namespace selfreport {
+
+using spreadsheet::FileError;
+using spreadsheet::PendingFile;
 
 namespace {
 
@@ -52,20 +57,10 @@ std::optional<PendingFile> pending(const std::string& file)
     return file.empty() ? std::optional<PendingFile>() : std::optional<PendingFile>(std::in_place, file);
 }
 
-/// All sheets below each other; the byte order mark stands once, at the start.
-std::string workbookCsv(const spreadsheet::Workbook& workbook)
-{
-    constexpr std::size_t markLength = 3;
-    std::string csv = sheetCsv(workbook.sheet(1));
-    for (int sheet = 2; sheet <= workbook.sheetCount(); ++sheet)
-        csv += "\r\n" + sheetCsv(workbook.sheet(sheet)).substr(markLength);
-    return csv;
-}
-
 void writeCsv(const ReportRun& run, const PendingFile& file)
 {
     std::ofstream stream(file.path(), std::ios::binary);
-    stream << workbookCsv(*run.workbook);
+    stream << spreadsheet::workbookCsv(*run.workbook);
     stream.close();
     if (!stream)
         throw FileError("CSV 写入失败: " + run.name);
@@ -123,7 +118,7 @@ void writeReport(const std::string& database, std::int32_t reportId, const Repor
     if (csv)
         csv->putInPlace();
     if (!pdf && !csv)
-        streams.results << workbookCsv(*run.workbook);
+        streams.results << spreadsheet::workbookCsv(*run.workbook);
 }
 
 } // namespace
@@ -171,6 +166,24 @@ int toolCheck(const std::string& database, const ToolStreams& streams) noexcept
         }
         if (wrong > 0)
             throw ReportRunError(std::to_string(wrong) + " 个数据与另行查询的结果不一致");
+    });
+}
+
+int toolConvert(const std::string& input, const std::string& output, bool recalculates,
+                const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        const auto format = spreadsheet::fileFormatOfName(output);
+        if (!format)
+            throw FileError("无法从扩展名看出要写的格式 (.ss7 .xls .xlsx .csv .html): " + output);
+        spreadsheet::Workbook workbook;
+        for (const std::string& warning : spreadsheet::loadWorkbook(workbook, input))
+            streams.notes << "引入: " << warning << '\n';
+        if (recalculates)
+            workbook.recalculate();
+        for (const std::string& warning : spreadsheet::saveWorkbook(workbook, output, *format))
+            streams.notes << "引出: " << warning << '\n';
+        streams.results << output << '\n';
     });
 }
 

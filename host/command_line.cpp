@@ -42,6 +42,12 @@ constexpr auto checkHelp = R"(每行: 报表中的数、另行查询的数、是
 示例:
   selfreport check --db demo.db)";
 
+constexpr auto convertHelp = R"(读入的格式按内容识别 (.ss7 .xls .xlsx .csv),写出的格式按扩展名 (还有 .html)。
+不能保留的内容逐条列在标准错误上。已有的文件在全部写好之后才被替换; 失败时原样保留。
+示例:
+  selfreport convert 旧报表.xls 报表.ss7
+  selfreport convert 报表.ss7 报表.xlsx --recalculate)";
+
 /// The library's texts around ours, in Chinese.
 class ChineseFormatter : public CLI::Formatter {
 public:
@@ -145,6 +151,13 @@ Command readCommandLine(int count, const char* const* arguments)
     CLI::App* checkCommand = addCommand(app, "check", "将演示报表的数据与另行查询的结果核对", checkHelp);
     addDatabase(checkCommand, check.database);
 
+    ConvertCommand convert;
+    CLI::App* convertCommand =
+        addCommand(app, "convert", "在 .ss7、.xls、.xlsx、.csv、.html 之间转换", convertHelp);
+    convertCommand->add_option("IN", convert.input, "要读的文件")->required()->type_name("");
+    convertCommand->add_option("OUT", convert.output, "要写的文件")->required()->type_name("");
+    convertCommand->add_flag("--recalculate", convert.recalculates, "写出之前重新计算全部公式");
+
     try {
         app.parse(count, arguments);
     } catch (const CLI::Success& success) {
@@ -160,6 +173,8 @@ Command readCommandLine(int count, const char* const* arguments)
         return run;
     if (checkCommand->parsed())
         return check;
+    if (convertCommand->parsed())
+        return convert;
     std::cout << app.help();
     return Finished{0};
 }

@@ -21,12 +21,16 @@ struct RunCommand {
 struct CheckCommand {
     std::string database;
 };
+struct ConvertCommand {
+    std::string input, output;
+    bool recalculates = false;
+};
 /// Nothing more is to be done: help was printed, or the command line was refused with a message.
 struct Finished {
     int exitCode = 0; ///< 0, or 2 for a command line that is wrong
 };
 
-using Command = std::variant<Finished, DemoCommand, ListCommand, RunCommand, CheckCommand>;
+using Command = std::variant<Finished, DemoCommand, ListCommand, RunCommand, CheckCommand, ConvertCommand>;
 
 /// Reads the command line. Prints help to standard output and refusals to standard error.
 Command readCommandLine(int count, const char* const* arguments);

@@ -18,6 +18,10 @@ struct Carry {
         return toolRun(run.database, run.reportId, {run.pdf, run.csv}, streams);
     }
     int operator()(const CheckCommand& check) const { return toolCheck(check.database, streams); }
+    int operator()(const ConvertCommand& convert) const
+    {
+        return toolConvert(convert.input, convert.output, convert.recalculates, streams);
+    }
 };
 
 } // namespace

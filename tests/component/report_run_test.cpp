@@ -88,24 +88,5 @@ TEST(ReportRun, FailuresNameTheThing)
     std::filesystem::remove(empty);
 }
 
-TEST(ReportRun, CsvOfTheUsedArea)
-{
-    Workbook workbook;
-    spreadsheet::Sheet& sheet = workbook.sheet(1);
-    EXPECT_EQ(sheetCsv(sheet), "\xEF\xBB\xBF");
-    sheet.setText({1, 1}, "科目,名称");
-    sheet.setText({2, 1}, "引\"号\"");
-    sheet.setText({1, 2}, " 前面有空格");
-    sheet.setText({3, 2}, "两\n行");
-    sheet.setNumber({2, 3}, -1234.5);
-    spreadsheet::CellStyle style;
-    style.type = spreadsheet::CellType::number;
-    sheet.setStyle({2, 3}, style);
-    EXPECT_EQ(sheetCsv(sheet), "\xEF\xBB\xBF"
-                               "\"科目,名称\",\"引\"\"号\"\"\",\r\n"
-                               "\" 前面有空格\",,\"两\n行\"\r\n"
-                               ",-1234.50,\r\n");
-}
-
 } // namespace
 } // namespace selfreport

@@ -6,6 +6,7 @@
 #include "demo/labelled_cell.h"
 #include "demo/ledger/demo_ledger.h"
 #include "platform/database/Connection.h"
+#include "spreadsheet/files/text/csv.h"
 
 #include <cmath>
 #include <filesystem>
@@ -57,7 +58,7 @@ TEST_F(DemoReports, StoredInOrderAndWithoutErrors)
         EXPECT_EQ(reports[i].savedBy, "系统管理员");
         const ReportRun run = runReport(connectionString(), reports[i].id);
         for (int index = 1; index <= run.workbook->sheetCount(); ++index)
-            EXPECT_EQ(sheetCsv(run.workbook->sheet(index)).find('#'), std::string::npos) << names[i];
+            EXPECT_EQ(spreadsheet::sheetCsv(run.workbook->sheet(index)).find('#'), std::string::npos) << names[i];
         EXPECT_NE(run.workbook->sheet(1).settings().print.footer.find("/p"), std::string::npos);
     }
 }
@@ -69,7 +70,7 @@ TEST_F(DemoReports, BalanceSheetBalancesAndSharingChangesNothing)
     single.fetchesShared = false;
     const ReportRun alone = runReport(connectionString(), 1, single);
     const spreadsheet::Sheet& sheet = shared.workbook->sheet(1);
-    EXPECT_EQ(sheetCsv(sheet), sheetCsv(alone.workbook->sheet(1)));
+    EXPECT_EQ(spreadsheet::sheetCsv(sheet), spreadsheet::sheetCsv(alone.workbook->sheet(1)));
     for (const int column : {2, 3})
         EXPECT_EQ(sheet.displayText(demo::cellBeside(sheet, "资产总计", column)),
                   sheet.displayText(demo::cellBeside(sheet, "负债和所有者权益总计", column)));

@@ -19,7 +19,10 @@ double digitPixels(std::string_view family, double points)
     for (const char c : family)
         chinese |= static_cast<unsigned char>(c) >= 0x80;
     chinese |= family == "SimSun" || family == "SimHei" || family == "NSimSun" || family == "FangSong";
-    return std::clamp(std::ceil(em * (chinese ? 0.5 : 0.53) - 0.25), 1.0, 100.0);
+    if (chinese)
+        return std::clamp(std::ceil(em * 0.5), 1.0, 200.0);
+    const double width = family == "Calibri" ? std::floor(em * 0.507) : std::round(em * 0.556);
+    return std::clamp(width, 1.0, 200.0);
 }
 
 int columnTwips(double digits, double pixelsOfDigit)

@@ -1,4 +1,4 @@
-#include "component/PendingFile.h"
+#include "spreadsheet/files/PendingFile.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -6,7 +6,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace selfreport {
+namespace spreadsheet {
 
 namespace {
 
@@ -83,4 +83,4 @@ void PendingFile::putInPlace(bool replaces)
         refuse(m_final, errno);
 }
 
-} // namespace selfreport
+} // namespace spreadsheet

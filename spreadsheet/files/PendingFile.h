@@ -2,7 +2,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-namespace selfreport {
+namespace spreadsheet {
 
 /// A file cannot be written; what() names it and says why.
 struct FileError : std::runtime_error {
@@ -31,4 +31,4 @@ private:
     std::filesystem::path m_temporary;
 };
 
-} // namespace selfreport
+} // namespace spreadsheet

@@ -1,0 +1,156 @@
+#include "spreadsheet/engine/typed_text.h"
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/exchange/CodePage.h"
+#include "spreadsheet/files/exchange/unicode_text.h"
+#include "spreadsheet/files/text/csv.h"
+
+#include <algorithm>
+#include <array>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr std::size_t sensedLines = 30;
+
+std::string utf8OfFile(Bytes file)
+{
+    const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
+    if (text.starts_with("\xEF\xBB\xBF"))
+        return CodePage("UTF-8").decoded(text.substr(3));
+    if (text.starts_with("\xFF\xFE"))
+        return CodePage("UTF-16LE").decoded(text.substr(2));
+    if (text.starts_with("\xFE\xFF"))
+        return CodePage("UTF-16BE").decoded(text.substr(2));
+    requireFile(text.find('\0') == std::string_view::npos, "内容不是文本");
+    return isUtf8(text) ? std::string(text) : CodePage("GB18030").decoded(text);
+}
+
+/// Goes through fields; a field in quotes may hold separators and line ends.
+class FieldReader {
+public:
+    FieldReader(std::string_view text, char separator)
+        : m_text(text)
+        , m_separator(separator)
+    {
+    }
+
+    bool atEnd() const { return m_at == m_text.size(); }
+    /// The next field, and whether it ends its line.
+    bool next(std::string& field)
+    {
+        field.clear();
+        if (m_at < m_text.size() && m_text[m_at] == '"')
+            quoted(field);
+        const std::size_t end =
+            std::min(m_text.find_first_of(std::string{m_separator, '\r', '\n'}, m_at), m_text.size());
+        field += m_text.substr(m_at, end - m_at);
+        m_at = end;
+        if (m_at == m_text.size())
+            return true;
+        const char ending = m_text[m_at++];
+        if (ending == '\r' && m_at < m_text.size() && m_text[m_at] == '\n')
+            ++m_at;
+        return ending != m_separator;
+    }
+
+private:
+    void quoted(std::string& field)
+    {
+        for (++m_at; m_at < m_text.size(); ++m_at) {
+            if (m_text[m_at] == '"') {
+                if (m_at + 1 == m_text.size() || m_text[m_at + 1] != '"') {
+                    ++m_at;
+                    return;
+                }
+                ++m_at;
+            }
+            field += m_text[m_at];
+        }
+    }
+
+    std::string_view m_text;
+    char m_separator;
+    std::size_t m_at = 0;
+};
+
+/// Lines of the beginning with the commonest count of fields, times that count; 0 if nothing is parted.
+std::size_t evenness(std::string_view text, char separator)
+{
+    FieldReader reader(text, separator);
+    std::vector<std::size_t> counts;
+    std::string field;
+    while (!reader.atEnd() && counts.size() < sensedLines) {
+        std::size_t fields = 1;
+        while (!reader.next(field))
+            ++fields;
+        counts.push_back(fields);
+    }
+    std::size_t best = 0;
+    for (const std::size_t count : counts) {
+        const auto lines = static_cast<std::size_t>(std::ranges::count(counts, count));
+        best = std::max(best, count > 1 ? lines * (count + 8) : 0); // agreeing lines weigh more than fields
+    }
+    return best;
+}
+
+char sensedSeparator(std::string_view text)
+{
+    static constexpr std::array separators{',', '\t', ';', '|'};
+    return *std::ranges::max_element(separators, {},
+                                     [text](char separator) { return evenness(text, separator); });
+}
+
+/// Codes such as 001 and numbers of identity cards would lose digits as numbers.
+bool isCode(std::string_view field)
+{
+    const auto digits =
+        static_cast<std::size_t>(std::ranges::count_if(field, [](char c) { return c >= '0' && c <= '9'; }));
+    if (digits != field.size() || digits == 0)
+        return false;
+    return digits > 15 || (digits > 1 && field.front() == '0');
+}
+
+void enter(Workbook& workbook, Sheet& sheet, CellAddress at, std::string_view field)
+{
+    TypedConstant constant;
+    if (!isCode(field) && !field.starts_with('='))
+        constant = typedConstant(field);
+    if (constant.value.isEmpty() || constant.value.isText())
+        constant = {Value(workbook.texts().intern(field)), std::nullopt};
+    const Column::Place place = sheet.loadColumn(at.column).writable(at.row);
+    place.block.setValue(place.index, constant.value);
+    if (!constant.type)
+        return;
+    CellStyle style;
+    style.type = *constant.type;
+    place.block.setStyle(place.index, workbook.styles().intern(style));
+}
+
+} // namespace
+
+void readCsv(Bytes file, Workbook& workbook)
+{
+    const std::string text = utf8OfFile(file);
+    FieldReader reader(text, sensedSeparator(text));
+    Sheet& sheet = workbook.sheet(1);
+    CellAddress at{1, 1};
+    int lastColumn = 1;
+    std::string field;
+    while (!reader.atEnd()) {
+        requireFile(at.row <= maxRows && at.column <= maxColumns, "行数或列数超出一张表的范围");
+        const bool isLast = reader.next(field);
+        if (!field.empty())
+            enter(workbook, sheet, at, field);
+        lastColumn = std::max(lastColumn, at.column);
+        at = isLast ? CellAddress{1, at.row + 1} : CellAddress{at.column + 1, at.row};
+    }
+    sheet.changeSettings([&](SheetSettings& settings) {
+        settings.rowCount = std::max(settings.rowCount, std::min(at.row, maxRows));
+        settings.columnCount = std::max(settings.columnCount, lastColumn);
+    });
+    workbook.markCalculated();
+}
+
+} // namespace spreadsheet

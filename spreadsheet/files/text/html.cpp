@@ -1,0 +1,195 @@
+#include "spreadsheet/files/text/html.h"
+
+#include "spreadsheet/engine/Workbook.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace spreadsheet {
+
+namespace {
+
+void appendEscaped(std::string_view text, std::string& html)
+{
+    for (const char c : text) {
+        switch (c) {
+        case '&':
+            html += "&amp;";
+            break;
+        case '<':
+            html += "&lt;";
+            break;
+        case '>':
+            html += "&gt;";
+            break;
+        case '"':
+            html += "&quot;";
+            break;
+        case '\n':
+            html += "<br>";
+            break;
+        default:
+            html += c;
+        }
+    }
+}
+
+std::string colourText(Colour colour)
+{
+    std::array<char, 16> text;
+    std::snprintf(text.data(), text.size(), "#%06X", colour & 0xFFFFFF);
+    return text.data();
+}
+
+std::string pointsText(int twips)
+{
+    std::string text = std::to_string(twips / 20);
+    if (twips % 20 != 0)
+        text += "." + std::to_string(100 + twips % 20 * 5).substr(1);
+    return text + "pt";
+}
+
+std::string lineCss(const char* side, const BorderLine& line)
+{
+    const char* kind = nullptr;
+    bool isFine = true;
+    switch (line.style) {
+    case LineStyle::none:
+    case LineStyle::erase:
+        return {};
+    case LineStyle::solid:
+        isFine = false;
+        [[fallthrough]];
+    case LineStyle::fineSolid:
+        kind = "solid";
+        break;
+    case LineStyle::dot:
+        isFine = false;
+        [[fallthrough]];
+    case LineStyle::fineDot:
+        kind = "dotted";
+        break;
+    case LineStyle::dash:
+    case LineStyle::dashDot:
+    case LineStyle::dashDotDot:
+        isFine = false;
+        [[fallthrough]];
+    default:
+        kind = "dashed";
+    }
+    return std::string("border-") + side + ":" + (isFine ? "1px " : "2px ") + kind + " " +
+           colourText(line.colour) + ";";
+}
+
+std::string fontCss(const CellFont& font)
+{
+    std::string css = "font:";
+    css += font.italic ? "italic " : "";
+    css += font.bold ? "bold " : "";
+    css += pointsText(static_cast<int>(font.points * 20 + 0.5f)) + " '";
+    for (const char c : font.family.empty() ? std::string_view("宋体") : font.family.view())
+        css += std::string_view("'\\<>;{}").find(c) == std::string_view::npos ? c : ' ';
+    css += "';";
+    if (font.underline || font.strikeThrough)
+        css += std::string("text-decoration:") + (font.underline ? "underline " : "") +
+               (font.strikeThrough ? "line-through" : "") + ";";
+    return css;
+}
+
+std::string styleCss(const CellStyle& style)
+{
+    static constexpr std::array horizontals{"left", "right", "center"};
+    static constexpr std::array verticals{"top", "middle", "bottom"};
+    std::string css = fontCss(style.font);
+    if (style.foreground != automaticColour)
+        css += "color:" + colourText(style.foreground) + ";";
+    if (style.background != automaticColour)
+        css += "background:" + colourText(style.background) + ";";
+    if (style.horizontal != HorizontalAlignment::general)
+        css += std::string("text-align:") + horizontals[static_cast<std::size_t>(style.horizontal)] + ";";
+    css += std::string("vertical-align:") + verticals[static_cast<std::size_t>(style.vertical)] + ";";
+    css += style.wrap ? "white-space:pre-wrap;" : "white-space:pre;";
+    return css + lineCss("left", style.left) + lineCss("right", style.right) + lineCss("top", style.top) +
+           lineCss("bottom", style.bottom);
+}
+
+class SheetTable {
+public:
+    SheetTable(const Sheet& sheet, std::string& html)
+        : m_sheet(sheet)
+        , m_html(html)
+        , m_rows(sheet.lastDataRow())
+        , m_columns(sheet.lastDataColumn())
+    {
+        for (const CellRange& span : sheet.settings().spans) {
+            // Only spans that begin inside the used area reach beyond it.
+            if (span.top <= m_rows && span.left <= m_columns)
+                m_columns = std::max(m_columns, span.right);
+        }
+    }
+
+    void write()
+    {
+        m_html += "<h2>";
+        appendEscaped(m_sheet.name(), m_html);
+        m_html += "</h2>\n<table>\n<colgroup>";
+        for (int column = 1; column <= m_columns; ++column)
+            m_html += "<col style=\"width:" + pointsText(m_sheet.settings().columns.size(column)) + "\">";
+        m_html += "</colgroup>\n";
+        for (int row = 1; row <= m_rows; ++row)
+            this->row(row);
+        m_html += "</table>\n";
+    }
+
+private:
+    void row(int row)
+    {
+        m_html += "<tr style=\"height:" + pointsText(m_sheet.settings().rows.size(row)) + "\">";
+        for (int column = 1; column <= m_columns; ++column)
+            cell({column, row});
+        m_html += "</tr>\n";
+    }
+
+    void cell(CellAddress at)
+    {
+        const auto covering = m_sheet.settings().spans.empty() ? std::nullopt : m_sheet.spanAt(at);
+        if (covering && (covering->left != at.column || covering->top != at.row))
+            return;
+        m_html += "<td";
+        if (covering && covering->columns() > 1)
+            m_html += " colspan=\"" + std::to_string(covering->columns()) + "\"";
+        if (covering && covering->rows() > 1)
+            m_html += " rowspan=\"" + std::to_string(covering->rows()) + "\"";
+        if (const std::uint32_t style = m_sheet.styleNumber(at))
+            m_html += " class=\"s" + std::to_string(style) + "\"";
+        // Numbers stand at the right unless their style says otherwise.
+        if (m_sheet.value(at).isNumber() && m_sheet.style(at).horizontal == HorizontalAlignment::general)
+            m_html += " style=\"text-align:right\"";
+        m_html += ">";
+        appendEscaped(m_sheet.displayText(at), m_html);
+        m_html += "</td>";
+    }
+
+    const Sheet& m_sheet;
+    std::string& m_html;
+    int m_rows, m_columns;
+};
+
+} // namespace
+
+std::string workbookHtml(const Workbook& workbook, std::string_view title)
+{
+    std::string html = "<!DOCTYPE html>\n<html lang=\"zh-CN\"><head><meta charset=\"utf-8\"><title>";
+    appendEscaped(title, html);
+    html += "</title>\n<style>\ntable{border-collapse:collapse;table-layout:fixed}\ntd{padding:1px 3px;" +
+            styleCss(workbook.styles()[0]) + "}\n";
+    for (std::uint32_t style = 1; style < workbook.styles().size(); ++style)
+        html += ".s" + std::to_string(style) + "{" + styleCss(workbook.styles()[style]) + "}\n";
+    html += "</style></head><body>\n";
+    for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet)
+        SheetTable(workbook.sheet(sheet), html).write();
+    return html + "</body></html>\n";
+}
+
+} // namespace spreadsheet

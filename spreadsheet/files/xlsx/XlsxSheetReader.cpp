@@ -1,0 +1,375 @@
+#include "spreadsheet/files/xlsx/XlsxSheetReader.h"
+
+#include "spreadsheet/engine/date_serial.h"
+#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/exchange/column_widths.h"
+#include "spreadsheet/files/exchange/header_codes.h"
+#include "spreadsheet/files/range_overlap.h"
+#include "spreadsheet/files/xlsx/xlsx_formula.h"
+#include "spreadsheet/files/xlsx/xml.h"
+#include "spreadsheet/formula/FormulaPool.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr double twipsOfPoint = 20, twipsOfInch = 1440;
+constexpr std::int64_t mostArrayCells = 1 << 20;
+
+int twips(double points)
+{
+    return points >= 0 && points <= 409.5 ? static_cast<int>(std::lround(points * twipsOfPoint)) : 0;
+}
+
+std::optional<double> numberOf(std::string_view text)
+{
+    double number = 0;
+    while (!text.empty() && text.front() == ' ')
+        text.remove_prefix(1);
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end == text.data() || !std::isfinite(number))
+        return std::nullopt;
+    return number;
+}
+
+/// "2026-12-31T13:45:00" as a serial number.
+std::optional<double> dateOf(std::string_view text)
+{
+    int year = 0, month = 0, day = 0, hour = 0, minute = 0;
+    double second = 0;
+    const std::string copy(text);
+    const int read =
+        std::sscanf(copy.c_str(), "%4d-%2d-%2dT%2d:%2d:%lf", &year, &month, &day, &hour, &minute, &second);
+    const auto serial = read >= 3 ? serialOfDay(year, month, day) : std::nullopt;
+    return serial ? std::optional(*serial + (hour * 3600 + minute * 60 + second) / 86400.0) : std::nullopt;
+}
+
+} // namespace
+
+XlsxSheetReader::XlsxSheetReader(Workbook& workbook, Sheet& sheet, XlsxStyles& styles,
+                                 const std::vector<Text>& texts, Warnings& warnings)
+    : m_workbook(workbook)
+    , m_sheet(sheet)
+    , m_styles(styles)
+    , m_texts(texts)
+    , m_warnings(warnings)
+    , m_sheetId([&workbook](std::string_view name) {
+        const int index = workbook.sheetIndex(name);
+        return index == 0 ? 0 : workbook.sheet(index).id();
+    })
+    , m_settings(sheet.settings())
+{
+    const CellFont font = styles.defaultFont();
+    m_digitPixels = digitPixels(font.family.view(), font.points);
+    m_settings.print.marginTop = m_settings.print.marginBottom = 1080; // of a file that names none
+    m_settings.print.marginLeft = m_settings.print.marginRight = 1008;
+}
+
+void XlsxSheetReader::read(pugi::xml_node root)
+{
+    m_isProtected = isTrue(attributeNamed(childNamed(root, "sheetProtection"), "sheet"));
+    sizes(root);
+    view(root);
+    rows(childNamed(root, "sheetData"));
+    arrays();
+    spans(root);
+    print(root);
+}
+
+void XlsxSheetReader::reach(const CellRange& range)
+{
+    m_lastRow = std::max(m_lastRow, range.bottom);
+    m_lastColumn = std::max(m_lastColumn, range.right);
+}
+
+void XlsxSheetReader::sizes(pugi::xml_node root)
+{
+    constexpr double usualDigits = 8, margin = 5;
+    constexpr int twipsOfPixel = 15;
+    const pugi::xml_node format = childNamed(root, "sheetFormatPr");
+    m_settings.rows.defaultSize =
+        std::max(1, twips(attributeNamed(format, "defaultRowHeight").as_double(15)));
+    const double digits = attributeNamed(format, "defaultColWidth").as_double();
+    const double pixels =
+        attributeNamed(format, "baseColWidth").as_double(usualDigits) * m_digitPixels + margin;
+    m_settings.columns.defaultSize =
+        digits > 0 ? columnTwips(digits, m_digitPixels)
+                   : static_cast<int>(std::ceil(std::clamp(pixels, 8.0, 2000.0) / 8) * 8) * twipsOfPixel;
+    eachChild(childNamed(root, "cols"), "col", [this](pugi::xml_node node) { columnSizes(node); });
+}
+
+void XlsxSheetReader::columnSizes(pugi::xml_node node)
+{
+    const int first = attributeNamed(node, "min").as_int(), last = attributeNamed(node, "max").as_int();
+    if (first < 1 || last < first || first > maxColumns)
+        return;
+    const pugi::xml_attribute width = attributeNamed(node, "width");
+    const int size = columnTwips(width.as_double(), m_digitPixels);
+    const bool isHidden = isTrue(attributeNamed(node, "hidden")) || (width && size == 0);
+    const std::uint32_t style = m_styles.style(attributeNamed(node, "style").as_uint(), m_isProtected);
+    const bool isStyled = attributeNamed(node, "style").as_uint() != 0 && style != 0;
+    const int end = std::min(last, maxColumns);
+    for (int column = first; column <= end; ++column) {
+        if (width && size > 0 && size != m_settings.columns.defaultSize)
+            m_settings.columns.sizes[column] = size;
+        if (isHidden)
+            m_settings.columns.hidden[column] = true;
+        if (isStyled)
+            m_settings.columnStyles[column] = style;
+    }
+    if (last < 256) // up to the sheet's end it says nothing about what is used
+        m_lastColumn = std::max(m_lastColumn, last);
+}
+
+void XlsxSheetReader::view(pugi::xml_node root)
+{
+    const pugi::xml_node pane = childNamed(childNamed(childNamed(root, "sheetViews"), "sheetView"), "pane");
+    const std::string_view state = attributeNamed(pane, "state").value();
+    if (state != "frozen" && state != "frozenSplit")
+        return;
+    m_settings.frozenColumns = std::clamp(attributeNamed(pane, "xSplit").as_int(), 0, maxColumns - 1);
+    m_settings.frozenRows = std::clamp(attributeNamed(pane, "ySplit").as_int(), 0, maxRows - 1);
+}
+
+void XlsxSheetReader::rows(pugi::xml_node data)
+{
+    int row = 0;
+    eachChild(data, "row", [&](pugi::xml_node node) {
+        row = attributeNamed(node, "r").as_int(row + 1);
+        requireFile(row >= 1 && row <= maxRows, "行号超出范围");
+        rowSettings(node, row);
+        int column = 0;
+        eachChild(node, "c", [&](pugi::xml_node cellNode) {
+            CellAddress at{column + 1, row};
+            if (const pugi::xml_attribute name = attributeNamed(cellNode, "r")) {
+                const auto parsed = parseCellName(name.value());
+                requireFile(parsed.has_value(), "单元格的名称不对");
+                at = *parsed;
+            }
+            requireFile(at.column <= maxColumns, "列号超出范围");
+            column = at.column;
+            cell(cellNode, at);
+        });
+    });
+}
+
+void XlsxSheetReader::rowSettings(pugi::xml_node node, int row)
+{
+    const int height = twips(attributeNamed(node, "ht").as_double());
+    if (height > 0 && height != m_settings.rows.defaultSize)
+        m_settings.rows.sizes[row] = height;
+    if (isTrue(attributeNamed(node, "hidden")))
+        m_settings.rows.hidden[row] = true;
+    if (isTrue(attributeNamed(node, "customFormat"))) {
+        if (const std::uint32_t style = m_styles.style(attributeNamed(node, "s").as_uint(), m_isProtected))
+            m_settings.rowStyles[row] = style;
+    }
+    m_lastRow = std::max(m_lastRow, row);
+}
+
+void XlsxSheetReader::cell(pugi::xml_node node, CellAddress at)
+{
+    reach({at.column, at.row, at.column, at.row});
+    const Column::Place place = m_sheet.loadColumn(at.column).writable(at.row);
+    place.block.setStyle(place.index, m_styles.style(attributeNamed(node, "s").as_uint(), m_isProtected));
+    pugi::xml_node valueNode, formulaNode;
+    for (const pugi::xml_node child : node.children()) {
+        const std::string_view name = localName(child.name());
+        if (name == "v" || name == "is")
+            valueNode = child;
+        else if (name == "f")
+            formulaNode = child;
+    }
+    if (valueNode)
+        place.block.setValue(place.index, value(node, valueNode));
+    if (formulaNode)
+        formula(formulaNode, at, place);
+}
+
+Value XlsxSheetReader::value(pugi::xml_node node, pugi::xml_node valueNode) const
+{
+    const std::string_view type = attributeNamed(node, "t").as_string("n");
+    const char* const text = valueNode.text().get();
+    if (type == "s") {
+        const auto number = static_cast<std::size_t>(valueNode.text().as_ullong(m_texts.size()));
+        if (number >= m_texts.size())
+            m_warnings.add("有单元格的文本编号超出文本表,按空白引入");
+        return number < m_texts.size() && !m_texts[number].empty() ? Value(m_texts[number]) : Value();
+    }
+    if (type == "inlineStr") {
+        const std::string rich = richText(valueNode);
+        return rich.empty() ? Value() : Value(m_workbook.texts().intern(rich));
+    }
+    if (type == "str") { // some programs write errors of formulas so
+        const auto error = parseErrorText(text);
+        return error ? Value(*error) : Value(m_workbook.texts().intern(text));
+    }
+    if (type == "b")
+        return Value::boolean(valueNode.text().as_int() != 0);
+    if (type == "e")
+        return parseErrorText(text).value_or(CellError::value);
+    const std::optional<double> number = type == "d" ? dateOf(text) : numberOf(text);
+    return number ? Value(*number) : Value();
+}
+
+std::uint32_t XlsxSheetReader::interned(std::string_view text, CellAddress at, bool isArray)
+{
+    const std::string plain = plainFormula(text);
+    std::string problem = "引用其他文件";
+    if (plain.find('[') == std::string::npos || plain.find('"') < plain.find('[')) {
+        const auto parsed = m_workbook.formulas().intern(plain, at, m_sheetId, isArray);
+        if (const auto* number = std::get_if<std::uint32_t>(&parsed))
+            return *number;
+        problem = std::get<FormulaProblem>(parsed).reason;
+    }
+    m_warnings.add("表“" + m_sheet.name() + "”的 " + cellName(at) + " 保留了上次算出的值: " + problem);
+    return 0;
+}
+
+void XlsxSheetReader::formula(pugi::xml_node node, CellAddress at, const Column::Place& place)
+{
+    const std::string_view kind = attributeNamed(node, "t").value(), text = node.text().get();
+    if (kind == "dataTable") {
+        m_warnings.add("模拟运算表保留了上次算出的值");
+        return;
+    }
+    if (kind == "array") {
+        const auto range = parseRangeName(attributeNamed(node, "ref").value());
+        const CellRange own = range.value_or(CellRange{at.column, at.row, at.column, at.row});
+        if (const std::uint32_t number = interned(text, {own.left, own.top}, true))
+            m_arrays.push_back({own, number});
+        return;
+    }
+    if (parseErrorText(text)) // a constant that could only be written as a formula
+        return;
+    std::uint32_t number = 0;
+    if (kind == "shared") {
+        // In relative form it is the same for all cells that share it.
+        const int group = attributeNamed(node, "si").as_int();
+        if (!text.empty())
+            m_shared[group] = interned(text, at, false);
+        const auto found = m_shared.find(group);
+        number = found == m_shared.end() ? 0 : found->second;
+    } else if (!text.empty()) {
+        number = interned(text, at, false);
+    }
+    if (number != 0)
+        place.block.setFormula(place.index, number);
+}
+
+void XlsxSheetReader::arrays()
+{
+    std::vector<CellRange> ranges;
+    std::int64_t cells = 0;
+    for (const ArrayFormula& array : m_arrays) {
+        ranges.push_back(array.range);
+        cells += std::int64_t(array.range.rows()) * array.range.columns();
+    }
+    if (cells > mostArrayCells || anyOverlap(ranges)) {
+        m_warnings.add("表“" + m_sheet.name() + "”的数组公式互相重叠或太大,保留了上次算出的值");
+        return;
+    }
+    for (const ArrayFormula& array : m_arrays) {
+        for (int column = array.range.left; column <= array.range.right; ++column) {
+            for (int row = array.range.top; row <= array.range.bottom; ++row) {
+                const Column::Place place = m_sheet.loadColumn(column).writable(row);
+                place.block.setFormula(place.index, array.number);
+            }
+        }
+        reach(array.range);
+    }
+    m_settings.arrays = std::move(ranges);
+}
+
+void XlsxSheetReader::spans(pugi::xml_node root)
+{
+    eachChild(childNamed(root, "mergeCells"), "mergeCell", [this](pugi::xml_node node) {
+        const auto range = parseRangeName(attributeNamed(node, "ref").value());
+        if (!range || (range->rows() == 1 && range->columns() == 1))
+            return;
+        m_settings.spans.push_back(*range);
+        reach(*range);
+    });
+    if (anyOverlap(m_settings.spans)) {
+        m_warnings.add("表“" + m_sheet.name() + "”的合并单元格互相重叠,没有引入");
+        m_settings.spans.clear();
+    }
+}
+
+std::string XlsxSheetReader::headerText(pugi::xml_node node) const
+{
+    const CellFont font = m_styles.defaultFont();
+    return readForeignHeader(node.text().get(),
+                             {m_sheet.name(), std::string(font.family.view()), font.points}, m_warnings);
+}
+
+void XlsxSheetReader::breaks(pugi::xml_node node, std::map<int, bool>& starts, int last)
+{
+    eachChild(node, "brk", [&](pugi::xml_node entry) {
+        const int before = attributeNamed(entry, "id").as_int();
+        if (before >= 1 && before < last)
+            starts[before + 1] = true;
+    });
+}
+
+void XlsxSheetReader::print(pugi::xml_node root)
+{
+    PrintSettings& print = m_settings.print;
+    if (const pugi::xml_node margins = childNamed(root, "pageMargins")) {
+        const auto margin = [&](const char* side) {
+            const double inches = attributeNamed(margins, side).as_double();
+            return inches >= 0 && inches <= 49 ? static_cast<int>(std::lround(inches * twipsOfInch)) : 0;
+        };
+        print.marginLeft = margin("left");
+        print.marginRight = margin("right");
+        print.marginTop = margin("top");
+        print.marginBottom = margin("bottom");
+    }
+    const pugi::xml_node options = childNamed(root, "printOptions");
+    print.columnHeadings = print.rowHeadings = isTrue(attributeNamed(options, "headings"));
+    print.gridLines = isTrue(attributeNamed(options, "gridLines"));
+    print.centredAcross = isTrue(attributeNamed(options, "horizontalCentered"));
+    print.centredDown = isTrue(attributeNamed(options, "verticalCentered"));
+    const pugi::xml_node texts = childNamed(root, "headerFooter");
+    print.header = headerText(childNamed(texts, "oddHeader"));
+    print.footer = headerText(childNamed(texts, "oddFooter"));
+    breaks(childNamed(root, "rowBreaks"), print.rowBreaks, maxRows);
+    breaks(childNamed(root, "colBreaks"), print.columnBreaks, maxColumns);
+    pageSetup(root);
+}
+
+void XlsxSheetReader::pageSetup(pugi::xml_node root)
+{
+    const pugi::xml_node setup = childNamed(root, "pageSetup");
+    m_settings.print.landscape =
+        std::string_view(attributeNamed(setup, "orientation").value()) == "landscape";
+    m_settings.print.colour = !isTrue(attributeNamed(setup, "blackAndWhite"));
+    const pugi::xml_node fit = childNamed(childNamed(root, "sheetPr"), "pageSetUpPr");
+    m_settings.print.fitWidth =
+        isTrue(attributeNamed(fit, "fitToPage")) && attributeNamed(setup, "fitToWidth").as_int(1) == 1;
+}
+
+void XlsxSheetReader::readComments(pugi::xml_node root)
+{
+    eachChild(childNamed(root, "commentList"), "comment", [this](pugi::xml_node node) {
+        const auto at = parseCellName(attributeNamed(node, "ref").value());
+        const std::string text = richText(childNamed(node, "text"));
+        if (!at || text.empty())
+            return;
+        m_settings.notes[*at] = text;
+        reach({at->column, at->row, at->column, at->row});
+    });
+}
+
+void XlsxSheetReader::finish()
+{
+    m_settings.rowCount = std::max(m_settings.rowCount, m_lastRow);
+    m_settings.columnCount = std::max(m_settings.columnCount, m_lastColumn);
+    m_sheet.changeSettings([this](SheetSettings& settings) { settings = std::move(m_settings); });
+}
+
+} // namespace spreadsheet

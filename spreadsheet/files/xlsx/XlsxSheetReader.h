@@ -1,0 +1,61 @@
+#pragma once
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/files/exchange/Warnings.h"
+#include "spreadsheet/files/xlsx/XlsxStyles.h"
+#include "spreadsheet/formula/Lexer.h"
+
+#include <pugixml.hpp>
+#include <unordered_map>
+#include <vector>
+
+namespace spreadsheet {
+
+/// Reads the XML of one worksheet into a fresh sheet.
+class XlsxSheetReader {
+public:
+    XlsxSheetReader(Workbook& workbook, Sheet& sheet, XlsxStyles& styles, const std::vector<Text>& texts,
+                    Warnings& warnings);
+    /// @throws ContentError
+    void read(pugi::xml_node root);
+    void readComments(pugi::xml_node root);
+    /// Hands the settings to the sheet.
+    void finish();
+
+private:
+    void sizes(pugi::xml_node root);
+    void columnSizes(pugi::xml_node node);
+    void view(pugi::xml_node root);
+    void rows(pugi::xml_node data);
+    void rowSettings(pugi::xml_node node, int row);
+    void cell(pugi::xml_node node, CellAddress at);
+    Value value(pugi::xml_node node, pugi::xml_node value) const;
+    void formula(pugi::xml_node node, CellAddress at, const Column::Place& place);
+    std::uint32_t interned(std::string_view text, CellAddress at, bool isArray);
+    void arrays();
+    void spans(pugi::xml_node root);
+    void print(pugi::xml_node root);
+    void pageSetup(pugi::xml_node root);
+    std::string headerText(pugi::xml_node node) const;
+    static void breaks(pugi::xml_node node, std::map<int, bool>& starts, int last);
+    void reach(const CellRange& range);
+
+    struct ArrayFormula {
+        CellRange range;
+        std::uint32_t number;
+    };
+
+    Workbook& m_workbook;
+    Sheet& m_sheet;
+    XlsxStyles& m_styles;
+    const std::vector<Text>& m_texts;
+    Warnings& m_warnings;
+    SheetResolver m_sheetId;
+    SheetSettings m_settings;
+    std::unordered_map<int, std::uint32_t> m_shared; ///< formulas in the pool by the file's number
+    std::vector<ArrayFormula> m_arrays;
+    double m_digitPixels;
+    bool m_isProtected = false;
+    int m_lastRow = 0, m_lastColumn = 0;
+};
+
+} // namespace spreadsheet

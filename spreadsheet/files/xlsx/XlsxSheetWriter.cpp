@@ -1,0 +1,373 @@
+#include "spreadsheet/files/xlsx/XlsxSheetWriter.h"
+
+#include "spreadsheet/files/exchange/header_codes.h"
+#include "spreadsheet/files/exchange/line_styles.h"
+#include "spreadsheet/files/exchange/number_formats.h"
+#include "spreadsheet/files/exchange/unicode_text.h"
+#include "spreadsheet/files/xlsx/xlsx_formula.h"
+#include "spreadsheet/formula/FormulaPool.h"
+
+#include <algorithm>
+#include <xlsxwriter.h>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr double twipsOfPoint = 20, twipsOfInch = 1440;
+constexpr int twipsOfPixel = 15;
+constexpr std::size_t mostCharacters = 32'767;
+
+lxw_color_t fileColour(Colour colour)
+{
+    constexpr lxw_color_t black = LXW_COLOR_BLACK;
+    return colour == 0 || colour == automaticColour ? black : colour; // 0 means none to the library
+}
+
+lxw_row_t rowOf(CellAddress at)
+{
+    return static_cast<lxw_row_t>(at.row - 1);
+}
+
+lxw_col_t columnOf(CellAddress at)
+{
+    return static_cast<lxw_col_t>(at.column - 1);
+}
+
+lxw_format_alignments horizontalCode(HorizontalAlignment alignment)
+{
+    switch (alignment) {
+    case HorizontalAlignment::left:
+        return LXW_ALIGN_LEFT;
+    case HorizontalAlignment::right:
+        return LXW_ALIGN_RIGHT;
+    case HorizontalAlignment::centre:
+        return LXW_ALIGN_CENTER;
+    case HorizontalAlignment::general:
+        break;
+    }
+    return LXW_ALIGN_NONE;
+}
+
+lxw_format_alignments verticalCode(VerticalAlignment alignment)
+{
+    switch (alignment) {
+    case VerticalAlignment::top:
+        return LXW_ALIGN_VERTICAL_TOP;
+    case VerticalAlignment::centre:
+        return LXW_ALIGN_VERTICAL_CENTER;
+    case VerticalAlignment::bottom:
+        break;
+    }
+    return LXW_ALIGN_VERTICAL_BOTTOM;
+}
+
+void setFont(lxw_format* format, const CellFont& font)
+{
+    format_set_font_name(format, font.family.empty() ? "宋体" : std::string(font.family.view()).c_str());
+    format_set_font_size(format, static_cast<double>(font.points));
+    if (font.bold)
+        format_set_bold(format);
+    if (font.italic)
+        format_set_italic(format);
+    if (font.underline)
+        format_set_underline(format, LXW_UNDERLINE_SINGLE);
+    if (font.strikeThrough)
+        format_set_font_strikeout(format);
+}
+
+void setBorders(lxw_format* format, const CellStyle& style)
+{
+    using Set = void (*)(lxw_format*, std::uint8_t);
+    using SetColour = void (*)(lxw_format*, lxw_color_t);
+    const struct {
+        const BorderLine& line;
+        Set set;
+        SetColour setColour;
+    } sides[]{{style.left, format_set_left, format_set_left_color},
+              {style.right, format_set_right, format_set_right_color},
+              {style.top, format_set_top, format_set_top_color},
+              {style.bottom, format_set_bottom, format_set_bottom_color}};
+    for (const auto& side : sides) {
+        const unsigned code = fileLineStyle(side.line.style);
+        if (code == 0)
+            continue;
+        side.set(format, static_cast<std::uint8_t>(code));
+        side.setColour(format, fileColour(side.line.colour));
+    }
+}
+
+} // namespace
+
+XlsxFormats::XlsxFormats(const StylePool& pool, lxw_workbook* book, Warnings& warnings)
+    : m_pool(pool)
+    , m_book(book)
+    , m_warnings(warnings)
+    , m_formats(pool.size())
+{
+}
+
+lxw_format* XlsxFormats::format(std::uint32_t style)
+{
+    lxw_format*& format = m_formats[style];
+    if (!format)
+        format = made(m_pool[style]);
+    return format;
+}
+
+lxw_format* XlsxFormats::made(const CellStyle& style)
+{
+    lxw_format* const format = workbook_add_format(m_book);
+    setFont(format, style.font);
+    if (style.foreground != automaticColour)
+        format_set_font_color(format, fileColour(style.foreground));
+    const std::string code = formatCodeOf(style);
+    if (code != "General")
+        format_set_num_format(format, code.c_str());
+    if (style.horizontal != HorizontalAlignment::general)
+        format_set_align(format, static_cast<std::uint8_t>(horizontalCode(style.horizontal)));
+    format_set_align(format, static_cast<std::uint8_t>(verticalCode(style.vertical)));
+    if (style.wrap)
+        format_set_text_wrap(format);
+    if (style.background != automaticColour) {
+        format_set_pattern(format, LXW_PATTERN_SOLID);
+        format_set_bg_color(format, fileColour(style.background));
+    }
+    setBorders(format, style);
+    if (!style.locked)
+        format_set_unlocked(format);
+    if (style.type == CellType::button || style.type == CellType::dropDown ||
+        style.type == CellType::checkBox)
+        m_warnings.add("按钮、下拉列表和复选框单元格写为普通单元格");
+    return format;
+}
+
+XlsxSheetWriter::XlsxSheetWriter(const XlsxSheetSource& source, lxw_worksheet* target)
+    : m_source(source)
+    , m_settings(source.sheet.settings())
+    , m_target(target)
+{
+}
+
+void XlsxSheetWriter::write()
+{
+    sizes();
+    spans(); // before the cells, which it fills
+    cells();
+    print();
+    notes();
+    protect();
+}
+
+void XlsxSheetWriter::sizes()
+{
+    worksheet_set_default_row(m_target, m_settings.rows.defaultSize / twipsOfPoint, LXW_FALSE);
+    columns();
+    rows();
+    if (m_settings.frozenRows > 0 || m_settings.frozenColumns > 0)
+        worksheet_freeze_panes(m_target, static_cast<lxw_row_t>(m_settings.frozenRows),
+                               static_cast<lxw_col_t>(m_settings.frozenColumns));
+}
+
+/// Every column of the sheet: the library offers no default width.
+void XlsxSheetWriter::columns()
+{
+    const auto signature = [this](int column) {
+        const auto style = m_settings.columnStyles.find(column);
+        const auto size = m_settings.columns.sizes.find(column);
+        return std::tuple(size == m_settings.columns.sizes.end() ? m_settings.columns.defaultSize
+                                                                 : size->second,
+                          m_settings.columns.hidden.contains(column),
+                          style == m_settings.columnStyles.end() ? 0u : style->second);
+    };
+    const int last = std::min(m_settings.columnCount, maxColumns);
+    for (int first = 1; first <= last;) {
+        int end = first;
+        while (end < last && signature(end + 1) == signature(first))
+            ++end;
+        const auto& [size, isHidden, style] = signature(first);
+        lxw_row_col_options options{};
+        options.hidden = isHidden;
+        worksheet_set_column_pixels_opt(m_target, static_cast<lxw_col_t>(first - 1),
+                                        static_cast<lxw_col_t>(end - 1),
+                                        static_cast<std::uint32_t>(size / twipsOfPixel),
+                                        style == 0 ? nullptr : m_source.formats.format(style), &options);
+        first = end + 1;
+    }
+}
+
+void XlsxSheetWriter::rows()
+{
+    std::map<int, bool> rows;
+    for (const auto& [row, size] : m_settings.rows.sizes)
+        rows[row] = true;
+    for (const auto& [row, hidden] : m_settings.rows.hidden)
+        rows[row] = true;
+    for (const auto& [row, style] : m_settings.rowStyles)
+        rows[row] = true;
+    for (const auto& [row, used] : rows) {
+        const auto size = m_settings.rows.sizes.find(row);
+        const auto style = m_settings.rowStyles.find(row);
+        const int twips = size == m_settings.rows.sizes.end() ? m_settings.rows.defaultSize : size->second;
+        lxw_row_col_options options{};
+        options.hidden = m_settings.rows.hidden.contains(row);
+        worksheet_set_row_opt(
+            m_target, static_cast<lxw_row_t>(row - 1), twips / twipsOfPoint,
+            style == m_settings.rowStyles.end() ? nullptr : m_source.formats.format(style->second), &options);
+    }
+}
+
+void XlsxSheetWriter::spans()
+{
+    for (const CellRange& span : m_settings.spans) {
+        const std::uint32_t style = m_source.sheet.styleNumber({span.left, span.top});
+        worksheet_merge_range(m_target, static_cast<lxw_row_t>(span.top - 1),
+                              static_cast<lxw_col_t>(span.left - 1), static_cast<lxw_row_t>(span.bottom - 1),
+                              static_cast<lxw_col_t>(span.right - 1), "", m_source.formats.format(style));
+    }
+}
+
+void XlsxSheetWriter::cells()
+{
+    for (int column = 1; column <= m_source.sheet.storedColumns(); ++column) {
+        for (const Column::Slot& slot : m_source.sheet.column(column)->slots()) {
+            for (int i = 0; i < slot.block->count(); ++i)
+                cell({column, slot.firstRow + i}, *slot.block, i);
+        }
+    }
+}
+
+void XlsxSheetWriter::cell(CellAddress at, const CellBlock& block, int index)
+{
+    const std::uint32_t own = block.style(index), formulaNumber = block.formula(index);
+    const bool isEmpty = block.kinds()[index] == ValueKind::empty && formulaNumber == 0;
+    if (own == 0 && isEmpty)
+        return;
+    const std::uint32_t style = own != 0 ? own : m_source.sheet.styleNumber(at);
+    m_hasLocked |= m_source.workbook.styles()[style].locked;
+    lxw_format* const format = m_source.formats.format(style);
+    if (formulaNumber != 0)
+        formula(at, formulaNumber, block.value(index), format);
+    else
+        constant(at, block.value(index), format);
+}
+
+void XlsxSheetWriter::constant(CellAddress at, const Value& value, lxw_format* format)
+{
+    const lxw_row_t row = rowOf(at);
+    const lxw_col_t column = columnOf(at);
+    if (value.isText()) {
+        std::string text(value.textView());
+        if (text.size() > mostCharacters && utf16Of(text).size() > mostCharacters) {
+            text = utf8Of(utf16Of(text).substr(0, mostCharacters));
+            m_source.warnings.add("超过 32,767 个字的文本只写出前面部分");
+        }
+        worksheet_write_string(m_target, row, column, text.c_str(), format);
+    } else if (value.isNumber()) {
+        worksheet_write_number(m_target, row, column, value.number(), format);
+    } else if (value.isBoolean()) {
+        worksheet_write_boolean(m_target, row, column, value.boolean(), format);
+    } else if (value.isError()) { // the library has no cells of errors
+        const std::string text(errorText(value.error()));
+        worksheet_write_formula_str(m_target, row, column, ("=" + text).c_str(), format, text.c_str());
+    } else {
+        worksheet_write_blank(m_target, row, column, format);
+    }
+}
+
+void XlsxSheetWriter::formula(CellAddress at, std::uint32_t number, const Value& value, lxw_format* format)
+{
+    const bool isArray = m_source.workbook.formulas()[number].isArrayFormula;
+    const std::optional<CellRange> range = isArray ? m_source.sheet.arrayRange(at) : std::nullopt;
+    const CellAddress base = range ? CellAddress{range->left, range->top} : at;
+    if (range && base != at) // its value stands in the cell, the formula in the range's first one
+        return constant(at, value, format);
+    const std::string text =
+        "=" + portableFormula(m_source.workbook.formulas().text(number, base), base, m_source.sheetId);
+    const double result = value.isNumber() ? value.number() : value.isBoolean() ? value.boolean() : 0;
+    if (range) {
+        worksheet_write_array_formula_num(
+            m_target, rowOf(base), columnOf(base), static_cast<lxw_row_t>(range->bottom - 1),
+            static_cast<lxw_col_t>(range->right - 1), text.c_str(), format, result);
+        return;
+    }
+    if (value.isText() || value.isError() || value.isBoolean()) {
+        const std::string shown = value.isText()      ? std::string(value.textView())
+                                  : value.isBoolean() ? (value.boolean() ? "TRUE" : "FALSE")
+                                                      : std::string(errorText(value.error()));
+        worksheet_write_formula_str(m_target, rowOf(at), columnOf(at), text.c_str(), format, shown.c_str());
+        return;
+    }
+    worksheet_write_formula_num(m_target, rowOf(at), columnOf(at), text.c_str(), format, result);
+}
+
+void XlsxSheetWriter::print()
+{
+    constexpr std::uint8_t a4 = 9;
+    const PrintSettings& print = m_settings.print;
+    worksheet_set_paper(m_target, a4);
+    if (print.landscape)
+        worksheet_set_landscape(m_target);
+    worksheet_set_margins(m_target, print.marginLeft / twipsOfInch, print.marginRight / twipsOfInch,
+                          print.marginTop / twipsOfInch, print.marginBottom / twipsOfInch);
+    if (print.columnHeadings || print.rowHeadings)
+        worksheet_print_row_col_headers(m_target);
+    worksheet_gridlines(m_target, print.gridLines ? LXW_SHOW_ALL_GRIDLINES : LXW_SHOW_SCREEN_GRIDLINES);
+    if (print.centredAcross)
+        worksheet_center_horizontally(m_target);
+    if (print.centredDown)
+        worksheet_center_vertically(m_target);
+    if (print.fitWidth)
+        worksheet_fit_to_pages(m_target, 1, 0);
+    if (!print.colour)
+        m_source.warnings.add("单色打印没有写出");
+    if (print.titleTop >= 1 && print.titleBottom >= print.titleTop)
+        worksheet_repeat_rows(m_target, static_cast<lxw_row_t>(print.titleTop - 1),
+                              static_cast<lxw_row_t>(print.titleBottom - 1));
+    headers();
+    breaks();
+}
+
+void XlsxSheetWriter::headers()
+{
+    const std::string header = writeForeignHeader(m_settings.print.header);
+    const std::string footer = writeForeignHeader(m_settings.print.footer);
+    const bool fit = (header.empty() || worksheet_set_header(m_target, header.c_str()) == LXW_NO_ERROR) &
+                     (footer.empty() || worksheet_set_footer(m_target, footer.c_str()) == LXW_NO_ERROR);
+    if (!fit)
+        m_source.warnings.add("表“" + m_source.sheet.name() + "”的页眉或页脚太长 (超过 255 个字),没有写出");
+}
+
+void XlsxSheetWriter::breaks()
+{
+    std::vector<lxw_row_t> rows;
+    for (const auto& [row, isBreak] : m_settings.print.rowBreaks)
+        rows.push_back(static_cast<lxw_row_t>(row - 1));
+    std::vector<lxw_col_t> columns;
+    for (const auto& [column, isBreak] : m_settings.print.columnBreaks)
+        columns.push_back(static_cast<lxw_col_t>(column - 1));
+    rows.push_back(0); // ends the list
+    columns.push_back(0);
+    if (rows.size() > 1)
+        worksheet_set_h_pagebreaks(m_target, rows.data());
+    if (columns.size() > 1)
+        worksheet_set_v_pagebreaks(m_target, columns.data());
+}
+
+void XlsxSheetWriter::notes()
+{
+    for (const auto& [at, text] : m_settings.notes) {
+        if (worksheet_write_comment(m_target, rowOf(at), columnOf(at), text.c_str()) != LXW_NO_ERROR)
+            m_source.warnings.add("表“" + m_source.sheet.name() + "”的 " + cellName(at) +
+                                  " 的批注太长,没有写出");
+    }
+}
+
+/// A cell marked as locked says that somebody meant it.
+void XlsxSheetWriter::protect()
+{
+    if (m_hasLocked)
+        worksheet_protect(m_target, nullptr, nullptr);
+}
+
+} // namespace spreadsheet

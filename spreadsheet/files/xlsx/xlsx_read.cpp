@@ -1,0 +1,199 @@
+#include "spreadsheet/files/xlsx/xlsx_read.h"
+
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/xlsx/Archive.h"
+#include "spreadsheet/files/xlsx/Relations.h"
+#include "spreadsheet/files/xlsx/xlsx_formula.h"
+#include "spreadsheet/files/xlsx/XlsxSheetReader.h"
+#include "spreadsheet/files/xlsx/xml.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace spreadsheet {
+
+namespace {
+
+class XlsxReader {
+public:
+    XlsxReader(Bytes file, Workbook& workbook, Warnings& warnings)
+        : m_archive(file)
+        , m_workbook(workbook)
+        , m_warnings(warnings)
+        , m_styles(workbook.styles(), warnings)
+    {
+    }
+
+    void read()
+    {
+        const auto path = Relations(m_archive, "").byKind("/officeDocument");
+        const auto book = path ? XmlPart::read(m_archive, *path) : std::nullopt;
+        requireFile(book && localName(book->root().name()) == "workbook",
+                    "压缩包中没有工作簿 (不是 .xlsx 文件)");
+        const Relations relations(m_archive, *path);
+        readStyles(relations);
+        readTexts(relations);
+        m_workbook.setCountsFrom1904(
+            isTrue(attributeNamed(childNamed(book->root(), "workbookPr"), "date1904")));
+        nameSheets(childNamed(book->root(), "sheets"));
+        defineNames(childNamed(book->root(), "definedNames"));
+        for (const Tab& tab : m_tabs)
+            readSheet(tab, relations);
+        printTitles(childNamed(book->root(), "definedNames"));
+        activate(book->root());
+        m_workbook.markCalculated();
+    }
+
+private:
+    struct Tab {
+        std::string relation;
+        bool isHidden;
+        int sheet; ///< ours; 0: none
+    };
+
+    void readStyles(const Relations& relations)
+    {
+        if (const auto theme = relations.byKind("/theme")) {
+            if (const auto xml = XmlPart::read(m_archive, *theme))
+                m_styles.readTheme(xml->root());
+        }
+        if (const auto styles = relations.byKind("/styles"))
+            m_styleXml = XmlPart::read(m_archive, *styles);
+        if (m_styleXml)
+            m_styles.read(m_styleXml->root());
+    }
+
+    void readTexts(const Relations& relations)
+    {
+        const auto path = relations.byKind("/sharedStrings");
+        const auto xml = path ? XmlPart::read(m_archive, *path) : std::nullopt;
+        if (!xml)
+            return;
+        eachChild(xml->root(), "si", [this](pugi::xml_node node) {
+            m_texts.emplace_back(richText(node));
+            if (childNamed(node, "r"))
+                m_warnings.add("单元格内各段文字的不同字体没有保留,按单元格的字体显示");
+        });
+    }
+
+    /// Our sheets, under the file's names where these are allowed and free.
+    void nameSheets(pugi::xml_node sheets)
+    {
+        int count = 0;
+        eachChild(sheets, "sheet", [&](pugi::xml_node node) {
+            Tab tab{attributeNamed(node, "id").value(), false, 0};
+            tab.isHidden = std::string_view(attributeNamed(node, "state").as_string("visible")) != "visible";
+            if (count == maxSheets)
+                m_warnings.add("工作表超过 256 张,其余的没有引入");
+            else
+                tab.sheet = addSheet(attributeNamed(node, "name").value(), ++count);
+            m_tabs.push_back(std::move(tab));
+        });
+        requireFile(count > 0, "没有工作表");
+    }
+
+    int addSheet(const std::string& name, int number)
+    {
+        const auto add = [&](const std::string& candidate) {
+            return number == 1 ? m_workbook.renameSheet(1, candidate) : m_workbook.addSheet(candidate);
+        };
+        if (add(name)) {
+            for (int i = number; add("Sheet" + std::to_string(i)); ++i)
+                continue;
+            m_warnings.add("表名“" + name + "”不能使用,改为“" + m_workbook.sheet(number).name() + "”");
+        }
+        return number;
+    }
+
+    void defineNames(pugi::xml_node names)
+    {
+        constexpr int mostNames = 4096; // each definition looks for circles among all
+        int count = 0;
+        eachChild(names, "definedName", [&](pugi::xml_node node) {
+            const std::string name = attributeNamed(node, "name").value();
+            if (name.starts_with("_xlnm.Print_Area"))
+                m_warnings.add("打印区域没有引入,按已用区域打印");
+            if (name.starts_with("_xlnm.") || isTrue(attributeNamed(node, "function")) || ++count > mostNames)
+                return;
+            if (const auto problem = m_workbook.defineName(name, plainFormula(node.text().get())))
+                m_warnings.add("名称“" + name + "”没有引入: " + problem->reason);
+        });
+    }
+
+    void readSheet(const Tab& tab, const Relations& relations)
+    {
+        const auto path = relations.byId(tab.relation);
+        const auto xml = path && tab.sheet != 0 ? XmlPart::read(m_archive, *path) : std::nullopt;
+        if (tab.sheet == 0)
+            return;
+        requireFile(xml.has_value(), "压缩包中缺少工作表的内容");
+        Sheet& sheet = m_workbook.sheet(tab.sheet);
+        if (localName(xml->root().name()) != "worksheet") {
+            m_warnings.add("“" + sheet.name() + "”不是工作表,引入为空表");
+            return;
+        }
+        XlsxSheetReader reader(m_workbook, sheet, m_styles, m_texts, m_warnings);
+        reader.read(xml->root());
+        if (const auto comments = Relations(m_archive, *path).byKind("/comments")) {
+            if (const auto commentXml = XmlPart::read(m_archive, *comments))
+                reader.readComments(commentXml->root());
+        }
+        reader.finish();
+        if (tab.isHidden)
+            sheet.changeSettings([](SheetSettings& settings) { settings.isHidden = true; });
+    }
+
+    /// "Sheet1!$1:$3", perhaps with columns before it.
+    void printTitles(pugi::xml_node names)
+    {
+        eachChild(names, "definedName", [this](pugi::xml_node node) {
+            const std::string_view text = node.text().get();
+            const std::size_t tab = attributeNamed(node, "localSheetId").as_uint(maxSheets);
+            if (std::string_view(attributeNamed(node, "name").value()) != "_xlnm.Print_Titles" ||
+                tab >= m_tabs.size() || m_tabs[tab].sheet == 0)
+                return;
+            int first = 0, last = 0;
+            for (std::size_t at = text.find("!$"); at != std::string_view::npos;
+                 at = text.find("!$", at + 1)) {
+                const std::size_t colon = text.find(":$", at);
+                const char* const end = text.data() + text.size();
+                if (colon == std::string_view::npos ||
+                    std::from_chars(text.data() + at + 2, end, first).ec != std::errc() ||
+                    std::from_chars(text.data() + colon + 2, end, last).ec != std::errc() || first < 1 ||
+                    last < first || last > maxRows)
+                    continue;
+                m_workbook.sheet(m_tabs[tab].sheet).changeSettings([&](SheetSettings& settings) {
+                    settings.print.titleTop = first;
+                    settings.print.titleBottom = last;
+                });
+                return;
+            }
+        });
+    }
+
+    void activate(pugi::xml_node book)
+    {
+        const pugi::xml_node view = childNamed(childNamed(book, "bookViews"), "workbookView");
+        const std::size_t tab = attributeNamed(view, "activeTab").as_uint();
+        if (tab < m_tabs.size() && m_tabs[tab].sheet != 0)
+            m_workbook.setActiveSheet(m_tabs[tab].sheet);
+    }
+
+    Archive m_archive;
+    Workbook& m_workbook;
+    Warnings& m_warnings;
+    std::optional<XmlPart> m_styleXml; ///< the styles point into it
+    XlsxStyles m_styles;
+    std::vector<Text> m_texts;
+    std::vector<Tab> m_tabs;
+};
+
+} // namespace
+
+void readXlsx(Bytes file, Workbook& workbook, Warnings& warnings)
+{
+    XlsxReader(file, workbook, warnings).read();
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,119 @@
+#include "spreadsheet/files/xlsx/xml.h"
+
+#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/xlsx/Archive.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <memory>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr std::size_t mostElements = 12'000'000; ///< a node takes some 100 bytes
+constexpr std::size_t mostDepth = 64;
+
+/// Nested deeper than any sheet: the library's own clean-up would recurse as deep.
+void requireMeasure(const std::vector<char>& text)
+{
+    std::size_t elements = 0, depth = 0;
+    const char* const end = text.data() + text.size();
+    for (const char* at = text.data(); at != end; ++at) {
+        at = static_cast<const char*>(std::memchr(at, '<', static_cast<std::size_t>(end - at)));
+        if (!at || at + 1 == end)
+            break;
+        requireFile(++elements <= mostElements, "XML 的元素太多");
+        if (at[1] == '/') {
+            depth -= depth > 0;
+        } else if (at[1] != '?' && at[1] != '!') {
+            const char* const close =
+                static_cast<const char*>(std::memchr(at, '>', static_cast<std::size_t>(end - at)));
+            if (close && close[-1] != '/')
+                ++depth;
+            requireFile(depth <= mostDepth, "XML 的元素嵌套太深");
+        }
+    }
+}
+
+/// "_x000D_" stands for a character that XML cannot hold.
+std::string withoutEscapes(std::string_view text)
+{
+    constexpr std::size_t length = 7;
+    std::string result;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        unsigned code = 0;
+        const bool isEscape =
+            text.substr(at).size() >= length && text[at] == '_' && text[at + 1] == 'x' &&
+            text[at + 6] == '_' &&
+            std::from_chars(text.data() + at + 2, text.data() + at + 6, code, 16).ptr == text.data() + at + 6;
+        if (isEscape && code < 0x80) {
+            if (code != 0 && code != '\r')
+                result += static_cast<char>(code);
+            at += length - 1;
+        } else {
+            result += text[at];
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+std::optional<XmlPart> XmlPart::read(Archive& archive, std::string_view path)
+{
+    std::optional<std::vector<char>> text = archive.part(path);
+    if (!text)
+        return std::nullopt;
+    requireMeasure(*text);
+    XmlPart part;
+    part.m_text = std::move(*text);
+    part.m_document = std::make_unique<pugi::xml_document>();
+    const auto options = (pugi::parse_default | pugi::parse_ws_pcdata_single) & ~pugi::parse_comments;
+    const pugi::xml_parse_result result =
+        part.m_document->load_buffer_inplace(part.m_text.data(), part.m_text.size(), options);
+    if (!result)
+        refuseFile("压缩包中的 " + std::string(path) + " 不是完整的 XML");
+    return part;
+}
+
+std::string_view localName(const char* name)
+{
+    const char* const colon = std::strchr(name, ':');
+    return colon ? colon + 1 : name;
+}
+
+pugi::xml_node childNamed(pugi::xml_node node, std::string_view name)
+{
+    return node.find_child([name](pugi::xml_node child) { return localName(child.name()) == name; });
+}
+
+pugi::xml_attribute attributeNamed(pugi::xml_node node, std::string_view name)
+{
+    return node.find_attribute(
+        [name](pugi::xml_attribute attribute) { return localName(attribute.name()) == name; });
+}
+
+std::string richText(pugi::xml_node node)
+{
+    std::string text;
+    for (const pugi::xml_node child : node.children()) {
+        const std::string_view name = localName(child.name());
+        if (name == "t")
+            text += child.text().get();
+        else if (name == "r")
+            text += childNamed(child, "t").text().get();
+    }
+    return text.find("_x") == std::string::npos ? text : withoutEscapes(text);
+}
+
+bool isTrue(pugi::xml_attribute attribute, bool otherwise)
+{
+    if (!attribute)
+        return otherwise;
+    const std::string_view value = attribute.value();
+    return value == "1" || value == "true" || value == "on";
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,49 @@
+#pragma once
+#include <pugixml.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace spreadsheet {
+
+class Archive;
+
+/// A part of an archive, parsed. Names of elements are compared without the prefix of their namespace,
+/// which differs by program.
+class XmlPart {
+public:
+    /// Null if there is no such part. @throws ContentError if it is no well-formed XML, or holds elements
+    /// without measure or nested without end
+    static std::optional<XmlPart> read(Archive& archive, std::string_view path);
+    pugi::xml_node root() const { return m_document->document_element(); }
+
+private:
+    std::vector<char> m_text; ///< the document points into it
+    std::unique_ptr<pugi::xml_document> m_document;
+};
+
+/// Name without prefix.
+std::string_view localName(const char* name);
+pugi::xml_node childNamed(pugi::xml_node node, std::string_view name);
+/// An attribute by its name without prefix.
+pugi::xml_attribute attributeNamed(pugi::xml_node node, std::string_view name);
+
+/// Calls `visit(child)` for each child element of that name.
+template <typename Visit>
+void eachChild(pugi::xml_node node, std::string_view name, Visit visit)
+{
+    for (const pugi::xml_node child : node.children()) {
+        if (localName(child.name()) == name)
+            visit(child);
+    }
+}
+
+/// Texts of all "t" elements in a text with runs; phonetic ones left out.
+std::string richText(pugi::xml_node node);
+/// "1", "true" and "on" are true.
+bool isTrue(pugi::xml_attribute attribute, bool otherwise = false);
+
+} // namespace spreadsheet
