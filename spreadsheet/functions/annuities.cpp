@@ -22,27 +22,20 @@ struct Annuity {
     {
         if (rate == 0)
             return periods;
-        return (atBeginning ? 1 + rate : 1) * std::expm1(periods * std::log1p(rate)) / rate;
+        const double grown = rate > -1 ? std::expm1(periods * std::log1p(rate)) : growth() - 1;
+        return (atBeginning ? 1 + rate : 1) * grown / rate;
     }
     double presentValue() const { return -(future + payment * worthOfPayments()) / growth(); }
     double futureValue() const { return -(present * growth() + payment * worthOfPayments()); }
     double paymentOf() const { return -(present * growth() + future) / worthOfPayments(); }
 };
 
-/// The worth of payments where the logarithm of the growth factor does not exist: rates below -1.
-Operand evaluated(const Annuity& annuity, double (Annuity::*compute)() const)
-{
-    if (annuity.rate > -1 || annuity.periods != std::trunc(annuity.periods))
-        return checked((annuity.*compute)());
-    return CellError::num;
-}
-
 Operand presentValue(Call& call)
 {
     Annuity annuity{call.number(0), call.number(1), call.number(2)};
     annuity.future = call.number(3, 0);
     annuity.atBeginning = call.number(4, 0) != 0;
-    return call.failed() ? call.error() : evaluated(annuity, &Annuity::presentValue);
+    return call.failed() ? call.error() : checked(annuity.presentValue());
 }
 
 Operand futureValue(Call& call)
@@ -50,7 +43,7 @@ Operand futureValue(Call& call)
     Annuity annuity{call.number(0), call.number(1), call.number(2)};
     annuity.present = call.number(3, 0);
     annuity.atBeginning = call.number(4, 0) != 0;
-    return call.failed() ? call.error() : evaluated(annuity, &Annuity::futureValue);
+    return call.failed() ? call.error() : checked(annuity.futureValue());
 }
 
 /// Arguments from `first` on: periods, present value, [future value], [type].
@@ -68,7 +61,7 @@ Annuity loanArguments(Call& call, std::size_t first)
 Operand payment(Call& call)
 {
     const Annuity loan = loanArguments(call, 1);
-    return call.failed() ? call.error() : evaluated(loan, &Annuity::paymentOf);
+    return call.failed() ? call.error() : checked(loan.paymentOf());
 }
 
 Operand periodCount(Call& call)

@@ -65,6 +65,12 @@ Operand width(const DescribedCell& described)
     return std::round(described.sheetOf().settings().columns.size(described.cell.column) / digitWidth);
 }
 
+/// A workbook does not know its file; the brackets keep formulas right that cut the sheet's name out.
+Operand place(const DescribedCell& described)
+{
+    return Value::text("[]" + described.sheetOf().name());
+}
+
 /// One kind of information.
 struct CellProperty {
     std::string_view name;
@@ -83,8 +89,7 @@ constexpr CellProperty properties[] = {
     {"width", width},
     {"protect",
      [](const DescribedCell& described) -> Operand { return described.style().locked ? 1.0 : 0.0; }},
-    {"filename",
-     [](const DescribedCell& described) -> Operand { return Value::text(described.sheetOf().name()); }},
+    {"filename", place},
     {"format",
      [](const DescribedCell& described) -> Operand {
          return Value::text(formatCodeLetters(described.style()));
@@ -126,7 +131,7 @@ Operand programInformation(Call& call)
     if (name == "numfile")
         return static_cast<double>(call.place().workbook.sheetCount());
     if (name == "recalc")
-        return Value::text("自动");
+        return Value::text("Automatic");
     if (name == "origin")
         return Value::text("$A:$A$1");
     if (name == "system")

@@ -15,6 +15,7 @@ TEST(CellInformation, AddressContentsAndKind)
         {"CELL(\"type\",B3)&CELL(\"type\",B4)&CELL(\"type\",B5)", "\"lvb\""},
         {"CELL(\"prefix\",B3)&CELL(\"prefix\",B4)", "\"'\""},
         {"CELL(\"width\",B4)", "9"},
+        {"MID(CELL(\"filename\",B4),FIND(\"]\",CELL(\"filename\",B4))+1,99)", "\"Sheet1\""},
         {"CELL(\"nothing\",B4)", "#VALUE!"},
         {"CELL(\"row\",7)", "#VALUE!"},
         {"INFO(\"numfile\")", "2"},
