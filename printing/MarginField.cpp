@@ -25,13 +25,13 @@ void MarginField::showInches(const std::string& text)
 /// Works on the field's text; refused input gives a hint.
 void MarginField::edit(const std::function<bool(MarginText&)>& change)
 {
-    MarginText field;
-    if (!field.setText(text().toStdString()))
-        field = MarginText();
-    field.setCursor(cursorPosition());
-    const bool taken = change(field);
-    setText(QString::fromStdString(field.text()));
-    setCursorPosition(field.cursor());
+    if (m_field.text() != text().toStdString() && !m_field.setText(text().toStdString()))
+        m_field = MarginText();
+    if (m_field.cursor() != cursorPosition())
+        m_field.setCursor(cursorPosition());
+    const bool taken = change(m_field);
+    setText(QString::fromStdString(m_field.text()));
+    setCursorPosition(m_field.cursor());
     if (!taken)
         QToolTip::showText(mapToGlobal(rect().bottomLeft()), QStringLiteral("请输入 0.00 到 9.99 英寸"),
                            this);

@@ -23,6 +23,8 @@ private:
     void edit(const std::function<bool(MarginText&)>& change);
     bool typeAll(MarginText& field, const QString& text) const;
     bool eraseSelected(MarginText& field) const;
+
+    MarginText m_field; ///< as the last key left it: what was typed before decides what a point means
 };
 
 } // namespace selfreport

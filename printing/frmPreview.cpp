@@ -77,7 +77,11 @@ frmPreview::frmPreview()
     m_fpsp1->attach(grid.workbook(), grid.workbook().activeSheet(), previewRequest(grid));
     cmdPrevious->setEnabled(false);
     UpdatePageCount();
-    connect(m_fpsp1, &spreadsheet::PreviewWidget::pageChanged, this, &frmPreview::UpdatePageCount);
+    connect(m_fpsp1, &spreadsheet::PreviewWidget::pageChanged, this, [this](int page) {
+        if (page < m_fpsp1->pageCount())
+            cmdNext->setEnabled(true); // keys may jump from the last page to the first
+        UpdatePageCount();
+    });
     m_fpsp1->setFocus();
 }
 

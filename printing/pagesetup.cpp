@@ -3,6 +3,7 @@
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
 #include "printing/GetZoom.h"
+#include "printing/headerfooter.h"
 #include "printing/margin_text.h"
 #include "printing/MarginField.h"
 #include "printing/page_setup_statements.h"
@@ -183,7 +184,10 @@ void pagesetup::saveToDB()
     });
 }
 
-void pagesetup::Command1_Click() {}
+void pagesetup::Command1_Click()
+{
+    headerfooter(this).exec();
+}
 
 void pagesetup::done(int result)
 {

@@ -7,7 +7,7 @@ namespace {
 class SilentDialogs : public Dialogs {
 public:
     void message(Icon, std::string_view, std::string_view) override {}
-    bool question(std::string_view, std::string_view) override { return false; }
+    bool ask(Icon, std::string_view, std::string_view) override { return false; }
 };
 
 } // namespace

@@ -15,8 +15,10 @@ public:
     /// Shows a message with an OK button and returns once it is confirmed.
     virtual void message(Icon icon, std::string_view title, std::string_view text) = 0;
 
-    /// Asks with Yes and No buttons under the question icon. True for Yes.
-    virtual bool question(std::string_view title, std::string_view text) = 0;
+    /// Asks with Yes and No buttons. True for Yes.
+    virtual bool ask(Icon icon, std::string_view title, std::string_view text) = 0;
+    /// … under the question icon.
+    bool question(std::string_view title, std::string_view text) { return ask(Icon::question, title, text); }
 
     /// What is in use without a replacement: at first silent boxes that answer every question with No.
     static Dialogs*& usual();

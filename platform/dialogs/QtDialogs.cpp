@@ -52,10 +52,10 @@ void QtDialogs::message(Icon icon, std::string_view title, std::string_view text
         show(icon, title, text, QMessageBox::Ok);
 }
 
-bool QtDialogs::question(std::string_view title, std::string_view text)
+bool QtDialogs::ask(Icon icon, std::string_view title, std::string_view text)
 {
     return canShow() &&
-           show(Icon::question, title, text, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+           show(icon, title, text, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
 } // namespace selfreport

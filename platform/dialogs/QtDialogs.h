@@ -8,7 +8,7 @@ namespace selfreport {
 class QtDialogs : public Dialogs {
 public:
     void message(Icon icon, std::string_view title, std::string_view text) override;
-    bool question(std::string_view title, std::string_view text) override;
+    bool ask(Icon icon, std::string_view title, std::string_view text) override;
 };
 
 } // namespace selfreport

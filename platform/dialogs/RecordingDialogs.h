@@ -20,9 +20,9 @@ public:
     {
         said.push_back({icon, std::string(title), std::string(text)});
     }
-    bool question(std::string_view title, std::string_view text) override
+    bool ask(Icon icon, std::string_view title, std::string_view text) override
     {
-        message(Icon::question, title, text);
+        message(icon, title, text);
         return answer;
     }
 

@@ -10,7 +10,7 @@ namespace selfreport {
 namespace {
 
 constexpr int connectTimeout = 5000; // milliseconds
-constexpr double answerTimeout = 10; // seconds without a byte
+constexpr double answerTimeout = 5; // seconds without a byte
 
 struct CloseConnection {
     void operator()(http_t* connection) const { httpClose(connection); }

@@ -73,6 +73,10 @@ std::optional<FormulaProblem> enterText(Workbook& workbook, Sheet& sheet, CellAd
 {
     const std::string_view typed = trimmedBlanks(text);
     const UndoStep step(workbook, "输入");
+    if (sheet.style(cell).numberFormat.view() == textFormat && !text.empty()) {
+        sheet.setText(cell, text);
+        return std::nullopt;
+    }
     if (typed.starts_with('=') && typed.size() > 1)
         return sheet.setFormula(cell, text);
     if (text.starts_with('\'')) {

@@ -8,6 +8,9 @@
 
 namespace spreadsheet {
 
+/// The number format of cells that hold texts only.
+inline constexpr std::string_view textFormat = "@";
+
 enum class TypedInto {
     cell,
     formulaBox, ///< there a text stays a formula where the cell already held one
@@ -19,7 +22,7 @@ enum class TypedInto {
 /// is a constant, a text that begins with a call of a known function is a formula, and anything else is
 /// text, a month without a day ("2026年12月") too; a leading apostrophe makes text of whatever follows. A
 /// fresh cell takes the type that the constant was written in (percent, currency, date, time). An empty text
-/// takes the content away.
+/// takes the content away. A cell whose number format is `textFormat` takes every text as it stands.
 /// @return why a formula was refused; the cell then keeps what it had.
 std::optional<FormulaProblem> enterText(Workbook& workbook, Sheet& sheet, CellAddress cell,
                                         std::string_view text, TypedInto where);

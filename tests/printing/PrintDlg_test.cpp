@@ -155,7 +155,7 @@ TEST_F(PrintDialog, ThePrintersPaperAndSettingsAreUsed)
 {
     service.paper = "A5";
     print([](PrintDlg&) {});
-    EXPECT_NE(service.printed[0].pdf.find("419"), std::string::npos) << "points across";
+    EXPECT_NE(service.printed[0].pdf.find("[0 0 420"), std::string::npos) << "points across";
     EXPECT_EQ(service.printed[0].setup.paper, "A5");
 
     setups.answers = {PrinterSetup{"乙", "Letter", "", 2, true, false, false, true}, std::nullopt};
