@@ -1,0 +1,30 @@
+#pragma once
+#include "designer/frmEditor.h"
+#include "formula/dialogs/FormulaCell.h"
+#include "printing/PrintedGrid.h"
+
+namespace selfreport {
+
+/// The designer's grid as printing windows and formula dialogs see it, in use while the designer lives.
+class frmEditor::EditorGrid : public PrintedGrid, public FormulaCell {
+public:
+    explicit EditorGrid(frmEditor& window)
+        : m_window(window)
+        , m_inUse(*this)
+    {
+    }
+
+    spreadsheet::Workbook& workbook() override;
+    spreadsheet::CellRange selectedBlock() const override;
+    std::string reportName() const override;
+    int diagnosticsCount() const override;
+    void tellStatus(std::string_view text) override;
+    void closeDesigner() override;
+    QString writeFormula(const QString& formula) override;
+
+private:
+    frmEditor& m_window;
+    PrintedGridInUse m_inUse;
+};
+
+} // namespace selfreport

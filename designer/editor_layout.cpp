@@ -1,0 +1,207 @@
+// The designer's controls, menus and toolbar, and what connects them.
+#include "designer/frmEditor.h"
+
+#include "component/icons/own_icon.h"
+#include "component/state/mdlMain.h"
+#include "component/state/shared_state.h"
+#include "designer/DiagnosticsPanel.h"
+#include "designer/editor_commands.h"
+#include "designer/EditorStatus.h"
+#include "designer/FormulaBox.h"
+#include "formatting/cell_commands.h"
+#include "platform/dialogs/Dialogs.h"
+#include "platform/windows/ProportionalLayout.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+
+#include <QComboBox>
+#include <QFontDatabase>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QSignalBlocker>
+#include <QSplitter>
+#include <QToolBar>
+#include <QToolButton>
+
+#include <cmath>
+
+namespace selfreport {
+
+namespace {
+
+constexpr QSize board(14400, 9300); // twips
+
+// Twips on the board.
+constexpr QRect toolbarPlace(0, 0, 14400, 450);
+constexpr QRect list1Place(60, 480, 2400, 360);
+constexpr QRect list2Place(2520, 480, 840, 360);
+constexpr QRect nameLabelPlace(3480, 480, 960, 360);
+constexpr QRect namePlace(4440, 480, 2760, 360);
+constexpr QRect formulaLabelPlace(7320, 480, 1860, 360);
+constexpr QRect formulaPlace(9180, 480, 5160, 360);
+constexpr QRect sheetPlace(0, 900, 14400, 8040);
+constexpr QRect statusPlace(0, 8940, 14400, 360);
+
+constexpr int firstSize = 5; // points
+constexpr int lastSize = 72;
+
+/// The buttons that show how the entered cell looks.
+constexpr const char* lookButtons[] = {"Bold", "Italic", "Left", "Middle", "Right"};
+
+} // namespace
+
+void frmEditor::buildControls()
+{
+    auto* layout = new ProportionalLayout(this, board);
+    setLayout(layout);
+    m_toolbar1 = new QToolBar;
+    m_toolbar1->setObjectName("Toolbar1");
+    layout->place(m_toolbar1, toolbarPlace);
+    m_fps1->setObjectName("fps1");
+    m_diagnostics = new DiagnosticsPanel;
+    auto* splitter = new QSplitter(Qt::Vertical);
+    splitter->addWidget(m_fps1);
+    splitter->addWidget(m_diagnostics);
+    splitter->setStretchFactor(0, 4);
+    splitter->setStretchFactor(1, 1);
+    buildLabels(*layout);
+    layout->place(splitter, sheetPlace);
+    m_status = new EditorStatus;
+    layout->place(m_status, statusPlace);
+    buildCommands();
+    resize(sizeHint());
+}
+
+void frmEditor::buildLabels(ProportionalLayout& layout)
+{
+    const auto put = [&](auto* control, const char* name, const QRect& place) {
+        control->setObjectName(name);
+        layout.place(control, place);
+        return control;
+    };
+    m_list1 = put(new QComboBox, "list1", list1Place);
+    m_list2 = put(new QComboBox, "list2", list2Place);
+    auto* nameLabel = put(new QLabel(QStringLiteral("报表名称：")), "lblReportName", nameLabelPlace);
+    m_txtReportName = put(new QLineEdit, "txtReportName", namePlace);
+    nameLabel->setBuddy(m_txtReportName);
+    m_label1 = put(new QLabel(QStringLiteral("单元格公式：")), "Label1", formulaLabelPlace);
+    m_txtFormula = put(new QLineEdit, "txtFormula", formulaPlace);
+    m_formulaBox = new FormulaBox(*m_txtFormula, *m_fps1);
+}
+
+QAction* frmEditor::actionOf(const EditorCommand& command)
+{
+    auto* action = new QAction(QString::fromUtf8(command.caption), this);
+    action->setObjectName(command.name);
+    action->setShortcut(QKeySequence(command.shortcut));
+    if (command.run)
+        connect(action, &QAction::triggered, this, [this, run = command.run] { run(*this); });
+    return action;
+}
+
+void frmEditor::buildCommands()
+{
+    auto* bar = new QMenuBar;
+    layout()->setMenuBar(bar);
+    for (const EditorMenu& menu : editorMenus()) {
+        QMenu* shown = bar->addMenu(QString::fromUtf8(menu.caption));
+        shown->setObjectName(menu.name);
+        for (const EditorCommand& command : menu.commands) {
+            if (command.name)
+                shown->addAction(actionOf(command));
+            else
+                shown->addSeparator();
+        }
+    }
+    m_menuEdit = bar->findChild<QMenu*>("MenuEdit");
+    for (const EditorButton& button : editorButtons()) {
+        if (!button.key) {
+            m_toolbar1->addSeparator();
+            continue;
+        }
+        QAction* action = m_toolbar1->addAction(ownIcon(button.icon), QString::fromUtf8(button.tooltip));
+        action->setObjectName(button.key);
+        action->setCheckable(button.checkable);
+        if (const auto* command = button.command ? findChild<QAction*>(button.command) : nullptr) {
+            connect(action, &QAction::triggered, command, &QAction::trigger);
+        } else if (button.run) {
+            connect(action, &QAction::triggered, this, [this, run = button.run] { run(*this); });
+        }
+    }
+}
+
+/// Only a choice by the user counts; choosing the current entry again does.
+void frmEditor::connectLists()
+{
+    connect(m_list1, &QComboBox::textActivated, this, [this](const QString& name) {
+        setFontName(*m_fps1, name.toStdString());
+        m_fps1->setFocus();
+    });
+    connect(m_list2, &QComboBox::textActivated, this, [this](const QString& size) {
+        setFontSize(*m_fps1, size.toInt());
+        m_fps1->setFocus();
+    });
+}
+
+void frmEditor::initForm()
+{
+    connectLists();
+    m_list1->addItems(QFontDatabase::families());
+    for (int size = firstSize; size <= lastSize; ++size)
+        m_list2->addItem(QString::number(size));
+    showCellLooks();
+}
+
+/// Lists and buttons follow the entered cell; none of this is a choice by the user.
+void frmEditor::showCellLooks()
+{
+    const spreadsheet::CellStyle& style = m_fps1->sheet().style(m_fps1->activeCell());
+    const spreadsheet::CellFont& font = style.font;
+    m_list1->setCurrentIndex(
+        m_list1->findText(m_fps1->screenFont(font).family(), Qt::MatchExactly | Qt::MatchCaseSensitive));
+    m_list2->setCurrentIndex(m_list2->findText(QString::number(std::lround(font.points))));
+    const auto press = [this](const char* key, bool pressed) {
+        m_toolbar1->findChild<QAction*>(key)->setChecked(pressed);
+    };
+    for (const char* key : lookButtons)
+        press(key, false);
+    using spreadsheet::HorizontalAlignment;
+    press("Left", style.horizontal == HorizontalAlignment::left);
+    press("Right", style.horizontal == HorizontalAlignment::right);
+    press("Middle", style.horizontal == HorizontalAlignment::centre);
+    press("Bold", font.bold);
+    press("Italic", font.italic);
+}
+
+void frmEditor::connectGrid()
+{
+    using spreadsheet::SpreadsheetControl;
+    m_formulaBox->refused = [](const std::string& reason) { tellUser(Icon::critical, reason); };
+    m_formulaBox->written = [this](spreadsheet::Sheet&, spreadsheet::CellAddress) {
+        if (m_evaluation.isShowFormula == 1)
+            m_evaluation.showFormulas();
+    };
+    m_fps1->functionHints().describe("Acct", QStringLiteral("科目,取数类型,货币,年度,起始期间,截目期间"),
+                                     QStringLiteral("总账取数公式"));
+    m_fps1->functionHints().describe("REF_F", QStringLiteral("表名,单元格名称,标签"),
+                                     QStringLiteral("表间取数公式"));
+    m_fps1->ask = [](const QString& question) { return dialogs().question(gTitle, question.toStdString()); };
+    m_fps1->recalculateChanged = [this] {
+        m_evaluation.recalculateChanged();
+        m_diagnostics->setDiagnostics(m_evaluation.diagnostics(), m_fps1->workbook());
+    };
+    m_fps1->setCellNotes([this](int sheetId, spreadsheet::CellAddress cell) {
+        return m_diagnostics->reasonFor({m_fps1->workbook().sheetIndexOfId(sheetId), cell.column, cell.row});
+    });
+    connect(m_fps1, &SpreadsheetControl::leaveCell, this, &frmEditor::fps1_LeaveCell);
+    connect(m_fps1, &SpreadsheetControl::selectionChanged, this, &frmEditor::enterCell);
+    connect(m_fps1, &SpreadsheetControl::sheetChanged, this, &frmEditor::enterCell);
+    connect(m_fps1, &SpreadsheetControl::cellChanged, this, &frmEditor::enterCell);
+    connect(m_fps1, &SpreadsheetControl::refused, m_status,
+            [this](const QString& why) { m_status->showMessage(why); });
+    connect(m_fps1, &SpreadsheetControl::contextMenuWanted, this,
+            [this](const QPoint& place) { m_menuEdit->popup(place); });
+    connect(m_diagnostics, &DiagnosticsPanel::chosen, this, &frmEditor::goToDiagnostic);
+}
+
+} // namespace selfreport

@@ -1,0 +1,315 @@
+#include "designer/frmEditor.h"
+
+#include "catalogue/report_store.h"
+#include "component/state/mdlMain.h"
+#include "component/state/shared_state.h"
+#include "designer/DiagnosticsPanel.h"
+#include "designer/EditorGrid.h"
+#include "designer/EditorStatus.h"
+#include "designer/FormulaBox.h"
+#include "designer/frmTableInfo.h"
+#include "formatting/cell_commands.h"
+#include "formatting/frmCellBorder.h"
+#include "formatting/frmDataType.h"
+#include "formula/dialogs/edit_call.h"
+#include "formula/dialogs/frmFunction.h"
+#include "formula/ledger_query.h"
+#include "platform/windows/WaitCursor.h"
+#include "printing/frmPreview.h"
+#include "printing/print_sheet.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QLineEdit>
+
+namespace selfreport {
+
+using spreadsheet::CellAddress;
+using spreadsheet::GridMode;
+
+namespace {
+
+std::optional<std::int32_t> storedReport()
+{
+    return gEditFlag == 0 ? std::nullopt : std::optional(gReportId);
+}
+
+} // namespace
+
+frmEditor::frmEditor(QWidget* parent)
+    : QDialog(parent)
+    , m_fps1(new spreadsheet::SpreadsheetControl)
+    , m_evaluation(m_fps1->workbook())
+{
+    setObjectName("frmEditor");
+    setWindowTitle(QStringLiteral("报表系统"));
+    setWindowFlags(Qt::Window | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
+                   Qt::WindowCloseButtonHint);
+    buildControls();
+    m_grid = std::make_unique<EditorGrid>(*this);
+    connectGrid();
+    initForm();
+    openReport();
+    m_fps1->setFocus();
+}
+
+frmEditor::~frmEditor()
+{
+    m_fps1->disconnect(this);
+}
+
+// Start-up
+
+void frmEditor::openReport()
+{
+    if (gEditFlag == 1) {
+        std::string name;
+        if (loadReport(name, m_fps1->workbook()))
+            m_txtReportName->setText(QString::fromStdString(name));
+        m_fps1->setWorkbook(&m_fps1->workbook()); // another content: shown from its first cell
+    }
+    addSelfFunction();
+    m_fps1->setMode(gRunMode ? GridMode::run : GridMode::edit);
+    m_txtFormula->setReadOnly(gRunMode);
+    if (gRunMode) {
+        const WaitCursor waiting;
+        m_evaluation.startRun();
+        recalculated();
+    }
+    m_evaluation.isShowFormula = 0;
+    enterCell();
+    if (!gRunMode) {
+        m_recovery = std::make_unique<Recovery>(m_fps1->workbook(), storedReport());
+        offerRecovery();
+    }
+}
+
+void frmEditor::offerRecovery()
+{
+    if (!m_recovery->leftBehind())
+        return;
+    if (!dialogs().question(gTitle, "上次关闭时有未保存的报表设计,是否恢复?")) {
+        m_recovery->forget();
+        return;
+    }
+    try {
+        m_recovery->restore(m_fps1->workbook());
+        hookUpAgain();
+    } catch (const std::exception& error) {
+        tellUser(Icon::exclamation, error.what());
+    }
+}
+
+void frmEditor::addSelfFunction()
+{
+    m_evaluation.addSelfFunction();
+}
+
+// Saving and closing
+
+bool frmEditor::insertReport()
+{
+    return selfreport::insertReport(m_txtReportName->text().toStdString(), m_fps1->workbook());
+}
+
+bool frmEditor::updateReport()
+{
+    return selfreport::updateReport(m_txtReportName->text().toStdString(), m_fps1->workbook());
+}
+
+void frmEditor::MenuFileSave_Click()
+{
+    if (gRunMode) {
+        tellUser(Icon::exclamation, "请在报表编辑状态下进行保存,保存不成功!");
+        return;
+    }
+    if (!m_fps1->commitEdit() || !m_formulaBox->commit())
+        return; // what is being typed is no formula: its reason is on screen
+    if (trimmed(m_txtReportName->text().toStdString()).empty()) {
+        tellUser(Icon::exclamation, "报表名称不能为空！");
+        m_txtReportName->setFocus();
+        return;
+    }
+    const bool inserting = gEditFlag == 0;
+    if (inserting ? !insertReport() : !updateReport())
+        return;
+    gEditFlag = 1;
+    m_recovery->saved(gReportId);
+    tellUser(Icon::information, inserting ? "报表保存成功!" : "报表修改成功!");
+}
+
+void frmEditor::closeEvent(QCloseEvent* event)
+{
+    m_fps1->cancelEdit();
+    if (m_recovery)
+        m_recovery->keep();
+    frmPreview::discard();
+    QDialog::closeEvent(event);
+}
+
+// Formulas
+
+void frmEditor::fps1_LeaveCell(int column, int row, int newColumn, int newRow, bool& cancel)
+{
+    if (column == newColumn && row == newRow)
+        return;
+    if (!gRunMode && !m_formulaBox->commit())
+        cancel = true; // the refused text stays in the box until it is right or given up
+}
+
+/// The control that moves the cursor tells of it before; what the entered cell holds is shown after.
+void frmEditor::enterCell()
+{
+    m_formulaBox->fill();
+    const CellAddress cell = m_fps1->activeCell();
+    m_label1->setText(QString::fromStdString(spreadsheet::cellName(cell)) + QStringLiteral("单元格公式为："));
+    showCellLooks();
+    m_status->showCell(*m_fps1, gRunMode                          ? QStringLiteral("使用")
+                                : m_evaluation.isShowFormula == 1 ? QStringLiteral("显示公式")
+                                                                  : QStringLiteral("设计"));
+    const QString reason = m_diagnostics->reasonFor(
+        {m_fps1->activeSheet(), m_fps1->activeCell().column, m_fps1->activeCell().row});
+    if (!reason.isEmpty())
+        m_status->showMessage(reason);
+    else
+        m_status->clearMessage();
+}
+
+void frmEditor::recalculated()
+{
+    m_diagnostics->setDiagnostics(m_evaluation.diagnostics(), m_fps1->workbook());
+    m_fps1->refresh();
+}
+
+void frmEditor::MenuRecalculate_Click()
+{
+    const WaitCursor waiting;
+    m_evaluation.recalculate();
+    recalculated();
+}
+
+void frmEditor::MenuShowFormula_Click()
+{
+    m_evaluation.showFormulas();
+    m_fps1->refresh();
+    enterCell();
+}
+
+void frmEditor::MenuShowDate_Click()
+{
+    const WaitCursor waiting;
+    m_evaluation.showData();
+    recalculated();
+    enterCell();
+}
+
+/// Dialogs work on this cell, whatever becomes active meanwhile.
+void frmEditor::keepCell()
+{
+    gCellRow = m_fps1->activeCell().row;
+    gCellCol = m_fps1->activeCell().column;
+}
+
+void frmEditor::MenuFormula_Click()
+{
+    keepCell();
+    frmFunction(*m_grid, this).exec();
+}
+
+void frmEditor::editCallInCell()
+{
+    keepCell();
+    const std::string formula = m_fps1->sheet().formula(m_fps1->activeCell());
+    if (!editCall(*m_grid, formula, this))
+        m_status->showMessage(QStringLiteral("当前单元格不是单独的 Acct 或 REF_F 取数公式"));
+}
+
+void frmEditor::showDiagnostics()
+{
+    m_diagnostics->setDiagnostics(m_evaluation.diagnostics(), m_fps1->workbook());
+    m_diagnostics->setVisible(true);
+}
+
+void frmEditor::goToDiagnostic(const CellDiagnostic& diagnostic)
+{
+    if (!m_fps1->commitEdit() || diagnostic.place.sheet > m_fps1->sheetCount())
+        return;
+    m_fps1->setActiveSheet(diagnostic.place.sheet);
+    m_fps1->setActiveCell(diagnostic.place.column, diagnostic.place.row);
+    m_fps1->setFocus();
+}
+
+// Cells
+
+void frmEditor::tell(const std::optional<std::string>& refusal)
+{
+    if (refusal)
+        m_status->showMessage(QString::fromStdString(*refusal));
+}
+
+void frmEditor::MenuInsertRow_Click()
+{
+    tell(insertRow(*m_fps1));
+}
+
+void frmEditor::MenuInsertCol_Click()
+{
+    tell(insertColumn(*m_fps1));
+}
+
+void frmEditor::MenuDataType_Click()
+{
+    keepCell();
+    frmDataType(*m_fps1, this).exec();
+}
+
+void frmEditor::MenuCellBorder_Click()
+{
+    keepCell();
+    frmCellBorder(*m_fps1, this).exec();
+}
+
+// Other windows and the clipboard
+
+void frmEditor::MenuSetTableInfo_Click()
+{
+    gActiveSheet = static_cast<std::int16_t>(m_fps1->activeSheet());
+    frmTableInfo(*m_fps1, this).exec();
+    m_fps1->refresh();
+    enterCell();
+}
+
+void frmEditor::MenuPreview_Click()
+{
+    frmPreview::showModally();
+}
+
+void frmEditor::MenuPrint_Click()
+{
+    printSheet(*m_grid);
+}
+
+void frmEditor::exportPdf()
+{
+    selfreport::exportPdf(*m_grid);
+}
+
+void frmEditor::copyActiveText()
+{
+    const CellAddress cell = m_fps1->activeCell();
+    QApplication::clipboard()->setText(m_fps1->text(cell.column, cell.row));
+}
+
+void frmEditor::pasteIntoActiveCell()
+{
+    const CellAddress cell = m_fps1->activeCell();
+    if (!m_fps1->mayEdit({cell.column, cell.row, cell.column, cell.row}))
+        return;
+    m_fps1->setText(cell.column, cell.row, QApplication::clipboard()->text());
+    m_fps1->afterEdit(cell);
+}
+
+} // namespace selfreport

@@ -1,0 +1,122 @@
+#pragma once
+#include "designer/Recovery.h"
+#include "formula/evaluation.h"
+#include "platform/dialogs/FileDialog.h"
+
+#include <QDialog>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QAction;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QToolBar;
+
+namespace spreadsheet {
+class SpreadsheetControl;
+enum class FileFormat;
+} // namespace spreadsheet
+
+namespace selfreport {
+
+class DiagnosticsPanel;
+class EditorStatus;
+class FormulaBox;
+class ProportionalLayout;
+struct EditorCommand;
+
+/// The designer: a report is built and saved in it, or, in run mode, a stored one is shown with its data.
+/// What it opens on is the shared state at that moment: `gEditFlag`, `gRunMode`, `gReportId`.
+class frmEditor : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit frmEditor(QWidget* parent = nullptr);
+    ~frmEditor() override;
+
+    spreadsheet::SpreadsheetControl& fps1() { return *m_fps1; }
+    ReportEvaluation& evaluation() { return m_evaluation; }
+
+    // The commands behind menus and toolbar; each works alike from both.
+    void MenuFileSave_Click();
+    void MenuSetTableInfo_Click();
+    void MenuFormula_Click();
+    void MenuRecalculate_Click();
+    void MenuShowDate_Click();
+    void MenuShowFormula_Click();
+    void MenuImpoertSpreadFile_Click();
+    void MenuEmportSpreadFile_Click();
+    void MenuImportExcelFile_Click();
+    void MenuExportExcel_Click();
+    void MenuPreview_Click();
+    void MenuPrint_Click();
+    void MenuInsertRow_Click();
+    void MenuInsertCol_Click();
+    void MenuDataType_Click();
+    void MenuCellBorder_Click();
+    void exportPdf();
+    void editCallInCell();
+    void copyActiveText();
+    void pasteIntoActiveCell();
+    void showDiagnostics();
+
+    /// Brings formula box, caption, lists, buttons and status bar in line with the active cell.
+    void enterCell();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    class EditorGrid;
+
+    // Building
+    void buildControls();
+    void buildLabels(ProportionalLayout& board);
+    void buildCommands();
+    void connectLists();
+    void connectGrid();
+    QAction* actionOf(const EditorCommand& command);
+
+    // Start-up, in this order
+    void initForm();
+    void openReport();
+    void offerRecovery();
+
+    // Procedures
+    void addSelfFunction();
+    bool insertReport();
+    bool updateReport();
+    void fps1_LeaveCell(int column, int row, int newColumn, int newRow, bool& cancel);
+    void keepCell();
+    void showCellLooks();
+    void tell(const std::optional<std::string>& refusal);
+    void recalculated();
+    void importFile();
+    bool exportFile(spreadsheet::FileFormat format);
+    bool transfer(const std::string& file, const std::function<std::vector<std::string>()>& work);
+    void hookUpAgain();
+    void goToDiagnostic(const CellDiagnostic& diagnostic);
+
+    spreadsheet::SpreadsheetControl* m_fps1;
+    QToolBar* m_toolbar1 = nullptr;
+    QComboBox* m_list1 = nullptr; ///< font names
+    QComboBox* m_list2 = nullptr; ///< font sizes
+    QLineEdit* m_txtReportName = nullptr;
+    QLineEdit* m_txtFormula = nullptr;
+    QLabel* m_label1 = nullptr;
+    QMenu* m_menuEdit = nullptr;
+    DiagnosticsPanel* m_diagnostics = nullptr;
+    EditorStatus* m_status = nullptr;
+    FormulaBox* m_formulaBox = nullptr;
+    FileDialogSettings m_cd1; ///< keeps what a command does not set
+    ReportEvaluation m_evaluation;
+    std::unique_ptr<EditorGrid> m_grid;
+    std::unique_ptr<Recovery> m_recovery;
+};
+
+} // namespace selfreport

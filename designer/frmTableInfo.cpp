@@ -1,0 +1,110 @@
+#include "designer/frmTableInfo.h"
+
+#include "component/state/mdlMain.h"
+#include "component/state/shared_state.h"
+#include "spreadsheet/view/CellOperations.h"
+
+#include <QFormLayout>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace selfreport {
+
+namespace {
+
+constexpr const char* labels[] = {"总行数：", "总列数：", "标签页：", "标签页："};
+
+QPushButton* button(const char* name, const char* caption)
+{
+    auto* made = new QPushButton(QString::fromUtf8(caption));
+    made->setObjectName(name);
+    return made;
+}
+
+} // namespace
+
+frmTableInfo::frmTableInfo(spreadsheet::CellOperations& grid, QWidget* parent)
+    : QDialog(parent)
+    , m_grid(grid)
+{
+    setObjectName("frmTableInfo");
+    setWindowTitle(QStringLiteral("属性"));
+    auto* form = new QFormLayout(this);
+    for (int box = 0; box < 4; ++box) {
+        m_txt[box] = new QLineEdit;
+        m_txt[box]->setObjectName("txt_" + QString::number(box));
+        form->addRow(QString::fromUtf8(labels[box]), m_txt[box]);
+    }
+    auto* buttons = new QHBoxLayout;
+    auto* ok = button("cmdOK", "确定(&O)");
+    auto* close = button("cmdClose", "关闭(&C)");
+    ok->setDefault(true);
+    close->setAutoDefault(false);
+    connect(ok, &QPushButton::clicked, this, &frmTableInfo::cmdOK_Click);
+    connect(close, &QPushButton::clicked, this, &frmTableInfo::cmdClose_Click);
+    buttons->addStretch();
+    buttons->addWidget(ok);
+    buttons->addWidget(close);
+    form->addRow(buttons);
+    getEditInfo();
+}
+
+void frmTableInfo::getEditInfo()
+{
+    m_txt[0]->setText(QString::number(m_grid.rowCount()));
+    m_txt[1]->setText(QString::number(m_grid.columnCount()));
+    m_txt[2]->setText(QString::number(m_grid.sheetCount()));
+    m_txt[3]->setText(m_grid.sheetName());
+}
+
+bool frmTableInfo::refuse(int box, const QString& why)
+{
+    tellUser(Icon::exclamation, why.toStdString());
+    m_txt[box]->setFocus();
+    m_txt[box]->selectAll();
+    return false;
+}
+
+bool frmTableInfo::readNumber(int box, int most, int& number)
+{
+    bool whole = false;
+    number = m_txt[box]->text().trimmed().toInt(&whole);
+    return (whole && number >= 1 && number <= most) ||
+           refuse(box, QString::fromUtf8(labels[box]) + QStringLiteral("请输入 1 到 %1 的整数。").arg(most));
+}
+
+void frmTableInfo::cmdOK_Click()
+{
+    int rows = 0;
+    int columns = 0;
+    int sheets = 0;
+    if (!readNumber(0, spreadsheet::maxRows, rows) || !readNumber(1, spreadsheet::maxColumns, columns) ||
+        !readNumber(2, spreadsheet::maxSheets, sheets))
+        return;
+    spreadsheet::Workbook& workbook = m_grid.workbook();
+    const std::uint64_t before = workbook.revision();
+    bool refused = false;
+    {
+        const spreadsheet::UndoStep step(workbook, "设置表格信息");
+        m_grid.setRowCount(rows);
+        m_grid.setColumnCount(columns);
+        if (const auto why = m_grid.setSheetCount(sheets))
+            refused = !refuse(2, *why);
+        m_grid.setAddressedSheet(gActiveSheet);
+        // The sheet may be among those taken away; then no name is left to be set.
+        if (!refused && gActiveSheet <= m_grid.sheetCount())
+            if (const auto why = m_grid.setSheetName(m_txt[3]->text()))
+                refused = !refuse(3, *why);
+    }
+    if (!refused)
+        accept();
+    else if (workbook.revision() != before)
+        workbook.undo();
+}
+
+void frmTableInfo::cmdClose_Click()
+{
+    reject();
+}
+
+} // namespace selfreport

@@ -1,0 +1,30 @@
+#pragma once
+#include <QDialog>
+
+class QLineEdit;
+
+namespace spreadsheet {
+class CellOperations;
+}
+
+namespace selfreport {
+
+/// Size of the sheet `gActiveSheet` of a grid, number of sheets, name of the sheet.
+class frmTableInfo : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit frmTableInfo(spreadsheet::CellOperations& grid, QWidget* parent = nullptr);
+
+private:
+    void getEditInfo();
+    void cmdOK_Click();
+    void cmdClose_Click();
+    bool refuse(int box, const QString& why);
+    bool readNumber(int box, int most, int& number);
+
+    spreadsheet::CellOperations& m_grid;
+    QLineEdit* m_txt[4] = {};
+};
+
+} // namespace selfreport

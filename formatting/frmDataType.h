@@ -1,0 +1,29 @@
+#pragma once
+#include <QDialog>
+
+class QComboBox;
+
+namespace spreadsheet {
+class SpreadsheetControl;
+}
+
+namespace selfreport {
+
+/// Sets the cell type of the selected block, or of the cell (`gCellCol`, `gCellRow`), and the decimals of
+/// number cells. Contents stay; a tag that keeps a cell's type while formulas are shown follows.
+class frmDataType : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit frmDataType(spreadsheet::SpreadsheetControl& grid, QWidget* parent = nullptr);
+
+private:
+    void Form_Load();
+    void PC_SelChange(int element);
+    void cmdXPOK_Click();
+
+    spreadsheet::SpreadsheetControl& m_grid;
+    QComboBox* m_PC[2] = {}; ///< 0: decimals, 1: types
+};
+
+} // namespace selfreport

@@ -1,0 +1,177 @@
+#include "formatting/cell_commands.h"
+
+#include "component/state/shared_state.h"
+#include "formatting/frmCellBorder.h"
+#include "formatting/frmDataType.h"
+#include "platform/dialogs/ScriptedDialogs.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+#include "tests/platform/WindowTest.h"
+
+#include <QComboBox>
+#include <QPushButton>
+
+namespace selfreport {
+namespace {
+
+using spreadsheet::CellRange;
+using spreadsheet::CellStyle;
+using spreadsheet::CellType;
+using spreadsheet::LineStyle;
+
+class Formatting : public test::WindowTest {
+protected:
+    const CellStyle& style(int column, int row) { return grid.sheet().style({column, row}); }
+    void choose(QDialog& dialog, const char* list, const QString& entry)
+    {
+        auto& box = control<QComboBox>(dialog, list);
+        ASSERT_GE(box.findText(entry), 0) << entry.toStdString();
+        box.setCurrentIndex(box.findText(entry));
+    }
+
+    spreadsheet::SpreadsheetControl grid;
+};
+
+TEST_F(Formatting, TogglesInvertEachCellOfABlock)
+{
+    const struct {
+        void (*toggle)(spreadsheet::SpreadsheetControl&);
+        std::function<bool(const CellStyle&)> read;
+    } toggles[] = {{toggleBold, [](const CellStyle& s) { return s.font.bold; }},
+                   {toggleItalic, [](const CellStyle& s) { return s.font.italic; }},
+                   {toggleUnderline, [](const CellStyle& s) { return s.font.underline; }},
+                   {toggleStrikeOut, [](const CellStyle& s) { return s.font.strikeThrough; }},
+                   {toggleWrap, [](const CellStyle& s) { return s.wrap; }},
+                   {toggleLock, [](const CellStyle& s) { return s.locked; }}};
+    for (const auto& [toggle, read] : toggles) {
+        grid.setActiveCell(2, 2);
+        toggle(grid); // the active cell alone
+        EXPECT_TRUE(read(style(2, 2)));
+        EXPECT_FALSE(read(style(1, 2)));
+        grid.select({1, 1, 3, 4});
+        toggle(grid);
+        EXPECT_FALSE(read(style(2, 2)));
+        EXPECT_TRUE(read(style(1, 1)));
+        EXPECT_TRUE(read(style(3, 4)));
+        EXPECT_FALSE(read(style(4, 4)));
+        EXPECT_EQ(grid.current(), (spreadsheet::CellAddress{3, 4}));
+        grid.undo(); // one step
+        EXPECT_TRUE(read(style(2, 2)));
+        EXPECT_FALSE(read(style(1, 1)));
+        grid.undo();
+    }
+}
+
+TEST_F(Formatting, SetsAndColours)
+{
+    ScriptedColourDialog colours;
+    const ColourDialogInUse inUse(colours);
+    grid.select({1, 1, 2, 3});
+    alignCells(grid, spreadsheet::HorizontalAlignment::centre);
+    alignCells(grid, spreadsheet::HorizontalAlignment::centre); // set, not toggled
+    alignCells(grid, spreadsheet::VerticalAlignment::bottom);
+    setFontSize(grid, 16);
+    setFontName(grid, "黑体");
+    colours.answers = {0x112233, std::nullopt, 0x445566};
+    chooseForeColour(grid);
+    chooseForeColour(grid); // cancelled
+    chooseBackColour(grid);
+    EXPECT_EQ(colours.asked, (std::vector<std::uint32_t>{0, 0, 0})); // black each time
+    for (const auto& [column, row] : {std::pair{1, 1}, std::pair{2, 3}}) {
+        const CellStyle& cell = style(column, row);
+        EXPECT_EQ(cell.horizontal, spreadsheet::HorizontalAlignment::centre);
+        EXPECT_EQ(cell.vertical, spreadsheet::VerticalAlignment::bottom);
+        EXPECT_EQ(cell.font.points, 16);
+        EXPECT_EQ(cell.font.family.view(), "黑体");
+        EXPECT_EQ(cell.foreground, 0x112233u);
+        EXPECT_EQ(cell.background, 0x445566u);
+    }
+    clearFormats(grid);
+    EXPECT_EQ(style(1, 1), CellStyle());
+}
+
+TEST_F(Formatting, MergingAndUnmerging)
+{
+    grid.select({1, 1, 2, 2});
+    mergeCells(grid);
+    grid.select({2, 2, 4, 4}); // meets the first
+    mergeCells(grid);
+    EXPECT_EQ(grid.spanAt(1, 1), (CellRange{1, 1, 2, 2}));
+    EXPECT_FALSE(grid.spanAt(4, 4));
+    grid.select({2, 2, 9, 9}); // reaches into it
+    unmergeCells(grid);
+    EXPECT_FALSE(grid.spanAt(1, 1));
+}
+
+TEST_F(Formatting, InsertionAtTheEdgeLosesNothing)
+{
+    grid.setText(1, grid.rowCount(), "最后一行");
+    grid.setText(grid.columnCount(), 1, "最后一列");
+    grid.setActiveCell(1, grid.rowCount());
+    EXPECT_FALSE(insertRow(grid));
+    EXPECT_EQ(grid.rowCount(), 501);
+    EXPECT_EQ(grid.text(1, 501), "最后一行");
+    grid.setActiveCell(grid.columnCount(), 1);
+    EXPECT_FALSE(insertColumn(grid));
+    EXPECT_EQ(grid.text(51, 1), "最后一列");
+}
+
+TEST_F(Formatting, DataTypes)
+{
+    const std::pair<const char*, CellType> types[] = {
+        {"日期型", CellType::date},           {"字符型", CellType::edit},
+        {"货币型", CellType::currency},       {"数字型", CellType::number},
+        {"百分比", CellType::percent},        {"科学计数法", CellType::scientific},
+        {"静态文本框", CellType::staticText}, {"时间型", CellType::time},
+        {"按钮型", CellType::button},         {"下拉框", CellType::dropDown},
+        {"复选框", CellType::checkBox}};
+    gCellCol = 2;
+    gCellRow = 3;
+    grid.setText(2, 3, "文本");
+    grid.sheet().setTag({2, 3}, "13");
+    int row = 0;
+    for (const auto& [shown, type] : types) {
+        frmDataType dialog(grid);
+        EXPECT_EQ(control<QComboBox>(dialog, "PC_1").currentIndex(), 1);
+        EXPECT_EQ(control<QComboBox>(dialog, "PC_0").currentText(), "2");
+        EXPECT_EQ(control<QComboBox>(dialog, "PC_1").findText(QString::fromUtf8(shown)), row++);
+        choose(dialog, "PC_1", QString::fromUtf8(shown));
+        EXPECT_EQ(control<QComboBox>(dialog, "PC_0").isEnabled(), type == CellType::number);
+        control<QPushButton>(dialog, "cmdXPOK").click();
+        EXPECT_EQ(style(2, 3).type, type);
+        EXPECT_EQ(grid.sheet().tag({2, 3}).view(), std::to_string(static_cast<int>(type)));
+        EXPECT_EQ(grid.sheet().value({2, 3}).text().view(), "文本"); // what does not fit is kept
+    }
+    grid.select({1, 1, 2, 1});
+    frmDataType dialog(grid);
+    choose(dialog, "PC_1", "数字型");
+    choose(dialog, "PC_0", "15");
+    control<QPushButton>(dialog, "cmdXPOK").click();
+    EXPECT_EQ(style(2, 1).decimals, 15);
+    EXPECT_EQ(style(1, 1).type, CellType::number);
+}
+
+TEST_F(Formatting, Borders)
+{
+    grid.select({1, 1, 2, 2});
+    frmCellBorder all(grid);
+    control<QPushButton>(all, "cmdXPOK").click(); // all sides, solid
+    const spreadsheet::BorderLine line{LineStyle::solid, 0x000080};
+    for (const spreadsheet::BorderLine& side :
+         {style(1, 1).left, style(2, 1).top, style(2, 2).right, style(1, 2).bottom})
+        EXPECT_EQ(side, line);
+    frmCellBorder none(grid);
+    choose(none, "PC_1", "无");
+    choose(none, "PC_0", "Dot border ");
+    control<QPushButton>(none, "cmdXPOK").click();
+    EXPECT_EQ(style(1, 1).left, line);
+    frmCellBorder left(grid);
+    choose(left, "PC_1", "左");
+    choose(left, "PC_0", "No border");
+    control<QPushButton>(left, "cmdXPOK").click();
+    EXPECT_EQ(style(1, 1).left.style, LineStyle::none);
+    EXPECT_EQ(style(1, 1).top, line);
+    EXPECT_EQ(control<QComboBox>(left, "PC_0").count(), 12);
+}
+
+} // namespace
+} // namespace selfreport
