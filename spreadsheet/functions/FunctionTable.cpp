@@ -42,6 +42,8 @@ std::vector<const FunctionDescriptor*> collect()
         extendedLookupFunctions,
         arrayShapingFunctions,
         textFunctions,
+        doubleByteTextFunctions,
+        amountTextFunctions,
         dateFunctions,
         dateSpanFunctions,
         workdayFunctions,

@@ -86,6 +86,8 @@ std::span<const FunctionDescriptor> lookupFunctions();
 std::span<const FunctionDescriptor> extendedLookupFunctions();
 std::span<const FunctionDescriptor> arrayShapingFunctions();
 std::span<const FunctionDescriptor> textFunctions();
+std::span<const FunctionDescriptor> doubleByteTextFunctions();
+std::span<const FunctionDescriptor> amountTextFunctions();
 std::span<const FunctionDescriptor> dateFunctions();
 std::span<const FunctionDescriptor> dateSpanFunctions();
 std::span<const FunctionDescriptor> workdayFunctions();

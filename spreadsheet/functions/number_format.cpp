@@ -181,10 +181,34 @@ private:
     bool m_behindExponent = false;
 };
 
+/// A number not below 0 in at most eleven characters; without places for its digits it shows an exponent
+/// and six digits.
+std::string shortGeneralText(double size)
+{
+    constexpr std::size_t width = 11;
+    const std::string whole = generalNumberText(size);
+    if (whole.size() <= width && (size == 0 || size >= 1e-9))
+        return whole;
+    DecimalDigits digits = decimalDigits(size);
+    const int power = digits.exponent - 1;
+    if (power >= -4 && power <= 10) {
+        digits.roundTo(power < 0 ? 9 : std::max(0, 9 - power));
+        if (digits.exponent <= 11)
+            return generalNumberText(numberOf(digits));
+    }
+    digits = decimalDigits(size);
+    digits.roundToSignificant(6);
+    std::string text = digits.digits;
+    if (text.size() > 1)
+        text.insert(1, ".");
+    const std::string exponent = std::to_string(std::abs(digits.exponent - 1));
+    return text + (digits.exponent > 0 ? "E+" : "E-") + (exponent.size() < 2 ? "0" : "") + exponent;
+}
+
 /// A number in its general form, in numerals if the section asks for them.
 std::string generalText(const FormatSection& section, double size)
 {
-    const std::string text = generalNumberText(size);
+    const std::string text = shortGeneralText(size);
     if (section.numerals == NumeralStyle::ordinary || text.find('E') != text.npos)
         return text;
     const std::size_t point = std::min(text.find('.'), text.size());
@@ -192,11 +216,77 @@ std::string generalText(const FormatSection& section, double size)
            numeralDigits(text.substr(point), section.numerals);
 }
 
+/// n/d of a size below 1: `below` is the denominator, or the places that it may take.
+struct Ratio {
+    long long above = 0;
+    long long below = 1;
+};
+
+Ratio nearestRatio(double size, std::string_view below)
+{
+    if (below[0] >= '1' && below[0] <= '9') {
+        const long long fixed = std::stoll(std::string(below.substr(0, 6)));
+        return {std::llround(size * static_cast<double>(fixed)), fixed};
+    }
+    constexpr std::size_t mostPlaces = 5;
+    const auto largest = static_cast<long long>(std::pow(10, std::min(below.size(), mostPlaces))) - 1;
+    constexpr double noise = 1e-12; // 0.3 is 3/10, not some longer ratio that is nearer by a hair
+    Ratio best{std::llround(size), 1};
+    double least = std::fabs(size - static_cast<double>(best.above));
+    for (long long d = 2; d <= largest && least > noise; ++d) {
+        const long long n = std::llround(size * static_cast<double>(d));
+        const double error = std::fabs(size - static_cast<double>(n) / static_cast<double>(d));
+        if (error < least - noise) {
+            best = {n, d};
+            least = error;
+        }
+    }
+    return best;
+}
+
+/// A number's digits in places of a fraction, blanks for "?" and zeros for "0" that are left over.
+std::string inPlaces(long long number, std::string_view places, bool above)
+{
+    std::string text = std::to_string(number);
+    for (std::size_t i = text.size(); i < places.size(); ++i) {
+        const char place = above ? places[places.size() - 1 - i] : places[i];
+        if (place == '0' && above)
+            text.insert(0, 1, '0');
+        else if (place == '?' || place == '0')
+            text.insert(above ? 0 : text.size(), 1, ' ');
+    }
+    return text;
+}
+
+/// A section such as "# ??/??": the whole part in its places, the rest as a fraction.
+std::string numberWithFraction(FormatSection section, double size)
+{
+    const auto part = std::ranges::find(section.parts, Kind::fraction, &FormatPart::kind);
+    const std::size_t slash = part->text.find('/');
+    const std::string above = part->text.substr(0, slash);
+    const std::string below = part->text.substr(slash + 1);
+    const bool hasWhole = section.integerDigits > 0;
+    double whole = hasWhole ? std::floor(size) : 0;
+    Ratio ratio = nearestRatio(size - whole, below);
+    if (hasWhole && ratio.above == ratio.below) {
+        ++whole;
+        ratio.above = 0;
+    }
+    if (hasWhole && ratio.above == 0)
+        part->text.assign(part->text.size(), ' '); // a whole number shows no fraction
+    else
+        part->text = inPlaces(ratio.above, above, true) + "/" + inPlaces(ratio.below, below, false);
+    part->kind = Kind::literal;
+    return NumberLayout(section, whole).text();
+}
+
 std::string numberByParts(const FormatSection& section, double size)
 {
     const auto isGeneral = [](const FormatPart& part) {
         return part.kind == Kind::general || part.kind == Kind::text;
     };
+    if (std::ranges::find(section.parts, Kind::fraction, &FormatPart::kind) != section.parts.end())
+        return numeralDigits(numberWithFraction(section, size), section.numerals);
     if (std::ranges::none_of(section.parts, isGeneral))
         return numeralDigits(NumberLayout(section, size).text(), section.numerals);
     std::string result;

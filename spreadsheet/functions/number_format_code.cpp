@@ -80,6 +80,8 @@ private:
             return point();
         case ',':
             return comma();
+        case '/':
+            return slash();
         default:
             return letterOrLiteral();
         }
@@ -155,6 +157,26 @@ private:
             return literalCharacter();
         ++m_section.thousands;
         skip(1);
+    }
+
+    /// Behind digits and before digits it makes a fraction of both.
+    void slash()
+    {
+        std::size_t end = 1;
+        const bool isFixed = m_rest.size() > 1 && m_rest[1] >= '1' && m_rest[1] <= '9';
+        const std::string_view below = isFixed ? "0123456789" : "0#?";
+        while (end < m_rest.size() && below.find(m_rest[end]) != std::string_view::npos)
+            ++end;
+        std::string above;
+        auto& parts = m_section.parts;
+        const bool between = end > 1 && !m_point && !m_exponent && !m_section.isDate;
+        for (; between && !parts.empty() && parts.back().kind == Kind::digit; parts.pop_back())
+            above.insert(0, parts.back().text);
+        if (above.empty())
+            return literalCharacter();
+        m_section.integerDigits -= static_cast<int>(above.size());
+        parts.push_back({Kind::fraction, above + std::string(m_rest.substr(0, end)), 1});
+        skip(end);
     }
 
     void bracket()

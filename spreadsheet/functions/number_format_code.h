@@ -16,6 +16,7 @@ struct FormatPart {
         point,    ///< the decimal point
         percent,  ///< shown as it stands
         exponent, ///< "E+" or "E-" in `text`; the digits behind it follow
+        fraction, ///< "??/??" or "?/8" in `text`
         general,  ///< the number in its general form
         text,     ///< "@"
         year,

@@ -39,7 +39,7 @@ std::string numeralDigits(std::string_view text, NumeralStyle style)
 std::string numeralText(std::string_view digits, NumeralStyle style)
 {
     const bool formal = style == NumeralStyle::chineseFormal;
-    if (!(formal || style == NumeralStyle::chinese) || digits.empty() || digits.size() > 16 ||
+    if (style == NumeralStyle::ordinary || digits.empty() || digits.size() > 16 ||
         !std::ranges::all_of(digits, isDigit))
         return numeralDigits(digits, style);
     std::string text;

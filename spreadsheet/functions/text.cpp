@@ -1,6 +1,7 @@
 #include "spreadsheet/engine/number_text.h"
 #include "spreadsheet/functions/Call.h"
 #include "spreadsheet/functions/characters.h"
+#include "spreadsheet/functions/double_bytes.h"
 #include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/number_format.h"
 #include "spreadsheet/functions/wildcards.h"
@@ -301,10 +302,11 @@ Operand characterOfCode(Call& call)
     const int code = call.integer(0);
     if (call.failed())
         return call.error();
-    if (code < 1 || code > 255)
+    const auto wide = characterOfDoubleByte(code);
+    if (code < 1 || (code > 255 && !wide))
         return CellError::value;
     std::string text;
-    appendCharacter(text, characterOfByte(static_cast<unsigned char>(code)));
+    appendCharacter(text, wide.value_or(characterOfByte(static_cast<unsigned char>(code))));
     return Value::text(text);
 }
 
@@ -316,7 +318,10 @@ Operand codeOfCharacter(Call& call)
     if (text.empty())
         return CellError::value;
     std::size_t at = 0;
-    return static_cast<double>(byteOfCharacter(takeCharacter(text, at)));
+    const char32_t c = takeCharacter(text, at);
+    const unsigned char byte = byteOfCharacter(c);
+    const auto wide = byte == '?' && c != '?' ? doubleByteOfCharacter(c) : std::nullopt;
+    return static_cast<double>(wide.value_or(byte));
 }
 
 Operand characterOfUnicode(Call& call)
@@ -340,6 +345,35 @@ Operand unicodeOfCharacter(Call& call)
         return CellError::value;
     std::size_t at = 0;
     return static_cast<double>(takeCharacter(text, at));
+}
+
+/// The reading of a text in kana; cells keep none here, so it is the text itself.
+Operand reading(Call& call)
+{
+    if (!call[0].isReference() && !call[0].isArray())
+        return call.value(0).isError() ? call.value(0) : Operand(CellError::value);
+    const Value text = toText(call.element(0, 0, 0));
+    return text;
+}
+
+/// Bytes that may not stand in an address as "%" and two digits.
+Operand encodedAddress(Call& call)
+{
+    const std::string text = call.text(0);
+    if (call.failed())
+        return call.error();
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string encoded;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                           std::string_view("-_.~").find(c) != std::string_view::npos;
+        if (plain)
+            encoded += c;
+        else
+            ((encoded += '%') += digits[byte >> 4]) += digits[byte & 15];
+    }
+    return textResult(encoded);
 }
 
 constexpr auto family = FunctionFamily::text;
@@ -376,6 +410,8 @@ const FunctionDescriptor table[] = {
     {"T", 1, 1, "r", family, "值", "值为文本时返回该文本，否则返回空文本", asText},
     {"CHAR", 1, 1, "v", family, "代码", "返回代码所对应的字符", characterOfCode},
     {"CODE", 1, 1, "v", family, "文本", "返回文本首字符的代码", codeOfCharacter},
+    {"PHONETIC", 1, 1, "r", family, "引用", "返回文本的拼音字符；单元格没有拼音时返回文本本身", reading},
+    {"ENCODEURL", 1, 1, "v", family, "文本", "返回按网址规则编码的文本", encodedAddress},
     {"UNICHAR", 1, 1, "v", family, "代码", "返回 Unicode 代码所对应的字符", characterOfUnicode},
     {"UNICODE", 1, 1, "v", family, "文本", "返回文本首字符的 Unicode 代码", unicodeOfCharacter},
 };

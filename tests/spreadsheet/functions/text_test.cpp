@@ -68,7 +68,10 @@ TEST(TextFunctions, ChangeAndJoin)
         {"CHAR(128)", "\"€\""},
         {"CHAR(0)", "#VALUE!"},
         {"CODE(\"A中\")", "65"},
-        {"CODE(\"中\")", "63"},
+        {"CODE(\"中\")", "54992"}, // D6 D0 of GBK
+        {"CHAR(54992)", "\"中\""},
+        {"CHAR(256)", "#VALUE!"},
+        {"CODE(\"☃\")", "63"}, // in neither code page
         {"UNICODE(\"中\")", "20013"},
         {"UNICHAR(20013)", "\"中\""},
         {"CODE(\"\")", "#VALUE!"},
