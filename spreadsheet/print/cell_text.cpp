@@ -68,8 +68,10 @@ std::vector<TextOverflow> CellTextPainter::draw()
     }
     for (const PageSpan& span : m_cells.spans()) {
         PageBox box = span.whole;
-        box.top = span.visible.top;
-        box.height = span.visible.height;
+        if (m_drawsControls) { // on a page; a screen shows the part that is scrolled to
+            box.top = span.visible.top;
+            box.height = span.visible.height;
+        }
         drawCell(span.anchor, box, nullptr);
     }
     return std::move(m_overflows);

@@ -36,8 +36,9 @@ public:
     {
     }
 
-    /// On a screen buttons and check boxes have looks of their own, and the arrow of a drop-down takes room.
-    void leaveControls(int arrowWidth)
+    /// On a screen buttons and check boxes have looks of their own, the arrow of a drop-down takes room, and
+    /// the text of a span stands in its whole, in sight or not.
+    void drawForScreen(int arrowWidth)
     {
         m_drawsControls = false;
         m_arrowWidth = arrowWidth;

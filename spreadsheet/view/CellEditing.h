@@ -2,8 +2,11 @@
 #include "spreadsheet/engine/CellAddress.h"
 
 #include <QColor>
+#include <QRect>
 
 #include <vector>
+
+class QInputMethodEvent;
 
 namespace spreadsheet {
 
@@ -25,6 +28,12 @@ public:
     virtual void cancel() = 0;
     /// The cell has moved on screen, or zoom or sheet have changed.
     virtual void place() = 0;
+
+    /// An input method composes while the control still has the focus; the editor takes it over when a text
+    /// is done.
+    virtual void compose(QInputMethodEvent* event) = 0;
+    /// Where the cursor stands, in the control.
+    virtual QRect cursorRect() const = 0;
 
     // Pointing at cells while a formula is written
     /// A reference may be put where the text cursor stands.

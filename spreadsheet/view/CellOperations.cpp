@@ -209,12 +209,12 @@ void CellOperations::setBorder(const CellRange& range, int sides, Colour colour,
     });
 }
 
-QStringList CellOperations::dropDown() const
+QStringList CellOperations::dropDownOf(CellAddress cell) const
 {
     const DropDowns& lists = sheet().settings().dropDowns;
-    auto found = lists.find(m_current);
+    auto found = lists.find(cell);
     if (found == lists.end())
-        found = lists.find({m_current.column, 0});
+        found = lists.find({cell.column, 0});
     QStringList entries;
     if (found != lists.end())
         for (const std::string& entry : found->second)

@@ -107,7 +107,7 @@ public:
     }
 
     // Drop-down lists. A cell without a list of its own has its column's.
-    QStringList dropDown() const;
+    QStringList dropDown() const { return dropDownOf(m_current); }
     /// Of the current cell; empty: none of its own.
     void setDropDown(const QStringList& entries) { putDropDown(m_current, entries); }
     void setColumnDropDown(int column, const QStringList& entries) { putDropDown({column, 0}, entries); }
@@ -126,6 +126,7 @@ public:
     std::function<void()> recalculateChanged;
 
 protected:
+    QStringList dropDownOf(CellAddress cell) const; ///< of the addressed sheet
     /// The cells or sheets changed by program.
     virtual void changed() {}
     /// Another sheet is shown, or another workbook.

@@ -113,10 +113,9 @@ void InCellEditing::end(bool changed)
     SpreadsheetControl& control = m_control;
     const CellAddress cell = m_cell;
     const int index = control.workbook().sheetIndexOfId(m_sheetId);
-    m_control.setReferenceFrames({});
+    control.editingEnded(changed);
     if (index != 0 && index != control.activeSheet())
         control.setActiveSheet(index); // back from pointing at another sheet
-    control.editingEnded(changed);
     if (changed)
         control.afterEdit(cell);
 }
@@ -186,6 +185,18 @@ void InCellEditing::place()
     m_editor->place(cell, m_control.rect());
 }
 
+void InCellEditing::compose(QInputMethodEvent* event)
+{
+    m_editor->compose(event);
+    if (!m_editor->isComposing())
+        m_editor->setFocus();
+}
+
+QRect InCellEditing::cursorRect() const
+{
+    return m_editor->cursorRect().translated(m_editor->viewport()->mapTo(&m_control, QPoint()));
+}
+
 bool InCellEditing::takesReference() const
 {
     return m_editor->assistant().canPoint();
@@ -228,8 +239,8 @@ void InCellEditing::focusMoved(QWidget* now)
 {
     const bool within =
         !now || now == &m_control || m_control.isAncestorOf(now) || now->window() != m_control.window();
-    if (!within)
-        commit();
+    if (!within && commit())
+        now->setFocus(); // which the control has taken back
 }
 
 } // namespace spreadsheet

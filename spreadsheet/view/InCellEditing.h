@@ -27,6 +27,8 @@ public:
     /// Ends the life of this object.
     void cancel() override;
     void place() override;
+    void compose(QInputMethodEvent* event) override;
+    QRect cursorRect() const override;
     bool takesReference() const override;
     void pointAt(int sheet, const CellRange& range, bool goesOn) override;
 

@@ -8,12 +8,20 @@
 #include "spreadsheet/view/commands/structure.h"
 #include "spreadsheet/view/function_hints.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <vector>
 
+class QScrollBar;
+
 namespace spreadsheet {
 
+class DropDownList;
+class GridMouse;
+class InCellEditing;
+class SheetTabs;
+class Selection;
 class SheetView;
 
 /// The codes are those that windows set.
@@ -65,6 +73,8 @@ public:
     /// The provider is asked for visible cells only, again after each refresh.
     void setCellNotes(std::function<QString(int sheetId, CellAddress cell)> notes);
     void setHeadingsShown(bool columns, bool rows);
+    /// Texts in the headings of the first columns instead of their letters.
+    void setColumnHeadings(const QStringList& texts);
     void setSheetTabsShown(bool shown);
     void setGridLinesShown(bool shown);
 
@@ -121,8 +131,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     /// The user is about to move the cursor from (col, row) to (newCol, newRow). Negative new coordinates: no
-    /// cell is entered, as the focus goes elsewhere. When another sheet is shown, new and old place may be
-    /// the same. With `cancel` set to true the cursor stays (not when the focus goes).
+    /// cell of this sheet is entered, as the focus goes to another control or another sheet is about to be
+    /// shown. With `cancel` set to true the cursor stays (not when the focus goes).
     void leaveCell(int col, int row, int newCol, int newRow, bool& cancel);
     /// @param button  1 left, 2 right, 4 middle
     void mouseDown(int button, int col, int row); ///< row 0, column 0: headings; -1: beyond the cells
@@ -182,8 +192,8 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void inputMethodEvent(QInputMethodEvent* event) override;
-    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+    void inputMethodEvent(QInputMethodEvent* event) override;             // control_editing.cpp
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override; // control_editing.cpp
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -195,8 +205,35 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
-    friend class SheetView;
+    friend class GridMouse;
 
+    // Of the view
+    void layOut();
+    void adjustScrollBars();
+    void showChanges();
+    void placesChanged();
+    void scrollTo(CellAddress topLeft);
+    void changeSelection(const std::function<void(Selection&, const Sheet&)>& change);
+    bool leave(int newColumn, int newRow);
+    bool enter(CellAddress cell, const std::function<void(Selection&, const Sheet&)>& change);
+    void showSheetByUser(int index);
+    void showTabs();
+    /// A line, or all selected ones if it is selected whole.
+    std::vector<LineRange> linesWith(bool rows, int line) const;
+    void resizeLinesTo(bool rows, int line, int twips);
+    void autofitLine(bool rows, int line);
+    // Of the keys
+    bool moveByKey(const QKeyEvent& event);
+    bool selectByKey(const QKeyEvent& event);
+    bool commandByKey(const QKeyEvent& event);
+    bool actByKey(const QKeyEvent& event);
+    bool stepByKey(const QKeyEvent& event);
+    // Of cells that act
+    bool mayAct(CellAddress cell) const;
+    void toggleCheckBox(CellAddress cell);
+    void closeDropDown(int index);
+
+    InCellEditing* openEditor(EditStart start, const QString& typed);
     // Of the commands
     bool refuse(const std::optional<std::string>& why); ///< true if there is a reason, which is told
     bool refuseEdit(const std::vector<CellRange>& ranges);
@@ -206,13 +243,30 @@ private:
     void pasteClipboard(PasteKind kind);
     void pastePlanned(Sheet& target, const ClipboardContent& content, const PastePlan& plan, PasteKind kind);
     void fillAlong(bool down);
-    using LineCommand = std::function<std::optional<std::string>(Workbook&, Sheet&, Axis,
-                                                                 const std::vector<LineRange>&)>;
+    using LineCommand =
+        std::function<std::optional<std::string>(Workbook&, Sheet&, Axis, const std::vector<LineRange>&)>;
     void changeLines(LineCommand command, bool rows);
     void autofit(bool rows);
 
-    std::unique_ptr<SheetView> m_view; ///< positions, selection, pictures
+    std::unique_ptr<SheetView> m_view; ///< places, selection, pictures
+    std::unique_ptr<GridMouse> m_mouse;
+    QScrollBar* m_down;
+    QScrollBar* m_across;
+    SheetTabs* m_tabs;
+    DropDownList* m_dropDown;
+    QTimer m_march;       ///< moves the border of copied cells
+    QTimer m_showChanges; ///< of the program, with the next pass of the event loop
+    GridMode m_mode = GridMode::edit;
+    CellAddress m_dropDownCell;
+    bool m_dropDownCancelled = false;
+    bool m_tabsShown = true;
+    QStringList m_tabNames; ///< as they are shown
+    int m_tabActive = 0;
+    int m_tabColumn = 0; ///< where Tab began: Enter leads back there; 0: nowhere
+    int m_wheelZoom = 0; ///< eighths of a degree not yet acted on
+    int m_wheelDown = 0, m_wheelAcross = 0;
     std::unique_ptr<CellEditing> m_editing;
+    bool m_keepsEditing = false; ///< another sheet is shown to point at its cells
     FunctionHints m_hints;
     /// Cells that were cut and not pasted yet; an edit in between makes a copy of them.
     struct Cut {

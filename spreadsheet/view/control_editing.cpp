@@ -3,29 +3,64 @@
 #include "spreadsheet/view/InCellEditing.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
+#include <QInputMethodEvent>
+
 namespace spreadsheet {
 
-bool SpreadsheetControl::beginEdit(EditStart start, const QString& typed)
+/// The new editor, without the focus; null if the cell may not be edited.
+InCellEditing* SpreadsheetControl::openEditor(EditStart start, const QString& typed)
 {
-    if (isEditing())
-        return true;
     const Sheet& shown = workbook().sheet(activeSheet());
     const CellRange extent = shown.extent(activeCell());
     const CellAddress cell{extent.left, extent.top};
     const CellType type = shown.style(cell).type;
     if (type == CellType::button || type == CellType::checkBox || type == CellType::staticText)
-        return false;
+        return nullptr;
     if (!mayEdit(extent)) {
         Q_EMIT refused(mode() == GridMode::run ? QStringLiteral("报表在运行状态，不能更改")
                                                : QStringLiteral("单元格已锁定，不能更改"));
-        return false;
+        return nullptr;
     }
     bringIntoSight(cell);
     auto editing = std::make_unique<InCellEditing>(*this, cell, start, typed);
-    CellEditor& editor = editing->editor();
+    InCellEditing* const opened = editing.get();
     setEditing(std::move(editing));
-    editor.setFocus();
-    return true;
+    return opened;
+}
+
+bool SpreadsheetControl::beginEdit(EditStart start, const QString& typed)
+{
+    if (isEditing())
+        return true;
+    InCellEditing* const opened = openEditor(start, typed);
+    if (opened)
+        opened->editor().setFocus();
+    return opened != nullptr;
+}
+
+/// The first character that is composed begins an edit. The focus stays until the text is done: moving it
+/// would end the composing, and the characters so far would be lost.
+void SpreadsheetControl::inputMethodEvent(QInputMethodEvent* event)
+{
+    const bool brings = !event->preeditString().isEmpty() || !event->commitString().isEmpty();
+    if (isEditing() || (brings && openEditor(EditStart::replace, {})))
+        m_editing->compose(event);
+    event->accept();
+}
+
+QVariant SpreadsheetControl::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    switch (query) {
+    case Qt::ImEnabled:
+        return mode() == GridMode::edit;
+    case Qt::ImFont:
+        return screenFont(workbook().sheet(activeSheet()).style(activeCell()).font);
+    case Qt::ImCursorRectangle:
+    case Qt::ImAnchorRectangle:
+        return isEditing() ? m_editing->cursorRect() : cellRect(activeCell());
+    default:
+        return QWidget::inputMethodQuery(query);
+    }
 }
 
 bool SpreadsheetControl::commitEdit()

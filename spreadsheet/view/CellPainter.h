@@ -1,0 +1,43 @@
+#pragma once
+#include "spreadsheet/print/PageText.h"
+#include "spreadsheet/view/CellGeometry.h"
+
+#include <functional>
+#include <optional>
+
+class QPainter;
+
+namespace spreadsheet {
+
+class PageCells;
+class Sheet;
+
+/// Paints the cells of a sheet on screen: what pages show, and buttons, check boxes and drop-downs that look
+/// as such, the grid and corner marks. Cells keep their colours whatever the surroundings' palette is.
+class CellPainter {
+public:
+    explicit CellPainter(double twip);
+
+    /// What lies in a part of a pane, which is the painter's clip.
+    void paint(QPainter& painter, const Sheet& sheet, const CellGeometry& geometry, const Pane& pane,
+               const QRect& part);
+
+    bool gridLines = true;
+    std::function<bool(CellAddress)> hasNote; ///< empty: no marks
+    std::optional<CellAddress> pressed;       ///< a button that is held down
+
+    PageText& text() { return m_text; }
+
+private:
+    void paintControls(QPainter& painter, const PageCells& cells);
+    void paintMarks(QPainter& painter, const PageCells& cells);
+
+    PageText m_text;
+};
+
+/// The square of a check box in its cell.
+QRect checkBoxRect(const QRect& cell, double twip);
+/// The arrow of a drop-down at the right end of its cell.
+QRect arrowRect(const QRect& cell, double twip);
+
+} // namespace spreadsheet

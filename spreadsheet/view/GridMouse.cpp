@@ -1,0 +1,373 @@
+#include "spreadsheet/view/GridMouse.h"
+
+#include "spreadsheet/view/commands/fill.h"
+#include "spreadsheet/view/SheetView.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+
+#include <QMouseEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <utility>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr int edgeReach = 4; // pixels on either side of a heading's edge where it can be dragged
+constexpr int scrollInterval = 50;
+
+int buttonNumber(Qt::MouseButton button)
+{
+    return button == Qt::LeftButton ? 1 : button == Qt::RightButton ? 2 : 4;
+}
+
+} // namespace
+
+GridMouse::GridMouse(SpreadsheetControl& control)
+    : QObject(&control)
+    , m_control(control)
+{
+}
+
+GridMouse::Place GridMouse::placeOf(QPoint point) const
+{
+    using Kind = Place::Kind;
+    const SheetView& view = *m_control.m_view;
+    const CellGeometry& geometry = view.geometry();
+    const QRect area = geometry.cellArea();
+    const bool inColumnHeading = point.y() < geometry.headingHeight();
+    const bool inRowHeading = point.x() < geometry.headingWidth();
+    if (inColumnHeading && inRowHeading)
+        return {Kind::corner, {0, 0}, 0};
+    if (inColumnHeading) {
+        if (const int column = edgeAt(point.x(), false))
+            return {Kind::columnEdge, {column, 0}, column};
+        return point.x() > area.right() ? Place{Kind::beyond, {-1, 0}, 0}
+                                        : Place{Kind::columnHeading, {geometry.columnAt(point.x()), 0}, 0};
+    }
+    if (inRowHeading) {
+        if (const int row = edgeAt(point.y(), true))
+            return {Kind::rowEdge, {0, row}, row};
+        return point.y() > area.bottom() ? Place{Kind::beyond, {0, -1}, 0}
+                                         : Place{Kind::rowHeading, {0, geometry.rowAt(point.y())}, 0};
+    }
+    if (!area.contains(point))
+        return {Kind::beyond, {-1, -1}, 0};
+    const bool onHandle = m_control.mode() == GridMode::edit && !m_control.isEditing() &&
+                          view.fillHandle().adjusted(-2, -2, 2, 2).contains(point);
+    return {onHandle ? Kind::fillHandle : Kind::cells, geometry.nearestCell(point), 0};
+}
+
+/// The line whose end lies at a place of the headings; 0: none does.
+int GridMouse::edgeAt(int position, bool rows) const
+{
+    const CellGeometry& geometry = m_control.m_view->geometry();
+    const auto tracks = rows ? geometry.rowTracks() : geometry.columnTracks();
+    const AxisPositions& axis = rows ? geometry.rows() : geometry.columns();
+    for (const PageTrack& track : tracks) {
+        if (std::abs(track.end() - position) > edgeReach ||
+            (track.size <= edgeReach && position < track.end()))
+            continue;
+        // From behind the edge hidden lines are drawn out again.
+        const bool hiddenBehind = track.index < axis.count() && axis.size(track.index + 1) == 0;
+        if (hiddenBehind && position >= track.end()) {
+            const int next = axis.shown(track.index + 1, 1);
+            return next == 0 ? axis.count() : next - 1;
+        }
+        return track.index;
+    }
+    return 0;
+}
+
+void GridMouse::showCursor(const Place& place) const
+{
+    using Kind = Place::Kind;
+    switch (place.kind) {
+    case Kind::columnEdge:
+        m_control.setCursor(Qt::SplitHCursor);
+        break;
+    case Kind::rowEdge:
+        m_control.setCursor(Qt::SplitVCursor);
+        break;
+    case Kind::fillHandle:
+        m_control.setCursor(Qt::CrossCursor);
+        break;
+    default:
+        m_control.unsetCursor();
+    }
+}
+
+void GridMouse::press(const QMouseEvent& event)
+{
+    using Kind = Place::Kind;
+    const QPoint point = event.position().toPoint();
+    const Place place = placeOf(point);
+    m_pressed = place;
+    m_last = point;
+    Q_EMIT m_control.mouseDown(buttonNumber(event.button()), place.cell.column, place.cell.row);
+    if (event.button() == Qt::RightButton)
+        Q_EMIT m_control.contextMenuWanted(event.globalPosition().toPoint(), place.cell.column,
+                                           place.cell.row);
+    if (event.button() != Qt::LeftButton || place.kind == Kind::beyond)
+        return;
+    const bool inCells = place.kind == Kind::cells || place.kind == Kind::fillHandle;
+    if (m_control.isEditing() && inCells && m_control.m_editing->takesReference()) {
+        m_doing = Doing::pointing;
+        const CellRange extent = m_control.m_view->sheet().extent(place.cell);
+        m_control.m_editing->pointAt(m_control.activeSheet(), extent, false);
+        return;
+    }
+    if (!m_control.commitEdit())
+        return;
+    if (place.kind == Kind::columnEdge || place.kind == Kind::rowEdge) {
+        if (m_control.mode() == GridMode::edit)
+            m_doing = place.kind == Kind::rowEdge ? Doing::resizingRow : Doing::resizingColumn;
+    } else if (place.kind == Kind::fillHandle) {
+        m_doing = Doing::filling;
+        m_filled = m_control.firstRange();
+    } else if (place.kind == Kind::cells) {
+        pressCell(place, event);
+    } else {
+        pressHeading(place, event.modifiers());
+    }
+}
+
+void GridMouse::pressCell(const Place& place, const QMouseEvent& event)
+{
+    const bool extend = event.modifiers().testFlag(Qt::ShiftModifier);
+    const bool add = event.modifiers().testFlag(Qt::ControlModifier);
+    m_control.m_tabColumn = 0;
+    if (add && !extend) {
+        if (!m_control.enter(place.cell, [&](Selection& selection, const Sheet& sheet) {
+                selection.addRange(sheet, place.cell);
+            }))
+            return;
+    } else if (!m_control.moveTo(place.cell, extend)) {
+        return;
+    }
+    m_doing = Doing::cells;
+    if (!add && !extend && actOn(place.cell, event.position().toPoint()))
+        return;
+}
+
+/// Cells of some types do something when they are clicked. True if it was one of them.
+bool GridMouse::actOn(CellAddress clicked, QPoint point)
+{
+    const Sheet& sheet = m_control.m_view->sheet();
+    const CellRange extent = sheet.extent(clicked);
+    const CellAddress cell{extent.left, extent.top};
+    const QRect rect = m_control.m_view->geometry().visibleRect(extent);
+    const double twip = m_control.m_view->geometry().twip();
+    switch (sheet.style(cell).type) {
+    case CellType::button:
+        m_doing = Doing::button;
+        m_control.m_view->setPressed(cell);
+        return true;
+    case CellType::checkBox:
+        if (!checkBoxRect(rect, twip).adjusted(-2, -2, 2, 2).contains(point))
+            return false;
+        m_doing = Doing::nothing;
+        m_control.toggleCheckBox(cell);
+        return true;
+    case CellType::dropDown:
+        if (!arrowRect(rect, twip).contains(point))
+            return false;
+        m_doing = Doing::nothing;
+        m_control.openDropDown();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void GridMouse::pressHeading(const Place& place, Qt::KeyboardModifiers modifiers)
+{
+    using Kind = Place::Kind;
+    const Sheet& sheet = m_control.m_view->sheet();
+    const SheetSettings& settings = sheet.settings();
+    const CellGeometry& geometry = m_control.m_view->geometry();
+    const CellRange all{1, 1, settings.columnCount, settings.rowCount};
+    if (place.kind == Kind::corner) {
+        m_control.changeSelection(
+            [&](Selection& selection, const Sheet&) { selection.setRange(all, selection.active()); });
+        return;
+    }
+    const bool isRow = place.kind == Kind::rowHeading;
+    m_doing = isRow ? Doing::rows : Doing::columns;
+    if (modifiers.testFlag(Qt::ShiftModifier)) {
+        dragTo(m_last);
+        return;
+    }
+    // The cursor goes to the line's first cell in sight.
+    const CellAddress topLeft = geometry.topLeft();
+    const CellAddress cell =
+        isRow ? CellAddress{geometry.frozenColumns() > 0 ? 1 : topLeft.column, place.cell.row}
+              : CellAddress{place.cell.column, geometry.frozenRows() > 0 ? 1 : topLeft.row};
+    const CellRange line = isRow ? CellRange{1, cell.row, settings.columnCount, cell.row}
+                                 : CellRange{cell.column, 1, cell.column, settings.rowCount};
+    const bool add = modifiers.testFlag(Qt::ControlModifier);
+    if (!m_control.enter(cell,
+                         [&](Selection& selection, const Sheet&) { selection.setRange(line, cell, add); }))
+        m_doing = Doing::nothing;
+}
+
+void GridMouse::move(const QMouseEvent& event)
+{
+    const QPoint point = event.position().toPoint();
+    if (m_doing == Doing::nothing) {
+        showCursor(placeOf(point));
+        return;
+    }
+    m_last = point;
+    if (m_doing == Doing::resizingRow || m_doing == Doing::resizingColumn) {
+        showGuide(point);
+    } else {
+        dragTo(point);
+        scrollIfOutside(point);
+    }
+}
+
+void GridMouse::dragTo(QPoint point)
+{
+    const CellAddress cell = m_control.m_view->geometry().nearestCell(point);
+    switch (m_doing) {
+    case Doing::cells:
+        m_control.changeSelection([&](Selection& s, const Sheet& sheet) { s.extendTo(sheet, cell); });
+        break;
+    case Doing::rows:
+        m_control.changeSelection([&](Selection& s, const Sheet& sheet) { s.extendRows(sheet, cell.row); });
+        break;
+    case Doing::columns:
+        m_control.changeSelection(
+            [&](Selection& s, const Sheet& sheet) { s.extendColumns(sheet, cell.column); });
+        break;
+    case Doing::filling:
+        m_filled = fillGoal(m_control.firstRange(), cell);
+        m_control.m_view->changeOverlays([&](CellOverlays& overlays) { overlays.fillGoal = m_filled; });
+        break;
+    case Doing::pointing:
+        if (m_control.isEditing())
+            m_control.m_editing->pointAt(
+                m_control.activeSheet(),
+                withWholeSpans(m_control.m_view->sheet(), rangeBetween(m_pressed.cell, cell)), true);
+        break;
+    case Doing::button:
+        m_control.m_view->setPressed(m_control.m_view->sheet().extent(m_pressed.cell).contains(cell)
+                                         ? std::optional(m_control.activeCell())
+                                         : std::nullopt);
+        break;
+    default:
+        break;
+    }
+}
+
+void GridMouse::scrollIfOutside(QPoint point)
+{
+    const QRect area = m_control.m_view->geometry().scrolledArea();
+    const bool outside = m_doing == Doing::rows      ? point.y() > area.bottom() || point.y() < area.top()
+                         : m_doing == Doing::columns ? point.x() > area.right() || point.x() < area.left()
+                                                     : !area.contains(point);
+    if (m_doing == Doing::button || !outside)
+        m_scroll.stop();
+    else if (!m_scroll.isActive())
+        m_scroll.start(scrollInterval, this);
+}
+
+void GridMouse::timerEvent(QTimerEvent*)
+{
+    const CellGeometry& geometry = m_control.m_view->geometry();
+    const QRect area = geometry.scrolledArea();
+    CellAddress topLeft = geometry.topLeft();
+    // The farther outside, the faster.
+    const auto steps = [](int position, int first, int last) {
+        const int outside = position > last ? position - last : position < first ? position - first : 0;
+        return outside == 0 ? 0 : outside / 40 + (outside > 0 ? 1 : -1);
+    };
+    const int down = m_doing == Doing::columns ? 0 : steps(m_last.y(), area.top(), area.bottom());
+    const int across = m_doing == Doing::rows ? 0 : steps(m_last.x(), area.left(), area.right());
+    const CellAddress last = geometry.lastTopLeft();
+    if (down != 0)
+        topLeft.row = std::min(geometry.rows().moved(topLeft.row, down), last.row);
+    if (across != 0)
+        topLeft.column = std::min(geometry.columns().moved(topLeft.column, across), last.column);
+    m_control.scrollTo(topLeft);
+    dragTo(m_last);
+}
+
+void GridMouse::showGuide(QPoint point)
+{
+    m_control.m_view->changeOverlays([&](CellOverlays& overlays) {
+        if (m_doing == Doing::resizingRow)
+            overlays.guideDown = point.y();
+        else
+            overlays.guideAcross = point.x();
+    });
+}
+
+void GridMouse::release(const QMouseEvent& event)
+{
+    if (event.button() != Qt::LeftButton)
+        return;
+    m_scroll.stop();
+    const Doing done = std::exchange(m_doing, Doing::nothing);
+    const QPoint point = event.position().toPoint();
+    if (done == Doing::resizingRow || done == Doing::resizingColumn) {
+        endResize(point);
+    } else if (done == Doing::filling) {
+        m_control.m_view->changeOverlays([](CellOverlays& overlays) { overlays.fillGoal.reset(); });
+        endFill(!event.modifiers().testFlag(Qt::ControlModifier));
+    } else if (done == Doing::button) {
+        m_control.m_view->setPressed(std::nullopt);
+        const CellAddress cell = m_control.activeCell();
+        const CellRange extent = m_control.m_view->sheet().extent(cell);
+        if (m_control.m_view->geometry().visibleRect(extent).contains(point) && m_control.mayAct(cell))
+            Q_EMIT m_control.buttonClicked(cell.column, cell.row);
+    }
+}
+
+void GridMouse::endResize(QPoint point)
+{
+    const bool rows = m_pressed.kind == Place::Kind::rowEdge;
+    m_control.m_view->changeOverlays([](CellOverlays& overlays) {
+        overlays.guideDown.reset();
+        overlays.guideAcross.reset();
+    });
+    const CellGeometry& geometry = m_control.m_view->geometry();
+    const std::int64_t start =
+        rows ? geometry.rowStart(m_pressed.line) : geometry.columnStart(m_pressed.line);
+    const std::int64_t end =
+        rows ? geometry.rowStart(m_pressed.line + 1) : geometry.columnStart(m_pressed.line + 1);
+    const std::int64_t pixels = std::max<std::int64_t>((rows ? point.y() : point.x()) - start + 1, 0);
+    if (pixels != end - start && std::abs((rows ? point.y() : point.x()) - end) > 1)
+        m_control.resizeLinesTo(rows, m_pressed.line,
+                                static_cast<int>(std::lround(static_cast<double>(pixels) / geometry.twip())));
+}
+
+void GridMouse::endFill(bool asSeries)
+{
+    if (m_filled != m_control.firstRange())
+        m_control.fillTo(m_filled, asSeries);
+}
+
+void GridMouse::doubleClick(const QMouseEvent& event)
+{
+    using Kind = Place::Kind;
+    const Place place = placeOf(event.position().toPoint());
+    if (event.button() != Qt::LeftButton)
+        return;
+    if (place.kind == Kind::rowEdge || place.kind == Kind::columnEdge) {
+        m_control.autofitLine(place.kind == Kind::rowEdge, place.line);
+        return;
+    }
+    if (place.kind != Kind::cells && place.kind != Kind::fillHandle)
+        return;
+    const CellType type = m_control.m_view->sheet().style(place.cell).type;
+    if (type == CellType::button || type == CellType::checkBox)
+        press(event); // a quick second click
+    else if (m_control.m_view->sheet().extent(m_control.activeCell()).contains(place.cell))
+        m_control.beginEdit(EditStart::keep);
+}
+
+} // namespace spreadsheet

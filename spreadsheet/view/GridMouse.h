@@ -1,0 +1,68 @@
+#pragma once
+#include "spreadsheet/engine/CellAddress.h"
+
+#include <QBasicTimer>
+#include <QObject>
+#include <QPoint>
+
+#include <optional>
+
+class QMouseEvent;
+
+namespace spreadsheet {
+
+class SpreadsheetControl;
+
+/// What the mouse does in the cells and headings of a control: it selects, resizes, fills, points.
+class GridMouse : public QObject {
+public:
+    explicit GridMouse(SpreadsheetControl& control);
+
+    void press(const QMouseEvent& event);
+    void move(const QMouseEvent& event);
+    void release(const QMouseEvent& event);
+    void doubleClick(const QMouseEvent& event);
+
+protected:
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    enum class Doing {
+        nothing,
+        cells,
+        rows,
+        columns,
+        resizingRow,
+        resizingColumn,
+        filling,
+        pointing,
+        button
+    };
+    struct Place {
+        enum class Kind { cells, columnHeading, rowHeading, corner, columnEdge, rowEdge, fillHandle, beyond };
+        Kind kind = Kind::beyond;
+        CellAddress cell; ///< row 0 or column 0 in headings
+        int line = 0;     ///< column or row that an edge resizes
+    };
+
+    Place placeOf(QPoint point) const;
+    int edgeAt(int position, bool rows) const;
+    void showCursor(const Place& place) const;
+    void pressCell(const Place& place, const QMouseEvent& event);
+    void pressHeading(const Place& place, Qt::KeyboardModifiers modifiers);
+    bool actOn(CellAddress cell, QPoint point);
+    void dragTo(QPoint point);
+    void scrollIfOutside(QPoint point);
+    void showGuide(QPoint point);
+    void endResize(QPoint point);
+    void endFill(bool asSeries);
+
+    SpreadsheetControl& m_control;
+    Doing m_doing = Doing::nothing;
+    Place m_pressed;
+    QPoint m_last;
+    CellRange m_filled;
+    QBasicTimer m_scroll;
+};
+
+} // namespace spreadsheet

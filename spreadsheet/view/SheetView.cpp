@@ -1,0 +1,319 @@
+#include "spreadsheet/view/SheetView.h"
+
+#include "spreadsheet/engine/Workbook.h"
+
+#include <QPainter>
+#include <QWidget>
+
+#include <algorithm>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr int lineReach = 3; // pixels; no border of a row reaches farther into the next one
+
+} // namespace
+
+SheetView::SheetView(QWidget& widget, Workbook& workbook)
+    : m_widget(widget)
+    , m_workbook(&workbook)
+    , m_cells(1.0 / 15)
+    , m_headings(1)
+{
+    showSheet();
+}
+
+const Sheet& SheetView::sheet() const
+{
+    return m_workbook->sheet(m_workbook->activeSheet());
+}
+
+void SheetView::setWorkbook(Workbook& workbook)
+{
+    m_workbook = &workbook;
+    m_states.clear();
+    m_sheetId = 0;
+    m_copied.reset();
+    m_frames.clear();
+    showSheet();
+}
+
+void SheetView::keepSheetState()
+{
+    if (m_sheetId != 0)
+        m_states[m_sheetId] = {m_selection, m_geometry.topLeft()};
+}
+
+void SheetView::showSheet()
+{
+    keepSheetState();
+    m_sheetId = sheet().id();
+    const auto known = m_states.find(m_sheetId);
+    const SheetState state = known == m_states.end() ? SheetState{} : known->second;
+    m_selection = state.selection;
+    m_selection.fitInto(sheet());
+    measure();
+    m_geometry.scrollTo(state.topLeft);
+    setCopied(m_copied ? m_copied->first : 0, m_copied ? std::optional(m_copied->second) : std::nullopt);
+    setReferences(std::move(m_frames));
+    repaintAll();
+}
+
+/// Takes the places of rows and columns anew.
+void SheetView::measure()
+{
+    m_settingsRevision = sheet().settingsRevision();
+    m_geometry.setSheet(sheet(), m_zoom);
+}
+
+void SheetView::setZoom(double zoom)
+{
+    m_zoom = zoom;
+    m_cells = CellPainter(zoom / 15);
+    m_headings = HeadingPainter(zoom);
+    measure();
+    repaintAll();
+}
+
+void SheetView::setArea(QSize area)
+{
+    m_geometry.setArea(area);
+    repaintAll();
+}
+
+void SheetView::setColumnTexts(const QStringList& texts)
+{
+    m_columnTexts = texts;
+    repaintAll();
+}
+
+void SheetView::setHeadings(bool columns, bool rows)
+{
+    m_geometry.setHeadings(columns, rows);
+    repaintAll();
+}
+
+void SheetView::setGridLines(bool shown)
+{
+    m_gridLines = shown;
+    repaintAll();
+}
+
+void SheetView::setNotes(std::function<QString(int, CellAddress)> notes)
+{
+    m_notes = std::move(notes);
+    repaintAll();
+}
+
+QString SheetView::noteAt(CellAddress cell) const
+{
+    const CellRange extent = sheet().extent(cell);
+    return m_notes ? m_notes(m_sheetId, {extent.left, extent.top}) : QString();
+}
+
+std::function<bool(CellAddress)> SheetView::noteMarks() const
+{
+    if (!m_notes)
+        return {};
+    return [this](CellAddress cell) { return !m_notes(m_sheetId, cell).isEmpty(); };
+}
+
+void SheetView::setPressed(std::optional<CellAddress> cell)
+{
+    for (const auto& changed : {std::exchange(m_cells.pressed, cell), cell})
+        if (changed) {
+            const CellRange extent = sheet().extent(*changed);
+            for (int row = extent.top; row <= extent.bottom && row < extent.top + 100; ++row)
+                spoilRow(row);
+        }
+}
+
+bool SheetView::scrollTo(CellAddress topLeft)
+{
+    const CellGeometry before = m_geometry;
+    update();
+    m_geometry.scrollTo(topLeft);
+    if (m_geometry.topLeft() == before.topLeft())
+        return false;
+    if (m_geometry.headingWidth() != before.headingWidth() || m_geometry.cellArea() != before.cellArea()) {
+        repaintAll();
+        return true;
+    }
+    const QRect area = m_geometry.cellArea();
+    const QRect scrolled = m_geometry.scrolledArea();
+    const auto step = [](const AxisPositions& axis, int from, int to) {
+        constexpr std::int64_t far = 100'000; // pixels; more than any view shows
+        return static_cast<int>(std::clamp(axis.start(from) - axis.start(to), -far, far));
+    };
+    const int down = step(m_geometry.rows(), before.topLeft().row, m_geometry.topLeft().row);
+    if (m_geometry.topLeft().column != before.topLeft().column)
+        m_store.spoilAll(); // texts run in from columns that were out of sight
+    else
+        m_store.scroll({area.left(), scrolled.top(), area.width(), scrolled.height()}, 0, down);
+    m_shown.take(sheet(), m_geometry, noteMarks());
+    m_widget.update();
+    return true;
+}
+
+void SheetView::changeSelection(const std::function<void(Selection&, const Sheet&)>& change)
+{
+    QRegion touched = painter().touched();
+    change(m_selection, sheet());
+    touched += painter().touched();
+    m_widget.update(touched);
+}
+
+void SheetView::changeOverlays(const std::function<void(CellOverlays&)>& change)
+{
+    change(m_overlays);
+    m_widget.update();
+}
+
+void SheetView::setReferences(std::vector<ReferenceFrame> frames)
+{
+    m_frames = std::move(frames);
+    changeOverlays([this](CellOverlays& overlays) {
+        overlays.references.clear();
+        std::ranges::copy_if(m_frames, std::back_inserter(overlays.references),
+                             [this](const ReferenceFrame& frame) { return frame.sheetId == m_sheetId; });
+    });
+}
+
+void SheetView::setCopied(int sheetId, std::optional<CellRange> range)
+{
+    m_copied.reset();
+    if (range)
+        m_copied = {sheetId, *range};
+    changeOverlays([&](CellOverlays& overlays) {
+        overlays.copied.reset();
+        if (range && sheetId == m_sheetId)
+            overlays.copied = *range;
+    });
+}
+
+void SheetView::march()
+{
+    if (!m_overlays.copied)
+        return;
+    m_overlays.copiedPhase = (m_overlays.copiedPhase + 1) % 6;
+    m_widget.update(frameRegion(m_geometry.visibleRect(*m_overlays.copied)));
+}
+
+bool SheetView::update()
+{
+    if (sheet().id() != m_sheetId) {
+        showSheet();
+        return true;
+    }
+    if (sheet().settingsRevision() != m_settingsRevision) {
+        measure();
+        m_selection.fitInto(sheet());
+        repaintAll();
+        return true;
+    }
+    for (const int row : m_shown.changedRows(sheet(), m_geometry, noteMarks()))
+        spoilRow(row);
+    return false;
+}
+
+/// The row's cells, and the borders that it shares with its neighbours.
+void SheetView::spoilRow(int row)
+{
+    QRect rect = m_geometry.visibleRect({1, row, m_geometry.columns().count(), row});
+    if (rect.isEmpty())
+        return;
+    rect.adjust(-1, -lineReach, 0, lineReach);
+    m_store.spoil(rect);
+    m_widget.update(rect);
+}
+
+void SheetView::repaintAll()
+{
+    m_store.reset(QRect({m_geometry.headingWidth() - 1, m_geometry.headingHeight() - 1},
+                        QPoint(m_geometry.area().width() - 1, m_geometry.area().height() - 1)),
+                  m_widget.devicePixelRatioF());
+    m_shown.take(sheet(), m_geometry, noteMarks());
+    m_widget.update();
+}
+
+void SheetView::paint(QPainter& painter, const QRegion& region)
+{
+    if (sheet().id() != m_sheetId || sheet().settingsRevision() != m_settingsRevision ||
+        m_store.pixelRatio() != m_widget.devicePixelRatioF())
+        refreshPlaces();
+    freshenStore();
+    m_headings.paint(painter, m_geometry, m_selection, m_widget.palette(), m_columnTexts, region);
+    m_store.draw(painter, region);
+    this->painter().paint(painter, m_overlays, m_widget.palette());
+}
+
+/// Before painting: the workbook or the screen may have changed without a word.
+void SheetView::refreshPlaces()
+{
+    if (!update())
+        repaintAll();
+}
+
+void SheetView::freshenStore()
+{
+    constexpr int mostParts = 16; // one pass over all rows is quicker than many
+    if (m_store.stale().isEmpty())
+        return;
+    const QRegion stale =
+        m_store.stale().rectCount() > mostParts ? m_store.stale().boundingRect() : m_store.stale();
+    QPainter painter(&m_store.pixmap());
+    painter.translate(-m_store.area().topLeft());
+    m_cells.gridLines = m_gridLines;
+    m_cells.hasNote = noteMarks();
+    const std::vector<Pane> panes = m_geometry.panes();
+    for (const QRect& part : stale) {
+        painter.setClipRect(part);
+        paintSurroundings(painter, part);
+        for (const Pane& pane : panes)
+            paintPane(painter, pane, part);
+    }
+    paintFreezeLines(painter);
+    m_store.markFresh();
+}
+
+/// What is no cell: the line under the headings, and the emptiness beyond the last row and column.
+void SheetView::paintSurroundings(QPainter& painter, const QRect& part) const
+{
+    const QPalette& palette = m_widget.palette();
+    painter.fillRect(part, palette.color(QPalette::Window));
+    const QRect& area = m_store.area();
+    const QColor line = HeadingPainter::lineColour(palette);
+    if (m_geometry.headingHeight() > 0)
+        painter.fillRect(QRect(area.left(), area.top(), area.width(), 1), line);
+    if (m_geometry.headingWidth() > 0)
+        painter.fillRect(QRect(area.left(), area.top(), 1, area.height()), line);
+}
+
+void SheetView::paintPane(QPainter& painter, const Pane& pane, const QRect& part)
+{
+    // Borders of the first row and column lie on the line of the headings.
+    const QRect reach = pane.rect.adjusted(pane.rect.left() == m_geometry.headingWidth() ? -1 : 0,
+                                           pane.rect.top() == m_geometry.headingHeight() ? -1 : 0, 0, 0);
+    const QRect clip = reach & part;
+    if (clip.isEmpty())
+        return;
+    painter.save();
+    painter.setClipRect(clip);
+    m_cells.paint(painter, sheet(), m_geometry, pane, clip);
+    painter.restore();
+}
+
+void SheetView::paintFreezeLines(QPainter& painter) const
+{
+    const QRect area = m_geometry.cellArea();
+    const QRect scrolled = m_geometry.scrolledArea();
+    const QColor line(0x80, 0x80, 0x80);
+    painter.setClipping(false);
+    if (m_geometry.frozenRows() > 0)
+        painter.fillRect(QRect(area.left(), scrolled.top() - 1, area.width(), 1), line);
+    if (m_geometry.frozenColumns() > 0)
+        painter.fillRect(QRect(scrolled.left() - 1, area.top(), 1, area.height()), line);
+}
+
+} // namespace spreadsheet
