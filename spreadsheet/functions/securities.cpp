@@ -82,13 +82,14 @@ Operand ofTreasuryBill(Call& call)
     const int yearLater = addMonths(*dayOfSerial(settlement), 12);
     if (figure <= 0 || maturity <= settlement || (yearLater >= 0 && maturity > yearLater))
         return CellError::num;
-    const double result = compute(figure, maturity - settlement);
-    return result > 0 ? checked(result) : Operand(CellError::num);
+    return checked(compute(figure, maturity - settlement));
 }
 
+/// None where the discount eats up the whole.
 double billPrice(double discount, int days)
 {
-    return 100 * (1 - discount * days / 360);
+    const double price = 100 * (1 - discount * days / 360);
+    return price > 0 ? price : std::numeric_limits<double>::quiet_NaN();
 }
 
 double billYield(double price, int days)
@@ -99,9 +100,9 @@ double billYield(double price, int days)
 /// The yield of a bond that pays interest every half year and costs the same.
 double billEquivalentYield(double discount, int days)
 {
-    if (days <= 182)
-        return 365 * discount / (360 - discount * days);
     const double price = billPrice(discount, days) / 100;
+    if (days <= 182)
+        return 365 * discount / (360 * price);
     const double part = days / (days == 366 ? 366.0 : 365.0);
     const double root = std::sqrt(part * part - (2 * part - 1) * (1 - 1 / price));
     return 2 * (root - part) / (2 * part - 1);

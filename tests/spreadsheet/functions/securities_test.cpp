@@ -80,6 +80,8 @@ TEST(SecurityFunctions, PaidOnce)
         {"TBILLEQ(DATE(2011,1,1),DATE(2011,12,1),0.05)", "0.0525345699162"}, // more than half a year
         {"TBILLPRICE(39538,39600,0.09)", "98.45"},
         {"TBILLYIELD(39538,39600,98.45)", "0.0914169629253"},
+        {"TBILLYIELD(39538,39600,101)<0", "TRUE"},
+        {"TBILLEQ(39538,39600,9)", "#NUM!"},
         {"TBILLPRICE(39538,39538+367,0.09)", "#NUM!"},
         {"TBILLPRICE(39538,39600,9)", "#NUM!"}, // nothing would be left
         {"ACCRINTM(39539,39614,0.1,1000,3)", "20.5479452055"},
