@@ -154,12 +154,13 @@ ClientSession::Answer ClientSession::answerBatch(const Message& message)
 ClientSession::Answer ClientSession::answerProcedure(const Message& message)
 {
     const ProcedureRequest request = readProcedure(message.body);
-    Answer answer{request.name.empty() ? Step::statement : Step::procedure, {}};
+    const bool isSystem = request.system != SystemProcedure::none;
+    Answer answer{isSystem ? Step::statement : Step::procedure, {}};
     const bool isStatement = request.system == SystemProcedure::executeSql && !request.parameters.empty();
     m_server.journal.add({m_number, answer.step,
                           isStatement ? textOf(request.parameters.front()) : request.name,
                           request.parameters});
-    if (request.name.empty())
+    if (isSystem)
         runSystemProcedure(request, answer.reply);
     else
         callProcedure(request, answer.reply);

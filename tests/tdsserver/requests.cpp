@@ -22,6 +22,23 @@ std::string readName(ByteReader& reader, std::size_t units)
     return utf8OfUtf16(reader.bytes(units * 2));
 }
 
+/// The driver names some of them by number and some by name.
+SystemProcedure systemProcedure(const std::string& name)
+{
+    static constexpr struct {
+        const char* name;
+        SystemProcedure procedure;
+    } known[] = {{"sp_executesql", SystemProcedure::executeSql},
+                 {"sp_prepare", SystemProcedure::prepare},
+                 {"sp_execute", SystemProcedure::execute},
+                 {"sp_prepexec", SystemProcedure::prepareAndExecute},
+                 {"sp_unprepare", SystemProcedure::unprepare}};
+    for (const auto& one : known)
+        if (name == one.name)
+            return one.procedure;
+    return SystemProcedure::none;
+}
+
 Parameter readParameter(ByteReader& reader)
 {
     Parameter parameter;
@@ -49,6 +66,8 @@ ProcedureRequest readProcedure(std::string_view message)
         request.system = static_cast<SystemProcedure>(reader.littleEndian<std::uint16_t>());
     else
         request.name = readName(reader, units);
+    if (request.system == SystemProcedure::none)
+        request.system = systemProcedure(request.name);
     reader.bytes(2); // options
     while (!reader.atEnd())
         request.parameters.push_back(readParameter(reader));

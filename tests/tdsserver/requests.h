@@ -27,7 +27,7 @@ enum class SystemProcedure : std::uint16_t {
 
 struct ProcedureRequest {
     SystemProcedure system = SystemProcedure::none;
-    std::string name; ///< of a user's procedure
+    std::string name; ///< empty if it was called by number
     std::vector<Parameter> parameters;
 };
 

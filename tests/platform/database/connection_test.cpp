@@ -73,6 +73,32 @@ TEST(Connection, ValuesComeBackAsTheyWereBound)
     EXPECT_EQ(connection->query("select fTop from tblCWSelfReport").number(0, "fTop"), 0.75);
 }
 
+TEST(Connection, ComputedColumnsKeepTheirKind)
+{
+    const DatabaseFolder folder;
+    const auto connection = folder.createTested();
+    const std::string longText(9000, 'x');
+    const Recordset rows =
+        connection->query("select 9007199254740993 as big, -7 as small, 0.1 as fraction, '现金𠀀' as "
+                          "text, '" +
+                              longText + "' as longText, null as missing, '' as empty",
+                          BinaryColumns::fetched);
+    EXPECT_EQ(rows.integer(0, "big"), 9007199254740993);
+    EXPECT_EQ(rows.integer(0, "small"), -7);
+    EXPECT_EQ(rows.number(0, "fraction"), 0.1);
+    EXPECT_EQ(rows.text(0, "text"), "现金𠀀");
+    EXPECT_EQ(rows.text(0, "longText"), longText);
+    EXPECT_TRUE(rows.isNull(0, "missing"));
+    EXPECT_FALSE(rows.isNull(0, "empty"));
+    connection->execute(
+        "insert into tblAccountBal(faccountid,fDetailId,fYear,fPeriod,fCurrencyid,fEndBal,fDebit) "
+        "values(1,0,2025,1,1,-9999999999999.99,0.01)");
+    const Recordset amounts = connection->query("select fEndBal,fDebit,fCredit from tblAccountBal");
+    EXPECT_EQ(amounts.number(0, "fEndBal"), -9999999999999.99);
+    EXPECT_EQ(amounts.text(0, "fDebit"), "0.01");
+    EXPECT_EQ(amounts.number(0, "fCredit"), 0);
+}
+
 TEST(Recordset, NumbersReadAsPlainText)
 {
     struct Case {

@@ -1,5 +1,8 @@
 #include "platform/database/Connection.h"
 
+#include "platform/database/connection_string.h"
+#include "platform/database/odbc/odbc_string.h"
+#include "platform/database/odbc/odbc_text.h"
 #include "tests/platform/database/database_folder.h"
 #include "tests/tdsserver/TdsServer.h"
 
@@ -7,6 +10,8 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <sqlext.h>
+#include <sqlucode.h>
 
 namespace selfreport {
 namespace {
@@ -74,6 +79,43 @@ TEST(ServerSession, AsksAndCallsOneByOneAndInBatches)
         EXPECT_EQ(results[at].rows->number(0, "f"), 1000.25 + static_cast<double>(at));
     }
     EXPECT_LE(server.journal.requests().size(), 3U);
+}
+
+TEST(ServerSession, APreparedStatementRunsAgainWithOtherValues)
+{
+    const DatabaseFolder folder;
+    fillAccounts(*folder.create());
+    tds::TdsServer server(folder.file());
+    SQLHENV environment = SQL_NULL_HENV;
+    SQLHDBC connection = SQL_NULL_HDBC;
+    SQLHSTMT statement = SQL_NULL_HSTMT;
+    SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment);
+    SQLSetEnvAttr(environment, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
+    SQLAllocHandle(SQL_HANDLE_DBC, environment, &connection);
+    auto target = odbcText(odbcTarget(parseConnectionString(server.connectionString())).connectionString);
+    ASSERT_TRUE(SQL_SUCCEEDED(SQLDriverConnectW(connection, nullptr, target.data(),
+                                                static_cast<SQLSMALLINT>(target.size()), nullptr, 0, nullptr,
+                                                SQL_DRIVER_NOPROMPT)));
+    SQLAllocHandle(SQL_HANDLE_STMT, connection, &statement);
+    auto sql = odbcText("select fNumber from tblAccount where fitemid=?");
+    SQLBIGINT id = 0;
+    SQLLEN size = 0;
+    SQLPrepareW(statement, sql.data(), static_cast<SQLINTEGER>(sql.size()));
+    SQLBindParameter(statement, 1, SQL_PARAM_INPUT, SQL_C_SBIGINT, SQL_BIGINT, 19, 0, &id, 0, &size);
+    for (id = 1003; id < 1006; ++id) {
+        EXPECT_TRUE(SQL_SUCCEEDED(SQLExecute(statement))) << id;
+        SQLBIGINT number = 0;
+        EXPECT_TRUE(SQL_SUCCEEDED(SQLFetch(statement))) << id;
+        SQLGetData(statement, 1, SQL_C_SBIGINT, &number, sizeof number, &size);
+        EXPECT_EQ(number, id);
+        while (SQL_SUCCEEDED(SQLMoreResults(statement))) { // the statement's handle comes last
+        }
+        SQLFreeStmt(statement, SQL_CLOSE);
+    }
+    SQLFreeHandle(SQL_HANDLE_STMT, statement);
+    SQLDisconnect(connection);
+    SQLFreeHandle(SQL_HANDLE_DBC, connection);
+    SQLFreeHandle(SQL_HANDLE_ENV, environment);
 }
 
 /// Batches of a script: what stands between the lines "go".
