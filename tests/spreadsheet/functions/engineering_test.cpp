@@ -16,6 +16,12 @@ TEST(EngineeringFunctions, NumberBases)
         {"BIN2DEC(-1)", "#NUM!"},
         {"BIN2DEC(A1)", "#VALUE!"},
         {"BIN2DEC(A1:A2)", "#VALUE!"},
+        {"BIN2OCT(1001,3)", "\"011\""},
+        {"BIN2OCT(1111111111)", "\"7777777777\""},
+        {"HEX2OCT(\"F\",3)", "\"017\""},
+        {"HEX2OCT(\"20000000\")", "#NUM!"},
+        {"OCT2BIN(3,3)", "\"011\""},
+        {"OCT2BIN(1000)", "#NUM!"},
         {"BIN2HEX(11111011,4.9)", "\"00FB\""},
         {"BIN2HEX(1111111111,3)", "\"FFFFFFFFFF\""}, // digits asked for do not cut a negative number
         {"DEC2BIN(-100)", "\"1110011100\""},

@@ -192,3 +192,15 @@ TEST(InformationFunctions, KindsOfValues)
         {"SUMPRODUCT(--ISNUMBER(A1:A6))", "1"},
     });
 }
+
+TEST(Mathematical, AnglesAndTheirInverses)
+{
+    FormulaSheet().expect({
+        {"COS(PI()/3)", "0.5"},
+        {"ROUND(TAN(PI()/4),12)", "1"},
+        {"ACOS(0.5)*3/PI()", "1"},
+        {"ACOS(1.1)", "#NUM!"},
+        {"ATAN(1)*4-PI()", "0"},
+        {"COS(1E+10)", "0.873119622677"}, // computed with 30 digits, apart from this program
+    });
+}
