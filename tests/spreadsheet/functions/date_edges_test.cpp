@@ -135,6 +135,7 @@ TEST(DateEdges, DaysCountedFrom1904)
         {"WEEKDAY(DATE(2011,3,6))", "1"},
         {"EDATE(DATE(2011,3,5),1)-DATE(2011,4,5)", "0"},
         {"EDATE(5,-1)", "#NUM!"},
+        {"TEXT(DATE(2011,3,5),\"yyyy-mm-dd\")&TEXT(0.5,\"h:mm\")", "\"2011-03-0512:00\""},
         {"YEAR(\"2011-3-5\")&EDATE(\"2011-3-5\",0)&HOUR(\"6:00\")", "\"2011391456\""},
         {"DAY(\"1901-1-1\")", "#VALUE!"},
         {"NETWORKDAYS(DATE(2011,3,1),DATE(2011,3,31))", "23"},
