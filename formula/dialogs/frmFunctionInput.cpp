@@ -4,6 +4,7 @@
 #include "formula/dialogs/CallPreview.h"
 #include "formula/dialogs/write_formula.h"
 #include "formula/formula_text.h"
+#include "pickers/frmAccountWizard.h"
 #include "pickers/frmCurrency.h"
 #include "pickers/frmFilelList.h"
 #include "platform/windows/buttons.h"
@@ -46,7 +47,9 @@ frmFunctionInput::frmFunctionInput(FormulaCell& cell, QWidget* parent)
 void frmFunctionInput::openPicker(int index)
 {
     const auto handBack = [this, index](const QString& text) { m_txt->box(index).setText(text); };
-    if (index == 1)
+    if (index == 0)
+        frmAccountWizard(handBack, this).exec();
+    else if (index == 1)
         frmFilelList(handBack, this).exec();
     else if (index == 2)
         frmCurrency(handBack, this).exec();

@@ -5,11 +5,13 @@
 #include "formula/dialogs/frmFunction.h"
 #include "formula/dialogs/frmFunctionInput.h"
 #include "formula/dialogs/frmFunctionInput1.h"
+#include "pickers/frmAccountWizard.h"
 #include "pickers/frmCurrency.h"
 #include "pickers/frmFilelList.h"
 #include "platform/basicdata/basic_data.h"
 #include "platform/basicdata/ChooserWindow.h"
 #include "platform/dialogs/RecordingDialogs.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/formula/dialogs/RecordingCell.h"
 
 #include <cstdio>
@@ -50,6 +52,17 @@ std::unique_ptr<QWidget> filledInput(test::RecordingCell& cell)
     return window;
 }
 
+std::unique_ptr<QWidget> filledWizard()
+{
+    auto window = std::make_unique<frmAccountWizard>(ignored);
+    window->findChild<QLineEdit*>("txt_0")->setText("1122");
+    auto& grid = *window->findChild<spreadsheet::SpreadsheetControl*>("fps1");
+    grid.setText(1, 1, "客户");
+    grid.setText(3, 1, "001");
+    grid.setText(4, 1, "005");
+    return window;
+}
+
 std::vector<Picture> pictures()
 {
     static test::RecordingCell cell;
@@ -59,6 +72,7 @@ std::vector<Picture> pictures()
         {"frmSelfReportMain-1280x800", list, {1280, 800}},
         {"frmFunction", [] { return std::make_unique<frmFunction>(cell); }},
         {"frmFunctionInput", [] { return filledInput(cell); }},
+        {"frmAccountWizard", [] { return filledWizard(); }},
         {"frmFunctionInput1", [] { return std::make_unique<frmFunctionInput1>(cell); }},
         {"frmCurrency", [] { return std::make_unique<frmCurrency>(ignored); }},
         {"frmFilelList", [] { return std::make_unique<frmFilelList>(ignored); }},
