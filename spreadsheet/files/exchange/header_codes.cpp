@@ -235,6 +235,7 @@ private:
     void font(const HeaderFont& font)
     {
         static constexpr std::array<std::string_view, 4> styles{"Regular", "Bold", "Italic", "Bold Italic"};
+        m_text += "&" + std::to_string(static_cast<int>(font.points + 0.5));
         if (!font.family.empty())
             m_text += "&\"" + font.family + "," +
                       std::string(styles[(font.bold ? 1u : 0u) + (font.italic ? 2u : 0u)]) + "\"";
@@ -242,7 +243,6 @@ private:
             m_text += "&U";
         if (font.strikeThrough != (m_started && m_font.strikeThrough))
             m_text += "&S";
-        m_text += "&" + std::to_string(static_cast<int>(font.points + 0.5));
         m_font = font;
         m_started = true;
     }

@@ -8,6 +8,7 @@
 #include "spreadsheet/files/xls/tokens.h"
 #include "spreadsheet/formula/FormulaPool.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -25,6 +26,7 @@ std::string numberText(double number)
 {
     std::array<char, 40> digits;
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    std::replace(digits.data(), end, 'e', 'E');
     return {digits.data(), end};
 }
 

@@ -204,16 +204,25 @@ Value XlsxSheetReader::value(pugi::xml_node node, pugi::xml_node valueNode) cons
         const std::string rich = richText(valueNode);
         return rich.empty() ? Value() : Value(m_workbook.texts().intern(rich));
     }
-    if (type == "str") { // some programs write errors of formulas so
-        const auto error = parseErrorText(text);
-        return error ? Value(*error) : Value(m_workbook.texts().intern(text));
-    }
+    if (type == "str")
+        return textResult(text);
     if (type == "b")
         return Value::boolean(valueNode.text().as_int() != 0);
     if (type == "e")
         return parseErrorText(text).value_or(CellError::value);
     const std::optional<double> number = type == "d" ? dateOf(text) : numberOf(text);
     return number ? Value(*number) : Value();
+}
+
+/// Some programs write errors and truth values of formulas as texts.
+Value XlsxSheetReader::textResult(std::string_view text) const
+{
+    if (const auto error = parseErrorText(text))
+        return *error;
+    if (text == "TRUE" || text == "FALSE")
+        return Value::boolean(text == "TRUE");
+    return text.find("_x") == std::string_view::npos ? Value(m_workbook.texts().intern(text))
+                                                     : Value::text(withoutEscapes(text));
 }
 
 std::uint32_t XlsxSheetReader::interned(std::string_view text, CellAddress at, bool isArray)

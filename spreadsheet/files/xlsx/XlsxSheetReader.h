@@ -29,6 +29,7 @@ private:
     void rowSettings(pugi::xml_node node, int row);
     void cell(pugi::xml_node node, CellAddress at);
     Value value(pugi::xml_node node, pugi::xml_node value) const;
+    Value textResult(std::string_view text) const;
     void formula(pugi::xml_node node, CellAddress at, const Column::Place& place);
     std::uint32_t interned(std::string_view text, CellAddress at, bool isArray);
     void arrays();

@@ -209,10 +209,11 @@ void XlsxSheetWriter::rows()
         const auto size = m_settings.rows.sizes.find(row);
         const auto style = m_settings.rowStyles.find(row);
         const int twips = size == m_settings.rows.sizes.end() ? m_settings.rows.defaultSize : size->second;
+        constexpr double nearly = 0.0001; // the library leaves rows of exactly 15 points out
         lxw_row_col_options options{};
         options.hidden = m_settings.rows.hidden.contains(row);
         worksheet_set_row_opt(
-            m_target, static_cast<lxw_row_t>(row - 1), twips / twipsOfPoint,
+            m_target, static_cast<lxw_row_t>(row - 1), twips / twipsOfPoint + nearly,
             style == m_settings.rowStyles.end() ? nullptr : m_source.formats.format(style->second), &options);
     }
 }

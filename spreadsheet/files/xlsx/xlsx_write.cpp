@@ -72,9 +72,12 @@ void writeXlsx(const Workbook& workbook, const std::filesystem::path& file, Warn
     XlsxFormats formats(workbook.styles(), book.get(), warnings);
     for (int index = 1; index <= workbook.sheetCount(); ++index) {
         const Sheet& sheet = workbook.sheet(index);
+        // Asked before: the library would print its refusal.
+        if (workbook_validate_sheet_name(book.get(), sheet.name().c_str()) != LXW_NO_ERROR)
+            throw ContentError("表名“" + sheet.name() + "”在 .xlsx 中不能使用,请改短(最多 31 个字)后再引出");
         lxw_worksheet* const target = workbook_add_worksheet(book.get(), sheet.name().c_str());
         if (!target)
-            throw ContentError("表名“" + sheet.name() + "”在 .xlsx 中不能使用,请改短(最多 31 个字)后再引出");
+            throw ContentError("无法写入 .xlsx 文件: 内存不足");
         XlsxSheetWriter({workbook, sheet, formats, sheetId, warnings}, target).write();
         if (index == workbook.activeSheet())
             worksheet_activate(target);

@@ -37,28 +37,6 @@ void requireMeasure(const std::vector<char>& text)
     }
 }
 
-/// "_x000D_" stands for a character that XML cannot hold.
-std::string withoutEscapes(std::string_view text)
-{
-    constexpr std::size_t length = 7;
-    std::string result;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        unsigned code = 0;
-        const bool isEscape =
-            text.substr(at).size() >= length && text[at] == '_' && text[at + 1] == 'x' &&
-            text[at + 6] == '_' &&
-            std::from_chars(text.data() + at + 2, text.data() + at + 6, code, 16).ptr == text.data() + at + 6;
-        if (isEscape && code < 0x80) {
-            if (code != 0 && code != '\r')
-                result += static_cast<char>(code);
-            at += length - 1;
-        } else {
-            result += text[at];
-        }
-    }
-    return result;
-}
-
 } // namespace
 
 std::optional<XmlPart> XmlPart::read(Archive& archive, std::string_view path)
@@ -93,6 +71,27 @@ pugi::xml_attribute attributeNamed(pugi::xml_node node, std::string_view name)
 {
     return node.find_attribute(
         [name](pugi::xml_attribute attribute) { return localName(attribute.name()) == name; });
+}
+
+std::string withoutEscapes(std::string_view text)
+{
+    constexpr std::size_t length = 7;
+    std::string result;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        unsigned code = 0;
+        const bool isEscape =
+            text.substr(at).size() >= length && text[at] == '_' && text[at + 1] == 'x' &&
+            text[at + 6] == '_' &&
+            std::from_chars(text.data() + at + 2, text.data() + at + 6, code, 16).ptr == text.data() + at + 6;
+        if (isEscape && code < 0x80) {
+            if (code != 0 && code != '\r')
+                result += static_cast<char>(code);
+            at += length - 1;
+        } else {
+            result += text[at];
+        }
+    }
+    return result;
 }
 
 std::string richText(pugi::xml_node node)

@@ -43,6 +43,8 @@ void eachChild(pugi::xml_node node, std::string_view name, Visit visit)
 
 /// Texts of all "t" elements in a text with runs; phonetic ones left out.
 std::string richText(pugi::xml_node node);
+/// "_x000D_" stands for a character that XML cannot hold; control characters but line ends are left out.
+std::string withoutEscapes(std::string_view text);
 /// "1", "true" and "on" are true.
 bool isTrue(pugi::xml_attribute attribute, bool otherwise = false);
 

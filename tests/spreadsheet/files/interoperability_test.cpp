@@ -1,0 +1,174 @@
+#include "tests/spreadsheet/files/sample_workbook.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <gmock/gmock.h>
+
+namespace spreadsheet {
+namespace {
+
+/// Runs a script with other programs' libraries; what it prints, errors included.
+std::string python(const TestFolder& folder, const std::string& script, const std::filesystem::path& argument)
+{
+    std::ofstream(folder.file("script.py")) << script;
+    const std::string command = "PYTHONIOENCODING=utf-8 /usr/bin/python3 -W ignore '" +
+                                folder.file("script.py").string() + "' '" + argument.string() + "' >'" +
+                                folder.file("output").string() + "' 2>&1";
+    const int status = std::system(command.c_str());
+    std::ifstream stream(folder.file("output"));
+    std::string output{std::istreambuf_iterator<char>(stream), {}};
+    return status == 0 ? output : "failed: " + output;
+}
+
+/// A report as companies write them, without what the other libraries do not show.
+void fillReport(Workbook& workbook)
+{
+    workbook.renameSheet(1, "资产负债表");
+    workbook.addSheet("数据");
+    Sheet& sheet = workbook.sheet(1);
+    CellStyle money;
+    money.numberFormat = Text("#,##0.00");
+    money.type = CellType::number;
+    money.font = {Text("黑体"), 12, true, false, false, false};
+    money.background = 0xFFFF00;
+    money.left = {LineStyle::fineSolid, 0};
+    sheet.setText({1, 1}, "货币资金");
+    sheet.setNumber({2, 1}, 1234567.891);
+    sheet.setStyle({2, 1}, money);
+    sheet.setFormula({3, 1}, "SUM(B1:B2)*2+数据!$A$1");
+    sheet.setFormula({4, 1}, "IF(B1>0,\"盈\",\"亏\")");
+    sheet.setValue({5, 1}, Value::boolean(true));
+    sheet.setFormula({6, 1}, "1/0");
+    sheet.addSpan({1, 3, 3, 3});
+    sheet.setText({1, 3}, "合计");
+    sheet.changeSettings([](SheetSettings& settings) { settings.notes[{1, 1}] = "批注"; });
+    workbook.sheet(2).setNumber({1, 1}, 0.5);
+    workbook.recalculate();
+}
+
+TEST(Interoperability, AnotherReaderOpensOurXls)
+{
+    const TestFolder folder;
+    Workbook workbook;
+    fillReport(workbook);
+    saveWorkbook(workbook, folder.file("a.xls"), FileFormat::xls);
+    const std::string output = python(folder, R"(
+import sys, xlrd
+book = xlrd.open_workbook(sys.argv[1], formatting_info=True)
+sheet = book.sheet_by_index(0)
+print(book.sheet_names(), sheet.merged_cells, sheet.cell_note_map[0, 0].text)
+print([(cell.ctype, cell.value) for cell in sheet.row(0)])
+look = book.xf_list[sheet.cell(0, 1).xf_index]
+font = book.font_list[look.font_index]
+print(book.format_map[look.format_key].format_str, font.name, font.height, font.weight,
+      book.colour_map[look.background.pattern_colour_index], look.border.left_line_style)
+)",
+                                      folder.file("a.xls"));
+    EXPECT_EQ(output, "['资产负债表', '数据'] [(2, 3, 0, 3)] 批注\n"
+                      "[(1, '货币资金'), (2, 1234567.891), (2, 2469136.282), (1, '盈'), (4, 1), (5, 7)]\n"
+                      "#,##0.00 黑体 240 700 (255, 255, 0) 1\n");
+}
+
+TEST(Interoperability, AnotherReaderOpensOurXlsx)
+{
+    const TestFolder folder;
+    Workbook workbook;
+    fillReport(workbook);
+    saveWorkbook(workbook, folder.file("a.xlsx"), FileFormat::xlsx);
+    const std::string output = python(folder, R"(
+import sys, openpyxl
+sheet = openpyxl.load_workbook(sys.argv[1])['资产负债表']
+values = openpyxl.load_workbook(sys.argv[1], data_only=True)['资产负债表']
+print([cell.value for cell in sheet[1]], [str(span) for span in sheet.merged_cells.ranges], sheet['A1'].comment.text)
+print([cell.value for cell in values[1]])
+cell = sheet['B1']
+print(cell.number_format, cell.font.name, cell.font.sz, cell.font.b, cell.fill.fgColor.rgb, cell.border.left.style)
+)",
+                                      folder.file("a.xlsx"));
+    EXPECT_EQ(output,
+              "['货币资金', 1234567.891, '=SUM(B1:B2)*2+数据!$A$1', '=IF(B1>0,\"盈\",\"亏\")', True, '=1/0'] "
+              "['A3:C3'] 批注\n"
+              "['货币资金', 1234567.891, 2469136.282, '盈', True, '#DIV/0!']\n"
+              "#,##0.00 黑体 12.0 True FFFFFF00 thin\n");
+}
+
+void expectForeign(const std::filesystem::path& file)
+{
+    Workbook workbook;
+    EXPECT_THAT(loadWorkbook(workbook, file), testing::IsEmpty());
+    const Sheet& sheet = workbook.sheet(1);
+    EXPECT_EQ(sheet.name(), "报表");
+    EXPECT_EQ(sheet.displayText({1, 1}), "科目 & 余额");
+    EXPECT_EQ(sheet.value({2, 1}), Value(1234.5));
+    EXPECT_EQ(sheet.formula({3, 1}), "SUM(A1:B1)*2");
+    EXPECT_EQ(sheet.value({4, 1}), Value::boolean(true));
+    EXPECT_EQ(sheet.displayText({1, 2}), "2026-12-31");
+    const CellStyle& style = sheet.style({2, 1});
+    EXPECT_EQ(style.numberFormat.view(), "#,##0.00");
+    EXPECT_EQ(style.font.family.view(), "Arial");
+    EXPECT_TRUE(style.font.bold);
+    EXPECT_EQ(style.background, 0xFFFF00U);
+    EXPECT_EQ(style.foreground, 0xFF0000U);
+    EXPECT_EQ(style.left, (BorderLine{LineStyle::fineSolid, 0}));
+    EXPECT_EQ(style.horizontal, HorizontalAlignment::centre);
+    EXPECT_EQ(sheet.settings().spans, (std::vector{CellRange{1, 4, 3, 5}}));
+    EXPECT_EQ(sheet.settings().frozenRows, 1);
+    EXPECT_EQ(sheet.settings().rows.size(2), 600);
+    EXPECT_TRUE(sheet.settings().print.landscape);
+}
+
+TEST(Interoperability, OpensXlsOfAnotherWriter)
+{
+    const TestFolder folder;
+    EXPECT_EQ(python(folder, R"(
+import datetime, sys, xlwt
+book = xlwt.Workbook(encoding='utf-8')
+sheet = book.add_sheet('报表')
+look = xlwt.easyxf('font: name Arial, bold on, colour red; align: horiz centre; borders: left thin; '
+                   'pattern: pattern solid, fore_colour yellow', num_format_str='#,##0.00')
+sheet.write(0, 0, '科目 & 余额')
+sheet.write(0, 1, 1234.5, look)
+sheet.write(0, 2, xlwt.Formula('SUM(A1:B1)*2'))
+sheet.write(0, 3, True)
+sheet.write(1, 0, datetime.date(2026, 12, 31), xlwt.easyxf(num_format_str='yyyy-mm-dd'))
+sheet.write_merge(3, 4, 0, 2, 'x')
+sheet.row(1).height_mismatch = True
+sheet.row(1).height = 600
+sheet.panes_frozen = True
+sheet.horz_split_pos = 1
+sheet.portrait = False
+sheet.header_str = sheet.footer_str = b''
+book.save(sys.argv[1])
+)",
+                     folder.file("a.xls")),
+              "");
+    expectForeign(folder.file("a.xls"));
+}
+
+TEST(Interoperability, OpensXlsxOfAnotherWriter)
+{
+    const TestFolder folder;
+    EXPECT_EQ(python(folder, R"(
+import datetime, sys, xlsxwriter
+book = xlsxwriter.Workbook(sys.argv[1])
+sheet = book.add_worksheet('报表')
+look = book.add_format({'font_name': 'Arial', 'bold': True, 'font_color': '#FF0000', 'align': 'center', 'left': 1,
+                        'bg_color': '#FFFF00', 'num_format': '#,##0.00'})
+sheet.set_row(1, 30)
+sheet.write(0, 0, '科目 & 余额')
+sheet.write(0, 1, 1234.5, look)
+sheet.write_formula(0, 2, '=SUM(A1:B1)*2', None, 2469)
+sheet.write(0, 3, True)
+sheet.write_datetime(1, 0, datetime.date(2026, 12, 31), book.add_format({'num_format': 'yyyy-mm-dd'}))
+sheet.merge_range(3, 0, 4, 2, 'x')
+sheet.freeze_panes(1, 0)
+sheet.set_landscape()
+book.close()
+)",
+                     folder.file("a.xlsx")),
+              "");
+    expectForeign(folder.file("a.xlsx"));
+}
+
+} // namespace
+} // namespace spreadsheet

@@ -1,0 +1,213 @@
+#pragma once
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/files/FileFormats.h"
+#include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+
+namespace spreadsheet {
+
+/// A folder of a test's own, gone at its end.
+class TestFolder {
+public:
+    TestFolder()
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "files-XXXXXX").string();
+        m_path = mkdtemp(pattern.data());
+    }
+    ~TestFolder() { std::filesystem::remove_all(m_path); }
+    TestFolder(const TestFolder&) = delete;
+    TestFolder& operator=(const TestFolder&) = delete;
+    std::filesystem::path file(const std::string& name) const { return m_path / name; }
+    std::size_t fileCount() const
+    {
+        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(m_path), {}));
+    }
+
+private:
+    std::filesystem::path m_path;
+};
+
+inline CellStyle sampleStyle(int number)
+{
+    static constexpr std::array types{CellType::edit,    CellType::number,  CellType::date,
+                                      CellType::time,    CellType::percent, CellType::scientific,
+                                      CellType::currency};
+    CellStyle style;
+    style.type = types[static_cast<std::size_t>(number) % types.size()];
+    style.decimals = static_cast<std::uint8_t>(number % 4);
+    if (style.type != CellType::number)
+        style.decimals = CellStyle().decimals;
+    style.horizontal = static_cast<HorizontalAlignment>(number % 4);
+    style.vertical = static_cast<VerticalAlignment>(number % 3);
+    style.wrap = number % 2;
+    style.locked = number % 5 == 1;
+    style.foreground = number % 3 == 0 ? automaticColour : 0x102030u * static_cast<unsigned>(number % 7);
+    style.background =
+        number % 4 == 0 ? automaticColour : 0xFFEE00u - static_cast<unsigned>(number % 9) * 0x111u;
+    style.font = {Text(number % 2 ? "宋体" : "Arial"),
+                  static_cast<float>(9 + number % 5) + (number % 2 ? 0.5f : 0.0f),
+                  number % 2 == 0,
+                  number % 3 == 0,
+                  number % 5 == 0,
+                  number % 7 == 0};
+    static constexpr std::array lines{LineStyle::none,          LineStyle::solid,      LineStyle::dash,
+                                      LineStyle::dashDot,       LineStyle::dashDotDot, LineStyle::fineSolid,
+                                      LineStyle::fineDash,      LineStyle::fineDot,    LineStyle::fineDashDot,
+                                      LineStyle::fineDashDotDot};
+    const auto line = [&](int side) {
+        const LineStyle chosen = lines[static_cast<std::size_t>(number + side) % lines.size()];
+        return chosen == LineStyle::none ? BorderLine() : BorderLine{chosen, side % 2 ? 0x336699u : 0u};
+    };
+    style.left = line(0);
+    style.right = line(1);
+    style.top = line(2);
+    style.bottom = line(3);
+    if (number % 6 == 5) {
+        style.type = CellType::number;
+        style.decimals = 2;
+        style.numberFormat = Text("#,##0.00_);[Red]\\(#,##0.00\\)");
+    }
+    return style;
+}
+
+/// Formulas of every kind of token, as they are to come back letter by letter.
+inline const std::vector<std::string>& sampleFormulas()
+{
+    static const std::vector<std::string> formulas{
+        "A1+B$2-$C3*$D$4/2^3",
+        "(A1+1)*-B2%",
+        "A1&\"中\"\"文\"&B2",
+        "A1<=B1",
+        "IF(A1>=1,\"是\",\"否\")",
+        "IF(A1<>0,,1)",
+        "SUM(A1:C9)",
+        "SUM(A:C,2:3)",
+        "SUM((A1:A2,C1:C2))",
+        "SUM(A1:C3 B2:D4)",
+        "SUM(数据!A1:B2)+数据!$C$3",
+        "SUM('2月 调整:数据'!B2)",
+        "VLOOKUP(A1,数据!A1:C9,2,FALSE)",
+        "INDEX(A1:C3,2,COLUMN())",
+        "SUMPRODUCT({1,2.5;-3,4}*1)",
+        "MATCH(\"x\",{\"a\",\"x\"},0)",
+        "#REF!+1",
+        "ISERROR(#N/A)",
+        "NOT(TRUE)",
+        "税率*100",
+        "Acct(\"1001\",\"1\", \"RMB\", \"2009\",\"1\",\"3\")",
+        "REF_F(\"资产负债表\",\"B12\", \"1\")",
+        "EOMONTH(A1,1)",
+        "ROUND(1.5E+30,2)",
+        "1E-05",
+        "TODAY()-NOW()",
+        "SUBTOTAL(9,A1:A5)",
+        "COUNTIF(A1:A9,\">0\")",
+    };
+    return formulas;
+}
+
+/// A workbook with something of everything that travels.
+inline void fillSample(Workbook& workbook)
+{
+    workbook.renameSheet(1, "报表");
+    workbook.addSheet("2月 调整");
+    workbook.addSheet("数据");
+    workbook.defineName("税率", "数据!$B$1");
+    Sheet& sheet = workbook.sheet(1);
+    for (int i = 0; i < 40; ++i) {
+        sheet.setStyle({1 + i % 6, 1 + i / 6}, sampleStyle(i));
+        if (i % 3 != 2)
+            sheet.setNumber({1 + i % 6, 1 + i / 6}, i * 1.25 - 3);
+    }
+    sheet.setText({3, 1}, "文本 & <标签> \"引号\"");
+    sheet.setText({6, 1}, "两\n行");
+    sheet.setValue({3, 2}, Value::boolean(true));
+    sheet.setValue({6, 2}, CellError::div0);
+    sheet.setNumber({3, 3}, 1e300);
+    for (std::size_t i = 0; i < sampleFormulas().size(); ++i)
+        EXPECT_FALSE(sheet.setFormula({9, static_cast<int>(i) + 1}, sampleFormulas()[i]))
+            << sampleFormulas()[i];
+    EXPECT_FALSE(sheet.setArrayFormula({11, 1, 12, 2}, "A1:B2*2"));
+    sheet.addSpan({2, 12, 4, 13});
+    sheet.setText({2, 12}, "合并");
+    sheet.changeSettings([&](SheetSettings& settings) {
+        settings.rows.sizes = {{1, 600}, {5, 300}};
+        settings.columns.sizes = {{1, 2400}, {3, 750}};
+        settings.rows.hidden = {{20, true}};
+        settings.columns.hidden = {{7, true}};
+        settings.frozenRows = 2;
+        settings.frozenColumns = 1;
+        settings.notes = {{{1, 1}, "说明"}, {{3, 5}, "第一行\n第二行"}};
+        settings.print.landscape = true;
+        settings.print.marginLeft = 720;
+        settings.print.titleTop = 1;
+        settings.print.titleBottom = 2;
+        settings.print.centredAcross = true;
+        settings.print.gridLines = true;
+        settings.print.fitWidth = true;
+        settings.print.rowBreaks = {{8, true}};
+        settings.print.columnBreaks = {{4, true}};
+        settings.print.header =
+            "/fn\"宋体\"/fz\"12\"/fb1/fi0/fu1/fk0/c利润表/n/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/r/p/n";
+        settings.print.footer = "/fn\"Arial\"/fz\"8\"/fb0/fi1/fu0/fk1/l12 & 3/n";
+    });
+    workbook.sheet(3).setNumber({2, 1}, 0.13);
+    workbook.sheet(3).changeSettings([](SheetSettings& settings) { settings.isHidden = true; });
+    workbook.setActiveSheet(2);
+    workbook.recalculate();
+}
+
+/// Attribute by attribute: cells with formulas and looks, settings, names.
+inline void expectSame(const Workbook& expected, const Workbook& found)
+{
+    ASSERT_EQ(expected.sheetCount(), found.sheetCount());
+    EXPECT_EQ(expected.activeSheet(), found.activeSheet());
+    for (int index = 1; index <= expected.sheetCount(); ++index) {
+        const Sheet &a = expected.sheet(index), &b = found.sheet(index);
+        EXPECT_EQ(a.name(), b.name());
+        EXPECT_EQ(a.lastDataRow(), b.lastDataRow());
+        for (int row = 1; row <= a.lastDataRow(); ++row) {
+            for (int column = 1; column <= 14; ++column) {
+                const CellAddress at{column, row};
+                SCOPED_TRACE(a.name() + "!" + cellName(at) + " " + a.formula(at));
+                EXPECT_EQ(a.value(at), b.value(at)) << a.displayText(at) << " / " << b.displayText(at);
+                EXPECT_EQ(a.formula(at), b.formula(at));
+                EXPECT_EQ(a.arrayRange(at), b.arrayRange(at));
+                const CellStyle &x = a.style(at), &y = b.style(at);
+                if (a.styleNumber(at) == 0)
+                    continue; // a look of its own would only be that of the fresh cell
+                EXPECT_EQ(static_cast<int>(x.type), static_cast<int>(y.type));
+                EXPECT_EQ(x.decimals, y.decimals);
+                EXPECT_EQ(x.numberFormat.view(), y.numberFormat.view());
+                EXPECT_EQ(x.font, y.font) << x.font.points << " / " << y.font.points;
+                EXPECT_EQ(x.foreground, y.foreground);
+                EXPECT_EQ(x.background, y.background);
+                EXPECT_EQ(x, y); // alignment, wrap, lock, borders
+            }
+        }
+        const SheetSettings &s = a.settings(), &t = b.settings();
+        EXPECT_EQ(s.rows.sizes, t.rows.sizes);
+        EXPECT_EQ(s.rows.hidden, t.rows.hidden);
+        EXPECT_EQ(s.columns.hidden, t.columns.hidden);
+        for (int column = 1; column <= 10; ++column)
+            EXPECT_EQ(s.columns.size(column), t.columns.size(column)) << column;
+        EXPECT_EQ(s.spans, t.spans);
+        EXPECT_EQ(s.notes, t.notes);
+        EXPECT_EQ(s.isHidden, t.isHidden);
+        EXPECT_EQ(s.frozenRows, t.frozenRows);
+        EXPECT_EQ(s.frozenColumns, t.frozenColumns);
+        EXPECT_EQ(s.print.header, t.print.header);
+        EXPECT_EQ(s.print.footer, t.print.footer);
+        EXPECT_EQ(s.print, t.print); // margins, orientation, titles, breaks and the rest
+    }
+    const int name = found.names().find("税率");
+    ASSERT_GE(name, 0);
+    EXPECT_EQ(found.formulas().text(found.names()[name].formula, {1, 1}), "数据!$B$1");
+}
+
+} // namespace spreadsheet

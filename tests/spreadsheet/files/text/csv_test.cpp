@@ -1,0 +1,88 @@
+#include "spreadsheet/files/text/csv.h"
+
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/exchange/CodePage.h"
+#include "spreadsheet/files/text/html.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace spreadsheet {
+namespace {
+
+TEST(Csv, WritesTheUsedArea)
+{
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+    EXPECT_EQ(sheetCsv(sheet), "\xEF\xBB\xBF");
+    sheet.setText({1, 1}, "科目,名称");
+    sheet.setText({2, 1}, "引\"号\"");
+    sheet.setText({1, 2}, " 前面有空格");
+    sheet.setText({3, 2}, "两\n行");
+    sheet.setNumber({2, 3}, -1234.5);
+    CellStyle style;
+    style.type = CellType::number;
+    sheet.setStyle({2, 3}, style);
+    EXPECT_EQ(sheetCsv(sheet), "\xEF\xBB\xBF"
+                               "\"科目,名称\",\"引\"\"号\"\"\",\r\n"
+                               "\" 前面有空格\",,\"两\n行\"\r\n"
+                               ",-1234.50,\r\n");
+}
+
+/// Cells of the first two rows as they show, rows parted by "/" and cells by "|".
+std::string cellsOf(std::string_view text)
+{
+    Workbook workbook;
+    readCsv(std::as_bytes(std::span(text)), workbook);
+    const Sheet& sheet = workbook.sheet(1);
+    std::string cells;
+    for (int row = 1; row <= 2; ++row) {
+        for (int column = 1; column <= 3; ++column)
+            cells +=
+                sheet.displayText({column, row}) + (sheet.value({column, row}).isNumber() ? "#" : "") + "|";
+        cells += "/";
+    }
+    return cells;
+}
+
+TEST(Csv, SensesEncodingAndSeparator)
+{
+    const struct {
+        std::string text, cells;
+    } cases[] = {
+        {"甲,乙\n1,2", "甲|乙||/1#|2#||/"},
+        {"\xEF\xBB\xBF甲;乙;1,5\r\n1;2;3,5\r\n", "甲|乙|1,5|/1#|2#|3,5|/"},
+        {"甲\t乙\t丙\r1\t2\t\r", "甲|乙|丙|/1#|2#||/"},
+        {CodePage("GB18030").encoded("科目|金额\n001|1,234.5"), "科目|金额||/001|1234.5#||/"},
+        {"\"a,\"\"b\"\"\nc\",x\n=1+1,12345678901234567890", "a,\"b\"\nc|x||/=1+1|12345678901234567890||/"},
+        {"\"不闭合,1\n2", "不闭合,1\n2|||/|||/"},
+        {std::string("\xFF\xFE"
+                     "a\0,\0b\0",
+                     8),
+         "a|b||/|||/"},
+        {"一列\n两行", "一列|||/两行|||/"},
+        {"\xFF\xFF,1", "\uFFFD\uFFFD|1#||/|||/"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(cellsOf(c.text), c.cells) << c.text;
+    EXPECT_THROW(cellsOf(std::string("a\0b", 3)), ContentError);
+    EXPECT_THROW(cellsOf(std::string(20'000, ',')), ContentError);
+}
+
+TEST(Html, EscapesTextsAndJoinsSpans)
+{
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+    sheet.setText({1, 1}, "<b>&");
+    sheet.setText({1, 2}, "合并");
+    sheet.addSpan({1, 2, 2, 3});
+    sheet.setNumber({2, 1}, 5);
+    const std::string html = workbookHtml(workbook, "a<b");
+    EXPECT_THAT(html, testing::HasSubstr("<title>a&lt;b</title>"));
+    EXPECT_THAT(html, testing::HasSubstr("<td>&lt;b&gt;&amp;</td><td style=\"text-align:right\">5</td>"));
+    EXPECT_THAT(html, testing::HasSubstr("<td colspan=\"2\" rowspan=\"2\">合并</td></tr>"));
+}
+
+} // namespace
+} // namespace spreadsheet
