@@ -10,7 +10,7 @@ namespace selfreport {
 namespace {
 
 constexpr int connectTimeout = 5000; // milliseconds
-constexpr double answerTimeout = 5; // seconds without a byte
+constexpr double answerTimeout = 3;  // seconds without a byte, of each of the library's tries
 
 struct CloseConnection {
     void operator()(http_t* connection) const { httpClose(connection); }
@@ -133,12 +133,13 @@ std::string CupsPrintService::usualPaper(const std::string& printer)
     cups_dinfo_t* const details = cupsCopyDestInfo(server.get(), destination);
     if (!details)
         return {};
-    cups_size_t size{};
-    const bool known =
-        cupsGetDestMediaDefault(server.get(), destination, details, CUPS_MEDIA_FLAGS_DEFAULT, &size) != 0;
+    // The library's own search for a default medium prefers borderless ones to what the queue is set to.
+    ipp_attribute_t* const usual = cupsFindDestDefault(server.get(), destination, details, CUPS_MEDIA);
+    const char* const name = usual ? ippGetString(usual, 0, nullptr) : nullptr;
+    const pwg_media_t* const media = name ? pwgMediaForPWG(name) : nullptr;
+    std::string paper = media && media->ppd ? media->ppd : std::string();
     cupsFreeDestInfo(details);
-    pwg_media_t* const media = known ? pwgMediaForSize(size.width, size.length) : nullptr;
-    return media && media->ppd ? media->ppd : std::string();
+    return paper;
 }
 
 void CupsPrintService::print(std::string_view pdf, const std::string& title, const PrinterSetup& setup)

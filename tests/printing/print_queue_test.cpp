@@ -25,21 +25,33 @@ struct PrintQueue : test::PrintingTest {
         });
     }
 
-    /// Pages with size, and every word with its place to a tenth of a point.
-    static QString pagesOf(const QString& pdf)
+    /// Pages with size and words, each word with its place to a tenth of a point, in the order of places.
+    /// @param turned  each page by a quarter to the right, as a printer takes one that lies on its side
+    static std::string pagesOf(const QString& pdf, bool turned = false)
     {
-        QString out = test::TestPrintServer::run("pdftotext", {"-bbox", pdf, "-"});
-        QString pages;
-        static const QRegularExpression line(R"(<(page|word) ((?:\w+="[-\d.]+" ?)+)>?(?:(.*)</word>)?)");
-        static const QRegularExpression number(R"(-?\d+\.\d+)");
-        for (auto found = line.globalMatch(out); found.hasNext();) {
-            const QRegularExpressionMatch match = found.next();
-            pages += match.captured(1);
-            for (auto place = number.globalMatch(match.captured(2)); place.hasNext();)
-                pages += ' ' + QString::number(place.next().captured(0).toDouble(), 'f', 1);
-            pages += ' ' + match.captured(3) + '\n';
+        const QString out = test::TestPrintServer::run("pdftotext", {"-bbox", pdf, "-"});
+        static const QRegularExpression page(R"re(<page width="(.*?)" height="(.*?)">(.*?)</page>)re",
+                                             QRegularExpression::DotMatchesEverythingOption);
+        static const QRegularExpression word(
+            R"re(<word xMin="(.*?)" yMin="(.*?)" xMax="(.*?)" yMax="(.*?)">(.*?)</word>)re");
+        QStringList pages;
+        for (auto found = page.globalMatch(out); found.hasNext();) {
+            const QRegularExpressionMatch sheet = found.next();
+            const double width = sheet.captured(1).toDouble();
+            const double height = sheet.captured(2).toDouble();
+            QStringList words;
+            for (auto each = word.globalMatch(sheet.captured(3)); each.hasNext();) {
+                const QRegularExpressionMatch w = each.next();
+                double left = w.captured(1).toDouble(), top = w.captured(2).toDouble();
+                if (turned)
+                    std::tie(left, top) = std::pair(height - w.captured(4).toDouble(), left);
+                words += QString("%1 %2 %3").arg(left, 0, 'f', 1).arg(top, 0, 'f', 1).arg(w.captured(5));
+            }
+            words.sort();
+            pages += QString("page %1 x %2\n").arg(turned ? height : width).arg(turned ? width : height) +
+                     words.join('\n');
         }
-        return pages;
+        return pages.join('\n').toStdString();
     }
     /// The same pages, written as a file.
     QString ownPdf()
@@ -64,21 +76,19 @@ TEST_F(PrintQueue, PrintsTheSamePagesAsOurPdf)
     click(window, "Command2");
     EXPECT_EQ(grid.closed, 1);
     ASSERT_TRUE(ledger.boxes.said.empty()) << ledger.boxes.said[0].text;
-    const QString byDialog = pagesOf(server.takePrinted());
-    EXPECT_EQ(byDialog.count("page "), 3) << byDialog.toStdString();
-    EXPECT_TRUE(byDialog.contains("page 595.0 842.0"));
-    EXPECT_TRUE(byDialog.contains("科目"));
-    EXPECT_EQ(byDialog.toStdString(), pagesOf(ownPdf()).toStdString());
+    const std::string byDialog = pagesOf(server.takePrinted());
+    EXPECT_THAT(byDialog, testing::HasSubstr("page 595 x 842"));
+    EXPECT_THAT(byDialog, testing::HasSubstr("科目"));
+    EXPECT_EQ(byDialog, pagesOf(ownPdf()));
 
     grid.book.sheet(1).changeSettings([](spreadsheet::SheetSettings& s) { s.print.landscape = true; });
     grid.printRange.kind = spreadsheet::PrintRangeKind::pages;
     grid.printRange.firstPage = 2;
     grid.printRange.lastPage = 3;
     EXPECT_EQ(printSheet(grid), PrintOutcome::printed);
-    const QString direct = pagesOf(server.takePrinted());
-    EXPECT_EQ(direct.count("page "), 2) << direct.toStdString();
-    EXPECT_TRUE(direct.contains("page 842.0 595.0")) << "lies on its side";
-    EXPECT_EQ(direct.toStdString(), pagesOf(ownPdf()).toStdString());
+    const std::string direct = pagesOf(server.takePrinted());
+    EXPECT_THAT(direct, testing::HasSubstr("page 595 x 842")) << "paper goes through a printer upright";
+    EXPECT_EQ(direct, pagesOf(ownPdf(), true)) << "two pages that lie on their side";
 }
 
 TEST_F(PrintQueue, ThePrintersOwnPaperIsUsed)
@@ -86,7 +96,7 @@ TEST_F(PrintQueue, ThePrintersOwnPaperIsUsed)
     test::TestPrintServer server;
     test::TestPrintServer::run("lpadmin", {"-p", "pdf", "-o", "PageSize=A5"});
     EXPECT_EQ(printSheet(grid), PrintOutcome::printed);
-    EXPECT_TRUE(pagesOf(server.takePrinted()).contains("page 420.0 595.0"));
+    EXPECT_THAT(pagesOf(server.takePrinted()), testing::HasSubstr("page 420 x 595"));
 }
 
 TEST_F(PrintQueue, WhatIsNotThereIsTold)
