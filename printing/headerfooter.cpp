@@ -4,10 +4,11 @@
 #include "component/state/shared_state.h"
 #include "platform/dialogs/FontDialog.h"
 #include "printing/header_sheet.h"
-#include "printing/HeaderEditorGrid.h"
+#include "printing/LineNames.h"
 #include "printing/page_setup_statements.h"
 #include "printing/print_settings.h"
 #include "printing/PrintedGrid.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <QCoreApplication>
 #include <QGroupBox>
@@ -44,7 +45,7 @@ void setOnGrid(bool footer, const std::string& codes)
 
 headerfooter::headerfooter(QWidget* parent)
     : QDialog(parent)
-    , fpSpread1(new HeaderEditorGrid)
+    , fpSpread1(new spreadsheet::SpreadsheetControl)
 {
     setObjectName("headerfooter");
     setWindowTitle(QStringLiteral("设置页眉页脚"));
@@ -53,7 +54,11 @@ headerfooter::headerfooter(QWidget* parent)
     fpSpread1->setObjectName("fpSpread1");
     fpSpread1->setMinimumSize(700, 290);
     fpSpread1->installEventFilter(this);
-    rows->addWidget(fpSpread1, 1);
+    auto* const lines = new QHBoxLayout;
+    lines->setSpacing(0);
+    lines->addWidget(new LineNames(*fpSpread1));
+    lines->addWidget(fpSpread1, 1);
+    rows->addLayout(lines, 1);
     auto* const hint = new QHBoxLayout;
     hint->addWidget(new QLabel(QStringLiteral("插入页数:")));
     hint->addWidget(new QLabel(QStringLiteral("点鼠标右键来插入或清除页数显示")), 1);
@@ -75,6 +80,8 @@ void headerfooter::InitSpread()
 {
     layOutHeaderSheet(fpSpread1->sheet());
     fpSpread1->setSheetTabsShown(false);
+    fpSpread1->setHeadingsShown(true, false); // the lines have names of their own
+    fpSpread1->setColumnHeadings({"Left Justify", "", "Center", "", "Right Justify", ""});
     fpSpread1->refresh();
 }
 

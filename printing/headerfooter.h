@@ -13,8 +13,6 @@ class SpreadsheetControl;
 
 namespace selfreport {
 
-class HeaderEditorGrid;
-
 /// Edits header and footer of the report in the designer: nine lines with a left, a centre and a right part,
 /// each in its own font.
 class headerfooter : public QDialog {
@@ -46,7 +44,7 @@ private:
     void fpSpread1_RightButton();
     void fpSpread1_ButtonClicked(int column, int row);
 
-    HeaderEditorGrid* fpSpread1;
+    spreadsheet::SpreadsheetControl* fpSpread1;
     std::array<QRadioButton*, 2> Option3{};
     QPushButton* Command3 = nullptr;
     HeaderReaderState m_reader;
