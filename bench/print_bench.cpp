@@ -2,6 +2,7 @@
 #include "bench/bench_table.h"
 #include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/print/pdf.h"
+#include "spreadsheet/print/PreviewWidget.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -68,6 +69,16 @@ int main(int argc, char** argv)
         5, [] {}, [&] { pages = PageLayout(longSheet.sheet(1), PageRequest()).pageCount(); });
     table.row("page count of 100,000 rows", counting * 1000, 50, "ms");
     std::printf("   (%d pages)\n", pages);
+
+    const double showing = bestSeconds(
+        5, [] {},
+        [&] {
+            PreviewWidget preview;
+            preview.resize(1280, 800);
+            preview.attach(longSheet, 1);
+            preview.grab();
+        });
+    table.row("first page of its preview", showing, 0.1, "s");
 
     Workbook journal;
     fillJournal(journal, 10'000);
