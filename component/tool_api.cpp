@@ -1,17 +1,26 @@
 #include "component/tool_api.h"
 #include "component/application.h"
+#include "component/clsSelfReport.h"
+#include "component/frmHost.h"
 #include "component/host_call.h"
 #include "component/report_run.h"
+#include "component/state/shared_state.h"
 #include "demo/demo_check.h"
 #include "demo/demo_reports.h"
 #include "demo/ledger/demo_ledger.h"
 #include "platform/database/Connection.h"
 #include "platform/database/sql_text.h"
+#include "platform/dialogs/FileDialog.h"
 #include "platform/settings/QtSettings.h"
+#include "printing/print_stamp.h"
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/files/PendingFile.h"
 #include "spreadsheet/files/text/csv.h"
+#include "spreadsheet/functions/function_reference.h"
 #include "spreadsheet/print/pdf.h"
+
+#include <QDir>
+#include <QStandardPaths>
 
 #include <array>
 #include <charconv>
@@ -72,6 +81,7 @@ void writeReportPdf(const ReportRun& run, const PendingFile& file)
     spreadsheet::PdfOptions options;
     options.path = QString::fromStdString(file.path().string());
     options.title = QString::fromStdString(run.name);
+    options.page.stamp = stampText(stampNow(static_cast<int>(run.diagnostics.size())));
     spreadsheet::writePdf(*run.workbook, options);
 }
 
@@ -169,6 +179,25 @@ int toolCheck(const std::string& database, const ToolStreams& streams) noexcept
     });
 }
 
+int toolWindow(const std::string& database, const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        startToolkit(Display::needed);
+        FileDialogSettings settings;
+        settings.title = "选择账套文件";
+        settings.filter = "账套文件(*.db)|*.db";
+        const auto chosen = database.empty() ? FileDialogInUse::current().chooseToOpen(settings) : database;
+        if (!chosen)
+            return;
+        clsSelfReport component;
+        component.init(connectionString(*chosen), "财务报表", qEnvironmentVariable("USER").toStdString(),
+                       QStandardPaths::writableLocation(QStandardPaths::AppDataLocation).toStdString());
+        QDir().mkpath(QString::fromStdString(gAppPath));
+        frmHost({[&] { component.cwSelfReport(); }, [&](std::int32_t id) { component.cwSelfReportExe(id); }})
+            .exec();
+    });
+}
+
 int toolConvert(const std::string& input, const std::string& output, bool recalculates,
                 const ToolStreams& streams) noexcept
 {
@@ -185,6 +214,11 @@ int toolConvert(const std::string& input, const std::string& output, bool recalc
             streams.notes << "引出: " << warning << '\n';
         streams.results << output << '\n';
     });
+}
+
+int toolFunctions(const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] { streams.results << spreadsheet::functionReference(); });
 }
 
 } // namespace selfreport

@@ -38,11 +38,18 @@ SELFREPORT_EXPORT int toolRun(const std::string& database, std::int32_t reportId
 /// Sets figures of the demo reports beside the results of separate queries; 1 also if any two differ.
 SELFREPORT_EXPORT int toolCheck(const std::string& database, const ToolStreams& streams) noexcept;
 
+/// Opens the program's window on a database and returns when it is closed.
+/// @param database  "": the user is asked for the file of an embedded database
+SELFREPORT_EXPORT int toolWindow(const std::string& database, const ToolStreams& streams) noexcept;
+
 /// Reads a workbook of any kind (.ss7, .xls, .xlsx, .csv; by its content) and writes it in the format that
 /// the ending of `output` names (also .html). A file that stands there is replaced at the very end. What
 /// could not be carried over is listed on `notes`.
 /// @param recalculates  computes every formula in between; Acct and REF_F give #NAME?, no ledger is open
 SELFREPORT_EXPORT int toolConvert(const std::string& input, const std::string& output, bool recalculates,
                                   const ToolStreams& streams) noexcept;
+
+/// The functions that formulas may call, by family, as a Markdown text.
+SELFREPORT_EXPORT int toolFunctions(const ToolStreams& streams) noexcept;
 
 } // namespace selfreport

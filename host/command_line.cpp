@@ -8,7 +8,10 @@ namespace selfreport {
 
 namespace {
 
-constexpr auto overview = R"(示例:
+constexpr auto overview = R"(不给命令时打开报表窗口。
+示例:
+  selfreport --db demo.db
+      打开账套 demo.db 的报表窗口。
   selfreport demo demo.db
       建立演示账套 demo.db,内有两年凭证和六张报表。
   selfreport list --db demo.db
@@ -47,6 +50,10 @@ constexpr auto convertHelp = R"(读入的格式按内容识别 (.ss7 .xls .xlsx 
 示例:
   selfreport convert 旧报表.xls 报表.ss7
   selfreport convert 报表.ss7 报表.xlsx --recalculate)";
+
+constexpr auto functionsHelp = R"(按类别列出公式中可用的函数、参数和说明,Markdown 格式。
+示例:
+  selfreport functions > functions.md)";
 
 /// The library's texts around ours, in Chinese.
 class ChineseFormatter : public CLI::Formatter {
@@ -131,6 +138,10 @@ Command readCommandLine(int count, const char* const* arguments)
     app.footer(overview);
     app.require_subcommand(0, 1);
 
+    WindowCommand window;
+    app.add_option("--db", window.database, "不给命令时打开窗口: 连接串,或内置数据库的文件名")
+        ->type_name("DB");
+
     DemoCommand demo;
     CLI::App* demoCommand = addCommand(app, "demo", "建立演示账套和报表", demoHelp);
     demoCommand->add_option("FILE", demo.file, "新建的数据库文件")->required()->type_name("");
@@ -158,6 +169,8 @@ Command readCommandLine(int count, const char* const* arguments)
     convertCommand->add_option("OUT", convert.output, "要写的文件")->required()->type_name("");
     convertCommand->add_flag("--recalculate", convert.recalculates, "写出之前重新计算全部公式");
 
+    const CLI::App* functionsCommand = addCommand(app, "functions", "列出公式中可用的函数", functionsHelp);
+
     try {
         app.parse(count, arguments);
     } catch (const CLI::Success& success) {
@@ -175,8 +188,9 @@ Command readCommandLine(int count, const char* const* arguments)
         return check;
     if (convertCommand->parsed())
         return convert;
-    std::cout << app.help();
-    return Finished{0};
+    if (functionsCommand->parsed())
+        return FunctionsCommand{};
+    return window;
 }
 
 } // namespace selfreport

@@ -25,12 +25,18 @@ struct ConvertCommand {
     std::string input, output;
     bool recalculates = false;
 };
+struct FunctionsCommand {};
+/// The window: no other command was given.
+struct WindowCommand {
+    std::string database; ///< "": the user chooses
+};
 /// Nothing more is to be done: help was printed, or the command line was refused with a message.
 struct Finished {
     int exitCode = 0; ///< 0, or 2 for a command line that is wrong
 };
 
-using Command = std::variant<Finished, DemoCommand, ListCommand, RunCommand, CheckCommand, ConvertCommand>;
+using Command = std::variant<Finished, WindowCommand, DemoCommand, ListCommand, RunCommand, CheckCommand,
+                             ConvertCommand, FunctionsCommand>;
 
 /// Reads the command line. Prints help to standard output and refusals to standard error.
 Command readCommandLine(int count, const char* const* arguments);

@@ -11,6 +11,7 @@ const ToolStreams streams{std::cout, std::cerr};
 
 struct Carry {
     int operator()(const Finished& finished) const { return finished.exitCode; }
+    int operator()(const WindowCommand& window) const { return toolWindow(window.database, streams); }
     int operator()(const DemoCommand& demo) const { return toolDemo(demo.file, demo.replaces, streams); }
     int operator()(const ListCommand& list) const { return toolList(list.database, streams); }
     int operator()(const RunCommand& run) const
@@ -18,6 +19,7 @@ struct Carry {
         return toolRun(run.database, run.reportId, {run.pdf, run.csv}, streams);
     }
     int operator()(const CheckCommand& check) const { return toolCheck(check.database, streams); }
+    int operator()(const FunctionsCommand&) const { return toolFunctions(streams); }
     int operator()(const ConvertCommand& convert) const
     {
         return toolConvert(convert.input, convert.output, convert.recalculates, streams);

@@ -18,6 +18,7 @@ TEST(CommandLine, WrongUseIsRefusedWithTwoAndNothingOnStandardOutput)
         "run 99999999999 --db a.db",
         "run 1 --db a.db --html a.html",
         "list --db a.db list --db b.db extra",
+        "convert a.xls",
     };
     for (const char* arguments : cases) {
         const ProgramRun run(arguments);
@@ -40,6 +41,7 @@ TEST(CommandLine, HelpExplainsEveryCommandAndOption)
         {"list --help", {"--db"}},
         {"run --help", {"ID", "--db", "--pdf", "--csv"}},
         {"check -h", {"--db"}},
+        {"convert --help", {"IN", "OUT", "--recalculate", ".xlsx"}},
     };
     for (const Case& c : cases) {
         const ProgramRun run(c.arguments);
@@ -48,4 +50,13 @@ TEST(CommandLine, HelpExplainsEveryCommandAndOption)
         for (const char* name : c.named)
             EXPECT_THAT(run.output, HasSubstr(name)) << c.arguments;
     }
+}
+
+TEST(CommandLine, FunctionsArePrintedWithArgumentsAndHelp)
+{
+    const ProgramRun run("functions");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.errors, "");
+    EXPECT_THAT(run.output, HasSubstr("| `VLOOKUP(查找值,数据表,列序号,[近似匹配])` | "));
+    EXPECT_EQ(ProgramRun("functions extra").exitCode, 2);
 }

@@ -1,6 +1,9 @@
 #include "spreadsheet/functions/FunctionTable.h"
 
+#include "spreadsheet/functions/function_reference.h"
+
 #include <algorithm>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -66,4 +69,11 @@ TEST(FunctionTable, KindsRepeatTheirLastLetters)
     EXPECT_EQ(kinds, "rrvrvrv");
     EXPECT_EQ(findFunction("SUM")->kind(200), 'r');
     EXPECT_EQ(findFunction("TEXTJOIN")->kind(9), 'r');
+}
+
+TEST(FunctionTable, ReferenceInTheDocumentsIsUpToDate)
+{
+    std::ifstream file(TEST_DATA_FOLDER "/../../docs/functions.md");
+    const std::string written{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_TRUE(written == functionReference()) << "run: selfreport functions > docs/functions.md";
 }
