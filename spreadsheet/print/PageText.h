@@ -46,7 +46,7 @@ public:
 
     /// Lines of a text. Line feeds break it; with a wrap width also every line that gets wider (Chinese
     /// text between any two characters). At least one line.
-    /// @param font  one that font() gave
+    /// @param font  the very object that font() gave: kept lines are found by it
     std::vector<TextLine> lines(const QString& text, const QFont& font,
                                 std::optional<double> wrapWidth = std::nullopt);
 

@@ -18,7 +18,7 @@ constexpr int paddingDown = 20;
 constexpr double figureSlack = 60; // a figure may use most of its padding before it turns into "####"
 constexpr int checkBoxSize = 160;  // twips
 
-QFont fontOf(PageText& text, const CellFont& font)
+const QFont& fontOf(PageText& text, const CellFont& font)
 {
     return text.font({font.family.view(), font.points, font.bold, font.italic});
 }
@@ -94,7 +94,7 @@ void CellTextPainter::drawCell(const PageCell& cell, const PageBox& box, const R
 void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const Room* neighbours)
 {
     const CellStyle& style = *cell.style;
-    const QFont font = fontOf(m_text, style.font);
+    const QFont& font = fontOf(m_text, style.font);
     const double twip = m_text.twip();
     const double padding = paddingAcross * twip;
     const double inner = box.width - 2 * padding;

@@ -154,6 +154,8 @@ void SpreadsheetControl::bringIntoSight(CellAddress cell)
 {
     const CellGeometry& geometry = m_view->geometry();
     CellAddress topLeft = geometry.topLeft();
+    if (geometry.scrolledArea().isEmpty())
+        return; // not laid out yet
     // Towards the end: as little as brings the line's end into sight.
     const auto lineFor = [](const AxisPositions& axis, int line, int frozen, int first, int room) {
         if (line <= frozen)
@@ -313,7 +315,10 @@ void SpreadsheetControl::paintEvent(QPaintEvent* event)
 
 void SpreadsheetControl::resizeEvent(QResizeEvent*)
 {
+    const bool first = m_view->geometry().area().isEmpty();
     layOut();
+    if (first)
+        bringIntoSight(activeCell()); // may have been set before there was a size
 }
 
 void SpreadsheetControl::changeEvent(QEvent* event)

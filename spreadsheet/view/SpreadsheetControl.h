@@ -179,6 +179,7 @@ public:
     void setCopiedRange(int sheetId, std::optional<CellRange> range);
     /// The font of a cell as it is on screen, zoom included.
     QFont screenFont(const CellFont& font) const;
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
     /// Size that a line needs for its texts, in twips.
     int neededRowHeight(int row) const;
     int neededColumnWidth(int column) const;
@@ -192,8 +193,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void inputMethodEvent(QInputMethodEvent* event) override;             // control_editing.cpp
-    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override; // control_editing.cpp
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;

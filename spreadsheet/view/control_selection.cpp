@@ -151,7 +151,8 @@ void SpreadsheetControl::showTabs()
     m_tabNames = names;
     m_tabActive = activeSheet();
     m_tabs->showSheets(names, m_tabActive);
-    layOut();
+    if (!m_view->geometry().area().isEmpty())
+        layOut();
 }
 
 void SpreadsheetControl::showSheetByUser(int index)
