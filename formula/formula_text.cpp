@@ -30,12 +30,20 @@ public:
     {
     }
 
-    /// Nothing if the text is no call of `name` with that many quoted texts.
+    /// Nothing if the text is not wholly one call of `name` with that many quoted texts.
     template <std::size_t count>
     std::optional<std::array<std::string, count>> arguments(std::string_view name)
     {
-        std::array<std::string, count> found;
         take("=");
+        const auto found = call<count>(name);
+        return blanksSkipped().empty() ? found : std::nullopt;
+    }
+
+    /// Nothing if the text does not begin with such a call.
+    template <std::size_t count>
+    std::optional<std::array<std::string, count>> call(std::string_view name)
+    {
+        std::array<std::string, count> found;
         if (!take(name) || !take("("))
             return {};
         for (std::size_t index = 0; index < count; ++index) {
@@ -44,7 +52,7 @@ public:
                 return {};
             found[index] = *text;
         }
-        return take(")") && blanksSkipped().empty() ? std::optional(found) : std::nullopt;
+        return take(")") ? std::optional(found) : std::nullopt;
     }
 
 private:
@@ -97,6 +105,24 @@ std::string refFormula(const std::array<std::string, 3>& arguments)
 std::optional<std::array<std::string, 6>> acctArguments(std::string_view formula)
 {
     return CallReader(formula).arguments<6>("Acct");
+}
+
+std::vector<std::array<std::string, 6>> acctCallsIn(std::string_view formula)
+{
+    std::vector<std::array<std::string, 6>> calls;
+    bool isQuoted = false;
+    bool isInName = false; // MyAcct( is another function
+    for (std::size_t at = 0; at < formula.size(); ++at) {
+        const char character = formula[at];
+        isQuoted = isQuoted != (character == '"');
+        const bool mayBegin = (character == 'A' || character == 'a') && !isQuoted && !isInName;
+        const auto found = mayBegin ? CallReader(formula.substr(at)).call<6>("Acct") : std::nullopt;
+        if (found)
+            calls.push_back(*found);
+        isInName =
+            isPlainIdentifier(formula.substr(at, 1)) || (isInName && character >= '0' && character <= '9');
+    }
+    return calls;
 }
 
 std::optional<std::array<std::string, 3>> refArguments(std::string_view formula)

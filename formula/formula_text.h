@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace selfreport {
 
@@ -18,7 +19,11 @@ std::string refFormula(const std::array<std::string, 3>& arguments);
 /// call again gives the same. Nothing for any other formula.
 std::optional<std::array<std::string, 6>> acctArguments(std::string_view formula);
 
-/// The same for `REF_F` and its three arguments.
+/// The arguments of every such `Acct` call within a formula, in their order. Calls with other arguments than
+/// quoted texts are left out.
+std::vector<std::array<std::string, 6>> acctCallsIn(std::string_view formula);
+
+/// As acctArguments, for `REF_F` and its three arguments.
 std::optional<std::array<std::string, 3>> refArguments(std::string_view formula);
 
 } // namespace selfreport

@@ -1,0 +1,62 @@
+#include "formula/coverage.h"
+
+#include "tests/formula/TestLedger.h"
+
+#include <gtest/gtest.h>
+
+namespace selfreport {
+namespace {
+
+class Coverage : public ::testing::Test {
+protected:
+    Coverage()
+    {
+        ledger.run("update tblAccount set fIsDetail=0 where fitemid=2");
+        for (const char* row : {"20,'100201','工商银行'", "21,'100202','建设银行'"})
+            ledger.run(std::string("insert into tblAccount(fitemid,fNumber,fName,fParentId,fLevel) values(") +
+                       row + ",2,2)");
+    }
+    static CellCall closing(int row, const std::string& account)
+    {
+        return {1, row, {account, "2", "", "2025", "1", "2"}};
+    }
+    /// "code times amount", "~" behind those that are covered in part.
+    std::string found(const std::string& first, const std::string& last,
+                      const std::vector<CellCall>& calls) const
+    {
+        const auto connection = openConnection(ledger.connectionString());
+        std::string text;
+        for (const AccountCoverage& account :
+             accountCoverage(*connection, first, last, closing(1, "").arguments, calls))
+            text += (text.empty() ? "" : ", ") + account.code + " " + std::to_string(account.calls.size()) +
+                    (account.isPartial ? "~" : "") + " " +
+                    (account.amount ? numberText(*account.amount) : "-");
+        return text;
+    }
+    test::TestLedger ledger;
+};
+
+TEST_F(Coverage, FindsTheDoubleAndTheGap)
+{
+    const std::vector<CellCall> calls{closing(2, "1001"), closing(3, "1002"), closing(4, "10**"),
+                                      closing(5, "1122|客户|001")};
+    // 1001 twice; the banks twice by their parent; 2001 not at all.
+    EXPECT_EQ(found("", "", calls), "1001 2 100.25, 100201 2 -, 100202 2 -, 1122 1~ 300, 2001 0 700");
+    EXPECT_EQ(found("1001", "1099", {closing(2, "100201")}), "1001 0 100.25, 100201 1 -, 100202 0 -");
+    EXPECT_EQ(found("2001", "", {}), "2001 0 700");
+    EXPECT_EQ(found("3001", "3999", calls), "");
+}
+
+TEST_F(Coverage, OtherMeasuresAndEmptyAccountsDoNotCount)
+{
+    CellCall opening = closing(2, "1001");
+    opening.arguments.fetchType = "1";
+    CellCall lastYear = closing(3, "1001");
+    lastYear.arguments.year = "2024";
+    EXPECT_EQ(found("1001", "1001", {opening, lastYear, closing(4, "")}), "1001 0 100.25");
+    ledger.run("update tblAccount set fParentId=20 where fitemid=2"); // a chart that goes round
+    EXPECT_EQ(found("1001", "100201", {closing(2, "1122")}), "1001 0 100.25, 100201 0 -");
+}
+
+} // namespace
+} // namespace selfreport
