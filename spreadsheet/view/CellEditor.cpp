@@ -74,6 +74,11 @@ CellEditor::CellEditor(QWidget* parent, const FunctionHints& hints)
     });
 }
 
+CellEditor::~CellEditor()
+{
+    delete m_problem;
+}
+
 void CellEditor::open(const FormulaContext& context, const QString& text, Mode mode, const QRect& cell,
                       const QRect& limits)
 {

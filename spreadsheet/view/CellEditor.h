@@ -2,6 +2,7 @@
 #include "spreadsheet/view/FormulaAssistant.h"
 
 #include <QPlainTextEdit>
+#include <QPointer>
 
 class QLabel;
 
@@ -20,6 +21,7 @@ public:
 
     /// @param parent  the widget that shows the cells
     CellEditor(QWidget* parent, const FunctionHints& hints);
+    ~CellEditor() override;
 
     /// Begins with a text; the cursor stands behind it.
     /// @param cell    the cell's place in the parent
@@ -63,7 +65,7 @@ private:
     void hideProblem();
 
     FormulaAssistant* m_assistant;
-    QLabel* m_problem;
+    QPointer<QLabel> m_problem; ///< beside the editor, and the parent's like it
     QString m_former;
     Mode m_mode = Mode::enter;
     QRect m_cell, m_limits;

@@ -61,7 +61,8 @@ InCellEditing::~InCellEditing()
 {
     if (m_editor) {
         m_editor->close();
-        m_editor->deleteLater(); // it may be the one that asked for the end
+        m_editor->setObjectName({}); // who looks for the editor finds the next one
+        m_editor->deleteLater();     // it may be the one that asked for the end
     }
 }
 

@@ -1,8 +1,10 @@
 // Cursor, selection, sheets: moving by program and by the user.
+#include "spreadsheet/engine/UndoJournal.h"
 #include "spreadsheet/view/SheetTabs.h"
 #include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
+#include <QApplication>
 #include <QFocusEvent>
 #include <QScopedValueRollback>
 
@@ -118,7 +120,7 @@ void SpreadsheetControl::focusOutEvent(QFocusEvent* event)
     const bool elsewhere = event->reason() != Qt::PopupFocusReason &&
                            event->reason() != Qt::ActiveWindowFocusReason &&
                            event->reason() != Qt::MenuBarFocusReason;
-    const QWidget* now = focusWidget() ? focusWidget() : window()->focusWidget();
+    const QWidget* now = QApplication::focusWidget();
     if (elsewhere && !isEditing() && (!now || !isAncestorOf(now)))
         leave(-1, -1);
 }
@@ -127,7 +129,8 @@ void SpreadsheetControl::focusOutEvent(QFocusEvent* event)
 
 void SpreadsheetControl::sheetSwitched()
 {
-    workbook().setUndoEnabled(true);
+    if (!workbook().journal().enabled())
+        workbook().setUndoEnabled(true); // which forgets former steps
     if (!m_keepsEditing)
         cancelEdit();
     if (&m_view->workbook() != &workbook())

@@ -1,0 +1,164 @@
+#include "spreadsheet/view/SpreadsheetControl.h"
+
+#include <gtest/gtest.h>
+#include <QTest>
+
+namespace spreadsheet {
+
+namespace {
+
+struct ControlCommands : testing::Test {
+    ControlCommands()
+    {
+        control.resize(800, 500);
+        control.show();
+        QObject::connect(&control, &SpreadsheetControl::refused,
+                         [this](const QString& why) { refusal = why; });
+    }
+    Sheet& sheet() { return control.workbook().sheet(1); }
+    std::string shown(CellAddress cell) { return sheet().displayText(cell); }
+    void key(int key, Qt::KeyboardModifiers modifiers) { QTest::keyClick(&control, Qt::Key(key), modifiers); }
+
+    SpreadsheetControl control;
+    QString refusal;
+};
+
+} // namespace
+
+TEST_F(ControlCommands, FillingTakesTheFirstLineOrTheOneBefore)
+{
+    sheet().setNumber({1, 1}, 5);
+    ASSERT_FALSE(sheet().setFormula({2, 1}, "A1*2"));
+    control.select({1, 1, 2, 3});
+    key(Qt::Key_D, Qt::ControlModifier);
+    EXPECT_EQ(shown({1, 3}) + " " + shown({2, 3}), "5 10");
+    control.setActiveCell(2, 4);
+    key(Qt::Key_D, Qt::ControlModifier);
+    EXPECT_EQ(sheet().formula({2, 4}), "A4*2");
+    control.setActiveCell(3, 1);
+    key(Qt::Key_R, Qt::ControlModifier);
+    EXPECT_EQ(sheet().formula({3, 1}), "B1*2");
+    sheet().setText({5, 1}, "一月");
+    control.select({5, 1, 5, 1});
+    control.fillTo({5, 1, 5, 3}, true);
+    EXPECT_EQ(shown({5, 3}), "三月");
+    EXPECT_EQ(control.firstRange(), (CellRange{5, 1, 5, 3}));
+}
+
+TEST_F(ControlCommands, RowsAndColumnsComeAndGoWithUndo)
+{
+    sheet().setText({2, 2}, "x");
+    control.select({1, 2, control.columnCount(), 3});
+    key(Qt::Key_Plus, Qt::ControlModifier);
+    EXPECT_EQ(shown({2, 4}), "x");
+    control.undo();
+    control.select({1, 1, 1, 1});
+    control.deleteRows();
+    EXPECT_EQ(shown({2, 1}), "x");
+    control.undo();
+    control.select({2, 1, 2, control.rowCount()});
+    control.hideColumns();
+    EXPECT_EQ(sheet().settings().columns.size(2), 0);
+    control.select({1, 1, 3, control.rowCount()});
+    control.showColumns();
+    EXPECT_GT(sheet().settings().columns.size(2), 0);
+    control.select({1, 1, control.columnCount(), control.rowCount()});
+    control.deleteRows();
+    EXPECT_FALSE(refusal.isEmpty());
+    EXPECT_EQ(shown({2, 2}), "x");
+}
+
+TEST_F(ControlCommands, AutofitFollowsTheTexts)
+{
+    sheet().setText({1, 1}, "很长很长很长很长很长很长很长很长的科目名称");
+    const int before = sheet().settings().columns.size(1);
+    control.select({1, 1, 1, 1});
+    control.autofitColumns();
+    const int fitted = sheet().settings().columns.size(1);
+    EXPECT_GT(fitted, before);
+    sheet().setText({1, 1}, "短");
+    control.autofitColumns();
+    EXPECT_LT(sheet().settings().columns.size(1), fitted);
+    control.undo();
+    EXPECT_EQ(sheet().settings().columns.size(1), fitted);
+}
+
+TEST_F(ControlCommands, PanesFreezeAndThawAtTheActiveCell)
+{
+    control.setActiveCell(2, 4);
+    control.freezeHere();
+    EXPECT_EQ(sheet().settings().frozenRows, 3);
+    EXPECT_EQ(sheet().settings().frozenColumns, 1);
+    control.freezeHere();
+    EXPECT_EQ(sheet().settings().frozenRows, 0);
+}
+
+TEST_F(ControlCommands, FindSelectsReplaceCountsAndLocksHold)
+{
+    sheet().setText({2, 2}, "应收账款");
+    sheet().setText({3, 9}, "应收票据");
+    sheet().restyle({3, 9, 3, 9}, [](CellStyle& style) { style.locked = true; });
+    EXPECT_TRUE(control.findNext({"应收"}));
+    EXPECT_EQ(control.activeCell(), (CellAddress{2, 2}));
+    EXPECT_TRUE(control.findNext({"应收"}));
+    EXPECT_EQ(control.activeCell(), (CellAddress{3, 9}));
+    EXPECT_FALSE(control.findNext({"应付"}));
+    EXPECT_TRUE(refusal.contains("应付"));
+    EXPECT_EQ(control.replaceAll({"应收"}, "应付"), 1);
+    EXPECT_EQ(shown({2, 2}) + shown({3, 9}), "应付账款应收票据");
+    EXPECT_TRUE(refusal.contains("1"));
+}
+
+TEST_F(ControlCommands, SortTakesTheBlockAroundAndGoToReadsPlaces)
+{
+    ASSERT_FALSE(control.workbook().addSheet("二月"));
+    for (int row = 1; row <= 3; ++row)
+        sheet().setNumber({1, row}, 10 - row);
+    control.setActiveCell(1, 2);
+    control.sortBlock({}, false);
+    EXPECT_EQ(shown({1, 1}) + shown({1, 3}), "79");
+    EXPECT_EQ(control.firstRange(), (CellRange{1, 1, 1, 3}));
+    EXPECT_TRUE(control.goTo("c5:d6"));
+    EXPECT_EQ(control.firstRange(), (CellRange{3, 5, 4, 6}));
+    EXPECT_TRUE(control.goTo("二月!B400"));
+    EXPECT_EQ(control.activeSheet(), 2);
+    EXPECT_FALSE(control.cellRect({2, 400}).isEmpty());
+    EXPECT_FALSE(control.goTo("B501"));
+}
+
+TEST_F(ControlCommands, TwoHundredStepsComeBackOneByOne)
+{
+    for (int step = 1; step <= 250; ++step) {
+        sheet().setNumber({1, 1}, step);
+        control.afterEdit();
+    }
+    for (int step = 249; step >= 1; --step) {
+        key(Qt::Key_Z, Qt::ControlModifier);
+        ASSERT_EQ(sheet().value({1, 1}).number(), step);
+    }
+    for (int step = 2; step <= 250; ++step)
+        key(Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(sheet().value({1, 1}).number(), 250);
+}
+
+TEST_F(ControlCommands, UndoOfASheetThatIsShownShowsAnother)
+{
+    control.addSheet();
+    ASSERT_EQ(control.activeSheet(), 2);
+    control.undo();
+    EXPECT_EQ(control.sheetCount(), 1);
+    EXPECT_EQ(control.activeSheet(), 1);
+    control.redo();
+    EXPECT_EQ(control.sheetCount(), 2);
+}
+
+TEST_F(ControlCommands, KeysOfTheWindowAreLeftToIt)
+{
+    for (const int each : {Qt::Key_G, Qt::Key_J, Qt::Key_N, Qt::Key_O, Qt::Key_S}) {
+        QKeyEvent event(QEvent::KeyPress, each, Qt::ControlModifier);
+        QCoreApplication::sendEvent(&control, &event);
+        EXPECT_FALSE(event.isAccepted()) << each;
+    }
+}
+
+} // namespace spreadsheet

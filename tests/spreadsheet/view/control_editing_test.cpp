@@ -1,0 +1,300 @@
+#include "spreadsheet/view/CellEditor.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+
+#include <gtest/gtest.h>
+#include <QApplication>
+#include <QClipboard>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QTabBar>
+#include <QTest>
+#include <QVBoxLayout>
+
+namespace spreadsheet {
+
+namespace {
+
+/// The control in a window beside a line edit, driven by events alone.
+struct ControlEditing : testing::Test {
+    ControlEditing()
+    {
+        auto* layout = new QVBoxLayout(&window);
+        layout->addWidget(&line);
+        layout->addWidget(&control);
+        window.resize(800, 500);
+        window.show();
+        window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        control.setFocus();
+        QObject::connect(&control, &SpreadsheetControl::refused,
+                         [this](const QString& why) { refusal = why; });
+        QObject::connect(&control, &SpreadsheetControl::editModeChanged, [this](bool on, bool changed) {
+            modes += on ? "+" : changed ? "*" : "-";
+        });
+        control.ask = [this](const QString& asked) {
+            question = asked;
+            return answer;
+        };
+    }
+
+    /// To whatever has the focus, as a keyboard does.
+    void key(int key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key(key), modifiers);
+    }
+    void type(const QString& text)
+    {
+        for (const QChar c : text)
+            QTest::keyClick(QApplication::focusWidget(), c.toLatin1());
+    }
+    void click(CellAddress cell, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::mouseClick(&control, Qt::LeftButton, modifiers, control.cellRect(cell).center());
+    }
+    void drag(CellAddress from, CellAddress to)
+    {
+        QTest::mousePress(&control, Qt::LeftButton, {}, control.cellRect(from).center());
+        QTest::mouseMove(&control, control.cellRect(to).center());
+        QTest::mouseRelease(&control, Qt::LeftButton, {}, control.cellRect(to).center());
+    }
+    Sheet& sheet() { return control.workbook().sheet(1); }
+    std::string shown(CellAddress cell) { return sheet().displayText(cell); }
+    CellEditor* editor() { return control.findChild<CellEditor*>("cellEditor"); }
+    std::string edited() { return editor() ? editor()->toPlainText().toStdString() : "closed"; }
+
+    QWidget window;
+    QLineEdit line;
+    SpreadsheetControl control;
+    QString refusal, question, modes;
+    bool answer = true;
+};
+
+} // namespace
+
+TEST_F(ControlEditing, TypingEntersAndKeysMoveOn)
+{
+    type("12.5");
+    ASSERT_TRUE(control.isEditing());
+    EXPECT_EQ(edited(), "12.5");
+    key(Qt::Key_Return);
+    EXPECT_EQ(shown({1, 1}), "12.5");
+    EXPECT_EQ(control.activeCell(), (CellAddress{1, 2}));
+    type("a");
+    key(Qt::Key_Tab);
+    type("b");
+    key(Qt::Key_Left);
+    EXPECT_EQ(control.activeCell(), (CellAddress{1, 2})) << "arrow keys end an entry begun by typing";
+    EXPECT_EQ(shown({1, 2}) + shown({2, 2}), "ab");
+    key(Qt::Key_F2);
+    key(Qt::Key_Home);
+    type("x");
+    EXPECT_EQ(edited(), "xa");
+    key(Qt::Key_Escape);
+    EXPECT_EQ(shown({1, 2}), "a");
+    QTest::mouseDClick(&control, Qt::LeftButton, {}, control.cellRect({1, 2}).center());
+    key(Qt::Key_Return, Qt::AltModifier);
+    type("c");
+    key(Qt::Key_Return, Qt::ShiftModifier);
+    EXPECT_EQ(shown({1, 2}), "a\nc");
+    EXPECT_EQ(control.activeCell(), (CellAddress{1, 1}));
+    EXPECT_EQ(modes, "+*+*+*+-+*");
+    EXPECT_TRUE(control.hasFocus());
+    key(Qt::Key_Delete);
+    EXPECT_EQ(shown({1, 1}), "");
+    for (int step = 0; step < 5; ++step)
+        key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(sheet().lastDataRow(), 0);
+    key(Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(shown({1, 1}), "12.5");
+}
+
+TEST_F(ControlEditing, OpenedAndLeftAsItWasIsNoEdit)
+{
+    sheet().setText({1, 1}, "007");
+    const auto before = control.workbook().revision();
+    key(Qt::Key_F2);
+    EXPECT_EQ(edited(), "'007");
+    key(Qt::Key_Return);
+    EXPECT_EQ(control.workbook().revision(), before);
+    EXPECT_EQ(modes, "+-");
+}
+
+TEST_F(ControlEditing, ReferencesAreTakenByArrowKeysAndMouse)
+{
+    sheet().setNumber({1, 1}, 3);
+    sheet().setNumber({1, 2}, 4);
+    control.setActiveCell(3, 3);
+    type("=");
+    key(Qt::Key_Up);
+    EXPECT_EQ(edited(), "=C2");
+    key(Qt::Key_Left);
+    key(Qt::Key_Left);
+    EXPECT_EQ(edited(), "=A2");
+    key(Qt::Key_Up, Qt::ShiftModifier);
+    EXPECT_EQ(edited(), "=A1:A2");
+    key(Qt::Key_Escape);
+    EXPECT_EQ(control.activeCell(), (CellAddress{3, 3}));
+    type("=sum(");
+    drag({1, 1}, {1, 2});
+    EXPECT_EQ(edited(), "=sum(A1:A2");
+    type(")*");
+    click({1, 2});
+    key(Qt::Key_F4);
+    EXPECT_EQ(edited(), "=sum(A1:A2)*$A$2");
+    key(Qt::Key_Return);
+    EXPECT_EQ(shown({3, 3}), "28");
+    type("5");
+    click({1, 1});
+    EXPECT_EQ(shown({3, 4}), "5") << "no reference can stand there: the click ends the entry";
+    EXPECT_EQ(control.activeCell(), (CellAddress{1, 1}));
+}
+
+TEST_F(ControlEditing, CellsOfOtherSheetsAreTakenThroughTheirTabs)
+{
+    ASSERT_FALSE(control.workbook().addSheet("二月"));
+    control.workbook().sheet(2).setNumber({2, 2}, 9);
+    control.refresh();
+    type("=");
+    key(Qt::Key_PageDown, Qt::ControlModifier);
+    if (control.activeSheet() == 1) { // the tab itself
+        auto* tabs = control.findChild<QTabBar*>();
+        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
+    }
+    ASSERT_EQ(control.activeSheet(), 2);
+    ASSERT_TRUE(control.isEditing());
+    click({2, 2});
+    EXPECT_EQ(edited(), "=二月!B2");
+    key(Qt::Key_Return);
+    EXPECT_EQ(control.activeSheet(), 1);
+    EXPECT_EQ(shown({1, 1}), "9");
+}
+
+TEST_F(ControlEditing, AFormulaThatDoesNotParseStaysOpenWithItsReason)
+{
+    sheet().setNumber({1, 1}, 5);
+    type("=sum(1,2+");
+    key(Qt::Key_Return);
+    ASSERT_TRUE(control.isEditing());
+    auto& problem = *control.findChild<QLabel*>("editorProblem");
+    EXPECT_TRUE(problem.isVisible());
+    EXPECT_FALSE(problem.text().isEmpty());
+    EXPECT_EQ(shown({1, 1}), "5");
+    click({4, 4});
+    EXPECT_TRUE(control.isEditing()) << "nothing is lost by clicking elsewhere";
+    EXPECT_EQ(edited(), "=sum(1,2+");
+    type("3)");
+    key(Qt::Key_Return);
+    EXPECT_EQ(sheet().formula({1, 1}), "sum(1,2+3)");
+}
+
+TEST_F(ControlEditing, AnInputMethodBeginsWithItsFirstCharacter)
+{
+    QInputMethodEvent first("y", {});
+    QCoreApplication::sendEvent(&control, &first);
+    ASSERT_TRUE(control.isEditing());
+    EXPECT_TRUE(control.hasFocus()) << "moving the focus would end the composing";
+    EXPECT_TRUE(
+        control.cellRect({1, 1}).intersects(control.inputMethodQuery(Qt::ImCursorRectangle).toRect()));
+    QInputMethodEvent more("yingshou", {});
+    QCoreApplication::sendEvent(&control, &more);
+    QInputMethodEvent done;
+    done.setCommitString("应收");
+    QCoreApplication::sendEvent(&control, &done);
+    EXPECT_TRUE(editor()->hasFocus());
+    key(Qt::Key_Return);
+    EXPECT_EQ(shown({1, 1}), "应收");
+}
+
+TEST_F(ControlEditing, AnotherControlTakesTheFocusAndTheTextIsEntered)
+{
+    int left = 0;
+    QObject::connect(&control, &SpreadsheetControl::leaveCell,
+                     [&](int, int, int column, int) { left += column < 0; });
+    type("7");
+    line.setFocus();
+    EXPECT_EQ(shown({1, 1}), "7");
+    EXPECT_TRUE(line.hasFocus());
+    EXPECT_EQ(left, 1);
+}
+
+TEST_F(ControlEditing, RunModeAndLocksRefuse)
+{
+    sheet().setText({1, 1}, "keep");
+    sheet().restyle({1, 1, 1, 1}, [](CellStyle& style) { style.locked = true; });
+    QApplication::clipboard()->setText("new");
+    struct Case {
+        int key;
+        Qt::KeyboardModifiers modifiers;
+    };
+    const Case cases[] = {{Qt::Key_X, {}},
+                          {Qt::Key_F2, {}},
+                          {Qt::Key_Delete, {}},
+                          {Qt::Key_V, Qt::ControlModifier},
+                          {Qt::Key_X, Qt::ControlModifier}};
+    for (const GridMode mode : {GridMode::edit, GridMode::run}) {
+        control.setMode(mode);
+        for (const Case& c : cases) {
+            refusal.clear();
+            key(c.key, c.modifiers);
+            EXPECT_FALSE(control.isEditing()) << c.key;
+            EXPECT_FALSE(refusal.isEmpty()) << c.key;
+            EXPECT_EQ(shown({1, 1}), "keep") << c.key;
+        }
+    }
+}
+
+TEST_F(ControlEditing, ControlEnterFillsTheSelection)
+{
+    control.select({2, 1, 2, 3});
+    type("=A1*2");
+    key(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(sheet().formula({2, 3}), "A3*2");
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(sheet().lastDataRow(), 0) << "one step";
+    control.select({2, 1, 2, 2});
+    type("=A1:A2*2");
+    key(Qt::Key_Return, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(sheet().arrayRange({2, 2}), (CellRange{2, 1, 2, 2}));
+}
+
+TEST_F(ControlEditing, TheClipboardKeysMoveBlocks)
+{
+    sheet().setNumber({1, 1}, 5);
+    ASSERT_FALSE(sheet().setFormula({1, 2}, "A1+1"));
+    control.workbook().recalculateChanged();
+    control.select({1, 1, 1, 2});
+    key(Qt::Key_C, Qt::ControlModifier);
+    click({3, 1});
+    key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(sheet().formula({3, 2}), "C1+1");
+    EXPECT_EQ(control.firstRange(), (CellRange{3, 1, 3, 2}));
+    EXPECT_EQ(QApplication::clipboard()->text(), "5\n6\n");
+    control.select({1, 2, 1, 2});
+    key(Qt::Key_X, Qt::ControlModifier);
+    click({2, 5});
+    key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(sheet().formula({2, 5}), "A1+1");
+    EXPECT_FALSE(sheet().hasFormula({1, 2}));
+    QApplication::clipboard()->setText("1\n2\n3");
+    control.setActiveCell(1, control.rowCount());
+    answer = false;
+    key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_TRUE(question.contains("2 行")) << question.toStdString();
+    EXPECT_EQ(sheet().lastDataRow(), 5) << "no room wanted: nothing pasted";
+    answer = true;
+    key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(sheet().lastDataRow(), control.rowCount());
+}
+
+TEST_F(ControlEditing, ACutThatWasEditedSinceIsACopy)
+{
+    sheet().setText({1, 1}, "a");
+    key(Qt::Key_X, Qt::ControlModifier);
+    sheet().setText({5, 5}, "b");
+    click({2, 2});
+    key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(shown({1, 1}) + shown({2, 2}), "aa");
+}
+
+} // namespace spreadsheet
