@@ -2,6 +2,7 @@
 
 #include "designer/frmEditor.h"
 #include "formatting/cell_commands.h"
+#include "printing/frmPrintOptions.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 namespace selfreport {
@@ -47,6 +48,8 @@ constexpr EditorCommand fileCommands[] = {
     {"MenuFileExit", "退出", [](Window w) { w.close(); }},
     separator,
     {"MenuExportPdf", "引出为PDF文件", [](Window w) { w.exportPdf(); }},
+    {"MenuPrintOptions", "打印选项", [](Window w) { frmPrintOptions(&w).exec(); }},
+    {"MenuPageBreak", "插入/取消分页符", [](Window) { togglePageBreaksAtSelection(); }},
 };
 
 constexpr EditorCommand editCommands[] = {

@@ -107,4 +107,10 @@ void togglePageBreaks(int column, int row)
                             [&](PrintSettings& print) { toggle(print, column, row); });
 }
 
+void togglePageBreaksAtSelection()
+{
+    const spreadsheet::CellRange block = printedGrid().selectedBlock();
+    togglePageBreaks(block.left, block.top);
+}
+
 } // namespace selfreport

@@ -24,5 +24,7 @@ private:
 /// Makes a page begin at a cell's row and column, those of the sheet's first row and column aside; a second
 /// call takes the marks away. Works on the active sheet.
 void togglePageBreaks(int column, int row);
+/// … of the first cell that is selected in the designer.
+void togglePageBreaksAtSelection();
 
 } // namespace selfreport
