@@ -27,7 +27,8 @@ constexpr int dialogWidth = 360; // pixels
 /// Waits for work. Nothing but the work's end, or its being left behind, closes it.
 class WaitingDialog : public QDialog {
 public:
-    WaitingDialog(const QString& title, WorkProgress& progress, const std::future<void>& work, Waiting waiting)
+    WaitingDialog(const QString& title, WorkProgress& progress, const std::future<void>& work,
+                  Waiting waiting)
         : QDialog(QApplication::activeWindow())
         , m_progress(progress)
         , m_work(work)

@@ -66,7 +66,10 @@ QPen borderPen(const BorderLine& line, double scale, bool inColour, double twip)
 {
     const double width = isFine(line.style) ? fineWidth : normalWidth;
     const bool hairline = width * scale < 1;
-    QPen pen(printColour(line.colour, 0x000000, inColour), hairline ? 1 : width * twip);
+    QColor colour = printColour(line.colour, 0x000000, inColour);
+    if (hairline)
+        colour.setAlphaF(static_cast<float>(std::max(width * scale, 0.55))); // a thinner line looks lighter
+    QPen pen(colour, hairline ? 1 : width * twip);
     pen.setCosmetic(hairline);
     QList<qreal> dashes = dashesOf(line.style);
     // A toolkit's dash lengths count in pen widths.

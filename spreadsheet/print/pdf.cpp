@@ -63,7 +63,9 @@ void describe(PdfUpdate& update, const std::vector<SheetPages>& sheets)
 void save(const QString& path, const QByteArray& pdf)
 {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(pdf) != pdf.size() || !file.commit())
+    // Unbuffered: what a buffer cannot write while the file is closed goes unnoticed.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || file.write(pdf) != pdf.size() ||
+        !file.commit())
         throw PdfError(file.errorString().toStdString());
 }
 

@@ -1,16 +1,20 @@
 #include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/print/PageText.h"
 #include "spreadsheet/print/pdf.h"
 
 #include <gtest/gtest.h>
 #include <QDir>
 #include <QFile>
 #include <QFontDatabase>
+#include <QPrinter>
 #include <QProcess>
 #include <QRawFont>
 #include <QStringDecoder>
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <csignal>
+#include <sys/resource.h>
 
 namespace spreadsheet {
 namespace {
@@ -265,6 +269,80 @@ TEST_F(PdfTest, AFailureNamesTheFileAndLeavesNothingBehind)
         }
         EXPECT_EQ(files(), QStringList{"plain"}) << c.what;
     }
+}
+
+/// What a full disk does: a file takes so many bytes and no more.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+        : m_signal(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{bytes, m_before.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_signal);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    void (*m_signal)(int);
+    rlimit m_before{};
+};
+
+TEST_F(PdfTest, AFullDiskLeavesNoHalfFile)
+{
+    sheet.setText({1, 1}, "资产负债表");
+    {
+        const FileSizeLimit full(1000);
+        EXPECT_THROW(write(), PdfError);
+    }
+    EXPECT_EQ(files(), QStringList());
+    write();
+    EXPECT_GT(QFileInfo(path()).size(), 1000);
+}
+
+TEST_F(PdfTest, CancellingLeavesNothing)
+{
+    sheet.setText({1, 200}, "A");
+    PdfOptions options;
+    options.path = path();
+    int asked = 0;
+    options.goesOn = [&](int done, int pages) {
+        EXPECT_EQ(pages, 4);
+        return ++asked, done < 2;
+    };
+    EXPECT_THROW(writePdf(workbook, options), PrintCancelled);
+    EXPECT_EQ(asked, 3);
+    EXPECT_EQ(files(), QStringList());
+}
+
+TEST_F(PdfTest, APrinterDrawsTheSamePages)
+{
+    sheet.setText({2, 3}, "Total 1,234.50");
+    sheet.setText({1, 90}, "End");
+    sheet.changeSettings([](SheetSettings& settings) {
+        settings.print.landscape = settings.print.border = settings.print.columnHeadings = true;
+        settings.print.footer = "/r/p/n";
+        settings.columns.sizes[2] = 3000;
+    });
+    write();
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(path("printer.pdf"));
+    printer.setFullPage(true);
+    const PrintDocument document;
+    PageText text;
+    EXPECT_TRUE(drawPages(printer, layOut(workbook, document), document, text));
+    EXPECT_EQ(textOf(path("printer.pdf")), textOf(path()));
+    const auto sizes = [&](const QString& name) {
+        return run("pdfinfo", {"-l", "9", path(name)}).second.split('\n').filter("size:").filter("Page ");
+    };
+    EXPECT_EQ(sizes("printer.pdf"), sizes("report.pdf"));
 }
 
 TEST_F(PdfTest, AFileThatCannotBeRedoneStays)
