@@ -45,6 +45,11 @@ void HeadingPainter::paint(QPainter& painter, const CellGeometry& geometry, cons
 {
     const int width = geometry.headingWidth();
     const int height = geometry.headingHeight();
+    // Beyond the last row and column nothing else is painted in these bands.
+    const QRect seen = region.boundingRect();
+    for (const QRect& band :
+         {QRect(seen.left(), 0, seen.width(), height), QRect(0, seen.top(), width, seen.height())})
+        painter.fillRect(band & seen, palette.color(QPalette::Window));
     const auto wanted = [&](const QRect& rect) { return region.intersects(rect); };
     if (height > 0)
         for (const PageTrack& track : geometry.columnTracks())

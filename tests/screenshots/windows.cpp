@@ -20,7 +20,9 @@
 #include <memory>
 #include <QApplication>
 #include <QDir>
+#include <QEventLoop>
 #include <QLineEdit>
+#include <QTimer>
 #include <QWidget>
 
 using namespace selfreport;
@@ -87,8 +89,9 @@ bool save(const Picture& picture, const QDir& folder)
     if (picture.size.isValid())
         window->resize(picture.size);
     window->show();
-    for (int round = 0; round < 5; ++round)
-        QCoreApplication::processEvents();
+    QEventLoop loop; // what is shown only once typing pauses comes, too
+    QTimer::singleShot(450, &loop, &QEventLoop::quit);
+    loop.exec();
     return window->grab().save(folder.filePath(QString(picture.name) + ".png"));
 }
 
