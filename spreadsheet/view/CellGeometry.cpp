@@ -42,13 +42,21 @@ void CellGeometry::setSheet(const Sheet& sheet, double zoom)
     m_frozenColumns = std::clamp(settings.frozenColumns, 0, settings.columnCount - 1);
     m_frozenHeight = pixels(m_rows.length(1, m_frozenRows));
     m_frozenWidth = pixels(m_columns.length(1, m_frozenColumns));
-    scrollTo(topLeft());
+    keepFull();
 }
 
 void CellGeometry::setArea(QSize area)
 {
     m_area = area;
+    keepFull();
+}
+
+/// No emptiness below and beside the cells while others are scrolled out of sight.
+void CellGeometry::keepFull()
+{
     scrollTo(topLeft());
+    const CellAddress last = lastTopLeft();
+    scrollTo({std::min(m_firstColumn, last.column), std::min(m_firstRow, last.row)});
 }
 
 void CellGeometry::setHeadings(bool columns, bool rows)

@@ -72,6 +72,7 @@ public:
 private:
     std::vector<PageTrack> tracks(const AxisPositions& axis, int frozen, int first, int start, int end) const;
     void measureHeadings();
+    void keepFull();
 
     AxisPositions m_rows, m_columns;
     double m_twip = 1.0 / 15;

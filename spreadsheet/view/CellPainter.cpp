@@ -15,7 +15,7 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr BorderLine screenGridLine{LineStyle::fineSolid, 0xD4D4D4};
+constexpr BorderLine screenGridLine{LineStyle::fineSolid, 0xB4B4B4};
 // Cells look alike with every palette of the surroundings, so their controls have colours of their own.
 const QColor faceTop(0xFA, 0xFA, 0xFA), faceBottom(0xE6, 0xE6, 0xE6), facePressed(0xD0, 0xD0, 0xD0);
 const QColor faceLine(0x8C, 0x8C, 0x8C), faceMark(0x30, 0x30, 0x30), noteMark(0xD0, 0x20, 0x20);

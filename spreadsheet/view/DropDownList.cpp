@@ -40,7 +40,7 @@ void DropDownList::open(const QStringList& entries, int current, const QRect& ce
     m_list->clear();
     m_list->setFont(font);
     m_list->addItems(entries);
-    m_list->setCurrentRow(current);
+    m_list->setCurrentRow(std::max(current, 0));
     const int rows = std::clamp(static_cast<int>(entries.size()), 1, mostRows);
     const int height = rows * std::max(m_list->sizeHintForRow(0), 16) + 2 * frameWidth();
     const int bar = entries.size() > mostRows ? 20 : 0;

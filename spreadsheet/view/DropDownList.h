@@ -13,7 +13,7 @@ public:
     explicit DropDownList(QWidget* parent);
 
     /// @param cell     its place on the screen
-    /// @param current  the entry to begin with, -1: none
+    /// @param current  the entry to begin with, -1: the first one
     void open(const QStringList& entries, int current, const QRect& cell, const QFont& font);
 
 Q_SIGNALS:

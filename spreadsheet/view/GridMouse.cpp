@@ -105,7 +105,7 @@ void GridMouse::press(const QMouseEvent& event)
     const QPoint point = event.position().toPoint();
     const Place place = placeOf(point);
     m_pressed = place;
-    m_last = point;
+    m_pressedAt = m_last = point;
     Q_EMIT m_control.mouseDown(buttonNumber(event.button()), place.cell.column, place.cell.row);
     if (event.button() == Qt::RightButton)
         Q_EMIT m_control.contextMenuWanted(event.globalPosition().toPoint(), place.cell.column,
@@ -335,14 +335,11 @@ void GridMouse::endResize(QPoint point)
         overlays.guideAcross.reset();
     });
     const CellGeometry& geometry = m_control.m_view->geometry();
-    const std::int64_t start =
-        rows ? geometry.rowStart(m_pressed.line) : geometry.columnStart(m_pressed.line);
-    const std::int64_t end =
-        rows ? geometry.rowStart(m_pressed.line + 1) : geometry.columnStart(m_pressed.line + 1);
-    const std::int64_t pixels = std::max<std::int64_t>((rows ? point.y() : point.x()) - start + 1, 0);
-    if (pixels != end - start && std::abs((rows ? point.y() : point.x()) - end) > 1)
+    const int moved = rows ? point.y() - m_pressedAt.y() : point.x() - m_pressedAt.x();
+    const int size = (rows ? geometry.rows() : geometry.columns()).size(m_pressed.line);
+    if (moved != 0)
         m_control.resizeLinesTo(rows, m_pressed.line,
-                                static_cast<int>(std::lround(static_cast<double>(pixels) / geometry.twip())));
+                                static_cast<int>(std::lround(std::max(size + moved, 0) / geometry.twip())));
 }
 
 void GridMouse::endFill(bool asSeries)

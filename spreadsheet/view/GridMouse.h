@@ -60,7 +60,7 @@ private:
     SpreadsheetControl& m_control;
     Doing m_doing = Doing::nothing;
     Place m_pressed;
-    QPoint m_last;
+    QPoint m_pressedAt, m_last;
     CellRange m_filled;
     QBasicTimer m_scroll;
 };

@@ -62,7 +62,9 @@ void SelectionPainter::paint(QPainter& painter, const CellOverlays& overlays, co
     for (const Pane& pane : m_geometry.panes()) {
         painter.save();
         // The frame of a cell at the edge lies on the headings' line.
-        painter.setClipRect(pane.rect.adjusted(-1, -1, 0, 0), Qt::IntersectClip);
+        const int left = pane.rect.left() == m_geometry.headingWidth() ? -1 : 0;
+        const int top = pane.rect.top() == m_geometry.headingHeight() ? -1 : 0;
+        painter.setClipRect(pane.rect.adjusted(left, top, 0, 0), Qt::IntersectClip);
         paintPane(painter, pane, overlays, palette);
         painter.restore();
     }

@@ -126,10 +126,18 @@ std::optional<CellAddress> SpreadsheetControl::keyTarget(const QKeyEvent& event,
 bool SpreadsheetControl::moveByKey(const QKeyEvent& event)
 {
     const bool extend = withShift(event);
-    const CellAddress from = extend ? m_view->selection().moving() : activeCell();
-    const auto target = keyTarget(event, from);
+    CellAddress from = extend ? m_view->selection().moving() : activeCell();
+    const auto arrow = arrowOf(event.key());
+    const bool alongRow = arrow == Direction::left || arrow == Direction::right;
+    const CellAddress corner = from;
+    if (extend && arrow && chord(event) == Qt::ControlModifier)
+        (alongRow ? from.row : from.column) =
+            alongRow ? activeCell().row : activeCell().column; // its data count
+    auto target = keyTarget(event, from);
     if (!target)
         return false;
+    if (from != corner)
+        (alongRow ? target->row : target->column) = alongRow ? corner.row : corner.column;
     m_tabColumn = 0;
     const bool isPage = event.key() == Qt::Key_PageUp || event.key() == Qt::Key_PageDown;
     const CellAddress topLeft = topLeftCell();

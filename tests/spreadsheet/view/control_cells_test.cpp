@@ -1,0 +1,183 @@
+#include "tests/spreadsheet/view/ControlTest.h"
+
+#include <QListWidget>
+
+namespace spreadsheet {
+
+namespace {
+
+/// The list that a drop-down cell has opened; null if none is.
+QListWidget* openList(SpreadsheetControl& control)
+{
+    auto* list = control.findChild<QListWidget*>("dropDownEntries");
+    return list && list->isVisible() ? list : nullptr;
+}
+
+} // namespace
+
+TEST_F(ControlTest, CheckBoxesToggle)
+{
+    setType("B2", CellType::checkBox);
+    control.refresh();
+    const auto state = [this] { return sheet().displayText({2, 2}); };
+    click("B2");
+    const std::string checked = state();
+    EXPECT_FALSE(checked.empty());
+    EXPECT_EQ(logged(), "down1 2,2 leave 1,1>2,2 changed 2,2");
+    key(Qt::Key_Space);
+    EXPECT_NE(state(), checked);
+    click(control.cellRect({2, 2}).topLeft() + QPoint(3, 9));
+    EXPECT_NE(state(), checked) << "beside the box";
+    control.setMode(GridMode::run);
+    key(Qt::Key_Space);
+    EXPECT_EQ(state(), checked);
+    control.changeStyle({2, 2, 2, 2}, [](CellStyle& style) { style.locked = true; });
+    key(Qt::Key_Space);
+    EXPECT_EQ(state(), checked);
+    control.setMode(GridMode::edit);
+    control.undo(); // the lock
+    control.undo();
+    EXPECT_NE(state(), checked);
+}
+
+TEST_F(ControlTest, ButtonsClick)
+{
+    setType("C3", CellType::button);
+    control.refresh();
+    click("C3");
+    EXPECT_EQ(logged(), "down1 3,3 leave 1,1>3,3 button 3,3");
+    key(Qt::Key_Space);
+    EXPECT_EQ(logged(), "button 3,3");
+    drag(centre("C3"), centre("E6"));
+    EXPECT_EQ(logged(), "down1 3,3") << "let go outside";
+    EXPECT_EQ(cursor(), "C3 in C3");
+    control.changeStyle({3, 3, 3, 3}, [](CellStyle& style) { style.locked = true; });
+    click("C3");
+    EXPECT_EQ(logged(), "down1 3,3");
+}
+
+TEST_F(ControlTest, DropDownsOfferTheirCellsOrTheirColumnsList)
+{
+    setType("B2", CellType::dropDown);
+    setType("B3", CellType::dropDown);
+    control.setCurrent(2, 2);
+    control.setDropDown({"a", "b"});
+    control.setColumnDropDown(2, {QStringLiteral("部门"), QStringLiteral("客户"), QStringLiteral("商品")});
+    control.refresh();
+    control.setActiveCell(2, 2);
+    key(Qt::Key_Down, Qt::AltModifier);
+    ASSERT_NE(openList(control), nullptr);
+    EXPECT_EQ(openList(control)->count(), 2);
+    QTest::keyClick(openList(control), Qt::Key_Escape);
+    EXPECT_EQ(openList(control), nullptr);
+    EXPECT_EQ(logged(), "open 2,2 close 2,2 -1");
+    EXPECT_EQ(control.text(2, 2), "");
+
+    const QRect cell = control.cellRect({2, 3});
+    click(QPoint(cell.right() - 6, cell.center().y()));
+    ASSERT_NE(openList(control), nullptr);
+    QTest::keyClick(openList(control), Qt::Key_Down);
+    QTest::keyClick(openList(control), Qt::Key_Return);
+    EXPECT_EQ(logged(), "down1 2,3 leave 2,2>2,3 open 2,3 changed 2,3 close 2,3 1");
+    EXPECT_EQ(control.text(2, 3), QStringLiteral("客户"));
+    control.setCurrent(2, 3);
+    EXPECT_EQ(control.dropDownIndex(), 1);
+
+    key(Qt::Key_Down, Qt::AltModifier);
+    ASSERT_NE(openList(control), nullptr);
+    EXPECT_EQ(openList(control)->currentRow(), 1) << "begins with what the cell holds";
+    QTest::mouseClick(openList(control)->viewport(), Qt::LeftButton, {},
+                      openList(control)->visualItemRect(openList(control)->item(2)).center());
+    EXPECT_EQ(control.text(2, 3), QStringLiteral("商品"));
+}
+
+TEST_F(ControlTest, DropDownsMayOpenSomethingElse)
+{
+    setType("C2", CellType::dropDown);
+    control.setCurrent(3, 2);
+    control.refresh();
+    control.setActiveCell(3, 2);
+    key(Qt::Key_Down, Qt::AltModifier);
+    EXPECT_EQ(logged(), "open 3,2") << "no entries: nothing opens";
+    EXPECT_EQ(openList(control), nullptr);
+    control.setDropDown({"a"});
+    QObject::connect(&control, &SpreadsheetControl::comboDropDown, [this] {
+        control.cancelDropDown();
+        control.setText(3, 2, "1001");
+    });
+    key(Qt::Key_Down, Qt::AltModifier);
+    EXPECT_EQ(openList(control), nullptr);
+    EXPECT_EQ(control.text(3, 2), "1001");
+}
+
+TEST_F(ControlTest, DropDownListsFollowInsertedRowsAndUndo)
+{
+    control.setCurrent(2, 5);
+    control.setDropDown({"a"});
+    control.setColumnDropDown(4, {"x"});
+    control.insertRowsAt(3, 2);
+    control.insertColumnsAt(1, 1);
+    const auto has = [this](int column, int row) {
+        control.setCurrent(column, row);
+        return control.dropDown().join(",").toStdString();
+    };
+    EXPECT_EQ(has(3, 7), "a");
+    EXPECT_EQ(has(2, 5), "");
+    EXPECT_EQ(has(5, 80), "x");
+    control.undo();
+    control.undo();
+    EXPECT_EQ(has(2, 5), "a");
+    EXPECT_EQ(has(4, 80), "x");
+}
+
+TEST_F(ControlTest, OperationsKeepCurrentActiveAndAddressedApart)
+{
+    control.setSheetCount(2);
+    control.setCurrent(3, 4);
+    control.setActiveCell(2, 2);
+    EXPECT_EQ(control.current(), (CellAddress{3, 4}));
+    control.setCurrent(31, 4);
+    control.setCurrent(3, 0);
+    EXPECT_EQ(control.current(), (CellAddress{3, 4})) << "outside";
+    control.setAddressedSheet(2);
+    control.setText("zwei");
+    EXPECT_EQ(control.activeSheet(), 1);
+    EXPECT_EQ(control.workbook().sheet(2).displayText({3, 4}), "zwei");
+    control.setActiveSheet(1);
+    EXPECT_EQ(control.addressedSheet(), 1) << "showing a sheet addresses it";
+    EXPECT_EQ(control.text(3, 4), "");
+    control.setText(1, 1, "12.50");
+    EXPECT_FALSE(sheet().value({1, 1}).isNumber()) << "literal";
+    setType("A2", CellType::number);
+    control.setText(1, 2, "12.50");
+    EXPECT_TRUE(sheet().value({1, 2}).isNumber());
+    EXPECT_TRUE(control.setFormula("SUM(").has_value());
+    EXPECT_EQ(control.formula(), "");
+    control.setText(30, 100, "end");
+    control.setRowCount(50);
+    EXPECT_EQ(control.lastDataRow(), 2);
+    control.workbook().undo();
+    EXPECT_EQ(control.text(30, 100), "end") << "shrinking is undone with what it took";
+}
+
+TEST_F(ControlTest, RecalculationGoesThroughTheHook)
+{
+    int calls = 0;
+    control.recalculateChanged = [&] {
+        ++calls;
+        control.workbook().recalculateChanged();
+    };
+    setType("B2", CellType::checkBox);
+    control.setCurrent(3, 2);
+    control.setFormula("IF(B2,7,8)");
+    control.recalculate();
+    control.refresh();
+    click("B2");
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(control.text(3, 2), "7");
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(control.text(3, 2), "8");
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,220 @@
+#include "tests/spreadsheet/view/ControlTest.h"
+
+#include <random>
+
+namespace spreadsheet {
+
+namespace {
+
+struct Press {
+    int key;
+    Qt::KeyboardModifiers modifiers = {};
+};
+
+constexpr Qt::KeyboardModifiers ctrl = Qt::ControlModifier, shift = Qt::ShiftModifier, alt = Qt::AltModifier;
+
+} // namespace
+
+TEST_F(ControlTest, KeysMoveAndSelect)
+{
+    for (const char* cell : {"B2", "B3", "B4", "B8", "C2", "D2", "H2", "F20"})
+        put(cell, "x");
+    control.addSpan({4, 5, 5, 6}); // D5:E6
+    control.refresh();
+    const struct {
+        const char* from;
+        std::vector<Press> presses;
+        const char* cursor;
+    } cases[] = {
+        {"B2", {{Qt::Key_Right}, {Qt::Key_Down}, {Qt::Key_Left}, {Qt::Key_Up}}, "B2 in B2"},
+        {"A1", {{Qt::Key_Left}, {Qt::Key_Up}}, "A1 in A1"},
+        {"C5", {{Qt::Key_Right}}, "D5 in D5:E6"},
+        {"C6", {{Qt::Key_Right}}, "D5 in D5:E6"},
+        {"C5", {{Qt::Key_Right}, {Qt::Key_Right}}, "F5 in F5"},
+        {"D4", {{Qt::Key_Down}, {Qt::Key_Down}}, "D7 in D7"},
+        {"B2", {{Qt::Key_Down, ctrl}}, "B4 in B4"},
+        {"B4", {{Qt::Key_Down, ctrl}}, "B8 in B8"},
+        {"B8", {{Qt::Key_Down, ctrl}}, "B100 in B100"},
+        {"B100", {{Qt::Key_Up, ctrl}}, "B8 in B8"},
+        {"B8", {{Qt::Key_Up, ctrl}}, "B4 in B4"},
+        {"B4", {{Qt::Key_Up, ctrl}}, "B2 in B2"},
+        {"B2", {{Qt::Key_Right, ctrl}}, "D2 in D2"},
+        {"D2", {{Qt::Key_Right, ctrl}}, "H2 in H2"},
+        {"H2", {{Qt::Key_Right, ctrl}}, "AD2 in AD2"},
+        {"H2", {{Qt::Key_Left, ctrl}, {Qt::Key_Left, ctrl}, {Qt::Key_Left, ctrl}}, "A2 in A2"},
+        {"F9", {{Qt::Key_Home}}, "A9 in A9"},
+        {"F9", {{Qt::Key_End}}, "H9 in H9"},
+        {"F9", {{Qt::Key_Home, ctrl}}, "A1 in A1"},
+        {"F9", {{Qt::Key_End, ctrl}}, "H20 in H20"},
+        {"B2", {{Qt::Key_Right, shift}, {Qt::Key_Down, shift}, {Qt::Key_Down, shift}}, "B2 in B2:C4"},
+        {"B2", {{Qt::Key_Right, shift}, {Qt::Key_Left, shift}, {Qt::Key_Left, shift}}, "B2 in A2:B2"},
+        {"B2", {{Qt::Key_Down, shift | ctrl}, {Qt::Key_Right, shift | ctrl}}, "B2 in B2:D4"},
+        {"C4", {{Qt::Key_Down, shift}, {Qt::Key_Right, shift}}, "C4 in C4:E6"},
+        {"C4", {{Qt::Key_End, shift | ctrl}}, "C4 in C4:H20"},
+        {"C4", {{Qt::Key_A, ctrl}}, "C4 in A1:AD100"},
+        {"C4", {{Qt::Key_Space, ctrl}}, "C4 in C1:C100"},
+        {"C4", {{Qt::Key_Space, shift}}, "C4 in A4:AD4"},
+        {"C4", {{Qt::Key_Down, shift}, {Qt::Key_Space, shift}}, "C4 in A4:AD5"},
+        {"B2", {{Qt::Key_Return}}, "B3 in B3"},
+        {"B2", {{Qt::Key_Return, shift}}, "B1 in B1"},
+        {"B2", {{Qt::Key_Tab}}, "C2 in C2"},
+        {"B2", {{Qt::Key_Backtab, shift}}, "A2 in A2"},
+        {"B2", {{Qt::Key_Tab}, {Qt::Key_Tab}, {Qt::Key_Enter}}, "B3 in B3"},
+        {"B2", {{Qt::Key_Tab}, {Qt::Key_Down}, {Qt::Key_Enter}}, "C4 in C4"},
+    };
+    for (const auto& c : cases) {
+        const CellAddress from = *parseCellName(c.from);
+        control.setActiveCell(from.column, from.row);
+        for (const Press& press : c.presses)
+            key(press.key, press.modifiers);
+        EXPECT_EQ(cursor(), c.cursor) << c.from << " key " << std::hex << c.presses.front().key;
+    }
+}
+
+TEST_F(ControlTest, ArrowsPassHiddenRowsAndColumns)
+{
+    control.sheet().changeSettings([](SheetSettings& settings) {
+        settings.rows.hidden = {{2, true}, {3, true}};
+        settings.columns.hidden = {{1, true}, {3, true}};
+    });
+    control.refresh();
+    control.setActiveCell(2, 1);
+    const std::pair<int, const char*> steps[] = {
+        {Qt::Key_Down, "B4 in B4"}, {Qt::Key_Right, "D4 in D4"}, {Qt::Key_Left, "B4 in B4"},
+        {Qt::Key_Left, "B4 in B4"}, {Qt::Key_Up, "B1 in B1"},    {Qt::Key_Home, "B1 in B1"},
+    };
+    for (const auto& [pressed, expected] : steps) {
+        key(pressed);
+        EXPECT_EQ(cursor(), expected);
+    }
+}
+
+TEST_F(ControlTest, EnterAndTabGoRoundWithinTheSelection)
+{
+    control.addSpan({2, 2, 3, 2}); // B2:C2
+    control.refresh();
+    const auto round = [this](int pressed, int times) {
+        std::string places;
+        for (int i = 0; i < times; ++i) {
+            key(pressed);
+            places += cellName(control.activeCell()) + " ";
+        }
+        return places;
+    };
+    control.select({1, 1, 3, 2}); // A1:C2
+    EXPECT_EQ(round(Qt::Key_Tab, 6), "B1 C1 A2 B2 A1 B1 ");
+    EXPECT_EQ(cursor(), "B1 in A1:C2");
+    EXPECT_EQ(round(Qt::Key_Return, 4), "B2 C1 A1 A2 ");
+    click("E5");
+    click("G7", ctrl);
+    EXPECT_EQ(cursor(), "G7 in E5 G7");
+    EXPECT_EQ(round(Qt::Key_Tab, 3), "E5 G7 E5 ");
+    EXPECT_EQ(cursor(), "E5 in E5 G7");
+}
+
+TEST_F(ControlTest, PagesTurnWithTheCursor)
+{
+    const int rows = [this] {
+        key(Qt::Key_PageDown);
+        return control.activeCell().row - 1;
+    }();
+    EXPECT_GT(rows, 15);
+    EXPECT_EQ(control.topLeftCell().row, 1 + rows);
+    key(Qt::Key_PageDown, shift);
+    EXPECT_EQ(control.selectedBlock().rows(), rows + 1);
+    key(Qt::Key_PageUp);
+    key(Qt::Key_PageUp);
+    EXPECT_EQ(control.topLeftCell().row, 1);
+    key(Qt::Key_PageDown, alt);
+    EXPECT_EQ(control.topLeftCell().column, control.activeCell().column);
+    EXPECT_GT(control.activeCell().column, 8);
+}
+
+TEST_F(ControlTest, TheCursorStaysInSightBesideFrozenCells)
+{
+    control.sheet().changeSettings([](SheetSettings& settings) {
+        settings.frozenRows = 3;
+        settings.frozenColumns = 2;
+    });
+    control.refresh();
+    std::mt19937 random(3);
+    const int keys[] = {Qt::Key_Down, Qt::Key_Right,    Qt::Key_Up,
+                        Qt::Key_Left, Qt::Key_PageDown, Qt::Key_PageUp};
+    for (int step = 0; step < 300; ++step) {
+        key(keys[random() % 6], random() % 5 == 0 ? ctrl : Qt::KeyboardModifiers());
+        if (control.activeSheet() != 1)
+            break;
+        const CellAddress cell = control.activeCell();
+        const QRect rect = control.cellRect(cell);
+        ASSERT_EQ(rect.size(), QSize(72, 19)) << cellName(cell) << " at step " << step;
+        ASSERT_EQ(control.cellAt(rect.center()), cell);
+    }
+}
+
+TEST_F(ControlTest, KeysOfTheWindowPassAndListenersMaySwallowOthers)
+{
+    for (const Qt::Key pressed : {Qt::Key_G, Qt::Key_J, Qt::Key_N, Qt::Key_O, Qt::Key_S}) {
+        QKeyEvent event(QEvent::KeyPress, pressed, ctrl, QString(QChar(pressed - Qt::Key_A + 1)));
+        QApplication::sendEvent(&control, &event);
+        EXPECT_FALSE(event.isAccepted()) << pressed;
+    }
+    QObject::connect(&control, &SpreadsheetControl::keyDown, [](QKeyEvent* event) {
+        EXPECT_FALSE(event->isAccepted());
+        event->setAccepted(event->key() == Qt::Key_Down);
+    });
+    key(Qt::Key_Down);
+    key(Qt::Key_Right);
+    EXPECT_EQ(cursor(), "B1 in B1");
+    EXPECT_FALSE(control.isEditing());
+}
+
+TEST_F(ControlTest, OnlyMovesOfTheUserTellThatACellIsLeft)
+{
+    control.setActiveCell(2, 2);
+    control.select({3, 3, 4, 4});
+    control.setCurrent(5, 5);
+    EXPECT_EQ(logged(), "");
+    key(Qt::Key_Right);
+    EXPECT_EQ(logged(), "leave 3,3>4,3");
+    key(Qt::Key_Right, shift);
+    EXPECT_EQ(logged(), "") << "the cursor has not moved";
+    click("B2");
+    EXPECT_EQ(logged(), "down1 2,2 leave 4,3>2,2");
+    click("B2");
+    EXPECT_EQ(logged(), "down1 2,2");
+    QTest::mouseClick(&control, Qt::RightButton, {}, centre("E5"));
+    EXPECT_EQ(logged(), "down2 5,5 menu 5,5") << "the right button moves nothing";
+    EXPECT_EQ(cursor(), "B2 in B2");
+    line.setFocus(Qt::MouseFocusReason);
+    EXPECT_EQ(logged(), "leave 2,2>-1,-1");
+    control.setFocus();
+    holdsCursor = true;
+    key(Qt::Key_Down);
+    click("F6");
+    EXPECT_EQ(logged(), "leave 2,2>2,3 down1 6,6 leave 2,2>6,6");
+    EXPECT_EQ(cursor(), "B2 in B2");
+}
+
+TEST_F(ControlTest, AnotherSheetIsALeaveAndKeepsCursorAndPlace)
+{
+    control.setSheetCount(3);
+    control.refresh();
+    control.setActiveCell(2, 60);
+    const CellAddress topLeft = control.topLeftCell();
+    key(Qt::Key_PageDown, ctrl);
+    EXPECT_EQ(logged(), "leave 2,60>-1,-1 sheet 2");
+    EXPECT_EQ(cursor(), "A1 in A1");
+    key(Qt::Key_PageDown, ctrl);
+    EXPECT_EQ(logged(), "leave 1,1>-1,-1 sheet 3") << "although column and row are the same";
+    key(Qt::Key_PageDown, ctrl);
+    EXPECT_EQ(logged(), "");
+    control.setActiveSheet(1);
+    EXPECT_EQ(logged(), "sheet 1") << "by program";
+    EXPECT_EQ(cursor(), "B60 in B60");
+    EXPECT_EQ(control.topLeftCell(), topLeft);
+    holdsCursor = true;
+    key(Qt::Key_PageDown, ctrl);
+    EXPECT_EQ(control.activeSheet(), 1);
+}
+
+} // namespace spreadsheet

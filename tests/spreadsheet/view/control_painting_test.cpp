@@ -1,0 +1,197 @@
+#include "tests/spreadsheet/view/ControlTest.h"
+
+#include <QHelpEvent>
+#include <QImage>
+#include <QScrollBar>
+#include <QToolTip>
+
+#include <algorithm>
+#include <random>
+#include <set>
+
+namespace spreadsheet {
+
+namespace {
+
+QImage pictureOf(SpreadsheetControl& control)
+{
+    return control.grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+QImage pictureOf(SpreadsheetControl& control, const char* cell)
+{
+    return pictureOf(control).copy(control.cellRect(*parseCellName(cell)));
+}
+
+int darkPixels(const QImage& picture)
+{
+    int count = 0;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            count += qGray(picture.pixel(x, y)) < 128 ? 1 : 0;
+    return count;
+}
+
+/// A block of cells with texts of several widths, colours, borders and spans.
+void fillAtRandom(SpreadsheetControl& control, std::mt19937& random)
+{
+    const char* texts[] = {"", "", "金额", "应收账款客户分析表的长标题", "12345.678", "x"};
+    for (int row = 1; row <= 60; ++row)
+        for (int column = 1; column <= 20; ++column) {
+            control.sheet().setText({column, row}, texts[random() % 6]);
+            if (random() % 4 == 0)
+                control.changeStyle({column, row, column, row}, [&](CellStyle& style) {
+                    style.background = random() % 2 ? 0xFFEEDD : automaticColour;
+                    style.horizontal = static_cast<HorizontalAlignment>(random() % 4);
+                    style.bottom = {static_cast<LineStyle>(random() % 12), 0x800000};
+                    style.left = {static_cast<LineStyle>(random() % 12), 0x008000};
+                    style.wrap = random() % 5 == 0;
+                });
+        }
+    control.addSpan({3, 5, 5, 7});
+    control.addSpan({8, 2, 8, 40});
+}
+
+} // namespace
+
+TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
+{
+    std::mt19937 random(11);
+    fillAtRandom(control, random);
+    control.sheet().changeSettings([](SheetSettings& settings) {
+        settings.frozenRows = 2;
+        settings.frozenColumns = 1;
+    });
+    control.refresh();
+    const auto anyCell = [&] {
+        return CellAddress{1 + static_cast<int>(random() % 14), 1 + static_cast<int>(random() % 50)};
+    };
+    auto& down = *control.findChild<QScrollBar*>("scrollDown");
+    auto& across = *control.findChild<QScrollBar*>("scrollAcross");
+    const std::vector<std::function<void()>> changes{
+        [&] { down.setValue(3 + static_cast<int>(random() % 40)); },
+        [&] { down.setValue(down.value() + static_cast<int>(random() % 7) - 3); },
+        [&] { across.setValue(across.value() + static_cast<int>(random() % 3) - 1); },
+        [&] { control.sheet().setText(anyCell(), random() % 3 ? "新的文字" : ""); },
+        [&] {
+            const CellAddress cell = anyCell();
+            control.setBorder({cell.column, cell.row, cell.column + 1, cell.row + 1}, allSides, 0xFF,
+                              static_cast<LineStyle>(random() % 12));
+        },
+        [&] {
+            const CellAddress cell = anyCell();
+            control.setActiveCell(cell.column, cell.row);
+        },
+        [&] { key(random() % 2 ? Qt::Key_Down : Qt::Key_PageDown, Qt::ShiftModifier); },
+    };
+    for (int step = 0; step < 120; ++step) {
+        const std::size_t which = random() % changes.size();
+        changes[which]();
+        control.sheet().setText({2, 1}, std::to_string(step)); // by program, without a word to the control
+        QApplication::processEvents();
+        control.addSpan({25, 90, 26, 91}); // no change, but the next pass shows all changes
+        QApplication::processEvents();
+        const QImage parts = pictureOf(control);
+        control.refresh();
+        ASSERT_EQ(parts, pictureOf(control)) << "step " << step << " change " << which;
+    }
+}
+
+TEST_F(ControlTest, EveryBorderStyleLooksDifferent)
+{
+    std::set<std::string> pictures;
+    for (int style = 0; style < 12; ++style) {
+        control.setBorder({2, 2, 4, 4}, allSides, 0x000000, static_cast<LineStyle>(style));
+        control.refresh();
+        const QImage picture = pictureOf(control).copy(control.cellRect({3, 3}).adjusted(-2, -2, 2, 2));
+        pictures.emplace(reinterpret_cast<const char*>(picture.constBits()),
+                         static_cast<std::size_t>(picture.sizeInBytes()));
+    }
+    EXPECT_EQ(pictures.size(), 12U);
+}
+
+TEST_F(ControlTest, TextsRunOverEmptyNeighboursAndFiguresDoNot)
+{
+    control.setActiveCell(10, 20);
+    const auto drawn = [this](const char* cell) {
+        control.refresh();
+        const QImage picture = pictureOf(control, cell);
+        return darkPixels(picture.copy(picture.rect().adjusted(2, 2, -2, -2)));
+    };
+    put("B2", "应收账款客户分析表的长标题");
+    EXPECT_GT(drawn("C2"), 0);
+    put("C2", " ");
+    EXPECT_EQ(drawn("C2"), 0) << "a neighbour in use";
+    sheet().setNumber({2, 4}, 12345678901234.0);
+    control.changeStyle({2, 4, 2, 4}, [](CellStyle& style) { style.type = CellType::currency; });
+    EXPECT_EQ(drawn("C4"), 0);
+    EXPECT_EQ(drawn("A4"), 0);
+    const QImage figure = pictureOf(control, "B4");
+    sheet().setNumber({2, 4}, 99995678901234.0);
+    control.refresh();
+    EXPECT_EQ(pictureOf(control, "B4"), figure) << "#### says nothing about the digits";
+    put("E6", "右对齐的文字向左伸出去很远");
+    control.changeStyle({5, 6, 5, 6},
+                        [](CellStyle& style) { style.horizontal = HorizontalAlignment::right; });
+    EXPECT_GT(drawn("D6"), 0);
+    EXPECT_EQ(drawn("F6"), 0);
+}
+
+TEST_F(ControlTest, CellsKeepTheirColoursInADarkPalette)
+{
+    put("B2", "金额");
+    control.changeStyle({2, 3, 2, 3}, [](CellStyle& style) { style.background = 0xFFF2A8; });
+    setType("B4", CellType::button);
+    setType("B5", CellType::checkBox);
+    control.refresh();
+    const QImage light = pictureOf(control);
+    QPalette dark(QColor(45, 45, 48), QColor(37, 37, 38));
+    dark.setColor(QPalette::Highlight, window.palette().color(QPalette::Highlight));
+    control.setPalette(dark);
+    const QImage picture = pictureOf(control);
+    for (const char* cell : {"B2", "B3", "B4", "B5"}) {
+        const QRect rect = control.cellRect(*parseCellName(cell));
+        EXPECT_EQ(picture.copy(rect), light.copy(rect)) << cell;
+    }
+    EXPECT_LT(qGray(picture.pixel(200, 2)), 100) << "headings are dark";
+}
+
+TEST_F(ControlTest, NotesMarkTheirCellAndTellWhy)
+{
+    control.refresh();
+    const QImage before = pictureOf(control, "C3");
+    control.setCellNotes([this](int sheetId, CellAddress cell) {
+        return sheetId == sheet().id() && cell == CellAddress{3, 3} ? QStringLiteral("没有科目 1009")
+                                                                    : QString();
+    });
+    EXPECT_NE(pictureOf(control, "C3"), before);
+    EXPECT_EQ(pictureOf(control, "C4"), pictureOf(control, "D4"));
+    QHelpEvent event(QEvent::ToolTip, centre("C3"), control.mapToGlobal(centre("C3")));
+    QApplication::sendEvent(&control, &event);
+    EXPECT_EQ(QToolTip::text(), QStringLiteral("没有科目 1009"));
+    QToolTip::hideText();
+}
+
+TEST_F(ControlTest, TheSheetMayVanishUnderTheView)
+{
+    control.setSheetCount(2);
+    control.setActiveSheet(2);
+    control.setActiveCell(20, 90);
+    control.workbook().removeSheet(2);
+    (void)pictureOf(control);
+    EXPECT_EQ(cursor(), "A1 in A1");
+    control.workbook().sheet(1).deleteRows(2, 99);
+    (void)pictureOf(control);
+    key(Qt::Key_Down);
+    EXPECT_EQ(cursor(), "A1 in A1");
+    Workbook other;
+    other.sheet(1).setText({1, 1}, "另一本");
+    control.setWorkbook(&other);
+    EXPECT_EQ(control.text(1, 1), QStringLiteral("另一本"));
+    (void)pictureOf(control);
+    control.setWorkbook(nullptr);
+    (void)pictureOf(control);
+    EXPECT_EQ(control.text(1, 1), "");
+}
+
+} // namespace spreadsheet
