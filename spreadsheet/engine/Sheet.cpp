@@ -44,7 +44,7 @@ std::string Sheet::displayText(CellAddress cell) const
     const Text shown = shownText(cell);
     if (!shown.empty())
         return std::string(shown.view());
-    return spreadsheet::displayText(value(cell), style(cell));
+    return spreadsheet::displayText(value(cell), style(cell), m_workbook.countsFrom1904());
 }
 
 bool Sheet::hasFormula(CellAddress cell) const

@@ -2,6 +2,7 @@
 
 #include "spreadsheet/engine/date_serial.h"
 #include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/functions/number_format.h"
 
 #include <cmath>
 #include <cstdio>
@@ -18,9 +19,10 @@ std::string paddedNumber(int number, int width)
     return text;
 }
 
-std::string dateText(double serial)
+std::string dateText(double serial, bool from1904)
 {
-    const auto day = dayOfSerial(serial);
+    constexpr double daysFrom1900To1904 = 1462;
+    const auto day = dayOfSerial(from1904 && serial >= 0 ? serial + daysFrom1900To1904 : serial);
     if (!day)
         return generalNumberText(serial);
     return paddedNumber(day->year, 4) + "-" + paddedNumber(day->month, 2) + "-" + paddedNumber(day->day, 2);
@@ -71,11 +73,11 @@ std::string fraction(const DecimalDigits& digits)
     return digits.digits.substr(static_cast<std::size_t>(digits.exponent));
 }
 
-std::string numberText(double number, const CellStyle& style)
+std::string numberText(double number, const CellStyle& style, bool from1904)
 {
     switch (style.type) {
     case CellType::date:
-        return dateText(number);
+        return dateText(number, from1904);
     case CellType::time:
         return timeText(number);
     case CellType::currency: {
@@ -136,21 +138,21 @@ std::string generalNumberText(double number)
     return digits.negative ? "-" + text : text;
 }
 
-std::string displayText(const Value& value, const CellStyle& style)
+std::string displayText(const Value& value, const CellStyle& style, bool from1904)
 {
-    switch (value.kind()) {
-    case ValueKind::empty:
+    if (value.isEmpty())
         return {};
-    case ValueKind::text:
-        return std::string(value.textView());
-    case ValueKind::boolean:
-        return value.boolean() ? "TRUE" : "FALSE";
-    case ValueKind::error:
+    if (value.isError())
         return std::string(errorText(value.error()));
-    case ValueKind::number:
-        return numberText(value.number(), style);
+    if (!style.numberFormat.empty()) {
+        if (auto text = formattedCell(value, style.numberFormat.view(), from1904))
+            return std::move(*text);
     }
-    return {};
+    if (value.isNumber())
+        return numberText(value.number(), style, from1904);
+    if (value.isBoolean())
+        return value.boolean() ? "TRUE" : "FALSE";
+    return std::string(value.textView());
 }
 
 } // namespace spreadsheet

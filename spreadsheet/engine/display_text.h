@@ -11,8 +11,10 @@ namespace spreadsheet {
 ///
 /// date "2026-12-31" of a serial day number; time "13:45:00" of a day's fraction;
 /// currency "￥1,234.50" with two decimals; number with the style's decimals, no grouping;
-/// percent "12.50%"; scientific "1.23E+04". Decimals are rounded half away from zero.
-std::string displayText(const Value& value, const CellStyle& style);
+/// percent "12.50%"; scientific "1.23E+04". Decimals are rounded half away from zero. A number format code
+/// of the style goes before its type, unless it means nothing or the value is no day of its calendar.
+/// `from1904`: how the workbook counts days.
+std::string displayText(const Value& value, const CellStyle& style, bool from1904 = false);
 
 /// A number in at most 15 significant digits, as cells without a number type show it.
 std::string generalNumberText(double number);

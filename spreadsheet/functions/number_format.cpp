@@ -295,10 +295,22 @@ std::string numberByParts(const FormatSection& section, double size)
     return result;
 }
 
-std::optional<std::string> numberBySection(const FormatSection& section, double number, bool withSign)
+bool showsDay(const FormatSection& section)
 {
+    return std::ranges::any_of(section.parts, [](const FormatPart& part) {
+        return part.kind == Kind::year || part.kind == Kind::month || part.kind == Kind::day ||
+               part.kind == Kind::chineseWeekday;
+    });
+}
+
+std::optional<std::string> numberBySection(const FormatSection& section, double number, bool withSign,
+                                           bool from1904)
+{
+    constexpr double daysFrom1900To1904 = 1462;
+    if (section.isDate && number < 0)
+        return std::nullopt;
     if (section.isDate)
-        return dateText(section, number);
+        return dateText(section, from1904 && showsDay(section) ? number + daysFrom1900To1904 : number);
     const std::string text = numberByParts(section, std::fabs(number));
     return withSign && number < 0 && !text.empty() ? "-" + text : text;
 }
@@ -311,7 +323,8 @@ bool holdsOnlyNegative(const FormatSection& section)
            (section.condition == Condition::lessEqual && section.limit < 0);
 }
 
-std::optional<std::string> numberText(const std::vector<FormatSection>& sections, double number)
+std::optional<std::string> numberText(const std::vector<FormatSection>& sections, double number,
+                                      bool from1904)
 {
     using Condition = FormatSection::Condition;
     const std::size_t count = std::min<std::size_t>(sections.size(), 3); // the fourth is for texts
@@ -321,15 +334,16 @@ std::optional<std::string> numberText(const std::vector<FormatSection>& sections
         for (std::size_t i = 0; i < count; ++i) {
             const bool bySign = i == 1 && count > 2 && sections[i].condition == Condition::none;
             if (bySign ? number < 0 : sections[i].holds(number))
-                return numberBySection(sections[i], number, !bySign && !holdsOnlyNegative(sections[i]));
+                return numberBySection(sections[i], number, !bySign && !holdsOnlyNegative(sections[i]),
+                                       from1904);
         }
         return std::string("#");
     }
     if (count > 1 && number < 0)
-        return numberBySection(sections[1], number, false);
+        return numberBySection(sections[1], number, false, from1904);
     if (count > 2 && number == 0)
-        return numberBySection(sections[2], number, false);
-    return numberBySection(sections[0], number, true);
+        return numberBySection(sections[2], number, false, from1904);
+    return numberBySection(sections[0], number, true, from1904);
 }
 
 std::string textBySections(const std::vector<FormatSection>& sections, std::string_view text)
@@ -347,16 +361,21 @@ std::string textBySections(const std::vector<FormatSection>& sections, std::stri
 
 } // namespace
 
-std::optional<std::string> formattedText(const Value& value, std::string_view code)
+std::optional<std::string> formattedText(const Value& value, std::string_view code, bool from1904)
+{
+    const Value number = value.isBoolean() ? value : toNumber(value);
+    return formattedCell(number.isError() ? value : number, code, from1904);
+}
+
+std::optional<std::string> formattedCell(const Value& value, std::string_view code, bool from1904)
 {
     const auto sections = parseFormatCode(code);
     if (!sections)
         return std::nullopt;
     if (value.isBoolean())
         return std::string(value.boolean() ? "TRUE" : "FALSE");
-    const Value number = toNumber(value);
-    return number.isNumber() ? numberText(*sections, number.number())
-                             : textBySections(*sections, value.textView());
+    return value.isNumber() ? numberText(*sections, value.number(), from1904)
+                            : textBySections(*sections, value.textView());
 }
 
 } // namespace spreadsheet

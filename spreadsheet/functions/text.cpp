@@ -4,8 +4,6 @@
 #include "spreadsheet/functions/double_bytes.h"
 #include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/number_format.h"
-#include "spreadsheet/functions/number_format_code.h"
-#include "spreadsheet/functions/plain_arguments.h"
 #include "spreadsheet/functions/wildcards.h"
 
 #include <algorithm>
@@ -258,28 +256,15 @@ Operand joined(Call& call)
     return call.failed() ? call.error() : textResult(result);
 }
 
-/// Whether a code shows days, which formats count from 1900.
-bool showsDay(std::string_view code)
-{
-    const auto sections = parseFormatCode(code);
-    return sections && !sections->empty() &&
-           std::ranges::any_of(sections->front().parts, [](const auto& part) {
-               return part.kind == FormatPart::Kind::year || part.kind == FormatPart::Kind::month ||
-                      part.kind == FormatPart::Kind::day || part.kind == FormatPart::Kind::chineseWeekday;
-           });
-}
-
 Operand formatted(Call& call)
 {
-    Value value = call.value(0);
+    const Value value = call.value(0);
     const std::string code = call.text(1);
     if (value.isError())
         return value;
     if (call.failed())
         return call.error();
-    if (const double shift = serialShift(call); shift != 0 && value.isNumber() && showsDay(code))
-        value = value.number() + shift;
-    const auto text = formattedText(value, code);
+    const auto text = formattedText(value, code, call.place().workbook.countsFrom1904());
     return text ? textResult(*text) : Operand(CellError::value);
 }
 

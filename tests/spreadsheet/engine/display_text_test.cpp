@@ -182,3 +182,55 @@ TEST(TypedText, TheBoxKeepsAFormulaAFormulaAndARefusedOneKeepsTheCell)
     enterText(workbook, sheet, {1, 1}, "", TypedInto::cell);
     EXPECT_TRUE(sheet.value({1, 1}).isEmpty());
 }
+
+TEST(DisplayText, NumberFormatCodesGoBeforeTheType)
+{
+    const struct {
+        Value value;
+        const char* code;
+        const char* shown;
+    } cases[] = {
+        {1234.565, "#,##0.00", "1,234.57"},
+        {-1234.5, "#,##0.00_);(#,##0.00)", "(1,234.50)"},
+        {0.125, "0%", "13%"},
+        {46022.75, "yyyy-mm-dd hh:mm", "2025-12-31 18:00"},
+        {46022.0, "yyyy\"年\"m\"月\"d\"日\"", "2025年12月31日"},
+        {1.5, "# ?/?", "1 1/2"},
+        {1204.0, "[DBNum2]General\"元整\"", "壹仟贰佰零肆元整"},
+        {-1.0, "yyyy-mm-dd", "-1.0"},   // no day
+        {12.5, "no such code", "12.5"}, // means nothing
+        {0.1 + 0.2, "General", "0.3"},
+        {0.0, "#,##0;-#,##0;\"-\"", "-"},
+        {Value::text("12"), "0.00", "12"}, // a text stays a text
+        {Value::text("甲"), "0;0;0;\"科目\"@", "科目甲"},
+        {Value::boolean(true), "0.00", "TRUE"},
+        {CellError::na, "0.00", "#N/A"},
+        {Value(), "0.00", ""},
+    };
+    for (const auto& c : cases) {
+        CellStyle style;
+        style.type = CellType::number;
+        style.decimals = 1;
+        style.numberFormat = Text(c.code);
+        EXPECT_EQ(displayText(c.value, style), c.shown) << c.code;
+    }
+}
+
+TEST(DisplayText, DaysFrom1904)
+{
+    Workbook workbook;
+    workbook.setCountsFrom1904(true);
+    Sheet& sheet = workbook.sheet(1);
+    CellStyle dated;
+    dated.type = CellType::date;
+    sheet.setStyle({1, 1}, dated);
+    dated.numberFormat = Text("d/m/yyyy");
+    sheet.setStyle({1, 2}, dated);
+    sheet.setNumber({1, 1}, 0);
+    sheet.setNumber({1, 2}, 60);
+    ASSERT_FALSE(sheet.setFormula({1, 3}, "TEXT(A2,\"yyyy-mm-dd\")"));
+    workbook.recalculate();
+    EXPECT_EQ(sheet.displayText({1, 1}), "1904-01-01");
+    EXPECT_EQ(sheet.displayText({1, 2}), "1/3/1904");
+    EXPECT_EQ(sheet.displayText({1, 3}), "1904-03-01");
+}
