@@ -55,7 +55,7 @@ CellEditor::CellEditor(QWidget* parent, const FunctionHints& hints)
     , m_problem(new QLabel(parent))
 {
     setObjectName(QStringLiteral("cellEditor"));
-    setFrameShape(QFrame::NoFrame);
+    setFrameStyle(QFrame::Box | QFrame::Plain); // tells where the text ends that covers other cells
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setTabChangesFocus(false);
@@ -123,7 +123,7 @@ void CellEditor::fit()
         wanted = std::max(wanted, fontMetrics().horizontalAdvance(line) + margins);
         ++lines;
     }
-    const int most = std::max(m_cell.width(), m_limits.right() - m_cell.left() + 1);
+    const int most = std::max(m_cell.width(), m_limits.right() - m_cell.left()); // one for the frame
     const int width = std::clamp(wanted, m_cell.width(), most);
     if (wanted > most) {
         lines = 0;
@@ -136,7 +136,7 @@ void CellEditor::fit()
     // One line fits its cell, whose height may be a pixel short of what an editor likes.
     const int needed = lines == 1 ? m_cell.height() : lines * fontMetrics().lineSpacing() + margins;
     const int height = std::clamp(needed, m_cell.height(), tallest);
-    setGeometry(m_cell.left(), m_cell.top(), width, height);
+    setGeometry(QRect(m_cell.left(), m_cell.top(), width, height).adjusted(-1, -1, 1, 1));
     m_problem->move(m_cell.left(), m_cell.top() + height + 2);
 }
 

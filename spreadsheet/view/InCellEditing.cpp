@@ -22,6 +22,7 @@ QPalette paperOf(const CellStyle& style)
         return own == automaticColour ? QColor(automatic) : QColor(QRgb(own));
     };
     QPalette palette;
+    palette.setColor(QPalette::WindowText, palette.color(QPalette::Highlight)); // the frame's
     palette.setColor(QPalette::Base, colour(style.background, Qt::white));
     palette.setColor(QPalette::Text, colour(style.foreground, Qt::black));
     return palette;
@@ -43,7 +44,7 @@ InCellEditing::InCellEditing(SpreadsheetControl& control, CellAddress cell, Edit
     const QString text = QString::fromStdString(editedText(workbook, own, cell));
     m_editor->open({&workbook, control.activeSheet(), cell}, text,
                    start == EditStart::keep ? CellEditor::Mode::edit : CellEditor::Mode::enter,
-                   control.cellRect(cell), control.rect());
+                   control.cellRect(cell), control.cellArea());
     connect(&m_editor->assistant(), &FormulaAssistant::colouredCellsChanged, this,
             &InCellEditing::showFrames);
     connect(m_editor, &CellEditor::commitRequested, this, &InCellEditing::commitByKey);
@@ -180,10 +181,10 @@ void InCellEditing::place()
     const bool away = m_control.workbook().sheetIndexOfId(m_sheetId) != m_control.activeSheet();
     QRect cell = m_control.cellRect(m_cell);
     if (away || cell.isEmpty()) // out of sight the text stays where it was
-        cell = m_editor->geometry();
+        cell = m_editor->geometry().adjusted(1, 1, -1, -1);
     if (const Sheet* own = sheet())
         m_editor->setFont(m_control.screenFont(own->style(m_cell).font));
-    m_editor->place(cell, m_control.rect());
+    m_editor->place(cell, m_control.cellArea());
 }
 
 void InCellEditing::compose(QInputMethodEvent* event)

@@ -210,6 +210,11 @@ QRect SpreadsheetControl::cellRect(CellAddress cell) const
     return m_view->geometry().visibleRect(m_view->sheet().extent(cell));
 }
 
+QRect SpreadsheetControl::cellArea() const
+{
+    return m_view->geometry().cellArea();
+}
+
 std::optional<CellAddress> SpreadsheetControl::cellAt(QPoint place) const
 {
     if (!m_view->geometry().cellArea().contains(place))

@@ -121,7 +121,8 @@ void SpreadsheetControl::focusOutEvent(QFocusEvent* event)
                            event->reason() != Qt::ActiveWindowFocusReason &&
                            event->reason() != Qt::MenuBarFocusReason;
     const QWidget* now = QApplication::focusWidget();
-    if (elsewhere && !isEditing() && (!now || !isAncestorOf(now)))
+    const bool within = now && (now->window() != window() || isAncestorOf(now)); // lists are windows too
+    if (elsewhere && !isEditing() && !within)
         leave(-1, -1);
 }
 

@@ -91,7 +91,7 @@ TEST_F(Editor, KeysEndTheEntryOrMoveInTheTextByMode)
     key(Qt::Key_Return, Qt::AltModifier);
     QTest::keyClicks(&editor, "b");
     EXPECT_EQ(text(), "a\nb");
-    EXPECT_GT(editor.height(), 20);
+    EXPECT_GT(editor.height(), 22);
     open("=1+", edit);
     key(Qt::Key_F2);
     key(Qt::Key_Left);
@@ -119,13 +119,13 @@ TEST_F(Editor, KeysOfTheWindowGoOnToIt)
 TEST_F(Editor, GrowsWithItsTextToTheLimits)
 {
     open("1", CellEditor::Mode::edit);
-    EXPECT_EQ(editor.size(), QSize(80, 20));
+    EXPECT_EQ(editor.size(), QSize(82, 22)) << "the cell and a frame around it";
     QTest::keyClicks(&editor, QString(30, 'm'));
-    EXPECT_GT(editor.width(), 80);
+    EXPECT_GT(editor.width(), 82);
     EXPECT_LE(editor.geometry().right(), 600);
     QTest::keyClicks(&editor, QString(120, 'm'));
     EXPECT_LE(editor.geometry().right(), 600);
-    EXPECT_GT(editor.height(), 20) << "wraps beyond the limit";
+    EXPECT_GT(editor.height(), 22) << "wraps beyond the limit";
 }
 
 TEST_F(Editor, NamesAreOfferedWhileTypingAndTakenByTab)
