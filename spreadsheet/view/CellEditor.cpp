@@ -142,6 +142,7 @@ void CellEditor::fit()
 
 void CellEditor::showProblem(const QString& reason, int place)
 {
+    m_mode = Mode::edit; // the text is to be mended, not left
     if (place >= 0) {
         m_assistant->markMistake(place);
         QTextCursor cursor = textCursor();
