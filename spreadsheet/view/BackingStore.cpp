@@ -40,8 +40,15 @@ void BackingStore::draw(QPainter& painter, const QRegion& region) const
 {
     for (const QRect& rect : region& m_area) {
         const QRect inside = rect.translated(-m_area.topLeft());
+        const bool isPart = region.rectCount() > 1;
+        if (isPart) { // within a clip of several rectangles the painter would not just copy
+            painter.save();
+            painter.setClipRect(rect, Qt::IntersectClip);
+        }
         painter.drawPixmap(QRectF(rect), m_pixmap,
                            QRectF(QPointF(inside.topLeft()) * m_ratio, QSizeF(inside.size()) * m_ratio));
+        if (isPart)
+            painter.restore();
     }
 }
 

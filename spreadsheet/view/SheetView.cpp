@@ -152,7 +152,7 @@ bool SheetView::scrollTo(CellAddress topLeft)
     else
         m_store.scroll({area.left(), scrolled.top(), area.width(), scrolled.height()}, 0, down);
     m_shown.take(sheet(), m_geometry, noteMarks());
-    m_widget.update();
+    updateArea();
     return true;
 }
 
@@ -167,7 +167,7 @@ void SheetView::changeSelection(const std::function<void(Selection&, const Sheet
 void SheetView::changeOverlays(const std::function<void(CellOverlays&)>& change)
 {
     change(m_overlays);
-    m_widget.update();
+    updateArea();
 }
 
 void SheetView::setReferences(std::vector<ReferenceFrame> frames)
@@ -228,13 +228,19 @@ void SheetView::spoilRow(int row)
     m_widget.update(rect);
 }
 
+/// Asks for all headings and cells, not for what stands beside them: a plain rectangle is copied quicker.
+void SheetView::updateArea()
+{
+    m_widget.update(QRect(QPoint(0, 0), m_geometry.area()));
+}
+
 void SheetView::repaintAll()
 {
     m_store.reset(QRect({m_geometry.headingWidth() - 1, m_geometry.headingHeight() - 1},
                         QPoint(m_geometry.area().width() - 1, m_geometry.area().height() - 1)),
                   m_widget.devicePixelRatioF());
     m_shown.take(sheet(), m_geometry, noteMarks());
-    m_widget.update();
+    updateArea();
 }
 
 void SheetView::paint(QPainter& painter, const QRegion& region)

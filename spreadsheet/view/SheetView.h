@@ -74,6 +74,7 @@ private:
     void paintPane(QPainter& painter, const Pane& pane, const QRect& part);
     void paintFreezeLines(QPainter& painter) const;
     void spoilRow(int row);
+    void updateArea();
 
     QWidget& m_widget;
     Workbook* m_workbook;
