@@ -66,7 +66,9 @@ void addIfFound(QStringList& list, const QString& family)
 
 const QStringList& PrintFonts::families(std::string_view family)
 {
-    if (const auto known = m_families.find(family); known != m_families.end())
+    // Kept for the process: asking the system takes longer than drawing a page's texts.
+    static std::map<std::string, QStringList, std::less<>> chosen;
+    if (const auto known = chosen.find(family); known != chosen.end())
         return known->second;
     QStringList list;
     const QString asked = QString::fromUtf8(family.data(), static_cast<qsizetype>(family.size()));
@@ -75,7 +77,7 @@ const QStringList& PrintFonts::families(std::string_view family)
     addIfFound(list, installedOf(chainOf(asked)));
     addIfFound(list, installedOf(songChain));
     addIfFound(list, installedOf(heiChain));
-    return m_families.emplace(family, list).first->second;
+    return chosen.emplace(family, list).first->second;
 }
 
 const QFont& PrintFonts::font(const FontRequest& request)

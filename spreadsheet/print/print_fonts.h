@@ -22,7 +22,7 @@ struct FontRequest {
 ///
 /// Families of a report that are not installed give way to one of the same kind (Song, Hei, Kai,
 /// FangSong); every font ends with the default Song family for characters that it lacks, so that no
-/// Chinese text comes out in the look of another country.
+/// Chinese text comes out in the look of another country. Fonts installed later count from the next start on.
 class PrintFonts {
 public:
     /// @param twip  units that a twip is long; below 1 the fonts are those of a screen, hinted to its pixels
@@ -34,12 +34,11 @@ public:
     const QFont& font(const FontRequest& request);
 
 private:
-    const QStringList& families(std::string_view family);
+    static const QStringList& families(std::string_view family);
 
     double m_twip;
     using Key = std::tuple<std::string, int, bool, bool>;
     std::map<Key, QFont> m_fonts;
-    std::map<std::string, QStringList, std::less<>> m_families;
 };
 
 } // namespace spreadsheet
