@@ -333,9 +333,9 @@ void XlsxSheetWriter::headers()
 {
     const std::string header = writeForeignHeader(m_settings.print.header);
     const std::string footer = writeForeignHeader(m_settings.print.footer);
-    const bool fit = (header.empty() || worksheet_set_header(m_target, header.c_str()) == LXW_NO_ERROR) &
-                     (footer.empty() || worksheet_set_footer(m_target, footer.c_str()) == LXW_NO_ERROR);
-    if (!fit)
+    const bool headerFits = header.empty() || worksheet_set_header(m_target, header.c_str()) == LXW_NO_ERROR;
+    const bool footerFits = footer.empty() || worksheet_set_footer(m_target, footer.c_str()) == LXW_NO_ERROR;
+    if (!headerFits || !footerFits)
         m_source.warnings.add("表“" + m_source.sheet.name() + "”的页眉或页脚太长 (超过 255 个字),没有写出");
 }
 
