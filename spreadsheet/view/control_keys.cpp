@@ -199,7 +199,7 @@ bool SpreadsheetControl::selectByKey(const QKeyEvent& event)
     if (event.key() == Qt::Key_A && modifiers == Qt::ControlModifier)
         return choose({1, 1, settings.columnCount, settings.rowCount});
     if (event.key() == Qt::Key_Space && modifiers == Qt::ControlModifier)
-        return choose({range.left, 1, range.right, withShift(event) ? settings.rowCount : settings.rowCount});
+        return choose({range.left, 1, range.right, settings.rowCount});
     if (event.key() == Qt::Key_Space && modifiers == Qt::NoModifier && withShift(event))
         return choose({1, range.top, settings.columnCount, range.bottom});
     const bool isPage = event.key() == Qt::Key_PageUp || event.key() == Qt::Key_PageDown;
