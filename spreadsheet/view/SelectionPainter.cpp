@@ -30,6 +30,14 @@ void drawFrame(QPainter& painter, const QRect& rect, const QColor& colour, int w
     painter.fillRect(QRect(outer.right() - width + 1, outer.top(), width, outer.height()), colour);
 }
 
+/// A cell of the range stands in the pane: the frame of another one must not show at the pane's edge.
+bool meets(const Pane& pane, const CellRange& range)
+{
+    const PrintedPage& cells = pane.cells;
+    return range.intersects({cells.columnTracks.front().index, cells.rowTracks.front().index,
+                             cells.columnTracks.back().index, cells.rowTracks.back().index});
+}
+
 void drawMarchingFrame(QPainter& painter, const QRect& rect, const QColor& colour, int phase)
 {
     const QRect line = rect.adjusted(-1, -1, -1, -1);
@@ -93,20 +101,20 @@ void SelectionPainter::paintPane(QPainter& painter, const Pane& pane, const Cell
         tinted += m_geometry.rectIn(pane, range) & pane.rect;
     for (const QRect& rect : tinted - activeRect)
         painter.fillRect(rect, tint);
-    if (m_selection.ranges().size() == 1)
-        drawFrame(painter, m_geometry.rectIn(pane, m_selection.lastRange()), mark, 2);
-    else
-        drawFrame(painter, activeRect, mark, 2);
-    for (const ReferenceFrame& frame : overlays.references) {
-        const QRect rect = m_geometry.rectIn(pane, frame.range);
-        QColor light = frame.colour;
+    const auto frame = [&](const CellRange& range, const QColor& colour, int width) {
+        if (meets(pane, range))
+            drawFrame(painter, m_geometry.rectIn(pane, range), colour, width);
+    };
+    frame(m_selection.ranges().size() == 1 ? m_selection.lastRange() : active, mark, 2);
+    for (const ReferenceFrame& reference : overlays.references) {
+        QColor light = reference.colour;
         light.setAlphaF(0.10F);
-        painter.fillRect(rect & pane.rect, light);
-        drawFrame(painter, rect, frame.colour, 2);
+        painter.fillRect(m_geometry.rectIn(pane, reference.range) & pane.rect, light);
+        frame(reference.range, reference.colour, 2);
     }
     if (overlays.fillGoal)
-        drawFrame(painter, m_geometry.rectIn(pane, *overlays.fillGoal), mark.darker(130), 1);
-    if (overlays.copied)
+        frame(*overlays.fillGoal, mark.darker(130), 1);
+    if (overlays.copied && meets(pane, *overlays.copied))
         drawMarchingFrame(painter, m_geometry.rectIn(pane, *overlays.copied), mark, overlays.copiedPhase);
 }
 
