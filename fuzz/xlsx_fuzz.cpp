@@ -16,7 +16,7 @@ namespace {
 void append(std::string& bytes, std::uint64_t number, int size)
 {
     for (int i = 0; i < size; ++i)
-        bytes += static_cast<char>(number >> 8 * i & 0xFF);
+        bytes += i < 8 ? static_cast<char>(number >> 8 * i & 0xFF) : static_cast<char>(0);
 }
 
 /// An archive of uncompressed parts.

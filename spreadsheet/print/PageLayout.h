@@ -1,6 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/CellAddress.h"
-#include "spreadsheet/print/header_footer.h"
+#include "spreadsheet/engine/header_footer.h"
 #include "spreadsheet/print/page_bands.h"
 
 #include <optional>
