@@ -1,5 +1,5 @@
 #include "printing/header_codes.h"
-#include "spreadsheet/print/header_footer.h"
+#include "spreadsheet/engine/header_footer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,2 +1,0 @@
-#pragma once
-#include "spreadsheet/engine/header_footer.h"
