@@ -1,72 +1,13 @@
 #pragma once
-#include "spreadsheet/functions/Aggregates.h"
+#include "spreadsheet/formula/LineIndex.h"
+#include "spreadsheet/formula/OrderedColumn.h"
 
-#include <array>
 #include <cstdint>
 #include <memory>
-#include <span>
-#include <string>
-#include <string_view>
+#include <tuple>
 #include <unordered_map>
-#include <vector>
 
 namespace spreadsheet {
-
-/// Where each value stands in the cells of one column from a top row down. It is taken further down
-/// when a deeper bottom is asked for: only cells that somebody asked for are sure to be computed.
-class ColumnIndex {
-public:
-    ColumnIndex(const Workbook& workbook, int sheet, int column, int top);
-
-    /// Reads the cells down to `bottom`; nothing to do if they are read already.
-    void extend(int bottom);
-
-    /// The ascending rows of equal values.
-    struct Rows {
-        std::vector<int> rows;
-    };
-    // Null if the value stands nowhere. Rows may lie below the bottom that was last asked for.
-    const Rows* number(double wanted) const;
-    const Rows* text(std::string_view folded) const;
-    /// Texts that read as a number, by that number.
-    const Rows* numericText(double wanted) const;
-    const Rows* boolean(bool wanted) const;
-
-    /// Sum and count of the numbers that stand beside equal values: in the rows, moved by `shift`, of
-    /// another column, for rows down to `bottom`. Kept and taken further like the index itself.
-    const Total& totalBeside(const Rows& rows, int bottom, int sheet, int column, int shift);
-
-private:
-    struct TextHash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
-    };
-    /// Sums over one column for one value, as far as they go.
-    struct Beside {
-        Total total;
-        std::size_t rows = 0; ///< so many of the value's rows are in it
-    };
-    struct BesideKey {
-        const Rows* rows;
-        std::uint64_t column;
-        friend bool operator==(const BesideKey&, const BesideKey&) = default;
-    };
-    struct BesideHash {
-        std::size_t operator()(const BesideKey& key) const;
-    };
-
-    void add(const CellStretch& stretch);
-    void addText(const Text::Body* text, int row);
-
-    const Workbook& m_workbook;
-    Area m_area; ///< what is read so far
-    // Maps of this kind never move their values: Rows may be pointed to.
-    std::unordered_map<std::uint64_t, Rows> m_numbers;
-    std::unordered_map<std::string, Rows, TextHash, std::equal_to<>> m_texts;
-    std::unordered_map<std::uint64_t, Rows> m_numericTexts;
-    std::array<Rows, 2> m_booleans;
-    std::unordered_map<BesideKey, Beside, BesideHash> m_beside;
-};
 
 /// A state over a range that starts where the last one did and has grown since, as running sums do.
 template <typename State>
@@ -96,9 +37,12 @@ public:
     {
     }
 
-    /// The index of an area of one column, read down to its bottom. Null if the range is short or
-    /// asked for the first time: then it is as quick to go through it.
-    ColumnIndex* index(const Area& column);
+    /// The index of an area of one column (or, not `down`, of one row), read to its end. Null if the
+    /// range is short or asked for the first time: then it is as quick to go through it.
+    LineIndex* index(const Area& line, bool down = true);
+    /// The order of an area of one column. Null if it is short or was not asked for often: sorting costs
+    /// more than going through it a few times.
+    OrderedColumn* ordered(const Area& column);
 
     /// A Total, Extremes or Counts over an area of at least `shortestRange` rows.
     template <typename State>
@@ -108,13 +52,22 @@ public:
     }
 
 private:
-    struct Entry {
+    struct Line {
         bool asked = false;
-        std::unique_ptr<ColumnIndex> index;
+        std::unique_ptr<LineIndex> index;
     };
 
     const Workbook& m_workbook;
-    std::unordered_map<std::uint64_t, Entry> m_indexes;
+    std::unordered_map<std::uint64_t, Line> m_columns;
+    std::unordered_map<std::uint64_t, Line> m_rows;
+    struct Order {
+        int asked = 0;
+        std::unique_ptr<OrderedColumn> column;
+    };
+    static constexpr int asksBeforeSorting = 8;
+    static constexpr int mostOrders = 16; ///< kept at a time: growing ranges would fill the memory
+    std::map<std::tuple<std::uint64_t, int>, Order> m_orders; ///< by first cell and bottom
+    int m_orderCount = 0;
     std::tuple<GrowingStates<Total>, GrowingStates<Extremes>, GrowingStates<Counts>> m_growing;
 };
 

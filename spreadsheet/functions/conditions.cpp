@@ -1,6 +1,6 @@
 #include "spreadsheet/functions/conditions.h"
 
-#include "spreadsheet/formula/LookupIndexes.h"
+#include "spreadsheet/functions/condition_index.h"
 
 #include <array>
 
@@ -25,6 +25,33 @@ Area cellsOf(const Area& area, const Block& block)
     return {area.sheet, {column, top, column, top + block.count - 1}};
 }
 
+template <typename Holds>
+void narrowBy(std::span<const double> numbers, std::uint8_t* mask, Holds&& holds)
+{
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        mask[i] &= static_cast<std::uint8_t>(holds(numbers[i]));
+}
+
+/// The same for a stretch of numbers and a condition on numbers, without a look at each cell's kind.
+void narrowNumbers(std::span<const double> numbers, const Criterion& criterion, std::uint8_t* mask)
+{
+    const double limit = criterion.number();
+    switch (criterion.comparison()) {
+    case Criterion::Comparison::equal:
+        return narrowBy(numbers, mask, [limit](double number) { return number == limit; });
+    case Criterion::Comparison::notEqual:
+        return narrowBy(numbers, mask, [limit](double number) { return number != limit; });
+    case Criterion::Comparison::less:
+        return narrowBy(numbers, mask, [limit](double number) { return number < limit; });
+    case Criterion::Comparison::lessEqual:
+        return narrowBy(numbers, mask, [limit](double number) { return number <= limit; });
+    case Criterion::Comparison::greater:
+        return narrowBy(numbers, mask, [limit](double number) { return number > limit; });
+    case Criterion::Comparison::greaterEqual:
+        return narrowBy(numbers, mask, [limit](double number) { return number >= limit; });
+    }
+}
+
 /// Takes the places out of the mask that do not meet the condition.
 void narrow(const Workbook& workbook, const Condition& condition, const Block& block, Mask& mask)
 {
@@ -38,54 +65,28 @@ void narrow(const Workbook& workbook, const Condition& condition, const Block& b
     forEachStretch(workbook, cells, [&](const CellStretch& stretch) {
         const int first = stretch.firstRow - cells.cells.top;
         gapUpTo(first);
+        next = first + stretch.count;
+        if (condition.criterion.kind() == Criterion::Kind::number && holdsOnlyNumbers(stretch))
+            return narrowNumbers(numbersOf(stretch), condition.criterion, mask.data() + first);
         for (int i = 0; i < stretch.count; ++i) {
             std::uint8_t& place = mask[static_cast<std::size_t>(first + i)];
             place = place && condition.criterion.matches(stretch.kinds[i], stretch.payloads[i]);
         }
-        next = first + stretch.count;
     });
     gapUpTo(block.count);
 }
 
-/// Where equal values stand: a number may stand as a number and as a text.
-struct EqualRows {
-    ColumnIndex* index = nullptr;
-    std::array<const ColumnIndex::Rows*, 2> lists{};
-
-    std::size_t size() const
-    {
-        return (lists[0] ? lists[0]->rows.size() : 0) + (lists[1] ? lists[1]->rows.size() : 0);
+/// Adds the numbers whose places are in the mask.
+template <typename State>
+void addChosen(std::span<const double> numbers, const std::uint8_t* mask, State& state)
+{
+    double chosen[CellBlock::maxCells];
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        chosen[count] = numbers[i];
+        count += mask[i];
     }
-};
-
-/// Nothing if the condition is no plain equality over one column or the column has no index (yet).
-std::optional<EqualRows> equalRows(const EvaluationPlace& place, const Condition& condition)
-{
-    using Kind = Criterion::Kind;
-    const Criterion& criterion = condition.criterion;
-    const bool plain = criterion.kind() == Kind::number || criterion.kind() == Kind::text ||
-                       criterion.kind() == Kind::boolean;
-    if (!place.indexes || !plain || criterion.comparison() != Criterion::Comparison::equal ||
-        condition.area.cells.columns() != 1)
-        return std::nullopt;
-    EqualRows rows;
-    rows.index = place.indexes->index(condition.area);
-    if (!rows.index)
-        return std::nullopt;
-    if (criterion.kind() == Kind::number)
-        rows.lists = {rows.index->number(criterion.number()), rows.index->numericText(criterion.number())};
-    else if (criterion.kind() == Kind::text)
-        rows.lists = {rows.index->text(criterion.text()), nullptr};
-    else
-        rows.lists = {rows.index->boolean(criterion.boolean()), nullptr};
-    return rows;
-}
-
-std::size_t rowsDownTo(const ColumnIndex::Rows& list, int bottom)
-{
-    if (list.rows.back() <= bottom)
-        return list.rows.size();
-    return static_cast<std::size_t>(std::ranges::upper_bound(list.rows, bottom) - list.rows.begin());
+    state.add(std::span<const double>(chosen, count));
 }
 
 } // namespace
@@ -164,7 +165,7 @@ bool ConditionalCells::eachIndexedRow(Use&& use) const
 {
     if (m_conditions.size() < 2)
         return false;
-    std::optional<EqualRows> fewest;
+    std::optional<IndexedRows> fewest;
     std::size_t chosen = 0;
     for (std::size_t i = 0; i < m_conditions.size(); ++i) {
         const auto rows = equalRows(m_place, m_conditions[i]);
@@ -185,10 +186,10 @@ bool ConditionalCells::eachIndexedRow(Use&& use) const
         }
         return true;
     };
-    for (const ColumnIndex::Rows* list : fewest->lists) {
-        const std::size_t count = list ? rowsDownTo(*list, cells.bottom) : 0;
+    for (const Places* list : fewest->lists) {
+        const std::size_t count = IndexedRows::downTo(*list, cells.bottom);
         for (std::size_t i = 0; i < count; ++i) {
-            const int row = list->rows[i] - cells.top;
+            const int row = list->all[i] - cells.top;
             if (meetsOthers(row))
                 use(row);
         }
@@ -199,12 +200,8 @@ bool ConditionalCells::eachIndexedRow(Use&& use) const
 double ConditionalCells::count() const
 {
     if (m_conditions.size() == 1) {
-        if (const auto equal = equalRows(m_place, m_conditions.front())) {
-            std::size_t found = 0;
-            for (const ColumnIndex::Rows* list : equal->lists)
-                found += list ? rowsDownTo(*list, m_conditions.front().area.cells.bottom) : 0;
-            return static_cast<double>(found);
-        }
+        if (const auto counted = indexedCount(m_place, m_conditions.front()))
+            return *counted;
     }
     double found = 0;
     if (eachIndexedRow([&](int) { ++found; }))
@@ -236,6 +233,8 @@ State ConditionalCells::gathered(const Area& numbers) const
         const Area cells = cellsOf(numbers, block);
         forEachStretch(m_place.workbook, cells, [&](const CellStretch& stretch) {
             const int first = stretch.firstRow - cells.cells.top;
+            if (holdsOnlyNumbers(stretch))
+                return addChosen(numbersOf(stretch), mask.data() + first, state);
             for (int i = 0; i < stretch.count; ++i) {
                 if (mask[static_cast<std::size_t>(first + i)])
                     state.add(CellStretch{stretch.payloads + i, stretch.kinds + i, 1, stretch.firstRow + i,
@@ -249,21 +248,8 @@ State ConditionalCells::gathered(const Area& numbers) const
 Total ConditionalCells::total(const Area& numbers) const
 {
     if (m_conditions.size() == 1) {
-        const Area& area = m_conditions.front().area;
-        if (const auto equal = equalRows(m_place, m_conditions.front())) {
-            Total total;
-            for (const ColumnIndex::Rows* list : equal->lists) {
-                if (!list)
-                    continue;
-                const Total& part =
-                    equal->index->totalBeside(*list, area.cells.bottom, numbers.sheet, numbers.cells.left,
-                                              numbers.cells.top - area.cells.top);
-                total.sum.add(part.sum);
-                total.count += part.count;
-                total.error = total.error ? total.error : part.error;
-            }
-            return total;
-        }
+        if (const auto total = indexedTotal(m_place, m_conditions.front(), numbers))
+            return *total;
     }
     return gathered<Total>(numbers);
 }

@@ -30,6 +30,7 @@ public:
     Kind kind() const { return m_kind; }
     double number() const { return m_number; }
     const std::string& text() const { return m_text; } ///< folded
+    const WildcardPattern& pattern() const { return m_pattern; }
     bool boolean() const { return m_number != 0; }
 
     bool matches(ValueKind kind, const Payload& payload) const;

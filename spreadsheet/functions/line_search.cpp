@@ -17,11 +17,12 @@ int usedSize(const Call& call, std::size_t argument, bool down)
     return std::max(0, down ? used.rows() : used.columns());
 }
 
-Area columnOf(const Area& area)
+/// The first column or row of an area.
+Area lineOf(const Area& area, bool down)
 {
-    Area column = area;
-    column.cells.right = column.cells.left;
-    return column;
+    Area line = area;
+    (down ? line.cells.right : line.cells.bottom) = down ? line.cells.left : line.cells.top;
+    return line;
 }
 
 } // namespace
@@ -50,15 +51,15 @@ Value Line::at(int place) const
 std::optional<int> Line::indexed(const Value& wanted) const
 {
     const Area& area = m_call[m_argument].area();
-    ColumnIndex* const index = m_call.place().indexes->index(columnOf(area));
+    LineIndex* const index = m_call.place().indexes->index(lineOf(area, m_down), m_down);
     if (!index)
         return std::nullopt;
-    const ColumnIndex::Rows* rows = wanted.isNumber() ? index->number(wanted.number())
-                                    : wanted.isText() ? index->text(foldedText(wanted.textView()))
-                                                      : index->boolean(wanted.boolean());
-    if (!rows || rows->rows.front() > area.cells.bottom)
+    const Places* places = wanted.isNumber() ? index->number(wanted.number())
+                           : wanted.isText() ? index->text(foldedText(wanted.textView()))
+                                             : index->boolean(wanted.boolean());
+    if (!places || places->all.front() > (m_down ? area.cells.bottom : area.cells.right))
         return m_size;
-    return rows->rows.front() - area.cells.top;
+    return places->all.front() - (m_down ? area.cells.top : area.cells.left);
 }
 
 std::optional<int> Line::equal(const Value& wanted) const
@@ -68,7 +69,7 @@ std::optional<int> Line::equal(const Value& wanted) const
         pattern.emplace(wanted.textView());
     const bool plain =
         !pattern || (!pattern->hasWildcards() && wanted.textView().find('~') == std::string_view::npos);
-    if (plain && !wanted.isEmpty() && m_down && m_call.place().indexes && m_call[m_argument].isArea()) {
+    if (plain && !wanted.isEmpty() && m_call.place().indexes && m_call[m_argument].isArea()) {
         if (const auto place = indexed(wanted))
             return *place < m_size ? place : std::nullopt;
     }

@@ -22,6 +22,11 @@ public:
         add(other.m_sum);
         m_error += other.m_error;
     }
+    void takeOff(const RunningSum& other)
+    {
+        add(-other.m_sum);
+        m_error -= other.m_error;
+    }
     /// Infinite if the sum is beyond the range of numbers.
     double total() const { return std::isfinite(m_sum) ? m_sum + m_error : m_sum; }
 

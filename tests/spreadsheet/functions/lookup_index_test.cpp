@@ -43,8 +43,9 @@ private:
         "0",  "1",     "2", "2.5", "7",    "'1",   "'2",    "'2.50", "a",      "A",  "ａ",   "ab",
         "a*", "what?", "~", "'",   "科目", "TRUE", "FALSE", "=B1",   "=1/4*4", "x1", "=0-0", "40607"};
     inline static const std::vector<std::string> wanted{
-        "0",  "1", "2.5", "99",   "'1",   "'2.5",  "a",   "ａ",   "AB", "a~*", "what~?", "~",
-        "a*", "?", "'",   "科目", "TRUE", "FALSE", "'>1", "'<>a", "'=", "'<>", "'=2",    "2011-3-5"};
+        "0",   "1",        "2.5",  "99",    "'1",   "'2.5", "a",     "ａ",  "AB",   "a~*", "what~?",
+        "~",   "a*",       "?",    "'",     "科目", "TRUE", "FALSE", "'>1", "'<>a", "'=",  "'<>",
+        "'=2", "2011-3-5", "'>=2", "'<2.5", "'<=7", "'>0",  "'a?",   "'*",  "'?*"};
     std::mt19937 m_random;
     FormulaSheet m_sheet;
 };
@@ -97,5 +98,26 @@ TEST(LookupIndex, AgreesWithReadingCellByCell)
             }
             table.changeSome();
         }
+    }
+}
+
+/// The same row searched whole and in parts too short for an index.
+TEST(LookupIndex, RowsAgreeWithReadingCellByCell)
+{
+    FormulaSheet sheet;
+    std::mt19937 random(7);
+    const std::vector<std::string> values{"1", "2", "'1", "a", "A", "TRUE", "'", "科目"};
+    for (int column = 1; column <= dataRows; ++column) {
+        if (random() % 4 != 0)
+            sheet.put(cellName({column, 1}), values[random() % values.size()]);
+        sheet.put(cellName({column, 2}), std::to_string(column));
+    }
+    for (const char* wanted : {"1", "2", "3", "\"1\"", "\"a\"", "TRUE", "\"科目\"", "\"x\"", "\"?\""}) {
+        const std::string of = std::string("(") + wanted;
+        const std::string whole = "IFERROR(HLOOKUP" + of + ",$A$1:$ET$2,2,FALSE),0)";
+        const std::string parts = "IFERROR(HLOOKUP" + of + ",$A$1:$AX$2,2,FALSE),IFERROR(HLOOKUP" + of +
+                                  ",$AY$1:$CV$2,2,FALSE),IFERROR(HLOOKUP" + of + ",$CW$1:$ET$2,2,FALSE),0)))";
+        // Asked several times: only the second question builds the index.
+        EXPECT_EQ(sheet.evaluate(whole + "-" + parts + "+" + whole + "-" + parts), "0") << wanted;
     }
 }
