@@ -41,6 +41,8 @@ void pasteOnce(Workbook& workbook, const QMimeData& data)
     if (paste(workbook, workbook.sheet(1), offered, std::get<PastePlan>(plan)))
         throw std::runtime_error("the paste was refused");
     workbook.recalculateChanged();
+    if (workbook.sheet(1).lastDataRow() != pastedRows || workbook.sheet(1).lastDataColumn() != pastedColumns)
+        throw std::runtime_error("the paste lacks cells");
 }
 
 void benchPaste(BenchTable& table, const std::string& what, const QMimeData& data)
@@ -116,6 +118,8 @@ void benchLargeSheet(BenchTable& table)
 
 int main(int argc, char** argv)
 {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     BenchTable table("commands");
     benchClipboard(table);

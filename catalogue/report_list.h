@@ -22,4 +22,14 @@ struct ListedReport {
 /// All stored reports in the order of their ids. @throws DatabaseError
 std::vector<ListedReport> storedReports(Connection& connection);
 
+/// An entry of the suite's menu of stored reports.
+struct MenuReport {
+    std::int32_t id = 0;
+    std::string name;
+};
+
+/// What stands in the suite's menu below its node of stored reports, in the order of the reports' ids.
+/// @throws DatabaseError
+std::vector<MenuReport> reportMenu(Connection& connection);
+
 } // namespace selfreport

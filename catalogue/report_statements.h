@@ -17,6 +17,10 @@ inline constexpr std::string_view reportListStatement =
     "select a.*,b.fusername as fbilleridname from tblCWSelfReport  as a left outer join tbluser as b on "
     "a.fbillerid=b.fuserid order by a.noid ";
 
+/// The suite's menu of stored reports.
+inline constexpr std::string_view reportMenuStatement =
+    "select fnumber,fname from tblsystemprivillenge where fparentid=521";
+
 /// @param name  as typed; blanks at its ends are taken off
 std::string insertMenuItemStatement(std::int64_t item, std::int64_t report, std::string_view name);
 

@@ -1,6 +1,7 @@
 #include "component/application.h"
 #include "component/host_call.h"
 #include "platform/dialogs/QtDialogs.h"
+#include "platform/dialogs/toolkit_dialogs.h"
 #include "platform/settings/QtSettings.h"
 
 #include <QApplication>
@@ -56,6 +57,7 @@ void useToolkitServices()
     static QtSettings settings;
     Dialogs::usual() = &boxes;
     SettingsStore::usual() = &settings;
+    useToolkitDialogs();
 }
 
 bool displayReached()

@@ -3,7 +3,6 @@
 #include "component/host_call.h"
 #include "component/instances.h"
 #include "component/state/shared_state.h"
-#include "component/windows.h"
 
 namespace selfreport {
 
@@ -20,10 +19,7 @@ clsSelfReport::~clsSelfReport()
 
 bool clsSelfReport::editForm(const std::int16_t& /*intType*/, const std::int16_t* /*isShow*/) noexcept
 {
-    m_lastError = hostCall([] {
-        startToolkit(Display::needed);
-        showDesigner();
-    });
+    m_lastError = hostCall([] { startToolkit(Display::needed); });
     return false;
 }
 
@@ -45,7 +41,6 @@ bool clsSelfReport::cwSelfReport() noexcept
         gRunMode = false;
         gFromList = 1;
         startToolkit(Display::needed);
-        showReportList();
     });
     return false;
 }
@@ -58,7 +53,6 @@ bool clsSelfReport::cwSelfReportExe(const std::int32_t& intInterId) noexcept
         gPreviewZoomIndex = -1;
         gReportId = intInterId;
         startToolkit(Display::needed);
-        showDesigner();
     });
     return false;
 }

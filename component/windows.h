@@ -8,8 +8,8 @@ namespace selfreport {
 /// The list of stored reports.
 void showReportList();
 
-/// The designer on the shared state as it is. When it closes and `gFromList` is 1 the list is refilled, keeping
-/// its current row; a list that is not open is refilled unseen.
+/// The designer on the shared state as it is. When it closes and `gFromList` is 1 the list is refilled,
+/// keeping its current row; a list that is not open is refilled unseen.
 void showDesigner();
 
 } // namespace selfreport

@@ -58,6 +58,7 @@ frmEditor::frmEditor(QWidget* parent)
 
 frmEditor::~frmEditor()
 {
+    m_fps1->cancelEdit(); // an open formula box is the grid's editor
     m_fps1->disconnect(this);
 }
 
@@ -70,6 +71,9 @@ void frmEditor::openReport()
         if (loadReport(name, m_fps1->workbook()))
             m_txtReportName->setText(QString::fromStdString(name));
         m_fps1->setWorkbook(&m_fps1->workbook()); // another content: shown from its first cell
+    } else {
+        gHeaderText.clear(); // those of the report before
+        gFooterText.clear();
     }
     addSelfFunction();
     m_fps1->setMode(gRunMode ? GridMode::run : GridMode::edit);

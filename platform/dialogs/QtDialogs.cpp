@@ -54,8 +54,7 @@ void QtDialogs::message(Icon icon, std::string_view title, std::string_view text
 
 bool QtDialogs::ask(Icon icon, std::string_view title, std::string_view text)
 {
-    return canShow() &&
-           show(icon, title, text, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+    return canShow() && show(icon, title, text, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
 } // namespace selfreport

@@ -6,13 +6,31 @@
 
 namespace selfreport {
 
+namespace {
+
+QString text(std::string_view utf8)
+{
+    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
+QString nameOf(std::string_view group, std::string_view key)
+{
+    return text(group) + '/' + text(key);
+}
+
+} // namespace
+
 std::string QtSettings::value(std::string_view group, std::string_view key) const
 {
     const QSettings settings(QSettings::IniFormat, QSettings::UserScope, "QnCW");
-    const QString name = QString::fromUtf8(group.data(), static_cast<qsizetype>(group.size())) + '/' +
-                         QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
     // A value with bare commas reads as a list.
-    return settings.value(name).toStringList().join(',').toStdString();
+    return settings.value(nameOf(group, key)).toStringList().join(',').toStdString();
+}
+
+void QtSettings::write(std::string_view group, std::string_view key, std::string_view value)
+{
+    QSettings settings(QSettings::IniFormat, QSettings::UserScope, "QnCW");
+    settings.setValue(nameOf(group, key), text(value));
 }
 
 } // namespace selfreport

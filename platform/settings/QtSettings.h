@@ -8,6 +8,9 @@ namespace selfreport {
 class QtSettings : public SettingsStore {
 public:
     std::string value(std::string_view group, std::string_view key) const override;
+
+    /// Keeps a value in that file, as a host does.
+    static void write(std::string_view group, std::string_view key, std::string_view value);
 };
 
 } // namespace selfreport

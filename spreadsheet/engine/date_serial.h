@@ -13,7 +13,7 @@ struct CalendarDay {
 };
 
 inline constexpr int daysFrom1900To1904 = 1462; ///< between the counts that begin in these years
-inline constexpr int lastSerial = 2'958'465; ///< 9999-12-31
+inline constexpr int lastSerial = 2'958'465;    ///< 9999-12-31
 
 /// The day of a serial number from 0 (shown as 1900-01-00) to lastSerial; nothing outside.
 std::optional<CalendarDay> dayOfSerial(double serial);

@@ -38,8 +38,8 @@ public:
 
     FormulaAssistant& assistant() { return *m_assistant; }
 
-    /// Shows why the text was refused, below the editor ("editorProblem"), and marks the place. Arrow keys move
-    /// within the text from then on.
+    /// Shows why the text was refused, below the editor ("editorProblem"), and marks the place. Arrow keys
+    /// move within the text from then on.
     /// @param place  UTF-16 units; -1: no place
     void showProblem(const QString& reason, int place);
 

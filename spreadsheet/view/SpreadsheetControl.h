@@ -64,7 +64,7 @@ public:
     // What is seen
     QRect cellRect(CellAddress cell) const; ///< of its whole span, in the control; empty if out of sight
     std::optional<CellAddress> cellAt(QPoint place) const; ///< nothing over headings and beyond the cells
-    QRect cellArea() const;                                 ///< all cells on screen, headings left out
+    QRect cellArea() const;                                ///< all cells on screen, headings left out
     CellAddress topLeftCell() const;                       ///< first cell behind the frozen rows and columns
     void setTopLeftCell(CellAddress cell);
     void bringIntoSight(CellAddress cell);

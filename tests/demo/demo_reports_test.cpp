@@ -58,7 +58,8 @@ TEST_F(DemoReports, StoredInOrderAndWithoutErrors)
         EXPECT_EQ(reports[i].savedBy, "系统管理员");
         const ReportRun run = runReport(connectionString(), reports[i].id);
         for (int index = 1; index <= run.workbook->sheetCount(); ++index)
-            EXPECT_EQ(spreadsheet::sheetCsv(run.workbook->sheet(index)).find('#'), std::string::npos) << names[i];
+            EXPECT_EQ(spreadsheet::sheetCsv(run.workbook->sheet(index)).find('#'), std::string::npos)
+                << names[i];
         EXPECT_NE(run.workbook->sheet(1).settings().print.footer.find("/p"), std::string::npos);
     }
 }

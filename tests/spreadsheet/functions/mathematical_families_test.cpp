@@ -68,7 +68,7 @@ TEST(Combinatorics, FactorialsAndChoices)
         {"SERIESSUM(2,1,2,{1;-3;0.5})", "-6"},
         {"SUMX2MY2({2,3,9},{6,5,11})", "-88"},
         {"SUMX2PY2({2,\"x\",9},{6,5,11})", "242"}, // a pair with a text is passed over
-        {"SUMXMY2(A2:A4,A1:A3)", "0"}, // no pair at all
+        {"SUMXMY2(A2:A4,A1:A3)", "0"},             // no pair at all
         {"SUMXMY2({1,2},{1})", "#N/A"},
         {"SUMXMY2(A:ZY,A:ZY)", "0"},
     });
