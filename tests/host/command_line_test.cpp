@@ -35,7 +35,6 @@ TEST(CommandLine, HelpExplainsEveryCommandAndOption)
         std::vector<const char*> named;
     };
     const Case cases[] = {
-        {"", {"demo", "list", "run", "check", "--db", "退出码"}},
         {"--help", {"demo", "list", "run", "check", "--db", "退出码"}},
         {"demo --help", {"FILE", "--overwrite"}},
         {"list --help", {"--db"}},
