@@ -218,24 +218,24 @@ std::string generalText(const FormatSection& section, double size)
 
 /// n/d of a size below 1: `below` is the denominator, or the places that it may take.
 struct Ratio {
-    long long above = 0;
-    long long below = 1;
+    double above = 0; ///< whole; beyond 64 bits where the size is
+    int below = 1;
 };
 
 Ratio nearestRatio(double size, std::string_view below)
 {
     if (below[0] >= '1' && below[0] <= '9') {
-        const long long fixed = std::stoll(std::string(below.substr(0, 6)));
-        return {std::llround(size * static_cast<double>(fixed)), fixed};
+        const int fixed = std::stoi(std::string(below.substr(0, 6)));
+        return {std::round(size * fixed), fixed};
     }
     constexpr std::size_t mostPlaces = 5;
-    const auto largest = static_cast<long long>(std::pow(10, std::min(below.size(), mostPlaces))) - 1;
+    const auto largest = static_cast<int>(std::pow(10, std::min(below.size(), mostPlaces))) - 1;
     constexpr double noise = 1e-12; // 0.3 is 3/10, not some longer ratio that is nearer by a hair
-    Ratio best{std::llround(size), 1};
-    double least = std::fabs(size - static_cast<double>(best.above));
-    for (long long d = 2; d <= largest && least > noise; ++d) {
-        const long long n = std::llround(size * static_cast<double>(d));
-        const double error = std::fabs(size - static_cast<double>(n) / static_cast<double>(d));
+    Ratio best{std::round(size), 1};
+    double least = std::fabs(size - best.above);
+    for (int d = 2; d <= largest && least > noise; ++d) {
+        const double n = std::round(size * d);
+        const double error = std::fabs(size - n / d);
         if (error < least - noise) {
             best = {n, d};
             least = error;
@@ -245,9 +245,9 @@ Ratio nearestRatio(double size, std::string_view below)
 }
 
 /// A number's digits in places of a fraction, blanks for "?" and zeros for "0" that are left over.
-std::string inPlaces(long long number, std::string_view places, bool above)
+std::string inPlaces(double number, std::string_view places, bool above)
 {
-    std::string text = std::to_string(number);
+    std::string text = fixedNumberText(number, 0);
     for (std::size_t i = text.size(); i < places.size(); ++i) {
         const char place = above ? places[places.size() - 1 - i] : places[i];
         if (place == '0' && above)
