@@ -3,6 +3,7 @@
 #include "component/host_call.h"
 #include "component/instances.h"
 #include "component/state/shared_state.h"
+#include "component/windows.h"
 
 namespace selfreport {
 
@@ -19,7 +20,10 @@ clsSelfReport::~clsSelfReport()
 
 bool clsSelfReport::editForm(const std::int16_t& /*intType*/, const std::int16_t* /*isShow*/) noexcept
 {
-    m_lastError = hostCall([] { startToolkit(Display::needed); });
+    m_lastError = hostCall([] {
+        startToolkit(Display::needed);
+        showDesigner();
+    });
     return false;
 }
 
@@ -41,6 +45,7 @@ bool clsSelfReport::cwSelfReport() noexcept
         gRunMode = false;
         gFromList = 1;
         startToolkit(Display::needed);
+        showReportList();
     });
     return false;
 }
@@ -53,6 +58,7 @@ bool clsSelfReport::cwSelfReportExe(const std::int32_t& intInterId) noexcept
         gPreviewZoomIndex = -1;
         gReportId = intInterId;
         startToolkit(Display::needed);
+        showDesigner();
     });
     return false;
 }

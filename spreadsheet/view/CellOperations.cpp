@@ -4,6 +4,7 @@
 #include "spreadsheet/print/PageCells.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace spreadsheet {
 
@@ -32,13 +33,15 @@ CellOperations::~CellOperations() = default;
 
 void CellOperations::setWorkbook(Workbook* workbook)
 {
-    std::unique_ptr<Workbook> former = std::move(m_own); // lives until nothing looks at it any more
+    std::unique_ptr<Workbook> former; // lives until nothing looks at it any more
+    if (workbook != m_own.get())
+        former = std::exchange(m_own, nullptr);
     if (!workbook)
         m_own = std::make_unique<Workbook>();
     m_workbook = workbook ? workbook : m_own.get();
     m_addressedId = 0;
     m_current = {};
-    sheetSwitched();
+    workbookSwitched();
 }
 
 void CellOperations::setActiveSheet(int index)

@@ -27,7 +27,7 @@ public:
     Workbook& workbook() { return *m_workbook; }
     const Workbook& workbook() const { return *m_workbook; }
     /// Works on a workbook that somebody else owns and that must outlive this; null: on a fresh one of its
-    /// own.
+    /// own; the present one: it holds another content now, which is shown from its beginning.
     void setWorkbook(Workbook* workbook);
 
     // Sheets
@@ -129,8 +129,10 @@ protected:
     QStringList dropDownOf(CellAddress cell) const; ///< of the addressed sheet
     /// The cells or sheets changed by program.
     virtual void changed() {}
-    /// Another sheet is shown, or another workbook.
+    /// Another sheet is shown.
     virtual void sheetSwitched() {}
+    /// Another workbook, or another content, is shown.
+    virtual void workbookSwitched() { sheetSwitched(); }
     void recalculateAfterEdit();
 
 private:

@@ -188,6 +188,7 @@ public:
 protected:
     void changed() override;
     void sheetSwitched() override;
+    void workbookSwitched() override;
 
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;

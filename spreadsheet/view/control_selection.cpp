@@ -128,16 +128,21 @@ void SpreadsheetControl::focusOutEvent(QFocusEvent* event)
 
 // --- sheets
 
+void SpreadsheetControl::workbookSwitched()
+{
+    cancelEdit();
+    m_cut.reset();
+    m_view->setWorkbook(workbook());
+    sheetSwitched();
+}
+
 void SpreadsheetControl::sheetSwitched()
 {
     if (!workbook().journal().enabled())
         workbook().setUndoEnabled(true); // which forgets former steps
     if (!m_keepsEditing)
         cancelEdit();
-    if (&m_view->workbook() != &workbook())
-        m_view->setWorkbook(workbook());
-    else
-        m_view->update();
+    m_view->update();
     m_tabColumn = 0;
     placesChanged();
     showTabs();

@@ -1,6 +1,7 @@
 #include "component/clsSelfReport.h"
 #include "component/state/shared_state.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
+#include "tests/platform/WindowTest.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -27,9 +28,22 @@ void startAfresh()
     gReportId = 0;
 }
 
+/// Every window is closed as soon as it is open.
+struct ClsSelfReport : test::WindowTest {
+    ClsSelfReport()
+    {
+        QObject::connect(&closer, &QTimer::timeout, [] {
+            if (QWidget* const window = QApplication::activeModalWidget())
+                window->close();
+        });
+        closer.start(5);
+    }
+    QTimer closer;
+};
+
 } // namespace
 
-TEST(ClsSelfReport, OperationsHandOnWhatEarlierOnesLeft)
+TEST_F(ClsSelfReport, OperationsHandOnWhatEarlierOnesLeft)
 {
     startAfresh();
     clsSelfReport object;
@@ -58,7 +72,7 @@ TEST(ClsSelfReport, OperationsHandOnWhatEarlierOnesLeft)
               std::tuple(std::string("c"), std::string("t"), std::string("u"), std::string("/a")));
 }
 
-TEST(ClsSelfReport, InstancesShareOneStateAndAnyEndReleasesTheConnection)
+TEST_F(ClsSelfReport, InstancesShareOneStateAndAnyEndReleasesTheConnection)
 {
     startAfresh();
     clsSelfReport first;

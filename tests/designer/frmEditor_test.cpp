@@ -69,10 +69,19 @@ protected:
         QLineEdit& box = edit("txtFormula");
         box.setFocus();
         box.selectAll();
-        QTest::keyClicks(&box, text);
+        box.insert(text); // as an input method does: keys give ASCII only
         if (text.isEmpty())
             QTest::keyClick(&box, Qt::Key_Delete);
         QTest::keyClick(&box, last);
+    }
+
+    /// The first key opens an editor, which gets the others.
+    void typeInCell(const QString& text)
+    {
+        grid().setFocus();
+        for (const QChar key : text)
+            QTest::keyClick(QApplication::focusWidget(), key.toLatin1());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     }
 
     test::TestLedger ledger;
@@ -142,6 +151,107 @@ TEST_F(Designer, MenusInTheirOrder)
     EXPECT_EQ(control<QComboBox>(*window, "list2").itemText(67), "72");
 }
 
+TEST_F(Designer, SavingANewReportTwice)
+{
+    open();
+    edit("txtReportName").setText("  ");
+    trigger("MenuFileSave");
+    EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::exclamation, "测试账套", "报表名称不能为空！"}}));
+    EXPECT_TRUE(edit("txtReportName").hasFocus());
+
+    ledger.boxes.said.clear();
+    edit("txtReportName").setText("现金'表");
+    typeInBox("=1+1", Qt::Key_Return);
+    trigger("Save");
+    EXPECT_EQ(gEditFlag, 1);
+    trigger("MenuFileSave");
+    EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::information, "测试账套", "报表保存成功!"},
+                                                    {Icon::information, "测试账套", "报表修改成功!"}}));
+    EXPECT_EQ(ledger.query("select fname from tblCWSelfReport").rowCount(), 1u);
+    std::string name;
+    spreadsheet::Workbook stored;
+    ASSERT_TRUE(loadReport(name, stored));
+    EXPECT_EQ(name, "现金'表");
+    EXPECT_EQ(stored.sheet(1).formula({1, 1}), "1+1");
+}
+
+TEST_F(Designer, AFailedSaveLeavesTheDesignOnScreen)
+{
+    open();
+    edit("txtReportName").setText("现金表");
+    typeInBox("12.5", Qt::Key_Return);
+    const std::string good = std::exchange(gConnString, "Provider=SQLite;Data Source=/不存在/x.db");
+    trigger("MenuFileSave");
+    gConnString = good;
+    EXPECT_EQ(ledger.boxes.said,
+              (std::vector<Said>{{Icon::critical, "测试账套", "数据库文件不存在或读取错误!"}}));
+    EXPECT_EQ(gEditFlag, 0);
+    ledger.boxes.said.clear();
+    trigger("MenuFileSave");
+    EXPECT_EQ(ledger.boxes.said.at(0).text, "报表保存成功!");
+}
+
+TEST_F(Designer, RunModeShowsDataAndRefusesToSave)
+{
+    storeReport();
+    gRunMode = true;
+    open();
+    EXPECT_EQ(edit("txtReportName").text(), "现金表");
+    EXPECT_EQ(grid().text(1, 1), "100.25");
+    EXPECT_EQ(grid().text(1, 2), "200.5");
+    for (const char* way : {"MenuFileSave", "Save"})
+        trigger(way);
+    const Said refusal{Icon::exclamation, "测试账套", "请在报表编辑状态下进行保存,保存不成功!"};
+    EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{refusal, refusal}));
+    EXPECT_TRUE(edit("txtFormula").isReadOnly());
+    typeInCell("5");
+    trigger("MenuBold");
+    EXPECT_EQ(formula(1, 1), closingBalance);
+    EXPECT_FALSE(grid().sheet().style({1, 1}).font.bold);
+}
+
+TEST_F(Designer, DesignModeShowsStoredValuesUntilRecalculated)
+{
+    storeReport();
+    open();
+    EXPECT_EQ(edit("txtFormula").text(), closingBalance);
+    EXPECT_EQ(control<QLabel>(*window, "Label1").text(), "A1单元格公式为：");
+    EXPECT_EQ(ledger.query("select noid from tblCWSelfReport").rowCount(), 1u);
+    trigger("MenuRecalculate");
+    EXPECT_EQ(grid().text(1, 1), "100.25");
+}
+
+TEST_F(Designer, FormulaBoxWritesWhatItsCellGets)
+{
+    open();
+    const struct {
+        const char* what;
+        QString typed;
+        std::string formula;
+        QString shown;
+    } cases[] = {
+        {"a formula", "=1+2", "1+2", "3"},
+        {"a formula without its sign, by a known function", "SUM(1,2)", "SUM(1,2)", "3"},
+        {"the cell held a formula, so a text stays one", "4*2", "4*2", "8"},
+        {"emptied: the formula goes", "", "", ""},
+        {"a number", "12.5", "", "12.5"},
+        {"an emptied box leaves a constant", "", "", "12.5"},
+        {"a text", "合计", "", "合计"},
+    };
+    for (const auto& [what, typed, formula, shown] : cases) {
+        moveTo(2, 3);
+        typeInBox(typed, Qt::Key_Return);
+        EXPECT_EQ(this->formula(2, 3), formula) << what;
+        EXPECT_EQ(grid().text(2, 3), shown) << what;
+    }
+    const std::size_t steps = grid().workbook().journal().steps();
+    moveTo(2, 4);
+    moveTo(2, 3); // equal texts are no edits
+    EXPECT_EQ(grid().workbook().journal().steps(), steps);
+    typeInBox("=9", Qt::Key_Escape);
+    EXPECT_EQ(grid().text(2, 3), "合计");
+}
+
 TEST_F(Designer, ARefusedTextIsToldAndReachesNoOtherCell)
 {
     open();
@@ -157,6 +267,31 @@ TEST_F(Designer, ARefusedTextIsToldAndReachesNoOtherCell)
     moveTo(1, 3);
     EXPECT_EQ(grid().text(1, 2), "2");
     EXPECT_EQ(grid().text(1, 3), "");
+}
+
+TEST_F(Designer, FormulaBoxFollowsTheCell)
+{
+    open();
+    typeInBox("=1+2", Qt::Key_Return);
+    const struct {
+        const char* what;
+        std::function<void()> act;
+        QString box;
+    } cases[] = {
+        {"typed in the cell", [&] { typeInCell("=5"), moveTo(1, 1); }, "5"},
+        {"undone", [&] { trigger("MenuUndo"); }, "1+2"},
+        {"cleared", [&] { QTest::keyClick(&grid(), Qt::Key_Delete); }, ""},
+        {"undone again", [&] { trigger("MenuUndo"); }, "1+2"},
+        {"a row above", [&] { trigger("MenuInsertRow"); }, ""},
+        {"another sheet", [&] { grid().addSheet(), grid().setActiveSheet(2); }, ""},
+    };
+    for (const auto& [what, act, box] : cases) {
+        act();
+        EXPECT_EQ(edit("txtFormula").text(), box) << what;
+    }
+    grid().setActiveSheet(1);
+    EXPECT_EQ(formula(1, 2), "1+2"); // nothing stale was written on the way
+    EXPECT_EQ(grid().sheet().formula({1, 1}), "");
 }
 
 TEST_F(Designer, CaptionAndLooksOfTheEnteredCell)
@@ -180,6 +315,25 @@ TEST_F(Designer, CaptionAndLooksOfTheEnteredCell)
         {"Bold", true}, {"Italic", false}, {"Left", false}, {"Middle", true}, {"Right", false}};
     for (const auto& [key, is] : pressed)
         EXPECT_EQ(action(key).isChecked(), is) << key;
+}
+
+TEST_F(Designer, FormulasShownAndBack)
+{
+    storeReport();
+    open();
+    trigger("MenuRecalculate");
+    trigger("MenuShowFormula");
+    trigger("MenuShowFormula"); // once more does nothing
+    EXPECT_EQ(grid().text(1, 1), closingBalance);
+    EXPECT_EQ(grid().sheet().tag({1, 1}).view(), "13");
+    trigger("MenuFileSave");
+    window.reset();
+    open();
+    EXPECT_EQ(grid().text(1, 1), closingBalance);
+    trigger("MenuShowDate");
+    EXPECT_EQ(grid().text(1, 1), "100.25");
+    EXPECT_EQ(grid().sheet().style({1, 1}).type, CellType::number);
+    EXPECT_EQ(grid().text(2, 1), "合计");
 }
 
 TEST_F(Designer, DiagnosticsNameCellAndReason)
@@ -225,6 +379,96 @@ TEST_F(Designer, TableProperties)
     }
     answer({"7", "7", "7", "三月"}, "cmdClose");
     EXPECT_EQ(grid().rowCount(), 500);
+}
+
+TEST_F(Designer, OwnFilesOutAndIn)
+{
+    ScriptedFileDialog files;
+    const FileDialogInUse inUse(files);
+    const std::string file = (folder.path() + "/导出.ss7").toStdString();
+    storeReport();
+    open();
+    files.answers = {file};
+    trigger("MenuEmportSpreadFile");
+    ASSERT_EQ(files.asked.size(), 1u);
+    EXPECT_TRUE(files.asked[0].toSave);
+    EXPECT_EQ(files.asked[0].settings.filter, "报表文件(*.ss7)|*.ss7");
+    EXPECT_EQ(files.asked[0].settings.flags, 32770);
+
+    window.reset();
+    gEditFlag = 0;
+    open();
+    trigger("MenuImpoertSpreadFile"); // cancelled
+    EXPECT_EQ(formula(1, 1), "");
+    EXPECT_EQ(files.asked[1].settings.fileName, "*.ss7");
+    EXPECT_EQ(files.asked[1].settings.title, "选择报表文件");
+    EXPECT_EQ(files.asked[1].settings.filter, "ss7 files|(*.ss7)");
+    EXPECT_EQ(files.asked[1].settings.flags, 4);
+    files.answers = {file};
+    trigger("MenuImpoertSpreadFile");
+    EXPECT_EQ(formula(1, 1), closingBalance);
+    EXPECT_EQ(edit("txtFormula").text(), closingBalance);
+    trigger("MenuRecalculate");
+    EXPECT_EQ(grid().text(1, 1), "100.25");
+
+    files.answers = {(folder.path() + "/不存在.ss7").toStdString()};
+    trigger("MenuImpoertSpreadFile");
+    EXPECT_EQ(formula(1, 1), closingBalance); // a failure changes nothing and shows no box
+    EXPECT_TRUE(ledger.boxes.said.empty());
+}
+
+TEST_F(Designer, ToolbarCopiesTheActiveCellsTextOnly)
+{
+    storeReport();
+    open();
+    moveTo(2, 1);
+    trigger("Copy");
+    EXPECT_EQ(QApplication::clipboard()->text(), "合计");
+    moveTo(2, 5);
+    trigger("Paste");
+    EXPECT_EQ(grid().text(2, 5), "合计");
+}
+
+TEST_F(Designer, AnUnsavedDesignIsOfferedAgain)
+{
+    open();
+    typeInBox("=6*7", Qt::Key_Return);
+    window->close();
+    EXPECT_TRUE(ledger.boxes.said.empty()); // closing asks nothing
+    ledger.boxes.answer = true;
+    open();
+    EXPECT_EQ(ledger.boxes.said.size(), 1u);
+    EXPECT_EQ(formula(1, 1), "6*7");
+    edit("txtReportName").setText("恢复");
+    trigger("MenuFileSave");
+    gEditFlag = 0;
+    ledger.boxes.said.clear();
+    open();
+    EXPECT_TRUE(ledger.boxes.said.empty()); // saved: nothing is left behind
+}
+
+TEST_F(Designer, BothRoadsThroughTheWindows)
+{
+    storeReport();
+    gFromList = 1;
+    whenModal("frmSelfReportMain", [this](QWidget& list) {
+        auto& rows = control<ListGrid>(list, "vsf1");
+        ASSERT_EQ(rows.rowCount(), 2);
+        whenModal("frmEditor", [this](QWidget& designer) {
+            EXPECT_EQ(control<QLineEdit>(designer, "txtReportName").text(), "现金表");
+            control<QLineEdit>(designer, "txtReportName").setText("改名");
+            control<QAction>(designer, "MenuFileSave").trigger();
+            control<QAction>(designer, "MenuFileClose").trigger();
+        });
+        control<QPushButton>(list, "cmd_1").click();
+        EXPECT_EQ(rows.text(1, 1), "改名"); // refilled
+        EXPECT_EQ(rows.row(), 1);
+        list.close();
+    });
+    showReportList();
+    whenModal("frmEditor", [](QWidget& designer) { designer.close(); });
+    showDesigner(); // the list is closed: it is refilled unseen
+    EXPECT_EQ(gListRow, 1);
 }
 
 } // namespace

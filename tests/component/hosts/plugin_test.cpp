@@ -3,6 +3,8 @@
 #include <QJsonObject>
 #include <QMetaMethod>
 #include <QPluginLoader>
+#include <QTimer>
+#include <QWidget>
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -68,6 +70,12 @@ TEST(SelfReportPlugin, AnswersFalseOnTheHostsThreadAndRefusesOthers)
     char name[] = "host";
     char* arguments[] = {name, nullptr};
     const QApplication application(count, arguments);
+    QTimer user; // closes what opens
+    QObject::connect(&user, &QTimer::timeout, [] {
+        if (QWidget* const window = QApplication::activeModalWidget())
+            window->close();
+    });
+    user.start(5);
     const Plugin plugin;
     EXPECT_FALSE(runReport(plugin.object.get(), 1));
     EXPECT_EQ(plugin.error(), "");

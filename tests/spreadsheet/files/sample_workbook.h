@@ -104,7 +104,7 @@ inline const std::vector<std::string>& sampleFormulas()
         "EOMONTH(A1,1)",
         "ROUND(1.5E+30,2)",
         "1E-05",
-        "TODAY()-NOW()",
+        "TODAY()>NOW()",
         "SUBTOTAL(9,A1:A5)",
         "COUNTIF(A1:A9,\">0\")",
     };
