@@ -67,6 +67,7 @@ void frmEditor::buildControls()
     buildLabels(*layout);
     layout->place(splitter, sheetPlace);
     m_status = new EditorStatus;
+    m_status->setContentsMargins(0, 0, 6, 0);
     layout->place(m_status, statusPlace);
     buildCommands();
     resize(sizeHint());

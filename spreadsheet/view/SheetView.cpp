@@ -52,6 +52,8 @@ void SheetView::showSheet()
     const auto known = m_states.find(m_sheetId);
     const SheetState state = known == m_states.end() ? SheetState{} : known->second;
     m_selection = state.selection;
+    if (known == m_states.end())
+        m_selection.setActive(sheet(), {1, 1});
     m_selection.fitInto(sheet());
     measure();
     m_geometry.scrollTo(state.topLeft);

@@ -1,7 +1,13 @@
 // Saves a picture of every window into a folder: screenshots_program FOLDER [WINDOW]
 #include "catalogue/frmSelfReportMain.h"
+#include "component/frmHost.h"
+#include "component/frmRunParameters.h"
 #include "component/state/shared_state.h"
 #include "component/tool_api.h"
+#include "designer/frmEditor.h"
+#include "designer/frmTableInfo.h"
+#include "formatting/frmCellBorder.h"
+#include "formatting/frmDataType.h"
 #include "formula/dialogs/frmFunction.h"
 #include "formula/dialogs/frmFunctionInput.h"
 #include "formula/dialogs/frmFunctionInput1.h"
@@ -18,6 +24,7 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QEventLoop>
@@ -65,6 +72,24 @@ std::unique_ptr<QWidget> filledWizard()
     return window;
 }
 
+spreadsheet::SpreadsheetControl& emptyGrid()
+{
+    static spreadsheet::SpreadsheetControl grid;
+    return grid;
+}
+
+/// The demo's first report, the balance sheet.
+std::unique_ptr<QWidget> designer(bool running, const char* command = nullptr)
+{
+    gReportId = 1;
+    gEditFlag = 1;
+    gRunMode = running;
+    auto window = std::make_unique<frmEditor>();
+    if (command)
+        window->findChild<QAction*>(command)->trigger();
+    return window;
+}
+
 std::vector<Picture> pictures()
 {
     static test::RecordingCell cell;
@@ -72,6 +97,14 @@ std::vector<Picture> pictures()
     return {
         {"frmSelfReportMain", list},
         {"frmSelfReportMain-1280x800", list, {1280, 800}},
+        {"frmEditor", [] { return designer(false); }, {1280, 800}},
+        {"frmEditor-formulas", [] { return designer(false, "MenuShowFormula"); }, {1280, 800}},
+        {"frmEditor-run", [] { return designer(true); }, {1280, 800}},
+        {"frmTableInfo", [] { return std::make_unique<frmTableInfo>(emptyGrid()); }},
+        {"frmDataType", [] { return std::make_unique<frmDataType>(emptyGrid()); }},
+        {"frmCellBorder", [] { return std::make_unique<frmCellBorder>(emptyGrid()); }},
+        {"frmHost", [] { return std::make_unique<frmHost>(frmHost::Operations{}); }},
+        {"frmRunParameters", [] { return std::make_unique<frmRunParameters>(); }},
         {"frmFunction", [] { return std::make_unique<frmFunction>(cell); }},
         {"frmFunctionInput", [] { return filledInput(cell); }},
         {"frmAccountWizard", [] { return filledWizard(); }},

@@ -180,4 +180,17 @@ TEST_F(ControlTest, RecalculationGoesThroughTheHook)
     EXPECT_EQ(control.text(3, 2), "8");
 }
 
+TEST_F(ControlTest, ItsOwnWorkbookWithAnotherContentIsShownFromTheBeginning)
+{
+    control.setActiveCell(20, 90);
+    Sheet& sheet = control.workbook().sheet(1);
+    sheet.setText({1, 1}, "标题");
+    sheet.addSpan({1, 1, 4, 1});
+    control.setWorkbook(&control.workbook());
+    EXPECT_EQ(control.activeCell(), (CellAddress{1, 1}));
+    EXPECT_EQ(control.firstRange(), (CellRange{1, 1, 4, 1})); // the merged cell whole
+    EXPECT_EQ(control.topLeftCell(), (CellAddress{1, 1}));
+    EXPECT_EQ(control.text(1, 1), "标题");
+}
+
 } // namespace spreadsheet
