@@ -12,6 +12,9 @@ namespace selfreport::test {
 /// An application object for one test, unless the program has one already.
 class WindowTest : public ::testing::Test {
 protected:
+    /// What is to be deleted later is deleted while the application object lives.
+    ~WindowTest() override { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+
     /// Shows a widget and waits for it.
     static void show(QWidget& widget)
     {
