@@ -3,6 +3,7 @@
 #include "platform/basicdata/EntryTree.h"
 #include "platform/windows/buttons.h"
 
+#include <QCoreApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>

@@ -3,6 +3,7 @@
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QTextBlock>
 #include <QTextDocument>
 #include <QTextLayout>
 

@@ -4,6 +4,7 @@
 #include "tests/printing/PrintingTest.h"
 #include "tests/printing/TestPrintServer.h"
 
+#include <gmock/gmock.h>
 #include <QElapsedTimer>
 #include <QRegularExpression>
 

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 
 namespace spreadsheet {
 
@@ -235,7 +236,7 @@ private:
     void font(const HeaderFont& font)
     {
         static constexpr std::array<std::string_view, 4> styles{"Regular", "Bold", "Italic", "Bold Italic"};
-        m_text += "&" + std::to_string(static_cast<int>(font.points + 0.5));
+        m_text += "&" + std::to_string(std::lround(font.points));
         if (!font.family.empty())
             m_text += "&\"" + font.family + "," +
                       std::string(styles[(font.bold ? 1u : 0u) + (font.italic ? 2u : 0u)]) + "\"";

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 namespace spreadsheet {
@@ -87,7 +88,7 @@ std::string fontCss(const CellFont& font)
     std::string css = "font:";
     css += font.italic ? "italic " : "";
     css += font.bold ? "bold " : "";
-    css += pointsText(static_cast<int>(font.points * 20 + 0.5f)) + " '";
+    css += pointsText(static_cast<int>(std::lround(font.points * 20))) + " '";
     for (const char c : font.family.empty() ? std::string_view("宋体") : font.family.view())
         css += std::string_view("'\\<>;{}").find(c) == std::string_view::npos ? c : ' ';
     css += "';";

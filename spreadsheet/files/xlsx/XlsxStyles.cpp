@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 
 namespace spreadsheet {
 
@@ -60,7 +61,7 @@ Colour tinted(Colour colour, double tint)
     for (const int shift : {16, 8, 0}) {
         const double channel = static_cast<double>(colour >> shift & 0xFF);
         const double moved = tint < 0 ? channel * (1 + tint) : channel + (255 - channel) * tint;
-        result |= static_cast<Colour>(std::clamp(moved, 0.0, 255.0) + 0.5) << shift;
+        result |= static_cast<Colour>(std::lround(std::clamp(moved, 0.0, 255.0))) << shift;
     }
     return result;
 }
