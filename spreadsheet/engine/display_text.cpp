@@ -126,10 +126,13 @@ std::string fixedNumberText(double number, int decimals, bool grouped)
 
 std::string generalNumberText(double number)
 {
-    const DecimalDigits digits = decimalDigits(number);
+    constexpr int widest = 20; // "0." and what follows it
+    DecimalDigits digits = decimalDigits(number);
+    digits.roundToSignificant(15);
     if (digits.digits.empty())
         return "0";
-    if (digits.exponent > 21 || digits.exponent < -8)
+    const int width = digits.exponent > 0 ? 0 : 2 - digits.exponent + static_cast<int>(digits.digits.size());
+    if (digits.exponent > widest + 1 || width > widest)
         return scientificText(digits, -1);
     std::string text = wholePart(digits);
     const std::string places = fraction(digits);

@@ -16,7 +16,8 @@ namespace spreadsheet {
 /// `from1904`: how the workbook counts days.
 std::string displayText(const Value& value, const CellStyle& style, bool from1904 = false);
 
-/// A number in at most 15 significant digits, as cells without a number type show it.
+/// A number in at most 15 significant digits, as cells without a number type show it; with an exponent
+/// from 1E+21 on and where a number below 1 would take more than 20 characters.
 std::string generalNumberText(double number);
 
 /// `decimals` (0 to 15) places after the point, rounded half away from zero on the decimal digits.

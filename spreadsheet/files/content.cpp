@@ -58,9 +58,10 @@ void writeWorkbook(flatbuffers::FlatBufferBuilder& builder, const Workbook& work
     formulas.finish(builder);
     texts.finish(builder);
     stored::FinishContentBuffer(
-        builder, stored::CreateContent(builder, texts.bytes, texts.ends, texts.counted, formulas.bytes,
-                                       formulas.formulas, styles.fonts, styles.styles, names, writtenSheets,
-                                       static_cast<std::uint32_t>(workbook.activeSheet())));
+        builder,
+        stored::CreateContent(builder, texts.bytes, texts.ends, texts.counted, formulas.bytes,
+                              formulas.formulas, styles.fonts, styles.styles, names, writtenSheets,
+                              static_cast<std::uint32_t>(workbook.activeSheet()), workbook.countsFrom1904()));
 }
 
 void readSheetNames(const stored::Content& content, Workbook& workbook)
@@ -87,6 +88,7 @@ void readNames(const stored::Content& content, Workbook& workbook)
 
 void readWorkbook(const stored::Content& content, Workbook& workbook)
 {
+    workbook.setCountsFrom1904(content.counts_from_1904());
     readSheetNames(content, workbook);
     const StoredTexts texts(content);
     const auto styles = readStyles(content, texts, workbook.styles());

@@ -157,7 +157,7 @@ void Evaluator::binary(const Instruction& instruction, const EvaluationPlace& pl
     else if (left.isArray() || right.isArray())
         push(applyToArrays(instruction.op, intersected(left, place), intersected(right, place), place));
     else
-        push(applyOperator(instruction.op, singleValue(left, place), singleValue(right, place)));
+        push(applyOperator(instruction.op, singleValue(left, place), singleValue(right, place), m_workbook));
 }
 
 void Evaluator::sign(const Instruction& instruction, const EvaluationPlace& place)
@@ -168,7 +168,7 @@ void Evaluator::sign(const Instruction& instruction, const EvaluationPlace& plac
     else if (instruction.arrayMode || operand.isArray())
         push(applyToArray(instruction.op, operand, place));
     else
-        push(applySign(instruction.op, singleValue(operand, place)));
+        push(applySign(instruction.op, singleValue(operand, place), m_workbook));
 }
 
 int Evaluator::branch(const Formula& formula, const Instruction& instruction, int position,
@@ -199,7 +199,7 @@ int Evaluator::branch(const Formula& formula, const Instruction& instruction, in
         push(std::move(condition));
         return instruction.other;
     }
-    const Value number = toNumber(taken);
+    const Value number = toNumber(taken, m_workbook);
     if (number.isNumber() && number.number() >= 1 && number.number() < instruction.count + 1)
         return formula.code[static_cast<std::size_t>(position + static_cast<int>(number.number()))].index;
     push(number.isError() ? number : Value(CellError::value));

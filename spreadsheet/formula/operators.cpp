@@ -23,6 +23,8 @@ Value power(double base, double exponent)
     return finite(std::pow(base, exponent));
 }
 
+} // namespace
+
 Value arithmetic(Op op, double a, double b)
 {
     switch (op) {
@@ -38,6 +40,8 @@ Value arithmetic(Op op, double a, double b)
         return power(a, b);
     }
 }
+
+namespace {
 
 Value comparison(Op op, const Value& left, const Value& right)
 {
@@ -86,7 +90,7 @@ Operand ofAreas(Areas areas)
 
 } // namespace
 
-Value applyOperator(Op op, const Value& left, const Value& right)
+Value applyOperator(Op op, const Value& left, const Value& right, const Workbook& workbook)
 {
     if (left.isNumber() && right.isNumber() && op <= Op::power)
         return arithmetic(op, left.number(), right.number());
@@ -98,18 +102,18 @@ Value applyOperator(Op op, const Value& left, const Value& right)
         return concatenation(left, right);
     if (op >= Op::equal)
         return comparison(op, left, right);
-    const Value a = toNumber(left);
-    const Value b = toNumber(right);
+    const Value a = toNumber(left, workbook);
+    const Value b = toNumber(right, workbook);
     if (a.isError())
         return a;
     return b.isError() ? b : arithmetic(op, a.number(), b.number());
 }
 
-Value applySign(Op op, const Value& value)
+Value applySign(Op op, const Value& value, const Workbook& workbook)
 {
     if (op == Op::plus)
         return value;
-    Value number = toNumber(value);
+    Value number = toNumber(value, workbook);
     if (number.isError())
         return number;
     return op == Op::negate ? Value(-number.number()) : Value(number.number() / 100);
@@ -169,14 +173,15 @@ std::shared_ptr<const Array> toArray(const Operand& operand, const EvaluationPla
 Operand applyToArrays(Op op, const Operand& left, const Operand& right, const EvaluationPlace& place)
 {
     if (left.isValue() && right.isValue())
-        return applyOperator(op, left.value(), right.value());
+        return applyOperator(op, left.value(), right.value(), place.workbook);
     const auto a = toArray(left, place);
     const auto b = toArray(right, place);
     auto result =
         std::make_shared<Array>(std::max(a->rows(), b->rows()), std::max(a->columns(), b->columns()));
     for (int row = 0; row < result->rows(); ++row) {
         for (int column = 0; column < result->columns(); ++column)
-            result->at(row, column) = applyOperator(op, a->spread(row, column), b->spread(row, column));
+            result->at(row, column) =
+                applyOperator(op, a->spread(row, column), b->spread(row, column), place.workbook);
     }
     return std::shared_ptr<const Array>(std::move(result));
 }
@@ -184,11 +189,11 @@ Operand applyToArrays(Op op, const Operand& left, const Operand& right, const Ev
 Operand applyToArray(Op op, const Operand& operand, const EvaluationPlace& place)
 {
     if (operand.isValue())
-        return applySign(op, operand.value());
+        return applySign(op, operand.value(), place.workbook);
     auto result = std::make_shared<Array>(*toArray(operand, place));
     for (int row = 0; row < result->rows(); ++row) {
         for (int column = 0; column < result->columns(); ++column)
-            result->at(row, column) = applySign(op, result->at(row, column));
+            result->at(row, column) = applySign(op, result->at(row, column), place.workbook);
     }
     return std::shared_ptr<const Array>(std::move(result));
 }

@@ -8,6 +8,7 @@
 namespace spreadsheet {
 
 struct EvaluationPlace;
+class Workbook;
 
 /// Differences this small beside their operands are rounding noise of the last binary places and
 /// count as zero, so that 0.5 - 0.4 - 0.1 is 0.
@@ -24,10 +25,13 @@ inline bool sameNumber(double a, double b)
     return a == b || cancelled(a - b, a) == 0.0;
 }
 
-/// One operator on two values; errors of the left side win.
-Value applyOperator(Op op, const Value& left, const Value& right);
+/// +, -, *, / or ^ on numbers; #NUM! beyond what a number can be.
+Value arithmetic(Op op, double a, double b);
+
+/// One operator on two values; errors of the left side win. The workbook says how dates in texts count.
+Value applyOperator(Op op, const Value& left, const Value& right, const Workbook& workbook);
 /// A sign or percent.
-Value applySign(Op op, const Value& value);
+Value applySign(Op op, const Value& value, const Workbook& workbook);
 
 /// The operator on whole operands, element by element; a single row, column or value repeats.
 Operand applyToArrays(Op op, const Operand& left, const Operand& right, const EvaluationPlace& place);

@@ -59,12 +59,7 @@ double Call::number(std::size_t argument)
 
 Value Call::numberOf(const Value& value) const
 {
-    const Value number = toNumber(value);
-    const bool mayBeDate = value.isText() && number.isNumber() && m_place.workbook.countsFrom1904();
-    if (!mayBeDate || parseDateTime(value.textView()) != number.number() || number.number() < 1)
-        return number;
-    const double serial = number.number() - daysFrom1900To1904;
-    return serial < 0 ? Value(CellError::value) : Value(serial);
+    return toNumber(value, m_place.workbook);
 }
 
 double Call::number(std::size_t argument, double otherwise)

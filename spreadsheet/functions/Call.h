@@ -113,6 +113,8 @@ private:
 /// A value as a number: empty 0, truth values 1 and 0, a text that reads as a number, percentage, date
 /// or time counts as it; any other text is #VALUE!.
 Value toNumber(const Value& value);
+/// The same with dates in texts in the workbook's own count of days; #VALUE! before its first day.
+Value toNumber(const Value& value, const Workbook& workbook);
 /// A value as text: numbers in general form, TRUE and FALSE; errors stay errors.
 Value toText(const Value& value);
 /// A value as truth value: numbers other than 0, the texts "TRUE" and "FALSE".

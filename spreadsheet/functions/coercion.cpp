@@ -1,5 +1,7 @@
+#include "spreadsheet/engine/date_serial.h"
 #include "spreadsheet/engine/display_text.h"
 #include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/formula/operators.h"
 #include "spreadsheet/functions/Call.h"
 
@@ -52,6 +54,33 @@ std::optional<double> decoratedNumber(std::string_view text)
     return factor == 0.01 ? *number / 100 : *number * factor;
 }
 
+/// "1 1/2": whole part, blank, numerator and denominator. A fraction alone reads as a date.
+std::optional<double> mixedFraction(std::string_view text)
+{
+    const bool negative = text.starts_with('-');
+    if (negative)
+        text.remove_prefix(1);
+    const std::size_t blank = text.find(' ');
+    const std::size_t slash = text.find('/');
+    if (blank == std::string_view::npos || slash == std::string_view::npos || slash < blank)
+        return std::nullopt;
+    const std::string_view parts[] = {text.substr(0, blank), trimmedBlanks(text.substr(blank, slash - blank)),
+                                      text.substr(slash + 1)};
+    double numbers[3] = {};
+    for (std::size_t i = 0; i < 3; ++i) {
+        const bool isDigits =
+            !parts[i].empty() && parts[i].find_first_not_of("0123456789") == std::string_view::npos;
+        const auto number = isDigits ? parseNumber(parts[i]) : std::nullopt;
+        if (!number)
+            return std::nullopt;
+        numbers[i] = *number;
+    }
+    if (numbers[2] == 0)
+        return std::nullopt;
+    const double size = numbers[0] + numbers[1] / numbers[2];
+    return negative ? -size : size;
+}
+
 int rank(const Value& value)
 {
     return value.isText() ? 1 : value.isBoolean() ? 2 : 0;
@@ -81,6 +110,8 @@ std::optional<double> numberOfText(std::string_view text)
         return plain;
     if (const auto decorated = decoratedNumber(text))
         return decorated;
+    if (const auto fraction = mixedFraction(text))
+        return fraction;
     return parseDateTime(text);
 }
 
@@ -100,6 +131,16 @@ Value toNumber(const Value& value)
     default:
         return value;
     }
+}
+
+Value toNumber(const Value& value, const Workbook& workbook)
+{
+    Value number = toNumber(value);
+    const bool mayBeDate = workbook.countsFrom1904() && value.isText() && number.isNumber();
+    if (!mayBeDate || number.number() < 1 || parseDateTime(value.textView()) != number.number())
+        return number; // a time of day alone is the same in both counts
+    const double serial = number.number() - daysFrom1900To1904;
+    return serial < 0 ? Value(CellError::value) : Value(serial);
 }
 
 Value toText(const Value& value)

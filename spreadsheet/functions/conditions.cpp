@@ -102,7 +102,7 @@ ConditionalCells::ConditionalCells(Call& call, std::size_t first, std::size_t pa
             call.fail(CellError::value);
             return;
         }
-        m_conditions.push_back({range.area(), Criterion(call.value(first + 1))});
+        m_conditions.push_back({range.area(), Criterion(call.value(first + 1), m_place.workbook)});
     }
     if (m_conditions.empty())
         call.fail(CellError::value);

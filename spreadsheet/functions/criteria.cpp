@@ -53,7 +53,7 @@ int sign(double difference)
 
 } // namespace
 
-Criterion::Criterion(const Value& condition)
+Criterion::Criterion(const Value& condition, const Workbook& workbook)
 {
     switch (condition.kind()) {
     case ValueKind::empty:
@@ -75,23 +75,23 @@ Criterion::Criterion(const Value& condition)
             if (!operand.starts_with(text))
                 continue;
             m_comparison = comparison;
-            readOperand(operand.substr(text.size()), true);
+            readOperand(operand.substr(text.size()), true, workbook);
             return;
         }
-        readOperand(operand, false);
+        readOperand(operand, false, workbook);
         break;
     }
     }
 }
 
-void Criterion::readOperand(std::string_view operand, bool hasOperator)
+void Criterion::readOperand(std::string_view operand, bool hasOperator, const Workbook& workbook)
 {
     if (operand.empty()) {
         m_kind = hasOperator ? Kind::empty : Kind::emptyOrText;
         return;
     }
-    if (const auto number = numberOfText(operand)) {
-        m_number = *number;
+    if (const Value number = toNumber(Value::text(operand), workbook); number.isNumber()) {
+        m_number = number.number();
         return;
     }
     if (const auto error = parseErrorText(operand)) {

@@ -8,6 +8,8 @@
 
 namespace spreadsheet {
 
+class Workbook;
+
 /// A condition of SUMIF, COUNTIF and their kind: ">=1000", "<>现金", "55*", 12, TRUE, "#N/A", "=".
 /// Texts ignore letter case and width; "=" alone means empty cells, "<>" alone cells that are not
 /// empty, an empty text both empty cells and empty texts. An empty value is the number 0.
@@ -24,7 +26,8 @@ public:
         emptyOrText, ///< the empty text
     };
 
-    explicit Criterion(const Value& condition);
+    /// `workbook` says how dates in the condition count.
+    Criterion(const Value& condition, const Workbook& workbook);
 
     Comparison comparison() const { return m_comparison; }
     Kind kind() const { return m_kind; }
@@ -38,7 +41,7 @@ public:
     bool matchesEmpty() const { return matches(ValueKind::empty, Payload{}); }
 
 private:
-    void readOperand(std::string_view operand, bool hasOperator);
+    void readOperand(std::string_view operand, bool hasOperator, const Workbook& workbook);
     bool equals(ValueKind kind, const Payload& payload) const;
     /// Less than 0, 0 or more than 0; nothing if the cell holds another kind of value.
     std::optional<int> order(ValueKind kind, const Payload& payload) const;

@@ -14,13 +14,13 @@ bool hasNoOperator(std::string_view text)
     return !text.empty() && text.front() != '=' && text.front() != '<' && text.front() != '>';
 }
 
-Criterion criterionOf(const Value& value)
+Criterion criterionOf(const Value& value, const Workbook& workbook)
 {
-    const Criterion plain(value);
+    const Criterion plain(value, workbook);
     const bool isText = plain.kind() == Criterion::Kind::text || plain.kind() == Criterion::Kind::pattern;
     if (!isText || !value.isText() || !hasNoOperator(value.textView()))
         return plain;
-    return Criterion(Value::text(std::string(value.textView()) + "*"));
+    return Criterion(Value::text(std::string(value.textView()) + "*"), workbook);
 }
 
 } // namespace
@@ -93,7 +93,7 @@ DatabaseCriteria::Row DatabaseCriteria::readRow(const Area& area, const std::vec
         const Value value = cellValue(m_place.workbook, area.sheet, cell);
         const bool isEmpty = value.isEmpty() || (value.isText() && value.textView().empty());
         if (!isEmpty)
-            conditions.push_back({fields[i], criterionOf(value), cell});
+            conditions.push_back({fields[i], criterionOf(value, m_place.workbook), cell});
     }
     return conditions;
 }

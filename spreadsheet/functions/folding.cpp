@@ -38,7 +38,8 @@ char32_t foldedCharacter(char32_t c)
 
 char32_t upperCharacter(char32_t c)
 {
-    return static_cast<char32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(c)));
+    constexpr char32_t sharpS = 0xDF; // its capital is no part of ordinary spelling
+    return c == sharpS ? c : static_cast<char32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(c)));
 }
 
 char32_t lowerCharacter(char32_t c)

@@ -148,7 +148,7 @@ const FunctionDescriptor table[] = {
     {"SQRT", 1, 1, "v", family, "数值", "返回数值的正平方根",
      ofNumber<[](double x) { return std::sqrt(x); }>},
     {"POWER", 2, 2, "vv", family, "底数,指数", "返回数值的乘幂",
-     ofNumbers<[](double a, double b) { return applyOperator(Op::power, a, b); }>},
+     ofNumbers<[](double a, double b) { return arithmetic(Op::power, a, b); }>},
     {"EXP", 1, 1, "v", family, "指数", "返回 e 的乘幂", ofNumber<[](double x) { return std::exp(x); }>},
     {"LN", 1, 1, "v", family, "数值", "返回数值的自然对数", ofNumber<[](double x) { return std::log(x); }>},
     {"LOG", 1, 2, "vv", family, "数值,[底数]", "返回数值对指定底数的对数，底数默认为10", logarithm},

@@ -250,7 +250,8 @@ private:
             m_exponent = true;
             return add(Kind::exponent, 2);
         }
-        if (c >= 'a' && c <= 'z')
+        constexpr std::string_view reserved = "abdeghmnsy"; // other letters stand for themselves: "0.0x"
+        if (reserved.find(c) != reserved.npos)
             return datePart(c);
         literalCharacter();
     }

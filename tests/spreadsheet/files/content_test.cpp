@@ -81,6 +81,7 @@ void fillEverything(Workbook& workbook)
 /// What the stored sample of version 1 does not hold.
 void fillLaterFields(Workbook& workbook)
 {
+    workbook.setCountsFrom1904(true);
     workbook.sheet(1).changeSettings([](SheetSettings& settings) {
         settings.print.usedAreaOnly = false;
         settings.print.fitWidth = settings.print.centredDown = settings.print.stamp = true;
@@ -94,6 +95,8 @@ std::string difference(const Workbook& a, const Workbook& b)
 {
     if (a.sheetCount() != b.sheetCount() || a.activeSheet() != b.activeSheet())
         return "sheets";
+    if (a.countsFrom1904() != b.countsFrom1904())
+        return "count of days";
     for (int index = 1; index <= a.sheetCount(); ++index) {
         const Sheet& left = a.sheet(index);
         const Sheet& right = b.sheet(index);

@@ -124,7 +124,7 @@ TEST(DateEdges, ChosenWeekends)
 
 TEST(DateEdges, DaysCountedFrom1904)
 {
-    FormulaSheet sheet;
+    FormulaSheet sheet({{"A1", "39145"}});
     sheet.workbook().setCountsFrom1904(true);
     sheet.expect({
         {"DATE(1904,1,1)", "0"},
@@ -138,6 +138,12 @@ TEST(DateEdges, DaysCountedFrom1904)
         {"TEXT(DATE(2011,3,5),\"yyyy-mm-dd\")&TEXT(0.5,\"h:mm\")", "\"2011-03-0512:00\""},
         {"YEAR(\"2011-3-5\")&EDATE(\"2011-3-5\",0)&HOUR(\"6:00\")", "\"2011391456\""},
         {"DAY(\"1901-1-1\")", "#VALUE!"},
+        {"\"2011-3-5\"+0", "39145"}, // operators and conditions count alike
+        {"-\"2011-3-5\"", "-39145"},
+        {"SUM(-{\"2011-3-5\",1})", "-39146"},
+        {"\"6:00\"*2", "0.5"},
+        {"\"1901-1-1\"+0", "#VALUE!"},
+        {"COUNTIF(A1,\">2011-3-4\")&COUNTIF(A1,\"2011-3-5\")&COUNTIF(A1,\">2011-3-5\")", "\"110\""},
         {"NETWORKDAYS(DATE(2011,3,1),DATE(2011,3,31))", "23"},
         {"COUPNCD(DATE(2011,1,25),DATE(2011,11,15),2)=DATE(2011,5,15)", "TRUE"},
         {"YEAR(TODAY())>2020", "TRUE"},
