@@ -96,7 +96,10 @@ QAction* frmEditor::actionOf(const EditorCommand& command)
     action->setObjectName(command.name);
     action->setShortcut(QKeySequence(command.shortcut));
     if (command.run)
-        connect(action, &QAction::triggered, this, [this, run = command.run] { run(*this); });
+        connect(action, &QAction::triggered, this, [this, run = command.run] {
+            finishOpening();
+            run(*this);
+        });
     return action;
 }
 
@@ -188,8 +191,7 @@ void frmEditor::connectGrid()
                                      QStringLiteral("表间取数公式"));
     m_fps1->ask = [](const QString& question) { return dialogs().question(gTitle, question.toStdString()); };
     m_fps1->recalculateChanged = [this] {
-        m_evaluation.recalculateChanged();
-        m_diagnostics->setDiagnostics(m_evaluation.diagnostics(), m_fps1->workbook());
+        recalculate(Extent::changes, [this] { return m_evaluation.recalculateChanged(); });
     };
     m_fps1->setCellNotes([this](int sheetId, spreadsheet::CellAddress cell) {
         return m_diagnostics->reasonFor({m_fps1->workbook().sheetIndexOfId(sheetId), cell.column, cell.row});

@@ -14,7 +14,7 @@
 #include "formula/dialogs/edit_call.h"
 #include "formula/dialogs/frmFunction.h"
 #include "formula/ledger_query.h"
-#include "platform/windows/WaitCursor.h"
+#include "platform/windows/CancellableWait.h"
 #include "printing/frmPreview.h"
 #include "printing/print_sheet.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -24,6 +24,10 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QTimer>
+
+#include <algorithm>
+#include <utility>
 
 namespace selfreport {
 
@@ -79,9 +83,8 @@ void frmEditor::openReport()
     m_fps1->setMode(gRunMode ? GridMode::run : GridMode::edit);
     m_txtFormula->setReadOnly(gRunMode);
     if (gRunMode) {
-        const WaitCursor waiting;
-        m_evaluation.startRun();
-        recalculated();
+        m_evaluation.showStoredData();
+        m_opensForUse = true;
     }
     m_evaluation.isShowFormula = 0;
     enterCell();
@@ -89,6 +92,20 @@ void frmEditor::openReport()
         m_recovery = std::make_unique<Recovery>(m_fps1->workbook(), storedReport());
         offerRecovery();
     }
+}
+
+/// The first frame does not wait for the ledger.
+void frmEditor::paintEvent(QPaintEvent* event)
+{
+    QDialog::paintEvent(event);
+    if (m_opensForUse)
+        QTimer::singleShot(0, this, &frmEditor::finishOpening);
+}
+
+void frmEditor::finishOpening()
+{
+    if (std::exchange(m_opensForUse, false))
+        recalculate(Extent::everything, [this] { return m_evaluation.recalculate(); });
 }
 
 void frmEditor::offerRecovery()
@@ -171,28 +188,45 @@ void frmEditor::enterCell()
     const CellAddress cell = m_fps1->activeCell();
     m_label1->setText(QString::fromStdString(spreadsheet::cellName(cell)) + QStringLiteral("单元格公式为："));
     showCellLooks();
-    m_status->showCell(*m_fps1, gRunMode                          ? QStringLiteral("使用")
-                                : m_evaluation.isShowFormula == 1 ? QStringLiteral("显示公式")
-                                                                  : QStringLiteral("设计"));
+    m_status->showCell(*m_fps1, modeText());
     const QString reason = m_diagnostics->reasonFor(
         {m_fps1->activeSheet(), m_fps1->activeCell().column, m_fps1->activeCell().row});
     if (!reason.isEmpty())
         m_status->showMessage(reason);
+    else if (m_cancelled != Extent::none)
+        m_status->showMessage(QStringLiteral("重算已取消,各单元格保留原来的数值"));
     else
         m_status->clearMessage();
 }
 
-void frmEditor::recalculated()
+QString frmEditor::modeText() const
 {
+    const QString mode = gRunMode                          ? QStringLiteral("使用")
+                         : m_evaluation.isShowFormula == 1 ? QStringLiteral("显示公式")
+                                                           : QStringLiteral("设计");
+    return m_cancelled == Extent::none ? mode : mode + QStringLiteral(" 数值未更新");
+}
+
+/// Recalculates while the user may cancel. What was cancelled stays told until it is computed.
+void frmEditor::recalculate(Extent extent, const std::function<bool()>& recalculation)
+{
+    bool isComplete = false;
+    {
+        const CancellableWait waiting(QStringLiteral("正在重算"));
+        isComplete = recalculation();
+    }
+    if (!isComplete)
+        m_cancelled = std::max(m_cancelled, extent);
+    else if (extent >= m_cancelled)
+        m_cancelled = Extent::none;
     m_diagnostics->setDiagnostics(m_evaluation.diagnostics(), m_fps1->workbook());
     m_fps1->refresh();
+    enterCell();
 }
 
 void frmEditor::MenuRecalculate_Click()
 {
-    const WaitCursor waiting;
-    m_evaluation.recalculate();
-    recalculated();
+    recalculate(Extent::everything, [this] { return m_evaluation.recalculate(); });
 }
 
 void frmEditor::MenuShowFormula_Click()
@@ -204,10 +238,7 @@ void frmEditor::MenuShowFormula_Click()
 
 void frmEditor::MenuShowDate_Click()
 {
-    const WaitCursor waiting;
-    m_evaluation.showData();
-    recalculated();
-    enterCell();
+    recalculate(Extent::everything, [this] { return m_evaluation.showData(); });
 }
 
 /// Dialogs work on this cell, whatever becomes active meanwhile.

@@ -65,11 +65,16 @@ public:
     void pasteIntoActiveCell();
     void showDiagnostics();
 
+    /// What opening for use ends with, once the window is seen: the recalculation. Commands that come earlier
+    /// call it first.
+    void finishOpening();
+
     /// Brings formula box, caption, lists, buttons and status bar in line with the active cell.
     void enterCell();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     class EditorGrid;
@@ -95,7 +100,9 @@ private:
     void keepCell();
     void showCellLooks();
     void tell(const std::optional<std::string>& refusal);
-    void recalculated();
+    enum class Extent { none, changes, everything };
+    void recalculate(Extent extent, const std::function<bool()>& recalculation);
+    QString modeText() const;
     void importFile();
     bool exportFile(spreadsheet::FileFormat format);
     bool transfer(const std::string& file, const std::function<std::vector<std::string>()>& work);
@@ -113,7 +120,9 @@ private:
     DiagnosticsPanel* m_diagnostics = nullptr;
     EditorStatus* m_status = nullptr;
     FormulaBox* m_formulaBox = nullptr;
-    FileDialogSettings m_cd1; ///< keeps what a command does not set
+    Extent m_cancelled = Extent::none; ///< what the user did not wait for, and was not computed since
+    bool m_opensForUse = false;        ///< the recalculation that opening ends with is still to come
+    FileDialogSettings m_cd1;          ///< keeps what a command does not set
     ReportEvaluation m_evaluation;
     std::unique_ptr<EditorGrid> m_grid;
     std::unique_ptr<Recovery> m_recovery;

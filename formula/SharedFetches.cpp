@@ -1,5 +1,6 @@
 #include "formula/SharedFetches.h"
 
+#include "component/state/driver_call.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
 #include "formula/frmEditor1.h"
@@ -75,11 +76,13 @@ void SharedFetches::fetchLedgerAnswers(const std::set<LedgerArguments>& wanted)
             fetches.push_back(arguments);
     if (fetches.empty())
         return;
-    const std::unique_ptr<Connection> connection = waveConnection();
+    std::unique_ptr<Connection> connection = waveConnection();
     if (!connection)
         return;
     try {
-        std::vector<std::optional<LedgerAnswer>> answers = fetchLedger(*connection, fetches);
+        using Answers = std::vector<std::optional<LedgerAnswer>>;
+        Answers answers = driverCall<Answers>(
+            connection, [fetches](Connection& open) { return fetchLedger(open, fetches); });
         for (std::size_t i = 0; i < fetches.size(); ++i)
             if (answers[i])
                 m_ledger.emplace(std::move(fetches[i]), std::move(*answers[i]));
@@ -98,7 +101,7 @@ void SharedFetches::loadReports(const std::set<std::string>& names)
                 continue;
             if (!connection && !(connection = waveConnection()))
                 return;
-            contents.emplace_back(name, storedContent(*connection, name));
+            contents.emplace_back(name, fetchedContent(connection, name));
         }
     } catch (const std::exception&) {
         // What was read so far is good; the other calls fetch for themselves.

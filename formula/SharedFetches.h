@@ -22,7 +22,7 @@ public:
     SharedFetches& operator=(const SharedFetches&) = delete;
 
     /// Fetches what the wave's `Acct` and `REF_F` calls need and tells each call's value. What cannot be
-    /// fetched here is left to the calls themselves.
+    /// fetched here is left to the calls themselves. @throws WorkCancelled
     void prepare(std::span<spreadsheet::PreparedCall> calls);
     /// The same for `Acct` calls only.
     void prepareLedger(std::span<spreadsheet::PreparedCall> calls);

@@ -5,6 +5,7 @@
 #include "formula/ledger_query.h"
 #include "formula/report_functions.h"
 #include "formula/SharedFetches.h"
+#include "platform/dialogs/UserWait.h"
 
 #include <algorithm>
 #include <charconv>
@@ -104,6 +105,7 @@ ReportEvaluation::~ReportEvaluation()
     m_workbook.registerFunction("Acct", 6, decline);
     m_workbook.registerFunction("REF_F", 3, decline);
     m_workbook.setPrepareHook({});
+    m_workbook.setPauseHook({});
 }
 
 void ReportEvaluation::addSelfFunction()
@@ -112,9 +114,15 @@ void ReportEvaluation::addSelfFunction()
     m_workbook.registerFunction("Acct", 6, callback);
     m_workbook.registerFunction("REF_F", 3, callback);
     m_workbook.setPrepareHook([this](std::span<spreadsheet::PreparedCall> calls) {
-        if (m_shared && isShowFormula != 1)
+        if (!m_shared || isShowFormula == 1)
+            return;
+        try {
             m_shared->prepare(calls);
+        } catch (const WorkCancelled&) {
+            // The recalculation stops with its next pause.
+        }
     });
+    m_workbook.setPauseHook([] { return userWait().pause(); });
 }
 
 void ReportEvaluation::fps1_CustomFunction(spreadsheet::FunctionCall& call)
@@ -122,12 +130,16 @@ void ReportEvaluation::fps1_CustomFunction(spreadsheet::FunctionCall& call)
     if (isShowFormula == 1)
         return;
     const RecalculationUnderWay underWay; // the workbook may recalculate without being asked here
-    guardedEvaluation([&] {
-        if (isFunction(call, "Acct"))
-            evaluateAcct(call, m_shared, m_log);
-        else if (isFunction(call, "REF_F"))
-            evaluateREF_F(call, m_shared, m_log);
-    });
+    try {
+        guardedEvaluation([&] {
+            if (isFunction(call, "Acct"))
+                evaluateAcct(call, m_shared, m_log);
+            else if (isFunction(call, "REF_F"))
+                evaluateREF_F(call, m_shared, m_log);
+        });
+    } catch (const WorkCancelled&) {
+        call.decline();
+    }
 }
 
 /// A cell of a former recalculation that computes nothing any more.
@@ -137,15 +149,23 @@ bool ReportEvaluation::isGone(spreadsheet::CallPlace place) const
            !m_workbook.sheet(place.sheet).hasFormula({place.column, place.row});
 }
 
-void ReportEvaluation::recalculateWith(const std::function<void()>& recalculation)
+bool ReportEvaluation::recalculateWith(const std::function<spreadsheet::RecalculationReport()>& recalculation)
 {
     const RecalculationUnderWay underWay;
     m_log = {};
     {
         SharedFetches shared;
         const SlotInUse<SharedFetches> inUse(m_shared, m_fetchesShared ? &shared : nullptr);
-        recalculation();
+        if (recalculation().stopped)
+            return false;
     }
+    takeDiagnostics();
+    return true;
+}
+
+/// Of the recalculation that has just ended; cells that it did not touch keep theirs.
+void ReportEvaluation::takeDiagnostics()
+{
     std::erase_if(m_diagnostics, [&](const CellDiagnostic& former) {
         return m_log.evaluated.contains(former.place) || isGone(former.place);
     });
@@ -153,17 +173,19 @@ void ReportEvaluation::recalculateWith(const std::function<void()>& recalculatio
     std::ranges::stable_sort(m_diagnostics, {}, &CellDiagnostic::place);
 }
 
-void ReportEvaluation::recalculate()
+bool ReportEvaluation::recalculate()
 {
-    recalculateWith([&] {
-        m_diagnostics.clear();
-        m_workbook.recalculate();
+    return recalculateWith([&] {
+        spreadsheet::RecalculationReport report = m_workbook.recalculate();
+        if (!report.stopped)
+            m_diagnostics.clear();
+        return report;
     });
 }
 
-void ReportEvaluation::recalculateChanged()
+bool ReportEvaluation::recalculateChanged()
 {
-    recalculateWith([&] { m_workbook.recalculateChanged(); });
+    return recalculateWith([&] { return m_workbook.recalculateChanged(); });
 }
 
 void ReportEvaluation::showFormulas()
@@ -174,26 +196,26 @@ void ReportEvaluation::showFormulas()
     forEveryCell(m_workbook, showFormula);
 }
 
-void ReportEvaluation::restoreTypes()
+void ReportEvaluation::showStoredData()
 {
     isShowFormula = 0;
     m_workbook.setFormulasShown(false);
     forEveryCell(m_workbook, restoreType);
 }
 
-void ReportEvaluation::showData()
+bool ReportEvaluation::showData()
 {
     {
         const spreadsheet::UndoStep step(m_workbook, "显示数据");
-        restoreTypes();
+        showStoredData();
     }
-    recalculate();
+    return recalculate();
 }
 
-void ReportEvaluation::startRun()
+bool ReportEvaluation::startRun()
 {
-    restoreTypes();
-    recalculate();
+    showStoredData();
+    return recalculate();
 }
 
 } // namespace selfreport

@@ -27,17 +27,22 @@ public:
     /// Sharing off: each call makes its own fetch, as it would alone. On at first.
     void setFetchesShared(bool shared) { m_fetchesShared = shared; }
 
+    // Recalculations. Each returns false if the waiting user cancelled it: every cell has the value that it
+    // had before, and the diagnostics are those of before.
+
     /// Computes every formula with fresh fetches.
-    void recalculate();
+    bool recalculate();
     /// Computes what depends on changes since the last recalculation.
-    void recalculateChanged();
+    bool recalculateChanged();
 
     /// Keeps each cell's type in its tag; every formula cell becomes plain text and shows its formula.
     void showFormulas();
     /// Restores the types from the tags and recalculates.
-    void showData();
-    /// What opening a stored report for use does: types from the tags, then one recalculation.
-    void startRun();
+    bool showData();
+    /// What opening a stored report for use begins with: types from the tags, values as they were stored.
+    void showStoredData();
+    /// … and then does: one recalculation.
+    bool startRun();
 
     /// 1 while the formulas are shown: the callback hands back nothing.
     std::int16_t isShowFormula = 0;
@@ -48,8 +53,8 @@ public:
 
 private:
     void fps1_CustomFunction(spreadsheet::FunctionCall& call);
-    void recalculateWith(const std::function<void()>& recalculation);
-    void restoreTypes();
+    bool recalculateWith(const std::function<spreadsheet::RecalculationReport()>& recalculation);
+    void takeDiagnostics();
     bool isGone(spreadsheet::CallPlace place) const;
 
     spreadsheet::Workbook& m_workbook;

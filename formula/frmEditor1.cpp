@@ -2,6 +2,7 @@
 
 #include "formula/report_functions.h"
 #include "formula/SharedFetches.h"
+#include "platform/dialogs/UserWait.h"
 #include "spreadsheet/files/content.h"
 
 namespace selfreport {
@@ -13,6 +14,7 @@ frmEditor1::frmEditor1(SharedFetches* shared)
     if (m_shared)
         fps1.setPrepareHook(
             [this](std::span<spreadsheet::PreparedCall> calls) { m_shared->prepareLedger(calls); });
+    fps1.setPauseHook([] { return userWait().pause(); });
     fps1.recalculate();
     isShowFormula = 0;
 }

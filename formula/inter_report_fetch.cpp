@@ -1,5 +1,6 @@
 #include "formula/inter_report_fetch.h"
 
+#include "component/state/driver_call.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
 #include "formula/frmEditor1.h"
@@ -94,6 +95,13 @@ std::optional<std::vector<std::byte>> storedContent(Connection& connection, std:
     return std::vector<std::byte>(bytes.begin(), bytes.end());
 }
 
+std::optional<std::vector<std::byte>> fetchedContent(std::unique_ptr<Connection>& connection,
+                                                     const std::string& report)
+{
+    return driverCall<std::optional<std::vector<std::byte>>>(
+        connection, [report](Connection& open) { return storedContent(open, report); });
+}
+
 ReferenceAnswer readReferencedCell(const frmEditor1& hidden, const ReportReference& reference)
 {
     const ReferencedCell cell = parseReferencedCell(reference.cell);
@@ -130,7 +138,7 @@ ReferenceAnswer changeREF_FInfo(const ReportReference& reference)
     std::string reason;
     try {
         // The row set is gone before the report is loaded: the fetches of its cells close the connection.
-        if (const auto content = storedContent(*gCnn, reference.report))
+        if (const auto content = fetchedContent(gCnn, reference.report))
             hidden.load(*content);
         else
             reason = missingReportReason(reference.report);

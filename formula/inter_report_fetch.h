@@ -4,6 +4,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -47,6 +48,9 @@ std::string reportByNameStatement(std::string_view report);
 
 /// Content of the first stored report of that name; nothing if there is none. @throws DatabaseError
 std::optional<std::vector<std::byte>> storedContent(Connection& connection, std::string_view report);
+/// … as a call that the waiting user can cancel. @throws DatabaseError, WorkCancelled
+std::optional<std::vector<std::byte>> fetchedContent(std::unique_ptr<Connection>& connection,
+                                                     const std::string& report);
 
 /// What the referenced cell of a loaded report shows. Row 0 or a cell beyond the sheet reads as empty.
 ReferenceAnswer readReferencedCell(const frmEditor1& hidden, const ReportReference& reference);

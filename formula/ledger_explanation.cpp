@@ -1,5 +1,6 @@
 #include "formula/ledger_explanation.h"
 
+#include "component/state/driver_call.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
 #include "platform/database/Connection.h"
@@ -13,6 +14,8 @@
 namespace selfreport {
 
 namespace {
+
+constexpr const char* notLookedFor = "原因没有查明，查询已取消";
 
 std::string quoted(std::string_view text)
 {
@@ -73,10 +76,18 @@ std::string causeOfNoData(Connection& connection, const LedgerArguments& argumen
     return "总账在" + periodText(arguments) + "没有科目" + quoted(arguments.account) + "的数据";
 }
 
-std::string explained(Connection& connection, const LedgerArguments& arguments, const LedgerAnswer& answer)
+/// @param connection  null if it could not be opened, or the user would not wait for it any longer
+std::string explained(std::unique_ptr<Connection>& connection, const LedgerArguments& arguments,
+                      const LedgerAnswer& answer)
 {
+    if (!connection)
+        return userWait().isCancelled() ? notLookedFor : "数据库打不开";
     try {
-        return explainLedgerFetch(connection, arguments, answer);
+        return driverCall<std::string>(connection, [arguments, answer](Connection& open) {
+            return explainLedgerFetch(open, arguments, answer);
+        });
+    } catch (const WorkCancelled&) {
+        return notLookedFor;
     } catch (const std::exception& error) {
         return error.what();
     }
@@ -88,7 +99,10 @@ std::unique_ptr<Connection> explainingConnection()
     if (RecalculationUnderWay::openingFailed())
         return nullptr;
     try {
-        return openConnection(gConnString);
+        return driverCall<std::unique_ptr<Connection>>(
+            [target = gConnString] { return openConnection(target); });
+    } catch (const WorkCancelled&) {
+        return nullptr;
     } catch (const std::exception&) {
         return nullptr;
     }
@@ -114,12 +128,12 @@ std::string explainLedgerFetch(Connection& connection, const LedgerArguments& ar
 std::vector<CellDiagnostic> explainFetches(const FetchLog& log)
 {
     std::vector<CellDiagnostic> diagnostics = log.known;
-    const std::unique_ptr<Connection> connection = log.doubtful.empty() ? nullptr : explainingConnection();
+    std::unique_ptr<Connection> connection = log.doubtful.empty() ? nullptr : explainingConnection();
     std::map<LedgerArguments, std::string> reasons;
     for (const DoubtfulFetch& fetch : log.doubtful) {
         std::string& reason = reasons[fetch.arguments];
         if (reason.empty())
-            reason = connection ? explained(*connection, fetch.arguments, fetch.answer) : "数据库打不开";
+            reason = explained(connection, fetch.arguments, fetch.answer);
         diagnostics.push_back({fetch.place, fetch.isReferenced ? "REF_F" : "Acct",
                                fetch.isReferenced ? "被引用的单元格：" + reason : reason});
     }

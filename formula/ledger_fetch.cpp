@@ -1,5 +1,6 @@
 #include "formula/ledger_fetch.h"
 
+#include "component/state/driver_call.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
 #include "formula/numeric_prefix.h"
@@ -89,6 +90,26 @@ double rowAmount(const Recordset& rows, std::size_t row)
     }
 }
 
+LedgerAnswer singleFetch(Connection& connection, const LedgerArguments& arguments)
+{
+    LedgerAnswer answer;
+    const AccountExpression expression = parseAccountExpression(arguments.account);
+    std::vector<std::optional<std::string>> itemTables;
+    for (const ItemQualifier& qualifier : expression.qualifiers)
+        itemTables.push_back(itemTableIfFound(connection, qualifier.className));
+    fillAnswer(answer, expression, itemTables);
+    try {
+        const ProcedureResult result =
+            connection.call(ledgerProcedureCall(arguments, ledgerQuery(expression, itemTables)));
+        answer.amount = ledgerAmount(result);
+        if (result.error)
+            answer.failure = result.error->description;
+    } catch (const std::exception& error) {
+        answer.failure = error.what();
+    }
+    return answer;
+}
+
 } // namespace
 
 std::optional<std::string> itemTableOf(Connection& connection, const std::string& className)
@@ -124,23 +145,10 @@ std::optional<double> ledgerAmount(const ProcedureResult& result)
 
 LedgerAnswer changeAcctInfo(const LedgerArguments& arguments)
 {
-    LedgerAnswer answer;
     if (!openDB() || arguments.account.empty())
-        return answer;
-    const AccountExpression expression = parseAccountExpression(arguments.account);
-    std::vector<std::optional<std::string>> itemTables;
-    for (const ItemQualifier& qualifier : expression.qualifiers)
-        itemTables.push_back(itemTableIfFound(*gCnn, qualifier.className));
-    fillAnswer(answer, expression, itemTables);
-    try {
-        const ProcedureResult result =
-            gCnn->call(ledgerProcedureCall(arguments, ledgerQuery(expression, itemTables)));
-        answer.amount = ledgerAmount(result);
-        if (result.error)
-            answer.failure = result.error->description;
-    } catch (const std::exception& error) {
-        answer.failure = error.what();
-    }
+        return {};
+    LedgerAnswer answer = driverCall<LedgerAnswer>(
+        gCnn, [arguments](Connection& connection) { return singleFetch(connection, arguments); });
     closeDB();
     return answer;
 }

@@ -1,5 +1,6 @@
 #include "component/state/mdlMain.h"
 
+#include "component/state/driver_call.h"
 #include "component/state/shared_state.h"
 
 #include <exception>
@@ -40,7 +41,8 @@ bool openDB()
         return false;
     std::int32_t number = unspecifiedError;
     try {
-        gCnn = openConnection(gConnString);
+        gCnn = driverCall<std::unique_ptr<Connection>>(
+            [target = gConnString] { return openConnection(target); });
         return true;
     } catch (const DatabaseError& error) {
         number = error.number;

@@ -13,7 +13,7 @@ namespace selfreport {
 
 /// Makes sure that `gCnn` holds an open connection to `gConnString`. False after telling the user why it
 /// failed; no object is kept then. Within one recalculation a failed opening is told once and not tried
-/// again.
+/// again. @throws WorkCancelled if the user waits for it and cancels
 bool openDB();
 
 /// What the user is told about a failed opening, by the error's number.

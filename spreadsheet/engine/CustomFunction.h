@@ -94,6 +94,9 @@ struct PreparedCall {
 /// Handed each wave of calls before it is evaluated, so that a handler can fetch many in one go.
 using PrepareHook = std::function<void(std::span<PreparedCall>)>;
 
+/// Asked again and again while a recalculation runs; true stops it.
+using PauseHook = std::function<bool()>;
+
 /// A text that wholly reads as a number, with or without grouping commas ("-1,234.50"), as that number.
 std::optional<double> numberOfGroupedText(std::string_view text);
 

@@ -226,6 +226,11 @@ void Workbook::setPrepareHook(PrepareHook hook)
     m_recalculation->setPrepareHook(std::move(hook));
 }
 
+void Workbook::setPauseHook(PauseHook hook)
+{
+    m_recalculation->setPauseHook(std::move(hook));
+}
+
 RecalculationReport Workbook::recalculate()
 {
     return m_recalculation->all();
@@ -249,7 +254,7 @@ void Workbook::replaceContent(Workbook&& fresh)
     for (const auto& sheet : fresh.m_sheets) // sheets belong to one workbook for good
         sheets.push_back(std::make_shared<Sheet>(*this, sheet->id(), sheet->name()));
     auto recalculation = std::make_unique<Recalculation>(*this);
-    recalculation->setPrepareHook(m_recalculation->prepareHook());
+    recalculation->takeHooks(*m_recalculation);
     auto journal = std::make_unique<UndoJournal>(*this);
     journal->setEnabled(m_journal->enabled());
 

@@ -22,6 +22,7 @@ class UndoJournal;
 struct RecalculationReport {
     std::size_t evaluatedCells = 0;
     std::vector<CallPlace> circular; ///< cells that depend on themselves; they show #REF!
+    bool stopped = false;            ///< by the pause hook
 };
 
 /// Sheets with everything that they share. Sheets count from 1. Not for several threads at once.
@@ -66,6 +67,9 @@ public:
     void registerFunction(std::string_view name, int parameterCount, FunctionHandler handler);
     /// Empty: calls are not prepared.
     void setPrepareHook(PrepareHook hook);
+    /// Asked between pieces of a recalculation. When it stops one, every cell has the value that it had
+    /// before, and what was to be computed still is.
+    void setPauseHook(PauseHook hook);
     /// While formulas are shown, custom functions that hand back nothing leave their cell as it is.
     void setFormulasShown(bool shown) { m_formulasShown = shown; }
     bool formulasShown() const { return m_formulasShown; }

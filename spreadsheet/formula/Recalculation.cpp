@@ -5,6 +5,7 @@
 #include "spreadsheet/formula/LookupIndexes.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace spreadsheet {
 
@@ -12,6 +13,9 @@ namespace {
 
 /// Rounds of recomputing formulas whose precedents are only found while they run.
 constexpr int maxUnlistedRounds = 64;
+
+/// Cells computed between two questions to the pause hook.
+constexpr std::size_t cellsBetweenPauses = 64;
 
 bool readsSeveralSheets(const Formula& formula)
 {
@@ -32,21 +36,27 @@ Recalculation::~Recalculation() = default;
 
 void Recalculation::noteChanged(int sheetId, int column, int firstRow, int lastRow)
 {
-    if (!m_changes.empty()) { // cells typed one below the other
-        Change& last = m_changes.back();
+    std::vector<Change>& changes = m_pending.changes;
+    if (!changes.empty()) { // cells typed one below the other
+        Change& last = changes.back();
         if (last.sheetId == sheetId && last.column == column && firstRow >= last.firstRow &&
             firstRow <= last.lastRow + 1) {
             last.lastRow = std::max(last.lastRow, lastRow);
             return;
         }
     }
-    m_changes.push_back({sheetId, column, firstRow, lastRow});
+    changes.push_back({sheetId, column, firstRow, lastRow});
 }
 
 void Recalculation::forgetChanges()
 {
-    m_changes.clear();
-    m_moved = m_namesChanged = false;
+    m_pending = {};
+}
+
+void Recalculation::takeHooks(const Recalculation& other)
+{
+    m_prepare = other.m_prepare;
+    m_pause = other.m_pause;
 }
 
 void Recalculation::refreshGraph()
@@ -106,7 +116,7 @@ void Recalculation::markWholeRun(std::int32_t run)
 
 void Recalculation::markChanges()
 {
-    for (const Change& change : m_changes) {
+    for (const Change& change : m_pending.changes) {
         const int sheet = m_workbook.sheetIndexOfId(change.sheetId);
         if (sheet == 0)
             continue;
@@ -122,13 +132,13 @@ void Recalculation::markChanges()
     }
     for (const std::int32_t run : m_volatileRuns)
         markWholeRun(run);
-    if (!m_moved && !m_namesChanged)
+    if (!m_pending.moved && !m_pending.namesChanged)
         return;
     const auto runs = m_graph.runs();
     for (std::size_t run = 0; run < runs.size(); ++run) {
         const Formula& formula = m_workbook.formulas()[runs[run].formula];
-        if ((m_moved && (formula.dependsOnPlace || readsSeveralSheets(formula))) ||
-            (m_namesChanged && !formula.names.empty()))
+        if ((m_pending.moved && (formula.dependsOnPlace || readsSeveralSheets(formula))) ||
+            (m_pending.namesChanged && !formula.names.empty()))
             markWholeRun(static_cast<std::int32_t>(run));
     }
 }
@@ -163,12 +173,20 @@ void Recalculation::spread()
 RecalculationReport Recalculation::compute()
 {
     m_report = {};
-    forgetChanges();
+    m_nextPause = 0;
+    m_former.clear();
+    Pending pending = std::exchange(m_pending, {});
     evaluateMarked();
-    for (int round = 0; round < maxUnlistedRounds && reevaluateUnlisted(); ++round) {
+    for (int round = 0; round < maxUnlistedRounds && !m_report.stopped && reevaluateUnlisted(); ++round) {
+    }
+    m_indexes.reset();
+    if (m_report.stopped) {
+        bringBack(std::move(pending));
+        m_report = {};
+        m_report.stopped = true;
+        return m_report;
     }
     applyQueue();
-    m_indexes.reset();
     std::ranges::sort(m_report.circular);
     return std::move(m_report);
 }
@@ -196,7 +214,11 @@ void Recalculation::evaluateMarked()
             std::vector<std::int32_t> wave(order.begin() + static_cast<std::ptrdiff_t>(i),
                                            order.begin() + static_cast<std::ptrdiff_t>(end));
             prepareWave(wave);
+            m_nextPause = 0; // fetching may have taken long
         }
+        if (shouldStop())
+            break;
+        keepFormerCells(component);
         evaluateComponent(component);
     }
     for (const std::int32_t run : m_markedRuns)
@@ -264,12 +286,12 @@ void Recalculation::evaluateRun(const Run& run, RowInterval rows)
         m_blocks.begin(formula, run.sheet, run.column());
     const Column& column = *m_workbook.sheet(run.sheet).column(run.column());
     for (std::size_t slot = column.lowerSlot(rows.first);
-         slot < column.slots().size() && column.slots()[slot].firstRow <= rows.last; ++slot) {
+         slot < column.slots().size() && column.slots()[slot].firstRow <= rows.last && !m_report.stopped;
+         ++slot) {
         const Column::Slot& stretch = column.slots()[slot];
         evaluateStretch(run, formula, slot,
                         {std::max(rows.first, stretch.firstRow), std::min(rows.last, stretch.lastRow())});
     }
-    m_report.evaluatedCells += static_cast<std::size_t>(rows.last - rows.first + 1);
 }
 
 void Recalculation::evaluateStretch(const Run& run, const Formula& formula, std::size_t slot,
@@ -278,13 +300,14 @@ void Recalculation::evaluateStretch(const Run& run, const Formula& formula, std:
     Column& column = m_workbook.sheet(run.sheet).loadColumn(run.column());
     CellBlock& block = column.computedBlock(slot);
     const int offset = column.slots()[slot].firstRow;
-    for (int first = rows.first; first <= rows.last;) {
+    for (int first = rows.first; first <= rows.last && !shouldStop();) {
         const int count = std::min(rows.last - first + 1, BlockEvaluator::blockRows);
         const double* numbers = formula.blockwise ? m_blocks.rows(first, count) : nullptr;
         if (numbers) {
             block.setNumbers(first - offset, numbers, count);
+            m_report.evaluatedCells += static_cast<std::size_t>(count);
         } else {
-            for (int row = first; row < first + count; ++row)
+            for (int row = first; row < first + count && !shouldStop(); ++row, ++m_report.evaluatedCells)
                 evaluateCell(run, formula, block, row - offset, row);
         }
         first += count;
@@ -357,7 +380,7 @@ void Recalculation::evaluateRows(const Component& component, int direction)
     const int last = std::ranges::max(wanted, {}, &RowInterval::last).last;
     const int start = direction > 0 ? first : last;
     const int stop = direction > 0 ? last + 1 : first - 1;
-    for (int row = start; row != stop; row += direction) {
+    for (int row = start; row != stop && !shouldStop(); row += direction) {
         for (Member& member : members) {
             if (!member.rows->contains(row))
                 continue;
@@ -385,7 +408,8 @@ void Recalculation::evaluateCells(const Component& component)
         .run(
             m_marked,
             [&](CellOrder::Node node) {
-                evaluateRun(runs[static_cast<std::size_t>(node.run)], {node.row, node.row});
+                if (!shouldStop())
+                    evaluateRun(runs[static_cast<std::size_t>(node.run)], {node.row, node.row});
             },
             [&](CellOrder::Node node) { setCircular(runs[static_cast<std::size_t>(node.run)], node.row); });
 }
@@ -442,6 +466,48 @@ void Recalculation::prepareWave(const std::vector<std::int32_t>& components)
         for (std::size_t i = 0; i < round.size(); ++i)
             cells[origins[i].first].calls[origins[i].second].expected = round[i].expected;
     }
+}
+
+/// Whether the recalculation is to end before all is computed.
+bool Recalculation::shouldStop()
+{
+    if (m_pause && !m_report.stopped && m_report.evaluatedCells >= m_nextPause) {
+        m_nextPause = m_report.evaluatedCells + cellsBetweenPauses;
+        m_report.stopped = m_pause();
+    }
+    return m_report.stopped;
+}
+
+void Recalculation::keepFormerCells(const Component& component)
+{
+    if (!m_pause)
+        return;
+    for (const std::int32_t number : component.runs) {
+        const Run& run = m_graph.runs()[static_cast<std::size_t>(number)];
+        const Sheet& sheet = m_workbook.sheet(run.sheet);
+        for (const RowInterval& rows : m_marked[static_cast<std::size_t>(number)].intervals())
+            for (int column = run.cells.left; column <= run.cells.right; ++column)
+                for (int row = rows.first; row <= rows.last; ++row)
+                    m_former.push_back({{run.sheet, column, row},
+                                        sheet.value({column, row}),
+                                        sheet.shownText({column, row})});
+    }
+}
+
+/// A cell that was computed more than once ends with what it held first.
+void Recalculation::bringBack(Pending pending)
+{
+    for (auto former = m_former.rbegin(); former != m_former.rend(); ++former) {
+        Column& column = m_workbook.sheet(former->place.sheet).loadColumn(former->place.column);
+        const std::size_t slot = column.lowerSlot(former->place.row);
+        CellBlock& block = column.computedBlock(slot);
+        const int index = former->place.row - column.slots()[slot].firstRow;
+        block.setValue(index, std::move(former->value));
+        if (block.hasShown())
+            block.setShown(index, std::move(former->shown));
+    }
+    m_evaluator.queue().clear();
+    m_pending = std::move(pending);
 }
 
 void Recalculation::applyQueue()

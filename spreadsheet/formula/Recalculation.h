@@ -23,16 +23,17 @@ public:
     /// Formulas were set, moved or taken away: the graph has to be built anew.
     void noteFormulas() { m_graphStale = true; }
     /// A name got another meaning: formulas that mention names are computed anew.
-    void noteNames() { m_graphStale = m_namesChanged = true; }
+    void noteNames() { m_graphStale = m_pending.namesChanged = true; }
     /// Cells or sheets moved: formulas that depend on their place or read several sheets are computed anew.
-    void noteMoved() { m_graphStale = m_moved = true; }
+    void noteMoved() { m_graphStale = m_pending.moved = true; }
     void forgetChanges();
 
     RecalculationReport all();
     RecalculationReport changed();
 
     void setPrepareHook(PrepareHook hook) { m_prepare = std::move(hook); }
-    const PrepareHook& prepareHook() const { return m_prepare; }
+    void setPauseHook(PauseHook hook) { m_pause = std::move(hook); }
+    void takeHooks(const Recalculation& other);
     std::size_t bytes() const { return m_graph.bytes(); }
 
 private:
@@ -41,6 +42,19 @@ private:
         int column;
         int firstRow;
         int lastRow;
+    };
+
+    /// What is to be computed with the next recalculation.
+    struct Pending {
+        std::vector<Change> changes;
+        bool moved = false;
+        bool namesChanged = false;
+    };
+    /// What a cell held before the recalculation under way.
+    struct FormerCell {
+        CallPlace place;
+        Value value;
+        Text shown;
     };
 
     void refreshGraph();
@@ -62,6 +76,9 @@ private:
     void dropShown(CellBlock& block, int index, int count) const;
     void prepareWave(const std::vector<std::int32_t>& components);
     void applyQueue();
+    bool shouldStop();
+    void keepFormerCells(const Component& component);
+    void bringBack(Pending pending);
     EvaluationPlace placeOf(const Run& run, int row);
 
     Workbook& m_workbook;
@@ -70,8 +87,11 @@ private:
     BlockEvaluator m_blocks;
     std::unique_ptr<LookupIndexes> m_indexes;
     PrepareHook m_prepare;
-    std::vector<Change> m_changes;
-    std::vector<RowSet> m_marked; ///< by run: rows to compute
+    PauseHook m_pause;
+    Pending m_pending;
+    std::vector<FormerCell> m_former; ///< kept only where a pause hook may stop
+    std::size_t m_nextPause = 0;      ///< evaluated cells at which the pause hook is asked again
+    std::vector<RowSet> m_marked;     ///< by run: rows to compute
     std::vector<std::int32_t> m_volatileRuns;
     std::vector<std::int32_t> m_markedRuns; ///< runs with rows to compute
     struct Spread {
@@ -81,8 +101,6 @@ private:
     std::vector<Spread> m_spread; ///< marked rows whose readers are not marked yet
     RecalculationReport m_report;
     bool m_graphStale = true;
-    bool m_moved = false;
-    bool m_namesChanged = false;
 };
 
 } // namespace spreadsheet

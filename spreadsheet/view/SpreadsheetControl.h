@@ -240,7 +240,7 @@ private:
     bool refuse(const std::optional<std::string>& why); ///< true if there is a reason, which is told
     bool refuseEdit(const std::vector<CellRange>& ranges);
     std::optional<CellRange> onlyRange();
-    void travelInTime(void (Workbook::*travel)());
+    void travelInTime(void (UndoJournal::*travel)());
     std::optional<PackedOrigin> copyRange(const CellRange& range);
     void pasteClipboard(PasteKind kind);
     void pastePlanned(Sheet& target, const ClipboardContent& content, const PastePlan& plan, PasteKind kind);

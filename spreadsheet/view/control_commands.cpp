@@ -1,4 +1,5 @@
 // Commands on contents: undo, clipboard, filling, sorting, searching.
+#include "spreadsheet/engine/UndoJournal.h"
 #include "spreadsheet/view/commands/fill.h"
 #include "spreadsheet/view/commands/go_to.h"
 #include "spreadsheet/view/commands/structure.h"
@@ -57,13 +58,13 @@ std::optional<CellRange> SpreadsheetControl::onlyRange()
     return std::nullopt;
 }
 
-void SpreadsheetControl::travelInTime(void (Workbook::*travel)())
+void SpreadsheetControl::travelInTime(void (UndoJournal::*travel)())
 {
     if (isEditing())
         return;
     const auto names = sheetNames(workbook());
     const int shownId = workbook().sheet(activeSheet()).id();
-    (workbook().*travel)();
+    (workbook().journal().*travel)(); // afterEdit recalculates
     if (sheetNames(workbook()) != names) {
         if (const int index = workbook().sheetIndexOfId(shownId))
             workbook().setActiveSheet(index);
@@ -76,13 +77,13 @@ void SpreadsheetControl::travelInTime(void (Workbook::*travel)())
 void SpreadsheetControl::undo()
 {
     if (mode() == GridMode::edit && workbook().canUndo())
-        travelInTime(&Workbook::undo);
+        travelInTime(&UndoJournal::undo);
 }
 
 void SpreadsheetControl::redo()
 {
     if (mode() == GridMode::edit && workbook().canRedo())
-        travelInTime(&Workbook::redo);
+        travelInTime(&UndoJournal::redo);
 }
 
 std::optional<PackedOrigin> SpreadsheetControl::copyRange(const CellRange& range)
