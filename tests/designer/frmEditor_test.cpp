@@ -7,8 +7,7 @@
 #include "spreadsheet/engine/UndoJournal.h"
 #include "spreadsheet/files/content.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "tests/formula/TestLedger.h"
-#include "tests/platform/WindowTest.h"
+#include "tests/designer/DesignerTest.h"
 
 #include <QClipboard>
 #include <QComboBox>
@@ -16,7 +15,6 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
-#include <QTemporaryDir>
 #include <QToolBar>
 
 namespace selfreport {
@@ -24,70 +22,9 @@ namespace {
 
 using Said = RecordingDialogs::Said;
 using spreadsheet::CellType;
-using spreadsheet::SpreadsheetControl;
+using test::closingBalance;
 
-constexpr const char* closingBalance = R"(Acct("1001" ,"2" , "", "2025","1","2"))"; // 100.25
-
-class Designer : public test::WindowTest {
-protected:
-    Designer()
-    {
-        gEditFlag = 0;
-        gRunMode = false;
-        gReportId = 0;
-        gFromList = 0;
-        gAppPath = folder.path().toStdString();
-    }
-    ~Designer() override { gRunMode = false; }
-
-    void open()
-    {
-        window = std::make_unique<frmEditor>();
-        show(*window);
-    }
-    /// Stores a report with id 3: A1 an amount of the ledger, A2 twice that, B1 a text.
-    void storeReport()
-    {
-        spreadsheet::Workbook report;
-        report.registerFunction("Acct", 6, [](spreadsheet::FunctionCall& call) { call.decline(); });
-        report.sheet(1).setFormula({1, 1}, closingBalance);
-        report.sheet(1).setFormula({1, 2}, "A1*2");
-        report.sheet(1).setText({2, 1}, "合计");
-        ledger.addReport(3, "现金表", spreadsheet::saveContent(report));
-        gReportId = 3;
-        gEditFlag = 1;
-    }
-    SpreadsheetControl& grid() { return control<SpreadsheetControl>(*window, "fps1"); }
-    QLineEdit& edit(const char* name) { return control<QLineEdit>(*window, name); }
-    QAction& action(const char* name) { return control<QAction>(*window, name); }
-    void trigger(const char* name) { action(name).trigger(); }
-    std::string formula(int column, int row) { return grid().sheet().formula({column, row}); }
-    void moveTo(int column, int row) { grid().moveTo({column, row}); }
-    /// Types into the formula box as a user does, and ends with a key.
-    void typeInBox(const QString& text, Qt::Key last)
-    {
-        QLineEdit& box = edit("txtFormula");
-        box.setFocus();
-        box.selectAll();
-        box.insert(text); // as an input method does: keys give ASCII only
-        if (text.isEmpty())
-            QTest::keyClick(&box, Qt::Key_Delete);
-        QTest::keyClick(&box, last);
-    }
-
-    /// The first key opens an editor, which gets the others.
-    void typeInCell(const QString& text)
-    {
-        grid().setFocus();
-        for (const QChar key : text)
-            QTest::keyClick(QApplication::focusWidget(), key.toLatin1());
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-    }
-
-    test::TestLedger ledger;
-    QTemporaryDir folder;
-    std::unique_ptr<frmEditor> window;
-};
+using Designer = test::DesignerTest;
 
 TEST_F(Designer, MenusInTheirOrder)
 {
