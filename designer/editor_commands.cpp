@@ -120,6 +120,7 @@ constexpr EditorCommand optionCommands[] = {
     {"MenuShowFormula", "显示公式", [](Window w) { w.MenuShowFormula_Click(); }},
     separator,
     {"MenuDiagnostics", "取数诊断", [](Window w) { w.showDiagnostics(); }},
+    {"MenuCoverage", "覆盖检查", [](Window w) { w.showCoverage(); }},
 };
 
 constexpr EditorMenu menus[] = {

@@ -12,6 +12,7 @@
 #include "formatting/frmCellBorder.h"
 #include "formatting/frmDataType.h"
 #include "formula/dialogs/edit_call.h"
+#include "formula/dialogs/frmCoverage.h"
 #include "formula/dialogs/frmFunction.h"
 #include "formula/ledger_query.h"
 #include "platform/windows/CancellableWait.h"
@@ -266,6 +267,19 @@ void frmEditor::showDiagnostics()
 {
     m_diagnostics->setDiagnostics(m_evaluation.diagnostics(), m_fps1->workbook());
     m_diagnostics->setVisible(true);
+}
+
+/// It stays open while cells are looked at and mended.
+void frmEditor::showCoverage()
+{
+    auto* window = findChild<frmCoverage*>();
+    if (!window) {
+        window = new frmCoverage(*m_fps1, this);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    window->show();
+    window->activateWindow();
+    window->check();
 }
 
 void frmEditor::goToDiagnostic(const CellDiagnostic& diagnostic)

@@ -64,6 +64,7 @@ public:
     void copyActiveText();
     void pasteIntoActiveCell();
     void showDiagnostics();
+    void showCoverage();
 
     /// What opening for use ends with, once the window is seen: the recalculation. Commands that come earlier
     /// call it first.

@@ -67,17 +67,18 @@ public:
     CallInWords of(const LedgerArguments& arguments)
     {
         const AccountExpression expression = parseAccountExpression(arguments.account);
-        std::vector<std::string> parts{
-            nameOf("取数类型", "tblSelfReportFieldKey", "fKey", "fKeyName", arguments.fetchType),
-            accountWords(expression)};
+        std::vector<std::string> parts{typeWords(arguments), accountWords(expression)};
         for (const ItemQualifier& qualifier : expression.qualifiers)
             parts.push_back(itemWords(qualifier));
-        parts.push_back(arguments.currency.empty()
-                            ? "综合本位币"
-                            : nameOf("货币", "tblCurrency", "fnumber", "fname", arguments.currency));
+        parts.push_back(currencyWords(arguments));
         parts.push_back(periodWords(arguments));
         m_result.words = joined(parts);
         return std::move(m_result);
+    }
+
+    std::string measureOf(const LedgerArguments& arguments)
+    {
+        return joined({typeWords(arguments), currencyWords(arguments), periodWords(arguments)});
     }
 
 private:
@@ -140,6 +141,18 @@ private:
                                          ids.contains(rows.integer(row, "fParentId"))});
     }
 
+    std::string typeWords(const LedgerArguments& arguments)
+    {
+        return nameOf("取数类型", "tblSelfReportFieldKey", "fKey", "fKeyName", arguments.fetchType);
+    }
+
+    std::string currencyWords(const LedgerArguments& arguments)
+    {
+        return arguments.currency.empty()
+                   ? "综合本位币"
+                   : nameOf("货币", "tblCurrency", "fnumber", "fname", arguments.currency);
+    }
+
     std::string itemWords(const ItemQualifier& qualifier)
     {
         const auto table = itemTableOf(m_connection, qualifier.className);
@@ -177,6 +190,11 @@ private:
 CallInWords callInWords(Connection& connection, const LedgerArguments& arguments)
 {
     return Wording(connection).of(arguments);
+}
+
+std::string measureInWords(Connection& connection, const LedgerArguments& arguments)
+{
+    return Wording(connection).measureOf(arguments);
 }
 
 std::string nearestCode(const std::string& code, const std::vector<std::string>& codes)

@@ -24,6 +24,10 @@ struct CallInWords {
 /// Looks the arguments up with the conditions that the fetch itself sends. @throws DatabaseError
 CallInWords callInWords(Connection& connection, const LedgerArguments& arguments);
 
+/// The part of those words that does not depend on the account: "期末余额,人民币,2026 年 1–3 期". The account
+/// is not looked at. @throws DatabaseError
+std::string measureInWords(Connection& connection, const LedgerArguments& arguments);
+
 /// The code that differs least from `code` (fewest letters added, left out or changed, then the longest
 /// common beginning); "" if there are none.
 std::string nearestCode(const std::string& code, const std::vector<std::string>& codes);

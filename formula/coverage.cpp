@@ -2,6 +2,8 @@
 
 #include "platform/database/Connection.h"
 
+#include <algorithm>
+#include <functional>
 #include <map>
 #include <tuple>
 #include <unordered_map>
@@ -117,6 +119,21 @@ void addAmounts(Connection& connection, const LedgerArguments& measure,
 }
 
 } // namespace
+
+std::vector<CoverageMeasure> measuresOf(std::span<const CellCall> calls)
+{
+    std::vector<CoverageMeasure> measures;
+    for (const CellCall& call : calls) {
+        LedgerArguments arguments = call.arguments;
+        arguments.account.clear();
+        auto found = std::ranges::find(measures, arguments, &CoverageMeasure::arguments);
+        if (found == measures.end())
+            found = measures.insert(found, {std::move(arguments), 0});
+        ++found->calls;
+    }
+    std::ranges::stable_sort(measures, std::ranges::greater(), &CoverageMeasure::calls);
+    return measures;
+}
 
 std::vector<AccountCoverage> accountCoverage(Connection& connection, const std::string& first,
                                              const std::string& last, const LedgerArguments& measure,

@@ -17,6 +17,15 @@ struct CellCall {
     LedgerArguments arguments;
 };
 
+/// What calls ask for whatever the account; the account is empty.
+struct CoverageMeasure {
+    LedgerArguments arguments;
+    std::size_t calls = 0; ///< how many ask for it
+};
+
+/// What the calls ask for, the most frequent first.
+std::vector<CoverageMeasure> measuresOf(std::span<const CellCall> calls);
+
 /// How often the cells of a sheet fetch one account without sub-accounts.
 struct AccountCoverage {
     std::string code, name;

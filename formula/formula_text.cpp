@@ -107,24 +107,6 @@ std::optional<std::array<std::string, 6>> acctArguments(std::string_view formula
     return CallReader(formula).arguments<6>("Acct");
 }
 
-std::vector<std::array<std::string, 6>> acctCallsIn(std::string_view formula)
-{
-    std::vector<std::array<std::string, 6>> calls;
-    bool isQuoted = false;
-    bool isInName = false; // MyAcct( is another function
-    for (std::size_t at = 0; at < formula.size(); ++at) {
-        const char character = formula[at];
-        isQuoted = isQuoted != (character == '"');
-        const bool mayBegin = (character == 'A' || character == 'a') && !isQuoted && !isInName;
-        const auto found = mayBegin ? CallReader(formula.substr(at)).call<6>("Acct") : std::nullopt;
-        if (found)
-            calls.push_back(*found);
-        isInName =
-            isPlainIdentifier(formula.substr(at, 1)) || (isInName && character >= '0' && character <= '9');
-    }
-    return calls;
-}
-
 std::optional<std::array<std::string, 3>> refArguments(std::string_view formula)
 {
     return CallReader(formula).arguments<3>("REF_F");

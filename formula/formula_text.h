@@ -3,7 +3,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace selfreport {
 
@@ -18,10 +17,6 @@ std::string refFormula(const std::array<std::string, 3>& arguments);
 /// letter case; a "=" may stand before it. A doubled quote in an argument stays doubled, so that writing the
 /// call again gives the same. Nothing for any other formula.
 std::optional<std::array<std::string, 6>> acctArguments(std::string_view formula);
-
-/// The arguments of every such `Acct` call within a formula, in their order. Calls with other arguments than
-/// quoted texts are left out.
-std::vector<std::array<std::string, 6>> acctCallsIn(std::string_view formula);
 
 /// As acctArguments, for `REF_F` and its three arguments.
 std::optional<std::array<std::string, 3>> refArguments(std::string_view formula);

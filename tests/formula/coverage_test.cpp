@@ -1,5 +1,6 @@
-#include "formula/coverage.h"
+#include "formula/coverage_calls.h"
 
+#include "spreadsheet/engine/Workbook.h"
 #include "tests/formula/TestLedger.h"
 
 #include <gtest/gtest.h>
@@ -56,6 +57,40 @@ TEST_F(Coverage, OtherMeasuresAndEmptyAccountsDoNotCount)
     EXPECT_EQ(found("1001", "1001", {opening, lastYear, closing(4, "")}), "1001 0 100.25");
     ledger.run("update tblAccount set fParentId=20 where fitemid=2"); // a chart that goes round
     EXPECT_EQ(found("1001", "100201", {closing(2, "1122")}), "1001 0 100.25, 100201 0 -");
+}
+
+TEST_F(Coverage, CallsAreThoseThatTheCellsMake)
+{
+    spreadsheet::Workbook book;
+    for (const auto& [name, parameters] : {std::pair("Acct", 6), {"REF_F", 3}})
+        book.registerFunction(name, parameters, [](spreadsheet::FunctionCall& call) { call.decline(); });
+    spreadsheet::Sheet& sheet = book.sheet(1);
+    book.setSheetCount(2);
+    const auto write = [](spreadsheet::Sheet& on, spreadsheet::CellAddress cell, const char* formula) {
+        EXPECT_FALSE(on.setFormula(cell, formula)) << formula;
+    };
+    sheet.setNumber({4, 1}, 2025);
+    write(sheet, {2, 3}, R"(Acct("1002","2","",D1,"0",2))"); // computed arguments, 0 is not given
+    write(sheet, {2, 1}, R"(ROUND(-acct("1001","2","","2025","1","2"),2)+Acct("1001","2","","","",""))");
+    // 1001 holds 100.25: the branch that is not taken covers nothing
+    write(sheet, {1, 9}, R"(IF(B1<0,Acct("1122","2","","","",""),Acct("2001","2","","","","")))");
+    write(sheet, {1, 8}, R"(Acct("1001","2","","今年","1","2"))");
+    write(sheet, {1, 7}, R"-("Acct(""1001"",""2"")")-");
+    write(book.sheet(2), {1, 1}, R"(Acct("1001","2","","2025","1","2"))");
+    const std::uint64_t revision = book.revision();
+
+    const auto [calls, unusable] = acctCallsOf(book, 1);
+    EXPECT_EQ(book.revision(), revision);
+    EXPECT_EQ(unusable, 1);
+    std::string found;
+    for (const auto& [column, row, arguments] : calls)
+        found += spreadsheet::cellName({column, row}) + " " + arguments.account + " " + arguments.year + ":" +
+                 arguments.firstPeriod + "-" + arguments.lastPeriod + "; ";
+    EXPECT_EQ(found, "A9 2001 :-; B1 1001 2025:1-2; B1 1001 :-; B3 1002 2025:-2; ");
+    const std::vector<CoverageMeasure> measures = measuresOf(calls);
+    ASSERT_EQ(measures.size(), 3U);
+    EXPECT_EQ(measures[0].calls, 2U);
+    EXPECT_EQ(measures[0].arguments.year, ""); // the most frequent first
 }
 
 } // namespace

@@ -32,28 +32,5 @@ TEST(FormulaText, CallsAreReadBackWhateverTheirBlanks)
         EXPECT_FALSE(acctArguments(other)) << other;
 }
 
-TEST(FormulaText, FindsTheCallsWithinAFormula)
-{
-    const std::string one = acctFormula({"1001", "2", "", "", "", ""});
-    const std::string other = acctFormula({"a)(\"\"b", "2", "", "", "", ""});
-    const struct {
-        std::string formula;
-        std::vector<std::string> accounts;
-    } cases[] = {
-        {one, {"1001"}},
-        {"=ROUND( " + one + "+ " + other + "*2,2)", {"1001", "a)(\"\"b"}},
-        {"IF(A1=\"" + std::string("Acct(") + "\",1," + other + ")", {"a)(\"\"b"}},
-        {"My" + one + "+_" + one + "+A1" + one, {}},
-        {"SUM(Acct(A1,\"2\",\"\",\"\",\"\",\"\"),-" + one + ")", {"1001"}},
-        {"", {}},
-    };
-    for (const auto& [formula, accounts] : cases) {
-        std::vector<std::string> found;
-        for (const auto& arguments : acctCallsIn(formula))
-            found.push_back(arguments[0]);
-        EXPECT_EQ(found, accounts) << formula;
-    }
-}
-
 } // namespace
 } // namespace selfreport
