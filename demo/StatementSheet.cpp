@@ -15,6 +15,7 @@ using spreadsheet::LineStyle;
 using spreadsheet::Text;
 
 constexpr int twipsPerTenth = 144; // of an inch
+constexpr int sideWidth = 1440; // twips for the text at the left under the title
 constexpr int titleHeight = 600;
 constexpr int rowHeight = 280; // 25 rows of a balance sheet fit on one landscape page
 constexpr spreadsheet::Colour headingGrey = 0xE7E6E6;
@@ -80,8 +81,20 @@ void StatementSheet::underTitle(std::string_view left, std::string_view centre, 
                     [](CellStyle& style) { style.horizontal = HorizontalAlignment::right; });
     if (centre.empty() || m_columns < 4)
         return;
-    m_sheet.addSpan({2, m_row, m_columns - 1, m_row});
-    centred(2, centre);
+    const int leftColumns = columnsOfAtLeast(sideWidth);
+    if (leftColumns > 1)
+        m_sheet.addSpan({1, m_row, leftColumns, m_row});
+    m_sheet.addSpan({leftColumns + 1, m_row, m_columns - 1, m_row});
+    centred(leftColumns + 1, centre);
+}
+
+/// How many of the first columns are that wide together; at least two are left.
+int StatementSheet::columnsOfAtLeast(int twips) const
+{
+    int count = 1;
+    for (int width = m_sheet.settings().columns.size(1); width < twips && count < m_columns - 2;)
+        width += m_sheet.settings().columns.size(++count);
+    return count;
 }
 
 void StatementSheet::headings(std::initializer_list<std::string_view> texts)

@@ -47,6 +47,7 @@ public:
 private:
     using Change = std::function<void(spreadsheet::CellStyle&)>;
     spreadsheet::CellRange wholeRow() const { return {1, m_row, m_columns, m_row}; }
+    int columnsOfAtLeast(int twips) const;
     void nextRow(int height);
     void setFormula(int column, const std::string& formula);
 

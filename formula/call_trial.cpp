@@ -7,6 +7,8 @@
 #include <charconv>
 #include <condition_variable>
 #include <exception>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -14,6 +16,8 @@
 namespace selfreport {
 
 namespace {
+
+constexpr const char* overTheLimit = "取数超过时限,未取";
 
 /// Stops what the connection does if this still lives when the time is up.
 class CancelledAfter {
@@ -95,26 +99,72 @@ std::string fetchedValue(Connection& connection, const LedgerArguments& argument
     return answer.amount ? amountText(*answer.amount) : explainLedgerFetch(connection, arguments, answer);
 }
 
+/// A trial on a thread of its own, which may be left behind: opening a connection cannot be stopped.
+struct Attempt {
+    std::mutex mutex;
+    std::condition_variable ended;
+    bool isOver = false;
+    CallTrial trial;
+
+    void tell(const std::function<void(CallTrial&)>& change)
+    {
+        const std::lock_guard lock(mutex);
+        change(trial);
+    }
+    void run(const std::string& connectionString, const LedgerArguments& arguments,
+             std::chrono::milliseconds limit);
+};
+
+void Attempt::run(const std::string& connectionString, const LedgerArguments& arguments,
+                  std::chrono::milliseconds limit)
+{
+    std::string value;
+    try {
+        const auto connection = openConnection(connectionString);
+        CancelledAfter watch(*connection, limit);
+        try {
+            CallInWords meaning = callInWords(*connection, arguments);
+            tell([&](CallTrial& known) { known.meaning = std::move(meaning); });
+            value = fetchedValue(*connection, arguments);
+        } catch (const std::exception& error) {
+            value = watch.isOver() ? overTheLimit : error.what();
+        }
+    } catch (const std::exception&) {
+        value = "数据库文件不存在或读取错误!";
+    }
+    tell([&](CallTrial& known) {
+        known.value = std::move(value);
+        isOver = true;
+    });
+    ended.notify_one();
+}
+
 } // namespace
 
 CallTrial tryCall(const std::array<std::string, 6>& texts, std::chrono::milliseconds limit)
 {
-    CallTrial trial;
-    const auto arguments = usableArguments(texts, trial.value);
+    static std::weak_ptr<Attempt> s_leftBehind;
+    CallTrial refused;
+    const auto arguments = usableArguments(texts, refused.value);
     if (!arguments)
+        return refused;
+    if (!s_leftBehind.expired())
+        return {{}, "数据库没有应答,未取"};
+    const auto attempt = std::make_shared<Attempt>();
+    std::thread thread([attempt, connectionString = gConnString, arguments = *arguments, limit] {
+        attempt->run(connectionString, arguments, limit);
+    });
+    std::unique_lock lock(attempt->mutex);
+    const bool inTime = attempt->ended.wait_for(lock, limit, [&] { return attempt->isOver; });
+    CallTrial trial = attempt->trial;
+    lock.unlock();
+    if (inTime) {
+        thread.join();
         return trial;
-    try {
-        const auto connection = openConnection(gConnString);
-        CancelledAfter watch(*connection, limit);
-        try {
-            trial.meaning = callInWords(*connection, *arguments);
-            trial.value = fetchedValue(*connection, *arguments);
-        } catch (const std::exception& error) {
-            trial.value = watch.isOver() ? "取数超过时限,未取" : error.what();
-        }
-    } catch (const std::exception&) {
-        trial.value = "数据库文件不存在或读取错误!";
     }
+    s_leftBehind = attempt;
+    thread.detach();
+    trial.value = overTheLimit;
     return trial;
 }
 

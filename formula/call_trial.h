@@ -15,7 +15,8 @@ struct CallTrial {
 
 /// Tries a call from the texts of its six arguments on a connection of its own. Shows nothing and throws
 /// nothing: what fails is said in the result.
-/// @param limit  statements that take longer are stopped
+/// @param limit  it returns by then with what is known. A database that does not answer at all is left alone,
+///               and not asked again, until it does or the connection fails.
 CallTrial tryCall(const std::array<std::string, 6>& texts, std::chrono::milliseconds limit);
 
 } // namespace selfreport

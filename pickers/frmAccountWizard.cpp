@@ -10,6 +10,7 @@
 #include "platform/basicdata/clsAccountChooser.h"
 #include "platform/basicdata/clsItemChooser.h"
 #include "platform/windows/buttons.h"
+#include "spreadsheet/engine/typed_text.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <QFocusEvent>
@@ -205,8 +206,10 @@ void frmAccountWizard::fps1_Change(int column, int row)
 void frmAccountWizard::setRowCount(int count)
 {
     m_fps1->setRowCount(count);
-    m_fps1->changeStyle({classColumn, 1, toColumn, count},
-                        [](spreadsheet::CellStyle& style) { style.type = spreadsheet::CellType::dropDown; });
+    m_fps1->changeStyle({classColumn, 1, toColumn, count}, [](spreadsheet::CellStyle& style) {
+        style.type = spreadsheet::CellType::dropDown;
+        style.numberFormat = spreadsheet::Text(spreadsheet::textFormat); // a typed 01 is a code, not 1
+    });
 }
 
 void frmAccountWizard::MenuInsertRow_Click()

@@ -1,3 +1,4 @@
+#include "formula/call_trial.h"
 #include "formula/evaluation.h"
 #include "formula/ledger_fetch.h"
 #include "tests/formula/TestLedger.h"
@@ -138,6 +139,26 @@ TEST(ServerRoundTrips, ALostServerLeavesCellsWithoutAmountsAndTheNextTryWorks)
         evaluation.recalculate();
         EXPECT_EQ(workbook.sheet(1).displayText({1, 1}), "180.00");
     }
+}
+
+TEST(ServerRoundTrips, ACallThatIsBeingWrittenWaitsForNoSilentServer)
+{
+    using namespace std::chrono_literals;
+    const std::array<std::string, 6> texts{"1122|客户|001", "2", "", "2025", "1", "2"};
+    ServedLedger ledger;
+    ledger.server.faults.order({tds::Step::login, tds::Cut::beforeReply, tds::Ending::silent, {}, {}});
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(tryCall(texts, 100ms).value, "取数超过时限,未取");
+    EXPECT_EQ(tryCall(texts, 100ms).value, "数据库没有应答,未取"); // no second one waits beside it
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);       // the driver's own limit is 15 s
+    ledger.server.dropConnections();
+    std::string value;
+    for (int tries = 0; tries < 100 && value != "120.00"; ++tries) {
+        value = tryCall(texts, 5s).value;
+        std::this_thread::sleep_for(20ms);
+    }
+    EXPECT_EQ(value, "120.00");
+    EXPECT_TRUE(ledger.boxes.said.empty());
 }
 
 } // namespace
