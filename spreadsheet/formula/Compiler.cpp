@@ -44,7 +44,9 @@ struct Frame {
     const FunctionDescriptor* function = nullptr;
     int custom = -1; ///< number of a function that the program registers
     bool isCall = false;
-    bool arrayMode = false; ///< of the operators inside the present argument
+    bool isCorner = false;   ///< the call stands behind ":"
+    bool byElements = false; ///< branches chosen element by element: the condition may be an array
+    bool arrayMode = false;  ///< of the operators inside the present argument
     bool outerArrayMode = false;
     std::size_t position = 0;
     std::size_t operators = 0; ///< size of the operator stack when it opened
@@ -285,6 +287,7 @@ private:
     {
         Frame opened;
         opened.isCall = true;
+        opened.isCorner = m_operators.size() > frame().operators && m_operators.back().op == Op::range;
         opened.function = findFunction(token().text);
         if (!opened.function)
             opened.custom = m_customs.number(token().text);
@@ -303,7 +306,7 @@ private:
     bool branching() const
     {
         const Frame& open = m_frames.back();
-        return open.function && open.function->has(branches) && !open.outerArrayMode;
+        return open.function && open.function->has(branches) && !open.outerArrayMode && !open.byElements;
     }
 
     void leftOut()
@@ -330,21 +333,43 @@ private:
     {
         reduce(-1);
         ++frame().arguments;
-        noteWidened();
+        noteArrayCondition();
+        notePlainReference();
         if (branching())
             branchAfterArgument();
         setArgumentMode();
     }
 
-    /// The third argument of SUMIF and its like is read as far as the first one reaches.
-    void noteWidened()
+    /// IF({1,0},…) gives an array of both branches, so none of them may be jumped over.
+    void noteArrayCondition()
+    {
+        Frame& open = frame();
+        if (open.arguments == 1 && branching())
+            open.byElements = std::any_of(m_formula.code.begin() + open.argumentStart, m_formula.code.end(),
+                                          [](const Instruction& step) { return step.op == Op::array; });
+    }
+
+    void notePlainReference()
     {
         Frame& open = frame();
         const bool plain = here() - open.argumentStart == 1 && m_formula.code.back().op == Op::reference;
         open.argumentStart = here();
-        if (!plain || !open.function || !open.function->has(sumsBeside))
+        if (!plain || !open.function)
             return;
         const int slot = m_formula.code.back().index;
+        if (open.function->has(sumsBeside))
+            noteWidened(open, slot);
+        const bool asPlace =
+            open.function->has(placesOnly) || (open.isCorner && open.function->has(placesAsCorner));
+        if (asPlace && open.function->kind(static_cast<std::size_t>(open.arguments - 1)) != 'v') {
+            m_formula.placesOnly.push_back(slot);
+            m_formula.dependsOnPlace = true;
+        }
+    }
+
+    /// The third argument of SUMIF and its like is read as far as the first one reaches.
+    void noteWidened(Frame& open, int slot)
+    {
         if (open.arguments == 1)
             open.firstSlot = slot;
         else if (open.arguments == 3 && open.firstSlot >= 0)
@@ -365,14 +390,16 @@ private:
         if (jumps)
             return finishBranches(closed);
         if (closed.function)
-            emitCall(*closed.function, closed.arguments);
+            emitCall(*closed.function, closed.arguments, closed.byElements);
         else
             emit(Op::callCustom, customIndex(closed.custom), closed.arguments);
     }
 
-    void emitCall(const FunctionDescriptor& function, int arguments)
+    void emitCall(const FunctionDescriptor& function, int arguments, bool byElements)
     {
-        emit(Op::call, keep(m_formula.functions, &function), arguments);
+        const int step = emit(Op::call, keep(m_formula.functions, &function), arguments);
+        if (byElements)
+            m_formula.code[static_cast<std::size_t>(step)].arrayMode = true;
         m_formula.isVolatile = m_formula.isVolatile || function.has(isVolatile);
         m_formula.readsUnlisted = m_formula.readsUnlisted || function.has(readsUnlisted);
         m_formula.changesByItself =

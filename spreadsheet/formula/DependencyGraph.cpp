@@ -144,6 +144,8 @@ void DependencyGraph::widen(Reading& reading, const ReferenceSlot& like, CellAdd
 void DependencyGraph::addReadings(const Workbook& workbook, const Run& run, const Formula& formula, int depth)
 {
     for (std::size_t number = 0; number < formula.slots.size(); ++number) {
+        if (std::ranges::find(formula.placesOnly, static_cast<int>(number)) != formula.placesOnly.end())
+            continue;
         const ReferenceSlot& slot = formula.slots[number];
         const CellAddress first{run.cells.left, run.cells.top};
         const CellAddress last{run.cells.left, run.isArray ? run.cells.top : run.cells.bottom};

@@ -74,6 +74,9 @@ struct Formula {
     };
     std::vector<Widened> widened;
 
+    /// Slots of which only the place is read, as in ROW(A1): their cells' values do not matter.
+    std::vector<int> placesOnly;
+
     std::vector<Instruction> code;
     std::vector<double> numbers;
     std::vector<Text> texts;
@@ -86,7 +89,7 @@ struct Formula {
     bool isVolatile = false;      ///< evaluated by every recalculation
     bool changesByItself = false; ///< gives another value each time (RAND, NOW)
     bool readsUnlisted = false;   ///< may read cells that its slots do not name (OFFSET, INDIRECT)
-    bool dependsOnPlace = false;  ///< changes when its cell is moved (ROW() without argument)
+    bool dependsOnPlace = false;  ///< changes when cells are moved (ROW(), ROW(A1))
     bool blockwise = false;       ///< BlockEvaluator can take it
     int stackDepth = 1;
 

@@ -26,11 +26,13 @@ enum class FunctionFamily : std::uint8_t {
 /// Properties of a function that the machine must know.
 enum FunctionTrait : std::uint8_t {
     pure = 0,
-    isVolatile = 1,     ///< computed anew by every recalculation
-    readsUnlisted = 2,  ///< may read cells that its arguments do not name
-    dependsOnPlace = 4, ///< depends on where its cell stands
-    branches = 8,       ///< compiled into jumps: arguments that are not needed are not evaluated
-    sumsBeside = 16,    ///< its third argument is read as far as its first one reaches
+    isVolatile = 1,      ///< computed anew by every recalculation
+    readsUnlisted = 2,   ///< may read cells that its arguments do not name
+    dependsOnPlace = 4,  ///< depends on where its cell stands
+    branches = 8,        ///< compiled into jumps: arguments that are not needed are not evaluated
+    sumsBeside = 16,     ///< its third argument is read as far as its first one reaches
+    placesOnly = 32,     ///< of its "r" and "a" arguments that are references it reads only where they are
+    placesAsCorner = 64, ///< the same where the call is the second corner of a range (A1:INDEX(A:A,9))
 };
 
 inline constexpr int manyArguments = 255;

@@ -188,8 +188,8 @@ const FunctionDescriptor table[] = {
     {"INFO", 1, 1, "v", family, "信息类型", "返回当前运行环境的信息", programInformation, isVolatile},
     {"ISFORMULA", 1, 1, "r", family, "引用", "单元格含公式时返回 TRUE", isFormula},
     {"SHEET", 0, 1, "r", family, "[引用或表名]", "返回工作表的序号", sheetNumber,
-     isVolatile | dependsOnPlace},
-    {"SHEETS", 0, 1, "r", family, "[引用]", "返回工作表的个数", sheetCount, isVolatile},
+     isVolatile | dependsOnPlace | placesOnly},
+    {"SHEETS", 0, 1, "r", family, "[引用]", "返回工作表的个数", sheetCount, isVolatile | placesOnly},
 };
 
 } // namespace

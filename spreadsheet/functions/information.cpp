@@ -87,7 +87,7 @@ const FunctionDescriptor table[] = {
      about<[](const Value& value) { return value.isError() && value.error() != CellError::na; }>},
     {"ISNA", 1, 1, "v", family, "值", "值为错误值 #N/A 时返回 TRUE",
      about<[](const Value& value) { return value.isError() && value.error() == CellError::na; }>},
-    {"ISREF", 1, 1, "r", family, "值", "值为引用时返回 TRUE", isReference},
+    {"ISREF", 1, 1, "r", family, "值", "值为引用时返回 TRUE", isReference, placesOnly},
     {"ISEVEN", 1, 1, "v", family, "数值", "数值为偶数时返回 TRUE", parity<0>},
     {"ISODD", 1, 1, "v", family, "数值", "数值为奇数时返回 TRUE", parity<1>},
     {"NA", 0, 0, "", family, "", "返回错误值 #N/A", notAvailable},

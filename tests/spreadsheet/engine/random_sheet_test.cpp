@@ -125,7 +125,7 @@ private:
     }
     std::string expression(int depth)
     {
-        switch (number(0, depth > 0 ? 11 : 3)) {
+        switch (number(0, depth > 0 ? 12 : 3)) {
         case 0:
             return std::to_string(number(0, 9));
         case 1:
@@ -146,6 +146,8 @@ private:
             return "(" + expression(depth - 1) + "/" + expression(depth - 1) + ")";
         case 9:
             return "INDEX(" + range() + "," + std::to_string(number(1, 3)) + ",1)";
+        case 10:
+            return "(ROW(" + reference() + ")-ROWS(" + range() + "))";
         default: {
             static const char* const signs[] = {"+", "-", "*", "&"};
             return "(" + expression(depth - 1) + signs[number(0, 3)] + expression(depth - 1) + ")";

@@ -146,6 +146,28 @@ TEST(RunOrders, WhatShowsOnlyWhileRunningIsComputedAgain)
     EXPECT_EQ(shown(sheet, "A1"), "12");
 }
 
+TEST(RunOrders, APlaceIsNoValue)
+{
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+    for (int row = 1; row <= 4; ++row)
+        sheet.setNumber({2, row}, row);
+    type(sheet, "A1", "ROW(A1)*10+COLUMN(A1)");
+    sheet.fillDown({1, 1, 1, 3});
+    type(sheet, "B5", "SUM(B1:OFFSET(B5,-1,0))"); // totals that grow with the rows above them
+    type(sheet, "C5", "SUM(C1:INDEX(C:C,ROW()-1))+ROWS(C1:C5)");
+    type(sheet, "D1", "ROW(D1)+D1");
+    type(sheet, "E1", "ROW(B4)");
+    workbook.recalculate();
+    EXPECT_EQ(shown(sheet, "A1") + " " + shown(sheet, "A3"), "11 31");
+    EXPECT_EQ(shown(sheet, "B5") + " " + shown(sheet, "C5"), "10 5");
+    EXPECT_EQ(shown(sheet, "D1"), "#REF!"); // its own value as well
+    sheet.insertRows(2, 1);
+    sheet.setNumber({2, 2}, 100);
+    workbook.recalculateChanged();
+    EXPECT_EQ(shown(sheet, "A4") + " " + shown(sheet, "B6") + " " + shown(sheet, "E1"), "41 110 5");
+}
+
 /// 3,000 rows with everything that sends a block to the stack machine, most of it at the blocks' edges.
 TEST(RunOrders, BlocksEqualTheStackMachine)
 {

@@ -54,6 +54,22 @@ TEST(Logical, Choices)
     });
 }
 
+TEST(Logical, ArrayConstantsChooseByElementInOrdinaryFormulas)
+{
+    FormulaSheet sheet{{"A1", "10"}, {"A2", "20"}, {"B1", "甲"}, {"B2", "乙"}};
+    sheet.expect({
+        {"VLOOKUP(\"乙\",IF({1,0},B1:B2,A1:A2),2,FALSE)", "20"}, // columns change places
+        {"VLOOKUP(\"乙\",CHOOSE({1,2},B1:B2,A1:A2),2,FALSE)", "20"},
+        {"SUM(IF({1,0,1},1,5))", "7"},
+        {"SUM(CHOOSE({1,2},A1,A2))", "30"},
+        {"SUM(IFERROR({1,#N/A},5))+SUM(IFNA({#N/A,2},5))", "13"},
+        {"IF({TRUE,FALSE},1,2)", "1"},
+        {"IF({FALSE},1)", "FALSE"},
+        {"IF(SUM({1,2})=3,\"y\",1/0)", "\"y\""},
+        {"IF(TRUE,SUM({1,2}),1/0)", "3"},
+    });
+}
+
 TEST(Logical, ArrayFormulasChooseByElement)
 {
     FormulaSheet sheet{{"A1", "1"}, {"A2", "2"}, {"A3", "3"}};
