@@ -22,10 +22,23 @@ std::string quoted(std::string_view text)
     return "“" + std::string(text) + "”";
 }
 
-bool hasRow(Connection& connection, const std::string& fromAndWhere)
-{
-    return !connection.query("select top 1 1 as n from " + fromAndWhere).isEmpty();
-}
+/// What is asked of the database while the fetches of one recalculation are explained. They mostly share
+/// type, currency and items, and each question costs a round trip.
+class Questions {
+public:
+    bool hasRow(Connection& connection, const std::string& fromAndWhere)
+    {
+        const auto known = m_answers.find(fromAndWhere);
+        if (known != m_answers.end())
+            return known->second;
+        const bool found = !connection.query("select top 1 1 as n from " + fromAndWhere).isEmpty();
+        m_answers.emplace(fromAndWhere, found);
+        return found;
+    }
+
+private:
+    std::map<std::string, bool> m_answers;
+};
 
 std::string codesText(const std::vector<std::string>& codes)
 {
@@ -50,41 +63,59 @@ std::string periodText(const LedgerArguments& arguments)
     return text + first + "至" + last + "期";
 }
 
-std::string unknownItem(Connection& connection, const ItemQualifier& qualifier)
+std::string unknownItem(Connection& connection, Questions& questions, const ItemQualifier& qualifier)
 {
     const auto table = qualifier.codes.empty() ? std::nullopt : itemTableOf(connection, qualifier.className);
-    if (!table || hasRow(connection, *table + " where 1=1" + codeCondition("fNumber", qualifier.codes)))
+    if (!table ||
+        questions.hasRow(connection, *table + " where 1=1" + codeCondition("fNumber", qualifier.codes)))
         return {};
     return quoted(qualifier.className) + "中没有项目" + quoted(codesText(qualifier.codes));
 }
 
 /// Why nothing was found although the call itself went well.
-std::string causeOfNoData(Connection& connection, const LedgerArguments& arguments)
+std::string causeOfNoData(Connection& connection, Questions& questions, const LedgerArguments& arguments)
 {
-    if (!hasRow(connection, "tblSelfReportFieldKey where fKey='" + sqlQuoted(arguments.fetchType) + "'"))
+    if (!questions.hasRow(connection,
+                          "tblSelfReportFieldKey where fKey='" + sqlQuoted(arguments.fetchType) + "'"))
         return "取数类型" + quoted(arguments.fetchType) + "不存在";
     if (!arguments.currency.empty() &&
-        !hasRow(connection, "tblCurrency where fnumber='" + sqlQuoted(arguments.currency) + "'"))
+        !questions.hasRow(connection, "tblCurrency where fnumber='" + sqlQuoted(arguments.currency) + "'"))
         return "货币" + quoted(arguments.currency) + "不存在";
     const AccountExpression expression = parseAccountExpression(arguments.account);
     if (!expression.codes.empty() &&
-        !hasRow(connection, "tblAccount as b where 1=1" + codeCondition("b.fNumber", expression.codes)))
+        !questions.hasRow(connection,
+                          "tblAccount as b where 1=1" + codeCondition("b.fNumber", expression.codes)))
         return "科目" + quoted(codesText(expression.codes)) + "不存在";
     for (const ItemQualifier& qualifier : expression.qualifiers)
-        if (std::string cause = unknownItem(connection, qualifier); !cause.empty())
+        if (std::string cause = unknownItem(connection, questions, qualifier); !cause.empty())
             return cause;
     return "总账在" + periodText(arguments) + "没有科目" + quoted(arguments.account) + "的数据";
 }
 
+std::string explanation(Connection& connection, Questions& questions, const LedgerArguments& arguments,
+                        const LedgerAnswer& answer)
+{
+    if (!answer.failure.empty())
+        return answer.failure;
+    if (arguments.account.empty())
+        return "没有给出科目";
+    std::string reason;
+    if (!answer.unknownClasses.empty())
+        reason = "项目类别" + listed(answer.unknownClasses) + "不存在，该条件未计入，取数范围偏大";
+    if (answer.amount)
+        return reason;
+    return (reason.empty() ? "" : reason + "；") + causeOfNoData(connection, questions, arguments);
+}
+
 /// @param connection  null if it could not be opened, or the user would not wait for it any longer
-std::string explained(std::unique_ptr<Connection>& connection, const LedgerArguments& arguments,
-                      const LedgerAnswer& answer)
+std::string explained(std::unique_ptr<Connection>& connection, const std::shared_ptr<Questions>& questions,
+                      const LedgerArguments& arguments, const LedgerAnswer& answer)
 {
     if (!connection)
         return userWait().isCancelled() ? notLookedFor : "数据库打不开";
     try {
-        return driverCall<std::string>(connection, [arguments, answer](Connection& open) {
-            return explainLedgerFetch(open, arguments, answer);
+        return driverCall<std::string>(connection, [questions, arguments, answer](Connection& open) {
+            return explanation(open, *questions, arguments, answer);
         });
     } catch (const WorkCancelled&) {
         return notLookedFor;
@@ -113,27 +144,20 @@ std::unique_ptr<Connection> explainingConnection()
 std::string explainLedgerFetch(Connection& connection, const LedgerArguments& arguments,
                                const LedgerAnswer& answer)
 {
-    if (!answer.failure.empty())
-        return answer.failure;
-    if (arguments.account.empty())
-        return "没有给出科目";
-    std::string reason;
-    if (!answer.unknownClasses.empty())
-        reason = "项目类别" + listed(answer.unknownClasses) + "不存在，该条件未计入，取数范围偏大";
-    if (answer.amount)
-        return reason;
-    return (reason.empty() ? "" : reason + "；") + causeOfNoData(connection, arguments);
+    Questions questions;
+    return explanation(connection, questions, arguments, answer);
 }
 
 std::vector<CellDiagnostic> explainFetches(const FetchLog& log)
 {
     std::vector<CellDiagnostic> diagnostics = log.known;
     std::unique_ptr<Connection> connection = log.doubtful.empty() ? nullptr : explainingConnection();
+    const auto questions = std::make_shared<Questions>(); // outlives a driver call that is given up
     std::map<LedgerArguments, std::string> reasons;
     for (const DoubtfulFetch& fetch : log.doubtful) {
         std::string& reason = reasons[fetch.arguments];
         if (reason.empty())
-            reason = explained(connection, fetch.arguments, fetch.answer);
+            reason = explained(connection, questions, fetch.arguments, fetch.answer);
         diagnostics.push_back({fetch.place, fetch.isReferenced ? "REF_F" : "Acct",
                                fetch.isReferenced ? "被引用的单元格：" + reason : reason});
     }

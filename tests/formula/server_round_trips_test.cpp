@@ -69,6 +69,26 @@ TEST(ServerRoundTrips, AThousandCellsTakeFour)
     EXPECT_TRUE(ledger.boxes.said.empty());
 }
 
+TEST(ServerRoundTrips, EmptyCellsAskEachQuestionOnce)
+{
+    ServedLedger ledger;
+    Workbook workbook;
+    constexpr int cells = 20;
+    for (int row = 1; row <= cells; ++row)
+        workbook.sheet(1).setFormula({1, row}, "Acct(\"" + std::to_string(8001 + row % 5) +
+                                                   "\",\"2\",\"\",\"2025\",\"1\",\"" +
+                                                   std::to_string(row % 4 + 1) + "\")");
+    ReportEvaluation evaluation(workbook);
+    evaluation.addSelfFunction();
+    openConnection(gConnString);
+    ledger.server.journal.clear();
+    evaluation.recalculate();
+    ASSERT_EQ(evaluation.diagnostics().size(), static_cast<std::size_t>(cells));
+    EXPECT_EQ(evaluation.diagnostics()[0].reason, "科目“8002”不存在");
+    // Two sessions looked after, one batch of fetches, the fetch type, five accounts.
+    EXPECT_LE(ledger.server.journal.requests().size(), 9U);
+}
+
 TEST(ServerRoundTrips, ABatchThatIsRefusedIsDoneCallByCall)
 {
     ServedLedger ledger;
