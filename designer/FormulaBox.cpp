@@ -115,19 +115,26 @@ bool FormulaBox::commit()
         return true;
     }
     const std::string typed = m_edit.text().toStdString();
-    const auto problem = spreadsheet::enterText(m_grid.workbook(), *own, m_cell, trimmed(typed),
-                                                spreadsheet::TypedInto::formulaBox);
-    if (problem) {
+    if (const auto problem = enter(*own, trimmed(typed))) {
         const std::size_t place = std::min(problem->position, typed.size());
         m_assistant->markMistake(static_cast<int>(spreadsheet::unitOfByte(typed, place)));
         if (refused)
             refused(problem->reason);
         return false;
     }
-    if (written)
-        written(*own, m_cell);
     m_grid.afterEdit(m_cell);
     return true;
+}
+
+/// What `written` does belongs to the same undo step.
+std::optional<spreadsheet::FormulaProblem> FormulaBox::enter(Sheet& sheet, std::string_view text)
+{
+    const spreadsheet::UndoStep step(m_grid.workbook(), "输入");
+    auto problem =
+        spreadsheet::enterText(m_grid.workbook(), sheet, m_cell, text, spreadsheet::TypedInto::formulaBox);
+    if (!problem && written)
+        written(sheet, m_cell);
+    return problem;
 }
 
 void FormulaBox::begin()

@@ -1,10 +1,13 @@
 #pragma once
 #include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/engine/FormulaProblem.h"
 
 #include <QObject>
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 
 class QLineEdit;
 
@@ -44,6 +47,7 @@ private:
     class Editing;
     spreadsheet::Sheet* sheet() const;
     bool isUnchanged(const spreadsheet::Sheet& sheet) const;
+    std::optional<spreadsheet::FormulaProblem> enter(spreadsheet::Sheet& sheet, std::string_view text);
     void begin();
     void leaveFor(bool committing);
 

@@ -1,6 +1,7 @@
 #include "designer/editor_commands.h"
 
 #include "designer/frmEditor.h"
+#include "designer/frmGoTo.h"
 #include "formatting/cell_commands.h"
 #include "printing/frmPrintOptions.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -11,7 +12,7 @@ namespace {
 
 using Window = frmEditor&;
 
-constexpr EditorCommand separator{nullptr, nullptr};
+constexpr EditorCommand separator{};
 
 using Horizontal = spreadsheet::HorizontalAlignment;
 using Vertical = spreadsheet::VerticalAlignment;
@@ -52,6 +53,38 @@ constexpr EditorCommand fileCommands[] = {
     {"MenuPageBreak", "插入/取消分页符", [](Window) { togglePageBreaksAtSelection(); }},
 };
 
+constexpr EditorCommand fillCommands[] = {
+    {"MenuFillDown", "向下填充\tCtrl+D", [](Window w) { w.fps1().fillDown(); }},
+    {"MenuFillRight", "向右填充\tCtrl+R", [](Window w) { w.fps1().fillRight(); }},
+    separator,
+    {"MenuSortUp", "升序排序", [](Window w) { w.sortSelection(false); }},
+    {"MenuSortDown", "降序排序", [](Window w) { w.sortSelection(true); }},
+};
+
+constexpr EditorCommand lookCommands[] = {
+    {"MenuUnderline", "下划线", onGrid<toggleUnderline>},
+    {"MenuStrikeOut", "删除线", onGrid<toggleStrikeOut>},
+    {"MenuWrap", "自动换行", onGrid<toggleWrap>},
+    {"MenuClearFormats", "清除格式", onGrid<clearFormats>},
+};
+
+constexpr EditorCommand lineCommands[] = {
+    {"MenuDeleteRows", "删除行", [](Window w) { w.fps1().deleteRows(); }},
+    {"MenuDeleteColumns", "删除列", [](Window w) { w.fps1().deleteColumns(); }},
+    separator,
+    {"MenuHideRows", "隐藏行\tCtrl+9", [](Window w) { w.fps1().hideRows(); }},
+    {"MenuHideColumns", "隐藏列\tCtrl+0", [](Window w) { w.fps1().hideColumns(); }},
+    {"MenuShowRows", "取消隐藏行\tCtrl+Shift+9", [](Window w) { w.fps1().showRows(); }},
+    {"MenuShowColumns", "取消隐藏列\tCtrl+Shift+0", [](Window w) { w.fps1().showColumns(); }},
+    separator,
+    {"MenuAutofitColumns", "最适合的列宽", [](Window w) { w.fps1().autofitColumns(); }},
+    {"MenuFreeze", "冻结窗格", [](Window w) { w.fps1().freezeHere(); }},
+};
+
+constexpr EditorMenu fillMenu{"MenuFillSort", "填充和排序", fillCommands};
+constexpr EditorMenu lookMenu{"MenuLooks", "字体和格式", lookCommands};
+constexpr EditorMenu lineMenu{"MenuLines", "行和列", lineCommands};
+
 constexpr EditorCommand editCommands[] = {
     {"MenuHInsertCell", "模向插入单元格"},
     {"MenuVInsertCell", "纵向插入单元格"},
@@ -82,30 +115,22 @@ constexpr EditorCommand editCommands[] = {
     {"MenuDataType", "设置数据类型", [](Window w) { w.MenuDataType_Click(); }},
     {"MenuCellBorder", "设置边框", [](Window w) { w.MenuCellBorder_Click(); }},
     separator,
-    {"MenuUndo", "撤消", [](Window w) { w.fps1().undo(); }},
-    {"MenuRedo", "恢复", [](Window w) { w.fps1().redo(); }},
+    {"MenuUndo", "撤消\tCtrl+Z", [](Window w) { w.fps1().undo(); }},
+    {"MenuRedo", "恢复\tCtrl+Y", [](Window w) { w.fps1().redo(); }},
     separator,
-    {"MenuCut", "剪切", [](Window w) { w.fps1().cut(); }},
-    {"MenuCopy", "复制", [](Window w) { w.fps1().copy(); }},
-    {"MenuPaste", "粘贴", [](Window w) { w.fps1().paste(); }},
-    {"MenuPasteValues", "粘贴数值", [](Window w) { w.fps1().pasteValues(); }},
-    {"MenuClear", "清除内容", [](Window w) { w.fps1().clear(); }},
-    {"MenuFillDown", "向下填充", [](Window w) { w.fps1().fillDown(); }},
-    {"MenuFillRight", "向右填充", [](Window w) { w.fps1().fillRight(); }},
+    {"MenuCut", "剪切\tCtrl+X", [](Window w) { w.fps1().cut(); }},
+    {"MenuCopy", "复制\tCtrl+C", [](Window w) { w.fps1().copy(); }},
+    {"MenuPaste", "粘贴\tCtrl+V", [](Window w) { w.fps1().paste(); }},
+    {"MenuPasteValues", "粘贴数值\tCtrl+Shift+V", [](Window w) { w.fps1().pasteValues(); }},
+    {"MenuClear", "清除内容\tDel", [](Window w) { w.fps1().clear(); }},
     separator,
-    {"MenuUnderline", "下划线", onGrid<toggleUnderline>},
-    {"MenuStrikeOut", "删除线", onGrid<toggleStrikeOut>},
-    {"MenuWrap", "自动换行", onGrid<toggleWrap>},
-    {"MenuClearFormats", "清除格式", onGrid<clearFormats>},
+    {"MenuFind", "查找", [](Window w) { w.find(false); }, "Ctrl+F"},
+    {"MenuReplace", "替换", [](Window w) { w.find(true); }, "Ctrl+H"},
+    {"MenuGoTo", "定位", [](Window w) { frmGoTo(w.fps1(), &w).exec(); }, "F5"},
     separator,
-    {"MenuDeleteRows", "删除行", [](Window w) { w.fps1().deleteRows(); }},
-    {"MenuDeleteColumns", "删除列", [](Window w) { w.fps1().deleteColumns(); }},
-    {"MenuHideRows", "隐藏行", [](Window w) { w.fps1().hideRows(); }},
-    {"MenuHideColumns", "隐藏列", [](Window w) { w.fps1().hideColumns(); }},
-    {"MenuShowRows", "取消隐藏行", [](Window w) { w.fps1().showRows(); }},
-    {"MenuShowColumns", "取消隐藏列", [](Window w) { w.fps1().showColumns(); }},
-    {"MenuAutofitColumns", "最适合的列宽", [](Window w) { w.fps1().autofitColumns(); }},
-    {"MenuFreeze", "冻结窗格", [](Window w) { w.fps1().freezeHere(); }},
+    {.submenu = &fillMenu},
+    {.submenu = &lookMenu},
+    {.submenu = &lineMenu},
 };
 
 constexpr EditorCommand insertCommands[] = {

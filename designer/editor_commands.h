@@ -7,12 +7,15 @@ namespace selfreport {
 
 class frmEditor;
 
-/// An entry of the designer's menus, or a separator (no name).
+struct EditorMenu;
+
+/// An entry of the designer's menus, a menu below it, or a separator (neither name nor menu).
 struct EditorCommand {
-    const char* name;                         ///< object name of the action; null: a separator stands here
-    const char* caption;                      ///< with "&" before an access key
+    const char* name = nullptr;               ///< object name of the action
+    const char* caption = nullptr;            ///< behind a tab: the key by which the grid does it itself
     void (*run)(frmEditor& window) = nullptr; ///< null: the entry is there and does nothing
     const char* shortcut = "";
+    const EditorMenu* submenu = nullptr;
 };
 
 struct EditorMenu {

@@ -103,20 +103,25 @@ QAction* frmEditor::actionOf(const EditorCommand& command)
     return action;
 }
 
+void frmEditor::fillMenu(QMenu& shown, const EditorMenu& menu)
+{
+    shown.setObjectName(menu.name);
+    for (const EditorCommand& command : menu.commands) {
+        if (command.submenu)
+            fillMenu(*shown.addMenu(QString::fromUtf8(command.submenu->caption)), *command.submenu);
+        else if (command.name)
+            shown.addAction(actionOf(command));
+        else
+            shown.addSeparator();
+    }
+}
+
 void frmEditor::buildCommands()
 {
     auto* bar = new QMenuBar;
     layout()->setMenuBar(bar);
-    for (const EditorMenu& menu : editorMenus()) {
-        QMenu* shown = bar->addMenu(QString::fromUtf8(menu.caption));
-        shown->setObjectName(menu.name);
-        for (const EditorCommand& command : menu.commands) {
-            if (command.name)
-                shown->addAction(actionOf(command));
-            else
-                shown->addSeparator();
-        }
-    }
+    for (const EditorMenu& menu : editorMenus())
+        fillMenu(*bar->addMenu(QString::fromUtf8(menu.caption)), menu);
     m_menuEdit = bar->findChild<QMenu*>("MenuEdit");
     for (const EditorButton& button : editorButtons()) {
         if (!button.key) {

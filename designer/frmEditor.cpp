@@ -7,6 +7,7 @@
 #include "designer/EditorGrid.h"
 #include "designer/EditorStatus.h"
 #include "designer/FormulaBox.h"
+#include "designer/frmFind.h"
 #include "designer/frmTableInfo.h"
 #include "formatting/cell_commands.h"
 #include "formatting/frmCellBorder.h"
@@ -321,7 +322,24 @@ void frmEditor::MenuCellBorder_Click()
     frmCellBorder(*m_fps1, this).exec();
 }
 
+void frmEditor::sortSelection(bool descending)
+{
+    if (!m_fps1->isBlockSelected()) {
+        m_status->showMessage(QStringLiteral("请先选定要排序的区域,按活动单元格所在的列排序"));
+        return;
+    }
+    m_fps1->sortBlock({{m_fps1->activeCell().column, descending}}, false);
+}
+
 // Other windows and the clipboard
+
+void frmEditor::find(bool replacing)
+{
+    auto* window = findChild<frmFind*>();
+    if (!window)
+        window = new frmFind(*m_fps1, this);
+    window->begin(replacing);
+}
 
 void frmEditor::MenuSetTableInfo_Click()
 {

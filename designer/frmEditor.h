@@ -29,6 +29,7 @@ class EditorStatus;
 class FormulaBox;
 class ProportionalLayout;
 struct EditorCommand;
+struct EditorMenu;
 
 /// The designer: a report is built and saved in it, or, in run mode, a stored one is shown with its data.
 /// What it opens on is the shared state at that moment: `gEditFlag`, `gRunMode`, `gReportId`.
@@ -64,6 +65,8 @@ public:
     void copyActiveText();
     void pasteIntoActiveCell();
     void showDiagnostics();
+    void find(bool replacing);
+    void sortSelection(bool descending); ///< by the active cell's column
     void showCoverage();
 
     /// What opening for use ends with, once the window is seen: the recalculation. Commands that come earlier
@@ -87,6 +90,7 @@ private:
     void connectLists();
     void connectGrid();
     QAction* actionOf(const EditorCommand& command);
+    void fillMenu(QMenu& shown, const EditorMenu& menu);
 
     // Start-up, in this order
     void initForm();

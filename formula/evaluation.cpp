@@ -69,11 +69,15 @@ std::optional<CellType> taggedType(std::string_view tag)
     return spreadsheet::cellTypeOf(code);
 }
 
-void showFormula(Sheet& sheet, CellAddress cell)
+/// @param again  formulas were shown already: a cell that got another formula meanwhile is plain text only
+///               because it was shown
+void showFormula(Sheet& sheet, CellAddress cell, bool again)
 {
     if (!sheet.shownText(cell).empty())
         return; // already shown: its tag holds the type that it has as data
-    sheet.setTag(cell, std::to_string(static_cast<int>(sheet.style(cell).type)));
+    const CellType type = sheet.style(cell).type;
+    if (!again || type != CellType::edit || !taggedType(sheet.tag(cell).view()))
+        sheet.setTag(cell, std::to_string(static_cast<int>(type)));
     const std::string formula = sheet.formula(cell);
     if (trimmed(formula).empty())
         return;
@@ -191,9 +195,10 @@ bool ReportEvaluation::recalculateChanged()
 void ReportEvaluation::showFormulas()
 {
     const spreadsheet::UndoStep step(m_workbook, "显示公式");
+    const bool again = isShowFormula == 1;
     isShowFormula = 1;
     m_workbook.setFormulasShown(true);
-    forEveryCell(m_workbook, showFormula);
+    forEveryCell(m_workbook, [again](Sheet& sheet, CellAddress cell) { showFormula(sheet, cell, again); });
 }
 
 void ReportEvaluation::showStoredData()
