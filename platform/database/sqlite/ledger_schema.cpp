@@ -8,8 +8,9 @@ namespace {
 
 // Balances are debit-positive: closing = opening + debit - credit. Names ending in For hold the original
 // currency, the others base currency. Their keys begin with account and item combination: an account's total
-// for a year is one run of rows, and so is a customer's. Movements over many periods and items read tens of
-// thousands of rows, so they have a narrow index of their own that holds all that they read.
+// for a year is one run of rows, and so is a customer's. Fetches over thousands of items have narrow indexes
+// of their own that hold all that they read: the balances of one period lie side by side, and of the
+// movements only those that are not 0, which most items do not have in most periods.
 constexpr const char* balanceTables = R"sql(
 create table tblAccountBal(
   faccountid integer not null, fDetailId integer not null, fYear integer not null, fPeriod integer not null,
@@ -21,7 +22,10 @@ create table tblAccountBal(
   fYtdCreditFor decimal(18,2) not null default 0, fYtdCredit decimal(18,2) not null default 0,
   fEndBalFor decimal(18,2) not null default 0, fEndBal decimal(18,2) not null default 0,
   primary key(faccountid,fDetailId,fYear,fPeriod,fCurrencyid)) without rowid;
-create index ixBalanceMovement on tblAccountBal(faccountid,fYear,fDetailId,fPeriod,fCurrencyid,fDebit,fCredit);
+create index ixBalanceMovement on tblAccountBal(faccountid,fYear,fDetailId,fPeriod,fCurrencyid,fDebit,fCredit)
+  where fDebit<>0 or fCredit<>0;
+create index ixBalanceOfPeriod on tblAccountBal(
+  faccountid,fYear,fPeriod,fDetailId,fCurrencyid,fBeginBal,fEndBal,fYtdDebit,fYtdCredit);
 create table tblQtyBalance(
   fAccountId integer not null, fDetailid integer not null, fYear integer not null, fPeriod integer not null,
   fCurrencyid integer not null,

@@ -118,6 +118,7 @@ protected:
     void fillOthers()
     {
         balance("5,0,2009,1,1, -80,-80, 0,0, 20,20, 0,0, 20,20, -100,-100");
+        balance("5,0,2009,2,1, -100,-100, 0,0, 0,0, 0,0, 20,20, -100,-100");
         balance("6,0,2009,1,1, 0,0, 40,40, 40,40, 40,40, 40,40, 0,0");
         m_connection->execute("insert into tblProfitAndLoss values(6,0,2009,1,1,40,40,40,40)");
         m_connection->execute("insert into tblQtyBalance values(2,0,2009,1,1, 3,1.5,0.5,1.5,0.5,4)");
@@ -170,6 +171,8 @@ TEST_F(AcctProcedureTest, EachKindReadsItsPeriodsAndSign)
         {"not on the credit side", acctCall(account("1122"), "14", "", "2009", "2", "2"), "0"},
         {"credit side of payables", acctCall(account("2202"), "14", "", "2009", "1", "1"), "100"},
         {"key in full width", acctCall(account("2202"), "１４ ", "", "2009", "1", "1"), "100"},
+        {"no movement is a figure", acctCall(account("2202"), "4", "", "2009", "2", "2"), "0"},
+        {"no row is none", acctCall(account("2202"), "4", "", "2009", "3", "3"), "none"},
         {"unknown key", acctCall(account("2202"), "15", "", "2009", "1", "1"), "returned 0"},
         {"key with a tail", acctCall(account("2202"), "1x", "", "2009", "1", "1"), "returned 0"},
     };
