@@ -18,29 +18,32 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QToolBar>
 #include <QToolButton>
 
 #include <cmath>
+#include <utility>
 
 namespace selfreport {
 
 namespace {
 
 constexpr QSize board(14400, 9300); // twips
+constexpr double roominess = 1.25;  // of the window when it opens
 
 // Twips on the board.
-constexpr QRect toolbarPlace(0, 0, 14400, 450);
-constexpr QRect list1Place(60, 480, 2400, 360);
-constexpr QRect list2Place(2520, 480, 840, 360);
-constexpr QRect nameLabelPlace(3480, 480, 960, 360);
-constexpr QRect namePlace(4440, 480, 2760, 360);
-constexpr QRect formulaLabelPlace(7320, 480, 1860, 360);
-constexpr QRect formulaPlace(9180, 480, 5160, 360);
-constexpr QRect sheetPlace(0, 900, 14400, 8040);
-constexpr QRect statusPlace(0, 8940, 14400, 360);
+constexpr QRect toolbarPlace(0, 0, 14400, 600);
+constexpr QRect list1Place(60, 630, 1920, 480);
+constexpr QRect list2Place(2040, 630, 1080, 480);
+constexpr QRect nameLabelPlace(3150, 630, 1050, 480);
+constexpr QRect namePlace(4260, 630, 2640, 480);
+constexpr QRect formulaLabelPlace(6900, 630, 2460, 480);
+constexpr QRect formulaPlace(9420, 630, 4920, 480);
+constexpr QRect sheetPlace(0, 1170, 14400, 7680);
+constexpr QRect statusPlace(0, 8880, 14400, 420);
 
 constexpr int firstSize = 5; // points
 constexpr int lastSize = 72;
@@ -70,7 +73,7 @@ void frmEditor::buildControls()
     m_status->setContentsMargins(0, 0, 6, 0);
     layout->place(m_status, statusPlace);
     buildCommands();
-    resize(sizeHint());
+    resize((QSizeF(sizeHint()) * roominess).toSize().boundedTo(screen()->availableSize() * 9 / 10));
 }
 
 void frmEditor::buildLabels(ProportionalLayout& layout)
@@ -86,7 +89,15 @@ void frmEditor::buildLabels(ProportionalLayout& layout)
     m_txtReportName = put(new QLineEdit, "txtReportName", namePlace);
     nameLabel->setBuddy(m_txtReportName);
     m_label1 = put(new QLabel(QStringLiteral("单元格公式：")), "Label1", formulaLabelPlace);
+    m_label1->setSizePolicy(QSizePolicy::Ignored,
+                            QSizePolicy::Preferred); // the caption never widens the window
     m_txtFormula = put(new QLineEdit, "txtFormula", formulaPlace);
+    for (QLabel* label : {nameLabel, m_label1})
+        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    for (const auto& [list, letters] : {std::pair(m_list1, 6), std::pair(m_list2, 2)}) {
+        list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon); // font names may be long
+        list->setMinimumContentsLength(letters);
+    }
     m_formulaBox = new FormulaBox(*m_txtFormula, *m_fps1);
 }
 

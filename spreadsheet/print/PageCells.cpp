@@ -42,10 +42,10 @@ HorizontalAlignment alignmentOf(const CellStyle& style, const Value& value, bool
 {
     if (style.type == CellType::button || style.type == CellType::checkBox)
         return HorizontalAlignment::centre;
+    if (showsOtherText)
+        return HorizontalAlignment::left; // what is cut off a formula is its end
     if (style.horizontal != HorizontalAlignment::general)
         return style.horizontal;
-    if (showsOtherText)
-        return HorizontalAlignment::left;
     if (value.isBoolean() || value.isError())
         return HorizontalAlignment::centre;
     return isFigure ? HorizontalAlignment::right : HorizontalAlignment::left;

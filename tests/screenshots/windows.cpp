@@ -5,6 +5,8 @@
 #include "component/state/shared_state.h"
 #include "component/tool_api.h"
 #include "designer/frmEditor.h"
+#include "designer/frmFind.h"
+#include "designer/frmGoTo.h"
 #include "designer/frmTableInfo.h"
 #include "formatting/frmCellBorder.h"
 #include "formatting/frmDataType.h"
@@ -100,6 +102,8 @@ std::vector<Picture> pictures()
         {"frmEditor", [] { return designer(false); }, {1280, 800}},
         {"frmEditor-formulas", [] { return designer(false, "MenuShowFormula"); }, {1280, 800}},
         {"frmEditor-run", [] { return designer(true); }, {1280, 800}},
+        {"frmFind", [] { return std::make_unique<frmFind>(emptyGrid()); }},
+        {"frmGoTo", [] { return std::make_unique<frmGoTo>(emptyGrid()); }},
         {"frmTableInfo", [] { return std::make_unique<frmTableInfo>(emptyGrid()); }},
         {"frmDataType", [] { return std::make_unique<frmDataType>(emptyGrid()); }},
         {"frmCellBorder", [] { return std::make_unique<frmCellBorder>(emptyGrid()); }},
