@@ -48,6 +48,7 @@ void ChooserWindow::buildTree()
     m_tree->setModel(m_entries);
     m_tree->setUniformRowHeights(true); // heights of 20,000 rows are not asked for one by one
     m_tree->setAllColumnsShowFocus(true);
+    m_tree->setRootIsDecorated(m_entries->hasLevels());
     m_tree->setFocusPolicy(Qt::NoFocus); // keys come from the search box
     m_tree->header()->setStretchLastSection(true);
     m_tree->setColumnWidth(0, 170);

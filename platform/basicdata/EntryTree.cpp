@@ -2,6 +2,7 @@
 
 #include "platform/basicdata/pinyin_initials.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace selfreport {
@@ -82,6 +83,11 @@ QModelIndex EntryTree::bestMatch() const
 QModelIndex EntryTree::indexOf(int entry) const
 {
     return createIndex(m_rowInParent[static_cast<std::size_t>(entry)], 0, static_cast<quintptr>(entry));
+}
+
+bool EntryTree::hasLevels() const
+{
+    return std::ranges::any_of(m_entries, [](const ChooserEntry& entry) { return entry.parent >= 0; });
 }
 
 const ChooserEntry& EntryTree::entry(const QModelIndex& index) const

@@ -20,6 +20,9 @@ public:
     /// Whom the search means: the first entry whose code begins with the text, else the first match.
     QModelIndex bestMatch() const;
 
+    /// Whether any entry stands below another.
+    bool hasLevels() const;
+
     const ChooserEntry& entry(const QModelIndex& index) const;
     int visibleCount() const { return m_visibleCount; }
 
