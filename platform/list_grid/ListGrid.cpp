@@ -33,9 +33,12 @@ ListGrid::ListGrid(QWidget* parent)
 void ListGrid::setColumns(const std::vector<ListColumn>& columns)
 {
     QStringList headings;
-    for (const ListColumn& column : columns)
+    std::vector<Qt::Alignment> alignments;
+    for (const ListColumn& column : columns) {
         headings.append(QString::fromUtf8(column.heading));
-    m_rows->setHeadings(headings);
+        alignments.push_back(column.alignment);
+    }
+    m_rows->setHeadings(headings, alignments);
     for (std::size_t index = 0; index < columns.size(); ++index)
         setColumnWidth(static_cast<int>(index), pixelsOf(columns[index].width, *this));
 }

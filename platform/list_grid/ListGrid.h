@@ -8,8 +8,9 @@ namespace selfreport {
 class ListRows;
 
 struct ListColumn {
-    const char* heading; ///< UTF-8
-    int width;           ///< twips (1/1440 inch)
+    const char* heading;                                        ///< UTF-8
+    int width;                                                  ///< twips (1/1440 inch)
+    Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter; ///< of its texts
 };
 
 /// A list with one heading row. Rows count from 0: row 0 is the heading, data rows follow in the order in

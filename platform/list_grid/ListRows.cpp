@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace selfreport {
 
@@ -13,10 +14,11 @@ ListRows::ListRows(QObject* parent)
     m_collator.setCaseSensitivity(Qt::CaseInsensitive);
 }
 
-void ListRows::setHeadings(const QStringList& headings)
+void ListRows::setHeadings(const QStringList& headings, std::vector<Qt::Alignment> alignments)
 {
     beginResetModel();
     m_headings = headings;
+    m_alignments = std::move(alignments);
     endResetModel();
 }
 
@@ -121,8 +123,16 @@ int ListRows::columnCount(const QModelIndex& parent) const
     return parent.isValid() ? 0 : static_cast<int>(m_headings.size());
 }
 
+QVariant ListRows::alignmentOf(int column) const
+{
+    const auto place = static_cast<std::size_t>(column);
+    return place < m_alignments.size() ? int(m_alignments[place]) : int(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
 QVariant ListRows::data(const QModelIndex& index, int role) const
 {
+    if (index.isValid() && role == Qt::TextAlignmentRole)
+        return alignmentOf(index.column());
     if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
         return {};
     return text(rowShown(index.row()), index.column());
@@ -133,7 +143,7 @@ QVariant ListRows::headerData(int section, Qt::Orientation orientation, int role
     if (orientation == Qt::Horizontal && role == Qt::DisplayRole)
         return m_headings.value(section);
     if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole)
-        return int(Qt::AlignLeft | Qt::AlignVCenter);
+        return alignmentOf(section);
     return {};
 }
 

@@ -13,7 +13,7 @@ class ListRows : public QAbstractTableModel {
 public:
     explicit ListRows(QObject* parent);
 
-    void setHeadings(const QStringList& headings);
+    void setHeadings(const QStringList& headings, std::vector<Qt::Alignment> alignments);
     void add(const QStringList& texts, const QStringList& sortTexts);
     void remove(int row);
     void clear();
@@ -35,9 +35,11 @@ private:
         QStringList texts, sortTexts;
     };
     bool comesBefore(int left, int right) const;
+    QVariant alignmentOf(int column) const;
     const QString& sortText(int row) const;
 
     QStringList m_headings;
+    std::vector<Qt::Alignment> m_alignments;
     std::vector<Row> m_rows;
     std::vector<int> m_shown; // row numbers in the order shown
     int m_sortColumn = -1;
