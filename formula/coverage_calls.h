@@ -1,6 +1,7 @@
 #pragma once
 #include "formula/coverage.h"
 
+#include <optional>
 #include <vector>
 
 namespace spreadsheet {
@@ -19,7 +20,8 @@ struct SheetCalls {
 /// Finds the calls by evaluating a copy of the workbook with the ledger's figures, so that computed arguments
 /// count as what they are and a branch that is not taken counts as nothing. The workbook stays as it is.
 /// @param sheet  index, from 1
+/// @return  nothing if the waiting user cancelled
 /// @throws spreadsheet::ContentError if the workbook is too large to be copied
-SheetCalls acctCallsOf(const spreadsheet::Workbook& workbook, int sheet);
+std::optional<SheetCalls> acctCallsOf(const spreadsheet::Workbook& workbook, int sheet);
 
 } // namespace selfreport

@@ -1,6 +1,7 @@
 #include "formula/dialogs/frmCoverage.h"
 
 #include "component/own_file.h"
+#include "component/state/driver_call.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
 #include "formula/call_in_words.h"
@@ -9,15 +10,13 @@
 #include "formula/report_functions.h"
 #include "platform/basicdata/clsAccountChooser.h"
 #include "platform/list_grid/ListGrid.h"
-#include "platform/windows/background_work.h"
 #include "platform/windows/buttons.h"
-#include "platform/windows/WaitCursor.h"
+#include "platform/windows/CancellableWait.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <algorithm>
 #include <array>
 #include <map>
-#include <memory>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
@@ -81,7 +80,7 @@ frmCoverage::frmCoverage(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
     connect(m_chkFaults, &QCheckBox::toggled, this, &frmCoverage::listAccounts);
     connect(m_vsf1, &QAbstractItemView::clicked, this, &frmCoverage::goToCells);
     connect(m_vsf1, &QAbstractItemView::activated, this, &frmCoverage::goToCells); // Enter
-    resize(760, 520);
+    resize(840, 560);
 }
 
 void frmCoverage::buildLayout(QGridLayout* rows)
@@ -98,8 +97,11 @@ void frmCoverage::buildLayout(QGridLayout* rows)
     m_summary->setObjectName("lblSummary");
     m_summary->setWordWrap(true);
     m_vsf1->setObjectName("vsf1");
-    m_vsf1->setColumns(
-        {{"科目代码", 1500}, {"科目名称", 3200}, {"金额", 1900}, {"取数次数", 1800}, {"单元格", 3000}});
+    m_vsf1->setColumns({{"科目代码", 1500},
+                        {"科目名称", 3200},
+                        {"金额", 1900, Qt::AlignRight | Qt::AlignVCenter},
+                        {"取数次数", 1800},
+                        {"单元格", 3000}});
     m_vsf1->setToolTip(QStringLiteral("单击转到单元格，再次单击转到下一个"));
     QDialogButtonBox* buttons = okAndClose(
         "检查(&Q)", [this] { check(); }, "关闭(&E)", [this] { close(); });
@@ -144,11 +146,14 @@ bool frmCoverage::readSheet()
     m_measures.clear();
     m_cboMeasure->clear();
     m_sheetId = m_grid.workbook().sheet(m_grid.activeSheet()).id();
-    m_sheet = {};
+    std::optional<SheetCalls> found;
     {
-        const WaitCursor waiting;
-        guardedEvaluation([this] { m_sheet = acctCallsOf(m_grid.workbook(), m_grid.activeSheet()); });
+        const CancellableWait waiting(windowTitle());
+        guardedEvaluation([&] { found = acctCallsOf(m_grid.workbook(), m_grid.activeSheet()); });
     }
+    m_sheet = found.value_or(SheetCalls());
+    if (!found)
+        return false;
     return databaseProcedure(Icon::critical, [&](Connection& connection) {
         m_measures = measuresOf(m_sheet.calls);
         for (const auto& [arguments, calls] : m_measures) {
@@ -163,24 +168,28 @@ bool frmCoverage::readSheet()
 void frmCoverage::readAccounts()
 {
     m_accounts.clear();
-    if (const int chosen = m_cboMeasure->currentIndex(); chosen >= 0) {
-        // The work may be left behind: it owns what it uses.
-        const auto found = std::make_shared<std::vector<AccountCoverage>>();
-        const auto range = m_txt->texts<std::array<std::string, 2>>();
-        const auto work = [found, range, connectionString = gConnString, calls = m_sheet.calls,
-                           measure = m_measures[static_cast<std::size_t>(chosen)].arguments](WorkProgress&) {
-            const auto connection = openConnection(connectionString);
-            *found = accountCoverage(*connection, std::string(trimmed(range[0])),
-                                     std::string(trimmed(range[1])), measure, calls);
-        };
-        try {
-            if (runInBackground(windowTitle(), work, Waiting::untilCancelled))
-                m_accounts = std::move(*found);
-        } catch (const std::exception& error) {
-            tellUser(Icon::critical, error.what());
-        }
+    try {
+        if (const int chosen = m_cboMeasure->currentIndex(); chosen >= 0)
+            m_accounts = coverageOf(m_measures[static_cast<std::size_t>(chosen)].arguments);
+    } catch (const std::exception& error) {
+        tellUser(Icon::critical, error.what());
+    } catch (const WorkCancelled&) {
+        // The list stays empty.
     }
     listAccounts();
+}
+
+std::vector<AccountCoverage> frmCoverage::coverageOf(const LedgerArguments& measure) const
+{
+    const CancellableWait waiting(windowTitle());
+    const auto range = m_txt->texts<std::array<std::string, 2>>();
+    // The call may be left behind: it owns what it uses.
+    return driverCall<std::vector<AccountCoverage>>(
+        [range, measure, connectionString = gConnString, calls = m_sheet.calls] {
+            const auto connection = openConnection(connectionString);
+            return accountCoverage(*connection, std::string(trimmed(range[0])),
+                                   std::string(trimmed(range[1])), measure, calls);
+        });
 }
 
 void frmCoverage::listAccounts()

@@ -32,10 +32,12 @@ public:
 private:
     void buildLayout(QGridLayout* rows);
     void seekAccount(int index);
-    /// Finds the calls and what they ask for. False after telling the user why not.
+    /// Finds the calls and what they ask for. False if the user cancelled, or was told why not.
     bool readSheet();
     /// Looks the accounts up for the measure that is chosen.
     void readAccounts();
+    /// @throws DatabaseError, WorkCancelled
+    std::vector<AccountCoverage> coverageOf(const LedgerArguments& measure) const;
     void listAccounts();
     QString summary() const;
     void goToCells();
