@@ -10,6 +10,7 @@ namespace selfreport {
 LineNames::LineNames(const spreadsheet::SpreadsheetControl& grid)
     : m_grid(grid)
 {
+    connect(&grid, &spreadsheet::SpreadsheetControl::viewChanged, this, [this] { update(); });
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
 }
 

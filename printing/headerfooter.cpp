@@ -18,6 +18,8 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace selfreport {
 
 namespace {
@@ -148,9 +150,18 @@ void headerfooter::GetHeaderDetail(const std::string& codes)
     HeaderGrid grid;
     const std::string_view problem = readHeaderCodes(codes, grid, m_reader);
     showHeaderGrid(fpSpread1->sheet(), grid);
-    fpSpread1->refresh();
+    fitLines();
     if (!problem.empty())
         dialogs().message(Icon::none, "GetHeaderDetail", problem);
+}
+
+/// Large fonts show whole.
+void headerfooter::fitLines()
+{
+    const int least = fpSpread1->sheet().settings().rows.defaultSize;
+    for (int row = 1; row <= headerRows; ++row)
+        fpSpread1->setRowHeight(row, std::max(least, fpSpread1->neededRowHeight(row)));
+    fpSpread1->refresh();
 }
 
 std::string headerfooter::GetCellData(std::int16_t column, std::int16_t row) const
@@ -240,7 +251,7 @@ void headerfooter::fpSpread1_ButtonClicked(int column, int row)
         changed.font.underline = chosen->underline;
         changed.font.strikeThrough = chosen->strikeOut;
     });
-    fpSpread1->refresh();
+    fitLines();
 }
 
 } // namespace selfreport

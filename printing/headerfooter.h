@@ -38,6 +38,7 @@ private:
     void buildApplyFrame();
     void buildButtons();
     void Option3_Click();
+    void fitLines();
     void Command3_Click();
     void Command4_Click();
     void cmdXPOK_Click();

@@ -138,6 +138,19 @@ TEST_F(HeaderFooter, TheFontButtonSetsTheCellToItsLeft)
     EXPECT_EQ(window.GetCellData(3, 1), R"(/fn"黑体"/fz"10.5"/fb1/fi1/fu1/fk1/c利润表)") << "cancelled";
 }
 
+TEST_F(HeaderFooter, LinesAreAsHighAsTheirFonts)
+{
+    gHeaderText = R"(/fn"宋体"/fz"14"/cA/n/fn"宋体"/fz"28"/cB/n)";
+    headerfooter window;
+    show(window);
+    const auto height = [&](int row) { return spread(window).cellRect({3, row}).height(); };
+    EXPECT_GT(height(2), height(1));
+    for (const auto& [row, points] : {std::pair(1, 14), {2, 28}})
+        EXPECT_GE(spread(window).sheet().settings().rows.size(row), points * 20) << points;
+    control<QRadioButton>(window, "Option3_1").click();
+    EXPECT_EQ(height(2), height(3)) << "the footer's own";
+}
+
 TEST_F(HeaderFooter, ClearEmptiesTheGridsHeaderOnly)
 {
     grid.book.sheet(1).changeSettings([](spreadsheet::SheetSettings& s) { s.print.header = "/c旧/n"; });
