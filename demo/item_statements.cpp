@@ -29,10 +29,10 @@ DemoReport departmentCosts(int year, std::span<const LedgerName> accounts,
                            std::span<const LedgerName> departments)
 {
     DemoReport report = startReport("部门费用明细表", "部门费用", true);
-    std::vector<int> widths{10, 14};
+    std::vector<int> widths{9, 12};
     std::vector<std::string> headings{"科目代码", "费用项目"};
     for (const LedgerName& department : departments) {
-        widths.push_back(8);
+        widths.push_back(9);
         headings.push_back(department.name);
     }
     widths.push_back(10);
