@@ -10,6 +10,7 @@
 #include "designer/frmTableInfo.h"
 #include "formatting/frmCellBorder.h"
 #include "formatting/frmDataType.h"
+#include "formula/dialogs/frmCoverage.h"
 #include "formula/dialogs/frmFunction.h"
 #include "formula/dialogs/frmFunctionInput.h"
 #include "formula/dialogs/frmFunctionInput1.h"
@@ -18,7 +19,15 @@
 #include "pickers/frmFilelList.h"
 #include "platform/basicdata/basic_data.h"
 #include "platform/basicdata/ChooserWindow.h"
+#include "platform/database/Connection.h"
+#include "platform/dialogs/QtPrinterSetupDialog.h"
 #include "platform/dialogs/RecordingDialogs.h"
+#include "platform/printers/ScriptedPrintService.h"
+#include "printing/frmPreview.h"
+#include "printing/frmPrintOptions.h"
+#include "printing/headerfooter.h"
+#include "printing/pagesetup.h"
+#include "printing/PrintDlg.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/formula/dialogs/RecordingCell.h"
 
@@ -40,8 +49,8 @@ namespace {
 
 struct Picture {
     const char* name;
-    std::function<std::unique_ptr<QWidget>()> make;
-    QSize size = {}; ///< none: as the window opens
+    std::function<std::unique_ptr<QWidget>()> make; ///< null: it was shown modally meanwhile
+    QSize size = {};                                ///< none: as the window opens
 };
 
 const auto ignored = [](const QString&) {};
@@ -52,6 +61,13 @@ std::unique_ptr<QWidget> accountChooser(const QString& search)
                                                   accountEntries(*openConnection(gConnString)), nullptr);
     window->findChild<QLineEdit*>("txtSearch")->setText(search);
     return window;
+}
+
+std::unique_ptr<QWidget> itemChooser()
+{
+    ItemList list = itemsOfClass(*openConnection(gConnString), 1, "fNumber");
+    return std::make_unique<ChooserWindow>(list.className, QStringList{"代码", "名称"}, std::move(list.items),
+                                           nullptr);
 }
 
 std::unique_ptr<QWidget> filledInput(test::RecordingCell& cell)
@@ -92,7 +108,53 @@ std::unique_ptr<QWidget> designer(bool running, const char* command = nullptr)
     return window;
 }
 
-std::vector<Picture> pictures()
+/// Kept open: the printing windows work on its grid.
+frmEditor& openReport()
+{
+    static const std::unique_ptr<QWidget> window = designer(true);
+    return static_cast<frmEditor&>(*window);
+}
+
+template <class Window>
+std::unique_ptr<QWidget> overReport()
+{
+    openReport();
+    return std::make_unique<Window>();
+}
+
+std::unique_ptr<QWidget> coverage()
+{
+    auto window = std::make_unique<frmCoverage>(openReport().fps1());
+    window->check();
+    return window;
+}
+
+std::unique_ptr<QWidget> filledHeaders()
+{
+    openReport();
+    gHeaderText =
+        "/fn\"黑体\"/fz\"14\"/fb1/fi0/fu0/fk0/c资产负债表/n/fn\"宋体\"/fz\"9\"/fb0/fi0/fu1/fk0/l单位:演示公司"
+        "/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/r/p/n/fn\"宋体\"/fz\"28\"/fb0/fi1/fu0/fk0/c大字/n";
+    return std::make_unique<headerfooter>();
+}
+
+/// Shown modally by what opens it; the picture is taken from inside.
+std::unique_ptr<QWidget> printerSetup(const QDir& folder, const char* name, bool found)
+{
+    ScriptedPrintService service;
+    if (found)
+        service.known = {{"财务室激光", "二楼", true, true}, {"针式打印机", "", false, true}};
+    const PrintServiceInUse serviceInUse(service);
+    QTimer::singleShot(450, [&] {
+        QWidget* const window = QApplication::activeModalWidget();
+        window->grab().save(folder.filePath(QString(name) + ".png"));
+        window->close();
+    });
+    QtPrinterSetupDialog().choose({});
+    return nullptr;
+}
+
+std::vector<Picture> pictures(const QDir& folder)
 {
     static test::RecordingCell cell;
     const auto list = [] { return std::make_unique<frmSelfReportMain>([] {}); };
@@ -117,12 +179,23 @@ std::vector<Picture> pictures()
         {"frmFilelList", [] { return std::make_unique<frmFilelList>(ignored); }},
         {"clsAccountChooser", [] { return accountChooser(""); }},
         {"clsAccountChooser-search", [] { return accountChooser("yh"); }},
+        {"clsItemChooser", [] { return itemChooser(); }},
+        {"frmCoverage", [] { return coverage(); }},
+        {"frmPreview", [] { return overReport<frmPreview>(); }},
+        {"PrintDlg", [] { return overReport<PrintDlg>(); }},
+        {"pagesetup", [] { return overReport<pagesetup>(); }},
+        {"headerfooter", [] { return filledHeaders(); }},
+        {"frmPrintOptions", [] { return overReport<frmPrintOptions>(); }},
+        {"printerSetup", [&folder] { return printerSetup(folder, "printerSetup", true); }},
+        {"printerSetup-none", [&folder] { return printerSetup(folder, "printerSetup-none", false); }},
     };
 }
 
 bool save(const Picture& picture, const QDir& folder)
 {
     const std::unique_ptr<QWidget> window = picture.make();
+    if (!window)
+        return true;
     if (picture.size.isValid())
         window->resize(picture.size);
     window->show();
@@ -148,7 +221,7 @@ int main(int count, char** arguments)
     gTitle = "演示账套";
     gLoginUserId = "admin";
     int failed = 0;
-    for (const Picture& picture : pictures())
+    for (const Picture& picture : pictures(folder))
         if (count < 3 || QString(picture.name).contains(arguments[2]))
             failed += !save(picture, folder);
     for (const auto& said : boxes.said)

@@ -170,6 +170,16 @@ TEST_F(PdfTest, ScriptsThatAreShapedKeepTheirText)
         EXPECT_TRUE(found.contains(text)) << text << " in " << found.toStdString();
 }
 
+TEST_F(PdfTest, FontsThatAreNotInstalledLoseNoText)
+{
+    sheet.restyle({1, 1, 2, 1}, [](CellStyle& style) { style.font.family = Text("没有这种字体"); });
+    sheet.setText({1, 1}, "科目");
+    sheet.setNumber({2, 1}, -1234.5);
+    sheet.changeSettings([](SheetSettings& settings) { settings.print.header = R"(/fn"也没有"/c日报/n)"; });
+    write();
+    EXPECT_EQ(withoutBlanks(textOf(path())), "日报科目-1234.5");
+}
+
 TEST_F(PdfTest, CharactersThatNoFontHasHarmNoOthers)
 {
     sheet.setText({1, 1}, "科ร目ค日"); // Thai letters are in none of the usual CJK fonts
