@@ -116,7 +116,7 @@ int main(int count, char** arguments)
         [] {
             tryCall({"1001:1012|部门|01:05", "2", "", "2025", "1", "3"}, std::chrono::milliseconds(500));
         });
-    table.row("words and live value of a call", trial, 0.5, "s");
+    table.row("words and live value of a call", trial * 1000, 500, "ms");
     closeIdleSessions();
     std::filesystem::remove(file);
     return table.finish();

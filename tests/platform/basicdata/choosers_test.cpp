@@ -96,6 +96,15 @@ TEST_F(Choosers, KeyboardChooses)
         EXPECT_EQ(choose(text, keys), chosen) << text;
 }
 
+TEST_F(Choosers, EmptyTablesOfferNothing)
+{
+    ledger.run("delete from tblAccount");
+    EXPECT_EQ(choose("1", {Qt::Key_Return, Qt::Key_Down, Qt::Key_Return},
+                     [](QWidget& window) { EXPECT_EQ(shown(window), ""); }),
+              "");
+    EXPECT_TRUE(ledger.boxes.said.empty());
+}
+
 TEST_F(Choosers, ItemsOfAClassAndWhatCannotBeShown)
 {
     const struct {
