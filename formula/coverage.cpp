@@ -49,7 +49,7 @@ public:
         std::vector<AccountCoverage> found;
         for (std::size_t row = 0; row < m_rows.rowCount(); ++row) {
             const std::int64_t id = m_rows.integer(row, "fitemid");
-            if (m_rows.integer(row, "fIsDetail") == 0 || !wanted.contains(id))
+            if (m_rows.integer(row, "fIsDetail") == 0 || !reaches(wanted, id))
                 continue;
             AccountCoverage account{m_rows.text(row, "fNumber"), m_rows.text(row, "fName"), {}, {}, false};
             for (std::size_t call = 0; call < calls.size(); ++call)

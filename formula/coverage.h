@@ -37,7 +37,8 @@ struct AccountCoverage {
 /// Which accounts of a stretch of the chart the calls reach once, several times or not at all. The accounts
 /// are looked up with the conditions that the fetch itself sends.
 ///
-/// @param first, last  codes of the stretch; one empty: the other alone; both empty: the whole chart
+/// @param first, last  codes of the stretch, which takes the accounts below its own in; one empty: the other
+///                     alone; both empty: the whole chart
 /// @param measure      fetch type, currency, year and periods of the amounts; only calls that ask for the
 ///                     same count, as opening and closing balance of an account do not cover it twice
 /// @return  accounts without sub-accounts, by code. @throws DatabaseError

@@ -45,6 +45,9 @@ TEST_F(Coverage, FindsTheDoubleAndTheGap)
     EXPECT_EQ(found("", "", calls), "1001 2 100.25, 100201 2 -, 100202 2 -, 1122 1~ 300, 2001 0 700");
     EXPECT_EQ(found("1001", "1099", {closing(2, "100201")}), "1001 0 100.25, 100201 1 -, 100202 0 -");
     EXPECT_EQ(found("2001", "", {}), "2001 0 700");
+    // What stands below 1002 belongs to it, though 100201 does not stand between 1001 and 1002.
+    EXPECT_EQ(found("1001", "1002", {closing(2, "1002")}), "1001 0 100.25, 100201 1 -, 100202 1 -");
+    EXPECT_EQ(found("1002", "", {}), "100201 0 -, 100202 0 -");
     EXPECT_EQ(found("3001", "3999", calls), "");
 }
 
@@ -56,7 +59,7 @@ TEST_F(Coverage, OtherMeasuresAndEmptyAccountsDoNotCount)
     lastYear.arguments.year = "2024";
     EXPECT_EQ(found("1001", "1001", {opening, lastYear, closing(4, "")}), "1001 0 100.25");
     ledger.run("update tblAccount set fParentId=20 where fitemid=2"); // a chart that goes round
-    EXPECT_EQ(found("1001", "100201", {closing(2, "1122")}), "1001 0 100.25, 100201 0 -");
+    EXPECT_EQ(found("1001", "100201", {closing(2, "1122")}), "1001 0 100.25, 100201 0 -, 100202 0 -");
 }
 
 TEST_F(Coverage, CallsAreThoseThatTheCellsMake)
