@@ -52,7 +52,7 @@ void ChooserWindow::buildTree()
     m_tree->setFocusPolicy(Qt::NoFocus); // keys come from the search box
     m_tree->header()->setStretchLastSection(true);
     m_tree->setColumnWidth(0, 170);
-    m_tree->setColumnWidth(1, 240);
+    m_tree->setColumnWidth(1, 200); // the third one fits beside it
     connect(m_tree, &QTreeView::doubleClicked, this, &ChooserWindow::cmdXPOK_Click);
 }
 
