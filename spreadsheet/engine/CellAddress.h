@@ -27,6 +27,7 @@ struct CellRange {
 
     int columns() const { return right - left + 1; }
     int rows() const { return bottom - top + 1; }
+    bool isOneCell() const { return left == right && top == bottom; }
     bool contains(CellAddress cell) const
     {
         return cell.column >= left && cell.column <= right && cell.row >= top && cell.row <= bottom;

@@ -89,7 +89,6 @@ void CellBlock::reserve(int capacity, int shift)
     std::memcpy(static_cast<void*>(m_payloads + shift), oldPayloads, m_count * sizeof(Payload));
     std::memcpy(m_kinds + shift, oldKinds, m_count * sizeof(ValueKind));
     ::operator delete(oldPayloads);
-    enlarge(m_styles, m_count, m_capacity, shift);
     enlarge(m_formulas, m_count, m_capacity, shift);
     enlarge(m_tags, m_count, m_capacity, shift);
     enlarge(m_shown, m_count, m_capacity, shift);
@@ -158,11 +157,6 @@ void CellBlock::setNumbers(int first, const double* numbers, int count)
                 static_cast<std::size_t>(count) * sizeof(double));
 }
 
-void CellBlock::setStyle(int index, std::uint32_t style)
-{
-    setOptional(m_styles, m_capacity, index, style);
-}
-
 void CellBlock::setFormula(int index, std::uint32_t formula)
 {
     setOptional(m_formulas, m_capacity, index, formula);
@@ -170,9 +164,7 @@ void CellBlock::setFormula(int index, std::uint32_t formula)
 
 void CellBlock::setStyles(int first, int count, std::uint32_t style)
 {
-    setStyle(first, style);
-    if (m_styles)
-        std::fill_n(m_styles.get() + first, count, style);
+    m_styles.fill(first, count, style, m_count, m_capacity);
 }
 
 void CellBlock::setFormulas(int first, int count, std::uint32_t formula)
@@ -202,12 +194,14 @@ void CellBlock::grow(int count)
 {
     if (m_count + count > m_capacity)
         reserve(m_count + count, 0);
+    m_styles.grow(m_count, m_capacity, 0);
     m_count = static_cast<std::uint16_t>(m_count + count);
 }
 
 void CellBlock::growAtFront(int count)
 {
     reserve(m_count + count, count);
+    m_styles.grow(m_count, m_capacity, count);
     m_count = static_cast<std::uint16_t>(m_count + count);
 }
 
@@ -228,7 +222,7 @@ void CellBlock::copyCells(int at, const CellBlock& other, int first, int count)
     const auto cells = static_cast<std::size_t>(count);
     std::memcpy(static_cast<void*>(m_payloads + at), other.m_payloads + first, cells * sizeof(Payload));
     std::memcpy(m_kinds + at, other.m_kinds + first, cells * sizeof(ValueKind));
-    copyOptional(m_styles, m_capacity, at, other.m_styles, first, count);
+    m_styles.copy(at, other.m_styles, first, count, m_count, m_capacity);
     copyOptional(m_formulas, m_capacity, at, other.m_formulas, first, count);
     copyOptional(m_tags, m_capacity, at, other.m_tags, first, count);
     copyOptional(m_shown, m_capacity, at, other.m_shown, first, count);
@@ -253,11 +247,10 @@ std::size_t CellBlock::textBytes() const
 std::size_t CellBlock::bytes() const
 {
     std::size_t perCell = sizeof(Payload) + sizeof(ValueKind);
-    perCell += m_styles ? sizeof(std::uint32_t) : 0;
     perCell += m_formulas ? sizeof(std::uint32_t) : 0;
     perCell += m_tags ? sizeof(Text) : 0;
     perCell += m_shown ? sizeof(Text) : 0;
-    return sizeof(CellBlock) + m_capacity * perCell;
+    return sizeof(CellBlock) + m_styles.bytes() + m_capacity * perCell;
 }
 
 } // namespace spreadsheet

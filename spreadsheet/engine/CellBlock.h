@@ -1,4 +1,5 @@
 #pragma once
+#include "spreadsheet/engine/StyleNumbers.h"
 #include "spreadsheet/engine/Value.h"
 
 #include <cstdint>
@@ -35,7 +36,6 @@ public:
     const Payload* payloads() const { return m_payloads; }
     const ValueKind* kinds() const { return m_kinds; }
     /// Null if no cell of the block has one.
-    const std::uint32_t* styles() const { return m_styles.get(); }
     const std::uint32_t* formulas() const { return m_formulas.get(); }
 
     Value value(int index) const;
@@ -52,8 +52,9 @@ public:
     /// Writes `count` numbers from `first` on.
     void setNumbers(int first, const double* numbers, int count);
 
-    std::uint32_t style(int index) const { return m_styles ? m_styles[index] : 0; }
-    void setStyle(int index, std::uint32_t style);
+    bool hasStyles() const { return m_styles.any(); }
+    std::uint32_t style(int index) const { return m_styles[index]; }
+    void setStyle(int index, std::uint32_t style) { m_styles.set(index, style, m_count, m_capacity); }
     /// The same style or formula for `count` cells from `first` on.
     void setStyles(int first, int count, std::uint32_t style);
     void setFormulas(int first, int count, std::uint32_t formula);
@@ -98,7 +99,7 @@ private:
     std::uint16_t m_capacity = 0;
     Payload* m_payloads = nullptr; ///< one allocation holds payloads, then kinds
     ValueKind* m_kinds = nullptr;
-    std::unique_ptr<std::uint32_t[]> m_styles;
+    StyleNumbers m_styles;
     std::unique_ptr<std::uint32_t[]> m_formulas;
     std::unique_ptr<Text[]> m_tags;
     std::unique_ptr<Text[]> m_shown;

@@ -76,6 +76,20 @@ Column::Place Column::writable(int row)
     return {slot->block.writable(), 0};
 }
 
+void Column::cover(int first, int last)
+{
+    for (int row = first; row <= last;) {
+        CellBlock& block = writable(row).block;
+        const std::size_t position = lowerSlot(row);
+        const Slot& slot = m_slots[position];
+        const bool isLast = position + 1 == m_slots.size();
+        const int goal = isLast ? last : std::min(last, m_slots[position + 1].firstRow - 1);
+        if (goal > slot.lastRow())
+            block.grow(std::min(goal - slot.lastRow(), CellBlock::maxCells - block.count()));
+        row = slot.lastRow() + 1;
+    }
+}
+
 void Column::splitAt(int row)
 {
     const std::size_t position = lowerSlot(row);

@@ -32,6 +32,8 @@ public:
     };
     /// The cell to write to; its block is made, grown or unshared as needed.
     Place writable(int row);
+    /// Makes the cells that are missing in the rows; all of them may be written then.
+    void cover(int first, int last);
     /// Moves everything from `row` on down by `count` rows (a block that straddles is split).
     void insertRows(int row, int count);
     void removeRows(int row, int count);

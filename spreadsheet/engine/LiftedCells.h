@@ -1,8 +1,11 @@
 #pragma once
-#include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/engine/SheetSettings.h"
 #include "spreadsheet/engine/Value.h"
 
 #include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace spreadsheet {
@@ -22,14 +25,21 @@ struct CellContent {
     }
 };
 
+/// What drop-downs offer and buttons show in a block of cells, also where their columns say so.
+struct CellLists {
+    DropDowns dropDowns;
+    std::map<CellAddress, std::string> captions;
+};
+
 /// A block of cells as it stood when it was lifted off a sheet, to be put down on a sheet of the same
-/// workbook. Spans and array formulas count from the block's first cell, column 1 and row 1.
+/// workbook. Spans, array formulas, lists and captions count from the block's first cell, column 1 and row 1.
 struct LiftedCells {
     int columns = 0;
     int rows = 0;
     std::vector<CellContent> cells; ///< column by column
     std::vector<CellRange> spans;   ///< those that lie wholly within
     std::vector<CellRange> arrays;
+    std::optional<CellLists> lists; ///< nothing: what stands at the goal stays
 
     LiftedCells() = default;
     LiftedCells(int columnCount, int rowCount)

@@ -11,6 +11,22 @@
 
 namespace spreadsheet {
 
+namespace {
+
+/// The cell's own entry, else its column's; null if neither is there.
+template <typename Entry>
+const Entry* entryOf(const std::map<CellAddress, Entry>& entries, CellAddress cell)
+{
+    if (entries.empty())
+        return nullptr;
+    auto found = entries.find(cell);
+    if (found == entries.end())
+        found = entries.find({cell.column, 0});
+    return found == entries.end() ? nullptr : &found->second;
+}
+
+} // namespace
+
 Sheet::Sheet(Workbook& workbook, int id, std::string name)
     : m_workbook(workbook)
     , m_id(id)
@@ -94,6 +110,11 @@ std::uint32_t Sheet::styleNumber(CellAddress cell) const
     const Column* cells = column(cell.column);
     if (const std::uint32_t own = cells ? cells->style(cell.row) : 0)
         return own;
+    return lineStyle(cell);
+}
+
+std::uint32_t Sheet::lineStyle(CellAddress cell) const
+{
     if (const auto row = m_settings.rowStyles.find(cell.row); row != m_settings.rowStyles.end())
         return row->second;
     const auto whole = m_settings.columnStyles.find(cell.column);
@@ -120,6 +141,17 @@ int Sheet::lastDataColumn() const
             return last;
     }
     return 0;
+}
+
+const std::vector<std::string>* Sheet::dropDownEntries(CellAddress cell) const
+{
+    const DropDownEntries* found = entryOf(m_settings.dropDowns, cell);
+    return found ? &**found : nullptr;
+}
+
+const std::string* Sheet::buttonCaption(CellAddress cell) const
+{
+    return entryOf(m_settings.captions, cell);
 }
 
 std::optional<CellRange> Sheet::spanAt(CellAddress cell) const
@@ -320,8 +352,7 @@ void Sheet::addSpan(const CellRange& range)
 {
     const UndoStep step(m_workbook, "单元格合并");
     removeSpans(range);
-    if (range.rows() > 1 || range.columns() > 1)
-        editableSettings().spans.push_back(range);
+    editableSettings().spans.push_back(range);
 }
 
 void Sheet::removeSpans(const CellRange& range)

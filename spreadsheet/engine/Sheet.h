@@ -15,6 +15,7 @@
 
 namespace spreadsheet {
 
+class StyleChange;
 class Workbook;
 
 /// One sheet of a workbook. Every change is one undo step, or part of the step that is open.
@@ -51,6 +52,10 @@ public:
     /// Last row and last column that hold data (value, formula, tag or shown text); 0 if none do.
     int lastDataRow() const;
     int lastDataColumn() const;
+    /// The entries that a drop-down cell offers, its own or its column's; null: none.
+    const std::vector<std::string>* dropDownEntries(CellAddress cell) const;
+    /// What a button cell shows instead of its value, its own or its column's; null: its value.
+    const std::string* buttonCaption(CellAddress cell) const;
     /// The span that covers a cell, if one does.
     std::optional<CellRange> spanAt(CellAddress cell) const;
     /// The cell's whole span, or the cell alone.
@@ -73,7 +78,8 @@ public:
     void restyle(const CellRange& range, const std::function<void(CellStyle&)>& change);
     /// Takes values, formulas and shown texts away; styles and tags stay.
     void clearContents(const CellRange& range);
-    /// Merges; spans that it meets are taken away first. A single cell makes no span.
+    /// Merges; spans that it meets are taken away first. A single cell makes a span too: it is not merged
+    /// again.
     void addSpan(const CellRange& range);
     void removeSpans(const CellRange& range);
 
@@ -114,7 +120,18 @@ private:
     /// Keeps the settings for undo before they change.
     SheetSettings& editableSettings();
     void noteSettings();
+    CellLists listsOf(const CellRange& range) const;
+    void replaceLists(const CellRange& range, const CellLists& lists);
     void putFormula(const CellRange& range, std::uint32_t formula);
+    /// Style of a cell without one of its own: that of its row, else of its column, else 0.
+    std::uint32_t lineStyle(CellAddress cell) const;
+    void restyleCells(const CellRange& range, StyleChange& restyled);
+    void restyleColumns(const CellRange& range, StyleChange& restyled);
+    void restyleRows(const CellRange& range, StyleChange& restyled);
+    /// The cells of a range that have a style of their own.
+    void restyleOwn(const CellRange& range, StyleChange& restyled);
+    /// Gives a cell without a style of its own one.
+    void styleFresh(CellAddress cell, std::uint32_t number);
     /// Takes the array formula away that a cell belongs to; its cells keep their values.
     void dissolveArray(CellAddress cell);
     /// Forgets array formulas that lie within cells about to be overwritten.

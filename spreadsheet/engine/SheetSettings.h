@@ -2,7 +2,9 @@
 #include "spreadsheet/engine/CellAddress.h"
 
 #include <map>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace spreadsheet {
@@ -47,7 +49,24 @@ struct AxisSizes {
     friend bool operator==(const AxisSizes&, const AxisSizes&) = default;
 };
 
-using DropDowns = std::map<CellAddress, std::vector<std::string>>;
+/// The entries of a drop-down list; copies share them, however many cells offer them.
+class DropDownEntries {
+public:
+    explicit DropDownEntries(std::vector<std::string> entries)
+        : m_entries(std::make_shared<const std::vector<std::string>>(std::move(entries)))
+    {
+    }
+    const std::vector<std::string>& operator*() const { return *m_entries; }
+    friend bool operator==(const DropDownEntries& a, const DropDownEntries& b)
+    {
+        return a.m_entries == b.m_entries || *a == *b;
+    }
+
+private:
+    std::shared_ptr<const std::vector<std::string>> m_entries;
+};
+
+using DropDowns = std::map<CellAddress, DropDownEntries>;
 
 /// What a sheet has besides its cells.
 struct SheetSettings {
@@ -62,6 +81,8 @@ struct SheetSettings {
     std::vector<CellRange> arrays; ///< ranges of array formulas; they never overlap
     /// Entries of drop-down lists by cell; row 0: of the whole column, for cells without a list of their own.
     DropDowns dropDowns;
+    /// What button cells show instead of their value; row 0 as above. None is empty.
+    std::map<CellAddress, std::string> captions;
     std::map<CellAddress, std::string> notes; ///< remarks on cells; none is empty
     int frozenRows = 0;
     int frozenColumns = 0;

@@ -315,10 +315,13 @@ void SheetStructure::shiftSettings(Sheet& sheet, const AxisShift& shift)
     auto& styles = shift.rows ? settings.rowStyles : settings.columnStyles;
     styles = shiftedKeys(styles, shift);
     settings.dropDowns = shiftedCells(settings.dropDowns, shift);
+    settings.captions = shiftedCells(settings.captions, shift);
     settings.notes = shiftedCells(settings.notes, shift);
-    for (auto* ranges : {&settings.spans, &settings.arrays})
-        std::erase_if(*ranges, [&](CellRange& range) { return !shiftRange(shift, range); });
-    std::erase_if(settings.spans, [](const CellRange& s) { return s.rows() == 1 && s.columns() == 1; });
+    std::erase_if(settings.arrays, [&](CellRange& range) { return !shiftRange(shift, range); });
+    std::erase_if(settings.spans, [&](CellRange& range) {
+        const bool wasOneCell = range.isOneCell();
+        return !shiftRange(shift, range) || (!wasOneCell && range.isOneCell());
+    });
     if (shift.rows && settings.print.titleTop > 0 &&
         !shiftEnds(shift, settings.print.titleTop, settings.print.titleBottom))
         settings.print.titleTop = settings.print.titleBottom = 0;

@@ -111,12 +111,64 @@ std::uint32_t movedFormula(FormulaPool& pool, std::uint32_t formula, const Sheet
     return pool.withSlots(formula, std::move(slots));
 }
 
+/// What cells of a range have, their columns' left out; counted from the range's first cell.
+template <typename Entry>
+std::map<CellAddress, Entry> within(const std::map<CellAddress, Entry>& entries, const CellRange& range)
+{
+    std::map<CellAddress, Entry> found;
+    for (const auto& [cell, entry] : entries) {
+        if (range.contains(cell))
+            found.emplace(CellAddress{cell.column - range.left + 1, cell.row - range.top + 1}, entry);
+    }
+    return found;
+}
+
+/// … and what their columns give to cells of this type.
+template <typename Entry>
+void addFromColumns(std::map<CellAddress, Entry>& found, const std::map<CellAddress, Entry>& entries,
+                    const Sheet& sheet, const CellRange& range, CellType type)
+{
+    for (const auto& [place, entry] : entries) {
+        if (place.row != 0 || place.column < range.left || place.column > range.right)
+            continue;
+        for (int row = range.top; row <= range.bottom; ++row) {
+            if (sheet.style({place.column, row}).type == type)
+                found.emplace(CellAddress{place.column - range.left + 1, row - range.top + 1}, entry);
+        }
+    }
+}
+
+/// Takes the entries of a range away and puts others in; they count from the range's first cell.
+template <typename Entry>
+void replaceWithin(std::map<CellAddress, Entry>& entries, const CellRange& range,
+                   const std::map<CellAddress, Entry>& others)
+{
+    std::erase_if(entries, [&](const auto& entry) { return range.contains(entry.first); });
+    for (const auto& [cell, entry] : others)
+        entries.insert_or_assign({cell.column + range.left - 1, cell.row + range.top - 1}, entry);
+}
+
 } // namespace
 
 void Sheet::dropArrays(const CellRange& range)
 {
     if (holdsArray(*this, range))
         std::erase_if(editableSettings().arrays, [&](const CellRange& a) { return range.contains(a); });
+}
+
+CellLists Sheet::listsOf(const CellRange& range) const
+{
+    CellLists lists{within(m_settings.dropDowns, range), within(m_settings.captions, range)};
+    addFromColumns(lists.dropDowns, m_settings.dropDowns, *this, range, CellType::dropDown);
+    addFromColumns(lists.captions, m_settings.captions, *this, range, CellType::button);
+    return lists;
+}
+
+void Sheet::replaceLists(const CellRange& range, const CellLists& lists)
+{
+    SheetSettings& settings = editableSettings();
+    replaceWithin(settings.dropDowns, range, lists.dropDowns);
+    replaceWithin(settings.captions, range, lists.captions);
 }
 
 LiftedCells Sheet::lift(const CellRange& range) const
@@ -131,6 +183,7 @@ LiftedCells Sheet::lift(const CellRange& range) const
         if (range.contains(span))
             lifted.spans.push_back(shifted(span, 1 - range.left, 1 - range.top));
     }
+    lifted.lists = listsOf(range);
     return lifted;
 }
 
@@ -164,6 +217,8 @@ std::optional<std::string> Sheet::put(const LiftedCells& lifted, CellAddress to)
         settings.arrays.push_back(shifted(array, goal.left - 1, goal.top - 1));
     for (const CellRange& span : lifted.spans)
         settings.spans.push_back(shifted(span, goal.left - 1, goal.top - 1));
+    if (lifted.lists)
+        replaceLists(goal, *lifted.lists);
     m_workbook.recalculation().noteFormulas();
     noteChanged(goal);
     return std::nullopt;
@@ -191,12 +246,16 @@ std::optional<std::string> Sheet::moveCells(const CellRange& from, Sheet& target
     // First everything that points into the range, its own formulas included, then the cells.
     SheetStructure(m_workbook).followMove(*this, from, target, to);
     std::vector<CellContent> contents = contentsOf(*this, from);
-    const auto within = [&](const CellRange& range) { return from.contains(range); };
+    const auto moves = [&](const CellRange& range) { return from.contains(range); };
     std::vector<CellRange> arrays, spans;
-    std::ranges::copy_if(m_settings.arrays, std::back_inserter(arrays), within);
-    std::ranges::copy_if(m_settings.spans, std::back_inserter(spans), within);
-    std::erase_if(editableSettings().arrays, within);
-    std::erase_if(editableSettings().spans, within);
+    std::ranges::copy_if(m_settings.arrays, std::back_inserter(arrays), moves);
+    std::ranges::copy_if(m_settings.spans, std::back_inserter(spans), moves);
+    std::erase_if(editableSettings().arrays, moves);
+    std::erase_if(editableSettings().spans, moves);
+    const CellLists lists = listsOf(from);
+    const auto notes = within(m_settings.notes, from);
+    replaceLists(from, {});
+    replaceWithin(editableSettings().notes, from, {});
     for (int column = from.left; column <= from.right; ++column)
         editableColumn(column).clearRows(from.top, from.bottom);
     target.removeSpans(goal);
@@ -218,6 +277,8 @@ std::optional<std::string> Sheet::moveCells(const CellRange& from, Sheet& target
     };
     std::ranges::transform(arrays, std::back_inserter(target.editableSettings().arrays), moved);
     std::ranges::transform(spans, std::back_inserter(target.editableSettings().spans), moved);
+    target.replaceLists(goal, lists);
+    replaceWithin(target.editableSettings().notes, goal, notes);
     m_workbook.recalculation().noteMoved();
     noteChanged(from);
     target.noteChanged(goal);
@@ -230,6 +291,10 @@ std::optional<std::string> Sheet::fillDown(const CellRange& range)
         return "不能更改数组公式的一部分";
     const UndoStep step(m_workbook, "向下填充");
     dropArrays(range);
+    const CellLists lists = listsOf({range.left, range.top, range.right, range.top});
+    if (!lists.dropDowns.empty() || !lists.captions.empty())
+        for (int row = range.top + 1; row <= range.bottom; ++row)
+            replaceLists({range.left, row, range.right, row}, lists);
     for (int column = range.left; column <= range.right; ++column) {
         CellContent content = contentOf(*this, {column, range.top});
         const std::uint32_t formula = content.formula;
@@ -251,6 +316,10 @@ std::optional<std::string> Sheet::fillRight(const CellRange& range)
         return "不能更改数组公式的一部分";
     const UndoStep step(m_workbook, "向右填充");
     dropArrays(range);
+    const CellLists lists = listsOf({range.left, range.top, range.left, range.bottom});
+    if (!lists.dropDowns.empty() || !lists.captions.empty())
+        for (int column = range.left + 1; column <= range.right; ++column)
+            replaceLists({column, range.top, column, range.bottom}, lists);
     for (int row = range.top; row <= range.bottom; ++row) {
         CellContent content = contentOf(*this, {range.left, row});
         const std::uint32_t formula = content.formula;

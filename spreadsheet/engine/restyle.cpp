@@ -6,8 +6,6 @@
 
 namespace spreadsheet {
 
-namespace {
-
 /// Changes styles by number, each only once.
 class StyleChange {
 public:
@@ -33,7 +31,85 @@ private:
     std::unordered_map<std::uint32_t, std::uint32_t> m_done;
 };
 
-} // namespace
+void Sheet::restyleCells(const CellRange& range, StyleChange& restyled)
+{
+    const bool rowsDiffer = !m_settings.rowStyles.empty();
+    for (int column = range.left; column <= range.right; ++column) {
+        Column& cells = editableColumn(column);
+        cells.cover(range.top, range.bottom);
+        for (int row = range.top; row <= range.bottom;) {
+            const Column::Place place = cells.writable(row);
+            const std::uint32_t own = place.block.style(place.index);
+            const int most = std::min(place.block.count() - place.index, range.bottom - row + 1);
+            int alike = 1; // cells with the same look are changed together
+            while (alike < most && (own != 0 || !rowsDiffer) && place.block.style(place.index + alike) == own)
+                ++alike;
+            const std::uint32_t number = restyled(own != 0 ? own : lineStyle({column, row}));
+            place.block.setStyles(place.index, alike, number);
+            row += alike;
+        }
+    }
+}
+
+void Sheet::restyleOwn(const CellRange& range, StyleChange& restyled)
+{
+    for (int column = range.left; column <= std::min(range.right, storedColumns()); ++column) {
+        const auto slotCount = this->column(column)->slots().size();
+        for (std::size_t slot = this->column(column)->lowerSlot(range.top); slot < slotCount; ++slot) {
+            const int above = this->column(column)->slots()[slot].firstRow;
+            const int last = std::min(range.bottom, this->column(column)->slots()[slot].lastRow());
+            if (above > range.bottom)
+                break;
+            for (int row = std::max(range.top, above); row <= last; ++row) {
+                const std::uint32_t own = this->column(column)->slots()[slot].block->style(row - above);
+                if (own == 0)
+                    continue;
+                const Column::Place place = editableColumn(column).writable(row);
+                place.block.setStyle(place.index, restyled(own));
+            }
+        }
+    }
+}
+
+void Sheet::styleFresh(CellAddress cell, std::uint32_t number)
+{
+    const Column* cells = column(cell.column);
+    if (cells && cells->style(cell.row) != 0)
+        return;
+    const Column::Place place = editableColumn(cell.column).writable(cell.row);
+    place.block.setStyle(place.index, number);
+}
+
+void Sheet::restyleColumns(const CellRange& range, StyleChange& restyled)
+{
+    SheetSettings& settings = editableSettings();
+    const bool wholeSheet = range.left == 1 && range.right >= settings.columnCount;
+    for (auto& [row, number] : settings.rowStyles) {
+        if (wholeSheet) {
+            number = restyled(number);
+            continue;
+        }
+        for (int column = range.left; column <= range.right; ++column) // a row's look hides its columns'
+            styleFresh({column, row}, restyled(number));
+    }
+    for (int column = range.left; column <= range.right; ++column) {
+        std::uint32_t& own = settings.columnStyles[column];
+        own = restyled(own);
+    }
+}
+
+void Sheet::restyleRows(const CellRange& range, StyleChange& restyled)
+{
+    SheetSettings& settings = editableSettings();
+    for (int row = range.top; row <= range.bottom; ++row) {
+        const auto [own, fresh] = settings.rowStyles.try_emplace(row, 0);
+        own->second = restyled(own->second);
+        if (!fresh)
+            continue;
+        for (const auto& [column, number] : settings.columnStyles) // the row's new look would hide these
+            styleFresh({column, row}, restyled(number));
+    }
+}
 
 void Sheet::restyle(const CellRange& range, const std::function<void(CellStyle&)>& change)
 {
@@ -42,51 +118,14 @@ void Sheet::restyle(const CellRange& range, const std::function<void(CellStyle&)
     const bool wholeColumns = range.top == 1 && range.bottom >= m_settings.rowCount;
     const bool wholeRows = range.left == 1 && range.right >= m_settings.columnCount;
     if (!wholeColumns && !wholeRows) {
-        for (int column = range.left; column <= range.right; ++column) {
-            Column& cells = editableColumn(column);
-            for (int row = range.top; row <= range.bottom; ++row) {
-                const std::uint32_t number = restyled(styleNumber({column, row}));
-                const Column::Place place = cells.writable(row);
-                place.block.setStyle(place.index, number);
-            }
-        }
+        restyleCells(range, restyled);
         return;
     }
-    // Cells where the new row or column style would not show get it themselves.
-    for (int column = range.left; column <= std::min(range.right, storedColumns()); ++column) {
-        for (std::size_t slot = 0; slot < this->column(column)->slots().size(); ++slot) {
-            const Column::Slot& cells = this->column(column)->slots()[slot];
-            const int first = std::max(range.top, cells.firstRow);
-            const int last = std::min(range.bottom, cells.lastRow());
-            for (int row = first; row <= last; ++row) {
-                const Column::Slot& present = this->column(column)->slots()[slot];
-                if (present.block->style(row - present.firstRow) == 0)
-                    continue;
-                const std::uint32_t number = restyled(styleNumber({column, row}));
-                const Column::Place place = editableColumn(column).writable(row);
-                place.block.setStyle(place.index, number);
-            }
-        }
-    }
-    SheetSettings& settings = editableSettings();
-    if (wholeColumns) {
-        for (int column = range.left; column <= range.right; ++column) {
-            std::uint32_t& own = settings.columnStyles[column];
-            own = restyled(own);
-        }
-        for (auto& [row, number] : settings.rowStyles) {
-            for (int column = range.left; column <= range.right; ++column) {
-                const Column::Place place = editableColumn(column).writable(row);
-                if (place.block.style(place.index) == 0)
-                    place.block.setStyle(place.index, restyled(number));
-            }
-        }
-        return;
-    }
-    for (int row = range.top; row <= range.bottom; ++row) {
-        std::uint32_t& own = settings.rowStyles[row];
-        own = restyled(own);
-    }
+    restyleOwn(range, restyled); // cells where the look of the line would not show
+    if (wholeColumns)
+        restyleColumns(range, restyled);
+    else
+        restyleRows(range, restyled);
 }
 
 } // namespace spreadsheet

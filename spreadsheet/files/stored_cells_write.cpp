@@ -111,10 +111,10 @@ void writeValues(const std::vector<Part>& parts, TextWriter& texts, std::uint8_t
     }
 }
 
-/// Cells below each other with one number, joined across blocks. `numbers` gives a block's numbers
-/// (null: none), `stored` the number in the file by pool number, first and last cell.
-template <typename Numbers, typename Stored>
-std::vector<stored::Run> runsOf(const std::vector<Part>& parts, Numbers numbers, Stored stored)
+/// Cells below each other with one number, joined across blocks. `numberOf` gives a cell's number by block
+/// and index (0: none), `stored` the number in the file by pool number, first and last cell.
+template <typename NumberOf, typename Stored>
+std::vector<stored::Run> runsOf(const std::vector<Part>& parts, NumberOf numberOf, Stored stored)
 {
     std::vector<stored::Run> runs;
     std::uint32_t number = 0;
@@ -127,9 +127,8 @@ std::vector<stored::Run> runsOf(const std::vector<Part>& parts, Numbers numbers,
         number = 0;
     };
     for (const Part& part : parts) {
-        const std::uint32_t* const own = numbers(*part.block);
-        for (int i = 0; own && i < part.count; ++i) {
-            const std::uint32_t next = own[part.first + i];
+        for (int i = 0; i < part.count; ++i) {
+            const std::uint32_t next = numberOf(*part.block, part.first + i);
             const int row = part.firstRow + i;
             if (next != number || part.column != first.column || row != last.row + 1) {
                 close();
@@ -181,10 +180,10 @@ WrittenCells writeCells(flatbuffers::FlatBufferBuilder& builder, const Sheet& sh
     writeValues(parts, writers.texts, kinds, payloads);
 
     written.styles = builder.CreateVectorOfStructs(runsOf(
-        parts, [](const CellBlock& block) { return block.styles(); },
+        parts, [](const CellBlock& block, int index) { return block.style(index); },
         [&](std::uint32_t style, CellAddress, CellAddress) { return writers.styles.number(style); }));
     written.formulas = builder.CreateVectorOfStructs(runsOf(
-        parts, [](const CellBlock& block) { return block.formulas(); },
+        parts, [](const CellBlock& block, int index) { return block.formula(index); },
         [&](std::uint32_t formula, CellAddress first, CellAddress last) {
             if (const auto array = sheet.arrayRange(first))
                 first = last = {array->left, array->top};

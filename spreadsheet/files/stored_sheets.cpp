@@ -225,32 +225,86 @@ PrintSettings readPrint(const stored::Print* stored)
     return print;
 }
 
-// Notes.
+// Notes and captions.
 
 flatbuffers::Offset<flatbuffers::Vector<const stored::CellText*>>
-writeNotes(flatbuffers::FlatBufferBuilder& builder, const std::map<CellAddress, std::string>& notes,
-           TextWriter& texts)
+writeCellTexts(flatbuffers::FlatBufferBuilder& builder, const std::map<CellAddress, std::string>& cellTexts,
+               TextWriter& texts)
 {
     std::vector<stored::CellText> written;
-    for (const auto& [cell, note] : notes)
-        written.emplace_back(static_cast<std::uint32_t>(cell.row), texts.number(Text(note)),
+    for (const auto& [cell, text] : cellTexts)
+        written.emplace_back(static_cast<std::uint32_t>(cell.row), texts.number(Text(text)),
                              static_cast<std::uint16_t>(cell.column));
     return builder.CreateVectorOfStructs(written);
 }
 
-std::map<CellAddress, std::string> readNotes(const flatbuffers::Vector<const stored::CellText*>* notes,
-                                             const StoredTexts& texts)
+/// @param firstRow  the least row; 0 where whole columns may have one
+std::map<CellAddress, std::string> readCellTexts(const flatbuffers::Vector<const stored::CellText*>* stored,
+                                                 int firstRow, const StoredTexts& texts, const char* what)
 {
-    static constexpr const char* what = "批注的位置不对";
     std::map<CellAddress, std::string> result;
-    if (!notes)
+    if (!stored)
         return result;
-    for (const stored::CellText* note : *notes) {
-        const CellAddress cell{checked(note->column(), maxColumns, what),
-                               checked(note->row(), maxRows, what)};
-        requireContent(cell.column >= 1 && cell.row >= 1, what);
-        if (const std::string_view text = texts[note->text()].view(); !text.empty())
+    for (const stored::CellText* entry : *stored) {
+        const CellAddress cell{checked(entry->column(), maxColumns, what),
+                               checked(entry->row(), maxRows, what)};
+        requireContent(cell.column >= 1 && cell.row >= firstRow, what);
+        if (const std::string_view text = texts[entry->text()].view(); !text.empty())
             result[cell] = text;
+    }
+    return result;
+}
+
+// Drop-down lists and captions.
+
+struct WrittenDropDowns {
+    flatbuffers::Offset<flatbuffers::Vector<const stored::DropDown*>> lists;
+    flatbuffers::Offset<flatbuffers::Vector<std::uint32_t>> entries;
+};
+
+/// Equal lists are stored once.
+WrittenDropDowns writeDropDowns(flatbuffers::FlatBufferBuilder& builder, const DropDowns& dropDowns,
+                                TextWriter& texts)
+{
+    std::vector<stored::DropDown> lists;
+    std::vector<std::uint32_t> entries;
+    std::map<std::vector<std::string>, std::uint32_t> places;
+    for (const auto& [cell, list] : dropDowns) {
+        const auto [place, fresh] = places.try_emplace(*list, static_cast<std::uint32_t>(entries.size()));
+        for (std::size_t i = 0; fresh && i < (*list).size(); ++i)
+            entries.push_back(texts.number(Text((*list)[i])));
+        lists.emplace_back(static_cast<std::uint32_t>(cell.row), place->second,
+                           static_cast<std::uint32_t>((*list).size()),
+                           static_cast<std::uint16_t>(cell.column));
+    }
+    return {builder.CreateVectorOfStructs(lists), builder.CreateVector(entries)};
+}
+
+DropDowns readDropDowns(const stored::Sheet& stored, const StoredTexts& texts)
+{
+    static constexpr const char* what = "下拉框的列表不对";
+    DropDowns result;
+    if (!stored.drop_downs())
+        return result;
+    const std::uint32_t count = stored.drop_down_entries() ? stored.drop_down_entries()->size() : 0;
+    std::map<std::uint32_t, DropDownEntries> lists; ///< by their first entry
+    std::uint32_t read = 0; // lists follow each other, so that no file grows when it is opened
+    for (const stored::DropDown* list : *stored.drop_downs()) {
+        const CellAddress cell{checked(list->column(), maxColumns, what),
+                               checked(list->row(), maxRows, what)};
+        const std::uint32_t first = list->first_entry(), size = list->entry_count();
+        requireContent(cell.column >= 1 && first <= count && size <= count - first, what);
+        auto known = lists.find(first);
+        if (known == lists.end()) {
+            requireContent(first >= read && size > 0, what);
+            std::vector<std::string> entries;
+            for (std::uint32_t i = first; i < first + size; ++i)
+                entries.emplace_back(texts[stored.drop_down_entries()->Get(i)].view());
+            known = lists.emplace(first, DropDownEntries(std::move(entries))).first;
+            read = first + size;
+        }
+        requireContent((*known->second).size() == size, what);
+        result.insert_or_assign(cell, known->second);
     }
     return result;
 }
@@ -271,7 +325,9 @@ flatbuffers::Offset<stored::Sheet> writeSheet(flatbuffers::FlatBufferBuilder& bu
     const auto spans = writeRanges(builder, settings.spans);
     const auto arrays = writeRanges(builder, settings.arrays);
     const auto print = writePrint(builder, settings.print);
-    const auto notes = writeNotes(builder, settings.notes, writers.texts);
+    const auto notes = writeCellTexts(builder, settings.notes, writers.texts);
+    const auto dropDowns = writeDropDowns(builder, settings.dropDowns, writers.texts);
+    const auto captions = writeCellTexts(builder, settings.captions, writers.texts);
     const WrittenCells cells = writeCells(builder, sheet, writers);
     return stored::CreateSheet(
         builder, name, limited(settings.rowCount, maxRows), limited(settings.columnCount, maxColumns),
@@ -279,7 +335,7 @@ flatbuffers::Offset<stored::Sheet> writeSheet(flatbuffers::FlatBufferBuilder& bu
         heights, widths, hiddenRows, hiddenColumns, rowStyles, columnStyles, spans, arrays,
         limited(settings.frozenRows, maxRows), limited(settings.frozenColumns, maxColumns), print,
         cells.stretches, cells.kinds, cells.payloads, cells.styles, cells.formulas, cells.tags,
-        cells.shownTexts, notes, 0, 0, 0, settings.isHidden);
+        cells.shownTexts, notes, dropDowns.lists, dropDowns.entries, captions, settings.isHidden);
 }
 
 void readSheet(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& meanings,
@@ -301,7 +357,9 @@ void readSheet(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& me
     settings.frozenRows = checked(stored.frozen_rows(), maxRows, "冻结的行数不对");
     settings.frozenColumns = checked(stored.frozen_columns(), maxColumns, "冻结的列数不对");
     settings.print = readPrint(stored.print());
-    settings.notes = readNotes(stored.notes(), meanings.texts);
+    settings.notes = readCellTexts(stored.notes(), 1, meanings.texts, "批注的位置不对");
+    settings.dropDowns = readDropDowns(stored, meanings.texts);
+    settings.captions = readCellTexts(stored.button_captions(), 0, meanings.texts, "按钮标题的位置不对");
     settings.isHidden = stored.is_hidden();
     checkArrays(sheet, settings.arrays, formulas);
     sheet.changeSettings([&](SheetSettings& target) { target = std::move(settings); });

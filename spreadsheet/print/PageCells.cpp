@@ -102,7 +102,11 @@ PageCell PageCells::read(CellAddress cell) const
         !showsOtherText && (value.isNumber() || (value.isText() && value.text().countsAsNumber()));
     read.isTrue = isTrue(value);
     read.alignment = alignmentOf(*read.style, value, read.isFigure, showsOtherText);
-    if (read.style->type != CellType::checkBox || (value.isText() && !read.isTrue))
+    const std::string* caption =
+        read.style->type == CellType::button && !showsOtherText ? m_sheet.buttonCaption(cell) : nullptr;
+    if (caption)
+        read.text = fromUtf8(*caption);
+    else if (read.style->type != CellType::checkBox || (value.isText() && !read.isTrue))
         read.text = fromUtf8(m_sheet.displayText(cell));
     return read;
 }
@@ -123,7 +127,14 @@ void PageCells::placeSpan(const CellRange& range)
          {across->visible.start, down->visible.start, across->visible.size, down->visible.size}});
 }
 
-std::optional<PageCells::TextBefore> PageCells::textBefore(int rowPlace) const
+/// Tells most empty cells apart without a look at their looks.
+bool PageCells::showsText(CellAddress cell) const
+{
+    return !m_sheet.value(cell).isEmpty() || !m_sheet.shownText(cell).empty() ||
+           (!m_sheet.settings().captions.empty() && !read(cell).text.isEmpty());
+}
+
+std::optional<PageCells::TextBeyond> PageCells::textBefore(int rowPlace) const
 {
     const PageTrack& down = row(rowPlace);
     int start = column(0).start;
@@ -134,9 +145,33 @@ std::optional<PageCells::TextBefore> PageCells::textBefore(int rowPlace) const
         const CellAddress address{index, down.index};
         if (m_sheet.spanAt(address))
             return std::nullopt;
+        if (size == 0 || !showsText(address))
+            continue;
         PageCell cell = read(address);
-        if (size > 0 && !cell.text.isEmpty())
-            return TextBefore{std::move(cell), {start, down.start, size, down.size}};
+        if (!cell.text.isEmpty())
+            return TextBeyond{std::move(cell), {start, down.start, size, down.size}};
+    }
+    return std::nullopt;
+}
+
+std::optional<PageCells::TextBeyond> PageCells::textBehind(int rowPlace) const
+{
+    const PageTrack& down = row(rowPlace);
+    const PageTrack& edge = column(columns() - 1);
+    const int last = std::max(m_sheet.storedColumns(),
+                              m_sheet.settings().captions.empty() ? 0 : m_sheet.settings().columnCount);
+    int start = edge.end();
+    for (int index = edge.index + 1; index <= last && start - edge.end() < m_lengths.farthestText; ++index) {
+        const int size = m_lengths.columns(index, index);
+        const CellAddress address{index, down.index};
+        if (m_sheet.spanAt(address))
+            return std::nullopt;
+        if (size > 0 && showsText(address)) {
+            PageCell cell = read(address);
+            if (!cell.text.isEmpty())
+                return TextBeyond{std::move(cell), {start, down.start, size, down.size}};
+        }
+        start += size;
     }
     return std::nullopt;
 }

@@ -58,12 +58,15 @@ public:
     }
     const std::vector<PageSpan>& spans() const { return m_spans; }
     PageBox boxOf(int row, int column) const;
-    /// The nearest text left of the page's columns in a row, with its place beyond the page's edge.
-    struct TextBefore {
+    /// A text beside the page's columns, with its place beyond the page's edge.
+    struct TextBeyond {
         PageCell cell;
         PageBox box;
     };
-    std::optional<TextBefore> textBefore(int row) const;
+    /// The nearest one left of the page's columns in a row.
+    std::optional<TextBeyond> textBefore(int row) const;
+    /// The nearest one to the right.
+    std::optional<TextBeyond> textBehind(int row) const;
     /// Nothing shows there, and no span covers it.
     bool isBlank(int row, int column) const
     {
@@ -73,6 +76,7 @@ public:
 private:
     PageCell read(CellAddress cell) const;
     void placeSpan(const CellRange& range);
+    bool showsText(CellAddress cell) const;
 
     const Sheet& m_sheet;
     const PrintedPage& m_page;

@@ -58,6 +58,7 @@ std::vector<TextOverflow> CellTextPainter::draw()
 {
     for (m_row = 0; m_row < m_cells.rows(); ++m_row) {
         drawTextFromPageBefore();
+        drawTextFromPageBehind();
         for (m_column = 0; m_column < m_cells.columns(); ++m_column) {
             const PageCell& cell = m_cells.at(m_row, m_column);
             if (cell.span >= 0)
@@ -154,6 +155,26 @@ void CellTextPainter::drawTextFromPageBefore()
         return;
     const Room room = roomOf(m_row, 0);
     drawText(before->cell, box, &room);
+}
+
+/// Draws the beginning of a text that is aligned to the right, or centred, on the page to the right.
+void CellTextPainter::drawTextFromPageBehind()
+{
+    m_column = m_cells.columns() - 1;
+    if (!m_cells.isBlank(m_row, m_column))
+        return;
+    const auto behind = m_cells.textBehind(m_row);
+    if (!behind || behind->cell.alignment == HorizontalAlignment::left || behind->cell.isFigure ||
+        behind->cell.style->wrap)
+        return;
+    const double width = widest(m_text.lines(behind->cell.text, fontOf(m_text, behind->cell.style->font)));
+    const PageBox& box = behind->box;
+    const double padding = paddingAcross * m_text.twip();
+    if (leftOf(behind->cell.alignment, box.left + padding, box.right() - padding, width) >=
+        m_cells.column(m_column).end())
+        return;
+    const Room room = roomOf(m_row, m_column);
+    drawText(behind->cell, box, &room);
 }
 
 void CellTextPainter::drawFrame(const PageCell& cell, const QRectF& frame)

@@ -20,10 +20,10 @@ struct TextOverflow {
 /// Draws what the cells of a page hold.
 ///
 /// Figures that do not fit show as "####". Other single-line texts run into blank neighbours on the side
-/// away from their alignment, over the page's edge onto the next page too, and are cut where a neighbour is
-/// in use; wrapped texts break at the cell's width and are cut at its height, their end first. In a span that
-/// goes on over several pages the text stands in each page's part.
-/// Units are those of `text` and of the cells' tracks.
+/// away from their alignment, over the page's edge onto the page beside it too, and are cut where a neighbour
+/// is in use; wrapped texts break at the cell's width and are cut at its height, their end first. In a span
+/// that goes on over several pages the text stands in each page's part. Units are those of `text` and of the
+/// cells' tracks.
 /// @param rightLimit  how far texts may run beyond the page's last column
 class CellTextPainter {
 public:
@@ -57,6 +57,7 @@ private:
     void drawFrame(const PageCell& cell, const QRectF& frame);
     void drawCheckBox(const PageCell& cell, const PageBox& box);
     void drawTextFromPageBefore();
+    void drawTextFromPageBehind();
     Room roomOf(int row, int column) const;
 
     QPainter& m_painter;

@@ -214,28 +214,40 @@ void CellOperations::setBorder(const CellRange& range, int sides, Colour colour,
 
 QStringList CellOperations::dropDownOf(CellAddress cell) const
 {
-    const DropDowns& lists = sheet().settings().dropDowns;
-    auto found = lists.find(cell);
-    if (found == lists.end())
-        found = lists.find({cell.column, 0});
     QStringList entries;
-    if (found != lists.end())
-        for (const std::string& entry : found->second)
+    if (const auto* found = sheet().dropDownEntries(cell))
+        for (const std::string& entry : *found)
             entries.append(fromUtf8(entry));
     return entries;
 }
 
-void CellOperations::putDropDown(CellAddress place, const QStringList& entries)
+QString CellOperations::buttonCaption() const
+{
+    const std::string* caption = sheet().buttonCaption(m_current);
+    return caption ? fromUtf8(*caption) : QString();
+}
+
+void CellOperations::putButtonCaption(CellAddress place, const QString& caption)
 {
     sheet().changeSettings([&](SheetSettings& settings) {
-        if (entries.isEmpty()) {
+        if (caption.isEmpty())
+            settings.captions.erase(place);
+        else
+            settings.captions[place] = caption.toStdString();
+    });
+    changed();
+}
+
+void CellOperations::putDropDown(CellAddress place, const QStringList& entries)
+{
+    std::vector<std::string> list;
+    for (const QString& entry : entries)
+        list.push_back(entry.toStdString());
+    sheet().changeSettings([&](SheetSettings& settings) {
+        if (list.empty())
             settings.dropDowns.erase(place);
-            return;
-        }
-        std::vector<std::string>& list = settings.dropDowns[place];
-        list.clear();
-        for (const QString& entry : entries)
-            list.push_back(entry.toStdString());
+        else
+            settings.dropDowns.insert_or_assign(place, DropDownEntries(std::move(list)));
     });
     changed();
 }

@@ -115,6 +115,14 @@ public:
     int dropDownIndex() const;
     void setDropDownIndex(int index); ///< puts the entry into the cell; others than entries do nothing
 
+    // Captions of button cells. A cell without one of its own has its column's.
+    QString buttonCaption() const; ///< "": the button shows the cell's value
+    void setButtonCaption(const QString& caption) { putButtonCaption(m_current, caption); }
+    /// Of a cell (row 0: of a whole column); "": none of its own.
+    void putButtonCaption(CellAddress place, const QString& caption);
+    /// Likewise.
+    void putDropDown(CellAddress place, const QStringList& entries);
+
     // Print settings of the addressed sheet
     const PrintSettings& printSettings() const { return sheet().settings().print; }
     void changePrintSettings(const std::function<void(PrintSettings&)>& change);
@@ -136,8 +144,6 @@ protected:
     void recalculateAfterEdit();
 
 private:
-    void putDropDown(CellAddress place, const QStringList& entries);
-
     std::unique_ptr<Workbook> m_own;
     Workbook* m_workbook;
     int m_addressedId = 0; ///< id of the addressed sheet; 0: the active one

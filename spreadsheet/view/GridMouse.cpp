@@ -112,11 +112,11 @@ void GridMouse::press(const QMouseEvent& event)
                                            place.cell.row);
     if (event.button() != Qt::LeftButton || place.kind == Kind::beyond)
         return;
-    const bool inCells = place.kind == Kind::cells || place.kind == Kind::fillHandle;
-    if (m_control.isEditing() && inCells && m_control.m_editing->takesReference()) {
+    const bool pointable = place.kind != Kind::corner && place.kind != Kind::beyond;
+    if (m_control.isEditing() && pointable && m_control.m_editing->takesReference()) {
         m_doing = Doing::pointing;
-        const CellRange extent = m_control.m_view->sheet().extent(place.cell);
-        m_control.m_editing->pointAt(m_control.activeSheet(), extent, false);
+        m_pressed.cell = m_control.m_view->geometry().nearestCell(point);
+        pointTo(point, false);
         return;
     }
     if (!m_control.commitEdit())
@@ -249,9 +249,7 @@ void GridMouse::dragTo(QPoint point)
         break;
     case Doing::pointing:
         if (m_control.isEditing())
-            m_control.m_editing->pointAt(
-                m_control.activeSheet(),
-                withWholeSpans(m_control.m_view->sheet(), rangeBetween(m_pressed.cell, cell)), true);
+            pointTo(point, true);
         break;
     case Doing::button:
         m_control.m_view->setPressed(m_control.m_view->sheet().extent(m_pressed.cell).contains(cell)
@@ -263,12 +261,48 @@ void GridMouse::dragTo(QPoint point)
     }
 }
 
+bool GridMouse::pointsAtRows() const
+{
+    using Kind = Place::Kind;
+    return m_doing == Doing::pointing &&
+           (m_pressed.kind == Kind::rowHeading || m_pressed.kind == Kind::rowEdge);
+}
+
+bool GridMouse::pointsAtColumns() const
+{
+    using Kind = Place::Kind;
+    return m_doing == Doing::pointing &&
+           (m_pressed.kind == Kind::columnHeading || m_pressed.kind == Kind::columnEdge);
+}
+
+/// Points at the cells, rows or columns from where the button went down to here.
+void GridMouse::pointTo(QPoint point, bool goesOn)
+{
+    const Sheet& sheet = m_control.m_view->sheet();
+    const SheetSettings& settings = sheet.settings();
+    const CellAddress to = m_control.m_view->geometry().nearestCell(point);
+    const CellAddress from = m_pressed.cell;
+    CellRange range;
+    if (pointsAtColumns()) {
+        const auto [first, last] = std::minmax(from.column, goesOn ? to.column : from.column);
+        range = {first, 1, last, settings.rowCount};
+    } else if (pointsAtRows()) {
+        const auto [first, last] = std::minmax(from.row, goesOn ? to.row : from.row);
+        range = {1, first, settings.columnCount, last};
+    } else {
+        range = withWholeSpans(sheet, rangeBetween(from, goesOn ? to : from));
+    }
+    m_control.m_editing->pointAt(m_control.activeSheet(), range, goesOn);
+}
+
 void GridMouse::scrollIfOutside(QPoint point)
 {
     const QRect area = m_control.m_view->geometry().scrolledArea();
-    const bool outside = m_doing == Doing::rows      ? point.y() > area.bottom() || point.y() < area.top()
-                         : m_doing == Doing::columns ? point.x() > area.right() || point.x() < area.left()
-                                                     : !area.contains(point);
+    const bool alongRows = m_doing == Doing::rows || pointsAtRows();
+    const bool alongColumns = m_doing == Doing::columns || pointsAtColumns();
+    const bool outside = alongRows      ? point.y() > area.bottom() || point.y() < area.top()
+                         : alongColumns ? point.x() > area.right() || point.x() < area.left()
+                                        : !area.contains(point);
     if (m_doing == Doing::button || !outside)
         m_scroll.stop();
     else if (!m_scroll.isActive())
@@ -285,8 +319,10 @@ void GridMouse::timerEvent(QTimerEvent*)
         const int outside = position > last ? position - last : position < first ? position - first : 0;
         return outside == 0 ? 0 : outside / 40 + (outside > 0 ? 1 : -1);
     };
-    const int down = m_doing == Doing::columns ? 0 : steps(m_last.y(), area.top(), area.bottom());
-    const int across = m_doing == Doing::rows ? 0 : steps(m_last.x(), area.left(), area.right());
+    const int down =
+        m_doing == Doing::columns || pointsAtColumns() ? 0 : steps(m_last.y(), area.top(), area.bottom());
+    const int across =
+        m_doing == Doing::rows || pointsAtRows() ? 0 : steps(m_last.x(), area.left(), area.right());
     const CellAddress last = geometry.lastTopLeft();
     if (down != 0)
         topLeft.row = std::min(geometry.rows().moved(topLeft.row, down), last.row);

@@ -52,6 +52,9 @@ private:
     void pressHeading(const Place& place, Qt::KeyboardModifiers modifiers);
     bool actOn(CellAddress cell, QPoint point);
     void dragTo(QPoint point);
+    void pointTo(QPoint point, bool goesOn);
+    bool pointsAtRows() const;
+    bool pointsAtColumns() const;
     void scrollIfOutside(QPoint point);
     void showGuide(QPoint point);
     void endResize(QPoint point);

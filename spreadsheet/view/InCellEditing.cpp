@@ -168,7 +168,9 @@ void InCellEditing::fillSelection()
                 LiftedCells content = entered;
                 content.cells[0].style = own->styleNumber({column, row});
                 content.spans.clear();
-                if (!own->put(content, {column, row}))
+                content.lists.reset();
+                const bool isSpan = own->spanAt({column, row}).has_value();
+                if (!own->put(content, {column, row}) && isSpan)
                     own->addSpan(extent);
             }
         }

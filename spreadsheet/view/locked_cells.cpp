@@ -24,16 +24,16 @@ bool anyOwnLocked(const Workbook& workbook, const Column& column, const CellRang
 {
     for (std::size_t i = column.lowerSlot(range.top); i < column.slots().size(); ++i) {
         const Column::Slot& slot = column.slots()[i];
-        const std::uint32_t* styles = slot.block->styles();
         if (slot.firstRow > range.bottom)
             break;
-        if (!styles)
+        if (!slot.block->hasStyles())
             continue;
-        const int from = std::max(range.top, slot.firstRow) - slot.firstRow;
         const int to = std::min(range.bottom, slot.lastRow()) - slot.firstRow;
-        if (std::any_of(styles + from, styles + to + 1,
-                        [&](std::uint32_t style) { return style != 0 && isLocked(workbook, style); }))
-            return true;
+        for (int i = std::max(range.top, slot.firstRow) - slot.firstRow; i <= to; ++i) {
+            const std::uint32_t style = slot.block->style(i);
+            if (style != 0 && isLocked(workbook, style))
+                return true;
+        }
     }
     return false;
 }

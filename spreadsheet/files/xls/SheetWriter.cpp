@@ -157,9 +157,8 @@ bool SheetWriter::isProtected() const
     const StylePool& pool = m_parts.workbook.styles();
     for (int column = 1; column <= m_sheet.storedColumns(); ++column) {
         for (const Column::Slot& slot : m_sheet.column(column)->slots()) {
-            const std::uint32_t* styles = slot.block->styles();
-            for (int i = 0; styles && i < slot.block->count(); ++i) {
-                if (pool[styles[i]].locked)
+            for (int i = 0; slot.block->hasStyles() && i < slot.block->count(); ++i) {
+                if (pool[slot.block->style(i)].locked)
                     return true;
             }
         }
@@ -247,13 +246,15 @@ void SheetWriter::spans()
     m_writer.put16(static_cast<unsigned>(
         std::lround(columnDigits(m_settings.columns.defaultSize, m_digitPixels) * 256)));
     m_writer.end();
+    std::vector<CellRange> spans = m_settings.spans;
+    std::erase_if(spans, &CellRange::isOneCell); // other programs know none
     constexpr std::size_t mostInRecord = 1026;
-    for (std::size_t first = 0; first < m_settings.spans.size(); first += mostInRecord) {
-        const std::size_t count = std::min(mostInRecord, m_settings.spans.size() - first);
+    for (std::size_t first = 0; first < spans.size(); first += mostInRecord) {
+        const std::size_t count = std::min(mostInRecord, spans.size() - first);
         m_writer.begin(xls::mergedCells);
         m_writer.put16(static_cast<unsigned>(count));
         for (std::size_t i = first; i < first + count; ++i) {
-            const CellRange& span = m_settings.spans[i];
+            const CellRange& span = spans[i];
             m_writer.put16(static_cast<unsigned>(span.top - 1));
             m_writer.put16(static_cast<unsigned>(span.bottom - 1));
             m_writer.put16(static_cast<unsigned>(span.left - 1));

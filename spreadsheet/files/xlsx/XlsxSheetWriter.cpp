@@ -221,6 +221,8 @@ void XlsxSheetWriter::rows()
 void XlsxSheetWriter::spans()
 {
     for (const CellRange& span : m_settings.spans) {
+        if (span.isOneCell()) // other programs know none
+            continue;
         const std::uint32_t style = m_source.sheet.styleNumber({span.left, span.top});
         worksheet_merge_range(m_target, static_cast<lxw_row_t>(span.top - 1),
                               static_cast<lxw_col_t>(span.left - 1), static_cast<lxw_row_t>(span.bottom - 1),

@@ -104,6 +104,25 @@ void repeatSpans(const LiftedCells& source, bool down, int first, LiftedCells& l
     }
 }
 
+/// What drop-downs offer and buttons show, repeated likewise.
+void repeatLists(const CellLists& source, int length, bool down, int first, LiftedCells& lines)
+{
+    const int count = down ? lines.rows : lines.columns;
+    const auto repeat = [&](const auto& entries, auto& goal) {
+        for (const auto& [place, entry] : entries) {
+            const int line = (down ? place.row : place.column) - 1;
+            for (int at = wrapped(line - first, length); at < count; at += length) {
+                CellAddress copy = place;
+                (down ? copy.row : copy.column) = at + 1;
+                goal.emplace(copy, entry);
+            }
+        }
+    };
+    CellLists& goal = lines.lists.emplace();
+    repeat(source.dropDowns, goal.dropDowns);
+    repeat(source.captions, goal.captions);
+}
+
 } // namespace
 
 std::optional<std::string> fillFromBlock(Workbook& workbook, Sheet& sheet, const CellRange& source,
@@ -126,6 +145,7 @@ std::optional<std::string> fillFromBlock(Workbook& workbook, Sheet& sheet, const
     LiftedCells lines =
         Filling(workbook, lifted, down, asSeries).lines(first, down ? rest.rows() : rest.columns());
     repeatSpans(lifted, down, first, lines);
+    repeatLists(*lifted.lists, down ? source.rows() : source.columns(), down, first, lines);
     const UndoStep step(workbook, "填充");
     return sheet.put(lines, {rest.left, rest.top});
 }

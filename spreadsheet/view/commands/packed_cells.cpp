@@ -7,13 +7,16 @@
 #include <QDataStream>
 #include <QIODevice>
 
+#include <map>
+#include <optional>
+#include <string>
 #include <unordered_map>
 
 namespace spreadsheet {
 
 namespace {
 
-constexpr quint32 magic = 0x43454C31; // "CEL1"
+constexpr quint32 magic = 0x43454C32; // "CEL2"
 
 /// What of a cell follows in the stream.
 enum Has : quint8 { hasValue = 1, hasFormula = 2, hasStyle = 4, hasTag = 8, hasShown = 16 };
@@ -72,6 +75,7 @@ public:
         for (std::size_t i = 0; i < m_formulas.order().size(); ++i)
             formula(stream, m_formulas.order()[i], m_bases[i]);
         stream << body;
+        lists(stream, m_cells.lists.value_or(CellLists()));
         return bytes;
     }
 
@@ -92,6 +96,32 @@ private:
             stream << bytesOf(content.tag.view());
         if (has & hasShown)
             stream << bytesOf(content.shown.view());
+    }
+
+    static void lists(QDataStream& stream, const CellLists& lists)
+    {
+        std::map<const std::vector<std::string>*, quint32> numbers; // cells that share a list go on sharing
+        QByteArray cells;
+        QDataStream cellStream(&cells, QIODevice::WriteOnly);
+        cellStream.setVersion(QDataStream::Qt_6_0);
+        std::vector<const std::vector<std::string>*> distinct;
+        for (const auto& [cell, entries] : lists.dropDowns) {
+            const auto [number, fresh] = numbers.try_emplace(&*entries, quint32(distinct.size()));
+            if (fresh)
+                distinct.push_back(&*entries);
+            cellStream << qint32(cell.column) << qint32(cell.row) << number->second;
+        }
+        stream << quint32(distinct.size());
+        for (const auto* entries : distinct) {
+            stream << quint32(entries->size());
+            for (const std::string& entry : *entries)
+                stream << bytesOf(entry);
+        }
+        stream << quint32(lists.dropDowns.size());
+        stream.writeRawData(cells.constData(), static_cast<int>(cells.size()));
+        stream << quint32(lists.captions.size());
+        for (const auto& [cell, caption] : lists.captions)
+            stream << qint32(cell.column) << qint32(cell.row) << bytesOf(caption);
     }
 
     quint32 formulaPlace(std::uint32_t number, CellAddress cell)
@@ -244,7 +274,61 @@ private:
             if (!cell(stream, content))
                 return false;
         }
-        return true;
+        return lists(m_result.cells.lists.emplace());
+    }
+
+    bool lists(CellLists& lists)
+    {
+        quint32 count = 0;
+        m_stream >> count;
+        std::vector<DropDownEntries> distinct;
+        while (good() && count-- > 0) {
+            quint32 size = 0;
+            m_stream >> size;
+            std::vector<std::string> entries;
+            while (good() && size-- > 0)
+                entries.push_back(entryText());
+            distinct.emplace_back(std::move(entries));
+        }
+        count = 0;
+        m_stream >> count;
+        while (good() && count-- > 0) {
+            const auto cell = listPlace();
+            quint32 number = 0;
+            m_stream >> number;
+            if (number >= distinct.size())
+                return false;
+            if (cell)
+                lists.dropDowns.insert_or_assign(*cell, distinct[number]);
+        }
+        count = 0;
+        m_stream >> count;
+        while (good() && count-- > 0) {
+            const auto cell = listPlace();
+            std::string caption = entryText();
+            if (cell && !caption.empty())
+                lists.captions[*cell] = std::move(caption);
+        }
+        return good();
+    }
+
+    /// A cell of the block; another one makes the stream a bad one.
+    std::optional<CellAddress> listPlace()
+    {
+        qint32 column = 0, row = 0;
+        m_stream >> column >> row;
+        if (good() && column >= 1 && row >= 1 && column <= m_result.cells.columns &&
+            row <= m_result.cells.rows)
+            return CellAddress{column, row};
+        m_stream.setStatus(QDataStream::ReadCorruptData);
+        return std::nullopt;
+    }
+
+    std::string entryText()
+    {
+        QByteArray bytes;
+        m_stream >> bytes;
+        return bytes.toStdString();
     }
 
     bool cell(QDataStream& stream, CellContent& content)

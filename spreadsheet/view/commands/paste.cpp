@@ -29,6 +29,7 @@ void stripToValues(LiftedCells& cells, const Sheet& sheet, CellAddress to)
 {
     cells.spans.clear();
     cells.arrays.clear();
+    cells.lists.reset();
     for (int column = 1; column <= cells.columns; ++column) {
         for (int row = 1; row <= cells.rows; ++row) {
             const CellContent& content = cells.at(column, row);

@@ -122,7 +122,9 @@ std::optional<std::string> sortBlock(Workbook& workbook, Sheet& sheet, const Cel
     rows.right = std::min(block.right, std::max(sheet.lastDataColumn(), block.left));
     if (rows.top >= rows.bottom)
         return std::nullopt;
-    if (holdsAny(sheet.settings().spans, rows))
+    std::vector<CellRange> spans = sheet.settings().spans;
+    std::erase_if(spans, &CellRange::isOneCell);
+    if (holdsAny(spans, rows))
         return "排序区域中有合并单元格，请先取消合并";
     if (holdsAny(sheet.settings().arrays, rows))
         return "排序区域中有数组公式，不能排序";
