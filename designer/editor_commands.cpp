@@ -3,6 +3,10 @@
 #include "designer/frmEditor.h"
 #include "designer/frmGoTo.h"
 #include "formatting/cell_commands.h"
+#include "formatting/FormatPainter.h"
+#include "formatting/frmButtonCaption.h"
+#include "formatting/frmDropDownEntries.h"
+#include "formatting/frmLineSize.h"
 #include "printing/frmPrintOptions.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
@@ -21,6 +25,13 @@ template <void command(spreadsheet::SpreadsheetControl&)>
 void onGrid(frmEditor& window)
 {
     command(window.fps1());
+    window.enterCell();
+}
+
+template <class Dialog, auto... arguments>
+void dialog(frmEditor& window)
+{
+    Dialog(window.fps1(), arguments..., &window).exec();
     window.enterCell();
 }
 
@@ -66,6 +77,10 @@ constexpr EditorCommand lookCommands[] = {
     {"MenuStrikeOut", "删除线", onGrid<toggleStrikeOut>},
     {"MenuWrap", "自动换行", onGrid<toggleWrap>},
     {"MenuClearFormats", "清除格式", onGrid<clearFormats>},
+    {"MenuFormatPainter", "格式刷", onGrid<FormatPainter::start>},
+    separator,
+    {"MenuDropDownEntries", "下拉框列表", dialog<frmDropDownEntries>},
+    {"MenuButtonCaption", "按钮标题", dialog<frmButtonCaption>},
 };
 
 constexpr EditorCommand lineCommands[] = {
@@ -77,6 +92,9 @@ constexpr EditorCommand lineCommands[] = {
     {"MenuShowRows", "取消隐藏行\tCtrl+Shift+9", [](Window w) { w.fps1().showRows(); }},
     {"MenuShowColumns", "取消隐藏列\tCtrl+Shift+0", [](Window w) { w.fps1().showColumns(); }},
     separator,
+    {"MenuRowHeight", "行高", dialog<frmLineSize, frmLineSize::Lines::rows>},
+    {"MenuColumnWidth", "列宽", dialog<frmLineSize, frmLineSize::Lines::columns>},
+    {"MenuAutofitRows", "最适合的行高", [](Window w) { w.fps1().autofitRows(); }},
     {"MenuAutofitColumns", "最适合的列宽", [](Window w) { w.fps1().autofitColumns(); }},
     {"MenuFreeze", "冻结窗格", [](Window w) { w.fps1().freezeHere(); }},
 };

@@ -5,6 +5,8 @@
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
 namespace selfreport {
 
@@ -40,6 +42,46 @@ std::optional<spreadsheet::Colour> chosenColour()
 {
     constexpr std::uint32_t black = 0;
     return ColourDialogInUse::current().choose(black);
+}
+
+/// Gives the target's cells, or its columns if they are whole, what cells of this type show or offer.
+template <typename Entry>
+void putEntries(SpreadsheetControl& grid, const char* label, spreadsheet::CellType type,
+                const std::optional<Entry>& entry,
+                std::map<spreadsheet::CellAddress, Entry> spreadsheet::SheetSettings::*entries)
+{
+    if (isReadOnly(grid))
+        return;
+    const CellRange cells = target(grid);
+    {
+        const spreadsheet::UndoStep step(grid.workbook(), label);
+        spreadsheet::Sheet& sheet = grid.sheet();
+        if (entry)
+            grid.changeStyle(cells, [type](CellStyle& style) { style.type = type; });
+        retag(sheet, cells);
+        const bool wholeColumns = cells.top == 1 && cells.bottom >= sheet.settings().rowCount;
+        sheet.changeSettings([&](spreadsheet::SheetSettings& settings) {
+            auto& all = settings.*entries;
+            const int first = wholeColumns ? 0 : cells.top, last = wholeColumns ? 0 : cells.bottom;
+            std::erase_if(all, [&](const auto& old) {
+                return cells.contains(old.first) ||
+                       (wholeColumns && old.first.row == 0 && old.first.column >= cells.left &&
+                        old.first.column <= cells.right);
+            });
+            for (int column = cells.left; entry && column <= cells.right; ++column)
+                for (int row = first; row <= last; ++row)
+                    all.insert_or_assign({column, row}, *entry);
+        });
+    }
+    grid.afterEdit();
+}
+
+void resizeSelected(SpreadsheetControl& grid, spreadsheet::Axis axis, int twips)
+{
+    if (isReadOnly(grid))
+        return;
+    resizeLines(grid.workbook(), grid.sheet(), axis, linesOf(grid.selection(), axis), twips);
+    grid.afterEdit();
 }
 
 /// What a command changed is shown, and the formulas that read it are computed.
@@ -171,15 +213,49 @@ void setCellType(SpreadsheetControl& grid, spreadsheet::CellType type, std::opti
             style.type = type;
             style.decimals = decimals.value_or(style.decimals);
         });
-        // Tags stand only in cells up to the last one with data.
-        spreadsheet::Sheet& sheet = grid.sheet();
-        for (int row = cells.top; row <= std::min(cells.bottom, sheet.lastDataRow()); ++row)
-            for (int column = cells.left; column <= std::min(cells.right, sheet.lastDataColumn()); ++column)
-                if (!sheet.tag({column, row}).view().empty())
-                    sheet.setTag({column, row}, std::to_string(static_cast<int>(type)));
+        retag(grid.sheet(), cells);
     }
     grid.setCurrent(cells.right, cells.bottom);
     grid.afterEdit();
+}
+
+void retag(spreadsheet::Sheet& sheet, const CellRange& range)
+{
+    // Tags stand only in cells up to the last one with data.
+    for (int row = range.top; row <= std::min(range.bottom, sheet.lastDataRow()); ++row)
+        for (int column = range.left; column <= std::min(range.right, sheet.lastDataColumn()); ++column)
+            if (!sheet.tag({column, row}).view().empty())
+                sheet.setTag({column, row},
+                             std::to_string(static_cast<int>(sheet.style({column, row}).type)));
+}
+
+void setDropDownEntries(SpreadsheetControl& grid, const QStringList& entries)
+{
+    std::vector<std::string> list;
+    for (const QString& entry : entries)
+        list.push_back(entry.toStdString());
+    std::optional<spreadsheet::DropDownEntries> shared;
+    if (!list.empty())
+        shared.emplace(std::move(list));
+    putEntries(grid, "下拉框列表", spreadsheet::CellType::dropDown, shared,
+               &spreadsheet::SheetSettings::dropDowns);
+}
+
+void setButtonCaption(SpreadsheetControl& grid, const QString& caption)
+{
+    putEntries(grid, "按钮标题", spreadsheet::CellType::button,
+               caption.isEmpty() ? std::nullopt : std::optional(caption.toStdString()),
+               &spreadsheet::SheetSettings::captions);
+}
+
+void setRowHeights(SpreadsheetControl& grid, int twips)
+{
+    resizeSelected(grid, spreadsheet::Axis::rows, twips);
+}
+
+void setColumnWidths(SpreadsheetControl& grid, int twips)
+{
+    resizeSelected(grid, spreadsheet::Axis::columns, twips);
 }
 
 void drawBorders(SpreadsheetControl& grid, int sides, spreadsheet::LineStyle style)

@@ -1,13 +1,17 @@
 #pragma once
+#include "spreadsheet/engine/CellAddress.h"
 #include "spreadsheet/engine/CellStyle.h"
+
+#include <QStringList>
 
 #include <functional>
 #include <optional>
 #include <string>
 
 namespace spreadsheet {
+class Sheet;
 class SpreadsheetControl;
-}
+} // namespace spreadsheet
 
 namespace selfreport {
 
@@ -50,6 +54,18 @@ void unmergeCells(spreadsheet::SpreadsheetControl& grid);
 /// @param decimals  0 to 15; nothing: they stay
 void setCellType(spreadsheet::SpreadsheetControl& grid, spreadsheet::CellType type,
                  std::optional<std::uint8_t> decimals);
+/// Tags that keep a cell's type while formulas are shown follow the types of their cells.
+void retag(spreadsheet::Sheet& sheet, const spreadsheet::CellRange& range);
+/// The target's cells become drop-downs that offer these entries; none: they offer what their columns do.
+/// Whole columns keep one list each, for all their drop-downs.
+void setDropDownEntries(spreadsheet::SpreadsheetControl& grid, const QStringList& entries);
+/// The target's cells become buttons that show this text; "": their columns' or else their values.
+void setButtonCaption(spreadsheet::SpreadsheetControl& grid, const QString& caption);
+/// Of all selected rows.
+/// @param twips  1 to spreadsheet::maxLineSize
+void setRowHeights(spreadsheet::SpreadsheetControl& grid, int twips);
+void setColumnWidths(spreadsheet::SpreadsheetControl& grid, int twips);
+
 /// @param sides  of spreadsheet::BorderSides
 void drawBorders(spreadsheet::SpreadsheetControl& grid, int sides, spreadsheet::LineStyle style);
 

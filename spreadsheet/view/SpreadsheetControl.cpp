@@ -1,5 +1,6 @@
 #include "spreadsheet/view/SpreadsheetControl.h"
 
+#include "spreadsheet/view/DateEntry.h"
 #include "spreadsheet/view/DropDownList.h"
 #include "spreadsheet/view/GridMouse.h"
 #include "spreadsheet/view/locked_cells.h"
@@ -35,6 +36,7 @@ SpreadsheetControl::SpreadsheetControl(QWidget* parent)
     , m_across(new QScrollBar(Qt::Horizontal, this))
     , m_tabs(new SheetTabs(this))
     , m_dropDown(new DropDownList(this))
+    , m_dateEntry(new DateEntry(*this))
 {
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);

@@ -17,6 +17,7 @@ class QScrollBar;
 
 namespace spreadsheet {
 
+class DateEntry;
 class DropDownList;
 class GridMouse;
 class InCellEditing;
@@ -128,7 +129,7 @@ public Q_SLOTS:
     void renameSheet(int index, const QString& name);
     void moveSheet(int from, int to);
     void removeSheet(int index); ///< asks first
-    void openDropDown();         ///< of the active cell
+    void openDropDown();         ///< of the active cell; the calendar of a date cell
 
 Q_SIGNALS:
     /// The user is about to move the cursor from (col, row) to (newCol, newRow). Negative new coordinates: no
@@ -256,6 +257,7 @@ private:
     QScrollBar* m_across;
     SheetTabs* m_tabs;
     DropDownList* m_dropDown;
+    DateEntry* m_dateEntry;
     QTimer m_march;       ///< moves the border of copied cells
     QTimer m_showChanges; ///< of the program, with the next pass of the event loop
     GridMode m_mode = GridMode::edit;

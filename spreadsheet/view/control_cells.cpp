@@ -1,6 +1,7 @@
 // Cells that act, and sizes that cells need.
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/view/commands/structure.h"
+#include "spreadsheet/view/DateEntry.h"
 #include "spreadsheet/view/DropDownList.h"
 #include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -57,7 +58,11 @@ void SpreadsheetControl::cancelDropDown()
 void SpreadsheetControl::openDropDown()
 {
     const CellAddress cell = activeCell();
-    if (m_view->sheet().style(cell).type != CellType::dropDown || !commitEdit())
+    if (m_view->sheet().style(cell).type != CellType::dropDown) {
+        m_dateEntry->open();
+        return;
+    }
+    if (!commitEdit())
         return;
     if (!mayAct(cell)) {
         refuse("单元格已锁定，不能更改");
