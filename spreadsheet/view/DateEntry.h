@@ -28,6 +28,7 @@ protected:
 
 private:
     bool fitsActiveCell() const;
+    bool mayChange() const;
     void placeButton();
     void showValue();
     void chooseNow();

@@ -1,13 +1,21 @@
 #include "formatting/cell_commands.h"
 
 #include "component/state/shared_state.h"
+#include "formatting/FormatPainter.h"
+#include "formatting/frmButtonCaption.h"
 #include "formatting/frmCellBorder.h"
 #include "formatting/frmDataType.h"
+#include "formatting/frmDropDownEntries.h"
+#include "formatting/frmLineSize.h"
 #include "platform/dialogs/ScriptedDialogs.h"
+#include "spreadsheet/files/content.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/platform/WindowTest.h"
 
 #include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 
 namespace selfreport {
@@ -100,6 +108,142 @@ TEST_F(Formatting, MergingAndUnmerging)
     grid.select({2, 2, 9, 9}); // reaches into it
     unmergeCells(grid);
     EXPECT_FALSE(grid.spanAt(1, 1));
+}
+
+TEST_F(Formatting, ACellMergedAloneIsASpan)
+{
+    grid.setActiveCell(3, 3);
+    mergeCells(grid);
+    EXPECT_EQ(grid.spanAt(3, 3), (CellRange{3, 3, 3, 3}));
+    grid.select({3, 3, 4, 4});
+    mergeCells(grid);
+    EXPECT_FALSE(grid.spanAt(4, 4)) << "a cell of the range is merged already";
+    unmergeCells(grid);
+    mergeCells(grid);
+    EXPECT_EQ(grid.spanAt(4, 4), (CellRange{3, 3, 4, 4}));
+    grid.undo();
+    grid.undo();
+    EXPECT_EQ(grid.spanAt(3, 3), (CellRange{3, 3, 3, 3}));
+}
+
+TEST_F(Formatting, LinesChosenByTheirHeadingsKeepOneFormatEach)
+{
+    grid.resize(800, 500);
+    show(grid);
+    const QPoint column(grid.cellRect({3, 1}).center().x(), 5), row(5, grid.cellRect({1, 4}).center().y());
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, column);
+    toggleBold(grid);
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, row);
+    toggleItalic(grid);
+    const std::size_t steps = grid.workbook().journal().steps();
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, column);
+    toggleBold(grid); // inverted everywhere, where the row crosses too
+    EXPECT_EQ(grid.workbook().journal().steps(), steps + 1);
+    EXPECT_FALSE(style(3, 4).font.bold);
+    EXPECT_TRUE(style(3, 4).font.italic);
+    toggleBold(grid);
+    grid.setActiveCell(3, 300);
+    QTest::keyClick(&grid, Qt::Key_7);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_TRUE(style(3, 300).font.bold) << "what is typed into a fresh cell";
+    spreadsheet::Workbook loaded;
+    loadContent(loaded, saveContent(grid.workbook()));
+    for (const spreadsheet::Sheet* sheet : {&grid.sheet(), &loaded.sheet(1)}) {
+        EXPECT_LE(sheet->storedColumns(), 3);
+        EXPECT_TRUE(sheet->style({3, 499}).font.bold);
+        EXPECT_TRUE(sheet->style({40, 4}).font.italic);
+        EXPECT_TRUE(sheet->style({3, 4}).font.bold && sheet->style({3, 4}).font.italic);
+        EXPECT_FALSE(sheet->style({4, 5}).font.bold || sheet->style({4, 5}).font.italic);
+    }
+}
+
+TEST_F(Formatting, ThePainterTakesLooksAlong)
+{
+    grid.resize(800, 500);
+    show(grid);
+    const auto drag = [this](spreadsheet::CellAddress from, spreadsheet::CellAddress to) {
+        QTest::mousePress(&grid, Qt::LeftButton, {}, grid.cellRect(from).center());
+        QTest::mouseMove(&grid, grid.cellRect(to).center());
+        QTest::mouseRelease(&grid, Qt::LeftButton, {}, grid.cellRect(to).center());
+        QCoreApplication::processEvents();
+    };
+    const auto bold = [this](int column, int row) { return style(column, row).font.bold; };
+    grid.select({1, 1, 1, 1});
+    toggleBold(grid);
+    grid.select({1, 1, 2, 1}); // bold, plain
+    FormatPainter::start(grid);
+    drag({3, 3}, {6, 4}); // twice as wide, twice as high
+    EXPECT_TRUE(bold(3, 3) && !bold(4, 3) && bold(5, 4) && !bold(6, 4) && !bold(3, 5));
+    grid.undo(); // one step
+    EXPECT_FALSE(bold(3, 3) || bold(5, 4));
+    drag({3, 3}, {3, 3});
+    EXPECT_FALSE(bold(3, 3)) << "it paints once";
+
+    grid.select({1, 1, 2, 1});
+    FormatPainter::start(grid);
+    QTest::keyClick(&grid, Qt::Key_Escape);
+    drag({3, 3}, {3, 3});
+    EXPECT_FALSE(bold(3, 3));
+
+    grid.select({2, 1, 2, 1});
+    grid.select({1, 1, 1, 1});
+    FormatPainter::start(grid);
+    QTest::keyClick(&grid, Qt::Key_Down);
+    QTest::keyClick(&grid, Qt::Key_Return);
+    EXPECT_TRUE(bold(1, 2)) << "by keys";
+    grid.select({1, 1, 1, 1});
+    FormatPainter::start(grid);
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, {grid.cellRect({5, 1}).center().x(), 5});
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(bold(5, 1) && bold(5, 500));
+    EXPECT_LT(grid.sheet().storedColumns(), 5) << "a whole column takes no cells";
+}
+
+TEST_F(Formatting, SizesOfSelectedLines)
+{
+    grid.select({2, 3, 4, 5});
+    frmLineSize heights(grid, frmLineSize::Lines::rows), widths(grid, frmLineSize::Lines::columns);
+    EXPECT_EQ(control<QDoubleSpinBox>(heights, "size").value(), spreadsheet::defaultRowHeight / 20.0);
+    control<QDoubleSpinBox>(heights, "size").setValue(30);
+    control<QPushButton>(heights, "cmdXPOK").click();
+    control<QDoubleSpinBox>(widths, "size").setValue(100.5);
+    control<QPushButton>(widths, "cmdXPOK").click();
+    const auto& settings = grid.sheet().settings();
+    EXPECT_EQ(settings.rows.sizes, (std::map<int, int>{{3, 600}, {4, 600}, {5, 600}}));
+    EXPECT_EQ(settings.columns.sizes, (std::map<int, int>{{2, 2010}, {3, 2010}, {4, 2010}}));
+    grid.undo();
+    EXPECT_TRUE(grid.sheet().settings().columns.sizes.empty());
+}
+
+TEST_F(Formatting, EntriesAndCaptions)
+{
+    grid.select({2, 2, 2, 3});
+    frmDropDownEntries entries(grid);
+    control<QPlainTextEdit>(entries, "entries").setPlainText(" 部门\n\n客户\n部门\n");
+    control<QPushButton>(entries, "cmdXPOK").click();
+    EXPECT_EQ(style(2, 3).type, CellType::dropDown);
+    EXPECT_EQ(grid.sheet().dropDownEntries({2, 3})->size(), 2u);
+    frmDropDownEntries again(grid);
+    EXPECT_EQ(control<QPlainTextEdit>(again, "entries").toPlainText(), "部门\n客户");
+    grid.select({4, 1, 4, 500}); // one list for the whole column
+    frmDropDownEntries column(grid);
+    control<QPlainTextEdit>(column, "entries").setPlainText("是\n否");
+    control<QPushButton>(column, "cmdXPOK").click();
+    EXPECT_EQ(grid.sheet().settings().dropDowns.count({4, 0}), 1u);
+    EXPECT_EQ(grid.sheet().settings().dropDowns.size(), 3u);
+    EXPECT_EQ(grid.sheet().dropDownEntries({4, 77})->front(), "是");
+
+    grid.setActiveCell(6, 6);
+    grid.setText(6, 6, "7");
+    frmButtonCaption caption(grid);
+    control<QLineEdit>(caption, "caption").setText("计算");
+    control<QPushButton>(caption, "cmdXPOK").click();
+    EXPECT_EQ(style(6, 6).type, CellType::button);
+    EXPECT_EQ(*grid.sheet().buttonCaption({6, 6}), "计算");
+    EXPECT_EQ(grid.text(6, 6), "7");
+    grid.undo(); // type and caption are one step
+    EXPECT_EQ(grid.sheet().buttonCaption({6, 6}), nullptr);
+    EXPECT_EQ(style(6, 6).type, CellType::edit);
 }
 
 TEST_F(Formatting, InsertionAtTheEdgeLosesNothing)

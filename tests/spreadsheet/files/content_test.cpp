@@ -53,6 +53,7 @@ void fillEverything(Workbook& workbook)
     sheet.setStyle({1, 1}, style);
     sheet.restyle({2, 1, 2, maxRows}, [](CellStyle& s) { s.font.bold = true; });
     sheet.restyle({1, 9, maxColumns, 9}, [](CellStyle& s) { s.type = CellType::date; });
+    sheet.setStyle({2, 9}, sheet.style({1, 9})); // where the row and the column cross
     sheet.addSpan({1, 20, 4, 21});
     sheet.changeSettings([](SheetSettings& settings) {
         settings.rowCount = 1'048'576;
@@ -87,7 +88,13 @@ void fillLaterFields(Workbook& workbook)
         settings.print.fitWidth = settings.print.centredDown = settings.print.stamp = true;
         settings.print.rowBreaks = {{4, true}, {9, true}};
         settings.print.columnBreaks = {{2, true}};
+        const DropDownEntries kinds({"部门", "客户"});
+        settings.dropDowns.insert_or_assign({3, 0}, kinds); // of the whole column
+        settings.dropDowns.insert_or_assign({4, 7}, DropDownEntries({"是", "否"}));
+        settings.dropDowns.insert_or_assign({9, 9}, kinds);
+        settings.captions = {{{1, 7}, "计算"}, {{6, 0}, "选择…"}};
     });
+    workbook.sheet(1).addSpan({8, 8, 8, 8});
 }
 
 /// The first difference that a user could see; empty if there is none.
@@ -260,6 +267,7 @@ TEST(Content, HostileContentIsRefusedOrHarmless)
 {
     Workbook stored;
     fillEverything(stored);
+    fillLaterFields(stored);
     const ExpandedContent good = unpackContent(saveContent(stored));
     Bytes content(good.view().begin(), good.view().end());
     int refused = 0;

@@ -1,6 +1,10 @@
 #include "tests/spreadsheet/view/ControlTest.h"
 
+#include <QCalendarWidget>
 #include <QListWidget>
+#include <QTableView>
+#include <QTimeEdit>
+#include <QToolButton>
 
 namespace spreadsheet {
 
@@ -108,6 +112,53 @@ TEST_F(ControlTest, DropDownsMayOpenSomethingElse)
     key(Qt::Key_Down, Qt::AltModifier);
     EXPECT_EQ(openList(control), nullptr);
     EXPECT_EQ(control.text(3, 2), "1001");
+}
+
+TEST_F(ControlTest, DatesAndTimesAreChosen)
+{
+    setType("B2", CellType::date);
+    setType("B3", CellType::time);
+    control.refresh();
+    auto& button = *control.findChild<QToolButton*>("openCalendar");
+    auto& calendar = *control.findChild<QCalendarWidget*>("calendar");
+    auto& clock = *control.findChild<QTimeEdit*>("clock");
+    EXPECT_FALSE(button.isVisible());
+    control.setActiveCell(2, 2);
+    EXPECT_TRUE(button.isVisible());
+    EXPECT_FALSE(button.geometry().intersects(control.cellRect({2, 2})));
+    sheet().setNumber({2, 2}, 46'000); // 2025-12-09
+    logged();
+    QTest::mouseClick(&button, Qt::LeftButton);
+    ASSERT_TRUE(calendar.isVisible());
+    EXPECT_FALSE(clock.isVisible());
+    EXPECT_EQ(calendar.selectedDate(), QDate(2025, 12, 9));
+    auto* days = calendar.findChild<QTableView*>("qt_calendar_calendarview");
+    QTest::keyClick(days, Qt::Key_Right);
+    QTest::keyClick(days, Qt::Key_Return);
+    EXPECT_FALSE(calendar.isVisible());
+    EXPECT_EQ(control.text(2, 2), "2025-12-10");
+    EXPECT_EQ(logged(), "changed 2,2");
+
+    control.setActiveCell(2, 3);
+    key(Qt::Key_Down, Qt::AltModifier);
+    ASSERT_TRUE(clock.isVisible());
+    EXPECT_FALSE(calendar.isVisible());
+    clock.setTime(QTime(8, 30));
+    QTest::keyClick(&clock, Qt::Key_Return);
+    EXPECT_EQ(control.text(2, 3), "08:30:00");
+    control.undo();
+    EXPECT_EQ(control.text(2, 3), "");
+
+    control.setActiveCell(2, 2);
+    key(Qt::Key_Down, Qt::AltModifier);
+    QTest::keyClick(days, Qt::Key_Escape);
+    EXPECT_FALSE(calendar.isVisible());
+    EXPECT_EQ(control.text(2, 2), "2025-12-10") << "closed without a choice";
+    control.changeStyle({2, 2, 2, 2}, [](CellStyle& style) { style.locked = true; });
+    control.refresh();
+    EXPECT_FALSE(button.isVisible());
+    key(Qt::Key_Down, Qt::AltModifier);
+    EXPECT_FALSE(calendar.isVisible()) << "locked";
 }
 
 TEST_F(ControlTest, DropDownListsFollowInsertedRowsAndUndo)

@@ -150,6 +150,49 @@ TEST_F(ControlEditing, ReferencesAreTakenByArrowKeysAndMouse)
     EXPECT_EQ(control.activeCell(), (CellAddress{1, 1}));
 }
 
+TEST_F(ControlEditing, HeadingsGiveWholeRowsAndColumns)
+{
+    const auto columnHeading = [this](int column) {
+        return QPoint(control.cellRect({column, 1}).center().x(), 5);
+    };
+    const auto rowHeading = [this](int row) { return QPoint(5, control.cellRect({1, row}).center().y()); };
+    const struct {
+        const char* typed;
+        QPoint from, to;
+        const char* edited;
+    } cases[] = {
+        {"=sum(", columnHeading(1), columnHeading(1), "=sum(A:A"},
+        {"=sum(", columnHeading(3), columnHeading(1), "=sum(A:C"},
+        {"=sum(", rowHeading(4), rowHeading(4), "=sum(4:4"},
+        {"=2*sum(", rowHeading(4), rowHeading(6), "=2*sum(4:6"},
+        {"=",
+         {control.cellRect({2, 1}).right(), 5},
+         {control.cellRect({2, 1}).right(), 5},
+         "=B:B"}, // its edge
+    };
+    control.setActiveCell(5, 10);
+    for (const auto& [typed, from, to, expected] : cases) {
+        type(typed);
+        QTest::mousePress(&control, Qt::LeftButton, {}, from);
+        QTest::mouseMove(&control, to);
+        QTest::mouseRelease(&control, Qt::LeftButton, {}, to);
+        EXPECT_EQ(edited(), expected);
+        key(Qt::Key_Escape);
+        EXPECT_EQ(control.activeCell(), (CellAddress{5, 10}));
+    }
+    sheet().setNumber({1, 1}, 2);
+    sheet().setNumber({1, 500}, 5);
+    type("=sum(");
+    QTest::mouseClick(&control, Qt::LeftButton, {}, columnHeading(1));
+    type(")");
+    key(Qt::Key_Return);
+    EXPECT_EQ(shown({5, 10}), "7");
+    type("5");
+    QTest::mouseClick(&control, Qt::LeftButton, {}, columnHeading(2));
+    EXPECT_EQ(shown({5, 11}), "5") << "where no reference can stand, a heading selects";
+    EXPECT_EQ(control.firstRange(), (CellRange{2, 1, 2, 500}));
+}
+
 TEST_F(ControlEditing, CellsOfOtherSheetsAreTakenThroughTheirTabs)
 {
     ASSERT_FALSE(control.workbook().addSheet("二月"));
@@ -257,6 +300,15 @@ TEST_F(ControlEditing, ControlEnterFillsTheSelection)
     type("=A1:A2*2");
     key(Qt::Key_Return, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(sheet().arrayRange({2, 2}), (CellRange{2, 1, 2, 2}));
+    // Neither spans nor lists of the goal change.
+    control.setCurrent(4, 2);
+    control.setDropDown({"甲"});
+    control.select({4, 1, 4, 3});
+    type("8");
+    key(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(shown({4, 2}), "8");
+    EXPECT_EQ(control.dropDown(), QStringList{"甲"});
+    EXPECT_TRUE(sheet().settings().spans.empty());
 }
 
 TEST_F(ControlEditing, TheClipboardKeysMoveBlocks)

@@ -137,6 +137,51 @@ TEST_F(ControlTest, TextsRunOverEmptyNeighboursAndFiguresDoNot)
     EXPECT_EQ(drawn("F6"), 0);
 }
 
+TEST_F(ControlTest, TextsOfCellsOutOfSightReachIn)
+{
+    // Column 1 or the last one in sight is empty; the cell with the text is scrolled away.
+    const int last = control.cellAt(control.cellArea().bottomRight() - QPoint(2, 2))->column;
+    const QString text = QStringLiteral("很长的标题文字伸到看不见的地方再伸回来看得见的地方还要更长一些才够");
+    const struct {
+        HorizontalAlignment alignment;
+        int column, scrolledTo, seen;
+        bool reaches;
+    } cases[] = {
+        {HorizontalAlignment::left, 1, 2, 2, true},
+        {HorizontalAlignment::right, last + 1, 1, last - 1, true},
+        {HorizontalAlignment::centre, last + 1, 1, last - 1, true},
+        {HorizontalAlignment::left, last + 1, 1, last - 1, false},
+        {HorizontalAlignment::right, 1, 2, 2, false},
+    };
+    for (const auto& c : cases) {
+        control.setTopLeftCell({1, 1});
+        control.setActiveCell(5, 20);
+        control.setText(c.column, 3, text);
+        control.changeStyle({c.column, 3, c.column, 3},
+                            [&c](CellStyle& style) { style.horizontal = c.alignment; });
+        control.setTopLeftCell({c.scrolledTo, 1});
+        control.refresh();
+        const QImage picture = pictureOf(control).copy(control.cellRect({c.seen, 3}).adjusted(2, 2, -2, -2));
+        EXPECT_EQ(darkPixels(picture) > 0, c.reaches)
+            << "column " << c.column << " alignment " << static_cast<int>(c.alignment);
+        control.setText(c.column, 3, "");
+    }
+}
+
+TEST_F(ControlTest, ButtonsShowTheirCaptions)
+{
+    setType("B2", CellType::button);
+    control.setActiveCell(9, 20);
+    control.refresh();
+    const auto dark = [this] { return darkPixels(pictureOf(control, "B2").copy(8, 4, 56, 11)); };
+    const int empty = dark();
+    control.setCurrent(2, 2);
+    control.setButtonCaption("计算");
+    control.refresh();
+    EXPECT_GT(dark(), empty);
+    EXPECT_EQ(control.text(), "") << "a caption is no value";
+}
+
 TEST_F(ControlTest, CellsKeepTheirColoursInADarkPalette)
 {
     put("B2", "金额");
