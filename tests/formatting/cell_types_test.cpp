@@ -18,7 +18,9 @@ using spreadsheet::CellType;
 /// What a page prints of a cell.
 std::string printed(const spreadsheet::Sheet& sheet, int column, int row)
 {
-    const spreadsheet::PrintedPage page = {.rowTracks = {{row, 0, 300}}, .columnTracks = {{column, 0, 1500}}};
+    spreadsheet::PrintedPage page;
+    page.rowTracks = {{row, 0, 300}};
+    page.columnTracks = {{column, 0, 1500}};
     const spreadsheet::PageCells cells(sheet, page);
     const spreadsheet::PageCell& cell = cells.at(0, 0);
     return cell.isTrue && cell.text.isEmpty() ? "checked" : cell.text.toStdString();
@@ -34,8 +36,8 @@ protected:
     }
     void choose(const char* shown)
     {
-        gCellCol = static_cast<short>(grid.activeCell().column);
-        gCellRow = static_cast<short>(grid.activeCell().row);
+        gCellCol = grid.activeCell().column;
+        gCellRow = grid.activeCell().row;
         frmDataType dialog(grid);
         auto& list = control<QComboBox>(dialog, "PC_1");
         list.setCurrentIndex(list.findText(shown));

@@ -8,8 +8,11 @@
 #include "designer/frmFind.h"
 #include "designer/frmGoTo.h"
 #include "designer/frmTableInfo.h"
+#include "formatting/frmButtonCaption.h"
 #include "formatting/frmCellBorder.h"
 #include "formatting/frmDataType.h"
+#include "formatting/frmDropDownEntries.h"
+#include "formatting/frmLineSize.h"
 #include "formula/dialogs/frmCoverage.h"
 #include "formula/dialogs/frmFunction.h"
 #include "formula/dialogs/frmFunctionInput.h"
@@ -30,6 +33,7 @@
 #include "printing/PrintDlg.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/formula/dialogs/RecordingCell.h"
+#include "tests/screenshots/formats.h"
 
 #include <cstdio>
 #include <functional>
@@ -169,6 +173,10 @@ std::vector<Picture> pictures(const QDir& folder)
         {"frmTableInfo", [] { return std::make_unique<frmTableInfo>(emptyGrid()); }},
         {"frmDataType", [] { return std::make_unique<frmDataType>(emptyGrid()); }},
         {"frmCellBorder", [] { return std::make_unique<frmCellBorder>(emptyGrid()); }},
+        {"frmDropDownEntries", [] { return std::make_unique<frmDropDownEntries>(emptyGrid()); }},
+        {"frmButtonCaption", [] { return std::make_unique<frmButtonCaption>(emptyGrid()); }},
+        {"frmLineSize", [] { return std::make_unique<frmLineSize>(emptyGrid(), frmLineSize::Lines::rows); }},
+        {"formats", test::formatsPage, {1000, 620}},
         {"frmHost", [] { return std::make_unique<frmHost>(frmHost::Operations{}); }},
         {"frmRunParameters", [] { return std::make_unique<frmRunParameters>(); }},
         {"frmFunction", [] { return std::make_unique<frmFunction>(cell); }},
@@ -224,6 +232,7 @@ int main(int count, char** arguments)
     for (const Picture& picture : pictures(folder))
         if (count < 3 || QString(picture.name).contains(arguments[2]))
             failed += !save(picture, folder);
+    test::saveFormatsPdf(folder.filePath("formats.pdf"));
     for (const auto& said : boxes.said)
         std::fprintf(stderr, "%s\n", said.text.c_str());
     return failed;
