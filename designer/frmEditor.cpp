@@ -166,7 +166,8 @@ void frmEditor::MenuFileSave_Click()
 
 void frmEditor::closeEvent(QCloseEvent* event)
 {
-    m_fps1->cancelEdit();
+    if (!m_fps1->commitEdit()) // what was being typed is kept with the rest, unless it is no formula
+        m_fps1->cancelEdit();
     if (m_recovery)
         m_recovery->keep();
     frmPreview::discard();

@@ -9,6 +9,8 @@
 #include <QApplication>
 #include <QKeyEvent>
 
+#include <algorithm>
+
 namespace spreadsheet {
 
 namespace {
@@ -127,12 +129,15 @@ void InCellEditing::commitByKey(int key, Qt::KeyboardModifiers modifiers)
     SpreadsheetControl& control = m_control;
     const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
     const bool isFormula = m_editor->assistant().isFormula();
-    if (enter && modifiers == (Qt::ControlModifier | Qt::ShiftModifier) && isFormula) {
-        commitText(true);
-        return;
-    }
-    if (enter && modifiers == Qt::ControlModifier) {
-        fillSelection();
+    const bool asArray = modifiers == (Qt::ControlModifier | Qt::ShiftModifier) && isFormula;
+    if (enter && (asArray || modifiers == Qt::ControlModifier)) {
+        const auto locked = [&](const CellRange& range) { return !control.mayEdit(range); };
+        if (std::ranges::any_of(control.selection(), locked))
+            Q_EMIT control.refused(QStringLiteral("区域中有锁定的单元格，不能更改"));
+        else if (asArray)
+            commitText(true);
+        else
+            fillSelection();
         return;
     }
     if (!commit())

@@ -177,7 +177,7 @@ void SpreadsheetControl::pastePlanned(Sheet& target, const ClipboardContent& con
 
 void SpreadsheetControl::clear()
 {
-    if (refuseEdit(selection()))
+    if (refuseEdit(selection()) || !commitEdit())
         return;
     const std::vector<CellRange> ranges = selection();
     if (!refuse(clearRanges(workbook(), workbook().sheet(activeSheet()), ranges)))
@@ -187,7 +187,7 @@ void SpreadsheetControl::clear()
 void SpreadsheetControl::fillAlong(bool down)
 {
     const std::vector<CellRange> ranges = selection();
-    if (refuseEdit(ranges))
+    if (refuseEdit(ranges) || !commitEdit())
         return;
     Sheet& shown = workbook().sheet(activeSheet());
     {
@@ -228,7 +228,7 @@ void SpreadsheetControl::fillTo(const CellRange& goal, bool asSeries)
 void SpreadsheetControl::sortBlock(const std::vector<SortKey>& keys, bool headerRow)
 {
     const auto range = onlyRange();
-    if (!range)
+    if (!range || !commitEdit())
         return;
     Sheet& shown = workbook().sheet(activeSheet());
     const CellRange block = isBlockSelected() ? *range : blockAround(shown, activeCell());

@@ -300,6 +300,18 @@ TEST_F(ControlEditing, ControlEnterFillsTheSelection)
     type("=A1:A2*2");
     key(Qt::Key_Return, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(sheet().arrayRange({2, 2}), (CellRange{2, 1, 2, 2}));
+    // Locked cells keep what they have.
+    sheet().restyle({6, 2, 6, 2}, [](CellStyle& style) { style.locked = true; });
+    for (const Qt::KeyboardModifiers modifiers :
+         {Qt::KeyboardModifiers(Qt::ControlModifier), Qt::ControlModifier | Qt::ShiftModifier}) {
+        control.select({6, 1, 6, 2});
+        refusal.clear();
+        type("=1+1");
+        key(Qt::Key_Return, modifiers);
+        EXPECT_FALSE(refusal.isEmpty());
+        EXPECT_EQ(shown({6, 2}), "");
+        key(Qt::Key_Escape);
+    }
     // Neither spans nor lists of the goal change.
     control.setCurrent(4, 2);
     control.setDropDown({"甲"});

@@ -174,7 +174,7 @@ TEST_F(Paste, RefusesWithAReasonAndLosesNothing)
     const auto before = workbook.revision();
     const QString rubbish(200, QChar(0x01));
     QMimeData damaged, nothing;
-    damaged.setData("application/x-report-cells", "CEL1 and rubbish");
+    damaged.setData("application/x-report-cells", "CEL2 and rubbish");
     struct Case {
         const char* what;
         std::unique_ptr<QMimeData> data;
@@ -216,8 +216,16 @@ TEST_F(Paste, DamagedCellsOfOursAreRefusedWhole)
     sheet().setText({1, 1}, "text");
     ASSERT_FALSE(sheet().setFormula({2, 2}, "A1&\"x\""));
     sheet().addSpan({1, 3, 2, 3});
+    sheet().changeSettings([](SheetSettings& settings) {
+        const DropDownEntries kinds({"部门", "客户"});
+        settings.dropDowns = {{{1, 1}, kinds}, {{2, 1}, kinds}, {{2, 2}, DropDownEntries({"是"})}};
+        settings.captions[{2, 3}] = "计算";
+    });
     const QByteArray whole = copy({1, 1, 2, 3}).data->data("application/x-report-cells");
-    ASSERT_TRUE(std::holds_alternative<UnpackedCells>(unpackCells(workbook, whole)));
+    const auto good = unpackCells(workbook, whole);
+    ASSERT_TRUE(std::holds_alternative<UnpackedCells>(good));
+    EXPECT_EQ(std::get<UnpackedCells>(good).cells.lists->dropDowns, sheet().settings().dropDowns);
+    EXPECT_EQ(std::get<UnpackedCells>(good).cells.lists->captions, sheet().settings().captions);
     for (qsizetype length = 0; length < whole.size(); ++length)
         EXPECT_TRUE(std::holds_alternative<std::string>(unpackCells(workbook, whole.left(length)))) << length;
     for (qsizetype place = 0; place < whole.size(); ++place) {
