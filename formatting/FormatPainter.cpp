@@ -35,7 +35,7 @@ CellRange selected(const SpreadsheetControl& grid)
 
 void FormatPainter::start(SpreadsheetControl& grid)
 {
-    if (auto* atWork = grid.findChild<FormatPainter*>(Qt::FindDirectChildrenOnly);
+    if (auto* atWork = grid.findChild<FormatPainter*>(QString(), Qt::FindDirectChildrenOnly);
         atWork && !atWork->m_ended) {
         atWork->end();
         return;

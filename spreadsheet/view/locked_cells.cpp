@@ -29,8 +29,8 @@ bool anyOwnLocked(const Workbook& workbook, const Column& column, const CellRang
         if (!slot.block->hasStyles())
             continue;
         const int to = std::min(range.bottom, slot.lastRow()) - slot.firstRow;
-        for (int i = std::max(range.top, slot.firstRow) - slot.firstRow; i <= to; ++i) {
-            const std::uint32_t style = slot.block->style(i);
+        for (int cell = std::max(range.top, slot.firstRow) - slot.firstRow; cell <= to; ++cell) {
+            const std::uint32_t style = slot.block->style(cell);
             if (style != 0 && isLocked(workbook, style))
                 return true;
         }
