@@ -80,6 +80,8 @@ void StyleNumbers::set(int index, std::uint32_t number, int count, int capacity)
         if (entry == palette.end()) {
             if (palette.size() == maxPalette)
                 repack();
+            if (palette.size() == palette.capacity()) // in small steps: palettes are most of what blocks take
+                palette.reserve(palette.size() + 16);
             if (palette.size() < maxPalette)
                 entry = palette.insert(palette.end(), number);
             else
