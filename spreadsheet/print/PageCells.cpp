@@ -98,12 +98,12 @@ PageCell PageCells::read(CellAddress cell) const
     read.style = &m_sheet.style(cell);
     const Value value = m_sheet.value(cell);
     const bool showsOtherText = !m_sheet.shownText(cell).empty();
-    read.isFigure =
-        !showsOtherText && (value.isNumber() || (value.isText() && value.text().countsAsNumber()));
-    read.isTrue = isTrue(value);
-    read.alignment = alignmentOf(*read.style, value, read.isFigure, showsOtherText);
     const std::string* caption =
         read.style->type == CellType::button && !showsOtherText ? m_sheet.buttonCaption(cell) : nullptr;
+    read.isFigure = !showsOtherText && !caption &&
+                    (value.isNumber() || (value.isText() && value.text().countsAsNumber()));
+    read.isTrue = isTrue(value);
+    read.alignment = alignmentOf(*read.style, value, read.isFigure, showsOtherText);
     if (caption)
         read.text = fromUtf8(*caption);
     else if (read.style->type != CellType::checkBox || (value.isText() && !read.isTrue))
