@@ -76,7 +76,7 @@ void FormatPainter::lift(const CellRange& source)
     m_rows = pattern.rows();
     for (int row = pattern.top; row <= pattern.bottom; ++row)
         for (int column = pattern.left; column <= pattern.right; ++column)
-            m_styles.push_back(sheet.styleNumber({column, row}));
+            m_styles.push_back(sheet.style({column, row}));
 }
 
 bool FormatPainter::eventFilter(QObject* watched, QEvent* event)
@@ -132,7 +132,7 @@ void FormatPainter::paint()
         for (int row = goal.top; row <= goal.bottom; row += downStep) {
             for (int column = goal.left; column <= goal.right; column += acrossStep) {
                 const int place = (row - goal.top) % m_rows * m_columns + (column - goal.left) % m_columns;
-                const CellStyle look = m_grid.workbook().styles()[m_styles[static_cast<std::size_t>(place)]];
+                const CellStyle& look = m_styles[static_cast<std::size_t>(place)];
                 m_grid.changeStyle({column, row, column + acrossStep - 1, row + downStep - 1},
                                    [&look](CellStyle& style) { style = look; });
             }

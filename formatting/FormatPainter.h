@@ -1,9 +1,9 @@
 #pragma once
 #include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/engine/CellStyle.h"
 
 #include <QObject>
 
-#include <cstdint>
 #include <vector>
 
 namespace spreadsheet {
@@ -32,8 +32,8 @@ private:
 
     spreadsheet::SpreadsheetControl& m_grid;
     int m_sheetId;
-    int m_columns = 1, m_rows = 1;       ///< of the pattern
-    std::vector<std::uint32_t> m_styles; ///< numbers of the workbook's styles, row by row
+    int m_columns = 1, m_rows = 1;                ///< of the pattern
+    std::vector<spreadsheet::CellStyle> m_styles; ///< row by row; the grid may show another workbook by then
     bool m_pressed = false;
     bool m_ended = false;
 };

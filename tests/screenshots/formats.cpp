@@ -66,7 +66,7 @@ void alignments(SpreadsheetControl& grid)
         for (int horizontal = 0; horizontal < 3; ++horizontal) {
             const int column = 2 + horizontal, row = 13 + vertical;
             grid.setText(column, row, QString(across[horizontal]) + down[vertical]);
-            grid.setRowHeight(row, 500);
+            grid.setRowHeight(row, vertical == 0 ? 760 : 500); // the first one also holds a wrapped text
             grid.changeStyle({column, row, column, row}, [&](CellStyle& style) {
                 style.horizontal = static_cast<HorizontalAlignment>(horizontal);
                 style.vertical = static_cast<VerticalAlignment>(vertical);
