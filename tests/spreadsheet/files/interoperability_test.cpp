@@ -1,4 +1,4 @@
-#include "tests/spreadsheet/files/sample_workbook.h"
+#include "tests/spreadsheet/files/FilesTest.h"
 
 #include <cstdlib>
 #include <fstream>
