@@ -2,87 +2,86 @@
 
 #include "spreadsheet/files/PendingFile.h"
 #include "tests/spreadsheet/files/FilesTest.h"
-"tests/spreadsheet/files/sample_workbook.h"
+#include "tests/spreadsheet/files/sample_workbook.h"
 
 #include <fstream>
 #include <gmock/gmock.h>
 
-    namespace spreadsheet
+namespace spreadsheet {
+namespace {
+
+void put(const std::filesystem::path& file, std::string_view content)
 {
-    namespace {
+    std::ofstream(file, std::ios::binary) << content;
+}
 
-    void put(const std::filesystem::path& file, std::string_view content)
-    {
-        std::ofstream(file, std::ios::binary) << content;
+std::string contentOf(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+TEST(FileFormats, AreSensedByContentHoweverTheFileIsCalled)
+{
+    const TestFolder folder;
+    Workbook workbook;
+    fillSample(workbook);
+    for (const FileFormat format : {FileFormat::ss7, FileFormat::xls, FileFormat::xlsx}) {
+        const auto file = folder.file("报表.unknown");
+        EXPECT_THAT(saveWorkbook(workbook, file, format), testing::IsEmpty());
+        Workbook found;
+        loadWorkbook(found, file);
+        expectSame(workbook, found);
     }
+    EXPECT_EQ(folder.fileCount(), 1U); // nothing is left beside it
+}
 
-    std::string contentOf(const std::filesystem::path& file)
-    {
-        std::ifstream stream(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-
-    TEST(FileFormats, AreSensedByContentHoweverTheFileIsCalled)
-    {
-        const TestFolder folder;
-        Workbook workbook;
-        fillSample(workbook);
-        for (const FileFormat format : {FileFormat::ss7, FileFormat::xls, FileFormat::xlsx}) {
-            const auto file = folder.file("报表.unknown");
-            EXPECT_THAT(saveWorkbook(workbook, file, format), testing::IsEmpty());
-            Workbook found;
-            loadWorkbook(found, file);
-            expectSame(workbook, found);
+TEST(FileFormats, RefusalsNameTheReasonAndLoseNothing)
+{
+    const TestFolder folder;
+    const struct {
+        const char *name, *content, *reason;
+    } cases[] = {
+        {"a.xls", "<html><body>登录</body></html>", "网页"},
+        {"b.xls", "\xEF\xBB\xBF  <!DOCTYPE html>", "网页"},
+        {"c.xls", "科目,金额\n1,2\n", "文本"},
+        {"d.xlsx", "PK\x03\x04rest", "压缩包"},
+        {"e.xls", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", "截断"},
+        {"f.csv", "", "空的"},
+        {"g.ss7", "\x89SS7\r\n\x1A\n", "不完整"},
+    };
+    Workbook workbook;
+    workbook.sheet(1).setText({1, 1}, "原来的");
+    for (const auto& c : cases) {
+        put(folder.file(c.name), c.content);
+        try {
+            loadWorkbook(workbook, folder.file(c.name));
+            ADD_FAILURE() << c.name;
+        } catch (const ContentError& error) {
+            EXPECT_THAT(error.what(), testing::HasSubstr(c.reason)) << c.name;
         }
-        EXPECT_EQ(folder.fileCount(), 1U); // nothing is left beside it
+        EXPECT_EQ(workbook.sheet(1).displayText({1, 1}), "原来的");
     }
+    EXPECT_THROW(loadWorkbook(workbook, folder.file("没有")), ContentError);
+    EXPECT_THROW(loadWorkbook(workbook, folder.file("")), ContentError);
+}
 
-    TEST(FileFormats, RefusalsNameTheReasonAndLoseNothing)
-    {
-        const TestFolder folder;
-        const struct {
-            const char *name, *content, *reason;
-        } cases[] = {
-            {"a.xls", "<html><body>登录</body></html>", "网页"},
-            {"b.xls", "\xEF\xBB\xBF  <!DOCTYPE html>", "网页"},
-            {"c.xls", "科目,金额\n1,2\n", "文本"},
-            {"d.xlsx", "PK\x03\x04rest", "压缩包"},
-            {"e.xls", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", "截断"},
-            {"f.csv", "", "空的"},
-            {"g.ss7", "\x89SS7\r\n\x1A\n", "不完整"},
-        };
-        Workbook workbook;
-        workbook.sheet(1).setText({1, 1}, "原来的");
-        for (const auto& c : cases) {
-            put(folder.file(c.name), c.content);
-            try {
-                loadWorkbook(workbook, folder.file(c.name));
-                ADD_FAILURE() << c.name;
-            } catch (const ContentError& error) {
-                EXPECT_THAT(error.what(), testing::HasSubstr(c.reason)) << c.name;
-            }
-            EXPECT_EQ(workbook.sheet(1).displayText({1, 1}), "原来的");
-        }
-        EXPECT_THROW(loadWorkbook(workbook, folder.file("没有")), ContentError);
-        EXPECT_THROW(loadWorkbook(workbook, folder.file("")), ContentError);
-    }
+TEST(FileFormats, AFailedExportLeavesTheFormerFile)
+{
+    const TestFolder folder;
+    Workbook workbook;
+    workbook.sheet(1).setNumber({300, 70'000}, 1);
+    put(folder.file("a.xls"), "从前");
+    EXPECT_THROW(saveWorkbook(workbook, folder.file("a.xls"), FileFormat::xls), ContentError);
+    EXPECT_EQ(contentOf(folder.file("a.xls")), "从前");
+    workbook.renameSheet(1, std::string(60, 'x')); // longer than .xlsx takes
+    EXPECT_THROW(saveWorkbook(workbook, folder.file("a.xls"), FileFormat::xlsx), ContentError);
+    EXPECT_EQ(contentOf(folder.file("a.xls")), "从前");
+    EXPECT_EQ(folder.fileCount(), 1U);
+    EXPECT_THROW(saveWorkbook(workbook, folder.file("没有/a.csv"), FileFormat::csv), FileError);
+    saveWorkbook(workbook, folder.file("a.xls"), FileFormat::csv);
+    EXPECT_THAT(contentOf(folder.file("a.xls")), testing::StartsWith("\xEF\xBB\xBF"));
+}
 
-    TEST(FileFormats, AFailedExportLeavesTheFormerFile)
-    {
-        const TestFolder folder;
-        Workbook workbook;
-        workbook.sheet(1).setNumber({300, 70'000}, 1);
-        put(folder.file("a.xls"), "从前");
-        EXPECT_THROW(saveWorkbook(workbook, folder.file("a.xls"), FileFormat::xls), ContentError);
-        EXPECT_EQ(contentOf(folder.file("a.xls")), "从前");
-        workbook.renameSheet(1, std::string(60, 'x')); // longer than .xlsx takes
-        EXPECT_THROW(saveWorkbook(workbook, folder.file("a.xls"), FileFormat::xlsx), ContentError);
-        EXPECT_EQ(contentOf(folder.file("a.xls")), "从前");
-        EXPECT_EQ(folder.fileCount(), 1U);
-        EXPECT_THROW(saveWorkbook(workbook, folder.file("没有/a.csv"), FileFormat::csv), FileError);
-        saveWorkbook(workbook, folder.file("a.xls"), FileFormat::csv);
-        EXPECT_THAT(contentOf(folder.file("a.xls")), testing::StartsWith("\xEF\xBB\xBF"));
-    }
-
-    } // namespace
+} // namespace
 } // namespace spreadsheet

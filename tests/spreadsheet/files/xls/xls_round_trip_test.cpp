@@ -6,256 +6,254 @@
 #include "spreadsheet/files/xls/xls_read.h"
 #include "spreadsheet/files/xls/xls_write.h"
 #include "tests/spreadsheet/files/FilesTest.h"
-"tests/spreadsheet/files/sample_workbook.h"
+#include "tests/spreadsheet/files/sample_workbook.h"
 
 #include <gmock/gmock.h>
 #include <random>
 
-    namespace spreadsheet
+namespace spreadsheet {
+namespace {
+
+std::string reasonFor(Bytes file)
 {
-    namespace {
-
-    std::string reasonFor(Bytes file)
-    {
-        try {
-            Workbook workbook;
-            Warnings warnings;
-            readXls(file, workbook, warnings);
-        } catch (const ContentError& error) {
-            return error.what();
-        }
-        return {};
-    }
-
-    std::vector<std::byte> sampleStream()
-    {
+    try {
         Workbook workbook;
-        fillSample(workbook);
         Warnings warnings;
-        const std::vector<std::byte> file = writeXls(workbook, warnings);
-        const CompoundFile compound(file);
-        const StreamBytes stream = *compound.stream("workbook");
-        return {stream.bytes().begin(), stream.bytes().end()};
+        readXls(file, workbook, warnings);
+    } catch (const ContentError& error) {
+        return error.what();
     }
+    return {};
+}
 
-    TEST(Xls, RoundTripKeepsEverything)
-    {
-        Workbook workbook, found;
-        fillSample(workbook);
+std::vector<std::byte> sampleStream()
+{
+    Workbook workbook;
+    fillSample(workbook);
+    Warnings warnings;
+    const std::vector<std::byte> file = writeXls(workbook, warnings);
+    const CompoundFile compound(file);
+    const StreamBytes stream = *compound.stream("workbook");
+    return {stream.bytes().begin(), stream.bytes().end()};
+}
+
+TEST(Xls, RoundTripKeepsEverything)
+{
+    Workbook workbook, found;
+    fillSample(workbook);
+    Warnings warnings;
+    const std::vector<std::byte> file = writeXls(workbook, warnings);
+    EXPECT_THAT(warnings.texts(), testing::IsEmpty());
+    readXls(file, found, warnings);
+    EXPECT_THAT(warnings.texts(), testing::IsEmpty());
+    expectSame(workbook, found);
+}
+
+TEST(Xls, WhatTheFormatLacksBecomesTheLastValueWithAWarning)
+{
+    Workbook workbook, found;
+    Sheet& sheet = workbook.sheet(1);
+    sheet.setFormula({1, 1}, "IFERROR(1/0,7)");
+    sheet.setFormula({1, 2}, "SUM(A1:XFD1)");
+    sheet.setFormula({1, 3}, "LEN(\"" + std::string(300, 'x') + "\")");
+    sheet.setFormula({1, 4}, "没有定义+1");
+    workbook.recalculate();
+    Warnings warnings, none;
+    readXls(writeXls(workbook, warnings), found, none);
+    for (int row = 1; row <= 4; ++row) {
+        EXPECT_FALSE(found.sheet(1).hasFormula({1, row}));
+        EXPECT_EQ(found.sheet(1).value({1, row}), sheet.value({1, row}));
+    }
+    ASSERT_EQ(warnings.texts().size(), 4U);
+    EXPECT_THAT(warnings.texts()[0], testing::HasSubstr("A1"));
+    EXPECT_THAT(warnings.texts()[0], testing::HasSubstr("IFERROR"));
+}
+
+TEST(Xls, RefusesWhatDoesNotFitBeforeWriting)
+{
+    for (const CellAddress at : {CellAddress{1, 65'537}, CellAddress{257, 1}}) {
+        Workbook workbook;
+        workbook.sheet(1).setNumber(at, 1);
         Warnings warnings;
-        const std::vector<std::byte> file = writeXls(workbook, warnings);
-        EXPECT_THAT(warnings.texts(), testing::IsEmpty());
-        readXls(file, found, warnings);
-        EXPECT_THAT(warnings.texts(), testing::IsEmpty());
-        expectSame(workbook, found);
+        EXPECT_THROW(writeXls(workbook, warnings), ContentError);
+    }
+    Workbook workbook, found;
+    workbook.sheet(1).setNumber({256, 65'536}, 1);
+    Warnings warnings;
+    readXls(writeXls(workbook, warnings), found, warnings);
+    EXPECT_EQ(found.sheet(1).value({256, 65'536}), Value(1.0));
+}
+
+TEST(Xls, LongTextsGoOnInFurtherRecords)
+{
+    Workbook workbook, found;
+    Sheet& sheet = workbook.sheet(1);
+    for (int row = 1; row <= 60; ++row) { // every length of the rest at a record's end
+        std::string text;
+        for (int i = 0; i < 300 + 37 * row; ++i)
+            text += row % 3 == 0 ? "文" : row % 3 == 1 ? "x" : i == 200 ? "字" : "y";
+        sheet.setText({1, row}, text);
+    }
+    sheet.setText({2, 1}, std::string(40'000, 'z'));
+    Warnings warnings, none;
+    readXls(writeXls(workbook, warnings), found, none);
+    for (int row = 1; row <= 60; ++row)
+        EXPECT_EQ(found.sheet(1).value({1, row}), sheet.value({1, row})) << row;
+    EXPECT_EQ(found.sheet(1).value({2, 1}).textView().size(), 32'767U);
+    EXPECT_EQ(warnings.texts().size(), 1U);
+}
+
+TEST(Xls, TruncatedAtEveryRecordIsRefusedWithAReason)
+{
+    const std::vector<std::byte> stream = sampleStream();
+    std::vector<std::size_t> ends;
+    RecordStream records(stream);
+    while (records.next() && records.offset() < stream.size() && (records.record().id != 0))
+        ends.push_back(records.offset());
+    ASSERT_GT(ends.size(), 150U);
+    ends.pop_back(); // behind the last record everything is there
+    for (const std::size_t end : ends) {
+        EXPECT_NE(reasonFor(Bytes(stream).first(end)), "") << end;
+        EXPECT_NE(reasonFor(Bytes(stream).first(end - 1)), "") << end;
+        EXPECT_NE(reasonFor(Bytes(stream).first(end + 2)), "") << end;
+    }
+}
+
+TEST(Xls, DamagedBytesNeitherCrashNorTakeLong)
+{
+    const std::vector<std::byte> stream = sampleStream();
+    std::mt19937 random(13); // NOLINT: the same damage every time
+    for (int round = 0; round < 400; ++round) {
+        std::vector<std::byte> damaged = stream;
+        for (int i = 0; i < 1 + round % 8; ++i)
+            damaged[random() % damaged.size()] = static_cast<std::byte>(random());
+        reasonFor(damaged);
+    }
+}
+
+/// A workbook of one sheet put together from records.
+class StreamMaker {
+public:
+    StreamMaker() { begin(xls::globals); }
+
+    /// @param data  16-bit numbers
+    StreamMaker& record(std::uint16_t id, std::initializer_list<unsigned> data)
+    {
+        m_writer.begin(id);
+        for (const unsigned number : data)
+            m_writer.put16(number);
+        m_writer.end();
+        return *this;
+    }
+    StreamMaker& bytes(std::uint16_t id, std::initializer_list<unsigned> data)
+    {
+        m_writer.begin(id);
+        for (const unsigned number : data)
+            m_writer.put8(number);
+        m_writer.end();
+        return *this;
+    }
+    StreamMaker& sheet()
+    {
+        m_writer.begin(xls::boundSheet);
+        const std::size_t place = m_writer.size();
+        m_writer.put32(0);
+        m_writer.put16(0);
+        m_writer.putShortText("S");
+        m_writer.end();
+        record(xls::endOfFile, {});
+        m_writer.patch32(place, static_cast<std::uint32_t>(m_writer.size()));
+        begin(xls::worksheet);
+        return *this;
+    }
+    std::vector<std::byte> end()
+    {
+        record(xls::endOfFile, {});
+        return m_writer.take();
     }
 
-    TEST(Xls, WhatTheFormatLacksBecomesTheLastValueWithAWarning)
-    {
-        Workbook workbook, found;
-        Sheet& sheet = workbook.sheet(1);
-        sheet.setFormula({1, 1}, "IFERROR(1/0,7)");
-        sheet.setFormula({1, 2}, "SUM(A1:XFD1)");
-        sheet.setFormula({1, 3}, "LEN(\"" + std::string(300, 'x') + "\")");
-        sheet.setFormula({1, 4}, "没有定义+1");
-        workbook.recalculate();
-        Warnings warnings, none;
-        readXls(writeXls(workbook, warnings), found, none);
-        for (int row = 1; row <= 4; ++row) {
-            EXPECT_FALSE(found.sheet(1).hasFormula({1, row}));
-            EXPECT_EQ(found.sheet(1).value({1, row}), sheet.value({1, row}));
-        }
-        ASSERT_EQ(warnings.texts().size(), 4U);
-        EXPECT_THAT(warnings.texts()[0], testing::HasSubstr("A1"));
-        EXPECT_THAT(warnings.texts()[0], testing::HasSubstr("IFERROR"));
+private:
+    void begin(std::uint16_t kind) { record(xls::beginOfFile, {xls::version8, kind, 0, 0, 0, 0, 0, 0}); }
+    RecordWriter m_writer;
+};
+
+TEST(Xls, ReadsSharedFormulasSeenFromEachCell)
+{
+    StreamMaker maker;
+    maker.sheet();
+    // In A2 to A4: the cell above plus $C$1, the row above relative (-1), wrapping from row 1 to the
+    // last.
+    for (const unsigned row : {0u, 1u, 2u}) {
+        maker.bytes(xls::formula,
+                    {row, 0, 0, 0, 15, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 0, 1, 0, 0, 0, 0});
+        if (row == 0)
+            maker.bytes(xls::sharedFormula, {0,    0,    2,    0,    0,    0,   0, 3, 11, 0, //
+                                             0x4C, 0xFF, 0xFF, 0x00, 0xC0,                   //
+                                             0x44, 0x00, 0x00, 0x02, 0x00, 0x03});
     }
+    Workbook workbook;
+    Warnings warnings;
+    readXls(maker.end(), workbook, warnings);
+    EXPECT_EQ(workbook.sheet(1).formula({1, 1}), "A65536+$C$1");
+    EXPECT_EQ(workbook.sheet(1).formula({1, 2}), "A1+$C$1");
+    EXPECT_EQ(workbook.sheet(1).formula({1, 3}), "A2+$C$1");
+}
 
-    TEST(Xls, RefusesWhatDoesNotFitBeforeWriting)
-    {
-        for (const CellAddress at : {CellAddress{1, 65'537}, CellAddress{257, 1}}) {
-            Workbook workbook;
-            workbook.sheet(1).setNumber(at, 1);
-            Warnings warnings;
-            EXPECT_THROW(writeXls(workbook, warnings), ContentError);
-        }
-        Workbook workbook, found;
-        workbook.sheet(1).setNumber({256, 65'536}, 1);
-        Warnings warnings;
-        readXls(writeXls(workbook, warnings), found, warnings);
-        EXPECT_EQ(found.sheet(1).value({256, 65'536}), Value(1.0));
-    }
-
-    TEST(Xls, LongTextsGoOnInFurtherRecords)
-    {
-        Workbook workbook, found;
-        Sheet& sheet = workbook.sheet(1);
-        for (int row = 1; row <= 60; ++row) { // every length of the rest at a record's end
-            std::string text;
-            for (int i = 0; i < 300 + 37 * row; ++i)
-                text += row % 3 == 0 ? "文" : row % 3 == 1 ? "x" : i == 200 ? "字" : "y";
-            sheet.setText({1, row}, text);
-        }
-        sheet.setText({2, 1}, std::string(40'000, 'z'));
-        Warnings warnings, none;
-        readXls(writeXls(workbook, warnings), found, none);
-        for (int row = 1; row <= 60; ++row)
-            EXPECT_EQ(found.sheet(1).value({1, row}), sheet.value({1, row})) << row;
-        EXPECT_EQ(found.sheet(1).value({2, 1}).textView().size(), 32'767U);
-        EXPECT_EQ(warnings.texts().size(), 1U);
-    }
-
-    TEST(Xls, TruncatedAtEveryRecordIsRefusedWithAReason)
-    {
-        const std::vector<std::byte> stream = sampleStream();
-        std::vector<std::size_t> ends;
-        RecordStream records(stream);
-        while (records.next() && records.offset() < stream.size() && (records.record().id != 0))
-            ends.push_back(records.offset());
-        ASSERT_GT(ends.size(), 150U);
-        ends.pop_back(); // behind the last record everything is there
-        for (const std::size_t end : ends) {
-            EXPECT_NE(reasonFor(Bytes(stream).first(end)), "") << end;
-            EXPECT_NE(reasonFor(Bytes(stream).first(end - 1)), "") << end;
-            EXPECT_NE(reasonFor(Bytes(stream).first(end + 2)), "") << end;
-        }
-    }
-
-    TEST(Xls, DamagedBytesNeitherCrashNorTakeLong)
-    {
-        const std::vector<std::byte> stream = sampleStream();
-        std::mt19937 random(13); // NOLINT: the same damage every time
-        for (int round = 0; round < 400; ++round) {
-            std::vector<std::byte> damaged = stream;
-            for (int i = 0; i < 1 + round % 8; ++i)
-                damaged[random() % damaged.size()] = static_cast<std::byte>(random());
-            reasonFor(damaged);
-        }
-    }
-
-    /// A workbook of one sheet put together from records.
-    class StreamMaker {
-    public:
-        StreamMaker() { begin(xls::globals); }
-
-        /// @param data  16-bit numbers
-        StreamMaker& record(std::uint16_t id, std::initializer_list<unsigned> data)
-        {
-            m_writer.begin(id);
-            for (const unsigned number : data)
-                m_writer.put16(number);
-            m_writer.end();
-            return *this;
-        }
-        StreamMaker& bytes(std::uint16_t id, std::initializer_list<unsigned> data)
-        {
-            m_writer.begin(id);
-            for (const unsigned number : data)
-                m_writer.put8(number);
-            m_writer.end();
-            return *this;
-        }
-        StreamMaker& sheet()
-        {
-            m_writer.begin(xls::boundSheet);
-            const std::size_t place = m_writer.size();
-            m_writer.put32(0);
-            m_writer.put16(0);
-            m_writer.putShortText("S");
-            m_writer.end();
-            record(xls::endOfFile, {});
-            m_writer.patch32(place, static_cast<std::uint32_t>(m_writer.size()));
-            begin(xls::worksheet);
-            return *this;
-        }
-        std::vector<std::byte> end()
-        {
-            record(xls::endOfFile, {});
-            return m_writer.take();
-        }
-
-    private:
-        void begin(std::uint16_t kind) { record(xls::beginOfFile, {xls::version8, kind, 0, 0, 0, 0, 0, 0}); }
-        RecordWriter m_writer;
-    };
-
-    TEST(Xls, ReadsSharedFormulasSeenFromEachCell)
-    {
+TEST(Xls, RefusalsNameTheReason)
+{
+    const auto huge = [] {
         StreamMaker maker;
-        maker.sheet();
-        // In A2 to A4: the cell above plus $C$1, the row above relative (-1), wrapping from row 1 to the
-        // last.
-        for (const unsigned row : {0u, 1u, 2u}) {
-            maker.bytes(xls::formula,
-                        {row, 0, 0, 0, 15, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 0, 1, 0, 0, 0, 0});
-            if (row == 0)
-                maker.bytes(xls::sharedFormula, {0,    0,    2,    0,    0,    0,   0, 3, 11, 0, //
-                                                 0x4C, 0xFF, 0xFF, 0x00, 0xC0,                   //
-                                                 0x44, 0x00, 0x00, 0x02, 0x00, 0x03});
-        }
-        Workbook workbook;
-        Warnings warnings;
-        readXls(maker.end(), workbook, warnings);
-        EXPECT_EQ(workbook.sheet(1).formula({1, 1}), "A65536+$C$1");
-        EXPECT_EQ(workbook.sheet(1).formula({1, 2}), "A1+$C$1");
-        EXPECT_EQ(workbook.sheet(1).formula({1, 3}), "A2+$C$1");
-    }
+        maker.record(xls::sharedTexts, {0xFFFF, 0x7FFF, 0xFFFF, 0x7FFF});
+        return maker.sheet().end();
+    };
+    const struct {
+        const char* what;
+        std::vector<std::byte> file;
+        const char* reason;
+    } cases[] = {
+        {"password", StreamMaker().record(xls::filePassword, {1, 2, 3}).sheet().end(), "密码"},
+        {"a text table of gigabytes", huge(), "文本表"},
+        {"no sheets", StreamMaker().end(), "没有工作表"},
+        {"font too short", StreamMaker().record(xls::font, {1}).sheet().end(), "0x0031"},
+        {"cell too short", StreamMaker().sheet().record(xls::number, {1, 1, 15}).end(), "0x0203"},
+        {"merged cells too short", StreamMaker().sheet().record(xls::mergedCells, {1000, 1}).end(), "0x00E5"},
+    };
+    for (const auto& c : cases)
+        EXPECT_THAT(reasonFor(c.file), testing::HasSubstr(c.reason)) << c.what;
+}
 
-    TEST(Xls, RefusalsNameTheReason)
-    {
-        const auto huge = [] {
-            StreamMaker maker;
-            maker.record(xls::sharedTexts, {0xFFFF, 0x7FFF, 0xFFFF, 0x7FFF});
-            return maker.sheet().end();
-        };
-        const struct {
-            const char* what;
-            std::vector<std::byte> file;
-            const char* reason;
-        } cases[] = {
-            {"password", StreamMaker().record(xls::filePassword, {1, 2, 3}).sheet().end(), "密码"},
-            {"a text table of gigabytes", huge(), "文本表"},
-            {"no sheets", StreamMaker().end(), "没有工作表"},
-            {"font too short", StreamMaker().record(xls::font, {1}).sheet().end(), "0x0031"},
-            {"cell too short", StreamMaker().sheet().record(xls::number, {1, 1, 15}).end(), "0x0203"},
-            {"merged cells too short", StreamMaker().sheet().record(xls::mergedCells, {1000, 1}).end(),
-             "0x00E5"},
-        };
-        for (const auto& c : cases)
-            EXPECT_THAT(reasonFor(c.file), testing::HasSubstr(c.reason)) << c.what;
-    }
+TEST(Xls, ReadsTextsAndValuesOfOlderFiles)
+{
+    RecordWriter writer;
+    const auto record = [&writer](std::uint16_t id, std::initializer_list<unsigned> bytes) {
+        writer.begin(id);
+        for (const unsigned byte : bytes)
+            writer.put8(byte);
+        writer.end();
+    };
+    record(xls::beginOfFile, {0, 5, 5, 0, 0, 0, 0, 0});
+    record(xls::codePage, {0xA8, 0x03}); // 936
+    record(xls::font,
+           {200, 0, 0, 0, 0xFF, 0x7F, 0xBC, 2, 0, 0, 0, 0, 0, 0, 4, 0xCB, 0xCE, 0xCC, 0xE5}); // bold 宋体
+    record(xls::extendedFormat, {0, 0, 2, 0, 1, 0, 0x20, 0, 0xC0, 0x20, 0, 0, 0, 0, 0, 0});
+    const std::size_t place = writer.size() + 4;
+    record(xls::boundSheet, {0, 0, 0, 0, 0, 0, 2, 0xB1, 0xED}); // 表
+    record(xls::endOfFile, {});
+    writer.patch32(place, static_cast<std::uint32_t>(writer.size()));
+    record(xls::beginOfFile, {0, 5, 0x10, 0, 0, 0, 0, 0});
+    record(xls::label, {0, 0, 0, 0, 0, 0, 4, 0, 0xBF, 0xC6, 0xC4, 0xBF}); // 科目
+    record(xls::rk, {0, 0, 1, 0, 0, 0, 0x2B, 0x23, 0, 0});                // 22.5 as hundredths: 2250
+    record(xls::endOfFile, {});
+    Workbook workbook;
+    Warnings warnings;
+    readXls(writer.take(), workbook, warnings);
+    const Sheet& sheet = workbook.sheet(1);
+    EXPECT_EQ(sheet.name(), "表");
+    EXPECT_EQ(sheet.displayText({1, 1}), "科目");
+    EXPECT_EQ(sheet.style({1, 1}).font.family.view(), "宋体");
+    EXPECT_TRUE(sheet.style({1, 1}).font.bold);
+    EXPECT_EQ(sheet.displayText({2, 1}), "22.50");
+}
 
-    TEST(Xls, ReadsTextsAndValuesOfOlderFiles)
-    {
-        RecordWriter writer;
-        const auto record = [&writer](std::uint16_t id, std::initializer_list<unsigned> bytes) {
-            writer.begin(id);
-            for (const unsigned byte : bytes)
-                writer.put8(byte);
-            writer.end();
-        };
-        record(xls::beginOfFile, {0, 5, 5, 0, 0, 0, 0, 0});
-        record(xls::codePage, {0xA8, 0x03}); // 936
-        record(xls::font,
-               {200, 0, 0, 0, 0xFF, 0x7F, 0xBC, 2, 0, 0, 0, 0, 0, 0, 4, 0xCB, 0xCE, 0xCC, 0xE5}); // bold 宋体
-        record(xls::extendedFormat, {0, 0, 2, 0, 1, 0, 0x20, 0, 0xC0, 0x20, 0, 0, 0, 0, 0, 0});
-        const std::size_t place = writer.size() + 4;
-        record(xls::boundSheet, {0, 0, 0, 0, 0, 0, 2, 0xB1, 0xED}); // 表
-        record(xls::endOfFile, {});
-        writer.patch32(place, static_cast<std::uint32_t>(writer.size()));
-        record(xls::beginOfFile, {0, 5, 0x10, 0, 0, 0, 0, 0});
-        record(xls::label, {0, 0, 0, 0, 0, 0, 4, 0, 0xBF, 0xC6, 0xC4, 0xBF}); // 科目
-        record(xls::rk, {0, 0, 1, 0, 0, 0, 0x2B, 0x23, 0, 0});                // 22.5 as hundredths: 2250
-        record(xls::endOfFile, {});
-        Workbook workbook;
-        Warnings warnings;
-        readXls(writer.take(), workbook, warnings);
-        const Sheet& sheet = workbook.sheet(1);
-        EXPECT_EQ(sheet.name(), "表");
-        EXPECT_EQ(sheet.displayText({1, 1}), "科目");
-        EXPECT_EQ(sheet.style({1, 1}).font.family.view(), "宋体");
-        EXPECT_TRUE(sheet.style({1, 1}).font.bold);
-        EXPECT_EQ(sheet.displayText({2, 1}), "22.50");
-    }
-
-    } // namespace
+} // namespace
 } // namespace spreadsheet

@@ -2,146 +2,144 @@
 #include "spreadsheet/files/xlsx/xlsx_read.h"
 #include "spreadsheet/files/xlsx/xlsx_write.h"
 #include "tests/spreadsheet/files/FilesTest.h"
-"tests/spreadsheet/files/sample_workbook.h"
+#include "tests/spreadsheet/files/sample_workbook.h"
 
 #include <fstream>
 #include <gmock/gmock.h>
 #include <minizip/zip.h>
 #include <random>
 
-    namespace spreadsheet
+namespace spreadsheet {
+namespace {
+
+std::vector<std::byte> bytesOf(const std::filesystem::path& file)
 {
-    namespace {
+    std::ifstream stream(file, std::ios::binary);
+    const std::string text((std::istreambuf_iterator<char>(stream)), {});
+    const Bytes bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
+}
 
-    std::vector<std::byte> bytesOf(const std::filesystem::path& file)
-    {
-        std::ifstream stream(file, std::ios::binary);
-        const std::string text((std::istreambuf_iterator<char>(stream)), {});
-        const Bytes bytes = std::as_bytes(std::span(text));
-        return {bytes.begin(), bytes.end()};
-    }
-
-    std::string reasonFor(Bytes file)
-    {
-        try {
-            Workbook workbook;
-            Warnings warnings;
-            readXlsx(file, workbook, warnings);
-        } catch (const ContentError& error) {
-            return error.what();
-        }
-        return {};
-    }
-
-    using Parts = std::vector<std::pair<std::string, std::string>>;
-
-    std::vector<std::byte> archive(const TestFolder& folder, const Parts& parts)
-    {
-        const std::filesystem::path path = folder.file("made.zip");
-        const zipFile zip = zipOpen64(path.c_str(), APPEND_STATUS_CREATE);
-        for (const auto& [name, content] : parts) {
-            zip_fileinfo info{};
-            zipOpenNewFileInZip(zip, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, 8, 9);
-            zipWriteInFileInZip(zip, content.data(), static_cast<unsigned>(content.size()));
-            zipCloseFileInZip(zip);
-        }
-        zipClose(zip, nullptr);
-        return bytesOf(path);
-    }
-
-    /// The smallest workbook, with the given sheet.
-    Parts workbookOf(const std::string& sheet)
-    {
-        const std::string relation = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
-        return {{"_rels/.rels", "<Relationships><Relationship Id=\"r1\" Type=\"" + relation +
-                                    "/officeDocument\" Target=\"/xl/workbook.xml\"/></Relationships>"},
-                {"xl/workbook.xml",
-                 "<x:workbook xmlns:x=\"m\" xmlns:r=\"r\"><x:sheets><x:sheet name=\"S\" sheetId=\"1\" "
-                 "r:id=\"r1\"/></x:sheets></x:workbook>"},
-                {"xl/_rels/workbook.xml.rels",
-                 "<Relationships><Relationship Id=\"r1\" Type=\"" + relation +
-                     "/worksheet\" Target=\"worksheets/sheet1.xml\"/></Relationships>"},
-                {"xl/worksheets/sheet1.xml", sheet}};
-    }
-
-    TEST(Xlsx, RoundTripKeepsEverything)
-    {
-        const TestFolder folder;
-        Workbook workbook, found;
-        fillSample(workbook);
-        Warnings warnings;
-        writeXlsx(workbook, folder.file("a.xlsx"), warnings);
-        readXlsx(bytesOf(folder.file("a.xlsx")), found, warnings);
-        EXPECT_THAT(warnings.texts(), testing::IsEmpty());
-        // Cells that were only covered by a span come back with the span's look.
-        expectSame(workbook, found);
-    }
-
-    TEST(Xlsx, ReadsWhatOtherProgramsWrite)
-    {
-        const TestFolder folder;
+std::string reasonFor(Bytes file)
+{
+    try {
         Workbook workbook;
         Warnings warnings;
-        readXlsx(
-            archive(
-                folder,
+        readXlsx(file, workbook, warnings);
+    } catch (const ContentError& error) {
+        return error.what();
+    }
+    return {};
+}
+
+using Parts = std::vector<std::pair<std::string, std::string>>;
+
+std::vector<std::byte> archive(const TestFolder& folder, const Parts& parts)
+{
+    const std::filesystem::path path = folder.file("made.zip");
+    const zipFile zip = zipOpen64(path.c_str(), APPEND_STATUS_CREATE);
+    for (const auto& [name, content] : parts) {
+        zip_fileinfo info{};
+        zipOpenNewFileInZip(zip, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, 8, 9);
+        zipWriteInFileInZip(zip, content.data(), static_cast<unsigned>(content.size()));
+        zipCloseFileInZip(zip);
+    }
+    zipClose(zip, nullptr);
+    return bytesOf(path);
+}
+
+/// The smallest workbook, with the given sheet.
+Parts workbookOf(const std::string& sheet)
+{
+    const std::string relation = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
+    return {
+        {"_rels/.rels", "<Relationships><Relationship Id=\"r1\" Type=\"" + relation +
+                            "/officeDocument\" Target=\"/xl/workbook.xml\"/></Relationships>"},
+        {"xl/workbook.xml",
+         "<x:workbook xmlns:x=\"m\" xmlns:r=\"r\"><x:sheets><x:sheet name=\"S\" sheetId=\"1\" "
+         "r:id=\"r1\"/></x:sheets></x:workbook>"},
+        {"xl/_rels/workbook.xml.rels", "<Relationships><Relationship Id=\"r1\" Type=\"" + relation +
+                                           "/worksheet\" Target=\"worksheets/sheet1.xml\"/></Relationships>"},
+        {"xl/worksheets/sheet1.xml", sheet}};
+}
+
+TEST(Xlsx, RoundTripKeepsEverything)
+{
+    const TestFolder folder;
+    Workbook workbook, found;
+    fillSample(workbook);
+    Warnings warnings;
+    writeXlsx(workbook, folder.file("a.xlsx"), warnings);
+    readXlsx(bytesOf(folder.file("a.xlsx")), found, warnings);
+    EXPECT_THAT(warnings.texts(), testing::IsEmpty());
+    // Cells that were only covered by a span come back with the span's look.
+    expectSame(workbook, found);
+}
+
+TEST(Xlsx, ReadsWhatOtherProgramsWrite)
+{
+    const TestFolder folder;
+    Workbook workbook;
+    Warnings warnings;
+    readXlsx(
+        archive(folder,
                 workbookOf("<x:worksheet xmlns:x=\"m\"><x:sheetData><x:row><x:c><x:v>1.5</x:v></x:c>"
                            "<x:c t=\"inlineStr\"><x:is><x:r><x:t>甲</x:t></x:r><x:r><x:t>乙</x:t></x:r>"
                            "</x:is></x:c></x:row><x:row r=\"3\"><x:c r=\"B3\" t=\"str\"><x:f t=\"shared\" "
                            "si=\"0\" ref=\"B3:B4\">A1+_xlfn.IFNA(A2,0)</x:f><x:v>x_x0041_</x:v></x:c></x:row>"
                            "<x:row r=\"4\"><x:c r=\"B4\"><x:f t=\"shared\" si=\"0\"/></x:c></x:row>"
                            "</x:sheetData></x:worksheet>")),
-            workbook, warnings);
-        const Sheet& sheet = workbook.sheet(1);
-        EXPECT_EQ(sheet.displayText({1, 1}), "1.5");
-        EXPECT_EQ(sheet.displayText({2, 1}), "甲乙");
-        EXPECT_EQ(sheet.formula({2, 3}), "A1+IFNA(A2,0)");
-        EXPECT_EQ(sheet.formula({2, 4}), "A2+IFNA(A3,0)");
-    }
+        workbook, warnings);
+    const Sheet& sheet = workbook.sheet(1);
+    EXPECT_EQ(sheet.displayText({1, 1}), "1.5");
+    EXPECT_EQ(sheet.displayText({2, 1}), "甲乙");
+    EXPECT_EQ(sheet.formula({2, 3}), "A1+IFNA(A2,0)");
+    EXPECT_EQ(sheet.formula({2, 4}), "A2+IFNA(A3,0)");
+}
 
-    TEST(Xlsx, RefusalsNameTheReason)
-    {
-        const TestFolder folder;
-        std::string deep;
-        for (int i = 0; i < 100'000; ++i)
-            deep += "<a>";
-        const std::string bomb(80 << 20, ' ');
-        const std::string head = "<worksheet><sheetData><row r=\"";
-        const struct {
-            const char* what;
-            Parts parts;
-            const char* reason;
-        } cases[] = {
-            {"no workbook", {{"a.txt", "x"}}, "没有工作簿"},
-            {"broken XML", workbookOf("<worksheet><sheetData>"), "完整的 XML"},
-            {"nested without end", workbookOf(deep), "嵌套太深"},
-            {"a bomb", workbookOf(bomb), "大得不合常理"},
-            {"row beyond the sheet", workbookOf(head + "1048577\"/></sheetData></worksheet>"), "行号"},
-            {"column beyond the sheet",
-             workbookOf(head + "1\"><c r=\"XFE1\"/></row></sheetData></worksheet>"), "单元格的名称"},
-        };
-        for (const auto& c : cases)
-            EXPECT_THAT(reasonFor(archive(folder, c.parts)), testing::HasSubstr(c.reason)) << c.what;
-    }
+TEST(Xlsx, RefusalsNameTheReason)
+{
+    const TestFolder folder;
+    std::string deep;
+    for (int i = 0; i < 100'000; ++i)
+        deep += "<a>";
+    const std::string bomb(80 << 20, ' ');
+    const std::string head = "<worksheet><sheetData><row r=\"";
+    const struct {
+        const char* what;
+        Parts parts;
+        const char* reason;
+    } cases[] = {
+        {"no workbook", {{"a.txt", "x"}}, "没有工作簿"},
+        {"broken XML", workbookOf("<worksheet><sheetData>"), "完整的 XML"},
+        {"nested without end", workbookOf(deep), "嵌套太深"},
+        {"a bomb", workbookOf(bomb), "大得不合常理"},
+        {"row beyond the sheet", workbookOf(head + "1048577\"/></sheetData></worksheet>"), "行号"},
+        {"column beyond the sheet", workbookOf(head + "1\"><c r=\"XFE1\"/></row></sheetData></worksheet>"),
+         "单元格的名称"},
+    };
+    for (const auto& c : cases)
+        EXPECT_THAT(reasonFor(archive(folder, c.parts)), testing::HasSubstr(c.reason)) << c.what;
+}
 
-    TEST(Xlsx, DamagedBytesNeitherCrashNorTakeLong)
-    {
-        const TestFolder folder;
-        Workbook workbook;
-        fillSample(workbook);
-        Warnings warnings;
-        writeXlsx(workbook, folder.file("a.xlsx"), warnings);
-        const std::vector<std::byte> file = bytesOf(folder.file("a.xlsx"));
-        for (std::size_t end = 0; end < file.size(); end += 97)
-            EXPECT_NE(reasonFor(Bytes(file).first(end)), "") << end;
-        std::mt19937 random(13); // NOLINT: the same damage every time
-        for (int round = 0; round < 100; ++round) {
-            std::vector<std::byte> damaged = file;
-            for (int i = 0; i < 1 + round % 8; ++i)
-                damaged[random() % damaged.size()] = static_cast<std::byte>(random());
-            reasonFor(damaged);
-        }
+TEST(Xlsx, DamagedBytesNeitherCrashNorTakeLong)
+{
+    const TestFolder folder;
+    Workbook workbook;
+    fillSample(workbook);
+    Warnings warnings;
+    writeXlsx(workbook, folder.file("a.xlsx"), warnings);
+    const std::vector<std::byte> file = bytesOf(folder.file("a.xlsx"));
+    for (std::size_t end = 0; end < file.size(); end += 97)
+        EXPECT_NE(reasonFor(Bytes(file).first(end)), "") << end;
+    std::mt19937 random(13); // NOLINT: the same damage every time
+    for (int round = 0; round < 100; ++round) {
+        std::vector<std::byte> damaged = file;
+        for (int i = 0; i < 1 + round % 8; ++i)
+            damaged[random() % damaged.size()] = static_cast<std::byte>(random());
+        reasonFor(damaged);
     }
+}
 
-    } // namespace
+} // namespace
 } // namespace spreadsheet
