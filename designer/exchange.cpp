@@ -7,14 +7,37 @@
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
+#include <QLineEdit>
+
+#include <algorithm>
+#include <string_view>
+
 namespace selfreport {
+
+namespace {
+
+using spreadsheet::FileFormat;
+
+constexpr int exportFlags = FileDialogSettings::overwritePrompt | FileDialogSettings::noReadOnlyFile;
+
+/// Other programs refuse one kind of Excel file under the ending of the other.
+FileFormat formatFor(const std::string& file, FileFormat asked)
+{
+    const auto isExcel = [](FileFormat format) {
+        return format == FileFormat::xls || format == FileFormat::xlsx;
+    };
+    const auto named = spreadsheet::fileFormatOfName(file);
+    return named && isExcel(*named) && isExcel(asked) ? *named : asked;
+}
+
+} // namespace
 
 void frmEditor::MenuImpoertSpreadFile_Click()
 {
     m_cd1.fileName = "*.ss7";
     m_cd1.title = "选择报表文件";
     m_cd1.filter = "ss7 files|(*.ss7)";
-    importFile();
+    importIntoReport();
 }
 
 void frmEditor::MenuImportExcelFile_Click()
@@ -22,27 +45,65 @@ void frmEditor::MenuImportExcelFile_Click()
     m_cd1.fileName = "*.xls";
     m_cd1.title = "选择Excel文件";
     m_cd1.filter = "Excel files|(*.xls)";
-    importFile();
+    importIntoReport();
 }
 
 void frmEditor::MenuEmportSpreadFile_Click()
 {
     m_cd1.filter = "报表文件(*.ss7)|*.ss7";
-    if (exportFile(spreadsheet::FileFormat::ss7))
+    if (exportFile(m_cd1, FileFormat::ss7))
         hookUpAgain();
 }
 
 void frmEditor::MenuExportExcel_Click()
 {
     m_cd1.filter = "Excel文件(*.xls)|*.xls";
-    exportFile(spreadsheet::FileFormat::xls);
+    exportFile(m_cd1, FileFormat::xls);
 }
 
-void frmEditor::importFile()
+void frmEditor::importXlsx()
+{
+    importFile({"*.xlsx", "选择Excel工作簿或文本文件",
+                "Excel工作簿(*.xlsx)|*.xlsx|文本文件(*.csv;*.txt)|*.csv;*.txt|所有文件(*)|*", "",
+                FileDialogSettings::hideReadOnly});
+}
+
+void frmEditor::exportXlsx()
+{
+    exportUnderReportName(FileFormat::xlsx, "引出为Excel工作簿", "Excel工作簿(*.xlsx)|*.xlsx", ".xlsx");
+}
+
+void frmEditor::exportCsv()
+{
+    exportUnderReportName(FileFormat::csv, "引出为文本文件", "文本文件(*.csv)|*.csv", ".csv");
+}
+
+void frmEditor::exportHtml()
+{
+    exportUnderReportName(FileFormat::html, "引出为网页", "网页(*.html)|*.html", ".html");
+}
+
+/// With a dialog that stands apart from `m_cd1`, whose title and name belong to the commands that share it.
+void frmEditor::exportUnderReportName(FileFormat format, const char* title, const char* filter,
+                                      const char* ending)
+{
+    std::string name = m_txtReportName->text().trimmed().toStdString();
+    std::ranges::replace_if(
+        name, [](char c) { return std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos; }, '_');
+    FileDialogSettings settings{name.empty() ? name : name + ending, title, filter, "", 0};
+    exportFile(settings, format);
+}
+
+void frmEditor::importIntoReport()
 {
     m_cd1.folder = componentFolder().toStdString();
     m_cd1.flags = FileDialogSettings::hideReadOnly;
-    const auto file = FileDialogInUse::current().chooseToOpen(m_cd1);
+    importFile(m_cd1);
+}
+
+void frmEditor::importFile(const FileDialogSettings& settings)
+{
+    const auto file = FileDialogInUse::current().chooseToOpen(settings);
     if (!file || !m_fps1->commitEdit())
         return;
     transfer(*file, [&] {
@@ -53,14 +114,17 @@ void frmEditor::importFile()
     });
 }
 
-bool frmEditor::exportFile(spreadsheet::FileFormat format)
+/// The chosen name stays in the settings, even if the export fails.
+bool frmEditor::exportFile(FileDialogSettings& settings, FileFormat format)
 {
-    m_cd1.flags = FileDialogSettings::overwritePrompt | FileDialogSettings::noReadOnlyFile;
-    const auto file = FileDialogInUse::current().chooseToSave(m_cd1);
+    settings.flags = exportFlags;
+    const auto file = FileDialogInUse::current().chooseToSave(settings);
     if (!file || !m_fps1->commitEdit())
         return false;
-    m_cd1.fileName = *file;
-    return transfer(*file, [&] { return spreadsheet::saveWorkbook(m_fps1->workbook(), *file, format); });
+    settings.fileName = *file;
+    return transfer(*file, [&] {
+        return spreadsheet::saveWorkbook(m_fps1->workbook(), *file, formatFor(*file, format));
+    });
 }
 
 /// Runs an import or export. What it could not carry over, or why it failed, goes to the status bar and the

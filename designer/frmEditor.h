@@ -54,6 +54,10 @@ public:
     void MenuEmportSpreadFile_Click();
     void MenuImportExcelFile_Click();
     void MenuExportExcel_Click();
+    void importXlsx();
+    void exportXlsx();
+    void exportCsv();
+    void exportHtml();
     void MenuPreview_Click();
     void MenuPrint_Click();
     void MenuInsertRow_Click();
@@ -108,8 +112,11 @@ private:
     enum class Extent { none, changes, everything };
     void recalculate(Extent extent, const std::function<bool()>& recalculation);
     QString modeText() const;
-    void importFile();
-    bool exportFile(spreadsheet::FileFormat format);
+    void importIntoReport();
+    void importFile(const FileDialogSettings& settings);
+    bool exportFile(FileDialogSettings& settings, spreadsheet::FileFormat format);
+    void exportUnderReportName(spreadsheet::FileFormat format, const char* title, const char* filter,
+                               const char* ending);
     bool transfer(const std::string& file, const std::function<std::vector<std::string>()>& work);
     void hookUpAgain();
     void goToDiagnostic(const CellDiagnostic& diagnostic);

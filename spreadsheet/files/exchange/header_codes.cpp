@@ -218,7 +218,9 @@ public:
 
     void run(const HeaderRun& run)
     {
-        if (!m_started || !(run.font == m_font))
+        // Behind a page number "+1" would be added to it.
+        const bool wouldCount = m_text.ends_with("&P") && run.text.find_first_of("+-") == 0;
+        if (!m_started || !(run.font == m_font) || wouldCount)
             font(run.font);
         if (run.pageNumber)
             m_text += "&P";
