@@ -103,7 +103,8 @@ int main(int count, char** arguments)
         window->repaint();
     };
     gRunMode = true;
-    table.row("open it for use, first frame", bestSeconds(3, close, showFrame), 0.3, "s");
+    table.row("open it for use the first time, first frame", bestSeconds(1, close, showFrame), 0.3, "s");
+    table.row("open it again, first frame", bestSeconds(3, close, showFrame), 0.3, "s");
     const auto openAgain = [&] {
         close();
         showFrame();

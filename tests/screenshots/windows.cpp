@@ -26,6 +26,7 @@
 #include "platform/dialogs/QtPrinterSetupDialog.h"
 #include "platform/dialogs/RecordingDialogs.h"
 #include "platform/printers/ScriptedPrintService.h"
+#include "platform/windows/WaitingDialog.h"
 #include "printing/frmPreview.h"
 #include "printing/frmPrintOptions.h"
 #include "printing/headerfooter.h"
@@ -168,6 +169,7 @@ std::vector<Picture> pictures(const QDir& folder)
         {"frmEditor", [] { return designer(false); }, {1280, 800}},
         {"frmEditor-formulas", [] { return designer(false, "MenuShowFormula"); }, {1280, 800}},
         {"frmEditor-run", [] { return designer(true); }, {1280, 800}},
+        {"workProgress", [] { return std::make_unique<WaitingDialog>("正在重算"); }},
         {"frmFind", [] { return std::make_unique<frmFind>(emptyGrid()); }},
         {"frmGoTo", [] { return std::make_unique<frmGoTo>(emptyGrid()); }},
         {"frmTableInfo", [] { return std::make_unique<frmTableInfo>(emptyGrid()); }},
