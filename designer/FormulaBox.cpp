@@ -126,14 +126,13 @@ bool FormulaBox::commit()
     return true;
 }
 
-/// What `written` does belongs to the same undo step.
 std::optional<spreadsheet::FormulaProblem> FormulaBox::enter(Sheet& sheet, std::string_view text)
 {
     const spreadsheet::UndoStep step(m_grid.workbook(), "输入");
     auto problem =
         spreadsheet::enterText(m_grid.workbook(), sheet, m_cell, text, spreadsheet::TypedInto::formulaBox);
-    if (!problem && written)
-        written(sheet, m_cell);
+    if (!problem && m_grid.textEntered)
+        m_grid.textEntered();
     return problem;
 }
 

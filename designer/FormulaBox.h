@@ -37,8 +37,6 @@ public:
 
     /// Told why a text was refused.
     std::function<void(const std::string& reason)> refused;
-    /// Called after a text was written, before anything is recalculated.
-    std::function<void(spreadsheet::Sheet& sheet, spreadsheet::CellAddress cell)> written;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -197,7 +197,7 @@ void frmEditor::connectGrid()
 {
     using spreadsheet::SpreadsheetControl;
     m_formulaBox->refused = [](const std::string& reason) { tellUser(Icon::critical, reason); };
-    m_formulaBox->written = [this](spreadsheet::Sheet&, spreadsheet::CellAddress) {
+    m_fps1->textEntered = [this] {
         if (m_evaluation.isShowFormula == 1)
             m_evaluation.showFormulas();
     };

@@ -40,8 +40,14 @@ int show(Icon icon, std::string_view title, std::string_view text, QMessageBox::
     QMessageBox box(toolkitIcon(icon), fromUtf8(title), fromUtf8(text), buttons,
                     QApplication::activeWindow());
     box.setObjectName("messageBox");
-    box.setTextFormat(Qt::PlainText); // a server's text may look like markup
-    return box.exec();
+    box.setTextFormat(Qt::PlainText);                                // a server's text may look like markup
+    const bool waits = QGuiApplication::overrideCursor() != nullptr; // whoever asks here waits for the user
+    if (waits)
+        QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
+    const int answer = box.exec();
+    if (waits)
+        QGuiApplication::restoreOverrideCursor();
+    return answer;
 }
 
 } // namespace

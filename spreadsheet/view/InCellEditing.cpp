@@ -101,9 +101,12 @@ bool InCellEditing::commitText(bool asArray)
 std::optional<FormulaProblem> InCellEditing::enter(Sheet& own, bool asArray)
 {
     const std::string text = m_editor->toPlainText().toStdString();
-    if (asArray)
-        return own.setArrayFormula(m_control.firstRange(), text);
-    return enterText(m_control.workbook(), own, m_cell, text, TypedInto::cell);
+    const UndoStep step(m_control.workbook(), "输入");
+    auto problem = asArray ? own.setArrayFormula(m_control.firstRange(), text)
+                           : enterText(m_control.workbook(), own, m_cell, text, TypedInto::cell);
+    if (!problem && m_control.textEntered)
+        m_control.textEntered();
+    return problem;
 }
 
 void InCellEditing::cancel()

@@ -84,6 +84,9 @@ public:
     std::function<bool(const QString& question)> ask;
 
     // Editing in a cell
+    /// Called when a text was put into a cell, before it is recalculated; what it does belongs to the same
+    /// undo step.
+    std::function<void()> textEntered;
     bool isEditing() const { return m_editing != nullptr; }
     /// Opens the editor in the active cell, if mode and lock allow.
     /// @param typed  the first characters of EditStart::replace

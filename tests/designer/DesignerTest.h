@@ -33,6 +33,7 @@ protected:
 
     void open()
     {
+        window.reset();
         window = std::make_unique<frmEditor>();
         show(*window);
     }

@@ -164,6 +164,12 @@ TEST_F(DesignerControls, FormulasShownKeepEveryType)
     moveTo(1, 3);
     typeInBox("=2*3", Qt::Key_Return); // entered while formulas are shown
     EXPECT_EQ(grid().text(1, 3), "2*3");
+    moveTo(1, 4);
+    typeInCell("=5+5");
+    EXPECT_EQ(grid().text(1, 4), "5+5");
+    trigger("MenuUndo"); // one step
+    EXPECT_EQ(formula(1, 4), "0.5+4");
+    EXPECT_EQ(grid().text(1, 4), "0.5+4");
     trigger("MenuShowDate");
     shown[2] = "6.00|" + shown[2].section('|', 1);
     for (int row = 1; row <= 5; ++row) {

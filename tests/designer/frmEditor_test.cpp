@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QToolBar>
 
 namespace selfreport {
@@ -282,6 +283,7 @@ TEST_F(Designer, DiagnosticsNameCellAndReason)
     ASSERT_EQ(list.rowCount(), 2);
     EXPECT_EQ(list.text(1, 1), "Acct");
     EXPECT_FALSE(list.text(1, 2).isEmpty());
+    EXPECT_EQ(control<QStatusBar>(*window, "statusBar").currentMessage(), list.text(1, 2));
     moveTo(3, 3);
     list.setRow(1);
     Q_EMIT list.dblClick();
@@ -382,6 +384,26 @@ TEST_F(Designer, AnUnsavedDesignIsOfferedAgain)
     ledger.boxes.said.clear();
     open();
     EXPECT_TRUE(ledger.boxes.said.empty()); // saved: nothing is left behind
+}
+
+TEST_F(Designer, AnotherLedgersOrUsersDesignIsNotOffered)
+{
+    open();
+    typeInBox("=6*7", Qt::Key_Return);
+    window->close();
+    const std::string own = gConnString;
+    const std::pair<std::string, const char*> others[] = {{own + ";Application Name=x", "wang"}, {own, "li"}};
+    for (const auto& [target, user] : others) {
+        gConnString = target;
+        gLoginUserId = user;
+        open();
+        EXPECT_TRUE(ledger.boxes.said.empty()) << user;
+    }
+    gLoginUserId = "wang";
+    gConnString = own + ";Password=changed";
+    open();
+    EXPECT_EQ(ledger.boxes.said,
+              (std::vector<Said>{{Icon::question, "测试账套", "上次关闭时有未保存的报表设计,是否恢复?"}}));
 }
 
 TEST_F(Designer, BothRoadsThroughTheWindows)
