@@ -82,6 +82,8 @@ TEST(HeaderCodes, OursComeBack)
     for (const std::string codes :
          {"/fn\"宋体\"/fz\"12\"/fb1/fi0/fu1/fk0/c利润 & 表/n/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk1/r/p/n",
           "/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/l第/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/l/p/n",
+          // "&P+1" would be the number of the next page
+          "/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/c/p/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/c+1/n",
           "/n/n/fn\"Arial\"/fz\"8\"/fb0/fi1/fu0/fk0/r2026/12/31/n"}) {
         Warnings warnings;
         EXPECT_EQ(readForeignHeader(writeForeignHeader(codes), {"表", "宋体", 10}, warnings), codes);
