@@ -150,4 +150,13 @@ int headerLineHeight(const HeaderLine& line)
     return static_cast<int>(std::lround(line.points * 20 * lineSpacing));
 }
 
+int headerHeight(const std::vector<HeaderLine>& lines)
+{
+    constexpr int gap = 120; // twips
+    int height = lines.empty() ? 0 : gap;
+    for (const HeaderLine& line : lines)
+        height += headerLineHeight(line);
+    return height;
+}
+
 } // namespace spreadsheet

@@ -47,4 +47,8 @@ std::vector<HeaderLine> readHeaderFooter(std::string_view codes);
 /// Height in twips that a line takes on paper, the same with every installed font.
 int headerLineHeight(const HeaderLine& line);
 
+/// Twips that a header or footer takes with all its lines and the gap between it and the cells; 0 without
+/// lines.
+int headerHeight(const std::vector<HeaderLine>& lines);
+
 } // namespace spreadsheet

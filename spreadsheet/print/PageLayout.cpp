@@ -11,7 +11,6 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr int headerGap = 120;         // twips between header or footer and the cells
 constexpr int smallestBody = 720;      // twips; less than half an inch shows no cell worth printing
 constexpr int headingDigitWidth = 110; // twips of one digit of a row heading
 constexpr int headingPadding = 160;
@@ -56,14 +55,6 @@ std::optional<CellRange> rangeToPrint(const Sheet& sheet, const PageRequest& req
     if (range.columns() <= 0 || range.rows() <= 0)
         return std::nullopt;
     return range;
-}
-
-int heightOf(const std::vector<HeaderLine>& lines)
-{
-    int height = lines.empty() ? 0 : headerGap;
-    for (const HeaderLine& line : lines)
-        height += headerLineHeight(line);
-    return height;
 }
 
 HeaderLine stampLine(const std::string& stamp)
@@ -117,9 +108,9 @@ void PageLayout::measurePaper(const Sheet& sheet, const PageRequest& request)
     if (print.rowHeadings && m_range)
         m_rowHeadingWidth =
             headingPadding + headingDigitWidth * static_cast<int>(std::to_string(m_range->bottom).size());
-    const int above = heightOf(m_header);
+    const int above = headerHeight(m_header);
     m_body = {m_printable.left, m_printable.top + above, m_printable.width,
-              m_printable.height - above - heightOf(m_footer)};
+              m_printable.height - above - headerHeight(m_footer)};
     if (m_body.width - m_rowHeadingWidth < smallestBody ||
         m_body.height - m_columnHeadingHeight < smallestBody)
         throw PageLayoutError("页边距、页眉和页脚占满了纸张，没有打印表格的地方。");

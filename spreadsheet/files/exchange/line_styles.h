@@ -2,22 +2,38 @@
 #include "spreadsheet/engine/CellStyle.h"
 
 #include <array>
+#include <string_view>
 
 namespace spreadsheet {
 
-/// Border lines of workbook files by their number there: none, thin, medium, dashed, dotted, thick, double,
-/// hair, medium dashed, dash-dot, medium dash-dot, dash-dot-dot, medium dash-dot-dot, slanted dash-dot.
-/// Ours know two widths: thin and hair lines are the fine ones, everything stronger is not.
+/// Border lines of workbook files by their number there, as .xlsx files name them.
+inline constexpr std::array<std::string_view, 14> lineNames{"none",
+                                                            "thin",
+                                                            "medium",
+                                                            "dashed",
+                                                            "dotted",
+                                                            "thick",
+                                                            "double",
+                                                            "hair",
+                                                            "mediumDashed",
+                                                            "dashDot",
+                                                            "mediumDashDot",
+                                                            "dashDotDot",
+                                                            "mediumDashDotDot",
+                                                            "slantDashDot"};
+
+/// Ours know two widths. A plain line is as wide as a thin one of a file and thinner than every other, so the
+/// hair line alone is the fine one; of broken lines the thin ones are.
 inline constexpr std::array lineStyleOfFile{
-    LineStyle::none,       LineStyle::fineSolid,   LineStyle::solid,   LineStyle::fineDash,
-    LineStyle::fineDot,    LineStyle::solid,       LineStyle::solid,   LineStyle::fineDot,
+    LineStyle::none,       LineStyle::solid,       LineStyle::solid,   LineStyle::fineDash,
+    LineStyle::fineDot,    LineStyle::solid,       LineStyle::solid,   LineStyle::fineSolid,
     LineStyle::dash,       LineStyle::fineDashDot, LineStyle::dashDot, LineStyle::fineDashDotDot,
     LineStyle::dashDotDot, LineStyle::dashDot,
 };
 
 constexpr LineStyle readLineStyle(unsigned number)
 {
-    return number < lineStyleOfFile.size() ? lineStyleOfFile[number] : LineStyle::fineSolid;
+    return number < lineStyleOfFile.size() ? lineStyleOfFile[number] : LineStyle::solid;
 }
 
 /// A line that takes the grid line away is none in a file, and there is no strong dotted one: medium
@@ -29,7 +45,7 @@ constexpr unsigned fileLineStyle(LineStyle style)
     case LineStyle::erase:
         return 0;
     case LineStyle::solid:
-        return 2;
+        return 1;
     case LineStyle::dash:
     case LineStyle::dot:
         return 8;
@@ -38,7 +54,7 @@ constexpr unsigned fileLineStyle(LineStyle style)
     case LineStyle::dashDotDot:
         return 12;
     case LineStyle::fineSolid:
-        return 1;
+        return 7;
     case LineStyle::fineDash:
         return 3;
     case LineStyle::fineDot:

@@ -1,5 +1,6 @@
 #include "spreadsheet/files/text/html.h"
 
+#include "spreadsheet/engine/html_escape.h"
 #include "spreadsheet/engine/Workbook.h"
 
 #include <algorithm>
@@ -10,31 +11,6 @@
 namespace spreadsheet {
 
 namespace {
-
-void appendEscaped(std::string_view text, std::string& html)
-{
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            html += "&amp;";
-            break;
-        case '<':
-            html += "&lt;";
-            break;
-        case '>':
-            html += "&gt;";
-            break;
-        case '"':
-            html += "&quot;";
-            break;
-        case '\n':
-            html += "<br>";
-            break;
-        default:
-            html += c;
-        }
-    }
-}
 
 std::string colourText(Colour colour)
 {
@@ -133,7 +109,7 @@ public:
     void write()
     {
         m_html += "<h2>";
-        appendEscaped(m_sheet.name(), m_html);
+        appendHtml(m_html, m_sheet.name());
         m_html += "</h2>\n<table>\n<colgroup>";
         for (int column = 1; column <= m_columns; ++column)
             m_html += "<col style=\"width:" + pointsText(m_sheet.settings().columns.size(column)) + "\">";
@@ -168,7 +144,7 @@ private:
         if (m_sheet.value(at).isNumber() && m_sheet.style(at).horizontal == HorizontalAlignment::general)
             m_html += " style=\"text-align:right\"";
         m_html += ">";
-        appendEscaped(m_sheet.displayText(at), m_html);
+        appendHtml(m_html, m_sheet.displayText(at));
         m_html += "</td>";
     }
 
@@ -182,7 +158,7 @@ private:
 std::string workbookHtml(const Workbook& workbook, std::string_view title)
 {
     std::string html = "<!DOCTYPE html>\n<html lang=\"zh-CN\"><head><meta charset=\"utf-8\"><title>";
-    appendEscaped(title, html);
+    appendHtml(html, title);
     html += "</title>\n<style>\ntable{border-collapse:collapse;table-layout:fixed}\ntd{padding:1px 3px;" +
             styleCss(workbook.styles()[0]) + "}\n";
     for (std::uint32_t style = 1; style < workbook.styles().size(); ++style)

@@ -2,6 +2,7 @@
 
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/column_widths.h"
+#include "spreadsheet/files/exchange/page_margins.h"
 #include "spreadsheet/files/range_overlap.h"
 #include "spreadsheet/files/xls/cell_codes.h"
 #include "spreadsheet/files/xls/records.h"
@@ -165,7 +166,10 @@ void SheetReader::finish()
         m_lastRow = std::max(m_lastRow, place.row);
         m_lastColumn = std::max(m_lastColumn, place.column);
     }
-    m_settings.print.fitWidth = m_fitsPage && m_fitsOneWide;
+    PrintSettings& print = m_settings.print;
+    print.fitWidth = m_fitsPage && m_fitsOneWide;
+    print.marginTop = ownMargin(print.marginTop, print.header);
+    print.marginBottom = ownMargin(print.marginBottom, print.footer);
     m_settings.rowCount = std::max(m_settings.rowCount, m_lastRow);
     m_settings.columnCount = std::max(m_settings.columnCount, m_lastColumn);
     m_sheet.changeSettings([this](SheetSettings& settings) { settings = std::move(m_settings); });

@@ -1,7 +1,9 @@
 #include "spreadsheet/files/xls/SheetWriter.h"
 
 #include "spreadsheet/files/exchange/column_widths.h"
+#include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/header_codes.h"
+#include "spreadsheet/files/exchange/page_margins.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/write_notes.h"
 
@@ -22,16 +24,12 @@ SheetWriter::SheetWriter(XlsParts& parts, int index, RecordWriter& writer)
     , m_sheet(parts.workbook.sheet(index))
     , m_settings(m_sheet.settings())
     , m_writer(writer)
+    , m_rows(m_sheet, xls::maxColumns)
 {
     const CellFont& font = parts.workbook.styles()[0].font;
-    m_digitPixels = digitPixels(font.family.empty() ? usualFamily : font.family.view(), font.points);
+    m_digitPixels = digitPixels(fileFamily(font.family.view()), font.points);
     m_lastColumn = std::min(m_sheet.storedColumns(), xls::maxColumns);
-    for (int column = 1; column <= m_lastColumn; ++column) {
-        const auto& slots = m_sheet.column(column)->slots();
-        m_cursors.push_back({&slots});
-        if (!slots.empty())
-            m_lastRow = std::max(m_lastRow, std::min(slots.back().lastRow(), xls::maxRows));
-    }
+    m_lastRow = std::min(m_rows.lastRow(), xls::maxRows);
     const auto reach = [this](const auto& entries) {
         if (!entries.empty())
             m_lastRow = std::max(m_lastRow, std::min(entries.rbegin()->first, xls::maxRows));
@@ -121,13 +119,14 @@ void SheetWriter::pageBreaks()
 void SheetWriter::margins()
 {
     const PrintSettings& print = m_settings.print;
-    const std::pair<std::uint16_t, int> margins[]{{xls::leftMargin, print.marginLeft},
-                                                  {xls::rightMargin, print.marginRight},
-                                                  {xls::topMargin, print.marginTop},
-                                                  {xls::bottomMargin, print.marginBottom}};
-    for (const auto& [id, twips] : margins) {
+    const std::pair<std::uint16_t, double> margins[]{
+        {xls::leftMargin, print.marginLeft / twipsOfInch},
+        {xls::rightMargin, print.marginRight / twipsOfInch},
+        {xls::topMargin, fileMargin(print.marginTop, print.header).toCells},
+        {xls::bottomMargin, fileMargin(print.marginBottom, print.footer).toCells}};
+    for (const auto& [id, inches] : margins) {
         m_writer.begin(id);
-        m_writer.put(twips / twipsOfInch);
+        m_writer.put(inches);
         m_writer.end();
     }
 }
@@ -145,8 +144,8 @@ void SheetWriter::setup()
     m_writer.put16((print.landscape ? 0 : isPortrait) | (print.colour ? 0 : isMonochrome));
     m_writer.put16(600);
     m_writer.put16(600);
-    m_writer.put(0.5); // inches from the paper's edge to header and footer
-    m_writer.put(0.5);
+    m_writer.put(fileMargin(print.marginTop, print.header).toHeader);
+    m_writer.put(fileMargin(print.marginBottom, print.footer).toHeader);
     m_writer.put16(1);
     m_writer.end();
 }

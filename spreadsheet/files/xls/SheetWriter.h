@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/files/exchange/StoredRows.h"
 #include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/xls/RecordWriter.h"
 #include "spreadsheet/files/xls/SharedTexts.h"
@@ -37,19 +38,6 @@ public:
     void write();
 
 private:
-    /// A cell to be written, in one row.
-    struct Cell {
-        int column; ///< from 0
-        std::uint16_t format;
-        const CellBlock* block;
-        int index;
-    };
-    /// Where a column is being read; rows only ascend.
-    struct Cursor {
-        const std::vector<Column::Slot>* slots;
-        std::size_t slot = 0;
-    };
-
     void begin();
     void printSettings();
     void pageBreaks();
@@ -59,15 +47,14 @@ private:
     void columnRun(int first, int last);
     void dimensions();
     void rows();
-    void rowRecord(int row, const std::vector<Cell>& cells);
-    void collect(int row, std::vector<Cell>& cells);
-    void cells(int row, const std::vector<Cell>& cells);
-    std::size_t numberRun(int row, const std::vector<Cell>& cells, std::size_t first);
-    std::size_t blankRun(int row, const std::vector<Cell>& cells, std::size_t first);
-    void head(std::uint16_t id, int row, const Cell& cell);
-    void constant(int row, const Cell& cell);
-    bool formula(int row, const Cell& cell, std::uint32_t number);
-    void formulaRecord(int row, const Cell& cell, const Value& value, Bytes tokens, Bytes extra);
+    void rowRecord(int row, const std::vector<StoredCell>& cells);
+    void cells(int row, const std::vector<StoredCell>& cells);
+    std::size_t numberRun(int row, const std::vector<StoredCell>& cells, std::size_t first);
+    std::size_t blankRun(int row, const std::vector<StoredCell>& cells, std::size_t first);
+    void head(std::uint16_t id, int row, const StoredCell& cell);
+    void constant(int row, const StoredCell& cell);
+    bool formula(int row, const StoredCell& cell, std::uint32_t number);
+    void formulaRecord(int row, const StoredCell& cell, const Value& value, Bytes tokens, Bytes extra);
     void arrayRecord(const CellRange& range, Bytes tokens, Bytes extra);
     void result(const Value& value);
     void window();
@@ -81,7 +68,7 @@ private:
     RecordWriter& m_writer;
     double m_digitPixels;
     int m_lastRow = 0, m_lastColumn = 0; ///< of cells that are written
-    std::vector<Cursor> m_cursors;
+    StoredRows m_rows;
     std::vector<std::byte> m_tokens;
 };
 

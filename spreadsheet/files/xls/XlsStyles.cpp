@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xls/XlsStyles.h"
 
+#include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
 #include "spreadsheet/files/xls/records.h"
@@ -125,7 +126,7 @@ void XlsStyles::writeFont(RecordWriter& writer, const Font& font)
     writer.put8(0);
     writer.put8(134); // the character set of simplified Chinese
     writer.put8(0);
-    writer.putShortText(font.look.family.empty() ? usualFamily : font.look.family.view());
+    writer.putShortText(fileFamily(font.look.family.view()));
     writer.end();
 }
 

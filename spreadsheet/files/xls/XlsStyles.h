@@ -10,9 +10,6 @@
 
 namespace spreadsheet {
 
-/// The family that a cell without one shows in.
-inline constexpr std::string_view usualFamily = "宋体";
-
 /// Gives styles their numbers as cell formats of an .xls file.
 class XlsStyles {
 public:

@@ -57,6 +57,7 @@ enum Record : std::uint16_t {
     blank = 0x0201,
     number = 0x0203,
     label = 0x0204,
+    recalculationId = 0x01C1,
     boolOrError = 0x0205,
     formulaText = 0x0207,
     row = 0x0208,

@@ -11,16 +11,17 @@ namespace spreadsheet {
 
 namespace {
 
-std::optional<std::uint32_t> shortNumber(const CellBlock& block, int index)
+std::optional<std::uint32_t> shortNumber(const StoredCell& cell)
 {
-    if (block.formula(index) != 0 || block.kinds()[index] != ValueKind::number)
+    if (cell.formula() != 0 || cell.kind() != ValueKind::number)
         return std::nullopt;
-    return rkOfNumber(block.payloads()[index].number);
+    return rkOfNumber(cell.block->payloads()[cell.index].number);
 }
 
-bool isBlank(const CellBlock& block, int index)
+/// As files count it, from 0.
+unsigned columnOf(const StoredCell& cell)
 {
-    return block.formula(index) == 0 && block.kinds()[index] == ValueKind::empty;
+    return static_cast<unsigned>(cell.column - 1);
 }
 
 } // namespace
@@ -28,12 +29,12 @@ bool isBlank(const CellBlock& block, int index)
 void SheetWriter::rows()
 {
     constexpr int rowsTogether = 32; // readers expect the row records of so many before their cells
-    std::vector<std::vector<Cell>> cellsOfRows(rowsTogether);
+    std::vector<std::vector<StoredCell>> cellsOfRows(rowsTogether);
     for (int first = 1; first <= m_lastRow; first += rowsTogether) {
         const int last = std::min(first + rowsTogether - 1, m_lastRow);
         for (int row = first; row <= last; ++row) {
             auto& found = cellsOfRows[static_cast<std::size_t>(row - first)];
-            collect(row, found);
+            m_rows.collect(row, found);
             rowRecord(row, found);
         }
         for (int row = first; row <= last; ++row)
@@ -41,27 +42,7 @@ void SheetWriter::rows()
     }
 }
 
-void SheetWriter::collect(int row, std::vector<Cell>& cells)
-{
-    cells.clear();
-    for (std::size_t column = 0; column < m_cursors.size(); ++column) {
-        Cursor& cursor = m_cursors[column];
-        while (cursor.slot < cursor.slots->size() && (*cursor.slots)[cursor.slot].lastRow() < row)
-            ++cursor.slot;
-        if (cursor.slot == cursor.slots->size() || (*cursor.slots)[cursor.slot].firstRow > row)
-            continue;
-        const Column::Slot& slot = (*cursor.slots)[cursor.slot];
-        const int index = row - slot.firstRow;
-        const std::uint32_t style = slot.block->style(index);
-        if (style == 0 && isBlank(*slot.block, index))
-            continue;
-        const int number = static_cast<int>(column);
-        const std::uint32_t shown = style != 0 ? style : m_sheet.styleNumber({number + 1, row});
-        cells.push_back({number, m_parts.styles.cellFormat(shown), slot.block.get(), index});
-    }
-}
-
-void SheetWriter::rowRecord(int row, const std::vector<Cell>& cells)
+void SheetWriter::rowRecord(int row, const std::vector<StoredCell>& cells)
 {
     constexpr std::uint32_t usual = 0x100, isHidden = 0x20, hasHeight = 0x40, hasFormat = 0x80;
     const auto size = m_settings.rows.sizes.find(row);
@@ -73,8 +54,8 @@ void SheetWriter::rowRecord(int row, const std::vector<Cell>& cells)
     const std::uint32_t format = styled ? m_parts.styles.cellFormat(style->second) : XlsStyles::usual;
     m_writer.begin(xls::row);
     m_writer.put16(static_cast<unsigned>(row - 1));
-    m_writer.put16(cells.empty() ? 0 : static_cast<unsigned>(cells.front().column));
-    m_writer.put16(cells.empty() ? 0 : static_cast<unsigned>(cells.back().column + 1));
+    m_writer.put16(cells.empty() ? 0 : columnOf(cells.front()));
+    m_writer.put16(cells.empty() ? 0 : columnOf(cells.back()) + 1);
     m_writer.put16(sized ? static_cast<unsigned>(std::clamp(size->second, 1, 8190))
                          : static_cast<unsigned>(m_settings.rows.defaultSize) | 0x8000u);
     m_writer.put32(0);
@@ -83,13 +64,13 @@ void SheetWriter::rowRecord(int row, const std::vector<Cell>& cells)
     m_writer.end();
 }
 
-void SheetWriter::cells(int row, const std::vector<Cell>& cells)
+void SheetWriter::cells(int row, const std::vector<StoredCell>& cells)
 {
     for (std::size_t i = 0; i < cells.size();) {
-        const Cell& cell = cells[i];
-        if (isBlank(*cell.block, cell.index)) {
+        const StoredCell& cell = cells[i];
+        if (cell.isBlank()) {
             i = blankRun(row, cells, i);
-        } else if (shortNumber(*cell.block, cell.index)) {
+        } else if (shortNumber(cell)) {
             i = numberRun(row, cells, i);
         } else {
             const std::uint32_t number = cell.block->formula(cell.index);
@@ -100,63 +81,61 @@ void SheetWriter::cells(int row, const std::vector<Cell>& cells)
     }
 }
 
-void SheetWriter::head(std::uint16_t id, int row, const Cell& cell)
+void SheetWriter::head(std::uint16_t id, int row, const StoredCell& cell)
 {
     m_writer.begin(id);
     m_writer.put16(static_cast<unsigned>(row - 1));
-    m_writer.put16(static_cast<unsigned>(cell.column));
-    m_writer.put16(cell.format);
+    m_writer.put16(columnOf(cell));
+    m_writer.put16(m_parts.styles.cellFormat(cell.style));
 }
 
 /// Neighbours in one record. Returns the first cell behind it.
-std::size_t SheetWriter::numberRun(int row, const std::vector<Cell>& cells, std::size_t first)
+std::size_t SheetWriter::numberRun(int row, const std::vector<StoredCell>& cells, std::size_t first)
 {
     std::size_t end = first + 1;
     const auto follows = [&](std::size_t i) {
-        return i < cells.size() && cells[i].column == cells[i - 1].column + 1 &&
-               shortNumber(*cells[i].block, cells[i].index);
+        return i < cells.size() && cells[i].column == cells[i - 1].column + 1 && shortNumber(cells[i]);
     };
     while (follows(end))
         ++end;
     const bool isSingle = end == first + 1;
     if (isSingle) {
         head(xls::rk, row, cells[first]);
-        m_writer.put32(*shortNumber(*cells[first].block, cells[first].index));
+        m_writer.put32(*shortNumber(cells[first]));
     } else {
         m_writer.begin(xls::multipleRk);
         m_writer.put16(static_cast<unsigned>(row - 1));
-        m_writer.put16(static_cast<unsigned>(cells[first].column));
+        m_writer.put16(columnOf(cells[first]));
         for (std::size_t i = first; i < end; ++i) {
-            m_writer.put16(cells[i].format);
-            m_writer.put32(*shortNumber(*cells[i].block, cells[i].index));
+            m_writer.put16(m_parts.styles.cellFormat(cells[i].style));
+            m_writer.put32(*shortNumber(cells[i]));
         }
-        m_writer.put16(static_cast<unsigned>(cells[end - 1].column));
+        m_writer.put16(columnOf(cells[end - 1]));
     }
     m_writer.end();
     return end;
 }
 
-std::size_t SheetWriter::blankRun(int row, const std::vector<Cell>& cells, std::size_t first)
+std::size_t SheetWriter::blankRun(int row, const std::vector<StoredCell>& cells, std::size_t first)
 {
     std::size_t end = first + 1;
-    while (end < cells.size() && cells[end].column == cells[end - 1].column + 1 &&
-           isBlank(*cells[end].block, cells[end].index))
+    while (end < cells.size() && cells[end].column == cells[end - 1].column + 1 && cells[end].isBlank())
         ++end;
     if (end == first + 1) {
         head(xls::blank, row, cells[first]);
     } else {
         m_writer.begin(xls::multipleBlank);
         m_writer.put16(static_cast<unsigned>(row - 1));
-        m_writer.put16(static_cast<unsigned>(cells[first].column));
+        m_writer.put16(columnOf(cells[first]));
         for (std::size_t i = first; i < end; ++i)
-            m_writer.put16(cells[i].format);
-        m_writer.put16(static_cast<unsigned>(cells[end - 1].column));
+            m_writer.put16(m_parts.styles.cellFormat(cells[i].style));
+        m_writer.put16(columnOf(cells[end - 1]));
     }
     m_writer.end();
     return end;
 }
 
-void SheetWriter::constant(int row, const Cell& cell)
+void SheetWriter::constant(int row, const StoredCell& cell)
 {
     const CellBlock& block = *cell.block;
     switch (block.kinds()[cell.index]) {
@@ -188,9 +167,9 @@ void SheetWriter::constant(int row, const Cell& cell)
 }
 
 /// False if the format cannot hold the formula, after a warning.
-bool SheetWriter::formula(int row, const Cell& cell, std::uint32_t number)
+bool SheetWriter::formula(int row, const StoredCell& cell, std::uint32_t number)
 {
-    const CellAddress at{cell.column + 1, row};
+    const CellAddress at{cell.column, row};
     const bool isArray = m_parts.workbook.formulas()[number].isArrayFormula;
     const std::optional<CellRange> range = isArray ? m_sheet.arrayRange(at) : std::nullopt;
     const CellAddress base = range ? CellAddress{range->left, range->top} : at;
@@ -222,7 +201,8 @@ bool SheetWriter::formula(int row, const Cell& cell, std::uint32_t number)
     return true;
 }
 
-void SheetWriter::formulaRecord(int row, const Cell& cell, const Value& value, Bytes tokens, Bytes extra)
+void SheetWriter::formulaRecord(int row, const StoredCell& cell, const Value& value, Bytes tokens,
+                                Bytes extra)
 {
     head(xls::formula, row, cell);
     result(value);

@@ -73,12 +73,25 @@ private:
         definedNames(names); // may mention further sheets
         m_parts.links.write(m_writer);
         m_writer.putBytes(names.take());
+        computedBy();
         std::vector<std::size_t> notes;
         for (int sheet = 1; sheet <= m_parts.workbook.sheetCount(); ++sheet)
             notes.push_back(m_parts.workbook.sheet(sheet).settings().notes.size());
         writeDrawingGroup(notes, m_writer);
         m_parts.texts.write(m_writer);
         m_writer.begin(xls::endOfFile);
+        m_writer.end();
+    }
+
+    /// A program that thinks itself newer than the last to compute would compute anew at once, and know
+    /// nothing of the report functions.
+    void computedBy()
+    {
+        constexpr std::uint32_t engine = 191'029;
+        m_writer.begin(xls::recalculationId);
+        m_writer.put16(xls::recalculationId);
+        m_writer.put16(0);
+        m_writer.put32(engine);
         m_writer.end();
     }
 

@@ -4,6 +4,7 @@
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/column_widths.h"
 #include "spreadsheet/files/exchange/header_codes.h"
+#include "spreadsheet/files/exchange/page_margins.h"
 #include "spreadsheet/files/range_overlap.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/files/xlsx/xml.h"
@@ -346,6 +347,8 @@ void XlsxSheetReader::print(pugi::xml_node root)
     const pugi::xml_node texts = childNamed(root, "headerFooter");
     print.header = headerText(childNamed(texts, "oddHeader"));
     print.footer = headerText(childNamed(texts, "oddFooter"));
+    print.marginTop = ownMargin(print.marginTop, print.header);
+    print.marginBottom = ownMargin(print.marginBottom, print.footer);
     breaks(childNamed(root, "rowBreaks"), print.rowBreaks, maxRows);
     breaks(childNamed(root, "colBreaks"), print.columnBreaks, maxColumns);
     pageSetup(root);

@@ -3,6 +3,7 @@
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
+#include "spreadsheet/files/exchange/page_margins.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/formula/FormulaPool.h"
@@ -312,7 +313,8 @@ void XlsxSheetWriter::print()
     if (print.landscape)
         worksheet_set_landscape(m_target);
     worksheet_set_margins(m_target, print.marginLeft / twipsOfInch, print.marginRight / twipsOfInch,
-                          print.marginTop / twipsOfInch, print.marginBottom / twipsOfInch);
+                          fileMargin(print.marginTop, print.header).toCells,
+                          fileMargin(print.marginBottom, print.footer).toCells);
     if (print.columnHeadings || print.rowHeadings)
         worksheet_print_row_col_headers(m_target);
     worksheet_gridlines(m_target, print.gridLines ? LXW_SHOW_ALL_GRIDLINES : LXW_SHOW_SCREEN_GRIDLINES);
@@ -333,10 +335,16 @@ void XlsxSheetWriter::print()
 
 void XlsxSheetWriter::headers()
 {
-    const std::string header = writeForeignHeader(m_settings.print.header);
-    const std::string footer = writeForeignHeader(m_settings.print.footer);
-    const bool headerFits = header.empty() || worksheet_set_header(m_target, header.c_str()) == LXW_NO_ERROR;
-    const bool footerFits = footer.empty() || worksheet_set_footer(m_target, footer.c_str()) == LXW_NO_ERROR;
+    const PrintSettings& print = m_settings.print;
+    const std::string header = writeForeignHeader(print.header);
+    const std::string footer = writeForeignHeader(print.footer);
+    lxw_header_footer_options above{}, below{};
+    above.margin = fileMargin(print.marginTop, print.header).toHeader;
+    below.margin = fileMargin(print.marginBottom, print.footer).toHeader;
+    const bool headerFits =
+        header.empty() || worksheet_set_header_opt(m_target, header.c_str(), &above) == LXW_NO_ERROR;
+    const bool footerFits =
+        footer.empty() || worksheet_set_footer_opt(m_target, footer.c_str(), &below) == LXW_NO_ERROR;
     if (!headerFits || !footerFits)
         m_source.warnings.add("表“" + m_source.sheet.name() + "”的页眉或页脚太长 (超过 255 个字),没有写出");
 }

@@ -14,22 +14,6 @@ namespace spreadsheet {
 
 namespace {
 
-/// In the order of the numbers that line_styles.h knows.
-constexpr std::array<std::string_view, 14> lineNames{"none",
-                                                     "thin",
-                                                     "medium",
-                                                     "dashed",
-                                                     "dotted",
-                                                     "thick",
-                                                     "double",
-                                                     "hair",
-                                                     "mediumDashed",
-                                                     "dashDot",
-                                                     "mediumDashDot",
-                                                     "dashDotDot",
-                                                     "mediumDashDotDot",
-                                                     "slantDashDot"};
-
 /// In the order of the numbers that fill_patterns.h knows.
 constexpr std::array<std::string_view, 19> patternNames{
     "none",           "solid",           "mediumGray",    "darkGray",  "lightGray",

@@ -1,6 +1,7 @@
 #include "spreadsheet/view/commands/html_text.h"
 
 #include "spreadsheet/engine/display_text.h"
+#include "spreadsheet/engine/html_escape.h"
 #include "spreadsheet/engine/Sheet.h"
 
 #include <algorithm>
@@ -11,34 +12,6 @@
 namespace spreadsheet {
 
 namespace {
-
-void appendEncoded(std::string& html, std::string_view text)
-{
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            html += "&amp;";
-            break;
-        case '<':
-            html += "&lt;";
-            break;
-        case '>':
-            html += "&gt;";
-            break;
-        case '"':
-            html += "&quot;";
-            break;
-        case '\n':
-            html += "<br>";
-            break;
-        case '\t':
-            html += "&#9;"; // as it stands it would count as a blank
-            break;
-        default:
-            html += c;
-        }
-    }
-}
 
 void appendColour(std::string& css, const char* property, Colour colour)
 {
@@ -93,11 +66,11 @@ void appendCell(std::string& html, const Sheet& sheet, CellAddress cell, const C
         html += " sdnum=\"0;0;@\"";
     if (const std::string css = styleText(style); !css.empty()) {
         html += " style=\"";
-        appendEncoded(html, css);
+        appendHtml(html, css);
         html += '"';
     }
     html += '>';
-    appendEncoded(html, sheet.displayText(cell));
+    appendHtml(html, sheet.displayText(cell));
     html += "</td>";
 }
 

@@ -4,8 +4,11 @@
 #include "tests/spreadsheet/files/FilesTest.h"
 #include "tests/spreadsheet/files/sample_workbook.h"
 
+#include <bit>
+#include <cmath>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <random>
 
 namespace spreadsheet {
 namespace {
@@ -34,6 +37,31 @@ TEST(FileFormats, AreSensedByContentHoweverTheFileIsCalled)
         expectSame(workbook, found);
     }
     EXPECT_EQ(folder.fileCount(), 1U); // nothing is left beside it
+}
+
+TEST(FileFormats, NumbersComeBackBitForBit)
+{
+    const TestFolder folder;
+    std::vector<double> numbers{-0.0, 0.1 + 0.2, 5e-324, 1.7976931348623157e308, 1e15, 123456789012345678.0};
+    std::mt19937_64 random(17); // NOLINT: the same numbers every time
+    while (numbers.size() < 300) {
+        const auto number = std::bit_cast<double>(random());
+        if (std::isfinite(number))
+            numbers.push_back(number);
+    }
+    Workbook workbook;
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        workbook.sheet(1).setNumber({1, static_cast<int>(i) + 1}, numbers[i]);
+    for (const FileFormat format : {FileFormat::ss7, FileFormat::xls}) { // .xlsx keeps 16 digits
+        Workbook found;
+        saveWorkbook(workbook, folder.file("a"), format);
+        loadWorkbook(found, folder.file("a"));
+        for (std::size_t i = 0; i < numbers.size(); ++i)
+            EXPECT_EQ(
+                std::bit_cast<std::uint64_t>(found.sheet(1).value({1, static_cast<int>(i) + 1}).number()),
+                std::bit_cast<std::uint64_t>(numbers[i]))
+                << numbers[i] << " in format " << static_cast<int>(format);
+    }
 }
 
 TEST(FileFormats, RefusalsNameTheReasonAndLoseNothing)

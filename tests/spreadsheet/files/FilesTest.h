@@ -37,6 +37,7 @@ inline void expectSame(const Workbook& expected, const Workbook& found)
 {
     ASSERT_EQ(expected.sheetCount(), found.sheetCount());
     EXPECT_EQ(expected.activeSheet(), found.activeSheet());
+    EXPECT_EQ(expected.countsFrom1904(), found.countsFrom1904());
     for (int index = 1; index <= expected.sheetCount(); ++index) {
         const Sheet &a = expected.sheet(index), &b = found.sheet(index);
         EXPECT_EQ(a.name(), b.name());

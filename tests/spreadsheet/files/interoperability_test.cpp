@@ -31,7 +31,11 @@ void fillReport(Workbook& workbook)
     money.type = CellType::number;
     money.font = {Text("黑体"), 12, true, false, false, false};
     money.background = 0xFFFF00;
-    money.left = {LineStyle::fineSolid, 0};
+    money.left = {LineStyle::solid, 0};
+    money.bottom = {LineStyle::fineSolid, 0x0000FF};
+    money.horizontal = HorizontalAlignment::right;
+    money.wrap = true;
+    money.font.underline = true;
     sheet.setText({1, 1}, "货币资金");
     sheet.setNumber({2, 1}, 1234567.891);
     sheet.setStyle({2, 1}, money);
@@ -41,7 +45,13 @@ void fillReport(Workbook& workbook)
     sheet.setFormula({6, 1}, "1/0");
     sheet.addSpan({1, 3, 3, 3});
     sheet.setText({1, 3}, "合计");
-    sheet.changeSettings([](SheetSettings& settings) { settings.notes[{1, 1}] = "批注"; });
+    sheet.changeSettings([](SheetSettings& settings) {
+        settings.notes[{1, 1}] = "批注";
+        settings.columns.sizes[2] = 1800; // 120 pixels: 20 digits of 6
+        settings.rows.sizes[3] = 480;
+        settings.print.landscape = true;
+        settings.print.header = "/c报表/n";
+    });
     workbook.sheet(2).setNumber({1, 1}, 0.5);
     workbook.recalculate();
 }
@@ -62,11 +72,14 @@ look = book.xf_list[sheet.cell(0, 1).xf_index]
 font = book.font_list[look.font_index]
 print(book.format_map[look.format_key].format_str, font.name, font.height, font.weight,
       book.colour_map[look.background.pattern_colour_index], look.border.left_line_style)
+print(look.border.bottom_line_style, book.colour_map[look.border.bottom_colour_index], look.alignment.hor_align,
+      look.alignment.text_wrapped, font.underline_type, sheet.colinfo_map[1].width / 256, sheet.rowinfo_map[2].height)
 )",
                                       folder.file("a.xls"));
     EXPECT_EQ(output, "['资产负债表', '数据'] [(2, 3, 0, 3)] 批注\n"
                       "[(1, '货币资金'), (2, 1234567.891), (2, 2469136.282), (1, '盈'), (4, 1), (5, 7)]\n"
-                      "#,##0.00 黑体 240 700 (255, 255, 0) 1\n");
+                      "#,##0.00 黑体 240 700 (255, 255, 0) 1\n"
+                      "7 (0, 0, 255) 3 1 1 20.0 480\n");
 }
 
 TEST(Interoperability, AnotherReaderOpensOurXlsx)
@@ -83,13 +96,17 @@ print([cell.value for cell in sheet[1]], [str(span) for span in sheet.merged_cel
 print([cell.value for cell in values[1]])
 cell = sheet['B1']
 print(cell.number_format, cell.font.name, cell.font.sz, cell.font.b, cell.fill.fgColor.rgb, cell.border.left.style)
+print(cell.border.bottom.style, cell.border.bottom.color.rgb, cell.alignment.horizontal, cell.alignment.wrap_text,
+      cell.font.u, round(sheet.row_dimensions[3].height, 3), sheet.page_setup.orientation,
+      sheet.oddHeader.center.text, sheet.protection.sheet)
 )",
                                       folder.file("a.xlsx"));
     EXPECT_EQ(output,
               "['货币资金', 1234567.891, '=SUM(B1:B2)*2+数据!$A$1', '=IF(B1>0,\"盈\",\"亏\")', True, '=1/0'] "
               "['A3:C3'] 批注\n"
               "['货币资金', 1234567.891, 2469136.282, '盈', True, '#DIV/0!']\n"
-              "#,##0.00 黑体 12.0 True FFFFFF00 thin\n");
+              "#,##0.00 黑体 12.0 True FFFFFF00 thin\n"
+              "hair FF0000FF right True single 24.0 landscape 报表 False\n");
 }
 
 void expectForeign(const std::filesystem::path& file)
@@ -109,7 +126,7 @@ void expectForeign(const std::filesystem::path& file)
     EXPECT_TRUE(style.font.bold);
     EXPECT_EQ(style.background, 0xFFFF00U);
     EXPECT_EQ(style.foreground, 0xFF0000U);
-    EXPECT_EQ(style.left, (BorderLine{LineStyle::fineSolid, 0}));
+    EXPECT_EQ(style.left, (BorderLine{LineStyle::solid, 0}));
     EXPECT_EQ(style.horizontal, HorizontalAlignment::centre);
     EXPECT_EQ(sheet.settings().spans, (std::vector{CellRange{1, 4, 3, 5}}));
     EXPECT_EQ(sheet.settings().frozenRows, 1);
