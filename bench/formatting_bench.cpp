@@ -98,6 +98,7 @@ void weighFormats(BenchTable& table, const std::string& what, int (*formatOf)(in
 
 int main(int argc, char** argv)
 {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     BenchTable table("formatting");
     benchBold(table, "bold on 100,000 selected cells, painted, and undone", {1, 1, 20, 5000});
