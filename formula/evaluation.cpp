@@ -69,6 +69,16 @@ std::optional<CellType> taggedType(std::string_view tag)
     return spreadsheet::cellTypeOf(code);
 }
 
+/// In a report that was saved with its formulas shown they are so from the beginning.
+bool showsFormulas(spreadsheet::Workbook& workbook)
+{
+    bool isShown = false;
+    forEveryCell(workbook, [&](const Sheet& sheet, CellAddress cell) {
+        isShown = isShown || !sheet.shownText(cell).empty();
+    });
+    return isShown;
+}
+
 /// @param again  formulas were shown already: a cell that got another formula meanwhile is plain text only
 ///               because it was shown
 void showFormula(Sheet& sheet, CellAddress cell, bool again)
@@ -195,7 +205,7 @@ bool ReportEvaluation::recalculateChanged()
 void ReportEvaluation::showFormulas()
 {
     const spreadsheet::UndoStep step(m_workbook, "显示公式");
-    const bool again = isShowFormula == 1;
+    const bool again = isShowFormula == 1 || showsFormulas(m_workbook);
     isShowFormula = 1;
     m_workbook.setFormulasShown(true);
     forEveryCell(m_workbook, [again](Sheet& sheet, CellAddress cell) { showFormula(sheet, cell, again); });

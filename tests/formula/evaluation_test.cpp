@@ -308,6 +308,28 @@ TEST(Evaluation, RunRestoresTheTypesOfAReportSavedWithItsFormulasShown)
     EXPECT_THAT(shown(workbook.sheet(1)), testing::ElementsAre("100.25", "0.25"));
 }
 
+TEST(Evaluation, AFormulaChangedWhereFormulasCameShownKeepsItsType)
+{
+    const test::TestLedger ledger;
+    Workbook workbook;
+    {
+        Workbook design;
+        fill(design.sheet(1), {closing("1001"), "1/4"});
+        spreadsheet::CellStyle percent;
+        percent.type = CellType::percent;
+        design.sheet(1).setStyle({1, 2}, percent);
+        ReportEvaluation evaluation(design);
+        evaluation.showFormulas();
+        spreadsheet::loadContent(workbook, spreadsheet::saveContent(design));
+    }
+    ReportEvaluation evaluation(workbook);
+    evaluation.addSelfFunction();
+    workbook.sheet(1).setFormula({1, 2}, "1/5");
+    evaluation.showFormulas();
+    evaluation.showData();
+    EXPECT_EQ(workbook.sheet(1).displayText({1, 2}), "20.00%");
+}
+
 TEST(Evaluation, EveryCellWithoutAValueHasItsReason)
 {
     const test::TestLedger ledger;
