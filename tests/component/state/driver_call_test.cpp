@@ -4,6 +4,7 @@
 #include "platform/database/DatabaseError.h"
 #include "tests/formula/TestLedger.h"
 
+#include <gtest/gtest.h>
 #include <thread>
 
 namespace selfreport {
