@@ -152,7 +152,7 @@ bool SheetView::scrollTo(CellAddress topLeft)
     if (m_geometry.topLeft().column != before.topLeft().column)
         m_store.spoilAll(); // texts run in from columns that were out of sight
     else
-        m_store.scroll({area.left(), scrolled.top(), area.width(), scrolled.height()}, 0, down);
+        m_store.scroll({area.left(), scrolled.top(), area.width(), scrolled.height()}, down);
     m_shown.take(sheet(), m_geometry, noteMarks());
     updateArea();
     return true;
@@ -265,24 +265,15 @@ void SheetView::refreshPlaces()
 
 void SheetView::freshenStore()
 {
-    constexpr int mostParts = 16; // one pass over all rows is quicker than many
-    if (m_store.stale().isEmpty())
-        return;
-    const QRegion stale =
-        m_store.stale().rectCount() > mostParts ? m_store.stale().boundingRect() : m_store.stale();
-    QPainter painter(&m_store.pixmap());
-    painter.translate(-m_store.area().topLeft());
     m_cells.gridLines = m_gridLines;
     m_cells.hasNote = noteMarks();
     const std::vector<Pane> panes = m_geometry.panes();
-    for (const QRect& part : stale) {
-        painter.setClipRect(part);
+    m_store.freshen([&](QPainter& painter, const QRect& part) {
         paintSurroundings(painter, part);
         for (const Pane& pane : panes)
             paintPane(painter, pane, part);
-    }
-    paintFreezeLines(painter);
-    m_store.markFresh();
+        paintFreezeLines(painter);
+    });
 }
 
 /// What is no cell: the line under the headings, and the emptiness beyond the last row and column.
@@ -317,7 +308,6 @@ void SheetView::paintFreezeLines(QPainter& painter) const
     const QRect area = m_geometry.cellArea();
     const QRect scrolled = m_geometry.scrolledArea();
     const QColor line(0x80, 0x80, 0x80);
-    painter.setClipping(false);
     if (m_geometry.frozenRows() > 0)
         painter.fillRect(QRect(area.left(), scrolled.top() - 1, area.width(), 1), line);
     if (m_geometry.frozenColumns() > 0)
