@@ -68,7 +68,7 @@ void BackingStore::freshen(const std::function<void(QPainter&, const QRect&)>& p
     for (const Slice& slice : slices()) {
         painter.resetTransform();
         painter.translate(slice.shift);
-        for (const QRect& part : stale & slice.shown) {
+        for (const QRect& part : stale& slice.shown) {
             painter.setClipRect(part);
             paint(painter, part);
         }
@@ -79,7 +79,7 @@ void BackingStore::freshen(const std::function<void(QPainter&, const QRect&)>& p
 void BackingStore::draw(QPainter& painter, const QRegion& region) const
 {
     for (const Slice& slice : slices())
-        for (const QRect& rect : region & slice.shown) {
+        for (const QRect& rect : region& slice.shown) {
             const QRect inside = rect.translated(slice.shift);
             const bool isPart = region.rectCount() > 1;
             if (isPart) { // within a clip of several rectangles the painter would not just copy

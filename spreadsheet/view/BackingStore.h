@@ -18,12 +18,12 @@ public:
 
     void spoil(const QRegion& region) { m_stale += region & m_area; }
     void spoilAll() { m_stale = m_area; }
-    /// Moves what a part shows down, or up if negative. What comes into sight is stale; all of it, if the pixels
-    /// do not allow to move it.
+    /// Moves what a part shows down, or up if negative. What comes into sight is stale; all of it, if the
+    /// pixels do not allow to move it.
     void scroll(const QRect& part, int down);
 
-    /// Paints what is stale: `paint` gets a painter that takes the widget's coordinates and the part to paint,
-    /// to which the painter is clipped.
+    /// Paints what is stale: `paint` gets a painter that takes the widget's coordinates and the part to
+    /// paint, to which the painter is clipped.
     void freshen(const std::function<void(QPainter&, const QRect&)>& paint);
     void draw(QPainter& painter, const QRegion& region) const;
 
