@@ -26,7 +26,7 @@ void prepareEnvironment(int count, char** arguments)
         const std::string_view argument = arguments[i];
         if (argument == "--scale" && i + 1 < count)
             qputenv("QT_SCALE_FACTOR", arguments[i + 1]);
-        if (argument == "--screenshot" && qEnvironmentVariableIsEmpty("DISPLAY") &&
+        if ((argument == "--screenshot" || argument == "--help") && qEnvironmentVariableIsEmpty("DISPLAY") &&
             qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
             qputenv("QT_QPA_PLATFORM", "offscreen");
     }

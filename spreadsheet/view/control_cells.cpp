@@ -59,6 +59,7 @@ void SpreadsheetControl::openDropDown()
 {
     const CellAddress cell = activeCell();
     if (m_view->sheet().style(cell).type != CellType::dropDown) {
+        showChanges(); // the cell may stand elsewhere by now
         m_dateEntry->open();
         return;
     }
@@ -71,6 +72,7 @@ void SpreadsheetControl::openDropDown()
     m_dropDownCancelled = false;
     Q_EMIT comboDropDown(cell.column, cell.row);
     setAddressedSheet(activeSheet());
+    showChanges();
     const QStringList entries = dropDownOf(cell);
     if (m_dropDownCancelled || entries.isEmpty())
         return;

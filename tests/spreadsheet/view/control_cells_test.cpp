@@ -95,6 +95,22 @@ TEST_F(ControlTest, DropDownsOfferTheirCellsOrTheirColumnsList)
     EXPECT_EQ(control.text(2, 3), QStringLiteral("商品"));
 }
 
+TEST_F(ControlTest, DropDownListsOpenUnderTheirCellThoughItsPlaceHasJustChanged)
+{
+    setType("B2", CellType::dropDown);
+    control.setColumnDropDown(2, {QStringLiteral("部门"), QStringLiteral("客户")});
+    control.refresh();
+    click("B2");
+    QObject::connect(&control, &SpreadsheetControl::comboDropDown,
+                     [this] { control.setColumnWidth(1, 1500); });
+    key(Qt::Key_Down, Qt::AltModifier);
+    ASSERT_TRUE(openList(control));
+    EXPECT_EQ(openList(control)->window()->geometry().topLeft(),
+              control.mapToGlobal(control.cellRect({2, 2}).bottomLeft() + QPoint(0, 1)));
+    EXPECT_EQ(control.cellRect({2, 2}).left(), control.cellRect({1, 1}).left() + 100);
+    QTest::keyClick(openList(control), Qt::Key_Escape);
+}
+
 TEST_F(ControlTest, DropDownsMayOpenSomethingElse)
 {
     setType("C2", CellType::dropDown);
