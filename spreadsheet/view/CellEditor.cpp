@@ -1,5 +1,7 @@
 #include "spreadsheet/view/CellEditor.h"
 
+#include "spreadsheet/view/commands/clipboard.h"
+
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLabel>
@@ -13,6 +15,9 @@
 namespace spreadsheet {
 
 namespace {
+
+/// What other spreadsheets and their files hold in a cell.
+constexpr qsizetype longestText = 32'767;
 
 bool isMovingKey(int key)
 {
@@ -174,6 +179,16 @@ void CellEditor::inputMethodEvent(QInputMethodEvent* event)
     m_composing = !event->preeditString().isEmpty();
     QPlainTextEdit::inputMethodEvent(event);
     fit();
+}
+
+void CellEditor::insertFromMimeData(const QMimeData* source)
+{
+    const auto text = clipboardText(*source, longestText - std::min(longestText, toPlainText().size()));
+    if (const auto* why = std::get_if<std::string>(&text))
+        Q_EMIT pasteRefused(QString::fromStdString(*why));
+    else
+        insertPlainText(std::get<QString>(text));
+    ensureCursorVisible();
 }
 
 bool CellEditor::event(QEvent* event)

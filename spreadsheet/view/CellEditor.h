@@ -55,8 +55,11 @@ Q_SIGNALS:
     void cancelled();
     /// A key that moves what is pointed at; with Shift it makes a range.
     void pointingKey(int key, Qt::KeyboardModifiers modifiers);
+    /// What was to be pasted is no text for a cell; nothing was put in.
+    void pasteRefused(const QString& why);
 
 protected:
+    void insertFromMimeData(const QMimeData* source) override;
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;

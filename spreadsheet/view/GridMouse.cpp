@@ -350,9 +350,10 @@ void GridMouse::release(const QMouseEvent& event)
     const Doing done = std::exchange(m_doing, Doing::nothing);
     const QPoint point = event.position().toPoint();
     if (done == Doing::resizingRow || done == Doing::resizingColumn) {
+        hideMarks();
         endResize(point);
     } else if (done == Doing::filling) {
-        m_control.m_view->changeOverlays([](CellOverlays& overlays) { overlays.fillGoal.reset(); });
+        hideMarks();
         endFill(!event.modifiers().testFlag(Qt::ControlModifier));
     } else if (done == Doing::button) {
         m_control.m_view->setPressed(std::nullopt);
@@ -363,13 +364,29 @@ void GridMouse::release(const QMouseEvent& event)
     }
 }
 
-void GridMouse::endResize(QPoint point)
+bool GridMouse::cancel()
 {
-    const bool rows = m_pressed.kind == Place::Kind::rowEdge;
+    if (m_doing != Doing::filling && m_doing != Doing::resizingRow && m_doing != Doing::resizingColumn)
+        return false;
+    m_doing = Doing::nothing;
+    m_scroll.stop();
+    hideMarks();
+    return true;
+}
+
+/// Of what the mouse was about to fill or resize.
+void GridMouse::hideMarks()
+{
     m_control.m_view->changeOverlays([](CellOverlays& overlays) {
+        overlays.fillGoal.reset();
         overlays.guideDown.reset();
         overlays.guideAcross.reset();
     });
+}
+
+void GridMouse::endResize(QPoint point)
+{
+    const bool rows = m_pressed.kind == Place::Kind::rowEdge;
     const CellGeometry& geometry = m_control.m_view->geometry();
     const int moved = rows ? point.y() - m_pressedAt.y() : point.x() - m_pressedAt.x();
     const int size = (rows ? geometry.rows() : geometry.columns()).size(m_pressed.line);
@@ -384,6 +401,15 @@ void GridMouse::endFill(bool asSeries)
         m_control.fillTo(m_filled, asSeries);
 }
 
+/// Down to where the table goes on the left or on the right, over empty cells only.
+void GridMouse::fillBesides()
+{
+    const CellRange source = m_control.firstRange();
+    const CellRange goal = fillGoalBesides(m_control.m_view->sheet(), source);
+    if (goal != source)
+        m_control.fillTo(goal, true);
+}
+
 void GridMouse::doubleClick(const QMouseEvent& event)
 {
     using Kind = Place::Kind;
@@ -394,7 +420,11 @@ void GridMouse::doubleClick(const QMouseEvent& event)
         m_control.autofitLine(place.kind == Kind::rowEdge, place.line);
         return;
     }
-    if (place.kind != Kind::cells && place.kind != Kind::fillHandle)
+    if (place.kind == Kind::fillHandle) {
+        fillBesides();
+        return;
+    }
+    if (place.kind != Kind::cells)
         return;
     const CellType type = m_control.m_view->sheet().style(place.cell).type;
     if (type == CellType::button || type == CellType::checkBox)

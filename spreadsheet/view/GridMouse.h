@@ -22,6 +22,8 @@ public:
     void move(const QMouseEvent& event);
     void release(const QMouseEvent& event);
     void doubleClick(const QMouseEvent& event);
+    /// Gives up filling or resizing before the button is let go. False if the mouse does neither.
+    bool cancel();
 
 protected:
     void timerEvent(QTimerEvent* event) override;
@@ -59,6 +61,8 @@ private:
     void showGuide(QPoint point);
     void endResize(QPoint point);
     void endFill(bool asSeries);
+    void fillBesides();
+    void hideMarks();
 
     SpreadsheetControl& m_control;
     Doing m_doing = Doing::nothing;

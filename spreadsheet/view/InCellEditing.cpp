@@ -52,6 +52,7 @@ InCellEditing::InCellEditing(SpreadsheetControl& control, CellAddress cell, Edit
     connect(m_editor, &CellEditor::commitRequested, this, &InCellEditing::commitByKey);
     connect(m_editor, &CellEditor::cancelled, this, &InCellEditing::cancel);
     connect(m_editor, &CellEditor::pointingKey, this, &InCellEditing::pointByKey);
+    connect(m_editor, &CellEditor::pasteRefused, &control, &SpreadsheetControl::refused);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { focusMoved(now); });
     if (start == EditStart::replace) {
         m_editor->selectAll();

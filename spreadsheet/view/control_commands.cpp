@@ -127,9 +127,13 @@ void SpreadsheetControl::pasteValues()
 
 void SpreadsheetControl::pasteClipboard(PasteKind kind)
 {
-    const QMimeData* offer = QGuiApplication::clipboard()->mimeData();
-    if (isEditing() || !offer)
+    if (isEditing())
         return;
+    const QMimeData* offer = QGuiApplication::clipboard()->mimeData();
+    if (!offer || offer->formats().isEmpty()) {
+        refuse("剪贴板是空的");
+        return;
+    }
     const auto content = readClipboard(workbook(), *offer);
     if (const auto* why = std::get_if<std::string>(&content)) {
         refuse(*why);
@@ -217,7 +221,7 @@ void SpreadsheetControl::fillRight()
 
 void SpreadsheetControl::fillTo(const CellRange& goal, bool asSeries)
 {
-    if (refuseEdit({goal}))
+    if (refuseEdit({goal}) || !commitEdit())
         return;
     if (refuse(fillFromBlock(workbook(), workbook().sheet(activeSheet()), firstRange(), goal, asSeries)))
         return;

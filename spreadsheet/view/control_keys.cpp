@@ -1,4 +1,5 @@
 // Keys of the control. docs/keys.md lists them for users.
+#include "spreadsheet/view/GridMouse.h"
 #include "spreadsheet/view/key_moves.h"
 #include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -235,6 +236,8 @@ bool SpreadsheetControl::actByKey(const QKeyEvent& event)
 {
     const CellAddress cell = activeCell();
     const CellType type = m_view->sheet().style(cell).type;
+    if (event.key() == Qt::Key_Escape && m_mouse->cancel())
+        return true;
     if (event.key() == Qt::Key_Escape && m_view->hasCopied()) {
         setCopiedRange(0, std::nullopt);
         return true;

@@ -35,7 +35,7 @@ char32_t numericEntity(std::string_view entity)
 
 char32_t characterOfEntity(std::string_view entity)
 {
-    static constexpr std::array<std::pair<std::string_view, char32_t>, 14> named{{
+    static constexpr std::array<std::pair<std::string_view, char32_t>, 15> named{{
         {"amp", '&'},
         {"lt", '<'},
         {"gt", '>'},
@@ -47,6 +47,7 @@ char32_t characterOfEntity(std::string_view entity)
         {"emsp", ' '},
         {"middot", 0xB7},
         {"times", 0xD7},
+        {"minus", 0x2212},
         {"hellip", 0x2026},
         {"ndash", 0x2013},
         {"mdash", 0x2014},

@@ -18,8 +18,7 @@ const QString ownFormat = QStringLiteral("application/x-report-cells");
 /// A larger block goes out as text alone: other programs choke on such an HTML table.
 constexpr long long maxHtmlCells = 200'000;
 
-constexpr const char* tooLarge = "剪贴板的内容太大(超过 64 MB)，不能粘贴";
-constexpr const char* noText = "剪贴板的内容不是文本或表格，不能粘贴";
+const std::string noText = "剪贴板的内容不是文本或表格，不能粘贴";
 
 /// Control characters and characters that could not be decoded are what binary data turns into.
 bool looksBinary(QStringView text)
@@ -29,6 +28,16 @@ bool looksBinary(QStringView text)
     };
     const auto rubbish = std::ranges::count_if(text, isRubbish);
     return text.contains(QChar::Null) || rubbish * 100 > text.size();
+}
+
+bool coversRows(const Sheet& sheet, const CellRange& range)
+{
+    return range.left == 1 && range.right >= sheet.settings().columnCount;
+}
+
+bool coversColumns(const Sheet& sheet, const CellRange& range)
+{
+    return range.top == 1 && range.bottom >= sheet.settings().rowCount;
 }
 
 std::variant<ClipboardContent, std::string> fromTable(std::variant<PastedTable, std::string> parsed)
@@ -45,9 +54,9 @@ std::variant<ClipboardContent, std::string> fromTable(std::variant<PastedTable, 
 CellRange copiedRange(const Sheet& sheet, const CellRange& range)
 {
     CellRange copied = range;
-    if (range.top == 1 && range.bottom >= sheet.settings().rowCount)
+    if (coversColumns(sheet, range))
         copied.bottom = std::max(1, sheet.lastDataRow());
-    if (range.left == 1 && range.right >= sheet.settings().columnCount)
+    if (coversRows(sheet, range))
         copied.right = std::max(1, sheet.lastDataColumn());
     return copied;
 }
@@ -64,12 +73,29 @@ std::variant<Copied, std::string> copyToClipboard(Workbook& workbook, const Shee
             return "不能只复制数组公式的一部分";
     }
     Copied result{std::make_unique<QMimeData>(),
-                  {QRandomGenerator::system()->generate64(), sheet.id(), copied}};
+                  {QRandomGenerator::system()->generate64(), sheet.id(), copied, coversRows(sheet, range),
+                   coversColumns(sheet, range)}};
     result.data->setData(ownFormat, packCells(workbook, result.origin, sheet.lift(copied)));
     result.data->setText(QString::fromStdString(tabText(sheet, copied)));
     if (cells <= maxHtmlCells)
         result.data->setHtml(QString::fromStdString(htmlText(sheet, copied)));
     return result;
+}
+
+std::variant<QString, std::string> clipboardText(const QMimeData& data, qsizetype most)
+{
+    if (!data.hasText())
+        return noText;
+    QString text = data.text();
+    if (text.size() > most)
+        return "剪贴板的内容太大(超过 " +
+               (most < 1'000'000 ? std::to_string(most) + " 个字" : std::to_string(most >> 20) + " MB") +
+               ")，不能粘贴";
+    if (text.isEmpty())
+        return std::string("剪贴板是空的");
+    if (looksBinary(text))
+        return noText;
+    return text;
 }
 
 std::variant<ClipboardContent, std::string> readClipboard(Workbook& workbook, const QMimeData& data)
@@ -84,23 +110,18 @@ std::variant<ClipboardContent, std::string> readClipboard(Workbook& workbook, co
     }
     if (data.hasHtml()) {
         const QString html = data.html();
-        if (html.size() <= limit && html.contains(QLatin1String("<td"), Qt::CaseInsensitive)) {
+        if (html.size() <= limit && html.contains(QLatin1String("<td"), Qt::CaseInsensitive) &&
+            !looksBinary(html)) {
             auto content = fromTable(parseHtmlTable(html.toStdString()));
             const auto* table = std::get_if<ClipboardContent>(&content);
             if (!table || !table->table.cells.empty())
                 return content;
         }
     }
-    if (!data.hasText())
-        return noText;
-    const QString text = data.text();
-    if (text.size() > limit)
-        return tooLarge;
-    if (text.isEmpty())
-        return "剪贴板是空的";
-    if (looksBinary(text))
-        return noText;
-    return fromTable(parseTabText(text.toStdString()));
+    auto text = clipboardText(data, limit);
+    if (auto* why = std::get_if<std::string>(&text))
+        return std::move(*why);
+    return fromTable(parseTabText(std::get<QString>(text).toStdString()));
 }
 
 } // namespace spreadsheet

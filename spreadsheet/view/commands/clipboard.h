@@ -2,6 +2,8 @@
 #include "spreadsheet/view/commands/packed_cells.h"
 #include "spreadsheet/view/commands/PastedTable.h"
 
+#include <QString>
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,6 +39,11 @@ struct ClipboardContent {
     int columns() const { return own ? own->cells.columns : table.columns; }
     int rows() const { return own ? own->cells.rows : table.rows; }
 };
+
+/// The clipboard's text.
+/// @param most  how long it may be, in UTF-16 units
+/// @return the text, or why it cannot be pasted (too large, no text, empty)
+std::variant<QString, std::string> clipboardText(const QMimeData& data, qsizetype most);
 
 /// @return the content, or why it cannot be pasted (too large, no text, damaged, empty)
 std::variant<ClipboardContent, std::string> readClipboard(Workbook& workbook, const QMimeData& data);

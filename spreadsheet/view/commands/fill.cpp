@@ -167,4 +167,28 @@ CellRange fillGoal(const CellRange& source, CellAddress cell)
     return goal;
 }
 
+CellRange fillGoalBesides(const Sheet& sheet, const CellRange& source)
+{
+    const auto inUse = [&](int column, int row) {
+        return !sheet.value({column, row}).isEmpty() || sheet.hasFormula({column, row});
+    };
+    const auto isFree = [&](int row) {
+        for (int column = source.left; column <= source.right; ++column)
+            if (inUse(column, row))
+                return false;
+        return true;
+    };
+    CellRange goal = source;
+    for (const int beside : {source.left - 1, source.right + 1}) {
+        if (beside < 1 || beside > sheet.settings().columnCount)
+            continue;
+        while (goal.bottom < sheet.settings().rowCount && inUse(beside, goal.bottom + 1) &&
+               isFree(goal.bottom + 1))
+            ++goal.bottom;
+        if (goal.bottom > source.bottom)
+            break;
+    }
+    return goal;
+}
+
 } // namespace spreadsheet

@@ -20,4 +20,8 @@ std::optional<std::string> fillFromBlock(Workbook& workbook, Sheet& sheet, const
 /// the cell lies within.
 CellRange fillGoal(const CellRange& source, CellAddress cell);
 
+/// Down to the last row in which the column left of the source (else the one right of it) goes on without a
+/// gap, and before any cell in use. The source itself if nothing stands beside it.
+CellRange fillGoalBesides(const Sheet& sheet, const CellRange& source);
+
 } // namespace spreadsheet

@@ -191,6 +191,8 @@ private:
         if (!m_inCell)
             return;
         m_inCell = false;
+        // The line end that keeps an empty cell open shows nothing.
+        m_cell.text.erase(m_cell.text.find_last_not_of(" \n") + 1);
         m_cell.text = std::string(trimmedBlanks(m_cell.text));
         const bool merged = m_cell.columns > 1 || m_cell.rows > 1;
         if (!m_cell.text.empty() || m_cell.number || merged || m_cell.look != PastedLook())

@@ -16,7 +16,7 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr quint32 magic = 0x43454C32; // "CEL2"
+constexpr quint32 magic = 0x43454C33; // "CEL3"
 
 /// What of a cell follows in the stream.
 enum Has : quint8 { hasValue = 1, hasFormula = 2, hasStyle = 4, hasTag = 8, hasShown = 16 };
@@ -62,7 +62,8 @@ public:
         QDataStream stream(&bytes, QIODevice::WriteOnly);
         stream.setVersion(QDataStream::Qt_6_0);
         stream << magic << quint64(m_origin.token) << qint32(m_origin.sheetId) << m_origin.range
-               << qint32(m_cells.columns) << qint32(m_cells.rows);
+               << m_origin.wholeRows << m_origin.wholeColumns << qint32(m_cells.columns)
+               << qint32(m_cells.rows);
         for (const auto* ranges : {&m_cells.spans, &m_cells.arrays}) {
             stream << quint32(ranges->size());
             for (const CellRange& range : *ranges)
@@ -192,7 +193,8 @@ private:
         quint32 mark = 0;
         quint64 token = 0;
         qint32 sheet = 0, columns = 0, rows = 0;
-        m_stream >> mark >> token >> sheet >> m_result.origin.range >> columns >> rows;
+        m_stream >> mark >> token >> sheet >> m_result.origin.range >> m_result.origin.wholeRows >>
+            m_result.origin.wholeColumns >> columns >> rows;
         if (!good() || mark != magic || columns < 1 || rows < 1 || columns > maxColumns || rows > maxRows ||
             qint64(columns) * rows > m_stream.device()->size()) // a cell takes a byte at least
             return false;

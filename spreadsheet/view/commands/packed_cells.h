@@ -16,6 +16,9 @@ struct PackedOrigin {
     std::uint64_t token = 0; ///< tells this copy from all others, on this machine and elsewhere
     int sheetId = 0;
     CellRange range;
+    bool wholeRows =
+        false; ///< rows were selected by their headings: the range ends where the sheet's cells end
+    bool wholeColumns = false;
 };
 
 /// A block of cells with everything they have, as bytes that any workbook of this program understands:

@@ -83,13 +83,23 @@ void applyLook(Sheet& sheet, const CellRange& range, const PastedLook& look)
     });
 }
 
+/// Web pages write negative figures with a sign of their own.
+std::string withPlainMinus(const std::string& text)
+{
+    constexpr std::string_view minus = "−";
+    if (!text.starts_with(minus))
+        return text;
+    std::string plain = "-" + text.substr(minus.size());
+    return typedConstant(plain).value.isNumber() ? plain : text;
+}
+
 void enterPasted(Workbook& workbook, Sheet& sheet, CellAddress cell, const PastedTable::Cell& pasted)
 {
     if (pasted.literal) {
         sheet.setText(cell, pasted.text);
         return;
     }
-    if (enterText(workbook, sheet, cell, pasted.text, TypedInto::cell)) {
+    if (enterText(workbook, sheet, cell, withPlainMinus(pasted.text), TypedInto::cell)) {
         sheet.setText(cell, pasted.text); // looks like a formula and is none
         return;
     }
@@ -154,8 +164,9 @@ std::variant<PastePlan, std::string> planPaste(const Sheet& sheet, const Clipboa
     PastePlan plan;
     const bool oneCell = sheet.extent({selection.left, selection.top}) == selection;
     if (!oneCell && selection.columns() % columns == 0 && selection.rows() % rows == 0) {
-        plan.across = selection.columns() / columns;
-        plan.down = selection.rows() / rows;
+        // A row is as long as its sheet, however little of it is in use.
+        plan.across = content.own && content.own->origin.wholeRows ? 1 : selection.columns() / columns;
+        plan.down = content.own && content.own->origin.wholeColumns ? 1 : selection.rows() / rows;
     }
     const long long right = selection.left + static_cast<long long>(columns) * plan.across - 1;
     const long long bottom = selection.top + static_cast<long long>(rows) * plan.down - 1;

@@ -2,7 +2,9 @@
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <gtest/gtest.h>
+#include <QApplication>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -42,6 +44,8 @@ protected:
                          [this](int col, int row) { log << "changed " << col << ',' << row << ' '; });
         QObject::connect(&control, &SpreadsheetControl::sheetChanged,
                          [this](int index) { log << "sheet " << index << ' '; });
+        QObject::connect(&control, &SpreadsheetControl::refused,
+                         [this](const QString& why) { refusal = why.toStdString(); });
         QObject::connect(&control, &SpreadsheetControl::buttonClicked,
                          [this](int col, int row) { log << "button " << col << ',' << row << ' '; });
         QObject::connect(&control, &SpreadsheetControl::comboDropDown,
@@ -51,9 +55,15 @@ protected:
         });
     }
 
+    /// To the control, or to what has the focus within it.
     void key(int key, Qt::KeyboardModifiers modifiers = {})
     {
-        QTest::keyClick(&control, Qt::Key(key), modifiers);
+        QTest::keyClick(receiver(), Qt::Key(key), modifiers);
+    }
+    void type(const char* text)
+    {
+        for (; *text != '\0'; ++text)
+            QTest::keyClick(receiver(), *text);
     }
     QPoint centre(const char* cell) const { return control.cellRect(*parseCellName(cell)).center(); }
     void click(QPoint place, Qt::KeyboardModifiers modifiers = {}, Qt::MouseButton button = Qt::LeftButton)
@@ -102,11 +112,40 @@ protected:
                             [type](CellStyle& style) { style.type = type; });
     }
 
+    /// Displayed texts of a block, row by row: "1 2;3 4".
+    std::string shown(const char* first, const char* last)
+    {
+        const CellAddress from = *parseCellName(first), to = *parseCellName(last);
+        std::string texts;
+        for (int row = from.row; row <= to.row; ++row)
+            for (int column = from.column; column <= to.column; ++column)
+                texts += sheet().displayText({column, row}) + (column < to.column ? " "
+                                                               : row < to.row     ? ";"
+                                                                                  : "");
+        return texts;
+    }
+    std::string shown(const char* cell) { return shown(cell, cell); }
+    std::string formula(const char* cell) { return sheet().formula(*parseCellName(cell)); }
+    /// The text in the open editor.
+    std::string edited() const
+    {
+        const auto* editor = control.findChild<QPlainTextEdit*>("cellEditor");
+        return editor ? editor->toPlainText().toStdString() : "closed";
+    }
+
     QWidget window;
     QLineEdit line;
     SpreadsheetControl control;
     std::ostringstream log;
+    std::string refusal;      ///< the last one
     bool holdsCursor = false; ///< leaveCell is cancelled
+
+private:
+    QWidget* receiver()
+    {
+        QWidget* const focus = QApplication::focusWidget();
+        return focus && control.isAncestorOf(focus) ? focus : &control;
+    }
 };
 
 } // namespace spreadsheet

@@ -25,26 +25,6 @@ struct ControlCommands : testing::Test {
 
 } // namespace
 
-TEST_F(ControlCommands, FillingTakesTheFirstLineOrTheOneBefore)
-{
-    sheet().setNumber({1, 1}, 5);
-    ASSERT_FALSE(sheet().setFormula({2, 1}, "A1*2"));
-    control.select({1, 1, 2, 3});
-    key(Qt::Key_D, Qt::ControlModifier);
-    EXPECT_EQ(shown({1, 3}) + " " + shown({2, 3}), "5 10");
-    control.setActiveCell(2, 4);
-    key(Qt::Key_D, Qt::ControlModifier);
-    EXPECT_EQ(sheet().formula({2, 4}), "A4*2");
-    control.setActiveCell(3, 1);
-    key(Qt::Key_R, Qt::ControlModifier);
-    EXPECT_EQ(sheet().formula({3, 1}), "B1*2");
-    sheet().setText({5, 1}, "一月");
-    control.select({5, 1, 5, 1});
-    control.fillTo({5, 1, 5, 3}, true);
-    EXPECT_EQ(shown({5, 3}), "三月");
-    EXPECT_EQ(control.firstRange(), (CellRange{5, 1, 5, 3}));
-}
-
 TEST_F(ControlCommands, RowsAndColumnsComeAndGoWithUndo)
 {
     sheet().setText({2, 2}, "x");

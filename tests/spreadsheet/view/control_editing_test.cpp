@@ -323,35 +323,6 @@ TEST_F(ControlEditing, ControlEnterFillsTheSelection)
     EXPECT_TRUE(sheet().settings().spans.empty());
 }
 
-TEST_F(ControlEditing, TheClipboardKeysMoveBlocks)
-{
-    sheet().setNumber({1, 1}, 5);
-    ASSERT_FALSE(sheet().setFormula({1, 2}, "A1+1"));
-    control.workbook().recalculateChanged();
-    control.select({1, 1, 1, 2});
-    key(Qt::Key_C, Qt::ControlModifier);
-    click({3, 1});
-    key(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(sheet().formula({3, 2}), "C1+1");
-    EXPECT_EQ(control.firstRange(), (CellRange{3, 1, 3, 2}));
-    EXPECT_EQ(QApplication::clipboard()->text(), "5\n6\n");
-    control.select({1, 2, 1, 2});
-    key(Qt::Key_X, Qt::ControlModifier);
-    click({2, 5});
-    key(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(sheet().formula({2, 5}), "A1+1");
-    EXPECT_FALSE(sheet().hasFormula({1, 2}));
-    QApplication::clipboard()->setText("1\n2\n3");
-    control.setActiveCell(1, control.rowCount());
-    answer = false;
-    key(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_TRUE(question.contains("2 行")) << question.toStdString();
-    EXPECT_EQ(sheet().lastDataRow(), 5) << "no room wanted: nothing pasted";
-    answer = true;
-    key(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(sheet().lastDataRow(), control.rowCount());
-}
-
 TEST_F(ControlEditing, ACutThatWasEditedSinceIsACopy)
 {
     sheet().setText({1, 1}, "a");

@@ -82,6 +82,8 @@ TEST(HtmlTable, IsReadAsOtherProgramsWriteIt)
          "</td><td>d</table>",
          "2x1 A1=abc;B1=d"},
         {"cells without a row", "<table><td>a<td>b</table>", "2x1 A1=a;B1=b"},
+        {"empty cells kept open by a line end", "<table><tr><td><br></td><td>a<br>b<br></td></table>",
+         "2x1 B1=a\nb"},
         {"no table", "<b>x</b>", "0x0 "},
         {"absurd spans", "<table><tr><td colspan=99999999 rowspan=-4>a</table>", "16384x1 A1:16384x1=a"},
     };
