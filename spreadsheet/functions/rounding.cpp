@@ -11,7 +11,7 @@ namespace {
 
 double cut(double number, int places, bool away)
 {
-    if (!std::isfinite(number))
+    if (!std::isfinite(number) || number == 0)
         return number;
     DecimalDigits digits = decimalDigits(number);
     const long long kept = static_cast<long long>(digits.exponent) + places;

@@ -19,6 +19,7 @@ TEST(MathematicalFunctions, Rounding)
         {"ROUNDUP(-3.141,2)", "-3.15"},
         {"ROUNDUP(1.1*3,1)", "3.3"}, // no step up for noise
         {"ROUNDUP(0.001,0)", "1"},
+        {"ROUNDUP(0,-1)", "0"},
         {"ROUNDUP(99.1,0)", "100"},
         {"ROUNDUP(1,-2)", "100"},
         {"ROUNDDOWN(-3.149,2)", "-3.14"},
