@@ -25,6 +25,7 @@ public:
     ~Editing() override { m_box.m_editing = nullptr; }
 
     CellAddress cell() const override { return m_box.m_cell; }
+    QString text() const override { return m_box.m_edit.text(); }
     bool commit() override
     {
         if (!m_box.commit())

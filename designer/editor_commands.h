@@ -16,6 +16,7 @@ struct EditorCommand {
     void (*run)(frmEditor& window) = nullptr; ///< null: the entry is there and does nothing
     const char* shortcut = "";
     const EditorMenu* submenu = nullptr;
+    bool whileTyping = false; ///< sees to an entry that is not finished itself
 };
 
 struct EditorMenu {

@@ -107,10 +107,12 @@ QAction* frmEditor::actionOf(const EditorCommand& command)
     action->setObjectName(command.name);
     action->setShortcut(QKeySequence(command.shortcut));
     if (command.run)
-        connect(action, &QAction::triggered, this, [this, run = command.run] {
-            finishOpening();
-            run(*this);
-        });
+        connect(action, &QAction::triggered, this,
+                [this, run = command.run, whileTyping = command.whileTyping] {
+                    finishOpening();
+                    if (whileTyping || m_fps1->commitEdit()) // the cell may go elsewhere, or its content
+                        run(*this);
+                });
     return action;
 }
 
@@ -145,7 +147,10 @@ void frmEditor::buildCommands()
         if (const auto* command = button.command ? findChild<QAction*>(button.command) : nullptr) {
             connect(action, &QAction::triggered, command, &QAction::trigger);
         } else if (button.run) {
-            connect(action, &QAction::triggered, this, [this, run = button.run] { run(*this); });
+            connect(action, &QAction::triggered, this, [this, run = button.run] {
+                if (m_fps1->commitEdit())
+                    run(*this);
+            });
         }
     }
 }
@@ -220,6 +225,7 @@ void frmEditor::connectGrid()
             [this](const QString& why) { m_status->showMessage(why); });
     connect(m_fps1, &SpreadsheetControl::contextMenuWanted, this,
             [this](const QPoint& place) { m_menuEdit->popup(place); });
+    connect(m_fps1, &SpreadsheetControl::editModeChanged, this, [this] { m_refusedAtClosing.clear(); });
     connect(m_diagnostics, &DiagnosticsPanel::chosen, this, &frmEditor::goToDiagnostic);
 }
 

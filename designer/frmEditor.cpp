@@ -166,8 +166,15 @@ void frmEditor::MenuFileSave_Click()
 
 void frmEditor::closeEvent(QCloseEvent* event)
 {
-    if (!m_fps1->commitEdit()) // what was being typed is kept with the rest, unless it is no formula
+    if (!m_fps1->commitEdit()) { // what was being typed is kept with the rest, unless it is no formula
+        const QString typed = m_fps1->typedText();
+        if (std::exchange(m_refusedAtClosing, typed) != typed) {
+            m_status->showMessage(QStringLiteral("公式有误，窗口没有关闭；再关闭一次则放弃这个公式"));
+            event->ignore();
+            return;
+        }
         m_fps1->cancelEdit();
+    }
     if (m_recovery)
         m_recovery->keep();
     frmPreview::discard();

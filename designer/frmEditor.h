@@ -134,6 +134,7 @@ private:
     FormulaBox* m_formulaBox = nullptr;
     Extent m_cancelled = Extent::none; ///< what the user did not wait for, and was not computed since
     bool m_opensForUse = false;        ///< the recalculation that opening ends with is still to come
+    QString m_refusedAtClosing;        ///< a formula that does not parse has held up closing once
     FileDialogSettings m_cd1;          ///< keeps what a command does not set
     ReportEvaluation m_evaluation;
     std::unique_ptr<EditorGrid> m_grid;

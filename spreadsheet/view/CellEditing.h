@@ -3,6 +3,7 @@
 
 #include <QColor>
 #include <QRect>
+#include <QString>
 
 #include <vector>
 
@@ -23,6 +24,7 @@ public:
     virtual ~CellEditing() = default;
 
     virtual CellAddress cell() const = 0;
+    virtual QString text() const = 0; ///< as it stands, not yet in the cell
     /// Puts the text into the cell. False: it was refused, and the editor stays open with the reason.
     virtual bool commit() = 0;
     virtual void cancel() = 0;

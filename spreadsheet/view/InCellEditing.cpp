@@ -76,6 +76,11 @@ Sheet* InCellEditing::sheet() const
     return index == 0 ? nullptr : &m_control.workbook().sheet(index);
 }
 
+QString InCellEditing::text() const
+{
+    return m_editor->toPlainText();
+}
+
 bool InCellEditing::commit()
 {
     return commitText(false);

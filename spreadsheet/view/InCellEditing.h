@@ -22,6 +22,7 @@ public:
     ~InCellEditing() override;
 
     CellAddress cell() const override { return m_cell; }
+    QString text() const override;
     /// Ends the life of this object if it returns true.
     bool commit() override;
     /// Ends the life of this object.

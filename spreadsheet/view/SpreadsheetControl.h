@@ -88,6 +88,8 @@ public:
     /// undo step.
     std::function<void()> textEntered;
     bool isEditing() const { return m_editing != nullptr; }
+    /// What stands in the open editor; null if none is open.
+    QString typedText() const { return m_editing ? m_editing->text() : QString(); }
     /// Opens the editor in the active cell, if mode and lock allow.
     /// @param typed  the first characters of EditStart::replace
     bool beginEdit(EditStart start, const QString& typed = {});
