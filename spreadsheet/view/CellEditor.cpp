@@ -1,6 +1,7 @@
 #include "spreadsheet/view/CellEditor.h"
 
 #include "spreadsheet/view/commands/clipboard.h"
+#include "spreadsheet/view/entry_keys.h"
 
 #include <QInputMethodEvent>
 #include <QKeyEvent>
@@ -30,23 +31,6 @@ bool isMovingKey(int key)
     case Qt::Key_End:
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
-        return true;
-    default:
-        return false;
-    }
-}
-
-/// Keys of the window that owns the sheet; no editor takes them.
-bool belongsToWindow(const QKeyEvent& event)
-{
-    if (event.modifiers() != Qt::ControlModifier)
-        return false;
-    switch (event.key()) {
-    case Qt::Key_G:
-    case Qt::Key_J:
-    case Qt::Key_N:
-    case Qt::Key_O:
-    case Qt::Key_S:
         return true;
     default:
         return false;
@@ -201,6 +185,14 @@ bool CellEditor::event(QEvent* event)
     return QPlainTextEdit::event(event);
 }
 
+void CellEditor::deleteToLineEnd()
+{
+    QTextCursor cursor = textCursor();
+    if (!cursor.hasSelection())
+        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
+}
+
 void CellEditor::keyPressEvent(QKeyEvent* event)
 {
     const int key = event->key();
@@ -218,6 +210,10 @@ void CellEditor::keyPressEvent(QKeyEvent* event)
             Q_EMIT commitRequested(key, modifiers);
     } else if (key == Qt::Key_Tab || key == Qt::Key_Backtab) {
         Q_EMIT commitRequested(key, modifiers);
+    } else if (const QString moment = momentOf(*event); !moment.isEmpty()) {
+        insertPlainText(moment);
+    } else if (key == Qt::Key_Delete && modifiers == Qt::ControlModifier) {
+        deleteToLineEnd();
     } else if (m_mode == Mode::enter && isMovingKey(key)) {
         if (m_assistant->canPoint())
             Q_EMIT pointingKey(key, modifiers);

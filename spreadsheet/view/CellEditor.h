@@ -67,6 +67,7 @@ protected:
 private:
     void fit();
     void hideProblem();
+    void deleteToLineEnd();
 
     FormulaAssistant* m_assistant;
     QPointer<QLabel> m_problem; ///< beside the editor, and the parent's like it

@@ -229,10 +229,19 @@ void InCellEditing::pointAt(int index, const CellRange& range, bool goesOn)
 
 void InCellEditing::pointByKey(int key, Qt::KeyboardModifiers modifiers)
 {
+    const bool isPage = key == Qt::Key_PageUp || key == Qt::Key_PageDown;
+    if (isPage && modifiers == Qt::ControlModifier) {
+        m_control.showSheetByUser(m_control.activeSheet() + (key == Qt::Key_PageDown ? 1 : -1));
+        return;
+    }
     FormulaAssistant& assistant = m_editor->assistant();
-    PointedCells cells = assistant.pointed().value_or(PointedCells{m_control.activeSheet(), m_cell, m_cell});
-    if (cells.sheet != m_control.activeSheet())
-        cells = {m_control.activeSheet(), m_control.activeCell(), m_control.activeCell()};
+    const int shown = m_control.activeSheet();
+    // On another sheet than the cell's own, from its cursor.
+    const CellAddress from =
+        shown == m_control.workbook().sheetIndexOfId(m_sheetId) ? m_cell : m_control.activeCell();
+    PointedCells cells = assistant.pointed().value_or(PointedCells{shown, from, from});
+    if (cells.sheet != shown)
+        cells = {shown, from, from};
     const QKeyEvent event(QEvent::KeyPress, key, modifiers & ~Qt::ShiftModifier);
     const auto target = m_control.keyTarget(event, cells.head);
     if (!target)

@@ -126,6 +126,10 @@ public Q_SLOTS:
     bool findNext(const spreadsheet::Search& search, bool backwards = false); ///< selects the cell found
     int replaceAll(const spreadsheet::Search& search, const QString& replacement);
     void sortBlock(const std::vector<spreadsheet::SortKey>& keys, bool headerRow);
+    void sumHere();          ///< opens the editor on the sum of the figures above, else of those on the left
+    void selectAround();     ///< the block of cells in use around the active one
+    void selectActiveCell(); ///< alone
+    void showActiveCell();   ///< scrolls back to it
     bool goTo(const QString& place); ///< "B12", "B2:C9", "一月!B12", a name; false if it is none
     void setZoom(double zoom);       ///< 0.25 to 4; others are put into these limits
     void zoomIn();
@@ -179,6 +183,9 @@ public:
     /// Moves as a user does: fires leaveCell, which may hold it up, and commits an open editor.
     /// @param extend  keeps the other end of the selection
     bool moveTo(CellAddress cell, bool extend = false);
+    /// Shows a sheet as a user does: fires leaveCell, which may hold it up. An open editor is committed,
+    /// unless its formula takes a reference: then cells of that sheet can be pointed at.
+    void showSheetByUser(int index);
     /// Where a movement key (arrows, Home, Page Up …) leads from a cell; nothing for other keys.
     std::optional<CellAddress> keyTarget(const QKeyEvent& event, CellAddress from) const;
     void setReferenceFrames(std::vector<ReferenceFrame> frames);
@@ -224,7 +231,6 @@ private:
     void changeSelection(const std::function<void(Selection&, const Sheet&)>& change);
     bool leave(int newColumn, int newRow);
     bool enter(CellAddress cell, const std::function<void(Selection&, const Sheet&)>& change);
-    void showSheetByUser(int index);
     void showTabs();
     /// A line, or all selected ones if it is selected whole.
     std::vector<LineRange> linesWith(bool rows, int line) const;

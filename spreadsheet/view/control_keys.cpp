@@ -1,6 +1,8 @@
 // Keys of the control. docs/keys.md lists them for users.
+#include "spreadsheet/view/entry_keys.h"
 #include "spreadsheet/view/GridMouse.h"
 #include "spreadsheet/view/key_moves.h"
+#include "spreadsheet/view/reference_text.h"
 #include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
@@ -52,10 +54,12 @@ const std::array commandKeys{
     CommandKey{Qt::Key_ParenLeft, ctrl | shift, &SpreadsheetControl::showRows},
     CommandKey{Qt::Key_ParenRight, ctrl | shift, &SpreadsheetControl::showColumns},
     CommandKey{Qt::Key_Down, alt, &SpreadsheetControl::openDropDown},
+    CommandKey{Qt::Key_Equal, alt, &SpreadsheetControl::sumHere},
+    CommandKey{Qt::Key_F11, shift, &SpreadsheetControl::addSheet},
+    CommandKey{Qt::Key_Asterisk, ctrl | shift, &SpreadsheetControl::selectAround},
+    CommandKey{Qt::Key_Backspace, shift, &SpreadsheetControl::selectActiveCell},
+    CommandKey{Qt::Key_Backspace, ctrl, &SpreadsheetControl::showActiveCell},
 };
-
-/// Ctrl and one of these belongs to the window.
-constexpr std::array windowKeys{Qt::Key_G, Qt::Key_J, Qt::Key_N, Qt::Key_O, Qt::Key_S};
 
 std::optional<Direction> arrowOf(int key)
 {
@@ -81,7 +85,7 @@ void SpreadsheetControl::keyPressEvent(QKeyEvent* event)
     Q_EMIT keyDown(event);
     if (event->isAccepted())
         return;
-    if (event->modifiers() == Qt::ControlModifier && std::ranges::count(windowKeys, event->key()) > 0)
+    if (belongsToWindow(*event))
         return;
     if (moveByKey(*event) || stepByKey(*event) || selectByKey(*event) || commandByKey(*event) ||
         actByKey(*event))
@@ -244,8 +248,10 @@ bool SpreadsheetControl::actByKey(const QKeyEvent& event)
     }
     if (event.key() == Qt::Key_F2 && event.modifiers() == Qt::NoModifier)
         return beginEdit(EditStart::keep) || true;
-    if (event.key() == Qt::Key_Backspace && chord(event) == Qt::NoModifier)
+    if (event.key() == Qt::Key_Backspace && event.modifiers() == Qt::NoModifier)
         return beginEdit(EditStart::replace) || true;
+    if (const QString moment = momentOf(event); !moment.isEmpty())
+        return beginEdit(EditStart::replace, moment) || true;
     if (event.key() == Qt::Key_Space && event.modifiers() == Qt::NoModifier) {
         if (type == CellType::checkBox) {
             toggleCheckBox(cell);
@@ -263,6 +269,32 @@ bool SpreadsheetControl::actByKey(const QKeyEvent& event)
     const bool isAltGr =
         !text.isEmpty() && text[0].isPrint() && chord(event) == (Qt::ControlModifier | Qt::AltModifier);
     return (isText || isAltGr) && (beginEdit(EditStart::replace, text) || true);
+}
+
+void SpreadsheetControl::selectAround()
+{
+    const CellRange block = blockAround(m_view->sheet(), activeCell());
+    changeSelection(
+        [&](Selection& s, const Sheet& sheet) { s.setRange(withWholeSpans(sheet, block), s.active()); });
+}
+
+void SpreadsheetControl::selectActiveCell()
+{
+    changeSelection([](Selection& s, const Sheet& sheet) { s.setActive(sheet, s.active()); });
+}
+
+void SpreadsheetControl::showActiveCell()
+{
+    bringIntoSight(activeCell());
+}
+
+void SpreadsheetControl::sumHere()
+{
+    const auto range = figuresBefore(m_view->sheet(), activeCell());
+    QString formula = QStringLiteral("=SUM(");
+    if (range)
+        formula += referenceText(workbook(), activeSheet(), activeSheet(), *range) + ')';
+    beginEdit(EditStart::replace, formula);
 }
 
 bool SpreadsheetControl::focusNextPrevChild(bool)

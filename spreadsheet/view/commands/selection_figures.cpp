@@ -90,4 +90,19 @@ SelectionFigures selectionFigures(const Sheet& sheet, const std::vector<CellRang
     return figures;
 }
 
+std::optional<CellRange> figuresBefore(const Sheet& sheet, CellAddress cell)
+{
+    int top = cell.row;
+    while (top > 1 && sheet.value({cell.column, top - 1}).isNumber())
+        --top;
+    if (top < cell.row)
+        return CellRange{cell.column, top, cell.column, cell.row - 1};
+    int left = cell.column;
+    while (left > 1 && sheet.value({left - 1, cell.row}).isNumber())
+        --left;
+    if (left < cell.column)
+        return CellRange{left, cell.row, cell.column - 1, cell.row};
+    return std::nullopt;
+}
+
 } // namespace spreadsheet

@@ -22,4 +22,8 @@ struct SelectionFigures {
 /// Ranges that overlap count their common cells once.
 SelectionFigures selectionFigures(const Sheet& sheet, const std::vector<CellRange>& ranges);
 
+/// The figures that a sum in a cell is expected to take: those that stand above it without a gap, else those
+/// on its left.
+std::optional<CellRange> figuresBefore(const Sheet& sheet, CellAddress cell);
+
 } // namespace spreadsheet

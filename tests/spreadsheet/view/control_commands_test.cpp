@@ -132,13 +132,4 @@ TEST_F(ControlCommands, UndoOfASheetThatIsShownShowsAnother)
     EXPECT_EQ(control.sheetCount(), 2);
 }
 
-TEST_F(ControlCommands, KeysOfTheWindowAreLeftToIt)
-{
-    for (const int each : {Qt::Key_G, Qt::Key_J, Qt::Key_N, Qt::Key_O, Qt::Key_S}) {
-        QKeyEvent event(QEvent::KeyPress, each, Qt::ControlModifier);
-        QCoreApplication::sendEvent(&control, &event);
-        EXPECT_FALSE(event.isAccepted()) << each;
-    }
-}
-
 } // namespace spreadsheet

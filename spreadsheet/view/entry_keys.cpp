@@ -1,0 +1,28 @@
+#include "spreadsheet/view/entry_keys.h"
+
+#include <QDateTime>
+#include <QKeyEvent>
+
+#include <algorithm>
+#include <array>
+
+namespace spreadsheet {
+
+bool belongsToWindow(const QKeyEvent& event)
+{
+    static constexpr std::array keys{Qt::Key_G, Qt::Key_J, Qt::Key_N, Qt::Key_O, Qt::Key_S};
+    return event.modifiers() == Qt::ControlModifier && std::ranges::count(keys, event.key()) > 0;
+}
+
+QString momentOf(const QKeyEvent& event)
+{
+    const bool shift = event.modifiers().testFlag(Qt::ShiftModifier);
+    const bool isKey = event.key() == Qt::Key_Semicolon || (shift && event.key() == Qt::Key_Colon);
+    if (!isKey || (event.modifiers() & ~Qt::ShiftModifier) != Qt::ControlModifier)
+        return {};
+    const QDateTime now = QDateTime::currentDateTime();
+    return shift ? now.time().toString(QStringLiteral("HH:mm"))
+                 : now.date().toString(QStringLiteral("yyyy-MM-dd"));
+}
+
+} // namespace spreadsheet
