@@ -85,7 +85,7 @@ void SheetTabs::setEditable(bool editable)
 
 void SheetTabs::beginRename(int tab)
 {
-    if (tab < 0 || !m_editable)
+    if (tab < 0 || !m_editable || (mayRename && !mayRename()))
         return;
     m_renamed = tab;
     m_name->setText(m_bar->tabData(tab).toString());
@@ -103,6 +103,8 @@ void SheetTabs::endRename(bool keep)
         return;
     const int tab = std::exchange(m_renamed, -1); // hiding the field ends editing once more
     const QString name = m_name->text();
+    if (m_name->hasFocus())
+        parentWidget()->setFocus(); // hiding would hand it to any widget
     m_name->hide();
     if (keep && name != m_bar->tabData(tab).toString())
         Q_EMIT renameWanted(tab + 1, name);

@@ -2,6 +2,8 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <functional>
+
 class QLineEdit;
 class QTabBar;
 class QToolButton;
@@ -18,6 +20,7 @@ public:
 
     void showSheets(const QStringList& names, int active);
     void setEditable(bool editable); ///< adding, renaming, moving, taking away
+    std::function<bool()> mayRename; ///< asked before a name is edited in place; empty: yes
 
 Q_SIGNALS:
     void chosen(int index);

@@ -52,6 +52,7 @@ SpreadsheetControl::SpreadsheetControl(QWidget* parent)
     connect(m_across, &QScrollBar::valueChanged, this, [this](int column) {
         scrollTo({column, m_view->geometry().topLeft().row});
     });
+    m_tabs->mayRename = [this] { return !isEditing(); };
     connect(m_tabs, &SheetTabs::chosen, this, &SpreadsheetControl::showSheetByUser);
     connect(m_tabs, &SheetTabs::addWanted, this, &SpreadsheetControl::addSheet);
     connect(m_tabs, &SheetTabs::renameWanted, this, &SpreadsheetControl::renameSheet);

@@ -218,7 +218,7 @@ void SpreadsheetControl::moveSheet(int from, int to)
 
 void SpreadsheetControl::removeSheet(int index)
 {
-    if (mode() != GridMode::edit || index < 1 || index > sheetCount())
+    if (mode() != GridMode::edit || index < 1 || index > sheetCount() || !commitEdit())
         return;
     const QString name = QString::fromStdString(workbook().sheet(index).name());
     if (workbook().sheetCount() == 1) {
@@ -227,7 +227,6 @@ void SpreadsheetControl::removeSheet(int index)
     }
     if (!ask || !ask(QStringLiteral("确定要删除表“%1”吗?").arg(name)))
         return;
-    cancelEdit();
     const int activeId = workbook().sheet(activeSheet()).id();
     if (refuse(workbook().removeSheet(index)))
         return;

@@ -1,9 +1,9 @@
 #include "tests/spreadsheet/view/ControlTest.h"
 
 #include <QScrollBar>
-#include <QTabBar>
-#include <QToolButton>
 #include <QWheelEvent>
+
+#include <functional>
 
 namespace spreadsheet {
 
@@ -136,71 +136,159 @@ TEST_F(ControlTest, ScrollBarsFollowAndLead)
     EXPECT_EQ(cursor(), "A5 in A5");
 }
 
-TEST_F(ControlTest, DraggingBeyondTheEdgeScrolls)
+TEST_F(ControlTest, DraggingBeyondAnyEdgeScrolls)
 {
-    QTest::mousePress(&control, Qt::LeftButton, {}, centre("B5"));
-    QTest::mouseMove(&control, QPoint(150, control.height() + 30));
-    ASSERT_TRUE(QTest::qWaitFor([this] { return control.topLeftCell().row > 5; }, 3000));
-    QTest::mouseRelease(&control, Qt::LeftButton, {}, QPoint(150, control.height() + 30));
-    const int bottom = control.selectedBlock().bottom;
-    EXPECT_GT(bottom, 20);
+    const auto dragOut = [this](const char* from, QPoint to, const std::function<bool()>& scrolled) {
+        QTest::mousePress(&control, Qt::LeftButton, {}, centre(from));
+        QTest::mouseMove(&control, to);
+        EXPECT_TRUE(QTest::qWaitFor(scrolled, 3000)) << from;
+        QTest::mouseRelease(&control, Qt::LeftButton, {}, to);
+    };
+    dragOut("B5", {control.width() + 50, centre("B5").y()},
+            [this] { return control.topLeftCell().column > 6; });
+    EXPECT_EQ(control.selectedBlock().rows(), 1);
+    const int right = control.selectedBlock().right;
+    EXPECT_GT(right, 12);
     QTest::qWait(150);
-    EXPECT_EQ(control.selectedBlock().bottom, bottom) << "over with the button";
+    EXPECT_EQ(control.selectedBlock().right, right) << "over with the button";
+    const std::string far = cellName({control.topLeftCell().column + 2, 5});
+    dragOut(far.c_str(), {-40, centre("A5").y()}, [this] { return control.topLeftCell().column == 1; });
+    EXPECT_EQ(control.selectedBlock().left, 1);
+    control.setTopLeftCell({1, 40});
+    dragOut("B45", {centre("B45").x(), -60}, [this] { return control.topLeftCell().row < 20; });
+    EXPECT_LT(control.selectedBlock().top, 20);
+    EXPECT_EQ(control.selectedBlock().bottom, 45);
+
+    // Cells that a formula points at are reached likewise.
+    control.setTopLeftCell({1, 1});
+    click("E2");
+    type("=sum(");
+    dragOut("B5", {centre("B5").x(), control.height() + 60},
+            [this] { return control.topLeftCell().row > 20; });
+    EXPECT_EQ(edited().substr(0, 9), "=sum(B5:B");
+    type(")");
+    key(Qt::Key_Return);
+    EXPECT_FALSE(control.isEditing());
+    EXPECT_FALSE(control.cellRect({5, 3}).isEmpty()) << "the cursor is in sight again";
+
+    QTest::mousePress(&control, Qt::LeftButton, {}, rowHeading("A4"));
+    const QPoint below(5, control.height() + 40);
+    QTest::mouseMove(&control, below);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return control.topLeftCell().row > 10; }, 3000));
+    QTest::mouseRelease(&control, Qt::LeftButton, {}, below);
+    EXPECT_EQ(control.selectedBlock().columns(), 30);
+    EXPECT_GT(control.selectedBlock().rows(), 20);
 }
 
-TEST_F(ControlTest, TabsShowAddRenameMoveAndDeleteSheets)
+TEST_F(ControlTest, TheMouseReachesCellsOnBothSidesOfFrozenEdges)
 {
-    auto& bar = *control.findChild<QTabBar*>("sheetTabBar");
-    const auto names = [&] {
-        QString text;
-        for (int tab = 0; tab < bar.count(); ++tab)
-            text += (tab == bar.currentIndex() ? "*" : "") + bar.tabText(tab) + " ";
-        return text.trimmed().toStdString();
-    };
-    const auto sheets = [this] {
-        std::string text;
-        for (int index = 1; index <= control.sheetCount(); ++index)
-            text += control.workbook().sheet(index).name() + " ";
-        return text;
-    };
-    QTest::mouseClick(control.findChild<QToolButton*>("addSheet"), Qt::LeftButton);
-    EXPECT_EQ(names(), "Sheet1 *Sheet2");
-    EXPECT_EQ(logged(), "leave 1,1>-1,-1 sheet 2");
-    QTest::mouseClick(&bar, Qt::LeftButton, {}, bar.tabRect(0).center());
-    EXPECT_EQ(names(), "*Sheet1 Sheet2");
-    QTest::mouseDClick(&bar, Qt::LeftButton, {}, bar.tabRect(1).center());
-    auto& field = *control.findChild<QLineEdit*>("sheetName");
-    ASSERT_TRUE(field.isVisible());
-    field.setText(QStringLiteral("利润表"));
-    QTest::keyClick(&field, Qt::Key_Return);
-    EXPECT_EQ(sheets(), "Sheet1 利润表 ");
-    QTest::mouseDClick(&bar, Qt::LeftButton, {}, bar.tabRect(1).center());
-    field.setText(QStringLiteral("sheet1"));
-    QTest::keyClick(&field, Qt::Key_Return);
-    EXPECT_EQ(sheets(), "Sheet1 利润表 ") << "a name that is taken";
-    EXPECT_FALSE(refusal.empty());
-    bar.moveTab(1, 0);
-    EXPECT_EQ(sheets(), "利润表 Sheet1 ");
-    EXPECT_EQ(names(), "利润表 *Sheet1");
-    EXPECT_EQ(control.activeSheet(), 2);
-    control.undo();
-    EXPECT_EQ(sheets(), "Sheet1 利润表 ");
+    control.setActiveCell(3, 4);
+    control.freezeHere(); // rows 1 to 3, columns A and B
+    turnWheel(control, {0, -120 * 4});
+    turnWheel(control, {0, -120 * 2}, shift);
+    EXPECT_EQ(control.topLeftCell(), (CellAddress{5, 16}));
+    const QPoint frozen = control.cellRect({2, 3}).bottomRight();
+    for (const char* cell : {"B3", "B17", "F3", "F17"}) {
+        click(cell);
+        EXPECT_EQ(cursor(), std::string(cell) + " in " + cell);
+    }
+    click(frozen + QPoint(2, 2)); // the first cell beyond the edges
+    EXPECT_EQ(cursor(), "E16 in E16");
+    drag(centre("B2"), centre("F18"));
+    EXPECT_EQ(cursor(), "B2 in B2:F18") << "cells between that are out of sight belong to it";
+    click(rowHeading("A17"));
+    EXPECT_EQ(cursor(), "A17 in A17:AD17");
+    drag(columnHeading("B1"), columnHeading("F1"));
+    EXPECT_EQ(cursor(), "B1 in B1:F100");
+    EXPECT_EQ(control.topLeftCell(), (CellAddress{5, 16})) << "nothing has scrolled";
+    click("F17");
+    key(Qt::Key_Up);
+    key(Qt::Key_Up);
+    EXPECT_EQ(control.topLeftCell().row, 15) << "up from the edge the cells scroll";
+    type("5");
+    key(Qt::Key_Return);
+    click("B3");
+    type("=");
+    click("F16");
+    key(Qt::Key_Return);
+    EXPECT_EQ(formula("B3"), "F16");
+    control.setActiveCell(3, 4);
+    control.freezeHere();
+    EXPECT_EQ(sheet().settings().frozenRows, 0) << "again: they are free";
+}
 
-    control.removeSheet(2);
-    EXPECT_EQ(control.sheetCount(), 2) << "nobody to ask";
-    QString question;
-    control.ask = [&](const QString& asked) {
-        question = asked;
-        return true;
+TEST_F(ControlTest, ClicksHitTheirCellsAtAnyZoom)
+{
+    put("C3", "x");
+    for (int notch = 0; notch < 7; ++notch) {
+        turnWheel(control, {0, notch < 4 ? 240 : -480}, ctrl);
+        for (const char* cell : {"A1", "B2", "C3", "D5"}) {
+            click(cell);
+            EXPECT_EQ(cursor(), std::string(cell) + " in " + cell) << control.zoom();
+            click(columnHeading(cell));
+            EXPECT_EQ(control.firstRange().left, parseCellName(cell)->column) << control.zoom();
+        }
+        click("C3");
+        key(Qt::Key_F2);
+        const auto* editor = control.findChild<QPlainTextEdit*>("cellEditor");
+        EXPECT_TRUE(control.cellRect({3, 3}).adjusted(-2, -2, 2, 2).contains(editor->geometry().topLeft()));
+        EXPECT_GE(editor->height(), control.cellRect({3, 3}).height()) << control.zoom();
+        key(Qt::Key_Escape);
+    }
+}
+
+TEST_F(ControlTest, KeysInsertDeleteHideAndShowLines)
+{
+    const auto hidden = [this](bool rows) {
+        std::string lines;
+        for (const auto& [index, isHidden] :
+             rows ? sheet().settings().rows.hidden : sheet().settings().columns.hidden)
+            lines += isHidden ? std::to_string(index) + " " : "";
+        return lines;
     };
-    control.removeSheet(2);
-    EXPECT_EQ(sheets(), "Sheet1 ");
-    EXPECT_TRUE(question.contains(QStringLiteral("利润表")));
-    control.removeSheet(1);
-    EXPECT_EQ(control.sheetCount(), 1);
-    control.undo();
-    EXPECT_EQ(sheets(), "Sheet1 利润表 ");
-    EXPECT_EQ(bar.count(), 2);
+    for (const char* cell : {"A1", "B2", "C3", "D4"})
+        put(cell, cell);
+    drag(rowHeading("A2"), rowHeading("A3"));
+    key(Qt::Key_Plus, ctrl);
+    EXPECT_EQ(shown("A1", "D6"), "A1   ;   ;   ; B2  ;  C3 ;   D4");
+    key(Qt::Key_Minus, ctrl);
+    EXPECT_EQ(shown("A1", "D4"), "A1   ; B2  ;  C3 ;   D4");
+    click(columnHeading("B1"));
+    key(Qt::Key_Equal, ctrl | shift); // + of the main keyboard
+    EXPECT_EQ(shown("A2", "E2"), "  B2  ");
+    key(Qt::Key_Z, ctrl);
+    EXPECT_EQ(shown("A2", "E2"), " B2   ");
+    click(columnHeading("B1"));
+    key(Qt::Key_Minus, ctrl);
+    EXPECT_EQ(shown("A1", "C4"), "A1  ;  ; C3 ;  D4");
+    key(Qt::Key_Z, ctrl);
+    click("B2");
+    click("D4", ctrl);
+    key(Qt::Key_9, ctrl);
+    EXPECT_EQ(hidden(true), "2 4 ");
+    drag(rowHeading("A1"), rowHeading("A5"));
+    key(Qt::Key_ParenLeft, ctrl | shift);
+    EXPECT_EQ(hidden(true), "");
+    drag(columnHeading("B1"), columnHeading("C1"));
+    key(Qt::Key_0, ctrl);
+    EXPECT_EQ(hidden(false), "2 3 ");
+    click("D1");
+    key(Qt::Key_Left);
+    EXPECT_EQ(cursor(), "A1 in A1") << "arrows pass hidden columns";
+    key(Qt::Key_A, ctrl);
+    refusal.clear();
+    for (const int pressed : {Qt::Key_9, Qt::Key_0, Qt::Key_Minus, Qt::Key_Plus})
+        key(pressed, ctrl);
+    EXPECT_NE(refusal, "");
+    EXPECT_EQ(hidden(true), "") << "something stays in sight";
+    key(Qt::Key_ParenRight, ctrl | shift);
+    EXPECT_EQ(hidden(false), "");
+    control.setMode(GridMode::run);
+    click("B2");
+    for (const int pressed : {Qt::Key_9, Qt::Key_0, Qt::Key_Minus, Qt::Key_Plus, Qt::Key_D})
+        key(pressed, ctrl);
+    EXPECT_EQ(shown("A1", "D4"), "A1   ; B2  ;  C3 ;   D4");
+    EXPECT_EQ(hidden(true) + hidden(false), "");
 }
 
 } // namespace spreadsheet
