@@ -1,5 +1,6 @@
 #include "tests/spreadsheet/view/ControlTest.h"
 
+#include <functional>
 #include <random>
 
 namespace spreadsheet {
@@ -193,6 +194,119 @@ TEST_F(ControlTest, OnlyMovesOfTheUserTellThatACellIsLeft)
     click("F6");
     EXPECT_EQ(logged(), "leave 2,2>2,3 down1 6,6 leave 2,2>6,6");
     EXPECT_EQ(cursor(), "B2 in B2");
+}
+
+TEST_F(ControlTest, EachMoveOfTheUserIsOneLeave)
+{
+    control.refresh();
+    control.addSpan({6, 6, 7, 7}); // F6:G7
+    control.refresh();
+    const struct {
+        const char* what;
+        std::function<void()> act;
+        const char* told;
+    } cases[] = {
+        {"drag", [&] { drag(centre("B2"), centre("D5")); }, "down1 2,2 leave 3,3>2,2"},
+        {"one more range", [&] { click("D6", ctrl); }, "down1 4,6 leave 3,3>4,6"},
+        {"into a merged cell", [&] { click("G7"); }, "down1 6,6 leave 3,3>6,6"},
+        {"row heading", [&] { click(rowHeading("A9")); }, "down1 0,9 leave 3,3>1,9"},
+        {"column heading", [&] { click(columnHeading("E1")); }, "down1 5,0 leave 3,3>5,1"},
+        {"everything", [&] { click(QPoint(3, 3)); }, "down1 0,0"},
+        {"typed, Enter",
+         [&] {
+             type("1");
+             key(Qt::Key_Return);
+         },
+         "changed 3,3 leave 3,3>3,4"},
+        {"typed, arrow",
+         [&] {
+             type("2");
+             key(Qt::Key_Left);
+         },
+         "changed 3,3 leave 3,3>2,3"},
+        {"typed, click",
+         [&] {
+             type("3");
+             click("E5");
+         },
+         "down1 5,5 changed 3,3 leave 3,3>5,5"},
+        {"typed, Esc",
+         [&] {
+             type("4");
+             key(Qt::Key_Escape);
+         },
+         ""},
+        {"pointing",
+         [&] {
+             type("=");
+             click("E5");
+             key(Qt::Key_Escape);
+         },
+         "down1 5,5"},
+        {"sheet edge",
+         [&] {
+             key(Qt::Key_Home);
+             key(Qt::Key_Home);
+         },
+         "leave 3,3>1,3"},
+        {"scrolling",
+         [&] {
+             control.setTopLeftCell({1, 30});
+             control.setTopLeftCell({1, 1});
+         },
+         ""},
+        {"selecting by keys",
+         [&] {
+             key(Qt::Key_Down, shift);
+             key(Qt::Key_Space, ctrl);
+         },
+         ""},
+        {"delete", [&] { key(Qt::Key_Delete); }, "changed 3,3"},
+        {"undo", [&] { key(Qt::Key_Z, ctrl); }, "changed -1,-1"},
+        {"the window is left",
+         [&] {
+             QFocusEvent out(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+             QApplication::sendEvent(&control, &out);
+         },
+         ""},
+        {"another control", [&] { line.setFocus(); }, "leave 3,3>-1,-1"},
+        {"typed, another control",
+         [&] {
+             type("5");
+             line.setFocus();
+         },
+         "changed 3,3 leave 3,3>-1,-1"},
+    };
+    for (const auto& [what, act, told] : cases) {
+        control.setFocus();
+        control.cancelEdit();
+        control.setActiveCell(3, 3);
+        logged();
+        act();
+        EXPECT_EQ(logged(), told) << what;
+    }
+}
+
+TEST_F(ControlTest, AListenerThatHoldsTheCursorHoldsIt)
+{
+    holdsCursor = true;
+    control.setActiveCell(3, 3);
+    const std::function<void()> moves[] = {
+        [&] { key(Qt::Key_Down); },
+        [&] { key(Qt::Key_End, ctrl); },
+        [&] { key(Qt::Key_Tab); },
+        [&] { key(Qt::Key_Return); },
+        [&] { click("F6"); },
+        [&] { drag(centre("F6"), centre("G8")); },
+        [&] { click("F6", ctrl); },
+        [&] { click(rowHeading("A7")); },
+        [&] { click(columnHeading("E1")); },
+        [&] { QTest::mouseDClick(&control, Qt::LeftButton, {}, centre("F6")); }};
+    for (const auto& move : moves) {
+        move();
+        EXPECT_EQ(cursor(), "C3 in C3");
+        EXPECT_FALSE(control.isEditing());
+    }
 }
 
 TEST_F(ControlTest, AnotherSheetIsALeaveAndKeepsCursorAndPlace)
