@@ -107,6 +107,13 @@ void ListGrid::focusInEvent(QFocusEvent* event)
         setRow(0); // the toolkit would make the first one current without showing it
 }
 
+/// Home and End lead to the first and the last row: whole rows are chosen here.
+QModelIndex ListGrid::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    const bool home = action == MoveHome || action == MoveEnd;
+    return QTableView::moveCursor(action, home ? modifiers | Qt::ControlModifier : modifiers);
+}
+
 void ListGrid::sortByHeading(int column)
 {
     const bool again = column == m_sortColumn;

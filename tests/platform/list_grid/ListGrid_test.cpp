@@ -144,6 +144,53 @@ TEST_F(ListGridTest, KeyboardMovesAndFocusChoosesNothing)
     EXPECT_EQ(grid.selectionModel()->selectedRows().size(), 1);
 }
 
+TEST_F(ListGridTest, KeysAndMouseFollowWhatIsShownAndTellTheRowsOwnPlace)
+{
+    add({"1\t张", "10\t李", "9\t白", "2\t安"});
+    show(grid);
+    grid.setFocus();
+    clickHeading(0); // 1 2 9 10
+    const struct {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        int row;
+    } keys[] = {
+        {Qt::Key_Home, {}, 1},
+        {Qt::Key_Down, {}, 4},
+        {Qt::Key_Down, {}, 3},
+        {Qt::Key_End, {}, 2},
+        {Qt::Key_Down, {}, 2},
+        {Qt::Key_Up, {}, 3},
+        {Qt::Key_Home, Qt::ControlModifier, 1},
+        {Qt::Key_9, {}, 3}, // typing looks a text up
+    };
+    for (const auto& [key, modifiers, row] : keys) {
+        QTest::keyClick(&grid, key, modifiers);
+        EXPECT_EQ(grid.row(), row) << key;
+        EXPECT_EQ(grid.selectionModel()->selectedRows().size(), 1);
+    }
+    clickHeading(0); // 10 9 2 1
+    EXPECT_EQ(grid.row(), 3);
+    QSignalSpy clicks(&grid, &ListGrid::dblClick);
+    QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, placeOf(0, 1));
+    QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, placeOf(0, 1));
+    EXPECT_EQ(clicks.size(), 1);
+    EXPECT_EQ(grid.text(grid.row(), 1), "李");
+    EXPECT_EQ(grid.row(), 2);
+    clickHeading(0); // as they were added
+    EXPECT_EQ(shown(0), "1 10 9 2");
+    EXPECT_EQ(grid.row(), 2);
+    // A column is made wider by its edge; that sorts nothing.
+    QHeaderView& header = *grid.horizontalHeader();
+    const QPoint edge(header.sectionViewportPosition(1) - 1, header.height() / 2);
+    QTest::mousePress(header.viewport(), Qt::LeftButton, {}, edge);
+    QTest::mouseMove(header.viewport(), edge + QPoint(15, 0));
+    QTest::mouseMove(header.viewport(), edge + QPoint(30, 0));
+    QTest::mouseRelease(header.viewport(), Qt::LeftButton, {}, edge + QPoint(30, 0));
+    EXPECT_EQ(shown(0), "1 10 9 2");
+    EXPECT_GT(grid.columnTwips(0), 1200);
+}
+
 TEST_F(ListGridTest, DoubleClickOnRowsOnly)
 {
     add({"1\t甲", "2\t乙"});

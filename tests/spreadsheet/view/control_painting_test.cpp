@@ -6,6 +6,8 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <functional>
+#include <map>
 #include <random>
 #include <set>
 
@@ -100,6 +102,44 @@ TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
         const QImage parts = pictureOf(control);
         control.refresh();
         ASSERT_EQ(parts, pictureOf(control)) << "step " << step << " changes " << done;
+    }
+}
+
+TEST_F(ControlTest, EveryLookIsPainted)
+{
+    using Change = std::function<void(CellStyle&)>;
+    const std::pair<const char*, Change> looks[] = {
+        {"plain", [](CellStyle&) {}},
+        {"bold", [](CellStyle& style) { style.font.bold = true; }},
+        {"italic", [](CellStyle& style) { style.font.italic = true; }},
+        {"underline", [](CellStyle& style) { style.font.underline = true; }},
+        {"strike-through", [](CellStyle& style) { style.font.strikeThrough = true; }},
+        {"size", [](CellStyle& style) { style.font.points = 14; }},
+        {"colour", [](CellStyle& style) { style.foreground = 0xC00000; }},
+        {"background", [](CellStyle& style) { style.background = 0xFFF2A8; }},
+        {"centre", [](CellStyle& style) { style.horizontal = HorizontalAlignment::centre; }},
+        {"right", [](CellStyle& style) { style.horizontal = HorizontalAlignment::right; }},
+        {"top", [](CellStyle& style) { style.vertical = VerticalAlignment::top; }},
+        {"bottom", [](CellStyle& style) { style.vertical = VerticalAlignment::bottom; }},
+        {"button", [](CellStyle& style) { style.type = CellType::button; }},
+        {"drop-down", [](CellStyle& style) { style.type = CellType::dropDown; }},
+        {"check box", [](CellStyle& style) { style.type = CellType::checkBox; }},
+    };
+    control.setActiveCell(9, 20);
+    control.setRowHeight(2, 600);
+    std::map<std::string, const char*> pictures;
+    for (const auto& [what, change] : looks) {
+        put("B2", what == std::string("check box") ? "" : "元");
+        control.changeStyle({2, 2, 2, 2}, [&change = change](CellStyle& style) {
+            style = {};
+            change(style);
+        });
+        control.refresh();
+        const QImage picture = pictureOf(control, "B2");
+        const std::string bytes(reinterpret_cast<const char*>(picture.constBits()),
+                                static_cast<std::size_t>(picture.sizeInBytes()));
+        const auto [former, fresh] = pictures.emplace(bytes, what);
+        EXPECT_TRUE(fresh) << what << " looks like " << former->second;
     }
 }
 
