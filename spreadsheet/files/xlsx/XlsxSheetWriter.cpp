@@ -1,5 +1,7 @@
 #include "spreadsheet/files/xlsx/XlsxSheetWriter.h"
 
+#include "spreadsheet/files/exchange/column_widths.h"
+#include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
@@ -9,6 +11,7 @@
 #include "spreadsheet/formula/FormulaPool.h"
 
 #include <algorithm>
+#include <cmath>
 #include <xlsxwriter.h>
 
 namespace spreadsheet {
@@ -16,13 +19,19 @@ namespace spreadsheet {
 namespace {
 
 constexpr double twipsOfPoint = 20, twipsOfInch = 1440;
-constexpr int twipsOfPixel = 15;
 constexpr std::size_t mostCharacters = 32'767;
 
 lxw_color_t fileColour(Colour colour)
 {
     constexpr lxw_color_t black = LXW_COLOR_BLACK;
     return colour == 0 || colour == automaticColour ? black : colour; // 0 means none to the library
+}
+
+/// The library writes 16 digits, rounded: what would round above the largest number stays just below it.
+double fileNumber(double number)
+{
+    constexpr double largest = 1.797693134862315e308;
+    return std::clamp(number, -largest, largest);
 }
 
 lxw_row_t rowOf(CellAddress at)
@@ -65,7 +74,7 @@ lxw_format_alignments verticalCode(VerticalAlignment alignment)
 
 void setFont(lxw_format* format, const CellFont& font)
 {
-    format_set_font_name(format, font.family.empty() ? "宋体" : std::string(font.family.view()).c_str());
+    format_set_font_name(format, std::string(fileFamily(font.family.view())).c_str());
     format_set_font_size(format, static_cast<double>(font.points));
     if (font.bold)
         format_set_bold(format);
@@ -106,6 +115,8 @@ XlsxFormats::XlsxFormats(const StylePool& pool, lxw_workbook* book, Warnings& wa
     , m_warnings(warnings)
     , m_formats(pool.size())
 {
+    // The format of cells that nobody touched: its font is the one that widths of columns are counted in.
+    setFont(STAILQ_FIRST(book->formats), pool[0].font);
 }
 
 lxw_format* XlsxFormats::format(std::uint32_t style)
@@ -148,6 +159,8 @@ XlsxSheetWriter::XlsxSheetWriter(const XlsxSheetSource& source, lxw_worksheet* t
     , m_settings(source.sheet.settings())
     , m_target(target)
 {
+    const CellFont& font = source.workbook.styles()[0].font;
+    m_digitPixels = digitPixels(fileFamily(font.family.view()), font.points);
 }
 
 void XlsxSheetWriter::write()
@@ -170,7 +183,8 @@ void XlsxSheetWriter::sizes()
                                static_cast<lxw_col_t>(m_settings.frozenColumns));
 }
 
-/// Every column of the sheet: the library offers no default width.
+/// Every column of the sheet: the library offers no default width. It takes digits to be 7 pixels wide and
+/// writes the pixels that it is given divided by 7, so it is given sevenths of our digits.
 void XlsxSheetWriter::columns()
 {
     const auto signature = [this](int column) {
@@ -181,6 +195,7 @@ void XlsxSheetWriter::columns()
                           m_settings.columns.hidden.contains(column),
                           style == m_settings.columnStyles.end() ? 0u : style->second);
     };
+    constexpr double sevenths = 7;
     const int last = std::min(m_settings.columnCount, maxColumns);
     for (int first = 1; first <= last;) {
         int end = first;
@@ -189,9 +204,9 @@ void XlsxSheetWriter::columns()
         const auto& [size, isHidden, style] = signature(first);
         lxw_row_col_options options{};
         options.hidden = isHidden;
+        const double width = std::max(1.0, std::round(columnDigits(size, m_digitPixels) * sevenths));
         worksheet_set_column_pixels_opt(m_target, static_cast<lxw_col_t>(first - 1),
-                                        static_cast<lxw_col_t>(end - 1),
-                                        static_cast<std::uint32_t>(size / twipsOfPixel),
+                                        static_cast<lxw_col_t>(end - 1), static_cast<std::uint32_t>(width),
                                         style == 0 ? nullptr : m_source.formats.format(style), &options);
         first = end + 1;
     }
@@ -268,7 +283,7 @@ void XlsxSheetWriter::constant(CellAddress at, const Value& value, lxw_format* f
         }
         worksheet_write_string(m_target, row, column, text.c_str(), format);
     } else if (value.isNumber()) {
-        worksheet_write_number(m_target, row, column, value.number(), format);
+        worksheet_write_number(m_target, row, column, fileNumber(value.number()), format);
     } else if (value.isBoolean()) {
         worksheet_write_boolean(m_target, row, column, value.boolean(), format);
     } else if (value.isError()) { // the library has no cells of errors
@@ -288,7 +303,7 @@ void XlsxSheetWriter::formula(CellAddress at, std::uint32_t number, const Value&
         return constant(at, value, format);
     const std::string text =
         "=" + portableFormula(m_source.workbook.formulas().text(number, base), base, m_source.sheetId);
-    const double result = value.isNumber() ? value.number() : value.isBoolean() ? value.boolean() : 0;
+    const double result = value.isNumber() ? fileNumber(value.number()) : value.isBoolean() ? value.boolean() : 0;
     if (range) {
         worksheet_write_array_formula_num(
             m_target, rowOf(base), columnOf(base), static_cast<lxw_row_t>(range->bottom - 1),

@@ -59,6 +59,7 @@ private:
     const XlsxSheetSource m_source;
     const SheetSettings& m_settings;
     lxw_worksheet* m_target;
+    double m_digitPixels;
     bool m_hasLocked = false;
 };
 
