@@ -5,6 +5,7 @@
 #include "spreadsheet/files/exchange/page_margins.h"
 #include "spreadsheet/files/range_overlap.h"
 #include "spreadsheet/files/xls/cell_codes.h"
+#include "spreadsheet/files/xls/list_checks.h"
 #include "spreadsheet/files/xls/records.h"
 
 #include <algorithm>
@@ -129,6 +130,9 @@ bool SheetReader::settingRecord(RecordStream& stream)
     case xls::textObject:
         m_notes.readTextObject(stream);
         return true;
+    case xls::inputCheck:
+        readListCheck(stream, m_lists);
+        return true;
     case xls::note:
         if (m_globals.version == xls::version8)
             m_notes.readNote(record);
@@ -172,6 +176,7 @@ void SheetReader::finish()
     print.marginBottom = ownMargin(print.marginBottom, print.footer);
     m_settings.rowCount = std::max(m_settings.rowCount, m_lastRow);
     m_settings.columnCount = std::max(m_settings.columnCount, m_lastColumn);
+    placeLists(m_lists, m_sheet, m_settings, m_workbook.styles(), m_globals.warnings);
     m_sheet.changeSettings([this](SheetSettings& settings) { settings = std::move(m_settings); });
 }
 

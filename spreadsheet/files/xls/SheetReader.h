@@ -1,6 +1,7 @@
 #pragma once
 #include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/exchange/CodePage.h"
+#include "spreadsheet/files/exchange/drop_down_lists.h"
 #include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/xls/FormulaReader.h"
 #include "spreadsheet/files/xls/NoteReader.h"
@@ -89,6 +90,7 @@ private:
     FormulaReader m_formulaReader;
     SheetSettings m_settings;
     NoteReader m_notes;
+    std::vector<DropDownList> m_lists;
     std::map<CellPosition, Group> m_groups; ///< by the cell that the others name
     SheetResolver m_sheetId;
     double m_digitPixels;

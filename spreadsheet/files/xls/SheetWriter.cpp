@@ -4,6 +4,7 @@
 #include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/exchange/page_margins.h"
+#include "spreadsheet/files/xls/list_checks.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/write_notes.h"
 
@@ -49,6 +50,7 @@ void SheetWriter::write()
     writeNotes(m_settings.notes, m_index, m_writer);
     window();
     spans();
+    writeLists(writtenLists(m_sheet, m_parts.workbook.styles(), xls::maxRows, m_parts.warnings), m_writer);
     m_writer.begin(xls::endOfFile);
     m_writer.end();
 }

@@ -90,9 +90,8 @@ XlsStyles::CellFormat XlsStyles::made(const CellStyle& style)
             format.colours[side] = colour(lines[side]->colour, Palette::text);
     }
     format.background = colour(style.background, 0);
-    if (style.type == CellType::button || style.type == CellType::dropDown ||
-        style.type == CellType::checkBox)
-        m_warnings.add("按钮、下拉列表和复选框单元格写为普通单元格");
+    if (style.type == CellType::button || style.type == CellType::checkBox)
+        m_warnings.add("按钮和复选框单元格写为普通单元格");
     return format;
 }
 

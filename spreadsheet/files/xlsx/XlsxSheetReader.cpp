@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <sstream>
 
 namespace spreadsheet {
 
@@ -78,6 +79,7 @@ void XlsxSheetReader::read(pugi::xml_node root)
     rows(childNamed(root, "sheetData"));
     arrays();
     spans(root);
+    lists(root);
     print(root);
 }
 
@@ -310,6 +312,29 @@ void XlsxSheetReader::spans(pugi::xml_node root)
     }
 }
 
+/// Input checks against a list whose entries stand in the check itself.
+void XlsxSheetReader::lists(pugi::xml_node root)
+{
+    eachChild(childNamed(root, "dataValidations"), "dataValidation", [this](pugi::xml_node node) {
+        const std::string_view text = childNamed(node, "formula1").text().get();
+        const bool isLiteral = text.size() > 2 && text.front() == '"' && text.back() == '"';
+        if (std::string_view(attributeNamed(node, "type").value()) != "list" || !isLiteral)
+            return;
+        std::string plain;
+        for (std::size_t i = 1; i + 1 < text.size(); ++i) {
+            plain += text[i];
+            if (text.substr(i, 2) == "\"\"") // a quote inside is doubled
+                ++i;
+        }
+        const DropDownEntries entries(listEntries(plain, ','));
+        std::istringstream ranges(attributeNamed(node, "sqref").value());
+        for (std::string name; ranges >> name;) {
+            if (const auto range = parseRangeName(name))
+                m_lists.push_back({*range, entries});
+        }
+    });
+}
+
 std::string XlsxSheetReader::headerText(pugi::xml_node node) const
 {
     const CellFont font = m_styles.defaultFont();
@@ -381,6 +406,7 @@ void XlsxSheetReader::finish()
 {
     m_settings.rowCount = std::max(m_settings.rowCount, m_lastRow);
     m_settings.columnCount = std::max(m_settings.columnCount, m_lastColumn);
+    placeLists(m_lists, m_sheet, m_settings, m_workbook.styles(), m_warnings);
     m_sheet.changeSettings([this](SheetSettings& settings) { settings = std::move(m_settings); });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/files/exchange/drop_down_lists.h"
 #include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/xlsx/XlsxStyles.h"
 #include "spreadsheet/formula/Lexer.h"
@@ -34,6 +35,7 @@ private:
     std::uint32_t interned(std::string_view text, CellAddress at, bool isArray);
     void arrays();
     void spans(pugi::xml_node root);
+    void lists(pugi::xml_node root);
     void print(pugi::xml_node root);
     void pageSetup(pugi::xml_node root);
     std::string headerText(pugi::xml_node node) const;
@@ -54,6 +56,7 @@ private:
     SheetSettings m_settings;
     std::unordered_map<int, std::uint32_t> m_shared; ///< formulas in the pool by the file's number
     std::vector<ArrayFormula> m_arrays;
+    std::vector<DropDownList> m_lists;
     double m_digitPixels;
     bool m_isProtected = false;
     int m_lastRow = 0, m_lastColumn = 0;

@@ -1,6 +1,7 @@
 #include "spreadsheet/files/xlsx/XlsxSheetWriter.h"
 
 #include "spreadsheet/files/exchange/column_widths.h"
+#include "spreadsheet/files/exchange/drop_down_lists.h"
 #include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/exchange/line_styles.h"
@@ -12,13 +13,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <xlsxwriter.h>
 
 namespace spreadsheet {
 
 namespace {
 
-constexpr double twipsOfPoint = 20, twipsOfInch = 1440;
+constexpr double twipsOfPoint = 20, twipsOfInch = 1440, twipsOfPixel = 15;
 constexpr std::size_t mostCharacters = 32'767;
 
 lxw_color_t fileColour(Colour colour)
@@ -32,6 +34,14 @@ double fileNumber(double number)
 {
     constexpr double largest = 1.797693134862315e308;
     return std::clamp(number, -largest, largest);
+}
+
+std::string withDoubledQuotes(const std::string& text)
+{
+    std::string doubled;
+    for (const char c : text)
+        doubled.append(c == '"' ? 2 : 1, c);
+    return doubled;
 }
 
 lxw_row_t rowOf(CellAddress at)
@@ -148,9 +158,8 @@ lxw_format* XlsxFormats::made(const CellStyle& style)
     setBorders(format, style);
     if (!style.locked)
         format_set_unlocked(format);
-    if (style.type == CellType::button || style.type == CellType::dropDown ||
-        style.type == CellType::checkBox)
-        m_warnings.add("按钮、下拉列表和复选框单元格写为普通单元格");
+    if (style.type == CellType::button || style.type == CellType::checkBox)
+        m_warnings.add("按钮和复选框单元格写为普通单元格");
     return format;
 }
 
@@ -170,6 +179,7 @@ void XlsxSheetWriter::write()
     cells();
     print();
     notes();
+    lists();
     protect();
 }
 
@@ -204,7 +214,8 @@ void XlsxSheetWriter::columns()
         const auto& [size, isHidden, style] = signature(first);
         lxw_row_col_options options{};
         options.hidden = isHidden;
-        const double width = std::max(1.0, std::round(columnDigits(size, m_digitPixels) * sevenths));
+        const int whole = static_cast<int>(std::round(size / twipsOfPixel) * twipsOfPixel);
+        const double width = std::max(1.0, std::round(columnDigits(whole, m_digitPixels) * sevenths));
         worksheet_set_column_pixels_opt(m_target, static_cast<lxw_col_t>(first - 1),
                                         static_cast<lxw_col_t>(end - 1), static_cast<std::uint32_t>(width),
                                         style == 0 ? nullptr : m_source.formats.format(style), &options);
@@ -303,7 +314,9 @@ void XlsxSheetWriter::formula(CellAddress at, std::uint32_t number, const Value&
         return constant(at, value, format);
     const std::string text =
         "=" + portableFormula(m_source.workbook.formulas().text(number, base), base, m_source.sheetId);
-    const double result = value.isNumber() ? fileNumber(value.number()) : value.isBoolean() ? value.boolean() : 0;
+    const double result = value.isNumber()    ? fileNumber(value.number())
+                          : value.isBoolean() ? value.boolean()
+                                              : 0;
     if (range) {
         worksheet_write_array_formula_num(
             m_target, rowOf(base), columnOf(base), static_cast<lxw_row_t>(range->bottom - 1),
@@ -386,6 +399,33 @@ void XlsxSheetWriter::notes()
         if (worksheet_write_comment(m_target, rowOf(at), columnOf(at), text.c_str()) != LXW_NO_ERROR)
             m_source.warnings.add("表“" + m_source.sheet.name() + "”的 " + cellName(at) +
                                   " 的批注太长,没有写出");
+    }
+}
+
+/// Input that is not in a list stays allowed, as in our cells.
+void XlsxSheetWriter::lists()
+{
+    constexpr std::size_t mostLists = 255; // the library counts them in 8 bits
+    const std::vector<DropDownList> lists =
+        writtenLists(m_source.sheet, m_source.workbook.styles(), maxRows, m_source.warnings);
+    if (lists.size() > mostLists)
+        m_source.warnings.add("表“" + m_source.sheet.name() + "”的下拉列表太多,只写出前面 255 处");
+    for (const DropDownList& list : std::span(lists).first(std::min(lists.size(), mostLists))) {
+        std::vector<std::string> entries;
+        for (const std::string& entry : *list.entries)
+            entries.push_back(withDoubledQuotes(entry));
+        std::vector<const char*> texts;
+        for (const std::string& entry : entries)
+            texts.push_back(entry.c_str());
+        texts.push_back(nullptr);
+        lxw_data_validation check{};
+        check.validate = LXW_VALIDATION_TYPE_LIST;
+        check.value_list = const_cast<char**>(texts.data()); // NOLINT: the library copies them
+        check.show_error = LXW_VALIDATION_OFF;
+        worksheet_data_validation_range(m_target, static_cast<lxw_row_t>(list.range.top - 1),
+                                        static_cast<lxw_col_t>(list.range.left - 1),
+                                        static_cast<lxw_row_t>(list.range.bottom - 1),
+                                        static_cast<lxw_col_t>(list.range.right - 1), &check);
     }
 }
 

@@ -54,6 +54,7 @@ private:
     void headers();
     void breaks();
     void notes();
+    void lists();
     void protect();
 
     const XlsxSheetSource m_source;

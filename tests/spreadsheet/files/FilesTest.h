@@ -69,6 +69,7 @@ inline void expectSame(const Workbook& expected, const Workbook& found)
             EXPECT_EQ(s.columns.size(column), t.columns.size(column)) << column;
         EXPECT_EQ(s.spans, t.spans);
         EXPECT_EQ(s.notes, t.notes);
+        EXPECT_EQ(s.dropDowns, t.dropDowns);
         EXPECT_EQ(s.isHidden, t.isHidden);
         EXPECT_EQ(s.frozenRows, t.frozenRows);
         EXPECT_EQ(s.frozenColumns, t.frozenColumns);

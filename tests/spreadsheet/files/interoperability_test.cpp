@@ -43,11 +43,17 @@ void fillReport(Workbook& workbook)
     sheet.setFormula({4, 1}, "IF(B1>0,\"盈\",\"亏\")");
     sheet.setValue({5, 1}, Value::boolean(true));
     sheet.setFormula({6, 1}, "1/0");
+    CellStyle offer;
+    offer.type = CellType::dropDown;
+    sheet.setStyle({7, 1}, offer);
+    sheet.setStyle({7, 2}, offer);
     sheet.addSpan({1, 3, 3, 3});
     sheet.setText({1, 3}, "合计");
     sheet.changeSettings([](SheetSettings& settings) {
         settings.notes[{1, 1}] = "批注";
         settings.columns.sizes[2] = 1800; // 120 pixels: 20 digits of 6
+        settings.dropDowns = {{{7, 1}, DropDownEntries({"是", "a\"b"})},
+                              {{7, 2}, DropDownEntries({"是", "a\"b"})}};
         settings.rows.sizes[3] = 480;
         settings.print.landscape = true;
         settings.print.header = "/c报表/n";
@@ -67,7 +73,7 @@ import sys, xlrd
 book = xlrd.open_workbook(sys.argv[1], formatting_info=True)
 sheet = book.sheet_by_index(0)
 print(book.sheet_names(), sheet.merged_cells, sheet.cell_note_map[0, 0].text)
-print([(cell.ctype, cell.value) for cell in sheet.row(0)])
+print([(cell.ctype, cell.value) for cell in sheet.row(0)[:6]])
 look = book.xf_list[sheet.cell(0, 1).xf_index]
 font = book.font_list[look.font_index]
 print(book.format_map[look.format_key].format_str, font.name, font.height, font.weight,
@@ -92,13 +98,15 @@ TEST(Interoperability, AnotherReaderOpensOurXlsx)
 import sys, openpyxl
 sheet = openpyxl.load_workbook(sys.argv[1])['资产负债表']
 values = openpyxl.load_workbook(sys.argv[1], data_only=True)['资产负债表']
-print([cell.value for cell in sheet[1]], [str(span) for span in sheet.merged_cells.ranges], sheet['A1'].comment.text)
-print([cell.value for cell in values[1]])
+print([cell.value for cell in sheet[1]][:6], [str(span) for span in sheet.merged_cells.ranges], sheet['A1'].comment.text)
+print([cell.value for cell in values[1]][:6])
 cell = sheet['B1']
 print(cell.number_format, cell.font.name, cell.font.sz, cell.font.b, cell.fill.fgColor.rgb, cell.border.left.style)
 print(cell.border.bottom.style, cell.border.bottom.color.rgb, cell.alignment.horizontal, cell.alignment.wrap_text,
       cell.font.u, round(sheet.row_dimensions[3].height, 3), sheet.page_setup.orientation,
       sheet.oddHeader.center.text, sheet.protection.sheet)
+print([(check.type, check.formula1, str(check.sqref)) for check in
+       sheet.data_validations.dataValidation], abs(sheet.column_dimensions['B'].width - 20) * 6 < 0.5)
 )",
                                       folder.file("a.xlsx"));
     EXPECT_EQ(output,
@@ -106,7 +114,8 @@ print(cell.border.bottom.style, cell.border.bottom.color.rgb, cell.alignment.hor
               "['A3:C3'] 批注\n"
               "['货币资金', 1234567.891, 2469136.282, '盈', True, '#DIV/0!']\n"
               "#,##0.00 黑体 12.0 True FFFFFF00 thin\n"
-              "hair FF0000FF right True single 24.0 landscape 报表 False\n");
+              "hair FF0000FF right True single 24.0 landscape 报表 False\n"
+              "[('list', '\"是,a\"\"b\"', 'G1:G2')] True\n");
 }
 
 void expectForeign(const std::filesystem::path& file)
@@ -180,11 +189,27 @@ sheet.write_datetime(1, 0, datetime.date(2026, 12, 31), book.add_format({'num_fo
 sheet.merge_range(3, 0, 4, 2, 'x')
 sheet.freeze_panes(1, 0)
 sheet.set_landscape()
+sheet.data_validation('F2:F4', {'validate': 'list', 'source': ['甲', '乙']})
+sheet.data_validation('G1:G1048576', {'validate': 'list', 'source': ['丙']})
+sheet.data_validation('H2:H1048576', {'validate': 'list', 'source': ['丁']})
+sheet.data_validation('I1', {'validate': 'list', 'source': '=A1:A9'})
 book.close()
 )",
                      folder.file("a.xlsx")),
               "");
     expectForeign(folder.file("a.xlsx"));
+    Workbook workbook;
+    loadWorkbook(workbook, folder.file("a.xlsx"));
+    const Sheet& sheet = workbook.sheet(1);
+    const auto offers = [&sheet](CellAddress at) {
+        const bool isList = sheet.style(at).type == CellType::dropDown && sheet.dropDownEntries(at);
+        return isList ? *sheet.dropDownEntries(at) : std::vector<std::string>();
+    };
+    EXPECT_EQ(offers({6, 4}), (std::vector<std::string>{"甲", "乙"}));
+    EXPECT_EQ(offers({7, 400}), std::vector<std::string>{"丙"});
+    EXPECT_EQ(offers({8, 500}), std::vector<std::string>{"丁"});
+    EXPECT_TRUE(offers({8, 1}).empty() && offers({9, 1}).empty() && offers({6, 5}).empty());
+    EXPECT_EQ(sheet.settings().rowCount, 500);
 }
 
 } // namespace

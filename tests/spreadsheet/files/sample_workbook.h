@@ -86,6 +86,29 @@ inline const std::vector<std::string>& sampleFormulas()
     return formulas;
 }
 
+/// Lists of single cells, of neighbours, and of a whole column but for one cell.
+inline void fillDropDowns(Sheet& sheet)
+{
+    CellStyle style;
+    style.type = CellType::dropDown;
+    style.font.family = Text("宋体");
+    CellStyle money = style;
+    money.numberFormat = Text("#,##0.00");
+    const DropDownEntries units(std::vector<std::string>{"个", "箱", "10\"x"});
+    const DropDownEntries currencies(std::vector<std::string>{"RMB", "USD"});
+    for (const CellAddress at : {CellAddress{9, 40}, {10, 40}, {9, 41}, {10, 41}, {9, 43}})
+        sheet.setStyle(at, at.row == 43 ? money : style);
+    sheet.setText({9, 40}, "箱");
+    sheet.setNumber({9, 43}, 1234.5);
+    sheet.setStyle({14, 3}, style);
+    sheet.setText({14, 3}, "USD");
+    sheet.changeSettings([&](SheetSettings& settings) {
+        settings.columnStyles[14] = sheet.styleNumber({14, 3});
+        settings.dropDowns = {{{9, 40}, units},  {{10, 40}, units},     {{9, 41}, units},
+                              {{10, 41}, units}, {{9, 43}, currencies}, {{14, 0}, currencies}};
+    });
+}
+
 /// A workbook with something of everything that travels.
 inline void fillSample(Workbook& workbook)
 {
@@ -131,6 +154,7 @@ inline void fillSample(Workbook& workbook)
             "/fn\"宋体\"/fz\"12\"/fb1/fi0/fu1/fk0/c利润表/n/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/r/p/n";
         settings.print.footer = "/fn\"Arial\"/fz\"8\"/fb0/fi1/fu0/fk1/l12 & 3/n";
     });
+    fillDropDowns(sheet);
     workbook.sheet(3).setNumber({2, 1}, 0.13);
     workbook.sheet(3).changeSettings([](SheetSettings& settings) { settings.isHidden = true; });
     workbook.setActiveSheet(2);

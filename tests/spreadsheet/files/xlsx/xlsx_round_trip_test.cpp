@@ -6,6 +6,7 @@
 
 #include <fstream>
 #include <gmock/gmock.h>
+#include <limits>
 #include <minizip/zip.h>
 #include <random>
 
@@ -74,6 +75,34 @@ TEST(Xlsx, RoundTripKeepsEverything)
     EXPECT_THAT(warnings.texts(), testing::IsEmpty());
     // Cells that were only covered by a span come back with the span's look.
     expectSame(workbook, found);
+}
+
+TEST(Xlsx, NumbersAndWidthsComeBackAsNearAsTheFileHoldsThem)
+{
+    const TestFolder folder;
+    Workbook workbook, found;
+    Sheet& sheet = workbook.sheet(1);
+    constexpr double largest = std::numeric_limits<double>::max();
+    const std::vector<double> numbers{largest, -largest, 1.0 / 3, 123'456'789'012'345'678.0, 5e-324, 1e-300};
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        sheet.setNumber({1, static_cast<int>(i) + 1}, numbers[i]);
+    sheet.setFormula({2, 1}, "A1");
+    workbook.recalculate();
+    constexpr int twipsOfPixel = 15, widths = 250;
+    sheet.changeSettings([](SheetSettings& settings) {
+        settings.columnCount = widths;
+        for (int pixels = 1; pixels <= widths; ++pixels)
+            settings.columns.sizes[pixels] = pixels * twipsOfPixel + pixels % 8;
+    });
+    Warnings warnings;
+    writeXlsx(workbook, folder.file("a.xlsx"), warnings);
+    readXlsx(bytesOf(folder.file("a.xlsx")), found, warnings);
+    constexpr double digits15 = 1e-15;
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        EXPECT_NEAR(found.sheet(1).value({1, static_cast<int>(i) + 1}).number() / numbers[i], 1, digits15);
+    EXPECT_NEAR(found.sheet(1).value({2, 1}).number() / largest, 1, digits15);
+    for (int pixels = 1; pixels <= widths; ++pixels)
+        EXPECT_EQ(found.sheet(1).settings().columns.size(pixels), pixels * twipsOfPixel);
 }
 
 TEST(Xlsx, ReadsWhatOtherProgramsWrite)
