@@ -77,7 +77,7 @@ void SheetWriter::printSettings()
     m_writer.putZeros(8);
     m_writer.end();
     m_writer.begin(xls::defaultRowHeight);
-    m_writer.put16(0);
+    m_writer.put16(1); // not what the font would make it
     m_writer.put16(static_cast<unsigned>(m_settings.rows.defaultSize));
     m_writer.end();
     m_writer.record16(xls::sheetFlags, 0x04C1 | (print.fitWidth ? 0x100u : 0u));

@@ -56,11 +56,11 @@ void SheetWriter::rowRecord(int row, const std::vector<StoredCell>& cells)
     m_writer.put16(static_cast<unsigned>(row - 1));
     m_writer.put16(cells.empty() ? 0 : columnOf(cells.front()));
     m_writer.put16(cells.empty() ? 0 : columnOf(cells.back()) + 1);
-    m_writer.put16(sized ? static_cast<unsigned>(std::clamp(size->second, 1, 8190))
-                         : static_cast<unsigned>(m_settings.rows.defaultSize) | 0x8000u);
+    m_writer.put16(
+        static_cast<unsigned>(std::clamp(sized ? size->second : m_settings.rows.defaultSize, 1, 8190)));
     m_writer.put32(0);
-    m_writer.put32(usual | (hidden ? isHidden : 0) | (sized ? hasHeight : 0) | (styled ? hasFormat : 0) |
-                   format << 16);
+    // The usual height is said too: programs would fit a row without one to its texts.
+    m_writer.put32(usual | hasHeight | (hidden ? isHidden : 0) | (styled ? hasFormat : 0) | format << 16);
     m_writer.end();
 }
 

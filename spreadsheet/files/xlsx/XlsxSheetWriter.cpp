@@ -36,6 +36,12 @@ double fileNumber(double number)
     return std::clamp(number, -largest, largest);
 }
 
+/// Holds a content or a look of its own.
+bool isWritten(const CellBlock& block, int index)
+{
+    return block.kinds()[index] != ValueKind::empty || block.style(index) != 0 || block.formula(index) != 0;
+}
+
 std::string withDoubledQuotes(const std::string& text)
 {
     std::string doubled;
@@ -223,20 +229,43 @@ void XlsxSheetWriter::columns()
     }
 }
 
+/// Rows that the file names: with cells, or with settings of their own.
+std::vector<bool> XlsxSheetWriter::namedRows() const
+{
+    std::vector<bool> rows;
+    const auto name = [&rows](int row) {
+        if (rows.size() <= static_cast<std::size_t>(row))
+            rows.resize(static_cast<std::size_t>(row) + 1);
+        rows[static_cast<std::size_t>(row)] = true;
+    };
+    for (const auto& [row, size] : m_settings.rows.sizes)
+        name(row);
+    for (const auto& [row, hidden] : m_settings.rows.hidden)
+        name(row);
+    for (const auto& [row, style] : m_settings.rowStyles)
+        name(row);
+    for (int column = 1; column <= m_source.sheet.storedColumns(); ++column) {
+        for (const Column::Slot& slot : m_source.sheet.column(column)->slots()) {
+            for (int i = 0; i < slot.block->count(); ++i) {
+                if (isWritten(*slot.block, i))
+                    name(slot.firstRow + i);
+            }
+        }
+    }
+    return rows;
+}
+
+/// The usual height is said too: programs would fit a row without one to its texts.
 void XlsxSheetWriter::rows()
 {
-    std::map<int, bool> rows;
-    for (const auto& [row, size] : m_settings.rows.sizes)
-        rows[row] = true;
-    for (const auto& [row, hidden] : m_settings.rows.hidden)
-        rows[row] = true;
-    for (const auto& [row, style] : m_settings.rowStyles)
-        rows[row] = true;
-    for (const auto& [row, used] : rows) {
+    const std::vector<bool> named = namedRows();
+    for (int row = 1; row < static_cast<int>(named.size()); ++row) {
+        if (!named[static_cast<std::size_t>(row)])
+            continue;
         const auto size = m_settings.rows.sizes.find(row);
         const auto style = m_settings.rowStyles.find(row);
         const int twips = size == m_settings.rows.sizes.end() ? m_settings.rows.defaultSize : size->second;
-        constexpr double nearly = 0.0001; // the library leaves rows of exactly 15 points out
+        constexpr double nearly = 0.0001; // the library leaves a height out that is the sheet's usual one
         lxw_row_col_options options{};
         options.hidden = m_settings.rows.hidden.contains(row);
         worksheet_set_row_opt(
@@ -269,10 +298,9 @@ void XlsxSheetWriter::cells()
 
 void XlsxSheetWriter::cell(CellAddress at, const CellBlock& block, int index)
 {
-    const std::uint32_t own = block.style(index), formulaNumber = block.formula(index);
-    const bool isEmpty = block.kinds()[index] == ValueKind::empty && formulaNumber == 0;
-    if (own == 0 && isEmpty)
+    if (!isWritten(block, index))
         return;
+    const std::uint32_t own = block.style(index), formulaNumber = block.formula(index);
     const std::uint32_t style = own != 0 ? own : m_source.sheet.styleNumber(at);
     m_hasLocked |= m_source.workbook.styles()[style].locked;
     lxw_format* const format = m_source.formats.format(style);

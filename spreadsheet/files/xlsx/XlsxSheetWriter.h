@@ -44,6 +44,7 @@ public:
 private:
     void sizes();
     void columns();
+    std::vector<bool> namedRows() const;
     void rows();
     void spans();
     void cells();
