@@ -145,13 +145,25 @@ public:
         m_writer.end();
         return *this;
     }
-    StreamMaker& bytes(std::uint16_t id, std::initializer_list<unsigned> data)
+    StreamMaker& bytes(std::uint16_t id, const std::vector<unsigned>& data)
     {
         m_writer.begin(id);
         for (const unsigned number : data)
             m_writer.put8(number);
         m_writer.end();
         return *this;
+    }
+    /// In A1, with 42 as its last value.
+    StreamMaker& formula(const std::vector<unsigned>& tokens)
+    {
+        std::vector<unsigned> data(22);
+        data[4] = 15;
+        data[12] = 0x45;
+        data[13] = 0x40;
+        data[20] = static_cast<unsigned>(tokens.size() & 0xFF);
+        data[21] = static_cast<unsigned>(tokens.size() >> 8);
+        data.insert(data.end(), tokens.begin(), tokens.end());
+        return bytes(xls::formula, data);
     }
     StreamMaker& sheet()
     {
@@ -199,6 +211,49 @@ TEST(Xls, ReadsSharedFormulasSeenFromEachCell)
     EXPECT_EQ(workbook.sheet(1).formula({1, 3}), "A2+$C$1");
 }
 
+TEST(Xls, FormulasThatCannotBeKeptLeaveTheirLastValue)
+{
+    const auto nested = [](std::size_t count, const std::vector<unsigned>& token) {
+        std::vector<unsigned> tokens{0x1E, 1, 0}; // the number 1
+        for (std::size_t i = 0; i < count; ++i)
+            tokens.insert(tokens.end(), token.begin(), token.end());
+        return StreamMaker().sheet().formula(tokens).end();
+    };
+    const std::vector<unsigned> sumOfOne{0x42, 1, 4, 0}, brackets{0x15}, minus{0x13};
+    const struct {
+        const char* what;
+        std::vector<std::byte> file;
+        const char* reason;
+    } cases[] = {
+        {"a reference to another file",
+         StreamMaker()
+             .bytes(xls::externBook, {1, 0, 5, 0, 0, 1, 'a', '.', 'x', 'l', 1, 0, 0, 'S'})
+             .bytes(xls::externSheet, {1, 0, 0, 0, 0, 0, 0, 0})
+             .sheet()
+             .formula({0x5A, 0, 0, 0, 0, 0, 0xC0})
+             .end(),
+         "引用其他文件"},
+        {"sums in sums without end", nested(2000, sumOfOne), "保留了上次算出的值"},
+        {"brackets in brackets without end", nested(8000, brackets), "嵌套太深"},
+        {"signs before signs without end", nested(8000, minus), "符号太多"},
+        {"no token", StreamMaker().sheet().formula({0x1A}).end(), "不认识"},
+        {"an operator without operands", StreamMaker().sheet().formula({0x03}).end(), "操作数"},
+    };
+    for (const auto& c : cases) {
+        Workbook workbook;
+        Warnings warnings;
+        readXls(c.file, workbook, warnings);
+        EXPECT_EQ(workbook.sheet(1).value({1, 1}), Value(42.0)) << c.what;
+        EXPECT_FALSE(workbook.sheet(1).hasFormula({1, 1})) << c.what;
+        EXPECT_THAT(warnings.texts(), testing::ElementsAre(testing::HasSubstr(c.reason))) << c.what;
+    }
+    Workbook workbook;
+    Warnings warnings;
+    readXls(nested(20, sumOfOne), workbook, warnings);
+    EXPECT_TRUE(workbook.sheet(1).formula({1, 1}).starts_with("SUM(SUM(SUM("));
+    EXPECT_THAT(warnings.texts(), testing::IsEmpty());
+}
+
 TEST(Xls, RefusalsNameTheReason)
 {
     const auto huge = [] {
@@ -216,6 +271,7 @@ TEST(Xls, RefusalsNameTheReason)
         {"no sheets", StreamMaker().end(), "没有工作表"},
         {"font too short", StreamMaker().record(xls::font, {1}).sheet().end(), "0x0031"},
         {"cell too short", StreamMaker().sheet().record(xls::number, {1, 1, 15}).end(), "0x0203"},
+        {"list too short", StreamMaker().sheet().record(xls::inputCheck, {0x83, 0}).end(), "0x01BE"},
         {"merged cells too short", StreamMaker().sheet().record(xls::mergedCells, {1000, 1}).end(), "0x00E5"},
     };
     for (const auto& c : cases)

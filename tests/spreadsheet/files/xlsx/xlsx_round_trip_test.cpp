@@ -124,6 +124,20 @@ TEST(Xlsx, ReadsWhatOtherProgramsWrite)
     EXPECT_EQ(sheet.displayText({2, 1}), "甲乙");
     EXPECT_EQ(sheet.formula({2, 3}), "A1+IFNA(A2,0)");
     EXPECT_EQ(sheet.formula({2, 4}), "A2+IFNA(A3,0)");
+
+    const std::string deep(100'000, '(');
+    const auto sheetOf = [](const std::string& formula) {
+        return "<worksheet><sheetData><row r=\"1\"><c r=\"A1\"><f>" + formula +
+               "</f><v>42</v></c></row></sheetData></worksheet>";
+    };
+    for (const std::string& formula : {deep, std::string("[1]S!A1"), std::string("1+")}) {
+        Workbook other;
+        Warnings kept;
+        readXlsx(archive(folder, workbookOf(sheetOf(formula))), other, kept);
+        EXPECT_EQ(other.sheet(1).value({1, 1}), Value(42.0));
+        EXPECT_FALSE(other.sheet(1).hasFormula({1, 1}));
+        EXPECT_THAT(kept.texts(), testing::ElementsAre(testing::HasSubstr("保留了上次算出的值")));
+    }
 }
 
 TEST(Xlsx, RefusalsNameTheReason)
