@@ -47,8 +47,6 @@ QString frmEditor::EditorGrid::writeFormula(const QString& formula)
     grid.setCurrent(gCellCol, gCellRow);
     if (const auto problem = grid.setFormula(formula))
         return QString::fromStdString(problem->reason);
-    if (m_window.m_evaluation.isShowFormula == 1)
-        m_window.m_evaluation.showFormulas();
     grid.afterEdit(spreadsheet::CellAddress{gCellCol, gCellRow});
     m_window.m_formulaBox->fill();
     return {};

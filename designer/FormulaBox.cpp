@@ -116,7 +116,8 @@ bool FormulaBox::commit()
         return true;
     }
     const std::string typed = m_edit.text().toStdString();
-    if (const auto problem = enter(*own, trimmed(typed))) {
+    if (const auto problem = spreadsheet::enterText(m_grid.workbook(), *own, m_cell, trimmed(typed),
+                                                    spreadsheet::TypedInto::formulaBox)) {
         const std::size_t place = std::min(problem->position, typed.size());
         m_assistant->markMistake(static_cast<int>(spreadsheet::unitOfByte(typed, place)));
         if (refused)
@@ -125,16 +126,6 @@ bool FormulaBox::commit()
     }
     m_grid.afterEdit(m_cell);
     return true;
-}
-
-std::optional<spreadsheet::FormulaProblem> FormulaBox::enter(Sheet& sheet, std::string_view text)
-{
-    const spreadsheet::UndoStep step(m_grid.workbook(), "输入");
-    auto problem =
-        spreadsheet::enterText(m_grid.workbook(), sheet, m_cell, text, spreadsheet::TypedInto::formulaBox);
-    if (!problem && m_grid.textEntered)
-        m_grid.textEntered();
-    return problem;
 }
 
 void FormulaBox::begin()

@@ -1,13 +1,10 @@
 #pragma once
 #include "spreadsheet/engine/CellAddress.h"
-#include "spreadsheet/engine/FormulaProblem.h"
 
 #include <QObject>
 
 #include <functional>
-#include <optional>
 #include <string>
-#include <string_view>
 
 class QLineEdit;
 
@@ -45,7 +42,6 @@ private:
     class Editing;
     spreadsheet::Sheet* sheet() const;
     bool isUnchanged(const spreadsheet::Sheet& sheet) const;
-    std::optional<spreadsheet::FormulaProblem> enter(spreadsheet::Sheet& sheet, std::string_view text);
     void begin();
     void leaveFor(bool committing);
 

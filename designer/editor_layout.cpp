@@ -202,10 +202,6 @@ void frmEditor::connectGrid()
 {
     using spreadsheet::SpreadsheetControl;
     m_formulaBox->refused = [](const std::string& reason) { tellUser(Icon::critical, reason); };
-    m_fps1->textEntered = [this] {
-        if (m_evaluation.isShowFormula == 1)
-            m_evaluation.showFormulas();
-    };
     m_fps1->functionHints().describe("Acct", QStringLiteral("科目,取数类型,货币,年度,起始期间,截目期间"),
                                      QStringLiteral("总账取数公式"));
     m_fps1->functionHints().describe("REF_F", QStringLiteral("表名,单元格名称,标签"),

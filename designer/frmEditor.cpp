@@ -88,7 +88,6 @@ void frmEditor::openReport()
         m_evaluation.showStoredData();
         m_opensForUse = true;
     }
-    m_evaluation.isShowFormula = 0;
     enterCell();
     if (!gRunMode) {
         m_recovery = std::make_unique<Recovery>(m_fps1->workbook(), storedReport());
@@ -212,7 +211,7 @@ void frmEditor::enterCell()
 QString frmEditor::modeText() const
 {
     const QString mode = gRunMode                          ? QStringLiteral("使用")
-                         : m_evaluation.isShowFormula == 1 ? QStringLiteral("显示公式")
+                         : m_evaluation.isShowFormula() == 1 ? QStringLiteral("显示公式")
                                                            : QStringLiteral("设计");
     return m_cancelled == Extent::none ? mode : mode + QStringLiteral(" 数值未更新");
 }

@@ -6,6 +6,7 @@
 #include "formula/report_functions.h"
 #include "formula/SharedFetches.h"
 #include "platform/dialogs/UserWait.h"
+#include "spreadsheet/engine/UndoJournal.h"
 
 #include <algorithm>
 #include <charconv>
@@ -69,40 +70,53 @@ std::optional<CellType> taggedType(std::string_view tag)
     return spreadsheet::cellTypeOf(code);
 }
 
-/// In a report that was saved with its formulas shown they are so from the beginning.
-bool showsFormulas(spreadsheet::Workbook& workbook)
+bool showsTexts(const spreadsheet::Workbook& workbook)
 {
-    bool isShown = false;
-    forEveryCell(workbook, [&](const Sheet& sheet, CellAddress cell) {
-        isShown = isShown || !sheet.shownText(cell).empty();
-    });
-    return isShown;
+    for (int index = 1; index <= workbook.sheetCount(); ++index)
+        if (workbook.sheet(index).hasShownTexts())
+            return true;
+    return false;
 }
 
-/// @param again  formulas were shown already: a cell that got another formula meanwhile is plain text only
-///               because it was shown
-void showFormula(Sheet& sheet, CellAddress cell, bool again)
+void keepType(Sheet& sheet, CellAddress cell)
 {
-    if (!sheet.shownText(cell).empty())
-        return; // already shown: its tag holds the type that it has as data
-    const CellType type = sheet.style(cell).type;
-    if (!again || type != CellType::edit || !taggedType(sheet.tag(cell).view()))
-        sheet.setTag(cell, std::to_string(static_cast<int>(type)));
+    sheet.setTag(cell, std::to_string(static_cast<int>(sheet.style(cell).type)));
+}
+
+/// A cell that holds another formula than it shows was typed, pasted or filled into, or moved; plain text it may
+/// be only because it was shown before, and then its tag holds the type that it has as data.
+void showFormula(Sheet& sheet, CellAddress cell)
+{
     const std::string formula = sheet.formula(cell);
-    if (trimmed(formula).empty())
+    const CellType type = sheet.style(cell).type;
+    if (trimmed(formula).empty() || (type == CellType::edit && sheet.shownText(cell).view() == formula))
         return;
+    if (type != CellType::edit || !taggedType(sheet.tag(cell).view()))
+        keepType(sheet, cell);
     setType(sheet, cell, CellType::edit);
     sheet.setShownText(cell, formula);
 }
 
 void restoreType(Sheet& sheet, CellAddress cell)
 {
-    if (!sheet.hasFormula(cell))
-        return;
     if (const auto type = taggedType(sheet.tag(cell).view()))
         setType(sheet, cell, *type);
-    if (!sheet.shownText(cell).empty())
-        sheet.setShownText(cell, {});
+}
+
+void showValue(Sheet& sheet, CellAddress cell)
+{
+    if (!sheet.hasFormula(cell))
+        return;
+    restoreType(sheet, cell);
+    sheet.setShownText(cell, {});
+}
+
+/// Whether a cell was plain text only because its formula was shown, which this step took away.
+bool lostItsFormula(const Sheet& sheet, CellAddress cell, const spreadsheet::Column* before)
+{
+    const auto* slot = before ? before->find(cell.row) : nullptr;
+    return slot && !slot->block->shown(cell.row - slot->firstRow).empty() && before->formula(cell.row) != 0 &&
+           !sheet.hasFormula(cell) && sheet.style(cell).type == CellType::edit;
 }
 
 } // namespace
@@ -110,6 +124,7 @@ void restoreType(Sheet& sheet, CellAddress cell)
 ReportEvaluation::ReportEvaluation(spreadsheet::Workbook& workbook)
     : m_workbook(workbook)
 {
+    m_workbook.setStepEndHook([this] { keepDisplay(); });
 }
 
 ReportEvaluation::~ReportEvaluation()
@@ -120,6 +135,7 @@ ReportEvaluation::~ReportEvaluation()
     m_workbook.registerFunction("REF_F", 3, decline);
     m_workbook.setPrepareHook({});
     m_workbook.setPauseHook({});
+    m_workbook.setStepEndHook({});
 }
 
 void ReportEvaluation::addSelfFunction()
@@ -128,7 +144,7 @@ void ReportEvaluation::addSelfFunction()
     m_workbook.registerFunction("Acct", 6, callback);
     m_workbook.registerFunction("REF_F", 3, callback);
     m_workbook.setPrepareHook([this](std::span<spreadsheet::PreparedCall> calls) {
-        if (!m_shared || isShowFormula == 1)
+        if (!m_shared || m_workbook.formulasShown())
             return;
         try {
             m_shared->prepare(calls);
@@ -137,11 +153,12 @@ void ReportEvaluation::addSelfFunction()
         }
     });
     m_workbook.setPauseHook([] { return userWait().pause(); });
+    m_storedTexts = showsTexts(m_workbook);
 }
 
 void ReportEvaluation::fps1_CustomFunction(spreadsheet::FunctionCall& call)
 {
-    if (isShowFormula == 1)
+    if (m_workbook.formulasShown())
         return;
     const RecalculationUnderWay underWay; // the workbook may recalculate without being asked here
     try {
@@ -202,28 +219,55 @@ bool ReportEvaluation::recalculateChanged()
     return recalculateWith([&] { return m_workbook.recalculateChanged(); });
 }
 
+std::int16_t ReportEvaluation::isShowFormula() const
+{
+    return m_workbook.formulasShown() ? 1 : 0;
+}
+
+/// The formulas themselves are shown when the step ends. A report that was saved with its formulas shown has its
+/// types in the tags already.
 void ReportEvaluation::showFormulas()
 {
     const spreadsheet::UndoStep step(m_workbook, "显示公式");
-    const bool again = isShowFormula == 1 || showsFormulas(m_workbook);
-    isShowFormula = 1;
+    if (m_workbook.formulasShown())
+        return;
+    if (!showsTexts(m_workbook))
+        forEveryCell(m_workbook, keepType);
     m_workbook.setFormulasShown(true);
-    forEveryCell(m_workbook, [again](Sheet& sheet, CellAddress cell) { showFormula(sheet, cell, again); });
+    m_storedTexts = false;
+}
+
+/// What changed cells show once a step ends, whatever changed them: the formulas that they hold now, or data.
+void ReportEvaluation::keepDisplay()
+{
+    if (!m_workbook.formulasShown()) {
+        if (!m_storedTexts && showsTexts(m_workbook)) // pasted cells come from a sheet that shows its formulas
+            forEveryCell(m_workbook, [](Sheet& sheet, CellAddress cell) {
+                if (!sheet.shownText(cell).empty())
+                    showValue(sheet, cell);
+            });
+        return;
+    }
+    const spreadsheet::UndoJournal& journal = m_workbook.journal();
+    forEveryCell(m_workbook, [&journal](Sheet& sheet, CellAddress cell) {
+        if (sheet.hasFormula(cell))
+            showFormula(sheet, cell);
+        else if (lostItsFormula(sheet, cell, journal.formerColumn(sheet.id(), cell.column)))
+            restoreType(sheet, cell);
+    });
 }
 
 void ReportEvaluation::showStoredData()
 {
-    isShowFormula = 0;
+    const spreadsheet::UndoStep step(m_workbook, "显示数据");
     m_workbook.setFormulasShown(false);
-    forEveryCell(m_workbook, restoreType);
+    m_storedTexts = false;
+    forEveryCell(m_workbook, showValue);
 }
 
 bool ReportEvaluation::showData()
 {
-    {
-        const spreadsheet::UndoStep step(m_workbook, "显示数据");
-        showStoredData();
-    }
+    showStoredData();
     return recalculate();
 }
 

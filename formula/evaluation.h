@@ -35,7 +35,8 @@ public:
     /// Computes what depends on changes since the last recalculation.
     bool recalculateChanged();
 
-    /// Keeps each cell's type in its tag; every formula cell becomes plain text and shows its formula.
+    /// Keeps each cell's type in its tag; every formula cell becomes plain text and shows its formula. So does
+    /// every cell that gets a formula from now on, whatever puts it there.
     void showFormulas();
     /// Restores the types from the tags and recalculates.
     bool showData();
@@ -44,8 +45,8 @@ public:
     /// … and then does: one recalculation.
     bool startRun();
 
-    /// 1 while the formulas are shown: the callback hands back nothing.
-    std::int16_t isShowFormula = 0;
+    /// 1 while the formulas are shown: the callback hands back nothing. Undo brings the former state back.
+    std::int16_t isShowFormula() const;
 
     /// Why cells of the last recalculation have no value or a doubtful one, in the order of sheets, columns
     /// and rows. After an incremental one the cells that it did not touch keep theirs.
@@ -55,6 +56,7 @@ private:
     void fps1_CustomFunction(spreadsheet::FunctionCall& call);
     bool recalculateWith(const std::function<spreadsheet::RecalculationReport()>& recalculation);
     void takeDiagnostics();
+    void keepDisplay();
     bool isGone(spreadsheet::CallPlace place) const;
 
     spreadsheet::Workbook& m_workbook;
@@ -62,6 +64,7 @@ private:
     FetchLog m_log;
     std::vector<CellDiagnostic> m_diagnostics;
     bool m_fetchesShared = true;
+    bool m_storedTexts = false; ///< the report came with its formulas shown and was not asked for its data yet
 };
 
 } // namespace selfreport

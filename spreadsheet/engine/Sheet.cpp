@@ -105,6 +105,20 @@ Text Sheet::shownText(CellAddress cell) const
     return slot ? slot->block->shown(cell.row - slot->firstRow) : Text();
 }
 
+bool Sheet::hasShownTexts() const
+{
+    const auto hasOne = [](const CellBlock& block) {
+        for (int index = 0; block.hasShown() && index < block.count(); ++index)
+            if (!block.shown(index).empty())
+                return true;
+        return false;
+    };
+    return std::ranges::any_of(m_columns, [&](const Column& column) {
+        return std::ranges::any_of(column.slots(),
+                                   [&](const Column::Slot& slot) { return hasOne(*slot.block); });
+    });
+}
+
 std::uint32_t Sheet::styleNumber(CellAddress cell) const
 {
     const Column* cells = column(cell.column);

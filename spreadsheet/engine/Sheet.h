@@ -46,6 +46,7 @@ public:
     std::optional<CellRange> arrayRange(CellAddress cell) const;
     Text tag(CellAddress cell) const;
     Text shownText(CellAddress cell) const;
+    bool hasShownTexts() const; ///< of any cell
     /// The cell's own style, else that of its row, else of its column, else the fresh one.
     const CellStyle& style(CellAddress cell) const;
     std::uint32_t styleNumber(CellAddress cell) const;

@@ -27,7 +27,8 @@ std::size_t unsharedBytes(const Column& former)
 
 bool UndoJournal::Step::empty() const
 {
-    return columns.empty() && allColumns.empty() && settings.empty() && !sheets && !names;
+    return columns.empty() && allColumns.empty() && settings.empty() && !sheets && !names &&
+           !formulasShown;
 }
 
 void UndoJournal::setEnabled(bool enabled)
@@ -47,6 +48,8 @@ void UndoJournal::open(std::string label)
 
 void UndoJournal::close()
 {
+    if (m_depth == 1 && m_workbook.m_stepEnd && !(m_enabled && m_current.empty()))
+        m_workbook.m_stepEnd();
     if (--m_depth > 0 || !m_enabled || m_current.empty())
         return;
     weigh(m_current);
@@ -145,6 +148,18 @@ void UndoJournal::keepNames()
         m_current.names->push_back(m_workbook.names()[name].formula);
 }
 
+void UndoJournal::keepFormulasShown()
+{
+    if (recording() && !m_current.formulasShown)
+        m_current.formulasShown = m_workbook.formulasShown();
+}
+
+const Column* UndoJournal::formerColumn(int sheetId, int column) const
+{
+    const auto found = m_current.columns.find({sheetId, column});
+    return found == m_current.columns.end() ? nullptr : &found->second;
+}
+
 void UndoJournal::undo()
 {
     if (m_undo.empty() || m_depth > 0)
@@ -187,6 +202,8 @@ void UndoJournal::exchange(Step& step)
     }
     if (step.names)
         exchangeNames(*step.names);
+    if (step.formulasShown)
+        std::swap(*step.formulasShown, m_workbook.m_formulasShown);
     for (auto& [id, settings] : step.settings) {
         if (Sheet* sheet = sheetOfId(id, step)) {
             std::swap(settings, sheet->m_settings);

@@ -50,6 +50,10 @@ public:
     void keepSettings(const Sheet& sheet);
     void keepSheets();
     void keepNames();
+    void keepFormulasShown();
+
+    /// A column as it was before the open step; null unless the step changed cells of it where they stand.
+    const Column* formerColumn(int sheetId, int column) const;
 
 private:
     struct Step {
@@ -59,6 +63,7 @@ private:
         std::map<int, SheetSettings> settings;
         std::optional<std::vector<std::shared_ptr<Sheet>>> sheets;
         std::optional<std::vector<std::uint32_t>> names;
+        std::optional<bool> formulasShown;
         std::size_t bytes = 0;
         bool empty() const;
     };

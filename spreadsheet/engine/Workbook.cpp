@@ -318,6 +318,15 @@ std::size_t Workbook::bytes() const
     return sum;
 }
 
+void Workbook::setFormulasShown(bool shown)
+{
+    if (m_formulasShown == shown)
+        return;
+    const UndoStep step(*this, "显示");
+    m_journal->keepFormulasShown();
+    m_formulasShown = shown;
+}
+
 UndoStep::UndoStep(Workbook& workbook, std::string label)
     : m_workbook(workbook)
 {

@@ -5,10 +5,12 @@
 #include "spreadsheet/engine/StylePool.h"
 #include "spreadsheet/engine/TextPool.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace spreadsheet {
@@ -71,7 +73,8 @@ public:
     /// before, and what was to be computed still is.
     void setPauseHook(PauseHook hook);
     /// While formulas are shown, custom functions that hand back nothing leave their cell as it is.
-    void setFormulasShown(bool shown) { m_formulasShown = shown; }
+    /// Undo brings the former state back.
+    void setFormulasShown(bool shown);
     bool formulasShown() const { return m_formulasShown; }
     /// Serial numbers of days count from 1904-01-01 (number 0), as in files from some machines, instead
     /// of from 1900. Date functions heed it with the next recalculation.
@@ -96,6 +99,9 @@ public:
     std::string undoLabel() const;
     void undo(); ///< and recalculates what depends on it
     void redo();
+    /// Called before a step that changed something ends (with undo off: any step). What it changes belongs to
+    /// the step.
+    void setStepEndHook(std::function<void()> hook) { m_stepEnd = std::move(hook); }
 
     /// Changes with every edit; equal numbers mean an unchanged workbook.
     std::uint64_t revision() const { return m_revision; }
@@ -125,6 +131,7 @@ private:
     int m_activeSheet = 1;
     int m_nextSheetId = 1;
     bool m_formulasShown = false;
+    std::function<void()> m_stepEnd;
     bool m_countsFrom1904 = false;
     std::uint64_t m_revision = 0;
 };

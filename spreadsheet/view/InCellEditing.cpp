@@ -107,12 +107,9 @@ bool InCellEditing::commitText(bool asArray)
 std::optional<FormulaProblem> InCellEditing::enter(Sheet& own, bool asArray)
 {
     const std::string text = m_editor->toPlainText().toStdString();
-    const UndoStep step(m_control.workbook(), "输入");
-    auto problem = asArray ? own.setArrayFormula(m_control.firstRange(), text)
-                           : enterText(m_control.workbook(), own, m_cell, text, TypedInto::cell);
-    if (!problem && m_control.textEntered)
-        m_control.textEntered();
-    return problem;
+    if (asArray)
+        return own.setArrayFormula(m_control.firstRange(), text);
+    return enterText(m_control.workbook(), own, m_cell, text, TypedInto::cell);
 }
 
 void InCellEditing::cancel()
@@ -181,6 +178,7 @@ void InCellEditing::fillSelection()
                     continue;
                 LiftedCells content = entered;
                 content.cells[0].style = own->styleNumber({column, row});
+                content.cells[0].tag = own->tag({column, row});
                 content.spans.clear();
                 content.lists.reset();
                 const bool isSpan = own->spanAt({column, row}).has_value();

@@ -84,9 +84,6 @@ public:
     std::function<bool(const QString& question)> ask;
 
     // Editing in a cell
-    /// Called when a text was put into a cell, before it is recalculated; what it does belongs to the same
-    /// undo step.
-    std::function<void()> textEntered;
     bool isEditing() const { return m_editing != nullptr; }
     /// What stands in the open editor; null if none is open.
     QString typedText() const { return m_editing ? m_editing->text() : QString(); }
