@@ -210,9 +210,9 @@ void frmEditor::enterCell()
 
 QString frmEditor::modeText() const
 {
-    const QString mode = gRunMode                          ? QStringLiteral("使用")
+    const QString mode = gRunMode                            ? QStringLiteral("使用")
                          : m_evaluation.isShowFormula() == 1 ? QStringLiteral("显示公式")
-                                                           : QStringLiteral("设计");
+                                                             : QStringLiteral("设计");
     return m_cancelled == Extent::none ? mode : mode + QStringLiteral(" 数值未更新");
 }
 

@@ -47,6 +47,8 @@ frmTableInfo::frmTableInfo(spreadsheet::CellOperations& grid, QWidget* parent)
     buttons->addWidget(close);
     form->addRow(buttons);
     getEditInfo();
+    m_txt[0]->setFocus();
+    m_txt[0]->selectAll();
 }
 
 void frmTableInfo::getEditInfo()

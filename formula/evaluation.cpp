@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
+#include <utility>
 
 namespace selfreport {
 
@@ -83,8 +84,8 @@ void keepType(Sheet& sheet, CellAddress cell)
     sheet.setTag(cell, std::to_string(static_cast<int>(sheet.style(cell).type)));
 }
 
-/// A cell that holds another formula than it shows was typed, pasted or filled into, or moved; plain text it may
-/// be only because it was shown before, and then its tag holds the type that it has as data.
+/// A cell that holds another formula than it shows was typed, pasted or filled into, or moved; plain text it
+/// may be only because it was shown before, and then its tag holds the type that it has as data.
 void showFormula(Sheet& sheet, CellAddress cell)
 {
     const std::string formula = sheet.formula(cell);
@@ -97,26 +98,30 @@ void showFormula(Sheet& sheet, CellAddress cell)
     sheet.setShownText(cell, formula);
 }
 
-void restoreType(Sheet& sheet, CellAddress cell)
-{
-    if (const auto type = taggedType(sheet.tag(cell).view()))
-        setType(sheet, cell, *type);
-}
-
 void showValue(Sheet& sheet, CellAddress cell)
 {
     if (!sheet.hasFormula(cell))
         return;
-    restoreType(sheet, cell);
+    if (const auto type = taggedType(sheet.tag(cell).view()))
+        setType(sheet, cell, *type);
     sheet.setShownText(cell, {});
 }
 
-/// Whether a cell was plain text only because its formula was shown, which this step took away.
-bool lostItsFormula(const Sheet& sheet, CellAddress cell, const spreadsheet::Column* before)
+bool showedText(const spreadsheet::Column& before, int row)
 {
-    const auto* slot = before ? before->find(cell.row) : nullptr;
-    return slot && !slot->block->shown(cell.row - slot->firstRow).empty() && before->formula(cell.row) != 0 &&
-           !sheet.hasFormula(cell) && sheet.style(cell).type == CellType::edit;
+    const auto* slot = before.find(row);
+    return slot && !slot->block->shown(row - slot->firstRow).empty();
+}
+
+/// A cell that was plain text only because its formula was shown, and holds a constant since this step.
+void restoreType(Sheet& sheet, CellAddress cell, const spreadsheet::Column& before)
+{
+    if (before.formula(cell.row) == 0 || !showedText(before, cell.row) ||
+        sheet.style(cell).type != CellType::edit)
+        return;
+    const auto* slot = before.find(cell.row);
+    if (const auto type = taggedType(slot->block->tag(cell.row - slot->firstRow).view()))
+        setType(sheet, cell, *type);
 }
 
 } // namespace
@@ -153,7 +158,6 @@ void ReportEvaluation::addSelfFunction()
         }
     });
     m_workbook.setPauseHook([] { return userWait().pause(); });
-    m_storedTexts = showsTexts(m_workbook);
 }
 
 void ReportEvaluation::fps1_CustomFunction(spreadsheet::FunctionCall& call)
@@ -224,8 +228,8 @@ std::int16_t ReportEvaluation::isShowFormula() const
     return m_workbook.formulasShown() ? 1 : 0;
 }
 
-/// The formulas themselves are shown when the step ends. A report that was saved with its formulas shown has its
-/// types in the tags already.
+/// The formulas themselves are shown when the step ends. A report that was saved with its formulas shown has
+/// its types in the tags already.
 void ReportEvaluation::showFormulas()
 {
     const spreadsheet::UndoStep step(m_workbook, "显示公式");
@@ -234,34 +238,30 @@ void ReportEvaluation::showFormulas()
     if (!showsTexts(m_workbook))
         forEveryCell(m_workbook, keepType);
     m_workbook.setFormulasShown(true);
-    m_storedTexts = false;
 }
 
 /// What changed cells show once a step ends, whatever changed them: the formulas that they hold now, or data.
 void ReportEvaluation::keepDisplay()
 {
-    if (!m_workbook.formulasShown()) {
-        if (!m_storedTexts && showsTexts(m_workbook)) // pasted cells come from a sheet that shows its formulas
-            forEveryCell(m_workbook, [](Sheet& sheet, CellAddress cell) {
-                if (!sheet.shownText(cell).empty())
-                    showValue(sheet, cell);
-            });
+    const bool formulas = m_workbook.formulasShown();
+    if (!formulas && !showsTexts(m_workbook))
         return;
-    }
-    const spreadsheet::UndoJournal& journal = m_workbook.journal();
-    forEveryCell(m_workbook, [&journal](Sheet& sheet, CellAddress cell) {
-        if (sheet.hasFormula(cell))
-            showFormula(sheet, cell);
-        else if (lostItsFormula(sheet, cell, journal.formerColumn(sheet.id(), cell.column)))
-            restoreType(sheet, cell);
-    });
+    forEveryCell(m_workbook,
+                 [&, &journal = std::as_const(m_workbook.journal())](Sheet& sheet, CellAddress cell) {
+                     const spreadsheet::Column* const before = journal.formerColumn(sheet.id(), cell.column);
+                     if (formulas && sheet.hasFormula(cell))
+                         showFormula(sheet, cell);
+                     else if (formulas && before)
+                         restoreType(sheet, cell, *before);
+                     else if (before && !sheet.shownText(cell).empty() && !showedText(*before, cell.row))
+                         showValue(sheet, cell); // pasted from a sheet that shows its formulas
+                 });
 }
 
 void ReportEvaluation::showStoredData()
 {
     const spreadsheet::UndoStep step(m_workbook, "显示数据");
     m_workbook.setFormulasShown(false);
-    m_storedTexts = false;
     forEveryCell(m_workbook, showValue);
 }
 

@@ -64,7 +64,6 @@ private:
     FetchLog m_log;
     std::vector<CellDiagnostic> m_diagnostics;
     bool m_fetchesShared = true;
-    bool m_storedTexts = false; ///< the report came with its formulas shown and was not asked for its data yet
 };
 
 } // namespace selfreport

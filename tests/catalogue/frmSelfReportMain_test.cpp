@@ -74,8 +74,11 @@ TEST_F(ReportListWindow, ListsReportsInTheOrderOfTheirIds)
                                 {"11", "附表", "王会计", time, "不显示"}};
     ASSERT_EQ(list().rowCount(), 4);
     for (int row = 1; row <= 3; ++row)
-        for (int column = 0; column < 5; ++column)
+        for (int column = 0; column < 5; ++column) {
             EXPECT_EQ(list().text(row, column), rows[row - 1][column]) << row << ',' << column;
+            const QModelIndex shown = list().model()->index(row - 1, column);
+            EXPECT_EQ(shown.data(Qt::ToolTipRole).toString(), rows[row - 1][column]); // the column may cut it
+        }
 }
 
 TEST_F(ReportListWindow, RowCommandsNeedACurrentRow)
@@ -134,6 +137,30 @@ TEST_F(ReportListWindow, EveryWayIntoTheDesigner)
     }
     accessKey(list(), Qt::Key_E);
     EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(ReportListWindow, TabLeadsFromTheListThroughTheButtons)
+{
+    addThree();
+    open();
+    ASSERT_EQ(QApplication::focusWidget()->objectName(), "vsf1");
+    for (const char* next : {"cmd_0", "cmd_1", "cmd_2", "cmdXPOK", "cmdXPClose"}) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        EXPECT_EQ(QApplication::focusWidget()->objectName(), next);
+    }
+    while (QApplication::focusWidget()->objectName() != "cmd_0")
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), "vsf1");
+}
+
+TEST_F(ReportListWindow, WithoutAConnectionStringItSaysSoAndStaysEmpty)
+{
+    gConnString.clear();
+    gTitle.clear();
+    open();
+    EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::critical, "", "数据库文件不存在或读取错误!"}}));
+    EXPECT_EQ(list().rowCount(), 1);
 }
 
 TEST_F(ReportListWindow, DeletionAsksDeletesBothRowsAndSaysSo)

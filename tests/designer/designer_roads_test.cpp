@@ -145,6 +145,26 @@ TEST_F(DesignerRoads, ADatabaseGoneBeforeSavingLosesNothing)
     EXPECT_EQ(ledger.boxes.said, std::vector{said(Icon::information, "报表修改成功!")});
 }
 
+TEST_F(DesignerRoads, AStoreThatRefusesIsToldAndChangesNoState)
+{
+    ledger.run("alter table tblCWSelfReport rename to gone");
+    for (const int flag : {0, 1}) {
+        gEditFlag = 0;
+        open();
+        edit("txtReportName").setText("表");
+        typeInBox("=7", Qt::Key_Return);
+        ledger.boxes.said.clear();
+        gEditFlag = static_cast<std::int16_t>(flag);
+        trigger("MenuFileSave");
+        ASSERT_EQ(ledger.boxes.said.size(), 1u) << flag;
+        EXPECT_EQ(ledger.boxes.said[0].icon, Icon::exclamation) << flag;
+        EXPECT_EQ(ledger.boxes.said[0].title, "测试账套") << flag;
+        EXPECT_NE(ledger.boxes.said[0].text.find("tblCWSelfReport"), std::string::npos) << flag;
+        EXPECT_EQ(gEditFlag, flag);
+        EXPECT_EQ(formula(1, 1), "7") << flag;
+    }
+}
+
 TEST_F(DesignerRoads, NamesAsTheyAreTyped)
 {
     const QString names[] = {QString(4000, QChar(u'表')), "O'Neil''s \"表\"; drop table x --", "  两边空白 ",

@@ -313,7 +313,9 @@ TEST_F(Designer, TableProperties)
     for (const char* wrong : {"", "x", "0", "1.5", "1048577"}) {
         ledger.boxes.said.clear();
         answer({wrong, "9", "9", "二月"}, "cmdOK");
-        EXPECT_EQ(ledger.boxes.said.size(), 1u) << wrong;
+        EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::exclamation, "测试账套",
+                                                         "总行数：请输入 1 到 1048576 的整数。"}}))
+            << wrong;
         EXPECT_EQ(grid().columnCount(), 50) << wrong;
     }
     answer({"7", "7", "7", "三月"}, "cmdClose");

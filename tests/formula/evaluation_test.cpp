@@ -1,10 +1,15 @@
 #include "formula/evaluation.h"
 
+#include "component/state/mdlMain.h"
+#include "component/state/shared_state.h"
+#include "formula/report_functions.h"
 #include "spreadsheet/files/content.h"
 #include "tests/formula/TestLedger.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <stdexcept>
 
 namespace selfreport {
 namespace {
@@ -328,6 +333,16 @@ TEST(Evaluation, AFormulaChangedWhereFormulasCameShownKeepsItsType)
     evaluation.showFormulas();
     evaluation.showData();
     EXPECT_EQ(workbook.sheet(1).displayText({1, 2}), "20.00%");
+}
+
+TEST(Evaluation, AFailureInTheCallbackIsTold)
+{
+    const test::TestLedger ledger;
+    ASSERT_TRUE(openDB());
+    guardedEvaluation([] { throw std::runtime_error("读取参数失败"); });
+    EXPECT_FALSE(gCnn);
+    EXPECT_EQ(ledger.boxes.said,
+              (std::vector<RecordingDialogs::Said>{{Icon::critical, "测试账套", "读取参数失败"}}));
 }
 
 TEST(Evaluation, EveryCellWithoutAValueHasItsReason)

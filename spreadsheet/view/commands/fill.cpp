@@ -46,7 +46,8 @@ public:
             for (int place = 0; place < count; ++place) {
                 CellContent& cell = at(result, line, place + 1);
                 cell = at(m_source, line, wrapped(first + place, length) + 1);
-                cell.tag = {};
+                if (cell.shown.empty()) // a cell that shows its formula keeps its type there
+                    cell.tag = {};
                 cell.shown = {};
                 if (cell.formula == 0 && m_asSeries)
                     cell.value = series(first + place);
