@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
-#include <utility>
 
 namespace selfreport {
 
@@ -244,18 +243,18 @@ void ReportEvaluation::showFormulas()
 void ReportEvaluation::keepDisplay()
 {
     const bool formulas = m_workbook.formulasShown();
-    if (!formulas && !showsTexts(m_workbook))
+    if (!formulas && !(m_workbook.journal().enabled() && showsTexts(m_workbook)))
         return;
-    forEveryCell(m_workbook,
-                 [&, &journal = std::as_const(m_workbook.journal())](Sheet& sheet, CellAddress cell) {
-                     const spreadsheet::Column* const before = journal.formerColumn(sheet.id(), cell.column);
-                     if (formulas && sheet.hasFormula(cell))
-                         showFormula(sheet, cell);
-                     else if (formulas && before)
-                         restoreType(sheet, cell, *before);
-                     else if (before && !sheet.shownText(cell).empty() && !showedText(*before, cell.row))
-                         showValue(sheet, cell); // pasted from a sheet that shows its formulas
-                 });
+    const spreadsheet::UndoJournal& journal = m_workbook.journal();
+    forEveryCell(m_workbook, [&](Sheet& sheet, CellAddress cell) {
+        const spreadsheet::Column* const before = journal.formerColumn(sheet.id(), cell.column);
+        if (formulas && sheet.hasFormula(cell))
+            showFormula(sheet, cell);
+        else if (formulas && before)
+            restoreType(sheet, cell, *before);
+        else if (before && !sheet.shownText(cell).empty() && !showedText(*before, cell.row))
+            showValue(sheet, cell); // pasted from a sheet that shows its formulas
+    });
 }
 
 void ReportEvaluation::showStoredData()

@@ -35,8 +35,8 @@ public:
     /// Computes what depends on changes since the last recalculation.
     bool recalculateChanged();
 
-    /// Keeps each cell's type in its tag; every formula cell becomes plain text and shows its formula. So does
-    /// every cell that gets a formula from now on, whatever puts it there.
+    /// Keeps each cell's type in its tag; every formula cell becomes plain text and shows its formula. So
+    /// does every cell that gets a formula from now on, whatever puts it there.
     void showFormulas();
     /// Restores the types from the tags and recalculates.
     bool showData();

@@ -27,8 +27,7 @@ std::size_t unsharedBytes(const Column& former)
 
 bool UndoJournal::Step::empty() const
 {
-    return columns.empty() && allColumns.empty() && settings.empty() && !sheets && !names &&
-           !formulasShown;
+    return columns.empty() && allColumns.empty() && settings.empty() && !sheets && !names && !formulasShown;
 }
 
 void UndoJournal::setEnabled(bool enabled)

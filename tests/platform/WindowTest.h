@@ -20,7 +20,8 @@ protected:
     {
         widget.show();
         widget.activateWindow(); // access keys work in the active window only
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&widget));
+        // The toolkit calls a dialog active as soon as its owner is.
+        ASSERT_TRUE(QTest::qWaitFor([&widget] { return QApplication::activeWindow() == widget.window(); }));
     }
 
     /// Acts on the next modal window as soon as it is there. Must be called before what opens it.
