@@ -23,6 +23,21 @@ int buttonNumber(Qt::MouseButton button)
     return button == Qt::LeftButton ? 1 : button == Qt::RightButton ? 2 : 4;
 }
 
+/// The first cell of a row or column from `from` on that is none of a merged one which begins elsewhere.
+CellAddress firstWithin(const Sheet& sheet, const CellRange& line, CellAddress from)
+{
+    const auto beginning = [&sheet](CellAddress cell) {
+        const CellRange extent = sheet.extent(cell);
+        return CellAddress{extent.left, extent.top};
+    };
+    const bool isRow = line.rows() == 1;
+    for (CellAddress cell = from; line.contains(cell); ++(isRow ? cell.column : cell.row)) {
+        if (line.contains(beginning(cell)))
+            return beginning(cell);
+    }
+    return beginning(from);
+}
+
 } // namespace
 
 GridMouse::GridMouse(SpreadsheetControl& control)
@@ -200,13 +215,13 @@ void GridMouse::pressHeading(const Place& place, Qt::KeyboardModifiers modifiers
         dragTo(m_last);
         return;
     }
-    // The cursor goes to the line's first cell in sight.
     const CellAddress topLeft = geometry.topLeft();
-    const CellAddress cell =
+    const CellAddress inSight =
         isRow ? CellAddress{geometry.frozenColumns() > 0 ? 1 : topLeft.column, place.cell.row}
               : CellAddress{place.cell.column, geometry.frozenRows() > 0 ? 1 : topLeft.row};
-    const CellRange line = isRow ? CellRange{1, cell.row, settings.columnCount, cell.row}
-                                 : CellRange{cell.column, 1, cell.column, settings.rowCount};
+    const CellRange line = isRow ? CellRange{1, inSight.row, settings.columnCount, inSight.row}
+                                 : CellRange{inSight.column, 1, inSight.column, settings.rowCount};
+    const CellAddress cell = firstWithin(sheet, line, inSight);
     const bool add = modifiers.testFlag(Qt::ControlModifier);
     if (!m_control.enter(cell,
                          [&](Selection& selection, const Sheet&) { selection.setRange(line, cell, add); }))

@@ -119,9 +119,12 @@ void Selection::fitInto(const Sheet& sheet)
     for (CellRange& range : m_ranges) {
         range.right = std::min(range.right, lastColumn);
         range.bottom = std::min(range.bottom, lastRow);
+        range = withWholeSpans(sheet, range);
     }
     for (CellAddress* cell : {&m_active, &m_first, &m_moving})
         fit(*cell);
+    const CellRange extent = sheet.extent(m_active); // undo may have merged the cell with others
+    m_active = {extent.left, extent.top};
     if (m_ranges.empty() || !contains(m_active))
         setActive(sheet, m_active);
 }

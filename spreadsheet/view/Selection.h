@@ -31,7 +31,7 @@ public:
     void extendColumns(const Sheet& sheet, int index);
     /// The cursor moves within what is selected, which stays.
     void activateWithin(CellAddress cell);
-    /// Keeps to the sheet's rows and columns after these have changed.
+    /// Keeps to the sheet's rows, columns and merged cells after these have changed.
     void fitInto(const Sheet& sheet);
     /// More than one cell (or one merged one).
     bool isBlock(const Sheet& sheet) const;
