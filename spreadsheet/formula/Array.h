@@ -46,4 +46,9 @@ private:
 /// Elements that an array may have while formulas are evaluated; larger ones yield #VALUE!.
 inline constexpr std::size_t maxArrayElements = 4'194'304;
 
+inline bool isArraySize(int rows, int columns)
+{
+    return static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns) <= maxArrayElements;
+}
+
 } // namespace spreadsheet

@@ -273,6 +273,8 @@ Operand Evaluator::callElementwise(const FunctionDescriptor& function, std::span
         rows = std::max(rows, elements[i]->rows());
         columns = std::max(columns, elements[i]->columns());
     }
+    if (!isArraySize(rows, columns))
+        return CellError::value;
     auto result = std::make_shared<Array>(rows, columns);
     std::vector<Operand> single(arguments.begin(), arguments.end());
     for (int row = 0; row < rows; ++row) {

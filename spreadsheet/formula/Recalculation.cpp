@@ -240,8 +240,14 @@ bool Recalculation::reevaluateUnlisted()
         const Formula& formula = m_workbook.formulas()[run.formula];
         const Sheet& sheet = m_workbook.sheet(run.sheet);
         for (int row = run.cells.top; row <= run.cells.bottom; ++row) {
+            const Value known = sheet.value({run.column(), row});
+            // A cell in a circle has no value of its own that it could settle at.
+            if (known == Value(CellError::ref) &&
+                std::ranges::find(m_report.circular, CallPlace{run.sheet, run.column(), row}) !=
+                    m_report.circular.end())
+                continue;
             const auto value = m_evaluator.cellValueOf(formula, placeOf(run, row));
-            if (value && !(*value == sheet.value({run.column(), row})))
+            if (value && !(*value == known))
                 markRun(static_cast<std::int32_t>(at), row, row);
         }
     }

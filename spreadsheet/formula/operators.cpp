@@ -152,9 +152,7 @@ std::shared_ptr<const Array> toArray(const Operand& operand, const EvaluationPla
     if (operand.isArea()) {
         Area area = operand.area();
         cutToUsed(place.workbook, area.cells);
-        const auto elements =
-            static_cast<std::size_t>(area.cells.rows()) * static_cast<std::size_t>(area.cells.columns());
-        if (elements <= maxArrayElements) {
+        if (isArraySize(area.cells.rows(), area.cells.columns())) {
             auto array = std::make_shared<Array>(area.cells.rows(), area.cells.columns());
             for (int column = 0; column < area.cells.columns(); ++column) {
                 for (int row = 0; row < area.cells.rows(); ++row)
@@ -176,8 +174,11 @@ Operand applyToArrays(Op op, const Operand& left, const Operand& right, const Ev
         return applyOperator(op, left.value(), right.value(), place.workbook);
     const auto a = toArray(left, place);
     const auto b = toArray(right, place);
-    auto result =
-        std::make_shared<Array>(std::max(a->rows(), b->rows()), std::max(a->columns(), b->columns()));
+    const int rows = std::max(a->rows(), b->rows());
+    const int columns = std::max(a->columns(), b->columns());
+    if (!isArraySize(rows, columns))
+        return CellError::value;
+    auto result = std::make_shared<Array>(rows, columns);
     for (int row = 0; row < result->rows(); ++row) {
         for (int column = 0; column < result->columns(); ++column)
             result->at(row, column) =

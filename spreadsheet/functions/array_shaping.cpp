@@ -234,8 +234,7 @@ std::shared_ptr<Array> sized(Call& call)
 {
     const int rows = call.given(0) ? call.integer(0) : 1;
     const int columns = call.given(1) ? call.integer(1) : 1;
-    const bool fits = rows > 0 && columns > 0 &&
-                      static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns) <= maxArrayElements;
+    const bool fits = rows > 0 && columns > 0 && isArraySize(rows, columns);
     if (!fits)
         call.fail(CellError::value);
     return fits ? std::make_shared<Array>(rows, columns) : nullptr;

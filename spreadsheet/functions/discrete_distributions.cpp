@@ -92,6 +92,49 @@ Operand poissonDistribution(Call& call)
     });
 }
 
+/// Draws without return from more elements than the library counts exactly (and in a short time).
+class LargeHypergeometric {
+public:
+    LargeHypergeometric(int sample, int marked, int all)
+        : m_sample(sample)
+        , m_marked(marked)
+        , m_all(all)
+    {
+    }
+
+    /// As three binomial probabilities: C. Loader, Fast and Accurate Computation of Binomial Probabilities,
+    /// 2000.
+    double probability(double found) const
+    {
+        if (m_sample == m_all)
+            return 1;
+        const double p = m_sample / m_all;
+        return pdf(Binomial(m_marked, p), found) * pdf(Binomial(m_all - m_marked, p), m_sample - found) /
+               pdf(Binomial(m_all, p), m_sample);
+    }
+    /// Of at most so many, summed over the thinner end.
+    double cumulative(double found) const
+    {
+        const bool below = found < m_sample * (m_marked / m_all);
+        double sum = 0;
+        double at = below ? found : found + 1;
+        if (at > std::min(m_sample, m_marked))
+            return 1;
+        for (double term = probability(at); term > sum * 1e-17; at += below ? -1 : 1) {
+            sum += term;
+            const double others = m_all - m_marked - m_sample + at;
+            term *= below ? at * others / ((m_marked - at + 1) * (m_sample - at + 1))
+                          : (m_marked - at) * (m_sample - at) / ((at + 1) * (others + 1));
+        }
+        return below ? sum : 1 - sum;
+    }
+
+private:
+    double m_sample;
+    double m_marked;
+    double m_all;
+};
+
 /// HYPGEOM.DIST; HYPGEOMDIST gives the single probability.
 template <bool saysWhich>
 Operand hypergeometricDistribution(Call& call)
@@ -105,6 +148,11 @@ Operand hypergeometricDistribution(Call& call)
     const int fewest = sizes ? std::max(0, sample - (all - marked)) : 0;
     const bool inRange = sizes && successes >= fewest && successes <= std::min(sample, marked);
     return inRangeOrNum(call, inRange, [&] {
+        constexpr int mostCounted = 100'000;
+        if (all > mostCounted) {
+            const LargeHypergeometric large(sample, marked, all);
+            return checked(cumulative ? large.cumulative(successes) : large.probability(successes));
+        }
         const Hypergeometric distribution(static_cast<unsigned>(marked), static_cast<unsigned>(sample),
                                           static_cast<unsigned>(all));
         const auto count = static_cast<unsigned>(successes);

@@ -47,7 +47,7 @@ Matrix matrixArgument(Call& call, std::size_t argument)
 {
     const int rows = call.rows(argument);
     const int columns = call.columns(argument);
-    if (static_cast<double>(rows) * columns > static_cast<double>(maxArrayElements)) {
+    if (!isArraySize(rows, columns)) {
         call.fail(CellError::value);
         return {0, 0};
     }

@@ -76,6 +76,7 @@ TEST(RunOrders, CirclesAreReportedAndBrokenOnesComputed)
         {"two cells", {{"A1", "B1"}, {"B1", "A1"}}, 2},
         {"through a range", {{"A1", "SUM(A1:B3)"}}, 1},
         {"through a longer way", {{"A1", "B9"}, {"B9", "C3+1"}, {"C3", "SUM(A1:A5)"}}, 3},
+        {"beside what its text names", {{"A1", "INDIRECT(\"B1\")+SUM(A1:A2)*0"}, {"B1", "1"}}, 1},
         {"a branch that is not taken", {{"A1", "IF(FALSE,A1,1)"}}, 1},
         {"crossing runs without a circle", {{"A1", "B2"}, {"A2", "1"}, {"B1", "A2"}, {"B2", "B1"}}, 0},
     };

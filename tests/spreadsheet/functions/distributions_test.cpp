@@ -144,6 +144,11 @@ TEST(Distributions, WholeNumbers)
         {"POISSON(-1,5,FALSE)", "#NUM!"},
         {"HYPGEOMDIST(1,4,8,20)*4845", "1760"}, // 8 · C(12,3) of C(20,4)
         {"HYPGEOM.DIST(1,4,8,20,TRUE)*4845", "2255"},
+        {"HYPGEOM.DIST(0,2,1,9E8,FALSE)*9E8-9E8", "-2"}, // (N - n)/N
+        {"HYPGEOM.DIST(3,500,1000,200000,FALSE)", "0.214647999626"},
+        {"HYPGEOM.DIST(20,5000,1000,200000,TRUE)", "0.181561196767"},
+        {"HYPGEOM.DIST(30,5000,1000,200000,TRUE)", "0.866757672963"},
+        {"HYPGEOM.DIST(100001,100001,100001,100001,TRUE)", "1"},
         {"HYPGEOMDIST(5,4,8,20)", "#NUM!"},
         {"HYPGEOMDIST(1,4,18,20)", "#NUM!"}, // at least two must be among them
     });
