@@ -5,6 +5,12 @@
 
 namespace spreadsheet {
 
+CellRange united(const CellRange& a, const CellRange& b)
+{
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+            std::max(a.bottom, b.bottom)};
+}
+
 std::string columnName(int column)
 {
     std::string letters;

@@ -44,6 +44,9 @@ struct CellRange {
     friend auto operator<=>(const CellRange&, const CellRange&) = default;
 };
 
+/// The smallest range that holds both.
+CellRange united(const CellRange& a, const CellRange& b);
+
 /// Letters of a column: 1 "A", 26 "Z", 27 "AA", 702 "ZZ", 703 "AAA". Empty below 1.
 std::string columnName(int column);
 

@@ -44,11 +44,21 @@ private:
 };
 
 /// Elements that an array may have while formulas are evaluated; larger ones yield #VALUE!.
+#ifdef FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION
+inline constexpr std::size_t maxArrayElements =
+    262'144; // sanitizers make an element some twenty times slower
+#else
 inline constexpr std::size_t maxArrayElements = 4'194'304;
+#endif
+
+inline std::size_t elementsOf(int rows, int columns)
+{
+    return static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns);
+}
 
 inline bool isArraySize(int rows, int columns)
 {
-    return static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns) <= maxArrayElements;
+    return elementsOf(rows, columns) <= maxArrayElements;
 }
 
 } // namespace spreadsheet

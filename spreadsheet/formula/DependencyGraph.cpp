@@ -162,10 +162,7 @@ void DependencyGraph::addReadings(const Workbook& workbook, const Run& run, cons
         }
         if ((!atFirst && !atLast) || reading.firstSheet == 0)
             continue;
-        const CellRange& one = atFirst ? *atFirst : *atLast;
-        const CellRange& other = atLast ? *atLast : *atFirst;
-        reading.cells = {std::min(one.left, other.left), std::min(one.top, other.top),
-                         std::max(one.right, other.right), std::max(one.bottom, other.bottom)};
+        reading.cells = united(atFirst ? *atFirst : *atLast, atLast ? *atLast : *atFirst);
         if (!atFirst)
             reading.cells.top = 1; // part of the run points above the sheet
         if (!atLast)

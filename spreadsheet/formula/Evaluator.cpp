@@ -14,6 +14,9 @@ namespace {
 /// Names may stand for formulas with names this deep; deeper ones go in circles.
 constexpr int maxNameDepth = 32;
 
+/// Calls for the elements of an array, each of which may itself go through a large one.
+constexpr std::size_t callsBetweenQuestions = 64;
+
 /// The single value of an operand as operators and cells need it.
 Value singleValue(const Operand& operand, const EvaluationPlace& place)
 {
@@ -257,7 +260,10 @@ Operand Evaluator::applied(const FunctionDescriptor& function, std::span<const O
             return callElementwise(function, arguments, arrayMode, place);
     }
     Call made(place, arguments, arrayMode);
-    return function.evaluate(made);
+    Operand result = function.evaluate(made);
+    if (result.isArray() && !place.spend(elementsOf(result.array().rows(), result.array().columns())))
+        return CellError::value;
+    return result;
 }
 
 Operand Evaluator::callElementwise(const FunctionDescriptor& function, std::span<const Operand> arguments,
@@ -277,6 +283,7 @@ Operand Evaluator::callElementwise(const FunctionDescriptor& function, std::span
         return CellError::value;
     auto result = std::make_shared<Array>(rows, columns);
     std::vector<Operand> single(arguments.begin(), arguments.end());
+    std::size_t calls = 0;
     for (int row = 0; row < rows; ++row) {
         for (int column = 0; column < columns; ++column) {
             for (std::size_t i = 0; i < single.size(); ++i) {
@@ -284,8 +291,11 @@ Operand Evaluator::callElementwise(const FunctionDescriptor& function, std::span
                     single[i] = elements[i]->spread(row, column);
             }
             Call made(place, single);
-            const Operand element = function.evaluate(made);
-            result->at(row, column) = singleValue(element, place);
+            Value& element = result->at(row, column);
+            element = singleValue(function.evaluate(made), place);
+            const bool asks = ++calls % callsBetweenQuestions == 0;
+            if (!place.spend(effortOf(element)) || (asks && !place.goesOn()))
+                return CellError::value;
         }
     }
     return std::shared_ptr<const Array>(std::move(result));

@@ -28,6 +28,7 @@ bool readsSeveralSheets(const Formula& formula)
 Recalculation::Recalculation(Workbook& workbook)
     : m_workbook(workbook)
     , m_evaluator(workbook)
+    , m_effort([this] { return askToStop(); })
     , m_blocks(workbook)
 {
 }
@@ -246,7 +247,7 @@ bool Recalculation::reevaluateUnlisted()
                 std::ranges::find(m_report.circular, CallPlace{run.sheet, run.column(), row}) !=
                     m_report.circular.end())
                 continue;
-            const auto value = m_evaluator.cellValueOf(formula, placeOf(run, row));
+            const auto value = m_evaluator.cellValueOf(formula, beginCell(run, row));
             if (value && !(*value == known))
                 markRun(static_cast<std::int32_t>(at), row, row);
         }
@@ -277,10 +278,12 @@ void Recalculation::evaluateComponent(const Component& component)
     }
 }
 
-EvaluationPlace Recalculation::placeOf(const Run& run, int row)
+EvaluationPlace Recalculation::beginCell(const Run& run, int row)
 {
+    m_effort.beginCell();
     // What a formula finds by text may not be computed yet, and must not be kept for others.
-    return {m_workbook, run.sheet, {run.column(), row}, run.readsUnlisted ? nullptr : m_indexes.get()};
+    LookupIndexes* const indexes = run.readsUnlisted ? nullptr : m_indexes.get();
+    return {m_workbook, run.sheet, {run.column(), row}, indexes, &m_effort};
 }
 
 void Recalculation::evaluateRun(const Run& run, RowInterval rows)
@@ -323,7 +326,7 @@ void Recalculation::evaluateStretch(const Run& run, const Formula& formula, std:
 
 void Recalculation::evaluateCell(const Run& run, const Formula& formula, CellBlock& block, int index, int row)
 {
-    if (auto value = m_evaluator.cellValueOf(formula, placeOf(run, row)))
+    if (auto value = m_evaluator.cellValueOf(formula, beginCell(run, row)))
         block.setValue(index, std::move(*value));
 }
 
@@ -337,7 +340,8 @@ void Recalculation::dropShown(CellBlock& block, int index, int count) const
 
 void Recalculation::evaluateArray(const Run& run)
 {
-    const auto values = m_evaluator.arrayOf(m_workbook.formulas()[run.formula], placeOf(run, run.cells.top));
+    const auto values =
+        m_evaluator.arrayOf(m_workbook.formulas()[run.formula], beginCell(run, run.cells.top));
     if (!values)
         return;
     for (int column = run.cells.left; column <= run.cells.right; ++column) {
@@ -451,7 +455,7 @@ void Recalculation::prepareWave(const std::vector<std::int32_t>& components)
         for (const RowInterval& rows : m_marked[static_cast<std::size_t>(component.runs[0])].intervals()) {
             const int last = run.isArray ? rows.first : rows.last;
             for (int row = rows.first; row <= last; ++row)
-                cells.push_back({&m_workbook.formulas()[run.formula], placeOf(run, row), {}});
+                cells.push_back({&m_workbook.formulas()[run.formula], beginCell(run, row), {}});
         }
     }
     for (;;) { // calls that take the value of others are found round by round
@@ -460,13 +464,14 @@ void Recalculation::prepareWave(const std::vector<std::int32_t>& components)
         for (std::size_t i = 0; i < cells.size(); ++i) {
             Cell& cell = cells[i];
             const std::size_t known = cell.calls.size();
+            m_effort.beginCell();
             m_evaluator.gatherCalls(*cell.formula, cell.place, cell.calls);
             for (std::size_t call = known; call < cell.calls.size(); ++call) {
                 round.push_back(cell.calls[call]);
                 origins.emplace_back(i, call);
             }
         }
-        if (round.empty())
+        if (round.empty() || m_report.stopped)
             return;
         m_prepare(round);
         for (std::size_t i = 0; i < round.size(); ++i)
@@ -477,10 +482,16 @@ void Recalculation::prepareWave(const std::vector<std::int32_t>& components)
 /// Whether the recalculation is to end before all is computed.
 bool Recalculation::shouldStop()
 {
-    if (m_pause && !m_report.stopped && m_report.evaluatedCells >= m_nextPause) {
-        m_nextPause = m_report.evaluatedCells + cellsBetweenPauses;
+    if (m_report.evaluatedCells < m_nextPause)
+        return m_report.stopped;
+    m_nextPause = m_report.evaluatedCells + cellsBetweenPauses;
+    return askToStop();
+}
+
+bool Recalculation::askToStop()
+{
+    if (m_pause && !m_report.stopped)
         m_report.stopped = m_pause();
-    }
     return m_report.stopped;
 }
 

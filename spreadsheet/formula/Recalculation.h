@@ -77,13 +77,15 @@ private:
     void prepareWave(const std::vector<std::int32_t>& components);
     void applyQueue();
     bool shouldStop();
+    bool askToStop();
     void keepFormerCells(const Component& component);
     void bringBack(Pending pending);
-    EvaluationPlace placeOf(const Run& run, int row);
+    EvaluationPlace beginCell(const Run& run, int row);
 
     Workbook& m_workbook;
     DependencyGraph m_graph;
     Evaluator m_evaluator;
+    Effort m_effort;
     BlockEvaluator m_blocks;
     std::unique_ptr<LookupIndexes> m_indexes;
     PrepareHook m_prepare;

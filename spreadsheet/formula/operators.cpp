@@ -73,12 +73,6 @@ Value concatenation(const Value& left, const Value& right)
     return Value::text(joined);
 }
 
-CellRange hull(const CellRange& a, const CellRange& b)
-{
-    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
-            std::max(a.bottom, b.bottom)};
-}
-
 Operand ofAreas(Areas areas)
 {
     if (areas.empty())
@@ -152,7 +146,8 @@ std::shared_ptr<const Array> toArray(const Operand& operand, const EvaluationPla
     if (operand.isArea()) {
         Area area = operand.area();
         cutToUsed(place.workbook, area.cells);
-        if (isArraySize(area.cells.rows(), area.cells.columns())) {
+        if (isArraySize(area.cells.rows(), area.cells.columns()) &&
+            place.spend(elementsOf(area.cells.rows(), area.cells.columns()))) {
             auto array = std::make_shared<Array>(area.cells.rows(), area.cells.columns());
             for (int column = 0; column < area.cells.columns(); ++column) {
                 for (int row = 0; row < area.cells.rows(); ++row)
@@ -179,10 +174,15 @@ Operand applyToArrays(Op op, const Operand& left, const Operand& right, const Ev
     if (!isArraySize(rows, columns))
         return CellError::value;
     auto result = std::make_shared<Array>(rows, columns);
-    for (int row = 0; row < result->rows(); ++row) {
-        for (int column = 0; column < result->columns(); ++column)
-            result->at(row, column) =
-                applyOperator(op, a->spread(row, column), b->spread(row, column), place.workbook);
+    for (int row = 0; row < rows; ++row) {
+        std::size_t made = 0;
+        for (int column = 0; column < columns; ++column) {
+            Value& element = result->at(row, column);
+            element = applyOperator(op, a->spread(row, column), b->spread(row, column), place.workbook);
+            made += effortOf(element);
+        }
+        if (!place.spend(made))
+            return CellError::value;
     }
     return std::shared_ptr<const Array>(std::move(result));
 }
@@ -192,6 +192,8 @@ Operand applyToArray(Op op, const Operand& operand, const EvaluationPlace& place
     if (operand.isValue())
         return applySign(op, operand.value(), place.workbook);
     auto result = std::make_shared<Array>(*toArray(operand, place));
+    if (!place.spend(elementsOf(result->rows(), result->columns())))
+        return CellError::value;
     for (int row = 0; row < result->rows(); ++row) {
         for (int column = 0; column < result->columns(); ++column)
             result->at(row, column) = applySign(op, result->at(row, column), place.workbook);
@@ -216,7 +218,7 @@ Operand combineReferences(Op op, const Operand& left, const Operand& right)
     if (op == Op::range) {
         if (first.size() != 1 || second.size() != 1 || first[0].sheet != second[0].sheet)
             return CellError::value;
-        return Area{first[0].sheet, hull(first[0].cells, second[0].cells)};
+        return Area{first[0].sheet, united(first[0].cells, second[0].cells)};
     }
     Areas common;
     for (const Area& a : first) {

@@ -37,6 +37,12 @@ Value applySign(Op op, const Value& value, const Workbook& workbook);
 Operand applyToArrays(Op op, const Operand& left, const Operand& right, const EvaluationPlace& place);
 Operand applyToArray(Op op, const Operand& operand, const EvaluationPlace& place);
 
+/// What a value counts for an Effort.
+inline std::size_t effortOf(const Value& value)
+{
+    return value.isText() ? 1 + value.textView().size() / 8 : 1;
+}
+
 /// Range, intersection and union of references.
 Operand combineReferences(Op op, const Operand& left, const Operand& right);
 

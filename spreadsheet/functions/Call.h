@@ -1,4 +1,5 @@
 #pragma once
+#include "spreadsheet/formula/Effort.h"
 #include "spreadsheet/formula/Operand.h"
 #include "spreadsheet/functions/stretches.h"
 #include "spreadsheet/functions/summing.h"
@@ -20,7 +21,12 @@ struct EvaluationPlace {
     int sheet = 1; ///< index from 1
     CellAddress cell;
     LookupIndexes* indexes = nullptr; ///< of this recalculation; null outside of one
-    int textDepth = 0; ///< how many INDIRECT lie around it, through names whose formulas use it
+    Effort* effort = nullptr; ///< of this recalculation; null outside of one, where nothing is bounded
+    int textDepth = 0;        ///< how many INDIRECT lie around it, through names whose formulas use it
+
+    /// See Effort; false: the cell is given up.
+    bool spend(std::size_t elements) const { return !effort || effort->spend(elements); }
+    bool goesOn() const { return !effort || effort->goesOn(); }
 };
 
 /// The arguments of one function call, read by number from 0. Reading sticks at the first error:

@@ -108,8 +108,9 @@ bool DatabaseCriteria::holds(const Condition& condition, int record) const
     const FormulaPool& formulas = m_place.workbook.formulas();
     // Custom calls are made once, for the cell itself.
     if (number != 0 && !formulas[number].callsCustom() && condition.cell.row + record <= maxRows) {
-        const EvaluationPlace shifted{
-            m_place.workbook, m_sheet, {condition.cell.column, condition.cell.row + record}, m_place.indexes};
+        EvaluationPlace shifted = m_place;
+        shifted.sheet = m_sheet;
+        shifted.cell = {condition.cell.column, condition.cell.row + record};
         value = Evaluator(m_place.workbook).cellValueOf(formulas[number], shifted).value_or(value);
     }
     const Value truthValue = toBoolean(value);

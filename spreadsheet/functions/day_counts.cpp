@@ -120,8 +120,19 @@ int workingDays(int start, int end, WeekendDays weekend, const std::vector<int>&
 int workingDayAfter(int start, int days, WeekendDays weekend, const std::vector<int>& holidays)
 {
     const int step = days < 0 ? -1 : 1;
+    const int ofWeek = 7 - static_cast<int>(weekend.count());
     int day = start;
     while (days != 0) {
+        // All weeks but the last one at once; holidays leave days for another leap.
+        const int weeks = ofWeek == 0 ? 0 : std::min(std::abs(days / ofWeek) - 1, lastSerial / 7);
+        if (weeks > 0) {
+            const int goal = day + step * 7 * weeks;
+            if (goal < 0 || goal > lastSerial)
+                return -1;
+            days -= workingDays(day + step, goal, weekend, holidays);
+            day = goal;
+            continue;
+        }
         day += step;
         if (day < 0 || day > lastSerial)
             return -1;

@@ -189,7 +189,7 @@ Operand repeated(Call& call)
     if (times < 0 || times * static_cast<double>(unitCount(text)) > static_cast<double>(longestText))
         return CellError::value;
     std::string result;
-    for (int i = 0; i < times; ++i)
+    for (int i = 0; !text.empty() && i < times; ++i)
         result += text;
     return Value::text(result);
 }

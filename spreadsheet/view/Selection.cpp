@@ -8,12 +8,6 @@ namespace spreadsheet {
 
 namespace {
 
-CellRange united(const CellRange& a, const CellRange& b)
-{
-    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
-            std::max(a.bottom, b.bottom)};
-}
-
 CellRange wholeRows(const Sheet& sheet, int first, int last)
 {
     return {1, std::min(first, last), sheet.settings().columnCount, std::max(first, last)};

@@ -1,4 +1,6 @@
 #include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/formula/operators.h"
+#include "spreadsheet/functions/Call.h"
 
 #include <gtest/gtest.h>
 
@@ -59,6 +61,46 @@ TEST(RecalculationPause, StoppedAnywhereItKeepsAllValuesAndWhatIsToBeComputed)
         fresh.recalculate();
         EXPECT_EQ(valuesOf(workbook), valuesOf(fresh)) << what;
     }
+}
+
+TEST(RecalculationPause, LongWorkWithinACellCanBeStopped)
+{
+    const char* const formulas[] = {"SUM((A1:A100000+1)*2)", "SUM(-A1:A100000)", "SUM(SEQUENCE(300,300))",
+                                    "SUM(COUNTIF(A1:A300,A1:A300))"};
+    for (const char* formula : formulas) {
+        Workbook workbook;
+        Sheet& sheet = workbook.sheet(1);
+        sheet.setArrayFormula({2, 1, 2, 1}, formula);
+        workbook.recalculate();
+        const Value complete = sheet.value({2, 1});
+        sheet.setArrayFormula({2, 1, 2, 1}, std::string(formula) + "+1");
+        int questions = 0;
+        for (;; ++questions) {
+            workbook.setPauseHook([left = questions]() mutable { return left-- == 0; });
+            if (!workbook.recalculate().stopped)
+                break;
+            ASSERT_EQ(sheet.value({2, 1}), complete) << formula << ", question " << questions;
+        }
+        EXPECT_GT(questions, 1) << formula << " is asked before the cell only";
+        EXPECT_EQ(sheet.value({2, 1}), Value(complete.number() + 1)) << formula;
+    }
+}
+
+TEST(Effort, ACellThatMakesTooMuchIsGivenUp)
+{
+    Workbook workbook;
+    Effort effort([] { return false; });
+    const EvaluationPlace place{workbook, 1, {1, 1}, nullptr, &effort};
+    auto texts = std::make_shared<Array>(2, 1);
+    texts->at(0, 0) = texts->at(1, 0) = Value::text(std::string(32'000, 'x'));
+    const Operand longTexts{std::shared_ptr<const Array>(texts)};
+    const auto joined = [&] { return applyToArrays(Op::concatenate, longTexts, Value(1.0), place); };
+    EXPECT_TRUE(effort.spend(Effort::maxElements - 10'000)) << "texts weigh 4,001 each";
+    EXPECT_TRUE(joined().isArray());
+    EXPECT_FALSE(joined().isArray());
+    EXPECT_FALSE(effort.spend(1));
+    effort.beginCell();
+    EXPECT_TRUE(joined().isArray());
 }
 
 TEST(RecalculationPause, ShownTextsAndNumberTypesWaitForTheEnd)

@@ -78,6 +78,7 @@ TEST(DateFunctions, SpansOfTime)
         {"WORKDAY(DATE(2011,3,4),2,A1:A3)", "40611"},
         {"WORKDAY(DATE(2011,3,7),-1)", "40606"},
         {"WORKDAY(1,-9)", "#NUM!"},
+        {"WORKDAY(40606,100000,{40609,50000})", "180610"},
         {"YEARFRAC(DATE(2011,1,1),DATE(2011,7,1))", "0.5"},
         {"YEARFRAC(DATE(2011,7,1),DATE(2011,1,1))", "0.5"},
         {"YEARFRAC(DATE(2011,2,28),DATE(2011,8,31))*360", "181"},

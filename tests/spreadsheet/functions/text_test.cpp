@@ -39,6 +39,7 @@ TEST(TextFunctions, CountCharactersNotBytes)
         {"SUBSTITUTE(\"abc\",\"b\",\"x\",0)", "#VALUE!"},
         {"REPT(\"=\",3)", "\"===\""},
         {"REPT(\"ab\",20000)", "#VALUE!"},
+        {"REPT(\"\",1E+300)", "\"\""},
         {"EXACT(\"Ab\",\"ab\")", "FALSE"},
         {"EXACT(1,\"1\")", "TRUE"},
     });
