@@ -272,10 +272,15 @@ std::string numberWithFraction(FormatSection section, double size)
         ++whole;
         ratio.above = 0;
     }
-    if (hasWhole && ratio.above == 0)
-        part->text.assign(part->text.size(), ' '); // a whole number shows no fraction
-    else
+    if (hasWhole && ratio.above == 0) {
+        part->text.assign(part->text.size(), ' '); // a whole number shows no fraction, and 0 its digit
+        const auto digit = std::find_if(std::make_reverse_iterator(part), section.parts.rend(),
+                                        [](const FormatPart& p) { return p.kind == Kind::digit; });
+        if (whole == 0 && digit != section.parts.rend())
+            digit->text = "0";
+    } else {
         part->text = inPlaces(ratio.above, above, true) + "/" + inPlaces(ratio.below, below, false);
+    }
     part->kind = Kind::literal;
     return NumberLayout(section, whole).text();
 }
