@@ -134,6 +134,9 @@ std::optional<std::string> SheetStructure::shift(Sheet& sheet, const AxisShift& 
     }
     const UndoStep step(m_workbook, shift.inserted > 0 ? (shift.rows ? "插入行" : "插入列")
                                                        : (shift.rows ? "删除行" : "删除列"));
+    const int end = std::min(shift.at + std::max(shift.inserted, shift.removed) - 1, limit);
+    m_workbook.journal().noteLines(sheet, shift.rows ? CellRange{1, shift.at, maxColumns, end}
+                                                     : CellRange{shift.at, 1, end, maxRows});
     std::vector<Rewrite> rewrites;
     // Formulas of the sheet itself move, so that what they mean elsewhere is another distance away.
     const auto concerned = [&](const Sheet& holder, std::uint32_t formula) {

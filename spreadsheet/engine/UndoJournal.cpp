@@ -41,8 +41,10 @@ void UndoJournal::setEnabled(bool enabled)
 
 void UndoJournal::open(std::string label)
 {
-    if (m_depth++ == 0)
+    if (m_depth++ == 0) {
         m_current.label = std::move(label);
+        m_current.lines.reset(); // of a step that changed nothing
+    }
 }
 
 void UndoJournal::close()
@@ -153,33 +155,66 @@ void UndoJournal::keepFormulasShown()
         m_current.formulasShown = m_workbook.formulasShown();
 }
 
+void UndoJournal::noteLines(const Sheet& sheet, const CellRange& lines)
+{
+    if (recording())
+        m_current.lines = ChangedCells{sheet.id(), lines};
+}
+
 const Column* UndoJournal::formerColumn(int sheetId, int column) const
 {
     const auto found = m_current.columns.find({sheetId, column});
     return found == m_current.columns.end() ? nullptr : &found->second;
 }
 
-void UndoJournal::undo()
+std::optional<ChangedCells> UndoJournal::undo()
 {
     if (m_undo.empty() || m_depth > 0)
-        return;
+        return std::nullopt;
     Step step = std::move(m_undo.back());
     m_undo.pop_back();
     exchange(step);
     weigh(step);
+    const auto changed = changedBy(step);
     m_redo.push_back(std::move(step));
+    return changed;
 }
 
-void UndoJournal::redo()
+std::optional<ChangedCells> UndoJournal::redo()
 {
     if (m_redo.empty() || m_depth > 0)
-        return;
+        return std::nullopt;
     Step step = std::move(m_redo.back());
     m_redo.pop_back();
     exchange(step);
     weigh(step);
+    const auto changed = changedBy(step);
     m_undo.push_back(std::move(step));
     trim();
+    return changed;
+}
+
+std::optional<ChangedCells> UndoJournal::changedBy(const Step& exchanged) const
+{
+    if (exchanged.lines || exchanged.formulasShown)
+        return exchanged.lines;
+    std::map<int, CellRange> ranges; ///< by sheet id
+    const auto compare = [&](int sheetId, int column, const Column& former) {
+        const int index = m_workbook.sheetIndexOfId(sheetId);
+        const Column* present = index == 0 ? nullptr : m_workbook.sheet(index).column(column);
+        const auto rows = index == 0 ? std::nullopt : differentRows(former, present ? *present : Column());
+        if (!rows)
+            return;
+        const CellRange found{column, rows->first, column, rows->last};
+        const auto [entry, fresh] = ranges.try_emplace(sheetId, found);
+        if (!fresh)
+            entry->second = united(entry->second, found);
+    };
+    for (const auto& [place, former] : exchanged.columns)
+        compare(place.first, place.second, former);
+    const auto active = ranges.find(m_workbook.sheet(m_workbook.activeSheet()).id());
+    const auto told = active == ranges.end() ? ranges.begin() : active;
+    return told == ranges.end() ? std::nullopt : std::optional(ChangedCells{told->first, told->second});
 }
 
 Sheet* UndoJournal::sheetOfId(int id, const Step& step)

@@ -1,4 +1,5 @@
 #pragma once
+#include "spreadsheet/engine/changed_cells.h"
 #include "spreadsheet/engine/Column.h"
 #include "spreadsheet/engine/SheetSettings.h"
 
@@ -41,8 +42,10 @@ public:
 
     void open(std::string label);
     void close();
-    void undo();
-    void redo();
+    /// Tells the block of cells that are others now, of one sheet; of a step that inserted or removed rows or
+    /// columns, those. Nothing if no cell is another, or formulas are only shown in another way.
+    std::optional<ChangedCells> undo();
+    std::optional<ChangedCells> redo();
 
     // Called before the change.
     void keepColumn(const Sheet& sheet, int column);
@@ -51,6 +54,8 @@ public:
     void keepSheets();
     void keepNames();
     void keepFormulasShown();
+    /// The rows or columns that are about to be inserted or removed.
+    void noteLines(const Sheet& sheet, const CellRange& lines);
 
     /// A column as it was before the open step; null unless the step changed cells of it where they stand.
     const Column* formerColumn(int sheetId, int column) const;
@@ -64,12 +69,14 @@ private:
         std::optional<std::vector<std::shared_ptr<Sheet>>> sheets;
         std::optional<std::vector<std::uint32_t>> names;
         std::optional<bool> formulasShown;
+        std::optional<ChangedCells> lines; ///< inserted or removed
         std::size_t bytes = 0;
         bool empty() const;
     };
 
     bool recording() const { return m_enabled && m_depth > 0; }
     void exchange(Step& step);
+    std::optional<ChangedCells> changedBy(const Step& exchanged) const;
     void exchangeColumn(Sheet& sheet, int column, Column& former);
     void noteDifference(int sheetId, int column, const Column& before, const Column& after);
     void exchangeNames(std::vector<std::uint32_t>& former);

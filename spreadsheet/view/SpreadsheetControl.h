@@ -1,4 +1,5 @@
 #pragma once
+#include "spreadsheet/engine/changed_cells.h"
 #include "spreadsheet/view/CellEditing.h"
 #include "spreadsheet/view/CellOperations.h"
 #include "spreadsheet/view/commands/find_replace.h"
@@ -227,6 +228,7 @@ private:
     void scrollTo(CellAddress topLeft);
     void changeSelection(const std::function<void(Selection&, const Sheet&)>& change);
     bool leave(int newColumn, int newRow);
+    bool showRange(int sheet, CellRange range);
     bool enter(CellAddress cell, const std::function<void(Selection&, const Sheet&)>& change);
     void showTabs();
     /// A line, or all selected ones if it is selected whole.
@@ -249,7 +251,7 @@ private:
     bool refuse(const std::optional<std::string>& why); ///< true if there is a reason, which is told
     bool refuseEdit(const std::vector<CellRange>& ranges);
     std::optional<CellRange> onlyRange();
-    void travelInTime(void (UndoJournal::*travel)());
+    void travelInTime(std::optional<ChangedCells> (UndoJournal::*travel)());
     std::optional<PackedOrigin> copyRange(const CellRange& range);
     void pasteClipboard(PasteKind kind);
     void pastePlanned(Sheet& target, const ClipboardContent& content, const PastePlan& plan, PasteKind kind);

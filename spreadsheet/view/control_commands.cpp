@@ -15,12 +15,25 @@ namespace spreadsheet {
 
 namespace {
 
-std::vector<std::string> sheetNames(const Workbook& workbook)
+/// Names by sheet id, in the order of the sheets.
+std::vector<std::pair<int, std::string>> sheetNames(const Workbook& workbook)
 {
-    std::vector<std::string> names;
+    std::vector<std::pair<int, std::string>> names;
     for (int index = 1; index <= workbook.sheetCount(); ++index)
-        names.push_back(workbook.sheet(index).name());
+        names.emplace_back(workbook.sheet(index).id(), workbook.sheet(index).name());
     return names;
+}
+
+/// The sheet to show after some came, went or moved: the last one that came back, else the one shown before.
+/// 0 if that is gone.
+int sheetToShow(const Workbook& workbook, const std::vector<std::pair<int, std::string>>& before, int shownId)
+{
+    for (int index = workbook.sheetCount(); index > 0; --index) {
+        const int id = workbook.sheet(index).id();
+        if (std::ranges::find(before, id, &std::pair<int, std::string>::first) == before.end())
+            return index;
+    }
+    return workbook.sheetIndexOfId(shownId);
 }
 
 QString roomQuestion(const PastePlan& plan)
@@ -58,20 +71,22 @@ std::optional<CellRange> SpreadsheetControl::onlyRange()
     return std::nullopt;
 }
 
-void SpreadsheetControl::travelInTime(void (UndoJournal::*travel)())
+void SpreadsheetControl::travelInTime(std::optional<ChangedCells> (UndoJournal::*travel)())
 {
     if (isEditing())
         return;
     const auto names = sheetNames(workbook());
     const int shownId = workbook().sheet(activeSheet()).id();
-    (workbook().journal().*travel)(); // afterEdit recalculates
+    const auto changed = (workbook().journal().*travel)(); // afterEdit recalculates
     if (sheetNames(workbook()) != names) {
-        if (const int index = workbook().sheetIndexOfId(shownId))
+        if (const int index = sheetToShow(workbook(), names, shownId))
             workbook().setActiveSheet(index);
         sheetSwitched();
         Q_EMIT sheetsChanged();
     }
     afterEdit();
+    if (changed)
+        showRange(workbook().sheetIndexOfId(changed->sheetId), changed->range);
 }
 
 void SpreadsheetControl::undo()
@@ -278,15 +293,7 @@ int SpreadsheetControl::replaceAll(const Search& search, const QString& replacem
 bool SpreadsheetControl::goTo(const QString& text)
 {
     const auto place = placeOfText(workbook(), text.toStdString(), activeSheet());
-    if (!place || !commitEdit())
-        return false;
-    if (place->sheet != activeSheet())
-        setActiveSheet(place->sheet);
-    if (!moveTo({place->range.left, place->range.top}))
-        return false;
-    select(place->range);
-    bringIntoSight({place->range.left, place->range.top});
-    return true;
+    return place && showRange(place->sheet, place->range);
 }
 
 } // namespace spreadsheet

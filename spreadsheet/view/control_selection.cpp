@@ -60,11 +60,12 @@ void SpreadsheetControl::select(const CellRange& range)
     if (!whole.contains(range) || range.right < range.left || range.bottom < range.top)
         return;
     changeSelection([&](Selection& s, const Sheet& sheet) {
-        const bool isCell = range.columns() == 1 && range.rows() == 1;
-        if (isCell)
+        if (range.isOneCell()) {
             s.setActive(sheet, {range.left, range.top});
-        else
-            s.setRange(withWholeSpans(sheet, range), {range.left, range.top});
+        } else {
+            const CellRange first = sheet.extent({range.left, range.top});
+            s.setRange(withWholeSpans(sheet, range), {first.left, first.top});
+        }
     });
     bringIntoSight(activeCell());
 }
@@ -104,6 +105,23 @@ bool SpreadsheetControl::moveTo(CellAddress cell, bool extend)
         return false;
     changeSelection([&](Selection& s, const Sheet& sheet) { s.extendTo(sheet, cell); });
     bringIntoSight(cell);
+    return true;
+}
+
+/// Selects what the sheet has of a range and shows its beginning, as a user does.
+bool SpreadsheetControl::showRange(int sheet, CellRange range)
+{
+    if (!commitEdit())
+        return false;
+    showSheetByUser(sheet);
+    const SheetSettings& settings = m_view->sheet().settings();
+    range.right = std::min(range.right, settings.columnCount);
+    range.bottom = std::min(range.bottom, settings.rowCount);
+    const CellAddress first{range.left, range.top};
+    if (sheet != activeSheet() || !range.contains(first) || !moveTo(first))
+        return false;
+    select(range);
+    bringIntoSight(first);
     return true;
 }
 

@@ -141,6 +141,7 @@ TEST_F(ControlCommands, UndoOfASheetThatIsShownShowsAnother)
     EXPECT_EQ(control.activeSheet(), 1);
     control.redo();
     EXPECT_EQ(control.sheetCount(), 2);
+    EXPECT_EQ(control.activeSheet(), 2) << "a sheet that comes back is shown";
 }
 
 } // namespace spreadsheet

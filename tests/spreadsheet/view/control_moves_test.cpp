@@ -331,4 +331,39 @@ TEST_F(ControlTest, AnotherSheetIsALeaveAndKeepsCursorAndPlace)
     EXPECT_EQ(control.activeSheet(), 1);
 }
 
+TEST_F(ControlTest, UndoAndRedoGoToWhatTheyChange)
+{
+    const auto travelled = [&](Qt::Key there) {
+        control.setActiveCell(25, 90);
+        key(there, Qt::ControlModifier);
+        return cursor();
+    };
+    type("7");
+    key(Qt::Key_Return);
+    EXPECT_EQ(travelled(Qt::Key_Z), "A1 in A1");
+    EXPECT_TRUE(control.cellArea().contains(control.cellRect({1, 1}))) << "it is scrolled to";
+    EXPECT_EQ(travelled(Qt::Key_Y), "A1 in A1");
+
+    control.changeStyle({2, 3, 3, 5}, [](CellStyle& style) { style.font.bold = true; });
+    EXPECT_EQ(travelled(Qt::Key_Z), "B3 in B3:C5") << "looks are changes too";
+
+    control.setText(4, 50, "end");
+    control.select({1, 10, control.columnCount(), 10});
+    control.insertRows();
+    EXPECT_EQ(travelled(Qt::Key_Z), "A10 in A10:AD10");
+
+    control.addSheet();
+    control.setText(3, 4, "on the second");
+    control.setActiveSheet(1);
+    logged();
+    EXPECT_EQ(travelled(Qt::Key_Z), "C4 in C4");
+    EXPECT_EQ(control.activeSheet(), 2) << "it is shown where it is";
+    EXPECT_EQ(logged(), "changed -1,-1 leave 25,90>-1,-1 sheet 2 leave 1,1>3,4");
+
+    control.setActiveSheet(1);
+    holdsCursor = true;
+    EXPECT_EQ(travelled(Qt::Key_Y), "Y90 in Y90") << "who holds the cursor keeps it";
+    EXPECT_EQ(control.workbook().sheet(2).displayText({3, 4}), "on the second");
+}
+
 } // namespace spreadsheet
