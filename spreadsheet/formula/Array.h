@@ -23,13 +23,14 @@ public:
 
     /// The element that an operation over several arrays meets at a place: a single row or column
     /// repeats, anything else beyond the edge is #N/A.
-    Value spread(int row, int column) const
+    const Value& spread(int row, int column) const
     {
         if (m_rows == 1)
             row = 0;
         if (m_columns == 1)
             column = 0;
-        return row < m_rows && column < m_columns ? at(row, column) : Value(CellError::na);
+        static const Value beyond(CellError::na);
+        return row < m_rows && column < m_columns ? at(row, column) : beyond;
     }
 
 private:
@@ -45,8 +46,7 @@ private:
 
 /// Elements that an array may have while formulas are evaluated; larger ones yield #VALUE!.
 #ifdef FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION
-inline constexpr std::size_t maxArrayElements =
-    262'144; // sanitizers make an element some twenty times slower
+inline constexpr std::size_t maxArrayElements = 65'536; // sanitizers take some fifty times as long
 #else
 inline constexpr std::size_t maxArrayElements = 4'194'304;
 #endif

@@ -80,7 +80,11 @@ public:
     const Area& area() const { return *std::get_if<Area>(&m_content); }
     /// All areas of a reference; one for a plain range.
     Areas areas() const;
-    const Array& array() const { return **std::get_if<std::shared_ptr<const Array>>(&m_content); }
+    const Array& array() const { return *sharedArray(); }
+    const std::shared_ptr<const Array>& sharedArray() const
+    {
+        return *std::get_if<std::shared_ptr<const Array>>(&m_content);
+    }
 
 private:
     std::variant<Value, Missing, Area, std::shared_ptr<const Areas>, std::shared_ptr<const Array>, Unknown>

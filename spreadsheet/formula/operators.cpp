@@ -141,7 +141,7 @@ void cutToUsed(const Workbook& workbook, CellRange& cells)
 std::shared_ptr<const Array> toArray(const Operand& operand, const EvaluationPlace& place)
 {
     if (operand.isArray())
-        return std::make_shared<const Array>(operand.array());
+        return operand.sharedArray();
     auto single = std::make_shared<Array>(1, 1);
     if (operand.isArea()) {
         Area area = operand.area();
