@@ -101,6 +101,20 @@ TEST_F(CancelledRecalculation, AnEnteredFormulaIsComputedLater)
     EXPECT_EQ(mode(), "设计");
 }
 
+TEST_F(CancelledRecalculation, OneLongFormulaCanBeCancelled)
+{
+    open();
+    moveTo(2, 2);
+    typeInBox("12.5", Qt::Key_Return);
+    cancelWhenAsked();
+    typeInBox("=SUMPRODUCT(SMALL(ROW(1:50000),ROW(1:50000)))", Qt::Key_Return); // takes minutes
+    EXPECT_EQ(grid().text(2, 2), "12.5");
+    EXPECT_EQ(mode(), "设计 数值未更新");
+    typeInBox("=1+1", Qt::Key_Return);
+    EXPECT_EQ(grid().text(2, 2), "2");
+    EXPECT_EQ(mode(), "设计");
+}
+
 TEST_F(CancelledRecalculation, OpeningForUseShowsWhatWasStored)
 {
     storeReport();
