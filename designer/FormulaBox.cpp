@@ -39,6 +39,7 @@ public:
         end(false);
     }
     void place() override {}
+    void takeFocus() override { m_box.m_edit.setFocus(); }
     void compose(QInputMethodEvent*) override {} // the box has the focus and composes itself
     QRect cursorRect() const override { return {}; }
     bool takesReference() const override { return m_box.m_assistant->canPoint(); }

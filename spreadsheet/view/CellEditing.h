@@ -31,6 +31,8 @@ public:
     /// The cell has moved on screen, or zoom or sheet have changed.
     virtual void place() = 0;
 
+    /// A click on tabs or scroll bars has given the control the focus; keys still belong to the text.
+    virtual void takeFocus() = 0;
     /// An input method composes while the control still has the focus; the editor takes it over when a text
     /// is done.
     virtual void compose(QInputMethodEvent* event) = 0;

@@ -134,9 +134,8 @@ void GridMouse::press(const QMouseEvent& event)
         pointTo(point, false);
         return;
     }
-    const int pressedSheet = m_control.activeSheet();
-    if (!m_control.commitEdit() || m_control.activeSheet() != pressedSheet)
-        return; // the sheet of the entry is back, and what was pressed no longer there
+    if (!m_control.commitHere())
+        return;
     if (place.kind == Kind::columnEdge || place.kind == Kind::rowEdge) {
         if (m_control.mode() == GridMode::edit)
             m_doing = place.kind == Kind::rowEdge ? Doing::resizingRow : Doing::resizingColumn;

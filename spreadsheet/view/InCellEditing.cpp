@@ -201,6 +201,11 @@ void InCellEditing::place()
     m_editor->place(cell, m_control.cellArea());
 }
 
+void InCellEditing::takeFocus()
+{
+    m_editor->setFocus();
+}
+
 void InCellEditing::compose(QInputMethodEvent* event)
 {
     m_editor->compose(event);

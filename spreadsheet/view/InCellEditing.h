@@ -28,6 +28,7 @@ public:
     /// Ends the life of this object.
     void cancel() override;
     void place() override;
+    void takeFocus() override;
     void compose(QInputMethodEvent* event) override;
     QRect cursorRect() const override;
     bool takesReference() const override;

@@ -227,6 +227,7 @@ private:
     void placesChanged();
     void scrollTo(CellAddress topLeft);
     void changeSelection(const std::function<void(Selection&, const Sheet&)>& change);
+    bool commitHere();
     bool leave(int newColumn, int newRow);
     bool showRange(int sheet, CellRange range);
     bool enter(CellAddress cell, const std::function<void(Selection&, const Sheet&)>& change);

@@ -63,7 +63,7 @@ void SpreadsheetControl::openDropDown()
         m_dateEntry->open();
         return;
     }
-    if (!commitEdit())
+    if (!commitHere())
         return;
     if (!mayAct(cell)) {
         refuse("单元格已锁定，不能更改");
@@ -124,7 +124,7 @@ void SpreadsheetControl::resizeLinesTo(bool rows, int line, int twips)
 
 void SpreadsheetControl::autofitLine(bool rows, int line)
 {
-    if (mode() != GridMode::edit || !commitEdit())
+    if (mode() != GridMode::edit || !commitHere())
         return;
     Sheet& sheet = workbook().sheet(activeSheet());
     const UndoStep step(workbook(), rows ? "最适合的行高" : "最适合的列宽");

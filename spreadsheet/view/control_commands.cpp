@@ -85,7 +85,8 @@ void SpreadsheetControl::travelInTime(std::optional<ChangedCells> (UndoJournal::
         Q_EMIT sheetsChanged();
     }
     afterEdit();
-    if (changed)
+    const bool sheetCameBack = workbook().sheet(activeSheet()).id() != shownId;
+    if (changed && !sheetCameBack)
         showRange(workbook().sheetIndexOfId(changed->sheetId), changed->range);
 }
 
@@ -196,7 +197,7 @@ void SpreadsheetControl::pastePlanned(Sheet& target, const ClipboardContent& con
 
 void SpreadsheetControl::clear()
 {
-    if (refuseEdit(selection()) || !commitEdit())
+    if (!commitEdit() || refuseEdit(selection()))
         return;
     const std::vector<CellRange> ranges = selection();
     if (!refuse(clearRanges(workbook(), workbook().sheet(activeSheet()), ranges)))
@@ -205,9 +206,9 @@ void SpreadsheetControl::clear()
 
 void SpreadsheetControl::fillAlong(bool down)
 {
-    const std::vector<CellRange> ranges = selection();
-    if (refuseEdit(ranges) || !commitEdit())
+    if (!commitEdit() || refuseEdit(selection()))
         return;
+    const std::vector<CellRange> ranges = selection();
     Sheet& shown = workbook().sheet(activeSheet());
     {
         const UndoStep step(workbook(), down ? "向下填充" : "向右填充");
@@ -236,7 +237,7 @@ void SpreadsheetControl::fillRight()
 
 void SpreadsheetControl::fillTo(const CellRange& goal, bool asSeries)
 {
-    if (refuseEdit({goal}) || !commitEdit())
+    if (!commitHere() || refuseEdit({goal}))
         return;
     if (refuse(fillFromBlock(workbook(), workbook().sheet(activeSheet()), firstRange(), goal, asSeries)))
         return;
@@ -246,8 +247,10 @@ void SpreadsheetControl::fillTo(const CellRange& goal, bool asSeries)
 
 void SpreadsheetControl::sortBlock(const std::vector<SortKey>& keys, bool headerRow)
 {
+    if (!commitEdit())
+        return;
     const auto range = onlyRange();
-    if (!range || !commitEdit())
+    if (!range)
         return;
     Sheet& shown = workbook().sheet(activeSheet());
     const CellRange block = isBlockSelected() ? *range : blockAround(shown, activeCell());

@@ -68,6 +68,13 @@ bool SpreadsheetControl::commitEdit()
     return !isEditing() || m_editing->commit();
 }
 
+/// False also if the sheet of the entry is back and what was chosen on another one no longer there.
+bool SpreadsheetControl::commitHere()
+{
+    const int chosen = activeSheet();
+    return commitEdit() && activeSheet() == chosen;
+}
+
 void SpreadsheetControl::cancelEdit()
 {
     if (isEditing())

@@ -82,7 +82,7 @@ bool SpreadsheetControl::leave(int newColumn, int newRow)
 /// Moves the cursor as a user does. @param change  makes the new selection, in which `cell` is active
 bool SpreadsheetControl::enter(CellAddress cell, const std::function<void(Selection&, const Sheet&)>& change)
 {
-    if (!commitEdit())
+    if (!commitHere())
         return false;
     const CellRange extent = m_view->sheet().extent(cell);
     const CellAddress goal{extent.left, extent.top};
@@ -101,7 +101,7 @@ bool SpreadsheetControl::moveTo(CellAddress cell, bool extend)
 {
     if (!extend)
         return enter(cell, [&](Selection& s, const Sheet& sheet) { s.setActive(sheet, cell); });
-    if (!commitEdit())
+    if (!commitHere())
         return false;
     changeSelection([&](Selection& s, const Sheet& sheet) { s.extendTo(sheet, cell); });
     bringIntoSight(cell);
@@ -128,6 +128,8 @@ bool SpreadsheetControl::showRange(int sheet, CellRange range)
 void SpreadsheetControl::focusInEvent(QFocusEvent* event)
 {
     QWidget::focusInEvent(event);
+    if (isEditing() && event->reason() == Qt::MouseFocusReason)
+        m_editing->takeFocus();
     update(cellRect(activeCell()));
 }
 

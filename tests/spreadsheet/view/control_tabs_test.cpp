@@ -113,6 +113,30 @@ TEST_F(Tabs, AClickShowsASheetAndIsALeave)
     EXPECT_EQ(shown("C3"), "12");
 }
 
+TEST_F(Tabs, AnEntryGoesOnOverAnotherSheetAndComesBackWhenItEnds)
+{
+    const std::tuple<const char*, std::function<void()>, const char*> ends[] = {
+        {"a heading", [&] { click(columnHeading("B2")); }, "C3 in C3"},
+        {"a cell", [&] { click("D4"); }, "C3 in C3"},
+        {"Enter", [&] { key(Qt::Key_Return); }, "C4 in C4"},
+        {"a key that selects", [&] { key(Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier); },
+         "C3 in C3:C100"},
+    };
+    for (const auto& [what, end, goal] : ends) {
+        click("C3");
+        type("=1+");
+        clickTab(2);
+        click("B2");
+        type("*5"); // no place for a reference any more
+        EXPECT_EQ(edited(), "=1+Sheet2!B2*5") << what;
+        end();
+        EXPECT_EQ(names(), "*Sheet1 Sheet2 Sheet3") << what;
+        EXPECT_EQ(cursor(), goal) << what;
+        EXPECT_EQ(formula("C3"), "1+Sheet2!B2*5") << what;
+        sheet().setText({3, 3}, "");
+    }
+}
+
 TEST_F(Tabs, SheetsAreAddedAndRenamedInPlace)
 {
     QTest::mouseClick(control.findChild<QToolButton*>("addSheet"), Qt::LeftButton);
@@ -177,7 +201,8 @@ TEST_F(Tabs, TheMenuDeletesAfterAQuestion)
     EXPECT_EQ(names(), "*Sheet1 Sheet3");
     EXPECT_EQ(shown("A1"), "#REF!");
     key(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(names(), "*Sheet1 Sheet2 Sheet3");
+    EXPECT_EQ(names(), "Sheet1 *Sheet2 Sheet3") << "what came back is shown";
+    clickTab(1);
     EXPECT_EQ(shown("A1"), "5") << "its readers are back too";
     chooseInMenu(3, 2);
     ASSERT_TRUE(nameField().isVisible());
