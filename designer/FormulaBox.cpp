@@ -28,15 +28,17 @@ public:
     QString text() const override { return m_box.m_edit.text(); }
     bool commit() override
     {
+        const int sheetId = m_box.m_sheetId; // filling takes the shown one's
         if (!m_box.commit())
             return false;
-        end(true);
+        end(true, sheetId);
         return true;
     }
     void cancel() override
     {
+        const int sheetId = m_box.m_sheetId;
         m_box.fill();
-        end(false);
+        end(false, sheetId);
     }
     void place() override {}
     void takeFocus() override { m_box.m_edit.setFocus(); }
@@ -51,11 +53,14 @@ public:
 
 private:
     /// The grid deletes this object.
-    void end(bool changed)
+    void end(bool changed, int sheetId)
     {
         spreadsheet::SpreadsheetControl& grid = m_box.m_grid;
         grid.setReferenceFrames({});
         grid.editingEnded(changed);
+        const int own = grid.workbook().sheetIndexOfId(sheetId);
+        if (own != 0 && own != grid.activeSheet())
+            grid.setActiveSheet(own); // back from pointing at another sheet
     }
 
     FormulaBox& m_box;
@@ -86,6 +91,11 @@ Sheet* FormulaBox::sheet() const
 {
     const int index = m_grid.workbook().sheetIndexOfId(m_sheetId);
     return index == 0 ? nullptr : &m_grid.workbook().sheet(index);
+}
+
+bool FormulaBox::isOfShownSheet() const
+{
+    return m_grid.workbook().sheetIndexOfId(m_sheetId) == m_grid.activeSheet();
 }
 
 void FormulaBox::fill()

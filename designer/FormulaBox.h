@@ -27,6 +27,8 @@ public:
 
     /// Shows the active cell's formula; what was typed and not written is given up.
     void fill();
+    /// Its cell is on the sheet that the grid shows.
+    bool isOfShownSheet() const;
 
     /// Writes the text into the cell that it was shown for; a text equal to the cell's formula, or an empty
     /// one over a constant, does nothing. False if it was refused: it stays, its mistake marked.

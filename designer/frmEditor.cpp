@@ -193,6 +193,8 @@ void frmEditor::fps1_LeaveCell(int column, int row, int newColumn, int newRow, b
 /// The control that moves the cursor tells of it before; what the entered cell holds is shown after.
 void frmEditor::enterCell()
 {
+    if (m_fps1->isEditing() && !m_formulaBox->isOfShownSheet())
+        return; // another sheet is shown to point at its cells
     m_formulaBox->fill();
     const CellAddress cell = m_fps1->activeCell();
     m_label1->setText(QString::fromStdString(spreadsheet::cellName(cell)) + QStringLiteral("单元格公式为："));

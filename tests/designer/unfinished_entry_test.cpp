@@ -2,7 +2,9 @@
 #include "tests/designer/DesignerTest.h"
 
 #include <QDir>
+#include <QScrollBar>
 #include <QStatusBar>
+#include <QTabBar>
 
 namespace selfreport {
 namespace {
@@ -49,6 +51,33 @@ TEST_F(UnfinishedEntry, ClosingKeepsWhatWasTyped)
         EXPECT_EQ(inBox ? grid().text(1, 1).toStdString() : formula(1, 1), "6*7");
         trigger("MenuFileClose");
         EXPECT_FALSE(window->isVisible());
+        forget();
+    }
+}
+
+TEST_F(UnfinishedEntry, GoesOnWhereItIsAfterClicksBesideTheCells)
+{
+    for (const bool inBox : {false, true}) {
+        open();
+        grid().setSheetCount(2);
+        grid().refresh();
+        if (inBox) {
+            edit("txtFormula").setFocus();
+            type("=1+");
+        } else {
+            inCell(1, 1, "=1+");
+        }
+        QTabBar& tabs = control<QTabBar>(*window, "sheetTabBar");
+        QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(1).center());
+        EXPECT_EQ(grid().activeSheet(), 2);
+        type("2");
+        for (QScrollBar* bar : grid().findChildren<QScrollBar*>())
+            QTest::mouseClick(bar, Qt::LeftButton, {}, bar->rect().center());
+        type("*3");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        EXPECT_EQ(grid().activeSheet(), 1) << inBox;
+        EXPECT_EQ(formula(1, 1), "1+2*3") << inBox;
+        trigger("MenuFileClose");
         forget();
     }
 }
