@@ -2,6 +2,8 @@
 
 #include "spreadsheet/engine/Column.h"
 
+#include <algorithm>
+
 namespace spreadsheet {
 
 namespace {
