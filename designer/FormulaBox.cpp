@@ -28,17 +28,15 @@ public:
     QString text() const override { return m_box.m_edit.text(); }
     bool commit() override
     {
-        const int sheetId = m_box.m_sheetId; // filling takes the shown one's
         if (!m_box.commit())
             return false;
-        end(true, sheetId);
+        end(true);
         return true;
     }
     void cancel() override
     {
-        const int sheetId = m_box.m_sheetId;
         m_box.fill();
-        end(false, sheetId);
+        end(false);
     }
     void place() override {}
     void takeFocus() override { m_box.m_edit.setFocus(); }
@@ -53,14 +51,11 @@ public:
 
 private:
     /// The grid deletes this object.
-    void end(bool changed, int sheetId)
+    void end(bool changed)
     {
         spreadsheet::SpreadsheetControl& grid = m_box.m_grid;
         grid.setReferenceFrames({});
         grid.editingEnded(changed);
-        const int own = grid.workbook().sheetIndexOfId(sheetId);
-        if (own != 0 && own != grid.activeSheet())
-            grid.setActiveSheet(own); // back from pointing at another sheet
     }
 
     FormulaBox& m_box;

@@ -122,10 +122,7 @@ void InCellEditing::end(bool changed)
 {
     SpreadsheetControl& control = m_control;
     const CellAddress cell = m_cell;
-    const int index = control.workbook().sheetIndexOfId(m_sheetId);
     control.editingEnded(changed);
-    if (index != 0 && index != control.activeSheet())
-        control.setActiveSheet(index); // back from pointing at another sheet
     if (changed)
         control.afterEdit(cell);
 }

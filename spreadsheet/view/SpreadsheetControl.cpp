@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace spreadsheet {
 
@@ -308,6 +309,9 @@ void SpreadsheetControl::editingEnded(bool changed)
     setReferenceFrames({});
     setFocus();
     Q_EMIT editModeChanged(false, changed);
+    const int own = workbook().sheetIndexOfId(std::exchange(m_entrySheetId, 0));
+    if (own != 0 && own != activeSheet())
+        setActiveSheet(own); // back from pointing at another one
 }
 
 // --- events of the widget

@@ -176,7 +176,8 @@ public:
     void afterEdit(std::optional<CellAddress> cell = std::nullopt);
     /// Takes the editor that beginEdit has made.
     void setEditing(std::unique_ptr<CellEditing> editing);
-    /// The editor is gone; it deletes the object. The control has the focus again.
+    /// The editor is gone; it deletes the object. The control has the focus again and shows the entry's
+    /// sheet.
     void editingEnded(bool changed);
     /// Moves as a user does: fires leaveCell, which may hold it up, and commits an open editor.
     /// @param extend  keeps the other end of the selection
@@ -281,7 +282,8 @@ private:
     int m_wheelZoom = 0; ///< eighths of a degree not yet acted on
     int m_wheelDown = 0, m_wheelAcross = 0;
     std::unique_ptr<CellEditing> m_editing;
-    bool m_keepsEditing = false; ///< another sheet is shown to point at its cells
+    bool m_keepsEditing = false; ///< another sheet is being shown to point at its cells
+    int m_entrySheetId = 0;      ///< the sheet to go back to when the entry ends; 0: no other was shown
     FunctionHints m_hints;
     /// Cells that were cut and not pasted yet; an edit in between makes a copy of them.
     struct Cut {

@@ -85,8 +85,8 @@ void SpreadsheetControl::travelInTime(std::optional<ChangedCells> (UndoJournal::
         Q_EMIT sheetsChanged();
     }
     afterEdit();
-    const bool sheetCameBack = workbook().sheet(activeSheet()).id() != shownId;
-    if (changed && !sheetCameBack)
+    const bool showsAnother = workbook().sheet(activeSheet()).id() != shownId;
+    if (changed && !showsAnother)
         showRange(workbook().sheetIndexOfId(changed->sheetId), changed->range);
 }
 

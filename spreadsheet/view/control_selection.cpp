@@ -150,6 +150,7 @@ void SpreadsheetControl::focusOutEvent(QFocusEvent* event)
 
 void SpreadsheetControl::workbookSwitched()
 {
+    m_entrySheetId = 0;
     cancelEdit();
     m_cut.reset();
     m_view->setWorkbook(workbook());
@@ -160,8 +161,10 @@ void SpreadsheetControl::sheetSwitched()
 {
     if (!workbook().journal().enabled())
         workbook().setUndoEnabled(true); // which forgets former steps
-    if (!m_keepsEditing)
+    if (!m_keepsEditing) {
+        m_entrySheetId = 0; // the sheet that is shown now stays
         cancelEdit();
+    }
     m_view->update();
     m_tabColumn = 0;
     placesChanged();
@@ -190,6 +193,8 @@ void SpreadsheetControl::showSheetByUser(int index)
         return;
     if (isEditing() && m_editing->takesReference()) { // to point at its cells
         const QScopedValueRollback keeps(m_keepsEditing, true);
+        if (m_entrySheetId == 0)
+            m_entrySheetId = workbook().sheet(activeSheet()).id();
         setActiveSheet(index);
         m_editing->place();
     } else if (commitEdit() && leave(-1, -1))

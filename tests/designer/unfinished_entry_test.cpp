@@ -57,16 +57,17 @@ TEST_F(UnfinishedEntry, ClosingKeepsWhatWasTyped)
 
 TEST_F(UnfinishedEntry, GoesOnWhereItIsAfterClicksBesideTheCells)
 {
+    const auto begin = [this](bool inBox) {
+        if (!inBox)
+            return inCell(1, 1, "=1+");
+        edit("txtFormula").setFocus();
+        type("=1+");
+    };
     for (const bool inBox : {false, true}) {
         open();
         grid().setSheetCount(2);
         grid().refresh();
-        if (inBox) {
-            edit("txtFormula").setFocus();
-            type("=1+");
-        } else {
-            inCell(1, 1, "=1+");
-        }
+        begin(inBox);
         QTabBar& tabs = control<QTabBar>(*window, "sheetTabBar");
         QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(1).center());
         EXPECT_EQ(grid().activeSheet(), 2);
@@ -77,6 +78,10 @@ TEST_F(UnfinishedEntry, GoesOnWhereItIsAfterClicksBesideTheCells)
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         EXPECT_EQ(grid().activeSheet(), 1) << inBox;
         EXPECT_EQ(formula(1, 1), "1+2*3") << inBox;
+        begin(inBox);
+        grid().setActiveSheet(2);
+        EXPECT_FALSE(grid().isEditing()) << inBox;
+        EXPECT_EQ(grid().activeSheet(), 2) << "what the program shows stays, " << inBox;
         trigger("MenuFileClose");
         forget();
     }
