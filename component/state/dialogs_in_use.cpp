@@ -8,6 +8,11 @@ class SilentDialogs : public Dialogs {
 public:
     void message(Icon, std::string_view, std::string_view) override {}
     bool ask(Icon, std::string_view, std::string_view) override { return false; }
+    std::optional<std::size_t> choose(Icon, std::string_view, std::string_view,
+                                      const std::vector<std::string_view>&) override
+    {
+        return {};
+    }
 };
 
 } // namespace

@@ -1,7 +1,10 @@
 #pragma once
 #include "platform/InUse.h"
 
+#include <cstddef>
+#include <optional>
 #include <string_view>
+#include <vector>
 
 namespace selfreport {
 
@@ -20,7 +23,13 @@ public:
     /// … under the question icon.
     bool question(std::string_view title, std::string_view text) { return ask(Icon::question, title, text); }
 
-    /// What is in use without a replacement: at first silent boxes that answer every question with No.
+    /// Asks with buttons of its own and, behind them, "取消", which is the default and what Esc means.
+    /// Returns the place of the chosen button, from 0; nothing for "取消".
+    virtual std::optional<std::size_t> choose(Icon icon, std::string_view title, std::string_view text,
+                                              const std::vector<std::string_view>& choices) = 0;
+
+    /// What is in use without a replacement: at first silent boxes that answer every question with No and
+    /// choose nothing.
     static Dialogs*& usual();
 };
 

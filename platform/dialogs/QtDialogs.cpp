@@ -2,7 +2,10 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QString>
+
+#include <algorithm>
 
 namespace selfreport {
 
@@ -35,12 +38,19 @@ QMessageBox::Icon toolkitIcon(Icon icon)
     return QMessageBox::NoIcon;
 }
 
-int show(Icon icon, std::string_view title, std::string_view text, QMessageBox::StandardButtons buttons)
+/// A box over the active window.
+struct Box : QMessageBox {
+    Box(selfreport::Icon icon, std::string_view title, std::string_view text, StandardButtons buttons)
+        : QMessageBox(toolkitIcon(icon), fromUtf8(title), fromUtf8(text), buttons,
+                      QApplication::activeWindow())
+    {
+        setObjectName("messageBox");
+        setTextFormat(Qt::PlainText); // a server's text may look like markup
+    }
+};
+
+int show(QMessageBox& box)
 {
-    QMessageBox box(toolkitIcon(icon), fromUtf8(title), fromUtf8(text), buttons,
-                    QApplication::activeWindow());
-    box.setObjectName("messageBox");
-    box.setTextFormat(Qt::PlainText);                                // a server's text may look like markup
     const bool waits = QGuiApplication::overrideCursor() != nullptr; // whoever asks here waits for the user
     if (waits)
         QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
@@ -54,13 +64,35 @@ int show(Icon icon, std::string_view title, std::string_view text, QMessageBox::
 
 void QtDialogs::message(Icon icon, std::string_view title, std::string_view text)
 {
-    if (canShow())
-        show(icon, title, text, QMessageBox::Ok);
+    if (!canShow())
+        return;
+    Box box(icon, title, text, QMessageBox::Ok);
+    show(box);
 }
 
 bool QtDialogs::ask(Icon icon, std::string_view title, std::string_view text)
 {
-    return canShow() && show(icon, title, text, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+    if (!canShow())
+        return false;
+    Box box(icon, title, text, QMessageBox::Yes | QMessageBox::No);
+    return show(box) == QMessageBox::Yes;
+}
+
+std::optional<std::size_t> QtDialogs::choose(Icon icon, std::string_view title, std::string_view text,
+                                             const std::vector<std::string_view>& choices)
+{
+    if (!canShow())
+        return {};
+    Box box(icon, title, text, QMessageBox::NoButton);
+    std::vector<QAbstractButton*> buttons;
+    for (const std::string_view choice : choices)
+        buttons.push_back(box.addButton(fromUtf8(choice), QMessageBox::AcceptRole));
+    QPushButton* const cancel = box.addButton(QStringLiteral("取消"), QMessageBox::RejectRole);
+    box.setDefaultButton(cancel);
+    box.setEscapeButton(cancel);
+    show(box);
+    const auto found = std::ranges::find(buttons, box.clickedButton());
+    return found == buttons.end() ? std::nullopt : std::optional<std::size_t>(found - buttons.begin());
 }
 
 } // namespace selfreport

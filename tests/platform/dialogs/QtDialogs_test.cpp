@@ -4,7 +4,10 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTest>
 #include <QTimer>
+
+#include <functional>
 
 namespace selfreport {
 namespace {
@@ -60,6 +63,39 @@ TEST(QtDialogs, ShowNothingWithoutAnApplicationAndTheBoxWithOne)
         EXPECT_EQ(seen.icon, QMessageBox::Question);
         EXPECT_EQ(seen.buttons, QMessageBox::Yes | QMessageBox::No);
     }
+}
+
+TEST(QtDialogs, ChoicesAreMadeByButtonAndCancelledByDefault)
+{
+    QtDialogs boxes;
+    EXPECT_FALSE(boxes.choose(Icon::question, "账套", "没有界面?", {"覆盖"}));
+
+    int count = 1;
+    char name[] = "tests";
+    char* arguments[] = {name, nullptr};
+    const QApplication application(count, arguments);
+    const auto answered = [&](const std::function<void(QMessageBox&)>& act) {
+        QTimer::singleShot(0, qApp, [&act] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(box);
+            EXPECT_EQ(box->defaultButton()->text(), "取消");
+            act(*box);
+        });
+        return boxes.choose(Icon::question, "账套", "已由 李 保存。", {"覆盖", "另存为新报表"});
+    };
+    const auto pressed = [&](const QString& caption) {
+        return answered([caption](QMessageBox& box) {
+            for (QAbstractButton* const button : box.buttons())
+                if (button->text() == caption)
+                    button->click();
+        });
+    };
+    EXPECT_EQ(pressed("覆盖"), 0u);
+    EXPECT_EQ(pressed("另存为新报表"), 1u);
+    EXPECT_FALSE(pressed("取消"));
+    for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Enter})
+        EXPECT_FALSE(answered([key](QMessageBox& box) { QTest::keyClick(&box, key); })) << key;
+    EXPECT_FALSE(answered([](QMessageBox& box) { box.close(); }));
 }
 
 } // namespace
