@@ -155,7 +155,12 @@ Transaction::Transaction(Connection& connection)
 
 Transaction::~Transaction()
 {
-    if (!m_isOpen)
+    giveUp();
+}
+
+void Transaction::giveUp() noexcept
+{
+    if (!std::exchange(m_isOpen, false))
         return;
     try {
         m_connection.rollBack();

@@ -75,6 +75,8 @@ public:
     Transaction& operator=(const Transaction&) = delete;
 
     void commit();
+    /// Rolls back now; what fails of that the server does by itself.
+    void giveUp() noexcept;
 
 private:
     Connection& m_connection;

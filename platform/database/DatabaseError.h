@@ -28,4 +28,10 @@ struct ConnectionLost : DatabaseError {
     using DatabaseError::DatabaseError;
 };
 
+/// Another session was in the way: it took the key meanwhile, or the server let it go first. The transaction
+/// is to be rolled back and may be done again from its beginning.
+struct RepeatableError : DatabaseError {
+    using DatabaseError::DatabaseError;
+};
+
 } // namespace selfreport

@@ -15,11 +15,13 @@ struct SqlDateTime {
     int hour = 0;
     int minute = 0;
     int second = 0;
+    int nanosecond = 0;
 };
 
+/// To the millisecond.
 SqlDateTime localNow();
 
-/// "2009-12-31 08:05:09"
+/// "2009-12-31 08:05:09", and behind it what there is of a fraction: "2009-12-31 08:05:09.123".
 std::string dateTimeText(const SqlDateTime& moment);
 
 /// A value bound to a "?" of a statement; monostate is null. Texts are UTF-8. Bytes are not copied: what the

@@ -201,7 +201,7 @@ bool Ledger::hasObject(const std::string& name)
 void Ledger::beginIfWanted()
 {
     if (std::exchange(m_isBeginWanted, false))
-        m_database.run("begin immediate");
+        m_database.run("begin");
 }
 
 void Ledger::end(const char* how)

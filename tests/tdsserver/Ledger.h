@@ -66,7 +66,8 @@ public:
     bool hasObject(const std::string& name);
     HostedDatabase& hosted() { return *m_hosted; }
 
-    /// A transaction takes its lock with the first statement in it, as on a server.
+    /// A transaction locks out other writers with the first statement in it that changes something, as a
+    /// server does for the rows of that statement.
     void begin() { m_isBeginWanted = true; }
     void commit() { end("commit"); }
     void rollBack() { end("rollback"); }

@@ -5,11 +5,13 @@
 namespace selfreport::tds {
 
 struct Moment {
-    std::int64_t days = 0;    ///< since 1900-01-01
-    std::int64_t seconds = 0; ///< of the day
+    std::int64_t days = 0;  ///< since 1900-01-01
+    std::int64_t ticks = 0; ///< of the day, each a 300th of a second, as datetime counts
 };
 
-/// Of "2009-12-31 08:05:09" or "2009-12-31"; other texts throw ProtocolError.
+inline constexpr std::int64_t ticksPerSecond = 300;
+
+/// Of "2009-12-31 08:05:09", "2009-12-31 08:05:09.123" or "2009-12-31"; other texts throw ProtocolError.
 Moment momentOf(const std::string& text);
 std::string momentText(const Moment& moment);
 

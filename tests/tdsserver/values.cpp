@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::string_view chineseCollation("\x04\x08\xd0\x00\x00", 5);
 constexpr std::uint64_t noPieces = ~std::uint64_t{0}; // length of a null among the unlimited types
-constexpr std::int64_t clockTicks = 300;              // of a datetime's second
 
 bool isText(TypeToken token)
 {
@@ -87,7 +86,7 @@ void putMoment(std::string& bytes, const Value& value)
     const Moment moment = momentOf(std::get<std::string>(value));
     put<std::uint8_t>(bytes, 8);
     put<std::int32_t>(bytes, static_cast<std::int32_t>(moment.days));
-    put<std::uint32_t>(bytes, static_cast<std::uint32_t>(moment.seconds * clockTicks));
+    put<std::uint32_t>(bytes, static_cast<std::uint32_t>(moment.ticks));
 }
 
 void putNull(std::string& bytes, const TypeInfo& type)
@@ -163,7 +162,7 @@ Value momentValue(std::string_view raw)
 {
     ByteReader reader(raw);
     const auto days = reader.littleEndian<std::int32_t>();
-    return momentText({days, reader.littleEndian<std::uint32_t>() / clockTicks});
+    return momentText({days, reader.littleEndian<std::uint32_t>()});
 }
 
 Value moment2Value(std::string_view raw, std::uint8_t scale)
@@ -175,9 +174,8 @@ Value moment2Value(std::string_view raw, std::uint8_t scale)
         ticks = ticks << 8U | static_cast<unsigned char>(time[at - 1]);
     const std::int64_t low = reader.littleEndian<std::uint16_t>();
     const std::int64_t days = low + (std::int64_t{reader.byte()} << 16);
-    for (; scale > 0; --scale)
-        ticks /= 10;
-    return momentText({days - daysBefore1900, static_cast<std::int64_t>(ticks)});
+    const double seconds = static_cast<double>(ticks) / std::pow(10.0, scale);
+    return momentText({days - daysBefore1900, std::llround(seconds * ticksPerSecond)});
 }
 
 double floatNumber(std::string_view raw)

@@ -236,10 +236,7 @@ void OdbcSession::setAutocommit(bool on)
     if (SQL_SUCCEEDED(set))
         return;
     const auto records = odbcRecords(SQL_HANDLE_DBC, m_connection);
-    const DatabaseError error = workError(records);
-    if (saysLost(records) || !looksAlive())
-        throw ConnectionLost(error.number, error.description);
-    throw error;
+    throwWorkError(records, !looksAlive());
 }
 
 void OdbcSession::begin()
@@ -258,10 +255,7 @@ void OdbcSession::endTransaction(SQLSMALLINT how)
     m_isSpoiled = true; // until all is done
     if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, m_connection, how))) {
         const auto records = odbcRecords(SQL_HANDLE_DBC, m_connection);
-        const DatabaseError error = workError(records);
-        if (saysLost(records) || !looksAlive())
-            throw ConnectionLost(error.number, error.description);
-        throw error;
+        throwWorkError(records, !looksAlive());
     }
     setAutocommit(true); // until then the driver keeps the next transaction open
     m_isSpoiled = false;

@@ -48,10 +48,7 @@ void OdbcStatement::check(SQLRETURN result)
     // The driver calls an error between two rows a success with information.
     if (result == SQL_SUCCESS_WITH_INFO && onlyWarns(records))
         return;
-    const DatabaseError error = workError(records);
-    if (saysLost(records) || isConnectionDead(m_connection))
-        throw ConnectionLost(error.number, error.description);
-    throw error;
+    throwWorkError(records, isConnectionDead(m_connection));
 }
 
 void OdbcStatement::bindAt(Form form, SQLULEN size, SQLSMALLINT digits, const void* data, Bound& bound,
@@ -99,7 +96,7 @@ void OdbcStatement::bind(const SqlValue& value)
                         part(moment->hour),
                         part(moment->minute),
                         part(moment->second),
-                        0};
+                        static_cast<SQLUINTEGER>(moment->nanosecond / 1'000'000 * 1'000'000)};
         bindAt({SQL_PARAM_INPUT, SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP}, 23, 3, &bound.moment, bound, 0);
     } else if (const auto* bytes = std::get_if<std::span<const std::byte>>(&value)) {
         bound.length = static_cast<SQLLEN>(bytes->size());
@@ -257,7 +254,8 @@ Recordset::Cell OdbcStatement::momentCell(SQLUSMALLINT column)
     check(SQLGetData(m_handle, column, SQL_C_TYPE_TIMESTAMP, &moment, sizeof moment, &length));
     if (length == SQL_NULL_DATA)
         return std::monostate();
-    return dateTimeText({moment.year, moment.month, moment.day, moment.hour, moment.minute, moment.second});
+    return dateTimeText({moment.year, moment.month, moment.day, moment.hour, moment.minute, moment.second,
+                         static_cast<int>(moment.fraction)});
 }
 
 Recordset::Cell OdbcStatement::binaryCell(SQLUSMALLINT column, BinaryColumns binaries)

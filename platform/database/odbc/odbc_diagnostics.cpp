@@ -94,4 +94,16 @@ DatabaseError workError(std::span<const OdbcRecord> records)
     return {numbered == records.end() ? unspecifiedError : numbered->native, joinedTexts(records)};
 }
 
+void throwWorkError(std::span<const OdbcRecord> records, bool isDead)
+{
+    // A key that is taken, twice; the victim of a deadlock; a row that changed since the snapshot.
+    static constexpr std::array<std::int32_t, 4> repeatable{2627, 2601, 1205, 3960};
+    const DatabaseError error = workError(records);
+    if (isDead || saysLost(records))
+        throw ConnectionLost(error.number, error.description);
+    if (anyNative(records, repeatable))
+        throw RepeatableError(error.number, error.description);
+    throw error;
+}
+
 } // namespace selfreport

@@ -32,4 +32,8 @@ bool onlyWarns(std::span<const OdbcRecord> records);
 /// The error of failed work; its number is the first native one.
 DatabaseError workError(std::span<const OdbcRecord> records);
 
+/// … thrown as what it is: ConnectionLost, RepeatableError or a plain DatabaseError.
+/// @param isDead  the driver says of the connection that it is gone
+[[noreturn]] void throwWorkError(std::span<const OdbcRecord> records, bool isDead);
+
 } // namespace selfreport

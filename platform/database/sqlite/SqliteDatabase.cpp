@@ -14,7 +14,12 @@ namespace {
 
 [[noreturn]] void fail(sqlite3* database)
 {
-    throw DatabaseError(unspecifiedError, sqlite3_errmsg(database));
+    const int code = sqlite3_extended_errcode(database);
+    const std::string text = sqlite3_errmsg(database);
+    if (code == SQLITE_CONSTRAINT_PRIMARYKEY || code == SQLITE_CONSTRAINT_UNIQUE ||
+        code == SQLITE_CONSTRAINT_ROWID)
+        throw RepeatableError(unspecifiedError, text);
+    throw DatabaseError(unspecifiedError, text);
 }
 
 [[noreturn]] void failOnFile(const std::string& file, const std::string& reason)
@@ -113,9 +118,12 @@ bool SqliteStatement::step()
         return true;
     if (result == SQLITE_DONE)
         return false;
-    const DatabaseError error(unspecifiedError, sqlite3_errmsg(sqlite3_db_handle(handle())));
-    reset(); // a failed statement must not keep its lock
-    throw error;
+    try {
+        fail(sqlite3_db_handle(handle()));
+    } catch (const DatabaseError&) {
+        reset(); // a failed statement must not keep its lock
+        throw;
+    }
 }
 
 void SqliteStatement::reset()

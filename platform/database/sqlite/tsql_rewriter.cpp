@@ -28,6 +28,8 @@ void rewriteNames(const Tokens& tokens, SqlEdits& edits)
         const SqlToken& token = tokens[at];
         if (token.isName("isnull") && isSymbolAt(tokens, at + 1, "("))
             edits.replace(token.begin, token.end(), "ifnull");
+        else if (token.isName("datalength") && isSymbolAt(tokens, at + 1, "("))
+            edits.replace(token.begin, token.end(), "length"); // of a binary value; it is not read for it
         else if (token.isName("dbo") && isSymbolAt(tokens, at + 1, "."))
             edits.replace(token.begin, tokens[at + 1].end(), "");
         else if (token.kind == Kind::text && token.spelling.front() != '\'')
