@@ -5,19 +5,31 @@
 
 namespace selfreport {
 
+namespace {
+
+bool foundDone(const DatabaseError& failure, const std::function<bool(Connection&)>& isDone)
+{
+    try {
+        return isDone(*openConnection(gConnString));
+    } catch (const DatabaseError&) {
+        throw OutcomeUnknown(failure.number,
+                             "提交更改时出错, 无法确定更改是否已保存。\n" + failure.description);
+    }
+}
+
+} // namespace
+
 void commitOrFindOut(Transaction& transaction, const std::function<bool(Connection&)>& isDone)
 {
     try {
         transaction.commit();
-    } catch (const ConnectionLost& lost) {
-        bool done = false;
-        try {
-            done = isDone(*openConnection(gConnString));
-        } catch (const DatabaseError&) {
-            throw DatabaseError(lost.number, lost.description + "\n连接在提交时断开, 无法确定更改是否已保存");
-        }
-        if (!done)
-            throw DatabaseError(lost.number, lost.description + "\n连接在提交时断开, 更改没有保存");
+    } catch (const DatabaseError& failure) {
+        transaction.giveUp(); // its locks would be in the way of looking
+        if (foundDone(failure, isDone))
+            return;
+        if (dynamic_cast<const RepeatableError*>(&failure))
+            throw;
+        throw CommitFailed(failure.number, "提交更改时出错, 更改没有保存。\n" + failure.description);
     }
 }
 

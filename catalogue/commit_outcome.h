@@ -1,4 +1,6 @@
 #pragma once
+#include "platform/database/DatabaseError.h"
+
 #include <functional>
 
 namespace selfreport {
@@ -6,10 +8,21 @@ namespace selfreport {
 class Connection;
 class Transaction;
 
-/// Commits. A connection that breaks meanwhile leaves open what became of the changes, so they are looked for
-/// on a new connection to the shared database.
+/// A commit that failed; the text tells what became of the changes.
+struct CommitFailed : DatabaseError {
+    using DatabaseError::DatabaseError;
+};
+
+/// … and it cannot be found out.
+struct OutcomeUnknown : CommitFailed {
+    using CommitFailed::CommitFailed;
+};
+
+/// Commits. A commit that fails leaves open what became of the changes, most of all when the connection
+/// breaks meanwhile, so they are looked for on a new connection to the shared database.
 /// @param isDone  whether the changes stand in the database
-/// @throws DatabaseError if they do not, or if that cannot be found out; the text says which
+/// @throws CommitFailed if they do not, OutcomeUnknown if that cannot be found out
+/// @throws RepeatableError if they do not because another session was in the way
 void commitOrFindOut(Transaction& transaction, const std::function<bool(Connection&)>& isDone);
 
 } // namespace selfreport

@@ -5,6 +5,26 @@
 
 namespace selfreport {
 
+std::string lockReportStatement(std::int64_t report)
+{
+    return "update tblCWSelfReport set fisshow=fisshow where noid=" + std::to_string(report);
+}
+
+std::string countReportStatement(std::int64_t report)
+{
+    return "select count(*) as fcount from tblCWSelfReport where noid=" + std::to_string(report);
+}
+
+std::string countMenuItemStatement(std::int64_t item)
+{
+    return "select count(*) as fcount from tblsystemprivillenge where fitemid=" + std::to_string(item);
+}
+
+std::string menuItemStatement(std::int64_t report)
+{
+    return "select fitemid from tblsystemprivillenge where fnumber='RSelf" + std::to_string(report) + "'";
+}
+
 std::string insertMenuItemStatement(std::int64_t item, std::int64_t report, std::string_view name)
 {
     return "insert into tblsystemprivillenge(fitemid,fnumber,fname,fisdetail,fparentid) values(" +

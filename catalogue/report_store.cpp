@@ -1,113 +1,116 @@
 #include "catalogue/report_store.h"
 
 #include "catalogue/commit_outcome.h"
-#include "catalogue/placeholders.h"
 #include "catalogue/report_statements.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
-#include "platform/settings/SettingsStore.h"
 #include "spreadsheet/files/content.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <span>
+#include <chrono>
+#include <functional>
+#include <new>
+#include <random>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 namespace selfreport {
 
 namespace {
 
-constexpr double defaultMargin = 0.6; // inches
-constexpr double twipsPerInch = 1440;
-
-struct StoredPageSetup {
-    std::string header, footer;
-    double top = defaultMargin, bottom = defaultMargin, left = defaultMargin, right = defaultMargin; // inches
-    std::int64_t direction = 1;
-};
-
-std::int64_t nextNumber(Connection& connection, std::string_view statement, std::int64_t step)
+/// Two writers that met must not meet again.
+void pauseAfterMeeting(int attempt)
 {
-    const Recordset rows = connection.query(statement);
-    return rows.isEmpty() ? step : rows.integer(0, "noid1") + step;
+    static std::minstd_rand random{std::random_device()()};
+    std::uniform_int_distribution<int> milliseconds(1, 10 * attempt);
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds(random)));
 }
 
-double marginOf(const Recordset& rows, std::string_view column)
+/// Makes one attempt. True if another session was in its way and it may be made again.
+bool metAnother(const std::function<void()>& attempt, bool mayRepeat)
 {
-    return rows.isNull(0, column) ? defaultMargin : rows.number(0, column);
+    try {
+        attempt();
+        return false;
+    } catch (const CommitFailed&) {
+        throw; // tells the outcome itself
+    } catch (const RepeatableError& error) {
+        if (mayRepeat)
+            return true;
+        throw std::runtime_error("其他用户正在保存报表, 报表没有保存。请稍后再试。\n" + error.description);
+    } catch (const std::bad_alloc&) {
+        throw std::runtime_error("内存不足, 报表没有保存。");
+    } catch (const std::exception& error) {
+        throw std::runtime_error(std::string("报表没有保存。\n") + error.what());
+    }
 }
 
-StoredPageSetup pageSetupOf(const Recordset& rows)
+/// Runs `save` on the open connection, again as long as other sessions are in its way.
+bool saved(const std::string& name, const spreadsheet::Workbook& workbook,
+           const std::function<void(Connection&, const ReportToSave&)>& save)
 {
-    if (rows.isEmpty())
-        return {};
-    return {rows.text(0, "fHeader"),
-            rows.text(0, "fFooter"),
-            marginOf(rows, "fTop"),
-            marginOf(rows, "fBottom"),
-            marginOf(rows, "fLeft"),
-            marginOf(rows, "fRight"),
-            rows.isNull(0, "fDirection") ? 1 : rows.integer(0, "fDirection")};
-}
-
-bool holdsReport(Connection& connection, const std::string& name, std::span<const std::byte> content)
-{
-    const Recordset rows = connection.query(reportStatement(gReportId), BinaryColumns::fetched);
-    return !rows.isEmpty() && rows.text(0, "fname") == name &&
-           std::ranges::equal(rows.binary(0, "fFileContent"), content);
-}
-
-int twips(double inches)
-{
-    constexpr double mostInches = 100; // more fits no paper
-    return static_cast<int>(std::lround(std::clamp(inches, 0.0, mostInches) * twipsPerInch));
-}
-
-void applyPageSetup(spreadsheet::Workbook& workbook, const StoredPageSetup& setup)
-{
-    const std::string header = placeholdersFilled(setup.header, settingsStore());
-    const std::string footer = placeholdersFilled(setup.footer, settingsStore());
-    for (int index = 1; index <= workbook.sheetCount(); ++index)
-        workbook.sheet(index).changeSettings([&](spreadsheet::SheetSettings& settings) {
-            spreadsheet::PrintSettings& print = settings.print;
-            print.marginTop = twips(setup.top);
-            print.marginBottom = twips(setup.bottom);
-            print.marginLeft = twips(setup.left);
-            print.marginRight = twips(setup.right);
-            print.landscape = setup.direction != 1;
-            print.header = header;
-            print.footer = footer;
+    constexpr int mostAttempts = 20;
+    for (int attempt = 1;; ++attempt) {
+        bool again = false;
+        const bool done = databaseProcedure(Icon::exclamation, [&](Connection& connection) {
+            again = metAnother(
+                [&] {
+                    const std::vector<std::byte> content = spreadsheet::saveContent(workbook);
+                    save(connection, {name, gLoginUserId, content});
+                },
+                attempt < mostAttempts);
         });
+        if (!again)
+            return done;
+        pauseAfterMeeting(attempt);
+    }
+}
+
+using Replacing = std::optional<SaveConflict>(Connection&, RememberedReport&, const ReportToSave&);
+
+SaveOutcome outcomeOf(Replacing& replace, const std::string& name, const spreadsheet::Workbook& workbook,
+                      RememberedReport& remembered)
+{
+    std::optional<SaveConflict> conflict;
+    if (!saved(name, workbook, [&](Connection& connection, const ReportToSave& report) {
+            conflict = replace(connection, remembered, report);
+        }))
+        return ReportNotSaved();
+    if (conflict)
+        return std::move(*conflict);
+    gHeaderText = remembered.pageSetup.header;
+    gFooterText = remembered.pageSetup.footer;
+    return ReportSaved();
 }
 
 } // namespace
 
-bool insertReport(const std::string& name, const spreadsheet::Workbook& workbook)
+bool insertReport(const std::string& name, const spreadsheet::Workbook& workbook,
+                  RememberedReport* remembered, const std::optional<StoredPageSetup>& pageSetup)
 {
-    return databaseProcedure(Icon::exclamation, [&](Connection& connection) {
-        const std::int64_t id = nextNumber(connection, lastReportIdStatement, 1);
-        const std::vector<std::byte> content = spreadsheet::saveContent(workbook);
-        connection.execute(
-            "insert into tblCWSelfReport(noid,fname,fdate,fisshow,fbillerid,fFileContent) "
-            "values(?,?,?,?,?,?)",
-            {id, name, localNow(), std::int64_t{1}, gLoginUserId, std::span<const std::byte>(content)});
-        const std::int64_t item = nextNumber(connection, lastMenuItemStatement, 10);
-        connection.execute(insertMenuItemStatement(item, id, name));
-        gReportId = static_cast<std::int32_t>(id);
+    return saved(name, workbook, [&](Connection& connection, const ReportToSave& report) {
+        RememberedReport unwanted;
+        RememberedReport& stored = remembered ? *remembered : unwanted;
+        storeReport(connection, stored, report, pageSetup);
+        gReportId = stored.id;
     });
 }
 
-bool loadReport(std::string& name, spreadsheet::Workbook& workbook)
+bool loadReport(std::string& name, spreadsheet::Workbook& workbook, RememberedReport* remembered)
 {
+    gHeaderText.clear(); // those of the report before
+    gFooterText.clear();
+    if (remembered)
+        *remembered = {gReportId, {}, {}};
     return databaseProcedure(Icon::exclamation, [&](Connection& connection) {
         const Recordset rows = connection.query(reportStatement(gReportId), BinaryColumns::fetched);
         if (rows.isEmpty())
             throw std::runtime_error("报表不存在!");
+        const std::span<const std::byte> content = rows.binary(0, "fFileContent");
         const StoredPageSetup setup = pageSetupOf(rows);
-        spreadsheet::loadContent(workbook, rows.binary(0, "fFileContent"));
+        if (remembered)
+            *remembered = {gReportId, versionOf(rows, content.size()), setup};
+        spreadsheet::loadContent(workbook, content);
         name = rows.text(0, "fname");
         applyPageSetup(workbook, setup);
         gHeaderText = setup.header;
@@ -115,32 +118,37 @@ bool loadReport(std::string& name, spreadsheet::Workbook& workbook)
     });
 }
 
-bool updateReport(const std::string& name, const spreadsheet::Workbook& workbook)
+SaveOutcome updateReport(const std::string& name, const spreadsheet::Workbook& workbook,
+                         RememberedReport& remembered)
 {
-    return databaseProcedure(Icon::exclamation, [&](Connection& connection) {
-        Transaction transaction(connection);
-        const StoredPageSetup kept = pageSetupOf(connection.query(pageSetupStatement(gReportId)));
-        connection.execute(deleteReportStatement(gReportId));
-        const std::vector<std::byte> content = spreadsheet::saveContent(workbook);
-        connection.execute(
-            "insert into tblCWSelfReport(noid,fname,fdate,fisshow,fbillerid,fFileContent,fHeader,fFooter,"
-            "fTop,fBottom,fLeft,fRight,fDirection) values(?,?,?,?,?,?,?,?,?,?,?,?,?)",
-            {std::int64_t{gReportId}, name, localNow(), std::int64_t{1}, gLoginUserId,
-             std::span<const std::byte>(content), kept.header, kept.footer, kept.top, kept.bottom, kept.left,
-             kept.right, kept.direction});
-        commitOrFindOut(transaction, [&](Connection& fresh) { return holdsReport(fresh, name, content); });
+    return outcomeOf(replaceReport, name, workbook, remembered);
+}
+
+SaveOutcome recreateReport(const std::string& name, const spreadsheet::Workbook& workbook,
+                           RememberedReport& remembered)
+{
+    return outcomeOf(restoreReport, name, workbook, remembered);
+}
+
+std::optional<bool> isReportName(const std::string& name)
+{
+    bool found = false;
+    const bool known = databaseProcedure(Icon::exclamation, [&](Connection& connection) {
+        found = !connection.query(reportOfNameStatement, {name}).isEmpty();
     });
+    return known ? std::optional(found) : std::nullopt;
 }
 
 bool deleteInfo()
 {
     return databaseProcedure(Icon::exclamation, [](Connection& connection) {
-        Transaction transaction(connection);
-        connection.execute(deleteReportStatement(gReportId));
-        connection.execute(deleteMenuItemStatement(gReportId));
-        commitOrFindOut(transaction, [](Connection& fresh) {
-            return fresh.query(pageSetupStatement(gReportId)).isEmpty();
-        });
+        try {
+            removeReport(connection, gReportId);
+        } catch (const CommitFailed&) {
+            throw; // tells the outcome itself
+        } catch (const std::exception& error) {
+            throw std::runtime_error(std::string("报表没有删除。\n") + error.what());
+        }
     });
 }
 

@@ -62,16 +62,23 @@ std::optional<std::string> takeField(std::string_view& line)
 
 std::string reportVersionStatement(std::int64_t report)
 {
-    return "select fdate,fname,fbillerid,datalength(fFileContent) as flength from tblCWSelfReport where noid=" +
+    return "select fdate,fname,fbillerid,datalength(fFileContent) as flength from tblCWSelfReport where "
+           "noid=" +
            std::to_string(report);
 }
 
 std::optional<ReportVersion> versionOf(const Recordset& rows)
 {
+    return rows.isEmpty() ? std::nullopt
+                          : versionOf(rows, static_cast<std::size_t>(rows.integer(0, "flength")));
+}
+
+std::optional<ReportVersion> versionOf(const Recordset& rows, std::size_t contentLength)
+{
     if (rows.isEmpty())
         return std::nullopt;
     return ReportVersion{rows.text(0, "fdate"), rows.text(0, "fname"), rows.text(0, "fbillerid"),
-                         rows.integer(0, "flength")};
+                         static_cast<std::int64_t>(contentLength)};
 }
 
 std::string versionText(const ReportVersion& version)

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -22,9 +23,11 @@ struct ReportVersion {
 /// Asks for what versionOf() reads, without fetching the content.
 std::string reportVersionStatement(std::int64_t report);
 
-/// The version of the one row that `reportVersionStatement` found; nothing if it found none.
+/// The version of the first row that `reportVersionStatement` found; nothing if it found none.
 /// @throws DatabaseError if the rows are another statement's
 std::optional<ReportVersion> versionOf(const Recordset& rows);
+/// … of the first row, whose content has this length.
+std::optional<ReportVersion> versionOf(const Recordset& rows, std::size_t contentLength);
 
 /// One line of text that a version can be kept as outside the database.
 std::string versionText(const ReportVersion& version);

@@ -39,6 +39,24 @@ void frmEditor::EditorGrid::closeDesigner()
     m_window.close();
 }
 
+std::string_view frmEditor::EditorGrid::pageSetupRefusal() const
+{
+    return m_window.m_report.isUnread() ? "打开时没有读出这张报表，保存以前不能改变页面设置和页眉页脚。" : "";
+}
+
+void frmEditor::EditorGrid::pageSetupStored(const std::array<double, 4>& inches, bool isPortrait)
+{
+    StoredPageSetup& setup = m_window.m_report.pageSetup();
+    const auto& [left, right, top, bottom] = inches;
+    setup = {setup.header, setup.footer, top, bottom, left, right, isPortrait ? 1 : 0};
+}
+
+void frmEditor::EditorGrid::headerStored(bool isFooter, const std::string& codes)
+{
+    StoredPageSetup& setup = m_window.m_report.pageSetup();
+    (isFooter ? setup.footer : setup.header) = codes;
+}
+
 QString frmEditor::EditorGrid::writeFormula(const QString& formula)
 {
     spreadsheet::SpreadsheetControl& grid = *m_window.m_fps1;

@@ -20,6 +20,9 @@ public:
     int diagnosticsCount() const override;
     void tellStatus(std::string_view text) override;
     void closeDesigner() override;
+    std::string_view pageSetupRefusal() const override;
+    void pageSetupStored(const std::array<double, 4>& inches, bool isPortrait) override;
+    void headerStored(bool isFooter, const std::string& codes) override;
     QString writeFormula(const QString& formula) override;
 
 private:

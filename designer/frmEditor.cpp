@@ -1,6 +1,5 @@
 #include "designer/frmEditor.h"
 
-#include "catalogue/report_store.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
 #include "designer/DiagnosticsPanel.h"
@@ -74,12 +73,11 @@ void frmEditor::openReport()
 {
     if (gEditFlag == 1) {
         std::string name;
-        if (loadReport(name, m_fps1->workbook()))
+        if (m_report.load(name, m_fps1->workbook()))
             m_txtReportName->setText(QString::fromStdString(name));
         m_fps1->setWorkbook(&m_fps1->workbook()); // another content: shown from its first cell
     } else {
-        gHeaderText.clear(); // those of the report before
-        gFooterText.clear();
+        m_report.beginNew();
     }
     addSelfFunction();
     m_fps1->setMode(gRunMode ? GridMode::run : GridMode::edit);
@@ -132,16 +130,6 @@ void frmEditor::addSelfFunction()
 
 // Saving and closing
 
-bool frmEditor::insertReport()
-{
-    return selfreport::insertReport(m_txtReportName->text().toStdString(), m_fps1->workbook());
-}
-
-bool frmEditor::updateReport()
-{
-    return selfreport::updateReport(m_txtReportName->text().toStdString(), m_fps1->workbook());
-}
-
 void frmEditor::MenuFileSave_Click()
 {
     if (gRunMode) {
@@ -150,17 +138,18 @@ void frmEditor::MenuFileSave_Click()
     }
     if (!m_fps1->commitEdit() || !m_formulaBox->commit())
         return; // what is being typed is no formula: its reason is on screen
-    if (trimmed(m_txtReportName->text().toStdString()).empty()) {
+    std::string name = m_txtReportName->text().toStdString();
+    if (trimmed(name).empty()) {
         tellUser(Icon::exclamation, "报表名称不能为空！");
         m_txtReportName->setFocus();
         return;
     }
-    const bool inserting = gEditFlag == 0;
-    if (inserting ? !insertReport() : !updateReport())
+    const auto told = m_report.save(name, m_fps1->workbook(), this);
+    if (!told)
         return;
-    gEditFlag = 1;
+    m_txtReportName->setText(QString::fromStdString(name)); // another one if it was stored as a new report
     m_recovery->saved(gReportId);
-    tellUser(Icon::information, inserting ? "报表保存成功!" : "报表修改成功!");
+    tellUser(Icon::information, *told);
 }
 
 void frmEditor::closeEvent(QCloseEvent* event)

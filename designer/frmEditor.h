@@ -1,4 +1,5 @@
 #pragma once
+#include "designer/editor_saving.h"
 #include "designer/Recovery.h"
 #include "formula/evaluation.h"
 #include "platform/dialogs/FileDialog.h"
@@ -103,8 +104,6 @@ private:
 
     // Procedures
     void addSelfFunction();
-    bool insertReport();
-    bool updateReport();
     void fps1_LeaveCell(int column, int row, int newColumn, int newRow, bool& cancel);
     void keepCell();
     void showCellLooks();
@@ -138,6 +137,7 @@ private:
     FileDialogSettings m_cd1;          ///< keeps what a command does not set
     ReportEvaluation m_evaluation;
     std::unique_ptr<EditorGrid> m_grid;
+    EditedReport m_report;
     std::unique_ptr<Recovery> m_recovery;
 };
 

@@ -1,5 +1,6 @@
 #include "printing/PrintedGrid.h"
 
+#include "component/state/mdlMain.h"
 #include "spreadsheet/engine/Workbook.h"
 
 namespace selfreport {
@@ -23,6 +24,14 @@ PrintedGrid*& PrintedGrid::usual()
 PrintedGrid& printedGrid()
 {
     return PrintedGridInUse::current();
+}
+
+bool isPageSetupRefused()
+{
+    const std::string_view refusal = printedGrid().pageSetupRefusal();
+    if (!refusal.empty())
+        tellUser(Icon::exclamation, refusal);
+    return !refusal.empty();
 }
 
 } // namespace selfreport

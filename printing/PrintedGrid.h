@@ -3,6 +3,7 @@
 #include "spreadsheet/engine/CellAddress.h"
 #include "spreadsheet/print/print_range.h"
 
+#include <array>
 #include <string>
 #include <string_view>
 
@@ -28,6 +29,11 @@ public:
     virtual void tellStatus(std::string_view text) = 0;
     /// Closes the designer's window, which closes the preview.
     virtual void closeDesigner() = 0;
+    /// Why page set-up, header and footer may not be changed now; empty if they may.
+    virtual std::string_view pageSetupRefusal() const { return {}; }
+    /// The report's row holds these now; margins left, right, top, bottom.
+    virtual void pageSetupStored(const std::array<double, 4>& /*inches*/, bool /*isPortrait*/) {}
+    virtual void headerStored(bool /*isFooter*/, const std::string& /*codes*/) {}
 
     spreadsheet::PrintRange printRange; ///< what printing prints of the active sheet
 
@@ -39,5 +45,8 @@ using PrintedGridInUse = InUse<PrintedGrid>;
 
 /// The designer's grid.
 PrintedGrid& printedGrid();
+
+/// Whether page set-up, header and footer may not be changed now; the user is told why.
+bool isPageSetupRefused();
 
 } // namespace selfreport

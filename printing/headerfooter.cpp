@@ -43,6 +43,12 @@ void setOnGrid(bool footer, const std::string& codes)
                         [&](PrintSettings& print) { (footer ? print.footer : print.header) = codes; });
 }
 
+void storeCodes(Connection& connection, bool footer, const std::string& codes)
+{
+    connection.execute(saveHeaderStatement(gReportId, footer), {codes});
+    printedGrid().headerStored(footer, codes);
+}
+
 } // namespace
 
 headerfooter::headerfooter(QWidget* parent)
@@ -169,8 +175,15 @@ std::string headerfooter::GetCellData(std::int16_t column, std::int16_t row) con
     return headerCellCodes(headerCellOf(fpSpread1->sheet(), column, row), column);
 }
 
+int headerfooter::exec()
+{
+    return isPageSetupRefused() ? QDialog::Rejected : QDialog::exec();
+}
+
 void headerfooter::SaveConfiguration()
 {
+    if (isPageSetupRefused())
+        return;
     databaseProcedure(Icon::critical, [this](Connection& connection) {
         fpSpread1->commitEdit();
         QCoreApplication::processEvents();
@@ -180,7 +193,7 @@ void headerfooter::SaveConfiguration()
         if (gEditFlag == 0)
             printedGrid().tellStatus("报表尚未保存,页眉页脚没有存入数据库");
         else
-            connection.execute(saveHeaderStatement(gReportId, isFooter()), {codes});
+            storeCodes(connection, isFooter(), codes);
     });
 }
 

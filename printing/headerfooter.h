@@ -21,6 +21,9 @@ class headerfooter : public QDialog {
 public:
     explicit headerfooter(QWidget* parent = nullptr);
 
+    /// Shows nothing but the reason while header and footer may not be changed.
+    int exec() override;
+
     /// Lays the editor's grid out.
     void InitSpread();
     /// The code string of a cell that is not empty.

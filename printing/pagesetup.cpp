@@ -120,7 +120,7 @@ void pagesetup::showMargin(int index, double value)
 
 void pagesetup::getReportInfo()
 {
-    if (gEditFlag == 0)
+    if (gEditFlag == 0 || !printedGrid().pageSetupRefusal().empty())
         return; // the row of `gReportId` is another report's
     databaseProcedure(Icon::critical, [this](Connection& connection) {
         const Recordset rows = connection.query(loadPageSetupStatement(gReportId));
@@ -175,13 +175,23 @@ void pagesetup::cmdXPOK_Click()
 
 void pagesetup::saveToDB()
 {
+    if (isPageSetupRefused())
+        return;
     if (gEditFlag == 0) {
         printedGrid().tellStatus("报表尚未保存,页面设置没有存入数据库");
         return;
     }
-    databaseProcedure(Icon::critical, [this](Connection& connection) {
-        connection.execute(savePageSetupStatement(gReportId, inches(), porientation[0]->isChecked()));
+    const bool isPortrait = porientation[0]->isChecked();
+    const bool isStored = databaseProcedure(Icon::critical, [&](Connection& connection) {
+        connection.execute(savePageSetupStatement(gReportId, inches(), isPortrait));
     });
+    if (isStored)
+        printedGrid().pageSetupStored(inches(), isPortrait);
+}
+
+int pagesetup::exec()
+{
+    return isPageSetupRefused() ? QDialog::Rejected : QDialog::exec();
 }
 
 void pagesetup::Command1_Click()

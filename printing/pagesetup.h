@@ -22,6 +22,9 @@ public:
     /// Writes margins and orientation into the report's row.
     void saveToDB();
 
+    /// Shows nothing but the reason while the page set-up may not be changed.
+    int exec() override;
+
     /// Every way of closing keeps the list's entry for the next opening.
     void done(int result) override;
 

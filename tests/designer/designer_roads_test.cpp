@@ -110,20 +110,6 @@ TEST_F(DesignerRoads, AReportThatIsGoneOrUnreadableOpensAnEmptyDesigner)
     }
 }
 
-TEST_F(DesignerRoads, DeletedByAnotherUserItIsStoredAgain)
-{
-    storeReport();
-    open();
-    ledger.run("delete from tblCWSelfReport");
-    typeInBox("=7", Qt::Key_Return);
-    trigger("MenuFileSave");
-    EXPECT_EQ(ledger.boxes.said, std::vector{said(Icon::information, "报表修改成功!")});
-    std::string name;
-    spreadsheet::Workbook stored;
-    ASSERT_TRUE(loadReport(name, stored));
-    EXPECT_EQ(stored.sheet(1).formula({1, 1}), "7");
-}
-
 TEST_F(DesignerRoads, ADatabaseGoneBeforeSavingLosesNothing)
 {
     ScriptedFileDialog files;

@@ -42,6 +42,7 @@ public:
     TestLedger& operator=(const TestLedger&) = delete;
 
     std::string connectionString() const { return m_database.connectionString(); }
+    std::string embeddedConnectionString() const { return m_database.embeddedConnectionString(); }
     std::string file() const { return m_file.string(); }
 
     void run(const std::string& sql) const
