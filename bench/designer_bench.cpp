@@ -42,9 +42,10 @@ void fill(spreadsheet::Workbook& report)
         const std::string at = std::to_string(row);
         for (int column = 1; column <= columnCount; ++column) {
             if (column <= fetchColumns)
-                sheet.setFormula({column, row}, fetchFormula(codes, column, row));
+                demand(sheet.setFormula({column, row}, fetchFormula(codes, column, row)));
             else if (column <= 10)
-                sheet.setFormula({column, row}, "SUM(A" + at + ":C" + at + ")*" + std::to_string(column));
+                demand(sheet.setFormula({column, row},
+                                        "SUM(A" + at + ":C" + at + ")*" + std::to_string(column)));
             else
                 sheet.setText({column, row}, "项目" + at);
         }

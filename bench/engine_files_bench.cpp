@@ -43,8 +43,8 @@ int main()
     for (int row = 1; row <= 100'000; ++row)
         formulas.sheet(1).setNumber({1, row}, amounts(random));
     for (int column = 2; column <= 11; ++column) {
-        formulas.sheet(1).setFormula({column, 1}, "$A1*1.37+" + std::to_string(column));
-        formulas.sheet(1).fillDown({column, 1, column, 100'000});
+        demand(formulas.sheet(1).setFormula({column, 1}, "$A1*1.37+" + std::to_string(column)));
+        demand(formulas.sheet(1).fillDown({column, 1, column, 100'000}));
     }
     formulas.recalculate();
     bench(table, ".ss7 of 1,000,000 filled-down formulas", formulas);

@@ -46,9 +46,9 @@ void fill(Workbook& workbook)
             place.block.setStyle(place.index, style);
         }
         if (column % 5 == 0) {
-            sheet.setFormula({column, 1},
-                             "SUM(" + columnName(column - 3) + "1:" + columnName(column - 1) + "1)*1.13");
-            sheet.fillDown({column, 1, column, rows});
+            demand(sheet.setFormula({column, 1}, "SUM(" + columnName(column - 3) +
+                                                     "1:" + columnName(column - 1) + "1)*1.13"));
+            demand(sheet.fillDown({column, 1, column, rows}));
         }
     }
     workbook.recalculate();

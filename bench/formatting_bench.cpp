@@ -31,7 +31,7 @@ void benchBold(BenchTable& table, const std::string& what, const CellRange& sele
 {
     SpreadsheetControl grid;
     grid.workbook().setUndoEnabled(false);
-    grid.setRowCount(rows);
+    demand(grid.setRowCount(rows));
     fillNumbers(grid.sheet(), 20, 5000);
     for (int row = 1; row <= 5000 && formatsThere > 1; ++row)
         for (int column = 1; column <= 20; ++column)

@@ -38,7 +38,7 @@ void fillFormulas(Sheet& sheet, const std::string& formula, int count)
         for (const char c : formula)
             text += c == '#' ? std::to_string(row) : std::string(1, c);
         if (const auto problem = sheet.setFormula({6, row}, text))
-            std::printf("%s: %s\n", text.c_str(), problem->reason.c_str());
+            std::printf("%s: %s\n", text.c_str(), problem.reason().c_str());
     }
 }
 

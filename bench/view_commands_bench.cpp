@@ -29,8 +29,8 @@ void fillSheet(Sheet& sheet, int columns, int rows)
                 sheet.setNumber({column, row}, row * 1.37 + column);
         }
     }
-    sheet.setFormula({columns, 1}, "A1*2+B1");
-    sheet.fillDown({columns, 1, columns, rows});
+    demand(sheet.setFormula({columns, 1}, "A1*2+B1"));
+    demand(sheet.fillDown({columns, 1, columns, rows}));
 }
 
 void pasteOnce(Workbook& workbook, const QMimeData& data)
@@ -108,7 +108,7 @@ void benchLargeSheet(BenchTable& table)
               bestSeconds(
                   1, [] {},
                   [&] {
-                      sortBlock(workbook, sheet, {1, 1, 10, 100'000}, {{3}, {1, true}}, false);
+                      demand(sortBlock(workbook, sheet, {1, 1, 10, 100'000}, {{3}, {1, true}}, false));
                   }),
               2, "s");
     std::printf("(%zu found)\n", found);

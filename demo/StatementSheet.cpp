@@ -135,7 +135,7 @@ void StatementSheet::centred(int column, std::string_view text)
 void StatementSheet::setFormula(int column, const std::string& formula)
 {
     if (const auto problem = m_sheet.setFormula({column, m_row}, formula))
-        throw std::runtime_error("公式“" + formula + "”：" + problem->reason);
+        throw std::runtime_error("公式“" + formula + "”：" + problem.reason());
 }
 
 void StatementSheet::formula(int column, const std::string& formula, int decimals)

@@ -15,8 +15,7 @@ namespace demo {
 DemoReport startReport(const std::string& name, const std::string& sheet, bool isLandscape)
 {
     DemoReport report{name, std::make_unique<spreadsheet::Workbook>(), isLandscape};
-    if (const auto refused = report.workbook->renameSheet(1, sheet))
-        throw std::runtime_error(*refused);
+    spreadsheet::demand(report.workbook->renameSheet(1, sheet));
     return report;
 }
 

@@ -89,7 +89,7 @@ DemoReport financialSummary(int year, const DemoReport& balance, const DemoRepor
                             const DemoReport& costs, const DemoReport& customers, const DemoReport& goods)
 {
     DemoReport report = startReport("财务摘要", "主要指标", false);
-    report.workbook->addSheet("费用与往来");
+    spreadsheet::demand(report.workbook->addSheet("费用与往来"));
     constexpr std::array indicatorWidths{26, 6, 18, 18};
     StatementSheet indicators(report.workbook->sheet(1), indicatorWidths);
     fillIndicators(indicators, year, balance, income);

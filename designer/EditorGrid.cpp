@@ -57,14 +57,14 @@ void frmEditor::EditorGrid::headerStored(bool isFooter, const std::string& codes
     (isFooter ? setup.footer : setup.header) = codes;
 }
 
-QString frmEditor::EditorGrid::writeFormula(const QString& formula)
+spreadsheet::Refusal frmEditor::EditorGrid::writeFormula(const QString& formula)
 {
     spreadsheet::SpreadsheetControl& grid = *m_window.m_fps1;
-    if (!grid.mayEdit({gCellCol, gCellRow, gCellCol, gCellRow}))
-        return QStringLiteral("单元格已锁定或报表处于使用状态,不能写入公式");
+    if (auto refused = grid.editRefusal({gCellCol, gCellRow, gCellCol, gCellRow}))
+        return refused;
     grid.setCurrent(gCellCol, gCellRow);
-    if (const auto problem = grid.setFormula(formula))
-        return QString::fromStdString(problem->reason);
+    if (auto refused = grid.setFormula(formula))
+        return refused;
     grid.afterEdit(spreadsheet::CellAddress{gCellCol, gCellRow});
     m_window.m_formulaBox->fill();
     return {};

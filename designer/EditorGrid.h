@@ -23,7 +23,7 @@ public:
     std::string_view pageSetupRefusal() const override;
     void pageSetupStored(const std::array<double, 4>& inches, bool isPortrait) override;
     void headerStored(bool isFooter, const std::string& codes) override;
-    QString writeFormula(const QString& formula) override;
+    spreadsheet::Refusal writeFormula(const QString& formula) override;
 
 private:
     frmEditor& m_window;

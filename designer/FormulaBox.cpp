@@ -9,6 +9,8 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
+#include <tuple>
+
 namespace selfreport {
 
 using spreadsheet::CellAddress;
@@ -117,17 +119,17 @@ bool FormulaBox::commit()
     Sheet* const own = sheet();
     if (!own || isUnchanged(*own))
         return true;
-    if (!m_grid.mayEdit({m_cell.column, m_cell.row, m_cell.column, m_cell.row})) {
+    if (m_grid.refuseEdit({{m_cell.column, m_cell.row, m_cell.column, m_cell.row}})) {
         fill();
         return true;
     }
     const std::string typed = m_edit.text().toStdString();
     if (const auto problem = spreadsheet::enterText(m_grid.workbook(), *own, m_cell, trimmed(typed),
                                                     spreadsheet::TypedInto::formulaBox)) {
-        const std::size_t place = std::min(problem->position, typed.size());
+        const std::size_t place = std::min(problem.position(), typed.size());
         m_assistant->markMistake(static_cast<int>(spreadsheet::unitOfByte(typed, place)));
         if (refused)
-            refused(problem->reason);
+            refused(problem.reason());
         return false;
     }
     m_grid.afterEdit(m_cell);
@@ -147,7 +149,7 @@ void FormulaBox::leaveFor(bool committing)
 {
     if (m_editing) {
         if (committing)
-            m_editing->commit();
+            std::ignore = m_editing->commit(); // if it stays open, the box has told why
         else
             m_editing->cancel();
     } else if (committing ? commit() : (fill(), true)) {

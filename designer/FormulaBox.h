@@ -32,7 +32,7 @@ public:
 
     /// Writes the text into the cell that it was shown for; a text equal to the cell's formula, or an empty
     /// one over a constant, does nothing. False if it was refused: it stays, its mistake marked.
-    bool commit();
+    [[nodiscard]] bool commit();
 
     /// Told why a text was refused.
     std::function<void(const std::string& reason)> refused;

@@ -28,6 +28,14 @@ void onGrid(frmEditor& window)
     window.enterCell();
 }
 
+template <spreadsheet::Refusal command(spreadsheet::SpreadsheetControl&)>
+void onGrid(frmEditor& window)
+{
+    const spreadsheet::Refusal refused = command(window.fps1());
+    window.enterCell();
+    window.tell(refused);
+}
+
 template <class Dialog, auto... arguments>
 void dialog(frmEditor& window)
 {

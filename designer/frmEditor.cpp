@@ -25,6 +25,7 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QTimer>
 
 #include <algorithm>
@@ -292,10 +293,10 @@ void frmEditor::goToDiagnostic(const CellDiagnostic& diagnostic)
 
 // Cells
 
-void frmEditor::tell(const std::optional<std::string>& refusal)
+void frmEditor::tell(const spreadsheet::Refusal& refusal)
 {
     if (refusal)
-        m_status->showMessage(QString::fromStdString(*refusal));
+        m_status->showMessage(QString::fromStdString(refusal.reason()));
 }
 
 void frmEditor::MenuInsertRow_Click()
@@ -371,9 +372,17 @@ void frmEditor::copyActiveText()
 void frmEditor::pasteIntoActiveCell()
 {
     const CellAddress cell = m_fps1->activeCell();
-    if (!m_fps1->mayEdit({cell.column, cell.row, cell.column, cell.row}))
+    const spreadsheet::CellRange range{cell.column, cell.row, cell.column, cell.row};
+    const auto text =
+        spreadsheet::clipboardText(*QApplication::clipboard()->mimeData(), spreadsheet::longestCellText);
+    if (m_fps1->refuseEdit({range}) ||
+        m_fps1->refuse(overlapRefusal(m_fps1->sheet(), range, std::nullopt, false)))
         return;
-    m_fps1->setText(cell.column, cell.row, QApplication::clipboard()->text());
+    if (const auto* why = std::get_if<spreadsheet::Refusal>(&text)) {
+        m_fps1->refuse(*why);
+        return;
+    }
+    m_fps1->setText(cell.column, cell.row, std::get<QString>(text));
     m_fps1->afterEdit(cell);
 }
 

@@ -19,6 +19,7 @@ class QMenu;
 class QToolBar;
 
 namespace spreadsheet {
+class Refusal;
 class SpreadsheetControl;
 enum class FileFormat;
 } // namespace spreadsheet
@@ -81,6 +82,8 @@ public:
     /// Brings formula box, caption, lists, buttons and status bar in line with the active cell.
     void enterCell();
 
+    void tell(const spreadsheet::Refusal& refusal); ///< in the status bar
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -107,7 +110,6 @@ private:
     void fps1_LeaveCell(int column, int row, int newColumn, int newRow, bool& cancel);
     void keepCell();
     void showCellLooks();
-    void tell(const std::optional<std::string>& refusal);
     enum class Extent { none, changes, everything };
     void recalculate(Extent extent, const std::function<bool()>& recalculation);
     QString modeText() const;

@@ -28,11 +28,12 @@ frmGoTo::frmGoTo(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
 
 void frmGoTo::cmdXPOK_Click()
 {
-    if (m_grid.goTo(m_txtPlace->text().trimmed())) {
+    const spreadsheet::Refusal why = m_grid.goTo(m_txtPlace->text().trimmed());
+    if (!why) {
         accept();
         return;
     }
-    m_hint->setText(QStringLiteral("没有这个位置: %1").arg(m_txtPlace->text()));
+    m_hint->setText(QString::fromStdString(why.reason()));
     m_txtPlace->setFocus();
     m_txtPlace->selectAll();
 }

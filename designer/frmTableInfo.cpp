@@ -83,25 +83,42 @@ void frmTableInfo::cmdOK_Click()
     if (!readNumber(0, spreadsheet::maxRows, rows) || !readNumber(1, spreadsheet::maxColumns, columns) ||
         !readNumber(2, spreadsheet::maxSheets, sheets))
         return;
-    spreadsheet::Workbook& workbook = m_grid.workbook();
-    const std::uint64_t before = workbook.revision();
-    bool refused = false;
-    {
-        const spreadsheet::UndoStep step(workbook, "设置表格信息");
-        m_grid.setRowCount(rows);
-        m_grid.setColumnCount(columns);
-        if (const auto why = m_grid.setSheetCount(sheets))
-            refused = !refuse(2, *why);
-        m_grid.setAddressedSheet(gActiveSheet);
-        // The sheet may be among those taken away; then no name is left to be set.
-        if (!refused && gActiveSheet <= m_grid.sheetCount())
-            if (const auto why = m_grid.setSheetName(m_txt[3]->text()))
-                refused = !refuse(3, *why);
-    }
-    if (!refused)
+    int box = 0;
+    const spreadsheet::Refusal why = apply(rows, columns, sheets, box);
+    if (!why) {
         accept();
-    else if (workbook.revision() != before)
-        workbook.undo();
+        return;
+    }
+    const QString about = box < 2 ? QString::fromUtf8(labels[box]) : QString();
+    refuse(box, about + QString::fromStdString(why.reason()));
+}
+
+/// As one undo step. Refused, all is as before. @param box  whose number or text was refused
+spreadsheet::Refusal frmTableInfo::apply(int rows, int columns, int sheets, int& box)
+{
+    const int shown = m_grid.activeSheet();
+    spreadsheet::UndoStep step(m_grid.workbook(), "设置表格信息");
+    box = 0;
+    spreadsheet::Refusal why = m_grid.setRowCount(rows);
+    if (!why) {
+        box = 1;
+        why = m_grid.setColumnCount(columns);
+    }
+    if (!why) {
+        box = 2;
+        why = m_grid.setSheetCount(sheets);
+    }
+    m_grid.setAddressedSheet(gActiveSheet);
+    // The sheet may be among those taken away; then no name is left to be set.
+    if (!why && gActiveSheet <= m_grid.sheetCount()) {
+        box = 3;
+        why = m_grid.setSheetName(m_txt[3]->text());
+    }
+    if (why) {
+        step.takeBack();
+        m_grid.setActiveSheet(shown);
+    }
+    return why;
 }
 
 void frmTableInfo::cmdClose_Click()

@@ -1,4 +1,6 @@
 #pragma once
+#include "spreadsheet/engine/Refusal.h"
+
 #include <QDialog>
 
 class QLineEdit;
@@ -21,7 +23,8 @@ private:
     void cmdOK_Click();
     void cmdClose_Click();
     bool refuse(int box, const QString& why);
-    bool readNumber(int box, int most, int& number);
+    [[nodiscard]] bool readNumber(int box, int most, int& number);
+    spreadsheet::Refusal apply(int rows, int columns, int sheets, int& box);
 
     spreadsheet::CellOperations& m_grid;
     QLineEdit* m_txt[4] = {};

@@ -12,6 +12,7 @@ namespace selfreport {
 
 using spreadsheet::CellRange;
 using spreadsheet::CellStyle;
+using spreadsheet::Refusal;
 using spreadsheet::SpreadsheetControl;
 using spreadsheet::Text;
 
@@ -184,14 +185,17 @@ void clearFormats(SpreadsheetControl& grid)
     });
 }
 
-void mergeCells(SpreadsheetControl& grid)
+Refusal mergeCells(SpreadsheetControl& grid)
 {
     const CellRange range = grid.firstRange();
     const auto meets = [&](const CellRange& span) { return span.intersects(range); };
-    if (isReadOnly(grid) || std::ranges::any_of(grid.sheet().settings().spans, meets))
-        return;
+    if (isReadOnly(grid))
+        return spreadsheet::inRunMode;
+    if (std::ranges::any_of(grid.sheet().settings().spans, meets))
+        return "选定的区域中已有合并单元格，请先取消合并";
     grid.addSpan(range);
     structureChanged(grid);
+    return {};
 }
 
 void unmergeCells(SpreadsheetControl& grid)
@@ -266,22 +270,24 @@ void drawBorders(SpreadsheetControl& grid, int sides, spreadsheet::LineStyle sty
     grid.afterEdit();
 }
 
-std::optional<std::string> insertRow(SpreadsheetControl& grid)
+Refusal insertRow(SpreadsheetControl& grid)
 {
     if (isReadOnly(grid))
-        return std::nullopt;
-    const auto why = grid.insertRowsAt(grid.activeCell().row, 1);
+        return spreadsheet::inRunMode;
+    if (auto why = grid.insertRowsAt(grid.activeCell().row, 1))
+        return why;
     structureChanged(grid);
-    return why ? std::optional(why->toStdString()) : std::nullopt;
+    return {};
 }
 
-std::optional<std::string> insertColumn(SpreadsheetControl& grid)
+Refusal insertColumn(SpreadsheetControl& grid)
 {
     if (isReadOnly(grid))
-        return std::nullopt;
-    const auto why = grid.insertColumnsAt(grid.activeCell().column, 1);
+        return spreadsheet::inRunMode;
+    if (auto why = grid.insertColumnsAt(grid.activeCell().column, 1))
+        return why;
     structureChanged(grid);
-    return why ? std::optional(why->toStdString()) : std::nullopt;
+    return {};
 }
 
 } // namespace selfreport

@@ -1,6 +1,7 @@
 #pragma once
 #include "spreadsheet/engine/CellAddress.h"
 #include "spreadsheet/engine/CellStyle.h"
+#include "spreadsheet/engine/Refusal.h"
 
 #include <QStringList>
 
@@ -43,8 +44,8 @@ void chooseBackColour(spreadsheet::SpreadsheetControl& grid);
 /// Looks of a fresh cell; contents and types stay.
 void clearFormats(spreadsheet::SpreadsheetControl& grid);
 
-/// Nothing happens if one of the cells belongs to a span already.
-void mergeCells(spreadsheet::SpreadsheetControl& grid);
+/// Refused if one of the cells belongs to a span already.
+spreadsheet::Refusal mergeCells(spreadsheet::SpreadsheetControl& grid);
 /// Takes every span away that has a cell in the range, even where it reaches outside.
 void unmergeCells(spreadsheet::SpreadsheetControl& grid);
 
@@ -69,8 +70,8 @@ void setColumnWidths(spreadsheet::SpreadsheetControl& grid, int twips);
 /// @param sides  of spreadsheet::BorderSides
 void drawBorders(spreadsheet::SpreadsheetControl& grid, int sides, spreadsheet::LineStyle style);
 
-/// One row before the active one; the sheet grows by it. The reason if it cannot.
-std::optional<std::string> insertRow(spreadsheet::SpreadsheetControl& grid);
-std::optional<std::string> insertColumn(spreadsheet::SpreadsheetControl& grid);
+/// One row before the active one; the sheet grows by it.
+spreadsheet::Refusal insertRow(spreadsheet::SpreadsheetControl& grid);
+spreadsheet::Refusal insertColumn(spreadsheet::SpreadsheetControl& grid);
 
 } // namespace selfreport

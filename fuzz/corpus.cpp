@@ -48,7 +48,7 @@ private:
 void fillOneCell(Workbook& workbook)
 {
     workbook.sheet(1).setNumber({1, 1}, 1);
-    workbook.sheet(1).setFormula({1, 2}, "A1*2");
+    demand(workbook.sheet(1).setFormula({1, 2}, "A1*2"));
     workbook.recalculate();
 }
 

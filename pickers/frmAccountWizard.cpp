@@ -56,7 +56,7 @@ void frmAccountWizard::buildGrid()
     using spreadsheet::SpreadsheetControl;
     m_fps1->setObjectName("fps1");
     m_fps1->setSheetTabsShown(false);
-    m_fps1->setColumnCount(toColumn);
+    spreadsheet::demand(m_fps1->setColumnCount(toColumn));
     setRowCount(rowsAtFirst);
     m_fps1->setColumnHeadings({QStringLiteral("核算项目类别"), QStringLiteral("fItemclassId"),
                                QStringLiteral("项目代码(从)"), QStringLiteral("项目代码(至)")});
@@ -205,7 +205,10 @@ void frmAccountWizard::fps1_Change(int column, int row)
 
 void frmAccountWizard::setRowCount(int count)
 {
-    m_fps1->setRowCount(count);
+    if (const spreadsheet::Refusal why = m_fps1->setRowCount(count)) {
+        tellUser(Icon::exclamation, why.reason());
+        return;
+    }
     m_fps1->changeStyle({classColumn, 1, toColumn, count}, [](spreadsheet::CellStyle& style) {
         style.type = spreadsheet::CellType::dropDown;
         style.numberFormat = spreadsheet::Text(spreadsheet::textFormat); // a typed 01 is a code, not 1

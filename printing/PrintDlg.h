@@ -34,7 +34,7 @@ private:
     void Command2_Click();
     void Command4_Click();
     /// False after telling that a page number is too large.
-    bool takeRange();
+    [[nodiscard]] bool takeRange();
 
     std::array<QCheckBox*, 7> Check1{};
     std::array<QRadioButton*, 4> Option1{};

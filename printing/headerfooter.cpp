@@ -180,12 +180,13 @@ int headerfooter::exec()
     return isPageSetupRefused() ? QDialog::Rejected : QDialog::exec();
 }
 
-void headerfooter::SaveConfiguration()
+bool headerfooter::SaveConfiguration()
 {
     if (isPageSetupRefused())
-        return;
+        return false;
+    if (!fpSpread1->commitEdit())
+        return false;
     databaseProcedure(Icon::critical, [this](Connection& connection) {
-        fpSpread1->commitEdit();
         QCoreApplication::processEvents();
         const std::string codes = headerCodes(headerGridOf(fpSpread1->sheet()));
         setOnGrid(isFooter(), codes);
@@ -195,12 +196,13 @@ void headerfooter::SaveConfiguration()
         else
             storeCodes(connection, isFooter(), codes);
     });
+    return true;
 }
 
 void headerfooter::Command3_Click()
 {
-    SaveConfiguration();
-    Command3->setEnabled(false);
+    if (SaveConfiguration())
+        Command3->setEnabled(false);
 }
 
 void headerfooter::Command4_Click()
@@ -215,8 +217,8 @@ void headerfooter::Command4_Click()
 
 void headerfooter::cmdXPOK_Click()
 {
-    SaveConfiguration();
-    accept();
+    if (SaveConfiguration())
+        accept();
 }
 
 bool headerfooter::eventFilter(QObject* object, QEvent* event)
@@ -231,9 +233,8 @@ bool headerfooter::eventFilter(QObject* object, QEvent* event)
 void headerfooter::fpSpread1_RightButton()
 {
     const auto [column, row] = fpSpread1->activeCell();
-    if (!isHeaderTextColumn(column))
+    if (!isHeaderTextColumn(column) || !fpSpread1->commitEdit())
         return;
-    fpSpread1->commitEdit();
     const std::string text = fpSpread1->sheet().displayText({column, row});
     const bool takesOut = text == pageNumberText;
     if (!takesOut && !text.empty() &&
@@ -246,9 +247,8 @@ void headerfooter::fpSpread1_RightButton()
 void headerfooter::fpSpread1_ButtonClicked(int column, int row)
 {
     const spreadsheet::CellAddress target{column - 1, row};
-    if (!isHeaderTextColumn(target.column))
+    if (!isHeaderTextColumn(target.column) || !fpSpread1->commitEdit())
         return;
-    fpSpread1->commitEdit();
     const CellStyle& style = fpSpread1->sheet().style(target);
     const HeaderCellFont font = headerCellOf(fpSpread1->sheet(), target.column, row).font;
     const auto chosen =

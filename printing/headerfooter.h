@@ -31,7 +31,7 @@ public:
     /// Clears the grid and fills it from a code string, as far as that can be read.
     void GetHeaderDetail(const std::string& codes);
     /// Stores the grid as the report's header or footer: in its row, its grid and the shared state.
-    void SaveConfiguration();
+    [[nodiscard]] bool SaveConfiguration(); ///< false: an entry was refused and stays open
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;

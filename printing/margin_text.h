@@ -12,7 +12,7 @@ public:
 
     const std::string& text() const { return m_text; }
     /// Takes a whole text of that form, other texts not. True if it was taken.
-    bool setText(std::string_view text);
+    [[nodiscard]] bool setText(std::string_view text);
     int cursor() const { return m_cursor; } ///< 0 to 4, before that character
     void setCursor(int place);
 
@@ -20,7 +20,7 @@ public:
     /// point. Nothing else is taken. A point typed behind digits that ran over the point without one, as in
     /// 10.5, shows that they were meant before it: the field is emptied rather than made 1.05.
     /// False if the character was refused.
-    bool type(char c);
+    [[nodiscard]] bool type(char c);
     /// Empties the place before the cursor, which moves there.
     void eraseBefore();
     /// Empties the cursor's place, which stays.
@@ -28,7 +28,7 @@ public:
     /// Empties the places from..to, `to` excluded.
     void erase(int from, int to);
     /// Takes a number such as "1.25", "1" or ".5" that fits. Others change nothing. True if it fitted.
-    bool paste(std::string_view text);
+    [[nodiscard]] bool paste(std::string_view text);
 
 private:
     bool typePoint();

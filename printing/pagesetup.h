@@ -33,7 +33,7 @@ private:
     void buildChoices();
     void buildButtons();
     void showMargin(int index, double inches);
-    bool marginsAreComplete();
+    [[nodiscard]] bool marginsAreComplete();
     std::array<double, 4> inches() const;
     void cmdXPOK_Click();
     void Command1_Click();

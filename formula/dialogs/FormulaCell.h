@@ -1,4 +1,6 @@
 #pragma once
+#include "spreadsheet/engine/Refusal.h"
+
 #include <QString>
 
 namespace selfreport {
@@ -9,8 +11,8 @@ public:
     virtual ~FormulaCell() = default;
 
     /// Makes the cell the current one, sets its formula and shows the text in the formula box.
-    /// Returns "", or why the text is refused; the cell then keeps what it had.
-    virtual QString writeFormula(const QString& formula) = 0;
+    /// Refused, the cell keeps what it had.
+    virtual spreadsheet::Refusal writeFormula(const QString& formula) = 0;
 };
 
 } // namespace selfreport

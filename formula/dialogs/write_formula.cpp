@@ -7,11 +7,10 @@ namespace selfreport {
 
 bool writeFormula(FormulaCell& cell, const std::string& formula)
 {
-    const QString reason = cell.writeFormula(QString::fromStdString(formula));
-    if (reason.isEmpty())
-        return true;
-    tellUser(Icon::critical, reason.toStdString());
-    return false;
+    const spreadsheet::Refusal refused = cell.writeFormula(QString::fromStdString(formula));
+    if (refused)
+        tellUser(Icon::critical, refused.reason());
+    return !refused;
 }
 
 } // namespace selfreport

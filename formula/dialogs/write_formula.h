@@ -6,6 +6,6 @@ namespace selfreport {
 class FormulaCell;
 
 /// Writes a formula into the cell. False after telling the user why it is refused.
-bool writeFormula(FormulaCell& cell, const std::string& formula);
+[[nodiscard]] bool writeFormula(FormulaCell& cell, const std::string& formula);
 
 } // namespace selfreport

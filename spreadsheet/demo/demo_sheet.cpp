@@ -73,9 +73,9 @@ void fillTypes(SpreadsheetControl& control)
     control.setRowHeight(row, 700);
     control.setCurrent(2, ++row);
     put(control, 1, row, "公式");
-    control.setFormula(QStringLiteral("SUM(B6:B7)/0"));
+    demand(control.setFormula(QStringLiteral("SUM(B6:B7)/0")));
     control.setCurrent(3, row);
-    control.setFormula(QStringLiteral("B6>B7"));
+    demand(control.setFormula(QStringLiteral("B6>B7")));
 }
 
 void fillBorders(SpreadsheetControl& control)
@@ -128,8 +128,8 @@ void fillFonts(SpreadsheetControl& control)
 
 void fillDemo(SpreadsheetControl& control)
 {
-    control.setSheetCount(3);
-    control.setSheetName(QStringLiteral("资产负债表"));
+    demand(control.setSheetCount(3));
+    demand(control.setSheetName(QStringLiteral("资产负债表")));
     fillTitle(control);
     fillTypes(control);
     fillBorders(control);

@@ -61,7 +61,9 @@ public:
         connect(m_control, &SpreadsheetControl::refused, m_status, &QLabel::setText);
         connect(m_control, &SpreadsheetControl::selectionChanged, this, &DemoWindow::showSelection);
         connect(m_place, &QLineEdit::returnPressed, this, [this] {
-            if (m_control->goTo(m_place->text()))
+            if (const spreadsheet::Refusal why = m_control->goTo(m_place->text()))
+                m_status->setText(QString::fromStdString(why.reason()));
+            else
                 m_control->setFocus();
         });
         showSelection();

@@ -261,7 +261,7 @@ void Sheet::setText(CellAddress cell, std::string_view text)
     setValue(cell, Value(m_workbook.texts().intern(text)));
 }
 
-std::optional<FormulaProblem> Sheet::setFormula(CellAddress cell, std::string_view text)
+Refusal Sheet::setFormula(CellAddress cell, std::string_view text)
 {
     const std::string_view trimmed = trimmedBlanks(text);
     const bool equalsSign = trimmed.starts_with('=');
@@ -269,28 +269,26 @@ std::optional<FormulaProblem> Sheet::setFormula(CellAddress cell, std::string_vi
     if (trimmed.empty()) {
         if (hasFormula(cell))
             setValue(cell, {});
-        return std::nullopt;
+        return {};
     }
     const auto sheetId = [this](std::string_view name) {
         const int index = m_workbook.sheetIndex(name);
         return index == 0 ? 0 : m_workbook.sheet(index).id();
     };
     auto parsed = m_workbook.formulas().intern(body, cell, sheetId);
-    if (auto* problem = std::get_if<FormulaProblem>(&parsed)) {
-        problem->position += static_cast<std::size_t>(body.data() - text.data());
-        return *problem;
-    }
+    if (const auto* problem = std::get_if<Refusal>(&parsed))
+        return problem->movedBy(static_cast<std::size_t>(body.data() - text.data()));
     const auto number = std::get<std::uint32_t>(parsed);
     const Column* cells = column(cell.column);
     if (cells && cells->formula(cell.row) == number)
-        return std::nullopt; // the same formula written back is no edit
+        return {}; // the same formula written back is no edit
     const UndoStep step(m_workbook, "输入公式");
     dissolveArray(cell);
     putFormula({cell.column, cell.row, cell.column, cell.row}, number);
-    return std::nullopt;
+    return {};
 }
 
-std::optional<FormulaProblem> Sheet::setArrayFormula(const CellRange& range, std::string_view text)
+Refusal Sheet::setArrayFormula(const CellRange& range, std::string_view text)
 {
     const std::string_view trimmed = trimmedBlanks(text);
     const std::string_view body = trimmed.starts_with('=') ? trimmed.substr(1) : trimmed;
@@ -300,19 +298,17 @@ std::optional<FormulaProblem> Sheet::setArrayFormula(const CellRange& range, std
     };
     for (const CellRange& other : m_settings.arrays) {
         if (other.intersects(range) && !range.contains(other))
-            return FormulaProblem{0, "不能更改数组公式的一部分"};
+            return Refusal("不能更改数组公式的一部分");
     }
     auto parsed = m_workbook.formulas().intern(body, {range.left, range.top}, sheetId, true);
-    if (auto* problem = std::get_if<FormulaProblem>(&parsed)) {
-        problem->position += static_cast<std::size_t>(body.data() - text.data());
-        return *problem;
-    }
+    if (const auto* problem = std::get_if<Refusal>(&parsed))
+        return problem->movedBy(static_cast<std::size_t>(body.data() - text.data()));
     const UndoStep step(m_workbook, "输入数组公式");
     auto& arrays = editableSettings().arrays;
     std::erase_if(arrays, [&](const CellRange& other) { return range.contains(other); });
     arrays.push_back(range);
     putFormula(range, std::get<std::uint32_t>(parsed));
-    return std::nullopt;
+    return {};
 }
 
 void Sheet::setTag(CellAddress cell, std::string_view tag)

@@ -2,8 +2,8 @@
 #include "spreadsheet/engine/CellAddress.h"
 #include "spreadsheet/engine/CellStyle.h"
 #include "spreadsheet/engine/Column.h"
-#include "spreadsheet/engine/FormulaProblem.h"
 #include "spreadsheet/engine/LiftedCells.h"
+#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/engine/SheetSettings.h"
 #include "spreadsheet/engine/Value.h"
 
@@ -69,8 +69,8 @@ public:
     void setNumber(CellAddress cell, double number) { setValue(cell, Value(number)); }
     void setText(CellAddress cell, std::string_view text);
     /// With or without a leading "=". An empty text takes a formula away and leaves a constant as it is.
-    std::optional<FormulaProblem> setFormula(CellAddress cell, std::string_view text);
-    std::optional<FormulaProblem> setArrayFormula(const CellRange& range, std::string_view text);
+    Refusal setFormula(CellAddress cell, std::string_view text);
+    Refusal setArrayFormula(const CellRange& range, std::string_view text);
     void setTag(CellAddress cell, std::string_view tag);
     /// A text shown instead of the value; it feeds no dependents. Empty: the value shows again.
     void setShownText(CellAddress cell, std::string_view text);
@@ -84,24 +84,23 @@ public:
     void addSpan(const CellRange& range);
     void removeSpans(const CellRange& range);
 
-    // Structure. Nothing changes, and the reason (one Chinese sentence) comes back, if the sheet would
-    // lose data or an array formula would be cut.
-    std::optional<std::string> insertRows(int row, int count);
-    std::optional<std::string> deleteRows(int row, int count);
-    std::optional<std::string> insertColumns(int column, int count);
-    std::optional<std::string> deleteColumns(int column, int count);
+    // Structure. Refused if the sheet would lose data or an array formula would be cut.
+    Refusal insertRows(int row, int count);
+    Refusal deleteRows(int row, int count);
+    Refusal insertColumns(int column, int count);
+    Refusal deleteColumns(int column, int count);
     /// Copies cells with styles, tags and shifted references onto another place of any sheet.
-    std::optional<std::string> copyCells(const CellRange& from, Sheet& target, CellAddress to);
+    Refusal copyCells(const CellRange& from, Sheet& target, CellAddress to);
     /// Moves cells; references to them follow, from wherever they are.
-    std::optional<std::string> moveCells(const CellRange& from, Sheet& target, CellAddress to);
+    Refusal moveCells(const CellRange& from, Sheet& target, CellAddress to);
     /// The cells of a range as they stand now.
     LiftedCells lift(const CellRange& range) const;
     /// Puts cells of this workbook down with their looks; references shift with them. Spans that lie at
     /// the goal are taken away first.
-    std::optional<std::string> put(const LiftedCells& lifted, CellAddress to);
+    Refusal put(const LiftedCells& lifted, CellAddress to);
     /// Copies the range's first row (column) over its other rows (columns).
-    std::optional<std::string> fillDown(const CellRange& range);
-    std::optional<std::string> fillRight(const CellRange& range);
+    Refusal fillDown(const CellRange& range);
+    Refusal fillRight(const CellRange& range);
 
     /// The cells themselves: for evaluation, files and painting. Columns count from 1; null if the
     /// column has never held a cell.

@@ -114,7 +114,7 @@ bool SheetStructure::refersTo(const Sheet& holder, std::uint32_t formula, int sh
     });
 }
 
-std::optional<std::string> SheetStructure::shift(Sheet& sheet, const AxisShift& shift)
+Refusal SheetStructure::shift(Sheet& sheet, const AxisShift& shift)
 {
     const int limit = shift.limit();
     if (shift.at < 1 || shift.at > limit || shift.inserted < 0 || shift.removed < 0 ||
@@ -151,7 +151,7 @@ std::optional<std::string> SheetStructure::shift(Sheet& sheet, const AxisShift& 
     for (const Rewrite& rewrite : rewrites)
         apply(rewrite);
     m_workbook.recalculation().noteMoved();
-    return std::nullopt;
+    return {};
 }
 
 /// Cuts a stretch where a reference or the cells themselves cross the place of the shift, so that all
@@ -460,22 +460,22 @@ void SheetStructure::followMove(const Sheet& source, const CellRange& from, cons
     rewriteEachName([&](std::uint32_t formula) { return followed(formula, source, {1, 1}, true); });
 }
 
-std::optional<std::string> Sheet::insertRows(int row, int count)
+Refusal Sheet::insertRows(int row, int count)
 {
     return SheetStructure(m_workbook).shift(*this, {true, row, count, 0});
 }
 
-std::optional<std::string> Sheet::deleteRows(int row, int count)
+Refusal Sheet::deleteRows(int row, int count)
 {
     return SheetStructure(m_workbook).shift(*this, {true, row, 0, count});
 }
 
-std::optional<std::string> Sheet::insertColumns(int column, int count)
+Refusal Sheet::insertColumns(int column, int count)
 {
     return SheetStructure(m_workbook).shift(*this, {false, column, count, 0});
 }
 
-std::optional<std::string> Sheet::deleteColumns(int column, int count)
+Refusal Sheet::deleteColumns(int column, int count)
 {
     return SheetStructure(m_workbook).shift(*this, {false, column, 0, count});
 }

@@ -35,7 +35,7 @@ public:
     {
     }
 
-    std::optional<std::string> shift(Sheet& sheet, const AxisShift& shift);
+    Refusal shift(Sheet& sheet, const AxisShift& shift);
     /// Every reference to a sheet becomes #REF!.
     void breakReferences(int sheetId);
     /// References to cells of `from` follow them to their new place.

@@ -62,6 +62,16 @@ void UndoJournal::close()
     trim();
 }
 
+void UndoJournal::takeBack()
+{
+    if (!recording() || m_current.empty())
+        return;
+    Step step = std::move(m_current);
+    m_current = {};
+    m_current.label = step.label;
+    exchange(step);
+}
+
 void UndoJournal::trim()
 {
     while (m_undo.size() > 1 && (m_bytes > maxBytes || m_undo.size() > maxSteps)) {

@@ -42,6 +42,8 @@ public:
 
     void open(std::string label);
     void close();
+    /// Makes the open step's changes undone; the step is empty then.
+    void takeBack();
     /// Tells the block of cells that are others now, of one sheet; of a step that inserted or removed rows or
     /// columns, those. Nothing if no cell is another, or formulas are only shown in another way.
     std::optional<ChangedCells> undo();

@@ -15,7 +15,7 @@ namespace spreadsheet {
 namespace {
 
 /// Why a text cannot name a sheet.
-std::optional<std::string> sheetNameProblem(std::string_view name)
+Refusal sheetNameProblem(std::string_view name)
 {
     if (name.empty())
         return "表名不能为空";
@@ -24,7 +24,7 @@ std::optional<std::string> sheetNameProblem(std::string_view name)
     if (name.find_first_of("[]:*?/\\") != std::string_view::npos || name.front() == '\'' ||
         name.back() == '\'')
         return "表名不能包含 [ ] : * ? / \\,也不能以单引号开头或结尾";
-    return std::nullopt;
+    return {};
 }
 
 /// Names that a name may stand for, nested ones counted as often as they are evaluated.
@@ -92,7 +92,7 @@ void Workbook::setActiveSheet(int index)
         m_activeSheet = index;
 }
 
-std::optional<std::string> Workbook::addSheet(std::string_view name, int before)
+Refusal Workbook::addSheet(std::string_view name, int before)
 {
     if (sheetCount() == maxSheets)
         return "表的个数已到上限";
@@ -107,10 +107,10 @@ std::optional<std::string> Workbook::addSheet(std::string_view name, int before)
     m_sheets.insert(place, std::make_shared<Sheet>(*this, m_nextSheetId++, std::string(name)));
     m_recalculation->noteMoved(); // formulas are kept by the index of their sheet
     noteEdit();
-    return std::nullopt;
+    return {};
 }
 
-std::optional<std::string> Workbook::removeSheet(int index)
+Refusal Workbook::removeSheet(int index)
 {
     if (index < 1 || index > sheetCount())
         return "没有这张表";
@@ -124,10 +124,10 @@ std::optional<std::string> Workbook::removeSheet(int index)
         --m_activeSheet;
     m_recalculation->noteMoved();
     noteEdit();
-    return std::nullopt;
+    return {};
 }
 
-std::optional<std::string> Workbook::renameSheet(int index, std::string_view name)
+Refusal Workbook::renameSheet(int index, std::string_view name)
 {
     if (index < 1 || index > sheetCount())
         return "没有这张表";
@@ -136,11 +136,11 @@ std::optional<std::string> Workbook::renameSheet(int index, std::string_view nam
     if (const int other = sheetIndex(name); other != 0 && other != index)
         return "已有名为“" + std::string(name) + "”的表";
     if (sheet(index).name() == name)
-        return std::nullopt;
+        return {};
     const UndoStep step(*this, "重命名表");
     sheet(index).editableSettings().name = name;
     respell(sheet(index).id());
-    return std::nullopt;
+    return {};
 }
 
 /// Writes the present name into every reference to the sheet.
@@ -152,7 +152,7 @@ void Workbook::respell(int sheetId)
     });
 }
 
-std::optional<std::string> Workbook::moveSheet(int from, int to)
+Refusal Workbook::moveSheet(int from, int to)
 {
     if (from < 1 || from > sheetCount() || to < 1 || to > sheetCount())
         return "没有这张表";
@@ -163,10 +163,10 @@ std::optional<std::string> Workbook::moveSheet(int from, int to)
     m_sheets.insert(m_sheets.begin() + (to - 1), std::move(moved));
     m_recalculation->noteMoved();
     noteEdit();
-    return std::nullopt;
+    return {};
 }
 
-std::optional<std::string> Workbook::setSheetCount(int count)
+Refusal Workbook::setSheetCount(int count)
 {
     if (count < 1 || count > maxSheets)
         return "表的个数应在 1 到 256 之间";
@@ -182,13 +182,13 @@ std::optional<std::string> Workbook::setSheetCount(int count)
                 return problem;
         }
     }
-    return std::nullopt;
+    return {};
 }
 
-std::optional<FormulaProblem> Workbook::defineName(std::string_view name, std::string_view formula)
+Refusal Workbook::defineName(std::string_view name, std::string_view formula)
 {
     if (!NameTable::isValid(name))
-        return FormulaProblem{0, "名称写法不对"};
+        return Refusal("名称写法不对");
     const UndoStep step(*this, "定义名称");
     const int number = m_names->number(name);
     std::uint32_t meaning = 0;
@@ -200,7 +200,7 @@ std::optional<FormulaProblem> Workbook::defineName(std::string_view name, std::s
             return index == 0 ? 0 : sheet(index).id();
         };
         const auto parsed = m_formulas->intern(formula, {1, 1}, sheetId);
-        if (const auto* problem = std::get_if<FormulaProblem>(&parsed))
+        if (const auto* problem = std::get_if<Refusal>(&parsed))
             return *problem;
         meaning = std::get<std::uint32_t>(parsed);
     }
@@ -209,11 +209,11 @@ std::optional<FormulaProblem> Workbook::defineName(std::string_view name, std::s
     m_names->define(number, meaning);
     if (namesTooDeep(*m_names, *m_formulas)) {
         m_names->define(number, former);
-        return FormulaProblem{0, "名称引用了自己,或嵌套得太多"};
+        return Refusal("名称引用了自己,或嵌套得太多");
     }
     m_recalculation->noteNames();
     noteEdit();
-    return std::nullopt;
+    return {};
 }
 
 void Workbook::registerFunction(std::string_view name, int parameterCount, FunctionHandler handler)
@@ -336,6 +336,11 @@ UndoStep::UndoStep(Workbook& workbook, std::string label)
 UndoStep::~UndoStep()
 {
     m_workbook.journal().close();
+}
+
+void UndoStep::takeBack()
+{
+    m_workbook.journal().takeBack();
 }
 
 } // namespace spreadsheet

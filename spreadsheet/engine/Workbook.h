@@ -1,6 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/CustomFunction.h"
-#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/engine/Sheet.h"
 #include "spreadsheet/engine/StylePool.h"
 #include "spreadsheet/engine/TextPool.h"
@@ -47,13 +47,12 @@ public:
     int activeSheet() const { return m_activeSheet; }
     void setActiveSheet(int index);
 
-    // Each gives the reason, one Chinese sentence, if it refuses.
-    std::optional<std::string> addSheet(std::string_view name, int before = 0); ///< 0: at the end
-    std::optional<std::string> removeSheet(int index); ///< references to it become #REF!
-    std::optional<std::string> renameSheet(int index, std::string_view name);
-    std::optional<std::string> moveSheet(int from, int to);
+    Refusal addSheet(std::string_view name, int before = 0); ///< 0: at the end
+    Refusal removeSheet(int index);                          ///< references to it become #REF!
+    Refusal renameSheet(int index, std::string_view name);
+    Refusal moveSheet(int from, int to);
     /// Adds sheets with fresh names at the end or takes sheets from the end away.
-    std::optional<std::string> setSheetCount(int count);
+    Refusal setSheetCount(int count);
 
     StylePool& styles() { return m_styles; }
     const StylePool& styles() const { return m_styles; }
@@ -62,7 +61,7 @@ public:
     const FormulaPool& formulas() const { return *m_formulas; }
     const NameTable& names() const { return *m_names; }
     /// Defines or replaces a name ("税率" for "Sheet1!$B$1"); an empty formula takes it away.
-    std::optional<FormulaProblem> defineName(std::string_view name, std::string_view formula);
+    Refusal defineName(std::string_view name, std::string_view formula);
 
     /// From now on formulas that call `name` (letter case ignored) with this many parameters ask the
     /// handler; formulas that are already there too. Nothing is recalculated.
@@ -143,6 +142,10 @@ public:
     ~UndoStep();
     UndoStep(const UndoStep&) = delete;
     UndoStep& operator=(const UndoStep&) = delete;
+
+    /// Puts everything back that was changed since the outermost open step began, when a later part of it is
+    /// refused: there is nothing to undo then. Works with undo on.
+    void takeBack();
 
 private:
     Workbook& m_workbook;

@@ -23,11 +23,11 @@ CellContent contentOf(const Sheet& sheet, CellAddress cell)
             slot->block->shown(index)};
 }
 
-std::optional<std::string> outside(CellAddress to, int columns, int rows)
+Refusal outside(CellAddress to, int columns, int rows)
 {
     if (to.column < 1 || to.row < 1 || to.column + columns - 1 > maxColumns || to.row + rows - 1 > maxRows)
         return "目标区域超出表的范围";
-    return std::nullopt;
+    return {};
 }
 
 CellRange shifted(const CellRange& range, int columns, int rows)
@@ -187,7 +187,7 @@ LiftedCells Sheet::lift(const CellRange& range) const
     return lifted;
 }
 
-std::optional<std::string> Sheet::put(const LiftedCells& lifted, CellAddress to)
+Refusal Sheet::put(const LiftedCells& lifted, CellAddress to)
 {
     if (auto problem = outside(to, lifted.columns, lifted.rows))
         return problem;
@@ -221,17 +221,17 @@ std::optional<std::string> Sheet::put(const LiftedCells& lifted, CellAddress to)
         replaceLists(goal, *lifted.lists);
     m_workbook.recalculation().noteFormulas();
     noteChanged(goal);
-    return std::nullopt;
+    return {};
 }
 
-std::optional<std::string> Sheet::copyCells(const CellRange& from, Sheet& target, CellAddress to)
+Refusal Sheet::copyCells(const CellRange& from, Sheet& target, CellAddress to)
 {
     if (cutsArray(*this, from))
         return "不能更改数组公式的一部分";
     return target.put(lift(from), to);
 }
 
-std::optional<std::string> Sheet::moveCells(const CellRange& from, Sheet& target, CellAddress to)
+Refusal Sheet::moveCells(const CellRange& from, Sheet& target, CellAddress to)
 {
     if (auto problem = outside(to, from.columns(), from.rows()))
         return problem;
@@ -282,10 +282,10 @@ std::optional<std::string> Sheet::moveCells(const CellRange& from, Sheet& target
     m_workbook.recalculation().noteMoved();
     noteChanged(from);
     target.noteChanged(goal);
-    return std::nullopt;
+    return {};
 }
 
-std::optional<std::string> Sheet::fillDown(const CellRange& range)
+Refusal Sheet::fillDown(const CellRange& range)
 {
     if (cutsArray(*this, range) || holdsArray(*this, {range.left, range.top, range.right, range.top}))
         return "不能更改数组公式的一部分";
@@ -307,10 +307,10 @@ std::optional<std::string> Sheet::fillDown(const CellRange& range)
     m_workbook.recalculation().noteFormulas();
     if (range.rows() > 1)
         noteChanged({range.left, range.top + 1, range.right, range.bottom});
-    return std::nullopt;
+    return {};
 }
 
-std::optional<std::string> Sheet::fillRight(const CellRange& range)
+Refusal Sheet::fillRight(const CellRange& range)
 {
     if (cutsArray(*this, range) || holdsArray(*this, {range.left, range.top, range.left, range.bottom}))
         return "不能更改数组公式的一部分";
@@ -331,7 +331,7 @@ std::optional<std::string> Sheet::fillRight(const CellRange& range)
     m_workbook.recalculation().noteFormulas();
     if (range.columns() > 1)
         noteChanged({range.left + 1, range.top, range.right, range.bottom});
-    return std::nullopt;
+    return {};
 }
 
 } // namespace spreadsheet

@@ -68,20 +68,19 @@ TypedConstant typedConstant(std::string_view text)
     return {Value::text(text), std::nullopt};
 }
 
-std::optional<FormulaProblem> enterText(Workbook& workbook, Sheet& sheet, CellAddress cell,
-                                        std::string_view text, TypedInto where)
+Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text, TypedInto where)
 {
     const std::string_view typed = trimmedBlanks(text);
     const UndoStep step(workbook, "输入");
     if (sheet.style(cell).numberFormat.view() == textFormat && !text.empty()) {
         sheet.setText(cell, text);
-        return std::nullopt;
+        return {};
     }
     if (typed.starts_with('=') && typed.size() > 1)
         return sheet.setFormula(cell, text);
     if (text.starts_with('\'')) {
         sheet.setText(cell, text.substr(1));
-        return std::nullopt;
+        return {};
     }
     TypedConstant constant = typedConstant(text);
     const bool heldFormula = where == TypedInto::formulaBox && sheet.hasFormula(cell);
@@ -89,7 +88,7 @@ std::optional<FormulaProblem> enterText(Workbook& workbook, Sheet& sheet, CellAd
         return sheet.setFormula(cell, text);
     if (text.empty()) {
         sheet.setValue(cell, {});
-        return std::nullopt;
+        return {};
     }
     if (constant.type && sheet.style(cell).type == CellType::edit) {
         CellStyle style = sheet.style(cell);
@@ -97,7 +96,7 @@ std::optional<FormulaProblem> enterText(Workbook& workbook, Sheet& sheet, CellAd
         sheet.setStyle(cell, style);
     }
     sheet.setValue(cell, std::move(constant.value));
-    return std::nullopt;
+    return {};
 }
 
 } // namespace spreadsheet

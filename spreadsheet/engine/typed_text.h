@@ -1,6 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/CellStyle.h"
-#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/engine/Sheet.h"
 
 #include <optional>
@@ -24,8 +24,7 @@ enum class TypedInto {
 /// fresh cell takes the type that the constant was written in (percent, currency, date, time). An empty text
 /// takes the content away. A cell whose number format is `textFormat` takes every text as it stands.
 /// @return why a formula was refused; the cell then keeps what it had.
-std::optional<FormulaProblem> enterText(Workbook& workbook, Sheet& sheet, CellAddress cell,
-                                        std::string_view text, TypedInto where);
+Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text, TypedInto where);
 
 /// The constant that a text stands for, and the cell type that it was written in if it shows one.
 struct TypedConstant {

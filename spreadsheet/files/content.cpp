@@ -72,7 +72,7 @@ void readSheetNames(const stored::Content& content, Workbook& workbook)
         const std::string name = content.sheets()->Get(i)->name()->str();
         const auto problem = i == 0 ? workbook.renameSheet(1, name) : workbook.addSheet(name);
         if (problem)
-            refuseContent("表名不对(" + *problem + ")");
+            refuseContent("表名不对(" + problem.reason() + ")");
     }
 }
 
@@ -82,7 +82,7 @@ void readNames(const stored::Content& content, Workbook& workbook)
         return;
     for (const stored::Name* name : *content.names()) {
         if (const auto problem = workbook.defineName(name->name()->str(), name->formula()->str()))
-            refuseContent("名称“" + name->name()->str() + "”不对(" + problem->reason + ")");
+            refuseContent("名称“" + name->name()->str() + "”不对(" + problem.reason() + ")");
     }
 }
 

@@ -76,8 +76,8 @@ std::vector<std::uint32_t> readFormulas(const stored::Content& content, Workbook
         const std::string_view text(bytes + start, end - start);
         const auto parsed =
             workbook.formulas().intern(text, base, sheetId, formula->is_array(), maxExpandedContent);
-        if (const auto* problem = std::get_if<FormulaProblem>(&parsed))
-            refuseContent(cellName(base) + " 的公式无法识别(" + problem->reason + ")");
+        if (const auto* problem = std::get_if<Refusal>(&parsed))
+            refuseContent(cellName(base) + " 的公式无法识别(" + problem->reason() + ")");
         numbers.push_back(std::get<std::uint32_t>(parsed));
         start = end;
     }

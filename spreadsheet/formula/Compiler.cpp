@@ -73,7 +73,7 @@ public:
         m_frames.push_back(std::move(root));
     }
 
-    std::optional<FormulaProblem> run()
+    Refusal run()
     {
         for (m_at = 0; !m_problem && token().kind != Token::Kind::end; ++m_at) {
             if (m_expectOperand)
@@ -90,7 +90,7 @@ public:
         reduce(-1);
         m_formula.pieces = std::move(m_lexed.pieces);
         m_formula.slots = std::move(m_lexed.slots);
-        return std::nullopt;
+        return {};
     }
 
 private:
@@ -106,7 +106,7 @@ private:
     void fail(std::string reason, std::size_t position)
     {
         if (!m_problem)
-            m_problem = FormulaProblem{position, std::move(reason)};
+            m_problem = Refusal(std::move(reason), position);
     }
 
     // Code.
@@ -554,7 +554,7 @@ private:
     std::vector<Frame> m_frames;
     std::vector<PendingOperator> m_operators;
     std::vector<std::vector<int>> m_choiceStarts;
-    std::optional<FormulaProblem> m_problem;
+    Refusal m_problem;
     std::size_t m_at = 0;
     int m_depth = 0;
     bool m_expectOperand = true;
@@ -562,8 +562,8 @@ private:
 
 } // namespace
 
-std::optional<FormulaProblem> compileFormula(LexedFormula& lexed, NameTable& names, CustomFunctions& customs,
-                                             bool asArray, Formula& formula)
+Refusal compileFormula(LexedFormula& lexed, NameTable& names, CustomFunctions& customs, bool asArray,
+                       Formula& formula)
 {
     return Compiler(lexed, names, customs, asArray, formula).run();
 }

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/formula/Formula.h"
 #include "spreadsheet/formula/Lexer.h"
 
@@ -16,7 +16,7 @@ inline constexpr std::size_t maxNesting = 256;
 /// Compiles tokens into `formula` (pieces and slots are moved over). Operators from the tightest:
 /// ":" range, blank intersection, "," union inside brackets, sign, "%", "^", "*" "/", "+" "-", "&",
 /// comparisons; equal ones group from the left, so -2^2 is 4 and 2^3^2 is 64.
-std::optional<FormulaProblem> compileFormula(LexedFormula& lexed, NameTable& names, CustomFunctions& customs,
-                                             bool asArray, Formula& formula);
+Refusal compileFormula(LexedFormula& lexed, NameTable& names, CustomFunctions& customs, bool asArray,
+                       Formula& formula);
 
 } // namespace spreadsheet

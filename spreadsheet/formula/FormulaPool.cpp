@@ -18,21 +18,21 @@ std::string FormulaPool::key(const std::vector<std::string>& pieces, const std::
     return key;
 }
 
-std::variant<std::uint32_t, FormulaProblem> FormulaPool::intern(std::string_view text, CellAddress base,
-                                                                const SheetResolver& sheetId, bool asArray,
-                                                                std::size_t maxText)
+std::variant<std::uint32_t, Refusal> FormulaPool::intern(std::string_view text, CellAddress base,
+                                                         const SheetResolver& sheetId, bool asArray,
+                                                         std::size_t maxText)
 {
     if (text.size() > maxText)
-        return FormulaProblem{maxText, "公式太长"};
+        return Refusal("公式太长", maxText);
     LexedFormula lexed;
     if (auto problem = lexFormula(text, base, sheetId, lexed))
-        return *problem;
+        return problem;
     std::string formulaKey = key(lexed.pieces, lexed.slots, asArray);
     if (const auto known = m_byKey.find(formulaKey); known != m_byKey.end())
         return known->second;
     Formula formula;
     if (auto problem = compileFormula(lexed, m_names, m_customs, asArray, formula))
-        return *problem;
+        return problem;
     return add(std::move(formulaKey), std::move(formula));
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/formula/CustomFunctions.h"
 #include "spreadsheet/formula/Formula.h"
 #include "spreadsheet/formula/Lexer.h"
@@ -26,9 +26,9 @@ public:
     }
 
     /// The number of a formula as the cell `base` holds it. The text stands without "=".
-    std::variant<std::uint32_t, FormulaProblem> intern(std::string_view text, CellAddress base,
-                                                       const SheetResolver& sheetId, bool asArray = false,
-                                                       std::size_t maxText = maxFormulaText);
+    std::variant<std::uint32_t, Refusal> intern(std::string_view text, CellAddress base,
+                                                const SheetResolver& sheetId, bool asArray = false,
+                                                std::size_t maxText = maxFormulaText);
     const Formula& operator[](std::uint32_t number) const { return m_formulas[number - 1]; }
     std::uint32_t size() const { return static_cast<std::uint32_t>(m_formulas.size()); }
     /// The text letter by letter as the cell `base` shows it, without "=".

@@ -108,7 +108,7 @@ public:
     {
     }
 
-    std::optional<FormulaProblem> run()
+    Refusal run()
     {
         while (!m_problem) {
             const bool blank = skipBlanks();
@@ -152,7 +152,7 @@ private:
         return m_result.tokens.back();
     }
 
-    void fail(std::string reason) { m_problem = FormulaProblem{m_at, std::move(reason)}; }
+    void fail(std::string reason) { m_problem = Refusal(std::move(reason), m_at); }
 
     void next()
     {
@@ -403,7 +403,7 @@ private:
     CellAddress m_base;
     const SheetResolver& m_sheetId;
     LexedFormula& m_result;
-    std::optional<FormulaProblem> m_problem;
+    Refusal m_problem;
     std::size_t m_at = 0;
     std::size_t m_pieceStart = 0;
     bool m_blankBefore = false;
@@ -411,8 +411,8 @@ private:
 
 } // namespace
 
-std::optional<FormulaProblem> lexFormula(std::string_view text, CellAddress base,
-                                         const SheetResolver& sheetId, LexedFormula& result)
+Refusal lexFormula(std::string_view text, CellAddress base, const SheetResolver& sheetId,
+                   LexedFormula& result)
 {
     return Lexer(text, base, sheetId, result).run();
 }

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/formula/ReferenceSlot.h"
 
 #include <functional>
@@ -46,7 +46,7 @@ struct LexedFormula {
 using SheetResolver = std::function<int(std::string_view)>;
 
 /// Splits a formula text without its "=" as the cell `base` holds it. Token texts point into `text`.
-std::optional<FormulaProblem> lexFormula(std::string_view text, CellAddress base,
-                                         const SheetResolver& sheetId, LexedFormula& result);
+Refusal lexFormula(std::string_view text, CellAddress base, const SheetResolver& sheetId,
+                   LexedFormula& result);
 
 } // namespace spreadsheet

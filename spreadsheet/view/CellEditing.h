@@ -26,7 +26,7 @@ public:
     virtual CellAddress cell() const = 0;
     virtual QString text() const = 0; ///< as it stands, not yet in the cell
     /// Puts the text into the cell. False: it was refused, and the editor stays open with the reason.
-    virtual bool commit() = 0;
+    [[nodiscard]] virtual bool commit() = 0;
     virtual void cancel() = 0;
     /// The cell has moved on screen, or zoom or sheet have changed.
     virtual void place() = 0;

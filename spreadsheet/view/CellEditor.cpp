@@ -17,9 +17,6 @@ namespace spreadsheet {
 
 namespace {
 
-/// What other spreadsheets and their files hold in a cell.
-constexpr qsizetype longestText = 32'767;
-
 bool isMovingKey(int key)
 {
     switch (key) {
@@ -167,9 +164,10 @@ void CellEditor::inputMethodEvent(QInputMethodEvent* event)
 
 void CellEditor::insertFromMimeData(const QMimeData* source)
 {
-    const auto text = clipboardText(*source, longestText - std::min(longestText, toPlainText().size()));
-    if (const auto* why = std::get_if<std::string>(&text))
-        Q_EMIT pasteRefused(QString::fromStdString(*why));
+    const auto text =
+        clipboardText(*source, longestCellText - std::min(longestCellText, toPlainText().size()));
+    if (const auto* why = std::get_if<Refusal>(&text))
+        Q_EMIT pasteRefused(QString::fromStdString(why->reason()));
     else
         insertPlainText(std::get<QString>(text));
     ensureCursorVisible();

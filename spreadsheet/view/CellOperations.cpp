@@ -10,11 +10,6 @@ namespace spreadsheet {
 
 namespace {
 
-std::optional<QString> asText(const std::optional<std::string>& refusal)
-{
-    return refusal ? std::optional(fromUtf8(*refusal)) : std::nullopt;
-}
-
 /// Types whose cells hold numbers: a text that reads as one becomes one.
 bool holdsNumbers(CellType type)
 {
@@ -72,43 +67,48 @@ QString CellOperations::sheetName() const
     return fromUtf8(sheet().name());
 }
 
-std::optional<QString> CellOperations::setSheetCount(int count)
+Refusal CellOperations::setSheetCount(int count)
 {
     const UndoStep step(*m_workbook, "表的个数");
-    const auto refusal = m_workbook->setSheetCount(count);
+    auto refusal = m_workbook->setSheetCount(count);
     if (activeSheet() > sheetCount())
         setActiveSheet(sheetCount());
     changed();
-    return asText(refusal);
+    return refusal;
 }
 
-std::optional<QString> CellOperations::setSheetName(const QString& name)
+Refusal CellOperations::setSheetName(const QString& name)
 {
-    const auto refusal = m_workbook->renameSheet(addressedSheet(), name.toStdString());
+    auto refusal = m_workbook->renameSheet(addressedSheet(), name.toStdString());
     changed();
-    return asText(refusal);
+    return refusal;
 }
 
-void CellOperations::setRowCount(int count)
+Refusal CellOperations::setRowCount(int count)
 {
-    if (count < 1 || count > maxRows || count == rowCount())
-        return;
-    if (count < rowCount())
-        sheet().deleteRows(count + 1, rowCount() - count);
-    else
-        sheet().changeSettings([count](SheetSettings& settings) { settings.rowCount = count; });
-    changed();
+    return setLineCount(count, rowCount(), maxRows, &Sheet::deleteRows, &SheetSettings::rowCount);
 }
 
-void CellOperations::setColumnCount(int count)
+Refusal CellOperations::setColumnCount(int count)
 {
-    if (count < 1 || count > maxColumns || count == columnCount())
-        return;
-    if (count < columnCount())
-        sheet().deleteColumns(count + 1, columnCount() - count);
-    else
-        sheet().changeSettings([count](SheetSettings& settings) { settings.columnCount = count; });
+    return setLineCount(count, columnCount(), maxColumns, &Sheet::deleteColumns, &SheetSettings::columnCount);
+}
+
+Refusal CellOperations::setLineCount(int count, int former, int most, Refusal (Sheet::*remove)(int, int),
+                                     int SheetSettings::*kept)
+{
+    if (count < 1 || count > most)
+        return "行列数应在 1 到 " + std::to_string(most) + " 之间";
+    if (count == former)
+        return {};
+    if (count < former) {
+        if (auto problem = (sheet().*remove)(count + 1, former - count))
+            return problem;
+    } else {
+        sheet().changeSettings([&](SheetSettings& settings) { settings.*kept = count; });
+    }
     changed();
+    return {};
 }
 
 void CellOperations::setRowHeight(int row, int twips)
@@ -124,18 +124,18 @@ void CellOperations::setColumnWidth(int column, int twips)
     changed();
 }
 
-std::optional<QString> CellOperations::insertRowsAt(int row, int count)
+Refusal CellOperations::insertRowsAt(int row, int count)
 {
-    const auto refusal = sheet().insertRows(row, count);
+    auto refusal = sheet().insertRows(row, count);
     changed();
-    return asText(refusal);
+    return refusal;
 }
 
-std::optional<QString> CellOperations::insertColumnsAt(int column, int count)
+Refusal CellOperations::insertColumnsAt(int column, int count)
 {
-    const auto refusal = sheet().insertColumns(column, count);
+    auto refusal = sheet().insertColumns(column, count);
     changed();
-    return asText(refusal);
+    return refusal;
 }
 
 void CellOperations::setCurrent(int column, int row)
@@ -169,7 +169,7 @@ QString CellOperations::formula() const
     return fromUtf8(sheet().formula(m_current));
 }
 
-std::optional<FormulaProblem> CellOperations::setFormula(const QString& text)
+Refusal CellOperations::setFormula(const QString& text)
 {
     auto problem = sheet().setFormula(m_current, text.toStdString());
     changed();

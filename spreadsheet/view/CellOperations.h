@@ -41,23 +41,23 @@ public:
     const Sheet& sheet() const { return m_workbook->sheet(addressedSheet()); }
     int sheetCount() const { return m_workbook->sheetCount(); }
     QString sheetName() const;
-    // Each gives the reason, one Chinese sentence, if it refuses; nothing has changed then.
-    std::optional<QString> setSheetCount(int count);
-    std::optional<QString> setSheetName(const QString& name);
+    Refusal setSheetCount(int count);
+    Refusal setSheetName(const QString& name);
 
     // Size of the addressed sheet
     int rowCount() const { return sheet().settings().rowCount; }
     int columnCount() const { return sheet().settings().columnCount; }
-    /// Cells beyond go, as one undo step. A number outside 1 to maxRows (maxColumns) does nothing.
-    void setRowCount(int count);
-    void setColumnCount(int count);
+    /// Cells beyond go, as one undo step. Refused outside 1 to maxRows (maxColumns), and if an array formula
+    /// would be cut.
+    Refusal setRowCount(int count);
+    Refusal setColumnCount(int count);
     int lastDataRow() const { return sheet().lastDataRow(); } ///< 0: no data
     int lastDataColumn() const { return sheet().lastDataColumn(); }
     void setRowHeight(int row, int twips); ///< 0 hides
     void setColumnWidth(int column, int twips);
-    /// Before a row or column; the sheet grows by as many. The reason if it would lose data.
-    std::optional<QString> insertRowsAt(int row, int count);
-    std::optional<QString> insertColumnsAt(int column, int count);
+    /// Before a row or column; the sheet grows by as many. Refused if it would lose data.
+    Refusal insertRowsAt(int row, int count);
+    Refusal insertColumnsAt(int column, int count);
 
     // Current position: where reads and writes of attributes go. It is not the active cell, and moving one
     // leaves the other.
@@ -77,8 +77,8 @@ public:
     void setText(int column, int row, const QString& text);
     QString formula() const; ///< without "="; "" for a constant
     /// With or without "="; "" takes a formula away and leaves a constant.
-    /// @return why the formula was refused; the cell keeps what it had
-    std::optional<FormulaProblem> setFormula(const QString& text);
+    /// Refused, the cell keeps what it had.
+    Refusal setFormula(const QString& text);
     QString tag() const;
     void setTag(const QString& tag);
 
@@ -144,6 +144,9 @@ protected:
     void recalculateAfterEdit();
 
 private:
+    Refusal setLineCount(int count, int former, int most, Refusal (Sheet::*remove)(int, int),
+                         int SheetSettings::*kept);
+
     std::unique_ptr<Workbook> m_own;
     Workbook* m_workbook;
     int m_addressedId = 0; ///< id of the addressed sheet; 0: the active one

@@ -90,11 +90,6 @@ bool DateEntry::fitsActiveCell() const
     return type == CellType::date || type == CellType::time;
 }
 
-bool DateEntry::mayChange() const
-{
-    return m_control.mayEdit({m_cell.column, m_cell.row, m_cell.column, m_cell.row});
-}
-
 /// Beside the cell, so that it covers nothing of it; at the right edge of the cells within it.
 void DateEntry::placeButton()
 {
@@ -117,12 +112,8 @@ void DateEntry::open()
     if (!m_control.commitEdit() || !fitsActiveCell())
         return;
     m_cell = activeAnchor(m_control);
-    if (!mayChange()) {
-        Q_EMIT m_control.refused(m_control.mode() == GridMode::run
-                                     ? QStringLiteral("报表在运行状态，不能更改")
-                                     : QStringLiteral("单元格已锁定，不能更改"));
+    if (m_control.refuseEdit({{m_cell.column, m_cell.row, m_cell.column, m_cell.row}}))
         return;
-    }
     const bool isDate = typeOf(m_control, m_cell) == CellType::date;
     m_calendar->setVisible(isDate);
     m_clock->setVisible(!isDate);
@@ -175,7 +166,7 @@ void DateEntry::chooseNow()
 void DateEntry::put(double serial)
 {
     hide();
-    if (!mayChange())
+    if (m_control.refuseEdit({{m_cell.column, m_cell.row, m_cell.column, m_cell.row}}))
         return;
     {
         const UndoStep step(m_control.workbook(), "输入");

@@ -28,7 +28,6 @@ protected:
 
 private:
     bool fitsActiveCell() const;
-    bool mayChange() const;
     void placeButton();
     void showValue();
     void chooseNow();

@@ -85,7 +85,7 @@ public:
                 take(token, offset, lexed);
             if (!problem)
                 break;
-            std::size_t end = offset + problem->position;
+            std::size_t end = offset + problem.position();
             if (end >= m_utf8.size())
                 break;
             const std::size_t begin = end;

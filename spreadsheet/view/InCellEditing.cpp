@@ -10,6 +10,7 @@
 #include <QKeyEvent>
 
 #include <algorithm>
+#include <tuple>
 
 namespace spreadsheet {
 
@@ -95,8 +96,8 @@ bool InCellEditing::commitText(bool asArray)
     }
     if (const auto problem = enter(*own, asArray)) {
         const std::string text = m_editor->toPlainText().toStdString();
-        const std::size_t units = unitOfByte(text, std::min(problem->position, text.size()));
-        m_editor->showProblem(QString::fromStdString(problem->reason), static_cast<int>(units));
+        const std::size_t units = unitOfByte(text, std::min(problem.position(), text.size()));
+        m_editor->showProblem(QString::fromStdString(problem.reason()), static_cast<int>(units));
         m_editor->setFocus();
         return false;
     }
@@ -104,7 +105,7 @@ bool InCellEditing::commitText(bool asArray)
     return true;
 }
 
-std::optional<FormulaProblem> InCellEditing::enter(Sheet& own, bool asArray)
+Refusal InCellEditing::enter(Sheet& own, bool asArray)
 {
     const std::string text = m_editor->toPlainText().toStdString();
     if (asArray)
@@ -134,11 +135,10 @@ void InCellEditing::commitByKey(int key, Qt::KeyboardModifiers modifiers)
     const bool isFormula = m_editor->assistant().isFormula();
     const bool asArray = modifiers == (Qt::ControlModifier | Qt::ShiftModifier) && isFormula;
     if (enter && (asArray || modifiers == Qt::ControlModifier)) {
-        const auto locked = [&](const CellRange& range) { return !control.mayEdit(range); };
-        if (std::ranges::any_of(control.selection(), locked))
-            Q_EMIT control.refused(QStringLiteral("区域中有锁定的单元格，不能更改"));
-        else if (asArray)
-            commitText(true);
+        if (control.refuseEdit(control.selection()))
+            return;
+        if (asArray)
+            std::ignore = commitText(true); // the editor has shown why not
         else
             fillSelection();
         return;
@@ -149,41 +149,69 @@ void InCellEditing::commitByKey(int key, Qt::KeyboardModifiers modifiers)
     QCoreApplication::sendEvent(&control, &move);
 }
 
-/// Enters the text and puts what came of it into all selected cells, each with its own look.
+/// The selected cells besides that of the editor: merged ones once, by their first cell.
+std::vector<CellAddress> InCellEditing::cellsToFill(const Sheet& own) const
+{
+    std::vector<CellAddress> cells;
+    for (const CellRange& range : m_control.selection()) {
+        for (int column = range.left; column <= range.right; ++column) {
+            for (int row = range.top; row <= range.bottom; ++row) {
+                const CellRange extent = own.extent({column, row});
+                if (CellAddress{column, row} != m_cell && extent.left == column && extent.top == row)
+                    cells.push_back({column, row});
+            }
+        }
+    }
+    return cells;
+}
+
+/// Puts what a cell holds into others, each of which keeps its own look.
+static Refusal putEntered(Sheet& own, CellAddress entered, const std::vector<CellAddress>& cells)
+{
+    const LiftedCells lifted = own.lift({entered.column, entered.row, entered.column, entered.row});
+    for (const CellAddress cell : cells) {
+        LiftedCells content = lifted;
+        content.cells[0].style = own.styleNumber(cell);
+        content.cells[0].tag = own.tag(cell);
+        content.spans.clear();
+        content.lists.reset();
+        const std::optional<CellRange> span = own.spanAt(cell);
+        if (auto problem = own.put(content, cell))
+            return problem;
+        if (span)
+            own.addSpan(*span);
+    }
+    return {};
+}
+
+/// Enters the text and puts what came of it into all selected cells.
 void InCellEditing::fillSelection()
 {
     SpreadsheetControl& control = m_control;
     const CellAddress cell = m_cell;
     Sheet* const own = sheet();
-    const std::vector<CellRange> ranges = control.selection();
-    long long cells = 0;
-    for (const CellRange& range : ranges)
-        cells += static_cast<long long>(range.columns()) * range.rows();
-    if (!own || cells > maxEnteredCells) {
-        Q_EMIT control.refused(QStringLiteral("选定的区域太大"));
+    long long count = 0;
+    for (const CellRange& range : control.selection())
+        count += static_cast<long long>(range.columns()) * range.rows();
+    if (!own || count > maxEnteredCells) {
+        control.refuse("选定的区域太大");
         return;
     }
-    const UndoStep step(control.workbook(), "输入");
+    const std::vector<CellAddress> cells = cellsToFill(*own);
+    // Told while the text still stands in the editor. The array formula of its own cell goes with the entry.
+    const auto inArray = [&](CellAddress other) {
+        const auto array = own->arrayRange(other);
+        return array && !array->isOneCell() && !array->contains(cell);
+    };
+    if (!own->settings().arrays.empty() && std::ranges::any_of(cells, inArray)) {
+        control.refuse("不能更改数组公式的一部分");
+        return;
+    }
+    UndoStep step(control.workbook(), "输入");
     if (!commit()) // from here on this object is gone
         return;
-    const LiftedCells entered = own->lift({cell.column, cell.row, cell.column, cell.row});
-    for (const CellRange& range : ranges) {
-        for (int column = range.left; column <= range.right; ++column) {
-            for (int row = range.top; row <= range.bottom; ++row) {
-                const CellRange extent = own->extent({column, row});
-                if (CellAddress{column, row} == cell || extent.left != column || extent.top != row)
-                    continue;
-                LiftedCells content = entered;
-                content.cells[0].style = own->styleNumber({column, row});
-                content.cells[0].tag = own->tag({column, row});
-                content.spans.clear();
-                content.lists.reset();
-                const bool isSpan = own->spanAt({column, row}).has_value();
-                if (!own->put(content, {column, row}) && isSpan)
-                    own->addSpan(extent);
-            }
-        }
-    }
+    if (control.refuse(putEntered(*own, cell, cells)))
+        step.takeBack();
     control.afterEdit();
 }
 

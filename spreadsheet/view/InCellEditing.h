@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/FormulaProblem.h"
+#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/view/CellEditing.h"
 
 #include <QObject>
@@ -24,7 +24,7 @@ public:
     CellAddress cell() const override { return m_cell; }
     QString text() const override;
     /// Ends the life of this object if it returns true.
-    bool commit() override;
+    [[nodiscard]] bool commit() override;
     /// Ends the life of this object.
     void cancel() override;
     void place() override;
@@ -38,10 +38,12 @@ public:
 
 private:
     Sheet* sheet() const;
-    std::optional<FormulaProblem> enter(Sheet& sheet, bool asArray);
-    bool commitText(bool asArray);
+    Refusal enter(Sheet& sheet, bool asArray);
+    /// False: refused, which the editor shows; it stays open.
+    [[nodiscard]] bool commitText(bool asArray);
     void commitByKey(int key, Qt::KeyboardModifiers modifiers);
     void fillSelection();
+    std::vector<CellAddress> cellsToFill(const Sheet& sheet) const;
     void pointByKey(int key, Qt::KeyboardModifiers modifiers);
     void showFrames();
     void focusMoved(QWidget* now);

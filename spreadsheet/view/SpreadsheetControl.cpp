@@ -88,11 +88,15 @@ void SpreadsheetControl::setMode(GridMode mode)
         [mode](CellOverlays& overlays) { overlays.hasFillHandle = mode == GridMode::edit; });
 }
 
-bool SpreadsheetControl::mayEdit(const CellRange& range) const
+Refusal SpreadsheetControl::editRefusal(const CellRange& range) const
 {
     if (m_mode == GridMode::run)
-        return false;
-    return !holdsLockedCell(workbook(), m_view->sheet(), range);
+        return inRunMode;
+    const Sheet& sheet = m_view->sheet();
+    if (!holdsLockedCell(workbook(), sheet, range))
+        return {};
+    const bool isOne = sheet.extent({range.left, range.top}) == range;
+    return isOne ? "单元格已锁定，不能更改" : "区域中有锁定的单元格，不能更改";
 }
 
 // --- what is seen

@@ -33,6 +33,8 @@ enum class GridMode {
              ///< drop-downs that are not locked
 };
 
+inline constexpr const char* inRunMode = "报表在运行状态，不能更改";
+
 /// The spreadsheet as a widget: painting, moving, selecting, editing, commands. Key and mouse events may be
 /// sent to it directly; its coordinates are those of the cells on screen. Cell operations by program are
 /// those of CellOperations; they show with the next pass of the event loop, or at once with refresh().
@@ -92,10 +94,11 @@ public:
     /// @param typed  the first characters of EditStart::replace
     bool beginEdit(EditStart start, const QString& typed = {});
     /// False if an editor is open and stays open, as its text was refused.
-    bool commitEdit();
+    [[nodiscard]] bool commitEdit();
     void cancelEdit();
-    /// What may be changed by the user: mode and lock allow.
-    bool mayEdit(const CellRange& range) const;
+    /// Why the user may not change cells of the sheet that is shown: mode or a lock.
+    Refusal editRefusal(const CellRange& range) const;
+    [[nodiscard]] bool mayEdit(const CellRange& range) const { return !editRefusal(range); }
 
 public Q_SLOTS:
     // Commands on the selection, as from keys and menus. What is refused is told by refused().
@@ -128,8 +131,9 @@ public Q_SLOTS:
     void selectAround();     ///< the block of cells in use around the active one
     void selectActiveCell(); ///< alone
     void showActiveCell();   ///< scrolls back to it
-    bool goTo(const QString& place); ///< "B12", "B2:C9", "一月!B12", a name; false if it is none
-    void setZoom(double zoom);       ///< 0.25 to 4; others are put into these limits
+    /// "B12", "B2:C9", "一月!B12", a name.
+    spreadsheet::Refusal goTo(const QString& place);
+    void setZoom(double zoom); ///< 0.25 to 4; others are put into these limits
     void zoomIn();
     void zoomOut();
     void addSheet();
@@ -172,6 +176,8 @@ public:
     FunctionHints& functionHints() { return m_hints; }
 
     // For the editor and the commands
+    bool refuse(const Refusal& why); ///< true if it is one, which is told
+    [[nodiscard]] bool refuseEdit(const std::vector<CellRange>& ranges);
     /// After a change by the user: recalculates, shows what changed and fires cellChanged.
     void afterEdit(std::optional<CellAddress> cell = std::nullopt);
     /// Takes the editor that beginEdit has made.
@@ -181,6 +187,7 @@ public:
     void editingEnded(bool changed);
     /// Moves as a user does: fires leaveCell, which may hold it up, and commits an open editor.
     /// @param extend  keeps the other end of the selection
+    /// @return false if something held it up, which has told why
     bool moveTo(CellAddress cell, bool extend = false);
     /// Shows a sheet as a user does: fires leaveCell, which may hold it up. An open editor is committed,
     /// unless its formula takes a reference: then cells of that sheet can be pointed at.
@@ -228,8 +235,8 @@ private:
     void placesChanged();
     void scrollTo(CellAddress topLeft);
     void changeSelection(const std::function<void(Selection&, const Sheet&)>& change);
-    bool commitHere();
-    bool leave(int newColumn, int newRow);
+    [[nodiscard]] bool commitHere();
+    [[nodiscard]] bool leave(int newColumn, int newRow);
     bool showRange(int sheet, CellRange range);
     bool enter(CellAddress cell, const std::function<void(Selection&, const Sheet&)>& change);
     void showTabs();
@@ -250,16 +257,15 @@ private:
 
     InCellEditing* openEditor(EditStart start, const QString& typed);
     // Of the commands
-    bool refuse(const std::optional<std::string>& why); ///< true if there is a reason, which is told
-    bool refuseEdit(const std::vector<CellRange>& ranges);
+    /// True in run mode, which is told.
+    [[nodiscard]] bool refuseInRun();
     std::optional<CellRange> onlyRange();
     void travelInTime(std::optional<ChangedCells> (UndoJournal::*travel)());
     std::optional<PackedOrigin> copyRange(const CellRange& range);
     void pasteClipboard(PasteKind kind);
     void pastePlanned(Sheet& target, const ClipboardContent& content, const PastePlan& plan, PasteKind kind);
     void fillAlong(bool down);
-    using LineCommand =
-        std::function<std::optional<std::string>(Workbook&, Sheet&, Axis, const std::vector<LineRange>&)>;
+    using LineCommand = std::function<Refusal(Workbook&, Sheet&, Axis, const std::vector<LineRange>&)>;
     void changeLines(LineCommand command, bool rows);
     void autofit(bool rows);
 

@@ -117,8 +117,12 @@ std::vector<LineRange> SpreadsheetControl::linesWith(bool rows, int line) const
 
 void SpreadsheetControl::resizeLinesTo(bool rows, int line, int twips)
 {
-    resizeLines(workbook(), workbook().sheet(activeSheet()), rows ? Axis::rows : Axis::columns,
-                linesWith(rows, line), std::clamp(twips, 0, maxLineSize));
+    Sheet& sheet = workbook().sheet(activeSheet());
+    const Axis axis = rows ? Axis::rows : Axis::columns;
+    if (twips > 0)
+        resizeLines(workbook(), sheet, axis, linesWith(rows, line), std::min(twips, maxLineSize));
+    else if (refuse(hideLines(workbook(), sheet, axis, linesWith(rows, line))))
+        return;
     showChanges();
 }
 

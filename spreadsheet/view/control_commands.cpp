@@ -49,18 +49,21 @@ QString roomQuestion(const PastePlan& plan)
 
 } // namespace
 
-bool SpreadsheetControl::refuse(const std::optional<std::string>& why)
+bool SpreadsheetControl::refuse(const Refusal& why)
 {
     if (why)
-        Q_EMIT refused(QString::fromStdString(*why));
-    return why.has_value();
+        Q_EMIT refused(QString::fromStdString(why.reason()));
+    return static_cast<bool>(why);
+}
+
+bool SpreadsheetControl::refuseInRun()
+{
+    return mode() == GridMode::run && refuse(inRunMode);
 }
 
 bool SpreadsheetControl::refuseEdit(const std::vector<CellRange>& ranges)
 {
-    if (std::ranges::all_of(ranges, [this](const CellRange& range) { return mayEdit(range); }))
-        return false;
-    return refuse(mode() == GridMode::run ? "报表在运行状态，不能更改" : "区域中有锁定的单元格，不能更改");
+    return std::ranges::any_of(ranges, [this](const CellRange& range) { return refuse(editRefusal(range)); });
 }
 
 std::optional<CellRange> SpreadsheetControl::onlyRange()
@@ -92,20 +95,20 @@ void SpreadsheetControl::travelInTime(std::optional<ChangedCells> (UndoJournal::
 
 void SpreadsheetControl::undo()
 {
-    if (mode() == GridMode::edit && workbook().canUndo())
+    if (!refuseInRun() && workbook().canUndo())
         travelInTime(&UndoJournal::undo);
 }
 
 void SpreadsheetControl::redo()
 {
-    if (mode() == GridMode::edit && workbook().canRedo())
+    if (!refuseInRun() && workbook().canRedo())
         travelInTime(&UndoJournal::redo);
 }
 
 std::optional<PackedOrigin> SpreadsheetControl::copyRange(const CellRange& range)
 {
     auto copied = copyToClipboard(workbook(), workbook().sheet(activeSheet()), range);
-    if (const auto* why = std::get_if<std::string>(&copied)) {
+    if (const auto* why = std::get_if<Refusal>(&copied)) {
         refuse(*why);
         return std::nullopt;
     }
@@ -151,14 +154,14 @@ void SpreadsheetControl::pasteClipboard(PasteKind kind)
         return;
     }
     const auto content = readClipboard(workbook(), *offer);
-    if (const auto* why = std::get_if<std::string>(&content)) {
+    if (const auto* why = std::get_if<Refusal>(&content)) {
         refuse(*why);
         return;
     }
     const auto& offered = std::get<ClipboardContent>(content);
     Sheet& target = workbook().sheet(activeSheet());
     const auto plan = planPaste(target, offered, firstRange());
-    if (const auto* why = std::get_if<std::string>(&plan)) {
+    if (const auto* why = std::get_if<Refusal>(&plan)) {
         refuse(*why);
         return;
     }
@@ -211,15 +214,17 @@ void SpreadsheetControl::fillAlong(bool down)
     const std::vector<CellRange> ranges = selection();
     Sheet& shown = workbook().sheet(activeSheet());
     {
-        const UndoStep step(workbook(), down ? "向下填充" : "向右填充");
+        UndoStep step(workbook(), down ? "向下填充" : "向右填充");
         for (CellRange goal : ranges) {
             int& first = down ? goal.top : goal.left;
             if ((down ? goal.rows() : goal.columns()) == 1)
                 first = std::max(1, first - 1); // a single line is filled from the one before it
             CellRange source = goal;
             (down ? source.bottom : source.right) = first;
-            if (refuse(fillFromBlock(workbook(), shown, source, goal, false)))
+            if (refuse(fillFromBlock(workbook(), shown, source, goal, false))) {
+                step.takeBack();
                 break;
+            }
         }
     }
     afterEdit();
@@ -272,10 +277,8 @@ bool SpreadsheetControl::findNext(const Search& search, bool backwards)
 
 int SpreadsheetControl::replaceAll(const Search& search, const QString& replacement)
 {
-    if (mode() != GridMode::edit) {
-        refuseEdit({{1, 1, 1, 1}});
+    if (refuseInRun())
         return 0;
-    }
     Sheet& shown = workbook().sheet(activeSheet());
     auto cells = findAll(shown, search);
     const std::size_t found = cells.size();
@@ -293,10 +296,12 @@ int SpreadsheetControl::replaceAll(const Search& search, const QString& replacem
     return done.replaced;
 }
 
-bool SpreadsheetControl::goTo(const QString& text)
+Refusal SpreadsheetControl::goTo(const QString& text)
 {
     const auto place = placeOfText(workbook(), text.toStdString(), activeSheet());
-    return place && showRange(place->sheet, place->range);
+    if (!place)
+        return "没有这个位置: " + text.toStdString();
+    return showRange(place->sheet, place->range) ? Refusal() : "请先完成或取消正在输入的内容";
 }
 
 } // namespace spreadsheet

@@ -16,11 +16,8 @@ InCellEditing* SpreadsheetControl::openEditor(EditStart start, const QString& ty
     const CellType type = shown.style(cell).type;
     if (type == CellType::button || type == CellType::checkBox || type == CellType::staticText)
         return nullptr;
-    if (!mayEdit(extent)) {
-        Q_EMIT refused(mode() == GridMode::run ? QStringLiteral("报表在运行状态，不能更改")
-                                               : QStringLiteral("单元格已锁定，不能更改"));
+    if (refuse(editRefusal(extent)))
         return nullptr;
-    }
     bringIntoSight(cell);
     auto editing = std::make_unique<InCellEditing>(*this, cell, start, typed);
     InCellEditing* const opened = editing.get();

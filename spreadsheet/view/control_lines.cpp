@@ -21,11 +21,7 @@ bool coversAll(const std::vector<LineRange>& lines, int count)
 /// Runs a command on the selected lines; what it refuses is told.
 void SpreadsheetControl::changeLines(LineCommand command, bool rows)
 {
-    if (mode() != GridMode::edit) {
-        refuse("报表在运行状态，不能更改");
-        return;
-    }
-    if (!commitEdit())
+    if (refuseInRun() || !commitEdit())
         return;
     Sheet& shown = workbook().sheet(activeSheet());
     const Axis axis = rows ? Axis::rows : Axis::columns;
@@ -39,8 +35,8 @@ void SpreadsheetControl::changeLines(LineCommand command, bool rows)
     Q_EMIT viewChanged();
 }
 
-static std::optional<std::string> insertSelected(Workbook& workbook, Sheet& sheet, Axis axis,
-                                                 const std::vector<LineRange>& lines)
+static Refusal insertSelected(Workbook& workbook, Sheet& sheet, Axis axis,
+                              const std::vector<LineRange>& lines)
 {
     const SheetSettings& settings = sheet.settings();
     if (coversAll(lines, axis == Axis::rows ? settings.rowCount : settings.columnCount))
@@ -48,11 +44,10 @@ static std::optional<std::string> insertSelected(Workbook& workbook, Sheet& shee
     return insertLines(workbook, sheet, axis, lines);
 }
 
-static std::optional<std::string> showSelected(Workbook& workbook, Sheet& sheet, Axis axis,
-                                               const std::vector<LineRange>& lines)
+static Refusal showSelected(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines)
 {
     showLines(workbook, sheet, axis, lines);
-    return std::nullopt;
+    return {};
 }
 
 void SpreadsheetControl::insertRows()
@@ -98,19 +93,20 @@ void SpreadsheetControl::showColumns()
 void SpreadsheetControl::autofit(bool rows)
 {
     changeLines(
-        [this, rows](Workbook& book, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines) {
+        [this, rows](Workbook& book, Sheet& sheet, Axis axis,
+                     const std::vector<LineRange>& lines) -> Refusal {
             const int last = rows ? sheet.lastDataRow() : sheet.lastDataColumn();
             const UndoStep step(book, rows ? "最适合的行高" : "最适合的列宽");
             int measured = 0;
             for (const LineRange& range : lines) {
                 for (int line = range.first; line <= std::min(range.last, last); ++line) {
                     if (++measured > maxMeasuredLines)
-                        return std::optional<std::string>("选定的行太多，只调整了前 20,000 行");
+                        return "选定的行太多，只调整了前 20,000 行";
                     resizeLines(book, sheet, axis, {{line, line}},
                                 rows ? neededRowHeight(line) : neededColumnWidth(line));
                 }
             }
-            return std::optional<std::string>();
+            return {};
         },
         rows);
 }
@@ -128,13 +124,13 @@ void SpreadsheetControl::autofitColumns()
 void SpreadsheetControl::freezeHere()
 {
     changeLines(
-        [this](Workbook& book, Sheet& sheet, Axis, const std::vector<LineRange>&) {
+        [this](Workbook& book, Sheet& sheet, Axis, const std::vector<LineRange>&) -> Refusal {
             const CellAddress cell = activeCell();
             const SheetSettings& settings = sheet.settings();
             const bool again =
                 settings.frozenRows == cell.row - 1 && settings.frozenColumns == cell.column - 1;
             freezeAt(book, sheet, again ? CellAddress{1, 1} : cell);
-            return std::optional<std::string>();
+            return {};
         },
         true);
 }

@@ -8,6 +8,7 @@
 #include <QFocusEvent>
 #include <QScopedValueRollback>
 
+#include <tuple>
 #include <utility>
 
 namespace spreadsheet {
@@ -143,7 +144,7 @@ void SpreadsheetControl::focusOutEvent(QFocusEvent* event)
     const QWidget* now = QApplication::focusWidget();
     const bool within = now && (now->window() != window() || isAncestorOf(now)); // lists are windows too
     if (elsewhere && !isEditing() && !within)
-        leave(-1, -1);
+        std::ignore = leave(-1, -1); // the focus has gone, whatever the listener says
 }
 
 // --- sheets
@@ -205,7 +206,7 @@ void SpreadsheetControl::showSheetByUser(int index)
 
 void SpreadsheetControl::addSheet()
 {
-    if (mode() != GridMode::edit || !commitEdit())
+    if (refuseInRun() || !commitEdit())
         return;
     if (workbook().sheetCount() >= maxSheets) {
         refuse("表的个数应在 1 到 256 之间");
@@ -223,7 +224,7 @@ void SpreadsheetControl::addSheet()
 
 void SpreadsheetControl::renameSheet(int index, const QString& name)
 {
-    if (mode() != GridMode::edit || refuse(workbook().renameSheet(index, name.toStdString())))
+    if (refuseInRun() || refuse(workbook().renameSheet(index, name.toStdString())))
         return;
     showChanges();
     Q_EMIT sheetsChanged();
@@ -232,7 +233,7 @@ void SpreadsheetControl::renameSheet(int index, const QString& name)
 void SpreadsheetControl::moveSheet(int from, int to)
 {
     const int activeId = workbook().sheet(activeSheet()).id();
-    const bool done = mode() == GridMode::edit && !refuse(workbook().moveSheet(from, to));
+    const bool done = !refuseInRun() && !refuse(workbook().moveSheet(from, to));
     if (done)
         workbook().setActiveSheet(workbook().sheetIndexOfId(activeId));
     m_tabNames.clear(); // the tab bar has moved its tab already
@@ -243,7 +244,7 @@ void SpreadsheetControl::moveSheet(int from, int to)
 
 void SpreadsheetControl::removeSheet(int index)
 {
-    if (mode() != GridMode::edit || index < 1 || index > sheetCount() || !commitEdit())
+    if (refuseInRun() || index < 1 || index > sheetCount() || !commitEdit())
         return;
     const QString name = QString::fromStdString(workbook().sheet(index).name());
     if (workbook().sheetCount() == 1) {

@@ -116,7 +116,7 @@ TEST(ReportStore, LoadFillsPageSetupOfEverySheet)
     settings.set("ParamValue", "Value4", "2026/12/31");
     const SettingsInUse inUse(settings);
     Workbook workbook;
-    workbook.addSheet("第二页");
+    demand(workbook.addSheet("第二页"));
     ASSERT_TRUE(insertReport("表", workbook));
     ledger.run("update tblCWSelfReport set fTop=1,fBottom=0.5,fLeft=0.75,fRight=0,fDirection=0,"
                "fHeader='/c&COMP',fFooter='/r&printdate/n'");

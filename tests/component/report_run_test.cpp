@@ -18,8 +18,8 @@ std::vector<std::byte> ledgerReport()
 {
     Workbook workbook;
     workbook.sheet(1).setText({1, 1}, "库存现金");
-    workbook.sheet(1).setFormula({2, 1}, R"(Acct("1001" ,"2" , "", "2025","1","2"))");
-    workbook.sheet(1).setFormula({2, 2}, R"(Acct("9999" ,"2" , "", "2025","1","2"))");
+    demand(workbook.sheet(1).setFormula({2, 1}, R"(Acct("1001" ,"2" , "", "2025","1","2"))"));
+    demand(workbook.sheet(1).setFormula({2, 2}, R"(Acct("9999" ,"2" , "", "2025","1","2"))"));
     return spreadsheet::saveContent(workbook);
 }
 

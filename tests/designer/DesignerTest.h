@@ -42,8 +42,8 @@ protected:
     {
         spreadsheet::Workbook report;
         report.registerFunction("Acct", 6, [](spreadsheet::FunctionCall& call) { call.decline(); });
-        report.sheet(1).setFormula({1, 1}, closingBalance);
-        report.sheet(1).setFormula({1, 2}, "A1*2");
+        demand(report.sheet(1).setFormula({1, 1}, closingBalance));
+        demand(report.sheet(1).setFormula({1, 2}, "A1*2"));
         report.sheet(1).setText({2, 1}, "合计");
         ledger.addReport(3, "现金表", spreadsheet::saveContent(report));
         gReportId = 3;

@@ -148,7 +148,7 @@ TEST_F(DesignerControls, FormulasShownKeepEveryType)
                               CellType::edit};
     QStringList shown;
     for (int row = 1; row <= 5; ++row) {
-        grid().sheet().setFormula({1, row}, "0.5+" + std::to_string(row));
+        demand(grid().sheet().setFormula({1, row}, "0.5+" + std::to_string(row)));
         grid().sheet().setNumber({2, row}, row);
         grid().changeStyle({1, row, 2, row},
                            [&](spreadsheet::CellStyle& style) { style.type = types[row - 1]; });

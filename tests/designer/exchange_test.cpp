@@ -78,7 +78,7 @@ protected:
 TEST_F(Exchange, FurtherKindsGoOutUnderTheReportsNameAndComeBack)
 {
     control<QLineEdit>(*window, "txtReportName").setText("一/二月");
-    grid().sheet().setFormula({1, 1}, closingBalance);
+    demand(grid().sheet().setFormula({1, 1}, closingBalance));
     grid().sheet().setText({2, 1}, "现金 & 银行");
     const struct {
         const char *command, *name, *preset, *filter;
@@ -99,7 +99,7 @@ TEST_F(Exchange, FurtherKindsGoOutUnderTheReportsNameAndComeBack)
     EXPECT_TRUE(contentOf("a.html").contains("现金 &amp; 银行"));
     EXPECT_TRUE(contentOf("a.csv").contains("现金 & 银行"));
 
-    grid().sheet().setFormula({1, 1}, "1+1");
+    demand(grid().sheet().setFormula({1, 1}, "1+1"));
     grid().sheet().setText({3, 1}, "不在文件中");
     const FileDialogSettings settings = run("MenuImportXlsx", "a.xlsx");
     EXPECT_EQ(settings.fileName, "*.xlsx");
@@ -161,7 +161,7 @@ TEST_F(Exchange, ReasonsAndWarningsAreListedBelowTheGrid)
     EXPECT_EQ(grid().text(1, 1), "原来的");
     EXPECT_TRUE(grid().sheet().style({1, 1}).locked); // as before, since nothing was imported
 
-    grid().sheet().setFormula({1, 2}, "IFERROR(1/0,7)");
+    demand(grid().sheet().setFormula({1, 2}, "IFERROR(1/0,7)"));
     run("MenuExportExcel", "warned.xls");
     ASSERT_EQ(notices().size(), 1);
     EXPECT_TRUE(notices()[0].contains("IFERROR"));

@@ -21,10 +21,10 @@ protected:
         gEditFlag = 0;
         open();
         auto& sheet = grid().sheet();
-        sheet.setFormula({1, 1}, "0.5+1");
-        sheet.setFormula({1, 2}, "A1*2");
+        demand(sheet.setFormula({1, 1}, "0.5+1"));
+        demand(sheet.setFormula({1, 2}, "A1*2"));
         sheet.setNumber({1, 3}, 7);
-        sheet.setFormula({2, 1}, "A1+A3");
+        demand(sheet.setFormula({2, 1}, "A1+A3"));
         setType(1, CellType::currency);
         setType(2, CellType::percent);
         setType(3, CellType::number);

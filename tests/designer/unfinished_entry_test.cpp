@@ -65,7 +65,7 @@ TEST_F(UnfinishedEntry, GoesOnWhereItIsAfterClicksBesideTheCells)
     };
     for (const bool inBox : {false, true}) {
         open();
-        grid().setSheetCount(2);
+        demand(grid().setSheetCount(2));
         grid().refresh();
         begin(inBox);
         QTabBar& tabs = control<QTabBar>(*window, "sheetTabBar");

@@ -68,7 +68,7 @@ TEST_F(Coverage, CallsAreThoseThatTheCellsMake)
     for (const auto& [name, parameters] : {std::pair("Acct", 6), {"REF_F", 3}})
         book.registerFunction(name, parameters, [](spreadsheet::FunctionCall& call) { call.decline(); });
     spreadsheet::Sheet& sheet = book.sheet(1);
-    book.setSheetCount(2);
+    demand(book.setSheetCount(2));
     const auto write = [](spreadsheet::Sheet& on, spreadsheet::CellAddress cell, const char* formula) {
         EXPECT_FALSE(on.setFormula(cell, formula)) << formula;
     };

@@ -30,7 +30,7 @@ void fill(Sheet& sheet, const std::vector<std::string>& formulas)
     int row = 0;
     for (const std::string& formula : formulas) {
         const auto problem = sheet.setFormula({1, ++row}, formula);
-        EXPECT_FALSE(problem) << formula << ": " << problem->reason;
+        EXPECT_FALSE(problem) << formula << ": " << problem.reason();
     }
 }
 
@@ -152,7 +152,7 @@ TEST(Evaluation, ReferencesAndWhatTheyShow)
     {
         Workbook referenced;
         fill(referenced.sheet(1), {closing("1001"), "REF_F(\"乙表\" ,\"A1\" , \"\")", "1234.5*2"});
-        referenced.addSheet("第二页");
+        demand(referenced.addSheet("第二页"));
         referenced.sheet(2).setText({27, 3}, "文字");
         referenced.sheet(2).setText({1, 5}, "ABC5");
         referenced.setActiveSheet(2);
@@ -242,7 +242,7 @@ TEST(Evaluation, AcctCellsTakeTheNumberTypeWithTwoDecimals)
 {
     const test::TestLedger ledger;
     Workbook workbook;
-    workbook.addSheet("第二页");
+    demand(workbook.addSheet("第二页"));
     fill(workbook.sheet(2), {closing("1002"), "1+1"});
     ReportEvaluation evaluation(workbook);
     evaluation.addSelfFunction();
@@ -257,7 +257,7 @@ TEST(Evaluation, ShownFormulasAndBackOnEverySheet)
 {
     const test::TestLedger ledger;
     Workbook workbook;
-    workbook.addSheet("第二页");
+    demand(workbook.addSheet("第二页"));
     for (int index : {1, 2})
         fill(workbook.sheet(index), {closing("1001"), "A1*2", "\"文字\""});
     workbook.sheet(1).setNumber({2, 1}, 5);
@@ -297,7 +297,7 @@ TEST(Evaluation, RunRestoresTheTypesOfAReportSavedWithItsFormulasShown)
         evaluation.addSelfFunction();
         evaluation.recalculate();
         evaluation.showFormulas();
-        workbook.sheet(1).setFormula({1, 2}, "1/4");
+        demand(workbook.sheet(1).setFormula({1, 2}, "1/4"));
         workbook.sheet(1).setTag({1, 2}, "我的标记"); // no type code: the type stays
         content = spreadsheet::saveContent(workbook);
     }
@@ -329,7 +329,7 @@ TEST(Evaluation, AFormulaChangedWhereFormulasCameShownKeepsItsType)
     }
     ReportEvaluation evaluation(workbook);
     evaluation.addSelfFunction();
-    workbook.sheet(1).setFormula({1, 2}, "1/5");
+    demand(workbook.sheet(1).setFormula({1, 2}, "1/5"));
     evaluation.showFormulas();
     evaluation.showData();
     EXPECT_EQ(workbook.sheet(1).displayText({1, 2}), "20.00%");

@@ -49,8 +49,8 @@ TEST(ServerRoundTrips, AThousandCellsTakeFour)
     constexpr int distinct = 400;
     for (int row = 1; row <= 1000; ++row) {
         const int which = row % distinct;
-        workbook.sheet(1).setFormula({1, row},
-                                     closing(which == 0 ? "1122|客户|001" : std::to_string(5000 + which)));
+        demand(workbook.sheet(1).setFormula(
+            {1, row}, closing(which == 0 ? "1122|客户|001" : std::to_string(5000 + which))));
     }
     ReportEvaluation evaluation(workbook);
     evaluation.addSelfFunction();
@@ -75,9 +75,9 @@ TEST(ServerRoundTrips, EmptyCellsAskEachQuestionOnce)
     Workbook workbook;
     constexpr int cells = 20;
     for (int row = 1; row <= cells; ++row)
-        workbook.sheet(1).setFormula({1, row}, "Acct(\"" + std::to_string(8001 + row % 5) +
-                                                   "\",\"2\",\"\",\"2025\",\"1\",\"" +
-                                                   std::to_string(row % 4 + 1) + "\")");
+        demand(workbook.sheet(1).setFormula({1, row}, "Acct(\"" + std::to_string(8001 + row % 5) +
+                                                          "\",\"2\",\"\",\"2025\",\"1\",\"" +
+                                                          std::to_string(row % 4 + 1) + "\")"));
     ReportEvaluation evaluation(workbook);
     evaluation.addSelfFunction();
     openConnection(gConnString);
@@ -96,7 +96,7 @@ TEST(ServerRoundTrips, ABatchThatIsRefusedIsDoneCallByCall)
     const char* accounts[] = {"1001", "1002", "1122", "2001", "1122|客户|001", "1122|客户|002"};
     int row = 0;
     for (const char* account : accounts)
-        workbook.sheet(1).setFormula({1, ++row}, closing(account));
+        demand(workbook.sheet(1).setFormula({1, ++row}, closing(account)));
     ReportEvaluation evaluation(workbook);
     evaluation.addSelfFunction();
     const auto refuse = [](tds::Reply& reply) {
@@ -143,7 +143,8 @@ TEST(ServerRoundTrips, ALostServerLeavesCellsWithoutAmountsAndTheNextTryWorks)
         ServedLedger ledger;
         Workbook workbook;
         for (int row = 1; row <= 2; ++row)
-            workbook.sheet(1).setFormula({1, row}, closing("1122|客户|00" + std::to_string(row % 2 + 1)));
+            demand(workbook.sheet(1).setFormula({1, row},
+                                                closing("1122|客户|00" + std::to_string(row % 2 + 1))));
         ReportEvaluation evaluation(workbook);
         evaluation.addSelfFunction();
         for (int fault = 0; fault < 40; ++fault)

@@ -217,7 +217,7 @@ TEST_F(PrintDialog, DirectPrintingUsesWhatTheGridHolds)
 
 TEST_F(PrintDialog, ExportWritesAllSheets)
 {
-    grid.book.addSheet("附表");
+    demand(grid.book.addSheet("附表"));
     grid.book.sheet(2).setText({1, 1}, "附注");
     grid.printRange.kind = spreadsheet::PrintRangeKind::currentPage;
     EXPECT_EQ(exportPdf(grid), PrintOutcome::cancelled);

@@ -13,7 +13,7 @@ struct PrintOptions : test::PrintingTest {};
 
 TEST_F(PrintOptions, AreKeptWithTheActiveSheetAndPrinted)
 {
-    grid.book.addSheet("附表");
+    demand(grid.book.addSheet("附表"));
     grid.setPages(2);
     {
         frmPrintOptions window;

@@ -64,7 +64,7 @@ TEST_F(PageSetup, AMarginThatDoesNotFitIsToldAndTheFieldsAfterItStay)
 
 TEST_F(PageSetup, EmptyMarginsStopOkAndOpenPlacesBecomeZero)
 {
-    grid.book.addSheet("附表");
+    demand(grid.book.addSheet("附表"));
     ledger.run("update tblCWSelfReport set fTop=1,fBottom=1,fLeft=1,fRight=1");
     pagesetup window;
     show(window);

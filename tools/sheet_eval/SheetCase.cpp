@@ -73,7 +73,7 @@ void SheetCase::addSheets(const Json& sheets)
         const std::string& name = textOf(member(sheets[i], "name", Json::value_t::string), "\"name\"");
         const auto refused = i == 0 ? m_workbook.renameSheet(1, name) : m_workbook.addSheet(name);
         if (refused)
-            throw CaseError(name + ": " + *refused);
+            throw CaseError(name + ": " + refused.reason());
     }
 }
 
@@ -81,7 +81,7 @@ void SheetCase::defineNames(const Json& names)
 {
     for (const auto& [name, formula] : names.items()) {
         if (const auto problem = m_workbook.defineName(name, textOf(formula, name)))
-            throw CaseError(name + ": " + problem->reason);
+            throw CaseError(name + ": " + problem.reason());
     }
 }
 
@@ -104,7 +104,7 @@ void SheetCase::fillCell(Sheet& sheet, CellAddress cell, const Json& content)
     const std::string& text = textOf(content, cellName(cell));
     if (text.starts_with('=')) {
         if (const auto problem = sheet.setFormula(cell, text)) {
-            noteRefused(sheetPrefix(sheet.name()) + cellName(cell), *problem);
+            noteRefused(sheetPrefix(sheet.name()) + cellName(cell), problem);
             sheet.setValue(cell, CellError::name);
         }
     } else if (const auto error = parseErrorText(text)) {
@@ -125,7 +125,7 @@ void SheetCase::fillArray(const std::string& reference, const Json& formula)
         maxArrayElements)
         throw CaseError("an array formula over too many cells: " + reference);
     if (const auto problem = sheet.setArrayFormula(*range, textOf(formula, reference))) {
-        noteRefused(reference, *problem);
+        noteRefused(reference, problem);
         for (int row = range->top; row <= range->bottom; ++row) {
             for (int column = range->left; column <= range->right; ++column)
                 sheet.setValue({column, row}, CellError::name);
@@ -133,9 +133,9 @@ void SheetCase::fillArray(const std::string& reference, const Json& formula)
     }
 }
 
-void SheetCase::noteRefused(const std::string& place, const FormulaProblem& problem)
+void SheetCase::noteRefused(const std::string& place, const Refusal& problem)
 {
-    m_notes << place << ": " << problem.reason << " (" << problem.position << ")\n";
+    m_notes << place << ": " << problem.reason() << " (" << problem.position() << ")\n";
 }
 
 int SheetCase::takeSheet(const std::string& whole, std::string_view& reference) const

@@ -41,7 +41,7 @@ private:
     void fillCells(int sheet, const nlohmann::json& cells);
     void fillCell(Sheet& sheet, CellAddress cell, const nlohmann::json& content);
     void fillArray(const std::string& reference, const nlohmann::json& formula);
-    void noteRefused(const std::string& place, const FormulaProblem& problem);
+    void noteRefused(const std::string& place, const Refusal& problem);
     /// The sheet that a reference names, which is taken off.
     int takeSheet(const std::string& whole, std::string_view& reference) const;
 

@@ -67,8 +67,7 @@ void defineNames(const std::vector<DefinedName>& names, const XlsLinks& links, W
             const auto text = reader.read(name.tokens, name.extra, {1, 1});
             problem = reader.problem();
             if (text && ++defined <= mostNames) {
-                const auto refused = workbook.defineName(name.name, *text);
-                problem = refused ? refused->reason : std::string();
+                problem = workbook.defineName(name.name, *text).reason();
             }
         }
         if (!problem.empty())

@@ -199,7 +199,7 @@ std::uint32_t SheetReader::interned(Bytes tokens, Bytes extra, CellAddress at, b
         const auto parsed = m_workbook.formulas().intern(*text, at, m_sheetId, isArray);
         if (const auto* number = std::get_if<std::uint32_t>(&parsed))
             return *number;
-        problem = std::get<FormulaProblem>(parsed).reason;
+        problem = std::get<Refusal>(parsed).reason();
     }
     m_globals.warnings.add("表“" + m_sheet.name() + "”的 " + cellName(at) +
                            " 保留了上次算出的值: " + problem);

@@ -236,7 +236,7 @@ std::uint32_t XlsxSheetReader::interned(std::string_view text, CellAddress at, b
         const auto parsed = m_workbook.formulas().intern(plain, at, m_sheetId, isArray);
         if (const auto* number = std::get_if<std::uint32_t>(&parsed))
             return *number;
-        problem = std::get<FormulaProblem>(parsed).reason;
+        problem = std::get<Refusal>(parsed).reason();
     }
     m_warnings.add("表“" + m_sheet.name() + "”的 " + cellName(at) + " 保留了上次算出的值: " + problem);
     return 0;

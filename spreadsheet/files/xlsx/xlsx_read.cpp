@@ -117,7 +117,7 @@ private:
             if (name.starts_with("_xlnm.") || isTrue(attributeNamed(node, "function")) || ++count > mostNames)
                 return;
             if (const auto problem = m_workbook.defineName(name, plainFormula(node.text().get())))
-                m_warnings.add("名称“" + name + "”没有引入: " + problem->reason);
+                m_warnings.add("名称“" + name + "”没有引入: " + problem.reason());
         });
     }
 

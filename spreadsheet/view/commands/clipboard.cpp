@@ -40,9 +40,9 @@ bool coversColumns(const Sheet& sheet, const CellRange& range)
     return range.top == 1 && range.bottom >= sheet.settings().rowCount;
 }
 
-std::variant<ClipboardContent, std::string> fromTable(std::variant<PastedTable, std::string> parsed)
+std::variant<ClipboardContent, Refusal> fromTable(std::variant<PastedTable, Refusal> parsed)
 {
-    if (auto* problem = std::get_if<std::string>(&parsed))
+    if (auto* problem = std::get_if<Refusal>(&parsed))
         return std::move(*problem);
     ClipboardContent content;
     content.table = std::move(std::get<PastedTable>(parsed));
@@ -61,8 +61,7 @@ CellRange copiedRange(const Sheet& sheet, const CellRange& range)
     return copied;
 }
 
-std::variant<Copied, std::string> copyToClipboard(Workbook& workbook, const Sheet& sheet,
-                                                  const CellRange& range)
+std::variant<Copied, Refusal> copyToClipboard(Workbook& workbook, const Sheet& sheet, const CellRange& range)
 {
     const CellRange copied = copiedRange(sheet, range);
     const long long cells = static_cast<long long>(copied.columns()) * copied.rows();
@@ -82,7 +81,7 @@ std::variant<Copied, std::string> copyToClipboard(Workbook& workbook, const Shee
     return result;
 }
 
-std::variant<QString, std::string> clipboardText(const QMimeData& data, qsizetype most)
+std::variant<QString, Refusal> clipboardText(const QMimeData& data, qsizetype most)
 {
     if (!data.hasText())
         return noText;
@@ -92,13 +91,13 @@ std::variant<QString, std::string> clipboardText(const QMimeData& data, qsizetyp
                (most < 1'000'000 ? std::to_string(most) + " 个字" : std::to_string(most >> 20) + " MB") +
                ")，不能粘贴";
     if (text.isEmpty())
-        return std::string("剪贴板是空的");
+        return Refusal("剪贴板是空的");
     if (looksBinary(text))
         return noText;
     return text;
 }
 
-std::variant<ClipboardContent, std::string> readClipboard(Workbook& workbook, const QMimeData& data)
+std::variant<ClipboardContent, Refusal> readClipboard(Workbook& workbook, const QMimeData& data)
 {
     constexpr auto limit = static_cast<qsizetype>(maxPastedBytes);
     if (data.hasFormat(ownFormat)) {
@@ -106,7 +105,7 @@ std::variant<ClipboardContent, std::string> readClipboard(Workbook& workbook, co
         if (auto* cells = std::get_if<UnpackedCells>(&unpacked))
             return ClipboardContent{std::move(*cells), {}};
         if (!data.hasText())
-            return std::get<std::string>(unpacked);
+            return std::get<Refusal>(unpacked);
     }
     if (data.hasHtml()) {
         const QString html = data.html();
@@ -119,7 +118,7 @@ std::variant<ClipboardContent, std::string> readClipboard(Workbook& workbook, co
         }
     }
     auto text = clipboardText(data, limit);
-    if (auto* why = std::get_if<std::string>(&text))
+    if (auto* why = std::get_if<Refusal>(&text))
         return std::move(*why);
     return fromTable(parseTabText(std::get<QString>(text).toStdString()));
 }

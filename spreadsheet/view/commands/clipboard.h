@@ -1,4 +1,5 @@
 #pragma once
+#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/view/commands/packed_cells.h"
 #include "spreadsheet/view/commands/PastedTable.h"
 
@@ -18,6 +19,8 @@ class Workbook;
 
 /// Cells that one copy takes at most.
 inline constexpr long long maxCopiedCells = 10'000'000;
+/// UTF-16 units of the text in a cell, at most: what other spreadsheets and their files hold.
+inline constexpr qsizetype longestCellText = 32'767;
 
 /// The range that a copy really takes: whole rows and columns end where the sheet's cells end.
 CellRange copiedRange(const Sheet& sheet, const CellRange& range);
@@ -29,8 +32,8 @@ struct Copied {
 
 /// A range for the clipboard: our own form for pasting here, text and an HTML table for others.
 /// @return the data, or why the range cannot be copied
-std::variant<Copied, std::string> copyToClipboard(Workbook& workbook, const Sheet& sheet,
-                                                  const CellRange& range);
+[[nodiscard]] std::variant<Copied, Refusal> copyToClipboard(Workbook& workbook, const Sheet& sheet,
+                                                            const CellRange& range);
 
 /// What the clipboard offers a sheet: cells of ours, else a table of another program.
 struct ClipboardContent {
@@ -43,9 +46,10 @@ struct ClipboardContent {
 /// The clipboard's text.
 /// @param most  how long it may be, in UTF-16 units
 /// @return the text, or why it cannot be pasted (too large, no text, empty)
-std::variant<QString, std::string> clipboardText(const QMimeData& data, qsizetype most);
+[[nodiscard]] std::variant<QString, Refusal> clipboardText(const QMimeData& data, qsizetype most);
 
 /// @return the content, or why it cannot be pasted (too large, no text, damaged, empty)
-std::variant<ClipboardContent, std::string> readClipboard(Workbook& workbook, const QMimeData& data);
+[[nodiscard]] std::variant<ClipboardContent, Refusal> readClipboard(Workbook& workbook,
+                                                                    const QMimeData& data);
 
 } // namespace spreadsheet

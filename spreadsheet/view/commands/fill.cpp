@@ -126,11 +126,11 @@ void repeatLists(const CellLists& source, int length, bool down, int first, Lift
 
 } // namespace
 
-std::optional<std::string> fillFromBlock(Workbook& workbook, Sheet& sheet, const CellRange& source,
-                                         const CellRange& goal, bool asSeries)
+Refusal fillFromBlock(Workbook& workbook, Sheet& sheet, const CellRange& source, const CellRange& goal,
+                      bool asSeries)
 {
     if (source == goal || !goal.contains(source))
-        return std::nullopt;
+        return {};
     const CellRange rest = beyond(source, goal);
     if (static_cast<long long>(rest.columns()) * rest.rows() > maxFilledCells)
         return "填充的区域太大(超过 1000 万个单元格)";

@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/engine/Refusal.h"
 
 #include <optional>
 #include <string>
@@ -13,8 +14,8 @@ class Workbook;
 /// in one direction. Formulas and looks are copied, references shift; values go on as a series, or are
 /// repeated if `asSeries` is false.
 /// @return why nothing was filled
-std::optional<std::string> fillFromBlock(Workbook& workbook, Sheet& sheet, const CellRange& source,
-                                         const CellRange& goal, bool asSeries);
+Refusal fillFromBlock(Workbook& workbook, Sheet& sheet, const CellRange& source, const CellRange& goal,
+                      bool asSeries);
 
 /// The goal of a fill handle dragged from `source` to a cell: the longer way counts. The source itself if
 /// the cell lies within.

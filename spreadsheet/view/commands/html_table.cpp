@@ -25,7 +25,7 @@ public:
     {
     }
 
-    std::variant<PastedTable, std::string> run()
+    std::variant<PastedTable, Refusal> run()
     {
         for (auto kind = m_scanner.next(); kind != HtmlScanner::Kind::end; kind = m_scanner.next()) {
             if (kind == HtmlScanner::Kind::text)
@@ -213,7 +213,7 @@ private:
 
 } // namespace
 
-std::variant<PastedTable, std::string> parseHtmlTable(std::string_view html)
+std::variant<PastedTable, Refusal> parseHtmlTable(std::string_view html)
 {
     return TableReader(html).run();
 }

@@ -1,4 +1,5 @@
 #pragma once
+#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/view/commands/PastedTable.h"
 
 #include <string>
@@ -12,6 +13,6 @@ namespace spreadsheet {
 /// and the looks of PastedLook come along, from attributes, `style` and simple class rules. Tables inside
 /// a cell give their text to it. Broken mark-up is read as far as it makes sense.
 /// @return the table, without cells if the text holds none, or why it cannot be pasted
-std::variant<PastedTable, std::string> parseHtmlTable(std::string_view html);
+[[nodiscard]] std::variant<PastedTable, Refusal> parseHtmlTable(std::string_view html);
 
 } // namespace spreadsheet

@@ -178,7 +178,7 @@ public:
         m_stream.setVersion(QDataStream::Qt_6_0);
     }
 
-    std::variant<UnpackedCells, std::string> run()
+    std::variant<UnpackedCells, Refusal> run()
     {
         if (!header() || !tables() || !cells())
             return "剪贴板中的单元格已损坏，不能粘贴";
@@ -418,7 +418,7 @@ QByteArray packCells(Workbook& workbook, const PackedOrigin& origin, const Lifte
     return Packer(workbook, origin, cells).run();
 }
 
-std::variant<UnpackedCells, std::string> unpackCells(Workbook& workbook, const QByteArray& bytes)
+std::variant<UnpackedCells, Refusal> unpackCells(Workbook& workbook, const QByteArray& bytes)
 {
     return Unpacker(workbook, bytes).run();
 }

@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/LiftedCells.h"
+#include "spreadsheet/engine/Refusal.h"
 
 #include <QByteArray>
 
@@ -33,6 +34,6 @@ struct UnpackedCells {
 
 /// Takes such bytes into a workbook's pools. Nothing else of the workbook changes.
 /// @return the cells, or why the bytes are no such block (one Chinese sentence)
-std::variant<UnpackedCells, std::string> unpackCells(Workbook& workbook, const QByteArray& bytes);
+[[nodiscard]] std::variant<UnpackedCells, Refusal> unpackCells(Workbook& workbook, const QByteArray& bytes);
 
 } // namespace spreadsheet

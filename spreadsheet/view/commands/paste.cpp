@@ -39,8 +39,7 @@ void stripToValues(LiftedCells& cells, const Sheet& sheet, CellAddress to)
     }
 }
 
-std::optional<std::string> putCopies(Sheet& sheet, const LiftedCells& cells, const PastePlan& plan,
-                                     PasteKind kind)
+Refusal putCopies(Sheet& sheet, const LiftedCells& cells, const PastePlan& plan, PasteKind kind)
 {
     for (int down = 0; down < plan.down; ++down) {
         for (int across = 0; across < plan.across; ++across) {
@@ -56,17 +55,28 @@ std::optional<std::string> putCopies(Sheet& sheet, const LiftedCells& cells, con
                 return problem;
         }
     }
-    return std::nullopt;
+    return {};
 }
 
 /// One cell of ours into a merged one: all but the span, which stays.
-void putIntoSpan(Sheet& sheet, const LiftedCells& cells, CellAddress to)
+Refusal putIntoSpan(Sheet& sheet, const LiftedCells& cells, CellAddress to)
 {
     const CellRange span = sheet.extent(to);
     LiftedCells alone = cells;
     alone.spans = {};
-    sheet.put(alone, to);
+    if (auto problem = sheet.put(alone, to))
+        return problem;
     sheet.addSpan(span);
+    return {};
+}
+
+/// Array formulas that several copies of a block cover together go before the first copy meets a part of
+/// them.
+void clearArrays(Sheet& sheet, const PastePlan& plan)
+{
+    const auto meets = [&](const CellRange& array) { return array.intersects(plan.goal); };
+    if (plan.across * plan.down > 1 && std::ranges::any_of(sheet.settings().arrays, meets))
+        sheet.clearContents(plan.goal);
 }
 
 void applyLook(Sheet& sheet, const CellRange& range, const PastedLook& look)
@@ -100,7 +110,7 @@ void enterPasted(Workbook& workbook, Sheet& sheet, CellAddress cell, const Paste
         return;
     }
     if (enterText(workbook, sheet, cell, withPlainMinus(pasted.text), TypedInto::cell)) {
-        sheet.setText(cell, pasted.text); // looks like a formula and is none
+        sheet.setText(cell, pasted.text); // looks like a formula and is none; nothing is lost as a text
         return;
     }
     // The text may be rounded; what it was rounded from came along.
@@ -138,24 +148,30 @@ void pasteTables(Workbook& workbook, Sheet& sheet, const PastedTable& table, con
     }
 }
 
+/// Why the plan's goal cannot take a block. A merged cell that is the goal itself stays, and is none.
+Refusal goalRefusal(const Sheet& sheet, const CellRange& goal)
+{
+    return overlapRefusal(sheet, goal, std::nullopt, !isSpanItself(sheet, goal));
+}
+
 } // namespace
 
-std::optional<std::string> overlapRefusal(const Sheet& sheet, const CellRange& goal,
-                                          const std::optional<CellRange>& leaving)
+Refusal overlapRefusal(const Sheet& sheet, const CellRange& goal, const std::optional<CellRange>& leaving,
+                       bool keepsSpansWhole)
 {
     const auto cut = [&](const CellRange& range) {
         const bool leaves = leaving && leaving->contains(range);
         return !leaves && range.intersects(goal) && !goal.contains(range);
     };
-    if (std::ranges::any_of(sheet.settings().spans, cut))
+    if (keepsSpansWhole && std::ranges::any_of(sheet.settings().spans, cut))
         return "目标区域只含合并单元格的一部分，请先取消合并";
     if (std::ranges::any_of(sheet.settings().arrays, cut))
         return "不能更改数组公式的一部分";
-    return std::nullopt;
+    return {};
 }
 
-std::variant<PastePlan, std::string> planPaste(const Sheet& sheet, const ClipboardContent& content,
-                                               const CellRange& selection)
+std::variant<PastePlan, Refusal> planPaste(const Sheet& sheet, const ClipboardContent& content,
+                                           const CellRange& selection)
 {
     const int columns = content.columns();
     const int rows = content.rows();
@@ -177,41 +193,46 @@ std::variant<PastePlan, std::string> planPaste(const Sheet& sheet, const Clipboa
         return "粘贴的区域太大(超过 1000 万个单元格)";
     plan.missingRows = std::max(0, plan.goal.bottom - sheet.settings().rowCount);
     plan.missingColumns = std::max(0, plan.goal.right - sheet.settings().columnCount);
-    if (auto problem = overlapRefusal(sheet, plan.goal); problem && !isSpanItself(sheet, plan.goal))
-        return *problem;
+    if (auto problem = goalRefusal(sheet, plan.goal))
+        return problem;
     return plan;
 }
 
-std::optional<std::string> paste(Workbook& workbook, Sheet& sheet, const ClipboardContent& content,
-                                 const PastePlan& plan, PasteKind kind)
+Refusal paste(Workbook& workbook, Sheet& sheet, const ClipboardContent& content, const PastePlan& plan,
+              PasteKind kind)
 {
-    if (auto problem = overlapRefusal(sheet, plan.goal); problem && !isSpanItself(sheet, plan.goal))
+    if (auto problem = goalRefusal(sheet, plan.goal))
         return problem;
-    const UndoStep step(workbook, "粘贴");
+    UndoStep step(workbook, "粘贴");
     makeRoom(sheet, plan);
     if (!content.own) {
         pasteTables(workbook, sheet, content.table, plan, kind);
-        return std::nullopt;
+        return {};
     }
     const LiftedCells& cells = content.own->cells;
-    if (kind == PasteKind::all && isSpanItself(sheet, plan.goal)) {
-        putIntoSpan(sheet, cells, {plan.goal.left, plan.goal.top});
-        return std::nullopt;
-    }
-    return putCopies(sheet, cells, plan, kind);
+    clearArrays(sheet, plan);
+    auto problem = kind == PasteKind::all && isSpanItself(sheet, plan.goal)
+                       ? putIntoSpan(sheet, cells, {plan.goal.left, plan.goal.top})
+                       : putCopies(sheet, cells, plan, kind);
+    if (problem)
+        step.takeBack();
+    return problem;
 }
 
-std::optional<std::string> pasteCut(Workbook& workbook, Sheet& source, const CellRange& cut, Sheet& target,
-                                    const PastePlan& plan)
+Refusal pasteCut(Workbook& workbook, Sheet& source, const CellRange& cut, Sheet& target,
+                 const PastePlan& plan)
 {
     if (auto problem = overlapRefusal(source, cut))
         return problem;
     if (auto problem =
             overlapRefusal(target, plan.goal, &source == &target ? std::optional(cut) : std::nullopt))
         return problem;
-    const UndoStep step(workbook, "移动");
+    UndoStep step(workbook, "移动");
     makeRoom(target, plan);
-    return source.moveCells(cut, target, {plan.goal.left, plan.goal.top});
+    auto problem = source.moveCells(cut, target, {plan.goal.left, plan.goal.top});
+    if (problem)
+        step.takeBack();
+    return problem;
 }
 
 } // namespace spreadsheet

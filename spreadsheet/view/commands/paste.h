@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/view/commands/clipboard.h"
 
 #include <optional>
@@ -24,8 +25,8 @@ struct PastePlan {
 
 /// @return the plan, or why the block cannot go there: beyond the largest sheet, through a merged cell,
 /// through an array formula
-std::variant<PastePlan, std::string> planPaste(const Sheet& sheet, const ClipboardContent& content,
-                                               const CellRange& selection);
+[[nodiscard]] std::variant<PastePlan, Refusal> planPaste(const Sheet& sheet, const ClipboardContent& content,
+                                                         const CellRange& selection);
 
 enum class PasteKind {
     all,
@@ -34,17 +35,17 @@ enum class PasteKind {
 
 /// Pastes as one undo step. Cells of ours bring everything along, their references shifted. Cells of
 /// others are taken as if typed, with the looks that came along; the goal's other looks stay.
-/// @return why nothing was pasted
-std::optional<std::string> paste(Workbook& workbook, Sheet& sheet, const ClipboardContent& content,
-                                 const PastePlan& plan, PasteKind kind = PasteKind::all);
+Refusal paste(Workbook& workbook, Sheet& sheet, const ClipboardContent& content, const PastePlan& plan,
+              PasteKind kind = PasteKind::all);
 
 /// Moves cut cells to the plan's goal; all references follow them.
-std::optional<std::string> pasteCut(Workbook& workbook, Sheet& source, const CellRange& cut, Sheet& target,
-                                    const PastePlan& plan);
+Refusal pasteCut(Workbook& workbook, Sheet& source, const CellRange& cut, Sheet& target,
+                 const PastePlan& plan);
 
 /// Why a block cannot be put over a range of the sheet: it would cut a merged cell or an array formula.
 /// @param leaving  cells that are about to go elsewhere, with what lies wholly within
-std::optional<std::string> overlapRefusal(const Sheet& sheet, const CellRange& goal,
-                                          const std::optional<CellRange>& leaving = std::nullopt);
+/// @param keepsSpansWhole  false: merged cells may be cut
+Refusal overlapRefusal(const Sheet& sheet, const CellRange& goal,
+                       const std::optional<CellRange>& leaving = std::nullopt, bool keepsSpansWhole = true);
 
 } // namespace spreadsheet

@@ -113,15 +113,15 @@ bool holdsData(const Sheet& sheet, const CellRange& range)
 
 } // namespace
 
-std::optional<std::string> sortBlock(Workbook& workbook, Sheet& sheet, const CellRange& block,
-                                     const std::vector<SortKey>& keys, bool headerRow)
+Refusal sortBlock(Workbook& workbook, Sheet& sheet, const CellRange& block, const std::vector<SortKey>& keys,
+                  bool headerRow)
 {
     CellRange rows = block;
     rows.top += headerRow;
     rows.bottom = std::min(block.bottom, sheet.lastDataRow());
     rows.right = std::min(block.right, std::max(sheet.lastDataColumn(), block.left));
     if (rows.top >= rows.bottom)
-        return std::nullopt;
+        return {};
     std::vector<CellRange> spans = sheet.settings().spans;
     std::erase_if(spans, &CellRange::isOneCell);
     if (holdsAny(spans, rows))
@@ -134,7 +134,7 @@ std::optional<std::string> sortBlock(Workbook& workbook, Sheet& sheet, const Cel
     }
     const std::vector<int> order = sortedRows(sheet, rows, keys);
     if (std::ranges::is_sorted(order))
-        return std::nullopt;
+        return {};
     const LiftedCells former = sheet.lift(rows);
     LiftedCells sorted(former.columns, former.rows);
     for (int column = 1; column <= former.columns; ++column) {

@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/engine/Refusal.h"
 
 #include <optional>
 #include <string>
@@ -21,8 +22,8 @@ struct SortKey {
 /// what is relative in them.
 /// @param headerRow  the first row stays
 /// @return why nothing was sorted: merged cells or array formulas in the way, a key outside the block
-std::optional<std::string> sortBlock(Workbook& workbook, Sheet& sheet, const CellRange& block,
-                                     const std::vector<SortKey>& keys, bool headerRow);
+Refusal sortBlock(Workbook& workbook, Sheet& sheet, const CellRange& block, const std::vector<SortKey>& keys,
+                  bool headerRow);
 
 /// The cells around a cell that hang together: grown until empty rows and columns (or the sheet's edge) are
 /// all around.

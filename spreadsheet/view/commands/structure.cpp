@@ -36,8 +36,7 @@ int shownBesides(const Sheet& sheet, Axis axis, const std::vector<LineRange>& li
 }
 
 /// Checked for all stretches before the first one changes the sheet.
-std::optional<std::string> arrayRefusal(const Sheet& sheet, Axis axis, const std::vector<LineRange>& lines,
-                                        bool inserts)
+Refusal arrayRefusal(const Sheet& sheet, Axis axis, const std::vector<LineRange>& lines, bool inserts)
 {
     for (const CellRange& array : sheet.settings().arrays) {
         const LineRange held =
@@ -49,7 +48,7 @@ std::optional<std::string> arrayRefusal(const Sheet& sheet, Axis axis, const std
                 return "不能更改数组公式的一部分";
         }
     }
-    return std::nullopt;
+    return {};
 }
 
 int countOf(const std::vector<LineRange>& lines)
@@ -79,8 +78,7 @@ std::vector<LineRange> linesOf(const std::vector<CellRange>& ranges, Axis axis)
     return joined;
 }
 
-std::optional<std::string> insertLines(Workbook& workbook, Sheet& sheet, Axis axis,
-                                       const std::vector<LineRange>& lines)
+Refusal insertLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines)
 {
     const int limit = axis == Axis::rows ? maxRows : maxColumns;
     const int last = axis == Axis::rows ? sheet.lastDataRow() : sheet.lastDataColumn();
@@ -94,11 +92,10 @@ std::optional<std::string> insertLines(Workbook& workbook, Sheet& sheet, Axis ax
                                               : sheet.insertColumns(line.first, line.count()))
             return problem;
     }
-    return std::nullopt;
+    return {};
 }
 
-std::optional<std::string> deleteLines(Workbook& workbook, Sheet& sheet, Axis axis,
-                                       const std::vector<LineRange>& lines)
+Refusal deleteLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines)
 {
     if (countOf(lines) >= countOf(sheet.settings(), axis))
         return axis == Axis::rows ? "不能删除所有的行" : "不能删除所有的列";
@@ -110,11 +107,10 @@ std::optional<std::string> deleteLines(Workbook& workbook, Sheet& sheet, Axis ax
                                               : sheet.deleteColumns(line.first, line.count()))
             return problem;
     }
-    return std::nullopt;
+    return {};
 }
 
-std::optional<std::string> hideLines(Workbook& workbook, Sheet& sheet, Axis axis,
-                                     const std::vector<LineRange>& lines)
+Refusal hideLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines)
 {
     if (shownBesides(sheet, axis, lines) < 1)
         return axis == Axis::rows ? "不能隐藏所有的行" : "不能隐藏所有的列";
@@ -125,7 +121,7 @@ std::optional<std::string> hideLines(Workbook& workbook, Sheet& sheet, Axis axis
                 sizesOf(settings, axis).hidden[line] = true;
         }
     });
-    return std::nullopt;
+    return {};
 }
 
 void showLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines)
@@ -174,7 +170,7 @@ void freezeAt(Workbook& workbook, Sheet& sheet, CellAddress cell)
     });
 }
 
-std::optional<std::string> clearRanges(Workbook& workbook, Sheet& sheet, const std::vector<CellRange>& ranges)
+Refusal clearRanges(Workbook& workbook, Sheet& sheet, const std::vector<CellRange>& ranges)
 {
     for (const CellRange& range : ranges) {
         for (const CellRange& array : sheet.settings().arrays) {
@@ -185,7 +181,7 @@ std::optional<std::string> clearRanges(Workbook& workbook, Sheet& sheet, const s
     const UndoStep step(workbook, "清除");
     for (const CellRange& range : ranges)
         sheet.clearContents(range);
-    return std::nullopt;
+    return {};
 }
 
 } // namespace spreadsheet

@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/engine/Refusal.h"
 
 #include <optional>
 #include <string>
@@ -26,13 +27,10 @@ std::vector<LineRange> linesOf(const std::vector<CellRange>& ranges, Axis axis);
 // Each is one undo step and gives the reason if it refuses; nothing has changed then.
 
 /// Puts as many lines before each stretch as it has.
-std::optional<std::string> insertLines(Workbook& workbook, Sheet& sheet, Axis axis,
-                                       const std::vector<LineRange>& lines);
-std::optional<std::string> deleteLines(Workbook& workbook, Sheet& sheet, Axis axis,
-                                       const std::vector<LineRange>& lines);
+Refusal insertLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines);
+Refusal deleteLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines);
 /// At least one line stays in sight.
-std::optional<std::string> hideLines(Workbook& workbook, Sheet& sheet, Axis axis,
-                                     const std::vector<LineRange>& lines);
+Refusal hideLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines);
 /// Hidden lines within and at the edges of the stretches show again.
 void showLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines);
 
@@ -45,7 +43,6 @@ void resizeLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<
 void freezeAt(Workbook& workbook, Sheet& sheet, CellAddress cell);
 
 /// Takes contents away, looks stay. An array formula goes only as a whole.
-std::optional<std::string> clearRanges(Workbook& workbook, Sheet& sheet,
-                                       const std::vector<CellRange>& ranges);
+Refusal clearRanges(Workbook& workbook, Sheet& sheet, const std::vector<CellRange>& ranges);
 
 } // namespace spreadsheet

@@ -30,7 +30,7 @@ public:
     {
     }
 
-    std::variant<PastedTable, std::string> run()
+    std::variant<PastedTable, Refusal> run()
     {
         while (m_at < m_text.size()) {
             if (m_row == maxRows)
@@ -125,7 +125,7 @@ std::string tabText(const Sheet& sheet, const CellRange& range)
     return text;
 }
 
-std::variant<PastedTable, std::string> parseTabText(std::string_view text)
+std::variant<PastedTable, Refusal> parseTabText(std::string_view text)
 {
     return TabReader(text).run();
 }

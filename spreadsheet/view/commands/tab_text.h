@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/view/commands/PastedTable.h"
 
 #include <string>
@@ -17,6 +18,6 @@ std::string tabText(const Sheet& sheet, const CellRange& range);
 /// Reads such a text; line ends may be "\n", "\r\n" or "\r", and the last one ends the last row. A field
 /// whose opening quotation mark is never closed is taken as it stands.
 /// @return the table, or why it cannot be pasted (one Chinese sentence)
-std::variant<PastedTable, std::string> parseTabText(std::string_view text);
+[[nodiscard]] std::variant<PastedTable, Refusal> parseTabText(std::string_view text);
 
 } // namespace spreadsheet

@@ -8,11 +8,11 @@ namespace selfreport::test {
 /// Keeps the formulas that were written, or refuses them.
 class RecordingCell : public FormulaCell {
 public:
-    QString writeFormula(const QString& formula) override
+    spreadsheet::Refusal writeFormula(const QString& formula) override
     {
         if (refusal.isEmpty())
             written.append(formula);
-        return refusal;
+        return refusal.toStdString();
     }
     QStringList written;
     QString refusal;

@@ -71,7 +71,7 @@ TEST_F(FormulaDialogsBadInput, TextsAreWrittenUnchangedOrRefusedWithTheirReason)
                 const std::string what =
                     std::string(acct ? "Acct " : "REF_F ") + std::to_string(index) + text;
                 grid().setCurrent(1, 1);
-                grid().setFormula("1+1");
+                demand(grid().setFormula("1+1"));
                 ledger.boxes.said.clear();
                 inDialog(acct, [&, index = index, text = text, refused = refused](QWidget& dialog) {
                     box(dialog, index).setText(QString::fromUtf8(text));

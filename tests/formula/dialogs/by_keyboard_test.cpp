@@ -75,7 +75,7 @@ TEST_F(ByKeyboard, ReferenceToACellOfAnotherReport)
 {
     spreadsheet::Workbook report;
     report.registerFunction("Acct", 6, [](spreadsheet::FunctionCall& call) { call.decline(); });
-    report.sheet(1).setFormula({2, 3}, R"(Acct("1002" ,"2" , "", "2025","1","2"))");
+    demand(report.sheet(1).setFormula({2, 3}, R"(Acct("1002" ,"2" , "", "2025","1","2"))"));
     ledger.addReport(1, "R1", spreadsheet::saveContent(report));
     openDesigner();
     test::KeyScript keys(*designer, "Down Ctrl+G Down Return 'R1' Tab 'B3' Tab '1' Return");

@@ -170,18 +170,18 @@ TEST(TypedText, TheBoxKeepsAFormulaAFormulaAndARefusedOneKeepsTheCell)
     Workbook workbook;
     workbook.setUndoEnabled(true);
     Sheet& sheet = workbook.sheet(1);
-    enterText(workbook, sheet, {1, 1}, "=B1", TypedInto::cell);
-    enterText(workbook, sheet, {1, 1}, "B1+1", TypedInto::formulaBox);
+    demand(enterText(workbook, sheet, {1, 1}, "=B1", TypedInto::cell));
+    demand(enterText(workbook, sheet, {1, 1}, "B1+1", TypedInto::formulaBox));
     EXPECT_EQ(sheet.formula({1, 1}), "B1+1");
     const auto problem = enterText(workbook, sheet, {1, 1}, "=B1+(", TypedInto::cell);
     ASSERT_TRUE(problem);
-    EXPECT_EQ(problem->position, 4u);
+    EXPECT_EQ(problem.position(), 4u);
     EXPECT_EQ(sheet.formula({1, 1}), "B1+1");
-    enterText(workbook, sheet, {1, 1}, "B1+1", TypedInto::cell);
+    demand(enterText(workbook, sheet, {1, 1}, "B1+1", TypedInto::cell));
     EXPECT_FALSE(sheet.hasFormula({1, 1}));
     workbook.undo();
     EXPECT_EQ(sheet.formula({1, 1}), "B1+1");
-    enterText(workbook, sheet, {1, 1}, "", TypedInto::cell);
+    demand(enterText(workbook, sheet, {1, 1}, "", TypedInto::cell));
     EXPECT_TRUE(sheet.value({1, 1}).isEmpty());
 }
 

@@ -23,9 +23,9 @@ public:
         : m_workbook(workbook)
         , m_random(seed)
     {
-        workbook.addSheet("二月");
-        workbook.defineName("税率", "=Sheet1!$B$2");
-        workbook.defineName("合计", "=SUM(Sheet1!$A$1:$A$9)");
+        demand(workbook.addSheet("二月"));
+        demand(workbook.defineName("税率", "=Sheet1!$B$2"));
+        demand(workbook.defineName("合计", "=SUM(Sheet1!$A$1:$A$9)"));
     }
 
     /// What was done, for the message of a failing test.
@@ -46,7 +46,7 @@ public:
         if (kind < 60) {
             const std::string text = expression(3);
             const auto problem = sheet.setFormula(cell, text);
-            EXPECT_FALSE(problem) << text << ": " << problem->reason;
+            EXPECT_FALSE(problem) << text << ": " << problem.reason();
             return "formula " + at + " " + text;
         }
         if (kind < 63) {
@@ -54,37 +54,48 @@ public:
             return "clear " + at;
         }
         if (kind < 66) {
-            sheet.setArrayFormula(block(cell), "IF(" + range() + ">1," + range() + ",0)");
-            return "array " + at;
+            return tried(sheet.setArrayFormula(block(cell), "IF(" + range() + ">1," + range() + ",0)"),
+                         "array ") +
+                   at;
         }
         return structure(sheet, cell, kind) + at;
     }
 
 private:
+    /// Where edits may be refused, that is in order too.
+    static std::string tried(const Refusal& refused, const std::string& what)
+    {
+        return refused ? what + "(refused) " : what;
+    }
+
     std::string structure(Sheet& sheet, CellAddress cell, int kind)
     {
         Sheet& other = m_workbook.sheet(number(1, m_workbook.sheetCount()));
         const CellAddress to{number(1, columns), number(1, rows)};
         const int count = number(1, 3);
         if (kind < 74)
-            return (sheet.fillDown({cell.column, cell.row, cell.column, cell.row + number(1, 8)}),
-                    "fill down ");
+            return tried(sheet.fillDown({cell.column, cell.row, cell.column, cell.row + number(1, 8)}),
+                         "fill down ");
         if (kind < 78)
-            return (sheet.fillRight({cell.column, cell.row, cell.column + count, cell.row}), "fill right ");
+            return tried(sheet.fillRight({cell.column, cell.row, cell.column + count, cell.row}),
+                         "fill right ");
         if (kind < 82)
-            return (sheet.insertRows(cell.row, count), "insert rows ");
+            return tried(sheet.insertRows(cell.row, count), "insert rows ");
         if (kind < 86)
-            return (sheet.deleteRows(cell.row, count), "delete rows ");
+            return tried(sheet.deleteRows(cell.row, count), "delete rows ");
         if (kind < 88)
-            return (sheet.insertColumns(cell.column, 1), "insert column ");
+            return tried(sheet.insertColumns(cell.column, 1), "insert column ");
         if (kind < 90)
-            return (sheet.deleteColumns(cell.column, 1), "delete column ");
+            return tried(sheet.deleteColumns(cell.column, 1), "delete column ");
         if (kind < 93)
-            return (sheet.copyCells(block(cell), other, to), "copy to " + other.name() + cellName(to) + " ");
+            return tried(sheet.copyCells(block(cell), other, to),
+                         "copy to " + other.name() + cellName(to) + " ");
         if (kind < 96)
-            return (sheet.moveCells(block(cell), other, to), "move to " + other.name() + cellName(to) + " ");
+            return tried(sheet.moveCells(block(cell), other, to),
+                         "move to " + other.name() + cellName(to) + " ");
         if (kind < 97)
-            return (m_workbook.defineName("税率", "=Sheet1!$C$" + std::to_string(number(1, 9))), "name ");
+            return tried(m_workbook.defineName("税率", "=Sheet1!$C$" + std::to_string(number(1, 9))),
+                         "name ");
         if (kind < 98) {
             sheet.restyle(block(cell), [](CellStyle& style) { style.font.bold = !style.font.bold; });
             return "bold ";
@@ -92,8 +103,7 @@ private:
         if (kind < 99)
             return (sheet.addSpan(block(cell)), "span ");
         const int index = m_workbook.sheetIndexOfId(sheet.id());
-        m_workbook.renameSheet(index, "表 " + std::to_string(number(1, 999)));
-        return "rename ";
+        return tried(m_workbook.renameSheet(index, "表 " + std::to_string(number(1, 999))), "rename ");
     }
 
     CellRange block(CellAddress cell)

@@ -8,9 +8,9 @@ TEST(Sheets, StepThatAddsAndFillsASheetIsRedoneWhole)
     workbook.setUndoEnabled(true);
     {
         const UndoStep step(workbook, "导入");
-        workbook.addSheet("二月");
+        demand(workbook.addSheet("二月"));
         workbook.sheet(2).setNumber({1, 1}, 7);
-        workbook.renameSheet(2, "三月");
+        demand(workbook.renameSheet(2, "三月"));
     }
     workbook.undo();
     EXPECT_EQ(workbook.sheetCount(), 1);
@@ -22,13 +22,13 @@ TEST(Sheets, StepThatAddsAndFillsASheetIsRedoneWhole)
 TEST(Sheets, StepThatEditsAndRemovesASheetIsUndoneTwice)
 {
     Workbook workbook;
-    workbook.addSheet("二月");
+    demand(workbook.addSheet("二月"));
     workbook.sheet(2).setNumber({1, 1}, 1);
     workbook.setUndoEnabled(true);
     {
         const UndoStep step(workbook, "删除");
         workbook.sheet(2).setNumber({1, 1}, 2);
-        workbook.removeSheet(2);
+        demand(workbook.removeSheet(2));
     }
     for (int round = 0; round < 2; ++round) {
         workbook.undo();
@@ -42,7 +42,7 @@ TEST(Sheets, SumsThroughSheetsFollowTheirOrder)
 {
     Workbook workbook;
     for (const char* name : {"Sheet2", "Sheet3", "Sheet4"})
-        workbook.addSheet(name);
+        demand(workbook.addSheet(name));
     for (int index = 1; index <= 4; ++index)
         workbook.sheet(index).setNumber({1, 1}, index == 1 ? 1 : index == 2 ? 10 : index == 3 ? 100 : 1000);
     ASSERT_FALSE(workbook.sheet(1).setFormula({2, 1}, "SUM(Sheet1:Sheet3!A1)"));
@@ -52,9 +52,9 @@ TEST(Sheets, SumsThroughSheetsFollowTheirOrder)
         return valueText(workbook.sheet(1).value({2, 1}));
     };
     EXPECT_EQ(sum(), "111");
-    workbook.moveSheet(4, 2);
+    demand(workbook.moveSheet(4, 2));
     EXPECT_EQ(sum(), "1111") << "a sheet moved in between";
-    workbook.removeSheet(3); // Sheet2
+    demand(workbook.removeSheet(3)); // Sheet2
     EXPECT_EQ(sum(), "1101") << "a sheet between the ends removed";
     workbook.undo();
     EXPECT_EQ(sum(), "1111");
@@ -65,7 +65,7 @@ TEST(Sheets, SumsThroughSheetsFollowTheirOrder)
 TEST(Sheets, NameWithWideSignsStaysReadableInFormulas)
 {
     Workbook workbook;
-    workbook.addSheet("二月");
+    demand(workbook.addSheet("二月"));
     Sheet& sheet = workbook.sheet(1);
     ASSERT_FALSE(sheet.setFormula({1, 1}, "二月!B2"));
     for (const char* name : {"表（1）", "一，二", "三　四", "五；六"}) {

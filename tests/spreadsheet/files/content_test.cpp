@@ -19,8 +19,8 @@ using Bytes = std::vector<std::byte>;
 /// A workbook with one of everything that a file holds.
 void fillEverything(Workbook& workbook)
 {
-    workbook.renameSheet(1, "资产负债表");
-    workbook.addSheet("2月 调整");
+    demand(workbook.renameSheet(1, "资产负债表"));
+    demand(workbook.addSheet("2月 调整"));
     Sheet& sheet = workbook.sheet(1);
     sheet.setNumber({1, 1}, -0.1);
     sheet.setText({1, 2}, "货币资金\n第二行");
@@ -30,12 +30,12 @@ void fillEverything(Workbook& workbook)
     sheet.setValue({1, 5}, Value(Text::countedAs("1,234.50", 1234.5)));
     sheet.setNumber({1, 5000}, 7); // far below the rest
     sheet.setNumber({16'384, 1'048'576}, 1);
-    sheet.setFormula({3, 1}, "$A1 * 2 + 税率");
-    sheet.fillDown({3, 1, 3, 40});
-    sheet.setFormula({4, 1}, "sum(a$1:A1,'2月 调整'!B2)");
-    sheet.setFormula({4, 2}, "Acct(\"1001\" ,\"1\" , \"RMB\", \"2009\",\"1\",\"3\")");
-    sheet.setFormula({4, 3}, "D1048576+A1"); // points off the sheet when it is copied down
-    sheet.setArrayFormula({5, 1, 6, 3}, "IF(A1:A3>0,A1:A3,{1,2})");
+    demand(sheet.setFormula({3, 1}, "$A1 * 2 + 税率"));
+    demand(sheet.fillDown({3, 1, 3, 40}));
+    demand(sheet.setFormula({4, 1}, "sum(a$1:A1,'2月 调整'!B2)"));
+    demand(sheet.setFormula({4, 2}, "Acct(\"1001\" ,\"1\" , \"RMB\", \"2009\",\"1\",\"3\")"));
+    demand(sheet.setFormula({4, 3}, "D1048576+A1")); // points off the sheet when it is copied down
+    demand(sheet.setArrayFormula({5, 1, 6, 3}, "IF(A1:A3>0,A1:A3,{1,2})"));
     sheet.setTag({3, 3}, "13");
     sheet.setShownText({3, 4}, "=$A4*2");
     CellStyle style;
@@ -73,7 +73,7 @@ void fillEverything(Workbook& workbook)
         settings.print.titleTop = 1;
         settings.print.titleBottom = 3;
     });
-    workbook.defineName("税率", "='2月 调整'!$B$2");
+    demand(workbook.defineName("税率", "='2月 调整'!$B$2"));
     workbook.sheet(2).setNumber({2, 2}, 0.17);
     workbook.setActiveSheet(2);
     workbook.recalculate();
@@ -175,7 +175,7 @@ TEST(Content, RoundTripKeepsEverything)
 TEST(Content, AnEmptyWorkbookIsAContent)
 {
     Workbook loaded;
-    loaded.addSheet("more");
+    demand(loaded.addSheet("more"));
     loadContent(loaded, saveContent(Workbook()));
     EXPECT_EQ(difference(Workbook(), loaded), "");
 }
@@ -184,18 +184,18 @@ TEST(Content, AnEmptyWorkbookIsAContent)
 TEST(Content, BrokenReferencesComeBackLetterByLetter)
 {
     Workbook workbook;
-    workbook.addSheet("二月");
-    workbook.addSheet("三月");
+    demand(workbook.addSheet("二月"));
+    demand(workbook.addSheet("三月"));
     Sheet& sheet = workbook.sheet(1);
-    sheet.setFormula({1, 1}, "二月!B5+1");
-    sheet.setFormula({1, 2}, "#REF!+1");
-    sheet.setFormula({1, 3}, "SUM(二月:三月!A1)");
-    workbook.sheet(2).deleteRows(5, 1);
+    demand(sheet.setFormula({1, 1}, "二月!B5+1"));
+    demand(sheet.setFormula({1, 2}, "#REF!+1"));
+    demand(sheet.setFormula({1, 3}, "SUM(二月:三月!A1)"));
+    demand(workbook.sheet(2).deleteRows(5, 1));
     Workbook again; // reads the broken reference once before its sheet goes
     loadContent(again, saveContent(workbook));
     for (Workbook* book : {&workbook, &again}) {
-        book->removeSheet(2);
-        book->renameSheet(2, "四月");
+        demand(book->removeSheet(2));
+        demand(book->renameSheet(2, "四月"));
         EXPECT_EQ(book->sheet(1).formula({1, 1}), "二月!#REF!+1");
         EXPECT_EQ(book->sheet(1).formula({1, 2}), "#REF!+1");
         EXPECT_EQ(book->sheet(1).formula({1, 3}), "SUM(四月!A1)") << "the neighbour goes on";
@@ -208,7 +208,7 @@ TEST(Content, BrokenReferencesComeBackLetterByLetter)
 TEST(Content, LoadingKeepsFunctionsHookAndUndoSetting)
 {
     Workbook stored;
-    stored.sheet(1).setFormula({1, 1}, "twice(21)");
+    demand(stored.sheet(1).setFormula({1, 1}, "twice(21)"));
     stored.sheet(1).setValue({1, 2}, Value(5.0));
     const Bytes bytes = saveContent(stored);
 

@@ -23,8 +23,8 @@ std::string python(const TestFolder& folder, const std::string& script, const st
 /// A report as companies write them, without what the other libraries do not show.
 void fillReport(Workbook& workbook)
 {
-    workbook.renameSheet(1, "资产负债表");
-    workbook.addSheet("数据");
+    demand(workbook.renameSheet(1, "资产负债表"));
+    demand(workbook.addSheet("数据"));
     Sheet& sheet = workbook.sheet(1);
     CellStyle money;
     money.numberFormat = Text("#,##0.00");
@@ -39,10 +39,10 @@ void fillReport(Workbook& workbook)
     sheet.setText({1, 1}, "货币资金");
     sheet.setNumber({2, 1}, 1234567.891);
     sheet.setStyle({2, 1}, money);
-    sheet.setFormula({3, 1}, "SUM(B1:B2)*2+数据!$A$1");
-    sheet.setFormula({4, 1}, "IF(B1>0,\"盈\",\"亏\")");
+    demand(sheet.setFormula({3, 1}, "SUM(B1:B2)*2+数据!$A$1"));
+    demand(sheet.setFormula({4, 1}, "IF(B1>0,\"盈\",\"亏\")"));
     sheet.setValue({5, 1}, Value::boolean(true));
-    sheet.setFormula({6, 1}, "1/0");
+    demand(sheet.setFormula({6, 1}, "1/0"));
     CellStyle offer;
     offer.type = CellType::dropDown;
     sheet.setStyle({7, 1}, offer);

@@ -112,10 +112,10 @@ inline void fillDropDowns(Sheet& sheet)
 /// A workbook with something of everything that travels.
 inline void fillSample(Workbook& workbook)
 {
-    workbook.renameSheet(1, "报表");
-    workbook.addSheet("2月 调整");
-    workbook.addSheet("数据");
-    workbook.defineName("税率", "数据!$B$1");
+    demand(workbook.renameSheet(1, "报表"));
+    demand(workbook.addSheet("2月 调整"));
+    demand(workbook.addSheet("数据"));
+    demand(workbook.defineName("税率", "数据!$B$1"));
     Sheet& sheet = workbook.sheet(1);
     for (int i = 0; i < 40; ++i) {
         sheet.setStyle({1 + i % 6, 1 + i / 6}, sampleStyle(i));
@@ -130,7 +130,7 @@ inline void fillSample(Workbook& workbook)
     for (std::size_t i = 0; i < sampleFormulas().size(); ++i)
         if (sheet.setFormula({9, static_cast<int>(i) + 1}, sampleFormulas()[i]))
             throw std::logic_error(sampleFormulas()[i]);
-    sheet.setArrayFormula({11, 1, 12, 2}, "A1:B2*2");
+    demand(sheet.setArrayFormula({11, 1, 12, 2}, "A1:B2*2"));
     sheet.addSpan({2, 12, 4, 13});
     sheet.setText({2, 12}, "合并");
     sheet.changeSettings([&](SheetSettings& settings) {

@@ -11,7 +11,7 @@ std::string textBack(Workbook& workbook, const std::string& text)
 {
     Sheet& sheet = workbook.sheet(1);
     const auto problem = sheet.setFormula({2, 2}, text);
-    return problem ? "refused: " + problem->reason : sheet.formula({2, 2});
+    return problem ? "refused: " + problem.reason() : sheet.formula({2, 2});
 }
 
 std::string repeated(const std::string& part, int count)
@@ -163,9 +163,9 @@ TEST(FormulaText, RefusedTextsLeaveTheCellAsItIs)
     for (const Case& c : cases) {
         const auto problem = sheet.workbook().sheet(1).setFormula({2, 2}, c.text);
         ASSERT_TRUE(problem) << c.what;
-        EXPECT_GE(problem->position, c.first) << c.what;
-        EXPECT_LE(problem->position, c.last) << c.what;
-        EXPECT_FALSE(problem->reason.empty()) << c.what;
+        EXPECT_GE(problem.position(), c.first) << c.what;
+        EXPECT_LE(problem.position(), c.last) << c.what;
+        EXPECT_FALSE(problem.reason().empty()) << c.what;
         sheet.workbook().recalculateChanged();
         EXPECT_EQ(first.formula({2, 2}), "1+1") << c.what;
         EXPECT_EQ(valueText(first.value({2, 2})), "2") << c.what;
@@ -240,7 +240,7 @@ TEST(ArrayFormulas, StayWholeUntilAValueDissolvesThem)
 
     const auto problem = target.setArrayFormula({3, 3, 4, 4}, "=1");
     ASSERT_TRUE(problem);
-    EXPECT_FALSE(problem->reason.empty());
+    EXPECT_FALSE(problem.reason().empty());
     sheet.put("A1", "5");
     sheet.workbook().recalculateChanged();
     EXPECT_EQ(valuesOf(target, {3, 1, 4, 4}), "10 empty; 4 empty; 6 empty; empty empty");

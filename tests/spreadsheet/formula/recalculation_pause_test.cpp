@@ -17,14 +17,14 @@ void fill(Workbook& workbook)
         const std::string at = std::to_string(row);
         const std::string above = std::to_string(row - 1);
         sheet.setNumber({1, row}, row);
-        sheet.setFormula({2, row}, "A" + at + "*2");
-        sheet.setFormula({3, row}, row == 1 ? "A1" : "C" + above + "+B" + at);
-        sheet.setFormula({4, row}, row % 2 ? "C" + at + "&\"x\"" : "D" + above + "&LEN(C" + at + ")");
+        demand(sheet.setFormula({2, row}, "A" + at + "*2"));
+        demand(sheet.setFormula({3, row}, row == 1 ? "A1" : "C" + above + "+B" + at));
+        demand(sheet.setFormula({4, row}, row % 2 ? "C" + at + "&\"x\"" : "D" + above + "&LEN(C" + at + ")"));
     }
-    sheet.setFormula({5, 1}, "E2+A1");
-    sheet.setFormula({5, 2}, "E1");
-    sheet.setArrayFormula({6, 1, 6, 3}, "A1:A3+C300");
-    sheet.setFormula({7, 1}, "INDIRECT(\"C\"&300)+F1");
+    demand(sheet.setFormula({5, 1}, "E2+A1"));
+    demand(sheet.setFormula({5, 2}, "E1"));
+    demand(sheet.setArrayFormula({6, 1, 6, 3}, "A1:A3+C300"));
+    demand(sheet.setFormula({7, 1}, "INDIRECT(\"C\"&300)+F1"));
 }
 
 std::vector<Value> valuesOf(const Workbook& workbook)
@@ -70,10 +70,10 @@ TEST(RecalculationPause, LongWorkWithinACellCanBeStopped)
     for (const char* formula : formulas) {
         Workbook workbook;
         Sheet& sheet = workbook.sheet(1);
-        sheet.setArrayFormula({2, 1, 2, 1}, formula);
+        demand(sheet.setArrayFormula({2, 1, 2, 1}, formula));
         workbook.recalculate();
         const Value complete = sheet.value({2, 1});
-        sheet.setArrayFormula({2, 1, 2, 1}, std::string(formula) + "+1");
+        demand(sheet.setArrayFormula({2, 1, 2, 1}, std::string(formula) + "+1"));
         int questions = 0;
         for (;; ++questions) {
             workbook.setPauseHook([left = questions]() mutable { return left-- == 0; });
@@ -112,7 +112,7 @@ TEST(RecalculationPause, ShownTextsAndNumberTypesWaitForTheEnd)
     });
     Sheet& sheet = workbook.sheet(1);
     for (int row = 1; row <= rows; ++row) {
-        sheet.setFormula({1, row}, "F()");
+        demand(sheet.setFormula({1, row}, "F()"));
         sheet.setShownText({1, row}, "F()");
     }
     workbook.setPauseHook([asked = 0]() mutable { return ++asked == 3; });

@@ -73,7 +73,7 @@ public:
     {
         Sheet& sheet = m_workbook.sheet(1);
         if (const auto problem = sheet.setFormula(cell, formula))
-            return "refused: " + problem->reason;
+            return "refused: " + problem.reason();
         m_workbook.recalculate();
         return valueText(sheet.value(cell));
     }

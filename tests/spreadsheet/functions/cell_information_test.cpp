@@ -5,7 +5,7 @@ using namespace spreadsheet;
 TEST(CellInformation, AddressContentsAndKind)
 {
     FormulaSheet sheet{{"B2", "=1+1"}, {"B3", "文本"}, {"B4", "7"}};
-    sheet.workbook().addSheet("二月");
+    demand(sheet.workbook().addSheet("二月"));
     sheet.expect({
         {"CELL(\"Address\",B2:C5)", "\"$B$2\""},
         {"CELL(\"address\",二月!C1)", "\"二月!$C$1\""},

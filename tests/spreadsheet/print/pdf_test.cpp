@@ -215,8 +215,8 @@ TEST_F(PdfTest, SeveralSheetsCountTheirPagesApart)
 {
     sheet.setText({1, 1}, "甲");
     sheet.setText({1, 90}, "乙");
-    workbook.renameSheet(1, "资产负债表");
-    workbook.addSheet("利润表");
+    demand(workbook.renameSheet(1, "资产负债表"));
+    demand(workbook.addSheet("利润表"));
     workbook.sheet(2).setText({1, 1}, "丙");
     for (int index = 1; index <= 2; ++index)
         workbook.sheet(index).changeSettings([&](SheetSettings& settings) {

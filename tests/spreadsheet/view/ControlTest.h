@@ -23,8 +23,8 @@ protected:
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(&line);
         layout->addWidget(&control);
-        control.setRowCount(100);
-        control.setColumnCount(30);
+        demand(control.setRowCount(100));
+        demand(control.setColumnCount(30));
         window.resize(800, 500);
         window.show();
         window.activateWindow();

@@ -33,7 +33,7 @@ std::string markedText(const EditedText& edited)
 struct Formulas : testing::Test {
     Formulas()
     {
-        workbook.addSheet("2月 调整");
+        demand(workbook.addSheet("2月 调整"));
         workbook.registerFunction("Acct", 6, [](FunctionCall&) {});
     }
     FormulaContext context() const { return {&workbook, 1, {2, 2}}; }

@@ -68,8 +68,8 @@ std::unique_ptr<QMimeData> picture()
 TEST_F(ClipboardByUser, WhatCannotBePastedIsRefusedWithAReason)
 {
     fillSheet();
-    control.setRowCount(maxRows);
-    control.setColumnCount(maxColumns);
+    demand(control.setRowCount(maxRows));
+    demand(control.setColumnCount(maxColumns));
     control.ask = [](const QString&) { return true; };
     const QByteArray large(100'000'000, 'x');
     const QByteArray binary = rubbish(1'000'000);

@@ -88,8 +88,8 @@ TEST_F(InputMethod, WhatIsGivenUpLeavesTheCellAsItWas)
 
 TEST_F(InputMethod, FormulasTakeChineseNamesAndReferences)
 {
-    control.setSheetCount(2);
-    control.workbook().renameSheet(2, "一月");
+    demand(control.setSheetCount(2));
+    demand(control.workbook().renameSheet(2, "一月"));
     control.workbook().sheet(2).setNumber({1, 1}, 7);
     control.refresh();
     click("B2");

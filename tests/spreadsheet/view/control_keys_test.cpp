@@ -238,7 +238,7 @@ TEST_F(ControlTest, WhatAFormulaPointsAtIsFramedInItsColour)
 
 TEST_F(ControlTest, CellsOfOtherSheetsArePointedAtByKeys)
 {
-    control.setSheetCount(2);
+    demand(control.setSheetCount(2));
     control.workbook().sheet(2).setNumber({1, 2}, 9);
     control.refresh();
     click("C3");

@@ -130,7 +130,7 @@ TEST_F(ControlTest, ScrollBarsFollowAndLead)
     EXPECT_EQ(control.activeCell().row, 80) << "the cursor stays";
     bar.setValue(bar.maximum());
     EXPECT_FALSE(control.cellRect({1, 100}).isEmpty());
-    control.setRowCount(5);
+    demand(control.setRowCount(5));
     control.refresh();
     EXPECT_EQ(bar.maximum(), bar.minimum());
     EXPECT_EQ(cursor(), "A5 in A5");

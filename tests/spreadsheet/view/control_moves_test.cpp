@@ -311,7 +311,7 @@ TEST_F(ControlTest, AListenerThatHoldsTheCursorHoldsIt)
 
 TEST_F(ControlTest, AnotherSheetIsALeaveAndKeepsCursorAndPlace)
 {
-    control.setSheetCount(3);
+    demand(control.setSheetCount(3));
     control.refresh();
     control.setActiveCell(2, 60);
     const CellAddress topLeft = control.topLeftCell();

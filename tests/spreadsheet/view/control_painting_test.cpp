@@ -265,13 +265,13 @@ TEST_F(ControlTest, NotesMarkTheirCellAndTellWhy)
 
 TEST_F(ControlTest, TheSheetMayVanishUnderTheView)
 {
-    control.setSheetCount(2);
+    demand(control.setSheetCount(2));
     control.setActiveSheet(2);
     control.setActiveCell(20, 90);
-    control.workbook().removeSheet(2);
+    demand(control.workbook().removeSheet(2));
     (void)pictureOf(control);
     EXPECT_EQ(cursor(), "A1 in A1");
-    control.workbook().sheet(1).deleteRows(2, 99);
+    demand(control.workbook().sheet(1).deleteRows(2, 99));
     (void)pictureOf(control);
     key(Qt::Key_Down);
     EXPECT_EQ(cursor(), "A1 in A1");

@@ -49,7 +49,7 @@ protected:
     }
     void prepare()
     {
-        control.setSheetCount(2);
+        demand(control.setSheetCount(2));
         put("A1", "科目");
         put("B1", "一月");
         for (int row = 2; row <= 9; ++row) {
@@ -186,8 +186,8 @@ TEST_F(AnyUser, CanUndoAndRedoWhateverWasDone)
         random.seed(seed);
         control.setWorkbook(nullptr);
         control.setMode(GridMode::edit);
-        control.setRowCount(100);
-        control.setColumnCount(30);
+        demand(control.setRowCount(100));
+        demand(control.setColumnCount(30));
         prepare();
         UndoJournal& journal = control.workbook().journal();
         const std::size_t steps = journal.steps();

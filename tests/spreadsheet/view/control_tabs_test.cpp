@@ -14,7 +14,7 @@ class Tabs : public ControlTest {
 protected:
     Tabs()
     {
-        control.setSheetCount(3);
+        demand(control.setSheetCount(3));
         control.refresh();
         control.ask = [this](const QString& asked) {
             question = asked.toStdString();

@@ -53,10 +53,10 @@ TEST(Xls, WhatTheFormatLacksBecomesTheLastValueWithAWarning)
 {
     Workbook workbook, found;
     Sheet& sheet = workbook.sheet(1);
-    sheet.setFormula({1, 1}, "IFERROR(1/0,7)");
-    sheet.setFormula({1, 2}, "SUM(A1:XFD1)");
-    sheet.setFormula({1, 3}, "LEN(\"" + std::string(300, 'x') + "\")");
-    sheet.setFormula({1, 4}, "没有定义+1");
+    demand(sheet.setFormula({1, 1}, "IFERROR(1/0,7)"));
+    demand(sheet.setFormula({1, 2}, "SUM(A1:XFD1)"));
+    demand(sheet.setFormula({1, 3}, "LEN(\"" + std::string(300, 'x') + "\")"));
+    demand(sheet.setFormula({1, 4}, "没有定义+1"));
     workbook.recalculate();
     Warnings warnings, none;
     readXls(writeXls(workbook, warnings), found, none);

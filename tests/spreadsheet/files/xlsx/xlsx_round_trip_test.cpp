@@ -86,7 +86,7 @@ TEST(Xlsx, NumbersAndWidthsComeBackAsNearAsTheFileHoldsThem)
     const std::vector<double> numbers{largest, -largest, 1.0 / 3, 123'456'789'012'345'678.0, 5e-324, 1e-300};
     for (std::size_t i = 0; i < numbers.size(); ++i)
         sheet.setNumber({1, static_cast<int>(i) + 1}, numbers[i]);
-    sheet.setFormula({2, 1}, "A1");
+    demand(sheet.setFormula({2, 1}, "A1"));
     workbook.recalculate();
     constexpr int twipsOfPixel = 15, widths = 250;
     sheet.changeSettings([](SheetSettings& settings) {

@@ -48,7 +48,7 @@ struct FindReplace : testing::Test {
         workbook.setUndoEnabled(true);
         sheet.setText({2, 1}, "应收");
         sheet.setNumber({1, 2}, 1001);
-        sheet.setFormula({3, 2}, "A2*2");
+        demand(sheet.setFormula({3, 2}, "A2*2"));
         sheet.setText({1, 3000}, "应收 1001");
         workbook.recalculateChanged();
     }

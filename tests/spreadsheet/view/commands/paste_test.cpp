@@ -31,15 +31,15 @@ struct Paste : testing::Test {
                                  PasteKind kind = PasteKind::all)
     {
         const auto content = readClipboard(book, data);
-        if (const auto* problem = std::get_if<std::string>(&content))
-            return *problem;
+        if (const auto* problem = std::get_if<Refusal>(&content))
+            return problem->reason();
         const auto plan = planPaste(book.sheet(1), std::get<ClipboardContent>(content), selection);
-        if (const auto* problem = std::get_if<std::string>(&plan))
-            return *problem;
+        if (const auto* problem = std::get_if<Refusal>(&plan))
+            return problem->reason();
         const auto problem =
             paste(book, book.sheet(1), std::get<ClipboardContent>(content), std::get<PastePlan>(plan), kind);
         book.recalculateChanged();
-        return problem.value_or("");
+        return problem.reason();
     }
     Sheet& sheet() { return workbook.sheet(1); }
     std::string shown(CellAddress cell) { return sheet().displayText(cell); }
@@ -227,11 +227,14 @@ TEST_F(Paste, DamagedCellsOfOursAreRefusedWhole)
     EXPECT_EQ(std::get<UnpackedCells>(good).cells.lists->dropDowns, sheet().settings().dropDowns);
     EXPECT_EQ(std::get<UnpackedCells>(good).cells.lists->captions, sheet().settings().captions);
     for (qsizetype length = 0; length < whole.size(); ++length)
-        EXPECT_TRUE(std::holds_alternative<std::string>(unpackCells(workbook, whole.left(length)))) << length;
+        EXPECT_TRUE(std::holds_alternative<Refusal>(unpackCells(workbook, whole.left(length)))) << length;
     for (qsizetype place = 0; place < whole.size(); ++place) {
         QByteArray changed = whole;
         changed[place] = static_cast<char>(~changed[place]);
-        unpackCells(workbook, changed); // no crash; a changed letter is still a text
+        // No crash; a changed letter is still a text.
+        const auto unpacked = unpackCells(workbook, changed);
+        const auto* why = std::get_if<Refusal>(&unpacked);
+        EXPECT_TRUE(!why || *why) << place;
     }
 }
 
