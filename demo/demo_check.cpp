@@ -106,7 +106,7 @@ public:
         if (!run.workbook)
             run = runReport(m_connectionString, idOf(m_reports, figure.report));
         const spreadsheet::Sheet& sheet = run.workbook->sheet(figure.sheet);
-        return numericPrefix(sheet.displayText(demo::cellBeside(sheet, figure.label, figure.columnsRight)));
+        return numericPrefix(sheet.textByType(demo::cellBeside(sheet, figure.label, figure.columnsRight)));
     }
 
 private:

@@ -366,7 +366,11 @@ void frmEditor::exportPdf()
 void frmEditor::copyActiveText()
 {
     const CellAddress cell = m_fps1->activeCell();
-    QApplication::clipboard()->setText(m_fps1->text(cell.column, cell.row));
+    const spreadsheet::Sheet& sheet = m_fps1->workbook().sheet(m_fps1->activeSheet());
+    // Pasted it may be read as a number again, so it is not the text that a number format code makes.
+    const bool showsFormula = !sheet.shownText(cell).empty();
+    const std::string text = showsFormula ? sheet.displayText(cell) : sheet.textByType(cell);
+    QApplication::clipboard()->setText(QString::fromStdString(text));
 }
 
 void frmEditor::pasteIntoActiveCell()

@@ -125,6 +125,15 @@ void restoreType(Sheet& sheet, CellAddress cell, const spreadsheet::Column& befo
 
 } // namespace
 
+void showStoredValues(spreadsheet::Workbook& workbook)
+{
+    if (showsTexts(workbook))
+        forEveryCell(workbook, [](Sheet& sheet, CellAddress cell) {
+            if (!sheet.shownText(cell).empty())
+                showValue(sheet, cell);
+        });
+}
+
 ReportEvaluation::ReportEvaluation(spreadsheet::Workbook& workbook)
     : m_workbook(workbook)
 {

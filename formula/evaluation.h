@@ -12,6 +12,9 @@ namespace selfreport {
 
 class SharedFetches;
 
+/// Cells that were stored while their formulas were shown are as data again: types from the tags.
+void showStoredValues(spreadsheet::Workbook& workbook);
+
 /// Evaluates the report functions of a report's workbook and switches between formulas and data. The workbook
 /// must outlive it. "Every cell" is every cell of every sheet.
 class ReportEvaluation {

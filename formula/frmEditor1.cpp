@@ -1,5 +1,6 @@
 #include "formula/frmEditor1.h"
 
+#include "formula/evaluation.h"
 #include "formula/report_functions.h"
 #include "formula/SharedFetches.h"
 #include "platform/dialogs/UserWait.h"
@@ -23,6 +24,7 @@ void frmEditor1::load(std::span<const std::byte> content)
 {
     spreadsheet::loadContent(fps1, content);
     log = {};
+    showStoredValues(fps1);
     fps1.recalculate();
 }
 

@@ -117,7 +117,7 @@ ReferenceAnswer readReferencedCell(const frmEditor1& hidden, const ReportReferen
     if (*cell.row >= 1 && *cell.row <= sheet.settings().rowCount &&
         cell.column <= sheet.settings().columnCount) {
         const int row = static_cast<int>(*cell.row);
-        answer.text = sheet.displayText({cell.column, row});
+        answer.text = sheet.textByType({cell.column, row});
         if (const DoubtfulFetch* doubtful = hidden.log.doubtfulAt({index, cell.column, row}))
             answer.doubtful = *doubtful;
     }

@@ -25,7 +25,7 @@ struct ReportReference {
 
 /// What one inter-report fetch gave.
 struct ReferenceAnswer {
-    std::string text;                      ///< as the referenced cell shows it
+    std::string text;                      ///< as type and decimals of the referenced cell give it
     std::string reason;                    ///< why there is no text; empty otherwise
     std::optional<DoubtfulFetch> doubtful; ///< the referenced cell's own ledger fetch, if it is in doubt
 };
@@ -52,7 +52,8 @@ std::optional<std::vector<std::byte>> storedContent(Connection& connection, std:
 std::optional<std::vector<std::byte>> fetchedContent(std::unique_ptr<Connection>& connection,
                                                      const std::string& report);
 
-/// What the referenced cell of a loaded report shows. Row 0 or a cell beyond the sheet reads as empty.
+/// What the referenced cell of a loaded report hands over: number format codes change only what is seen and
+/// printed. Row 0 or a cell beyond the sheet reads as empty.
 ReferenceAnswer readReferencedCell(const frmEditor1& hidden, const ReportReference& reference);
 
 /// "没有名为“资产负债表”的报表"

@@ -2,6 +2,7 @@
 
 #include "spreadsheet/engine/display_text.h"
 #include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/functions/Call.h"
 
 #include <cmath>
 
@@ -64,7 +65,7 @@ std::int64_t FunctionCall::parameterInteger(int number) const
 
 void FunctionCall::setResult(std::string_view text)
 {
-    if (const auto number = numberOfGroupedText(text))
+    if (const auto number = figureOfText(text))
         m_result = Value(Text::countedAs(text, *number));
     else
         m_result = Value::text(text);

@@ -50,7 +50,8 @@ public:
     std::int64_t parameterInteger(int parameter) const;
 
     void setResult(double number) { m_result = Value(number); }
-    /// A text that wholly reads as a number, grouping commas included, also counts as that number in sums.
+    /// A text that wholly reads as a figure, be it grouped, a percentage or an amount of money, also counts
+    /// as that number in ranges.
     void setResult(std::string_view text);
     void setResult(CellError error) { m_result = Value(error); }
     void setStatus(int status) { m_status = status; }

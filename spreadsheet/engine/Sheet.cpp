@@ -63,6 +63,11 @@ std::string Sheet::displayText(CellAddress cell) const
     return spreadsheet::displayText(value(cell), style(cell), m_workbook.countsFrom1904());
 }
 
+std::string Sheet::textByType(CellAddress cell) const
+{
+    return spreadsheet::textByType(value(cell), style(cell), m_workbook.countsFrom1904());
+}
+
 bool Sheet::hasFormula(CellAddress cell) const
 {
     const Column* cells = column(cell.column);

@@ -39,6 +39,8 @@ public:
     Value value(CellAddress cell) const;
     /// What the cell shows: its shown text if it has one, else its value as its type shows it.
     std::string displayText(CellAddress cell) const;
+    /// What the cell hands on: its value as type and decimals give it, whatever it shows.
+    std::string textByType(CellAddress cell) const;
     bool hasFormula(CellAddress cell) const;
     /// Letter by letter as it was typed, without "="; empty for a constant.
     std::string formula(CellAddress cell) const;

@@ -143,18 +143,27 @@ std::string generalNumberText(double number)
 
 std::string displayText(const Value& value, const CellStyle& style, bool from1904)
 {
-    if (value.isEmpty())
-        return {};
-    if (value.isError())
-        return std::string(errorText(value.error()));
-    if (!style.numberFormat.empty()) {
+    if (!style.numberFormat.empty() && !value.isEmpty() && !value.isError()) {
         if (auto text = formattedCell(value, style.numberFormat.view(), from1904))
             return std::move(*text);
     }
-    if (value.isNumber())
+    return textByType(value, style, from1904);
+}
+
+std::string textByType(const Value& value, const CellStyle& style, bool from1904)
+{
+    switch (value.kind()) {
+    case ValueKind::empty:
+        return {};
+    case ValueKind::error:
+        return std::string(errorText(value.error()));
+    case ValueKind::number:
         return numberText(value.number(), style, from1904);
-    if (value.isBoolean())
+    case ValueKind::boolean:
         return value.boolean() ? "TRUE" : "FALSE";
+    case ValueKind::text:
+        break;
+    }
     return std::string(value.textView());
 }
 

@@ -16,6 +16,10 @@ namespace spreadsheet {
 /// `from1904`: how the workbook counts days.
 std::string displayText(const Value& value, const CellStyle& style, bool from1904 = false);
 
+/// The same by type and decimals alone: what a cell hands on where its text may be read as a number again.
+/// A number format code changes only what is seen and printed.
+std::string textByType(const Value& value, const CellStyle& style, bool from1904 = false);
+
 /// A number in at most 15 significant digits, as cells without a number type show it; with an exponent
 /// from 1E+21 on and where a number below 1 would take more than 20 characters.
 std::string generalNumberText(double number);

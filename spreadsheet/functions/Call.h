@@ -126,8 +126,10 @@ Value toText(const Value& value);
 /// A value as truth value: numbers other than 0, the texts "TRUE" and "FALSE".
 Value toBoolean(const Value& value);
 
-/// A text as a number: plain or grouped digits, currency sign, brackets for minus, percentage, date,
-/// time; nothing if it reads as none of them.
+/// A text as a figure: plain or grouped digits, currency sign, brackets for minus, percentage; nothing if it
+/// reads as none of them.
+std::optional<double> figureOfText(std::string_view text);
+/// A text as a number: a figure, a fraction, date or time.
 std::optional<double> numberOfText(std::string_view text);
 
 /// The number that a value is where ranges are summed: a number, or a text that counts as one.

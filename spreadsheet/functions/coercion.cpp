@@ -101,15 +101,18 @@ int sign(int order)
 
 } // namespace
 
+std::optional<double> figureOfText(std::string_view text)
+{
+    text = trimmedBlanks(text);
+    const auto plain = parseNumber(text);
+    return plain || text.empty() ? plain : decoratedNumber(text);
+}
+
 std::optional<double> numberOfText(std::string_view text)
 {
     text = trimmedBlanks(text);
-    if (text.empty())
-        return std::nullopt;
-    if (const auto plain = parseNumber(text))
-        return plain;
-    if (const auto decorated = decoratedNumber(text))
-        return decorated;
+    if (const auto figure = figureOfText(text))
+        return figure;
     if (const auto fraction = mixedFraction(text))
         return fraction;
     return parseDateTime(text);

@@ -126,4 +126,26 @@ TEST_F(DesignerRefusals, TheToolbarsPasteSaysWhyAndKeepsTheCell)
     }
 }
 
+TEST_F(DesignerRefusals, WhatIsCopiedMayBeReadAsANumberAgain)
+{
+    spreadsheet::CellStyle style;
+    style.type = spreadsheet::CellType::number;
+    style.decimals = 2;
+    style.numberFormat = spreadsheet::Text("[Red]#,##0.0,");
+    for (const int row : {1, 2})
+        grid().sheet().setStyle({1, row}, style);
+    grid().sheet().setNumber({1, 1}, -1234567.891);
+    moveTo(1, 1);
+    window->copyActiveText();
+    EXPECT_EQ(QApplication::clipboard()->text(), "-1234567.89");
+    moveTo(1, 2);
+    window->pasteIntoActiveCell();
+    EXPECT_EQ(grid().sheet().value({1, 2}), spreadsheet::Value(-1234567.89));
+    grid().sheet().setStyle({2, 10}, style); // shows its formula
+    moveTo(2, 10);
+    trigger("MenuShowFormula");
+    window->copyActiveText();
+    EXPECT_EQ(QApplication::clipboard()->text(), "ROW()*1");
+}
+
 } // namespace selfreport

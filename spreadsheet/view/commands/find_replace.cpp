@@ -3,6 +3,7 @@
 #include "spreadsheet/engine/display_text.h"
 #include "spreadsheet/engine/typed_text.h"
 #include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/view/commands/edited_text.h"
 
 #include <algorithm>
 
@@ -124,8 +125,10 @@ bool replaceCell(Workbook& workbook, Sheet& sheet, CellAddress cell, const TextS
         return text && text->starts_with('=') && text->size() > 1 && !sheet.setFormula(cell, *text);
     }
     const Value value = sheet.value(cell);
-    const std::string shown = value.isText() ? std::string(value.textView()) : sheet.displayText(cell);
-    const auto text = search.replaced(shown, replacement);
+    // A number is replaced in what the editor shows of it: what the cell shows may be rounded or scaled.
+    const std::string whole =
+        value.isText() ? std::string(value.textView()) : editedText(workbook, sheet, cell);
+    const auto text = search.replaced(whole, replacement);
     if (!text)
         return false;
     if (value.isText() && typedConstant(*text).value.isText() && !text->starts_with('=')) {

@@ -100,4 +100,31 @@ TEST_F(FindReplace, ReplacesInOneStepAndKeepsWhatWouldBreak)
     EXPECT_EQ(sheet.formula({3, 2}), "A3*3");
 }
 
+TEST_F(FindReplace, NumbersKeepTheDigitsThatTheirCellsDoNotShow)
+{
+    CellStyle thousands, rounded, percent;
+    thousands.numberFormat = Text("0.00,");
+    rounded.type = CellType::number;
+    rounded.decimals = 2;
+    percent.type = CellType::percent;
+    const struct {
+        CellStyle style;
+        double number;
+        const char *what, *by;
+        double becomes; ///< the same: it is kept
+    } cases[] = {
+        {thousands, 1234567, "4567", "8", 1238},
+        {thousands, 1234567, "4.57", "8", 1234567},
+        {rounded, 1234.5678, "12", "9", 934.5678},
+        {percent, 0.12345678, "12.", "9.", 0.09345678},
+    };
+    for (const auto& c : cases) {
+        sheet.setStyle({4, 1}, c.style);
+        sheet.setNumber({4, 1}, c.number);
+        const Replacement done = replaceIn(workbook, sheet, {{4, 1}}, {c.what}, c.by);
+        EXPECT_DOUBLE_EQ(sheet.value({4, 1}).number(), c.becomes) << c.what;
+        EXPECT_EQ(done.kept.size(), c.becomes == c.number ? 1U : 0U) << c.what;
+    }
+}
+
 } // namespace spreadsheet
