@@ -137,7 +137,7 @@ std::vector<std::string> saveWorkbook(const Workbook& workbook, const std::files
         put(writeXls(workbook, warnings));
         break;
     case FileFormat::xlsx:
-        writeXlsx(workbook, pending.path(), warnings);
+        put(writeXlsx(workbook, warnings));
         break;
     case FileFormat::csv:
         put(workbookCsv(workbook));

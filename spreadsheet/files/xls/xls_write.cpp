@@ -1,6 +1,7 @@
 #include "spreadsheet/files/xls/xls_write.h"
 
 #include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/exchange/SharedTexts.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/ole2/CompoundFile.h"
 #include "spreadsheet/files/xls/records.h"
@@ -32,6 +33,18 @@ void requireSize(const Sheet& sheet)
                            " 列,.xls 最多 256 列 (IV),请引出为 .xlsx");
 }
 
+void writeTexts(const SharedTexts& texts, RecordWriter& writer)
+{
+    writer.begin(xls::sharedTexts);
+    writer.put32(texts.uses());
+    writer.put32(static_cast<std::uint32_t>(texts.texts().size()));
+    for (const std::string_view text : texts.texts()) {
+        const std::u16string units = utf16Of(text);
+        writer.putContinuedText(std::u16string_view(units).substr(0, mostTextCharacters));
+    }
+    writer.end();
+}
+
 class WorkbookWriter {
 public:
     WorkbookWriter(const Workbook& workbook, Warnings& warnings)
@@ -54,8 +67,8 @@ public:
             m_writer.putBytes(sheets[sheet]);
             sheets[sheet] = {};
         }
-        if (m_parts.texts.hasCut())
-            m_parts.warnings.add("超过 32,767 个字的文本只写出前面部分");
+        if (m_parts.texts.hasLonger())
+            m_parts.warnings.add(longTextWarning);
         return m_writer.take();
     }
 
@@ -78,7 +91,7 @@ private:
         for (int sheet = 1; sheet <= m_parts.workbook.sheetCount(); ++sheet)
             notes.push_back(m_parts.workbook.sheet(sheet).settings().notes.size());
         writeDrawingGroup(notes, m_writer);
-        m_parts.texts.write(m_writer);
+        writeTexts(m_parts.texts, m_writer);
         m_writer.begin(xls::endOfFile);
         m_writer.end();
     }

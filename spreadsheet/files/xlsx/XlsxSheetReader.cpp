@@ -1,6 +1,7 @@
 #include "spreadsheet/files/xlsx/XlsxSheetReader.h"
 
 #include "spreadsheet/engine/date_serial.h"
+#include "spreadsheet/engine/number_text.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/column_widths.h"
 #include "spreadsheet/files/exchange/header_codes.h"
@@ -11,9 +12,8 @@
 #include "spreadsheet/formula/FormulaPool.h"
 
 #include <algorithm>
-#include <charconv>
+#include <array>
 #include <cmath>
-#include <sstream>
 
 namespace spreadsheet {
 
@@ -27,37 +27,35 @@ int twips(double points)
     return points >= 0 && points <= 409.5 ? static_cast<int>(std::lround(points * twipsOfPoint)) : 0;
 }
 
-std::optional<double> numberOf(std::string_view text)
-{
-    double number = 0;
-    while (!text.empty() && text.front() == ' ')
-        text.remove_prefix(1);
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end == text.data() || !std::isfinite(number))
-        return std::nullopt;
-    return number;
-}
-
 /// "2026-12-31T13:45:00" as a serial number.
 std::optional<double> dateOf(std::string_view text)
 {
-    int year = 0, month = 0, day = 0, hour = 0, minute = 0;
-    double second = 0;
-    const std::string copy(text);
-    const int read =
-        std::sscanf(copy.c_str(), "%4d-%2d-%2dT%2d:%2d:%lf", &year, &month, &day, &hour, &minute, &second);
-    const auto serial = read >= 3 ? serialOfDay(year, month, day) : std::nullopt;
-    return serial ? std::optional(*serial + (hour * 3600 + minute * 60 + second) / 86400.0) : std::nullopt;
+    std::array<double, 6> parts{}; // year, month, day, hour, minute, second
+    std::size_t read = 0;
+    for (; read < parts.size() && !text.empty(); ++read) {
+        const std::size_t end = std::min(text.find_first_of("-T:Z"), text.size());
+        const auto number = parseNumber(text.substr(0, end));
+        if (!number || *number < 0 || *number > 9999)
+            break;
+        parts[read] = *number;
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    if (read < 3)
+        return std::nullopt;
+    const auto serial =
+        serialOfDay(static_cast<int>(parts[0]), static_cast<int>(parts[1]), static_cast<int>(parts[2]));
+    return serial ? std::optional(*serial + (parts[3] * 3600 + parts[4] * 60 + parts[5]) / 86400.0)
+                  : std::nullopt;
 }
 
 } // namespace
 
-XlsxSheetReader::XlsxSheetReader(Workbook& workbook, Sheet& sheet, XlsxStyles& styles,
-                                 const std::vector<Text>& texts, Warnings& warnings)
+XlsxSheetReader::XlsxSheetReader(Workbook& workbook, Sheet& sheet, XlsxStyles& styles, const XlsxBook& book,
+                                 Warnings& warnings)
     : m_workbook(workbook)
     , m_sheet(sheet)
     , m_styles(styles)
-    , m_texts(texts)
+    , m_book(book)
     , m_warnings(warnings)
     , m_sheetId([&workbook](std::string_view name) {
         const int index = workbook.sheetIndex(name);
@@ -91,14 +89,14 @@ void XlsxSheetReader::reach(const CellRange& range)
 
 void XlsxSheetReader::sizes(pugi::xml_node root)
 {
-    constexpr double usualDigits = 8, margin = 5;
+    constexpr double usualDigits = 8, margin = 5, usualHeight = 15;
     constexpr int twipsOfPixel = 15;
     const pugi::xml_node format = childNamed(root, "sheetFormatPr");
     m_settings.rows.defaultSize =
-        std::max(1, twips(attributeNamed(format, "defaultRowHeight").as_double(15)));
-    const double digits = attributeNamed(format, "defaultColWidth").as_double();
+        std::max(1, twips(numberOf(attributeNamed(format, "defaultRowHeight"), usualHeight)));
+    const double digits = numberOf(attributeNamed(format, "defaultColWidth"));
     const double pixels =
-        attributeNamed(format, "baseColWidth").as_double(usualDigits) * m_digitPixels + margin;
+        numberOf(attributeNamed(format, "baseColWidth"), usualDigits) * m_digitPixels + margin;
     m_settings.columns.defaultSize =
         digits > 0 ? columnTwips(digits, m_digitPixels)
                    : static_cast<int>(std::ceil(std::clamp(pixels, 8.0, 2000.0) / 8) * 8) * twipsOfPixel;
@@ -111,7 +109,7 @@ void XlsxSheetReader::columnSizes(pugi::xml_node node)
     if (first < 1 || last < first || first > maxColumns)
         return;
     const pugi::xml_attribute width = attributeNamed(node, "width");
-    const int size = columnTwips(width.as_double(), m_digitPixels);
+    const int size = columnTwips(numberOf(width), m_digitPixels);
     const bool isHidden = isTrue(attributeNamed(node, "hidden")) || (width && size == 0);
     const std::uint32_t style = m_styles.style(attributeNamed(node, "style").as_uint(), m_isProtected);
     const bool isStyled = attributeNamed(node, "style").as_uint() != 0 && style != 0;
@@ -162,7 +160,7 @@ void XlsxSheetReader::rows(pugi::xml_node data)
 
 void XlsxSheetReader::rowSettings(pugi::xml_node node, int row)
 {
-    const int height = twips(attributeNamed(node, "ht").as_double());
+    const int height = twips(numberOf(attributeNamed(node, "ht")));
     if (height > 0 && height != m_settings.rows.defaultSize)
         m_settings.rows.sizes[row] = height;
     if (isTrue(attributeNamed(node, "hidden")))
@@ -195,37 +193,47 @@ void XlsxSheetReader::cell(pugi::xml_node node, CellAddress at)
 
 Value XlsxSheetReader::value(pugi::xml_node node, pugi::xml_node valueNode) const
 {
-    const std::string_view type = attributeNamed(node, "t").as_string("n");
-    const char* const text = valueNode.text().get();
+    const std::string_view type = attributeNamed(node, "t").as_string("n"), text = valueNode.text().get();
     if (type == "s") {
-        const auto number = static_cast<std::size_t>(valueNode.text().as_ullong(m_texts.size()));
-        if (number >= m_texts.size())
+        const auto number = static_cast<std::size_t>(valueNode.text().as_ullong(m_book.texts.size()));
+        if (number >= m_book.texts.size())
             m_warnings.add("有单元格的文本编号超出文本表,按空白引入");
-        return number < m_texts.size() && !m_texts[number].empty() ? Value(m_texts[number]) : Value();
+        return number < m_book.texts.size() && !m_book.texts[number].empty() ? Value(m_book.texts[number])
+                                                                             : Value();
     }
     if (type == "inlineStr") {
         const std::string rich = richText(valueNode);
         return rich.empty() ? Value() : Value(m_workbook.texts().intern(rich));
     }
     if (type == "str")
-        return textResult(text);
+        return textResult(textOf(valueNode));
     if (type == "b")
-        return Value::boolean(valueNode.text().as_int() != 0);
+        return Value::boolean(text == "1" || text == "true");
     if (type == "e")
         return parseErrorText(text).value_or(CellError::value);
-    const std::optional<double> number = type == "d" ? dateOf(text) : numberOf(text);
-    return number ? Value(*number) : Value();
+    return numberValue(text, type == "d");
 }
 
-/// Some programs write errors and truth values of formulas as texts.
+Value XlsxSheetReader::numberValue(std::string_view text, bool isDate) const
+{
+    if (text.find_first_not_of(" \t\r\n") == std::string_view::npos)
+        return {};
+    if (const std::optional<double> number = isDate ? dateOf(text) : fileNumber(text))
+        return *number;
+    m_warnings.add("有单元格的数字看不懂,按文本引入");
+    return Value::text(text);
+}
+
+/// Programs that leave all computing to the reader write errors and truth values of formulas as texts.
 Value XlsxSheetReader::textResult(std::string_view text) const
 {
-    if (const auto error = parseErrorText(text))
-        return *error;
-    if (text == "TRUE" || text == "FALSE")
-        return Value::boolean(text == "TRUE");
-    return text.find("_x") == std::string_view::npos ? Value(m_workbook.texts().intern(text))
-                                                     : Value::text(withoutEscapes(text));
+    if (m_book.leavesComputing) {
+        if (const auto error = parseErrorText(text))
+            return *error;
+        if (text == "TRUE" || text == "FALSE")
+            return Value::boolean(text == "TRUE");
+    }
+    return m_workbook.texts().intern(text);
 }
 
 std::uint32_t XlsxSheetReader::interned(std::string_view text, CellAddress at, bool isArray)
@@ -244,7 +252,8 @@ std::uint32_t XlsxSheetReader::interned(std::string_view text, CellAddress at, b
 
 void XlsxSheetReader::formula(pugi::xml_node node, CellAddress at, const Column::Place& place)
 {
-    const std::string_view kind = attributeNamed(node, "t").value(), text = node.text().get();
+    const std::string_view kind = attributeNamed(node, "t").value();
+    const std::string text = textOf(node);
     if (kind == "dataTable") {
         m_warnings.add("模拟运算表保留了上次算出的值");
         return;
@@ -256,7 +265,7 @@ void XlsxSheetReader::formula(pugi::xml_node node, CellAddress at, const Column:
             m_arrays.push_back({own, number});
         return;
     }
-    if (parseErrorText(text)) // a constant that could only be written as a formula
+    if (m_book.leavesComputing && parseErrorText(text)) // a constant that could only be written as a formula
         return;
     std::uint32_t number = 0;
     if (kind == "shared") {
@@ -316,7 +325,8 @@ void XlsxSheetReader::spans(pugi::xml_node root)
 void XlsxSheetReader::lists(pugi::xml_node root)
 {
     eachChild(childNamed(root, "dataValidations"), "dataValidation", [this](pugi::xml_node node) {
-        const std::string_view text = childNamed(node, "formula1").text().get();
+        const std::string all = textOf(childNamed(node, "formula1"));
+        const std::string_view text = all;
         const bool isLiteral = text.size() > 2 && text.front() == '"' && text.back() == '"';
         if (std::string_view(attributeNamed(node, "type").value()) != "list" || !isLiteral)
             return;
@@ -327,8 +337,7 @@ void XlsxSheetReader::lists(pugi::xml_node root)
                 ++i;
         }
         const DropDownEntries entries(listEntries(plain, ','));
-        std::istringstream ranges(attributeNamed(node, "sqref").value());
-        for (std::string name; ranges >> name;) {
+        for (const std::string& name : listEntries(attributeNamed(node, "sqref").value(), ' ')) {
             if (const auto range = parseRangeName(name))
                 m_lists.push_back({*range, entries});
         }
@@ -338,8 +347,8 @@ void XlsxSheetReader::lists(pugi::xml_node root)
 std::string XlsxSheetReader::headerText(pugi::xml_node node) const
 {
     const CellFont font = m_styles.defaultFont();
-    return readForeignHeader(node.text().get(),
-                             {m_sheet.name(), std::string(font.family.view()), font.points}, m_warnings);
+    return readForeignHeader(textOf(node), {m_sheet.name(), std::string(font.family.view()), font.points},
+                             m_warnings);
 }
 
 void XlsxSheetReader::breaks(pugi::xml_node node, std::map<int, bool>& starts, int last)
@@ -356,7 +365,7 @@ void XlsxSheetReader::print(pugi::xml_node root)
     PrintSettings& print = m_settings.print;
     if (const pugi::xml_node margins = childNamed(root, "pageMargins")) {
         const auto margin = [&](const char* side) {
-            const double inches = attributeNamed(margins, side).as_double();
+            const double inches = numberOf(attributeNamed(margins, side));
             return inches >= 0 && inches <= 49 ? static_cast<int>(std::lround(inches * twipsOfInch)) : 0;
         };
         print.marginLeft = margin("left");

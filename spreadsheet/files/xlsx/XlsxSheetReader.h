@@ -11,10 +11,17 @@
 
 namespace spreadsheet {
 
+/// What the sheets of a read .xlsx file share.
+struct XlsxBook {
+    std::vector<Text> texts;
+    /// Asks to be computed as soon as it is opened, so that the results in it need not tell their kinds.
+    bool leavesComputing = false;
+};
+
 /// Reads the XML of one worksheet into a fresh sheet.
 class XlsxSheetReader {
 public:
-    XlsxSheetReader(Workbook& workbook, Sheet& sheet, XlsxStyles& styles, const std::vector<Text>& texts,
+    XlsxSheetReader(Workbook& workbook, Sheet& sheet, XlsxStyles& styles, const XlsxBook& book,
                     Warnings& warnings);
     /// @throws ContentError
     void read(pugi::xml_node root);
@@ -30,6 +37,7 @@ private:
     void rowSettings(pugi::xml_node node, int row);
     void cell(pugi::xml_node node, CellAddress at);
     Value value(pugi::xml_node node, pugi::xml_node value) const;
+    Value numberValue(std::string_view text, bool isDate) const;
     Value textResult(std::string_view text) const;
     void formula(pugi::xml_node node, CellAddress at, const Column::Place& place);
     std::uint32_t interned(std::string_view text, CellAddress at, bool isArray);
@@ -50,7 +58,7 @@ private:
     Workbook& m_workbook;
     Sheet& m_sheet;
     XlsxStyles& m_styles;
-    const std::vector<Text>& m_texts;
+    const XlsxBook& m_book;
     Warnings& m_warnings;
     SheetResolver m_sheetId;
     SheetSettings m_settings;

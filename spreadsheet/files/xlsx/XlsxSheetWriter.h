@@ -1,68 +1,36 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
-#include "spreadsheet/files/exchange/Warnings.h"
-#include "spreadsheet/formula/Lexer.h"
+#include "spreadsheet/files/xlsx/XlsxParts.h"
+#include "spreadsheet/files/xlsx/XmlWriter.h"
 
-#include <string>
-#include <vector>
-
-struct lxw_format;
-struct lxw_workbook;
-struct lxw_worksheet;
+#include <map>
 
 namespace spreadsheet {
 
-/// Gives styles their formats in a written .xlsx file.
-class XlsxFormats {
-public:
-    XlsxFormats(const StylePool& pool, lxw_workbook* book, Warnings& warnings);
-    lxw_format* format(std::uint32_t style);
-
-private:
-    lxw_format* made(const CellStyle& style);
-
-    const StylePool& m_pool;
-    lxw_workbook* m_book;
-    Warnings& m_warnings;
-    std::vector<lxw_format*> m_formats; ///< by style; null: none yet
-};
-
-struct XlsxSheetSource {
-    const Workbook& workbook;
-    const Sheet& sheet;
-    XlsxFormats& formats;
-    const SheetResolver& sheetId;
-    Warnings& warnings;
-};
-
-/// Writes one sheet into a written .xlsx file.
+/// Writes one sheet, but for its notes, into a written .xlsx file.
 class XlsxSheetWriter {
 public:
-    XlsxSheetWriter(const XlsxSheetSource& source, lxw_worksheet* target);
+    /// @param notes  the relation under which the sheet has its notes' drawing; empty: none
+    XlsxSheetWriter(XlsxParts& parts, const Sheet& sheet, std::string notes, XmlWriter& xml);
     void write();
 
 private:
+    void view();
+    void panes();
     void sizes();
     void columns();
-    std::vector<bool> namedRows() const;
-    void rows();
     void spans();
-    void cells();
-    void cell(CellAddress at, const CellBlock& block, int index);
-    void constant(CellAddress at, const Value& value, lxw_format* format);
-    void formula(CellAddress at, std::uint32_t number, const Value& value, lxw_format* format);
-    void print();
-    void headers();
-    void breaks();
-    void notes();
     void lists();
-    void protect();
+    void print();
+    void margins();
+    void pageSetup();
+    void headers();
+    void breaks(const char* name, const std::map<int, bool>& starts, int across);
 
-    const XlsxSheetSource m_source;
+    XlsxParts& m_parts;
+    const Sheet& m_sheet;
     const SheetSettings& m_settings;
-    lxw_worksheet* m_target;
-    double m_digitPixels;
-    bool m_hasLocked = false;
+    const std::string m_notes;
+    XmlWriter& m_xml;
 };
 
 } // namespace spreadsheet

@@ -76,7 +76,7 @@ void XlsxStyles::readTheme(pugi::xml_node root)
 
 Colour XlsxStyles::colour(pugi::xml_node node) const
 {
-    const double tint = std::clamp(attributeNamed(node, "tint").as_double(), -1.0, 1.0);
+    const double tint = std::clamp(numberOf(attributeNamed(node, "tint")), -1.0, 1.0);
     if (const pugi::xml_attribute rgb = attributeNamed(node, "rgb"))
         return tinted(hexColour(rgb.value()), tint);
     if (const pugi::xml_attribute theme = attributeNamed(node, "theme")) {
@@ -91,8 +91,10 @@ Colour XlsxStyles::colour(pugi::xml_node node) const
 XlsxStyles::Font XlsxStyles::font(pugi::xml_node node) const
 {
     Font font;
-    font.look.family = Text(attributeNamed(childNamed(node, "name"), "val").value());
-    font.look.points = std::clamp(attributeNamed(childNamed(node, "sz"), "val").as_float(11), 1.0f, 409.0f);
+    font.look.family = Text(textOf(attributeNamed(childNamed(node, "name"), "val")));
+    constexpr double usualPoints = 11;
+    font.look.points = static_cast<float>(
+        std::clamp(numberOf(attributeNamed(childNamed(node, "sz"), "val"), usualPoints), 1.0, 409.0));
     font.look.bold = flag(node, "b");
     font.look.italic = flag(node, "i");
     font.look.strikeThrough = flag(node, "strike");
@@ -136,7 +138,7 @@ void XlsxStyles::read(pugi::xml_node root)
         ++number;
     });
     eachChild(childNamed(root, "numFmts"), "numFmt", [this](pugi::xml_node node) {
-        m_formats[attributeNamed(node, "numFmtId").as_int()] = attributeNamed(node, "formatCode").value();
+        m_formats[attributeNamed(node, "numFmtId").as_int()] = textOf(attributeNamed(node, "formatCode"));
     });
     eachChild(childNamed(root, "fonts"), "font",
               [this](pugi::xml_node node) { m_fonts.push_back(font(node)); });

@@ -36,6 +36,8 @@ public:
         readTexts(relations);
         m_workbook.setCountsFrom1904(
             isTrue(attributeNamed(childNamed(book->root(), "workbookPr"), "date1904")));
+        m_shared.leavesComputing =
+            isTrue(attributeNamed(childNamed(book->root(), "calcPr"), "fullCalcOnLoad"));
         nameSheets(childNamed(book->root(), "sheets"));
         defineNames(childNamed(book->root(), "definedNames"));
         for (const Tab& tab : m_tabs)
@@ -71,7 +73,7 @@ private:
         if (!xml)
             return;
         eachChild(xml->root(), "si", [this](pugi::xml_node node) {
-            m_texts.emplace_back(richText(node));
+            m_shared.texts.emplace_back(richText(node));
             if (childNamed(node, "r"))
                 m_warnings.add("单元格内各段文字的不同字体没有保留,按单元格的字体显示");
         });
@@ -87,7 +89,7 @@ private:
             if (count == maxSheets)
                 m_warnings.add("工作表超过 256 张,其余的没有引入");
             else
-                tab.sheet = addSheet(attributeNamed(node, "name").value(), ++count);
+                tab.sheet = addSheet(textOf(attributeNamed(node, "name")), ++count);
             m_tabs.push_back(std::move(tab));
         });
         requireFile(count > 0, "没有工作表");
@@ -111,12 +113,12 @@ private:
         constexpr int mostNames = 4096; // each definition looks for circles among all
         int count = 0;
         eachChild(names, "definedName", [&](pugi::xml_node node) {
-            const std::string name = attributeNamed(node, "name").value();
+            const std::string name = textOf(attributeNamed(node, "name"));
             if (name.starts_with("_xlnm.Print_Area"))
                 m_warnings.add("打印区域没有引入,按已用区域打印");
             if (name.starts_with("_xlnm.") || isTrue(attributeNamed(node, "function")) || ++count > mostNames)
                 return;
-            if (const auto problem = m_workbook.defineName(name, plainFormula(node.text().get())))
+            if (const Refusal problem = m_workbook.defineName(name, plainFormula(textOf(node))))
                 m_warnings.add("名称“" + name + "”没有引入: " + problem.reason());
         });
     }
@@ -133,7 +135,7 @@ private:
             m_warnings.add("“" + sheet.name() + "”不是工作表,引入为空表");
             return;
         }
-        XlsxSheetReader reader(m_workbook, sheet, m_styles, m_texts, m_warnings);
+        XlsxSheetReader reader(m_workbook, sheet, m_styles, m_shared, m_warnings);
         reader.read(xml->root());
         if (const auto comments = Relations(m_archive, *path).byKind("/comments")) {
             if (const auto commentXml = XmlPart::read(m_archive, *comments))
@@ -185,7 +187,7 @@ private:
     Warnings& m_warnings;
     std::optional<XmlPart> m_styleXml; ///< the styles point into it
     XlsxStyles m_styles;
-    std::vector<Text> m_texts;
+    XlsxBook m_shared;
     std::vector<Tab> m_tabs;
 };
 

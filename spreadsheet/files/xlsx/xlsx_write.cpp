@@ -2,90 +2,239 @@
 
 #include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/exchange/unicode_text.h"
+#include "spreadsheet/files/xlsx/ArchiveWriter.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
+#include "spreadsheet/files/xlsx/xlsx_names.h"
+#include "spreadsheet/files/xlsx/xlsx_notes.h"
+#include "spreadsheet/files/xlsx/XlsxParts.h"
 #include "spreadsheet/files/xlsx/XlsxSheetWriter.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/formula/NameTable.h"
-
-#include <memory>
-#include <xlsxwriter.h>
 
 namespace spreadsheet {
 
 namespace {
 
-/// Closing writes the file; a book that is never closed leaks.
-class Book {
-public:
-    explicit Book(const std::filesystem::path& file)
-    {
-        m_folder = file.parent_path().string();
-        lxw_workbook_options options{0, m_folder.empty() ? nullptr : m_folder.data(), 1};
-        m_book = workbook_new_opt(file.c_str(), &options);
-        if (!m_book)
-            throw ContentError("无法写入 .xlsx 文件: 内存不足");
-    }
-    ~Book()
-    {
-        if (m_book)
-            lxw_workbook_free(m_book);
-    }
-    Book(const Book&) = delete;
-    Book& operator=(const Book&) = delete;
+constexpr std::string_view sheetStart = "worksheets/sheet", notesStart = "comments",
+                           boxesStart = "drawings/vmlDrawing", folder = "xl/";
+constexpr const char* notesRelation = "rId2";
+constexpr const char* boxesRelation = "rId1";
 
-    lxw_workbook* get() { return m_book; }
-    void close()
+std::string inFolder(const std::string& part)
+{
+    return std::string(folder) + part;
+}
+
+void requireSheetName(const std::string& name)
+{
+    constexpr std::size_t mostCharacters = 31;
+    const bool fits = !name.empty() && utf16Of(name).size() <= mostCharacters &&
+                      name.find_first_of("[]:*?/\\") == std::string::npos && !name.starts_with('\'') &&
+                      !name.ends_with('\'');
+    if (!fits)
+        throw ContentError("表名“" + name + "”在 .xlsx 中不能使用,请改短(最多 31 个字)后再引出");
+}
+
+/// Programs that know no report functions would make errors of them, so nothing asks for a recalculation.
+class XlsxWriter {
+public:
+    XlsxWriter(const Workbook& workbook, Warnings& warnings)
+        : m_workbook(workbook)
+        , m_parts(workbook, warnings)
     {
-        const lxw_error error = workbook_close(std::exchange(m_book, nullptr));
-        if (error != LXW_NO_ERROR)
-            throw ContentError("无法写入 .xlsx 文件: 磁盘可能已满,或临时文件夹不能写");
+        for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet) {
+            requireSheetName(workbook.sheet(sheet).name());
+            m_notes.push_back(writtenNotes(workbook.sheet(sheet).settings(), warnings));
+        }
+    }
+
+    std::vector<std::byte> write()
+    {
+        // The list of contents first: by it other programs tell what the file is.
+        m_archive.part("[Content_Types].xml", [this](XmlWriter& xml) { contentTypes(xml); });
+        m_archive.part("_rels/.rels", [](XmlWriter& xml) {
+            xml.open("Relationships").attribute("xmlns", xlsx::packageSpace);
+            relation(xml, "rId1", "officeDocument", "xl/workbook.xml");
+            xml.close();
+        });
+        for (int sheet = 1; sheet <= m_workbook.sheetCount(); ++sheet)
+            writeSheet(sheet);
+        // Behind the sheets, which alone tell what looks and texts they use.
+        m_archive.part("xl/styles.xml", [this](XmlWriter& xml) { m_parts.styles.write(xml); });
+        m_archive.part("xl/sharedStrings.xml", [this](XmlWriter& xml) { texts(xml); });
+        m_archive.part("xl/workbook.xml", [this](XmlWriter& xml) { book(xml); });
+        m_archive.part("xl/_rels/workbook.xml.rels", [this](XmlWriter& xml) { bookRelations(xml); });
+        return m_archive.take();
     }
 
 private:
-    std::string m_folder; ///< temporary files stand beside the file
-    lxw_workbook* m_book = nullptr;
-};
-
-void writeNames(const Workbook& workbook, lxw_workbook* book, const SheetResolver& sheetId,
-                Warnings& warnings)
-{
-    for (int number = 0; number < workbook.names().size(); ++number) {
-        const NameTable::Entry& entry = workbook.names()[number];
-        if (entry.formula == 0)
-            continue;
-        const std::string formula =
-            "=" + portableFormula(workbook.formulas().text(entry.formula, {1, 1}), {1, 1}, sheetId);
-        if (workbook_define_name(book, entry.name.c_str(), formula.c_str()) != LXW_NO_ERROR)
-            warnings.add("名称“" + entry.name + "”没有写出: .xlsx 不接受这个名称");
+    static void relation(XmlWriter& xml, std::string_view id, std::string_view kind, std::string_view target)
+    {
+        xml.open("Relationship")
+            .attribute("Id", id)
+            .attribute("Type", std::string(xlsx::relationSpace) + "/" + std::string(kind))
+            .attribute("Target", target)
+            .close();
     }
-}
+
+    bool hasNotes(int sheet) const { return !m_notes[static_cast<std::size_t>(sheet - 1)].empty(); }
+
+    void contentTypes(XmlWriter& xml) const
+    {
+        const std::string office = "application/vnd.openxmlformats-officedocument.";
+        const auto entry = [&](const char* kind, const char* key, const std::string& value,
+                               const std::string& type) {
+            xml.open(kind).attribute(key, value).attribute("ContentType", type).close();
+        };
+        const auto part = [&](const std::string& path, const char* type) {
+            entry("Override", "PartName", "/xl/" + path, office + "spreadsheetml." + type + "+xml");
+        };
+        xml.open("Types").attribute("xmlns", xlsx::contentTypeSpace);
+        entry("Default", "Extension", "rels", "application/vnd.openxmlformats-package.relationships+xml");
+        entry("Default", "Extension", "xml", "application/xml");
+        entry("Default", "Extension", "vml", office + "vmlDrawing");
+        part("workbook.xml", "sheet.main");
+        for (int sheet = 1; sheet <= m_workbook.sheetCount(); ++sheet) {
+            part(xlsx::numberedPart(sheetStart, sheet), "worksheet");
+            if (hasNotes(sheet))
+                part(xlsx::numberedPart(notesStart, sheet), "comments");
+        }
+        part("styles.xml", "styles");
+        part("sharedStrings.xml", "sharedStrings");
+        xml.close();
+    }
+
+    void writeSheet(int number)
+    {
+        const std::string path = xlsx::numberedPart(sheetStart, number);
+        m_archive.part(inFolder(path), [&](XmlWriter& xml) {
+            XlsxSheetWriter(m_parts, m_workbook.sheet(number), hasNotes(number) ? boxesRelation : "", xml)
+                .write();
+        });
+        if (!hasNotes(number))
+            return;
+        const std::string notes = xlsx::numberedPart(notesStart, number);
+        const std::string boxes = xlsx::numberedPart(boxesStart, number, ".vml");
+        const XlsxNotes& texts = m_notes[static_cast<std::size_t>(number - 1)];
+        m_archive.part(inFolder("worksheets/_rels/sheet" + std::to_string(number) + ".xml.rels"),
+                       [&](XmlWriter& xml) {
+                           xml.open("Relationships").attribute("xmlns", xlsx::packageSpace);
+                           relation(xml, boxesRelation, "vmlDrawing", "../" + boxes);
+                           relation(xml, notesRelation, "comments", "../" + notes);
+                           xml.close();
+                       });
+        m_archive.part(inFolder(notes), [&](XmlWriter& xml) { writeXlsxNotes(texts, xml); });
+        m_archive.part(inFolder(boxes), [&](XmlWriter& xml) {
+            m_freeCluster = writeXlsxNoteBoxes(texts, m_freeCluster, xml);
+        });
+    }
+
+    void texts(XmlWriter& xml)
+    {
+        const SharedTexts& shared = m_parts.texts;
+        if (shared.hasLonger())
+            m_parts.warnings.add(longTextWarning);
+        xml.open("sst").attribute("xmlns", xlsx::mainSpace);
+        xml.attribute("count", shared.uses()).attribute("uniqueCount", shared.texts().size());
+        for (const std::string_view text : shared.texts()) {
+            xml.open("si");
+            if (const auto cut = cutText(text))
+                xml.leaf("t", *cut);
+            else
+                xml.leaf("t", text);
+            xml.close();
+        }
+        xml.close();
+    }
+
+    void book(XmlWriter& xml)
+    {
+        xml.open("workbook").attribute("xmlns", xlsx::mainSpace).attribute("xmlns:r", xlsx::relationSpace);
+        xml.open("workbookPr");
+        if (m_workbook.countsFrom1904())
+            xml.attribute("date1904", 1);
+        xml.close();
+        xml.open("bookViews").open("workbookView");
+        xml.attribute("activeTab", m_workbook.activeSheet() - 1).close().close();
+        xml.open("sheets");
+        for (int number = 1; number <= m_workbook.sheetCount(); ++number) {
+            const Sheet& sheet = m_workbook.sheet(number);
+            xml.open("sheet").attribute("name", sheet.name()).attribute("sheetId", number);
+            if (sheet.settings().isHidden)
+                xml.attribute("state", "hidden");
+            xml.attribute("r:id", "rId" + std::to_string(number)).close();
+        }
+        xml.close();
+        names(xml);
+        constexpr int engine = 191'029; // a newer one than a program's own makes it compute anew at once
+        xml.open("calcPr").attribute("calcId", engine).close();
+        xml.close();
+    }
+
+    void names(XmlWriter& xml)
+    {
+        std::vector<std::pair<std::string, std::string>> defined;
+        for (int number = 0; number < m_workbook.names().size(); ++number) {
+            const NameTable::Entry& entry = m_workbook.names()[number];
+            if (entry.formula != 0)
+                defined.emplace_back(entry.name,
+                                     portableFormula(m_workbook.formulas().text(entry.formula, {1, 1}),
+                                                     {1, 1}, m_parts.sheetId));
+        }
+        const std::vector<std::pair<int, std::string>> titles = printTitles();
+        if (defined.empty() && titles.empty())
+            return;
+        xml.open("definedNames");
+        for (const auto& [sheet, rows] : titles)
+            xml.open("definedName")
+                .attribute("name", "_xlnm.Print_Titles")
+                .attribute("localSheetId", sheet - 1)
+                .text(rows)
+                .close();
+        for (const auto& [name, formula] : defined)
+            xml.open("definedName").attribute("name", name).keepBlanks(formula).text(formula).close();
+        xml.close();
+    }
+
+    /// Rows that are repeated on each page, by sheet.
+    std::vector<std::pair<int, std::string>> printTitles() const
+    {
+        std::vector<std::pair<int, std::string>> titles;
+        for (int number = 1; number <= m_workbook.sheetCount(); ++number) {
+            const Sheet& sheet = m_workbook.sheet(number);
+            const PrintSettings& print = sheet.settings().print;
+            if (print.titleTop >= 1 && print.titleBottom >= print.titleTop)
+                titles.emplace_back(number, sheetPrefix(sheet.name(), {}, true) + "$" +
+                                                std::to_string(print.titleTop) + ":$" +
+                                                std::to_string(print.titleBottom));
+        }
+        return titles;
+    }
+
+    void bookRelations(XmlWriter& xml) const
+    {
+        const int count = m_workbook.sheetCount();
+        xml.open("Relationships").attribute("xmlns", xlsx::packageSpace);
+        for (int sheet = 1; sheet <= count; ++sheet)
+            relation(xml, "rId" + std::to_string(sheet), "worksheet", xlsx::numberedPart(sheetStart, sheet));
+        relation(xml, "rId" + std::to_string(count + 1), "styles", "styles.xml");
+        relation(xml, "rId" + std::to_string(count + 2), "sharedStrings", "sharedStrings.xml");
+        xml.close();
+    }
+
+    const Workbook& m_workbook;
+    XlsxParts m_parts;
+    ArchiveWriter m_archive;
+    std::vector<XlsxNotes> m_notes; ///< by sheet
+    int m_freeCluster = 1;          ///< of note boxes
+};
 
 } // namespace
 
-void writeXlsx(const Workbook& workbook, const std::filesystem::path& file, Warnings& warnings)
+std::vector<std::byte> writeXlsx(const Workbook& workbook, Warnings& warnings)
 {
-    const SheetResolver sheetId = [&workbook](std::string_view name) {
-        const int index = workbook.sheetIndex(name);
-        return index == 0 ? 0 : workbook.sheet(index).id();
-    };
-    Book book(file);
-    XlsxFormats formats(workbook.styles(), book.get(), warnings);
-    for (int index = 1; index <= workbook.sheetCount(); ++index) {
-        const Sheet& sheet = workbook.sheet(index);
-        // Asked before: the library would print its refusal.
-        if (workbook_validate_sheet_name(book.get(), sheet.name().c_str()) != LXW_NO_ERROR)
-            throw ContentError("表名“" + sheet.name() + "”在 .xlsx 中不能使用,请改短(最多 31 个字)后再引出");
-        lxw_worksheet* const target = workbook_add_worksheet(book.get(), sheet.name().c_str());
-        if (!target)
-            throw ContentError("无法写入 .xlsx 文件: 内存不足");
-        XlsxSheetWriter({workbook, sheet, formats, sheetId, warnings}, target).write();
-        if (index == workbook.activeSheet())
-            worksheet_activate(target);
-        if (sheet.settings().isHidden)
-            worksheet_hide(target);
-    }
-    writeNames(workbook, book.get(), sheetId, warnings);
-    book.close();
+    return XlsxWriter(workbook, warnings).write();
 }
 
 } // namespace spreadsheet

@@ -1,14 +1,16 @@
 #pragma once
 #include "spreadsheet/files/exchange/Warnings.h"
 
-#include <filesystem>
+#include <cstddef>
+#include <vector>
 
 namespace spreadsheet {
 
 class Workbook;
 
-/// Writes the workbook as an .xlsx file under that name, formulas with the values that they have now.
-/// @throws ContentError if the file cannot be written
-void writeXlsx(const Workbook& workbook, const std::filesystem::path& file, Warnings& warnings);
+/// A workbook as an .xlsx file, formulas with the values that they have now. What could not be carried over
+/// goes to `warnings`.
+/// @throws ContentError if it does not fit the format
+std::vector<std::byte> writeXlsx(const Workbook& workbook, Warnings& warnings);
 
 } // namespace spreadsheet

@@ -1,6 +1,8 @@
 #include "spreadsheet/files/xlsx/xml.h"
 
+#include "spreadsheet/engine/number_text.h"
 #include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xlsx/Archive.h"
 
 #include <algorithm>
@@ -35,6 +37,37 @@ void requireMeasure(const std::vector<char>& text)
             requireFile(depth <= mostDepth, "XML 的元素嵌套太深");
         }
     }
+}
+
+constexpr std::size_t escapeLength = 7;
+
+/// The unit that a text begins with an escape of.
+std::optional<char16_t> escapedUnit(std::string_view text)
+{
+    unsigned unit = 0;
+    const char* const digits = text.data() + 2;
+    const bool isEscape = text.size() >= escapeLength && text.starts_with("_x") &&
+                          text[escapeLength - 1] == '_' &&
+                          std::from_chars(digits, digits + 4, unit, 16).ptr == digits + 4;
+    return isEscape ? std::optional(static_cast<char16_t>(unit)) : std::nullopt;
+}
+
+std::string withoutEscapes(std::string_view text)
+{
+    std::string result;
+    for (std::size_t at = 0; at < text.size();) {
+        std::u16string units; // neighbours together: two may make one character
+        for (auto unit = escapedUnit(text.substr(at)); unit; unit = escapedUnit(text.substr(at))) {
+            if (*unit != 0)
+                units += *unit;
+            at += escapeLength;
+        }
+        result += utf8Of(units);
+        const std::size_t next = at < text.size() ? std::min(text.find('_', at + 1), text.size()) : at;
+        result += text.substr(at, next - at);
+        at = next;
+    }
+    return result;
 }
 
 } // namespace
@@ -73,25 +106,32 @@ pugi::xml_attribute attributeNamed(pugi::xml_node node, std::string_view name)
         [name](pugi::xml_attribute attribute) { return localName(attribute.name()) == name; });
 }
 
-std::string withoutEscapes(std::string_view text)
+std::string textOf(pugi::xml_node node)
 {
-    constexpr std::size_t length = 7;
-    std::string result;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        unsigned code = 0;
-        const bool isEscape =
-            text.substr(at).size() >= length && text[at] == '_' && text[at + 1] == 'x' &&
-            text[at + 6] == '_' &&
-            std::from_chars(text.data() + at + 2, text.data() + at + 6, code, 16).ptr == text.data() + at + 6;
-        if (isEscape && code < 0x80) {
-            if (code != 0 && code != '\r')
-                result += static_cast<char>(code);
-            at += length - 1;
-        } else {
-            result += text[at];
-        }
-    }
-    return result;
+    return withoutEscapes(node.text().get());
+}
+
+std::string textOf(pugi::xml_attribute attribute)
+{
+    return withoutEscapes(attribute.value());
+}
+
+double numberOf(pugi::xml_attribute attribute, double otherwise)
+{
+    return attribute ? fileNumber(attribute.value()).value_or(otherwise) : otherwise;
+}
+
+std::optional<double> fileNumber(std::string_view text)
+{
+    constexpr std::string_view blanks = " \t\r\n";
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    text.remove_suffix(text.size() - std::min(text.find_last_not_of(blanks) + 1, text.size()));
+    const std::size_t comma = text.find(',');
+    if (comma == std::string_view::npos)
+        return parseNumber(text);
+    std::string pointed(text);
+    pointed[comma] = '.';
+    return parseNumber(pointed);
 }
 
 std::string richText(pugi::xml_node node)
@@ -100,11 +140,11 @@ std::string richText(pugi::xml_node node)
     for (const pugi::xml_node child : node.children()) {
         const std::string_view name = localName(child.name());
         if (name == "t")
-            text += child.text().get();
+            text += textOf(child);
         else if (name == "r")
-            text += childNamed(child, "t").text().get();
+            text += textOf(childNamed(child, "t"));
     }
-    return text.find("_x") == std::string::npos ? text : withoutEscapes(text);
+    return text;
 }
 
 bool isTrue(pugi::xml_attribute attribute, bool otherwise)

@@ -43,8 +43,14 @@ void eachChild(pugi::xml_node node, std::string_view name, Visit visit)
 
 /// Texts of all "t" elements in a text with runs; phonetic ones left out.
 std::string richText(pugi::xml_node node);
-/// "_x000D_" stands for a character that XML cannot hold; control characters but line ends are left out.
-std::string withoutEscapes(std::string_view text);
+/// What an element or attribute says as text. "_xHHHH_" stands for a UTF-16 unit, often one that XML cannot
+/// hold; the character 0 is left out.
+std::string textOf(pugi::xml_node node);
+std::string textOf(pugi::xml_attribute attribute);
+/// A number as it stands in the file; `otherwise` if there is none.
+double numberOf(pugi::xml_attribute attribute, double otherwise = 0);
+/// A decimal comma counts as a point: programs write one under the locale of some countries.
+std::optional<double> fileNumber(std::string_view text);
 /// "1", "true" and "on" are true.
 bool isTrue(pugi::xml_attribute attribute, bool otherwise = false);
 

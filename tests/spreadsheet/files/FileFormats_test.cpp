@@ -52,7 +52,7 @@ TEST(FileFormats, NumbersComeBackBitForBit)
     Workbook workbook;
     for (std::size_t i = 0; i < numbers.size(); ++i)
         workbook.sheet(1).setNumber({1, static_cast<int>(i) + 1}, numbers[i]);
-    for (const FileFormat format : {FileFormat::ss7, FileFormat::xls}) { // .xlsx keeps 16 digits
+    for (const FileFormat format : {FileFormat::ss7, FileFormat::xls, FileFormat::xlsx}) {
         Workbook found;
         saveWorkbook(workbook, folder.file("a"), format);
         loadWorkbook(found, folder.file("a"));

@@ -1,24 +1,10 @@
 #include "tests/spreadsheet/files/FilesTest.h"
+#include "tests/spreadsheet/files/python.h"
 
-#include <cstdlib>
-#include <fstream>
 #include <gmock/gmock.h>
 
 namespace spreadsheet {
 namespace {
-
-/// Runs a script with other programs' libraries; what it prints, errors included.
-std::string python(const TestFolder& folder, const std::string& script, const std::filesystem::path& argument)
-{
-    std::ofstream(folder.file("script.py")) << script;
-    const std::string command = "PYTHONIOENCODING=utf-8 /usr/bin/python3 -W ignore '" +
-                                folder.file("script.py").string() + "' '" + argument.string() + "' >'" +
-                                folder.file("output").string() + "' 2>&1";
-    const int status = std::system(command.c_str());
-    std::ifstream stream(folder.file("output"));
-    std::string output{std::istreambuf_iterator<char>(stream), {}};
-    return status == 0 ? output : "failed: " + output;
-}
 
 /// A report as companies write them, without what the other libraries do not show.
 void fillReport(Workbook& workbook)

@@ -1,0 +1,95 @@
+#include "spreadsheet/files/xlsx/ArchiveWriter.h"
+
+#include "spreadsheet/files/ContentError.h"
+
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <minizip/zip.h>
+#include <utility>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr int level = 5; ///< of 9: what is beyond takes twice as long for a hundredth of the size
+
+void require(int result)
+{
+    if (result != ZIP_OK)
+        throw ContentError("无法写入 .xlsx 文件: 不能压缩");
+}
+
+} // namespace
+
+/// The file as the library writes it: it goes back to note the size of each part.
+struct ArchiveWriter::Target {
+    std::vector<std::byte> file;
+    std::size_t at = 0;
+
+    static void* open(void* opaque, const void*, int) { return opaque; }
+    static uLong read(void*, void*, void*, uLong) { return 0; }
+    static uLong write(void* opaque, void*, const void* bytes, uLong size)
+    {
+        auto& target = *static_cast<Target*>(opaque);
+        if (target.file.size() - target.at < size)
+            target.file.resize(target.at + size);
+        std::memcpy(target.file.data() + target.at, bytes, size);
+        target.at += size;
+        return size;
+    }
+    static ZPOS64_T tell(void* opaque, void*) { return static_cast<Target*>(opaque)->at; }
+    static long seek(void* opaque, void*, ZPOS64_T offset, int origin)
+    {
+        auto& target = *static_cast<Target*>(opaque);
+        const std::size_t from = origin == SEEK_SET ? 0 : origin == SEEK_CUR ? target.at : target.file.size();
+        if (offset > target.file.size() - from)
+            return -1;
+        target.at = from + static_cast<std::size_t>(offset);
+        return 0;
+    }
+    static int close(void*, void*) { return 0; }
+    static int error(void*, void*) { return 0; }
+};
+
+ArchiveWriter::ArchiveWriter()
+    : m_target(std::make_unique<Target>())
+{
+    zlib_filefunc64_def functions{Target::open, Target::read,  Target::write, Target::tell,
+                                  Target::seek, Target::close, Target::error, m_target.get()};
+    m_archive = zipOpen2_64("", APPEND_STATUS_CREATE, nullptr, &functions);
+    require(m_archive ? ZIP_OK : ZIP_INTERNALERROR);
+}
+
+ArchiveWriter::~ArchiveWriter()
+{
+    if (m_archive)
+        zipClose(m_archive, nullptr);
+}
+
+void ArchiveWriter::part(const std::string& path, const std::function<void(XmlWriter&)>& fill)
+{
+    zip_fileinfo info{};
+    info.tmz_date = {0, 0, 0, 1, 0, 1980}; // the first day that the format knows
+    require(zipOpenNewFileInZip(m_archive, path.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED,
+                                level));
+    std::uint64_t size = 0;
+    XmlWriter xml([&](std::string_view piece) {
+        size += piece.size();
+        if (size > std::numeric_limits<std::uint32_t>::max())
+            throw ContentError("无法写入 .xlsx 文件: 工作表太大");
+        require(zipWriteInFileInZip(m_archive, piece.data(), static_cast<unsigned>(piece.size())));
+    });
+    xml.raw("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n");
+    fill(xml);
+    xml.flush();
+    require(zipCloseFileInZip(m_archive));
+}
+
+std::vector<std::byte> ArchiveWriter::take()
+{
+    require(zipClose(std::exchange(m_archive, nullptr), nullptr));
+    return std::move(m_target->file);
+}
+
+} // namespace spreadsheet
