@@ -8,6 +8,7 @@
 #include <QVersionNumber>
 
 #include <atomic>
+#include <clocale>
 #include <cstdio>
 
 namespace selfreport {
@@ -15,6 +16,21 @@ namespace selfreport {
 namespace {
 
 std::atomic<bool> started = false;
+
+/// Puts the process's C locale back as it was.
+class LocaleKept {
+public:
+    LocaleKept()
+        : m_former(std::setlocale(LC_ALL, nullptr))
+    {
+    }
+    ~LocaleKept() { std::setlocale(LC_ALL, m_former.c_str()); }
+    LocaleKept(const LocaleKept&) = delete;
+    LocaleKept& operator=(const LocaleKept&) = delete;
+
+private:
+    std::string m_former;
+};
 
 void refuseOtherToolkit()
 {

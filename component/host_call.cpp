@@ -3,8 +3,6 @@
 #include <QCoreApplication>
 #include <QThread>
 
-#include <clocale>
-#include <cstring>
 #include <dlfcn.h>
 #include <filesystem>
 #include <link.h>
@@ -42,17 +40,6 @@ bool isToolkitCore(const std::string& file)
 
 } // namespace
 
-LocaleKept::LocaleKept()
-    : m_former(std::setlocale(LC_ALL, nullptr))
-{
-}
-
-LocaleKept::~LocaleKept()
-{
-    if (std::strcmp(std::setlocale(LC_ALL, nullptr), m_former.c_str()) != 0)
-        std::setlocale(LC_ALL, m_former.c_str());
-}
-
 std::optional<std::string> foreignToolkit()
 {
     struct Search {
@@ -77,7 +64,6 @@ std::string hostCall(const std::function<void()>& work) noexcept
     try {
         if (!isCallersThread())
             return "报表组件只能在主程序的界面线程上调用。";
-        const LocaleKept locale;
         work();
         return {};
     } catch (const std::exception& error) {

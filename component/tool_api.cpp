@@ -153,8 +153,8 @@ int toolList(const std::string& database, const ToolStreams& streams) noexcept
 {
     return command(streams, [&] {
         for (const ListedReport& report : listReports(connectionString(database)))
-            streams.results << report.id << '\t' << report.name << '\t' << report.savedBy << '\t'
-                            << report.savedAt << '\n';
+            streams.results << std::to_string(report.id) << '\t' << report.name << '\t' << report.savedBy
+                            << '\t' << report.savedAt << '\n';
     });
 }
 

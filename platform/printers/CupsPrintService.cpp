@@ -1,5 +1,7 @@
 #include "platform/printers/CupsPrintService.h"
 
+#include "platform/CLocale.h"
+
 #include <algorithm>
 #include <cups/cups.h>
 #include <memory>
@@ -115,6 +117,7 @@ void setUp(Options& options, const PrinterSetup& setup)
 
 std::vector<Printer> CupsPrintService::printers()
 {
+    const CLocale locale;
     const Server server = connectServer();
     const Destinations destinations(server.get());
     std::vector<Printer> printers;
@@ -127,6 +130,7 @@ std::vector<Printer> CupsPrintService::printers()
 
 std::string CupsPrintService::usualPaper(const std::string& printer)
 {
+    const CLocale locale;
     const Server server = connectServer();
     const Destinations destinations(server.get());
     cups_dest_t* const destination = const_cast<cups_dest_t*>(&destinations.named(printer));
@@ -144,6 +148,7 @@ std::string CupsPrintService::usualPaper(const std::string& printer)
 
 void CupsPrintService::print(std::string_view pdf, const std::string& title, const PrinterSetup& setup)
 {
+    const CLocale locale;
     const Server server = connectServer();
     const Destinations destinations(server.get());
     const std::string name = destinations.named(setup.printer).name;

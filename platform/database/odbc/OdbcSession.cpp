@@ -1,5 +1,6 @@
 #include "platform/database/odbc/OdbcSession.h"
 
+#include "platform/CLocale.h"
 #include "platform/database/odbc/odbc_diagnostics.h"
 #include "platform/database/odbc/odbc_text.h"
 #include "platform/database/odbc/procedure_batch.h"
@@ -28,7 +29,7 @@ SQLPOINTER attribute(std::intptr_t value)
 
 } // namespace
 
-/// A statement that cancel() can reach while it lives.
+/// A statement that cancel() can reach while it lives, on the thread that runs it.
 class OdbcSession::Running {
 public:
     explicit Running(OdbcSession& session)
@@ -63,6 +64,10 @@ public:
             throw DatabaseError(unspecifiedError, "操作已取消");
     }
 
+private:
+    const CLocale m_locale; // the driver writes floats by the locale where it makes texts of them
+
+public:
     OdbcStatement statement; // freed after the session has forgotten it
 
 private:
@@ -92,6 +97,7 @@ OdbcSession::~OdbcSession()
 
 void OdbcSession::connect(const OdbcTarget& target)
 {
+    const CLocale locale;
     if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &m_environment)))
         throw DatabaseError(unspecifiedError, "ODBC 无法启动");
     SQLSetEnvAttr(m_environment, SQL_ATTR_ODBC_VERSION, attribute(SQL_OV_ODBC3), 0);

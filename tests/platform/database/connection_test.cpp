@@ -2,6 +2,7 @@
 
 #include "platform/database/sql_text.h"
 #include "platform/database/sqlite/binary_columns.h"
+#include "tests/CommaLocale.h"
 #include "tests/platform/database/database_folder.h"
 
 #include <cstring>
@@ -71,6 +72,30 @@ TEST(Connection, ValuesComeBackAsTheyWereBound)
     EXPECT_THROW(connection->execute("update tblCWSelfReport set fTop=?", {"breit"}), DatabaseError);
     EXPECT_EQ(connection->execute("update tblCWSelfReport set fTop='0.75'"), 1);
     EXPECT_EQ(connection->query("select fTop from tblCWSelfReport").number(0, "fTop"), 0.75);
+}
+
+TEST(Connection, ValuesKnowNoLocale)
+{
+    for (const CommaLocale::Reach reach : {CommaLocale::Reach::process, CommaLocale::Reach::thread}) {
+        const CommaLocale locale(reach);
+        const DatabaseFolder folder;
+        const auto work = [&folder] {
+            const auto connection = folder.createTested();
+            connection->execute("insert into tblCWSelfReport(noid,fname,fTop,fLeft) values(7,'1,5',?,0.75)",
+                                {1234.5});
+            const Recordset rows = connection->query("select fname,fTop,fLeft,fTop+fLeft as s, 0.1 as t "
+                                                     "from tblCWSelfReport where fTop=?",
+                                                     {1234.5});
+            ASSERT_EQ(rows.rowCount(), 1U);
+            EXPECT_EQ(rows.text(0, "fname"), "1,5");
+            EXPECT_EQ(rows.text(0, "fTop"), "1234.5");
+            EXPECT_EQ(rows.number(0, "fLeft"), 0.75);
+            EXPECT_EQ(rows.number(0, "s"), 1235.25);
+            EXPECT_EQ(rows.number(0, "t"), 0.1);
+        };
+        reach == CommaLocale::Reach::process ? std::thread(work).join() : work(); // drivers run on either
+        EXPECT_TRUE(countsWithComma());
+    }
 }
 
 TEST(Connection, ComputedColumnsKeepTheirKind)

@@ -1,6 +1,7 @@
 #include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/print/pdf.h"
+#include "tests/CommaLocale.h"
 
 #include <gtest/gtest.h>
 #include <QDir>
@@ -9,6 +10,7 @@
 #include <QPrinter>
 #include <QProcess>
 #include <QRawFont>
+#include <QRegularExpression>
 #include <QStringDecoder>
 #include <QTemporaryDir>
 
@@ -126,6 +128,27 @@ TEST_P(EveryCharacter, OfGb2312IsFoundAgain)
 INSTANTIATE_TEST_SUITE_P(Fonts, EveryCharacter,
                          testing::Values("Noto Sans CJK SC", "Noto Serif CJK SC", "WenQuanYi Zen Hei",
                                          "AR PL UMing CN", "Noto Sans Mono CJK SC"));
+
+TEST_F(PdfTest, KnowsNoLocale)
+{
+    sheet.setNumber({1, 1}, 1234.5);
+    sheet.setFormula({1, 2}, "TEXT(A1/7,\"#,##0.000\")");
+    sheet.restyle({1, 1, 2, 2}, [](CellStyle& style) {
+        style.font.points = 10.5;
+        style.bottom = {LineStyle::fineDash, 0x336699};
+    });
+    workbook.recalculate();
+    const auto made = [&] { // but for when it was made
+        static const QRegularExpression moments(
+            R"(\(D:[^)]*\)|\d{4}-\d\d-\d\dT[-+:\dZ]*|[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}|/ID \[[^]]*\])");
+        return QString::fromLatin1(pdfOf(workbook, {})).remove(moments);
+    };
+    const QString expected = made();
+    for (const CommaLocale::Reach reach : {CommaLocale::Reach::process, CommaLocale::Reach::thread}) {
+        const CommaLocale locale(reach);
+        EXPECT_TRUE(made() == expected);
+    }
+}
 
 TEST_F(PdfTest, EveryFamilyInEveryLookIsSearchable)
 {

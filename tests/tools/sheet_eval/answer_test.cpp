@@ -1,5 +1,7 @@
 #include "tools/sheet_eval/answer.h"
 
+#include "tests/CommaLocale.h"
+
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -91,6 +93,22 @@ TEST(SheetEval, ReadsEveryKindOfCell)
                                     R"(,"B1":")" + c.formula + R"("}}],"want":["S!B1"]})";
         EXPECT_EQ(answer(request), std::string(R"({"id":7,"values":{"S!B1":)") + c.expected + "}}")
             << request;
+    }
+}
+
+TEST(SheetEval, NumbersKnowNoLocale)
+{
+    const std::string request =
+        R"x({"id":1,"sheets":[{"name":"S","cells":{"A1":1234.5,"A2":1e-7,"B1":"=A1/10",)x"
+        R"x("B2":"=A2&\"|\"&TEXT(A1,\"#,##0.00\")","B3":"=VALUE(\"0.25\")+{0.5}"}}],)x"
+        R"x("want":["S!A1","S!B1","S!B2","S!B3"]})x";
+    const std::string expected = answer(request);
+    const Json values = Json::parse(expected).at("values");
+    EXPECT_EQ(values.at("S!A1").at("v"), 1234.5);
+    EXPECT_EQ(values.at("S!B3").at("v"), 0.75);
+    for (const CommaLocale::Reach reach : {CommaLocale::Reach::process, CommaLocale::Reach::thread}) {
+        const CommaLocale locale(reach);
+        EXPECT_EQ(answer(request), expected);
     }
 }
 
