@@ -5,6 +5,7 @@ add_library(our_warnings INTERFACE)
 target_compile_options(our_warnings INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wconversion -Wshadow -Werror>
   $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
+  $<$<BOOL:${SELFREPORT_UNITY}>:-Wno-shadow> # of names that only another file of the batch has
   $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion;-Wno-unknown-pragmas>) # as GCC understands the above
 
 # our_sources(VARIABLE FOLDER...): the sources directly in each folder.
@@ -17,8 +18,38 @@ function(our_sources variable)
   set(${variable} ${found} PARENT_SCOPE)
 endfunction()
 
-# Headers of the toolkit that nearly every source with windows or pages needs.
-set(our_qt_headers <QtWidgets/QtWidgets>)
+# our_batches(TARGET SOURCE...): with SELFREPORT_UNITY the sources of a folder are compiled so many together.
+function(our_batches target)
+  if(NOT SELFREPORT_UNITY)
+    return()
+  endif()
+  set(most 12)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+  foreach(source IN LISTS ARGN)
+    cmake_path(GET source PARENT_PATH folder)
+    file(RELATIVE_PATH room ${CMAKE_SOURCE_DIR} ${folder})
+    string(MAKE_C_IDENTIFIER "${room}" room)
+    list(APPEND of_${room} ${source})
+    list(LENGTH of_${room} number)
+    math(EXPR batch "(${number} - 1) / ${most}")
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${room}_${batch})
+  endforeach()
+endfunction()
+
+# our_headers(NAME LINKS target... HEADERS <h>...): headers compiled once for all of our targets that reuse NAME.
+function(our_headers name)
+  cmake_parse_arguments(PARSE_ARGV 1 our "" "" "LINKS;HEADERS")
+  file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/${name}.cpp CONTENT "// Only for its precompiled headers.\n")
+  add_library(${name} STATIC ${CMAKE_BINARY_DIR}/${name}.cpp)
+  target_link_libraries(${name} PRIVATE ${our_LINKS} our_warnings)
+  # The layers below use words such as "slots" that the toolkit would otherwise make macros of.
+  target_compile_definitions(${name} PRIVATE QT_NO_KEYWORDS)
+  target_precompile_headers(${name} PRIVATE ${our_HEADERS})
+endfunction()
+our_headers(standard_headers
+  HEADERS <algorithm> <array> <charconv> <chrono> <cmath> <cstdint> <functional> <map> <memory> <optional> <ranges>
+          <span> <sstream> <string> <string_view> <unordered_map> <utility> <variant> <vector>)
+our_headers(toolkit_headers LINKS Qt6::Widgets Qt6::PrintSupport HEADERS <QtWidgets/QtWidgets>)
 
 # our_static_library(NAME [QT] FOLDERS f... LINKS target...)
 # QT: classes with signals and slots, the toolkit's headers precompiled.
@@ -31,14 +62,16 @@ function(our_static_library name)
     return()
   endif()
   add_library(${name} STATIC ${sources})
+  our_batches(${name} ${sources})
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${our_LINKS} PRIVATE ${our_PRIVATE_LINKS} our_warnings)
   if(our_QT)
-    # The layers below use words such as "slots" that the toolkit would otherwise make macros of.
     target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS)
     # moc cannot read what the compiler's macros open in the standard library's headers.
     set_target_properties(${name} PROPERTIES AUTOMOC ON AUTOMOC_COMPILER_PREDEFINES OFF)
-    target_precompile_headers(${name} PRIVATE ${our_qt_headers})
+    target_precompile_headers(${name} REUSE_FROM toolkit_headers)
+  else()
+    target_precompile_headers(${name} REUSE_FROM standard_headers)
   endif()
 endfunction()
 
@@ -59,10 +92,19 @@ function(our_tests name)
   else()
     target_link_libraries(${name} PRIVATE GTest::gtest_main)
   endif()
-  target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
-  target_compile_definitions(${name} PRIVATE
-    TEST_DATA_FOLDER="${CMAKE_SOURCE_DIR}/tests/data"
-    TEST_BINARY_FOLDER="${CMAKE_BINARY_DIR}/bin")
+  # What tests themselves do takes no time; compiling them does.
+  target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O0;-U_FORTIFY_SOURCE>)
+  if("Qt6::Test" IN_LIST our_LINKS)
+    set(toolkit <QtWidgets/QtWidgets> <QtTest/QtTest>)
+  endif()
+  target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> ${toolkit})
+  foreach(source IN LISTS sources) # only those that ask: the cache serves the others to every clone
+    file(STRINGS ${source} asks REGEX "TEST_DATA_FOLDER|TEST_BINARY_FOLDER|golden_texts")
+    if(asks)
+      set_source_files_properties(${source} PROPERTIES COMPILE_DEFINITIONS
+        "TEST_DATA_FOLDER=\"${CMAKE_SOURCE_DIR}/tests/data\";TEST_BINARY_FOLDER=\"${CMAKE_BINARY_DIR}/bin\"")
+    endif()
+  endforeach()
   add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
   set(environment "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/leaks.supp:print_suppressions=0")
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "${environment}")

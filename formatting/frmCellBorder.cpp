@@ -2,6 +2,7 @@
 
 #include "formatting/cell_commands.h"
 #include "platform/windows/buttons.h"
+#include "platform/windows/named_list.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <QComboBox>
@@ -39,19 +40,12 @@ constexpr Entry styles[] = {
 };
 constexpr int firstStyle = 1; // "Solid border "
 
-QComboBox* list(const char* name)
-{
-    auto* made = new QComboBox;
-    made->setObjectName(name);
-    return made;
-}
-
 } // namespace
 
 frmCellBorder::frmCellBorder(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
     : QDialog(parent)
     , m_grid(grid)
-    , m_PC{list("PC_0"), list("PC_1")}
+    , m_PC{namedList("PC_0"), namedList("PC_1")}
 {
     setObjectName("frmCellBorder");
     setWindowTitle(QStringLiteral("边框设置"));

@@ -2,6 +2,7 @@
 
 #include "formatting/cell_commands.h"
 #include "platform/windows/buttons.h"
+#include "platform/windows/named_list.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <QComboBox>
@@ -29,19 +30,12 @@ constexpr int maxDecimals = 15;
 constexpr int firstType = 1;     // "字符型"
 constexpr int firstDecimals = 2; // "2"
 
-QComboBox* list(const char* name)
-{
-    auto* made = new QComboBox;
-    made->setObjectName(name);
-    return made;
-}
-
 } // namespace
 
 frmDataType::frmDataType(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
     : QDialog(parent)
     , m_grid(grid)
-    , m_PC{list("PC_0"), list("PC_1")}
+    , m_PC{namedList("PC_0"), namedList("PC_1")}
 {
     setObjectName("frmDataType");
     setWindowTitle(QStringLiteral("数据类型"));

@@ -27,8 +27,7 @@ void changeActiveSheetsPrint(spreadsheet::Workbook& workbook,
 
 int marginTwips(double inches)
 {
-    constexpr double twipsPerInch = 1440;
-    return static_cast<int>(std::lround(inches * twipsPerInch));
+    return static_cast<int>(std::lround(inches * spreadsheet::twipsPerInch));
 }
 
 } // namespace selfreport

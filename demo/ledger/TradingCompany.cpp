@@ -9,9 +9,6 @@ namespace selfreport::demo {
 
 namespace {
 
-constexpr Fen yuan = 100;
-constexpr int lastDay = 28;
-
 template <typename Item>
 const Item& oneOf(DemoRandom& random, const std::vector<Item>& items)
 {

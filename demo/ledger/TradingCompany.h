@@ -9,6 +9,9 @@
 
 namespace selfreport::demo {
 
+inline constexpr Fen yuan = 100;
+inline constexpr int lastDay = 28; ///< of every period: each month has it
+
 /// Keeps the books of a trading company: opening balances, then the vouchers of one period after the other.
 /// Every amount is whole fen; a dollar stands at 7.10 throughout, and dollar amounts are whole tens of cents,
 /// so base amounts are exact.

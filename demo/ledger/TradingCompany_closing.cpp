@@ -6,13 +6,6 @@
 
 namespace selfreport::demo {
 
-namespace {
-
-constexpr Fen yuan = 100;
-constexpr int lastDay = 28;
-
-} // namespace
-
 /// Last month's wages are paid, this month's are set down.
 void TradingCompany::payWages()
 {

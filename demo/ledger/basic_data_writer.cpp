@@ -6,11 +6,6 @@ namespace selfreport::demo {
 
 namespace {
 
-SqlValue integer(std::int64_t value)
-{
-    return value;
-}
-
 SqlValue text(std::string_view value)
 {
     return std::string(value);

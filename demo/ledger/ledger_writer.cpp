@@ -8,11 +8,6 @@ namespace selfreport::demo {
 
 namespace {
 
-SqlValue integer(std::int64_t value)
-{
-    return value;
-}
-
 /// Fen as units of the currency. Both parts of the division are exact, so the nearest double is stored.
 SqlValue money(Fen fen)
 {

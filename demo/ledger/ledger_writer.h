@@ -1,6 +1,7 @@
 #pragma once
 #include "demo/ledger/demo_items.h"
 #include "demo/ledger/LedgerBook.h"
+#include "platform/database/SqlValue.h"
 
 #include <vector>
 
@@ -9,6 +10,12 @@ class Connection;
 }
 
 namespace selfreport::demo {
+
+/// A whole number as a statement takes it.
+inline SqlValue integer(std::int64_t value)
+{
+    return value;
+}
 
 /// Chart of accounts, currencies, item classes, items and combinations, users, menu nodes.
 void writeBasicData(Connection& connection, const LedgerBook& book, const DemoItems& items);

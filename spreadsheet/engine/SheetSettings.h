@@ -9,6 +9,8 @@
 
 namespace spreadsheet {
 
+inline constexpr int twipsPerInch = 1440;
+
 inline constexpr int defaultColumnWidth = 1080; ///< twips (1/1440 inch)
 inline constexpr int defaultRowHeight = 285;    ///< twips
 

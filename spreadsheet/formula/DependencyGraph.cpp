@@ -3,6 +3,7 @@
 #include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/formula/ComponentFinder.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
 
 #include <algorithm>
 
@@ -12,7 +13,6 @@ namespace {
 
 /// Readings over more columns than this stand once in their sheet's list, not in every column's.
 constexpr int wideReading = 16;
-constexpr int maxNameDepth = 32;
 
 } // namespace
 

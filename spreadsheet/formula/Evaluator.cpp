@@ -2,6 +2,7 @@
 
 #include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/formula/operators.h"
 #include "spreadsheet/functions/FunctionTable.h"
 
@@ -10,9 +11,6 @@
 namespace spreadsheet {
 
 namespace {
-
-/// Names may stand for formulas with names this deep; deeper ones go in circles.
-constexpr int maxNameDepth = 32;
 
 /// Calls for the elements of an array, each of which may itself go through a large one.
 constexpr std::size_t callsBetweenQuestions = 64;

@@ -7,6 +7,9 @@
 
 namespace spreadsheet {
 
+/// Names may stand for formulas with names this deep; deeper ones go in circles.
+inline constexpr int maxNameDepth = 32;
+
 /// Defined names of a workbook. Every name that a formula mentions has a number, defined or not, so
 /// that defining it later reaches the formulas that are already there.
 class NameTable {

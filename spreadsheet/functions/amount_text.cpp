@@ -129,25 +129,28 @@ Operand numberOfForeignText(Call& call)
     return number ? checked(*number / divisor) : Operand(CellError::value);
 }
 
-constexpr auto family = FunctionFamily::text;
+constexpr auto amountTextFamily = FunctionFamily::text;
 
-const FunctionDescriptor table[] = {
-    {"DOLLAR", 1, 2, "vv", family, "数值,[小数位数]", "将数值转换为美元格式的文本", amountText<dollar>},
-    {"USDOLLAR", 1, 2, "vv", family, "数值,[小数位数]", "将数值转换为美元格式的文本", amountText<dollar>},
-    {"RMB", 1, 2, "vv", family, "数值,[小数位数]", "将数值转换为人民币格式的文本", amountText<renminbi>},
-    {"YEN", 1, 2, "vv", family, "数值,[小数位数]", "将数值转换为日元格式的文本", amountText<yen>},
-    {"RMBDX", 1, 1, "v", family, "金额", "返回人民币金额的中文大写", amountInCapitals},
-    {"NUMBERSTRING", 2, 2, "vv", family, "数值,类型", "将数值转换为中文数字，1 小写、2 大写、3 逐位",
-     numberString},
-    {"NUMBERVALUE", 1, 3, "vvv", family, "文本,[小数点],[分节符]", "按指定的小数点和分节符将文本转换为数字",
-     numberOfForeignText},
+const FunctionDescriptor amountTextTable[] = {
+    {"DOLLAR", 1, 2, "vv", amountTextFamily, "数值,[小数位数]", "将数值转换为美元格式的文本",
+     amountText<dollar>},
+    {"USDOLLAR", 1, 2, "vv", amountTextFamily, "数值,[小数位数]", "将数值转换为美元格式的文本",
+     amountText<dollar>},
+    {"RMB", 1, 2, "vv", amountTextFamily, "数值,[小数位数]", "将数值转换为人民币格式的文本",
+     amountText<renminbi>},
+    {"YEN", 1, 2, "vv", amountTextFamily, "数值,[小数位数]", "将数值转换为日元格式的文本", amountText<yen>},
+    {"RMBDX", 1, 1, "v", amountTextFamily, "金额", "返回人民币金额的中文大写", amountInCapitals},
+    {"NUMBERSTRING", 2, 2, "vv", amountTextFamily, "数值,类型",
+     "将数值转换为中文数字，1 小写、2 大写、3 逐位", numberString},
+    {"NUMBERVALUE", 1, 3, "vvv", amountTextFamily, "文本,[小数点],[分节符]",
+     "按指定的小数点和分节符将文本转换为数字", numberOfForeignText},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> amountTextFunctions()
 {
-    return table;
+    return amountTextTable;
 }
 
 } // namespace spreadsheet

@@ -221,39 +221,43 @@ Operand fractionalPrice(Call& call)
     return checked(whole + (toDecimal ? rest * digits / fraction : rest * fraction / digits));
 }
 
-constexpr auto family = FunctionFamily::financial;
+constexpr auto annuityFamily = FunctionFamily::financial;
 
-const FunctionDescriptor table[] = {
-    {"PV", 3, 5, "vvvvv", family, "利率,期数,每期付款,[终值],[类型]", "返回投资的现值", presentValue},
-    {"FV", 3, 5, "vvvvv", family, "利率,期数,每期付款,[现值],[类型]", "返回固定利率、等额付款投资的终值",
-     futureValue},
-    {"PMT", 3, 5, "vvvvv", family, "利率,期数,现值,[终值],[类型]", "返回固定利率贷款的每期等额付款", payment},
-    {"NPER", 3, 5, "vvvvv", family, "利率,每期付款,现值,[终值],[类型]", "返回投资的期数", periodCount},
-    {"RATE", 3, 6, "vvvvvv", family, "期数,每期付款,现值,[终值],[类型],[估计值]", "返回年金的每期利率",
+const FunctionDescriptor annuityTable[] = {
+    {"PV", 3, 5, "vvvvv", annuityFamily, "利率,期数,每期付款,[终值],[类型]", "返回投资的现值", presentValue},
+    {"FV", 3, 5, "vvvvv", annuityFamily, "利率,期数,每期付款,[现值],[类型]",
+     "返回固定利率、等额付款投资的终值", futureValue},
+    {"PMT", 3, 5, "vvvvv", annuityFamily, "利率,期数,现值,[终值],[类型]", "返回固定利率贷款的每期等额付款",
+     payment},
+    {"NPER", 3, 5, "vvvvv", annuityFamily, "利率,每期付款,现值,[终值],[类型]", "返回投资的期数", periodCount},
+    {"RATE", 3, 6, "vvvvvv", annuityFamily, "期数,每期付款,现值,[终值],[类型],[估计值]", "返回年金的每期利率",
      periodRate},
-    {"IPMT", 4, 6, "vvvvvv", family, "利率,第几期,期数,现值,[终值],[类型]", "返回某一期付款中的利息部分",
-     partOfPayment<true>},
-    {"PPMT", 4, 6, "vvvvvv", family, "利率,第几期,期数,现值,[终值],[类型]", "返回某一期付款中的本金部分",
-     partOfPayment<false>},
-    {"CUMIPMT", 6, 6, "vvvvvv", family, "利率,期数,现值,首期,末期,类型", "返回两期之间累计支付的利息",
+    {"IPMT", 4, 6, "vvvvvv", annuityFamily, "利率,第几期,期数,现值,[终值],[类型]",
+     "返回某一期付款中的利息部分", partOfPayment<true>},
+    {"PPMT", 4, 6, "vvvvvv", annuityFamily, "利率,第几期,期数,现值,[终值],[类型]",
+     "返回某一期付款中的本金部分", partOfPayment<false>},
+    {"CUMIPMT", 6, 6, "vvvvvv", annuityFamily, "利率,期数,现值,首期,末期,类型", "返回两期之间累计支付的利息",
      cumulated<true>},
-    {"CUMPRINC", 6, 6, "vvvvvv", family, "利率,期数,现值,首期,末期,类型", "返回两期之间累计偿还的本金",
+    {"CUMPRINC", 6, 6, "vvvvvv", annuityFamily, "利率,期数,现值,首期,末期,类型", "返回两期之间累计偿还的本金",
      cumulated<false>},
-    {"ISPMT", 4, 4, "vvvv", family, "利率,第几期,期数,现值", "返回等额本金还款方式下某一期的利息",
+    {"ISPMT", 4, 4, "vvvv", annuityFamily, "利率,第几期,期数,现值", "返回等额本金还款方式下某一期的利息",
      interestOfEqualParts},
-    {"PDURATION", 3, 3, "vvv", family, "利率,现值,终值", "返回投资达到指定价值所需的期数", periodsToGrow},
-    {"RRI", 3, 3, "vvv", family, "期数,现值,终值", "返回投资增长的等效利率", growthRate},
-    {"EFFECT", 2, 2, "vv", family, "名义利率,每年复利期数", "返回有效年利率", effectiveRate},
-    {"NOMINAL", 2, 2, "vv", family, "有效利率,每年复利期数", "返回名义年利率", nominalRate},
-    {"DOLLARDE", 2, 2, "vv", family, "分数价格,分母", "将以分数表示的价格转换为小数", fractionalPrice<true>},
-    {"DOLLARFR", 2, 2, "vv", family, "小数价格,分母", "将以小数表示的价格转换为分数", fractionalPrice<false>},
+    {"PDURATION", 3, 3, "vvv", annuityFamily, "利率,现值,终值", "返回投资达到指定价值所需的期数",
+     periodsToGrow},
+    {"RRI", 3, 3, "vvv", annuityFamily, "期数,现值,终值", "返回投资增长的等效利率", growthRate},
+    {"EFFECT", 2, 2, "vv", annuityFamily, "名义利率,每年复利期数", "返回有效年利率", effectiveRate},
+    {"NOMINAL", 2, 2, "vv", annuityFamily, "有效利率,每年复利期数", "返回名义年利率", nominalRate},
+    {"DOLLARDE", 2, 2, "vv", annuityFamily, "分数价格,分母", "将以分数表示的价格转换为小数",
+     fractionalPrice<true>},
+    {"DOLLARFR", 2, 2, "vv", annuityFamily, "小数价格,分母", "将以小数表示的价格转换为分数",
+     fractionalPrice<false>},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> annuityFunctions()
 {
-    return table;
+    return annuityTable;
 }
 
 } // namespace spreadsheet

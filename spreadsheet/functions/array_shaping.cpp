@@ -274,25 +274,27 @@ Operand randomArray(Call& call)
     return SharedArray(array);
 }
 
-constexpr auto family = FunctionFamily::lookup;
+constexpr auto arrayShapingFamily = FunctionFamily::lookup;
 
-const FunctionDescriptor table[] = {
-    {"FILTER", 2, 3, "aar", family, "数组,条件,[无结果时]", "返回数组中满足条件的行或列", filtered},
-    {"SORT", 1, 4, "aaav", family, "数组,[排序序号],[顺序],[按列]", "返回排序后的数组，顺序 1 升序、-1 降序",
-     sorted},
-    {"SORTBY", 2, manyArguments, "aav", family, "数组,依据1,[顺序1],[…]", "返回按其他数组排序后的数组",
-     sortedBy, pure, 2},
-    {"UNIQUE", 1, 3, "avv", family, "数组,[按列],[仅一次]", "返回数组中互不相同的行或列", unique},
-    {"SEQUENCE", 1, 4, "vvvv", family, "行数,[列数],[起始值],[步长]", "返回等差数列组成的数组", sequence},
-    {"RANDARRAY", 0, 5, "vvvvv", family, "[行数],[列数],[最小值],[最大值],[整数]", "返回随机数组成的数组",
-     randomArray, isVolatile},
+const FunctionDescriptor arrayShapingTable[] = {
+    {"FILTER", 2, 3, "aar", arrayShapingFamily, "数组,条件,[无结果时]", "返回数组中满足条件的行或列",
+     filtered},
+    {"SORT", 1, 4, "aaav", arrayShapingFamily, "数组,[排序序号],[顺序],[按列]",
+     "返回排序后的数组，顺序 1 升序、-1 降序", sorted},
+    {"SORTBY", 2, manyArguments, "aav", arrayShapingFamily, "数组,依据1,[顺序1],[…]",
+     "返回按其他数组排序后的数组", sortedBy, pure, 2},
+    {"UNIQUE", 1, 3, "avv", arrayShapingFamily, "数组,[按列],[仅一次]", "返回数组中互不相同的行或列", unique},
+    {"SEQUENCE", 1, 4, "vvvv", arrayShapingFamily, "行数,[列数],[起始值],[步长]", "返回等差数列组成的数组",
+     sequence},
+    {"RANDARRAY", 0, 5, "vvvvv", arrayShapingFamily, "[行数],[列数],[最小值],[最大值],[整数]",
+     "返回随机数组成的数组", randomArray, isVolatile},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> arrayShapingFunctions()
 {
-    return table;
+    return arrayShapingTable;
 }
 
 } // namespace spreadsheet

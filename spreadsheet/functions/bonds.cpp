@@ -138,28 +138,28 @@ Operand duration(Call& call)
     });
 }
 
-constexpr auto family = FunctionFamily::financial;
+constexpr auto bondFamily = FunctionFamily::financial;
 
-const FunctionDescriptor table[] = {
-    {"COUPDAYBS", 3, 4, "vvvv", family, "结算日,到期日,频率,[基准]", "返回从付息期开始到结算日的天数",
+const FunctionDescriptor bondTable[] = {
+    {"COUPDAYBS", 3, 4, "vvvv", bondFamily, "结算日,到期日,频率,[基准]", "返回从付息期开始到结算日的天数",
      ofCoupon<[](const Bond& bond) { return bond.daysPassed(); }>},
-    {"COUPDAYS", 3, 4, "vvvv", family, "结算日,到期日,频率,[基准]", "返回结算日所在付息期的天数",
+    {"COUPDAYS", 3, 4, "vvvv", bondFamily, "结算日,到期日,频率,[基准]", "返回结算日所在付息期的天数",
      ofCoupon<[](const Bond& bond) { return bond.periodDays(); }>},
-    {"COUPDAYSNC", 3, 4, "vvvv", family, "结算日,到期日,频率,[基准]", "返回从结算日到下一付息日的天数",
+    {"COUPDAYSNC", 3, 4, "vvvv", bondFamily, "结算日,到期日,频率,[基准]", "返回从结算日到下一付息日的天数",
      ofCoupon<[](const Bond& bond) { return bond.daysToNext(); }>},
-    {"COUPNCD", 3, 4, "vvvv", family, "结算日,到期日,频率,[基准]", "返回结算日之后的下一付息日",
+    {"COUPNCD", 3, 4, "vvvv", bondFamily, "结算日,到期日,频率,[基准]", "返回结算日之后的下一付息日",
      couponDate<[](const CouponPeriod& period) { return period.next; }>},
-    {"COUPNUM", 3, 4, "vvvv", family, "结算日,到期日,频率,[基准]", "返回结算日与到期日之间的付息次数",
+    {"COUPNUM", 3, 4, "vvvv", bondFamily, "结算日,到期日,频率,[基准]", "返回结算日与到期日之间的付息次数",
      ofCoupon<[](const Bond& bond) { return bond.period().count; }>},
-    {"COUPPCD", 3, 4, "vvvv", family, "结算日,到期日,频率,[基准]", "返回结算日之前的上一付息日",
+    {"COUPPCD", 3, 4, "vvvv", bondFamily, "结算日,到期日,频率,[基准]", "返回结算日之前的上一付息日",
      couponDate<[](const CouponPeriod& period) { return period.previous; }>},
-    {"PRICE", 6, 7, "vvvvvvv", family, "结算日,到期日,票息率,收益率,清偿价值,频率,[基准]",
+    {"PRICE", 6, 7, "vvvvvvv", bondFamily, "结算日,到期日,票息率,收益率,清偿价值,频率,[基准]",
      "返回定期付息证券每100元面值的价格", priceOrYield<true>},
-    {"YIELD", 6, 7, "vvvvvvv", family, "结算日,到期日,票息率,价格,清偿价值,频率,[基准]",
+    {"YIELD", 6, 7, "vvvvvvv", bondFamily, "结算日,到期日,票息率,价格,清偿价值,频率,[基准]",
      "返回定期付息证券的收益率", priceOrYield<false>},
-    {"DURATION", 5, 6, "vvvvvv", family, "结算日,到期日,票息率,收益率,频率,[基准]",
+    {"DURATION", 5, 6, "vvvvvv", bondFamily, "结算日,到期日,票息率,收益率,频率,[基准]",
      "返回定期付息证券的麦考利久期（年）", duration<false>},
-    {"MDURATION", 5, 6, "vvvvvv", family, "结算日,到期日,票息率,收益率,频率,[基准]",
+    {"MDURATION", 5, 6, "vvvvvv", bondFamily, "结算日,到期日,票息率,收益率,频率,[基准]",
      "返回定期付息证券的修正久期（年）", duration<true>},
 };
 
@@ -167,7 +167,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> bondFunctions()
 {
-    return table;
+    return bondTable;
 }
 
 } // namespace spreadsheet

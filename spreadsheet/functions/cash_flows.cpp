@@ -122,24 +122,26 @@ Operand compounded(Call& call)
     return call.failed() ? call.error() : checked(worth);
 }
 
-constexpr auto family = FunctionFamily::financial;
+constexpr auto cashFlowFamily = FunctionFamily::financial;
 
-const FunctionDescriptor table[] = {
-    {"NPV", 2, manyArguments, "vr", family, "贴现率,数值1,[数值2,…]", "返回定期现金流的净现值",
+const FunctionDescriptor cashFlowTable[] = {
+    {"NPV", 2, manyArguments, "vr", cashFlowFamily, "贴现率,数值1,[数值2,…]", "返回定期现金流的净现值",
      netPresentValue},
-    {"IRR", 1, 2, "rv", family, "现金流,[估计值]", "返回定期现金流的内部收益率", internalRate},
-    {"MIRR", 3, 3, "rvv", family, "现金流,融资利率,再投资利率", "返回定期现金流的修正内部收益率",
+    {"IRR", 1, 2, "rv", cashFlowFamily, "现金流,[估计值]", "返回定期现金流的内部收益率", internalRate},
+    {"MIRR", 3, 3, "rvv", cashFlowFamily, "现金流,融资利率,再投资利率", "返回定期现金流的修正内部收益率",
      modifiedInternalRate},
-    {"XNPV", 3, 3, "vrr", family, "贴现率,现金流,日期", "返回不定期现金流的净现值", datedPresentValue},
-    {"XIRR", 2, 3, "rrv", family, "现金流,日期,[估计值]", "返回不定期现金流的内部收益率", datedInternalRate},
-    {"FVSCHEDULE", 2, 2, "vr", family, "本金,利率序列", "返回应用一系列复利后本金的终值", compounded},
+    {"XNPV", 3, 3, "vrr", cashFlowFamily, "贴现率,现金流,日期", "返回不定期现金流的净现值",
+     datedPresentValue},
+    {"XIRR", 2, 3, "rrv", cashFlowFamily, "现金流,日期,[估计值]", "返回不定期现金流的内部收益率",
+     datedInternalRate},
+    {"FVSCHEDULE", 2, 2, "vr", cashFlowFamily, "本金,利率序列", "返回应用一系列复利后本金的终值", compounded},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> cashFlowFunctions()
 {
-    return table;
+    return cashFlowTable;
 }
 
 } // namespace spreadsheet

@@ -180,23 +180,25 @@ Operand sheetCount(Call& call)
     return static_cast<double>(std::unique(sheets.begin(), sheets.end()) - sheets.begin());
 }
 
-constexpr auto family = FunctionFamily::information;
+constexpr auto cellInformationFamily = FunctionFamily::information;
 
-const FunctionDescriptor table[] = {
-    {"CELL", 1, 2, "vr", family, "信息类型,[引用]", "返回单元格的地址、内容、格式等信息", cellInformation,
-     isVolatile | dependsOnPlace},
-    {"INFO", 1, 1, "v", family, "信息类型", "返回当前运行环境的信息", programInformation, isVolatile},
-    {"ISFORMULA", 1, 1, "r", family, "引用", "单元格含公式时返回 TRUE", isFormula},
-    {"SHEET", 0, 1, "r", family, "[引用或表名]", "返回工作表的序号", sheetNumber,
+const FunctionDescriptor cellInformationTable[] = {
+    {"CELL", 1, 2, "vr", cellInformationFamily, "信息类型,[引用]", "返回单元格的地址、内容、格式等信息",
+     cellInformation, isVolatile | dependsOnPlace},
+    {"INFO", 1, 1, "v", cellInformationFamily, "信息类型", "返回当前运行环境的信息", programInformation,
+     isVolatile},
+    {"ISFORMULA", 1, 1, "r", cellInformationFamily, "引用", "单元格含公式时返回 TRUE", isFormula},
+    {"SHEET", 0, 1, "r", cellInformationFamily, "[引用或表名]", "返回工作表的序号", sheetNumber,
      isVolatile | dependsOnPlace | placesOnly},
-    {"SHEETS", 0, 1, "r", family, "[引用]", "返回工作表的个数", sheetCount, isVolatile | placesOnly},
+    {"SHEETS", 0, 1, "r", cellInformationFamily, "[引用]", "返回工作表的个数", sheetCount,
+     isVolatile | placesOnly},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> cellInformationFunctions()
 {
-    return table;
+    return cellInformationTable;
 }
 
 } // namespace spreadsheet

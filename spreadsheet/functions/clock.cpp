@@ -18,7 +18,7 @@ double presentSerial()
 #else
     localtime_r(&seconds, &local);
 #endif
-    const auto fraction = duration<double>(now - system_clock::from_time_t(seconds)).count();
+    const auto fraction = std::chrono::duration<double>(now - system_clock::from_time_t(seconds)).count();
     const double day = serialOfDay(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday).value_or(0);
     return day + (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec + fraction) / 86400;
 }

@@ -122,19 +122,21 @@ Operand multinomial(Call& call)
     return call.failed() ? call.error() : checked(product);
 }
 
-constexpr auto family = FunctionFamily::mathematical;
+constexpr auto combinatorialFamily = FunctionFamily::mathematical;
 
-const FunctionDescriptor table[] = {
-    {"FACT", 1, 1, "v", family, "数值", "返回数值的阶乘", ofNumber<factorial>},
-    {"COMBIN", 2, 2, "vv", family, "总数,选取数", "返回从总数中选取若干项的组合数", ofNumbers<combinations>},
-    {"GCD", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回最大公约数",
+const FunctionDescriptor combinatorialTable[] = {
+    {"FACT", 1, 1, "v", combinatorialFamily, "数值", "返回数值的阶乘", ofNumber<factorial>},
+    {"COMBIN", 2, 2, "vv", combinatorialFamily, "总数,选取数", "返回从总数中选取若干项的组合数",
+     ofNumbers<combinations>},
+    {"GCD", 1, manyArguments, "r", combinatorialFamily, "数值1,[数值2,…]", "返回最大公约数",
      ofWholeNumbers<greatestCommonDivisor>},
-    {"LCM", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回最小公倍数",
+    {"LCM", 1, manyArguments, "r", combinatorialFamily, "数值1,[数值2,…]", "返回最小公倍数",
      ofWholeNumbers<leastCommonMultiple>},
-    {"FACTDOUBLE", 1, 1, "v", family, "数值", "返回数值的双阶乘", doubleFactorial},
-    {"COMBINA", 2, 2, "vv", family, "总数,选取数", "返回可重复选取的组合数",
+    {"FACTDOUBLE", 1, 1, "v", combinatorialFamily, "数值", "返回数值的双阶乘", doubleFactorial},
+    {"COMBINA", 2, 2, "vv", combinatorialFamily, "总数,选取数", "返回可重复选取的组合数",
      ofNumbers<combinationsWithRepetition>},
-    {"MULTINOMIAL", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回一组数的多项式系数", multinomial},
+    {"MULTINOMIAL", 1, manyArguments, "r", combinatorialFamily, "数值1,[数值2,…]", "返回一组数的多项式系数",
+     multinomial},
     {"PERMUT", 2, 2, "vv", FunctionFamily::statistical, "总数,选取数", "返回从总数中选取若干项的排列数",
      ofNumbers<permutations>},
     {"PERMUTATIONA", 2, 2, "vv", FunctionFamily::statistical, "总数,选取数", "返回可重复选取的排列数",
@@ -145,7 +147,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> combinatorialFunctions()
 {
-    return table;
+    return combinatorialTable;
 }
 
 } // namespace spreadsheet

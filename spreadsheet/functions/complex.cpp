@@ -144,50 +144,56 @@ Complex inverse(Complex value)
     return quotient(1, value);
 }
 
-constexpr auto family = FunctionFamily::engineering;
+constexpr auto complexFamily = FunctionFamily::engineering;
 
-const FunctionDescriptor table[] = {
-    {"COMPLEX", 2, 3, "vvv", family, "实部,虚部,[虚数单位]", "由实部和虚部组成复数", composed},
-    {"IMREAL", 1, 1, "v", family, "复数", "返回复数的实部", partOf<[](Complex z) { return z.real(); }>},
-    {"IMAGINARY", 1, 1, "v", family, "复数", "返回复数的虚部", partOf<[](Complex z) { return z.imag(); }>},
-    {"IMABS", 1, 1, "v", family, "复数", "返回复数的模", partOf<[](Complex z) { return std::abs(z); }>},
-    {"IMARGUMENT", 1, 1, "v", family, "复数", "返回复数的辐角（弧度）", argumentOf},
-    {"IMCONJUGATE", 1, 1, "v", family, "复数", "返回共轭复数",
+const FunctionDescriptor complexTable[] = {
+    {"COMPLEX", 2, 3, "vvv", complexFamily, "实部,虚部,[虚数单位]", "由实部和虚部组成复数", composed},
+    {"IMREAL", 1, 1, "v", complexFamily, "复数", "返回复数的实部",
+     partOf<[](Complex z) { return z.real(); }>},
+    {"IMAGINARY", 1, 1, "v", complexFamily, "复数", "返回复数的虚部",
+     partOf<[](Complex z) { return z.imag(); }>},
+    {"IMABS", 1, 1, "v", complexFamily, "复数", "返回复数的模",
+     partOf<[](Complex z) { return std::abs(z); }>},
+    {"IMARGUMENT", 1, 1, "v", complexFamily, "复数", "返回复数的辐角（弧度）", argumentOf},
+    {"IMCONJUGATE", 1, 1, "v", complexFamily, "复数", "返回共轭复数",
      ofComplex<[](Complex z) { return std::conj(z); }>},
-    {"IMSUM", 1, manyArguments, "r", family, "复数1,[复数2,…]", "返回多个复数之和",
+    {"IMSUM", 1, manyArguments, "r", complexFamily, "复数1,[复数2,…]", "返回多个复数之和",
      ofMany<[](Complex a, Complex b) { return a + b; }>},
-    {"IMPRODUCT", 1, manyArguments, "r", family, "复数1,[复数2,…]", "返回多个复数的乘积",
+    {"IMPRODUCT", 1, manyArguments, "r", complexFamily, "复数1,[复数2,…]", "返回多个复数的乘积",
      ofMany<[](Complex a, Complex b) { return a * b; }>},
-    {"IMSUB", 2, 2, "vv", family, "被减复数,减复数", "返回两个复数之差",
+    {"IMSUB", 2, 2, "vv", complexFamily, "被减复数,减复数", "返回两个复数之差",
      ofTwo<[](Complex a, Complex b) { return a - b; }>},
-    {"IMDIV", 2, 2, "vv", family, "被除复数,除复数", "返回两个复数的商", ofTwo<quotient>},
-    {"IMPOWER", 2, 2, "vv", family, "复数,指数", "返回复数的乘幂", power},
-    {"IMSQRT", 1, 1, "v", family, "复数", "返回复数的平方根",
+    {"IMDIV", 2, 2, "vv", complexFamily, "被除复数,除复数", "返回两个复数的商", ofTwo<quotient>},
+    {"IMPOWER", 2, 2, "vv", complexFamily, "复数,指数", "返回复数的乘幂", power},
+    {"IMSQRT", 1, 1, "v", complexFamily, "复数", "返回复数的平方根",
      ofComplex<[](Complex z) { return std::sqrt(z); }>},
-    {"IMEXP", 1, 1, "v", family, "复数", "返回以 e 为底的复数乘幂",
+    {"IMEXP", 1, 1, "v", complexFamily, "复数", "返回以 e 为底的复数乘幂",
      ofComplex<[](Complex z) { return std::exp(z); }>},
-    {"IMLN", 1, 1, "v", family, "复数", "返回复数的自然对数",
+    {"IMLN", 1, 1, "v", complexFamily, "复数", "返回复数的自然对数",
      ofNonzero<[](Complex z) { return std::log(z); }>},
-    {"IMLOG10", 1, 1, "v", family, "复数", "返回复数以10为底的对数",
+    {"IMLOG10", 1, 1, "v", complexFamily, "复数", "返回复数以10为底的对数",
      ofNonzero<[](Complex z) { return std::log(z) / std::log(10.0); }>},
-    {"IMLOG2", 1, 1, "v", family, "复数", "返回复数以2为底的对数",
+    {"IMLOG2", 1, 1, "v", complexFamily, "复数", "返回复数以2为底的对数",
      ofNonzero<[](Complex z) { return std::log(z) / std::log(2.0); }>},
-    {"IMSIN", 1, 1, "v", family, "复数", "返回复数的正弦", ofComplex<[](Complex z) { return std::sin(z); }>},
-    {"IMCOS", 1, 1, "v", family, "复数", "返回复数的余弦", ofComplex<[](Complex z) { return std::cos(z); }>},
-    {"IMTAN", 1, 1, "v", family, "复数", "返回复数的正切", ofComplex<[](Complex z) { return std::tan(z); }>},
-    {"IMCOT", 1, 1, "v", family, "复数", "返回复数的余切",
+    {"IMSIN", 1, 1, "v", complexFamily, "复数", "返回复数的正弦",
+     ofComplex<[](Complex z) { return std::sin(z); }>},
+    {"IMCOS", 1, 1, "v", complexFamily, "复数", "返回复数的余弦",
+     ofComplex<[](Complex z) { return std::cos(z); }>},
+    {"IMTAN", 1, 1, "v", complexFamily, "复数", "返回复数的正切",
+     ofComplex<[](Complex z) { return std::tan(z); }>},
+    {"IMCOT", 1, 1, "v", complexFamily, "复数", "返回复数的余切",
      ofNonzero<[](Complex z) { return inverse(std::tan(z)); }>},
-    {"IMSEC", 1, 1, "v", family, "复数", "返回复数的正割",
+    {"IMSEC", 1, 1, "v", complexFamily, "复数", "返回复数的正割",
      ofComplex<[](Complex z) { return inverse(std::cos(z)); }>},
-    {"IMCSC", 1, 1, "v", family, "复数", "返回复数的余割",
+    {"IMCSC", 1, 1, "v", complexFamily, "复数", "返回复数的余割",
      ofNonzero<[](Complex z) { return inverse(std::sin(z)); }>},
-    {"IMSINH", 1, 1, "v", family, "复数", "返回复数的双曲正弦",
+    {"IMSINH", 1, 1, "v", complexFamily, "复数", "返回复数的双曲正弦",
      ofComplex<[](Complex z) { return std::sinh(z); }>},
-    {"IMCOSH", 1, 1, "v", family, "复数", "返回复数的双曲余弦",
+    {"IMCOSH", 1, 1, "v", complexFamily, "复数", "返回复数的双曲余弦",
      ofComplex<[](Complex z) { return std::cosh(z); }>},
-    {"IMSECH", 1, 1, "v", family, "复数", "返回复数的双曲正割",
+    {"IMSECH", 1, 1, "v", complexFamily, "复数", "返回复数的双曲正割",
      ofComplex<[](Complex z) { return inverse(std::cosh(z)); }>},
-    {"IMCSCH", 1, 1, "v", family, "复数", "返回复数的双曲余割",
+    {"IMCSCH", 1, 1, "v", complexFamily, "复数", "返回复数的双曲余割",
      ofNonzero<[](Complex z) { return inverse(std::sinh(z)); }>},
 };
 
@@ -195,7 +201,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> complexFunctions()
 {
-    return table;
+    return complexTable;
 }
 
 } // namespace spreadsheet

@@ -108,28 +108,34 @@ Operand probability(Call& call)
     return checked(within.total());
 }
 
-constexpr auto family = FunctionFamily::statistical;
+constexpr auto correlationFamily = FunctionFamily::statistical;
 
-const FunctionDescriptor table[] = {
-    {"CORREL", 2, 2, "aa", family, "数组1,数组2", "返回两组数值的相关系数", ofPairs<correlation, 1>},
-    {"PEARSON", 2, 2, "aa", family, "数组1,数组2", "返回皮尔逊积矩相关系数", ofPairs<correlation, 1>},
-    {"RSQ", 2, 2, "aa", family, "y值,x值", "返回皮尔逊积矩相关系数的平方", ofPairs<determination, 2>},
-    {"COVAR", 2, 2, "aa", family, "数组1,数组2", "返回总体协方差", ofPairs<covariance, 1>},
-    {"COVARIANCE.P", 2, 2, "aa", family, "数组1,数组2", "返回总体协方差", ofPairs<covariance, 1>},
-    {"COVARIANCE.S", 2, 2, "aa", family, "数组1,数组2", "返回样本协方差", ofPairs<sampleCovariance, 2>},
-    {"SLOPE", 2, 2, "aa", family, "y值,x值", "返回线性回归直线的斜率", ofPairs<slope, 2>},
-    {"INTERCEPT", 2, 2, "aa", family, "y值,x值", "返回线性回归直线的截距", ofPairs<intercept, 2>},
-    {"STEYX", 2, 2, "aa", family, "y值,x值", "返回线性回归预测值的标准误差", ofPairs<standardError, 3>},
-    {"FORECAST", 3, 3, "vaa", family, "x,y值,x值", "按线性回归预测 x 处的值", forecast},
-    {"FORECAST.LINEAR", 3, 3, "vaa", family, "x,y值,x值", "按线性回归预测 x 处的值", forecast},
-    {"PROB", 3, 4, "aavv", family, "x值,概率,下限,[上限]", "返回数值落在两个界限之间的概率", probability},
+const FunctionDescriptor correlationTable[] = {
+    {"CORREL", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回两组数值的相关系数",
+     ofPairs<correlation, 1>},
+    {"PEARSON", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回皮尔逊积矩相关系数",
+     ofPairs<correlation, 1>},
+    {"RSQ", 2, 2, "aa", correlationFamily, "y值,x值", "返回皮尔逊积矩相关系数的平方",
+     ofPairs<determination, 2>},
+    {"COVAR", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回总体协方差", ofPairs<covariance, 1>},
+    {"COVARIANCE.P", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回总体协方差", ofPairs<covariance, 1>},
+    {"COVARIANCE.S", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回样本协方差",
+     ofPairs<sampleCovariance, 2>},
+    {"SLOPE", 2, 2, "aa", correlationFamily, "y值,x值", "返回线性回归直线的斜率", ofPairs<slope, 2>},
+    {"INTERCEPT", 2, 2, "aa", correlationFamily, "y值,x值", "返回线性回归直线的截距", ofPairs<intercept, 2>},
+    {"STEYX", 2, 2, "aa", correlationFamily, "y值,x值", "返回线性回归预测值的标准误差",
+     ofPairs<standardError, 3>},
+    {"FORECAST", 3, 3, "vaa", correlationFamily, "x,y值,x值", "按线性回归预测 x 处的值", forecast},
+    {"FORECAST.LINEAR", 3, 3, "vaa", correlationFamily, "x,y值,x值", "按线性回归预测 x 处的值", forecast},
+    {"PROB", 3, 4, "aavv", correlationFamily, "x值,概率,下限,[上限]", "返回数值落在两个界限之间的概率",
+     probability},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> correlationFunctions()
 {
-    return table;
+    return correlationTable;
 }
 
 } // namespace spreadsheet

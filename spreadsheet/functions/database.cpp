@@ -55,7 +55,7 @@ Operand onlyChosen(Call& call)
     return values.size() == 1 ? Operand(values.front()) : Operand(CellError::num);
 }
 
-constexpr auto family = FunctionFamily::database;
+constexpr auto databaseFamily = FunctionFamily::database;
 constexpr char sumName[] = "SUM";
 constexpr char averageName[] = "AVERAGE";
 constexpr char countName[] = "COUNT";
@@ -68,28 +68,30 @@ constexpr char deviationName[] = "STDEVP";
 constexpr char sampleVarianceName[] = "VAR";
 constexpr char varianceName[] = "VARP";
 
-const FunctionDescriptor table[] = {
-    {"DSUM", 3, 3, "rvr", family, "数据库,字段,条件", "返回满足条件的记录中字段的和", overChosen<sumName>},
-    {"DAVERAGE", 3, 3, "rvr", family, "数据库,字段,条件", "返回满足条件的记录中字段的平均值",
+const FunctionDescriptor databaseTable[] = {
+    {"DSUM", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "返回满足条件的记录中字段的和",
+     overChosen<sumName>},
+    {"DAVERAGE", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "返回满足条件的记录中字段的平均值",
      overChosen<averageName>},
-    {"DCOUNT", 3, 3, "rvr", family, "数据库,字段,条件", "返回满足条件的记录中字段为数字的个数",
+    {"DCOUNT", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "返回满足条件的记录中字段为数字的个数",
      countChosen<countName>},
-    {"DCOUNTA", 3, 3, "rvr", family, "数据库,字段,条件", "返回满足条件的记录中字段非空的个数",
+    {"DCOUNTA", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "返回满足条件的记录中字段非空的个数",
      countChosen<countFilledName>},
-    {"DGET", 3, 3, "rvr", family, "数据库,字段,条件", "返回满足条件的唯一一条记录中的字段", onlyChosen},
-    {"DMAX", 3, 3, "rvr", family, "数据库,字段,条件", "返回满足条件的记录中字段的最大值",
+    {"DGET", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "返回满足条件的唯一一条记录中的字段",
+     onlyChosen},
+    {"DMAX", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "返回满足条件的记录中字段的最大值",
      overChosen<largestName>},
-    {"DMIN", 3, 3, "rvr", family, "数据库,字段,条件", "返回满足条件的记录中字段的最小值",
+    {"DMIN", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "返回满足条件的记录中字段的最小值",
      overChosen<smallestName>},
-    {"DPRODUCT", 3, 3, "rvr", family, "数据库,字段,条件", "返回满足条件的记录中字段的乘积",
+    {"DPRODUCT", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "返回满足条件的记录中字段的乘积",
      overChosen<productName>},
-    {"DSTDEV", 3, 3, "rvr", family, "数据库,字段,条件", "估算满足条件的记录中字段的样本标准偏差",
+    {"DSTDEV", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "估算满足条件的记录中字段的样本标准偏差",
      overChosen<sampleDeviationName>},
-    {"DSTDEVP", 3, 3, "rvr", family, "数据库,字段,条件", "计算满足条件的记录中字段的总体标准偏差",
+    {"DSTDEVP", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "计算满足条件的记录中字段的总体标准偏差",
      overChosen<deviationName>},
-    {"DVAR", 3, 3, "rvr", family, "数据库,字段,条件", "估算满足条件的记录中字段的样本方差",
+    {"DVAR", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "估算满足条件的记录中字段的样本方差",
      overChosen<sampleVarianceName>},
-    {"DVARP", 3, 3, "rvr", family, "数据库,字段,条件", "计算满足条件的记录中字段的总体方差",
+    {"DVARP", 3, 3, "rvr", databaseFamily, "数据库,字段,条件", "计算满足条件的记录中字段的总体方差",
      overChosen<varianceName>},
 };
 
@@ -97,7 +99,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> databaseFunctions()
 {
-    return table;
+    return databaseTable;
 }
 
 } // namespace spreadsheet

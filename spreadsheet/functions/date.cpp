@@ -135,33 +135,33 @@ Operand isoWeekNumber(Call& call)
     return call.failed() ? call.error() : Operand(static_cast<double>(isoWeek(serial)));
 }
 
-constexpr auto family = FunctionFamily::dateAndTime;
+constexpr auto dateFamily = FunctionFamily::dateAndTime;
 
-const FunctionDescriptor table[] = {
-    {"DATE", 3, 3, "vvv", family, "年,月,日", "返回由年月日组成的日期", date},
-    {"TIME", 3, 3, "vvv", family, "时,分,秒", "返回由时分秒组成的时间", time},
-    {"YEAR", 1, 1, "v", family, "日期", "返回日期的年份",
+const FunctionDescriptor dateTable[] = {
+    {"DATE", 3, 3, "vvv", dateFamily, "年,月,日", "返回由年月日组成的日期", date},
+    {"TIME", 3, 3, "vvv", dateFamily, "时,分,秒", "返回由时分秒组成的时间", time},
+    {"YEAR", 1, 1, "v", dateFamily, "日期", "返回日期的年份",
      ofDay<[](const CalendarDay& day) { return day.year; }>},
-    {"MONTH", 1, 1, "v", family, "日期", "返回日期的月份（1到12）",
+    {"MONTH", 1, 1, "v", dateFamily, "日期", "返回日期的月份（1到12）",
      ofDay<[](const CalendarDay& day) { return day.month; }>},
-    {"DAY", 1, 1, "v", family, "日期", "返回日期在当月中的日数（1到31）",
+    {"DAY", 1, 1, "v", dateFamily, "日期", "返回日期在当月中的日数（1到31）",
      ofDay<[](const CalendarDay& day) { return day.day; }>},
-    {"HOUR", 1, 1, "v", family, "时间", "返回时间的小时数（0到23）",
+    {"HOUR", 1, 1, "v", dateFamily, "时间", "返回时间的小时数（0到23）",
      ofTime<[](int seconds) { return seconds / 3600; }>},
-    {"MINUTE", 1, 1, "v", family, "时间", "返回时间的分钟数（0到59）",
+    {"MINUTE", 1, 1, "v", dateFamily, "时间", "返回时间的分钟数（0到59）",
      ofTime<[](int seconds) { return seconds / 60 % 60; }>},
-    {"SECOND", 1, 1, "v", family, "时间", "返回时间的秒数（0到59）",
+    {"SECOND", 1, 1, "v", dateFamily, "时间", "返回时间的秒数（0到59）",
      ofTime<[](int seconds) { return seconds % 60; }>},
-    {"TODAY", 0, 0, "", family, "", "返回当前日期",
+    {"TODAY", 0, 0, "", dateFamily, "", "返回当前日期",
      [](Call& call) -> Operand { return std::floor(presentSerial()) - serialShift(call); }, isVolatile},
-    {"NOW", 0, 0, "", family, "", "返回当前日期和时间",
+    {"NOW", 0, 0, "", dateFamily, "", "返回当前日期和时间",
      [](Call& call) -> Operand { return presentSerial() - serialShift(call); }, isVolatile},
-    {"DATEVALUE", 1, 1, "v", family, "日期文本", "将表示日期的文本转换为日期", ofDateText<true>},
-    {"TIMEVALUE", 1, 1, "v", family, "时间文本", "将表示时间的文本转换为时间", ofDateText<false>},
-    {"DATESTRING", 1, 1, "v", family, "日期", "将日期转换为中文日期文本", dateString},
-    {"WEEKDAY", 1, 2, "vv", family, "日期,[类型]", "返回日期是星期几", weekday},
-    {"WEEKNUM", 1, 2, "vv", family, "日期,[类型]", "返回日期在一年中的周数", weekNumber},
-    {"ISOWEEKNUM", 1, 1, "v", family, "日期", "返回日期在一年中的周数，每周从星期一开始，以星期四定年",
+    {"DATEVALUE", 1, 1, "v", dateFamily, "日期文本", "将表示日期的文本转换为日期", ofDateText<true>},
+    {"TIMEVALUE", 1, 1, "v", dateFamily, "时间文本", "将表示时间的文本转换为时间", ofDateText<false>},
+    {"DATESTRING", 1, 1, "v", dateFamily, "日期", "将日期转换为中文日期文本", dateString},
+    {"WEEKDAY", 1, 2, "vv", dateFamily, "日期,[类型]", "返回日期是星期几", weekday},
+    {"WEEKNUM", 1, 2, "vv", dateFamily, "日期,[类型]", "返回日期在一年中的周数", weekNumber},
+    {"ISOWEEKNUM", 1, 1, "v", dateFamily, "日期", "返回日期在一年中的周数，每周从星期一开始，以星期四定年",
      isoWeekNumber},
 };
 
@@ -169,7 +169,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> dateFunctions()
 {
-    return table;
+    return dateTable;
 }
 
 } // namespace spreadsheet

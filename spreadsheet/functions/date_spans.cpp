@@ -93,25 +93,25 @@ Operand partOfYear(Call& call)
     return yearFraction(std::min(start, end), std::max(start, end), static_cast<DayCountBasis>(basis));
 }
 
-constexpr auto family = FunctionFamily::dateAndTime;
+constexpr auto dateSpanFamily = FunctionFamily::dateAndTime;
 
-const FunctionDescriptor table[] = {
-    {"EDATE", 2, 2, "vv", family, "日期,月数", "返回若干月之前或之后的同一日", sameDayMonthsLater},
-    {"EOMONTH", 2, 2, "vv", family, "日期,月数", "返回若干月之前或之后的月末日", endOfMonth},
-    {"DATEDIF", 3, 3, "vvv", family, "开始日期,结束日期,单位", "返回两个日期之间的年数、月数或天数",
+const FunctionDescriptor dateSpanTable[] = {
+    {"EDATE", 2, 2, "vv", dateSpanFamily, "日期,月数", "返回若干月之前或之后的同一日", sameDayMonthsLater},
+    {"EOMONTH", 2, 2, "vv", dateSpanFamily, "日期,月数", "返回若干月之前或之后的月末日", endOfMonth},
+    {"DATEDIF", 3, 3, "vvv", dateSpanFamily, "开始日期,结束日期,单位", "返回两个日期之间的年数、月数或天数",
      dateDifference},
-    {"DAYS", 2, 2, "vv", family, "结束日期,开始日期", "返回两个日期之间的天数", daysBetween},
-    {"DAYS360", 2, 3, "vvv", family, "开始日期,结束日期,[欧洲方法]", "按一年360天返回两个日期之间的天数",
-     daysBetween360},
-    {"YEARFRAC", 2, 3, "vvv", family, "开始日期,结束日期,[基准]", "返回两个日期之间的天数占一年的比例",
-     partOfYear},
+    {"DAYS", 2, 2, "vv", dateSpanFamily, "结束日期,开始日期", "返回两个日期之间的天数", daysBetween},
+    {"DAYS360", 2, 3, "vvv", dateSpanFamily, "开始日期,结束日期,[欧洲方法]",
+     "按一年360天返回两个日期之间的天数", daysBetween360},
+    {"YEARFRAC", 2, 3, "vvv", dateSpanFamily, "开始日期,结束日期,[基准]",
+     "返回两个日期之间的天数占一年的比例", partOfYear},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> dateSpanFunctions()
 {
-    return table;
+    return dateSpanTable;
 }
 
 } // namespace spreadsheet

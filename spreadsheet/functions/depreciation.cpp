@@ -192,20 +192,21 @@ Operand proRata(Call& call)
     return factor ? checked(decliningProRata(asset, *factor)) : Operand(CellError::num);
 }
 
-constexpr auto family = FunctionFamily::financial;
+constexpr auto depreciationFamily = FunctionFamily::financial;
 
-const FunctionDescriptor table[] = {
-    {"SLN", 3, 3, "vvv", family, "原值,残值,寿命", "返回直线法的每期折旧额", straightLine},
-    {"SYD", 4, 4, "vvvv", family, "原值,残值,寿命,期间", "返回年数总和法某一期的折旧额", sumOfYears},
-    {"DB", 4, 5, "vvvvv", family, "原值,残值,寿命,期间,[首年月数]", "返回固定余额递减法某一期的折旧额",
-     fixedDecliningArgument},
-    {"DDB", 4, 5, "vvvvv", family, "原值,残值,寿命,期间,[倍数]", "返回双倍余额递减法某一期的折旧额",
-     doubleDeclining},
-    {"VDB", 5, 7, "vvvvvvv", family, "原值,残值,寿命,起始期,截止期,[倍数],[不转直线]",
+const FunctionDescriptor depreciationTable[] = {
+    {"SLN", 3, 3, "vvv", depreciationFamily, "原值,残值,寿命", "返回直线法的每期折旧额", straightLine},
+    {"SYD", 4, 4, "vvvv", depreciationFamily, "原值,残值,寿命,期间", "返回年数总和法某一期的折旧额",
+     sumOfYears},
+    {"DB", 4, 5, "vvvvv", depreciationFamily, "原值,残值,寿命,期间,[首年月数]",
+     "返回固定余额递减法某一期的折旧额", fixedDecliningArgument},
+    {"DDB", 4, 5, "vvvvv", depreciationFamily, "原值,残值,寿命,期间,[倍数]",
+     "返回双倍余额递减法某一期的折旧额", doubleDeclining},
+    {"VDB", 5, 7, "vvvvvvv", depreciationFamily, "原值,残值,寿命,起始期,截止期,[倍数],[不转直线]",
      "返回余额递减法某段期间的折旧额，必要时转为直线法", variableDeclining},
-    {"AMORDEGRC", 6, 7, "vvvvvvv", family, "原值,购入日期,首期期末,残值,期间,折旧率,[基准]",
+    {"AMORDEGRC", 6, 7, "vvvvvvv", depreciationFamily, "原值,购入日期,首期期末,残值,期间,折旧率,[基准]",
      "返回法国会计制度下某一期的递减折旧额", proRata<false>},
-    {"AMORLINC", 6, 7, "vvvvvvv", family, "原值,购入日期,首期期末,残值,期间,折旧率,[基准]",
+    {"AMORLINC", 6, 7, "vvvvvvv", depreciationFamily, "原值,购入日期,首期期末,残值,期间,折旧率,[基准]",
      "返回法国会计制度下某一期的直线折旧额", proRata<true>},
 };
 
@@ -213,7 +214,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> depreciationFunctions()
 {
-    return table;
+    return depreciationTable;
 }
 
 } // namespace spreadsheet

@@ -160,39 +160,41 @@ Operand hypergeometricDistribution(Call& call)
     });
 }
 
-constexpr auto family = FunctionFamily::statistical;
+constexpr auto discreteDistributionFamily = FunctionFamily::statistical;
 constexpr std::string_view binomialArguments = "成功次数,试验次数,成功概率,累积";
 constexpr std::string_view quantileArguments = "试验次数,成功概率,临界概率";
 
-const FunctionDescriptor table[] = {
-    {"BINOMDIST", 4, 4, "vvvv", family, binomialArguments, "返回二项分布的概率或累积概率",
+const FunctionDescriptor discreteDistributionTable[] = {
+    {"BINOMDIST", 4, 4, "vvvv", discreteDistributionFamily, binomialArguments, "返回二项分布的概率或累积概率",
      binomialDistribution},
-    {"BINOM.DIST", 4, 4, "vvvv", family, binomialArguments, "返回二项分布的概率或累积概率",
-     binomialDistribution},
-    {"BINOM.DIST.RANGE", 3, 4, "vvvv", family, "试验次数,成功概率,成功次数,[最多成功次数]",
-     "返回二项分布中成功次数在给定范围内的概率", binomialRange},
-    {"CRITBINOM", 3, 3, "vvv", family, quantileArguments, "返回使累积二项概率不小于临界值的最小次数",
-     binomialQuantile},
-    {"BINOM.INV", 3, 3, "vvv", family, quantileArguments, "返回使累积二项概率不小于临界值的最小次数",
-     binomialQuantile},
-    {"NEGBINOMDIST", 3, 3, "vvv", family, "失败次数,成功次数,成功概率", "返回负二项分布的概率",
-     negativeBinomialDistribution<false>},
-    {"NEGBINOM.DIST", 4, 4, "vvvv", family, "失败次数,成功次数,成功概率,累积",
+    {"BINOM.DIST", 4, 4, "vvvv", discreteDistributionFamily, binomialArguments,
+     "返回二项分布的概率或累积概率", binomialDistribution},
+    {"BINOM.DIST.RANGE", 3, 4, "vvvv", discreteDistributionFamily,
+     "试验次数,成功概率,成功次数,[最多成功次数]", "返回二项分布中成功次数在给定范围内的概率", binomialRange},
+    {"CRITBINOM", 3, 3, "vvv", discreteDistributionFamily, quantileArguments,
+     "返回使累积二项概率不小于临界值的最小次数", binomialQuantile},
+    {"BINOM.INV", 3, 3, "vvv", discreteDistributionFamily, quantileArguments,
+     "返回使累积二项概率不小于临界值的最小次数", binomialQuantile},
+    {"NEGBINOMDIST", 3, 3, "vvv", discreteDistributionFamily, "失败次数,成功次数,成功概率",
+     "返回负二项分布的概率", negativeBinomialDistribution<false>},
+    {"NEGBINOM.DIST", 4, 4, "vvvv", discreteDistributionFamily, "失败次数,成功次数,成功概率,累积",
      "返回负二项分布的概率或累积概率", negativeBinomialDistribution<true>},
-    {"POISSON", 3, 3, "vvv", family, "次数,平均值,累积", "返回泊松分布的概率或累积概率", poissonDistribution},
-    {"POISSON.DIST", 3, 3, "vvv", family, "次数,平均值,累积", "返回泊松分布的概率或累积概率",
+    {"POISSON", 3, 3, "vvv", discreteDistributionFamily, "次数,平均值,累积", "返回泊松分布的概率或累积概率",
      poissonDistribution},
-    {"HYPGEOMDIST", 4, 4, "vvvv", family, "样本成功次数,样本容量,总体成功次数,总体容量",
+    {"POISSON.DIST", 3, 3, "vvv", discreteDistributionFamily, "次数,平均值,累积",
+     "返回泊松分布的概率或累积概率", poissonDistribution},
+    {"HYPGEOMDIST", 4, 4, "vvvv", discreteDistributionFamily, "样本成功次数,样本容量,总体成功次数,总体容量",
      "返回超几何分布的概率", hypergeometricDistribution<false>},
-    {"HYPGEOM.DIST", 5, 5, "vvvvv", family, "样本成功次数,样本容量,总体成功次数,总体容量,累积",
-     "返回超几何分布的概率或累积概率", hypergeometricDistribution<true>},
+    {"HYPGEOM.DIST", 5, 5, "vvvvv", discreteDistributionFamily,
+     "样本成功次数,样本容量,总体成功次数,总体容量,累积", "返回超几何分布的概率或累积概率",
+     hypergeometricDistribution<true>},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> discreteDistributionFunctions()
 {
-    return table;
+    return discreteDistributionTable;
 }
 
 } // namespace spreadsheet

@@ -95,30 +95,31 @@ Operand position(Call& call)
                  : Operand(CellError::value);
 }
 
-constexpr auto family = FunctionFamily::text;
+constexpr auto doubleByteTextFamily = FunctionFamily::text;
 
-const FunctionDescriptor table[] = {
-    {"LENB", 1, 1, "v", family, "文本", "返回文本的字节数，一个汉字计两个字节", length},
-    {"LEFTB", 1, 2, "vv", family, "文本,[字节数]", "返回文本开头的若干字节", left},
-    {"RIGHTB", 1, 2, "vv", family, "文本,[字节数]", "返回文本末尾的若干字节", right},
-    {"MIDB", 3, 3, "vvv", family, "文本,开始位置,字节数", "返回文本中从指定字节开始的若干字节", middle},
-    {"FINDB", 2, 3, "vvv", family, "要找的文本,文本,[开始位置]",
+const FunctionDescriptor doubleByteTextTable[] = {
+    {"LENB", 1, 1, "v", doubleByteTextFamily, "文本", "返回文本的字节数，一个汉字计两个字节", length},
+    {"LEFTB", 1, 2, "vv", doubleByteTextFamily, "文本,[字节数]", "返回文本开头的若干字节", left},
+    {"RIGHTB", 1, 2, "vv", doubleByteTextFamily, "文本,[字节数]", "返回文本末尾的若干字节", right},
+    {"MIDB", 3, 3, "vvv", doubleByteTextFamily, "文本,开始位置,字节数", "返回文本中从指定字节开始的若干字节",
+     middle},
+    {"FINDB", 2, 3, "vvv", doubleByteTextFamily, "要找的文本,文本,[开始位置]",
      "返回一段文本在另一段文本中的字节位置，区分大小写", position<false>},
-    {"SEARCHB", 2, 3, "vvv", family, "要找的文本,文本,[开始位置]",
+    {"SEARCHB", 2, 3, "vvv", doubleByteTextFamily, "要找的文本,文本,[开始位置]",
      "返回一段文本在另一段文本中的字节位置，不区分大小写，可用通配符", position<true>},
-    {"REPLACEB", 4, 4, "vvvv", family, "文本,开始位置,字节数,新文本", "将文本中指定的字节替换为新文本",
-     replaced},
-    {"ASC", 1, 1, "v", family, "文本", "将全角字符转换为半角字符", ofText<halfWidth>},
-    {"DBCS", 1, 1, "v", family, "文本", "将半角字符转换为全角字符", ofText<fullWidth>},
-    {"JIS", 1, 1, "v", family, "文本", "将半角字符转换为全角字符", ofText<fullWidth>},
-    {"WIDECHAR", 1, 1, "v", family, "文本", "将半角字符转换为全角字符", ofText<fullWidth>},
+    {"REPLACEB", 4, 4, "vvvv", doubleByteTextFamily, "文本,开始位置,字节数,新文本",
+     "将文本中指定的字节替换为新文本", replaced},
+    {"ASC", 1, 1, "v", doubleByteTextFamily, "文本", "将全角字符转换为半角字符", ofText<halfWidth>},
+    {"DBCS", 1, 1, "v", doubleByteTextFamily, "文本", "将半角字符转换为全角字符", ofText<fullWidth>},
+    {"JIS", 1, 1, "v", doubleByteTextFamily, "文本", "将半角字符转换为全角字符", ofText<fullWidth>},
+    {"WIDECHAR", 1, 1, "v", doubleByteTextFamily, "文本", "将半角字符转换为全角字符", ofText<fullWidth>},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> doubleByteTextFunctions()
 {
-    return table;
+    return doubleByteTextTable;
 }
 
 } // namespace spreadsheet

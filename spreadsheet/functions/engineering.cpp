@@ -87,31 +87,35 @@ double complement(double x)
     return std::erfc(x);
 }
 
-constexpr auto family = FunctionFamily::engineering;
+constexpr auto engineeringFamily = FunctionFamily::engineering;
 
-const FunctionDescriptor table[] = {
-    {"BESSELI", 2, 2, "vv", family, "数值,阶数", "返回修正的贝塞尔函数 In(x)", bessel<besselI, false>},
-    {"BESSELJ", 2, 2, "vv", family, "数值,阶数", "返回贝塞尔函数 Jn(x)", bessel<besselJ, false>},
-    {"BESSELK", 2, 2, "vv", family, "数值,阶数", "返回修正的贝塞尔函数 Kn(x)", bessel<besselK, true>},
-    {"BESSELY", 2, 2, "vv", family, "数值,阶数", "返回贝塞尔函数 Yn(x)", bessel<besselY, true>},
-    {"ERF", 1, 2, "vv", family, "下限,[上限]", "返回两个界限之间的误差函数", errorFunction},
-    {"ERF.PRECISE", 1, 1, "v", family, "数值", "返回从0到数值的误差函数",
+const FunctionDescriptor engineeringTable[] = {
+    {"BESSELI", 2, 2, "vv", engineeringFamily, "数值,阶数", "返回修正的贝塞尔函数 In(x)",
+     bessel<besselI, false>},
+    {"BESSELJ", 2, 2, "vv", engineeringFamily, "数值,阶数", "返回贝塞尔函数 Jn(x)", bessel<besselJ, false>},
+    {"BESSELK", 2, 2, "vv", engineeringFamily, "数值,阶数", "返回修正的贝塞尔函数 Kn(x)",
+     bessel<besselK, true>},
+    {"BESSELY", 2, 2, "vv", engineeringFamily, "数值,阶数", "返回贝塞尔函数 Yn(x)", bessel<besselY, true>},
+    {"ERF", 1, 2, "vv", engineeringFamily, "下限,[上限]", "返回两个界限之间的误差函数", errorFunction},
+    {"ERF.PRECISE", 1, 1, "v", engineeringFamily, "数值", "返回从0到数值的误差函数",
      ofPlainNumber<[](double x) { return std::erf(x); }>},
-    {"ERFC", 1, 1, "v", family, "数值", "返回从数值到无穷大的互补误差函数", ofPlainNumber<complement>},
-    {"ERFC.PRECISE", 1, 1, "v", family, "数值", "返回从数值到无穷大的互补误差函数",
+    {"ERFC", 1, 1, "v", engineeringFamily, "数值", "返回从数值到无穷大的互补误差函数",
      ofPlainNumber<complement>},
-    {"DELTA", 1, 2, "vv", family, "数值1,[数值2]", "两个数值相等时返回1，否则返回0",
+    {"ERFC.PRECISE", 1, 1, "v", engineeringFamily, "数值", "返回从数值到无穷大的互补误差函数",
+     ofPlainNumber<complement>},
+    {"DELTA", 1, 2, "vv", engineeringFamily, "数值1,[数值2]", "两个数值相等时返回1，否则返回0",
      compared<[](double a, double b) { return a == b; }>},
-    {"GESTEP", 1, 2, "vv", family, "数值,[阈值]", "数值大于等于阈值时返回1，否则返回0",
+    {"GESTEP", 1, 2, "vv", engineeringFamily, "数值,[阈值]", "数值大于等于阈值时返回1，否则返回0",
      compared<[](double a, double b) { return a >= b; }>},
-    {"CONVERT", 3, 3, "vvv", family, "数值,原单位,新单位", "将数值从一种度量单位转换为另一种", converted},
+    {"CONVERT", 3, 3, "vvv", engineeringFamily, "数值,原单位,新单位", "将数值从一种度量单位转换为另一种",
+     converted},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> engineeringFunctions()
 {
-    return table;
+    return engineeringTable;
 }
 
 } // namespace spreadsheet

@@ -56,7 +56,7 @@ Operand euroConverted(Call& call)
     return checked(full ? result : roundDecimal(result, target->decimals));
 }
 
-const FunctionDescriptor table[] = {
+const FunctionDescriptor euroTable[] = {
     {"EUROCONVERT", 3, 5, "vvvvv", FunctionFamily::financial, "数值,原货币,目标货币,[全精度],[中间位数]",
      "在欧元与欧元区原货币之间换算", euroConverted},
 };
@@ -65,7 +65,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> euroFunctions()
 {
-    return table;
+    return euroTable;
 }
 
 } // namespace spreadsheet

@@ -143,12 +143,13 @@ Operand extendedLookup(Call& call)
     return call.given(3) ? call[3] : Operand(CellError::na);
 }
 
-constexpr auto family = FunctionFamily::lookup;
+constexpr auto extendedLookupFamily = FunctionFamily::lookup;
 
-const FunctionDescriptor table[] = {
-    {"XLOOKUP", 3, 6, "vaarvv", family, "查找值,查找数组,返回数组,[未找到时],[匹配模式],[搜索模式]",
+const FunctionDescriptor extendedLookupTable[] = {
+    {"XLOOKUP", 3, 6, "vaarvv", extendedLookupFamily,
+     "查找值,查找数组,返回数组,[未找到时],[匹配模式],[搜索模式]",
      "在一行或一列中查找，返回另一区域中相同位置的值", extendedLookup},
-    {"XMATCH", 2, 4, "vavv", family, "查找值,查找数组,[匹配模式],[搜索模式]",
+    {"XMATCH", 2, 4, "vavv", extendedLookupFamily, "查找值,查找数组,[匹配模式],[搜索模式]",
      "返回查找值在一行或一列中的位置，可选匹配和搜索方式", extendedMatch},
 };
 
@@ -156,7 +157,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> extendedLookupFunctions()
 {
-    return table;
+    return extendedLookupTable;
 }
 
 } // namespace spreadsheet

@@ -68,39 +68,39 @@ Operand notAvailable(Call&)
     return CellError::na;
 }
 
-constexpr auto family = FunctionFamily::information;
+constexpr auto informationFamily = FunctionFamily::information;
 
-const FunctionDescriptor table[] = {
-    {"ISBLANK", 1, 1, "v", family, "值", "值为空单元格时返回 TRUE",
+const FunctionDescriptor informationTable[] = {
+    {"ISBLANK", 1, 1, "v", informationFamily, "值", "值为空单元格时返回 TRUE",
      about<[](const Value& value) { return value.isEmpty(); }>},
-    {"ISNUMBER", 1, 1, "v", family, "值", "值为数字时返回 TRUE",
+    {"ISNUMBER", 1, 1, "v", informationFamily, "值", "值为数字时返回 TRUE",
      about<[](const Value& value) { return value.isNumber(); }>},
-    {"ISTEXT", 1, 1, "v", family, "值", "值为文本时返回 TRUE",
+    {"ISTEXT", 1, 1, "v", informationFamily, "值", "值为文本时返回 TRUE",
      about<[](const Value& value) { return value.isText(); }>},
-    {"ISNONTEXT", 1, 1, "v", family, "值", "值不是文本时返回 TRUE",
+    {"ISNONTEXT", 1, 1, "v", informationFamily, "值", "值不是文本时返回 TRUE",
      about<[](const Value& value) { return !value.isText(); }>},
-    {"ISLOGICAL", 1, 1, "v", family, "值", "值为逻辑值时返回 TRUE",
+    {"ISLOGICAL", 1, 1, "v", informationFamily, "值", "值为逻辑值时返回 TRUE",
      about<[](const Value& value) { return value.isBoolean(); }>},
-    {"ISERROR", 1, 1, "v", family, "值", "值为任意错误值时返回 TRUE",
+    {"ISERROR", 1, 1, "v", informationFamily, "值", "值为任意错误值时返回 TRUE",
      about<[](const Value& value) { return value.isError(); }>},
-    {"ISERR", 1, 1, "v", family, "值", "值为除 #N/A 以外的错误值时返回 TRUE",
+    {"ISERR", 1, 1, "v", informationFamily, "值", "值为除 #N/A 以外的错误值时返回 TRUE",
      about<[](const Value& value) { return value.isError() && value.error() != CellError::na; }>},
-    {"ISNA", 1, 1, "v", family, "值", "值为错误值 #N/A 时返回 TRUE",
+    {"ISNA", 1, 1, "v", informationFamily, "值", "值为错误值 #N/A 时返回 TRUE",
      about<[](const Value& value) { return value.isError() && value.error() == CellError::na; }>},
-    {"ISREF", 1, 1, "r", family, "值", "值为引用时返回 TRUE", isReference, placesOnly},
-    {"ISEVEN", 1, 1, "v", family, "数值", "数值为偶数时返回 TRUE", parity<0>},
-    {"ISODD", 1, 1, "v", family, "数值", "数值为奇数时返回 TRUE", parity<1>},
-    {"NA", 0, 0, "", family, "", "返回错误值 #N/A", notAvailable},
-    {"N", 1, 1, "r", family, "值", "将值转换为数字，文本为0", asNumber},
-    {"ERROR.TYPE", 1, 1, "v", family, "错误值", "返回错误类型的编号", errorNumber},
-    {"TYPE", 1, 1, "r", family, "值", "返回值的数据类型编号", typeNumber},
+    {"ISREF", 1, 1, "r", informationFamily, "值", "值为引用时返回 TRUE", isReference, placesOnly},
+    {"ISEVEN", 1, 1, "v", informationFamily, "数值", "数值为偶数时返回 TRUE", parity<0>},
+    {"ISODD", 1, 1, "v", informationFamily, "数值", "数值为奇数时返回 TRUE", parity<1>},
+    {"NA", 0, 0, "", informationFamily, "", "返回错误值 #N/A", notAvailable},
+    {"N", 1, 1, "r", informationFamily, "值", "将值转换为数字，文本为0", asNumber},
+    {"ERROR.TYPE", 1, 1, "v", informationFamily, "错误值", "返回错误类型的编号", errorNumber},
+    {"TYPE", 1, 1, "r", informationFamily, "值", "返回值的数据类型编号", typeNumber},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> informationFunctions()
 {
-    return table;
+    return informationTable;
 }
 
 } // namespace spreadsheet

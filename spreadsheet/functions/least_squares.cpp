@@ -12,7 +12,7 @@ namespace {
 
 using Columns = std::vector<std::vector<double>>;
 
-double product(const std::vector<double>& a, const std::vector<double>& b)
+double dotProduct(const std::vector<double>& a, const std::vector<double>& b)
 {
     RunningSum sum;
     for (std::size_t i = 0; i < a.size(); ++i)
@@ -51,7 +51,7 @@ public:
         std::vector<double> parts(m_triangle.size());
         for (int pass = 0; pass < 2; ++pass) {
             for (std::size_t k = 0; k < m_used.size(); ++k) {
-                const double part = product(m_columns[k], heights);
+                const double part = dotProduct(m_columns[k], heights);
                 subtract(heights, m_columns[k], part);
                 parts[m_used[k]] += part;
             }
@@ -78,15 +78,15 @@ private:
     void add(std::vector<double> column, std::size_t j)
     {
         constexpr double dependent = 1e-12; // so little is left of a column that others determine
-        const double length = std::sqrt(product(column, column));
+        const double length = std::sqrt(dotProduct(column, column));
         for (int pass = 0; pass < 2; ++pass) {
             for (std::size_t k = 0; k < m_used.size(); ++k) {
-                const double part = product(m_columns[k], column);
+                const double part = dotProduct(m_columns[k], column);
                 subtract(column, m_columns[k], part);
                 m_triangle[m_used[k]][j] += part;
             }
         }
-        const double left = std::sqrt(product(column, column));
+        const double left = std::sqrt(dotProduct(column, column));
         if (!(left > length * dependent))
             return;
         m_triangle[j][j] = left;
@@ -136,13 +136,13 @@ LeastSquares fitted(const Columns& variables, const std::vector<double>& heights
             centre(columns[j], means[j] = meanOf(columns[j]));
         centre(rest, meanHeight);
     }
-    const double allSquares = product(rest, rest);
+    const double allSquares = dotProduct(rest, rest);
     const Orthogonal orthogonal(columns);
 
     LeastSquares fit;
     fit.slopes = orthogonal.explain(rest);
-    fit.intercept = meanHeight - product(fit.slopes, means);
-    fit.residualSquares = product(rest, rest);
+    fit.intercept = meanHeight - dotProduct(fit.slopes, means);
+    fit.residualSquares = dotProduct(rest, rest);
     constexpr double noise = 1e-28; // points on the line leave nothing
     if (fit.residualSquares < allSquares * noise)
         fit.residualSquares = 0;
@@ -158,12 +158,12 @@ LeastSquares fitted(const Columns& variables, const std::vector<double>& heights
     double meanVariance = 1 / count;
     std::vector<double> meanParts(columns.size());
     for (std::size_t i = 0; const std::vector<double>& row : orthogonal.inverse()) {
-        fit.slopeErrors.push_back(std::sqrt(residualVariance * product(row, row)));
+        fit.slopeErrors.push_back(std::sqrt(residualVariance * dotProduct(row, row)));
         for (std::size_t j = 0; j < row.size(); ++j)
             meanParts[j] += means[i] * row[j];
         ++i;
     }
-    meanVariance += product(meanParts, meanParts);
+    meanVariance += dotProduct(meanParts, meanParts);
     fit.interceptError = std::sqrt(residualVariance * meanVariance);
     return fit;
 }

@@ -101,35 +101,35 @@ Operand negation(Call& call)
     return call.failed() ? call.error() : truth(!value);
 }
 
-constexpr auto family = FunctionFamily::logical;
+constexpr auto logicalFamily = FunctionFamily::logical;
 
-const FunctionDescriptor table[] = {
-    {"IF", 2, 3, "vvv", family, "条件,真值,[假值]", "判断条件是否成立，成立返回一个值，否则返回另一个值",
-     chooseByCondition, branches},
-    {"IFS", 2, manyArguments, "vv", family, "条件1,值1,[…]", "返回第一个成立的条件所对应的值", firstTrue,
-     pure, 2},
-    {"SWITCH", 3, manyArguments, "vvv", family, "表达式,值1,结果1,[…],[默认值]",
+const FunctionDescriptor logicalTable[] = {
+    {"IF", 2, 3, "vvv", logicalFamily, "条件,真值,[假值]",
+     "判断条件是否成立，成立返回一个值，否则返回另一个值", chooseByCondition, branches},
+    {"IFS", 2, manyArguments, "vv", logicalFamily, "条件1,值1,[…]", "返回第一个成立的条件所对应的值",
+     firstTrue, pure, 2},
+    {"SWITCH", 3, manyArguments, "vvv", logicalFamily, "表达式,值1,结果1,[…],[默认值]",
      "返回与表达式相等的第一个值所对应的结果", firstEqual, pure, 2},
-    {"IFERROR", 2, 2, "vv", family, "值,错误时的值", "如果值是错误则返回另一个值，否则返回该值",
+    {"IFERROR", 2, 2, "vv", logicalFamily, "值,错误时的值", "如果值是错误则返回另一个值，否则返回该值",
      otherwiseIfError, branches},
-    {"IFNA", 2, 2, "vv", family, "值,无结果时的值", "如果值是 #N/A 则返回另一个值，否则返回该值",
+    {"IFNA", 2, 2, "vv", logicalFamily, "值,无结果时的值", "如果值是 #N/A 则返回另一个值，否则返回该值",
      otherwiseIfNotAvailable, branches},
-    {"AND", 1, manyArguments, "r", family, "逻辑值1,[逻辑值2,…]", "所有参数都为真时返回 TRUE",
+    {"AND", 1, manyArguments, "r", logicalFamily, "逻辑值1,[逻辑值2,…]", "所有参数都为真时返回 TRUE",
      ofTruths<[](const Truths& t) { return t.held == t.all; }>},
-    {"OR", 1, manyArguments, "r", family, "逻辑值1,[逻辑值2,…]", "任一参数为真时返回 TRUE",
+    {"OR", 1, manyArguments, "r", logicalFamily, "逻辑值1,[逻辑值2,…]", "任一参数为真时返回 TRUE",
      ofTruths<[](const Truths& t) { return t.held != 0; }>},
-    {"XOR", 1, manyArguments, "r", family, "逻辑值1,[逻辑值2,…]", "为真的参数有奇数个时返回 TRUE",
+    {"XOR", 1, manyArguments, "r", logicalFamily, "逻辑值1,[逻辑值2,…]", "为真的参数有奇数个时返回 TRUE",
      ofTruths<[](const Truths& t) { return t.held % 2 == 1; }>},
-    {"NOT", 1, 1, "v", family, "逻辑值", "对逻辑值求反", negation},
-    {"TRUE", 0, 0, "", family, "", "返回逻辑值 TRUE", [](Call&) { return truth(true); }},
-    {"FALSE", 0, 0, "", family, "", "返回逻辑值 FALSE", [](Call&) { return truth(false); }},
+    {"NOT", 1, 1, "v", logicalFamily, "逻辑值", "对逻辑值求反", negation},
+    {"TRUE", 0, 0, "", logicalFamily, "", "返回逻辑值 TRUE", [](Call&) { return truth(true); }},
+    {"FALSE", 0, 0, "", logicalFamily, "", "返回逻辑值 FALSE", [](Call&) { return truth(false); }},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> logicalFunctions()
 {
-    return table;
+    return logicalTable;
 }
 
 } // namespace spreadsheet

@@ -174,46 +174,49 @@ Operand withoutSource(Call&)
     return error;
 }
 
-constexpr auto family = FunctionFamily::lookup;
+constexpr auto lookupFamily = FunctionFamily::lookup;
 constexpr auto unlistedVolatile = static_cast<std::uint8_t>(readsUnlisted | isVolatile);
 
-const FunctionDescriptor table[] = {
-    {"VLOOKUP", 3, 4, "vrvv", family, "查找值,数据表,列序号,[近似匹配]",
+const FunctionDescriptor lookupTable[] = {
+    {"VLOOKUP", 3, 4, "vrvv", lookupFamily, "查找值,数据表,列序号,[近似匹配]",
      "在数据表的首列查找，返回同一行中指定列的值", lookUpInTable<true>},
-    {"HLOOKUP", 3, 4, "vrvv", family, "查找值,数据表,行序号,[近似匹配]",
+    {"HLOOKUP", 3, 4, "vrvv", lookupFamily, "查找值,数据表,行序号,[近似匹配]",
      "在数据表的首行查找，返回同一列中指定行的值", lookUpInTable<false>},
-    {"LOOKUP", 2, 3, "vaa", family, "查找值,查找向量,[结果向量]",
+    {"LOOKUP", 2, 3, "vaa", lookupFamily, "查找值,查找向量,[结果向量]",
      "在升序的一行或一列中查找，返回结果向量中相同位置的值", lookUp},
-    {"INDEX", 2, 4, "avvv", family, "区域,行序号,[列序号],[区域序号]", "返回区域中指定行列的单元格或整行整列",
-     indexed, placesAsCorner},
-    {"MATCH", 2, 3, "vrv", family, "查找值,查找区域,[匹配类型]", "返回查找值在一行或一列中的位置", match},
-    {"CHOOSE", 2, manyArguments, "vv", family, "序号,值1,[值2,…]", "按序号从各参数中选取一个值",
+    {"INDEX", 2, 4, "avvv", lookupFamily, "区域,行序号,[列序号],[区域序号]",
+     "返回区域中指定行列的单元格或整行整列", indexed, placesAsCorner},
+    {"MATCH", 2, 3, "vrv", lookupFamily, "查找值,查找区域,[匹配类型]", "返回查找值在一行或一列中的位置",
+     match},
+    {"CHOOSE", 2, manyArguments, "vv", lookupFamily, "序号,值1,[值2,…]", "按序号从各参数中选取一个值",
      chooseByNumber, branches},
-    {"ROW", 0, 1, "r", family, "[引用]", "返回引用的行号", positions<true>, dependsOnPlace | placesOnly},
-    {"COLUMN", 0, 1, "r", family, "[引用]", "返回引用的列号", positions<false>, dependsOnPlace | placesOnly},
-    {"ROWS", 1, 1, "a", family, "区域", "返回区域或数组的行数", size<true>, placesOnly},
-    {"COLUMNS", 1, 1, "a", family, "区域", "返回区域或数组的列数", size<false>, placesOnly},
-    {"AREAS", 1, 1, "r", family, "引用", "返回引用中包含的区域个数", areaCount, placesOnly},
-    {"OFFSET", 3, 5, "rvvvv", family, "引用,行偏移,[列偏移],[行数],[列数]",
+    {"ROW", 0, 1, "r", lookupFamily, "[引用]", "返回引用的行号", positions<true>,
+     dependsOnPlace | placesOnly},
+    {"COLUMN", 0, 1, "r", lookupFamily, "[引用]", "返回引用的列号", positions<false>,
+     dependsOnPlace | placesOnly},
+    {"ROWS", 1, 1, "a", lookupFamily, "区域", "返回区域或数组的行数", size<true>, placesOnly},
+    {"COLUMNS", 1, 1, "a", lookupFamily, "区域", "返回区域或数组的列数", size<false>, placesOnly},
+    {"AREAS", 1, 1, "r", lookupFamily, "引用", "返回引用中包含的区域个数", areaCount, placesOnly},
+    {"OFFSET", 3, 5, "rvvvv", lookupFamily, "引用,行偏移,[列偏移],[行数],[列数]",
      "返回从给定引用偏移若干行列的区域", moved, unlistedVolatile | placesOnly},
-    {"INDIRECT", 1, 2, "vv", family, "引用文本,[A1样式]", "返回文本所指的单元格或区域", referenceOfText,
+    {"INDIRECT", 1, 2, "vv", lookupFamily, "引用文本,[A1样式]", "返回文本所指的单元格或区域", referenceOfText,
      unlistedVolatile},
-    {"ADDRESS", 2, 5, "vvvvv", family, "行号,列号,[引用类型],[A1样式],[工作表名]",
+    {"ADDRESS", 2, 5, "vvvvv", lookupFamily, "行号,列号,[引用类型],[A1样式],[工作表名]",
      "按行号和列号返回单元格地址文本", addressText},
-    {"HYPERLINK", 1, 2, "vr", family, "链接地址,[显示文本]", "返回链接的显示文本", hyperlink},
-    {"FORMULATEXT", 1, 1, "r", family, "引用", "返回单元格中公式的文本", formulaText, isVolatile},
-    {"GETPIVOTDATA", 2, manyArguments, "rr", family, "数据字段,数据透视表,[字段和项,…]",
+    {"HYPERLINK", 1, 2, "vr", lookupFamily, "链接地址,[显示文本]", "返回链接的显示文本", hyperlink},
+    {"FORMULATEXT", 1, 1, "r", lookupFamily, "引用", "返回单元格中公式的文本", formulaText, isVolatile},
+    {"GETPIVOTDATA", 2, manyArguments, "rr", lookupFamily, "数据字段,数据透视表,[字段和项,…]",
      "返回数据透视表中的数据；本系统没有数据透视表，返回 #REF!", withoutSource<CellError::ref>},
-    {"RTD", 3, manyArguments, "v", family, "程序标识,服务器,主题,[…]",
+    {"RTD", 3, manyArguments, "v", lookupFamily, "程序标识,服务器,主题,[…]",
      "返回实时数据；本系统没有实时数据源，返回 #N/A", withoutSource<CellError::na>},
-    {"TRANSPOSE", 1, 1, "a", family, "数组", "返回行列互换的数组", transposed},
+    {"TRANSPOSE", 1, 1, "a", lookupFamily, "数组", "返回行列互换的数组", transposed},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> lookupFunctions()
 {
-    return table;
+    return lookupTable;
 }
 
 } // namespace spreadsheet

@@ -129,45 +129,54 @@ Operand randomBetween(double low, double high)
         static_cast<long long>(low), static_cast<long long>(high))(randomness()));
 }
 
-constexpr auto family = FunctionFamily::mathematical;
+constexpr auto mathematicalFamily = FunctionFamily::mathematical;
 
-const FunctionDescriptor table[] = {
-    {"SUM", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回所有参数之和", sum},
-    {"PRODUCT", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回所有参数的乘积", product},
-    {"SUMSQ", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回所有参数的平方和", sumOfSquares},
-    {"SUMPRODUCT", 1, manyArguments, "a", family, "数组1,[数组2,…]", "把各数组中对应的元素相乘，返回乘积之和",
-     sumProduct},
-    {"SUMIF", 2, 3, "rvr", family, "区域,条件,[求和区域]", "对满足条件的单元格求和", sumIf, sumsBeside},
-    {"SUMIFS", 3, manyArguments, "rrv", family, "求和区域,条件区域1,条件1,[…]", "对满足多个条件的单元格求和",
-     sumIfs, pure, 2},
-    {"SUBTOTAL", 2, manyArguments, "vr", family, "功能代码,引用1,[引用2,…]",
+const FunctionDescriptor mathematicalTable[] = {
+    {"SUM", 1, manyArguments, "r", mathematicalFamily, "数值1,[数值2,…]", "返回所有参数之和", sum},
+    {"PRODUCT", 1, manyArguments, "r", mathematicalFamily, "数值1,[数值2,…]", "返回所有参数的乘积", product},
+    {"SUMSQ", 1, manyArguments, "r", mathematicalFamily, "数值1,[数值2,…]", "返回所有参数的平方和",
+     sumOfSquares},
+    {"SUMPRODUCT", 1, manyArguments, "a", mathematicalFamily, "数组1,[数组2,…]",
+     "把各数组中对应的元素相乘，返回乘积之和", sumProduct},
+    {"SUMIF", 2, 3, "rvr", mathematicalFamily, "区域,条件,[求和区域]", "对满足条件的单元格求和", sumIf,
+     sumsBeside},
+    {"SUMIFS", 3, manyArguments, "rrv", mathematicalFamily, "求和区域,条件区域1,条件1,[…]",
+     "对满足多个条件的单元格求和", sumIfs, pure, 2},
+    {"SUBTOTAL", 2, manyArguments, "vr", mathematicalFamily, "功能代码,引用1,[引用2,…]",
      "返回列表的分类汇总，其中已有的分类汇总不重复计算", subtotal},
-    {"ABS", 1, 1, "v", family, "数值", "返回数值的绝对值", ofNumber<[](double x) { return std::fabs(x); }>},
-    {"SIGN", 1, 1, "v", family, "数值", "返回数值的符号：正数为1，零为0，负数为-1",
+    {"ABS", 1, 1, "v", mathematicalFamily, "数值", "返回数值的绝对值",
+     ofNumber<[](double x) { return std::fabs(x); }>},
+    {"SIGN", 1, 1, "v", mathematicalFamily, "数值", "返回数值的符号：正数为1，零为0，负数为-1",
      ofNumber<[](double x) { return static_cast<double>((x > 0) - (x < 0)); }>},
-    {"SQRT", 1, 1, "v", family, "数值", "返回数值的正平方根",
+    {"SQRT", 1, 1, "v", mathematicalFamily, "数值", "返回数值的正平方根",
      ofNumber<[](double x) { return std::sqrt(x); }>},
-    {"POWER", 2, 2, "vv", family, "底数,指数", "返回数值的乘幂",
+    {"POWER", 2, 2, "vv", mathematicalFamily, "底数,指数", "返回数值的乘幂",
      ofNumbers<[](double a, double b) { return arithmetic(Op::power, a, b); }>},
-    {"EXP", 1, 1, "v", family, "指数", "返回 e 的乘幂", ofNumber<[](double x) { return std::exp(x); }>},
-    {"LN", 1, 1, "v", family, "数值", "返回数值的自然对数", ofNumber<[](double x) { return std::log(x); }>},
-    {"LOG", 1, 2, "vv", family, "数值,[底数]", "返回数值对指定底数的对数，底数默认为10", logarithm},
-    {"LOG10", 1, 1, "v", family, "数值", "返回数值以10为底的对数",
+    {"EXP", 1, 1, "v", mathematicalFamily, "指数", "返回 e 的乘幂",
+     ofNumber<[](double x) { return std::exp(x); }>},
+    {"LN", 1, 1, "v", mathematicalFamily, "数值", "返回数值的自然对数",
+     ofNumber<[](double x) { return std::log(x); }>},
+    {"LOG", 1, 2, "vv", mathematicalFamily, "数值,[底数]", "返回数值对指定底数的对数，底数默认为10",
+     logarithm},
+    {"LOG10", 1, 1, "v", mathematicalFamily, "数值", "返回数值以10为底的对数",
      ofNumber<[](double x) { return std::log10(x); }>},
-    {"MOD", 2, 2, "vv", family, "被除数,除数", "返回两数相除的余数，符号与除数相同", ofNumbers<remainder>},
-    {"QUOTIENT", 2, 2, "vv", family, "被除数,除数", "返回除法的整数部分", ofPlainNumbers<quotient>},
-    {"RAND", 0, 0, "", family, "", "返回大于等于0且小于1的随机数", randomFraction, isVolatile},
-    {"RANDBETWEEN", 2, 2, "vv", family, "最小值,最大值", "返回两数之间的随机整数",
+    {"MOD", 2, 2, "vv", mathematicalFamily, "被除数,除数", "返回两数相除的余数，符号与除数相同",
+     ofNumbers<remainder>},
+    {"QUOTIENT", 2, 2, "vv", mathematicalFamily, "被除数,除数", "返回除法的整数部分",
+     ofPlainNumbers<quotient>},
+    {"RAND", 0, 0, "", mathematicalFamily, "", "返回大于等于0且小于1的随机数", randomFraction, isVolatile},
+    {"RANDBETWEEN", 2, 2, "vv", mathematicalFamily, "最小值,最大值", "返回两数之间的随机整数",
      ofPlainNumbers<randomBetween>, isVolatile},
-    {"SQRTPI", 1, 1, "v", family, "数值", "返回数值与 π 的乘积的平方根", rootOfPi},
-    {"SERIESSUM", 4, 4, "vvvr", family, "x,首项乘幂,乘幂增量,系数", "返回幂级数的和", powerSeries},
-    {"SUMX2MY2", 2, 2, "aa", family, "数组x,数组y", "返回两数组中对应数值的平方差之和",
+    {"SQRTPI", 1, 1, "v", mathematicalFamily, "数值", "返回数值与 π 的乘积的平方根", rootOfPi},
+    {"SERIESSUM", 4, 4, "vvvr", mathematicalFamily, "x,首项乘幂,乘幂增量,系数", "返回幂级数的和",
+     powerSeries},
+    {"SUMX2MY2", 2, 2, "aa", mathematicalFamily, "数组x,数组y", "返回两数组中对应数值的平方差之和",
      pairedSum<[](double x, double y) { return x * x - y * y; }>},
-    {"SUMX2PY2", 2, 2, "aa", family, "数组x,数组y", "返回两数组中对应数值的平方和之和",
+    {"SUMX2PY2", 2, 2, "aa", mathematicalFamily, "数组x,数组y", "返回两数组中对应数值的平方和之和",
      pairedSum<[](double x, double y) { return x * x + y * y; }>},
-    {"SUMXMY2", 2, 2, "aa", family, "数组x,数组y", "返回两数组中对应数值之差的平方和",
+    {"SUMXMY2", 2, 2, "aa", mathematicalFamily, "数组x,数组y", "返回两数组中对应数值之差的平方和",
      pairedSum<[](double x, double y) { return (x - y) * (x - y); }>},
-    {"AGGREGATE", 3, manyArguments, "vva", family, "功能代码,选项,数组,[k或引用,…]",
+    {"AGGREGATE", 3, manyArguments, "vva", mathematicalFamily, "功能代码,选项,数组,[k或引用,…]",
      "返回列表的汇总，可忽略隐藏行、错误值和已有的汇总", aggregate},
 };
 
@@ -180,7 +189,7 @@ double randomShare()
 
 std::span<const FunctionDescriptor> mathematicalFunctions()
 {
-    return table;
+    return mathematicalTable;
 }
 
 } // namespace spreadsheet

@@ -185,20 +185,20 @@ Operand unitMatrix(Call& call)
     return arrayResult(result);
 }
 
-constexpr auto family = FunctionFamily::mathematical;
+constexpr auto matrixFamily = FunctionFamily::mathematical;
 
-const FunctionDescriptor table[] = {
-    {"MDETERM", 1, 1, "a", family, "数组", "返回方阵的行列式", determinant},
-    {"MINVERSE", 1, 1, "a", family, "数组", "返回方阵的逆矩阵", inverse},
-    {"MMULT", 2, 2, "aa", family, "数组1,数组2", "返回两个矩阵的乘积", product},
-    {"MUNIT", 1, 1, "v", family, "维数", "返回指定维数的单位矩阵", unitMatrix},
+const FunctionDescriptor matrixTable[] = {
+    {"MDETERM", 1, 1, "a", matrixFamily, "数组", "返回方阵的行列式", determinant},
+    {"MINVERSE", 1, 1, "a", matrixFamily, "数组", "返回方阵的逆矩阵", inverse},
+    {"MMULT", 2, 2, "aa", matrixFamily, "数组1,数组2", "返回两个矩阵的乘积", product},
+    {"MUNIT", 1, 1, "v", matrixFamily, "维数", "返回指定维数的单位矩阵", unitMatrix},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> matrixFunctions()
 {
-    return table;
+    return matrixTable;
 }
 
 } // namespace spreadsheet

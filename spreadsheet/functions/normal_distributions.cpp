@@ -106,41 +106,48 @@ Operand fisherTransform(Call& call)
     return inRangeOrNum(call, x > -1 && x < 1, [&] { return std::atanh(x); });
 }
 
-constexpr auto family = FunctionFamily::statistical;
+constexpr auto normalDistributionFamily = FunctionFamily::statistical;
 constexpr std::string_view normalArguments = "x,平均值,标准偏差,累积";
 constexpr std::string_view quantileArguments = "概率,平均值,标准偏差";
 
-const FunctionDescriptor table[] = {
-    {"NORMDIST", 4, 4, "vvvv", family, normalArguments, "返回正态分布的累积概率或密度", normalDistribution},
-    {"NORM.DIST", 4, 4, "vvvv", family, normalArguments, "返回正态分布的累积概率或密度", normalDistribution},
-    {"NORMINV", 3, 3, "vvv", family, quantileArguments, "返回正态分布累积概率的反函数值", normalQuantile},
-    {"NORM.INV", 3, 3, "vvv", family, quantileArguments, "返回正态分布累积概率的反函数值", normalQuantile},
-    {"NORMSDIST", 1, 1, "v", family, "z", "返回标准正态分布的累积概率", ofNumber<share>},
-    {"NORM.S.DIST", 2, 2, "vv", family, "z,累积", "返回标准正态分布的累积概率或密度", standardDistribution},
-    {"NORMSINV", 1, 1, "v", family, "概率", "返回标准正态分布累积概率的反函数值", standardQuantile},
-    {"NORM.S.INV", 1, 1, "v", family, "概率", "返回标准正态分布累积概率的反函数值", standardQuantile},
-    {"PHI", 1, 1, "v", family, "x", "返回标准正态分布的密度",
+const FunctionDescriptor normalDistributionTable[] = {
+    {"NORMDIST", 4, 4, "vvvv", normalDistributionFamily, normalArguments, "返回正态分布的累积概率或密度",
+     normalDistribution},
+    {"NORM.DIST", 4, 4, "vvvv", normalDistributionFamily, normalArguments, "返回正态分布的累积概率或密度",
+     normalDistribution},
+    {"NORMINV", 3, 3, "vvv", normalDistributionFamily, quantileArguments, "返回正态分布累积概率的反函数值",
+     normalQuantile},
+    {"NORM.INV", 3, 3, "vvv", normalDistributionFamily, quantileArguments, "返回正态分布累积概率的反函数值",
+     normalQuantile},
+    {"NORMSDIST", 1, 1, "v", normalDistributionFamily, "z", "返回标准正态分布的累积概率", ofNumber<share>},
+    {"NORM.S.DIST", 2, 2, "vv", normalDistributionFamily, "z,累积", "返回标准正态分布的累积概率或密度",
+     standardDistribution},
+    {"NORMSINV", 1, 1, "v", normalDistributionFamily, "概率", "返回标准正态分布累积概率的反函数值",
+     standardQuantile},
+    {"NORM.S.INV", 1, 1, "v", normalDistributionFamily, "概率", "返回标准正态分布累积概率的反函数值",
+     standardQuantile},
+    {"PHI", 1, 1, "v", normalDistributionFamily, "x", "返回标准正态分布的密度",
      ofNumber<[](double x) { return pdf(standardNormal, x); }>},
-    {"GAUSS", 1, 1, "v", family, "z", "返回标准正态分布在平均值与 z 之间的概率",
+    {"GAUSS", 1, 1, "v", normalDistributionFamily, "z", "返回标准正态分布在平均值与 z 之间的概率",
      ofNumber<[](double z) { return std::erf(z * std::numbers::sqrt2 / 2) / 2; }>},
-    {"LOGNORMDIST", 3, 3, "vvv", family, "x,平均值,标准偏差", "返回对数正态分布的累积概率",
+    {"LOGNORMDIST", 3, 3, "vvv", normalDistributionFamily, "x,平均值,标准偏差", "返回对数正态分布的累积概率",
      logNormalDistribution<false>},
-    {"LOGNORM.DIST", 4, 4, "vvvv", family, normalArguments, "返回对数正态分布的累积概率或密度",
-     logNormalDistribution<true>},
-    {"LOGINV", 3, 3, "vvv", family, quantileArguments, "返回对数正态分布累积概率的反函数值",
+    {"LOGNORM.DIST", 4, 4, "vvvv", normalDistributionFamily, normalArguments,
+     "返回对数正态分布的累积概率或密度", logNormalDistribution<true>},
+    {"LOGINV", 3, 3, "vvv", normalDistributionFamily, quantileArguments, "返回对数正态分布累积概率的反函数值",
      logNormalQuantile},
-    {"LOGNORM.INV", 3, 3, "vvv", family, quantileArguments, "返回对数正态分布累积概率的反函数值",
-     logNormalQuantile},
-    {"STANDARDIZE", 3, 3, "vvv", family, "x,平均值,标准偏差", "返回按平均值和标准偏差正态化的数值",
-     standardized},
-    {"CONFIDENCE", 3, 3, "vvv", family, "显著水平,标准偏差,样本容量",
+    {"LOGNORM.INV", 3, 3, "vvv", normalDistributionFamily, quantileArguments,
+     "返回对数正态分布累积概率的反函数值", logNormalQuantile},
+    {"STANDARDIZE", 3, 3, "vvv", normalDistributionFamily, "x,平均值,标准偏差",
+     "返回按平均值和标准偏差正态化的数值", standardized},
+    {"CONFIDENCE", 3, 3, "vvv", normalDistributionFamily, "显著水平,标准偏差,样本容量",
      "返回总体平均值的置信区间的一半(正态分布)", confidence<false>},
-    {"CONFIDENCE.NORM", 3, 3, "vvv", family, "显著水平,标准偏差,样本容量",
+    {"CONFIDENCE.NORM", 3, 3, "vvv", normalDistributionFamily, "显著水平,标准偏差,样本容量",
      "返回总体平均值的置信区间的一半(正态分布)", confidence<false>},
-    {"CONFIDENCE.T", 3, 3, "vvv", family, "显著水平,标准偏差,样本容量",
+    {"CONFIDENCE.T", 3, 3, "vvv", normalDistributionFamily, "显著水平,标准偏差,样本容量",
      "返回总体平均值的置信区间的一半(t 分布)", confidence<true>},
-    {"FISHER", 1, 1, "v", family, "x", "返回 x 的 Fisher 变换", fisherTransform},
-    {"FISHERINV", 1, 1, "v", family, "y", "返回 Fisher 变换的反函数值",
+    {"FISHER", 1, 1, "v", normalDistributionFamily, "x", "返回 x 的 Fisher 变换", fisherTransform},
+    {"FISHERINV", 1, 1, "v", normalDistributionFamily, "y", "返回 Fisher 变换的反函数值",
      ofNumber<[](double y) { return std::tanh(y); }>},
 };
 
@@ -148,7 +155,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> normalDistributionFunctions()
 {
-    return table;
+    return normalDistributionTable;
 }
 
 } // namespace spreadsheet

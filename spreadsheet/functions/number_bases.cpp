@@ -167,34 +167,39 @@ Operand shifted(Call& call)
     return result < bitLimit ? Operand(result) : Operand(CellError::num);
 }
 
-constexpr auto family = FunctionFamily::engineering;
+constexpr auto numberBaseFamily = FunctionFamily::engineering;
 
-const FunctionDescriptor table[] = {
-    {"BIN2DEC", 1, 1, "v", family, "二进制数", "将二进制数转换为十进制数", toDecimal<binary>},
-    {"BIN2HEX", 1, 2, "vv", family, "二进制数,[位数]", "将二进制数转换为十六进制数",
+const FunctionDescriptor numberBaseTable[] = {
+    {"BIN2DEC", 1, 1, "v", numberBaseFamily, "二进制数", "将二进制数转换为十进制数", toDecimal<binary>},
+    {"BIN2HEX", 1, 2, "vv", numberBaseFamily, "二进制数,[位数]", "将二进制数转换为十六进制数",
      rewritten<binary, hexadecimal>},
-    {"BIN2OCT", 1, 2, "vv", family, "二进制数,[位数]", "将二进制数转换为八进制数", rewritten<binary, octal>},
-    {"DEC2BIN", 1, 2, "vv", family, "十进制数,[位数]", "将十进制数转换为二进制数", fromDecimal<binary>},
-    {"DEC2HEX", 1, 2, "vv", family, "十进制数,[位数]", "将十进制数转换为十六进制数",
+    {"BIN2OCT", 1, 2, "vv", numberBaseFamily, "二进制数,[位数]", "将二进制数转换为八进制数",
+     rewritten<binary, octal>},
+    {"DEC2BIN", 1, 2, "vv", numberBaseFamily, "十进制数,[位数]", "将十进制数转换为二进制数",
+     fromDecimal<binary>},
+    {"DEC2HEX", 1, 2, "vv", numberBaseFamily, "十进制数,[位数]", "将十进制数转换为十六进制数",
      fromDecimal<hexadecimal>},
-    {"DEC2OCT", 1, 2, "vv", family, "十进制数,[位数]", "将十进制数转换为八进制数", fromDecimal<octal>},
-    {"HEX2BIN", 1, 2, "vv", family, "十六进制数,[位数]", "将十六进制数转换为二进制数",
+    {"DEC2OCT", 1, 2, "vv", numberBaseFamily, "十进制数,[位数]", "将十进制数转换为八进制数",
+     fromDecimal<octal>},
+    {"HEX2BIN", 1, 2, "vv", numberBaseFamily, "十六进制数,[位数]", "将十六进制数转换为二进制数",
      rewritten<hexadecimal, binary>},
-    {"HEX2DEC", 1, 1, "v", family, "十六进制数", "将十六进制数转换为十进制数", toDecimal<hexadecimal>},
-    {"HEX2OCT", 1, 2, "vv", family, "十六进制数,[位数]", "将十六进制数转换为八进制数",
+    {"HEX2DEC", 1, 1, "v", numberBaseFamily, "十六进制数", "将十六进制数转换为十进制数",
+     toDecimal<hexadecimal>},
+    {"HEX2OCT", 1, 2, "vv", numberBaseFamily, "十六进制数,[位数]", "将十六进制数转换为八进制数",
      rewritten<hexadecimal, octal>},
-    {"OCT2BIN", 1, 2, "vv", family, "八进制数,[位数]", "将八进制数转换为二进制数", rewritten<octal, binary>},
-    {"OCT2DEC", 1, 1, "v", family, "八进制数", "将八进制数转换为十进制数", toDecimal<octal>},
-    {"OCT2HEX", 1, 2, "vv", family, "八进制数,[位数]", "将八进制数转换为十六进制数",
+    {"OCT2BIN", 1, 2, "vv", numberBaseFamily, "八进制数,[位数]", "将八进制数转换为二进制数",
+     rewritten<octal, binary>},
+    {"OCT2DEC", 1, 1, "v", numberBaseFamily, "八进制数", "将八进制数转换为十进制数", toDecimal<octal>},
+    {"OCT2HEX", 1, 2, "vv", numberBaseFamily, "八进制数,[位数]", "将八进制数转换为十六进制数",
      rewritten<octal, hexadecimal>},
-    {"BITAND", 2, 2, "vv", family, "数值1,数值2", "返回两个数按位“与”的结果",
+    {"BITAND", 2, 2, "vv", numberBaseFamily, "数值1,数值2", "返回两个数按位“与”的结果",
      ofBits<[](std::uint64_t a, std::uint64_t b) { return a & b; }>},
-    {"BITOR", 2, 2, "vv", family, "数值1,数值2", "返回两个数按位“或”的结果",
+    {"BITOR", 2, 2, "vv", numberBaseFamily, "数值1,数值2", "返回两个数按位“或”的结果",
      ofBits<[](std::uint64_t a, std::uint64_t b) { return a | b; }>},
-    {"BITXOR", 2, 2, "vv", family, "数值1,数值2", "返回两个数按位“异或”的结果",
+    {"BITXOR", 2, 2, "vv", numberBaseFamily, "数值1,数值2", "返回两个数按位“异或”的结果",
      ofBits<[](std::uint64_t a, std::uint64_t b) { return a ^ b; }>},
-    {"BITLSHIFT", 2, 2, "vv", family, "数值,位数", "返回左移若干位的数", shifted<1>},
-    {"BITRSHIFT", 2, 2, "vv", family, "数值,位数", "返回右移若干位的数", shifted<-1>},
+    {"BITLSHIFT", 2, 2, "vv", numberBaseFamily, "数值,位数", "返回左移若干位的数", shifted<1>},
+    {"BITRSHIFT", 2, 2, "vv", numberBaseFamily, "数值,位数", "返回右移若干位的数", shifted<-1>},
     {"BASE", 2, 3, "vvv", FunctionFamily::mathematical, "数值,基数,[最少位数]", "将数值转换为指定基数的文本",
      inBase},
     {"DECIMAL", 2, 2, "vv", FunctionFamily::mathematical, "文本,基数", "将指定基数的文本转换为十进制数",
@@ -205,7 +210,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> numberBaseFunctions()
 {
-    return table;
+    return numberBaseTable;
 }
 
 } // namespace spreadsheet

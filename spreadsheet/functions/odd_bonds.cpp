@@ -165,26 +165,28 @@ Operand oddLast(Call& call)
     });
 }
 
-constexpr auto family = FunctionFamily::financial;
+constexpr auto oddBondFamily = FunctionFamily::financial;
 
-const FunctionDescriptor table[] = {
-    {"ODDFPRICE", 8, 9, "vvvvvvvvv", family,
+const FunctionDescriptor oddBondTable[] = {
+    {"ODDFPRICE", 8, 9, "vvvvvvvvv", oddBondFamily,
      "结算日,到期日,发行日,首期付息日,票息率,收益率,清偿价值,频率,[基准]",
      "返回首期付息不规则的证券每100元面值的价格", oddFirst<true>},
-    {"ODDFYIELD", 8, 9, "vvvvvvvvv", family,
+    {"ODDFYIELD", 8, 9, "vvvvvvvvv", oddBondFamily,
      "结算日,到期日,发行日,首期付息日,票息率,价格,清偿价值,频率,[基准]", "返回首期付息不规则的证券的收益率",
      oddFirst<false>},
-    {"ODDLPRICE", 7, 8, "vvvvvvvv", family, "结算日,到期日,末期付息日,票息率,收益率,清偿价值,频率,[基准]",
+    {"ODDLPRICE", 7, 8, "vvvvvvvv", oddBondFamily,
+     "结算日,到期日,末期付息日,票息率,收益率,清偿价值,频率,[基准]",
      "返回末期付息不规则的证券每100元面值的价格", oddLast<true>},
-    {"ODDLYIELD", 7, 8, "vvvvvvvv", family, "结算日,到期日,末期付息日,票息率,价格,清偿价值,频率,[基准]",
-     "返回末期付息不规则的证券的收益率", oddLast<false>},
+    {"ODDLYIELD", 7, 8, "vvvvvvvv", oddBondFamily,
+     "结算日,到期日,末期付息日,票息率,价格,清偿价值,频率,[基准]", "返回末期付息不规则的证券的收益率",
+     oddLast<false>},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> oddBondFunctions()
 {
-    return table;
+    return oddBondTable;
 }
 
 } // namespace spreadsheet

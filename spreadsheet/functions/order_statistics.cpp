@@ -237,44 +237,47 @@ Operand frequencies(Call& call)
     return columnOf(counts);
 }
 
-constexpr auto family = FunctionFamily::statistical;
+constexpr auto orderFamily = FunctionFamily::statistical;
 
-const FunctionDescriptor table[] = {
-    {"MEDIAN", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回中位数", median},
-    {"MODE", 1, manyArguments, "a", family, "数值1,[数值2,…]", "返回出现次数最多的数值", mode},
-    {"MODE.SNGL", 1, manyArguments, "a", family, "数值1,[数值2,…]", "返回出现次数最多的数值", mode},
-    {"MODE.MULT", 1, manyArguments, "a", family, "数值1,[数值2,…]", "以一列数组返回出现次数最多的各个数值",
-     allModes},
-    {"LARGE", 2, 2, "rv", family, "数组,k", "返回数组中第 k 个最大值", orderStatistic<true>},
-    {"SMALL", 2, 2, "rv", family, "数组,k", "返回数组中第 k 个最小值", orderStatistic<false>},
-    {"RANK", 2, 3, "vrv", family, "数值,引用,[排位方式]", "返回数值在一列数值中的排位", rankOf<false>},
-    {"RANK.EQ", 2, 3, "vrv", family, "数值,引用,[排位方式]", "返回数值在一列数值中的排位", rankOf<false>},
-    {"RANK.AVG", 2, 3, "vrv", family, "数值,引用,[排位方式]", "返回数值的排位，相同的数值取平均排位",
+const FunctionDescriptor orderTable[] = {
+    {"MEDIAN", 1, manyArguments, "r", orderFamily, "数值1,[数值2,…]", "返回中位数", median},
+    {"MODE", 1, manyArguments, "a", orderFamily, "数值1,[数值2,…]", "返回出现次数最多的数值", mode},
+    {"MODE.SNGL", 1, manyArguments, "a", orderFamily, "数值1,[数值2,…]", "返回出现次数最多的数值", mode},
+    {"MODE.MULT", 1, manyArguments, "a", orderFamily, "数值1,[数值2,…]",
+     "以一列数组返回出现次数最多的各个数值", allModes},
+    {"LARGE", 2, 2, "rv", orderFamily, "数组,k", "返回数组中第 k 个最大值", orderStatistic<true>},
+    {"SMALL", 2, 2, "rv", orderFamily, "数组,k", "返回数组中第 k 个最小值", orderStatistic<false>},
+    {"RANK", 2, 3, "vrv", orderFamily, "数值,引用,[排位方式]", "返回数值在一列数值中的排位", rankOf<false>},
+    {"RANK.EQ", 2, 3, "vrv", orderFamily, "数值,引用,[排位方式]", "返回数值在一列数值中的排位",
+     rankOf<false>},
+    {"RANK.AVG", 2, 3, "vrv", orderFamily, "数值,引用,[排位方式]", "返回数值的排位，相同的数值取平均排位",
      rankOf<true>},
-    {"PERCENTILE", 2, 2, "rv", family, "数组,k", "返回第 k 个百分点的值，k 从 0 到 1", percentileOf<true>},
-    {"PERCENTILE.INC", 2, 2, "rv", family, "数组,k", "返回第 k 个百分点的值，k 从 0 到 1",
+    {"PERCENTILE", 2, 2, "rv", orderFamily, "数组,k", "返回第 k 个百分点的值，k 从 0 到 1",
      percentileOf<true>},
-    {"PERCENTILE.EXC", 2, 2, "rv", family, "数组,k", "返回第 k 个百分点的值，k 不含 0 和 1",
+    {"PERCENTILE.INC", 2, 2, "rv", orderFamily, "数组,k", "返回第 k 个百分点的值，k 从 0 到 1",
+     percentileOf<true>},
+    {"PERCENTILE.EXC", 2, 2, "rv", orderFamily, "数组,k", "返回第 k 个百分点的值，k 不含 0 和 1",
      percentileOf<false>},
-    {"QUARTILE", 2, 2, "rv", family, "数组,四分位", "返回四分位数，0 为最小值，4 为最大值", quartileOf<true>},
-    {"QUARTILE.INC", 2, 2, "rv", family, "数组,四分位", "返回四分位数，0 为最小值，4 为最大值",
+    {"QUARTILE", 2, 2, "rv", orderFamily, "数组,四分位", "返回四分位数，0 为最小值，4 为最大值",
      quartileOf<true>},
-    {"QUARTILE.EXC", 2, 2, "rv", family, "数组,四分位", "返回四分位数，不含 0 和 4", quartileOf<false>},
-    {"PERCENTRANK", 2, 3, "rvv", family, "数组,x,[有效位数]", "返回 x 在数组中的百分比排位",
+    {"QUARTILE.INC", 2, 2, "rv", orderFamily, "数组,四分位", "返回四分位数，0 为最小值，4 为最大值",
+     quartileOf<true>},
+    {"QUARTILE.EXC", 2, 2, "rv", orderFamily, "数组,四分位", "返回四分位数，不含 0 和 4", quartileOf<false>},
+    {"PERCENTRANK", 2, 3, "rvv", orderFamily, "数组,x,[有效位数]", "返回 x 在数组中的百分比排位",
      percentRank<true>},
-    {"PERCENTRANK.INC", 2, 3, "rvv", family, "数组,x,[有效位数]", "返回 x 在数组中的百分比排位",
+    {"PERCENTRANK.INC", 2, 3, "rvv", orderFamily, "数组,x,[有效位数]", "返回 x 在数组中的百分比排位",
      percentRank<true>},
-    {"PERCENTRANK.EXC", 2, 3, "rvv", family, "数组,x,[有效位数]", "返回 x 在数组中的百分比排位，不含 0 和 1",
-     percentRank<false>},
-    {"TRIMMEAN", 2, 2, "rv", family, "数组,百分比", "返回去掉两端部分数值后的平均值", trimmedMean},
-    {"FREQUENCY", 2, 2, "rr", family, "数据,分段点", "以一列数组返回数据在各分段中的个数", frequencies},
+    {"PERCENTRANK.EXC", 2, 3, "rvv", orderFamily, "数组,x,[有效位数]",
+     "返回 x 在数组中的百分比排位，不含 0 和 1", percentRank<false>},
+    {"TRIMMEAN", 2, 2, "rv", orderFamily, "数组,百分比", "返回去掉两端部分数值后的平均值", trimmedMean},
+    {"FREQUENCY", 2, 2, "rr", orderFamily, "数据,分段点", "以一列数组返回数据在各分段中的个数", frequencies},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> orderFunctions()
 {
-    return table;
+    return orderTable;
 }
 
 } // namespace spreadsheet

@@ -188,15 +188,16 @@ Operand continued(Call& call)
     return SharedArray(std::move(result));
 }
 
-constexpr auto family = FunctionFamily::statistical;
+constexpr auto regressionFamily = FunctionFamily::statistical;
 
-const FunctionDescriptor table[] = {
-    {"LINEST", 1, 4, "aavv", family, "y值,[x值],[有截距],[附加统计]", "返回线性回归的系数数组",
+const FunctionDescriptor regressionTable[] = {
+    {"LINEST", 1, 4, "aavv", regressionFamily, "y值,[x值],[有截距],[附加统计]", "返回线性回归的系数数组",
      estimated<false>},
-    {"LOGEST", 1, 4, "aavv", family, "y值,[x值],[有系数],[附加统计]", "返回指数回归曲线的系数数组",
+    {"LOGEST", 1, 4, "aavv", regressionFamily, "y值,[x值],[有系数],[附加统计]", "返回指数回归曲线的系数数组",
      estimated<true>},
-    {"TREND", 1, 4, "aaav", family, "y值,[x值],[新x值],[有截距]", "返回线性趋势上的各个值", continued<false>},
-    {"GROWTH", 1, 4, "aaav", family, "y值,[x值],[新x值],[有系数]", "返回指数增长趋势上的各个值",
+    {"TREND", 1, 4, "aaav", regressionFamily, "y值,[x值],[新x值],[有截距]", "返回线性趋势上的各个值",
+     continued<false>},
+    {"GROWTH", 1, 4, "aaav", regressionFamily, "y值,[x值],[新x值],[有系数]", "返回指数增长趋势上的各个值",
      continued<true>},
 };
 
@@ -204,7 +205,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> regressionFunctions()
 {
-    return table;
+    return regressionTable;
 }
 
 } // namespace spreadsheet

@@ -87,18 +87,18 @@ Operand arabic(Call& call)
     return negative ? -total : total;
 }
 
-constexpr auto family = FunctionFamily::mathematical;
+constexpr auto romanFamily = FunctionFamily::mathematical;
 
-const FunctionDescriptor table[] = {
-    {"ROMAN", 1, 2, "vv", family, "数值,[形式]", "将数值转换为罗马数字文本", roman},
-    {"ARABIC", 1, 1, "v", family, "文本", "将罗马数字文本转换为数值", arabic},
+const FunctionDescriptor romanTable[] = {
+    {"ROMAN", 1, 2, "vv", romanFamily, "数值,[形式]", "将数值转换为罗马数字文本", roman},
+    {"ARABIC", 1, 1, "v", romanFamily, "文本", "将罗马数字文本转换为数值", arabic},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> romanFunctions()
 {
-    return table;
+    return romanTable;
 }
 
 } // namespace spreadsheet

@@ -69,29 +69,32 @@ Operand multipleOfSize(Call& call)
     return checked(above != mirrored ? multipleAbove(number, step) : multipleBelow(number, step));
 }
 
-constexpr auto family = FunctionFamily::mathematical;
+constexpr auto roundingFamily = FunctionFamily::mathematical;
 
-const FunctionDescriptor table[] = {
-    {"INT", 1, 1, "v", family, "数值", "将数值向下取整为最接近的整数",
+const FunctionDescriptor roundingTable[] = {
+    {"INT", 1, 1, "v", roundingFamily, "数值", "将数值向下取整为最接近的整数",
      ofNumber<[](double x) { return std::floor(x); }>},
-    {"TRUNC", 1, 2, "vv", family, "数值,[小数位数]", "将数值截去指定位数以后的部分", ofPlaces<roundToward>},
-    {"ROUND", 2, 2, "vv", family, "数值,小数位数", "按指定的位数四舍五入", ofPlaces<roundDecimal>},
-    {"ROUNDUP", 2, 2, "vv", family, "数值,小数位数", "按指定的位数朝远离零的方向舍入", ofPlaces<roundAway>},
-    {"ROUNDDOWN", 2, 2, "vv", family, "数值,小数位数", "按指定的位数朝零的方向舍入", ofPlaces<roundToward>},
-    {"MROUND", 2, 2, "vv", family, "数值,倍数", "返回最接近的指定倍数", multiple},
-    {"CEILING", 2, 2, "vv", family, "数值,倍数", "向上舍入为最接近的指定倍数", ofNumbers<ceiling>},
-    {"FLOOR", 2, 2, "vv", family, "数值,倍数", "向下舍入为最接近的指定倍数", ofNumbers<floored>},
-    {"EVEN", 1, 1, "v", family, "数值", "朝远离零的方向舍入为最接近的偶数", ofNumber<evenNumber>},
-    {"ODD", 1, 1, "v", family, "数值", "朝远离零的方向舍入为最接近的奇数", ofNumber<oddNumber>},
-    {"CEILING.MATH", 1, 3, "vvv", family, "数值,[倍数],[方式]",
+    {"TRUNC", 1, 2, "vv", roundingFamily, "数值,[小数位数]", "将数值截去指定位数以后的部分",
+     ofPlaces<roundToward>},
+    {"ROUND", 2, 2, "vv", roundingFamily, "数值,小数位数", "按指定的位数四舍五入", ofPlaces<roundDecimal>},
+    {"ROUNDUP", 2, 2, "vv", roundingFamily, "数值,小数位数", "按指定的位数朝远离零的方向舍入",
+     ofPlaces<roundAway>},
+    {"ROUNDDOWN", 2, 2, "vv", roundingFamily, "数值,小数位数", "按指定的位数朝零的方向舍入",
+     ofPlaces<roundToward>},
+    {"MROUND", 2, 2, "vv", roundingFamily, "数值,倍数", "返回最接近的指定倍数", multiple},
+    {"CEILING", 2, 2, "vv", roundingFamily, "数值,倍数", "向上舍入为最接近的指定倍数", ofNumbers<ceiling>},
+    {"FLOOR", 2, 2, "vv", roundingFamily, "数值,倍数", "向下舍入为最接近的指定倍数", ofNumbers<floored>},
+    {"EVEN", 1, 1, "v", roundingFamily, "数值", "朝远离零的方向舍入为最接近的偶数", ofNumber<evenNumber>},
+    {"ODD", 1, 1, "v", roundingFamily, "数值", "朝远离零的方向舍入为最接近的奇数", ofNumber<oddNumber>},
+    {"CEILING.MATH", 1, 3, "vvv", roundingFamily, "数值,[倍数],[方式]",
      "向上舍入为最接近的指定倍数，方式不为0时负数朝远离零的方向", multipleOfSize<true>},
-    {"FLOOR.MATH", 1, 3, "vvv", family, "数值,[倍数],[方式]",
+    {"FLOOR.MATH", 1, 3, "vvv", roundingFamily, "数值,[倍数],[方式]",
      "向下舍入为最接近的指定倍数，方式不为0时负数朝零的方向", multipleOfSize<false>},
-    {"CEILING.PRECISE", 1, 2, "vv", family, "数值,[倍数]", "向上舍入为最接近的指定倍数，不论倍数的符号",
+    {"CEILING.PRECISE", 1, 2, "vv", roundingFamily, "数值,[倍数]",
+     "向上舍入为最接近的指定倍数，不论倍数的符号", multipleOfSize<true>},
+    {"ISO.CEILING", 1, 2, "vv", roundingFamily, "数值,[倍数]", "向上舍入为最接近的指定倍数，不论倍数的符号",
      multipleOfSize<true>},
-    {"ISO.CEILING", 1, 2, "vv", family, "数值,[倍数]", "向上舍入为最接近的指定倍数，不论倍数的符号",
-     multipleOfSize<true>},
-    {"FLOOR.PRECISE", 1, 2, "vv", family, "数值,[倍数]", "向下舍入为最接近的指定倍数，不论倍数的符号",
+    {"FLOOR.PRECISE", 1, 2, "vv", roundingFamily, "数值,[倍数]", "向下舍入为最接近的指定倍数，不论倍数的符号",
      multipleOfSize<false>},
 };
 
@@ -99,7 +102,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> roundingFunctions()
 {
-    return table;
+    return roundingTable;
 }
 
 } // namespace spreadsheet

@@ -8,7 +8,7 @@ namespace spreadsheet {
 
 namespace {
 
-std::vector<double> numbersOf(Call& call, std::size_t argument)
+std::vector<double> sampleOf(Call& call, std::size_t argument)
 {
     std::vector<double> numbers;
     call.eachNumber(argument, [&](double number) { numbers.push_back(number); });
@@ -45,8 +45,8 @@ Operand chiSquaredTest(Call& call)
 /// The probability, at both ends, of such a quotient of two variances.
 Operand fisherTest(Call& call)
 {
-    const std::vector<double> first = numbersOf(call, 0);
-    const std::vector<double> second = numbersOf(call, 1);
+    const std::vector<double> first = sampleOf(call, 0);
+    const std::vector<double> second = sampleOf(call, 1);
     if (call.failed())
         return call.error();
     const Operand above = variance(first, true);
@@ -118,8 +118,8 @@ Operand studentTest(Call& call)
             return call.error();
         return sample.size() < 2 ? Operand(CellError::div0) : studentProbability(pairedRatio(sample), tails);
     }
-    const std::vector<double> first = numbersOf(call, 0);
-    const std::vector<double> second = numbersOf(call, 1);
+    const std::vector<double> first = sampleOf(call, 0);
+    const std::vector<double> second = sampleOf(call, 1);
     if (call.failed())
         return call.error();
     if (first.size() < 2 || second.size() < 2)
@@ -131,7 +131,7 @@ Operand studentTest(Call& call)
 /// all.
 Operand normalTest(Call& call)
 {
-    const std::vector<double> numbers = numbersOf(call, 0);
+    const std::vector<double> numbers = sampleOf(call, 0);
     const double x = call.number(1);
     if (call.failed())
         return call.error();
@@ -148,24 +148,26 @@ Operand normalTest(Call& call)
     return checked(cdf(complement(NormalDistribution(), z)));
 }
 
-constexpr auto family = FunctionFamily::statistical;
+constexpr auto sampleTestFamily = FunctionFamily::statistical;
 
-const FunctionDescriptor table[] = {
-    {"CHITEST", 2, 2, "aa", family, "实际值,期望值", "返回 χ² 独立性检验的概率", chiSquaredTest},
-    {"CHISQ.TEST", 2, 2, "aa", family, "实际值,期望值", "返回 χ² 独立性检验的概率", chiSquaredTest},
-    {"FTEST", 2, 2, "aa", family, "数组1,数组2", "返回两组数值方差无明显差异的双尾概率", fisherTest},
-    {"F.TEST", 2, 2, "aa", family, "数组1,数组2", "返回两组数值方差无明显差异的双尾概率", fisherTest},
-    {"TTEST", 4, 4, "aavv", family, "数组1,数组2,尾数,类型", "返回学生 t 检验的概率", studentTest},
-    {"T.TEST", 4, 4, "aavv", family, "数组1,数组2,尾数,类型", "返回学生 t 检验的概率", studentTest},
-    {"ZTEST", 2, 3, "rvv", family, "数组,x,[总体标准偏差]", "返回 z 检验的单尾概率", normalTest},
-    {"Z.TEST", 2, 3, "rvv", family, "数组,x,[总体标准偏差]", "返回 z 检验的单尾概率", normalTest},
+const FunctionDescriptor sampleTestTable[] = {
+    {"CHITEST", 2, 2, "aa", sampleTestFamily, "实际值,期望值", "返回 χ² 独立性检验的概率", chiSquaredTest},
+    {"CHISQ.TEST", 2, 2, "aa", sampleTestFamily, "实际值,期望值", "返回 χ² 独立性检验的概率", chiSquaredTest},
+    {"FTEST", 2, 2, "aa", sampleTestFamily, "数组1,数组2", "返回两组数值方差无明显差异的双尾概率",
+     fisherTest},
+    {"F.TEST", 2, 2, "aa", sampleTestFamily, "数组1,数组2", "返回两组数值方差无明显差异的双尾概率",
+     fisherTest},
+    {"TTEST", 4, 4, "aavv", sampleTestFamily, "数组1,数组2,尾数,类型", "返回学生 t 检验的概率", studentTest},
+    {"T.TEST", 4, 4, "aavv", sampleTestFamily, "数组1,数组2,尾数,类型", "返回学生 t 检验的概率", studentTest},
+    {"ZTEST", 2, 3, "rvv", sampleTestFamily, "数组,x,[总体标准偏差]", "返回 z 检验的单尾概率", normalTest},
+    {"Z.TEST", 2, 3, "rvv", sampleTestFamily, "数组,x,[总体标准偏差]", "返回 z 检验的单尾概率", normalTest},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> sampleTestFunctions()
 {
-    return table;
+    return sampleTestTable;
 }
 
 } // namespace spreadsheet

@@ -182,40 +182,40 @@ Operand accrued(Call& call)
     });
 }
 
-constexpr auto family = FunctionFamily::financial;
+constexpr auto securityFamily = FunctionFamily::financial;
 
-const FunctionDescriptor table[] = {
-    {"DISC", 4, 5, "vvvvv", family, "结算日,到期日,价格,清偿价值,[基准]", "返回证券的贴现率",
+const FunctionDescriptor securityTable[] = {
+    {"DISC", 4, 5, "vvvvv", securityFamily, "结算日,到期日,价格,清偿价值,[基准]", "返回证券的贴现率",
      ofDiscounted<discountRate>},
-    {"INTRATE", 4, 5, "vvvvv", family, "结算日,到期日,投资额,清偿价值,[基准]", "返回一次性付息证券的利率",
-     ofDiscounted<interestRate>},
-    {"RECEIVED", 4, 5, "vvvvv", family, "结算日,到期日,投资额,贴现率,[基准]",
+    {"INTRATE", 4, 5, "vvvvv", securityFamily, "结算日,到期日,投资额,清偿价值,[基准]",
+     "返回一次性付息证券的利率", ofDiscounted<interestRate>},
+    {"RECEIVED", 4, 5, "vvvvv", securityFamily, "结算日,到期日,投资额,贴现率,[基准]",
      "返回一次性付息证券到期收回的金额", ofDiscounted<amountReceived>},
-    {"PRICEDISC", 4, 5, "vvvvv", family, "结算日,到期日,贴现率,清偿价值,[基准]",
+    {"PRICEDISC", 4, 5, "vvvvv", securityFamily, "结算日,到期日,贴现率,清偿价值,[基准]",
      "返回折价发行的证券每100元面值的价格", ofDiscounted<discountedPrice>},
-    {"YIELDDISC", 4, 5, "vvvvv", family, "结算日,到期日,价格,清偿价值,[基准]", "返回折价发行的证券的年收益率",
-     ofDiscounted<interestRate>},
-    {"PRICEMAT", 5, 6, "vvvvvv", family, "结算日,到期日,发行日,票息率,收益率,[基准]",
+    {"YIELDDISC", 4, 5, "vvvvv", securityFamily, "结算日,到期日,价格,清偿价值,[基准]",
+     "返回折价发行的证券的年收益率", ofDiscounted<interestRate>},
+    {"PRICEMAT", 5, 6, "vvvvvv", securityFamily, "结算日,到期日,发行日,票息率,收益率,[基准]",
      "返回到期付息的证券每100元面值的价格", paidAtMaturity<true>},
-    {"YIELDMAT", 5, 6, "vvvvvv", family, "结算日,到期日,发行日,票息率,价格,[基准]",
+    {"YIELDMAT", 5, 6, "vvvvvv", securityFamily, "结算日,到期日,发行日,票息率,价格,[基准]",
      "返回到期付息的证券的年收益率", paidAtMaturity<false>},
-    {"TBILLEQ", 3, 3, "vvv", family, "结算日,到期日,贴现率", "返回国库券的等效债券收益率",
+    {"TBILLEQ", 3, 3, "vvv", securityFamily, "结算日,到期日,贴现率", "返回国库券的等效债券收益率",
      ofTreasuryBill<billEquivalentYield>},
-    {"TBILLPRICE", 3, 3, "vvv", family, "结算日,到期日,贴现率", "返回国库券每100元面值的价格",
+    {"TBILLPRICE", 3, 3, "vvv", securityFamily, "结算日,到期日,贴现率", "返回国库券每100元面值的价格",
      ofTreasuryBill<billPrice>},
-    {"TBILLYIELD", 3, 3, "vvv", family, "结算日,到期日,价格", "返回国库券的收益率",
+    {"TBILLYIELD", 3, 3, "vvv", securityFamily, "结算日,到期日,价格", "返回国库券的收益率",
      ofTreasuryBill<billYield>},
-    {"ACCRINT", 6, 8, "vvvvvvvv", family, "发行日,首次付息日,结算日,票息率,面值,频率,[基准],[自发行日起]",
-     "返回定期付息证券的应计利息", accrued},
-    {"ACCRINTM", 3, 5, "vvvvv", family, "发行日,结算日,票息率,[面值],[基准]", "返回到期付息证券的应计利息",
-     accruedAtMaturity},
+    {"ACCRINT", 6, 8, "vvvvvvvv", securityFamily,
+     "发行日,首次付息日,结算日,票息率,面值,频率,[基准],[自发行日起]", "返回定期付息证券的应计利息", accrued},
+    {"ACCRINTM", 3, 5, "vvvvv", securityFamily, "发行日,结算日,票息率,[面值],[基准]",
+     "返回到期付息证券的应计利息", accruedAtMaturity},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> securityFunctions()
 {
-    return table;
+    return securityTable;
 }
 
 } // namespace spreadsheet

@@ -37,7 +37,7 @@ Operand deviation(std::span<const double> numbers, bool ofSample)
 namespace {
 
 template <auto function, bool ofSample>
-Operand ofNumbers(Call& call)
+Operand ofList(Call& call)
 {
     const std::vector<double> numbers = call.numbers();
     return call.failed() ? call.error() : function(numbers, ofSample);
@@ -137,25 +137,25 @@ Operand kurtosis(Call& call)
                    3 * (n - 1) * (n - 1) / ((n - 2) * (n - 3)));
 }
 
-constexpr auto family = FunctionFamily::statistical;
+constexpr auto spreadFamily = FunctionFamily::statistical;
 
 /// A row whose arguments are any number of lists.
 constexpr FunctionDescriptor ofLists(std::string_view name, std::string_view help, Operand (*evaluate)(Call&))
 {
-    return {name, 1, manyArguments, "r", family, "数值1,[数值2,…]", help, evaluate};
+    return {name, 1, manyArguments, "r", spreadFamily, "数值1,[数值2,…]", help, evaluate};
 }
 
-const FunctionDescriptor table[] = {
-    ofLists("STDEV", "估算样本的标准偏差", ofNumbers<deviation, true>),
-    ofLists("STDEV.S", "估算样本的标准偏差", ofNumbers<deviation, true>),
-    ofLists("STDEVP", "计算总体的标准偏差", ofNumbers<deviation, false>),
-    ofLists("STDEV.P", "计算总体的标准偏差", ofNumbers<deviation, false>),
+const FunctionDescriptor spreadTable[] = {
+    ofLists("STDEV", "估算样本的标准偏差", ofList<deviation, true>),
+    ofLists("STDEV.S", "估算样本的标准偏差", ofList<deviation, true>),
+    ofLists("STDEVP", "计算总体的标准偏差", ofList<deviation, false>),
+    ofLists("STDEV.P", "计算总体的标准偏差", ofList<deviation, false>),
     ofLists("STDEVA", "估算样本的标准偏差，文本按0、逻辑值按1或0计算", ofAllValues<deviation, true>),
     ofLists("STDEVPA", "计算总体的标准偏差，文本按0、逻辑值按1或0计算", ofAllValues<deviation, false>),
-    ofLists("VAR", "估算样本的方差", ofNumbers<variance, true>),
-    ofLists("VAR.S", "估算样本的方差", ofNumbers<variance, true>),
-    ofLists("VARP", "计算总体的方差", ofNumbers<variance, false>),
-    ofLists("VAR.P", "计算总体的方差", ofNumbers<variance, false>),
+    ofLists("VAR", "估算样本的方差", ofList<variance, true>),
+    ofLists("VAR.S", "估算样本的方差", ofList<variance, true>),
+    ofLists("VARP", "计算总体的方差", ofList<variance, false>),
+    ofLists("VAR.P", "计算总体的方差", ofList<variance, false>),
     ofLists("VARA", "估算样本的方差，文本按0、逻辑值按1或0计算", ofAllValues<variance, true>),
     ofLists("VARPA", "计算总体的方差，文本按0、逻辑值按1或0计算", ofAllValues<variance, false>),
     ofLists("AVEDEV", "返回各数值与平均值之差的绝对值的平均值", ofSome<averageDistance>),
@@ -171,7 +171,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> spreadFunctions()
 {
-    return table;
+    return spreadTable;
 }
 
 } // namespace spreadsheet

@@ -51,40 +51,43 @@ Operand largestOfAll(Call& call)
     return call.failed() ? call.error() : Operand(numbers.empty() ? 0 : std::ranges::max(numbers));
 }
 
-constexpr auto family = FunctionFamily::statistical;
+constexpr auto statisticalFamily = FunctionFamily::statistical;
 
-const FunctionDescriptor table[] = {
-    {"AVERAGE", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回所有参数的算术平均值", average},
-    {"AVERAGEA", 1, manyArguments, "r", family, "数值1,[数值2,…]",
+const FunctionDescriptor statisticalTable[] = {
+    {"AVERAGE", 1, manyArguments, "r", statisticalFamily, "数值1,[数值2,…]", "返回所有参数的算术平均值",
+     average},
+    {"AVERAGEA", 1, manyArguments, "r", statisticalFamily, "数值1,[数值2,…]",
      "返回所有参数的算术平均值，文本按0、逻辑值按1或0计算", averageOfAll},
-    {"AVERAGEIF", 2, 3, "rvr", family, "区域,条件,[求平均区域]", "返回满足条件的单元格的平均值", averageIf,
-     sumsBeside},
-    {"AVERAGEIFS", 3, manyArguments, "rrv", family, "求平均区域,条件区域1,条件1,[…]",
+    {"AVERAGEIF", 2, 3, "rvr", statisticalFamily, "区域,条件,[求平均区域]", "返回满足条件的单元格的平均值",
+     averageIf, sumsBeside},
+    {"AVERAGEIFS", 3, manyArguments, "rrv", statisticalFamily, "求平均区域,条件区域1,条件1,[…]",
      "返回满足多个条件的单元格的平均值", averageIfs, pure, 2},
-    {"MIN", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回最小值，忽略文本和逻辑值", smallest},
-    {"MAX", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回最大值，忽略文本和逻辑值", largest},
-    {"MINA", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回最小值，文本按0、逻辑值按1或0计算",
-     smallestOfAll},
-    {"MAXA", 1, manyArguments, "r", family, "数值1,[数值2,…]", "返回最大值，文本按0、逻辑值按1或0计算",
-     largestOfAll},
-    {"MINIFS", 3, manyArguments, "rrv", family, "最小值区域,条件区域1,条件1,[…]",
+    {"MIN", 1, manyArguments, "r", statisticalFamily, "数值1,[数值2,…]", "返回最小值，忽略文本和逻辑值",
+     smallest},
+    {"MAX", 1, manyArguments, "r", statisticalFamily, "数值1,[数值2,…]", "返回最大值，忽略文本和逻辑值",
+     largest},
+    {"MINA", 1, manyArguments, "r", statisticalFamily, "数值1,[数值2,…]",
+     "返回最小值，文本按0、逻辑值按1或0计算", smallestOfAll},
+    {"MAXA", 1, manyArguments, "r", statisticalFamily, "数值1,[数值2,…]",
+     "返回最大值，文本按0、逻辑值按1或0计算", largestOfAll},
+    {"MINIFS", 3, manyArguments, "rrv", statisticalFamily, "最小值区域,条件区域1,条件1,[…]",
      "返回满足多个条件的单元格的最小值", smallestIfs, pure, 2},
-    {"MAXIFS", 3, manyArguments, "rrv", family, "最大值区域,条件区域1,条件1,[…]",
+    {"MAXIFS", 3, manyArguments, "rrv", statisticalFamily, "最大值区域,条件区域1,条件1,[…]",
      "返回满足多个条件的单元格的最大值", largestIfs, pure, 2},
-    {"COUNT", 1, manyArguments, "r", family, "值1,[值2,…]", "计算包含数字的单元格以及数字参数的个数",
-     countNumbers},
-    {"COUNTA", 1, manyArguments, "r", family, "值1,[值2,…]", "计算非空单元格的个数", countFilled},
-    {"COUNTBLANK", 1, 1, "r", family, "区域", "计算区域中空白单元格的个数", countBlank},
-    {"COUNTIF", 2, 2, "rv", family, "区域,条件", "计算满足条件的单元格的个数", countIf},
-    {"COUNTIFS", 2, manyArguments, "rv", family, "条件区域1,条件1,[…]", "计算满足多个条件的单元格的个数",
-     countIfs, pure, 2},
+    {"COUNT", 1, manyArguments, "r", statisticalFamily, "值1,[值2,…]",
+     "计算包含数字的单元格以及数字参数的个数", countNumbers},
+    {"COUNTA", 1, manyArguments, "r", statisticalFamily, "值1,[值2,…]", "计算非空单元格的个数", countFilled},
+    {"COUNTBLANK", 1, 1, "r", statisticalFamily, "区域", "计算区域中空白单元格的个数", countBlank},
+    {"COUNTIF", 2, 2, "rv", statisticalFamily, "区域,条件", "计算满足条件的单元格的个数", countIf},
+    {"COUNTIFS", 2, manyArguments, "rv", statisticalFamily, "条件区域1,条件1,[…]",
+     "计算满足多个条件的单元格的个数", countIfs, pure, 2},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> statisticalFunctions()
 {
-    return table;
+    return statisticalTable;
 }
 
 } // namespace spreadsheet

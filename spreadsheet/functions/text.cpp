@@ -378,51 +378,52 @@ Operand encodedAddress(Call& call)
     return textResult(encoded);
 }
 
-constexpr auto family = FunctionFamily::text;
+constexpr auto textFamily = FunctionFamily::text;
 
-const FunctionDescriptor table[] = {
-    {"LEN", 1, 1, "v", family, "文本", "返回文本的字符个数",
+const FunctionDescriptor textTable[] = {
+    {"LEN", 1, 1, "v", textFamily, "文本", "返回文本的字符个数",
      ofText<[](std::string_view text) { return static_cast<double>(unitCount(text)); }>},
-    {"LEFT", 1, 2, "vv", family, "文本,[字符数]", "返回文本开头的若干字符", left},
-    {"RIGHT", 1, 2, "vv", family, "文本,[字符数]", "返回文本末尾的若干字符", right},
-    {"MID", 3, 3, "vvv", family, "文本,开始位置,字符数", "返回文本中从指定位置开始的若干字符", middle},
-    {"FIND", 2, 3, "vvv", family, "要找的文本,文本,[开始位置]",
+    {"LEFT", 1, 2, "vv", textFamily, "文本,[字符数]", "返回文本开头的若干字符", left},
+    {"RIGHT", 1, 2, "vv", textFamily, "文本,[字符数]", "返回文本末尾的若干字符", right},
+    {"MID", 3, 3, "vvv", textFamily, "文本,开始位置,字符数", "返回文本中从指定位置开始的若干字符", middle},
+    {"FIND", 2, 3, "vvv", textFamily, "要找的文本,文本,[开始位置]",
      "返回一段文本在另一段文本中的位置，区分大小写", position<false>},
-    {"SEARCH", 2, 3, "vvv", family, "要找的文本,文本,[开始位置]",
+    {"SEARCH", 2, 3, "vvv", textFamily, "要找的文本,文本,[开始位置]",
      "返回一段文本在另一段文本中的位置，不区分大小写，可用通配符", position<true>},
-    {"REPLACE", 4, 4, "vvvv", family, "文本,开始位置,字符数,新文本", "将文本中指定位置的字符替换为新文本",
+    {"REPLACE", 4, 4, "vvvv", textFamily, "文本,开始位置,字符数,新文本", "将文本中指定位置的字符替换为新文本",
      replaced},
-    {"SUBSTITUTE", 3, 4, "vvvv", family, "文本,旧文本,新文本,[第几个]", "将文本中的旧文本替换为新文本",
+    {"SUBSTITUTE", 3, 4, "vvvv", textFamily, "文本,旧文本,新文本,[第几个]", "将文本中的旧文本替换为新文本",
      substituted},
-    {"TRIM", 1, 1, "v", family, "文本", "删除文本首尾的空格，词间只留一个空格", ofText<trimmed>},
-    {"CLEAN", 1, 1, "v", family, "文本", "删除文本中不能打印的字符", ofText<withoutControls>},
-    {"UPPER", 1, 1, "v", family, "文本", "将文本转换为大写", ofText<converted<upperCharacter>>},
-    {"LOWER", 1, 1, "v", family, "文本", "将文本转换为小写", ofText<converted<lowerCharacter>>},
-    {"PROPER", 1, 1, "v", family, "文本", "将每个单词的首字母转换为大写", ofText<proper>},
-    {"REPT", 2, 2, "vv", family, "文本,次数", "将文本重复若干次", repeated},
-    {"EXACT", 2, 2, "vv", family, "文本1,文本2", "比较两段文本是否完全相同，区分大小写", exact},
-    {"CONCATENATE", 1, manyArguments, "v", family, "文本1,[文本2,…]", "将若干段文本连接起来", concatenated},
-    {"CONCAT", 1, manyArguments, "r", family, "文本1,[文本2,…]", "将若干文本或区域中的文本连接起来",
+    {"TRIM", 1, 1, "v", textFamily, "文本", "删除文本首尾的空格，词间只留一个空格", ofText<trimmed>},
+    {"CLEAN", 1, 1, "v", textFamily, "文本", "删除文本中不能打印的字符", ofText<withoutControls>},
+    {"UPPER", 1, 1, "v", textFamily, "文本", "将文本转换为大写", ofText<converted<upperCharacter>>},
+    {"LOWER", 1, 1, "v", textFamily, "文本", "将文本转换为小写", ofText<converted<lowerCharacter>>},
+    {"PROPER", 1, 1, "v", textFamily, "文本", "将每个单词的首字母转换为大写", ofText<proper>},
+    {"REPT", 2, 2, "vv", textFamily, "文本,次数", "将文本重复若干次", repeated},
+    {"EXACT", 2, 2, "vv", textFamily, "文本1,文本2", "比较两段文本是否完全相同，区分大小写", exact},
+    {"CONCATENATE", 1, manyArguments, "v", textFamily, "文本1,[文本2,…]", "将若干段文本连接起来",
+     concatenated},
+    {"CONCAT", 1, manyArguments, "r", textFamily, "文本1,[文本2,…]", "将若干文本或区域中的文本连接起来",
      concatenatedAll},
-    {"TEXTJOIN", 3, manyArguments, "rvr", family, "分隔符,忽略空值,文本1,[文本2,…]",
+    {"TEXTJOIN", 3, manyArguments, "rvr", textFamily, "分隔符,忽略空值,文本1,[文本2,…]",
      "用分隔符将若干文本或区域中的文本连接起来", joined},
-    {"TEXT", 2, 2, "vv", family, "值,格式", "按指定的数字格式将值转换为文本", formatted},
-    {"VALUE", 1, 1, "v", family, "文本", "将表示数字的文本转换为数字", numberValue},
-    {"FIXED", 1, 3, "vvv", family, "数值,[小数位数],[不分节]", "将数值舍入到指定位数并返回文本", fixed},
-    {"T", 1, 1, "r", family, "值", "值为文本时返回该文本，否则返回空文本", asText},
-    {"CHAR", 1, 1, "v", family, "代码", "返回代码所对应的字符", characterOfCode},
-    {"CODE", 1, 1, "v", family, "文本", "返回文本首字符的代码", codeOfCharacter},
-    {"PHONETIC", 1, 1, "r", family, "引用", "返回文本的拼音字符；单元格没有拼音时返回文本本身", reading},
-    {"ENCODEURL", 1, 1, "v", family, "文本", "返回按网址规则编码的文本", encodedAddress},
-    {"UNICHAR", 1, 1, "v", family, "代码", "返回 Unicode 代码所对应的字符", characterOfUnicode},
-    {"UNICODE", 1, 1, "v", family, "文本", "返回文本首字符的 Unicode 代码", unicodeOfCharacter},
+    {"TEXT", 2, 2, "vv", textFamily, "值,格式", "按指定的数字格式将值转换为文本", formatted},
+    {"VALUE", 1, 1, "v", textFamily, "文本", "将表示数字的文本转换为数字", numberValue},
+    {"FIXED", 1, 3, "vvv", textFamily, "数值,[小数位数],[不分节]", "将数值舍入到指定位数并返回文本", fixed},
+    {"T", 1, 1, "r", textFamily, "值", "值为文本时返回该文本，否则返回空文本", asText},
+    {"CHAR", 1, 1, "v", textFamily, "代码", "返回代码所对应的字符", characterOfCode},
+    {"CODE", 1, 1, "v", textFamily, "文本", "返回文本首字符的代码", codeOfCharacter},
+    {"PHONETIC", 1, 1, "r", textFamily, "引用", "返回文本的拼音字符；单元格没有拼音时返回文本本身", reading},
+    {"ENCODEURL", 1, 1, "v", textFamily, "文本", "返回按网址规则编码的文本", encodedAddress},
+    {"UNICHAR", 1, 1, "v", textFamily, "代码", "返回 Unicode 代码所对应的字符", characterOfUnicode},
+    {"UNICODE", 1, 1, "v", textFamily, "文本", "返回文本首字符的 Unicode 代码", unicodeOfCharacter},
 };
 
 } // namespace
 
 std::span<const FunctionDescriptor> textFunctions()
 {
-    return table;
+    return textTable;
 }
 
 } // namespace spreadsheet

@@ -177,7 +177,7 @@ Operand thaiLength(Call& call)
 
 constexpr double quarter = 0.25; ///< the smallest coin in use
 
-const FunctionDescriptor table[] = {
+const FunctionDescriptor thaiTable[] = {
     {"BAHTTEXT", 1, 1, "v", FunctionFamily::text, "数值", "将数值转换为泰铢大写文本", amountWords},
     {"THAINUMSOUND", 1, 1, "v", FunctionFamily::text, "数值", "将数值转换为泰语读法", numberWords},
     {"THAINUMSTRING", 1, 1, "v", FunctionFamily::text, "数值", "将数值逐位转换为泰语文字",
@@ -224,7 +224,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> thaiFunctions()
 {
-    return table;
+    return thaiTable;
 }
 
 } // namespace spreadsheet

@@ -55,42 +55,47 @@ Operand angleOfPoint(double x, double y)
     return x == 0 && y == 0 ? Operand(CellError::div0) : Operand(std::atan2(y, x));
 }
 
-constexpr auto family = FunctionFamily::mathematical;
+constexpr auto trigonometricFamily = FunctionFamily::mathematical;
 
-const FunctionDescriptor table[] = {
-    {"PI", 0, 0, "", family, "", "返回圆周率 π", [](Call&) -> Operand { return std::numbers::pi; }},
-    {"SIN", 1, 1, "v", family, "弧度", "返回角度的正弦值", ofAngle<sine>},
-    {"COS", 1, 1, "v", family, "弧度", "返回角度的余弦值", ofAngle<cosine>},
-    {"TAN", 1, 1, "v", family, "弧度", "返回角度的正切值", ofAngle<tangent>},
-    {"COT", 1, 1, "v", family, "弧度", "返回角度的余切值", inverseOfAngle<tangent>},
-    {"SEC", 1, 1, "v", family, "弧度", "返回角度的正割值", ofAngle<[](double x) { return 1 / std::cos(x); }>},
-    {"CSC", 1, 1, "v", family, "弧度", "返回角度的余割值", inverseOfAngle<sine>},
-    {"ASIN", 1, 1, "v", family, "数值", "返回反正弦值（弧度）",
+const FunctionDescriptor trigonometricTable[] = {
+    {"PI", 0, 0, "", trigonometricFamily, "", "返回圆周率 π",
+     [](Call&) -> Operand { return std::numbers::pi; }},
+    {"SIN", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的正弦值", ofAngle<sine>},
+    {"COS", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的余弦值", ofAngle<cosine>},
+    {"TAN", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的正切值", ofAngle<tangent>},
+    {"COT", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的余切值", inverseOfAngle<tangent>},
+    {"SEC", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的正割值",
+     ofAngle<[](double x) { return 1 / std::cos(x); }>},
+    {"CSC", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的余割值", inverseOfAngle<sine>},
+    {"ASIN", 1, 1, "v", trigonometricFamily, "数值", "返回反正弦值（弧度）",
      ofNumber<[](double x) { return std::asin(x); }>},
-    {"ACOS", 1, 1, "v", family, "数值", "返回反余弦值（弧度）",
+    {"ACOS", 1, 1, "v", trigonometricFamily, "数值", "返回反余弦值（弧度）",
      ofNumber<[](double x) { return std::acos(x); }>},
-    {"ATAN", 1, 1, "v", family, "数值", "返回反正切值（弧度）",
+    {"ATAN", 1, 1, "v", trigonometricFamily, "数值", "返回反正切值（弧度）",
      ofNumber<[](double x) { return std::atan(x); }>},
-    {"ATAN2", 2, 2, "vv", family, "x坐标,y坐标", "返回坐标点的反正切值（弧度）", ofNumbers<angleOfPoint>},
-    {"ACOT", 1, 1, "v", family, "数值", "返回反余切值（弧度，0到π）",
+    {"ATAN2", 2, 2, "vv", trigonometricFamily, "x坐标,y坐标", "返回坐标点的反正切值（弧度）",
+     ofNumbers<angleOfPoint>},
+    {"ACOT", 1, 1, "v", trigonometricFamily, "数值", "返回反余切值（弧度，0到π）",
      ofNumber<[](double x) { return std::numbers::pi / 2 - std::atan(x); }>},
-    {"SINH", 1, 1, "v", family, "数值", "返回双曲正弦值", ofNumber<hyperbolicSine>},
-    {"COSH", 1, 1, "v", family, "数值", "返回双曲余弦值", ofNumber<[](double x) { return std::cosh(x); }>},
-    {"TANH", 1, 1, "v", family, "数值", "返回双曲正切值", ofNumber<hyperbolicTangent>},
-    {"COTH", 1, 1, "v", family, "数值", "返回双曲余切值", inverseOfAngle<hyperbolicTangent>},
-    {"SECH", 1, 1, "v", family, "数值", "返回双曲正割值", ofAngle<[](double x) { return 1 / std::cosh(x); }>},
-    {"CSCH", 1, 1, "v", family, "数值", "返回双曲余割值", inverseOfAngle<hyperbolicSine>},
-    {"ASINH", 1, 1, "v", family, "数值", "返回反双曲正弦值",
+    {"SINH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲正弦值", ofNumber<hyperbolicSine>},
+    {"COSH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲余弦值",
+     ofNumber<[](double x) { return std::cosh(x); }>},
+    {"TANH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲正切值", ofNumber<hyperbolicTangent>},
+    {"COTH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲余切值", inverseOfAngle<hyperbolicTangent>},
+    {"SECH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲正割值",
+     ofAngle<[](double x) { return 1 / std::cosh(x); }>},
+    {"CSCH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲余割值", inverseOfAngle<hyperbolicSine>},
+    {"ASINH", 1, 1, "v", trigonometricFamily, "数值", "返回反双曲正弦值",
      ofNumber<[](double x) { return std::asinh(x); }>},
-    {"ACOSH", 1, 1, "v", family, "数值", "返回反双曲余弦值",
+    {"ACOSH", 1, 1, "v", trigonometricFamily, "数值", "返回反双曲余弦值",
      ofNumber<[](double x) { return std::acosh(x); }>},
-    {"ATANH", 1, 1, "v", family, "数值", "返回反双曲正切值",
+    {"ATANH", 1, 1, "v", trigonometricFamily, "数值", "返回反双曲正切值",
      ofNumber<[](double x) { return std::atanh(x); }>},
-    {"ACOTH", 1, 1, "v", family, "数值", "返回反双曲余切值",
+    {"ACOTH", 1, 1, "v", trigonometricFamily, "数值", "返回反双曲余切值",
      ofNumber<[](double x) { return std::atanh(1 / x); }>},
-    {"DEGREES", 1, 1, "v", family, "弧度", "将弧度转换为角度",
+    {"DEGREES", 1, 1, "v", trigonometricFamily, "弧度", "将弧度转换为角度",
      ofNumber<[](double x) { return x / std::numbers::pi * halfTurn; }>},
-    {"RADIANS", 1, 1, "v", family, "角度", "将角度转换为弧度",
+    {"RADIANS", 1, 1, "v", trigonometricFamily, "角度", "将角度转换为弧度",
      ofNumber<[](double x) { return x / halfTurn * std::numbers::pi; }>},
 };
 
@@ -98,7 +103,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> trigonometricFunctions()
 {
-    return table;
+    return trigonometricTable;
 }
 
 } // namespace spreadsheet

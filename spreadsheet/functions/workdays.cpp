@@ -86,16 +86,16 @@ Operand workingDay(Call& call)
     return dayResult(call, workingDayAfter(start, days, weekend, holidays));
 }
 
-constexpr auto family = FunctionFamily::dateAndTime;
+constexpr auto workdayFamily = FunctionFamily::dateAndTime;
 
-const FunctionDescriptor table[] = {
-    {"NETWORKDAYS", 2, 3, "vvr", family, "开始日期,结束日期,[假日]", "返回两个日期之间的工作日天数",
+const FunctionDescriptor workdayTable[] = {
+    {"NETWORKDAYS", 2, 3, "vvr", workdayFamily, "开始日期,结束日期,[假日]", "返回两个日期之间的工作日天数",
      workingDayCount<false>},
-    {"NETWORKDAYS.INTL", 2, 4, "vvvr", family, "开始日期,结束日期,[周末],[假日]",
+    {"NETWORKDAYS.INTL", 2, 4, "vvvr", workdayFamily, "开始日期,结束日期,[周末],[假日]",
      "返回两个日期之间的工作日天数，周末可自定义", workingDayCount<true>},
-    {"WORKDAY", 2, 3, "vvr", family, "开始日期,天数,[假日]", "返回若干个工作日之前或之后的日期",
+    {"WORKDAY", 2, 3, "vvr", workdayFamily, "开始日期,天数,[假日]", "返回若干个工作日之前或之后的日期",
      workingDay<false>},
-    {"WORKDAY.INTL", 2, 4, "vvvr", family, "开始日期,天数,[周末],[假日]",
+    {"WORKDAY.INTL", 2, 4, "vvvr", workdayFamily, "开始日期,天数,[周末],[假日]",
      "返回若干个工作日之前或之后的日期，周末可自定义", workingDay<true>},
 };
 
@@ -103,7 +103,7 @@ const FunctionDescriptor table[] = {
 
 std::span<const FunctionDescriptor> workdayFunctions()
 {
-    return table;
+    return workdayTable;
 }
 
 } // namespace spreadsheet

@@ -4,6 +4,7 @@
 #include "spreadsheet/print/cell_lines.h"
 #include "spreadsheet/print/cell_text.h"
 #include "spreadsheet/print/header_places.h"
+#include "spreadsheet/print/page_rect.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/print/print_colour.h"
@@ -20,11 +21,6 @@ constexpr BorderLine frameLine{LineStyle::solid, 0x000000};
 constexpr BorderLine headingLine{LineStyle::fineSolid, 0x606060};
 constexpr Colour headingShadow = 0xDCDCDC;
 constexpr double partGap = 120; // twips between two parts of a header line
-
-QRect rectOf(const PageBox& box)
-{
-    return {box.left, box.top, box.width, box.height};
-}
 
 } // namespace
 

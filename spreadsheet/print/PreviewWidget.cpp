@@ -16,7 +16,6 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double twipsPerInch = 1440;
 constexpr int gap = 12; // pixels around each page
 constexpr int smallestPercentage = 10;
 constexpr int largestPercentage = 400;
@@ -173,7 +172,7 @@ void PreviewWidget::arrange()
 double PreviewWidget::scale() const
 {
     const PageLayout* const pages = layout();
-    const double natural = logicalDpiX() / twipsPerInch;
+    const double natural = logicalDpiX() / double(twipsPerInch);
     if (!pages || m_look.view == PreviewView::percentage)
         return natural * m_look.percentage / 100;
     const QSize area = maximumViewportSize();

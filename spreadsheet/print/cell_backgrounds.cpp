@@ -1,20 +1,12 @@
 #include "spreadsheet/print/cell_backgrounds.h"
 
+#include "spreadsheet/print/page_rect.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/print_colour.h"
 
 #include <QPainter>
 
 namespace spreadsheet {
-
-namespace {
-
-QRect rectOf(const PageBox& box)
-{
-    return {box.left, box.top, box.width, box.height};
-}
-
-} // namespace
 
 void drawBackgrounds(QPainter& painter, const PageCells& cells, bool inColour)
 {

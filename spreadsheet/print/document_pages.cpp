@@ -13,8 +13,6 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double twipsPerInch = 1440;
-
 PageRequest requestOf(const PrintDocument& document)
 {
     PageRequest request = document.page;
@@ -77,7 +75,8 @@ bool drawPages(QPagedPaintDevice& device, const std::vector<SheetPages>& sheets,
             if (painter.isActive() ? !device.newPage() : !painter.begin(&device))
                 return false;
             painter.save();
-            painter.scale(device.logicalDpiX() / twipsPerInch, device.logicalDpiY() / twipsPerInch);
+            painter.scale(device.logicalDpiX() / double(twipsPerInch),
+                          device.logicalDpiY() / double(twipsPerInch));
             PagePainter(sheet, layout, text).paint(painter, number);
             painter.restore();
             ++done;

@@ -18,8 +18,6 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr int twipsPerInch = 1440;
-
 QByteArray drawn(const std::vector<SheetPages>& sheets, const PrintDocument& document, GlyphRecord& record)
 {
     QBuffer buffer;

@@ -13,7 +13,6 @@ constexpr std::array<unsigned char, 8> signature{0xD0, 0xCF, 0x11, 0xE0, 0xA1, 0
 constexpr std::size_t headerSize = 512;
 constexpr std::size_t entrySize = 128;
 constexpr std::size_t shortSectorSize = 64;
-constexpr std::size_t headerTableSectors = 109; ///< places of the sector table named in the header
 constexpr std::uint32_t lastRegular = 0xFFFFFFFA;
 constexpr std::uint32_t noEntry = 0xFFFFFFFF;
 

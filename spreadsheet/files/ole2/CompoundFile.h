@@ -8,6 +8,9 @@
 
 namespace spreadsheet {
 
+/// Places of the sector table that the header of a compound file names itself.
+inline constexpr std::size_t headerTableSectors = 109;
+
 /// A stream of a compound file: a view into the file if it lies in one piece there, else a copy.
 class StreamBytes {
 public:

@@ -9,7 +9,6 @@ namespace {
 
 constexpr std::size_t sectorSize = 512;
 constexpr std::size_t perSector = sectorSize / sizeof(std::uint32_t);
-constexpr std::size_t headerTableSectors = 109;
 constexpr std::size_t leastStream = 4096; ///< shorter streams would have to be packed
 constexpr std::size_t mostBytes = std::size_t(1) << 31;
 

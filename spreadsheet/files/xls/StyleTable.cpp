@@ -11,8 +11,6 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr unsigned automaticFontColour = 0x7FFF;
-
 HorizontalAlignment horizontalOf(unsigned code)
 {
     switch (code) {

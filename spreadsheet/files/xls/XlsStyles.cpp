@@ -12,7 +12,6 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr unsigned automaticFontColour = 0x7FFF;
 constexpr unsigned firstOwnFormat = 164;
 constexpr std::size_t mostCellFormats = 4000; // of 4,050 that programs of the format's time take
 constexpr std::size_t mostFonts = 500;

@@ -80,6 +80,9 @@ inline constexpr std::uint16_t version8 = 0x0600;
 /// Kinds of substreams.
 enum Substream : std::uint16_t { globals = 0x0005, worksheet = 0x0010 };
 
+/// Number of the font colour that is black on every screen's white.
+inline constexpr unsigned automaticFontColour = 0x7FFF;
+
 inline constexpr int maxRows = 65'536;
 inline constexpr int maxColumns = 256;
 
