@@ -5,6 +5,9 @@
 #include "component/state/shared_state.h"
 #include "component/windows.h"
 
+#include <functional>
+#include <utility>
+
 namespace selfreport {
 
 clsSelfReport::clsSelfReport() noexcept
@@ -12,16 +15,51 @@ clsSelfReport::clsSelfReport() noexcept
     countInstance(+1);
 }
 
+/// A call under way, during which the host may end the object.
+struct clsSelfReport::Call {
+    explicit Call(clsSelfReport& called)
+        : object(&called)
+        , outer(std::exchange(called.m_calls, this))
+    {
+    }
+    ~Call()
+    {
+        if (object)
+            object->m_calls = outer;
+    }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+    clsSelfReport* object; ///< null: it has ended
+    Call* outer;
+};
+
+template <class Work>
+void clsSelfReport::call(const Work& work) noexcept
+{
+    const Call call(*this);
+    std::string error = hostCall(std::ref(work));
+    if (call.object)
+        m_lastError = std::move(error);
+}
+
 clsSelfReport::~clsSelfReport()
 {
-    hostCall([] { gCnn.reset(); });
+    for (Call* call = m_calls; call; call = call->outer)
+        call->object = nullptr;
+    hostCall([] {
+        if (!isWindowOpen()) // else it is at work, and closed when that is done
+            gCnn.reset();
+    });
     countInstance(-1);
 }
 
 bool clsSelfReport::editForm(const std::int16_t& /*intType*/, const std::int16_t* /*isShow*/) noexcept
 {
-    m_lastError = hostCall([] {
+    call([] {
+        requireRoomFor(HostWindow::designer);
         startToolkit(Display::needed);
+        const WorkBelow below;
         showDesigner();
     });
     return false;
@@ -30,7 +68,9 @@ bool clsSelfReport::editForm(const std::int16_t& /*intType*/, const std::int16_t
 bool clsSelfReport::init(const std::string& strConnString, const std::string& strTitle,
                          const std::string& strLoginUserId, const std::string& strAppPath) noexcept
 {
-    m_lastError = hostCall([&] {
+    call([&] {
+        if (isWindowOpen())
+            throw HostError("报表窗口打开时不能重新设置报表组件。");
         gConnString = strConnString;
         gTitle = strTitle;
         gLoginUserId = strLoginUserId;
@@ -41,10 +81,12 @@ bool clsSelfReport::init(const std::string& strConnString, const std::string& st
 
 bool clsSelfReport::cwSelfReport() noexcept
 {
-    m_lastError = hostCall([] {
+    call([] {
+        requireRoomFor(HostWindow::list);
+        startToolkit(Display::needed);
+        const WorkBelow below;
         gRunMode = false;
         gFromList = 1;
-        startToolkit(Display::needed);
         showReportList();
     });
     return false;
@@ -52,12 +94,14 @@ bool clsSelfReport::cwSelfReport() noexcept
 
 bool clsSelfReport::cwSelfReportExe(const std::int32_t& intInterId) noexcept
 {
-    m_lastError = hostCall([&] {
+    call([&] {
+        requireRoomFor(HostWindow::designer);
+        startToolkit(Display::needed);
+        const WorkBelow below;
         gRunMode = true;
         gEditFlag = 1;
         gPreviewZoomIndex = -1;
         gReportId = intInterId;
-        startToolkit(Display::needed);
         showDesigner();
     });
     return false;

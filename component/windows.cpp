@@ -1,37 +1,68 @@
 #include "component/windows.h"
 
 #include "catalogue/frmSelfReportMain.h"
+#include "component/host_call.h"
+#include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
 #include "designer/frmEditor.h"
 #include "platform/list_grid/ListGrid.h"
 
 #include <QApplication>
+#include <QPointer>
 
-#include <memory>
+#include <utility>
 
 namespace selfreport {
 
 namespace {
 
-frmSelfReportMain* openList = nullptr;
-frmEditor* openDesigner = nullptr;
+constexpr const char* listIsOpen = "报表列表已经打开。";
+constexpr const char* designerIsOpen = "报表设计窗口已经打开，请先关闭它。";
 
-/// Fills a slot with a window while it is open.
-template <typename Window>
-class Open {
+/// Of one kind of window: from before it is made until all that its closing brings is done.
+struct Place {
+    bool taken = false;
+    QPointer<QDialog> window; ///< null while it is made and while it goes
+};
+
+Place listPlace, designerPlace;
+Place* topPlace = nullptr; ///< of the window that opened last
+
+class Taken {
 public:
-    Open(Window*& slot, Window& window)
-        : m_slot(slot)
+    explicit Taken(Place& place)
+        : m_place(place)
+        , m_below(std::exchange(topPlace, &place))
     {
-        m_slot = &window;
+        m_place.taken = true;
     }
-    ~Open() { m_slot = nullptr; }
-    Open(const Open&) = delete;
-    Open& operator=(const Open&) = delete;
+    ~Taken()
+    {
+        m_place = {};
+        topPlace = m_below;
+    }
+    Taken(const Taken&) = delete;
+    Taken& operator=(const Taken&) = delete;
 
 private:
-    Window*& m_slot;
+    Place& m_place;
+    Place* m_below;
 };
+
+/// Shows a window until it is closed. Its parent, a window of the host, may end before that and takes it
+/// along.
+template <class Window, class... Arguments>
+void showIn(Place& place, const Arguments&... arguments)
+{
+    struct Shown {
+        QPointer<QDialog> window;
+        ~Shown() { delete window.data(); }
+    };
+    const Shown shown{new Window(arguments..., QApplication::activeModalWidget())};
+    place.window = shown.window;
+    shown.window->exec();
+    place.window.clear();
+}
 
 void refill(frmSelfReportMain& list)
 {
@@ -44,34 +75,78 @@ void refill(frmSelfReportMain& list)
 /// A list that is not open fills itself when it is made.
 void refillList()
 {
-    if (openList)
-        refill(*openList);
-    else
+    if (auto* const list = qobject_cast<frmSelfReportMain*>(listPlace.window.data()))
+        refill(*list);
+    else if (!listPlace.taken)
         gListRow = frmSelfReportMain(showDesigner).vsf1().row();
+}
+
+/// The open window is not in the middle of anything: no dialog and no wait of ours is over it.
+bool isIdle(const Place& place)
+{
+    return place.window && QApplication::activeModalWidget() == place.window;
 }
 
 } // namespace
 
 void showReportList()
 {
-    if (openList)
+    if (listPlace.taken)
         return;
-    frmSelfReportMain list(showDesigner, QApplication::activeModalWidget());
-    const Open open(openList, list);
-    list.exec();
+    const Taken taken(listPlace);
+    if (!designerPlace.taken)
+        return showIn<frmSelfReportMain>(listPlace, showDesigner);
+    showIn<frmSelfReportMain>(listPlace, [report = gReportId, flag = gEditFlag] {
+        gReportId = report; // which the list has just set
+        gEditFlag = flag;
+        tellUser(Icon::exclamation, designerIsOpen);
+    });
 }
 
 void showDesigner()
 {
-    if (openDesigner)
+    if (designerPlace.taken)
         return;
-    {
-        frmEditor designer(QApplication::activeModalWidget());
-        const Open open(openDesigner, designer);
-        designer.exec();
-    }
+    const Taken taken(designerPlace);
+    showIn<frmEditor>(designerPlace);
     if (gFromList == 1)
         refillList();
+}
+
+void requireRoomFor(HostWindow window)
+{
+    if ((window == HostWindow::list ? listPlace : designerPlace).taken)
+        throw HostError(window == HostWindow::list ? listIsOpen : designerIsOpen);
+    if (topPlace && !isIdle(*topPlace))
+        throw HostError("报表窗口正在处理另一项操作，请稍后再试。");
+}
+
+bool isWindowOpen()
+{
+    return topPlace != nullptr;
+}
+
+WorkBelow::WorkBelow()
+    : m_isBelow(isWindowOpen())
+    , m_report(gReportId)
+    , m_editFlag(gEditFlag)
+    , m_previewZoomIndex(gPreviewZoomIndex)
+    , m_runMode(gRunMode)
+    , m_header(gHeaderText)
+    , m_footer(gFooterText)
+{
+}
+
+WorkBelow::~WorkBelow()
+{
+    if (!m_isBelow)
+        return;
+    gReportId = m_report;
+    gEditFlag = m_editFlag;
+    gPreviewZoomIndex = m_previewZoomIndex;
+    gRunMode = m_runMode;
+    gHeaderText = std::move(m_header);
+    gFooterText = std::move(m_footer);
 }
 
 } // namespace selfreport

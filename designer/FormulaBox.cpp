@@ -67,9 +67,10 @@ FormulaBox::FormulaBox(QLineEdit& edit, spreadsheet::SpreadsheetControl& grid)
     : QObject(&edit)
     , m_edit(edit)
     , m_grid(grid)
-    , m_assistant(new spreadsheet::FormulaAssistant(edit, grid.functionHints()))
 {
     edit.installEventFilter(this);
+    // It watches last and so sees keys first: those of its list are not this box's.
+    m_assistant = new spreadsheet::FormulaAssistant(edit, grid.functionHints());
     connect(m_assistant, &spreadsheet::FormulaAssistant::colouredCellsChanged, this, [this] {
         std::vector<spreadsheet::ReferenceFrame> frames;
         if (m_editing) // a formula that is only looked at colours nothing

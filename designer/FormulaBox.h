@@ -49,7 +49,7 @@ private:
 
     QLineEdit& m_edit;
     spreadsheet::SpreadsheetControl& m_grid;
-    spreadsheet::FormulaAssistant* m_assistant;
+    spreadsheet::FormulaAssistant* m_assistant = nullptr;
     int m_sheetId = 0;
     spreadsheet::CellAddress m_cell;
     Editing* m_editing = nullptr; ///< owned by the grid

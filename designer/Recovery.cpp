@@ -4,18 +4,34 @@
 #include "formula/ledger_query.h"
 #include "platform/database/sql_text.h"
 #include "spreadsheet/engine/Workbook.h"
-#include "spreadsheet/files/FileFormats.h"
+#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/PendingFile.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
+#include <random>
 #include <ranges>
-#include <string>
 #include <string_view>
+#include <utility>
 
 namespace selfreport {
 
 namespace {
+
+using namespace std::chrono_literals;
+using Left = RecoveryNote::Left;
+
+constexpr auto offeredFor = std::chrono::days(30);
+constexpr const char* ending = ".copy";
+
+std::string hexadecimal(std::uint64_t number)
+{
+    std::array<char, 16> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), number, 16).ptr;
+    return {text.data(), end};
+}
 
 /// Database and user in few letters: several ledgers and users may share an application folder. A password is
 /// left out, as it changes and does not belong into a file name in any form.
@@ -36,69 +52,175 @@ std::string ownerCode()
             add(setting);
     }
     add(gLoginUserId);
-    std::array<char, 16> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), code, 16).ptr;
-    return {text.data(), end};
+    return hexadecimal(code);
+}
+
+std::string reportCode(std::optional<std::int32_t> report)
+{
+    return report ? std::to_string(*report) : "new";
+}
+
+bool isOld(const RecoveryCopy& copy)
+{
+    return std::filesystem::file_time_type::clock::now() - copy.writtenAt() > offeredFor;
+}
+
+/// What writers that were killed left unfinished.
+void removeUnfinished(const std::filesystem::path& file)
+{
+    std::error_code ignored;
+    const auto age =
+        std::filesystem::file_time_type::clock::now() - std::filesystem::last_write_time(file, ignored);
+    if (age > 10min && RecoveryCopy::takeOver(file))
+        std::filesystem::remove(file, ignored);
 }
 
 } // namespace
 
-Recovery::Recovery(const spreadsheet::Workbook& workbook, std::optional<std::int32_t> report)
+Recovery::Recovery(const spreadsheet::Workbook& workbook, std::optional<std::int32_t> report,
+                   std::function<Heading()> heading)
     : m_workbook(workbook)
-    , m_report(report)
-    , m_savedRevision(workbook.revision())
-    , m_keptRevision(workbook.revision())
+    , m_heading(std::move(heading))
+    , m_folder(gAppPath)
+    , m_prefix("Recovery_" + ownerCode() + '_')
+    , m_report(reportCode(report))
+    , m_own(std::make_unique<RecoveryCopy>(freshFile()))
 {
-    using namespace std::chrono_literals;
-    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { keep(); });
+    noteSaved();
+    findLeftBehind();
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { keep(false); });
     m_timer.start(60s);
 }
 
-std::filesystem::path Recovery::file() const
+Recovery::~Recovery()
 {
-    if (gAppPath.empty())
-        return {};
-    const std::string report = m_report ? std::to_string(*m_report) : "new";
-    return std::filesystem::path(gAppPath) / ("Recovery_" + ownerCode() + "_" + report + ".ss7");
+    for (const auto& copy : m_offered)
+        if (isOld(*copy)) {
+            try {
+                copy->setLeft(Left::lastOffer);
+            } catch (const std::exception&) {
+                // it is offered once more
+            }
+        }
 }
 
-bool Recovery::leftBehind() const
+/// No two windows share a name, on whatever machines they are.
+std::filesystem::path Recovery::freshFile() const
 {
-    std::error_code ignored;
-    return !gAppPath.empty() && std::filesystem::is_regular_file(file(), ignored);
+    std::random_device random;
+    const std::uint64_t number = (std::uint64_t(random()) << 32) | random();
+    return m_folder / (m_prefix + m_report + '_' + hexadecimal(number) + ending);
 }
 
-void Recovery::restore(spreadsheet::Workbook& workbook)
+void Recovery::findLeftBehind()
 {
-    spreadsheet::loadWorkbook(workbook, file());
-    m_savedRevision.reset();
-    m_keptRevision = workbook.revision();
-}
-
-void Recovery::saved(std::optional<std::int32_t> report)
-{
-    forget();
-    m_report = report;
-    m_savedRevision = m_keptRevision = m_workbook.revision();
-}
-
-void Recovery::forget()
-{
-    std::error_code ignored;
-    std::filesystem::remove(file(), ignored);
-}
-
-void Recovery::keep()
-{
-    const std::uint64_t revision = m_workbook.revision();
-    if (gAppPath.empty() || revision == m_keptRevision || revision == m_savedRevision)
+    if (m_folder.empty())
         return;
-    try {
-        spreadsheet::saveWorkbook(m_workbook, file(), spreadsheet::FileFormat::ss7);
-        m_keptRevision = revision;
-    } catch (const std::exception&) {
-        // The design is on screen and can be saved; a box every minute would only be in the way.
+    const std::string own = m_prefix + m_report;
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder, ignored)) {
+        const std::string name = entry.path().filename().string();
+        if (name.starts_with('.' + m_prefix) && name.ends_with(".part"))
+            removeUnfinished(entry.path());
+        const bool isOwn = name.starts_with(own + '_') && name.ends_with(ending);
+        if (!isOwn && name != own + ".ss7") // of earlier programs
+            continue;
+        auto copy = RecoveryCopy::takeOver(entry.path());
+        if (!copy)
+            continue;
+        if (isOld(*copy) && copy->note().left == Left::lastOffer)
+            std::filesystem::remove(entry.path(), ignored);
+        else
+            m_offered.push_back(std::move(copy));
     }
+    std::ranges::sort(m_offered, {}, [](const auto& copy) { return copy->writtenAt(); });
+}
+
+bool Recovery::isOfferAfterCrash() const
+{
+    return isOffering() && m_offered.back()->note().left == Left::open;
+}
+
+void Recovery::putOff()
+{
+    try {
+        m_offered.back()->setLeft(Left::closed);
+    } catch (const std::exception&) {
+        // the question comes once more
+    }
+}
+
+Recovery::Heading Recovery::restore(spreadsheet::Workbook& workbook)
+{
+    if (isChanged())
+        write(Left::closed);
+    RecoveryCopy& copy = *m_offered.back();
+    spreadsheet::loadContent(workbook, copy.content());
+    m_own = std::move(m_offered.back());
+    m_offered.clear();
+    m_savedRevision.reset();
+    m_keptRevision = workbook.designRevision();
+    m_keptName = m_own->note().name;
+    return {m_own->note().name, m_own->note().madeFrom};
+}
+
+void Recovery::discard()
+{
+    m_offered.back()->remove();
+    m_offered.pop_back();
+}
+
+void Recovery::noteSaved()
+{
+    m_savedRevision = m_keptRevision = m_workbook.designRevision();
+    m_savedName = m_keptName = m_heading().name;
+}
+
+void Recovery::saved(std::int32_t report)
+{
+    noteSaved();
+    try {
+        m_own->remove();
+    } catch (const std::exception& error) {
+        if (tell)
+            tell(error.what());
+    }
+    m_report = reportCode(report);
+    m_own = std::make_unique<RecoveryCopy>(freshFile());
+}
+
+bool Recovery::isChanged() const
+{
+    return m_savedRevision != m_workbook.designRevision() || m_savedName != m_heading().name;
+}
+
+void Recovery::write(RecoveryNote::Left left)
+{
+    if (m_folder.empty())
+        throw spreadsheet::FileError("没有应用程序文件夹");
+    Heading heading = m_heading();
+    const std::uint64_t revision = m_workbook.designRevision();
+    m_own->write({left, heading.name, std::move(heading.madeFrom)}, spreadsheet::saveContent(m_workbook));
+    m_keptRevision = revision;
+    m_keptName = std::move(heading.name);
+}
+
+bool Recovery::keep(bool closing)
+{
+    const bool isKept = m_keptRevision == m_workbook.designRevision() && m_keptName == m_heading().name;
+    if (!isChanged() && !m_own->isWritten())
+        return true;
+    if (isKept && m_own->isWritten() && !closing)
+        return true;
+    std::string trouble;
+    try {
+        write(closing ? Left::closed : Left::open);
+    } catch (const std::exception& error) {
+        trouble = error.what();
+    }
+    if (std::exchange(m_trouble, trouble) != trouble && tell)
+        tell(trouble);
+    return trouble.empty();
 }
 
 } // namespace selfreport

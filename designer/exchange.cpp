@@ -147,7 +147,10 @@ bool frmEditor::transfer(const std::string& file, const std::function<std::vecto
 /// known to the grid, whatever it holds now.
 void frmEditor::hookUpAgain()
 {
-    m_fps1->changeStyle([](spreadsheet::CellStyle& style) { style.locked = false; });
+    {
+        const spreadsheet::DisplayOnly noEdit(m_fps1->workbook()); // exporting changes no design
+        m_fps1->changeStyle([](spreadsheet::CellStyle& style) { style.locked = false; });
+    }
     addSelfFunction();
     m_fps1->refresh();
     enterCell();

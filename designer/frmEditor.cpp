@@ -9,6 +9,7 @@
 #include "designer/frmFind.h"
 #include "designer/frmTableInfo.h"
 #include "formatting/cell_commands.h"
+#include "formatting/FormatPainter.h"
 #include "formatting/frmCellBorder.h"
 #include "formatting/frmDataType.h"
 #include "formula/dialogs/edit_call.h"
@@ -22,7 +23,7 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QCloseEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
@@ -62,9 +63,16 @@ frmEditor::frmEditor(QWidget* parent)
     m_fps1->setFocus();
 }
 
+/// The end of the host's event loop, and of the window's parent, close nothing.
 frmEditor::~frmEditor()
 {
+    if (!m_left) {
+        m_fps1->recalculateChanged = [] {};
+        m_fps1->commitEdit();
+    }
     m_fps1->cancelEdit(); // an open formula box is the grid's editor
+    if (!m_left && m_recovery)
+        m_recovery->keep(true);
     m_fps1->disconnect(this);
 }
 
@@ -88,10 +96,26 @@ void frmEditor::openReport()
         m_opensForUse = true;
     }
     enterCell();
-    if (!gRunMode) {
-        m_recovery = std::make_unique<Recovery>(m_fps1->workbook(), storedReport());
-        offerRecovery();
-    }
+    if (!gRunMode)
+        keepForRecovery();
+}
+
+void frmEditor::keepForRecovery()
+{
+    m_recovery = std::make_unique<Recovery>(m_fps1->workbook(), storedReport(), [this] {
+        return Recovery::Heading{m_txtReportName->text().toStdString(), {}};
+    });
+    m_recovery->tell = [this](const std::string& trouble) {
+        m_status->showTrouble(trouble.empty() ? QString()
+                                              : QStringLiteral("未保存的设计不能备份: ") +
+                                                    QString::fromStdString(trouble));
+    };
+    connect(
+        qApp, &QGuiApplication::commitDataRequest, this, [this] { m_recovery->keep(true); },
+        Qt::DirectConnection); // the session ends
+    connect(m_status, &EditorStatus::restoreWanted, this, &frmEditor::restoreDesign);
+    connect(m_status, &EditorStatus::discardWanted, this, &frmEditor::discardDesign);
+    offerRecovery();
 }
 
 /// The first frame does not wait for the ledger.
@@ -106,22 +130,6 @@ void frmEditor::finishOpening()
 {
     if (std::exchange(m_opensForUse, false))
         recalculate(Extent::everything, [this] { return m_evaluation.recalculate(); });
-}
-
-void frmEditor::offerRecovery()
-{
-    if (!m_recovery->leftBehind())
-        return;
-    if (!dialogs().question(gTitle, "上次关闭时有未保存的报表设计,是否恢复?")) {
-        m_recovery->forget();
-        return;
-    }
-    try {
-        m_recovery->restore(m_fps1->workbook());
-        hookUpAgain();
-    } catch (const std::exception& error) {
-        tellUser(Icon::exclamation, error.what());
-    }
 }
 
 void frmEditor::addSelfFunction()
@@ -153,21 +161,86 @@ void frmEditor::MenuFileSave_Click()
     tellUser(Icon::information, *told);
 }
 
-void frmEditor::closeEvent(QCloseEvent* event)
+void frmEditor::done(int result)
 {
-    if (!m_fps1->commitEdit()) { // what was being typed is kept with the rest, unless it is no formula
-        const QString typed = m_fps1->typedText();
-        if (std::exchange(m_refusedAtClosing, typed) != typed) {
-            m_status->showMessage(QStringLiteral("公式有误，窗口没有关闭；再关闭一次则放弃这个公式"));
-            event->ignore();
-            return;
-        }
-        m_fps1->cancelEdit();
-    }
-    if (m_recovery)
-        m_recovery->keep();
+    if (!endEntry() || !keepDesign())
+        return;
+    m_left = true;
     frmPreview::discard();
-    QDialog::closeEvent(event);
+    QDialog::done(result);
+}
+
+/// What is being typed is kept with the rest, unless it is no formula.
+bool frmEditor::endEntry()
+{
+    if (m_fps1->commitEdit())
+        return true;
+    const QString typed = m_fps1->typedText();
+    if (std::exchange(m_refusedAtClosing, typed) != typed) {
+        m_status->showMessage(QStringLiteral("公式有误，窗口没有关闭；再关闭一次则放弃这个公式"));
+        return false;
+    }
+    m_fps1->cancelEdit();
+    return true;
+}
+
+bool frmEditor::keepDesign()
+{
+    if (!m_recovery || m_recovery->keep(true))
+        return true;
+    if (std::exchange(m_unkeptAtClosing, true))
+        return true;
+    tellUser(Icon::exclamation,
+             "未保存的设计不能备份，窗口没有关闭。请先保存；再关闭一次则放弃未保存的修改。");
+    return false;
+}
+
+/// Esc ends what is under way in the grid, one thing at a time, and never the window.
+void frmEditor::keyPressEvent(QKeyEvent* event)
+{
+    if (!event->matches(QKeySequence::Cancel))
+        QDialog::keyPressEvent(event);
+    else if (!FormatPainter::stop(*m_fps1))
+        m_fps1->giveUp();
+}
+
+// Recovery
+
+/// A crash is asked about; what was closed without saving waits in the status bar.
+void frmEditor::offerRecovery()
+{
+    if (m_recovery->isOfferAfterCrash()) {
+        if (dialogs().question(gTitle, "上次关闭时有未保存的报表设计,是否恢复?"))
+            return restoreDesign();
+        m_recovery->putOff();
+    }
+    m_status->offerDesign(m_recovery->isOffering());
+}
+
+void frmEditor::restoreDesign()
+{
+    if (!m_fps1->commitEdit() || !m_formulaBox->commit())
+        return; // its reason is on screen
+    try {
+        const Recovery::Heading restored = m_recovery->restore(m_fps1->workbook());
+        if (!restored.name.empty()) // earlier programs kept none
+            m_txtReportName->setText(QString::fromStdString(restored.name));
+        m_fps1->setWorkbook(&m_fps1->workbook()); // another content: shown from its first cell
+        hookUpAgain();
+    } catch (const std::exception& error) {
+        tellUser(Icon::exclamation, std::string("未保存的设计不能恢复: ") + error.what());
+    }
+    m_status->offerDesign(m_recovery->isOffering());
+}
+
+void frmEditor::discardDesign()
+{
+    try {
+        m_recovery->discard();
+    } catch (const std::exception& error) {
+        tellUser(Icon::exclamation, error.what());
+    }
+    m_status->offerDesign(m_recovery->isOffering());
 }
 
 // Formulas

@@ -83,10 +83,13 @@ public:
     void enterCell();
 
     void tell(const spreadsheet::Refusal& refusal); ///< in the status bar
+    /// The one way out, whatever closes the window. It stays open, once, if what is typed is no formula or
+    /// the unsaved design cannot be kept.
+    void done(int result) override;
 
 protected:
-    void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     class EditorGrid;
@@ -103,7 +106,14 @@ private:
     // Start-up, in this order
     void initForm();
     void openReport();
+    void keepForRecovery();
+
+    // Recovery and closing
     void offerRecovery();
+    void restoreDesign();
+    void discardDesign();
+    bool endEntry();
+    bool keepDesign();
 
     // Procedures
     void addSelfFunction();
@@ -136,6 +146,8 @@ private:
     Extent m_cancelled = Extent::none; ///< what the user did not wait for, and was not computed since
     bool m_opensForUse = false;        ///< the recalculation that opening ends with is still to come
     QString m_refusedAtClosing;        ///< a formula that does not parse has held up closing once
+    bool m_unkeptAtClosing = false;    ///< a design that cannot be kept has held up closing once
+    bool m_left = false;               ///< what closing does is done
     FileDialogSettings m_cd1;          ///< keeps what a command does not set
     ReportEvaluation m_evaluation;
     std::unique_ptr<EditorGrid> m_grid;

@@ -35,11 +35,8 @@ CellRange selected(const SpreadsheetControl& grid)
 
 void FormatPainter::start(SpreadsheetControl& grid)
 {
-    if (auto* atWork = grid.findChild<FormatPainter*>(QString(), Qt::FindDirectChildrenOnly);
-        atWork && !atWork->m_ended) {
-        atWork->end();
+    if (stop(grid))
         return;
-    }
     if (grid.mode() == spreadsheet::GridMode::run || !grid.commitEdit())
         return;
     const CellRange source = selected(grid);
@@ -51,6 +48,15 @@ void FormatPainter::start(SpreadsheetControl& grid)
         return;
     }
     new FormatPainter(grid, source); // the grid owns it
+}
+
+bool FormatPainter::stop(SpreadsheetControl& grid)
+{
+    auto* const atWork = grid.findChild<FormatPainter*>(QString(), Qt::FindDirectChildrenOnly);
+    if (!atWork || atWork->m_ended)
+        return false;
+    atWork->end();
+    return true;
 }
 
 FormatPainter::FormatPainter(SpreadsheetControl& grid, const CellRange& source)

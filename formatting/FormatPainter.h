@@ -20,6 +20,8 @@ class FormatPainter : public QObject {
 public:
     /// A painter that is at work already ends.
     static void start(spreadsheet::SpreadsheetControl& grid);
+    /// Ends the one that is at work without a change; false if there is none.
+    static bool stop(spreadsheet::SpreadsheetControl& grid);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -240,6 +240,7 @@ std::int16_t ReportEvaluation::isShowFormula() const
 /// its types in the tags already.
 void ReportEvaluation::showFormulas()
 {
+    const spreadsheet::DisplayOnly display(m_workbook);
     const spreadsheet::UndoStep step(m_workbook, "显示公式");
     if (m_workbook.formulasShown())
         return;
@@ -268,6 +269,7 @@ void ReportEvaluation::keepDisplay()
 
 void ReportEvaluation::showStoredData()
 {
+    const spreadsheet::DisplayOnly display(m_workbook);
     const spreadsheet::UndoStep step(m_workbook, "显示数据");
     m_workbook.setFormulasShown(false);
     forEveryCell(m_workbook, showValue);

@@ -165,10 +165,13 @@ PrintOutcome PrintDlg::PrintSpread()
     const spreadsheet::PrintRange before = printedGrid().printRange;
     if (!takeRange())
         return PrintOutcome::failed;
-    changeActiveSheetsPrint(printedGrid().workbook(), [&](PrintSettings& print) {
-        for (const std::size_t i : order)
-            print.*options[i].setting = Check1[i]->isChecked();
-    });
+    {
+        const spreadsheet::DisplayOnly display(printedGrid().workbook());
+        changeActiveSheetsPrint(printedGrid().workbook(), [&](PrintSettings& print) {
+            for (const std::size_t i : order)
+                print.*options[i].setting = Check1[i]->isChecked();
+        });
+    }
     const PrintOutcome outcome = printSheet(printedGrid());
     if (outcome != PrintOutcome::printed)
         printedGrid().printRange = before;

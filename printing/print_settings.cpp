@@ -9,6 +9,7 @@ namespace selfreport {
 void changePrintSettings(spreadsheet::Workbook& workbook,
                          const std::function<void(spreadsheet::PrintSettings&)>& change)
 {
+    const spreadsheet::DisplayOnly storedApart(workbook);
     const spreadsheet::UndoStep step(workbook, "页面设置");
     for (int index = 1; index <= workbook.sheetCount(); ++index)
         workbook.sheet(index).changeSettings(

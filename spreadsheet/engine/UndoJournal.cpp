@@ -44,6 +44,7 @@ void UndoJournal::open(std::string label)
     if (m_depth++ == 0) {
         m_current.label = std::move(label);
         m_current.lines.reset(); // of a step that changed nothing
+        m_current.designRevision.reset();
     }
 }
 
@@ -165,6 +166,12 @@ void UndoJournal::keepFormulasShown()
         m_current.formulasShown = m_workbook.formulasShown();
 }
 
+void UndoJournal::keepDesignRevision()
+{
+    if (recording() && !m_current.designRevision)
+        m_current.designRevision = m_workbook.m_designRevision;
+}
+
 void UndoJournal::noteLines(const Sheet& sheet, const CellRange& lines)
 {
     if (recording())
@@ -240,6 +247,9 @@ Sheet* UndoJournal::sheetOfId(int id, const Step& step)
 
 void UndoJournal::exchange(Step& step)
 {
+    const DisplayOnly formerDesign(m_workbook); // whose number comes back with it
+    if (step.designRevision)
+        std::swap(*step.designRevision, m_workbook.m_designRevision);
     if (step.sheets) {
         std::swap(*step.sheets, m_workbook.m_sheets);
         m_workbook.m_activeSheet = std::min(m_workbook.m_activeSheet, m_workbook.sheetCount());

@@ -56,6 +56,7 @@ public:
     void keepSheets();
     void keepNames();
     void keepFormulasShown();
+    void keepDesignRevision();
     /// The rows or columns that are about to be inserted or removed.
     void noteLines(const Sheet& sheet, const CellRange& lines);
 
@@ -71,7 +72,8 @@ private:
         std::optional<std::vector<std::shared_ptr<Sheet>>> sheets;
         std::optional<std::vector<std::uint32_t>> names;
         std::optional<bool> formulasShown;
-        std::optional<ChangedCells> lines; ///< inserted or removed
+        std::optional<std::uint64_t> designRevision; ///< before it; none: the step is of the display only
+        std::optional<ChangedCells> lines;           ///< inserted or removed
         std::size_t bytes = 0;
         bool empty() const;
     };

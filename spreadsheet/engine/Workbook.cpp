@@ -92,6 +92,15 @@ void Workbook::setActiveSheet(int index)
         m_activeSheet = index;
 }
 
+void Workbook::noteEdit()
+{
+    ++m_revision;
+    if (m_displayOnly > 0)
+        return;
+    m_journal->keepDesignRevision();
+    m_designRevision = m_revision;
+}
+
 Refusal Workbook::addSheet(std::string_view name, int before)
 {
     if (sheetCount() == maxSheets)

@@ -104,6 +104,9 @@ public:
 
     /// Changes with every edit; equal numbers mean an unchanged workbook.
     std::uint64_t revision() const { return m_revision; }
+    /// … of what is designed: how it is shown or printed (see `DisplayOnly`) counts for nothing, and undo
+    /// brings the former number back.
+    std::uint64_t designRevision() const { return m_designRevision; }
     /// Bytes held by cells, formulas and the dependency graph.
     std::size_t bytes() const;
 
@@ -112,12 +115,13 @@ public:
 
 private:
     friend class Sheet;
+    friend class DisplayOnly;
     friend class UndoJournal;
     friend class UndoStep;
     friend class SheetStructure;
     friend class Recalculation;
 
-    void noteEdit() { ++m_revision; }
+    void noteEdit();
     void respell(int sheetId);
 
     std::vector<std::shared_ptr<Sheet>> m_sheets; ///< shared with undo steps that bring them back
@@ -133,6 +137,8 @@ private:
     std::function<void()> m_stepEnd;
     bool m_countsFrom1904 = false;
     std::uint64_t m_revision = 0;
+    std::uint64_t m_designRevision = 0; ///< a value that m_revision once had
+    int m_displayOnly = 0;
 };
 
 /// While it lives, all changes form one undo step.
@@ -146,6 +152,22 @@ public:
     /// Puts everything back that was changed since the outermost open step began, when a later part of it is
     /// refused: there is nothing to undo then. Works with undo on.
     void takeBack();
+
+private:
+    Workbook& m_workbook;
+};
+
+/// While it lives, changes are of how the workbook is shown or printed, not of what is designed.
+class DisplayOnly {
+public:
+    explicit DisplayOnly(Workbook& workbook)
+        : m_workbook(workbook)
+    {
+        ++m_workbook.m_displayOnly;
+    }
+    ~DisplayOnly() { --m_workbook.m_displayOnly; }
+    DisplayOnly(const DisplayOnly&) = delete;
+    DisplayOnly& operator=(const DisplayOnly&) = delete;
 
 private:
     Workbook& m_workbook;

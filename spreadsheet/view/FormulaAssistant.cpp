@@ -1,5 +1,7 @@
 #include "spreadsheet/view/FormulaAssistant.h"
 
+#include "spreadsheet/view/tool_tip.h"
+
 #include <QEvent>
 #include <QKeyEvent>
 #include <QLabel>
@@ -82,6 +84,7 @@ void FormulaAssistant::setContext(const FormulaContext& context)
 {
     m_entry.setContext(context);
     m_mistake.reset();
+    m_closedHint.clear();
     m_text = m_port->edited().text; // what stands there was not typed: no names are offered
     hidePopups();
     refresh();
@@ -172,7 +175,9 @@ void FormulaAssistant::showHint(const FormulaText& formula)
 {
     const auto call = formula.callAt(m_port->edited().cursor);
     const auto hint = call ? m_hints.hint(call->function, *m_entry.context().workbook) : std::nullopt;
-    if (!hint || !m_port->widget().isVisible() || m_mistake) {
+    if (!call || call->function != m_closedHint)
+        m_closedHint.clear();
+    if (!hint || !m_port->widget().isVisible() || m_mistake || !m_closedHint.isEmpty()) {
         m_hint->hide();
         return;
     }
@@ -235,12 +240,26 @@ bool FormulaAssistant::popupKey(int key)
         if (m_chosen)
             complete();
         return m_chosen;
-    case Qt::Key_Escape:
-        m_names->hide();
-        return true;
     default:
         return false;
     }
+}
+
+/// What lies over the text, the topmost first. False if nothing does.
+bool FormulaAssistant::closePopup()
+{
+    if (hideToolTip())
+        return true;
+    if (m_hint->isVisible()) {
+        const auto call =
+            FormulaText(m_port->edited().text, m_entry.context()).callAt(m_port->edited().cursor);
+        m_closedHint = call ? call->function : QString();
+        m_hint->hide();
+        return true;
+    }
+    const bool isOpen = m_names->isVisible();
+    m_names->hide();
+    return isOpen;
 }
 
 bool FormulaAssistant::eventFilter(QObject* watched, QEvent* event)
@@ -250,6 +269,8 @@ bool FormulaAssistant::eventFilter(QObject* watched, QEvent* event)
     if (event->type() != QEvent::KeyPress)
         return QObject::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key == Qt::Key_Escape && closePopup())
+        return true;
     if (m_names->isVisible() && popupKey(key))
         return true;
     if (key == Qt::Key_F4 && isFormula()) {

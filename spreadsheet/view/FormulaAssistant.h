@@ -24,9 +24,10 @@ struct ColouredCells {
 };
 
 /// Helps with writing a formula in a text edit: colours references and marks the place of a mistake, offers
-/// function names ("formulaCompletions": arrow keys, Tab or a click take one, Esc closes) and the arguments
-/// of the call at the cursor ("formulaHint"), cycles "$" with F4, and puts references that somebody points
-/// at. It lives with the edit. Texts that are no formulas are left alone.
+/// function names ("formulaCompletions": arrow keys, Tab or a click take one) and the arguments of the call
+/// at the cursor ("formulaHint"), of which Esc closes the hint first and then the names, cycles "$" with F4,
+/// and puts references that somebody points at. It lives with the edit. Texts that are no formulas are left
+/// alone.
 class FormulaAssistant : public QObject {
     Q_OBJECT
 
@@ -66,6 +67,7 @@ private:
     void offerNames(const FormulaText& formula);
     void complete();
     bool popupKey(int key);
+    bool closePopup();
 
     std::unique_ptr<TextPort> m_port;
     const FunctionHints& m_hints;
@@ -74,7 +76,8 @@ private:
     std::optional<int> m_mistake;
     QListWidget* m_names;
     QLabel* m_hint;
-    QString m_text; ///< as it was last looked at
+    QString m_closedHint; ///< the function that the user wants no hint of while the cursor is in its call
+    QString m_text;       ///< as it was last looked at
     bool m_busy = false;
     bool m_pointing = false;
     bool m_chosen = false; ///< a name was chosen with the arrow keys

@@ -96,6 +96,9 @@ public:
     /// False if an editor is open and stays open, as its text was refused.
     [[nodiscard]] bool commitEdit();
     void cancelEdit();
+    /// Esc: ends one thing, the first of a tool tip, an open entry, filling or resizing by mouse, and the
+    /// border around copied cells. False if there is none.
+    bool giveUp();
     /// Why the user may not change cells of the sheet that is shown: mode or a lock.
     Refusal editRefusal(const CellRange& range) const;
     [[nodiscard]] bool mayEdit(const CellRange& range) const { return !editRefusal(range); }

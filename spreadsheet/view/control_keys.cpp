@@ -5,6 +5,7 @@
 #include "spreadsheet/view/reference_text.h"
 #include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "spreadsheet/view/tool_tip.h"
 
 #include <QKeyEvent>
 
@@ -240,12 +241,8 @@ bool SpreadsheetControl::actByKey(const QKeyEvent& event)
 {
     const CellAddress cell = activeCell();
     const CellType type = m_view->sheet().style(cell).type;
-    if (event.key() == Qt::Key_Escape && m_mouse->cancel())
-        return true;
-    if (event.key() == Qt::Key_Escape && m_view->hasCopied()) {
-        setCopiedRange(0, std::nullopt);
-        return true;
-    }
+    if (event.key() == Qt::Key_Escape)
+        return giveUp();
     if (event.key() == Qt::Key_F2 && event.modifiers() == Qt::NoModifier)
         return beginEdit(EditStart::keep) || true;
     if (event.key() == Qt::Key_Backspace && event.modifiers() == Qt::NoModifier)
@@ -269,6 +266,22 @@ bool SpreadsheetControl::actByKey(const QKeyEvent& event)
     const bool isAltGr =
         !text.isEmpty() && text[0].isPrint() && chord(event) == (Qt::ControlModifier | Qt::AltModifier);
     return (isText || isAltGr) && (beginEdit(EditStart::replace, text) || true);
+}
+
+bool SpreadsheetControl::giveUp()
+{
+    if (hideToolTip())
+        return true;
+    if (isEditing()) {
+        cancelEdit();
+        return true;
+    }
+    if (m_mouse->cancel())
+        return true;
+    const bool copied = m_view->hasCopied();
+    if (copied)
+        setCopiedRange(0, std::nullopt);
+    return copied;
 }
 
 void SpreadsheetControl::selectAround()

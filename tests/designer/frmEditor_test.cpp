@@ -370,44 +370,6 @@ TEST_F(Designer, ToolbarCopiesTheActiveCellsTextOnly)
     EXPECT_EQ(grid().text(2, 5), "合计");
 }
 
-TEST_F(Designer, AnUnsavedDesignIsOfferedAgain)
-{
-    open();
-    typeInBox("=6*7", Qt::Key_Return);
-    window->close();
-    EXPECT_TRUE(ledger.boxes.said.empty()); // closing asks nothing
-    ledger.boxes.answer = true;
-    open();
-    EXPECT_EQ(ledger.boxes.said.size(), 1u);
-    EXPECT_EQ(formula(1, 1), "6*7");
-    edit("txtReportName").setText("恢复");
-    trigger("MenuFileSave");
-    gEditFlag = 0;
-    ledger.boxes.said.clear();
-    open();
-    EXPECT_TRUE(ledger.boxes.said.empty()); // saved: nothing is left behind
-}
-
-TEST_F(Designer, AnotherLedgersOrUsersDesignIsNotOffered)
-{
-    open();
-    typeInBox("=6*7", Qt::Key_Return);
-    window->close();
-    const std::string own = gConnString;
-    const std::pair<std::string, const char*> others[] = {{own + ";Application Name=x", "wang"}, {own, "li"}};
-    for (const auto& [target, user] : others) {
-        gConnString = target;
-        gLoginUserId = user;
-        open();
-        EXPECT_TRUE(ledger.boxes.said.empty()) << user;
-    }
-    gLoginUserId = "wang";
-    gConnString = own + ";Password=changed";
-    open();
-    EXPECT_EQ(ledger.boxes.said,
-              (std::vector<Said>{{Icon::question, "测试账套", "上次关闭时有未保存的报表设计,是否恢复?"}}));
-}
-
 TEST_F(Designer, BothRoadsThroughTheWindows)
 {
     storeReport();

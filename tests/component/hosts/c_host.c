@@ -1,6 +1,6 @@
 /* A host without the toolkit: loads the library at run time, drives it, unloads it.
-   Usage: c_host LIBRARY again CLOSER | threads CLOSER | no-display | other-toolkit FILE | register
-   DATA_FOLDER Says what is wrong and ends with 1 at the first wrong answer. */
+   Usage: c_host LIBRARY again CLOSER | threads CLOSER | while-open CLOSER | no-display | other-toolkit FILE |
+   register DATA_FOLDER Says what is wrong and ends with 1 at the first wrong answer. */
 #include "component/selfreport_c.h"
 
 #include <dlfcn.h>
@@ -121,6 +121,59 @@ static void threads(const char* file)
     loaded.class->release(instance);
 }
 
+static component open_component;
+static selfreport_instance* open_instance; /* whose window is open */
+static void (*before_closing)(void (*act)(void));
+static int windows_open, refusals;
+
+static void expect_refused(const selfreport_instance* instance)
+{
+    EXPECT(*open_component.class->last_error(instance));
+    ++refusals;
+}
+
+/* As from a timer of the host, while a window is open: at first the designer, then the list over it, which
+   says as it opens that there is no database. */
+static void call_while_open(void)
+{
+    const selfreport_class* class = open_component.class;
+    selfreport_instance* other = class->create();
+    int16_t type = 0;
+    int32_t report = 3;
+    EXPECT(++windows_open <= 2);
+    class->init(other, "none", "none", "none", "none");
+    expect_refused(other);
+    class->edit_form(other, &type, NULL);
+    expect_refused(other);
+    class->cw_self_report_exe(other, &report);
+    expect_refused(other);
+    class->cw_self_report(other);
+    if (windows_open == 1)
+        expect_no_error(class, other);
+    else
+        expect_refused(other);
+    class->release(other);
+    if (--windows_open == 0) {
+        before_closing(NULL);
+        class->release(open_instance); /* during its own call */
+        open_instance = NULL;
+    }
+}
+
+static void while_open(const char* file, void* closer)
+{
+    int16_t type = 0;
+    *(void**)&before_closing = symbol(closer, "before_closing");
+    open_component = load(file);
+    open_instance = open_component.class->create();
+    before_closing(call_while_open);
+    EXPECT(open_component.class->edit_form(open_instance, &type, NULL) == 0);
+    EXPECT(!open_instance && refusals == 3 + 4 + 4);
+    selfreport_instance* instance = open_component.class->create();
+    drive(open_component.class, instance); /* as if nothing had been */
+    open_component.class->release(instance);
+}
+
 /* Windows cannot be shown, which is an error, not the end of the process. */
 static void without_windows(const char* file, const char* named)
 {
@@ -182,6 +235,8 @@ int main(int count, char** arguments)
         again(file);
     else if (strcmp(what, "threads") == 0 && count == 4 && dlopen(arguments[3], RTLD_NOW | RTLD_LOCAL))
         threads(file);
+    else if (strcmp(what, "while-open") == 0 && count == 4)
+        while_open(file, dlopen(arguments[3], RTLD_NOW | RTLD_LOCAL));
     else if (strcmp(what, "no-display") == 0)
         without_windows(file, "显示器");
     else if (strcmp(what, "other-toolkit") == 0 && count == 4 && dlopen(arguments[3], RTLD_NOW | RTLD_LOCAL))

@@ -70,14 +70,19 @@ TEST(SelfReportPlugin, AnswersFalseOnTheHostsThreadAndRefusesOthers)
     char name[] = "host";
     char* arguments[] = {name, nullptr};
     const QApplication application(count, arguments);
+    const Plugin plugin;
+    QString whileOpen;
     QTimer user; // closes what opens
-    QObject::connect(&user, &QTimer::timeout, [] {
-        if (QWidget* const window = QApplication::activeModalWidget())
+    QObject::connect(&user, &QTimer::timeout, [&] {
+        if (QWidget* const window = QApplication::activeModalWidget()) {
+            EXPECT_FALSE(runReport(plugin.object.get(), 2));
+            whileOpen = plugin.error();
             window->close();
+        }
     });
     user.start(5);
-    const Plugin plugin;
     EXPECT_FALSE(runReport(plugin.object.get(), 1));
+    EXPECT_NE(whileOpen, "") << "nothing could be shown";
     EXPECT_EQ(plugin.error(), "");
 
     std::thread([&] { EXPECT_FALSE(runReport(plugin.object.get(), 2)); }).join();

@@ -148,9 +148,15 @@ TEST_F(Editor, NamesAreOfferedWhileTypingAndTakenByTab)
     EXPECT_TRUE(hint().text().contains("<b>[数值2,…]</b>")) << hint().text().toStdString();
     QTest::keyClicks(&editor, "ac");
     key(Qt::Key_Escape);
+    EXPECT_FALSE(hint().isVisible());
+    EXPECT_TRUE(names().isVisible()) << "Esc closes one at a time";
+    key(Qt::Key_Escape);
     EXPECT_FALSE(names().isVisible());
-    EXPECT_EQ(events, "") << "Esc closes the list first";
-    QTest::keyClicks(&editor, "ct(\"1\",");
+    EXPECT_EQ(events, "");
+    QTest::keyClicks(&editor, "1,");
+    EXPECT_FALSE(hint().isVisible()) << "not wanted in this call";
+    QTest::keyClicks(&editor, "act(\"1\",");
+    EXPECT_TRUE(hint().isVisible());
     EXPECT_TRUE(hint().text().contains("<b>取数类型</b>"));
     open("", CellEditor::Mode::enter);
     QTest::keyClicks(&editor, "su");
