@@ -2,6 +2,7 @@
 
 #include "formatting/cell_commands.h"
 #include "platform/windows/buttons.h"
+#include "spreadsheet/engine/SheetSettings.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <QDoubleSpinBox>
@@ -12,8 +13,6 @@
 namespace selfreport {
 
 namespace {
-
-constexpr double twipsOfPoint = 20;
 
 } // namespace
 
@@ -27,13 +26,13 @@ frmLineSize::frmLineSize(spreadsheet::SpreadsheetControl& grid, Lines lines, QWi
     setObjectName("frmLineSize");
     setWindowTitle(rows ? QStringLiteral("行高") : QStringLiteral("列宽"));
     m_size->setObjectName("size");
-    m_size->setRange(1, spreadsheet::maxLineSize / twipsOfPoint);
+    m_size->setRange(1, spreadsheet::maxLineSize / spreadsheet::twipsPerPoint);
     m_size->setDecimals(2);
     m_size->setSuffix(QStringLiteral(" 磅"));
     const auto& settings = grid.sheet().settings();
     const spreadsheet::CellAddress cell = grid.activeCell();
     m_size->setValue((rows ? settings.rows.size(cell.row) : settings.columns.size(cell.column)) /
-                     twipsOfPoint);
+                     spreadsheet::twipsPerPoint);
     auto* form = new QFormLayout(this);
     form->addRow(rows ? QStringLiteral("行高(&R)：") : QStringLiteral("列宽(&C)："), m_size);
     form->addRow(okAndClose(
@@ -44,7 +43,7 @@ frmLineSize::frmLineSize(spreadsheet::SpreadsheetControl& grid, Lines lines, QWi
 
 void frmLineSize::cmdXPOK_Click()
 {
-    const int twips = static_cast<int>(std::lround(m_size->value() * twipsOfPoint));
+    const int twips = static_cast<int>(std::lround(m_size->value() * spreadsheet::twipsPerPoint));
     if (m_lines == Lines::rows)
         setRowHeights(m_grid, twips);
     else

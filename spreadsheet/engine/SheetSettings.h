@@ -9,7 +9,10 @@
 
 namespace spreadsheet {
 
-inline constexpr int twipsPerInch = 1440;
+// The unit of sizes on paper and screen.
+inline constexpr double twipsPerInch = 1440;
+inline constexpr double twipsPerPoint = 20;
+inline constexpr double twipsPerPixel = 15; ///< at 96 pixels an inch
 
 inline constexpr int defaultColumnWidth = 1080; ///< twips (1/1440 inch)
 inline constexpr int defaultRowHeight = 285;    ///< twips

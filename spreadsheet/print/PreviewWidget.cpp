@@ -172,7 +172,7 @@ void PreviewWidget::arrange()
 double PreviewWidget::scale() const
 {
     const PageLayout* const pages = layout();
-    const double natural = logicalDpiX() / double(twipsPerInch);
+    const double natural = logicalDpiX() / twipsPerInch;
     if (!pages || m_look.view == PreviewView::percentage)
         return natural * m_look.percentage / 100;
     const QSize area = maximumViewportSize();

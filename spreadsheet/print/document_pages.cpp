@@ -49,7 +49,6 @@ int pageCount(const std::vector<SheetPages>& sheets)
 
 QPageLayout paperOf(const PageLayout& layout)
 {
-    constexpr double twipsPerPoint = 20;
     const QSizeF turned(layout.paperWidth() / twipsPerPoint, layout.paperHeight() / twipsPerPoint);
     const bool landscape = turned.width() > turned.height();
     const QPageSize size(landscape ? turned.transposed() : turned, QPageSize::Point);
@@ -75,8 +74,7 @@ bool drawPages(QPagedPaintDevice& device, const std::vector<SheetPages>& sheets,
             if (painter.isActive() ? !device.newPage() : !painter.begin(&device))
                 return false;
             painter.save();
-            painter.scale(device.logicalDpiX() / double(twipsPerInch),
-                          device.logicalDpiY() / double(twipsPerInch));
+            painter.scale(device.logicalDpiX() / twipsPerInch, device.logicalDpiY() / twipsPerInch);
             PagePainter(sheet, layout, text).paint(painter, number);
             painter.restore();
             ++done;

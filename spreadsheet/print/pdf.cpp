@@ -23,7 +23,7 @@ QByteArray drawn(const std::vector<SheetPages>& sheets, const PrintDocument& doc
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     QPdfWriter writer(&buffer);
-    writer.setResolution(twipsPerInch); // the painter's unit is the twip
+    writer.setResolution(static_cast<int>(twipsPerInch)); // the painter's unit is the twip
     writer.setTitle(titleOf(document, sheets));
     PageText text(&record);
     if (!drawPages(writer, sheets, document, text))

@@ -1,5 +1,7 @@
 #include "spreadsheet/files/exchange/column_widths.h"
 
+#include "spreadsheet/engine/SheetSettings.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -7,7 +9,6 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double twipsOfPixel = 15;
 constexpr double mostDigits = 256;
 
 } // namespace
@@ -27,12 +28,12 @@ double digitPixels(std::string_view family, double points)
 
 int columnTwips(double digits, double pixelsOfDigit)
 {
-    return static_cast<int>(std::round(std::clamp(digits, 0.0, mostDigits) * pixelsOfDigit) * twipsOfPixel);
+    return static_cast<int>(std::round(std::clamp(digits, 0.0, mostDigits) * pixelsOfDigit) * twipsPerPixel);
 }
 
 double columnDigits(int twips, double pixelsOfDigit)
 {
-    return std::clamp(twips / twipsOfPixel / pixelsOfDigit, 0.0, mostDigits - 1);
+    return std::clamp(twips / twipsPerPixel / pixelsOfDigit, 0.0, mostDigits - 1);
 }
 
 } // namespace spreadsheet

@@ -1,6 +1,7 @@
 #include "spreadsheet/files/exchange/page_margins.h"
 
 #include "spreadsheet/engine/header_footer.h"
+#include "spreadsheet/engine/SheetSettings.h"
 
 #include <algorithm>
 
@@ -8,8 +9,7 @@ namespace spreadsheet {
 
 FileMargin fileMargin(int twips, std::string_view codes)
 {
-    constexpr double twipsOfInch = 1440;
-    return {(twips + headerHeight(readHeaderFooter(codes))) / twipsOfInch, twips / twipsOfInch};
+    return {(twips + headerHeight(readHeaderFooter(codes))) / twipsPerInch, twips / twipsPerInch};
 }
 
 int ownMargin(int twipsToCells, std::string_view codes)

@@ -147,10 +147,9 @@ bool SheetReader::settingRecord(RecordStream& stream)
 void SheetReader::setDefaultWidth()
 {
     constexpr double margin = 5; // pixels; the whole is rounded up to 8
-    constexpr int twipsOfPixel = 15;
     const double pixels = std::ceil((std::min(m_defaultDigits, 255) * m_digitPixels + margin) / 8) * 8;
     m_settings.columns.defaultSize = m_standardWidth > 0 ? columnTwips(m_standardWidth, m_digitPixels)
-                                                         : static_cast<int>(pixels) * twipsOfPixel;
+                                                         : static_cast<int>(pixels * twipsPerPixel);
 }
 
 void SheetReader::finish()

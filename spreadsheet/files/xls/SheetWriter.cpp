@@ -15,8 +15,6 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double twipsOfInch = 1440;
-
 } // namespace
 
 SheetWriter::SheetWriter(XlsParts& parts, int index, RecordWriter& writer)
@@ -122,8 +120,8 @@ void SheetWriter::margins()
 {
     const PrintSettings& print = m_settings.print;
     const std::pair<std::uint16_t, double> margins[]{
-        {xls::leftMargin, print.marginLeft / twipsOfInch},
-        {xls::rightMargin, print.marginRight / twipsOfInch},
+        {xls::leftMargin, print.marginLeft / twipsPerInch},
+        {xls::rightMargin, print.marginRight / twipsPerInch},
         {xls::topMargin, fileMargin(print.marginTop, print.header).toCells},
         {xls::bottomMargin, fileMargin(print.marginBottom, print.footer).toCells}};
     for (const auto& [id, inches] : margins) {

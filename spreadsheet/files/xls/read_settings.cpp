@@ -10,13 +10,12 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double twipsOfInch = 1440;
 constexpr std::uint16_t usualCellFormat = 15; ///< of cells that nobody formatted
 
 int marginTwips(const XlsRecord& record)
 {
     const auto inches = record.at<double>(0);
-    return inches >= 0 && inches <= 49 ? static_cast<int>(std::lround(inches * twipsOfInch)) : 0;
+    return inches >= 0 && inches <= 49 ? static_cast<int>(std::lround(inches * twipsPerInch)) : 0;
 }
 
 } // namespace

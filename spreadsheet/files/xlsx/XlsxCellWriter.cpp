@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xlsx/XlsxCellWriter.h"
 
+#include "spreadsheet/engine/SheetSettings.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/formula/FormulaPool.h"
@@ -11,7 +12,6 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double twipsOfPoint = 20;
 constexpr std::size_t mostFormula = 8192; ///< characters; other programs take a file with more for damaged
 
 /// The last row with a size, a look or a span of its own.
@@ -89,7 +89,7 @@ void XlsxCellWriter::row(int row, const std::vector<StoredCell>& cells)
     m_xml.open("row").attribute("r", row);
     if (isStyled)
         m_xml.attribute("s", m_parts.styles.cellFormat(style->second)).attribute("customFormat", 1);
-    m_xml.attribute("ht", (isSized ? size->second : m_settings.rows.defaultSize) / twipsOfPoint);
+    m_xml.attribute("ht", (isSized ? size->second : m_settings.rows.defaultSize) / twipsPerPoint);
     if (isHidden)
         m_xml.attribute("hidden", 1);
     m_xml.attribute("customHeight", 1);

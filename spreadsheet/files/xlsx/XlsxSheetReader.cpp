@@ -19,12 +19,11 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double twipsOfPoint = 20, twipsOfInch = 1440;
 constexpr std::int64_t mostArrayCells = 1 << 20;
 
 int twips(double points)
 {
-    return points >= 0 && points <= 409.5 ? static_cast<int>(std::lround(points * twipsOfPoint)) : 0;
+    return points >= 0 && points <= 409.5 ? static_cast<int>(std::lround(points * twipsPerPoint)) : 0;
 }
 
 /// "2026-12-31T13:45:00" as a serial number.
@@ -90,7 +89,6 @@ void XlsxSheetReader::reach(const CellRange& range)
 void XlsxSheetReader::sizes(pugi::xml_node root)
 {
     constexpr double usualDigits = 8, margin = 5, usualHeight = 15;
-    constexpr int twipsOfPixel = 15;
     const pugi::xml_node format = childNamed(root, "sheetFormatPr");
     m_settings.rows.defaultSize =
         std::max(1, twips(numberOf(attributeNamed(format, "defaultRowHeight"), usualHeight)));
@@ -99,7 +97,7 @@ void XlsxSheetReader::sizes(pugi::xml_node root)
         numberOf(attributeNamed(format, "baseColWidth"), usualDigits) * m_digitPixels + margin;
     m_settings.columns.defaultSize =
         digits > 0 ? columnTwips(digits, m_digitPixels)
-                   : static_cast<int>(std::ceil(std::clamp(pixels, 8.0, 2000.0) / 8) * 8) * twipsOfPixel;
+                   : static_cast<int>(std::ceil(std::clamp(pixels, 8.0, 2000.0) / 8) * 8 * twipsPerPixel);
     eachChild(childNamed(root, "cols"), "col", [this](pugi::xml_node node) { columnSizes(node); });
 }
 
@@ -366,7 +364,7 @@ void XlsxSheetReader::print(pugi::xml_node root)
     if (const pugi::xml_node margins = childNamed(root, "pageMargins")) {
         const auto margin = [&](const char* side) {
             const double inches = numberOf(attributeNamed(margins, side));
-            return inches >= 0 && inches <= 49 ? static_cast<int>(std::lround(inches * twipsOfInch)) : 0;
+            return inches >= 0 && inches <= 49 ? static_cast<int>(std::lround(inches * twipsPerInch)) : 0;
         };
         print.marginLeft = margin("left");
         print.marginRight = margin("right");

@@ -17,8 +17,6 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double twipsOfPoint = 20, twipsOfInch = 1440, twipsOfPixel = 15;
-
 std::string rangeName(const CellRange& range)
 {
     const std::string first = cellName({range.left, range.top});
@@ -28,8 +26,8 @@ std::string rangeName(const CellRange& range)
 /// Width in digits of whole pixels, one at least: other programs hide a column of none.
 double fileWidth(int twips, double digitPixels)
 {
-    const double pixels = std::max(1.0, std::round(twips / twipsOfPixel));
-    return columnDigits(static_cast<int>(pixels * twipsOfPixel), digitPixels);
+    const double pixels = std::max(1.0, std::round(twips / twipsPerPixel));
+    return columnDigits(static_cast<int>(pixels * twipsPerPixel), digitPixels);
 }
 
 } // namespace
@@ -104,7 +102,7 @@ void XlsxSheetWriter::sizes()
     const double digit = digitPixels(fileFamily(font.family.view()), font.points);
     m_xml.open("sheetFormatPr")
         .attribute("defaultColWidth", fileWidth(m_settings.columns.defaultSize, digit))
-        .attribute("defaultRowHeight", m_settings.rows.defaultSize / twipsOfPoint)
+        .attribute("defaultRowHeight", m_settings.rows.defaultSize / twipsPerPoint)
         .attribute("customHeight", 1)
         .close();
     columns();
@@ -203,8 +201,8 @@ void XlsxSheetWriter::margins()
     const FileMargin above = fileMargin(print.marginTop, print.header);
     const FileMargin below = fileMargin(print.marginBottom, print.footer);
     m_xml.open("pageMargins")
-        .attribute("left", print.marginLeft / twipsOfInch)
-        .attribute("right", print.marginRight / twipsOfInch)
+        .attribute("left", print.marginLeft / twipsPerInch)
+        .attribute("right", print.marginRight / twipsPerInch)
         .attribute("top", above.toCells)
         .attribute("bottom", below.toCells)
         .attribute("header", above.toHeader)
