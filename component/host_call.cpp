@@ -1,5 +1,7 @@
 #include "component/host_call.h"
 
+#include "failures/failure_text.h"
+
 #include <QCoreApplication>
 #include <QThread>
 
@@ -67,7 +69,7 @@ std::string hostCall(const std::function<void()>& work) noexcept
         work();
         return {};
     } catch (const std::exception& error) {
-        return error.what();
+        return failures::sentenceOf(error);
     } catch (...) {
         return "报表组件内部错误。";
     }

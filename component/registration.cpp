@@ -1,14 +1,16 @@
 #include "component/registration.h"
 #include "component/host_call.h"
 #include "component/own_file.h"
+#include "failures/failure_text.h"
+#include "spreadsheet/files/PendingFile.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QStandardPaths>
+
+#include <filesystem>
 
 namespace selfreport {
 
@@ -29,9 +31,9 @@ QString libraryFile()
     return file;
 }
 
-[[noreturn]] void refuse(const char* what, const QString& file, const QString& reason)
+std::filesystem::path pathOf(const QString& file)
 {
-    throw HostError(what + QDir::toNativeSeparators(file).toStdString() + ": " + reason.toStdString());
+    return file.toStdString();
 }
 
 } // namespace
@@ -45,17 +47,22 @@ void registerLibrary()
         {"version", SELFREPORT_VERSION},
     };
     QDir().mkpath(QFileInfo(descriptorFile()).path());
-    QSaveFile file(descriptorFile());
-    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(descriptor).toJson()) < 0 ||
-        !file.commit())
-        refuse("无法登记报表组件,文件写入失败: ", file.fileName(), file.errorString());
+    try {
+        spreadsheet::PendingFile file(pathOf(descriptorFile()));
+        file.write(QJsonDocument(descriptor).toJson().toStdString());
+        file.putInPlace();
+    } catch (const spreadsheet::FileError& error) {
+        throw HostError("无法登记报表组件。" + failures::sentenceOf(error));
+    }
 }
 
 void unregisterLibrary()
 {
-    QFile file(descriptorFile());
-    if (file.exists() && !file.remove())
-        refuse("无法注销报表组件,文件删除失败: ", file.fileName(), file.errorString());
+    std::error_code error;
+    std::filesystem::remove(pathOf(descriptorFile()), error);
+    if (error)
+        throw HostError("无法注销报表组件,文件删除失败: " + pathOf(descriptorFile()).string() + ": " +
+                        failures::reasonOfErrno(error.value()));
 }
 
 } // namespace selfreport

@@ -3,6 +3,7 @@
 #include "catalogue/report_store.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
+#include "failures/failure_text.h"
 #include "formula/evaluation.h"
 #include "platform/database/connection_string.h"
 #include "platform/dialogs/RecordingDialogs.h"
@@ -33,7 +34,8 @@ std::unique_ptr<Connection> provenConnection(const std::string& connectionString
     try {
         return openConnection(connectionString);
     } catch (const std::exception& error) {
-        throw ReportRunError("无法打开数据库“" + databaseName(connectionString) + "”：" + error.what());
+        throw ReportRunError("无法打开数据库“" + databaseName(connectionString) + "”：" +
+                             failures::sentenceOf(error));
     }
 }
 
@@ -43,7 +45,8 @@ std::vector<ListedReport> provenList(const std::string& connectionString)
     try {
         return storedReports(*connection);
     } catch (const std::exception& error) {
-        throw ReportRunError("数据库“" + databaseName(connectionString) + "”读不出报表列表：" + error.what());
+        throw ReportRunError("数据库“" + databaseName(connectionString) + "”读不出报表列表：" +
+                             failures::sentenceOf(error));
     }
 }
 

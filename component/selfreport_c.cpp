@@ -3,6 +3,7 @@
 #include "component/host_call.h"
 #include "component/instances.h"
 #include "component/registration.h"
+#include "failures/failure_text.h"
 
 #include <new>
 #include <string>
@@ -34,7 +35,7 @@ int run(selfreport_instance* instance, const Operation& operation) noexcept
         instance->error.clear();
         operation(instance->object);
     } catch (const std::exception& error) {
-        instance->error = error.what();
+        instance->error = failures::sentenceOf(error);
     }
     return 0;
 }

@@ -24,15 +24,15 @@
 
 #include <array>
 #include <charconv>
-#include <fstream>
 #include <functional>
-#include <optional>
 #include <ostream>
+#include <span>
 
 namespace selfreport {
 
 using spreadsheet::FileError;
 using spreadsheet::PendingFile;
+using spreadsheet::PendingFiles;
 
 namespace {
 
@@ -61,28 +61,27 @@ std::string connectionString(const std::string& database)
     return isFile || database.find('=') == std::string::npos ? fileConnection(database) : database;
 }
 
-std::optional<PendingFile> pending(const std::string& file)
+/// A file that is written if it is wanted.
+PendingFile* pending(PendingFiles& files, const std::string& name)
 {
-    return file.empty() ? std::optional<PendingFile>() : std::optional<PendingFile>(std::in_place, file);
+    return name.empty() ? nullptr : &files.add(name);
 }
 
-void writeCsv(const ReportRun& run, const PendingFile& file)
+std::string csvOf(const ReportRun& run)
 {
-    std::ofstream stream(file.path(), std::ios::binary);
-    stream << spreadsheet::workbookCsv(*run.workbook);
-    stream.close();
-    if (!stream)
-        throw FileError("CSV 写入失败: " + run.name);
+    const std::string failed = failedFetchesText(run.diagnostics);
+    return spreadsheet::workbookCsv(*run.workbook) + (failed.empty() ? failed : "\r\n" + failed + "\r\n");
 }
 
-void writeReportPdf(const ReportRun& run, const PendingFile& file)
+void writeReportPdf(const ReportRun& run, PendingFile& file)
 {
     startToolkit(Display::none);
-    spreadsheet::PdfOptions options;
-    options.path = QString::fromStdString(file.path().string());
-    options.title = QString::fromStdString(run.name);
-    options.page.stamp = stampText(stampNow(static_cast<int>(run.diagnostics.size())));
-    spreadsheet::writePdf(*run.workbook, options);
+    spreadsheet::PrintDocument document;
+    document.title = QString::fromStdString(run.name);
+    document.page.notice = failedFetchesText(run.diagnostics);
+    document.page.stamp = stampText(stampNow(static_cast<int>(run.diagnostics.size())));
+    const spreadsheet::Pdf pdf = spreadsheet::pdfOf(*run.workbook, document);
+    file.write(std::as_bytes(std::span(pdf.bytes)));
 }
 
 void tellDiagnostics(const ReportRun& run, std::ostream& notes)
@@ -91,10 +90,21 @@ void tellDiagnostics(const ReportRun& run, std::ostream& notes)
         notes << "提示: " << message << '\n';
     for (const CellDiagnostic& diagnostic : run.diagnostics) {
         const auto& [sheet, column, row] = diagnostic.place;
-        notes << "取数诊断: " << run.workbook->sheet(sheet).name() << '!'
-              << spreadsheet::cellName({column, row}) << ' ' << diagnostic.function << ": "
+        notes << (diagnostic.hasFailed() ? "取数失败: " : "取数诊断: ") << run.workbook->sheet(sheet).name()
+              << '!' << spreadsheet::cellName({column, row}) << ' ' << diagnostic.function << ": "
               << diagnostic.reason << '\n';
     }
+}
+
+/// @throws ReportRunError if fetches failed, unless they may have
+void requireFigures(const ReportRun& run, const ReportFiles& files, std::ostream& notes)
+{
+    const std::string failed = failedFetchesText(run.diagnostics);
+    if (failed.empty())
+        return;
+    if (!files.allowFailed)
+        throw ReportRunError(failed + "，没有写出；确实需要时用 --allow-failed");
+    notes << "注意: " << failed << "，仍然写出\n";
 }
 
 /// Two decimals, right-aligned; the host's C locale has no say.
@@ -112,23 +122,22 @@ void writeReport(const std::string& database, std::int32_t reportId, const Repor
                  const ToolStreams& streams)
 {
     // Made first: what cannot be written is found before the long work.
-    std::optional<PendingFile> pdf = pending(files.pdf);
-    std::optional<PendingFile> csv = pending(files.csv);
+    PendingFiles pendingFiles;
+    PendingFile* const pdf = pending(pendingFiles, files.pdf);
+    PendingFile* const csv = pending(pendingFiles, files.csv);
     QtSettings settings;
     const SettingsInUse settingsInUse(settings);
     const auto tell = [&](std::string_view what) { streams.notes << what << " …" << std::endl; };
     const ReportRun run = runReport(connectionString(database), reportId, {.progress = tell});
     tellDiagnostics(run, streams.notes);
+    requireFigures(run, files, streams.notes);
     if (pdf)
         writeReportPdf(run, *pdf);
     if (csv)
-        writeCsv(run, *csv);
-    if (pdf)
-        pdf->putInPlace();
-    if (csv)
-        csv->putInPlace();
+        csv->write(csvOf(run));
+    pendingFiles.putInPlace();
     if (!pdf && !csv)
-        streams.results << spreadsheet::workbookCsv(*run.workbook);
+        streams.results << csvOf(run);
 }
 
 } // namespace

@@ -18,6 +18,9 @@ struct ToolStreams {
 struct ReportFiles {
     std::string pdf; ///< every sheet
     std::string csv; ///< every sheet's used area, an empty line between sheets
+    /// Whether they are written although fetches of cells failed. Then every page begins with a line that
+    /// says how many, and the CSV ends with one, behind an empty line, so that all cells keep their places.
+    bool allowFailed = false;
 };
 
 // The commands of the program. Each returns its exit code: 0, or 1 after a line on `notes` that says why it
@@ -31,7 +34,9 @@ SELFREPORT_EXPORT int toolDemo(const std::string& file, bool replaces, const Too
 /// One line for each stored report: id, name, who saved it and when, parted by tabs.
 SELFREPORT_EXPORT int toolList(const std::string& database, const ToolStreams& streams) noexcept;
 
-/// Evaluates a stored report and writes it. Cells whose fetch failed or found nothing are listed on `notes`.
+/// Evaluates a stored report and writes it; without files as CSV to `results`. Cells whose fetch failed or
+/// found nothing are listed on `notes`. A fetch that failed makes the figures worthless: nothing is written
+/// and 1 returned, unless it is allowed.
 SELFREPORT_EXPORT int toolRun(const std::string& database, std::int32_t reportId, const ReportFiles& files,
                               const ToolStreams& streams) noexcept;
 

@@ -29,6 +29,16 @@ int frmEditor::EditorGrid::diagnosticsCount() const
     return static_cast<int>(m_window.m_evaluation.diagnostics().size());
 }
 
+std::string frmEditor::EditorGrid::failedFetches() const
+{
+    return failedFetchesText(m_window.m_evaluation.diagnostics());
+}
+
+void frmEditor::EditorGrid::goToFailedFetch()
+{
+    m_window.goToFailedFetch();
+}
+
 void frmEditor::EditorGrid::tellStatus(std::string_view text)
 {
     m_window.m_status->showMessage(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));

@@ -18,6 +18,8 @@ public:
     spreadsheet::CellRange selectedBlock() const override;
     std::string reportName() const override;
     int diagnosticsCount() const override;
+    std::string failedFetches() const override;
+    void goToFailedFetch() override;
     void tellStatus(std::string_view text) override;
     void closeDesigner() override;
     std::string_view pageSetupRefusal() const override;

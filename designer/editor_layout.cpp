@@ -7,6 +7,7 @@
 #include "designer/DiagnosticsPanel.h"
 #include "designer/editor_commands.h"
 #include "designer/EditorStatus.h"
+#include "designer/FailedFetchBar.h"
 #include "designer/FormulaBox.h"
 #include "formatting/cell_commands.h"
 #include "platform/dialogs/Dialogs.h"
@@ -23,6 +24,7 @@
 #include <QSplitter>
 #include <QToolBar>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 #include <cmath>
 #include <utility>
@@ -62,8 +64,15 @@ void frmEditor::buildControls()
     layout->place(m_toolbar1, toolbarPlace);
     m_fps1->setObjectName("fps1");
     m_diagnostics = new DiagnosticsPanel;
+    m_failedFetches = new FailedFetchBar;
+    auto* sheet = new QWidget;
+    auto* rows = new QVBoxLayout(sheet);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    rows->addWidget(m_failedFetches);
+    rows->addWidget(m_fps1, 1);
     auto* splitter = new QSplitter(Qt::Vertical);
-    splitter->addWidget(m_fps1);
+    splitter->addWidget(sheet);
     splitter->addWidget(m_diagnostics);
     splitter->setStretchFactor(0, 4);
     splitter->setStretchFactor(1, 1);
@@ -222,6 +231,7 @@ void frmEditor::connectGrid()
     connect(m_fps1, &SpreadsheetControl::contextMenuWanted, this,
             [this](const QPoint& place) { m_menuEdit->popup(place); });
     connect(m_fps1, &SpreadsheetControl::editModeChanged, this, [this] { m_refusedAtClosing.clear(); });
+    connect(m_failedFetches, &FailedFetchBar::clicked, this, &frmEditor::goToFailedFetch);
     connect(m_diagnostics, &DiagnosticsPanel::chosen, this, &frmEditor::goToDiagnostic);
 }
 

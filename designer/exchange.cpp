@@ -4,6 +4,7 @@
 #include "designer/DiagnosticsPanel.h"
 #include "designer/EditorStatus.h"
 #include "designer/frmEditor.h"
+#include "failures/failure_text.h"
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
@@ -109,6 +110,7 @@ void frmEditor::importFile(const FileDialogSettings& settings)
     transfer(*file, [&] {
         auto warnings = spreadsheet::loadWorkbook(m_fps1->workbook(), *file);
         m_fps1->setWorkbook(&m_fps1->workbook());
+        forgetFetches();
         hookUpAgain();
         return warnings;
     });
@@ -123,7 +125,10 @@ bool frmEditor::exportFile(FileDialogSettings& settings, FileFormat format)
         return false;
     settings.fileName = *file;
     return transfer(*file, [&] {
-        return spreadsheet::saveWorkbook(m_fps1->workbook(), *file, formatFor(*file, format));
+        auto warnings = spreadsheet::saveWorkbook(m_fps1->workbook(), *file, formatFor(*file, format));
+        if (std::string failed = failedFetchesText(m_evaluation.diagnostics()); !failed.empty())
+            warnings.push_back(std::move(failed));
+        return warnings;
     });
 }
 
@@ -137,8 +142,9 @@ bool frmEditor::transfer(const std::string& file, const std::function<std::vecto
         m_status->showMessage(QStringLiteral("完成: %1").arg(QString::fromStdString(file)));
         return true;
     } catch (const std::exception& error) {
-        m_diagnostics->showNotices(QStringLiteral("操作没有完成"), {error.what()});
-        m_status->showMessage(QString::fromUtf8(error.what()));
+        const std::string reason = failures::sentenceOf(error);
+        m_diagnostics->showNotices(QStringLiteral("操作没有完成"), {reason});
+        m_status->showMessage(QString::fromStdString(reason));
         return false;
     }
 }

@@ -5,9 +5,11 @@
 #include "designer/DiagnosticsPanel.h"
 #include "designer/EditorGrid.h"
 #include "designer/EditorStatus.h"
+#include "designer/FailedFetchBar.h"
 #include "designer/FormulaBox.h"
 #include "designer/frmFind.h"
 #include "designer/frmTableInfo.h"
+#include "failures/failure_text.h"
 #include "formatting/cell_commands.h"
 #include "formatting/FormatPainter.h"
 #include "formatting/frmCellBorder.h"
@@ -226,6 +228,7 @@ void frmEditor::restoreDesign()
         if (!restored.name.empty()) // earlier programs kept none
             m_txtReportName->setText(QString::fromStdString(restored.name));
         m_fps1->setWorkbook(&m_fps1->workbook()); // another content: shown from its first cell
+        forgetFetches();
         hookUpAgain();
     } catch (const std::exception& error) {
         tellUser(Icon::exclamation, std::string("未保存的设计不能恢复: ") + error.what());
@@ -293,9 +296,23 @@ void frmEditor::recalculate(Extent extent, const std::function<bool()>& recalcul
         m_cancelled = std::max(m_cancelled, extent);
     else if (extent >= m_cancelled)
         m_cancelled = Extent::none;
-    m_diagnostics->setDiagnostics(m_evaluation.diagnostics(), m_fps1->workbook());
+    tellFetches();
     m_fps1->refresh();
     enterCell();
+}
+
+/// The list and the bar show what the last recalculation found.
+void frmEditor::tellFetches()
+{
+    m_diagnostics->setDiagnostics(m_evaluation.diagnostics(), m_fps1->workbook());
+    m_failedFetches->tell(failedFetchesText(m_evaluation.diagnostics()));
+}
+
+/// The grid holds another content, whose values are as they were stored.
+void frmEditor::forgetFetches()
+{
+    m_evaluation.forgetDiagnostics();
+    tellFetches();
 }
 
 void frmEditor::MenuRecalculate_Click()
@@ -338,7 +355,7 @@ void frmEditor::editCallInCell()
 
 void frmEditor::showDiagnostics()
 {
-    m_diagnostics->setDiagnostics(m_evaluation.diagnostics(), m_fps1->workbook());
+    tellFetches();
     m_diagnostics->setVisible(true);
 }
 
@@ -362,6 +379,12 @@ void frmEditor::goToDiagnostic(const CellDiagnostic& diagnostic)
     m_fps1->setActiveSheet(diagnostic.place.sheet);
     m_fps1->setActiveCell(diagnostic.place.column, diagnostic.place.row);
     m_fps1->setFocus();
+}
+
+void frmEditor::goToFailedFetch()
+{
+    if (const CellDiagnostic* failed = firstFailed(m_evaluation.diagnostics()))
+        goToDiagnostic(*failed);
 }
 
 // Cells

@@ -27,6 +27,7 @@ enum class FileFormat;
 namespace selfreport {
 
 class DiagnosticsPanel;
+class FailedFetchBar;
 class EditorStatus;
 class FormulaBox;
 class ProportionalLayout;
@@ -131,6 +132,9 @@ private:
     bool transfer(const std::string& file, const std::function<std::vector<std::string>()>& work);
     void hookUpAgain();
     void goToDiagnostic(const CellDiagnostic& diagnostic);
+    void goToFailedFetch();
+    void tellFetches();
+    void forgetFetches();
 
     spreadsheet::SpreadsheetControl* m_fps1;
     QToolBar* m_toolbar1 = nullptr;
@@ -141,6 +145,7 @@ private:
     QLabel* m_label1 = nullptr;
     QMenu* m_menuEdit = nullptr;
     DiagnosticsPanel* m_diagnostics = nullptr;
+    FailedFetchBar* m_failedFetches = nullptr;
     EditorStatus* m_status = nullptr;
     FormulaBox* m_formulaBox = nullptr;
     Extent m_cancelled = Extent::none; ///< what the user did not wait for, and was not computed since

@@ -12,14 +12,14 @@
 
 namespace selfreport {
 
-/// A referenced report after its evaluation, or the reason why there is none.
+/// A referenced report after its evaluation, or why there is none.
 struct SharedFetches::LoadedReport {
     explicit LoadedReport(SharedFetches* shared)
         : hidden(shared)
     {
     }
     frmEditor1 hidden;
-    std::string reason;
+    ReportProblem problem;
 };
 
 namespace {
@@ -113,9 +113,9 @@ void SharedFetches::loadReports(const std::set<std::string>& names)
             if (content)
                 report->hidden.load(*content);
             else
-                report->reason = missingReportReason(name);
+                report->problem = missingReport(name);
         } catch (const std::exception& error) {
-            report->reason = error.what();
+            report->problem = unreadableReport(name, error);
         }
         m_reports.emplace(name, std::move(report));
     }
@@ -134,11 +134,7 @@ ReferenceAnswer SharedFetches::reference(const ReportReference& reference)
     const auto found = m_reports.find(reference.report);
     if (found == m_reports.end())
         return changeREF_FInfo(reference);
-    const LoadedReport& report = *found->second;
-    ReferenceAnswer answer = readReferencedCell(report.hidden, reference);
-    if (!report.reason.empty())
-        answer.reason = report.reason;
-    return answer;
+    return readReferencedCell(found->second->hidden, reference, found->second->problem);
 }
 
 } // namespace selfreport

@@ -1,6 +1,7 @@
 #include "formula/call_trial.h"
 
 #include "component/state/shared_state.h"
+#include "failures/failure_text.h"
 #include "formula/ledger_explanation.h"
 #include "platform/database/Connection.h"
 
@@ -96,7 +97,8 @@ std::string fetchedValue(Connection& connection, const LedgerArguments& argument
 {
     const std::vector<std::optional<LedgerAnswer>> answers = fetchLedger(connection, {&arguments, 1});
     const LedgerAnswer answer = answers.at(0) ? *answers[0] : LedgerAnswer{{}, {}, "取数失败"};
-    return answer.amount ? amountText(*answer.amount) : explainLedgerFetch(connection, arguments, answer);
+    return answer.amount && answer.failure.empty() ? amountText(*answer.amount)
+                                                   : explainLedgerFetch(connection, arguments, answer);
 }
 
 /// A trial on a thread of its own, which may be left behind: opening a connection cannot be stopped.
@@ -127,7 +129,7 @@ void Attempt::run(const std::string& connectionString, const LedgerArguments& ar
             tell([&](CallTrial& known) { known.meaning = std::move(meaning); });
             value = fetchedValue(*connection, arguments);
         } catch (const std::exception& error) {
-            value = watch.isOver() ? overTheLimit : error.what();
+            value = watch.isOver() ? overTheLimit : failures::sentenceOf(error);
         }
     } catch (const std::exception&) {
         value = "数据库文件不存在或读取错误!";

@@ -114,7 +114,7 @@ void addAmounts(Connection& connection, const LedgerArguments& measure,
     }
     const std::vector<std::optional<LedgerAnswer>> answers = fetchLedger(connection, fetches);
     for (std::size_t index = 0; index < accounts.size(); ++index)
-        if (answers[index])
+        if (answers[index] && answers[index]->failure.empty())
             accounts[index].amount = answers[index]->amount;
 }
 

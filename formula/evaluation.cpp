@@ -174,61 +174,82 @@ void ReportEvaluation::fps1_CustomFunction(spreadsheet::FunctionCall& call)
         return;
     const RecalculationUnderWay underWay; // the workbook may recalculate without being asked here
     try {
-        guardedEvaluation([&] {
+        const std::string failure = guardedEvaluation([&] {
             if (isFunction(call, "Acct"))
                 evaluateAcct(call, m_shared, m_log);
             else if (isFunction(call, "REF_F"))
                 evaluateREF_F(call, m_shared, m_log);
         });
+        if (!failure.empty())
+            m_log.known.push_back({call.place(), std::string(call.name()), failure, FetchOutcome::failed});
     } catch (const WorkCancelled&) {
         call.decline();
     }
 }
 
-/// A cell of a former recalculation that computes nothing any more.
-bool ReportEvaluation::isGone(spreadsheet::CallPlace place) const
+/// Empty for a cell that computes nothing, or not any more.
+std::string ReportEvaluation::formulaAt(spreadsheet::CallPlace place) const
 {
-    return place.sheet > m_workbook.sheetCount() ||
-           !m_workbook.sheet(place.sheet).hasFormula({place.column, place.row});
+    return place.sheet > m_workbook.sheetCount()
+               ? std::string()
+               : m_workbook.sheet(place.sheet).formula({place.column, place.row});
 }
 
-bool ReportEvaluation::recalculateWith(const std::function<spreadsheet::RecalculationReport()>& recalculation)
+/// A failure must not be lost with the place of its cell.
+bool ReportEvaluation::failedFetchesMoved() const
 {
-    const RecalculationUnderWay underWay;
+    return std::ranges::any_of(m_failedFormulas, [&](const auto& failed) {
+        return !m_log.evaluated.contains(failed.first) && formulaAt(failed.first) != failed.second;
+    });
+}
+
+void ReportEvaluation::forgetDiagnostics()
+{
+    m_diagnostics.clear();
+    m_failedFormulas.clear();
+}
+
+bool ReportEvaluation::computed(const std::function<spreadsheet::RecalculationReport()>& recalculation)
+{
     m_log = {};
-    {
-        SharedFetches shared;
-        const SlotInUse<SharedFetches> inUse(m_shared, m_fetchesShared ? &shared : nullptr);
-        if (recalculation().stopped)
-            return false;
-    }
-    takeDiagnostics();
-    return true;
+    SharedFetches shared;
+    const SlotInUse<SharedFetches> inUse(m_shared, m_fetchesShared ? &shared : nullptr);
+    return !recalculation().stopped;
 }
 
 /// Of the recalculation that has just ended; cells that it did not touch keep theirs.
 void ReportEvaluation::takeDiagnostics()
 {
     std::erase_if(m_diagnostics, [&](const CellDiagnostic& former) {
-        return m_log.evaluated.contains(former.place) || isGone(former.place);
+        return m_log.evaluated.contains(former.place) || formulaAt(former.place).empty();
     });
     std::ranges::copy(explainFetches(m_log), std::back_inserter(m_diagnostics));
     std::ranges::stable_sort(m_diagnostics, {}, &CellDiagnostic::place);
+    m_failedFormulas.clear();
+    for (const CellDiagnostic& diagnostic : m_diagnostics)
+        if (diagnostic.hasFailed())
+            m_failedFormulas.emplace(diagnostic.place, formulaAt(diagnostic.place));
 }
 
 bool ReportEvaluation::recalculate()
 {
-    return recalculateWith([&] {
-        spreadsheet::RecalculationReport report = m_workbook.recalculate();
-        if (!report.stopped)
-            m_diagnostics.clear();
-        return report;
-    });
+    const RecalculationUnderWay underWay;
+    if (!computed([&] { return m_workbook.recalculate(); }))
+        return false;
+    forgetDiagnostics();
+    takeDiagnostics();
+    return true;
 }
 
 bool ReportEvaluation::recalculateChanged()
 {
-    return recalculateWith([&] { return m_workbook.recalculateChanged(); });
+    const RecalculationUnderWay underWay;
+    if (!computed([&] { return m_workbook.recalculateChanged(); }))
+        return false;
+    if (failedFetchesMoved())
+        return recalculate();
+    takeDiagnostics();
+    return true;
 }
 
 std::int16_t ReportEvaluation::isShowFormula() const

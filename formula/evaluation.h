@@ -5,7 +5,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace selfreport {
@@ -35,7 +37,8 @@ public:
 
     /// Computes every formula with fresh fetches.
     bool recalculate();
-    /// Computes what depends on changes since the last recalculation.
+    /// Computes what depends on changes since the last recalculation; everything, if cells whose fetch failed
+    /// have moved since.
     bool recalculateChanged();
 
     /// Keeps each cell's type in its tag; every formula cell becomes plain text and shows its formula. So
@@ -54,18 +57,23 @@ public:
     /// Why cells of the last recalculation have no value or a doubtful one, in the order of sheets, columns
     /// and rows. After an incremental one the cells that it did not touch keep theirs.
     const std::vector<CellDiagnostic>& diagnostics() const { return m_diagnostics; }
+    /// The workbook holds another content now.
+    void forgetDiagnostics();
 
 private:
     void fps1_CustomFunction(spreadsheet::FunctionCall& call);
-    bool recalculateWith(const std::function<spreadsheet::RecalculationReport()>& recalculation);
+    bool computed(const std::function<spreadsheet::RecalculationReport()>& recalculation);
     void takeDiagnostics();
     void keepDisplay();
-    bool isGone(spreadsheet::CallPlace place) const;
+    std::string formulaAt(spreadsheet::CallPlace place) const;
+    bool failedFetchesMoved() const;
 
     spreadsheet::Workbook& m_workbook;
     SharedFetches* m_shared = nullptr; ///< of the recalculation under way
     FetchLog m_log;
     std::vector<CellDiagnostic> m_diagnostics;
+    std::map<spreadsheet::CallPlace, std::string>
+        m_failedFormulas; ///< what the cells with failed fetches held
     bool m_fetchesShared = true;
 };
 

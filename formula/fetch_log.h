@@ -8,7 +8,7 @@
 
 namespace selfreport {
 
-/// A ledger fetch that gave no amount, or left a condition out.
+/// A ledger fetch that failed, gave no amount, or left a condition out.
 struct DoubtfulFetch {
     spreadsheet::CallPlace place;
     LedgerArguments arguments;
@@ -24,7 +24,7 @@ struct FetchLog {
 
     void add(spreadsheet::CallPlace place, const LedgerArguments& arguments, const LedgerAnswer& answer)
     {
-        if (!answer.amount || !answer.unknownClasses.empty())
+        if (!answer.amount || !answer.unknownClasses.empty() || !answer.failure.empty())
             doubtful.push_back({place, arguments, answer, false});
     }
     /// The first doubtful fetch of a cell; null if all of its fetches gave what was asked for.

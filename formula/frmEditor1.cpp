@@ -5,6 +5,9 @@
 #include "formula/SharedFetches.h"
 #include "platform/dialogs/UserWait.h"
 #include "spreadsheet/files/content.h"
+#include "spreadsheet/formula/Recalculation.h"
+
+#include <algorithm>
 
 namespace selfreport {
 
@@ -28,14 +31,33 @@ void frmEditor1::load(std::span<const std::byte> content)
     fps1.recalculate();
 }
 
+const DoubtfulFetch* frmEditor1::doubtfulBehind(spreadsheet::CallPlace cell)
+{
+    const auto firstOf = [&](auto&& isMeant) {
+        const auto found = std::ranges::find_if(log.doubtful, [&](const DoubtfulFetch& fetch) {
+            return isMeant(fetch) &&
+                   (fetch.place == cell || fps1.recalculation().isComputedFrom(cell, fetch.place));
+        });
+        return found == log.doubtful.end() ? nullptr : &*found;
+    };
+    if (const auto* failed =
+            firstOf([](const DoubtfulFetch& fetch) { return !fetch.answer.failure.empty(); }))
+        return failed;
+    if (const DoubtfulFetch* own = log.doubtfulAt(cell))
+        return own;
+    return firstOf([](const DoubtfulFetch& fetch) { return fetch.answer.isDeclined; });
+}
+
 void frmEditor1::fps1_CustomFunction(spreadsheet::FunctionCall& call)
 {
     if (isShowFormula == 1)
         return;
-    guardedEvaluation([&] {
+    const std::string failure = guardedEvaluation([&] {
         if (isFunction(call, "Acct"))
             evaluateAcct(call, m_shared, log);
     });
+    if (!failure.empty())
+        log.doubtful.push_back({call.place(), {}, {{}, {}, failure}});
 }
 
 } // namespace selfreport

@@ -22,6 +22,10 @@ public:
     /// is loaded then
     void load(std::span<const std::byte> content);
 
+    /// The fetch that makes a cell's figure doubtful: a failed one that it holds or is computed from, else
+    /// its own, else one that the procedure declined and that it is computed from. Null if there is none.
+    const DoubtfulFetch* doubtfulBehind(spreadsheet::CallPlace cell);
+
     spreadsheet::Workbook fps1;
     std::int16_t isShowFormula = 0; ///< never set to 1: the callback always evaluates
     FetchLog log;

@@ -3,6 +3,7 @@
 #include "component/state/driver_call.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
+#include "failures/failure_text.h"
 #include "formula/frmEditor1.h"
 #include "formula/ledger_query.h"
 #include "platform/database/sql_text.h"
@@ -76,9 +77,14 @@ ReferencedCell parseReferencedCell(std::string_view name)
     return cell;
 }
 
-std::string missingReportReason(std::string_view report)
+ReportProblem missingReport(std::string_view report)
 {
-    return "没有名为" + quoted(report) + "的报表";
+    return {"没有名为" + quoted(report) + "的报表"};
+}
+
+ReportProblem unreadableReport(std::string_view report, const std::exception& error)
+{
+    return {"报表" + quoted(report) + "读不出：" + failures::sentenceOf(error), FetchOutcome::failed};
 }
 
 std::string reportByNameStatement(std::string_view report)
@@ -102,12 +108,17 @@ std::optional<std::vector<std::byte>> fetchedContent(std::unique_ptr<Connection>
         connection, [report](Connection& open) { return storedContent(open, report); });
 }
 
-ReferenceAnswer readReferencedCell(const frmEditor1& hidden, const ReportReference& reference)
+ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& reference,
+                                   const ReportProblem& problem)
 {
     const ReferencedCell cell = parseReferencedCell(reference.cell);
     ReferenceAnswer answer;
+    answer.reason = problem.reason;
+    answer.outcome = problem.outcome;
+    const bool isSilent = answer.reason.empty();
     if (!cell.row) {
-        answer.reason = "单元格名称" + quoted(reference.cell) + "没有行号";
+        if (isSilent)
+            answer.reason = "单元格名称" + quoted(reference.cell) + "没有行号";
         return answer;
     }
     const spreadsheet::Workbook& workbook = hidden.fps1;
@@ -118,9 +129,11 @@ ReferenceAnswer readReferencedCell(const frmEditor1& hidden, const ReportReferen
         cell.column <= sheet.settings().columnCount) {
         const int row = static_cast<int>(*cell.row);
         answer.text = sheet.textByType({cell.column, row});
-        if (const DoubtfulFetch* doubtful = hidden.log.doubtfulAt({index, cell.column, row}))
+        if (const DoubtfulFetch* doubtful = hidden.doubtfulBehind({index, cell.column, row}))
             answer.doubtful = *doubtful;
     }
+    if (!isSilent)
+        return answer;
     if (!cell.columnIsNamed)
         answer.reason = "单元格名称" + quoted(reference.cell) + "读不出列，按第1列取数";
     else if (!named && !reference.sheetTab.empty())
@@ -133,22 +146,20 @@ ReferenceAnswer readReferencedCell(const frmEditor1& hidden, const ReportReferen
 ReferenceAnswer changeREF_FInfo(const ReportReference& reference)
 {
     if (!openDB())
-        return {{}, "数据库打不开", {}};
+        return {{}, databaseNotOpen, {}, FetchOutcome::failed};
     frmEditor1 hidden;
-    std::string reason;
+    ReportProblem problem;
     try {
         // The row set is gone before the report is loaded: the fetches of its cells close the connection.
         if (const auto content = fetchedContent(gCnn, reference.report))
             hidden.load(*content);
         else
-            reason = missingReportReason(reference.report);
+            problem = missingReport(reference.report);
     } catch (const std::exception& error) {
-        reason = error.what();
+        problem = unreadableReport(reference.report, error);
     }
-    ReferenceAnswer answer = readReferencedCell(hidden, reference);
+    ReferenceAnswer answer = readReferencedCell(hidden, reference, problem);
     closeDB();
-    if (!reason.empty())
-        answer.reason = reason;
     return answer;
 }
 

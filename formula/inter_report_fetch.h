@@ -4,6 +4,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -25,9 +26,10 @@ struct ReportReference {
 
 /// What one inter-report fetch gave.
 struct ReferenceAnswer {
-    std::string text;                      ///< as type and decimals of the referenced cell give it
-    std::string reason;                    ///< why there is no text; empty otherwise
-    std::optional<DoubtfulFetch> doubtful; ///< the referenced cell's own ledger fetch, if it is in doubt
+    std::string text;                              ///< as type and decimals of the referenced cell give it
+    std::string reason;                            ///< why there is no text; empty otherwise
+    std::optional<DoubtfulFetch> doubtful;         ///< a ledger fetch that puts the referenced cell in doubt
+    FetchOutcome outcome = FetchOutcome::doubtful; ///< of the fetch itself, where there is a reason
 };
 
 /// A cell name taken apart: digits (ASCII) make the row, all other characters the column, in any order.
@@ -40,7 +42,7 @@ ReferencedCell parseReferencedCell(std::string_view name);
 
 /// One inter-report fetch: reads the report's row over the shared connection, loads its content into a hidden
 /// workbook, whose ledger fetches are made one by one, reads the cell and closes the connection. A step that
-/// fails is left out. Nothing is kept for the next call.
+/// fails is left out and makes the fetch a failed one. Nothing is kept for the next call.
 ReferenceAnswer changeREF_FInfo(const ReportReference& reference);
 
 /// The statement that finds a stored report by its name.
@@ -52,11 +54,20 @@ std::optional<std::vector<std::byte>> storedContent(Connection& connection, std:
 std::optional<std::vector<std::byte>> fetchedContent(std::unique_ptr<Connection>& connection,
                                                      const std::string& report);
 
+/// Why there is no report to read a cell from. No reason: there is one.
+struct ReportProblem {
+    std::string reason;
+    FetchOutcome outcome = FetchOutcome::doubtful;
+};
+/// "没有名为“资产负债表”的报表", which is nothing found and no failure.
+ReportProblem missingReport(std::string_view report);
+/// It could not be looked for, or what is stored cannot be read.
+ReportProblem unreadableReport(std::string_view report, const std::exception& error);
+
 /// What the referenced cell of a loaded report hands over: number format codes change only what is seen and
 /// printed. Row 0 or a cell beyond the sheet reads as empty.
-ReferenceAnswer readReferencedCell(const frmEditor1& hidden, const ReportReference& reference);
-
-/// "没有名为“资产负债表”的报表"
-std::string missingReportReason(std::string_view report);
+/// @param problem  of the report's loading: the answer's reason, if there is one
+ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& reference,
+                                   const ReportProblem& problem);
 
 } // namespace selfreport

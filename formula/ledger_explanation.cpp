@@ -3,6 +3,7 @@
 #include "component/state/driver_call.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
+#include "failures/failure_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/sql_text.h"
 
@@ -10,12 +11,21 @@
 #include <exception>
 #include <map>
 #include <memory>
+#include <utility>
 
 namespace selfreport {
 
 namespace {
 
 constexpr const char* notLookedFor = "原因没有查明，查询已取消";
+
+constexpr const char* declined = "存储过程没有给出有效的结果";
+
+/// What is told of a fetch.
+struct Explanation {
+    std::string reason;
+    FetchOutcome outcome = FetchOutcome::doubtful;
+};
 
 std::string quoted(std::string_view text)
 {
@@ -72,8 +82,8 @@ std::string unknownItem(Connection& connection, Questions& questions, const Item
     return quoted(qualifier.className) + "中没有项目" + quoted(codesText(qualifier.codes));
 }
 
-/// Why nothing was found although the call itself went well.
-std::string causeOfNoData(Connection& connection, Questions& questions, const LedgerArguments& arguments)
+/// What the fetch names that there is not; empty if there is all of it.
+std::string nameWithoutMeaning(Connection& connection, Questions& questions, const LedgerArguments& arguments)
 {
     if (!questions.hasRow(connection,
                           "tblSelfReportFieldKey where fKey='" + sqlQuoted(arguments.fetchType) + "'"))
@@ -89,38 +99,54 @@ std::string causeOfNoData(Connection& connection, Questions& questions, const Le
     for (const ItemQualifier& qualifier : expression.qualifiers)
         if (std::string cause = unknownItem(connection, questions, qualifier); !cause.empty())
             return cause;
-    return "总账在" + periodText(arguments) + "没有科目" + quoted(arguments.account) + "的数据";
+    return {};
 }
 
-std::string explanation(Connection& connection, Questions& questions, const LedgerArguments& arguments,
+/// Why nothing was found although the call itself went well.
+Explanation causeOfNoData(Connection& connection, Questions& questions, const LedgerArguments& arguments,
+                          const LedgerAnswer& answer)
+{
+    if (std::string cause = nameWithoutMeaning(connection, questions, arguments); !cause.empty())
+        return {std::move(cause)};
+    if (answer.isDeclined)
+        return {declined, FetchOutcome::failed};
+    return {"总账在" + periodText(arguments) + "没有科目" + quoted(arguments.account) + "的数据"};
+}
+
+Explanation explanation(Connection& connection, Questions& questions, const LedgerArguments& arguments,
                         const LedgerAnswer& answer)
 {
-    if (!answer.failure.empty())
-        return answer.failure;
     if (arguments.account.empty())
-        return "没有给出科目";
+        return {"没有给出科目"};
     std::string reason;
     if (!answer.unknownClasses.empty())
         reason = "项目类别" + listed(answer.unknownClasses) + "不存在，该条件未计入，取数范围偏大";
     if (answer.amount)
-        return reason;
-    return (reason.empty() ? "" : reason + "；") + causeOfNoData(connection, questions, arguments);
+        return {std::move(reason)};
+    Explanation cause = causeOfNoData(connection, questions, arguments, answer);
+    if (!reason.empty())
+        cause.reason = reason + "；" + cause.reason;
+    return cause;
 }
 
 /// @param connection  null if it could not be opened, or the user would not wait for it any longer
-std::string explained(std::unique_ptr<Connection>& connection, const std::shared_ptr<Questions>& questions,
+Explanation explained(std::unique_ptr<Connection>& connection, const std::shared_ptr<Questions>& questions,
                       const LedgerArguments& arguments, const LedgerAnswer& answer)
 {
+    if (!answer.failure.empty())
+        return {answer.failure, FetchOutcome::failed};
+    // A procedure that declines has failed unless there is a name without meaning.
+    const FetchOutcome unexplained = answer.isDeclined ? FetchOutcome::failed : FetchOutcome::doubtful;
     if (!connection)
-        return userWait().isCancelled() ? notLookedFor : "数据库打不开";
+        return {userWait().isCancelled() ? notLookedFor : databaseNotOpen, unexplained};
     try {
-        return driverCall<std::string>(connection, [questions, arguments, answer](Connection& open) {
+        return driverCall<Explanation>(connection, [questions, arguments, answer](Connection& open) {
             return explanation(open, *questions, arguments, answer);
         });
     } catch (const WorkCancelled&) {
-        return notLookedFor;
+        return {notLookedFor, unexplained};
     } catch (const std::exception& error) {
-        return error.what();
+        return {"没有取到数，原因没有查明：" + failures::sentenceOf(error), unexplained};
     }
 }
 
@@ -144,22 +170,27 @@ std::unique_ptr<Connection> explainingConnection()
 std::string explainLedgerFetch(Connection& connection, const LedgerArguments& arguments,
                                const LedgerAnswer& answer)
 {
+    if (!answer.failure.empty())
+        return answer.failure;
     Questions questions;
-    return explanation(connection, questions, arguments, answer);
+    return explanation(connection, questions, arguments, answer).reason;
 }
 
 std::vector<CellDiagnostic> explainFetches(const FetchLog& log)
 {
     std::vector<CellDiagnostic> diagnostics = log.known;
-    std::unique_ptr<Connection> connection = log.doubtful.empty() ? nullptr : explainingConnection();
+    const bool hasQuestions = std::ranges::any_of(
+        log.doubtful, [](const DoubtfulFetch& fetch) { return fetch.answer.failure.empty(); });
+    std::unique_ptr<Connection> connection = hasQuestions ? explainingConnection() : nullptr;
     const auto questions = std::make_shared<Questions>(); // outlives a driver call that is given up
-    std::map<LedgerArguments, std::string> reasons;
+    std::map<std::pair<LedgerArguments, std::string>, Explanation> explanations; // one may fail, its like not
     for (const DoubtfulFetch& fetch : log.doubtful) {
-        std::string& reason = reasons[fetch.arguments];
-        if (reason.empty())
-            reason = explained(connection, questions, fetch.arguments, fetch.answer);
+        Explanation& known = explanations[{fetch.arguments, fetch.answer.failure}];
+        if (known.reason.empty())
+            known = explained(connection, questions, fetch.arguments, fetch.answer);
         diagnostics.push_back({fetch.place, fetch.isReferenced ? "REF_F" : "Acct",
-                               fetch.isReferenced ? "被引用的单元格：" + reason : reason});
+                               fetch.isReferenced ? "被引用的单元格：" + known.reason : known.reason,
+                               known.outcome});
     }
     std::ranges::stable_sort(diagnostics, {}, &CellDiagnostic::place);
     const auto repeated = std::ranges::unique(diagnostics);

@@ -11,7 +11,7 @@ namespace selfreport {
 class Connection;
 
 /// Why a ledger fetch gave no amount, or that a condition was left out: one Chinese sentence. The causes are
-/// looked for in this order: failed call, no account given, unknown fetch type, currency, item class,
+/// looked for in this order: a failed step, no account given, unknown fetch type, currency, item class,
 /// account, item; else the ledger has no data for the period. @throws DatabaseError
 std::string explainLedgerFetch(Connection& connection, const LedgerArguments& arguments,
                                const LedgerAnswer& answer);

@@ -3,6 +3,7 @@
 #include "component/state/driver_call.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
+#include "failures/failure_text.h"
 #include "formula/numeric_prefix.h"
 #include "platform/database/Connection.h"
 #include "platform/database/sql_text.h"
@@ -63,12 +64,14 @@ std::vector<std::string> classNamesOf(std::span<const AccountExpression> express
     return list;
 }
 
-/// One qualifier's lookup as a step that may fail.
-std::optional<std::string> itemTableIfFound(Connection& connection, const std::string& className)
+/// One qualifier's lookup as a step that may fail: nothing is found then, and `failure` says why.
+std::optional<std::string> itemTableIfFound(Connection& connection, const std::string& className,
+                                            std::string& failure)
 {
     try {
         return itemTableOf(connection, className);
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        failure = "项目类别“" + className + "”没有查到：" + failures::sentenceOf(error);
         return std::nullopt;
     }
 }
@@ -90,23 +93,45 @@ double rowAmount(const Recordset& rows, std::size_t row)
     }
 }
 
+/// Why a row's amount cannot be read; empty if all can.
+std::string unreadableRow(const Recordset& rows)
+{
+    try {
+        for (std::size_t row = 0; row < rows.rowCount(); ++row)
+            rows.text(row, "f");
+        return {};
+    } catch (const std::exception& error) {
+        return "存储过程给出的金额读不出：" + failures::sentenceOf(error);
+    }
+}
+
+void takeResult(LedgerAnswer& answer, const ProcedureResult& result)
+{
+    answer.amount = ledgerAmount(result);
+    answer.isDeclined = !result.error && result.returnValue != 1;
+    if (result.error)
+        answer.failure = failures::sentenceOf(*result.error);
+    else if (answer.amount)
+        answer.failure = unreadableRow(*result.rows);
+}
+
 LedgerAnswer singleFetch(Connection& connection, const LedgerArguments& arguments)
 {
     LedgerAnswer answer;
-    const AccountExpression expression = parseAccountExpression(arguments.account);
-    std::vector<std::optional<std::string>> itemTables;
-    for (const ItemQualifier& qualifier : expression.qualifiers)
-        itemTables.push_back(itemTableIfFound(connection, qualifier.className));
-    fillAnswer(answer, expression, itemTables);
+    std::string failedLookup;
     try {
-        const ProcedureResult result =
-            connection.call(ledgerProcedureCall(arguments, ledgerQuery(expression, itemTables)));
-        answer.amount = ledgerAmount(result);
-        if (result.error)
-            answer.failure = result.error->description;
+        const AccountExpression expression = parseAccountExpression(arguments.account);
+        std::vector<std::optional<std::string>> itemTables;
+        for (const ItemQualifier& qualifier : expression.qualifiers)
+            itemTables.push_back(itemTableIfFound(connection, qualifier.className, failedLookup));
+        fillAnswer(answer, expression, itemTables);
+        takeResult(answer,
+                   connection.call(ledgerProcedureCall(arguments, ledgerQuery(expression, itemTables))));
     } catch (const std::exception& error) {
-        answer.failure = error.what();
+        answer.failure = failures::sentenceOf(error);
     }
+    if (!failedLookup.empty())
+        answer.failure = failedLookup;
     return answer;
 }
 
@@ -145,9 +170,12 @@ std::optional<double> ledgerAmount(const ProcedureResult& result)
 
 LedgerAnswer changeAcctInfo(const LedgerArguments& arguments)
 {
-    if (!openDB() || arguments.account.empty())
-        return {};
-    LedgerAnswer answer = driverCall<LedgerAnswer>(
+    LedgerAnswer answer;
+    if (!openDB())
+        answer.failure = databaseNotOpen;
+    if (!gCnn || arguments.account.empty())
+        return answer;
+    answer = driverCall<LedgerAnswer>(
         gCnn, [arguments](Connection& connection) { return singleFetch(connection, arguments); });
     closeDB();
     return answer;
@@ -178,7 +206,7 @@ std::vector<std::optional<LedgerAnswer>> fetchLedger(Connection& connection,
     for (std::size_t i = 0; i < fetches.size(); ++i) {
         if (results[i].error)
             continue;
-        answers[i].amount = ledgerAmount(results[i]);
+        takeResult(answers[i], results[i]);
         succeeded[i] = std::move(answers[i]);
     }
     return succeeded;

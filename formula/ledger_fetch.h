@@ -27,12 +27,13 @@ struct LedgerArguments {
 struct LedgerAnswer {
     std::optional<double> amount;
     std::vector<std::string> unknownClasses; ///< item classes whose condition was left out
-    std::string failure;                     ///< why the procedure call failed; empty if it did not
+    std::string failure;     ///< why a step of the fetch failed: whatever the amount is, it means nothing
+    bool isDeclined = false; ///< the procedure itself said that its answer is not valid
 };
 
 /// One ledger fetch: opens the shared connection, looks the item classes up, calls `sp_GS_AcctProc` and
-/// closes the connection. A step that fails is left out, nothing is shown but the box of a failed opening. An
-/// empty account expression gives no amount and leaves the connection open.
+/// closes the connection. A step that fails is left out and its reason kept; nothing is shown but the box of
+/// a failed opening. An empty account expression gives no amount and leaves the connection open.
 LedgerAnswer changeAcctInfo(const LedgerArguments& arguments);
 
 /// The table that lists a class's items; nothing if there is no such class or its table is no plain

@@ -1,6 +1,7 @@
 #include "formula/report_functions.h"
 
 #include "component/state/mdlMain.h"
+#include "failures/failure_text.h"
 #include "formula/SharedFetches.h"
 #include "platform/database/sql_text.h"
 
@@ -104,18 +105,21 @@ void evaluateREF_F(FunctionCall& call, SharedFetches* shared, FetchLog& log)
     call.setStatus(0);
     call.setResult(answer.text);
     if (!answer.reason.empty())
-        log.known.push_back({call.place(), "REF_F", answer.reason});
-    else if (answer.doubtful)
+        log.known.push_back({call.place(), "REF_F", answer.reason, answer.outcome});
+    if (answer.doubtful && (answer.reason.empty() || !answer.doubtful->answer.failure.empty()))
         log.doubtful.push_back({call.place(), answer.doubtful->arguments, answer.doubtful->answer, true});
 }
 
-void guardedEvaluation(const std::function<void()>& work)
+std::string guardedEvaluation(const std::function<void()>& work)
 {
     try {
         work();
+        return {};
     } catch (const std::exception& error) {
         closeDB();
-        tellUser(Icon::critical, error.what());
+        std::string reason = failures::sentenceOf(error);
+        tellUser(Icon::critical, reason);
+        return reason;
     }
 }
 

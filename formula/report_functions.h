@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace selfreport {
@@ -30,7 +31,8 @@ void evaluateAcct(spreadsheet::FunctionCall& call, SharedFetches* shared, FetchL
 /// Evaluates a `REF_F` call: hands back the referenced cell's text.
 void evaluateREF_F(spreadsheet::FunctionCall& call, SharedFetches* shared, FetchLog& log);
 
-/// Runs a callback's work; a failure ends it and is shown under the critical icon.
-void guardedEvaluation(const std::function<void()>& work);
+/// Runs a callback's work; a failure ends it and is shown under the critical icon. Gives its reason, ""
+/// without one.
+std::string guardedEvaluation(const std::function<void()>& work);
 
 } // namespace selfreport

@@ -35,7 +35,9 @@ constexpr auto listHelp = R"(每张报表一行,各列以制表符分隔。
   selfreport list --db demo.db)";
 
 constexpr auto runHelp = R"(不给 --pdf 和 --csv 时,CSV 写到标准输出。已有的文件在全部写好之后才被替换;
-失败时原样保留。取不到数的单元格逐个列在标准错误上。
+失败时原样保留。取不到数的单元格逐个列在标准错误上。有取数失败时 (不是没有数据,而是读不到账)
+退出码为 1,什么也不写; 加 --allow-failed 则照写,PDF 每页第一行、CSV 最后一行注明有几处失败。
+管道、设备和套接字直接写入,不会被替换; 符号链接写到它指向的文件。
 示例:
   selfreport run 1 --db demo.db --pdf 资产负债表.pdf --csv 资产负债表.csv
   selfreport run 1 --db "Provider=SQLOLEDB;Data Source=server,1433;Initial Catalog=cw;User ID=u;Password=p" --pdf a.pdf
@@ -157,6 +159,7 @@ Command readCommandLine(int count, const char* const* arguments)
     addDatabase(runCommand, run.database);
     runCommand->add_option("--pdf", run.pdf, "写出 PDF (全部表页)")->type_name("FILE");
     runCommand->add_option("--csv", run.csv, "写出 CSV (全部表页,UTF-8)")->type_name("FILE");
+    runCommand->add_flag("--allow-failed", run.allowFailed, "有取数失败时也写出,并加注");
 
     CheckCommand check;
     CLI::App* checkCommand = addCommand(app, "check", "将演示报表的数据与另行查询的结果核对", checkHelp);

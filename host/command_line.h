@@ -17,6 +17,7 @@ struct RunCommand {
     std::string database;
     std::int32_t reportId = 0;
     std::string pdf, csv; ///< "" for one that is not wanted
+    bool allowFailed = false;
 };
 struct CheckCommand {
     std::string database;

@@ -180,9 +180,13 @@ PrintOutcome PrintDlg::PrintSpread()
 
 void PrintDlg::Command2_Click()
 {
-    if (PrintSpread() != PrintOutcome::printed)
+    const PrintOutcome outcome = PrintSpread();
+    if (outcome == PrintOutcome::printed)
+        printedGrid().closeDesigner();
+    else if (outcome == PrintOutcome::left)
+        frmPreview::discard();
+    else
         return;
-    printedGrid().closeDesigner();
     close();
 }
 

@@ -11,8 +11,8 @@ class QRadioButton;
 
 namespace selfreport {
 
-/// Options and range of a printing. Printing closes the designer, the preview and the dialog; what fails or
-/// is cancelled closes nothing.
+/// Options and range of a printing. Printing closes the designer, the preview and the dialog; going to a cell
+/// whose fetch failed closes preview and dialog; what fails or is cancelled closes nothing.
 class PrintDlg : public QDialog {
     Q_OBJECT
 

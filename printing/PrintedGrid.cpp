@@ -12,6 +12,8 @@ PrintedGrid*& PrintedGrid::usual()
         spreadsheet::CellRange selectedBlock() const override { return {1, 1, 1, 1}; }
         std::string reportName() const override { return {}; }
         int diagnosticsCount() const override { return 0; }
+        std::string failedFetches() const override { return {}; }
+        void goToFailedFetch() override {}
         void tellStatus(std::string_view) override {}
         void closeDesigner() override {}
         spreadsheet::Workbook empty;

@@ -25,6 +25,10 @@ public:
     virtual std::string reportName() const = 0;
     /// Cells whose fetch failed or found nothing.
     virtual int diagnosticsCount() const = 0;
+    /// "3 处取数失败，数字不可用" while fetches of cells stand failed; else "".
+    virtual std::string failedFetches() const = 0;
+    /// Makes the first of their cells the active one.
+    virtual void goToFailedFetch() = 0;
     /// Something that is no error, for the status bar.
     virtual void tellStatus(std::string_view text) = 0;
     /// Closes the designer's window, which closes the preview.

@@ -1,6 +1,7 @@
 #include "printing/print_sheet.h"
 
 #include "component/state/shared_state.h"
+#include "failures/failure_text.h"
 #include "platform/dialogs/Dialogs.h"
 #include "platform/dialogs/FileDialog.h"
 #include "platform/printers/PrintService.h"
@@ -9,6 +10,7 @@
 #include "printing/print_stamp.h"
 #include "printing/PrintedGrid.h"
 #include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/files/PendingFile.h"
 #include "spreadsheet/print/pdf.h"
 
 #include <QApplication>
@@ -17,6 +19,7 @@
 
 #include <cmath>
 #include <memory>
+#include <span>
 
 namespace selfreport {
 
@@ -24,6 +27,8 @@ namespace {
 
 /// Cancelled by the user.
 struct Cancelled {};
+/// … who wants to see the cell instead whose fetch failed.
+struct GoesToCell {};
 
 PrintOutcome refused(const std::string& reason)
 {
@@ -31,19 +36,37 @@ PrintOutcome refused(const std::string& reason)
     return PrintOutcome::failed;
 }
 
+/// Figures that could not be fetched are printed only if the user says so.
+void requireFigures(const PrintedGrid& grid)
+{
+    const std::string failed = grid.failedFetches();
+    if (failed.empty())
+        return;
+    const auto chosen = dialogs().choose(Icon::exclamation, gTitle, failed + "，是否仍然打印？",
+                                         {"转到", "仍然打印（加注）"});
+    if (!chosen)
+        throw Cancelled();
+    if (*chosen == 0)
+        throw GoesToCell();
+}
+
 /// Work whose cancelling or failing ends a printing.
 template <class Work>
-PrintOutcome outcomeOf(const Work& work)
+PrintOutcome outcomeOf(PrintedGrid& grid, const Work& work)
 {
     try {
+        requireFigures(grid);
         work();
         return PrintOutcome::printed;
     } catch (const Cancelled&) {
         return PrintOutcome::cancelled;
     } catch (const spreadsheet::PrintCancelled&) {
         return PrintOutcome::cancelled;
+    } catch (const GoesToCell&) {
+        grid.goToFailedFetch();
+        return PrintOutcome::left;
     } catch (const std::exception& error) {
-        return refused(error.what());
+        return refused(failures::sentenceOf(error));
     }
 }
 
@@ -77,6 +100,7 @@ spreadsheet::PageRequest requestFor(const std::string& paper, PrintedGrid& grid)
         request.paperWidth = size->width;
         request.paperHeight = size->height;
     }
+    request.notice = grid.failedFetches();
     request.stamp = stampText(stampNow(grid.diagnosticsCount()));
     return request;
 }
@@ -122,12 +146,14 @@ std::optional<std::string> chosenPdf(const PrintedGrid& grid)
     return FileDialogInUse::current().chooseToSave(settings);
 }
 
-void writeFile(PrintedGrid& grid, const spreadsheet::PrintDocument& document, const std::string& path)
+void writeFile(PrintedGrid& grid, spreadsheet::PrintDocument document, const std::string& path)
 {
-    spreadsheet::PdfOptions options;
-    static_cast<spreadsheet::PrintDocument&>(options) = document;
-    options.path = QString::fromStdString(path);
-    drawWithProgress(options, [&] { spreadsheet::writePdf(grid.workbook(), options); });
+    spreadsheet::PendingFile file(path); // first: what cannot be written is found before the long work
+    drawWithProgress(document, [&] {
+        const spreadsheet::Pdf pdf = spreadsheet::pdfOf(grid.workbook(), document);
+        file.write(std::as_bytes(std::span(pdf.bytes)));
+    });
+    file.putInPlace();
 }
 
 void offerPdf(PrintedGrid& grid)
@@ -148,7 +174,7 @@ void sendToPrinter(PrintedGrid& grid, const std::string& paper)
     setup.landscape = grid.workbook().sheet(grid.workbook().activeSheet()).settings().print.landscape;
     spreadsheet::PrintDocument document = documentOf(grid, setup.paper);
     const auto pdf = std::make_shared<QByteArray>();
-    drawWithProgress(document, [&] { *pdf = pdfOf(grid.workbook(), document); });
+    drawWithProgress(document, [&] { *pdf = spreadsheet::pdfOf(grid.workbook(), document).bytes; });
     const bool sent = runInBackground(
         QStringLiteral("正在送往打印机"),
         [pdf, setup, title = grid.reportName(), &service = PrintServiceInUse::current()](WorkProgress&) {
@@ -174,7 +200,7 @@ spreadsheet::PageRequest previewRequest(PrintedGrid& grid)
 
 PrintOutcome printSheet(PrintedGrid& grid)
 {
-    return outcomeOf([&] {
+    return outcomeOf(grid, [&] {
         if (!printerSetup().file.empty())
             return writeFile(grid, documentOf(grid, printerSetup().paper), printerSetup().file);
         const Answer answer = askService(printerSetup());
@@ -187,7 +213,7 @@ PrintOutcome printSheet(PrintedGrid& grid)
 
 PrintOutcome exportPdf(PrintedGrid& grid)
 {
-    return outcomeOf([&] {
+    return outcomeOf(grid, [&] {
         const auto path = chosenPdf(grid);
         if (!path)
             throw Cancelled();

@@ -2,6 +2,7 @@
 
 #include "component/state/driver_call.h"
 #include "component/state/shared_state.h"
+#include "failures/failure_text.h"
 
 #include <exception>
 
@@ -79,7 +80,7 @@ bool databaseProcedure(Icon icon, const std::function<void(Connection&)>& work)
     } catch (const std::exception& error) {
         // A message box runs the event loop: the connection must be gone before it opens.
         closeDB();
-        tellUser(icon, error.what());
+        tellUser(icon, failures::sentenceOf(error));
         return false;
     }
 }

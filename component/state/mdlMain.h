@@ -19,6 +19,9 @@ bool openDB();
 /// What the user is told about a failed opening, by the error's number.
 std::string_view openingFailureText(std::int32_t number);
 
+/// What a step that needed the database says after a failed opening.
+inline constexpr const char* databaseNotOpen = "数据库打不开";
+
 /// Closes `gCnn` and leaves none. Nothing happens if there is none.
 void closeDB();
 

@@ -2,6 +2,7 @@
 
 #include "demo/ledger/ledger_writer.h"
 #include "demo/ledger/TradingCompany.h"
+#include "failures/failure_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/sql_text.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
@@ -57,7 +58,8 @@ public:
         std::error_code error;
         std::filesystem::rename(m_file, finished, error);
         if (error)
-            throw DatabaseError(unspecifiedError, "数据库文件 " + finished + ": " + error.message());
+            throw DatabaseError(unspecifiedError,
+                                "数据库文件 " + finished + ": " + failures::reasonOfErrno(error.value()));
     }
 
 private:

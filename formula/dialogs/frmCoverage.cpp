@@ -4,6 +4,7 @@
 #include "component/state/driver_call.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
+#include "failures/failure_text.h"
 #include "formula/call_in_words.h"
 #include "formula/dialogs/ArgumentBoxes.h"
 #include "formula/ledger_query.h"
@@ -172,7 +173,7 @@ void frmCoverage::readAccounts()
         if (const int chosen = m_cboMeasure->currentIndex(); chosen >= 0)
             m_accounts = coverageOf(m_measures[static_cast<std::size_t>(chosen)].arguments);
     } catch (const std::exception& error) {
-        tellUser(Icon::critical, error.what());
+        tellUser(Icon::critical, failures::sentenceOf(error));
     } catch (const WorkCancelled&) {
         // The list stays empty.
     }

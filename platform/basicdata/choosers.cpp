@@ -1,3 +1,4 @@
+#include "failures/failure_text.h"
 #include "platform/basicdata/basic_data.h"
 #include "platform/basicdata/ChooserWindow.h"
 #include "platform/basicdata/clsAccountChooser.h"
@@ -41,7 +42,7 @@ bool toldWhyNot(const std::string& title, const std::function<void()>& work)
         work();
         return true;
     } catch (const std::exception& error) {
-        dialogs().message(Icon::critical, title, error.what());
+        dialogs().message(Icon::critical, title, failures::sentenceOf(error));
         return false;
     }
 }

@@ -1,5 +1,6 @@
 #include "platform/dialogs/QtPrinterSetupDialog.h"
 
+#include "failures/failure_text.h"
 #include "platform/dialogs/FileDialog.h"
 #include "platform/printers/PrintService.h"
 #include "platform/windows/background_work.h"
@@ -35,8 +36,8 @@ FoundPrinters findPrinters()
                 [found, &service](WorkProgress&) { found->printers = service.printers(); },
                 Waiting::untilCancelled))
             return {{}, QStringLiteral("打印服务没有回答。")};
-    } catch (const PrintServiceError& error) {
-        return {{}, QString::fromUtf8(error.what())};
+    } catch (const std::exception& error) {
+        return {{}, QString::fromStdString(failures::sentenceOf(error))};
     }
     if (found->printers.empty())
         found->problem = QStringLiteral("没有可用的打印机，可以打印到PDF文件。");

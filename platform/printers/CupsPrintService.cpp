@@ -3,6 +3,7 @@
 #include "platform/CLocale.h"
 
 #include <algorithm>
+#include <array>
 #include <cups/cups.h>
 #include <memory>
 #include <span>
@@ -34,10 +35,37 @@ Server connectServer()
     return server;
 }
 
+/// What the service said last, behind our words for it.
+std::string lastReason()
+{
+    struct Known {
+        ipp_status_t status;
+        const char* text;
+    };
+    static constexpr std::array known{
+        Known{IPP_STATUS_ERROR_FORBIDDEN, "没有权限"},
+        Known{IPP_STATUS_ERROR_NOT_AUTHENTICATED, "没有权限"},
+        Known{IPP_STATUS_ERROR_NOT_AUTHORIZED, "没有权限"},
+        Known{IPP_STATUS_ERROR_NOT_FOUND, "打印机不存在"},
+        Known{IPP_STATUS_ERROR_TIMEOUT, "等待超时"},
+        Known{IPP_STATUS_ERROR_REQUEST_ENTITY, "文件太大"},
+        Known{IPP_STATUS_ERROR_DOCUMENT_FORMAT_NOT_SUPPORTED, "不接受这种格式"},
+        Known{IPP_STATUS_ERROR_SERVICE_UNAVAILABLE, "打印服务没有运行"},
+        Known{IPP_STATUS_ERROR_NOT_ACCEPTING_JOBS, "打印机现在不接受打印"},
+        Known{IPP_STATUS_ERROR_BUSY, "打印服务正忙"},
+    };
+    const ipp_status_t status = cupsLastError();
+    if (status <= IPP_STATUS_OK_EVENTS_COMPLETE)
+        return "打印服务没有说明原因";
+    const auto found = std::ranges::find(known, status, &Known::status);
+    const char* const said = cupsLastErrorString();
+    return (found == known.end() ? std::string("打印服务出错") : std::string(found->text)) +
+           (said && *said ? "（" + std::string(said) + "）" : std::string());
+}
+
 [[noreturn]] void failWith(const std::string& what)
 {
-    const char* const reason = cupsLastErrorString();
-    throw PrintServiceError(what + (reason && *reason ? std::string("：") + reason : std::string("。")));
+    throw PrintServiceError(what + "：" + lastReason() + "。");
 }
 
 /// The server's printers.
@@ -164,9 +192,9 @@ void CupsPrintService::print(std::string_view pdf, const std::string& title, con
                       cupsFinishDocument(server.get(), name.c_str()) <= IPP_STATUS_OK_EVENTS_COMPLETE;
     if (sent)
         return;
-    const std::string reason = cupsLastErrorString() ? cupsLastErrorString() : "";
+    const std::string reason = lastReason();
     cupsCancelJob2(server.get(), name.c_str(), job, 0); // half a document prints nonsense
-    throw PrintServiceError("没有能把报表送到打印机“" + name + "”：" + reason);
+    throw PrintServiceError("没有能把报表送到打印机“" + name + "”：" + reason + "。");
 }
 
 } // namespace selfreport

@@ -73,15 +73,6 @@ FileFormat sensedFormat(Bytes bytes, const std::filesystem::path& file)
     return FileFormat::csv;
 }
 
-void write(const std::filesystem::path& file, const void* bytes, std::size_t size)
-{
-    std::ofstream stream(file, std::ios::binary);
-    stream.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(size));
-    stream.close();
-    if (!stream)
-        throw FileError("无法写入文件 " + file.string() + ": 磁盘可能已满");
-}
-
 } // namespace
 
 std::optional<FileFormat> fileFormatOfName(const std::filesystem::path& file)
@@ -128,7 +119,7 @@ std::vector<std::string> saveWorkbook(const Workbook& workbook, const std::files
 {
     PendingFile pending(file); // first: what cannot be written is found before the long work
     Warnings warnings;
-    const auto put = [&](const auto& bytes) { write(pending.path(), bytes.data(), bytes.size()); };
+    const auto put = [&](const auto& bytes) { pending.write(bytes); };
     switch (format) {
     case FileFormat::ss7:
         put(saveContent(workbook));

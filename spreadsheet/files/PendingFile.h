@@ -1,34 +1,68 @@
 #pragma once
-#include <filesystem>
-#include <stdexcept>
+#include "spreadsheet/files/FileTarget.h"
+#include "spreadsheet/files/TemporaryFile.h"
+
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
 
 namespace spreadsheet {
 
-/// A file cannot be written; what() names it and says why.
-struct FileError : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-/// A file on its way: written under another name in the folder of its final one, and gone at the end unless
-/// it was put in place.
+/// A file on its way: written under another name and gone at the end unless it was put in place. What stands
+/// under the final name stays until then and is replaced by a file of the same owner and permissions; a pipe,
+/// device or socket is never replaced but written to.
 class PendingFile {
 public:
-    /// Makes the file, empty. @throws FileError if the folder does not take it
-    explicit PendingFile(std::filesystem::path finalName);
+    /// Makes the file, empty. @throws FileError if there is something that may not be written, or the folder
+    /// does not take it
+    explicit PendingFile(const std::filesystem::path& finalName);
     ~PendingFile();
     PendingFile(const PendingFile&) = delete;
     PendingFile& operator=(const PendingFile&) = delete;
 
-    /// Where to write.
-    const std::filesystem::path& path() const { return m_temporary; }
+    /// Where to write, for those who need a name.
+    const std::filesystem::path& path() const { return m_temporary->path(); }
+    /// Appends to the content. @throws FileError
+    void write(std::span<const std::byte> bytes);
+    void write(std::string_view text) { write(std::as_bytes(std::span(text))); }
 
-    /// Gives the file its final name, once its content is on the disk. @throws FileError
+    /// Gives the file its final name, once its content is on the disk. @throws FileError, and what stood
+    /// there is as it was
     /// @param replaces  whether a file of that name may be replaced
     void putInPlace(bool replaces = true);
 
 private:
-    std::filesystem::path m_final;
-    std::filesystem::path m_temporary;
+    friend class PendingFiles;
+
+    void finish();
+    void keepFormer();
+    std::string putBack();
+    void rename();
+    void linkAsNew();
+
+    FileTarget m_target;
+    std::unique_ptr<TemporaryFile> m_temporary;
+    std::unique_ptr<TemporaryFile> m_former; ///< what stood under the final name
+};
+
+/// Files that belong together: they are put in place together or not at all.
+class PendingFiles {
+public:
+    /// One more. @throws FileError as PendingFile, and if one of the others leads to the same file
+    PendingFile& add(const std::filesystem::path& finalName);
+
+    /// Puts all in place once all are on the disk. If one cannot be, those before it are put back; if the
+    /// process is killed in between, the next one that writes into the folder of the first finishes it.
+    /// @throws FileError
+    void putInPlace();
+
+private:
+    static std::unique_ptr<TemporaryFile> journalOf(std::span<PendingFile* const> order);
+
+    std::deque<PendingFile> m_files;
 };
 
 } // namespace spreadsheet

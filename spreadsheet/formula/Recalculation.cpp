@@ -91,6 +91,23 @@ RecalculationReport Recalculation::changed()
     return compute();
 }
 
+bool Recalculation::isComputedFrom(CallPlace cell, CallPlace source)
+{
+    refreshGraph();
+    m_graph.eachRun(source.sheet, source.column, source.row, source.row,
+                    [&](std::int32_t run) { markRun(run, source.row, source.row); });
+    for (std::size_t run = 0; run < m_graph.runs().size(); ++run)
+        if (m_graph.runs()[run].readsUnlisted)
+            markWholeRun(static_cast<std::int32_t>(run));
+    spread();
+    bool found = false;
+    m_graph.eachRun(cell.sheet, cell.column, cell.row, cell.row, [&](std::int32_t run) {
+        found = found || m_marked[static_cast<std::size_t>(run)].contains(cell.row);
+    });
+    unmarkAll();
+    return found;
+}
+
 // Marking.
 
 void Recalculation::markRun(std::int32_t run, int firstRow, int lastRow)
@@ -107,6 +124,13 @@ void Recalculation::markRun(std::int32_t run, int firstRow, int lastRow)
     const RowInterval fresh = marked.add(firstRow, lastRow);
     if (fresh.first <= fresh.last)
         m_spread.push_back({run, fresh});
+}
+
+void Recalculation::unmarkAll()
+{
+    for (const std::int32_t run : m_markedRuns)
+        m_marked[static_cast<std::size_t>(run)] = {};
+    m_markedRuns.clear();
 }
 
 void Recalculation::markWholeRun(std::int32_t run)
@@ -222,9 +246,7 @@ void Recalculation::evaluateMarked()
         keepFormerCells(component);
         evaluateComponent(component);
     }
-    for (const std::int32_t run : m_markedRuns)
-        m_marked[static_cast<std::size_t>(run)] = {};
-    m_markedRuns.clear();
+    unmarkAll();
 }
 
 /// Computes formulas that may read what their references do not name once more; true if one of them

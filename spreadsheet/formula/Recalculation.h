@@ -31,6 +31,10 @@ public:
     RecalculationReport all();
     RecalculationReport changed();
 
+    /// Whether the value of `cell` depends on that of `source`, through however many cells. A formula that
+    /// may read what it does not name counts as reading everything.
+    bool isComputedFrom(CallPlace cell, CallPlace source);
+
     void setPrepareHook(PrepareHook hook) { m_prepare = std::move(hook); }
     void setPauseHook(PauseHook hook) { m_pause = std::move(hook); }
     void takeHooks(const Recalculation& other);
@@ -61,6 +65,7 @@ private:
     void markChanges();
     void markRun(std::int32_t run, int firstRow, int lastRow);
     void markWholeRun(std::int32_t run);
+    void unmarkAll();
     void spread();
     RecalculationReport compute();
     void evaluateMarked();

@@ -16,6 +16,7 @@ constexpr int headingDigitWidth = 110; // twips of one digit of a row heading
 constexpr int headingPadding = 160;
 constexpr double smallestScale = 0.1; // smaller prints cannot be read
 constexpr double stampPoints = 7;
+constexpr double noticePoints = 10;
 
 /// Sizes of the tracks first..last; 0 for a hidden one.
 std::vector<int> sizesOf(const AxisSizes& axis, int first, int last)
@@ -57,13 +58,15 @@ std::optional<CellRange> rangeToPrint(const Sheet& sheet, const PageRequest& req
     return range;
 }
 
-HeaderLine stampLine(const std::string& stamp)
+/// A line of its own at the left margin.
+HeaderLine lineOf(const std::string& text, double points, bool bold)
 {
     HeaderFont font;
-    font.points = stampPoints;
+    font.points = points;
+    font.bold = bold;
     HeaderLine line;
-    line.points = stampPoints;
-    line.parts[static_cast<std::size_t>(HeaderPart::left)].push_back({font, stamp, false});
+    line.points = points;
+    line.parts[static_cast<std::size_t>(HeaderPart::left)].push_back({font, text, false});
     return line;
 }
 
@@ -101,8 +104,10 @@ void PageLayout::measurePaper(const Sheet& sheet, const PageRequest& request)
                    m_paperHeight - print.marginTop - print.marginBottom};
     m_header = readHeaderFooter(print.header);
     m_footer = readHeaderFooter(print.footer);
+    if (!request.notice.empty())
+        m_header.insert(m_header.begin(), lineOf(request.notice, noticePoints, true));
     if (print.stamp && !request.stamp.empty())
-        m_footer.push_back(stampLine(request.stamp));
+        m_footer.push_back(lineOf(request.stamp, stampPoints, false));
     if (print.columnHeadings)
         m_columnHeadingHeight = defaultRowHeight;
     if (print.rowHeadings && m_range)

@@ -21,6 +21,7 @@ struct PageRequest {
     int paperWidth = 11906; ///< twips of the upright sheet of paper; A4
     int paperHeight = 16838;
     std::optional<CellRange> range; ///< only these cells
+    std::string notice;             ///< UTF-8; the first line of every page, above the header; empty: none
     std::string stamp;              ///< UTF-8; the last line of every page where the sheet asks for a stamp
 };
 
@@ -78,6 +79,7 @@ public:
     const PageBox& printable() const { return m_printable; }
     /// Cells that are printed; nothing if the sheet holds no data.
     const std::optional<CellRange>& range() const { return m_range; }
+    /// The notice's line included.
     const std::vector<HeaderLine>& header() const { return m_header; }
     /// The stamp's line included.
     const std::vector<HeaderLine>& footer() const { return m_footer; }

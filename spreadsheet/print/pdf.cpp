@@ -10,7 +10,6 @@
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QPdfWriter>
-#include <QSaveFile>
 
 #include <vector>
 
@@ -58,21 +57,7 @@ void describe(PdfUpdate& update, const std::vector<SheetPages>& sheets)
                            " ] >>\n/ViewerPreferences << /DisplayDocTitle true >>\n/Lang (zh-CN)\n>>");
 }
 
-void save(const QString& path, const QByteArray& pdf)
-{
-    QSaveFile file(path);
-    // Unbuffered: what a buffer cannot write while the file is closed goes unnoticed.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || file.write(pdf) != pdf.size() ||
-        !file.commit())
-        throw PdfError(file.errorString().toStdString());
-}
-
-struct MadePdf {
-    QByteArray bytes;
-    int pages;
-};
-
-MadePdf make(const Workbook& workbook, const PrintDocument& document)
+Pdf make(const Workbook& workbook, const PrintDocument& document)
 {
     if (!qGuiApp || QFontDatabase::families().isEmpty())
         throw PdfError("没有可用的字体。");
@@ -80,7 +65,7 @@ MadePdf make(const Workbook& workbook, const PrintDocument& document)
     if (sheets.empty())
         throw PdfError("打印范围内没有页。");
     GlyphRecord record;
-    MadePdf made{drawn(sheets, document, record), pageCount(sheets)};
+    Pdf made{drawn(sheets, document, record), pageCount(sheets)};
     if (auto update = PdfUpdate::open(made.bytes)) {
         correctTextLayer(*update, record);
         describe(*update, sheets);
@@ -91,21 +76,10 @@ MadePdf make(const Workbook& workbook, const PrintDocument& document)
 
 } // namespace
 
-int writePdf(const Workbook& workbook, const PdfOptions& options)
+Pdf pdfOf(const Workbook& workbook, const PrintDocument& document)
 {
     try {
-        const MadePdf made = make(workbook, options);
-        save(options.path, made.bytes);
-        return made.pages;
-    } catch (const std::runtime_error& error) {
-        throw PdfError("无法生成PDF文件“" + options.path.toStdString() + "”：" + error.what());
-    }
-}
-
-QByteArray pdfOf(const Workbook& workbook, const PrintDocument& document)
-{
-    try {
-        return make(workbook, document).bytes;
+        return make(workbook, document);
     } catch (const PageLayoutError& error) {
         throw PdfError(error.what());
     }

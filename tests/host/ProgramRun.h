@@ -49,13 +49,14 @@ struct ProgramRun {
     int exitCode = -1; ///< -1 if it ended by a signal
     std::string output, errors;
 
-    /// @param arguments  as for the shell
-    explicit ProgramRun(const std::string& arguments)
+    /// @param arguments    as for the shell
+    /// @param environment  further variables, as "A=1 B=2 "
+    explicit ProgramRun(const std::string& arguments, const std::string& environment = {})
     {
         const TestFolder folder;
-        const std::string command = "env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM " PROGRAM " " +
-                                    arguments + " </dev/null >" + folder.file("output") + " 2>" +
-                                    folder.file("errors");
+        const std::string command = "env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM " + environment +
+                                    PROGRAM " " + arguments + " </dev/null >" + folder.file("output") +
+                                    " 2>" + folder.file("errors");
         const int status = std::system(command.c_str());
         if (WIFEXITED(status))
             exitCode = WEXITSTATUS(status);

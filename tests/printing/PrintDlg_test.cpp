@@ -9,10 +9,19 @@
 #include <QLineEdit>
 #include <QRadioButton>
 
+#include <fstream>
+#include <iterator>
+
 namespace selfreport {
 namespace {
 
 using Said = RecordingDialogs::Said;
+
+std::string contentOf(const std::string& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
 
 struct PrintDialog : test::PrintingTest {
     PrintDialog() { grid.setPages(5); }
@@ -228,6 +237,71 @@ TEST_F(PrintDialog, ExportWritesAllSheets)
     const std::string text = textOf(file.readAll().toStdString());
     EXPECT_NE(text.find("第5行"), std::string::npos);
     EXPECT_NE(text.find("附注"), std::string::npos);
+}
+
+struct FailedFigures : PrintDialog {
+    FailedFigures() { grid.failed = "2 处取数失败，数字不可用"; }
+
+    /// Every road to paper or file.
+    const std::vector<std::pair<const char*, std::function<PrintOutcome()>>> roads{
+        {"direct", [&] { return printSheet(grid); }},
+        {"dialog",
+         [&] {
+             PrintDlg window;
+             show(window);
+             return window.PrintSpread();
+         }},
+        {"PDF", [&] { return exportPdf(grid); }},
+    };
+    std::string file = folder.filePath("a.pdf").toStdString();
+};
+
+TEST_F(FailedFigures, AreNotPrintedWithoutAQuestion)
+{
+    for (const auto& [what, road] : roads) {
+        ledger.boxes.said.clear();
+        ledger.boxes.offered.clear();
+        EXPECT_EQ(road(), PrintOutcome::cancelled) << what;
+        ASSERT_EQ(ledger.boxes.said.size(), 1U) << what;
+        EXPECT_EQ(ledger.boxes.said[0].text, "2 处取数失败，数字不可用，是否仍然打印？");
+        EXPECT_EQ(ledger.boxes.offered[0], (std::vector<std::string>{"转到", "仍然打印（加注）"}));
+    }
+    EXPECT_TRUE(service.printed.empty());
+    EXPECT_TRUE(files.asked.empty());
+    EXPECT_EQ(grid.wentToFailed, 0);
+}
+
+TEST_F(FailedFigures, ArePrintedWithANoteOnEveryPage)
+{
+    for (const auto& [what, road] : roads) {
+        service.printed.clear();
+        ledger.boxes.chosen = {"仍然打印（加注）"};
+        files.answers = {file};
+        EXPECT_EQ(road(), PrintOutcome::printed) << what;
+        const std::string pdf = service.printed.empty() ? contentOf(file) : service.printed[0].pdf;
+        const std::string text = textOf(pdf);
+        std::size_t notes = 0;
+        for (auto at = text.find(grid.failed); at != std::string::npos; at = text.find(grid.failed, at + 1))
+            ++notes;
+        EXPECT_EQ(notes, 5U) << what << text;
+    }
+}
+
+TEST_F(FailedFigures, CanBeGoneTo)
+{
+    ledger.boxes.chosen = {"转到", "转到"};
+    EXPECT_EQ(printSheet(grid), PrintOutcome::left);
+    EXPECT_EQ(grid.wentToFailed, 1);
+
+    frmPreview::shared();
+    PrintDlg window;
+    show(window);
+    click(window, "Command2");
+    EXPECT_EQ(grid.wentToFailed, 2);
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_FALSE(frmPreview::exists());
+    EXPECT_EQ(grid.closed, 0); // the designer stays
+    EXPECT_TRUE(service.printed.empty());
 }
 
 } // namespace

@@ -20,6 +20,8 @@ struct TestGrid : PrintedGrid {
     spreadsheet::CellRange selectedBlock() const override { return block; }
     std::string reportName() const override { return "资产负债表"; }
     int diagnosticsCount() const override { return 0; }
+    std::string failedFetches() const override { return failed; }
+    void goToFailedFetch() override { ++wentToFailed; }
     void tellStatus(std::string_view text) override { status = text; }
     void closeDesigner() override
     {
@@ -47,6 +49,8 @@ struct TestGrid : PrintedGrid {
     spreadsheet::CellRange block{1, 1, 1, 1};
     spreadsheet::PrintSettings settings;
     std::string status;
+    std::string failed; ///< "2 处取数失败，数字不可用"
+    int wentToFailed = 0;
     int closed = 0;
 };
 

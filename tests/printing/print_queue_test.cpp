@@ -57,12 +57,13 @@ struct PrintQueue : test::PrintingTest {
     /// The same pages, written as a file.
     QString ownPdf()
     {
-        spreadsheet::PdfOptions options;
-        options.path = folder.filePath("own.pdf");
-        options.sheet = 1;
-        options.range = grid.printRange;
-        spreadsheet::writePdf(grid.book, options);
-        return options.path;
+        spreadsheet::PrintDocument document;
+        document.sheet = 1;
+        document.range = grid.printRange;
+        QFile file(folder.filePath("own.pdf"));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(spreadsheet::pdfOf(grid.book, document).bytes);
+        return file.fileName();
     }
 
     CupsPrintService cups;

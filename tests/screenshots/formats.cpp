@@ -3,6 +3,8 @@
 #include "spreadsheet/print/pdf.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
+#include <QFile>
+
 namespace selfreport::test {
 
 using namespace spreadsheet;
@@ -165,9 +167,9 @@ void saveFormatsPdf(const QString& path)
 {
     SpreadsheetControl grid;
     fill(grid);
-    PdfOptions options;
-    options.path = path;
-    writePdf(grid.workbook(), options);
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(pdfOf(grid.workbook(), {}).bytes);
 }
 
 } // namespace selfreport::test

@@ -6,6 +6,7 @@
 #include <array>
 #include <sqlext.h>
 #include <sqlucode.h>
+#include <string_view>
 
 namespace selfreport {
 
@@ -19,6 +20,59 @@ bool anyNative(std::span<const OdbcRecord> records, const std::array<std::int32_
     });
 }
 
+struct Kind {
+    std::int32_t native; ///< 0: told by the state
+    std::string_view state;
+    const char* text;
+};
+
+/// What tells more stands first.
+constexpr std::array kinds{
+    Kind{208, "", "找不到表或视图"},
+    Kind{207, "", "找不到列"},
+    Kind{2812, "", "找不到存储过程"},
+    Kind{229, "", "没有权限"},
+    Kind{230, "", "没有权限"},
+    Kind{262, "", "没有权限"},
+    Kind{297, "", "没有权限"},
+    Kind{300, "", "没有权限"},
+    Kind{2627, "", "数据重复"},
+    Kind{2601, "", "数据重复"},
+    Kind{547, "", "与其他数据的关系不允许这样改"},
+    Kind{515, "", "缺少必须有的数据"},
+    Kind{1205, "", "与其他用户的操作互相等待，请再试一次"},
+    Kind{1222, "", "数据正被其他用户占用，请稍后再试"},
+    Kind{1105, "", "数据库的空间已满"},
+    Kind{9002, "", "数据库的空间已满"},
+    Kind{20003, "", "等待数据库应答超时"},
+    Kind{0, "HYT", "等待数据库应答超时"},
+    Kind{0, "28000", "登录被拒绝"},
+    Kind{0, "IM", "没有安装可用的数据库驱动程序"},
+    Kind{0, "08001", "连不上数据库服务器"},
+    Kind{20009, "", "连不上数据库服务器"},
+    Kind{20002, "", "连不上数据库服务器"},
+    Kind{0, "08", "与数据库的连接已断开"},
+    Kind{20004, "", "与数据库的连接已断开"},
+    Kind{20006, "", "与数据库的连接已断开"},
+    Kind{20017, "", "与数据库的连接已断开"},
+    Kind{20020, "", "与数据库的连接已断开"},
+    Kind{0, "HY008", "操作已取消"},
+    Kind{0, "42S02", "找不到表或视图"},
+    Kind{0, "23", "数据重复或不完整，数据库不接受"},
+    Kind{0, "40001", "与其他用户的操作互相等待，请再试一次"},
+};
+
+/// Our words for what the records tell.
+const char* ourWords(std::span<const OdbcRecord> records)
+{
+    for (const Kind& kind : kinds)
+        if (std::ranges::any_of(records, [&](const OdbcRecord& record) {
+                return kind.native != 0 ? record.native == kind.native : record.state.starts_with(kind.state);
+            }))
+            return kind.text;
+    return "数据库报告了错误";
+}
+
 std::string joinedTexts(std::span<const OdbcRecord> records)
 {
     std::string text;
@@ -27,7 +81,7 @@ std::string joinedTexts(std::span<const OdbcRecord> records)
             continue;
         text += (text.empty() ? "" : "\n") + record.text;
     }
-    return text.empty() ? "与数据库的连接已断开, 或数据库没有说明原因" : text;
+    return text.empty() ? "与数据库的连接已断开, 或数据库没有说明原因" : ourWords(records) + ("：" + text);
 }
 
 OdbcRecord readRecord(SQLSMALLINT handleType, SQLHANDLE handle, SQLSMALLINT number, bool& found)

@@ -2,6 +2,7 @@
 
 #include "platform/database/DatabaseError.h"
 #include "platform/database/sqlite/ledger_schema.h"
+#include "platform/database/sqlite/sqlite_failure.h"
 #include "platform/database/sqlite/sqlite_functions.h"
 
 #include <climits>
@@ -15,11 +16,11 @@ namespace {
 [[noreturn]] void fail(sqlite3* database)
 {
     const int code = sqlite3_extended_errcode(database);
-    const std::string text = sqlite3_errmsg(database);
+    const DatabaseError error = sqliteError(database);
     if (code == SQLITE_CONSTRAINT_PRIMARYKEY || code == SQLITE_CONSTRAINT_UNIQUE ||
         code == SQLITE_CONSTRAINT_ROWID)
-        throw RepeatableError(unspecifiedError, text);
-    throw DatabaseError(unspecifiedError, text);
+        throw RepeatableError(error.number, error.description);
+    throw error;
 }
 
 [[noreturn]] void failOnFile(const std::string& file, const std::string& reason)
@@ -47,7 +48,7 @@ sqlite3* openFile(const std::string& file, int flags)
     const int opened = sqlite3_open_v2(file.c_str(), &database, flags | SQLITE_OPEN_EXRESCODE, nullptr);
     if (opened == SQLITE_OK)
         return database;
-    const std::string reason = database ? sqlite3_errmsg(database) : sqlite3_errstr(opened);
+    const std::string reason = sqliteReason(opened, database ? sqlite3_errmsg(database) : nullptr);
     sqlite3_close(database);
     failOnFile(file, reason);
 }
@@ -226,7 +227,7 @@ void createDatabase(const std::string& file)
         // Bytes a page: a year of an item's balances stands on one.
         const std::string script = "pragma page_size=8192;begin;" + ledgerSchemaScript() + "commit;";
         if (sqlite3_exec(database.get(), script.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
-            failOnFile(file, sqlite3_errmsg(database.get()));
+            failOnFile(file, sqliteError(database.get()).description);
     } catch (const DatabaseError&) {
         std::filesystem::remove(file, error);
         throw;

@@ -3,6 +3,7 @@
 #include "platform/database/DatabaseError.h"
 #include "platform/database/sqlite/chinese_collation.h"
 #include "platform/database/sqlite/LikePattern.h"
+#include "platform/database/sqlite/sqlite_failure.h"
 #include "platform/database/SqlValue.h"
 
 #include <algorithm>
@@ -125,7 +126,7 @@ void registerServerFunctions(sqlite3* database)
             registered && sqlite3_create_function(database, function.name, function.arguments, function.flags,
                                                   nullptr, function.call, nullptr, nullptr) == SQLITE_OK;
     if (!registered)
-        throw DatabaseError(unspecifiedError, sqlite3_errmsg(database));
+        throw sqliteError(database);
 }
 
 } // namespace selfreport

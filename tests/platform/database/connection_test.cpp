@@ -2,6 +2,7 @@
 
 #include "platform/database/sql_text.h"
 #include "platform/database/sqlite/binary_columns.h"
+#include "platform/database/sqlite/sqlite_failure.h"
 #include "tests/CommaLocale.h"
 #include "tests/platform/database/database_folder.h"
 
@@ -48,6 +49,29 @@ TEST(EmbeddedConnection, BadFilesAreNamedAndNothingIsCreated)
     EXPECT_THROW(createDatabase(folder.file("text")), DatabaseError) << "never over another file";
     EXPECT_THROW(createDatabase(folder.file("no/folder")), DatabaseError);
     EXPECT_EQ(std::filesystem::file_size(folder.file("text")), 5000U);
+}
+
+/// A driver's or a library's own text stands behind words of ours.
+TEST(Connection, FailuresAreToldInChineseFirst)
+{
+    const DatabaseFolder folder;
+    const auto connection = folder.createTested();
+    connection->execute("insert into tblCurrency values(1,'RMB','人民币')");
+    for (const char* statement :
+         {"select * from nowhere", "select nothing from tblCurrency", "select from where",
+          "insert into tblCurrency values(1,'RMB','人民币')", "insert into nowhere values(1)"}) {
+        const std::string said = failureOf([&] { connection->execute(statement); });
+        ASSERT_FALSE(said.empty()) << statement;
+        EXPECT_GE(static_cast<unsigned char>(said[0]), 0x80) << said;
+    }
+}
+
+TEST(EmbeddedConnection, KindsOfFailuresHaveWordsOfTheirOwn)
+{
+    EXPECT_EQ(sqliteReason(SQLITE_BUSY_SNAPSHOT, "database is locked"),
+              "数据库正被其他程序占用，请稍后再试：database is locked");
+    EXPECT_EQ(sqliteReason(SQLITE_FULL, nullptr), "磁盘已满");
+    EXPECT_EQ(sqliteReason(SQLITE_ERROR, "no such table: a"), "数据库不能执行语句：no such table: a");
 }
 
 TEST(Connection, ValuesComeBackAsTheyWereBound)

@@ -4,8 +4,8 @@
 #include "tests/CommaLocale.h"
 
 #include <gtest/gtest.h>
-#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QPrinter>
 #include <QProcess>
@@ -15,8 +15,6 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
-#include <csignal>
-#include <sys/resource.h>
 
 namespace spreadsheet {
 namespace {
@@ -49,12 +47,19 @@ struct PdfTest : testing::Test {
     QString path(const QString& name = "report.pdf") const { return folder.filePath(name); }
     int write(const QString& title = "测试")
     {
-        PdfOptions options;
-        options.path = path();
-        options.title = title;
-        return writePdf(workbook, options);
+        PrintDocument document;
+        document.title = title;
+        return write(document, path());
     }
-    QStringList files() const { return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden); }
+    int write(const PrintDocument& document, const QString& file) const
+    {
+        const Pdf pdf = pdfOf(workbook, document);
+        QFile(file).remove();
+        QFile written(file);
+        EXPECT_TRUE(written.open(QIODevice::WriteOnly));
+        written.write(pdf.bytes);
+        return pdf.pages;
+    }
 
     QTemporaryDir folder;
     Workbook workbook;
@@ -256,10 +261,9 @@ TEST_F(PdfTest, SeveralSheetsCountTheirPagesApart)
     const QString labels = run("qpdf", {"--json", "--json-key=pagelabels", path()}).second;
     EXPECT_TRUE(labels.contains("资产负债表-") && labels.contains("利润表-")) << labels.toStdString();
 
-    PdfOptions one;
-    one.path = path("one.pdf");
+    PrintDocument one;
     one.sheet = 2;
-    EXPECT_EQ(writePdf(workbook, one), 1);
+    EXPECT_EQ(write(one, path("one.pdf")), 1);
     EXPECT_EQ(withoutBlanks(textOf(path("one.pdf"))), "丙-1-");
 }
 
@@ -272,86 +276,46 @@ TEST_F(PdfTest, FontsAreEmbeddedOnceAndOnlyInPart)
     EXPECT_EQ(fonts.trimmed().count('\n'), 2) << fonts.toStdString();
 }
 
-TEST_F(PdfTest, AFailureNamesTheFileAndLeavesNothingBehind)
+TEST_F(PdfTest, ASheetThatIsNotThereIsRefused)
 {
     sheet.setText({1, 1}, "A");
-    QFile plain(path("plain"));
-    ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
-    plain.close();
-    ASSERT_TRUE(QDir(folder.path()).mkdir("taken.pdf"));
-    const struct {
-        const char* what;
-        QString path;
-        int sheet;
-    } cases[] = {
-        {"folder that is not there", path("none/报表.pdf"), 1},
-        {"folder that is a file", path("plain/报表.pdf"), 1},
-        {"file that is a folder", path("taken.pdf"), 1},
-        {"no name", QString(), 1},
-        {"no such sheet", path("报表.pdf"), 2},
-    };
-    for (const auto& c : cases) {
-        PdfOptions options;
-        options.path = c.path;
-        options.sheet = c.sheet;
-        try {
-            writePdf(workbook, options);
-            ADD_FAILURE() << c.what;
-        } catch (const PdfError& error) {
-            EXPECT_TRUE(QString::fromUtf8(error.what()).contains(c.path)) << c.what;
-        }
-        EXPECT_EQ(files(), QStringList{"plain"}) << c.what;
-    }
+    PrintDocument document;
+    document.sheet = 2;
+    EXPECT_THROW(pdfOf(workbook, document), PdfError);
 }
 
-/// What a full disk does: a file takes so many bytes and no more.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-        : m_signal(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_signal);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    void (*m_signal)(int);
-    rlimit m_before{};
-};
-
-TEST_F(PdfTest, AFullDiskLeavesNoHalfFile)
+/// Above the sheet's own header, whether or not the sheet asks for a stamp.
+TEST_F(PdfTest, ANoticeHeadsEveryPage)
 {
-    sheet.setText({1, 1}, "资产负债表");
-    {
-        const FileSizeLimit full(1000);
-        EXPECT_THROW(write(), PdfError);
+    sheet.setText({1, 1}, "甲");
+    sheet.setText({1, 200}, "乙");
+    sheet.changeSettings([](SheetSettings& settings) { settings.print.header = "/c利润表"; });
+    PrintDocument document;
+    document.page.notice = "3 处取数失败，数字不可用";
+    const int pages = write(document, path());
+    ASSERT_GT(pages, 1);
+    for (int page = 1; page <= pages; ++page) {
+        const QString text = textOf(path(), page, page);
+        const auto notice = text.indexOf("3 处取数失败，数字不可用");
+        EXPECT_GE(notice, 0) << page;
+        EXPECT_GT(text.indexOf("利润表"), notice) << page;
     }
-    EXPECT_EQ(files(), QStringList());
-    write();
-    EXPECT_GT(QFileInfo(path()).size(), 1000);
+    document.page.notice.clear();
+    write(document, path());
+    EXPECT_FALSE(textOf(path()).contains("取数失败"));
 }
 
-TEST_F(PdfTest, CancellingLeavesNothing)
+TEST_F(PdfTest, CancellingDrawsNoFurther)
 {
     sheet.setText({1, 200}, "A");
-    PdfOptions options;
-    options.path = path();
+    PrintDocument document;
     int asked = 0;
-    options.goesOn = [&](int done, int pages) {
+    document.goesOn = [&](int done, int pages) {
         EXPECT_EQ(pages, 4);
         return ++asked, done < 2;
     };
-    EXPECT_THROW(writePdf(workbook, options), PrintCancelled);
+    EXPECT_THROW(pdfOf(workbook, document), PrintCancelled);
     EXPECT_EQ(asked, 3);
-    EXPECT_EQ(files(), QStringList());
 }
 
 TEST_F(PdfTest, APrinterDrawsTheSamePages)

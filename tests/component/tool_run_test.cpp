@@ -1,0 +1,74 @@
+#include "component/tool_api.h"
+
+#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/files/content.h"
+#include "tests/formula/TestLedger.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <sstream>
+
+namespace selfreport {
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+std::string contentOf(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// One run of the operation, its outputs kept.
+struct Ran {
+    Ran(const test::TestLedger& ledger, const ReportFiles& files)
+        : exitCode(toolRun(ledger.connectionString(), 4, files, {output, notes}))
+    {
+    }
+    std::ostringstream output, notes;
+    int exitCode;
+};
+
+/// The fetch that fails is the second: what came before it was good.
+TEST(ReportRun, AFailedFetchLeavesFilesAndOutputUnlessAllowed)
+{
+    const test::TestLedger ledger;
+    spreadsheet::Workbook report;
+    report.sheet(1).setFormula({1, 1}, R"(Acct("1001" ,"2" , "", "2025","1","2"))");
+    report.sheet(1).setFormula({1, 2}, R"(Acct("1122|客户|001" ,"2" , "", "2025","1","2"))");
+    report.sheet(1).setFormula({1, 3}, R"(Acct("9999" ,"2" , "", "2025","1","2"))");
+    ledger.addReport(4, "应收表", spreadsheet::saveContent(report));
+    const std::filesystem::path csv =
+        std::filesystem::temp_directory_path() / ("run-" + std::to_string(::getpid()) + ".csv");
+    const std::string file = csv.string();
+
+    EXPECT_EQ(Ran(ledger, {"", file}).exitCode, 0); // an account that there is not is no failure
+    const std::string good = contentOf(csv);
+    EXPECT_THAT(good, HasSubstr("100.25"));
+
+    ledger.run("drop table tblItemClass");
+    for (const ReportFiles& files : {ReportFiles{"", file}, ReportFiles{}}) {
+        const Ran ran(ledger, files);
+        EXPECT_EQ(ran.exitCode, 1);
+        EXPECT_EQ(ran.output.str(), "");
+        EXPECT_THAT(ran.notes.str(),
+                    AllOf(HasSubstr("取数失败: Sheet1!A2 Acct"), HasSubstr("取数诊断: Sheet1!A3"),
+                          HasSubstr("失败: 1 处取数失败，数字不可用")));
+        EXPECT_EQ(contentOf(csv), good);
+    }
+
+    const Ran allowed(ledger, {"", file, true});
+    EXPECT_EQ(allowed.exitCode, 0) << allowed.notes.str();
+    EXPECT_THAT(allowed.notes.str(), HasSubstr("注意: 1 处取数失败，数字不可用"));
+    EXPECT_THAT(contentOf(csv), AllOf(HasSubstr("100.25"), EndsWith("\r\n\r\n1 处取数失败，数字不可用\r\n")));
+    EXPECT_EQ(Ran(ledger, {"", "", true}).output.str(), contentOf(csv));
+    std::filesystem::remove(csv);
+}
+
+} // namespace
+} // namespace selfreport
