@@ -1,11 +1,11 @@
 #include "spreadsheet/engine/display_text.h"
 
 #include "spreadsheet/engine/date_serial.h"
-#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/engine/decimal.h"
 #include "spreadsheet/functions/number_format.h"
 
+#include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 namespace spreadsheet {
 
@@ -38,39 +38,41 @@ std::string timeText(double serial)
 }
 
 /// d.dd…E±xx with `places` digits after the point; all digits if places is negative.
-std::string scientificText(DecimalDigits digits, int places)
+std::string scientificText(Decimal number, int places)
 {
     if (places >= 0)
-        digits.roundToSignificant(places + 1);
-    std::string mantissa = digits.digits.empty() ? "0" : digits.digits;
-    const int exponent = digits.digits.empty() ? 0 : digits.exponent - 1;
+        number.roundToSignificant(places + 1);
+    std::string mantissa = number.coefficient == 0 ? "0" : number.digits();
+    const int exponent = number.coefficient == 0 ? 0 : number.wholeDigits() - 1;
     if (places > 0 && static_cast<int>(mantissa.size()) < places + 1)
         mantissa.append(static_cast<std::size_t>(places) + 1 - mantissa.size(), '0');
     if (mantissa.size() > 1)
         mantissa.insert(1, ".");
-    return (digits.negative && !digits.digits.empty() ? "-" : "") + mantissa + (exponent < 0 ? "E-" : "E+") +
+    return (number.negative && number.coefficient != 0 ? "-" : "") + mantissa + (exponent < 0 ? "E-" : "E+") +
            paddedNumber(std::abs(exponent), 2);
 }
 
-/// The whole part of the digits, at least "0".
-std::string wholePart(const DecimalDigits& digits)
+/// Digits after the point: as many as the decimal has, or filled up to `decimals`.
+std::string plainText(const Decimal& number, int decimals, bool grouped)
 {
-    if (digits.digits.empty() || digits.exponent <= 0)
-        return "0";
-    std::string whole = digits.digits.substr(0, static_cast<std::size_t>(digits.exponent));
-    whole.append(static_cast<std::size_t>(digits.exponent) - whole.size(), '0');
-    return whole;
+    std::string text = number.whole();
+    if (text.empty())
+        text = "0";
+    if (grouped) {
+        for (int place = static_cast<int>(text.size()) - 3; place > 0; place -= 3)
+            text.insert(static_cast<std::size_t>(place), ",");
+    }
+    std::string fraction = number.fraction();
+    fraction.append(static_cast<std::size_t>(std::max(decimals - static_cast<int>(fraction.size()), 0)), '0');
+    if (!fraction.empty())
+        text += "." + fraction;
+    return number.negative && number.coefficient != 0 ? "-" + text : text;
 }
 
-std::string fraction(const DecimalDigits& digits)
+std::string fixedText(Decimal number, int decimals, bool grouped)
 {
-    if (digits.digits.empty())
-        return {};
-    if (digits.exponent <= 0)
-        return std::string(static_cast<std::size_t>(-digits.exponent), '0') + digits.digits;
-    if (digits.exponent >= static_cast<int>(digits.digits.size()))
-        return {};
-    return digits.digits.substr(static_cast<std::size_t>(digits.exponent));
+    number.roundTo(decimals);
+    return plainText(number, decimals, grouped);
 }
 
 std::string numberText(double number, const CellStyle& style, bool from1904)
@@ -88,12 +90,12 @@ std::string numberText(double number, const CellStyle& style, bool from1904)
         return fixedNumberText(number, style.decimals);
     case CellType::percent: {
         // The point moves two places on the decimal digits: a product by 100 would bring its own error.
-        DecimalDigits digits = decimalDigits(number);
-        digits.exponent += 2;
-        return fixedNumberText(numberOf(digits), 2) + "%";
+        Decimal share = shownDecimal(number);
+        share.exponent += 2;
+        return fixedText(share, 2, false) + "%";
     }
     case CellType::scientific:
-        return scientificText(decimalDigits(number), 2);
+        return scientificText(shownDecimal(number), 2);
     case CellType::edit:
     case CellType::staticText:
     case CellType::button:
@@ -108,37 +110,18 @@ std::string numberText(double number, const CellStyle& style, bool from1904)
 
 std::string fixedNumberText(double number, int decimals, bool grouped)
 {
-    DecimalDigits digits = decimalDigits(number);
-    digits.roundTo(decimals);
-    std::string text = wholePart(digits);
-    if (grouped) {
-        for (int place = static_cast<int>(text.size()) - 3; place > 0; place -= 3)
-            text.insert(static_cast<std::size_t>(place), ",");
-    }
-    if (decimals > 0) {
-        std::string places = fraction(digits);
-        places.resize(static_cast<std::size_t>(decimals), '0');
-        text += "." + places;
-    }
-    const bool shownNegative = digits.negative && !digits.digits.empty();
-    return shownNegative ? "-" + text : text;
+    return fixedText(shownDecimal(number), decimals, grouped);
 }
 
 std::string generalNumberText(double number)
 {
     constexpr int widest = 20; // "0." and what follows it
-    DecimalDigits digits = decimalDigits(number);
-    digits.roundToSignificant(15);
-    if (digits.digits.empty())
-        return "0";
-    const int width = digits.exponent > 0 ? 0 : 2 - digits.exponent + static_cast<int>(digits.digits.size());
-    if (digits.exponent > widest + 1 || width > widest)
-        return scientificText(digits, -1);
-    std::string text = wholePart(digits);
-    const std::string places = fraction(digits);
-    if (!places.empty())
-        text += "." + places;
-    return digits.negative ? "-" + text : text;
+    const Decimal shown = shownDecimal(number);
+    const int whole = shown.wholeDigits();
+    const int width = whole > 0 ? 0 : 2 - whole + static_cast<int>(shown.digits().size());
+    if (whole > widest + 1 || width > widest)
+        return scientificText(shown, -1);
+    return plainText(shown, 0, false);
 }
 
 std::string displayText(const Value& value, const CellStyle& style, bool from1904)

@@ -1,4 +1,5 @@
 // Numbers as texts and back: amounts with a currency sign, numbers in Chinese, texts of other separators.
+#include "spreadsheet/engine/decimal.h"
 #include "spreadsheet/engine/display_text.h"
 #include "spreadsheet/engine/number_text.h"
 #include "spreadsheet/functions/Call.h"

@@ -2,6 +2,7 @@
 #include "spreadsheet/functions/number_calls.h"
 #include "spreadsheet/functions/plain_arguments.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 

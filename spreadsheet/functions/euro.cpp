@@ -1,4 +1,4 @@
-#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/engine/decimal.h"
 #include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/plain_arguments.h"
 

@@ -5,6 +5,7 @@
 #include "spreadsheet/functions/randomness.h"
 #include "spreadsheet/functions/sums.h"
 
+#include <algorithm>
 #include <numbers>
 #include <random>
 

@@ -1,7 +1,7 @@
 #include "spreadsheet/functions/number_format.h"
 
+#include "spreadsheet/engine/decimal.h"
 #include "spreadsheet/engine/display_text.h"
-#include "spreadsheet/engine/number_text.h"
 #include "spreadsheet/functions/Call.h"
 #include "spreadsheet/functions/date_format.h"
 #include "spreadsheet/functions/number_format_code.h"
@@ -15,46 +15,21 @@ namespace {
 
 using Kind = FormatPart::Kind;
 
-/// Digits before and behind the decimal point, without leading and trailing zeros.
-struct SplitDigits {
-    std::string whole;
-    std::string fraction;
-};
-
-SplitDigits split(const DecimalDigits& number)
-{
-    SplitDigits result;
-    const std::string& digits = number.digits;
-    if (number.exponent <= 0) {
-        if (!digits.empty())
-            result.fraction = std::string(static_cast<std::size_t>(-number.exponent), '0') + digits;
-        return result;
-    }
-    const auto whole = static_cast<std::size_t>(number.exponent);
-    result.whole = digits.substr(0, whole);
-    if (!digits.empty())
-        result.whole.resize(whole, '0');
-    if (digits.size() > whole)
-        result.fraction = digits.substr(whole);
-    return result;
-}
-
 /// Lays the digits of a number into the places of a section.
 class NumberLayout {
 public:
     NumberLayout(const FormatSection& section, double size)
         : m_section(section)
-        , m_digits(decimalDigits(size))
+        , m_number(shownDecimal(size))
     {
-        m_digits.exponent += 2 * section.percents - 3 * section.thousands;
+        m_number.exponent += 2 * section.percents - 3 * section.thousands;
         const auto exponentPart = std::ranges::find(section.parts, Kind::exponent, &FormatPart::kind);
         if (exponentPart != section.parts.end())
             takeExponent();
         else
-            m_digits.roundTo(section.decimals);
-        const SplitDigits parts = split(m_digits);
-        m_whole = parts.whole;
-        m_fraction = parts.fraction;
+            m_number.roundTo(section.decimals);
+        m_whole = m_number.whole();
+        m_fraction = m_number.fraction();
         m_placesLeft = section.integerDigits;
     }
 
@@ -90,16 +65,16 @@ private:
     void takeExponent()
     {
         const int step = std::max(1, m_section.integerDigits);
-        const DecimalDigits all = m_digits;
-        if (!all.digits.empty()) {
-            const int power = all.exponent - 1;
+        const Decimal all = m_number;
+        if (all.coefficient != 0) {
+            const int power = all.wholeDigits() - 1;
             m_exponent = (power >= 0 ? power / step : -((step - 1 - power) / step)) * step;
         }
         for (;; m_exponent += step) {
-            m_digits = all;
-            m_digits.exponent -= m_exponent;
-            m_digits.roundTo(m_section.decimals);
-            if (m_digits.exponent <= step) // rounding may have added a place
+            m_number = all;
+            m_number.exponent -= m_exponent;
+            m_number.roundTo(m_section.decimals);
+            if (m_number.wholeDigits() <= step) // rounding may have added a place
                 break;
         }
         m_exponentDigits = std::to_string(std::abs(m_exponent));
@@ -169,7 +144,7 @@ private:
     }
 
     const FormatSection& m_section;
-    DecimalDigits m_digits;
+    Decimal m_number;
     std::string m_whole; ///< digits not yet laid out
     std::string m_fraction;
     std::string m_exponentDigits;
@@ -189,20 +164,20 @@ std::string shortGeneralText(double size)
     const std::string whole = generalNumberText(size);
     if (whole.size() <= width && (size == 0 || size >= 1e-9))
         return whole;
-    DecimalDigits digits = decimalDigits(size);
-    const int power = digits.exponent - 1;
+    Decimal number = shownDecimal(size);
+    const int power = number.wholeDigits() - 1;
     if (power >= -4 && power <= 10) {
-        digits.roundTo(power < 0 ? 9 : std::max(0, 9 - power));
-        if (digits.exponent <= 11)
-            return generalNumberText(numberOf(digits));
+        number.roundTo(power < 0 ? 9 : std::max(0, 9 - power));
+        if (number.wholeDigits() <= 11)
+            return generalNumberText(number.number());
     }
-    digits = decimalDigits(size);
-    digits.roundToSignificant(6);
-    std::string text = digits.digits;
+    number = shownDecimal(size);
+    number.roundToSignificant(6);
+    std::string text = number.digits();
     if (text.size() > 1)
         text.insert(1, ".");
-    const std::string exponent = std::to_string(std::abs(digits.exponent - 1));
-    return text + (digits.exponent > 0 ? "E+" : "E-") + (exponent.size() < 2 ? "0" : "") + exponent;
+    const std::string exponent = std::to_string(std::abs(number.wholeDigits() - 1));
+    return text + (number.wholeDigits() > 0 ? "E+" : "E-") + (exponent.size() < 2 ? "0" : "") + exponent;
 }
 
 /// A number in its general form, in numerals if the section asks for them.

@@ -1,13 +1,23 @@
-#include "spreadsheet/functions/rounding.h"
-
-#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/engine/decimal.h"
 #include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/number_calls.h"
 #include "spreadsheet/functions/plain_arguments.h"
 
+#include <algorithm>
+
 namespace spreadsheet {
 
 namespace {
+
+/// ROUND and its kin: a number and a count of decimal places, 0 if left out.
+template <Rounding rounding>
+Operand toPlaces(Call& call)
+{
+    constexpr int farOut = 400; // beyond every digit of a number
+    const double number = call.number(0);
+    const int places = std::clamp(call.integer(1, 0), -farOut, farOut);
+    return call.failed() ? call.error() : checked(roundDecimal(number, places, rounding));
+}
 
 Operand ceiling(double number, double step)
 {
@@ -15,7 +25,7 @@ Operand ceiling(double number, double step)
         return 0.0;
     if (number > 0 && step < 0)
         return CellError::num;
-    return checked(multipleAbove(number, step));
+    return checked(roundToMultiple(number, step, step < 0 ? Rounding::away : upward(number)));
 }
 
 Operand floored(double number, double step)
@@ -26,7 +36,7 @@ Operand floored(double number, double step)
         return CellError::div0;
     if (number > 0 && step < 0)
         return CellError::num;
-    return checked(multipleBelow(number, step));
+    return checked(roundToMultiple(number, step, step < 0 ? Rounding::toward : downward(number)));
 }
 
 Operand multiple(Call& call)
@@ -39,18 +49,18 @@ Operand multiple(Call& call)
         return 0.0;
     if ((number < 0) != (step < 0))
         return CellError::num;
-    return checked(nearestMultiple(number, step));
+    return checked(roundToMultiple(number, step, Rounding::half));
 }
 
 double evenNumber(double number)
 {
-    return std::copysign(std::ceil(std::fabs(number) / 2) * 2, number) + 0.0;
+    return roundToMultiple(number, 2, Rounding::away);
 }
 
 double oddNumber(double number)
 {
-    const double size = std::fabs(number);
-    const double odd = size <= 1 ? 1 : std::ceil((size - 1) / 2) * 2 + 1;
+    const double whole = roundDecimal(number, 0, Rounding::away);
+    const double odd = std::fmod(whole, 2) == 0 ? std::fabs(whole) + 1 : std::fabs(whole);
     return number < 0 ? -odd : odd;
 }
 
@@ -66,21 +76,21 @@ Operand multipleOfSize(Call& call)
         return call.error();
     if (step == 0 || number == 0)
         return 0.0;
-    return checked(above != mirrored ? multipleAbove(number, step) : multipleBelow(number, step));
+    return checked(roundToMultiple(number, step, above != mirrored ? upward(number) : downward(number)));
 }
 
 constexpr auto roundingFamily = FunctionFamily::mathematical;
 
 const FunctionDescriptor roundingTable[] = {
     {"INT", 1, 1, "v", roundingFamily, "数值", "将数值向下取整为最接近的整数",
-     ofNumber<[](double x) { return std::floor(x); }>},
+     ofNumber<[](double x) { return roundDecimal(x, 0, downward(x)); }>},
     {"TRUNC", 1, 2, "vv", roundingFamily, "数值,[小数位数]", "将数值截去指定位数以后的部分",
-     ofPlaces<roundToward>},
-    {"ROUND", 2, 2, "vv", roundingFamily, "数值,小数位数", "按指定的位数四舍五入", ofPlaces<roundDecimal>},
+     toPlaces<Rounding::toward>},
+    {"ROUND", 2, 2, "vv", roundingFamily, "数值,小数位数", "按指定的位数四舍五入", toPlaces<Rounding::half>},
     {"ROUNDUP", 2, 2, "vv", roundingFamily, "数值,小数位数", "按指定的位数朝远离零的方向舍入",
-     ofPlaces<roundAway>},
+     toPlaces<Rounding::away>},
     {"ROUNDDOWN", 2, 2, "vv", roundingFamily, "数值,小数位数", "按指定的位数朝零的方向舍入",
-     ofPlaces<roundToward>},
+     toPlaces<Rounding::toward>},
     {"MROUND", 2, 2, "vv", roundingFamily, "数值,倍数", "返回最接近的指定倍数", multiple},
     {"CEILING", 2, 2, "vv", roundingFamily, "数值,倍数", "向上舍入为最接近的指定倍数", ofNumbers<ceiling>},
     {"FLOOR", 2, 2, "vv", roundingFamily, "数值,倍数", "向下舍入为最接近的指定倍数", ofNumbers<floored>},

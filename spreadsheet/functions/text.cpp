@@ -1,4 +1,4 @@
-#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/engine/decimal.h"
 #include "spreadsheet/functions/Call.h"
 #include "spreadsheet/functions/characters.h"
 #include "spreadsheet/functions/double_bytes.h"

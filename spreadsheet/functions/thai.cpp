@@ -1,10 +1,8 @@
-#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/engine/decimal.h"
 #include "spreadsheet/functions/day_counts.h"
 #include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/plain_arguments.h"
-#include "spreadsheet/functions/rounding.h"
 
-#include <algorithm>
 #include <array>
 
 namespace spreadsheet {
@@ -65,20 +63,10 @@ struct SpelledNumber {
 
 SpelledNumber spelled(double number, bool asAmount)
 {
-    DecimalDigits digits = decimalDigits(number);
+    Decimal shown = shownDecimal(number);
     if (asAmount)
-        digits.roundTo(2);
-    SpelledNumber parts;
-    if (digits.digits.empty())
-        return parts;
-    parts.negative = digits.negative;
-    for (int place = std::min(digits.exponent, 0); place < static_cast<int>(digits.digits.size()); ++place) {
-        const char digit = place < 0 ? '0' : digits.digits[static_cast<std::size_t>(place)];
-        (place < digits.exponent ? parts.whole : parts.fraction) += digit;
-    }
-    if (digits.exponent > static_cast<int>(digits.digits.size()))
-        parts.whole.append(static_cast<std::size_t>(digits.exponent) - digits.digits.size(), '0');
-    return parts;
+        shown.roundTo(2);
+    return {shown.whole(), shown.fraction(), shown.negative && shown.coefficient != 0};
 }
 
 Operand amountWords(Call& call)
@@ -193,12 +181,12 @@ const FunctionDescriptor thaiTable[] = {
     {"ROUNDBAHTDOWN", 1, 1, "v", FunctionFamily::mathematical, "数值", "将泰铢金额向下舍入为0.25的倍数",
      [](Call& call) -> Operand {
          const double amount = call.number(0);
-         return call.failed() ? call.error() : checked(multipleBelow(amount, quarter));
+         return call.failed() ? call.error() : checked(roundToMultiple(amount, quarter, downward(amount)));
      }},
     {"ROUNDBAHTUP", 1, 1, "v", FunctionFamily::mathematical, "数值", "将泰铢金额向上舍入为0.25的倍数",
      [](Call& call) -> Operand {
          const double amount = call.number(0);
-         return call.failed() ? call.error() : checked(multipleAbove(amount, quarter));
+         return call.failed() ? call.error() : checked(roundToMultiple(amount, quarter, upward(amount)));
      }},
     {"THAIDAYOFWEEK", 1, 1, "v", FunctionFamily::dateAndTime, "日期", "返回日期的泰语星期",
      [](Call& call) -> Operand {

@@ -1,7 +1,7 @@
 #include "spreadsheet/view/commands/fill_series.h"
 
 #include "spreadsheet/engine/date_serial.h"
-#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/engine/decimal.h"
 #include "spreadsheet/view/commands/text_series.h"
 
 #include <algorithm>
@@ -81,7 +81,7 @@ Series lineSeries(const std::vector<SeriesCell>& cells)
         const double number = start + slope * index;
         // Without the noise of binary fractions: 0.3, 0.2, 0.1 goes on with 0.
         const double magnitude = std::max(largest, std::abs(number));
-        return Value(roundDecimal(number, 15 - decimalDigits(magnitude).exponent));
+        return Value(roundDecimal(number, 15 - shownDecimal(magnitude).wholeDigits()));
     };
 }
 

@@ -1,6 +1,6 @@
 #include "spreadsheet/view/commands/selection_figures.h"
 
-#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/engine/decimal.h"
 #include "spreadsheet/engine/Sheet.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 #pragma once
+#include "spreadsheet/engine/decimal.h"
 #include "spreadsheet/engine/display_text.h"
 #include "spreadsheet/engine/number_text.h"
 #include "spreadsheet/engine/Workbook.h"
@@ -24,9 +25,9 @@ inline std::string valueText(const Value& value)
     case ValueKind::empty:
         return "empty";
     case ValueKind::number: {
-        DecimalDigits digits = decimalDigits(value.number());
-        digits.roundToSignificant(12);
-        return generalNumberText(numberOf(digits));
+        Decimal shown = shownDecimal(value.number());
+        shown.roundToSignificant(12);
+        return generalNumberText(shown.number());
     }
     case ValueKind::text:
         return '"' + std::string(value.textView()) + '"';
