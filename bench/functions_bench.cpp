@@ -1,6 +1,7 @@
-// Times sheet-eval, lookups and conditional sums against their bounds.
+// Times sheet-eval, lookups, conditional sums, rounding and calls that no report has against their bounds.
 #include "bench/bench_table.h"
 #include "spreadsheet/engine/Workbook.h"
+#include "tests/spreadsheet/functions/HostileCalls.h"
 #include "tools/sheet_eval/answer.h"
 
 #include <fstream>
@@ -99,6 +100,36 @@ double casesPerSecond(const char* file)
     return static_cast<double>(requests.size()) * rounds / seconds;
 }
 
+/// Seconds of the longest of many calls with extreme arguments, plain ones and array formulas in turn.
+double longestHostileCall()
+{
+    constexpr int callsEach = 50;
+    std::mt19937 random(2);
+    HostileCalls hostile([&](std::size_t count) { return random() % count; });
+    Workbook workbook;
+    HostileCalls::fill(workbook);
+    Sheet& sheet = workbook.sheet(1);
+    double longest = 0;
+    std::string slowest;
+    for (const FunctionDescriptor* function : allFunctions()) {
+        for (int i = 0; i < callsEach; ++i) {
+            const std::string call = hostile.call(*function);
+            const CellRange cells{2, 2, 4, 4};
+            if (i % 2 == 1 ? sheet.setArrayFormula(cells, call) : sheet.setFormula({2, 2}, call))
+                continue;
+            const double seconds = bestSeconds(
+                1, [] {}, [&] { workbook.recalculate(); });
+            if (seconds > longest) {
+                longest = seconds;
+                slowest = call;
+            }
+            sheet.clearContents(cells);
+        }
+    }
+    std::printf("(%s)\n", slowest.c_str());
+    return longest;
+}
+
 } // namespace
 
 int main()
@@ -123,5 +154,8 @@ int main()
               1e3 * secondsOf("COUNTIF(D$1:D$100000,\"<=\"&#)", formulaRows), 100, "ms");
     table.row("1,000 COUNTIFs on one range, by wildcard",
               1e3 * secondsOf("COUNTIF(B$1:B$100000,\"客户\"&MOD(#,50)&\"*\")", 1000), 1000, "ms");
+    table.row("10,000 ROUNDs of amounts", 1e3 * secondsOf("ROUND(D#,1)", formulaRows), 5, "ms");
+    table.row("10,000 ROUNDs of quotients", 1e3 * secondsOf("ROUND(D#/7,2)", formulaRows), 10, "ms");
+    table.row("the longest of 50 hostile calls of each function", 1e3 * longestHostileCall(), 500, "ms");
     return table.finish();
 }

@@ -64,6 +64,19 @@ void fillFormulas(Inputs inputs)
     }
 }
 
+/// A call of each function, plain and as an array formula, its arguments drawn by whatever follows.
+void fillFunctions(Inputs inputs)
+{
+    const std::size_t count = spreadsheet::allFunctions().size();
+    for (std::size_t function = 0; function < count; ++function) {
+        std::string bytes{static_cast<char>(function % 2), static_cast<char>(function / 256),
+                          static_cast<char>(function % 256)};
+        for (int i = 0; i < 12; ++i)
+            bytes += static_cast<char>((function + 1) * 37 % (29 + static_cast<std::size_t>(i)));
+        inputs.add(bytes);
+    }
+}
+
 void fillHeaders(Inputs inputs)
 {
     for (const std::string_view codes :
@@ -119,6 +132,7 @@ int main(int count, char** arguments)
     const std::filesystem::path folder = arguments[1];
     std::filesystem::remove_all(folder); // else an earlier generator's inputs would stay
     fillFormulas({folder, "formula"});
+    fillFunctions({folder, "functions"});
     fillHeaders({folder, "header"});
     Inputs content(folder, "content"), xls(folder, "xls"), xlsx(folder, "xlsx");
     for (const auto fill : {fillOneCell, spreadsheet::fillSample}) {

@@ -36,6 +36,15 @@ bool goesElementwise(const FunctionDescriptor& function, std::size_t argument)
     return function.kind(argument) == 'v' || function.has(branches);
 }
 
+/// What a call comes to; an array that it makes counts against what its cell may spend.
+Operand answered(const FunctionDescriptor& function, Call& call)
+{
+    Operand result = function.answer(call);
+    const bool affordable =
+        !result.isArray() || call.place().spend(elementsOf(result.array().rows(), result.array().columns()));
+    return affordable ? result : Operand(CellError::value);
+}
+
 } // namespace
 
 Evaluator::Evaluator(Workbook& workbook)
@@ -258,10 +267,7 @@ Operand Evaluator::applied(const FunctionDescriptor& function, std::span<const O
             return callElementwise(function, arguments, arrayMode, place);
     }
     Call made(place, arguments, arrayMode);
-    Operand result = function.evaluate(made);
-    if (result.isArray() && !place.spend(elementsOf(result.array().rows(), result.array().columns())))
-        return CellError::value;
-    return result;
+    return answered(function, made);
 }
 
 Operand Evaluator::callElementwise(const FunctionDescriptor& function, std::span<const Operand> arguments,
@@ -290,7 +296,7 @@ Operand Evaluator::callElementwise(const FunctionDescriptor& function, std::span
             }
             Call made(place, single);
             Value& element = result->at(row, column);
-            element = singleValue(function.evaluate(made), place);
+            element = singleValue(answered(function, made), place);
             const bool asks = ++calls % callsBetweenQuestions == 0;
             if (!place.spend(effortOf(element)) || (asks && !place.goesOn()))
                 return CellError::value;

@@ -113,6 +113,13 @@ bool Call::logical(std::size_t argument, bool otherwise)
     return argument < count() ? logical(argument) : otherwise;
 }
 
+void Call::pay(double elements)
+{
+    constexpr double all = Effort::maxElements;
+    if (!m_place.spend(static_cast<std::size_t>(std::clamp(elements, 0.0, all))))
+        fail(CellError::value);
+}
+
 std::vector<double> Call::numbers(std::size_t first)
 {
     std::vector<double> all;

@@ -80,6 +80,10 @@ public:
         return *m_error;
     }
 
+    /// Counts work that takes as long as making so many elements of an array; the call fails with #VALUE!
+    /// where that is more than its cell may spend.
+    void pay(double elements);
+
     /// Calls `use(std::span<const double>)` with every number that counts in a sum: numbers in ranges
     /// and arrays (texts and truth values there are passed over unless the text counts as a number),
     /// and a value handed over directly, coerced. Sticks at errors.
@@ -194,6 +198,10 @@ void Call::eachNumbersOfArray(const Array& array, Use&& use)
             if (const auto number = countedNumber(value))
                 row.push_back(*number);
         }
+        constexpr double slower = 4; // than from a column's block
+        pay(slower * array.columns());
+        if (failed())
+            return;
         use(std::span<const double>(row));
     }
 }
@@ -206,6 +214,9 @@ void Call::eachNumbers(std::size_t argument, Use&& use)
     const Operand& operand = m_arguments[argument];
     if (operand.isReference()) {
         eachStretch(argument, [&](const CellStretch& stretch) {
+            pay(stretch.count);
+            if (failed())
+                return false;
             if (const auto error = useNumbers(stretch, use))
                 fail(*error);
             return !failed();

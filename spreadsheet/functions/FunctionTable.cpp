@@ -1,7 +1,11 @@
 #include "spreadsheet/functions/FunctionTable.h"
 
+#include "spreadsheet/functions/Call.h"
+
 #include <algorithm>
 #include <array>
+#include <exception>
+#include <new>
 #include <vector>
 
 namespace spreadsheet {
@@ -14,6 +18,19 @@ char FunctionDescriptor::kind(std::size_t argument) const
         return 'v'; // takes none; the compiler asks before it counts them
     const auto step = static_cast<std::size_t>(repeat);
     return kinds[kinds.size() - step + (argument - kinds.size()) % step];
+}
+
+Operand FunctionDescriptor::answer(Call& call) const
+{
+    try {
+        return evaluate(call);
+    } catch (const std::bad_alloc&) {
+        return CellError::value;
+    } catch (const std::exception&) {
+        constexpr double searched = 2e6; // what the numeric library gives up took it milliseconds
+        call.pay(searched);
+        return CellError::num;
+    }
 }
 
 namespace {

@@ -55,6 +55,9 @@ struct FunctionDescriptor {
     int repeat = 1;
 
     char kind(std::size_t argument) const;
+    /// What a call comes to, evaluated here and nowhere else: #NUM! where something in it throws, #VALUE!
+    /// where memory does not suffice. What else is no std::exception, such as a cancellation, goes on.
+    Operand answer(Call& call) const;
     bool has(FunctionTrait trait) const { return (traits & trait) != 0; }
 };
 

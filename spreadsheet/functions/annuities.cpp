@@ -99,7 +99,8 @@ Operand periodRate(Call& call)
         annuity.rate = rate;
         return annuity.future - annuity.futureValue();
     };
-    return rateResult(findRate(balance, guess));
+    constexpr double work = 16; // powers and logarithms
+    return rateResult(call, findRate(call, work, balance, guess));
 }
 
 /// The interest in one payment: on what is still owed after the payments before it.

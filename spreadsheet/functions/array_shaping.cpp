@@ -179,9 +179,12 @@ Operand sortedBy(Call& call)
     bool byColumns = false;
     for (std::size_t argument = 1; argument < call.count() && !call.failed(); argument += 2) {
         const SharedArray by = elements(call, argument);
-        byColumns = by->rows() == 1 && by->columns() == array->columns() && by->columns() > 1;
-        if (!byColumns && !(by->columns() == 1 && by->rows() == array->rows()))
+        const bool alongRow = by->rows() == 1 && by->columns() == array->columns() && by->columns() > 1;
+        const bool alongColumn = by->columns() == 1 && by->rows() == array->rows();
+        const bool otherWay = argument > 1 && alongRow != byColumns;
+        if (otherWay || !(alongRow || alongColumn))
             return call.failed() ? call.error() : CellError::value;
+        byColumns = alongRow;
         SortKey key;
         key.descends = call.given(argument + 1) && descends(call, call.value(argument + 1));
         for (int i = 0; i < std::max(by->rows(), by->columns()); ++i)
@@ -237,7 +240,9 @@ std::shared_ptr<Array> sized(Call& call)
     const bool fits = rows > 0 && columns > 0 && isArraySize(rows, columns);
     if (!fits)
         call.fail(CellError::value);
-    return fits ? std::make_shared<Array>(rows, columns) : nullptr;
+    else
+        call.pay(8.0 * rows * columns); // here, since elements are computed before they count as made
+    return fits && !call.failed() ? std::make_shared<Array>(rows, columns) : nullptr;
 }
 
 Operand sequence(Call& call)

@@ -59,14 +59,15 @@ public:
         return sum + (coupon + redemption) * discount - accrued;
     }
 
-    std::optional<double> yield(double rate, double price, double redemption) const
+    std::optional<double> yield(Call& call, double rate, double price, double redemption) const
     {
         if (m_period.count == 1) {
             const double coupon = rate / m_frequency;
             const double paid = price / 100 + passed() * coupon;
             return (redemption / 100 + coupon - paid) / paid * m_frequency / toNext();
         }
-        return findRate([&](double tried) { return this->price(rate, tried, redemption) - price; }, 0.05);
+        const auto difference = [&](double tried) { return this->price(rate, tried, redemption) - price; };
+        return findRate(call, m_period.count, difference, 0.05);
     }
 
     /// The mean time of the payments in years, weighted by their present values (after Macaulay).
@@ -121,7 +122,7 @@ Operand priceOrYield(Call& call)
         settlement < maturity && rate >= 0 && redemption > 0 && (ofPrice ? figure >= 0 : figure > 0);
     return inRangeOrNum(call, inRange, [&] {
         return ofPrice ? checked(bond.price(rate, figure, redemption))
-                       : rateResult(bond.yield(rate, figure, redemption));
+                       : rateResult(call, bond.yield(call, rate, figure, redemption));
     });
 }
 

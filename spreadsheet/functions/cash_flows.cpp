@@ -40,6 +40,7 @@ std::vector<double> flowsArgument(Call& call)
 {
     std::vector<double> flows;
     call.eachNumber(0, [&](double flow) { flows.push_back(flow); });
+    call.pay(4 * static_cast<double>(flows.size())); // each is discounted more than once
     return flows;
 }
 
@@ -53,7 +54,7 @@ Operand internalRate(Call& call)
         return CellError::num;
     // Worth at the first flow, which keeps its sign changes for rates near -1.
     const auto worth = [&](double rate) { return worthBefore(flows, rate) * (1 + rate); };
-    return rateResult(findRate(worth, guess));
+    return rateResult(call, findRate(call, static_cast<double>(flows.size()), worth, guess));
 }
 
 Operand modifiedInternalRate(Call& call)
@@ -110,7 +111,9 @@ Operand datedInternalRate(Call& call)
     const DatedFlows flows(call, 0, 1);
     const double guess = call.given(2) ? plainNumber(call, 2) : 0.1;
     return inRangeOrNum(call, goBothWays(flows.amounts), [&] {
-        return rateResult(findRate([&](double rate) { return flows.worth(rate); }, guess));
+        const double work = 8 * static_cast<double>(flows.days.size()); // a power each
+        return rateResult(call, findRate(
+                                    call, work, [&](double rate) { return flows.worth(rate); }, guess));
     });
 }
 

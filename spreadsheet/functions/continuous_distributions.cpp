@@ -7,8 +7,8 @@ namespace spreadsheet {
 
 namespace {
 
-using BetaDistribution = boost::math::beta_distribution<double, QuietPolicy>;
-using GammaDistribution = boost::math::gamma_distribution<double, QuietPolicy>;
+using BetaDistribution = boost::math::beta_distribution<double, LibraryPolicy>;
+using GammaDistribution = boost::math::gamma_distribution<double, LibraryPolicy>;
 
 enum class Tail { left, right, both };
 
@@ -24,7 +24,7 @@ double densityAtZero(double power, double atOne)
 Operand studentTails(Call& call)
 {
     const double x = call.number(0);
-    const double degrees = freedom(call, 1);
+    const double degrees = wholeParameter(call, 1);
     const double tails = std::trunc(call.number(2));
     return inRangeOrNum(call, x >= 0 && isFreedom(degrees) && (tails == 1 || tails == 2),
                         [&] { return checked(tails * cdf(complement(StudentDistribution(degrees), x))); });
@@ -33,7 +33,7 @@ Operand studentTails(Call& call)
 Operand studentDistribution(Call& call)
 {
     const double x = call.number(0);
-    const double degrees = freedom(call, 1);
+    const double degrees = wholeParameter(call, 1);
     const bool cumulative = call.logical(2);
     return inRangeOrNum(call, isFreedom(degrees), [&] {
         const StudentDistribution student(degrees);
@@ -46,7 +46,7 @@ template <Tail tail>
 Operand studentTail(Call& call)
 {
     const double x = call.number(0);
-    const double degrees = freedom(call, 1);
+    const double degrees = wholeParameter(call, 1);
     return inRangeOrNum(call, isFreedom(degrees) && (x >= 0 || tail == Tail::right), [&] {
         return checked((tail == Tail::both ? 2 : 1) * cdf(complement(StudentDistribution(degrees), x)));
     });
@@ -56,7 +56,7 @@ template <Tail tail>
 Operand studentQuantile(Call& call)
 {
     const double p = call.number(0);
-    const double degrees = freedom(call, 1);
+    const double degrees = wholeParameter(call, 1);
     const bool inRange = p > 0 && (p < 1 || (p == 1 && tail == Tail::both)) && isFreedom(degrees);
     return inRangeOrNum(call, inRange, [&] {
         const StudentDistribution student(degrees);
@@ -67,7 +67,7 @@ Operand studentQuantile(Call& call)
 Operand chiSquaredDistribution(Call& call)
 {
     const double x = call.number(0);
-    const double degrees = freedom(call, 1);
+    const double degrees = wholeParameter(call, 1);
     const bool cumulative = call.logical(2);
     return inRangeOrNum(call, x >= 0 && isFreedom(degrees), [&] {
         const ChiSquaredDistribution chiSquared(degrees);
@@ -80,7 +80,7 @@ Operand chiSquaredDistribution(Call& call)
 Operand chiSquaredTail(Call& call)
 {
     const double x = call.number(0);
-    const double degrees = freedom(call, 1);
+    const double degrees = wholeParameter(call, 1);
     return inRangeOrNum(call, x >= 0 && isFreedom(degrees),
                         [&] { return checked(cdf(complement(ChiSquaredDistribution(degrees), x))); });
 }
@@ -89,7 +89,7 @@ template <Tail tail>
 Operand chiSquaredQuantile(Call& call)
 {
     const double p = call.number(0);
-    const double degrees = freedom(call, 1);
+    const double degrees = wholeParameter(call, 1);
     return inRangeOrNum(call, isProbability(p) && isFreedom(degrees), [&] {
         const ChiSquaredDistribution chiSquared(degrees);
         return checked(tail == Tail::right ? quantile(complement(chiSquared, p)) : quantile(chiSquared, p));
@@ -99,8 +99,8 @@ Operand chiSquaredQuantile(Call& call)
 Operand fisherDistribution(Call& call)
 {
     const double x = call.number(0);
-    const double above = freedom(call, 1);
-    const double below = freedom(call, 2);
+    const double above = wholeParameter(call, 1);
+    const double below = wholeParameter(call, 2);
     const bool cumulative = call.logical(3);
     return inRangeOrNum(call, x >= 0 && isFreedom(above) && isFreedom(below), [&] {
         const FisherDistribution fisher(above, below);
@@ -113,8 +113,8 @@ Operand fisherDistribution(Call& call)
 Operand fisherTail(Call& call)
 {
     const double x = call.number(0);
-    const double above = freedom(call, 1);
-    const double below = freedom(call, 2);
+    const double above = wholeParameter(call, 1);
+    const double below = wholeParameter(call, 2);
     return inRangeOrNum(call, x >= 0 && isFreedom(above) && isFreedom(below),
                         [&] { return checked(cdf(complement(FisherDistribution(above, below), x))); });
 }
@@ -123,8 +123,8 @@ template <Tail tail>
 Operand fisherQuantile(Call& call)
 {
     const double p = call.number(0);
-    const double above = freedom(call, 1);
-    const double below = freedom(call, 2);
+    const double above = wholeParameter(call, 1);
+    const double below = wholeParameter(call, 2);
     return inRangeOrNum(call, isProbability(p) && isFreedom(above) && isFreedom(below), [&] {
         const FisherDistribution fisher(above, below);
         return checked(tail == Tail::right ? quantile(complement(fisher, p)) : quantile(fisher, p));
@@ -136,13 +136,13 @@ template <bool saysWhich>
 Operand betaDistribution(Call& call)
 {
     const double x = call.number(0);
-    const double alpha = call.number(1);
-    const double beta = call.number(2);
+    const double alpha = parameter(call, 1);
+    const double beta = parameter(call, 2);
     const bool cumulative = saysWhich ? call.logical(3) : true;
     const std::size_t bounds = saysWhich ? 4 : 3;
     const double from = call.number(bounds, 0);
     const double to = call.number(bounds + 1, 1);
-    return inRangeOrNum(call, alpha > 0 && beta > 0 && from < to && x >= from && x <= to, [&] {
+    return inRangeOrNum(call, isShape(alpha) && isShape(beta) && from < to && x >= from && x <= to, [&] {
         const BetaDistribution distribution(alpha, beta);
         const double at = (x - from) / (to - from);
         if (cumulative)
@@ -158,11 +158,11 @@ Operand betaDistribution(Call& call)
 Operand betaQuantile(Call& call)
 {
     const double p = call.number(0);
-    const double alpha = call.number(1);
-    const double beta = call.number(2);
+    const double alpha = parameter(call, 1);
+    const double beta = parameter(call, 2);
     const double from = call.number(3, 0);
     const double to = call.number(4, 1);
-    return inRangeOrNum(call, p > 0 && p <= 1 && alpha > 0 && beta > 0 && from < to, [&] {
+    return inRangeOrNum(call, p > 0 && p <= 1 && isShape(alpha) && isShape(beta) && from < to, [&] {
         return checked(from + (to - from) * quantile(BetaDistribution(alpha, beta), p));
     });
 }
@@ -170,10 +170,10 @@ Operand betaQuantile(Call& call)
 Operand gammaDistribution(Call& call)
 {
     const double x = call.number(0);
-    const double alpha = call.number(1);
+    const double alpha = parameter(call, 1);
     const double beta = call.number(2);
     const bool cumulative = call.logical(3);
-    return inRangeOrNum(call, x >= 0 && alpha > 0 && beta > 0, [&] {
+    return inRangeOrNum(call, x >= 0 && isShape(alpha) && beta > 0, [&] {
         const GammaDistribution gamma(alpha, beta);
         if (!cumulative && x == 0)
             return checked(densityAtZero(alpha - 1, 1 / beta));
@@ -184,23 +184,23 @@ Operand gammaDistribution(Call& call)
 Operand gammaQuantile(Call& call)
 {
     const double p = call.number(0);
-    const double alpha = call.number(1);
+    const double alpha = parameter(call, 1);
     const double beta = call.number(2);
-    return inRangeOrNum(call, isProbability(p) && alpha > 0 && beta > 0,
+    return inRangeOrNum(call, isProbability(p) && isShape(alpha) && beta > 0,
                         [&] { return checked(quantile(GammaDistribution(alpha, beta), p)); });
 }
 
 Operand gammaLogarithm(Call& call)
 {
     const double x = call.number(0);
-    return inRangeOrNum(call, x > 0, [&] { return checked(boost::math::lgamma(x, QuietPolicy())); });
+    return inRangeOrNum(call, x > 0, [&] { return checked(boost::math::lgamma(x, LibraryPolicy())); });
 }
 
 Operand gammaFunction(Call& call)
 {
     const double x = call.number(0);
     const bool pole = x <= 0 && x == std::trunc(x);
-    return inRangeOrNum(call, !pole, [&] { return checked(boost::math::tgamma(x, QuietPolicy())); });
+    return inRangeOrNum(call, !pole, [&] { return checked(boost::math::tgamma(x, LibraryPolicy())); });
 }
 
 Operand exponentialDistribution(Call& call)

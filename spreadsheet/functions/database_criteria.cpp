@@ -35,6 +35,7 @@ DatabaseList::DatabaseList(Call& call, std::size_t argument)
     }
     m_area = call[argument].area();
     m_records = std::max(usedPart(m_workbook, m_area).bottom - m_area.cells.top, 0);
+    call.pay(4.0 * m_records);
 }
 
 Value DatabaseList::at(int record, int field) const

@@ -4,6 +4,7 @@
 #include "spreadsheet/functions/plain_arguments.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace spreadsheet {
 
@@ -87,7 +88,7 @@ Operand doubleDeclining(Call& call)
     return inRangeOrNum(call, inRange, [&] { return checked(asset.depreciation(period)); });
 }
 
-constexpr double mostPeriods = 1e6; ///< that a schedule is computed period by period
+constexpr double mostPeriods = 1e5; ///< that a schedule is computed period by period
 
 /// What has been written off by a time, which may lie within a period; with `switches` the rest is
 /// spread evenly over the rest of the life as soon as that is more.
@@ -117,6 +118,8 @@ Operand variableDeclining(Call& call)
     const bool switches = !call.logical(6, false);
     const bool inRange = asset.cost >= 0 && asset.salvage >= 0 && asset.life > 0 && asset.factor > 0 &&
                          start >= 0 && start <= end && end <= asset.life && end <= mostPeriods;
+    if (inRange)
+        call.pay(16 * end);
     return inRangeOrNum(call, inRange, [&] {
         return checked(writtenOff(asset, end, switches) - writtenOff(asset, start, switches));
     });
@@ -165,6 +168,8 @@ double decliningProRata(const ProRataAsset& asset, double factor)
         value -= amount;
         if (amount == 0)
             break; // nothing changes any more
+        if (year >= mostPeriods)
+            return std::numeric_limits<double>::quiet_NaN();
     }
     return amount;
 }
@@ -181,8 +186,11 @@ Operand proRata(Call& call)
     asset.rate = plainNumber(call, 5);
     const int basis = plainInteger(call, 6, 0);
     const bool inRange = asset.cost > 0 && bought <= firstEnd && asset.salvage >= 0 &&
-                         asset.salvage <= asset.cost && asset.period >= 0 && asset.rate > 0 && basis >= 0 &&
-                         basis <= 4 && basis != 2;
+                         asset.salvage <= asset.cost && asset.period >= 0 && asset.period <= mostPeriods &&
+                         asset.rate > 0 && basis >= 0 && basis <= 4 && basis != 2;
+    constexpr double written = 50; // in units of the rate: of the largest amounts nothing is left
+    if (inRange)
+        call.pay(std::min<double>(asset.period, written / asset.rate));
     if (call.failed() || !inRange)
         return call.failed() ? call.error() : CellError::num;
     asset.firstPart = yearFraction(bought, firstEnd, static_cast<DayCountBasis>(basis));

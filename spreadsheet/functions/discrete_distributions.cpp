@@ -7,50 +7,52 @@ namespace spreadsheet {
 
 namespace {
 
-using Binomial = boost::math::binomial_distribution<double, QuietPolicy>;
-using NegativeBinomial = boost::math::negative_binomial_distribution<double, QuietPolicy>;
-using Poisson = boost::math::poisson_distribution<double, QuietPolicy>;
-using Hypergeometric = boost::math::hypergeometric_distribution<double, QuietPolicy>;
+using Binomial = boost::math::binomial_distribution<double, LibraryPolicy>;
+using NegativeBinomial = boost::math::negative_binomial_distribution<double, LibraryPolicy>;
+using Poisson = boost::math::poisson_distribution<double, LibraryPolicy>;
+using Hypergeometric = boost::math::hypergeometric_distribution<double, LibraryPolicy>;
 
-double whole(Call& call, std::size_t argument)
+bool isCount(double count)
 {
-    return std::trunc(call.number(argument));
+    return count >= 0 && count <= largestParameter;
 }
 
 Operand binomialDistribution(Call& call)
 {
-    const double successes = whole(call, 0);
-    const double trials = whole(call, 1);
+    const double successes = wholeParameter(call, 0);
+    const double trials = wholeParameter(call, 1);
     const double p = call.number(2);
     const bool cumulative = call.logical(3);
-    return inRangeOrNum(call, successes >= 0 && successes <= trials && isProbability(p), [&] {
-        const Binomial binomial(trials, p);
-        return checked(cumulative ? cdf(binomial, successes) : pdf(binomial, successes));
-    });
+    return inRangeOrNum(call, isCount(trials) && successes >= 0 && successes <= trials && isProbability(p),
+                        [&] {
+                            const Binomial binomial(trials, p);
+                            return checked(cumulative ? cdf(binomial, successes) : pdf(binomial, successes));
+                        });
 }
 
 /// The probability of a count from one number to another.
 Operand binomialRange(Call& call)
 {
-    const double trials = whole(call, 0);
+    const double trials = wholeParameter(call, 0);
     const double p = call.number(1);
-    const double from = whole(call, 2);
-    const double to = call.given(3) ? whole(call, 3) : from;
-    return inRangeOrNum(call, isProbability(p) && from >= 0 && from <= to && to <= trials, [&] {
-        const Binomial binomial(trials, p);
-        if (from == to)
-            return checked(pdf(binomial, from));
-        return checked(cdf(binomial, to) - (from > 0 ? cdf(binomial, from - 1) : 0));
-    });
+    const double from = wholeParameter(call, 2);
+    const double to = call.given(3) ? wholeParameter(call, 3) : from;
+    return inRangeOrNum(call, isCount(trials) && isProbability(p) && from >= 0 && from <= to && to <= trials,
+                        [&] {
+                            const Binomial binomial(trials, p);
+                            if (from == to)
+                                return checked(pdf(binomial, from));
+                            return checked(cdf(binomial, to) - (from > 0 ? cdf(binomial, from - 1) : 0));
+                        });
 }
 
 /// The smallest count whose cumulative probability is not below alpha.
 Operand binomialQuantile(Call& call)
 {
-    const double trials = whole(call, 0);
+    const double trials = wholeParameter(call, 0);
     const double p = call.number(1);
     const double alpha = call.number(2);
-    return inRangeOrNum(call, trials >= 0 && isProbability(p) && alpha > 0 && alpha < 1, [&] {
+    return inRangeOrNum(call, isCount(trials) && isProbability(p) && alpha > 0 && alpha < 1, [&] {
         constexpr double noise = 1e-14; // so that a probability that reads the same is not below
         const Binomial binomial(trials, p);
         double below = -1;
@@ -67,24 +69,25 @@ Operand binomialQuantile(Call& call)
 template <bool saysWhich>
 Operand negativeBinomialDistribution(Call& call)
 {
-    const double failures = whole(call, 0);
-    const double successes = whole(call, 1);
+    const double failures = wholeParameter(call, 0);
+    const double successes = wholeParameter(call, 1);
     const double p = call.number(2);
     const bool cumulative = saysWhich && call.logical(3);
-    return inRangeOrNum(call, failures >= 0 && successes >= 1 && isProbability(p), [&] {
-        if (p == 0 || p == 1)
-            return checked(p == 1 && (failures == 0 || cumulative) ? 1.0 : 0.0);
-        const NegativeBinomial distribution(successes, p);
-        return checked(cumulative ? cdf(distribution, failures) : pdf(distribution, failures));
-    });
+    return inRangeOrNum(
+        call, isCount(failures) && isCount(successes) && successes >= 1 && isProbability(p), [&] {
+            if (p == 0 || p == 1)
+                return checked(p == 1 && (failures == 0 || cumulative) ? 1.0 : 0.0);
+            const NegativeBinomial distribution(successes, p);
+            return checked(cumulative ? cdf(distribution, failures) : pdf(distribution, failures));
+        });
 }
 
 Operand poissonDistribution(Call& call)
 {
-    const double count = whole(call, 0);
-    const double mean = call.number(1);
+    const double count = wholeParameter(call, 0);
+    const double mean = parameter(call, 1);
     const bool cumulative = call.logical(2);
-    return inRangeOrNum(call, count >= 0 && mean >= 0, [&] {
+    return inRangeOrNum(call, isCount(count) && isCount(mean), [&] {
         if (mean == 0)
             return checked(count == 0 || cumulative ? 1.0 : 0.0);
         const Poisson poisson(mean);
@@ -147,8 +150,9 @@ Operand hypergeometricDistribution(Call& call)
     const bool sizes = all > 0 && sample > 0 && sample <= all && marked > 0 && marked <= all;
     const int fewest = sizes ? std::max(0, sample - (all - marked)) : 0;
     const bool inRange = sizes && successes >= fewest && successes <= std::min(sample, marked);
+    constexpr int mostCounted = 100'000;
+    call.pay(all > mostCounted ? 16 * std::sqrt(all) : 16.0 * all);
     return inRangeOrNum(call, inRange, [&] {
-        constexpr int mostCounted = 100'000;
         if (all > mostCounted) {
             const LargeHypergeometric large(sample, marked, all);
             return checked(cumulative ? large.cumulative(successes) : large.probability(successes));

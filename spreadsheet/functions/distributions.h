@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/functions/Call.h"
+#include "spreadsheet/functions/numeric_library.h"
 
 #include <boost/math/distributions.hpp>
 
@@ -7,34 +8,28 @@
 
 namespace spreadsheet {
 
-/// Nothing is thrown: what has no value is NaN or infinite, which `checked` turns into #NUM!.
-using QuietPolicy = boost::math::policies::policy<
-    boost::math::policies::domain_error<boost::math::policies::ignore_error>,
-    boost::math::policies::pole_error<boost::math::policies::ignore_error>,
-    boost::math::policies::overflow_error<boost::math::policies::ignore_error>,
-    boost::math::policies::underflow_error<boost::math::policies::ignore_error>,
-    boost::math::policies::denorm_error<boost::math::policies::ignore_error>,
-    boost::math::policies::rounding_error<boost::math::policies::ignore_error>,
-    boost::math::policies::evaluation_error<boost::math::policies::ignore_error>,
-    boost::math::policies::indeterminate_result_error<boost::math::policies::ignore_error>>;
+using NormalDistribution = boost::math::normal_distribution<double, LibraryPolicy>;
+using StudentDistribution = boost::math::students_t_distribution<double, LibraryPolicy>;
+using ChiSquaredDistribution = boost::math::chi_squared_distribution<double, LibraryPolicy>;
+using FisherDistribution = boost::math::fisher_f_distribution<double, LibraryPolicy>;
 
-using NormalDistribution = boost::math::normal_distribution<double, QuietPolicy>;
-using StudentDistribution = boost::math::students_t_distribution<double, QuietPolicy>;
-using ChiSquaredDistribution = boost::math::chi_squared_distribution<double, QuietPolicy>;
-using FisherDistribution = boost::math::fisher_f_distribution<double, QuietPolicy>;
-
-/// Up to so many degrees of freedom.
-inline constexpr double mostFreedom = 1e10;
-
-/// Degrees of freedom, cut off to a whole number; not checked.
-inline double freedom(Call& call, std::size_t argument)
+/// A parameter of the library's distributions; not checked.
+inline double parameter(Call& call, std::size_t argument)
 {
-    return std::trunc(call.number(argument));
+    const double number = call.number(argument);
+    payForParameter(call, number);
+    return number;
+}
+
+/// One that counts something, such as degrees of freedom, cut off to a whole number.
+inline double wholeParameter(Call& call, std::size_t argument)
+{
+    return std::trunc(parameter(call, argument));
 }
 
 inline bool isFreedom(double degrees)
 {
-    return degrees >= 1 && degrees <= mostFreedom;
+    return degrees >= 1 && degrees <= largestParameter;
 }
 
 inline bool isProbability(double p)

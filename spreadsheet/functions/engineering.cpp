@@ -1,4 +1,5 @@
 #include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/numeric_library.h"
 #include "spreadsheet/functions/plain_arguments.h"
 #include "spreadsheet/functions/units.h"
 
@@ -8,43 +9,37 @@ namespace spreadsheet {
 
 namespace {
 
-using namespace boost::math::policies;
-/// Poles and overflow come back as infinite or undefined numbers instead of exceptions.
-using Quiet = policy<domain_error<ignore_error>, pole_error<ignore_error>, overflow_error<ignore_error>,
-                     evaluation_error<ignore_error>>;
-
 /// Bessel functions of a whole order that is not negative; K and Y exist only right of zero.
 template <auto function, bool rightOfZero>
 Operand bessel(Call& call)
 {
     const double x = plainNumber(call, 0);
     const int order = plainInteger(call, 1);
-    return inRangeOrNum(call, order >= 0 && (!rightOfZero || x > 0), [&] {
-        constexpr double farOut = 1e6; // beyond it every method is slow and the result is noise
-        if (std::fabs(x) > farOut || order > farOut)
-            return Operand(CellError::num);
-        return checked(function(order, x));
-    });
+    constexpr double farOut = 1e6; // beyond it every method is slow and the result is noise
+    const bool inRange = order >= 0 && order <= farOut && std::fabs(x) <= farOut && (!rightOfZero || x > 0);
+    if (inRange)
+        call.pay(2 * (order + std::fabs(x)));
+    return inRangeOrNum(call, inRange, [&] { return checked(function(order, x)); });
 }
 
 double besselI(int order, double x)
 {
-    return boost::math::cyl_bessel_i(order, x, Quiet());
+    return boost::math::cyl_bessel_i(order, x, LibraryPolicy());
 }
 
 double besselJ(int order, double x)
 {
-    return boost::math::cyl_bessel_j(order, x, Quiet());
+    return boost::math::cyl_bessel_j(order, x, LibraryPolicy());
 }
 
 double besselK(int order, double x)
 {
-    return boost::math::cyl_bessel_k(order, x, Quiet());
+    return boost::math::cyl_bessel_k(order, x, LibraryPolicy());
 }
 
 double besselY(int order, double x)
 {
-    return boost::math::cyl_neumann(order, x, Quiet());
+    return boost::math::cyl_neumann(order, x, LibraryPolicy());
 }
 
 Operand errorFunction(Call& call)

@@ -120,7 +120,8 @@ Operand oddFirst(Call& call)
         return call.error();
     if (ofPrice)
         return checked(bond.price(figure));
-    return rateResult(findRate([&](double yield) { return bond.price(yield) - figure; }, 0.05));
+    const auto difference = [&](double yield) { return bond.price(yield) - figure; };
+    return rateResult(call, findRate(call, bond.couponsAfter + 8, difference, 0.05));
 }
 
 /// The last coupon period in parts of regular ones, which begin at the last interest day.

@@ -4,6 +4,7 @@
 #include "spreadsheet/functions/spread.h"
 
 #include <algorithm>
+#include <limits>
 #include <unordered_map>
 
 namespace spreadsheet {
@@ -17,6 +18,7 @@ std::vector<double> numbersOf(Call& call, std::size_t argument)
     call.eachNumbers(argument, [&](std::span<const double> part) {
         numbers.insert(numbers.end(), part.begin(), part.end());
     });
+    call.pay(static_cast<double>(numbers.size())); // to put them in order
     return numbers;
 }
 
@@ -165,36 +167,53 @@ Operand quartileOf(Call& call)
     return percentile(numbers, quarter / 4, withEnds);
 }
 
-/// The place of x among sorted numbers, from 0, in proportion between two of them; x lies within.
-double placeOf(const std::vector<double>& sorted, double x)
-{
-    const auto above = std::ranges::lower_bound(sorted, x);
-    const auto place = static_cast<double>(above - sorted.begin());
-    if (*above == x)
-        return place;
-    const double lower = *(above - 1);
-    return place - 1 + (x - lower) / (*above - lower);
-}
+/// Where x stands among numbers.
+struct Neighbours {
+    double count = 0;
+    double below = 0; ///< how many are smaller
+    bool isThere = false;
+    double lower = -std::numeric_limits<double>::infinity(); ///< the largest smaller one
+    double upper = std::numeric_limits<double>::infinity();  ///< the smallest greater one
+
+    void add(double number, double x)
+    {
+        ++count;
+        isThere = isThere || number == x;
+        if (number < x) {
+            ++below;
+            lower = std::max(lower, number);
+        } else if (number > x) {
+            upper = std::min(upper, number);
+        }
+    }
+    bool reach(double x) const
+    {
+        return isThere || (below > 0 && upper > x && upper < std::numeric_limits<double>::infinity());
+    }
+    /// The place of x in their order, from 0, in proportion between two of them; x lies within.
+    double placeOf(double x) const { return isThere ? below : below - 1 + (x - lower) / (upper - lower); }
+};
 
 /// The share of the way at which x stands, cut off to some significant digits.
 template <bool withEnds>
 Operand percentRank(Call& call)
 {
-    std::vector<double> numbers = numbersOf(call, 0);
-    const double x = call.number(1);
+    Neighbours neighbours;
+    const Value wanted = call.numberOf(call.value(1)); // an error among the numbers comes first
+    const double x = wanted.isNumber() ? wanted.number() : 0;
+    call.eachNumber(0, [&](double number) { neighbours.add(number, x); });
+    call.number(1);
     const double digits = std::trunc(call.number(2, 3));
     if (call.failed())
         return call.error();
-    if (numbers.empty() || digits < 1)
+    if (neighbours.count == 0 || digits < 1)
         return CellError::num;
-    std::ranges::sort(numbers);
-    if (x < numbers.front() || x > numbers.back())
+    if (!neighbours.reach(x))
         return CellError::na;
-    const auto count = static_cast<double>(numbers.size());
-    if (withEnds && count == 1)
+    if (withEnds && neighbours.count == 1)
         return 1.0;
-    const double place = placeOf(numbers, x);
-    const double share = withEnds ? place / (count - 1) : (place + 1) / (count + 1);
+    const double place = neighbours.placeOf(x);
+    const double share = withEnds ? place / (neighbours.count - 1) : (place + 1) / (neighbours.count + 1);
     if (digits > 15)
         return share;
     const double scale = std::pow(10, digits);

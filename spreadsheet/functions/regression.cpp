@@ -23,13 +23,16 @@ struct Points {
 std::vector<double> allNumbers(Call& call, const Array& array)
 {
     std::vector<double> numbers;
+    call.pay(4.0 * array.rows() * array.columns());
     for (int row = 0; row < array.rows(); ++row) {
         for (int column = 0; column < array.columns(); ++column) {
             const Value& value = array.at(row, column);
             const auto number = countedNumber(value);
-            if (!number)
+            if (!number) {
                 call.fail(value.isError() ? value.error() : CellError::value);
-            numbers.push_back(number.value_or(0));
+                return numbers;
+            }
+            numbers.push_back(*number);
         }
     }
     return numbers;

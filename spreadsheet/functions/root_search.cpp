@@ -1,6 +1,7 @@
 #include "spreadsheet/functions/root_search.h"
 
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace spreadsheet {
@@ -79,14 +80,19 @@ std::optional<double> byIntervals(const std::function<double(double)>& function,
 
 } // namespace
 
-std::optional<double> findRate(const std::function<double(double)>& function, double guess)
+std::optional<double> findRate(Call& call, double work, const std::function<double(double)>& function,
+                               double guess)
 {
     if (!(guess > lowest))
         return std::nullopt;
-    if (function(guess) == 0)
+    const auto paid = [&](double rate) {
+        call.pay(work);
+        return call.failed() ? std::numeric_limits<double>::quiet_NaN() : function(rate);
+    };
+    if (paid(guess) == 0)
         return guess;
-    const auto rate = bySecants(function, guess);
-    return rate ? rate : byIntervals(function, guess);
+    const auto rate = bySecants(paid, guess);
+    return rate || call.failed() ? rate : byIntervals(paid, guess);
 }
 
 } // namespace spreadsheet

@@ -50,7 +50,8 @@ PairedSample pairedSample(Call& call, std::size_t first, std::size_t second)
         call.fail(CellError::value);
         return sample;
     }
-    for (long long i = 0; i < columns * rows; ++i) {
+    call.pay(8.0 * static_cast<double>(columns * rows));
+    for (long long i = 0; i < columns * rows && !call.failed(); ++i) {
         const Value a = call.element(first, static_cast<int>(i / columns), static_cast<int>(i % columns));
         const Value b =
             call.element(second, static_cast<int>(i / otherColumns), static_cast<int>(i % otherColumns));

@@ -17,7 +17,7 @@ Operand summaryOf(const EvaluationPlace& place, std::string_view function, const
     if (rank)
         arguments.push_back(*rank);
     Call call(place, arguments);
-    return descriptor->evaluate(call);
+    return descriptor->answer(call);
 }
 
 } // namespace spreadsheet

@@ -14,6 +14,8 @@ namespace {
 
 /// Characters that a cell can hold; longer results are #VALUE!.
 constexpr std::size_t longestText = 32767;
+/// More bytes than so many characters take: nothing is put together beyond it.
+constexpr std::size_t mostBytes = 3 * longestText;
 
 Operand textResult(const std::string& text)
 {
@@ -130,6 +132,8 @@ Operand substituted(Call& call)
             break;
         result.append(text, at, found - at);
         result += which == 0 || which == occurrence ? inserted : old;
+        if (result.size() > mostBytes)
+            return CellError::value;
         at = found + old.size();
     }
     return textResult(result.append(text, at));
@@ -209,15 +213,18 @@ Operand concatenated(Call& call)
     return call.failed() ? call.error() : textResult(result);
 }
 
-/// Appends every value of the arguments from `first` on as a piece.
+/// Every value of the arguments from `first` on as a piece; the call fails if they are too long together.
 std::vector<std::string> pieces(Call& call, std::size_t first)
 {
     std::vector<std::string> all;
+    std::size_t bytes = 0;
     for (std::size_t argument = first; argument < call.count(); ++argument) {
         call.eachValue(argument, [&](const Value& value) {
             const Value text = toText(value);
             if (text.isError())
                 call.fail(text.error());
+            else if ((bytes += text.textView().size()) > mostBytes)
+                call.fail(CellError::value);
             else
                 all.emplace_back(text.textView());
         });
@@ -252,6 +259,8 @@ Operand joined(Call& call)
             result += separators[(count - 1) % separators.size()]; // several take turns
         result += piece;
         ++count;
+        if (result.size() > mostBytes)
+            return call.failed() ? call.error() : CellError::value;
     }
     return call.failed() ? call.error() : textResult(result);
 }

@@ -2,6 +2,8 @@
 
 #include "spreadsheet/functions/characters.h"
 
+#include <algorithm>
+
 namespace spreadsheet {
 
 namespace {
@@ -9,6 +11,44 @@ namespace {
 // Beyond Unicode, so that no character of a text is taken for them.
 constexpr char32_t anyCharacter = 0x110000;
 constexpr char32_t anyText = 0x110001;
+
+using Characters = std::u32string_view;
+
+/// A text's characters folded; valid until the next call. Patterns meet texts by the thousand.
+Characters folded(std::string_view text)
+{
+    thread_local std::u32string characters;
+    characters.clear();
+    for (std::size_t at = 0; at < text.size();)
+        characters += foldedCharacter(takeCharacter(text, at));
+    return characters;
+}
+
+/// What stands before the first "*" of a pattern, which then begins there.
+Characters takePiece(Characters& pattern)
+{
+    const Characters piece = pattern.substr(0, pattern.find(anyText));
+    pattern.remove_prefix(piece.size());
+    return piece;
+}
+
+bool fitsAt(Characters text, std::size_t at, Characters piece)
+{
+    if (text.size() < at + piece.size())
+        return false;
+    return std::equal(piece.begin(), piece.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
+                      [](char32_t wanted, char32_t c) { return wanted == c || wanted == anyCharacter; });
+}
+
+/// The first place where a piece fits; npos if there is none.
+std::size_t placeOf(Characters text, std::size_t from, Characters piece)
+{
+    for (std::size_t at = from; at + piece.size() <= text.size(); ++at) {
+        if (fitsAt(text, at, piece))
+            return at;
+    }
+    return Characters::npos;
+}
 
 } // namespace
 
@@ -39,52 +79,47 @@ std::string WildcardPattern::literal() const
     return text;
 }
 
+/// Pieces between two "*" may stand at their first place: a later one leaves less for the rest.
 bool WildcardPattern::matches(std::string_view text) const
 {
-    return fits(text, 0, true);
+    Characters rest = folded(text);
+    Characters pattern = m_pattern;
+    const Characters head = takePiece(pattern);
+    if (!fitsAt(rest, 0, head))
+        return false;
+    rest.remove_prefix(head.size());
+    while (!pattern.empty()) {
+        pattern.remove_prefix(1);
+        const Characters piece = takePiece(pattern);
+        if (pattern.empty()) // the last one ends the text
+            return rest.size() >= piece.size() && fitsAt(rest, rest.size() - piece.size(), piece);
+        const std::size_t place = placeOf(rest, 0, piece);
+        if (place == Characters::npos)
+            return false;
+        rest.remove_prefix(place + piece.size());
+    }
+    return rest.empty();
 }
 
 std::optional<std::size_t> WildcardPattern::find(std::string_view text, std::size_t from) const
 {
-    for (std::size_t at = from; at <= text.size();) {
-        if (fits(text, at, false))
-            return at;
-        if (at == text.size())
-            break;
-        takeCharacter(text, at);
+    const Characters characters = folded(text.substr(from));
+    Characters pattern = m_pattern;
+    const Characters head = takePiece(pattern);
+    const std::size_t first = placeOf(characters, 0, head);
+    Characters piece = head;
+    std::size_t place = first;
+    while (place != Characters::npos && !pattern.empty()) {
+        const std::size_t end = place + piece.size();
+        pattern.remove_prefix(1);
+        piece = takePiece(pattern);
+        place = placeOf(characters, end, piece);
     }
-    return std::nullopt;
-}
-
-/// Only the latest "*" is ever taken up again: an earlier one could not reach further.
-bool WildcardPattern::fits(std::string_view text, std::size_t at, bool whole) const
-{
-    std::size_t place = 0;
-    std::optional<std::size_t> star;
-    std::size_t starAt = 0;
-    for (;;) {
-        if (place == m_pattern.size()) {
-            if (!whole || at == text.size())
-                return true;
-        } else if (m_pattern[place] == anyText) {
-            star = place++;
-            starAt = at;
-            continue;
-        } else if (at < text.size()) {
-            std::size_t next = at;
-            const char32_t c = foldedCharacter(takeCharacter(text, next));
-            if (m_pattern[place] == anyCharacter || m_pattern[place] == c) {
-                at = next;
-                ++place;
-                continue;
-            }
-        }
-        if (!star || starAt >= text.size())
-            return false;
-        takeCharacter(text, starAt);
-        at = starAt;
-        place = *star + 1;
-    }
+    if (place == Characters::npos)
+        return std::nullopt; // nor does the rest fit behind a later place of the head
+    for (std::size_t i = 0; i < first; ++i)
+        takeCharacter(text, from);
+    return from;
 }
 
 } // namespace spreadsheet

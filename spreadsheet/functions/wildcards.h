@@ -3,7 +3,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace spreadsheet {
 
@@ -23,9 +22,7 @@ public:
     std::optional<std::size_t> find(std::string_view text, std::size_t from) const;
 
 private:
-    bool fits(std::string_view text, std::size_t at, bool whole) const;
-
-    std::vector<char32_t> m_pattern;
+    std::u32string m_pattern; ///< folded, with signs of its own for "?" and "*"
     bool m_hasWildcards = false;
 };
 

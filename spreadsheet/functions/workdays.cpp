@@ -14,6 +14,7 @@ std::vector<int> holidaysArgument(Call& call, std::size_t argument)
     if (!call.given(argument))
         return {};
     std::vector<int> days = plainDays(call, argument);
+    call.pay(4 * static_cast<double>(days.size())); // to put them in order
     std::ranges::sort(days);
     days.erase(std::unique(days.begin(), days.end()), days.end());
     return days;

@@ -1,0 +1,133 @@
+#include "tests/spreadsheet/functions/HostileCalls.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <random>
+#include <thread>
+
+using namespace spreadsheet;
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr int rounds = 6;
+constexpr double mostSeconds = 15; // some thirty times as long
+#else
+constexpr int rounds = 30;
+constexpr double mostSeconds = 1; // the program under bench/ holds it to half of that
+#endif
+
+/// Seconds of work of this thread: what else the machine does is no matter.
+double workSeconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+/// Says which call hangs and ends the program, instead of an end by the time limit that names none.
+class HangWatch {
+public:
+    HangWatch()
+        : m_thread([this] { watch(); })
+    {
+    }
+    ~HangWatch()
+    {
+        begin({});
+        {
+            const std::lock_guard lock(m_mutex);
+            m_ends = true;
+        }
+        m_changed.notify_all();
+        m_thread.join();
+    }
+    void begin(const std::string& call)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_call = call;
+        ++m_number;
+    }
+
+private:
+    void watch()
+    {
+        std::unique_lock lock(m_mutex);
+        while (!m_ends) {
+            const long long number = m_number;
+            m_changed.wait_for(lock, std::chrono::seconds(60));
+            if (m_ends || number != m_number)
+                continue;
+            std::fprintf(stderr, "hangs: %s\n", m_call.c_str());
+            std::abort();
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::string m_call;
+    long long m_number = 0;
+    bool m_ends = false;
+    std::thread m_thread;
+};
+
+void expectAnswer(Workbook& workbook, const std::string& call, bool asArray, HangWatch& watch)
+{
+    Sheet& sheet = workbook.sheet(1);
+    const CellRange cells{2, 2, 4, 4};
+    if (asArray ? sheet.setArrayFormula(cells, call) : sheet.setFormula({2, 2}, call))
+        return; // what the language refuses is not computed
+    watch.begin(call);
+    const double begun = workSeconds();
+    EXPECT_NO_THROW(workbook.recalculate()) << call;
+    EXPECT_LT(workSeconds() - begun, mostSeconds) << call << (asArray ? " as array" : "");
+    const Value value = sheet.value({2, 2});
+    EXPECT_FALSE(value.isNumber() && !std::isfinite(value.number())) << call;
+    sheet.clearContents(cells);
+}
+
+} // namespace
+
+TEST(HostileCalls, EveryFunctionAnswersInBoundsAndInTime)
+{
+    // Shuffled runs (--gtest_shuffle --gtest_repeat=…) draw other calls each time.
+    std::mt19937 random(static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()));
+    HostileCalls hostile([&](std::size_t count) { return random() % count; });
+    Workbook workbook;
+    HostileCalls::fill(workbook);
+    HangWatch watch;
+    for (const FunctionDescriptor* function : allFunctions()) {
+        for (int round = 0; round < rounds; ++round)
+            expectAnswer(workbook, hostile.call(*function), round % 2 == 1, watch);
+    }
+}
+
+TEST(HostileCalls, WhatOnceReadBeyondMemoryThrewOrHung)
+{
+    Workbook workbook;
+    HostileCalls::fill(workbook);
+    HangWatch watch;
+    struct Case {
+        const char* call;
+        CellError expected;
+    };
+    const Case cases[] = {
+        {"SUM(SORTBY({1,2,3;4,5,6},{1;1},1,{3,2,1},1))", CellError::value},
+        {"SUM(SORTBY({1,2,3;4,5,6},{3,2,1},1,{1;1},1))", CellError::value},
+        {"BETAINV(0.5,2E20,3)", CellError::num},
+        {"BETADIST(0.5,1E300,1E300)", CellError::num},
+        {"BINOM.INV(1E300,0.5,0.5)", CellError::num},
+    };
+    for (const Case& c : cases) {
+        Sheet& sheet = workbook.sheet(1);
+        ASSERT_FALSE(sheet.setFormula({2, 2}, c.call)) << c.call;
+        watch.begin(c.call);
+        workbook.recalculate();
+        EXPECT_EQ(sheet.value({2, 2}), Value(c.expected)) << c.call;
+    }
+}
