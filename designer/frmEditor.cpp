@@ -32,6 +32,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace selfreport {
@@ -70,7 +71,7 @@ frmEditor::~frmEditor()
 {
     if (!m_left) {
         m_fps1->recalculateChanged = [] {};
-        m_fps1->commitEdit();
+        std::ignore = m_fps1->commitEdit(); // nobody is left to be told
     }
     m_fps1->cancelEdit(); // an open formula box is the grid's editor
     if (!m_left && m_recovery)

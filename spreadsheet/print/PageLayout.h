@@ -39,8 +39,8 @@ struct PageBox {
 /// One row or column on a page.
 struct PageTrack {
     int index = 0; ///< from 1
-    int start =
-        0;        ///< twips from the paper's edge; a row continued from the page before starts above its area
+    /// Twips from the paper's edge; a row continued from the page before starts above its area.
+    int start = 0;
     int size = 0; ///< twips, whole
     int end() const { return start + size; }
     friend bool operator==(const PageTrack&, const PageTrack&) = default;

@@ -162,7 +162,7 @@ TEST_F(CallsWhileOpen, DuringAFetch)
         waiting.start(10);
         auto& editor = dynamic_cast<frmEditor&>(designer);
         editor.fps1().setCurrent(1, 1);
-        editor.fps1().setFormula(test::closingBalance);
+        spreadsheet::demand(editor.fps1().setFormula(test::closingBalance));
         choose(designer, "MenuRecalculate");
     });
     host.editForm(0);

@@ -39,9 +39,10 @@ TEST(ReportRun, AFailedFetchLeavesFilesAndOutputUnlessAllowed)
 {
     const test::TestLedger ledger;
     spreadsheet::Workbook report;
-    report.sheet(1).setFormula({1, 1}, R"(Acct("1001" ,"2" , "", "2025","1","2"))");
-    report.sheet(1).setFormula({1, 2}, R"(Acct("1122|客户|001" ,"2" , "", "2025","1","2"))");
-    report.sheet(1).setFormula({1, 3}, R"(Acct("9999" ,"2" , "", "2025","1","2"))");
+    spreadsheet::demand(report.sheet(1).setFormula({1, 1}, R"(Acct("1001" ,"2" , "", "2025","1","2"))"));
+    spreadsheet::demand(
+        report.sheet(1).setFormula({1, 2}, R"(Acct("1122|客户|001" ,"2" , "", "2025","1","2"))"));
+    spreadsheet::demand(report.sheet(1).setFormula({1, 3}, R"(Acct("9999" ,"2" , "", "2025","1","2"))"));
     ledger.addReport(4, "应收表", spreadsheet::saveContent(report));
     const std::filesystem::path csv =
         std::filesystem::temp_directory_path() / ("run-" + std::to_string(::getpid()) + ".csv");

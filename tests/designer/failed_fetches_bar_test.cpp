@@ -11,9 +11,11 @@ struct FailedFetchesBar : test::DesignerTest {
     {
         spreadsheet::Workbook report;
         report.registerFunction("Acct", 6, [](spreadsheet::FunctionCall& call) { call.decline(); });
-        report.sheet(1).setFormula({1, 1}, test::closingBalance);
-        report.sheet(1).setFormula({2, 4}, R"(Acct("1122|客户|001" ,"2" , "", "2025","1","2"))");
-        report.sheet(1).setFormula({3, 5}, R"(Acct("1122|客户|002" ,"2" , "", "2025","1","2"))");
+        spreadsheet::demand(report.sheet(1).setFormula({1, 1}, test::closingBalance));
+        spreadsheet::demand(
+            report.sheet(1).setFormula({2, 4}, R"(Acct("1122|客户|001" ,"2" , "", "2025","1","2"))"));
+        spreadsheet::demand(
+            report.sheet(1).setFormula({3, 5}, R"(Acct("1122|客户|002" ,"2" , "", "2025","1","2"))"));
         ledger.addReport(3, "应收表", spreadsheet::saveContent(report));
         gReportId = 3;
         gEditFlag = 1;

@@ -29,11 +29,11 @@ std::vector<std::byte> referencedReport()
 {
     Workbook report;
     report.registerFunction("Acct", 6, [](spreadsheet::FunctionCall& call) { call.decline(); });
-    report.sheet(1).setFormula({1, 1}, closing("1001"));
-    report.sheet(1).setFormula({1, 2}, "A1*2");
-    report.sheet(1).setFormula({1, 3}, "1+1");
-    report.sheet(1).setFormula({1, 4}, "INDIRECT(\"A1\")");
-    report.sheet(1).setFormula({2, 1}, closing("9999"));
+    spreadsheet::demand(report.sheet(1).setFormula({1, 1}, closing("1001")));
+    spreadsheet::demand(report.sheet(1).setFormula({1, 2}, "A1*2"));
+    spreadsheet::demand(report.sheet(1).setFormula({1, 3}, "1+1"));
+    spreadsheet::demand(report.sheet(1).setFormula({1, 4}, "INDIRECT(\"A1\")"));
+    spreadsheet::demand(report.sheet(1).setFormula({2, 1}, closing("9999")));
     return spreadsheet::saveContent(report);
 }
 
@@ -90,7 +90,7 @@ TEST(FailedFetches, AreToldFromThoseThatFoundNothing)
         for (const bool shared : {true, false}) {
             SCOPED_TRACE(c.broken + " " + c.formula.substr(0, 60) + (shared ? " shared" : " alone"));
             Evaluated report(shared);
-            report.workbook.sheet(1).setFormula({1, 1}, c.formula);
+            spreadsheet::demand(report.workbook.sheet(1).setFormula({1, 1}, c.formula));
             report.evaluation.recalculate();
             EXPECT_EQ(report.failed(), c.fails ? "1 处取数失败，数字不可用" : "");
             ASSERT_EQ(report.evaluation.diagnostics().empty(), c.reason.empty());
@@ -107,8 +107,9 @@ TEST(FailedFetches, ADatabaseThatCannotBeOpenedFailsAllOfThem)
     gConnString = "Provider=SQLite;Data Source=/nowhere/x.db";
     for (const bool shared : {true, false}) {
         Evaluated report(shared);
-        report.workbook.sheet(1).setFormula({1, 1}, closing("1001") + "+" + closing("1002"));
-        report.workbook.sheet(1).setFormula({1, 2}, reference("引用", "A1"));
+        spreadsheet::demand(
+            report.workbook.sheet(1).setFormula({1, 1}, closing("1001") + "+" + closing("1002")));
+        spreadsheet::demand(report.workbook.sheet(1).setFormula({1, 2}, reference("引用", "A1")));
         report.evaluation.recalculate();
         EXPECT_EQ(report.failed(), "2 处取数失败，数字不可用"); // cells, not calls
         EXPECT_EQ(report.workbook.sheet(1).displayText({1, 1}), "0.00");
@@ -120,9 +121,9 @@ TEST(FailedFetches, StandUntilTheirCellsAreFetchedAgainWhereverTheyMove)
     const test::TestLedger ledger;
     Evaluated report;
     spreadsheet::Sheet& sheet = report.workbook.sheet(1);
-    sheet.setFormula({1, 1}, closing("1001"));
-    sheet.setFormula({1, 2}, "Acct(B2,\"2\",\"\",\"2025\",\"1\",\"2\")");
-    sheet.setFormula({1, 3}, closing("1002"));
+    spreadsheet::demand(sheet.setFormula({1, 1}, closing("1001")));
+    spreadsheet::demand(sheet.setFormula({1, 2}, "Acct(B2,\"2\",\"\",\"2025\",\"1\",\"2\")"));
+    spreadsheet::demand(sheet.setFormula({1, 3}, closing("1002")));
     sheet.setText({2, 2}, "1001");
     report.evaluation.recalculate();
     EXPECT_EQ(report.failed(), "");
@@ -153,15 +154,15 @@ TEST(FailedFetches, StandUntilTheirCellsAreFetchedAgainWhereverTheyMove)
 TEST(FailedFetches, WhatACellIsComputedFromIsFoundThroughOthers)
 {
     Workbook workbook;
-    workbook.addSheet("表2");
+    spreadsheet::demand(workbook.addSheet("表2"));
     spreadsheet::Sheet& sheet = workbook.sheet(1);
     for (int row = 1; row <= 5; ++row)
-        sheet.setFormula({1, row}, std::to_string(row) + "*2");
-    sheet.setFormula({2, 1}, "SUM(A1:A3)");
-    sheet.setFormula({3, 1}, "IF(B1>0,1,2)");
-    sheet.setFormula({4, 1}, "A4+A5");
-    sheet.setFormula({5, 1}, "OFFSET(D1,0,0)");
-    workbook.sheet(2).setFormula({1, 1}, "Sheet1!C1");
+        spreadsheet::demand(sheet.setFormula({1, row}, std::to_string(row) + "*2"));
+    spreadsheet::demand(sheet.setFormula({2, 1}, "SUM(A1:A3)"));
+    spreadsheet::demand(sheet.setFormula({3, 1}, "IF(B1>0,1,2)"));
+    spreadsheet::demand(sheet.setFormula({4, 1}, "A4+A5"));
+    spreadsheet::demand(sheet.setFormula({5, 1}, "OFFSET(D1,0,0)"));
+    spreadsheet::demand(workbook.sheet(2).setFormula({1, 1}, "Sheet1!C1"));
     const auto reads = [&](CallPlace cell, CallPlace source) {
         return workbook.recalculation().isComputedFrom(cell, source);
     };

@@ -161,7 +161,7 @@ CellStyle StyleTable::made(const CellFormat& format, bool isProtected) const
     applyFormatCode(code == m_formats.end() ? builtInFormatCode(format.format) : code->second, style);
     if (const Font* found = font(format.font)) {
         style.font = found->look;
-        if (found->colour != automaticFontColour)
+        if (found->colour != xls::automaticFontColour)
             style.foreground = m_palette[found->colour];
     }
     style.horizontal = horizontalOf(format.horizontal);

@@ -39,7 +39,7 @@ XlsStyles::XlsStyles(const StylePool& pool, Warnings& warnings)
     , m_warnings(warnings)
     , m_numbers(pool.size())
 {
-    m_fonts.push_back({pool[0].font, automaticFontColour});
+    m_fonts.push_back({pool[0].font, xls::automaticFontColour});
     m_cellFormats.push_back(made(pool[0]));
 }
 
@@ -50,7 +50,7 @@ unsigned XlsStyles::colour(Colour colour, unsigned automatic)
 
 unsigned XlsStyles::font(const CellStyle& style)
 {
-    const Font wanted{style.font, colour(style.foreground, automaticFontColour)};
+    const Font wanted{style.font, colour(style.foreground, xls::automaticFontColour)};
     auto found = std::ranges::find(m_fonts, wanted);
     if (found == m_fonts.end()) {
         if (m_fonts.size() >= mostFonts) {

@@ -71,9 +71,12 @@ public:
 private:
     static void relation(XmlWriter& xml, std::string_view id, std::string_view kind, std::string_view target)
     {
+        std::string type(xlsx::relationSpace);
+        type += '/';
+        type += kind;
         xml.open("Relationship")
             .attribute("Id", id)
-            .attribute("Type", std::string(xlsx::relationSpace) + "/" + std::string(kind))
+            .attribute("Type", type)
             .attribute("Target", target)
             .close();
     }

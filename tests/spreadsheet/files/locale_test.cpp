@@ -23,8 +23,9 @@ void fillFractions(Workbook& workbook)
     sheet.setNumber({1, 31}, 1234567.875);
     sheet.setNumber({1, 32}, -2.5e-7);
     sheet.setNumber({1, 33}, 0.1 + 0.2);
-    sheet.setFormula({1, 34}, "TEXT(A31,\"#,##0.00\")&\"|\"&1/4&\"|\"&VALUE(\"2.5\")&FIXED(1234.567,2)");
-    sheet.setArrayFormula({1, 35, 2, 35}, "{1.5,2.5}*1.1");
+    demand(
+        sheet.setFormula({1, 34}, "TEXT(A31,\"#,##0.00\")&\"|\"&1/4&\"|\"&VALUE(\"2.5\")&FIXED(1234.567,2)"));
+    demand(sheet.setArrayFormula({1, 35, 2, 35}, "{1.5,2.5}*1.1"));
     sheet.changeSettings([](SheetSettings& settings) {
         settings.print.marginTop = 1000;
         settings.rows.sizes[31] = 333;

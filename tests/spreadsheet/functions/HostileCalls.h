@@ -27,7 +27,7 @@ public:
     /// The cells that the calls refer to, on the second sheet ("D").
     static void fill(Workbook& workbook)
     {
-        workbook.addSheet("D");
+        demand(workbook.addSheet("D"));
         Sheet& sheet = workbook.sheet(2);
         for (int row = 1; row <= 10'000; ++row) { // A: numbers, B: numbers of any size, C: days, D: texts
             sheet.setNumber({1, row}, row * 37 % 101 - 20);

@@ -10,7 +10,7 @@ namespace spreadsheet {
 namespace {
 
 /// Body of 2,880 × 5,760 twips; columns of 1,000, rows of 500: 2 columns and 11 rows a page.
-const PageRequest smallPaper{4320, 7200, std::nullopt, {}};
+const PageRequest smallPaper{4320, 7200, std::nullopt, {}, {}};
 
 struct PageLayoutTest : testing::Test {
     PageLayoutTest()

@@ -197,7 +197,7 @@ TEST(XlsxResults, ConstantsOfEveryKindComeBack)
     int row = 0;
     for (const Value& value : values)
         sheet.setValue({1, ++row}, value);
-    sheet.setFormula({2, 1}, "#N/A");
+    demand(sheet.setFormula({2, 1}, "#N/A"));
     workbook.recalculate();
     Travelled travelled(workbook);
     for (row = 1; row <= static_cast<int>(values.size()); ++row) {
