@@ -174,6 +174,12 @@ std::optional<SaveConflict> restoreReport(Connection& connection, RememberedRepo
     return std::nullopt;
 }
 
+bool isRowOf(Connection& connection, const RememberedReport& remembered)
+{
+    const auto conflict = lookUnderLock(connection, remembered).conflict;
+    return !conflict || conflict->kind != SaveConflict::Kind::otherReport;
+}
+
 void removeReport(Connection& connection, std::int32_t id)
 {
     Transaction transaction(connection);

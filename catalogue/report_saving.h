@@ -60,6 +60,10 @@ std::optional<SaveConflict> replaceReport(Connection& connection, RememberedRepo
 std::optional<SaveConflict> restoreReport(Connection& connection, RememberedReport& remembered,
                                           const ReportToSave& report);
 
+/// Whether the remembered row is this report's still, saved by somebody else or not, or gone. Takes its lock
+/// in the transaction under way.
+bool isRowOf(Connection& connection, const RememberedReport& remembered);
+
 /// Deletes a report's row and its menu item.
 void removeReport(Connection& connection, std::int32_t id);
 

@@ -34,6 +34,9 @@ public:
     /// The workbook was taken from a copy that was made from that version.
     void setVersion(std::optional<ReportVersion> version) { m_stored.version = std::move(version); }
 
+    /// Whether the row under its id is not another report's now; takes the row's lock.
+    bool ownsRow(Connection& connection) const { return isRowOf(connection, m_stored); }
+
     /// The page set-up that the row is known to hold. Who stores one writes it here too.
     StoredPageSetup& pageSetup() { return m_stored.pageSetup; }
 

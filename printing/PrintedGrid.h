@@ -13,6 +13,8 @@ class Workbook;
 
 namespace selfreport {
 
+class Connection;
+
 /// The grid that the printing windows set up, show and print: the designer's. Its active sheet is shown and
 /// printed; margins, orientation, header and footer belong to the report and go to all of its sheets.
 class PrintedGrid {
@@ -35,6 +37,9 @@ public:
     virtual void closeDesigner() = 0;
     /// Why page set-up, header and footer may not be changed now; empty if they may.
     virtual std::string_view pageSetupRefusal() const { return {}; }
+    /// Whether the row under the report's id is not another report's now. Takes the row's lock in the
+    /// transaction under way.
+    virtual bool ownsRow(Connection& /*connection*/) { return true; }
     /// The report's row holds these now; margins left, right, top, bottom.
     virtual void pageSetupStored(const std::array<double, 4>& /*inches*/, bool /*isPortrait*/) {}
     virtual void headerStored(bool /*isFooter*/, const std::string& /*codes*/) {}

@@ -8,6 +8,7 @@
 #include "printing/page_setup_statements.h"
 #include "printing/print_settings.h"
 #include "printing/PrintedGrid.h"
+#include "printing/stored_page_setup.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <QCoreApplication>
@@ -45,7 +46,7 @@ void setOnGrid(bool footer, const std::string& codes)
 
 void storeCodes(Connection& connection, bool footer, const std::string& codes)
 {
-    connection.execute(saveHeaderStatement(gReportId, footer), {codes});
+    changeStoredPageSetup(connection, saveHeaderStatement(gReportId, footer), {codes});
     printedGrid().headerStored(footer, codes);
 }
 

@@ -9,6 +9,7 @@
 #include "printing/page_setup_statements.h"
 #include "printing/print_settings.h"
 #include "printing/PrintedGrid.h"
+#include "printing/stored_page_setup.h"
 #include "printing/zoom_entries.h"
 
 #include <QComboBox>
@@ -183,7 +184,7 @@ void pagesetup::saveToDB()
     }
     const bool isPortrait = porientation[0]->isChecked();
     const bool isStored = databaseProcedure(Icon::critical, [&](Connection& connection) {
-        connection.execute(savePageSetupStatement(gReportId, inches(), isPortrait));
+        changeStoredPageSetup(connection, savePageSetupStatement(gReportId, inches(), isPortrait));
     });
     if (isStored)
         printedGrid().pageSetupStored(inches(), isPortrait);
