@@ -14,7 +14,8 @@ extern "C" {
 typedef struct selfreport_instance selfreport_instance;
 
 /** The class: its operations in the order of its interface. Each takes the instance first. Results are 0
-    (false) always; whether an operation could be carried out is told by last_error. */
+    (false) always; whether an operation could be carried out is told by last_error. A call during which a
+   window is open that it could not show another over changes nothing but last_error, init included. */
 typedef struct selfreport_class {
     uint32_t size;    /**< of this structure in bytes; fields are only ever added at its end */
     const char* name; /**< "clsSelfReport" */

@@ -1,11 +1,12 @@
 #include "designer/Recovery.h"
 
 #include "component/state/shared_state.h"
+#include "failures/failure_text.h"
 #include "formula/ledger_query.h"
 #include "platform/database/sql_text.h"
 #include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/content.h"
-#include "spreadsheet/files/PendingFile.h"
+#include "spreadsheet/files/FileTarget.h"
 
 #include <algorithm>
 #include <array>
@@ -65,16 +66,6 @@ bool isOld(const RecoveryCopy& copy)
     return std::filesystem::file_time_type::clock::now() - copy.writtenAt() > offeredFor;
 }
 
-/// What writers that were killed left unfinished.
-void removeUnfinished(const std::filesystem::path& file)
-{
-    std::error_code ignored;
-    const auto age =
-        std::filesystem::file_time_type::clock::now() - std::filesystem::last_write_time(file, ignored);
-    if (age > 10min && RecoveryCopy::takeOver(file))
-        std::filesystem::remove(file, ignored);
-}
-
 } // namespace
 
 Recovery::Recovery(const spreadsheet::Workbook& workbook, std::optional<std::int32_t> report,
@@ -120,8 +111,6 @@ void Recovery::findLeftBehind()
     std::error_code ignored;
     for (const auto& entry : std::filesystem::directory_iterator(m_folder, ignored)) {
         const std::string name = entry.path().filename().string();
-        if (name.starts_with('.' + m_prefix) && name.ends_with(".part"))
-            removeUnfinished(entry.path());
         const bool isOwn = name.starts_with(own + '_') && name.ends_with(ending);
         if (!isOwn && name != own + ".ss7") // of earlier programs
             continue;
@@ -183,7 +172,7 @@ void Recovery::saved(std::int32_t report)
         m_own->remove();
     } catch (const std::exception& error) {
         if (tell)
-            tell(error.what());
+            tell(failures::sentenceOf(error));
     }
     m_report = reportCode(report);
     m_own = std::make_unique<RecoveryCopy>(freshFile());
@@ -216,7 +205,7 @@ bool Recovery::keep(bool closing)
     try {
         write(closing ? Left::closed : Left::open);
     } catch (const std::exception& error) {
-        trouble = error.what();
+        trouble = failures::sentenceOf(error);
     }
     if (std::exchange(m_trouble, trouble) != trouble && tell)
         tell(trouble);

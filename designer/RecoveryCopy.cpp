@@ -1,6 +1,8 @@
 #include "designer/RecoveryCopy.h"
 
-#include "spreadsheet/files/PendingFile.h"
+#include "failures/failure_text.h"
+#include "spreadsheet/files/FileTarget.h"
+#include "spreadsheet/files/TemporaryFile.h"
 
 #include <algorithm>
 #include <array>
@@ -29,29 +31,9 @@ constexpr std::size_t longestNote = 1 << 20;
 constexpr std::array<std::pair<Left, std::string_view>, 3> leftNames{
     {{Left::open, "open"}, {Left::closed, "closed"}, {Left::lastOffer, "last-offer"}}};
 
-std::string reasonOf(int error)
-{
-    switch (error) {
-    case ENOSPC:
-    case EDQUOT:
-        return "磁盘已满";
-    case EFBIG:
-        return "文件太大";
-    case EACCES:
-    case EPERM:
-        return "没有权限";
-    case EROFS:
-        return "只读";
-    case ENOENT:
-        return "文件不存在";
-    default:
-        return "输入输出错误(" + std::to_string(error) + ")";
-    }
-}
-
 FileError failure(const char* what, const std::filesystem::path& file, int error)
 {
-    return FileError(what + file.string() + ": " + reasonOf(error));
+    return FileError(what + file.string() + ": " + failures::reasonOfErrno(error));
 }
 
 std::string noteText(const RecoveryNote& note)
@@ -101,6 +83,15 @@ void writeAll(int file, const void* data, std::size_t size, const std::filesyste
             throw failure("无法写入文件 ", name, written < 0 ? errno : ENOSPC);
         rest += written;
         size -= static_cast<std::size_t>(written);
+    }
+}
+
+spreadsheet::TemporaryFile temporaryBeside(const std::filesystem::path& file)
+{
+    try {
+        return {file.parent_path(), S_IRUSR | S_IWUSR};
+    } catch (const std::filesystem::filesystem_error& error) {
+        throw failure("无法写入文件 ", file, error.code().value());
     }
 }
 
@@ -190,22 +181,22 @@ std::vector<std::byte> RecoveryCopy::content() const
 
 void RecoveryCopy::write(const RecoveryNote& note, std::span<const std::byte> content)
 {
-    spreadsheet::PendingFile pending(m_file);
-    const int file = ::open(pending.path().c_str(), O_RDWR | O_CLOEXEC);
-    if (file < 0)
-        throw failure("无法写入文件 ", m_file, errno);
-    try {
-        if (::fchmod(file, S_IRUSR | S_IWUSR) != 0)
-            throw failure("无法写入文件 ", m_file, errno);
-        hold(file); // before it has its name
-        const std::string beginning = noteText(note);
-        writeAll(file, beginning.data(), beginning.size(), m_file);
-        writeAll(file, content.data(), content.size(), m_file);
-        pending.putInPlace();
-    } catch (...) {
-        ::close(file);
-        throw;
+    spreadsheet::TemporaryFile temporary = temporaryBeside(m_file);
+    const std::string beginning = noteText(note);
+    writeAll(temporary.handle(), beginning.data(), beginning.size(), m_file);
+    writeAll(temporary.handle(), content.data(), content.size(), m_file);
+    // Its lock goes with the file, and stays with the descriptor that is kept here.
+    const int file = ::fcntl(temporary.handle(), F_DUPFD_CLOEXEC, 0);
+    const bool isWhole = file >= 0 && ::fchmod(file, S_IRUSR | S_IWUSR) == 0 &&
+                         (::fsync(file) == 0 || errno == EINVAL) && // some file systems have nothing to flush
+                         ::rename(temporary.path().c_str(), m_file.c_str()) == 0;
+    if (!isWhole) {
+        const int error = errno;
+        if (file >= 0)
+            ::close(file);
+        throw failure("无法写入文件 ", m_file, error);
     }
+    temporary.release();
     if (const int former = std::exchange(m_held, file); former >= 0)
         ::close(former);
     m_isWritten = true;

@@ -32,7 +32,6 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 namespace selfreport {
@@ -69,11 +68,10 @@ frmEditor::frmEditor(QWidget* parent)
 /// The end of the host's event loop, and of the window's parent, close nothing.
 frmEditor::~frmEditor()
 {
-    if (!m_left) {
+    if (!m_left)
         m_fps1->recalculateChanged = [] {};
-        std::ignore = m_fps1->commitEdit(); // nobody is left to be told
-    }
-    m_fps1->cancelEdit(); // an open formula box is the grid's editor
+    if (m_left || !m_fps1->commitEdit())
+        m_fps1->cancelEdit(); // an open formula box is the grid's editor
     if (!m_left && m_recovery)
         m_recovery->keep(true);
     m_fps1->disconnect(this);
@@ -106,7 +104,7 @@ void frmEditor::openReport()
 void frmEditor::keepForRecovery()
 {
     m_recovery = std::make_unique<Recovery>(m_fps1->workbook(), storedReport(), [this] {
-        return Recovery::Heading{m_txtReportName->text().toStdString(), {}};
+        return Recovery::Heading{m_txtReportName->text().toStdString(), m_report.version()};
     });
     m_recovery->tell = [this](const std::string& trouble) {
         m_status->showTrouble(trouble.empty() ? QString()
@@ -228,11 +226,13 @@ void frmEditor::restoreDesign()
         const Recovery::Heading restored = m_recovery->restore(m_fps1->workbook());
         if (!restored.name.empty()) // earlier programs kept none
             m_txtReportName->setText(QString::fromStdString(restored.name));
-        m_fps1->setWorkbook(&m_fps1->workbook()); // another content: shown from its first cell
+        if (gEditFlag == 1)
+            m_report.setVersion(restored.madeFrom); // saving asks if the stored report is another by now
+        m_fps1->setWorkbook(&m_fps1->workbook());   // another content: shown from its first cell
         forgetFetches();
         hookUpAgain();
     } catch (const std::exception& error) {
-        tellUser(Icon::exclamation, std::string("未保存的设计不能恢复: ") + error.what());
+        tellUser(Icon::exclamation, "未保存的设计不能恢复: " + failures::sentenceOf(error));
     }
     m_status->offerDesign(m_recovery->isOffering());
 }
@@ -242,7 +242,7 @@ void frmEditor::discardDesign()
     try {
         m_recovery->discard();
     } catch (const std::exception& error) {
-        tellUser(Icon::exclamation, error.what());
+        tellUser(Icon::exclamation, failures::sentenceOf(error));
     }
     m_status->offerDesign(m_recovery->isOffering());
 }
