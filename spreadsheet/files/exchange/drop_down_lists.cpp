@@ -31,7 +31,7 @@ bool fits(const std::vector<std::string>& entries)
 /// Lists of one column from top to bottom, by adding its cells in that order.
 class ColumnLists {
 public:
-    ColumnLists(const Sheet& sheet, const StylePool& styles, std::vector<DropDownList>& lists)
+    ColumnLists(const Sheet& sheet, const StylePool& styles, std::vector<OfferedList>& lists)
         : m_sheet(sheet)
         , m_styles(styles)
         , m_lists(lists)
@@ -60,7 +60,7 @@ public:
 private:
     const Sheet& m_sheet;
     const StylePool& m_styles;
-    std::vector<DropDownList>& m_lists;
+    std::vector<OfferedList>& m_lists;
     std::size_t m_first; ///< of this column
 };
 
@@ -83,13 +83,13 @@ void columnLists(const Sheet& sheet, int column, int lastRow, ColumnLists& lists
 }
 
 /// Lists of the same rows in neighbouring columns become one.
-void joinAcross(std::vector<DropDownList>& lists)
+void joinAcross(std::vector<OfferedList>& lists)
 {
-    std::ranges::stable_sort(lists, {}, [](const DropDownList& list) {
+    std::ranges::stable_sort(lists, {}, [](const OfferedList& list) {
         return std::tuple(list.range.top, list.range.bottom, list.range.left);
     });
-    std::vector<DropDownList> joined;
-    for (const DropDownList& list : lists) {
+    std::vector<OfferedList> joined;
+    for (const OfferedList& list : lists) {
         const bool goesOn = !joined.empty() && joined.back().range.top == list.range.top &&
                             joined.back().range.bottom == list.range.bottom &&
                             joined.back().range.right + 1 == list.range.left &&
@@ -146,7 +146,7 @@ public:
     }
 
     /// False if that makes too many cells.
-    bool place(const DropDownList& list)
+    bool place(const OfferedList& list)
     {
         CellRange range = list.range;
         if (range.columns() > usualColumns)
@@ -206,11 +206,11 @@ private:
 
 } // namespace
 
-std::vector<DropDownList> writtenLists(const Sheet& sheet, const StylePool& styles, int lastRow,
-                                       Warnings& warnings)
+std::vector<OfferedList> writtenLists(const Sheet& sheet, const StylePool& styles, int lastRow,
+                                      Warnings& warnings)
 {
     const DropDowns& all = sheet.settings().dropDowns;
-    std::vector<DropDownList> lists;
+    std::vector<OfferedList> lists;
     for (auto next = all.begin(); next != all.end();) {
         const int column = next->first.column;
         ColumnLists ofColumn(sheet, styles, lists);
@@ -218,7 +218,7 @@ std::vector<DropDownList> writtenLists(const Sheet& sheet, const StylePool& styl
         next = all.lower_bound({column + 1, 0});
     }
     joinAcross(lists);
-    std::erase_if(lists, [&](const DropDownList& list) {
+    std::erase_if(lists, [&](const OfferedList& list) {
         if (fits(*list.entries))
             return false;
         warnings.add("表“" + sheet.name() + "”的 " + cellName({list.range.left, list.range.top}) +
@@ -247,11 +247,11 @@ std::vector<std::string> listEntries(std::string_view text, char separator)
     }
 }
 
-void placeLists(const std::vector<DropDownList>& lists, Sheet& sheet, SheetSettings& settings,
+void placeLists(const std::vector<OfferedList>& lists, Sheet& sheet, SheetSettings& settings,
                 StylePool& styles, Warnings& warnings)
 {
     ListPlacer placer(sheet, settings, styles);
-    for (const DropDownList& list : lists) {
+    for (const OfferedList& list : lists) {
         if (!placer.place(list)) {
             warnings.add("表“" + sheet.name() + "”的下拉列表太多,只引入了前面的 100,000 个单元格");
             return;

@@ -90,7 +90,7 @@ private:
     FormulaReader m_formulaReader;
     SheetSettings m_settings;
     NoteReader m_notes;
-    std::vector<DropDownList> m_lists;
+    std::vector<OfferedList> m_lists;
     std::map<CellPosition, Group> m_groups; ///< by the cell that the others name
     SheetResolver m_sheetId;
     double m_digitPixels;

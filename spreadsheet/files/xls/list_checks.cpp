@@ -25,7 +25,7 @@ std::u16string joined(const std::vector<std::string>& entries)
     return text;
 }
 
-void writeCheck(const DropDownList& list, RecordWriter& writer)
+void writeCheck(const OfferedList& list, RecordWriter& writer)
 {
     writer.begin(xls::inputCheck);
     writer.put32(isList | isLiteral | allowsBlank); // input that is not in the list stays allowed
@@ -67,7 +67,7 @@ std::vector<std::string> takeEntries(RecordCursor& cursor)
 
 } // namespace
 
-void writeLists(const std::vector<DropDownList>& lists, RecordWriter& writer)
+void writeLists(const std::vector<OfferedList>& lists, RecordWriter& writer)
 {
     constexpr std::size_t mostChecks = 65'534;
     const std::size_t count = std::min(lists.size(), mostChecks);
@@ -82,7 +82,7 @@ void writeLists(const std::vector<DropDownList>& lists, RecordWriter& writer)
         writeCheck(lists[i], writer);
 }
 
-void readListCheck(RecordStream& stream, std::vector<DropDownList>& lists)
+void readListCheck(RecordStream& stream, std::vector<OfferedList>& lists)
 {
     const XlsRecord record = stream.record();
     RecordCursor cursor(record, stream);

@@ -6,9 +6,9 @@
 namespace spreadsheet {
 
 /// Writes lists as the records of a sheet's input checks; nothing if there are none.
-void writeLists(const std::vector<DropDownList>& lists, RecordWriter& writer);
+void writeLists(const std::vector<OfferedList>& lists, RecordWriter& writer);
 
 /// Reads one input check; one that is no list, or takes its entries from cells, is left out.
-void readListCheck(RecordStream& stream, std::vector<DropDownList>& lists);
+void readListCheck(RecordStream& stream, std::vector<OfferedList>& lists);
 
 } // namespace spreadsheet

@@ -64,7 +64,7 @@ private:
     SheetSettings m_settings;
     std::unordered_map<int, std::uint32_t> m_shared; ///< formulas in the pool by the file's number
     std::vector<ArrayFormula> m_arrays;
-    std::vector<DropDownList> m_lists;
+    std::vector<OfferedList> m_lists;
     double m_digitPixels;
     bool m_isProtected = false;
     int m_lastRow = 0, m_lastColumn = 0;

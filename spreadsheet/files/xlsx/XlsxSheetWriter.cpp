@@ -155,12 +155,12 @@ void XlsxSheetWriter::spans()
 /// Input that is not in a list stays allowed, as in our cells.
 void XlsxSheetWriter::lists()
 {
-    const std::vector<DropDownList> lists =
+    const std::vector<OfferedList> lists =
         writtenLists(m_sheet, m_parts.workbook.styles(), maxRows, m_parts.warnings);
     if (lists.empty())
         return;
     m_xml.open("dataValidations").attribute("count", lists.size());
-    for (const DropDownList& list : lists) {
+    for (const OfferedList& list : lists) {
         std::string entries;
         for (const std::string& entry : *list.entries) {
             entries += entries.empty() ? '"' : ',';
