@@ -36,6 +36,18 @@ bool goesElementwise(const FunctionDescriptor& function, std::size_t argument)
     return function.kind(argument) == 'v' || function.has(branches);
 }
 
+/// What one of many calls costs that are handed the same long texts.
+std::size_t costOfTexts(std::span<const Operand> arguments)
+{
+    constexpr std::size_t isLong = 256;
+    std::size_t bytes = 0;
+    for (const Operand& argument : arguments) {
+        if (argument.isValue() && argument.value().isText() && argument.value().textView().size() > isLong)
+            bytes += argument.value().textView().size();
+    }
+    return bytes / 2;
+}
+
 /// What a call comes to; an array that it makes counts against what its cell may spend.
 Operand answered(const FunctionDescriptor& function, Call& call)
 {
@@ -298,7 +310,7 @@ Operand Evaluator::callElementwise(const FunctionDescriptor& function, std::span
             Value& element = result->at(row, column);
             element = singleValue(answered(function, made), place);
             const bool asks = ++calls % callsBetweenQuestions == 0;
-            if (!place.spend(effortOf(element)) || (asks && !place.goesOn()))
+            if (!place.spend(effortOf(element) + costOfTexts(single)) || (asks && !place.goesOn()))
                 return CellError::value;
         }
     }

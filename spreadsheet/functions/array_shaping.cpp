@@ -120,8 +120,13 @@ struct SortKey {
     bool descends = false;
 };
 
-std::vector<int> sortedLines(int count, const std::vector<SortKey>& keys)
+/// Lines in order; none where the call may not pay for that.
+std::vector<int> sortedLines(Call& call, int count, const std::vector<SortKey>& keys)
 {
+    constexpr double slower = 8; // than to make an element
+    call.pay(slower * count * static_cast<double>(keys.size()));
+    if (call.failed())
+        return {};
     std::vector<int> order = countedFrom0(count);
     std::ranges::stable_sort(order, [&](int a, int b) {
         for (const SortKey& key : keys) {
@@ -164,11 +169,13 @@ Operand sorted(Call& call)
         if (index.number() < 1 || index.number() >= lines.length() + 1)
             return CellError::value;
         key.descends = orders && descends(call, orders->spread(i, i));
+        call.pay(4.0 * lines.count());
         for (int line = 0; line < lines.count(); ++line)
             key.values.push_back(lines.at(line, static_cast<int>(index.number()) - 1));
         keys.push_back(std::move(key));
     }
-    return call.failed() ? call.error() : lines.picked(sortedLines(lines.count(), keys));
+    const std::vector<int> order = sortedLines(call, lines.count(), keys);
+    return call.failed() ? call.error() : lines.picked(order);
 }
 
 /// SORTBY: by other arrays of as many rows or columns.
@@ -187,14 +194,14 @@ Operand sortedBy(Call& call)
         byColumns = alongRow;
         SortKey key;
         key.descends = call.given(argument + 1) && descends(call, call.value(argument + 1));
+        call.pay(4.0 * std::max(by->rows(), by->columns()));
         for (int i = 0; i < std::max(by->rows(), by->columns()); ++i)
             key.values.push_back(byColumns ? by->at(0, i) : by->at(i, 0));
         keys.push_back(std::move(key));
     }
-    if (call.failed())
-        return call.error();
     const Lines lines(array, byColumns);
-    return lines.picked(sortedLines(lines.count(), keys));
+    const std::vector<int> order = sortedLines(call, lines.count(), keys);
+    return call.failed() ? call.error() : lines.picked(order);
 }
 
 /// UNIQUE: the lines that differ, or those that occur just once.
@@ -209,7 +216,9 @@ Operand unique(Call& call)
         for (int line = 0; line < lines.count(); ++line)
             keys[static_cast<std::size_t>(place)].values.push_back(lines.at(line, place));
     }
-    const std::vector<int> order = sortedLines(lines.count(), keys);
+    const std::vector<int> order = sortedLines(call, lines.count(), keys);
+    if (call.failed())
+        return call.error();
     const auto same = [&](int a, int b) {
         for (int place = 0; place < lines.length(); ++place) {
             const Value& left = lines.at(a, place);

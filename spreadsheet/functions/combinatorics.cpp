@@ -57,11 +57,11 @@ Operand ofWholeNumbers(Call& call)
                 call.fail(CellError::num);
             else
                 result = result ? function(*result, whole) : whole;
+            if (result.value_or(0) >= 0x1p53)
+                return CellError::num;
         }
     }
-    if (call.failed())
-        return call.error();
-    return result.value_or(0) < 0x1p53 ? Operand(result.value_or(0)) : Operand(CellError::num);
+    return call.failed() ? call.error() : Operand(result.value_or(0));
 }
 
 /// The product of every second number down to 1 or 2.

@@ -104,8 +104,12 @@ ConditionalCells::ConditionalCells(Call& call, std::size_t first, std::size_t pa
         }
         m_conditions.push_back({range.area(), Criterion(call.value(first + 1), m_place.workbook)});
     }
-    if (m_conditions.empty())
+    if (m_conditions.empty()) {
         call.fail(CellError::value);
+    } else if (const auto [rows, columns] = extents(nullptr); columns > 1) { // no index serves these
+        constexpr double slower = 4; // than to make an element, if texts are compared
+        call.pay(slower * rows * columns * static_cast<double>(m_conditions.size()));
+    }
 }
 
 bool ConditionalCells::fits(const Area& area) const

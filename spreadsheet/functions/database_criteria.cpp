@@ -83,6 +83,10 @@ DatabaseCriteria::DatabaseCriteria(Call& call, std::size_t argument, const Datab
         m_rows.push_back(readRow(area, fields, row));
     if (area.cells.bottom > std::max(lastUsed, area.cells.top))
         m_rows.emplace_back(); // an empty row: every record meets it
+    double conditions = 0;
+    for (const Row& row : m_rows)
+        conditions += static_cast<double>(row.size());
+    call.pay(4 * conditions * list.records());
 }
 
 DatabaseCriteria::Row DatabaseCriteria::readRow(const Area& area, const std::vector<int>& fields,

@@ -151,7 +151,7 @@ Operand hypergeometricDistribution(Call& call)
     const int fewest = sizes ? std::max(0, sample - (all - marked)) : 0;
     const bool inRange = sizes && successes >= fewest && successes <= std::min(sample, marked);
     constexpr int mostCounted = 100'000;
-    call.pay(all > mostCounted ? 16 * std::sqrt(all) : 16.0 * all);
+    call.pay(all > mostCounted ? 16 * std::sqrt(all) : 24.0 * all);
     return inRangeOrNum(call, inRange, [&] {
         if (all > mostCounted) {
             const LargeHypergeometric large(sample, marked, all);

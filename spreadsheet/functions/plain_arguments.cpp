@@ -78,7 +78,7 @@ std::vector<double> plainNumbers(Call& call, std::size_t argument)
     if (call.failed())
         return numbers;
     call.eachValue(argument, [&](const Value& value) {
-        constexpr double slower = 4; // than a number of an array
+        constexpr double slower = 8; // than a number of an array
         call.pay(slower);
         if (value.isEmpty() || call.failed())
             return;

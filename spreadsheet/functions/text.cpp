@@ -220,6 +220,10 @@ std::vector<std::string> pieces(Call& call, std::size_t first)
     std::size_t bytes = 0;
     for (std::size_t argument = first; argument < call.count(); ++argument) {
         call.eachValue(argument, [&](const Value& value) {
+            constexpr double slower = 8; // than to make an element
+            call.pay(slower);
+            if (call.failed())
+                return;
             const Value text = toText(value);
             if (text.isError())
                 call.fail(text.error());

@@ -53,6 +53,7 @@ public:
         const auto count = static_cast<std::size_t>(function.minArguments) +
                            m_choose(static_cast<std::size_t>(most - function.minArguments + 1));
         const std::size_t mood = m_choose(6);
+        m_tall = m_choose(2) == 0;
         std::string text = std::string(function.name) + "(";
         for (std::size_t i = 0; i < count; ++i)
             text += (i == 0 ? "" : ",") + argument(mood);
@@ -144,28 +145,42 @@ private:
     }
     std::string range()
     {
-        static constexpr std::array<std::string_view, 30> ranges{
-            "D!A1:A10000",    "D!B1:B10000",    "D!C1:C10000", "D!D1:D10000",  "D!A1:A3",
-            "D!A1",           "D!A1:C1",        "D!F1:DA100",  "D!F101:DA200", "D!F1:DA1",
-            "D!F1:F100",      "D!F101:AD125",   "D!A1:D2500",  "D!A:A",        "D!1:1",
-            "D!F101:H103",    "D!A1:A100",      "D!C1:C100",   "D!B1:B100",    "D!D1:D100",
-            "D!XX1:XY9",      "D!C1",           "D!B2",        "D!F3:J7",      "D!A1:A2:D!C9",
-            "(D!A1:A3,D!C2)", "D!A9990:A10010", "D!F101:O101", "D!F101:F110",  "D!A1048570:A1048576"};
-        return oneOf(ranges);
+        static constexpr std::array<std::string_view, 17> anySize{"D!A1:A3",
+                                                                  "D!A1",
+                                                                  "D!A1:C1",
+                                                                  "D!F101:H103",
+                                                                  "D!XX1:XY9",
+                                                                  "D!C1",
+                                                                  "D!B2",
+                                                                  "D!F3:J7",
+                                                                  "D!A1:A2:D!C9",
+                                                                  "(D!A1:A3,D!C2)",
+                                                                  "D!F101:I101",
+                                                                  "D!F101:F110",
+                                                                  "D!A1048570:A1048576",
+                                                                  "D!C1:C9",
+                                                                  "D!B1:B9",
+                                                                  "D!D1:D9",
+                                                                  "D!A9990:A10010"};
+        static constexpr std::array<std::string_view, 6> tall{"D!A1:A10000", "D!B1:B10000", "D!C1:C10000",
+                                                              "D!D1:D10000", "D!A1:D2500",  "D!A:A"};
+        static constexpr std::array<std::string_view, 12> wide{
+            "D!F1:DA100", "D!F101:DA200", "D!F1:DA1",     "D!F1:F100", "D!F101:AD125", "D!1:1",
+            "D!A1:A100",  "D!C1:C100",    "D!F101:DA101", "D!B1:B100", "D!D1:D100",    "D!F7:DA7"};
+        return m_choose(2) == 0 ? oneOf(anySize) : m_tall ? oneOf(tall) : oneOf(wide);
     }
     std::string array()
     {
-        static constexpr std::array<std::string_view, 20> arrays{"{1,2,3}",         "{1;2;3}",
-                                                                 "{1,2;3,4}",       "{1,2,3;4,5,6}",
-                                                                 "{1;1}",           "{\"a\",TRUE}",
-                                                                 "{#N/A,1}",        "{0}",
-                                                                 "{3,2,1}",         "{0.5,0.5;1,2;3,4}",
-                                                                 "{1E300,-1E300}",  "(D!A1:A10000+0)",
-                                                                 "(D!B1:B100*1)",   "(D!F1:DA100&\"\")",
-                                                                 "(D!C1:C100>0)",   "SEQUENCE(100,100)",
-                                                                 "SEQUENCE(1,100)", "TRANSPOSE(D!A1:A100)",
-                                                                 "{\"\",\"1\"}",    "(D!F101:O110/1)"};
-        return oneOf(arrays);
+        static constexpr std::array<std::string_view, 13> anySize{
+            "{1,2,3}",        "{1;2;3}",      "{1,2;3,4}",    "{1,2,3;4,5,6}", "{1;1}",
+            "{\"a\",TRUE}",   "{#N/A,1}",     "{0}",          "{3,2,1}",       "{0.5,0.5;1,2;3,4}",
+            "{1E300,-1E300}", "{\"\",\"1\"}", "SEQUENCE(3,3)"};
+        static constexpr std::array<std::string_view, 3> tall{"(D!A1:A10000+0)", "(D!D1:D10000&\"\")",
+                                                              "SEQUENCE(10000)"};
+        static constexpr std::array<std::string_view, 7> wide{
+            "(D!B1:B100*1)",   "(D!F1:DA100&\"\")",    "(D!C1:C100>0)",  "SEQUENCE(100,100)",
+            "SEQUENCE(1,100)", "TRANSPOSE(D!A1:A100)", "(D!F101:O110/1)"};
+        return m_choose(2) == 0 ? oneOf(anySize) : m_tall ? oneOf(tall) : oneOf(wide);
     }
 
     /// Each mood has its mixture, so that some calls pass the checks and others meet them.
@@ -196,6 +211,7 @@ private:
     std::string nothing() { return {}; }
 
     Choose m_choose;
+    bool m_tall = false; ///< this call's ranges: long columns, or rows and squares; together they are more
 };
 
 } // namespace spreadsheet

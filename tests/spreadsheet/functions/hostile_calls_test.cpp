@@ -121,7 +121,13 @@ TEST(HostileCalls, WhatOnceReadBeyondMemoryThrewOrHung)
         {"SUM(SORTBY({1,2,3;4,5,6},{3,2,1},1,{1;1},1))", CellError::value},
         {"BETAINV(0.5,2E20,3)", CellError::num},
         {"BETADIST(0.5,1E300,1E300)", CellError::num},
+        {"BETAINV(1E-300,3.7,2)", CellError::num},
         {"BINOM.INV(1E300,0.5,0.5)", CellError::num},
+        {"LCM(D!C1:C100)", CellError::num},
+        {"SUBSTITUTE(REPT(\"a\",32767),\"a\",REPT(\"b\",32767))", CellError::value},
+        {"SEARCH(\"*a*b\",REPT(\"a\",32767))", CellError::value},
+        {"SEARCH(REPT(\"a\",16000)&\"b\",REPT(\"a\",32767))", CellError::value},
+        {"SUM(HYPGEOM.DIST(SEQUENCE(10000),50000,50000,100000,TRUE))", CellError::value},
     };
     for (const Case& c : cases) {
         Sheet& sheet = workbook.sheet(1);
