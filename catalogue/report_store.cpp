@@ -4,6 +4,7 @@
 #include "catalogue/report_statements.h"
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
+#include "failures/failure_text.h"
 #include "spreadsheet/files/content.h"
 
 #include <chrono>
@@ -41,7 +42,7 @@ bool metAnother(const std::function<void()>& attempt, bool mayRepeat)
     } catch (const std::bad_alloc&) {
         throw std::runtime_error("内存不足, 报表没有保存。");
     } catch (const std::exception& error) {
-        throw std::runtime_error(std::string("报表没有保存。\n") + error.what());
+        throw std::runtime_error("报表没有保存。\n" + failures::sentenceOf(error));
     }
 }
 
@@ -147,7 +148,7 @@ bool deleteInfo()
         } catch (const CommitFailed&) {
             throw; // tells the outcome itself
         } catch (const std::exception& error) {
-            throw std::runtime_error(std::string("报表没有删除。\n") + error.what());
+            throw std::runtime_error("报表没有删除。\n" + failures::sentenceOf(error));
         }
     });
 }
