@@ -9,7 +9,6 @@
 
 #include <chrono>
 #include <functional>
-#include <new>
 #include <random>
 #include <stdexcept>
 #include <thread>
@@ -39,8 +38,6 @@ bool metAnother(const std::function<void()>& attempt, bool mayRepeat)
         if (mayRepeat)
             return true;
         throw std::runtime_error("其他用户正在保存报表, 报表没有保存。请稍后再试。\n" + error.description);
-    } catch (const std::bad_alloc&) {
-        throw std::runtime_error("内存不足, 报表没有保存。");
     } catch (const std::exception& error) {
         throw std::runtime_error("报表没有保存。\n" + failures::sentenceOf(error));
     }
