@@ -130,6 +130,26 @@ void addDatabase(CLI::App* command, std::string& database)
     command->add_option("--db", database, "连接串,或内置数据库的文件名")->required()->type_name("DB");
 }
 
+const CLI::App* addRunCommand(CLI::App& app, RunCommand& run)
+{
+    CLI::App* command = addCommand(app, "run", "计算一张报表,写成 PDF 或 CSV", runHelp);
+    command->add_option("ID", run.reportId, "报表编号,见 list")->required()->type_name("");
+    addDatabase(command, run.database);
+    command->add_option("--pdf", run.pdf, "写出 PDF (全部表页)")->type_name("FILE");
+    command->add_option("--csv", run.csv, "写出 CSV (全部表页,UTF-8)")->type_name("FILE");
+    command->add_flag("--allow-failed", run.allowFailed, "有取数失败时也写出,并加注");
+    return command;
+}
+
+const CLI::App* addConvertCommand(CLI::App& app, ConvertCommand& convert)
+{
+    CLI::App* command = addCommand(app, "convert", "在 .ss7、.xls、.xlsx、.csv、.html 之间转换", convertHelp);
+    command->add_option("IN", convert.input, "要读的文件")->required()->type_name("");
+    command->add_option("OUT", convert.output, "要写的文件")->required()->type_name("");
+    command->add_flag("--recalculate", convert.recalculates, "写出之前重新计算全部公式");
+    return command;
+}
+
 } // namespace
 
 Command readCommandLine(int count, const char* const* arguments)
@@ -154,23 +174,14 @@ Command readCommandLine(int count, const char* const* arguments)
     addDatabase(listCommand, list.database);
 
     RunCommand run;
-    CLI::App* runCommand = addCommand(app, "run", "计算一张报表,写成 PDF 或 CSV", runHelp);
-    runCommand->add_option("ID", run.reportId, "报表编号,见 list")->required()->type_name("");
-    addDatabase(runCommand, run.database);
-    runCommand->add_option("--pdf", run.pdf, "写出 PDF (全部表页)")->type_name("FILE");
-    runCommand->add_option("--csv", run.csv, "写出 CSV (全部表页,UTF-8)")->type_name("FILE");
-    runCommand->add_flag("--allow-failed", run.allowFailed, "有取数失败时也写出,并加注");
+    const CLI::App* runCommand = addRunCommand(app, run);
 
     CheckCommand check;
     CLI::App* checkCommand = addCommand(app, "check", "将演示报表的数据与另行查询的结果核对", checkHelp);
     addDatabase(checkCommand, check.database);
 
     ConvertCommand convert;
-    CLI::App* convertCommand =
-        addCommand(app, "convert", "在 .ss7、.xls、.xlsx、.csv、.html 之间转换", convertHelp);
-    convertCommand->add_option("IN", convert.input, "要读的文件")->required()->type_name("");
-    convertCommand->add_option("OUT", convert.output, "要写的文件")->required()->type_name("");
-    convertCommand->add_flag("--recalculate", convert.recalculates, "写出之前重新计算全部公式");
+    const CLI::App* convertCommand = addConvertCommand(app, convert);
 
     const CLI::App* functionsCommand = addCommand(app, "functions", "列出公式中可用的函数", functionsHelp);
 
