@@ -116,7 +116,7 @@ TEST_F(FindReplace, NumbersKeepTheDigitsThatTheirCellsDoNotShow)
         {thousands, 1234567, "4567", "8", 1238},
         {thousands, 1234567, "4.57", "8", 1234567},
         {rounded, 1234.5678, "12", "9", 934.5678},
-        {percent, 0.12345678, "12.", "9.", 0.09345678},
+        {percent, 0.03125, "3.1", "9.", 0.0925}, // shows 3.13%
     };
     for (const auto& c : cases) {
         sheet.setStyle({4, 1}, c.style);
