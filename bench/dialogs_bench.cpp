@@ -28,7 +28,7 @@ using namespace selfreport;
 namespace {
 
 struct NoCell : FormulaCell {
-    QString writeFormula(const QString&) override { return {}; }
+    spreadsheet::Refusal writeFormula(const QString&) override { return {}; }
 };
 
 const auto ignored = [](const QString&) {};

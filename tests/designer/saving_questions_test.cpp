@@ -149,7 +149,7 @@ TEST_F(SavingQuestions, ThePageSetupOfAnotherReportIsLeftAlone)
         for (int field = 0; field < 4; ++field)
             control<QLineEdit>(setup, ("pagemargin_" + std::to_string(field)).c_str()).setText("1.25");
         setup.saveToDB();
-        headerfooter().SaveConfiguration();
+        EXPECT_TRUE(headerfooter().SaveConfiguration());
         const Recordset row = ledger.query("select * from tblCWSelfReport");
         return row.isNull(0, "fTop") ? "null" : row.text(0, "fTop");
     };
@@ -273,7 +273,7 @@ TEST_F(UnreadReport, PageSetupAndHeaderAreRefusedUntilItIsSaved)
         pagesetup setup;
         headerfooter header;
         setup.saveToDB();
-        header.SaveConfiguration();
+        EXPECT_FALSE(header.SaveConfiguration());
         return ledger.boxes.said.size();
     };
     ledger.boxes.said.clear();
