@@ -474,8 +474,9 @@ void frmEditor::pasteIntoActiveCell()
 {
     const CellAddress cell = m_fps1->activeCell();
     const spreadsheet::CellRange range{cell.column, cell.row, cell.column, cell.row};
-    const auto text =
-        spreadsheet::clipboardText(*QApplication::clipboard()->mimeData(), spreadsheet::longestCellText);
+    const QMimeData nothing;
+    const QMimeData* const offer = QApplication::clipboard()->mimeData();
+    const auto text = spreadsheet::clipboardText(offer ? *offer : nothing, spreadsheet::longestCellText);
     if (m_fps1->refuseEdit({range}) ||
         m_fps1->refuse(overlapRefusal(m_fps1->sheet(), range, std::nullopt, false)))
         return;
