@@ -186,8 +186,8 @@ Operand proRata(Call& call)
     asset.rate = plainNumber(call, 5);
     const int basis = plainInteger(call, 6, 0);
     const bool inRange = asset.cost > 0 && bought <= firstEnd && asset.salvage >= 0 &&
-                         asset.salvage <= asset.cost && asset.period >= 0 && asset.period <= mostPeriods &&
-                         asset.rate > 0 && basis >= 0 && basis <= 4 && basis != 2;
+                         asset.salvage <= asset.cost && asset.period >= 0 && asset.rate > 0 && basis >= 0 &&
+                         basis <= 4 && basis != 2;
     constexpr double written = 50; // in units of the rate: of the largest amounts nothing is left
     if (inRange)
         call.pay(std::min<double>(asset.period, written / asset.rate));

@@ -9,16 +9,17 @@ namespace spreadsheet {
 class Line {
 public:
     /// The first column (or row) of an argument.
-    static Line firstColumn(const Call& call, std::size_t argument);
-    static Line firstRow(const Call& call, std::size_t argument);
+    static Line firstColumn(Call& call, std::size_t argument);
+    static Line firstRow(Call& call, std::size_t argument);
     /// The only column or row of an argument; its longer side's first one if it has several.
-    static Line longerSide(const Call& call, std::size_t argument);
+    static Line longerSide(Call& call, std::size_t argument);
 
     int size() const { return m_size; }
     Value at(int place) const;
 
-    // Places where the value stands; nothing if there is none. Numbers find numbers, texts texts
-    // (letter case ignored), truth values truth values.
+    // Places where the value stands; nothing if there is none, or if the call fails because it may not pay
+    // for every value that it looks at.
+    // Numbers find numbers, texts texts (letter case ignored), truth values truth values.
 
     /// The first equal one; a text may hold wildcards.
     std::optional<int> equal(const Value& wanted) const;
@@ -28,7 +29,7 @@ public:
     std::optional<int> lastNotLess(const Value& wanted) const;
 
 private:
-    Line(const Call& call, std::size_t argument, bool down, int size)
+    Line(Call& call, std::size_t argument, bool down, int size)
         : m_call(call)
         , m_argument(argument)
         , m_down(down)
@@ -37,7 +38,7 @@ private:
     }
     std::optional<int> indexed(const Value& wanted) const;
 
-    const Call& m_call;
+    Call& m_call;
     std::size_t m_argument;
     bool m_down;
     int m_size; ///< what lies beyond the sheet's used part is left out

@@ -47,8 +47,8 @@ Operand lookUpInTable(Call& call)
         return CellError::ref;
     const Line keys = down ? Line::firstColumn(call, 1) : Line::firstRow(call, 1);
     const auto place = approximate ? keys.lastNotGreater(wanted) : keys.equal(wanted);
-    if (!place)
-        return CellError::na;
+    if (!place || call.failed())
+        return call.failed() ? call.error() : CellError::na;
     return down ? elementOf(call, 1, *place, line - 1) : elementOf(call, 1, line - 1, *place);
 }
 
@@ -59,8 +59,8 @@ Operand lookUp(Call& call)
     if (call.failed())
         return call.error();
     const auto place = Line::longerSide(call, 1).lastNotGreater(wanted);
-    if (!place)
-        return CellError::na;
+    if (!place || call.failed())
+        return call.failed() ? call.error() : CellError::na;
     const bool alongRow = call.columns(1) > call.rows(1);
     if (call.count() < 3)
         return alongRow ? elementOf(call, 1, call.rows(1) - 1, *place)
@@ -85,7 +85,9 @@ Operand match(Call& call)
     const auto place = kind == 0  ? line.equal(wanted)
                        : kind > 0 ? line.lastNotGreater(wanted)
                                   : line.lastNotLess(wanted);
-    return place ? Operand(*place + 1.0) : Operand(CellError::na);
+    if (!place || call.failed())
+        return call.failed() ? call.error() : CellError::na;
+    return *place + 1.0;
 }
 
 Operand chooseByNumber(Call& call)
