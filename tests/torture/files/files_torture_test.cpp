@@ -44,7 +44,10 @@ protected:
     }
 
     /// What the commands read stands outside the folder that they write into.
-    static std::string given(const std::string& name) { return s_given->file(name); }
+    static std::string given(const std::string& name)
+    {
+        return s_given->file(name);
+    }
 
     static int run(const TestFolder& folder, int place, const char* way, const std::string& count = {})
     {
