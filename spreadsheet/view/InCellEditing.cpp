@@ -210,9 +210,11 @@ void InCellEditing::fillSelection()
     UndoStep step(control.workbook(), "输入");
     if (!commit()) // from here on this object is gone
         return;
-    if (control.refuse(putEntered(*own, cell, cells)))
+    const Refusal why = putEntered(*own, cell, cells);
+    if (why)
         step.takeBack();
     control.afterEdit();
+    control.refuse(why);
 }
 
 void InCellEditing::place()

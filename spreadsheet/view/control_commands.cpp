@@ -190,12 +190,12 @@ void SpreadsheetControl::pastePlanned(Sheet& target, const ClipboardContent& con
         m_cut.reset();
         setCopiedRange(target.id(), std::nullopt);
         QGuiApplication::clipboard()->clear(); // what it held is no longer there
-    } else if (content.own && content.own->refusedFormulas > 0) {
-        Q_EMIT refused(
-            QStringLiteral("有 %1 个公式在这里没有意义，只粘贴了它们的值").arg(content.own->refusedFormulas));
     }
     select(plan.goal);
     afterEdit();
+    if (source == 0 && content.own && content.own->refusedFormulas > 0)
+        refuse("有 " + std::to_string(content.own->refusedFormulas) +
+               " 个公式在这里没有意义，只粘贴了它们的值");
 }
 
 void SpreadsheetControl::clear()
@@ -213,6 +213,7 @@ void SpreadsheetControl::fillAlong(bool down)
         return;
     const std::vector<CellRange> ranges = selection();
     Sheet& shown = workbook().sheet(activeSheet());
+    Refusal why;
     {
         UndoStep step(workbook(), down ? "向下填充" : "向右填充");
         for (CellRange goal : ranges) {
@@ -221,13 +222,15 @@ void SpreadsheetControl::fillAlong(bool down)
                 first = std::max(1, first - 1); // a single line is filled from the one before it
             CellRange source = goal;
             (down ? source.bottom : source.right) = first;
-            if (refuse(fillFromBlock(workbook(), shown, source, goal, false))) {
+            why = fillFromBlock(workbook(), shown, source, goal, false);
+            if (why) {
                 step.takeBack();
                 break;
             }
         }
     }
     afterEdit();
+    refuse(why); // last, so that nothing else is told after it
 }
 
 void SpreadsheetControl::fillDown()
@@ -287,12 +290,12 @@ int SpreadsheetControl::replaceAll(const Search& search, const QString& replacem
     });
     const Replacement done = replaceIn(workbook(), shown, cells, search, replacement.toStdString());
     const std::size_t kept = done.kept.size() + found - cells.size();
+    if (done.replaced > 0)
+        afterEdit();
     if (found == 0)
         refuse("找不到“" + search.what + "”");
     else if (kept > 0)
         refuse("有 " + std::to_string(kept) + " 个单元格不能替换");
-    if (done.replaced > 0)
-        afterEdit();
     return done.replaced;
 }
 

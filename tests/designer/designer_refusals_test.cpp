@@ -98,6 +98,24 @@ TEST_F(DesignerRefusals, MenusSayWhyInTheStatusBar)
     }
 }
 
+TEST_F(DesignerRefusals, WhatWasDoneInPartIsStillToldWhenAllIsRecalculated)
+{
+    grid().sheet().setText({1, 1}, "ROW 甲");
+    grid().replaceAll({.what = "ROW"}, "行");
+    EXPECT_EQ(grid().text(1, 1), "行 甲");
+    EXPECT_EQ(status(), "有 3 个单元格不能替换");
+    demand(grid().sheet().setFormula({1, 3}, "Sheet2!A1+1"));
+    grid().recalculate();
+    grid().select({1, 3, 1, 3});
+    grid().copy();
+    demand(grid().workbook().removeSheet(2));
+    grid().select({1, 5, 1, 5});
+    grid().paste();
+    EXPECT_EQ(formula(1, 5), "");
+    EXPECT_EQ(grid().text(1, 5), "1");
+    EXPECT_EQ(status(), "有 1 个公式在这里没有意义，只粘贴了它们的值");
+}
+
 TEST_F(DesignerRefusals, TheToolbarsPasteSaysWhyAndKeepsTheCell)
 {
     grid().sheet().setText({1, 1}, "kept");
