@@ -89,10 +89,11 @@ int truncateFile(sqlite3_file* file, sqlite3_int64 size)
                   [&] { return realOf(file)->pMethods->xTruncate(realOf(file), size); });
 }
 
-int syncFile(sqlite3_file* file, int flags)
+/// What a killed process wrote the system keeps: nothing needs to reach the disk, which takes most of the
+/// time.
+int syncFile(sqlite3_file*, int)
 {
-    return passed(SQLITE_IOERR_FSYNC, false,
-                  [&] { return realOf(file)->pMethods->xSync(realOf(file), flags); });
+    return passed(SQLITE_IOERR_FSYNC, false, [] { return SQLITE_OK; });
 }
 
 int fileSize(sqlite3_file* file, sqlite3_int64* size)
@@ -167,10 +168,9 @@ int openFile(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int*
     return result;
 }
 
-int deleteFile(sqlite3_vfs*, const char* name, int syncsFolder)
+int deleteFile(sqlite3_vfs*, const char* name, int)
 {
-    return passed(SQLITE_IOERR_DELETE, false,
-                  [&] { return realFiles->xDelete(realFiles, name, syncsFolder); });
+    return passed(SQLITE_IOERR_DELETE, false, [&] { return realFiles->xDelete(realFiles, name, 0); });
 }
 
 } // namespace
