@@ -60,7 +60,7 @@ void unregisterLibrary()
 {
     std::error_code error;
     std::filesystem::remove(pathOf(descriptorFile()), error);
-    if (error)
+    if (error && error != std::errc::not_a_directory) // of a folder that is none there is nothing to remove
         throw HostError("无法注销报表组件,文件删除失败: " + pathOf(descriptorFile()).string() + ": " +
                         failures::reasonOfErrno(error.value()));
 }

@@ -21,7 +21,7 @@ void closeWindows()
 
 } // namespace
 
-extern "C" void before_closing(void (*act)())
+extern "C" __attribute__((visibility("default"))) void before_closing(void (*act)())
 {
     actWhileOpen = act;
 }
