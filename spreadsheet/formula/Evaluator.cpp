@@ -45,7 +45,7 @@ std::size_t costOfTexts(std::span<const Operand> arguments)
         if (argument.isValue() && argument.value().isText() && argument.value().textView().size() > isLong)
             bytes += argument.value().textView().size();
     }
-    return bytes / 2;
+    return bytes * 2;
 }
 
 /// What a call comes to; an array that it makes counts against what its cell may spend.

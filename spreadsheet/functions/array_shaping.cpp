@@ -52,7 +52,9 @@ SharedArray elements(Call& call, std::size_t argument)
 {
     if (call[argument].isValue() && call[argument].value().isError())
         call.fail(call[argument].value().error());
-    return toArray(call[argument], call.place());
+    SharedArray array = toArray(call[argument], call.place());
+    call.pay(4.0 * array->rows() * array->columns()); // read from cells and compared
+    return array;
 }
 
 std::vector<int> countedFrom0(int count)

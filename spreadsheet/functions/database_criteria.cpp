@@ -79,6 +79,11 @@ DatabaseCriteria::DatabaseCriteria(Call& call, std::size_t argument, const Datab
             break; // nothing stands there
     }
     const int lastUsed = usedPart(m_place.workbook, area).bottom;
+    constexpr double slower = 64; // than to make an element: a text is read as a condition
+    const double rows = std::max(lastUsed - area.cells.top, 0) + 1;
+    call.pay(slower * rows * static_cast<double>(fields.size()));
+    if (call.failed())
+        return;
     for (int row = area.cells.top + 1; row <= std::min(lastUsed, area.cells.bottom); ++row)
         m_rows.push_back(readRow(area, fields, row));
     if (area.cells.bottom > std::max(lastUsed, area.cells.top))

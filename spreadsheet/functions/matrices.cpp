@@ -179,6 +179,9 @@ Operand unitMatrix(Call& call)
         return call.error();
     if (size < 1 || static_cast<double>(size) * size > static_cast<double>(maxArrayElements))
         return CellError::value;
+    call.pay(4.0 * size * size); // made twice, as numbers and as values
+    if (call.failed())
+        return call.error();
     Matrix result(static_cast<std::size_t>(size), static_cast<std::size_t>(size));
     for (std::size_t i = 0; i < result.rows(); ++i)
         result.at(i, i) = 1;

@@ -213,6 +213,12 @@ Operand concatenated(Call& call)
     return call.failed() ? call.error() : textResult(result);
 }
 
+/// Elements of an array that are made while a value is turned into a text.
+double workOfPiece(const Value& value)
+{
+    return value.isEmpty() ? 4 : 64;
+}
+
 /// Every value of the arguments from `first` on as a piece; the call fails if they are too long together.
 std::vector<std::string> pieces(Call& call, std::size_t first)
 {
@@ -220,8 +226,7 @@ std::vector<std::string> pieces(Call& call, std::size_t first)
     std::size_t bytes = 0;
     for (std::size_t argument = first; argument < call.count(); ++argument) {
         call.eachValue(argument, [&](const Value& value) {
-            constexpr double slower = 8; // than to make an element
-            call.pay(slower);
+            call.pay(workOfPiece(value));
             if (call.failed())
                 return;
             const Value text = toText(value);
@@ -248,8 +253,7 @@ Operand joined(Call& call)
 {
     std::vector<std::string> separators;
     call.eachValue(0, [&](const Value& value) {
-        constexpr double slower = 8; // than to make an element
-        call.pay(slower);
+        call.pay(workOfPiece(value));
         if (value.isError())
             call.fail(value.error());
         else if (!call.failed())
