@@ -92,6 +92,7 @@ TEST_F(RecoveryTest, YesRestoresNameAndSheetAndSavingRemovesTheCopy)
     edit("txtReportName").setText("新表");
     design("=6*7");
     window->close();
+    window.reset();
     RecoveryCopy::takeOver(onlyCopy())->setLeft(Left::open);
     ledger.boxes.answer = true;
     open();

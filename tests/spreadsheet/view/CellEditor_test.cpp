@@ -155,7 +155,7 @@ TEST_F(Editor, NamesAreOfferedWhileTypingAndTakenByTab)
     EXPECT_EQ(events, "");
     QTest::keyClicks(&editor, "1,");
     EXPECT_FALSE(hint().isVisible()) << "not wanted in this call";
-    QTest::keyClicks(&editor, "act(\"1\",");
+    QTest::keyClicks(&editor, "acct(\"1\",");
     EXPECT_TRUE(hint().isVisible());
     EXPECT_TRUE(hint().text().contains("<b>取数类型</b>"));
     open("", CellEditor::Mode::enter);
