@@ -12,7 +12,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <span>
 
 namespace {
@@ -91,12 +90,6 @@ void fillHeaders(Inputs inputs)
         inputs.add(foreign);
 }
 
-std::string bytesOf(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 /// As .ss7 content, as .xls file and the stream inside it, as .xlsx file and its first sheet and styles.
 void addWorkbook(const Workbook& workbook, Inputs& content, Inputs& xls, Inputs& xlsx)
 {
@@ -107,12 +100,9 @@ void addWorkbook(const Workbook& workbook, Inputs& content, Inputs& xls, Inputs&
     xls.add(file);
     xls.add(spreadsheet::CompoundFile(file).stream("workbook").value().bytes());
 
-    const auto path = std::filesystem::temp_directory_path() / "fuzz_corpus.xlsx";
-    spreadsheet::writeXlsx(workbook, path, warnings);
-    const std::string zipped = bytesOf(path);
-    std::filesystem::remove(path);
+    const std::vector<std::byte> zipped = spreadsheet::writeXlsx(workbook, warnings);
     xlsx.add(zipped);
-    spreadsheet::Archive archive(std::as_bytes(std::span(zipped)));
+    spreadsheet::Archive archive(zipped);
     const auto sheet = archive.part("xl/worksheets/sheet1.xml").value();
     const auto styles = archive.part("xl/styles.xml").value();
     std::string parts(sheet.begin(), sheet.end());
