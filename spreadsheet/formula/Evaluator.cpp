@@ -39,13 +39,14 @@ bool goesElementwise(const FunctionDescriptor& function, std::size_t argument)
 /// What one of many calls costs that are handed the same long texts.
 std::size_t costOfTexts(std::span<const Operand> arguments)
 {
-    constexpr std::size_t isLong = 256;
+    constexpr std::size_t isLong = 2048;
+    constexpr std::size_t perByte = 6; // as slow as the functions of texts that count by double bytes
     std::size_t bytes = 0;
     for (const Operand& argument : arguments) {
         if (argument.isValue() && argument.value().isText() && argument.value().textView().size() > isLong)
             bytes += argument.value().textView().size();
     }
-    return bytes * 2;
+    return bytes * perByte;
 }
 
 /// What a call comes to; an array that it makes counts against what its cell may spend.

@@ -47,7 +47,8 @@ int DatabaseList::fieldOf(const Value& nameOrNumber) const
 {
     if (nameOrNumber.isText()) {
         const std::string name = foldedText(nameOrNumber.textView());
-        for (int field = 0; field < fields(); ++field) {
+        const int used = m_workbook.sheet(m_area.sheet).storedColumns() - m_area.cells.left + 1;
+        for (int field = 0; field < std::min(fields(), used + 1); ++field) { // behind it all are empty
             const Value candidate = toText(fieldName(field));
             if (candidate.isText() && foldedText(candidate.textView()) == name)
                 return field;
@@ -79,7 +80,7 @@ DatabaseCriteria::DatabaseCriteria(Call& call, std::size_t argument, const Datab
             break; // nothing stands there
     }
     const int lastUsed = usedPart(m_place.workbook, area).bottom;
-    constexpr double slower = 64; // than to make an element: a text is read as a condition
+    constexpr double slower = 192; // than to make an element: a text is read as a condition
     const double rows = std::max(lastUsed - area.cells.top, 0) + 1;
     call.pay(slower * rows * static_cast<double>(fields.size()));
     if (call.failed())
