@@ -1,10 +1,13 @@
 // Copies of unsaved designs: whose they are, when they are offered, and when they go.
 #include "designer/Recovery.h"
 
+#include "printing/print_settings.h"
+#include "printing/print_sheet.h"
 #include "tests/designer/DesignerTest.h"
 
 #include <QDir>
 #include <QLabel>
+#include <QPushButton>
 #include <QToolButton>
 
 #include <csignal>
@@ -131,6 +134,13 @@ TEST_F(RecoveryTest, OnlyAnotherDesignIsKept)
         {"undone", false, [this] { design("=1"), trigger("MenuUndo"); }},
         {"undone after formulas were shown", false,
          [this] { design("=1"), trigger("MenuShowFormula"), trigger("MenuUndo"), trigger("MenuUndo"); }},
+        {"page set-up, which stands in the report's row", false,
+         [this] {
+             changePrintSettings(grid().workbook(),
+                                 [](auto& print) { print.marginTop = 1, print.header = "x"; });
+         }},
+        {"print options, which stand in the sheet", true,
+         [this] { changeActiveSheetsPrint(grid().workbook(), [](auto& print) { print.fitWidth = true; }); }},
         {"redone", true, [this] { design("=1"), trigger("MenuUndo"), trigger("MenuRedo"); }},
         {"a cell, seen as formula", true, [this] { trigger("MenuShowFormula"), design("=1"); }},
         {"a look", true, [this] { trigger("MenuBold"); }},
@@ -147,6 +157,23 @@ TEST_F(RecoveryTest, OnlyAnotherDesignIsKept)
         for (const QString& name : copies())
             QFile::remove(folder.filePath(name));
     }
+}
+
+TEST_F(RecoveryTest, PrintingFromThePreviewIsNoChange)
+{
+    storeReport();
+    open();
+    printerSetup().file = (folder.path() + "/表.pdf").toStdString();
+    whenModal("frmPreview", [](QWidget& preview) {
+        whenModal("PrintDlg", [](QWidget& dialog) { control<QPushButton>(dialog, "Command2").click(); });
+        control<QPushButton>(preview, "cmdHelp").click();
+    });
+    trigger("MenuPreview");
+    printerSetup() = {};
+    EXPECT_TRUE(QFile::exists(folder.filePath("表.pdf")));
+    EXPECT_TRUE(grid().sheet().settings().print.border) << "as the dialog says";
+    EXPECT_FALSE(window->isVisible()) << "printing closes the designer";
+    EXPECT_EQ(copies(), QStringList());
 }
 
 TEST_F(RecoveryTest, AWindowIsNotOfferedWhatAnotherHolds)
