@@ -23,7 +23,7 @@ struct Points {
 std::vector<double> allNumbers(Call& call, const Array& array)
 {
     std::vector<double> numbers;
-    call.pay(4.0 * array.rows() * array.columns());
+    call.pay(12.0 * array.rows() * array.columns());
     for (int row = 0; row < array.rows(); ++row) {
         for (int column = 0; column < array.columns(); ++column) {
             const Value& value = array.at(row, column);
