@@ -5,7 +5,7 @@ add_library(our_warnings INTERFACE)
 target_compile_options(our_warnings INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wconversion -Wshadow -Werror>
   $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
-  $<$<BOOL:${SELFREPORT_UNITY}>:-Wno-shadow> # of names that only another file of the batch has
+  $<$<BOOL:${SELFREPORT_UNITY}>:-w> # most would be of names that only another file of the batch has
   $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion;-Wno-unknown-pragmas>) # as GCC understands the above
 
 # our_sources(VARIABLE FOLDER...): the sources directly in each folder.
@@ -26,6 +26,10 @@ function(our_batches target)
   set(most 12)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
   foreach(source IN LISTS ARGN)
+    file(STRINGS ${source} opens REGEX "^using namespace") # it would open the names to the rest of the batch
+    if(opens)
+      continue()
+    endif()
     cmake_path(GET source PARENT_PATH folder)
     file(RELATIVE_PATH room ${CMAKE_SOURCE_DIR} ${folder})
     string(MAKE_C_IDENTIFIER "${room}" room)

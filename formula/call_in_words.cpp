@@ -1,5 +1,6 @@
 #include "formula/call_in_words.h"
 
+#include "formula/quoted_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/sql_text.h"
 
@@ -11,11 +12,6 @@
 namespace selfreport {
 
 namespace {
-
-std::string quoted(const std::string& text)
-{
-    return "“" + text + "”";
-}
 
 std::string joined(const std::vector<std::string>& parts)
 {

@@ -6,6 +6,7 @@
 #include "failures/failure_text.h"
 #include "formula/frmEditor1.h"
 #include "formula/ledger_query.h"
+#include "formula/quoted_text.h"
 #include "platform/database/sql_text.h"
 #include "spreadsheet/engine/number_text.h"
 
@@ -47,11 +48,6 @@ std::optional<int> namedSheet(const spreadsheet::Workbook& workbook, std::string
     if (index < 1 || index > workbook.sheetCount())
         return std::nullopt;
     return static_cast<int>(index);
-}
-
-std::string quoted(std::string_view name)
-{
-    return "“" + std::string(name) + "”";
 }
 
 } // namespace

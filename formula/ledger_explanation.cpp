@@ -4,6 +4,7 @@
 #include "component/state/mdlMain.h"
 #include "component/state/shared_state.h"
 #include "failures/failure_text.h"
+#include "formula/quoted_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/sql_text.h"
 
@@ -27,11 +28,6 @@ struct Explanation {
     FetchOutcome outcome = FetchOutcome::doubtful;
 };
 
-std::string quoted(std::string_view text)
-{
-    return "“" + std::string(text) + "”";
-}
-
 /// What is asked of the database while the fetches of one recalculation are explained. They mostly share
 /// type, currency and items, and each question costs a round trip.
 class Questions {
@@ -50,7 +46,7 @@ private:
     std::map<std::string, bool> m_answers;
 };
 
-std::string codesText(const std::vector<std::string>& codes)
+std::string rangeText(const std::vector<std::string>& codes)
 {
     return codes.size() > 1 ? codes[0] + ":" + codes[1] : codes[0];
 }
@@ -79,7 +75,7 @@ std::string unknownItem(Connection& connection, Questions& questions, const Item
     if (!table ||
         questions.hasRow(connection, *table + " where 1=1" + codeCondition("fNumber", qualifier.codes)))
         return {};
-    return quoted(qualifier.className) + "中没有项目" + quoted(codesText(qualifier.codes));
+    return quoted(qualifier.className) + "中没有项目" + quoted(rangeText(qualifier.codes));
 }
 
 /// What the fetch names that there is not; empty if there is all of it.
@@ -95,7 +91,7 @@ std::string nameWithoutMeaning(Connection& connection, Questions& questions, con
     if (!expression.codes.empty() &&
         !questions.hasRow(connection,
                           "tblAccount as b where 1=1" + codeCondition("b.fNumber", expression.codes)))
-        return "科目" + quoted(codesText(expression.codes)) + "不存在";
+        return "科目" + quoted(rangeText(expression.codes)) + "不存在";
     for (const ItemQualifier& qualifier : expression.qualifiers)
         if (std::string cause = unknownItem(connection, questions, qualifier); !cause.empty())
             return cause;

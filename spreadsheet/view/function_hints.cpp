@@ -3,17 +3,13 @@
 #include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/print/PageCells.h"
 
 #include <algorithm>
 
 namespace spreadsheet {
 
 namespace {
-
-QString fromUtf8(std::string_view text)
-{
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 const CustomFunctions::Entry* registeredFunction(const QString& name, const Workbook& workbook)
 {
