@@ -1,10 +1,10 @@
 // Times the window that lists stored reports: 5,000 reports of 100 KB each in the embedded database.
 #include "bench/bench_table.h"
-#include "catalogue/frmSelfReportMain.h"
-#include "component/state/shared_state.h"
 #include "demo/ledger/demo_ledger.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "platform/list_grid/ListGrid.h"
+#include "state/shared_state.h"
+#include "windows/list/frmSelfReportMain.h"
 
 #include <filesystem>
 #include <QApplication>

@@ -1,11 +1,11 @@
 // Times the designer: opening a stored report of 2,000 cells, 300 of them fetches, for use, and saving it.
 #include "bench/bench_table.h"
-#include "catalogue/report_store.h"
-#include "component/state/shared_state.h"
 #include "demo/ledger/demo_ledger.h"
-#include "designer/frmEditor.h"
-#include "platform/dialogs/RecordingDialogs.h"
+#include "platform/services/RecordingDialogs.h"
+#include "reports/report_store.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "state/shared_state.h"
+#include "windows/designer/frmEditor.h"
 
 #include <filesystem>
 #include <memory>

@@ -1,7 +1,7 @@
 // Times saving and loading of content files against their bounds.
 #include "bench/bench_table.h"
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/content.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <random>
 

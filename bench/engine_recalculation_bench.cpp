@@ -1,7 +1,7 @@
 // Times the engine's recalculation, memory and structural edits against their bounds.
 #include "bench/bench_table.h"
-#include "spreadsheet/engine/Workbook.h"
-#include "spreadsheet/formula/Recalculation.h"
+#include "spreadsheet/calculation/Recalculation.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <cmath>
 #include <malloc.h>

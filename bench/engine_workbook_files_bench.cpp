@@ -1,7 +1,7 @@
 // Times opening and saving of formatted .xls and .xlsx workbooks of 100,000 cells against their bounds.
 #include "bench/bench_table.h"
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/FileFormats.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <cmath>
 #include <ctime>

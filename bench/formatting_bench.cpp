@@ -1,7 +1,7 @@
 // Times commands on many cells, and weighs what the cells' looks take in memory.
 #include "bench/bench_table.h"
-#include "formatting/cell_commands.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "windows/formatting/cell_commands.h"
 
 #include <QApplication>
 

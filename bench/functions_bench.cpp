@@ -1,6 +1,6 @@
 // Times sheet-eval, lookups, conditional sums, rounding and calls that no report has against their bounds.
 #include "bench/bench_table.h"
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/workbook/Workbook.h"
 #include "tests/spreadsheet/functions/HostileCalls.h"
 #include "tools/sheet_eval/answer.h"
 

@@ -1,15 +1,15 @@
 // Times ledger and inter-report fetches on a ledger of a million balance rows, and a whole report run.
 // Usage: ledger_bench [FILE]    FILE keeps the ledger for the next run; it is made if it is missing.
 #include "bench/bench_table.h"
-#include "catalogue/report_store.h"
-#include "component/report_run.h"
-#include "component/state/shared_state.h"
 #include "demo/demo_report.h"
 #include "demo/demo_reports.h"
 #include "demo/ledger/demo_ledger.h"
-#include "formula/evaluation.h"
-#include "formula/ledger_fetch.h"
+#include "fetch/evaluation.h"
+#include "fetch/ledger_fetch.h"
 #include "platform/database/sqlite/acct_procedure.h"
+#include "reports/report_store.h"
+#include "state/shared_state.h"
+#include "tool/report_run.h"
 
 #include <cmath>
 #include <fcntl.h>

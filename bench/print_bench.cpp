@@ -1,8 +1,8 @@
 // Times page layout and PDF files against their bounds.
 #include "bench/bench_table.h"
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/print/pdf.h"
 #include "spreadsheet/print/PreviewWidget.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <QApplication>
 #include <QFile>

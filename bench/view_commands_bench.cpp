@@ -1,10 +1,10 @@
 // Times commands on large sheets against their bounds.
 #include "bench/bench_table.h"
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/view/commands/find_replace.h"
 #include "spreadsheet/view/commands/paste.h"
 #include "spreadsheet/view/commands/selection_figures.h"
 #include "spreadsheet/view/commands/sort_block.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <QGuiApplication>
 #include <QMimeData>

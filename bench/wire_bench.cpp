@@ -1,14 +1,14 @@
 // Times recalculations over the driver and the wire, against the test server with half a millisecond of added
 // latency for each round trip.
 #include "bench/bench_table.h"
-#include "component/state/shared_state.h"
 #include "demo/ledger/demo_ledger.h"
-#include "formula/evaluation.h"
-#include "formula/ledger_fetch.h"
-#include "formula/ledger_query.h"
+#include "fetch/evaluation.h"
+#include "fetch/ledger_fetch.h"
+#include "fetch/ledger_query.h"
 #include "platform/database/Connection.h"
 #include "platform/database/sqlite/acct_procedure.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
+#include "state/shared_state.h"
 #include "tests/tdsserver/TdsServer.h"
 
 #include <filesystem>

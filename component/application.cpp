@@ -1,8 +1,8 @@
 #include "component/application.h"
 #include "component/host_call.h"
-#include "platform/dialogs/QtDialogs.h"
-#include "platform/dialogs/toolkit_dialogs.h"
-#include "platform/settings/QtSettings.h"
+#include "platform/toolkit/QtDialogs.h"
+#include "platform/toolkit/QtSettings.h"
+#include "platform/toolkit/toolkit_dialogs.h"
 
 #include <QApplication>
 #include <QVersionNumber>

@@ -2,8 +2,8 @@
 #include "component/application.h"
 #include "component/host_call.h"
 #include "component/instances.h"
-#include "component/state/shared_state.h"
 #include "component/windows.h"
+#include "state/shared_state.h"
 
 #include <functional>
 #include <utility>

@@ -1,9 +1,9 @@
 #include "component/frmHost.h"
 
-#include "catalogue/report_list.h"
 #include "component/frmRunParameters.h"
-#include "component/state/mdlMain.h"
 #include "platform/list_grid/ListGrid.h"
+#include "state/mdlMain.h"
+#include "windows/list/report_list.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>

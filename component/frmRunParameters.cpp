@@ -1,6 +1,6 @@
 #include "component/frmRunParameters.h"
 
-#include "platform/settings/QtSettings.h"
+#include "platform/toolkit/QtSettings.h"
 #include "platform/windows/buttons.h"
 
 #include <QFormLayout>

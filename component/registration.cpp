@@ -1,7 +1,7 @@
 #include "component/registration.h"
 #include "component/host_call.h"
-#include "component/own_file.h"
 #include "failures/failure_text.h"
+#include "platform/windows/own_file.h"
 #include "spreadsheet/files/PendingFile.h"
 
 #include <QDir>

@@ -1,11 +1,11 @@
 #include "component/windows.h"
 
-#include "catalogue/frmSelfReportMain.h"
 #include "component/host_call.h"
-#include "component/state/mdlMain.h"
-#include "component/state/shared_state.h"
-#include "designer/frmEditor.h"
 #include "platform/list_grid/ListGrid.h"
+#include "state/mdlMain.h"
+#include "state/shared_state.h"
+#include "windows/designer/frmEditor.h"
+#include "windows/list/frmSelfReportMain.h"
 
 #include <QApplication>
 #include <QPointer>

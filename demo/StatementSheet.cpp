@@ -1,6 +1,6 @@
 #include "demo/StatementSheet.h"
 
-#include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/values/CellAddress.h"
 
 #include <stdexcept>
 

@@ -1,9 +1,9 @@
 #include "demo/demo_check.h"
 
-#include "component/report_run.h"
 #include "demo/labelled_cell.h"
-#include "formula/numeric_prefix.h"
+#include "fetch/numeric_prefix.h"
 #include "platform/database/Connection.h"
+#include "tool/report_run.h"
 
 #include <algorithm>
 #include <cmath>

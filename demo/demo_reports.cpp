@@ -1,10 +1,10 @@
 #include "demo/demo_reports.h"
 
-#include "catalogue/report_store.h"
-#include "component/state/shared_state.h"
 #include "demo/demo_report.h"
-#include "formula/evaluation.h"
-#include "platform/dialogs/RecordingDialogs.h"
+#include "fetch/evaluation.h"
+#include "platform/services/RecordingDialogs.h"
+#include "reports/report_store.h"
+#include "state/shared_state.h"
 
 #include <stdexcept>
 

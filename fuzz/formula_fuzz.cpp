@@ -1,7 +1,7 @@
 // Feeds any text to the formula language: it is refused with a place and a reason, or comes back letter by
 // letter and can be computed.
-#include "spreadsheet/engine/number_text.h"
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/values/number_text.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <cstdint>
 #include <cstdlib>

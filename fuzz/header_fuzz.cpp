@@ -1,8 +1,8 @@
 // Feeds any text to the readers of header and footer codes: the pages', the editor's and the translator's to
 // and from other programs' workbooks. What one of them wrote, it reads back as the same.
-#include "printing/header_codes.h"
-#include "spreadsheet/engine/header_footer.h"
+#include "spreadsheet/display/header_footer.h"
 #include "spreadsheet/files/exchange/header_codes.h"
+#include "windows/printing/header_codes.h"
 
 #include <cmath>
 #include <cstdint>

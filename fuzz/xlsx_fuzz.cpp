@@ -1,8 +1,8 @@
 // Feeds any bytes to the .xlsx reader: as the archive itself, and as one sheet inside an intact archive,
 // which no fuzzer gets through compression to.
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/xlsx/xlsx_read.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 #include <cstdint>

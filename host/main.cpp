@@ -1,5 +1,5 @@
-#include "component/tool_api.h"
 #include "host/command_line.h"
+#include "tool/tool_api.h"
 
 #include <iostream>
 

@@ -4,7 +4,7 @@
 #include "demo/ledger/TradingCompany.h"
 #include "failures/failure_text.h"
 #include "platform/database/Connection.h"
-#include "platform/database/sql_text.h"
+#include "platform/database/dialect/sql_text.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 
 #include <algorithm>

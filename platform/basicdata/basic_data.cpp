@@ -1,7 +1,7 @@
 #include "platform/basicdata/basic_data.h"
 
 #include "platform/database/Connection.h"
-#include "platform/database/sql_text.h"
+#include "platform/database/dialect/sql_text.h"
 
 #include <QHash>
 

@@ -4,7 +4,7 @@
 #include "platform/basicdata/clsAccountChooser.h"
 #include "platform/basicdata/clsItemChooser.h"
 #include "platform/database/Connection.h"
-#include "platform/dialogs/Dialogs.h"
+#include "platform/services/Dialogs.h"
 
 #include <exception>
 #include <functional>

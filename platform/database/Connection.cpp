@@ -1,6 +1,6 @@
 #include "platform/database/Connection.h"
 
-#include "platform/database/connection_string.h"
+#include "platform/database/dialect/connection_string.h"
 #include "platform/database/odbc/OdbcSession.h"
 #include "platform/database/Session.h"
 #include "platform/database/SessionPool.h"

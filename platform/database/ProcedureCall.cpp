@@ -1,7 +1,7 @@
 #include "platform/database/ProcedureCall.h"
 
-#include "platform/database/code_page.h"
-#include "platform/database/sql_text.h"
+#include "platform/database/dialect/code_page.h"
+#include "platform/database/dialect/sql_text.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "platform/printers/CupsPrintService.h"
 
-#include "platform/CLocale.h"
+#include "platform/services/CLocale.h"
 
 #include <algorithm>
 #include <array>

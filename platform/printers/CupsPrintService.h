@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/printers/PrintService.h"
+#include "platform/services/PrintService.h"
 
 namespace selfreport {
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/dialogs/UserWait.h"
+#include "platform/services/UserWait.h"
 #include "platform/windows/WaitCursor.h"
 #include "platform/windows/WaitingDialog.h"
 

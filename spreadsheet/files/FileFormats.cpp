@@ -1,6 +1,5 @@
 #include "spreadsheet/files/FileFormats.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/content.h"
 #include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/PendingFile.h"
@@ -10,6 +9,7 @@
 #include "spreadsheet/files/xls/xls_write.h"
 #include "spreadsheet/files/xlsx/xlsx_read.h"
 #include "spreadsheet/files/xlsx/xlsx_write.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,10 @@
 #include "spreadsheet/files/content.h"
 
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/files/content_frame.h"
 #include "spreadsheet/files/stored_sheets.h"
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/NameTable.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 namespace spreadsheet {
 

@@ -1,9 +1,9 @@
 #include "spreadsheet/files/stored_cells.h"
 
-#include "spreadsheet/engine/Sheet.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/stored_vector.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,8 +1,8 @@
 #include "spreadsheet/files/stored_cells.h"
 
-#include "spreadsheet/engine/Sheet.h"
 #include "spreadsheet/files/content_frame.h"
 #include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <bit>
 #include <cmath>

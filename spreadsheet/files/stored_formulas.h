@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/stored_texts.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <span>
 

@@ -1,9 +1,9 @@
 #include "spreadsheet/files/stored_sheets.h"
 
-#include "spreadsheet/engine/Sheet.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/range_overlap.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <algorithm>
 

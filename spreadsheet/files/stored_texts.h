@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/Text.h"
+#include "spreadsheet/values/Text.h"
 
 #include <content_generated.h>
 

@@ -1,10 +1,10 @@
 #include "spreadsheet/formula/Compiler.h"
 
-#include "spreadsheet/formula/Array.h"
-#include "spreadsheet/formula/case_fold.h"
+#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/formula/CustomFunctions.h"
-#include "spreadsheet/formula/NameTable.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/values/Array.h"
+#include "spreadsheet/values/case_fold.h"
 
 #include <algorithm>
 #include <array>

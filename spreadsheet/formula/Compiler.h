@@ -1,7 +1,7 @@
 #pragma once
-#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/formula/Formula.h"
 #include "spreadsheet/formula/Lexer.h"
+#include "spreadsheet/values/Refusal.h"
 
 #include <optional>
 

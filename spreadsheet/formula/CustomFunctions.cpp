@@ -1,6 +1,6 @@
 #include "spreadsheet/formula/CustomFunctions.h"
 
-#include "spreadsheet/formula/case_fold.h"
+#include "spreadsheet/values/case_fold.h"
 
 namespace spreadsheet {
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/CustomFunction.h"
+#include "spreadsheet/formula/CustomFunction.h"
 
 #include <string>
 #include <unordered_map>

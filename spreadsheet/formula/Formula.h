@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/Value.h"
 #include "spreadsheet/formula/ReferenceSlot.h"
+#include "spreadsheet/values/Value.h"
 
 #include <cstdint>
 #include <memory>

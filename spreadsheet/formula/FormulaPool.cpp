@@ -1,6 +1,6 @@
 #include "spreadsheet/formula/FormulaPool.h"
 
-#include "spreadsheet/formula/BlockEvaluator.h"
+#include "spreadsheet/calculation/BlockEvaluator.h"
 #include "spreadsheet/formula/Compiler.h"
 
 namespace spreadsheet {

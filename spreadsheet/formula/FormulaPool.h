@@ -1,9 +1,9 @@
 #pragma once
-#include "spreadsheet/engine/Refusal.h"
+#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/formula/CustomFunctions.h"
 #include "spreadsheet/formula/Formula.h"
 #include "spreadsheet/formula/Lexer.h"
-#include "spreadsheet/formula/NameTable.h"
+#include "spreadsheet/values/Refusal.h"
 
 #include <deque>
 #include <functional>

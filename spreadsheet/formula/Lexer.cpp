@@ -1,6 +1,6 @@
 #include "spreadsheet/formula/Lexer.h"
 
-#include "spreadsheet/engine/CellError.h"
+#include "spreadsheet/values/CellError.h"
 
 #include <algorithm>
 #include <array>

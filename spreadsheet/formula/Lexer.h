@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/Refusal.h"
 #include "spreadsheet/formula/ReferenceSlot.h"
+#include "spreadsheet/values/Refusal.h"
 
 #include <functional>
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
-#include "spreadsheet/engine/CellAddress.h"
-#include "spreadsheet/engine/Value.h"
-#include "spreadsheet/formula/Array.h"
+#include "spreadsheet/values/Array.h"
+#include "spreadsheet/values/CellAddress.h"
+#include "spreadsheet/values/Value.h"
 
 #include <memory>
 #include <variant>

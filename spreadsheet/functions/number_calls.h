@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/functions/Call.h"
+#include "spreadsheet/calculation/Call.h"
 
 namespace spreadsheet {
 

@@ -1,7 +1,7 @@
 #include "spreadsheet/functions/plain_arguments.h"
 
-#include "spreadsheet/engine/date_serial.h"
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/values/date_serial.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <limits>
 

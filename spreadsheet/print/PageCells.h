@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/Sheet.h"
 #include "spreadsheet/print/PageLayout.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <QString>
 

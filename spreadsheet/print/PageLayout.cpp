@@ -1,6 +1,6 @@
 #include "spreadsheet/print/PageLayout.h"
 
-#include "spreadsheet/engine/Sheet.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <algorithm>
 #include <numeric>

@@ -1,7 +1,7 @@
 #pragma once
-#include "spreadsheet/engine/CellAddress.h"
-#include "spreadsheet/engine/header_footer.h"
+#include "spreadsheet/display/header_footer.h"
 #include "spreadsheet/print/page_bands.h"
+#include "spreadsheet/values/CellAddress.h"
 
 #include <optional>
 #include <stdexcept>

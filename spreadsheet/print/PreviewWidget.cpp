@@ -1,8 +1,8 @@
 #include "spreadsheet/print/PreviewWidget.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/print/PagePainter.h"
 #include "spreadsheet/print/PageText.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <QKeyEvent>
 #include <QPainter>

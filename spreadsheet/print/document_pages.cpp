@@ -1,9 +1,9 @@
 #include "spreadsheet/print/document_pages.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PagePainter.h"
 #include "spreadsheet/print/PageText.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <QPagedPaintDevice>
 #include <QPageLayout>

@@ -1,10 +1,10 @@
 #include "spreadsheet/print/pdf.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/print/GlyphRecord.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/print/text_layer.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <QBuffer>
 #include <QFontDatabase>

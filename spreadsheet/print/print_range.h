@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/CellAddress.h"
+#include "spreadsheet/values/CellAddress.h"
 
 #include <optional>
 

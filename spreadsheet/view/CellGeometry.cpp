@@ -1,6 +1,6 @@
 #include "spreadsheet/view/CellGeometry.h"
 
-#include "spreadsheet/engine/Sheet.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/CellAddress.h"
 #include "spreadsheet/print/PageCells.h"
+#include "spreadsheet/values/CellAddress.h"
 #include "spreadsheet/view/AxisPositions.h"
 
 #include <QRect>

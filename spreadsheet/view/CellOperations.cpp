@@ -1,7 +1,7 @@
 #include "spreadsheet/view/CellOperations.h"
 
-#include "spreadsheet/engine/typed_text.h"
 #include "spreadsheet/print/PageCells.h"
+#include "spreadsheet/workbook/typed_text.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,9 +1,9 @@
 #include "spreadsheet/view/CellPainter.h"
 
-#include "spreadsheet/engine/Sheet.h"
 #include "spreadsheet/print/cell_backgrounds.h"
 #include "spreadsheet/print/cell_lines.h"
 #include "spreadsheet/print/cell_text.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,6 +1,6 @@
 #include "spreadsheet/view/DateEntry.h"
 
-#include "spreadsheet/engine/date_serial.h"
+#include "spreadsheet/values/date_serial.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <QCalendarWidget>

@@ -1,10 +1,10 @@
 #include "spreadsheet/view/FormulaText.h"
 
-#include "spreadsheet/engine/number_text.h"
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/functions/characters.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/values/characters.h"
+#include "spreadsheet/values/number_text.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 

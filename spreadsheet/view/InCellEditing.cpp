@@ -1,10 +1,10 @@
 #include "spreadsheet/view/InCellEditing.h"
 
-#include "spreadsheet/engine/typed_text.h"
-#include "spreadsheet/functions/characters.h"
+#include "spreadsheet/values/characters.h"
 #include "spreadsheet/view/CellEditor.h"
 #include "spreadsheet/view/commands/edited_text.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "spreadsheet/workbook/typed_text.h"
 
 #include <QApplication>
 #include <QKeyEvent>

@@ -1,7 +1,7 @@
 #include "spreadsheet/view/SelectionPainter.h"
 
-#include "spreadsheet/engine/Sheet.h"
 #include "spreadsheet/view/Selection.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <QPainter>
 #include <QRegion>

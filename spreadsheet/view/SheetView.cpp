@@ -1,6 +1,6 @@
 #include "spreadsheet/view/SheetView.h"
 
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <QPainter>
 #include <QWidget>

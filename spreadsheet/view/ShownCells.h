@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/Value.h"
+#include "spreadsheet/values/Value.h"
 #include "spreadsheet/view/CellGeometry.h"
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/changed_cells.h"
+#include "spreadsheet/cells/changed_cells.h"
 #include "spreadsheet/view/CellEditing.h"
 #include "spreadsheet/view/CellOperations.h"
 #include "spreadsheet/view/commands/find_replace.h"

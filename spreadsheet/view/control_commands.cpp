@@ -1,9 +1,9 @@
 // Commands on contents: undo, clipboard, filling, sorting, searching.
-#include "spreadsheet/engine/UndoJournal.h"
 #include "spreadsheet/view/commands/fill.h"
 #include "spreadsheet/view/commands/go_to.h"
 #include "spreadsheet/view/commands/structure.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "spreadsheet/workbook/UndoJournal.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

@@ -1,8 +1,8 @@
 // Cursor, selection, sheets: moving by program and by the user.
-#include "spreadsheet/engine/UndoJournal.h"
 #include "spreadsheet/view/SheetTabs.h"
 #include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "spreadsheet/workbook/UndoJournal.h"
 
 #include <QApplication>
 #include <QFocusEvent>

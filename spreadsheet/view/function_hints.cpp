@@ -1,9 +1,9 @@
 #include "spreadsheet/view/function_hints.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/formula/FunctionTable.h"
 #include "spreadsheet/print/PageCells.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "spreadsheet/view/key_moves.h"
 
-#include "spreadsheet/engine/Sheet.h"
 #include "spreadsheet/view/CellGeometry.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "spreadsheet/view/locked_cells.h"
 
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 

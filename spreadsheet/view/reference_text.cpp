@@ -1,7 +1,7 @@
 #include "spreadsheet/view/reference_text.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/formula/ReferenceSlot.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <QRegularExpression>
 #include <QStringList>

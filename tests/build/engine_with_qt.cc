@@ -1,4 +1,4 @@
 // Must not compile with the include folders of the engine.
-#include "spreadsheet/engine/Value.h"
+#include "spreadsheet/values/Value.h"
 
 #include <QString>

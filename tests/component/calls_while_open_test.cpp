@@ -1,10 +1,10 @@
 // Calls of the host while windows are open: from timers, out of every state.
-#include "catalogue/report_store.h"
 #include "component/clsSelfReport.h"
 #include "component/windows.h"
-#include "platform/dialogs/QtDialogs.h"
 #include "platform/list_grid/ListGrid.h"
-#include "tests/designer/DesignerTest.h"
+#include "platform/toolkit/QtDialogs.h"
+#include "reports/report_store.h"
+#include "tests/windows/designer/DesignerTest.h"
 
 #include <QLabel>
 #include <QPushButton>

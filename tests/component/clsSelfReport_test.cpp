@@ -1,6 +1,6 @@
 #include "component/clsSelfReport.h"
-#include "component/state/shared_state.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
+#include "state/shared_state.h"
 #include "tests/platform/WindowTest.h"
 
 #include <filesystem>

@@ -1,8 +1,8 @@
 #include "component/frmHost.h"
 
 #include "platform/list_grid/ListGrid.h"
-#include "platform/settings/QtSettings.h"
-#include "tests/formula/TestLedger.h"
+#include "platform/toolkit/QtSettings.h"
+#include "tests/fetch/TestLedger.h"
 #include "tests/platform/WindowTest.h"
 
 #include <QLineEdit>

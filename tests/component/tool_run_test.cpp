@@ -1,8 +1,8 @@
-#include "component/tool_api.h"
+#include "tool/tool_api.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/content.h"
-#include "tests/formula/TestLedger.h"
+#include "spreadsheet/workbook/Workbook.h"
+#include "tests/fetch/TestLedger.h"
 
 #include <filesystem>
 #include <fstream>

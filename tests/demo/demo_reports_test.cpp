@@ -1,12 +1,12 @@
 #include "demo/demo_reports.h"
 
-#include "component/report_run.h"
-#include "component/state/shared_state.h"
 #include "demo/demo_check.h"
 #include "demo/labelled_cell.h"
 #include "demo/ledger/demo_ledger.h"
 #include "platform/database/Connection.h"
 #include "spreadsheet/files/text/csv.h"
+#include "state/shared_state.h"
+#include "tool/report_run.h"
 
 #include <cmath>
 #include <filesystem>

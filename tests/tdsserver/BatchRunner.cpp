@@ -1,6 +1,6 @@
 #include "tests/tdsserver/BatchRunner.h"
 
-#include "platform/database/sql_text.h"
+#include "platform/database/dialect/sql_text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/database/sqlite/sql_tokens.h"
+#include "platform/database/dialect/sql_tokens.h"
 #include "tests/tdsserver/Ledger.h"
 #include "tests/tdsserver/Reply.h"
 

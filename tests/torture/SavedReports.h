@@ -1,6 +1,6 @@
 #pragma once
-#include "catalogue/report_store.h"
-#include "tests/formula/TestLedger.h"
+#include "reports/report_store.h"
+#include "tests/fetch/TestLedger.h"
 
 #include <functional>
 #include <string>

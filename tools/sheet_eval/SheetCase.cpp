@@ -1,7 +1,7 @@
 #include "tools/sheet_eval/SheetCase.h"
 
-#include "spreadsheet/formula/Array.h"
 #include "spreadsheet/formula/ReferenceSlot.h"
+#include "spreadsheet/values/Array.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,9 +1,9 @@
 #include "platform/database/odbc/OdbcSession.h"
 
-#include "platform/CLocale.h"
 #include "platform/database/odbc/odbc_diagnostics.h"
 #include "platform/database/odbc/odbc_text.h"
 #include "platform/database/odbc/procedure_batch.h"
+#include "platform/services/CLocale.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,6 +1,6 @@
 #include "platform/database/odbc/procedure_batch.h"
 
-#include "platform/database/sql_text.h"
+#include "platform/database/dialect/sql_text.h"
 
 #include <utility>
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/database/sqlite/sql_tokens.h"
+#include "platform/database/dialect/sql_tokens.h"
 
 #include <cstddef>
 #include <string>

@@ -1,6 +1,6 @@
 #include "platform/database/sqlite/LikePattern.h"
 
-#include "platform/database/sqlite/chinese_collation.h"
+#include "platform/database/dialect/chinese_collation.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "platform/database/sqlite/sqlite_functions.h"
 
 #include "platform/database/DatabaseError.h"
-#include "platform/database/sqlite/chinese_collation.h"
+#include "platform/database/dialect/chinese_collation.h"
 #include "platform/database/sqlite/LikePattern.h"
 #include "platform/database/sqlite/sqlite_failure.h"
 #include "platform/database/SqlValue.h"

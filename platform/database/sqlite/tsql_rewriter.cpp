@@ -1,6 +1,6 @@
 #include "platform/database/sqlite/tsql_rewriter.h"
 
-#include "platform/database/sqlite/sql_tokens.h"
+#include "platform/database/dialect/sql_tokens.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/Sheet.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <vector>
 

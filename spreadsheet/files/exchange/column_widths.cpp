@@ -1,6 +1,6 @@
 #include "spreadsheet/files/exchange/column_widths.h"
 
-#include "spreadsheet/engine/SheetSettings.h"
+#include "spreadsheet/cells/SheetSettings.h"
 
 #include <algorithm>
 #include <cmath>

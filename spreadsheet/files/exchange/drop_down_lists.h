@@ -1,7 +1,7 @@
 #pragma once
-#include "spreadsheet/engine/Sheet.h"
-#include "spreadsheet/engine/StylePool.h"
+#include "spreadsheet/cells/StylePool.h"
 #include "spreadsheet/files/exchange/Warnings.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <string>
 #include <vector>

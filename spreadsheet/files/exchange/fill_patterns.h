@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/CellStyle.h"
+#include "spreadsheet/display/CellStyle.h"
 
 #include <array>
 

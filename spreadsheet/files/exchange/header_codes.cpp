@@ -1,6 +1,6 @@
 #include "spreadsheet/files/exchange/header_codes.h"
 
-#include "spreadsheet/engine/header_footer.h"
+#include "spreadsheet/display/header_footer.h"
 
 #include <array>
 #include <charconv>

@@ -1,7 +1,7 @@
 #include "spreadsheet/files/exchange/page_margins.h"
 
-#include "spreadsheet/engine/header_footer.h"
-#include "spreadsheet/engine/SheetSettings.h"
+#include "spreadsheet/cells/SheetSettings.h"
+#include "spreadsheet/display/header_footer.h"
 
 #include <algorithm>
 

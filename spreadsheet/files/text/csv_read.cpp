@@ -1,9 +1,9 @@
-#include "spreadsheet/engine/typed_text.h"
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/CodePage.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/text/csv.h"
+#include "spreadsheet/workbook/typed_text.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/text/csv.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 namespace spreadsheet {
 

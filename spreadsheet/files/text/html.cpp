@@ -1,7 +1,7 @@
 #include "spreadsheet/files/text/html.h"
 
-#include "spreadsheet/engine/html_escape.h"
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/values/html_escape.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "spreadsheet/files/xls/FormulaReader.h"
 
-#include "spreadsheet/engine/display_text.h"
+#include "spreadsheet/display/display_text.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xls/cell_codes.h"
 #include "spreadsheet/files/xls/function_numbers.h"

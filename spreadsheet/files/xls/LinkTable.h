@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/xls/RecordWriter.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <map>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
-#include "spreadsheet/engine/CellAddress.h"
 #include "spreadsheet/files/exchange/CodePage.h"
 #include "spreadsheet/files/xls/RecordStream.h"
+#include "spreadsheet/values/CellAddress.h"
 
 #include <map>
 #include <string>

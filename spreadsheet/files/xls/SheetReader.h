@@ -1,5 +1,4 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/exchange/CodePage.h"
 #include "spreadsheet/files/exchange/drop_down_lists.h"
 #include "spreadsheet/files/exchange/Warnings.h"
@@ -8,6 +7,7 @@
 #include "spreadsheet/files/xls/RecordStream.h"
 #include "spreadsheet/files/xls/StyleTable.h"
 #include "spreadsheet/formula/Lexer.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <map>
 #include <vector>

@@ -1,11 +1,11 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/exchange/SharedTexts.h"
 #include "spreadsheet/files/exchange/StoredRows.h"
 #include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/xls/RecordWriter.h"
 #include "spreadsheet/files/xls/XlsFormulas.h"
 #include "spreadsheet/files/xls/XlsStyles.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <vector>
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/StylePool.h"
+#include "spreadsheet/cells/StylePool.h"
 #include "spreadsheet/files/exchange/CodePage.h"
 #include "spreadsheet/files/exchange/Palette.h"
 #include "spreadsheet/files/exchange/Warnings.h"

@@ -1,7 +1,7 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/xls/LinkTable.h"
 #include "spreadsheet/formula/Formula.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <optional>
 #include <string>

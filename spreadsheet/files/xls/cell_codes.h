@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/CellError.h"
+#include "spreadsheet/values/CellError.h"
 
 #include <array>
 #include <bit>

@@ -1,7 +1,7 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/xls/XlsLinks.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <string>
 #include <vector>

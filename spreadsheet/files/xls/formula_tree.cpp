@@ -1,6 +1,6 @@
 #include "spreadsheet/files/xls/formula_tree.h"
 
-#include "spreadsheet/engine/CellError.h"
+#include "spreadsheet/values/CellError.h"
 
 #include <array>
 

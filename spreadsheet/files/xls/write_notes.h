@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/CellAddress.h"
 #include "spreadsheet/files/xls/RecordWriter.h"
+#include "spreadsheet/values/CellAddress.h"
 
 #include <map>
 #include <string>

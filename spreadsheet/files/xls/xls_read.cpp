@@ -1,11 +1,11 @@
 #include "spreadsheet/files/xls/xls_read.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/ole2/CompoundFile.h"
 #include "spreadsheet/files/xls/defined_names.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/SheetReader.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 namespace spreadsheet {
 

@@ -1,6 +1,6 @@
 #include "spreadsheet/files/xlsx/XlsxCellWriter.h"
 
-#include "spreadsheet/engine/SheetSettings.h"
+#include "spreadsheet/cells/SheetSettings.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/formula/FormulaPool.h"

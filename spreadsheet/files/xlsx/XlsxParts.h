@@ -1,9 +1,9 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/exchange/SharedTexts.h"
 #include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/xlsx/XlsxStyleSheet.h"
 #include "spreadsheet/formula/Lexer.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 namespace spreadsheet {
 

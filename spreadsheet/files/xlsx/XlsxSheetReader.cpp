@@ -1,7 +1,5 @@
 #include "spreadsheet/files/xlsx/XlsxSheetReader.h"
 
-#include "spreadsheet/engine/date_serial.h"
-#include "spreadsheet/engine/number_text.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/column_widths.h"
 #include "spreadsheet/files/exchange/header_codes.h"
@@ -10,6 +8,8 @@
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/files/xlsx/xml.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/values/date_serial.h"
+#include "spreadsheet/values/number_text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/exchange/drop_down_lists.h"
 #include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/xlsx/XlsxStyles.h"
 #include "spreadsheet/formula/Lexer.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <pugixml.hpp>
 #include <unordered_map>

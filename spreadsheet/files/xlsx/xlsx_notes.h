@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/SheetSettings.h"
+#include "spreadsheet/cells/SheetSettings.h"
 #include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/xlsx/XmlWriter.h"
 

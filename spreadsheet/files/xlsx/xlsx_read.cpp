@@ -1,12 +1,12 @@
 #include "spreadsheet/files/xlsx/xlsx_read.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/xlsx/Archive.h"
 #include "spreadsheet/files/xlsx/Relations.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/files/xlsx/XlsxSheetReader.h"
 #include "spreadsheet/files/xlsx/xml.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,6 @@
 #include "spreadsheet/files/xlsx/xlsx_write.h"
 
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xlsx/ArchiveWriter.h"
@@ -10,7 +10,7 @@
 #include "spreadsheet/files/xlsx/XlsxParts.h"
 #include "spreadsheet/files/xlsx/XlsxSheetWriter.h"
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/NameTable.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 namespace spreadsheet {
 

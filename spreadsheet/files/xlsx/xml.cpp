@@ -1,9 +1,9 @@
 #include "spreadsheet/files/xlsx/xml.h"
 
-#include "spreadsheet/engine/number_text.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xlsx/Archive.h"
+#include "spreadsheet/values/number_text.h"
 
 #include <algorithm>
 #include <charconv>

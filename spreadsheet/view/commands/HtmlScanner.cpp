@@ -1,6 +1,6 @@
 #include "spreadsheet/view/commands/HtmlScanner.h"
 
-#include "spreadsheet/functions/characters.h"
+#include "spreadsheet/values/characters.h"
 #include "spreadsheet/view/commands/html_look.h"
 
 #include <algorithm>

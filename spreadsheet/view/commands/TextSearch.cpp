@@ -1,6 +1,6 @@
 #include "spreadsheet/view/commands/TextSearch.h"
 
-#include "spreadsheet/functions/characters.h"
+#include "spreadsheet/values/characters.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/functions/wildcards.h"
+#include "spreadsheet/calculation/wildcards.h"
 
 #include <array>
 #include <optional>

@@ -1,9 +1,9 @@
 #include "spreadsheet/view/commands/clipboard.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/view/commands/html_table.h"
 #include "spreadsheet/view/commands/html_text.h"
 #include "spreadsheet/view/commands/tab_text.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <QMimeData>
 #include <QRandomGenerator>

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/Refusal.h"
+#include "spreadsheet/values/Refusal.h"
 #include "spreadsheet/view/commands/packed_cells.h"
 #include "spreadsheet/view/commands/PastedTable.h"
 

@@ -1,10 +1,10 @@
 #include "spreadsheet/view/commands/edited_text.h"
 
-#include "spreadsheet/engine/display_text.h"
-#include "spreadsheet/engine/typed_text.h"
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/display/display_text.h"
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/workbook/typed_text.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <array>
 #include <charconv>

@@ -1,8 +1,8 @@
 #include "spreadsheet/view/commands/fill.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/view/commands/fill_series.h"
 #include "spreadsheet/view/commands/paste.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 

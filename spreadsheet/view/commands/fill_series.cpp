@@ -1,7 +1,7 @@
 #include "spreadsheet/view/commands/fill_series.h"
 
-#include "spreadsheet/engine/date_serial.h"
-#include "spreadsheet/engine/decimal.h"
+#include "spreadsheet/values/date_serial.h"
+#include "spreadsheet/values/decimal.h"
 #include "spreadsheet/view/commands/text_series.h"
 
 #include <algorithm>

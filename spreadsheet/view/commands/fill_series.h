@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/CellStyle.h"
-#include "spreadsheet/engine/LiftedCells.h"
+#include "spreadsheet/cells/LiftedCells.h"
+#include "spreadsheet/display/CellStyle.h"
 
 #include <functional>
 #include <string>

@@ -1,9 +1,9 @@
 #include "spreadsheet/view/commands/find_replace.h"
 
-#include "spreadsheet/engine/display_text.h"
-#include "spreadsheet/engine/typed_text.h"
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/display/display_text.h"
 #include "spreadsheet/view/commands/edited_text.h"
+#include "spreadsheet/workbook/typed_text.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #include "spreadsheet/view/commands/go_to.h"
 
-#include "spreadsheet/engine/number_text.h"
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/values/number_text.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "spreadsheet/view/commands/html_look.h"
 
-#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/values/number_text.h"
 
 #include <algorithm>
 #include <array>

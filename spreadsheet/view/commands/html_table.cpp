@@ -1,7 +1,7 @@
 #include "spreadsheet/view/commands/html_table.h"
 
-#include "spreadsheet/engine/CellAddress.h"
-#include "spreadsheet/engine/number_text.h"
+#include "spreadsheet/values/CellAddress.h"
+#include "spreadsheet/values/number_text.h"
 #include "spreadsheet/view/commands/html_look.h"
 #include "spreadsheet/view/commands/HtmlScanner.h"
 

@@ -1,8 +1,8 @@
 #include "spreadsheet/view/commands/html_text.h"
 
-#include "spreadsheet/engine/display_text.h"
-#include "spreadsheet/engine/html_escape.h"
-#include "spreadsheet/engine/Sheet.h"
+#include "spreadsheet/display/display_text.h"
+#include "spreadsheet/values/html_escape.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #include "spreadsheet/view/commands/packed_cells.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/view/commands/packed_fields.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <QDataStream>
 #include <QIODevice>

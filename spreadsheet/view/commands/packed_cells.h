@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/LiftedCells.h"
-#include "spreadsheet/engine/Refusal.h"
+#include "spreadsheet/cells/LiftedCells.h"
+#include "spreadsheet/values/Refusal.h"
 
 #include <QByteArray>
 

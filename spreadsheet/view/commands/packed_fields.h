@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/CellAddress.h"
-#include "spreadsheet/engine/CellStyle.h"
+#include "spreadsheet/display/CellStyle.h"
+#include "spreadsheet/values/CellAddress.h"
 
 #include <QByteArray>
 

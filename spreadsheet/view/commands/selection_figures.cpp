@@ -1,7 +1,7 @@
 #include "spreadsheet/view/commands/selection_figures.h"
 
-#include "spreadsheet/engine/decimal.h"
-#include "spreadsheet/engine/Sheet.h"
+#include "spreadsheet/values/decimal.h"
+#include "spreadsheet/workbook/Sheet.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "spreadsheet/view/commands/sort_block.h"
 
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <QCollator>
 #include <QLocale>

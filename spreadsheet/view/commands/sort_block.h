@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/CellAddress.h"
-#include "spreadsheet/engine/Refusal.h"
+#include "spreadsheet/values/CellAddress.h"
+#include "spreadsheet/values/Refusal.h"
 
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 #include "spreadsheet/view/commands/structure.h"
 
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 #include <ranges>

@@ -1,7 +1,7 @@
 #include "platform/basicdata/ChooserWindow.h"
 #include "platform/basicdata/clsAccountChooser.h"
 #include "platform/basicdata/clsItemChooser.h"
-#include "tests/formula/TestLedger.h"
+#include "tests/fetch/TestLedger.h"
 #include "tests/platform/WindowTest.h"
 
 #include <QLineEdit>

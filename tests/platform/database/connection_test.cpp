@@ -1,6 +1,6 @@
 #include "platform/database/Connection.h"
 
-#include "platform/database/sql_text.h"
+#include "platform/database/dialect/sql_text.h"
 #include "platform/database/sqlite/binary_columns.h"
 #include "platform/database/sqlite/sqlite_failure.h"
 #include "tests/CommaLocale.h"

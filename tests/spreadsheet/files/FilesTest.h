@@ -1,8 +1,8 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/NameTable.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/content.h"
 #include "spreadsheet/files/content_frame.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <cstring>
 #include <fstream>

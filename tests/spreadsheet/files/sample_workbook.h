@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <stdexcept>
 #include <string>

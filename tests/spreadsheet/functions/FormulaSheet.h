@@ -1,8 +1,8 @@
 #pragma once
-#include "spreadsheet/engine/decimal.h"
-#include "spreadsheet/engine/display_text.h"
-#include "spreadsheet/engine/number_text.h"
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/display/display_text.h"
+#include "spreadsheet/values/decimal.h"
+#include "spreadsheet/values/number_text.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <gtest/gtest.h>
 #include <initializer_list>

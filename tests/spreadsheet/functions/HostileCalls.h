@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/engine/Workbook.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 #include <array>

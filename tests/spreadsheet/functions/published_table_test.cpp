@@ -1,4 +1,4 @@
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/formula/FunctionTable.h"
 #include "tests/spreadsheet/functions/FormulaSheet.h"
 
 #include <cctype>
@@ -36,7 +36,7 @@ std::set<std::string> calledInTests()
     const auto belongs = [](char c) { return std::isupper(c) || std::isdigit(c) || c == '.'; };
     std::set<std::string> names;
     const std::filesystem::path folder = TEST_DATA_FOLDER "/../spreadsheet/functions";
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         const std::string text = contentOf(entry.path());
         for (std::size_t at = 0; (at = text.find('(', at)) != text.npos; ++at) {
             std::size_t begin = at;

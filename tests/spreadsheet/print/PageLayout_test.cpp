@@ -1,5 +1,5 @@
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/print/PageLayout.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <gtest/gtest.h>
 

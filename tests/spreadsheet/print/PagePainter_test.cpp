@@ -1,6 +1,6 @@
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/print/PagePainter.h"
 #include "spreadsheet/print/PageText.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <gtest/gtest.h>
 #include <QImage>

@@ -1,6 +1,6 @@
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/print/pdf.h"
+#include "spreadsheet/workbook/Workbook.h"
 #include "tests/CommaLocale.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "spreadsheet/view/FormulaEntry.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/view/reference_text.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Filling by mouse and by keys.
-#include "spreadsheet/engine/typed_text.h"
+#include "spreadsheet/workbook/typed_text.h"
 #include "tests/spreadsheet/view/ControlTest.h"
 
 namespace spreadsheet {

@@ -1,5 +1,5 @@
 // A user who does anything at all.
-#include "spreadsheet/engine/UndoJournal.h"
+#include "spreadsheet/workbook/UndoJournal.h"
 #include "tests/spreadsheet/view/ControlTest.h"
 
 #include <QClipboard>

@@ -1,5 +1,5 @@
 // Whatever road a refusal comes up by, its reason is told and nothing is another than before.
-#include "spreadsheet/engine/UndoJournal.h"
+#include "spreadsheet/workbook/UndoJournal.h"
 #include "tests/spreadsheet/view/ControlTest.h"
 
 #include <QClipboard>

@@ -1,6 +1,6 @@
 #include "platform/database/Connection.h"
 
-#include "platform/database/connection_string.h"
+#include "platform/database/dialect/connection_string.h"
 #include "platform/database/odbc/odbc_string.h"
 #include "platform/database/odbc/odbc_text.h"
 #include "tests/platform/database/database_folder.h"

@@ -1,4 +1,4 @@
-#include "platform/database/sqlite/chinese_collation.h"
+#include "platform/database/dialect/chinese_collation.h"
 
 #include "platform/database/sqlite/LikePattern.h"
 #include "tests/platform/database/database_folder.h"

@@ -1,6 +1,6 @@
 #include "platform/database/sqlite/acct_kinds.h"
 
-#include "platform/database/sqlite/sql_tokens.h"
+#include "platform/database/dialect/sql_tokens.h"
 #include "tests/platform/database/database_folder.h"
 
 #include <fstream>

@@ -1,9 +1,9 @@
 #include "spreadsheet/files/text/csv.h"
 
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/CodePage.h"
 #include "spreadsheet/files/text/html.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "spreadsheet/view/commands/edited_text.h"
 
-#include "spreadsheet/engine/typed_text.h"
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/workbook/typed_text.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <gtest/gtest.h>
 

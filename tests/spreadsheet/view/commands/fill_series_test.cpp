@@ -1,7 +1,7 @@
 #include "spreadsheet/view/commands/fill_series.h"
 
-#include "spreadsheet/engine/display_text.h"
-#include "spreadsheet/engine/typed_text.h"
+#include "spreadsheet/display/display_text.h"
+#include "spreadsheet/workbook/typed_text.h"
 
 #include <gtest/gtest.h>
 

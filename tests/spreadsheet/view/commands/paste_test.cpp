@@ -1,6 +1,6 @@
 #include "spreadsheet/view/commands/paste.h"
 
-#include "spreadsheet/engine/Workbook.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <gtest/gtest.h>
 #include <QMimeData>

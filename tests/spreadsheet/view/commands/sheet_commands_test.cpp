@@ -1,9 +1,9 @@
-#include "spreadsheet/engine/Workbook.h"
 #include "spreadsheet/view/commands/fill.h"
 #include "spreadsheet/view/commands/go_to.h"
 #include "spreadsheet/view/commands/selection_figures.h"
 #include "spreadsheet/view/commands/sort_block.h"
 #include "spreadsheet/view/commands/structure.h"
+#include "spreadsheet/workbook/Workbook.h"
 
 #include <gtest/gtest.h>
 

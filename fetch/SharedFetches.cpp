@@ -1,0 +1,140 @@
+#include "fetch/SharedFetches.h"
+
+#include "fetch/frmEditor1.h"
+#include "fetch/report_functions.h"
+#include "state/driver_call.h"
+#include "state/mdlMain.h"
+#include "state/shared_state.h"
+
+#include <exception>
+#include <utility>
+#include <vector>
+
+namespace selfreport {
+
+/// A referenced report after its evaluation, or why there is none.
+struct SharedFetches::LoadedReport {
+    explicit LoadedReport(SharedFetches* shared)
+        : hidden(shared)
+    {
+    }
+    frmEditor1 hidden;
+    ReportProblem problem;
+};
+
+namespace {
+
+/// A connection of its own for a wave: the shared one stays free for the calls. Null after a failed opening.
+std::unique_ptr<Connection> waveConnection()
+{
+    return openDB() ? std::exchange(gCnn, nullptr) : nullptr;
+}
+
+} // namespace
+
+SharedFetches::SharedFetches() = default;
+SharedFetches::~SharedFetches() = default;
+
+void SharedFetches::prepare(std::span<spreadsheet::PreparedCall> calls)
+{
+    std::set<std::string> names;
+    for (const spreadsheet::PreparedCall& call : calls)
+        if (const auto reference = referenceOf(call.asCall()))
+            names.insert(reference->report);
+    loadReports(names);
+    for (spreadsheet::PreparedCall& call : calls) {
+        const auto wanted = referenceOf(call.asCall());
+        if (!wanted || !m_reports.contains(wanted->report))
+            continue;
+        spreadsheet::FunctionCall answered = call.asCall();
+        answered.setResult(reference(*wanted).text);
+        call.expected = answered.result();
+    }
+    prepareLedger(calls);
+}
+
+void SharedFetches::prepareLedger(std::span<spreadsheet::PreparedCall> calls)
+{
+    std::set<LedgerArguments> wanted;
+    for (const spreadsheet::PreparedCall& call : calls)
+        if (auto arguments = ledgerArgumentsOf(call.asCall()))
+            wanted.insert(std::move(*arguments));
+    fetchLedgerAnswers(wanted);
+    for (spreadsheet::PreparedCall& call : calls) {
+        const auto arguments = ledgerArgumentsOf(call.asCall());
+        const auto found = arguments ? m_ledger.find(*arguments) : m_ledger.end();
+        if (found != m_ledger.end())
+            call.expected = spreadsheet::Value(found->second.amount.value_or(0));
+    }
+}
+
+void SharedFetches::fetchLedgerAnswers(const std::set<LedgerArguments>& wanted)
+{
+    std::vector<LedgerArguments> fetches;
+    for (const LedgerArguments& arguments : wanted)
+        if (!arguments.account.empty() && !m_ledger.contains(arguments))
+            fetches.push_back(arguments);
+    if (fetches.empty())
+        return;
+    std::unique_ptr<Connection> connection = waveConnection();
+    if (!connection)
+        return;
+    try {
+        using Answers = std::vector<std::optional<LedgerAnswer>>;
+        Answers answers = driverCall<Answers>(
+            connection, [fetches](Connection& open) { return fetchLedger(open, fetches); });
+        for (std::size_t i = 0; i < fetches.size(); ++i)
+            if (answers[i])
+                m_ledger.emplace(std::move(fetches[i]), std::move(*answers[i]));
+    } catch (const std::exception&) {
+        // Each call fetches for itself and keeps its own reason.
+    }
+}
+
+void SharedFetches::loadReports(const std::set<std::string>& names)
+{
+    std::vector<std::pair<std::string, std::optional<std::vector<std::byte>>>> contents;
+    std::unique_ptr<Connection> connection;
+    try {
+        for (const std::string& name : names) {
+            if (m_reports.contains(name))
+                continue;
+            if (!connection && !(connection = waveConnection()))
+                return;
+            contents.emplace_back(name, fetchedContent(connection, name));
+        }
+    } catch (const std::exception&) {
+        // What was read so far is good; the other calls fetch for themselves.
+    }
+    connection.reset(); // before the reports' own waves ask for one
+    for (const auto& [name, content] : contents) {
+        auto report = std::make_unique<LoadedReport>(this);
+        try {
+            if (content)
+                report->hidden.load(*content);
+            else
+                report->problem = missingReport(name);
+        } catch (const std::exception& error) {
+            report->problem = unreadableReport(name, error);
+        }
+        m_reports.emplace(name, std::move(report));
+    }
+}
+
+const LedgerAnswer& SharedFetches::ledger(const LedgerArguments& arguments)
+{
+    const auto found = m_ledger.find(arguments);
+    return found != m_ledger.end() ? found->second
+                                   : m_ledger.emplace(arguments, changeAcctInfo(arguments)).first->second;
+}
+
+ReferenceAnswer SharedFetches::reference(const ReportReference& reference)
+{
+    loadReports({reference.report});
+    const auto found = m_reports.find(reference.report);
+    if (found == m_reports.end())
+        return changeREF_FInfo(reference);
+    return readReferencedCell(found->second->hidden, reference, found->second->problem);
+}
+
+} // namespace selfreport

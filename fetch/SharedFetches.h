@@ -1,0 +1,43 @@
+#pragma once
+#include "fetch/inter_report_fetch.h"
+#include "fetch/ledger_fetch.h"
+#include "spreadsheet/formula/CustomFunction.h"
+
+#include <map>
+#include <memory>
+#include <set>
+#include <span>
+#include <string>
+
+namespace selfreport {
+
+/// The answers of one recalculation: equal ledger fetches are made once, referenced reports are loaded and
+/// evaluated once, and what a wave of cells needs is fetched in batches before the wave is evaluated. The
+/// values are the same as with one fetch for each call.
+class SharedFetches {
+public:
+    SharedFetches();
+    ~SharedFetches();
+    SharedFetches(const SharedFetches&) = delete;
+    SharedFetches& operator=(const SharedFetches&) = delete;
+
+    /// Fetches what the wave's `Acct` and `REF_F` calls need and tells each call's value. What cannot be
+    /// fetched here is left to the calls themselves. @throws WorkCancelled
+    void prepare(std::span<spreadsheet::PreparedCall> calls);
+    /// The same for `Acct` calls only.
+    void prepareLedger(std::span<spreadsheet::PreparedCall> calls);
+
+    const LedgerAnswer& ledger(const LedgerArguments& arguments);
+    ReferenceAnswer reference(const ReportReference& reference);
+
+private:
+    struct LoadedReport;
+
+    void fetchLedgerAnswers(const std::set<LedgerArguments>& wanted);
+    void loadReports(const std::set<std::string>& names);
+
+    std::map<LedgerArguments, LedgerAnswer> m_ledger;
+    std::map<std::string, std::unique_ptr<LoadedReport>, std::less<>> m_reports;
+};
+
+} // namespace selfreport

@@ -1,0 +1,69 @@
+#include "fetch/coverage_calls.h"
+
+#include "fetch/report_functions.h"
+#include "fetch/SharedFetches.h"
+#include "platform/services/UserWait.h"
+#include "spreadsheet/files/content.h"
+#include "spreadsheet/workbook/Workbook.h"
+#include "state/mdlMain.h"
+
+#include <algorithm>
+#include <functional>
+#include <tuple>
+
+namespace selfreport {
+
+namespace {
+
+/// A call whose fetch the user cancels keeps its value; the recalculation stops with its next pause.
+void evaluateUntilCancelled(spreadsheet::FunctionCall& call, const std::function<void()>& work)
+{
+    try {
+        guardedEvaluation(work);
+    } catch (const WorkCancelled&) {
+        call.decline();
+    }
+}
+
+/// Evaluates the workbook as a report and notes the calls of one sheet. False if the user cancelled.
+bool noteCalls(spreadsheet::Workbook& workbook, int sheet, SheetCalls& found)
+{
+    SharedFetches shared;
+    FetchLog unread;
+    workbook.registerFunction("Acct", 6, [&](spreadsheet::FunctionCall& call) {
+        auto arguments = ledgerArgumentsOf(call);
+        if (call.place().sheet == sheet && arguments)
+            found.calls.push_back({call.column(), call.row(), *std::move(arguments)});
+        else if (call.place().sheet == sheet)
+            ++found.unusable;
+        evaluateUntilCancelled(call, [&] { evaluateAcct(call, &shared, unread); });
+    });
+    workbook.registerFunction("REF_F", 3, [&](spreadsheet::FunctionCall& call) {
+        evaluateUntilCancelled(call, [&] { evaluateREF_F(call, &shared, unread); });
+    });
+    workbook.setPrepareHook([&](std::span<spreadsheet::PreparedCall> calls) {
+        try {
+            shared.prepare(calls);
+        } catch (const WorkCancelled&) {
+            return; // as above
+        }
+    });
+    workbook.setPauseHook([] { return userWait().pause(); });
+    return !workbook.recalculate().stopped;
+}
+
+} // namespace
+
+std::optional<SheetCalls> acctCallsOf(const spreadsheet::Workbook& workbook, int sheet)
+{
+    const RecalculationUnderWay underWay;
+    spreadsheet::Workbook copy;
+    spreadsheet::loadContent(copy, spreadsheet::saveContent(workbook));
+    SheetCalls found;
+    if (!noteCalls(copy, sheet, found))
+        return std::nullopt;
+    std::ranges::stable_sort(found.calls, {}, [](const CellCall& c) { return std::tuple(c.column, c.row); });
+    return found;
+}
+
+} // namespace selfreport

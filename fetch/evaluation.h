@@ -1,0 +1,80 @@
+#pragma once
+#include "fetch/diagnostics.h"
+#include "fetch/fetch_log.h"
+#include "spreadsheet/workbook/Workbook.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace selfreport {
+
+class SharedFetches;
+
+/// Cells that were stored while their formulas were shown are as data again: types from the tags.
+void showStoredValues(spreadsheet::Workbook& workbook);
+
+/// Evaluates the report functions of a report's workbook and switches between formulas and data. The workbook
+/// must outlive it. "Every cell" is every cell of every sheet.
+class ReportEvaluation {
+public:
+    explicit ReportEvaluation(spreadsheet::Workbook& workbook);
+    ~ReportEvaluation();
+    ReportEvaluation(const ReportEvaluation&) = delete;
+    ReportEvaluation& operator=(const ReportEvaluation&) = delete;
+
+    /// Makes `Acct` (6 parameters) and `REF_F` (3) known to the workbook. Nothing is recalculated.
+    void addSelfFunction();
+
+    /// Sharing off: each call makes its own fetch, as it would alone. On at first.
+    void setFetchesShared(bool shared) { m_fetchesShared = shared; }
+
+    // Recalculations. Each returns false if the waiting user cancelled it: every cell has the value that it
+    // had before, and the diagnostics are those of before.
+
+    /// Computes every formula with fresh fetches.
+    bool recalculate();
+    /// Computes what depends on changes since the last recalculation; everything, if cells whose fetch failed
+    /// have moved since.
+    bool recalculateChanged();
+
+    /// Keeps each cell's type in its tag; every formula cell becomes plain text and shows its formula. So
+    /// does every cell that gets a formula from now on, whatever puts it there.
+    void showFormulas();
+    /// Restores the types from the tags and recalculates.
+    bool showData();
+    /// What opening a stored report for use begins with: types from the tags, values as they were stored.
+    void showStoredData();
+    /// … and then does: one recalculation.
+    bool startRun();
+
+    /// 1 while the formulas are shown: the callback hands back nothing. Undo brings the former state back.
+    std::int16_t isShowFormula() const;
+
+    /// Why cells of the last recalculation have no value or a doubtful one, in the order of sheets, columns
+    /// and rows. After an incremental one the cells that it did not touch keep theirs.
+    const std::vector<CellDiagnostic>& diagnostics() const { return m_diagnostics; }
+    /// The workbook holds another content now.
+    void forgetDiagnostics();
+
+private:
+    void fps1_CustomFunction(spreadsheet::FunctionCall& call);
+    bool computed(const std::function<spreadsheet::RecalculationReport()>& recalculation);
+    void takeDiagnostics();
+    void keepDisplay();
+    std::string formulaAt(spreadsheet::CallPlace place) const;
+    bool failedFetchesMoved() const;
+
+    spreadsheet::Workbook& m_workbook;
+    SharedFetches* m_shared = nullptr; ///< of the recalculation under way
+    FetchLog m_log;
+    std::vector<CellDiagnostic> m_diagnostics;
+    std::map<spreadsheet::CallPlace, std::string>
+        m_failedFormulas; ///< what the cells with failed fetches held
+    bool m_fetchesShared = true;
+};
+
+} // namespace selfreport

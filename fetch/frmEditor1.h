@@ -1,0 +1,39 @@
+#pragma once
+#include "fetch/fetch_log.h"
+#include "spreadsheet/workbook/Workbook.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace selfreport {
+
+class SharedFetches;
+
+/// The workbook that is never shown: a referenced report is loaded into it, so that its own `Acct` formulas
+/// are evaluated before one of its cells is read. `REF_F` is unknown to it and shows #NAME?.
+class frmEditor1 {
+public:
+    /// @param shared  answers of the recalculation under way, shared with the report that refers to this one;
+    ///                null: every call fetches for itself
+    explicit frmEditor1(SharedFetches* shared = nullptr);
+
+    /// Replaces the workbook by a stored one and evaluates it. @throws spreadsheet::ContentError, and nothing
+    /// is loaded then
+    void load(std::span<const std::byte> content);
+
+    /// The fetch that makes a cell's figure doubtful: a failed one that it holds or is computed from, else
+    /// its own, else one that the procedure declined and that it is computed from. Null if there is none.
+    const DoubtfulFetch* doubtfulBehind(spreadsheet::CallPlace cell);
+
+    spreadsheet::Workbook fps1;
+    std::int16_t isShowFormula = 0; ///< never set to 1: the callback always evaluates
+    FetchLog log;
+
+private:
+    void fps1_CustomFunction(spreadsheet::FunctionCall& call);
+
+    SharedFetches* m_shared;
+};
+
+} // namespace selfreport

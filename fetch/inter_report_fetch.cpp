@@ -1,0 +1,162 @@
+#include "fetch/inter_report_fetch.h"
+
+#include "failures/failure_text.h"
+#include "fetch/frmEditor1.h"
+#include "fetch/ledger_query.h"
+#include "fetch/quoted_text.h"
+#include "platform/database/dialect/sql_text.h"
+#include "spreadsheet/values/number_text.h"
+#include "state/driver_call.h"
+#include "state/mdlMain.h"
+#include "state/shared_state.h"
+
+#include <charconv>
+#include <cmath>
+#include <exception>
+
+namespace selfreport {
+
+namespace {
+
+constexpr bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+/// 1 to 26 for a letter of either case, 0 for any other character.
+constexpr int letterNumber(char c)
+{
+    if (c >= 'a' && c <= 'z')
+        return c - 'a' + 1;
+    return c >= 'A' && c <= 'Z' ? c - 'A' + 1 : 0;
+}
+
+std::optional<std::int64_t> rowOf(std::string_view digits)
+{
+    std::int64_t row = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), row);
+    if (error != std::errc() || digits.empty())
+        return std::nullopt;
+    return row;
+}
+
+/// The sheet that a tab argument names; nothing if there is no such sheet.
+std::optional<int> namedSheet(const spreadsheet::Workbook& workbook, std::string_view tab)
+{
+    const std::optional<double> number = spreadsheet::parseNumber(tab);
+    const double index = number ? std::nearbyint(*number) : 0;
+    if (index < 1 || index > workbook.sheetCount())
+        return std::nullopt;
+    return static_cast<int>(index);
+}
+
+} // namespace
+
+ReferencedCell parseReferencedCell(std::string_view name)
+{
+    std::string letters;
+    std::string digits;
+    for (const char c : name)
+        (isDigit(c) ? digits : letters) += c;
+    ReferencedCell cell;
+    cell.row = rowOf(digits);
+    // A character beyond ASCII is several bytes long, and none of its bytes is a letter.
+    const int first = letters.empty() ? 0 : letterNumber(letters[0]);
+    const int second = letters.size() < 2 ? 0 : letterNumber(letters[1]);
+    if (letters.size() == 1 && first > 0)
+        cell.column = first;
+    else if (letters.size() == 2 && first > 0 && second > 0)
+        cell.column = first * 26 + second;
+    else
+        return cell;
+    cell.columnIsNamed = true;
+    return cell;
+}
+
+ReportProblem missingReport(std::string_view report)
+{
+    return {"没有名为" + quoted(report) + "的报表"};
+}
+
+ReportProblem unreadableReport(std::string_view report, const std::exception& error)
+{
+    return {"报表" + quoted(report) + "读不出：" + failures::sentenceOf(error), FetchOutcome::failed};
+}
+
+std::string reportByNameStatement(std::string_view report)
+{
+    return "select * from tblCWSelfReport where fname='" + sqlQuoted(report) + "'";
+}
+
+std::optional<std::vector<std::byte>> storedContent(Connection& connection, std::string_view report)
+{
+    const Recordset rows = connection.query(reportByNameStatement(report), BinaryColumns::fetched);
+    if (rows.isEmpty())
+        return std::nullopt;
+    const std::span<const std::byte> bytes = rows.binary(0, "fFileContent");
+    return std::vector<std::byte>(bytes.begin(), bytes.end());
+}
+
+std::optional<std::vector<std::byte>> fetchedContent(std::unique_ptr<Connection>& connection,
+                                                     const std::string& report)
+{
+    return driverCall<std::optional<std::vector<std::byte>>>(
+        connection, [report](Connection& open) { return storedContent(open, report); });
+}
+
+ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& reference,
+                                   const ReportProblem& problem)
+{
+    const ReferencedCell cell = parseReferencedCell(reference.cell);
+    ReferenceAnswer answer;
+    answer.reason = problem.reason;
+    answer.outcome = problem.outcome;
+    const bool isSilent = answer.reason.empty();
+    if (!cell.row) {
+        if (isSilent)
+            answer.reason = "单元格名称" + quoted(reference.cell) + "没有行号";
+        return answer;
+    }
+    const spreadsheet::Workbook& workbook = hidden.fps1;
+    const std::optional<int> named = namedSheet(workbook, reference.sheetTab);
+    const int index = named.value_or(workbook.activeSheet());
+    const spreadsheet::Sheet& sheet = workbook.sheet(index);
+    if (*cell.row >= 1 && *cell.row <= sheet.settings().rowCount &&
+        cell.column <= sheet.settings().columnCount) {
+        const int row = static_cast<int>(*cell.row);
+        answer.text = sheet.textByType({cell.column, row});
+        if (const DoubtfulFetch* doubtful = hidden.doubtfulBehind({index, cell.column, row}))
+            answer.doubtful = *doubtful;
+    }
+    if (!isSilent)
+        return answer;
+    if (!cell.columnIsNamed)
+        answer.reason = "单元格名称" + quoted(reference.cell) + "读不出列，按第1列取数";
+    else if (!named && !reference.sheetTab.empty())
+        answer.reason = "报表" + quoted(reference.report) + "没有第" + quoted(reference.sheetTab) + "个标签";
+    else if (answer.text.empty())
+        answer.reason = "报表" + quoted(reference.report) + "的单元格" + reference.cell + "为空";
+    return answer;
+}
+
+ReferenceAnswer changeREF_FInfo(const ReportReference& reference)
+{
+    if (!openDB())
+        return {{}, databaseNotOpen, {}, FetchOutcome::failed};
+    frmEditor1 hidden;
+    ReportProblem problem;
+    try {
+        // The row set is gone before the report is loaded: the fetches of its cells close the connection.
+        if (const auto content = fetchedContent(gCnn, reference.report))
+            hidden.load(*content);
+        else
+            problem = missingReport(reference.report);
+    } catch (const std::exception& error) {
+        problem = unreadableReport(reference.report, error);
+    }
+    ReferenceAnswer answer = readReferencedCell(hidden, reference, problem);
+    closeDB();
+    return answer;
+}
+
+} // namespace selfreport

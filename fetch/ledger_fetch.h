@@ -1,0 +1,55 @@
+#pragma once
+#include "fetch/ledger_query.h"
+#include "platform/database/ProcedureCall.h"
+
+#include <compare>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace selfreport {
+
+class Connection;
+
+/// The arguments of one `Acct` call as the fetch takes them; an empty year or period is not given.
+struct LedgerArguments {
+    std::string account;   ///< account expression
+    std::string fetchType; ///< a `fKey` of tblSelfReportFieldKey
+    std::string currency;  ///< empty: all currencies in base currency
+    std::string year;
+    std::string firstPeriod;
+    std::string lastPeriod;
+    friend auto operator<=>(const LedgerArguments&, const LedgerArguments&) = default;
+};
+
+/// What one fetch gave. No amount stands for the empty text.
+struct LedgerAnswer {
+    std::optional<double> amount;
+    std::vector<std::string> unknownClasses; ///< item classes whose condition was left out
+    std::string failure;     ///< why a step of the fetch failed: whatever the amount is, it means nothing
+    bool isDeclined = false; ///< the procedure itself said that its answer is not valid
+};
+
+/// One ledger fetch: opens the shared connection, looks the item classes up, calls `sp_GS_AcctProc` and
+/// closes the connection. A step that fails is left out and its reason kept; nothing is shown but the box of
+/// a failed opening. An empty account expression gives no amount and leaves the connection open.
+LedgerAnswer changeAcctInfo(const LedgerArguments& arguments);
+
+/// The table that lists a class's items; nothing if there is no such class or its table is no plain
+/// identifier. @throws DatabaseError
+std::optional<std::string> itemTableOf(Connection& connection, const std::string& className);
+
+/// The call that fetches `sql`'s amounts.
+ProcedureCall ledgerProcedureCall(const LedgerArguments& arguments, std::string sql);
+
+/// The sum that a call gave: nothing unless it returned 1 with at least one row and column. A row whose
+/// amount is null or no text adds nothing.
+std::optional<double> ledgerAmount(const ProcedureResult& result);
+
+/// Fetches many at once: the item classes with one statement, the procedure calls as batches. One answer for
+/// each; nothing for a call that failed, which is then to be fetched alone. @throws DatabaseError
+std::vector<std::optional<LedgerAnswer>> fetchLedger(Connection& connection,
+                                                     std::span<const LedgerArguments> fetches);
+
+} // namespace selfreport

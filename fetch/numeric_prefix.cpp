@@ -1,0 +1,33 @@
+#include "fetch/numeric_prefix.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace selfreport {
+
+namespace {
+
+constexpr bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+} // namespace
+
+double numericPrefix(std::string_view text)
+{
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+'))
+        text.remove_prefix(1);
+    // Only digits and the point may begin it: from_chars would read a second sign, "inf" and "nan" too.
+    if (text.empty() || !(isDigit(text.front()) || text.front() == '.'))
+        return 0;
+    double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc())
+        return 0;
+    return negative ? -number : number;
+}
+
+} // namespace selfreport

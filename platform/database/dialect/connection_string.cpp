@@ -1,0 +1,251 @@
+#include "platform/database/dialect/connection_string.h"
+
+#include "platform/database/DatabaseError.h"
+#include "platform/database/dialect/sql_text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace selfreport {
+
+namespace {
+
+struct Synonym {
+    std::string_view written;
+    std::string_view meant;
+};
+
+constexpr std::array synonyms{
+    Synonym{"Server", "Data Source"},
+    Synonym{"Address", "Data Source"},
+    Synonym{"Addr", "Data Source"},
+    Synonym{"Network Address", "Data Source"},
+    Synonym{"Database", "Initial Catalog"},
+    Synonym{"UID", "User ID"},
+    Synonym{"User", "User ID"},
+    Synonym{"PWD", "Password"},
+    Synonym{"Trusted_Connection", "Integrated Security"},
+    Synonym{"Connection Timeout", "Connect Timeout"},
+    Synonym{"Timeout", "Connect Timeout"},
+    Synonym{"General Timeout", "Command Timeout"},
+    Synonym{"APP", "Application Name"},
+    Synonym{"WSID", "Workstation ID"},
+    Synonym{"Language", "Current Language"},
+    Synonym{"Initial File Name", "AttachDBFilename"},
+    Synonym{"Use Encryption for Data", "Encrypt"},
+};
+
+std::string_view mainName(std::string_view key)
+{
+    const auto found = std::ranges::find_if(
+        synonyms, [&](const Synonym& synonym) { return sameName(synonym.written, key); });
+    return found == synonyms.end() ? key : found->meant;
+}
+
+[[noreturn]] void refuse(const std::string& reason)
+{
+    // The string itself stays out of the text: it may hold a password.
+    throw DatabaseError(unspecifiedError, "连接字符串无效: " + reason);
+}
+
+bool isBlank(char letter)
+{
+    return letter == ' ' || letter == '\t' || letter == '\r' || letter == '\n';
+}
+
+std::string_view trimmed(std::string_view text)
+{
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+class Reader {
+public:
+    explicit Reader(std::string_view text)
+        : m_rest(text)
+    {
+    }
+
+    /// Moves to the next pair; false at the end.
+    bool atPair()
+    {
+        while (!m_rest.empty() && (isBlank(m_rest.front()) || m_rest.front() == ';'))
+            m_rest.remove_prefix(1);
+        return !m_rest.empty();
+    }
+
+    std::string key()
+    {
+        std::string key;
+        for (;; key += take()) {
+            if (m_rest.empty() || m_rest.front() == ';')
+                refuse("缺少等号");
+            if (m_rest.front() != '=')
+                continue;
+            take();
+            if (m_rest.empty() || m_rest.front() != '=')
+                break;
+        }
+        key = trimmed(key);
+        if (key.empty())
+            refuse("缺少关键字");
+        return key;
+    }
+
+    std::string value()
+    {
+        while (!m_rest.empty() && isBlank(m_rest.front()))
+            take();
+        if (!m_rest.empty() && (m_rest.front() == '\'' || m_rest.front() == '"'))
+            return quotedValue(take());
+        if (!m_rest.empty() && m_rest.front() == '{')
+            return bracedValue();
+        const std::size_t end = std::min(m_rest.find(';'), m_rest.size());
+        const std::string value(trimmed(m_rest.substr(0, end)));
+        m_rest.remove_prefix(end);
+        return value;
+    }
+
+private:
+    char take()
+    {
+        const char letter = m_rest.front();
+        m_rest.remove_prefix(1);
+        return letter;
+    }
+
+    std::string quotedValue(char quote)
+    {
+        std::string value;
+        for (;;) {
+            if (m_rest.empty())
+                refuse("引号没有结束");
+            const char letter = take();
+            if (letter == quote && (m_rest.empty() || m_rest.front() != quote))
+                break;
+            if (letter == quote)
+                take();
+            value += letter;
+        }
+        expectEndOfValue();
+        return value;
+    }
+
+    /// Braces are ODBC's own quotes; "Driver={...}" is where they are met.
+    std::string bracedValue()
+    {
+        const std::size_t end = std::min(m_rest.find("};"), m_rest.size());
+        if (end == m_rest.size() && !trimmed(m_rest).ends_with('}'))
+            refuse("大括号没有结束");
+        const std::string_view whole = trimmed(m_rest.substr(0, std::min(end + 1, m_rest.size())));
+        const std::string value(whole.substr(1, whole.size() - 2));
+        m_rest.remove_prefix(std::min(end + 1, m_rest.size()));
+        return value;
+    }
+
+    void expectEndOfValue()
+    {
+        while (!m_rest.empty() && isBlank(m_rest.front()))
+            take();
+        if (!m_rest.empty() && m_rest.front() != ';')
+            refuse("引号之后有多余的文字");
+    }
+
+    std::string_view m_rest;
+};
+
+void setValue(ConnectionSettings& settings, std::string_view key, std::string value)
+{
+    const auto found =
+        std::ranges::find_if(settings.values, [&](const auto& pair) { return sameName(pair.first, key); });
+    if (found == settings.values.end())
+        settings.values.emplace_back(key, std::move(value));
+    else
+        found->second = std::move(value);
+}
+
+bool startsWithName(std::string_view text, std::string_view name)
+{
+    return text.size() >= name.size() && sameName(text.substr(0, name.size()), name);
+}
+
+/// The ODBC string of the bridge provider: its own keys under their ODBC names, "Extended Properties" as they
+/// are.
+std::string bridgedOdbcString(const ConnectionSettings& settings)
+{
+    static constexpr std::array odbcNames{
+        Synonym{"Data Source", "DSN"},
+        Synonym{"User ID", "UID"},
+        Synonym{"Password", "PWD"},
+        Synonym{"Initial Catalog", "DATABASE"},
+    };
+    std::string text;
+    for (const auto& [key, value] : settings.values) {
+        if (sameName(key, "Extended Properties"))
+            text += value + ";";
+        if (sameName(key, "Provider") || sameName(key, "Extended Properties"))
+            continue;
+        const auto known = std::ranges::find_if(
+            odbcNames, [&](const Synonym& synonym) { return sameName(synonym.written, key); });
+        text += std::string(known == odbcNames.end() ? std::string_view(key) : known->meant) + "={" + value +
+                "};";
+    }
+    return text;
+}
+
+void chooseProvider(ConnectionSettings& settings, std::string_view text)
+{
+    const std::string& provider = settings.value("Provider");
+    if (sameName(provider, "SQLite")) {
+        settings.provider = DatabaseProvider::sqlite;
+        if (settings.value("Data Source").empty())
+            refuse("没有给出数据库文件");
+        return;
+    }
+    const bool namesDriver = !settings.value("Driver").empty() || !settings.value("DSN").empty();
+    if (namesDriver && provider.empty()) {
+        settings.odbcString = text;
+        return;
+    }
+    if (startsWithName(provider, "MSDASQL")) {
+        settings.odbcString = bridgedOdbcString(settings);
+        return;
+    }
+    const bool servers = provider.empty() || startsWithName(provider, "SQLOLEDB") ||
+                         startsWithName(provider, "SQLNCLI") || startsWithName(provider, "MSOLEDBSQL");
+    if (!servers)
+        refuse("不支持的提供者 " + provider);
+    if (settings.value("Data Source").empty())
+        refuse("没有给出服务器");
+}
+
+} // namespace
+
+const std::string& ConnectionSettings::value(std::string_view key) const
+{
+    static const std::string none;
+    const auto found =
+        std::ranges::find_if(values, [&](const auto& pair) { return sameName(pair.first, key); });
+    return found == values.end() ? none : found->second;
+}
+
+ConnectionSettings parseConnectionString(std::string_view text)
+{
+    if (text.find('\0') != std::string_view::npos)
+        refuse("含有空字符");
+    ConnectionSettings settings;
+    Reader reader(text);
+    while (reader.atPair()) {
+        const std::string key = reader.key();
+        setValue(settings, mainName(key), reader.value());
+    }
+    if (settings.values.empty())
+        refuse("字符串为空");
+    chooseProvider(settings, text);
+    return settings;
+}
+
+} // namespace selfreport

@@ -1,0 +1,47 @@
+#include "platform/database/dialect/sql_text.h"
+
+#include <algorithm>
+
+namespace selfreport {
+
+namespace {
+
+constexpr char asciiLower(char letter)
+{
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + ('a' - 'A')) : letter;
+}
+
+bool startsIdentifier(char letter)
+{
+    const char lower = asciiLower(letter);
+    return (lower >= 'a' && lower <= 'z') || letter == '_' || static_cast<unsigned char>(letter) >= 0x80;
+}
+
+} // namespace
+
+std::string sqlQuoted(std::string_view value)
+{
+    std::string quoted;
+    quoted.reserve(value.size());
+    for (const char letter : value) {
+        quoted += letter;
+        if (letter == '\'')
+            quoted += letter;
+    }
+    return quoted;
+}
+
+bool isPlainIdentifier(std::string_view name)
+{
+    if (name.empty() || name.size() > 128 || !startsIdentifier(name.front()))
+        return false;
+    return std::ranges::all_of(
+        name, [](char letter) { return startsIdentifier(letter) || (letter >= '0' && letter <= '9'); });
+}
+
+bool sameName(std::string_view left, std::string_view right)
+{
+    return std::ranges::equal(left, right, {}, asciiLower, asciiLower);
+}
+
+} // namespace selfreport

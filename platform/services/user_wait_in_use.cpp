@@ -1,0 +1,32 @@
+#include "platform/services/UserWait.h"
+
+namespace selfreport {
+
+namespace {
+
+class NobodyWaits : public UserWait {
+public:
+    bool runApart(std::function<void()> call, std::function<void()>) override
+    {
+        call();
+        return true;
+    }
+    bool pause() override { return false; }
+    bool isCancelled() const override { return false; }
+};
+
+} // namespace
+
+UserWait*& UserWait::usual()
+{
+    static NobodyWaits nobody;
+    static UserWait* usual = &nobody;
+    return usual;
+}
+
+UserWait& userWait()
+{
+    return UserWaitInUse::current();
+}
+
+} // namespace selfreport

@@ -1,0 +1,36 @@
+#include "reports/commit_outcome.h"
+
+#include "platform/database/Connection.h"
+#include "state/shared_state.h"
+
+namespace selfreport {
+
+namespace {
+
+bool foundDone(const DatabaseError& failure, const std::function<bool(Connection&)>& isDone)
+{
+    try {
+        return isDone(*openConnection(gConnString));
+    } catch (const DatabaseError&) {
+        throw OutcomeUnknown(failure.number,
+                             "提交更改时出错, 无法确定更改是否已保存。\n" + failure.description);
+    }
+}
+
+} // namespace
+
+void commitOrFindOut(Transaction& transaction, const std::function<bool(Connection&)>& isDone)
+{
+    try {
+        transaction.commit();
+    } catch (const DatabaseError& failure) {
+        transaction.giveUp(); // its locks would be in the way of looking
+        if (foundDone(failure, isDone))
+            return;
+        if (dynamic_cast<const RepeatableError*>(&failure))
+            throw;
+        throw CommitFailed(failure.number, "提交更改时出错, 更改没有保存。\n" + failure.description);
+    }
+}
+
+} // namespace selfreport

@@ -1,0 +1,182 @@
+#include "spreadsheet/calculation/Call.h"
+
+#include "spreadsheet/values/date_serial.h"
+
+#include <limits>
+
+namespace spreadsheet {
+
+namespace {
+
+/// The cell of an area that stands in the row or column of the formula's cell.
+Value intersection(const EvaluationPlace& place, const Area& area)
+{
+    const CellRange& cells = area.cells;
+    CellAddress cell{cells.left, cells.top};
+    if (cells.columns() > 1)
+        cell.column = place.cell.column;
+    if (cells.rows() > 1)
+        cell.row = place.cell.row;
+    const bool crossing = cells.columns() == 1 || cells.rows() == 1;
+    if (!crossing || !cells.contains(cell))
+        return CellError::value;
+    return cellValue(place.workbook, area.sheet, cell);
+}
+
+} // namespace
+
+Value Call::value(std::size_t argument) const
+{
+    if (argument >= m_arguments.size())
+        return {};
+    const Operand& operand = m_arguments[argument];
+    if (operand.isValue())
+        return operand.value();
+    if (operand.isArea())
+        return intersection(m_place, operand.area());
+    if (operand.isArray())
+        return operand.array().at(0, 0);
+    if (operand.isAreas()) {
+        const Areas areas = operand.areas();
+        return areas.size() == 1 ? intersection(m_place, areas.front()) : Value(CellError::value);
+    }
+    return {};
+}
+
+double Call::number(std::size_t argument)
+{
+    if (failed())
+        return 0;
+    if (argument < m_arguments.size() && m_arguments[argument].isValue() &&
+        m_arguments[argument].value().isNumber())
+        return m_arguments[argument].value().number();
+    const Value coerced = numberOf(value(argument));
+    if (!coerced.isError())
+        return coerced.number();
+    fail(coerced.error());
+    return 0;
+}
+
+Value Call::numberOf(const Value& value) const
+{
+    return toNumber(value, m_place.workbook);
+}
+
+double Call::number(std::size_t argument, double otherwise)
+{
+    return argument < count() ? number(argument) : otherwise;
+}
+
+int Call::integer(std::size_t argument)
+{
+    const double whole = std::trunc(number(argument));
+    if (std::fabs(whole) <= std::numeric_limits<int>::max())
+        return static_cast<int>(whole);
+    fail(CellError::num);
+    return 0;
+}
+
+int Call::integer(std::size_t argument, int otherwise)
+{
+    return argument < count() ? integer(argument) : otherwise;
+}
+
+std::string Call::text(std::size_t argument)
+{
+    if (failed())
+        return {};
+    const Value coerced = toText(value(argument));
+    if (!coerced.isError())
+        return std::string(coerced.textView());
+    fail(coerced.error());
+    return {};
+}
+
+std::string Call::text(std::size_t argument, std::string_view otherwise)
+{
+    return argument < count() ? text(argument) : std::string(otherwise);
+}
+
+bool Call::logical(std::size_t argument)
+{
+    if (failed())
+        return false;
+    const Value coerced = toBoolean(value(argument));
+    if (!coerced.isError())
+        return coerced.boolean();
+    fail(coerced.error());
+    return false;
+}
+
+bool Call::logical(std::size_t argument, bool otherwise)
+{
+    return argument < count() ? logical(argument) : otherwise;
+}
+
+void Call::pay(double elements)
+{
+    constexpr double all = Effort::maxElements;
+    if (!m_place.spend(static_cast<std::size_t>(std::clamp(elements, 0.0, all))))
+        fail(CellError::value);
+}
+
+std::vector<double> Call::numbers(std::size_t first)
+{
+    std::vector<double> all;
+    for (std::size_t argument = first; argument < count(); ++argument) {
+        eachNumbers(argument, [&](std::span<const double> numbers) {
+            all.insert(all.end(), numbers.begin(), numbers.end());
+        });
+    }
+    return all;
+}
+
+int Call::rows(std::size_t argument) const
+{
+    const Operand& operand = m_arguments[argument];
+    if (operand.isArea())
+        return operand.area().cells.rows();
+    return operand.isArray() ? operand.array().rows() : 1;
+}
+
+int Call::columns(std::size_t argument) const
+{
+    const Operand& operand = m_arguments[argument];
+    if (operand.isArea())
+        return operand.area().cells.columns();
+    return operand.isArray() ? operand.array().columns() : 1;
+}
+
+Value Call::element(std::size_t argument, int row, int column) const
+{
+    const Operand& operand = m_arguments[argument];
+    if (operand.isArea()) {
+        const Area& area = operand.area();
+        return cellValue(m_place.workbook, area.sheet, {area.cells.left + column, area.cells.top + row});
+    }
+    return operand.isArray() ? operand.array().at(row, column) : value(argument);
+}
+
+Value cellValue(const Workbook& workbook, int sheet, CellAddress cell)
+{
+    const Sheet& cells = workbook.sheet(sheet);
+    const Column* column = cell.column <= cells.storedColumns() ? cells.column(cell.column) : nullptr;
+    return column ? column->value(cell.row) : Value();
+}
+
+CellRange usedPart(const Workbook& workbook, const Area& area)
+{
+    const Sheet& sheet = workbook.sheet(area.sheet);
+    CellRange used = area.cells;
+    used.right = std::min(used.right, sheet.storedColumns());
+    int last = 0;
+    for (int number = used.left; number <= used.right; ++number) {
+        const Column* column = sheet.column(number);
+        if (column && !column->empty())
+            last = std::max(last, column->slots().back().lastRow());
+    }
+    used.bottom = std::max(std::min(used.bottom, last), used.top - 1);
+    return used;
+}
+
+} // namespace spreadsheet

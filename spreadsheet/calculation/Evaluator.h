@@ -1,0 +1,68 @@
+#pragma once
+#include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/formula/CustomFunction.h"
+#include "spreadsheet/formula/Formula.h"
+#include "spreadsheet/formula/Operand.h"
+
+#include <optional>
+#include <vector>
+
+namespace spreadsheet {
+
+/// What a handler asked to be done to its cell after the recalculation.
+struct QueuedCellChange {
+    CallPlace place;
+    int decimals = 0;
+};
+
+/// The stack machine that runs formulas, one cell at a time.
+class Evaluator {
+public:
+    explicit Evaluator(Workbook& workbook);
+
+    /// The value of a formula in one cell. Nothing if the cell keeps what it has (a custom function
+    /// declined, or handed back nothing while formulas are shown).
+    std::optional<Value> cellValueOf(const Formula& formula, const EvaluationPlace& place);
+    /// The elements of an array formula; nothing as above.
+    std::shared_ptr<const Array> arrayOf(const Formula& formula, const EvaluationPlace& place);
+
+    /// What a formula comes to, references as such.
+    Operand operandOf(const Formula& formula, const EvaluationPlace& place) { return run(formula, place); }
+
+    /// Gathers the custom calls that are certain to be made, without making them. A call that takes
+    /// the value of another is found once that one's `expected` value is known: `known` holds the
+    /// calls of this formula found so far, and new ones are appended.
+    void gatherCalls(const Formula& formula, const EvaluationPlace& place, std::vector<PreparedCall>& known);
+
+    std::vector<QueuedCellChange>& queue() { return m_queue; }
+
+private:
+    Operand run(const Formula& formula, const EvaluationPlace& place);
+    int step(const Formula& formula, const Instruction& instruction, int position,
+             const EvaluationPlace& place);
+    void binary(const Instruction& instruction, const EvaluationPlace& place);
+    void sign(const Instruction& instruction, const EvaluationPlace& place);
+    int branch(const Formula& formula, const Instruction& instruction, int position,
+               const EvaluationPlace& place);
+    Operand reference(const ReferenceSlot& slot, const EvaluationPlace& place) const;
+    Operand named(int name, const EvaluationPlace& place);
+    void call(const FunctionDescriptor& function, std::size_t count, bool arrayMode,
+              const EvaluationPlace& place);
+    Operand applied(const FunctionDescriptor& function, std::span<const Operand> arguments, bool arrayMode,
+                    const EvaluationPlace& place);
+    Operand callElementwise(const FunctionDescriptor& function, std::span<const Operand> arguments,
+                            bool arrayMode, const EvaluationPlace& place);
+    Operand callCustom(int custom, std::size_t count, const EvaluationPlace& place);
+    Operand gatheredCall(std::string_view name, std::vector<Value> parameters, const EvaluationPlace& place);
+    Operand pop();
+    void push(Operand operand) { m_stack.push_back(std::move(operand)); }
+
+    Workbook& m_workbook;
+    std::vector<Operand> m_stack;
+    std::vector<QueuedCellChange> m_queue;
+    std::vector<PreparedCall>* m_gathered = nullptr; ///< set while calls are gathered
+    bool m_keep = false;                             ///< the cell keeps what it has
+    int m_nameDepth = 0;
+};
+
+} // namespace spreadsheet

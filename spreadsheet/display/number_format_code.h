@@ -1,0 +1,64 @@
+#pragma once
+#include "spreadsheet/values/numerals.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace spreadsheet {
+
+/// A piece of a number format code.
+struct FormatPart {
+    enum class Kind {
+        literal,
+        digit,    ///< "0", "#" or "?" in `text`
+        point,    ///< the decimal point
+        percent,  ///< shown as it stands
+        exponent, ///< "E+" or "E-" in `text`; the digits behind it follow
+        fraction, ///< "??/??" or "?/8" in `text`
+        general,  ///< the number in its general form
+        text,     ///< "@"
+        year,
+        month,          ///< by `count`: 1 and 2 digits, 3 and 4 name, 5 first letter
+        day,            ///< by `count`: 1 and 2 digits, 3 and 4 English weekday
+        chineseWeekday, ///< "aaa" 三, "aaaa" 星期三
+        hour,
+        minute,
+        second,
+        secondFraction, ///< ".00" behind seconds; `count` digits
+        halfDay,        ///< "AM/PM", "A/P" or "上午/下午" in `text`
+        elapsedHours,   ///< "[h]": all of them
+        elapsedMinutes,
+        elapsedSeconds,
+    };
+    Kind kind = Kind::literal;
+    std::string text;
+    int count = 1; ///< letters of a date part
+};
+
+/// One of the parts of a code between ";".
+struct FormatSection {
+    enum class Condition { none, less, lessEqual, equal, notEqual, greater, greaterEqual };
+
+    std::vector<FormatPart> parts;
+    Condition condition = Condition::none;
+    double limit = 0; ///< of the condition
+    NumeralStyle numerals = NumeralStyle::ordinary;
+
+    // Of a section for numbers.
+    int integerDigits = 0;
+    int decimals = 0;
+    bool grouped = false;
+    int thousands = 0; ///< commas behind the last digit: each divides by 1,000
+    int percents = 0;  ///< each multiplies by 100
+
+    bool isDate = false;
+    bool holds(double number) const; ///< the condition
+};
+
+/// Reads a number format code ("#,##0.00;[Red]-0.0", "yyyy-mm-dd hh:mm", "[>100]0;@"); up to four
+/// sections. Nothing if it holds letters without quotes that mean nothing.
+std::optional<std::vector<FormatSection>> parseFormatCode(std::string_view code);
+
+} // namespace spreadsheet

@@ -1,9 +1,0 @@
-#pragma once
-#include "spreadsheet/functions/Call.h"
-
-namespace spreadsheet {
-
-/// The numbers that AVERAGEA and its kind work on: truth values count as 1 and 0, texts in ranges as 0.
-std::vector<double> valuesAsNumbers(Call& call);
-
-} // namespace spreadsheet

@@ -1,0 +1,141 @@
+// Functions of two lists of numbers that belong together: correlation and the line through the points.
+#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/statistics/samples.h"
+#include "spreadsheet/functions/statistics/spread.h"
+
+namespace spreadsheet {
+
+namespace {
+
+/// A function of a paired sample of at least `fewest` pairs; #DIV/0! for fewer.
+template <auto function, int fewest>
+Operand ofPairs(Call& call)
+{
+    const PairedSample sample = pairedSample(call, 0, 1);
+    if (call.failed())
+        return call.error();
+    return sample.size() < fewest ? Operand(CellError::div0) : function(sample);
+}
+
+Operand quotient(double above, double below)
+{
+    return below == 0 ? Operand(CellError::div0) : checked(above / below);
+}
+
+Operand correlation(const PairedSample& sample)
+{
+    return quotient(sample.crossDeviations(),
+                    std::sqrt(squaredDeviations(sample.first) * squaredDeviations(sample.second)));
+}
+
+Operand determination(const PairedSample& sample)
+{
+    const Operand r = correlation(sample);
+    return r.value().isError() ? r : Operand(r.value().number() * r.value().number());
+}
+
+Operand covariance(const PairedSample& sample)
+{
+    return checked(sample.crossDeviations() / sample.size());
+}
+
+Operand sampleCovariance(const PairedSample& sample)
+{
+    return checked(sample.crossDeviations() / (sample.size() - 1));
+}
+
+// The y come first, the x second.
+
+Operand slope(const PairedSample& sample)
+{
+    return quotient(sample.crossDeviations(), squaredDeviations(sample.second));
+}
+
+/// The height of the line at an x.
+Operand heightAt(const PairedSample& sample, double x)
+{
+    const Operand rise = slope(sample);
+    if (rise.value().isError())
+        return rise;
+    return checked(meanOf(sample.first) + rise.value().number() * (x - meanOf(sample.second)));
+}
+
+Operand intercept(const PairedSample& sample)
+{
+    return heightAt(sample, 0);
+}
+
+/// Standard error of the heights: sqrt((Syy - Sxy²/Sxx) / (n-2)).
+Operand standardError(const PairedSample& sample)
+{
+    const double spreadOfX = squaredDeviations(sample.second);
+    const double cross = sample.crossDeviations();
+    if (spreadOfX == 0)
+        return CellError::div0;
+    const double rest = squaredDeviations(sample.first) - cross * cross / spreadOfX;
+    return checked(std::sqrt(std::max(rest, 0.0) / (sample.size() - 2)));
+}
+
+Operand forecast(Call& call)
+{
+    const double x = call.number(0);
+    const PairedSample sample = pairedSample(call, 1, 2);
+    if (call.failed())
+        return call.error();
+    return sample.first.empty() ? Operand(CellError::div0) : heightAt(sample, x);
+}
+
+/// The probability that a value lies from one limit to another, or is equal to the only one.
+Operand probability(Call& call)
+{
+    const PairedSample sample = pairedSample(call, 0, 1);
+    const double from = call.number(2);
+    const double to = call.given(3) ? call.number(3) : from;
+    if (call.failed())
+        return call.error();
+    RunningSum within;
+    RunningSum all;
+    for (std::size_t i = 0; i < sample.first.size(); ++i) {
+        const double share = sample.second[i];
+        if (share < 0 || share > 1)
+            return CellError::num;
+        all.add(share);
+        if (sample.first[i] >= from && sample.first[i] <= to)
+            within.add(share);
+    }
+    if (std::fabs(all.total() - 1) > 1e-7)
+        return CellError::num;
+    return checked(within.total());
+}
+
+constexpr auto correlationFamily = FunctionFamily::statistical;
+
+const FunctionDescriptor correlationTable[] = {
+    {"CORREL", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回两组数值的相关系数",
+     ofPairs<correlation, 1>},
+    {"PEARSON", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回皮尔逊积矩相关系数",
+     ofPairs<correlation, 1>},
+    {"RSQ", 2, 2, "aa", correlationFamily, "y值,x值", "返回皮尔逊积矩相关系数的平方",
+     ofPairs<determination, 2>},
+    {"COVAR", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回总体协方差", ofPairs<covariance, 1>},
+    {"COVARIANCE.P", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回总体协方差", ofPairs<covariance, 1>},
+    {"COVARIANCE.S", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回样本协方差",
+     ofPairs<sampleCovariance, 2>},
+    {"SLOPE", 2, 2, "aa", correlationFamily, "y值,x值", "返回线性回归直线的斜率", ofPairs<slope, 2>},
+    {"INTERCEPT", 2, 2, "aa", correlationFamily, "y值,x值", "返回线性回归直线的截距", ofPairs<intercept, 2>},
+    {"STEYX", 2, 2, "aa", correlationFamily, "y值,x值", "返回线性回归预测值的标准误差",
+     ofPairs<standardError, 3>},
+    {"FORECAST", 3, 3, "vaa", correlationFamily, "x,y值,x值", "按线性回归预测 x 处的值", forecast},
+    {"FORECAST.LINEAR", 3, 3, "vaa", correlationFamily, "x,y值,x值", "按线性回归预测 x 处的值", forecast},
+    {"PROB", 3, 4, "aavv", correlationFamily, "x值,概率,下限,[上限]", "返回数值落在两个界限之间的概率",
+     probability},
+};
+
+} // namespace
+
+std::span<const FunctionDescriptor> correlationFunctions()
+{
+    return correlationTable;
+}
+
+} // namespace spreadsheet

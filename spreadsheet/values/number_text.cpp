@@ -1,0 +1,39 @@
+#include "spreadsheet/values/number_text.h"
+
+#include <charconv>
+
+namespace spreadsheet {
+
+std::string_view trimmedBlanks(std::string_view text)
+{
+    static constexpr std::string_view wide = "\u3000";
+    for (;;) {
+        if (text.starts_with(' '))
+            text.remove_prefix(1);
+        else if (text.starts_with(wide))
+            text.remove_prefix(wide.size());
+        else if (text.ends_with(' '))
+            text.remove_suffix(1);
+        else if (text.ends_with(wide))
+            text.remove_suffix(wide.size());
+        else
+            return text;
+    }
+}
+
+std::optional<double> parseNumber(std::string_view text)
+{
+    text = trimmedBlanks(text);
+    if (text.starts_with('+'))
+        text.remove_prefix(1);
+    const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
+    if (digits.empty() || !(digits.front() == '.' || (digits.front() >= '0' && digits.front() <= '9')))
+        return std::nullopt; // from_chars would take "inf" and "nan"
+    double number = 0;
+    const auto [stop, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (failure != std::errc() || stop != text.data() + text.size())
+        return std::nullopt;
+    return number;
+}
+
+} // namespace spreadsheet

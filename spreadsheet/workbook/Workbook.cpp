@@ -1,0 +1,355 @@
+#include "spreadsheet/workbook/Workbook.h"
+
+#include "spreadsheet/calculation/Recalculation.h"
+#include "spreadsheet/cells/NameTable.h"
+#include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/values/case_fold.h"
+#include "spreadsheet/workbook/SheetStructure.h"
+#include "spreadsheet/workbook/UndoJournal.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace spreadsheet {
+
+namespace {
+
+/// Why a text cannot name a sheet.
+Refusal sheetNameProblem(std::string_view name)
+{
+    if (name.empty())
+        return "表名不能为空";
+    if (name.size() > 31 * 3)
+        return "表名太长";
+    if (name.find_first_of("[]:*?/\\") != std::string_view::npos || name.front() == '\'' ||
+        name.back() == '\'')
+        return "表名不能包含 [ ] : * ? / \\,也不能以单引号开头或结尾";
+    return {};
+}
+
+/// Names that a name may stand for, nested ones counted as often as they are evaluated.
+constexpr std::size_t maxNameUses = 4096;
+
+/// True if a name leads back to itself or stands for more than maxNameUses others.
+bool namesTooDeep(const NameTable& names, const FormulaPool& pool)
+{
+    for (int start = 0; start < names.size(); ++start) {
+        std::vector<int> open{start};
+        for (std::size_t uses = 0; !open.empty(); ++uses) {
+            const std::uint32_t formula = names[open.back()].formula;
+            open.pop_back();
+            if (uses > maxNameUses)
+                return true;
+            if (formula != 0)
+                open.insert(open.end(), pool[formula].names.begin(), pool[formula].names.end());
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+Workbook::Workbook()
+    : m_names(std::make_unique<NameTable>())
+{
+    m_formulas = std::make_unique<FormulaPool>(*m_names);
+    m_recalculation = std::make_unique<Recalculation>(*this);
+    m_journal = std::make_unique<UndoJournal>(*this);
+    m_sheets.push_back(std::make_shared<Sheet>(*this, m_nextSheetId++, "Sheet1"));
+}
+
+Workbook::~Workbook() = default;
+
+Sheet& Workbook::sheet(int index)
+{
+    if (index < 1 || index > sheetCount())
+        throw std::out_of_range("no such sheet");
+    return *m_sheets[static_cast<std::size_t>(index) - 1];
+}
+
+const Sheet& Workbook::sheet(int index) const
+{
+    return const_cast<Workbook*>(this)->sheet(index);
+}
+
+int Workbook::sheetIndex(std::string_view name) const
+{
+    const std::string folded = foldedName(name);
+    const auto found = std::ranges::find_if(
+        m_sheets, [&](const auto& sheet) { return foldedName(sheet->name()) == folded; });
+    return found == m_sheets.end() ? 0 : static_cast<int>(found - m_sheets.begin()) + 1;
+}
+
+int Workbook::sheetIndexOfId(int id) const
+{
+    const auto found = std::ranges::find_if(m_sheets, [id](const auto& sheet) { return sheet->id() == id; });
+    return found == m_sheets.end() ? 0 : static_cast<int>(found - m_sheets.begin()) + 1;
+}
+
+void Workbook::setActiveSheet(int index)
+{
+    if (index >= 1 && index <= sheetCount())
+        m_activeSheet = index;
+}
+
+void Workbook::noteEdit()
+{
+    ++m_revision;
+    if (m_displayOnly > 0)
+        return;
+    m_journal->keepDesignRevision();
+    m_designRevision = m_revision;
+}
+
+Refusal Workbook::addSheet(std::string_view name, int before)
+{
+    if (sheetCount() == maxSheets)
+        return "表的个数已到上限";
+    if (auto problem = sheetNameProblem(name))
+        return problem;
+    if (sheetIndex(name) != 0)
+        return "已有名为“" + std::string(name) + "”的表";
+    const UndoStep step(*this, "插入表");
+    m_journal->keepSheets();
+    const auto place =
+        before >= 1 && before <= sheetCount() ? m_sheets.begin() + (before - 1) : m_sheets.end();
+    m_sheets.insert(place, std::make_shared<Sheet>(*this, m_nextSheetId++, std::string(name)));
+    m_recalculation->noteMoved(); // formulas are kept by the index of their sheet
+    noteEdit();
+    return {};
+}
+
+Refusal Workbook::removeSheet(int index)
+{
+    if (index < 1 || index > sheetCount())
+        return "没有这张表";
+    if (sheetCount() == 1)
+        return "至少要保留一张表";
+    const UndoStep step(*this, "删除表");
+    SheetStructure(*this).breakReferences(sheet(index).id());
+    m_journal->keepSheets();
+    m_sheets.erase(m_sheets.begin() + (index - 1));
+    if (m_activeSheet > index || m_activeSheet > sheetCount())
+        --m_activeSheet;
+    m_recalculation->noteMoved();
+    noteEdit();
+    return {};
+}
+
+Refusal Workbook::renameSheet(int index, std::string_view name)
+{
+    if (index < 1 || index > sheetCount())
+        return "没有这张表";
+    if (auto problem = sheetNameProblem(name))
+        return problem;
+    if (const int other = sheetIndex(name); other != 0 && other != index)
+        return "已有名为“" + std::string(name) + "”的表";
+    if (sheet(index).name() == name)
+        return {};
+    const UndoStep step(*this, "重命名表");
+    sheet(index).editableSettings().name = name;
+    respell(sheet(index).id());
+    return {};
+}
+
+/// Writes the present name into every reference to the sheet.
+void Workbook::respell(int sheetId)
+{
+    m_formulas->respellSheet(sheetId, [this](int id) {
+        const int index = sheetIndexOfId(id);
+        return index == 0 ? std::string() : sheet(index).name();
+    });
+}
+
+Refusal Workbook::moveSheet(int from, int to)
+{
+    if (from < 1 || from > sheetCount() || to < 1 || to > sheetCount())
+        return "没有这张表";
+    const UndoStep step(*this, "移动表");
+    m_journal->keepSheets();
+    auto moved = std::move(m_sheets[static_cast<std::size_t>(from) - 1]);
+    m_sheets.erase(m_sheets.begin() + (from - 1));
+    m_sheets.insert(m_sheets.begin() + (to - 1), std::move(moved));
+    m_recalculation->noteMoved();
+    noteEdit();
+    return {};
+}
+
+Refusal Workbook::setSheetCount(int count)
+{
+    if (count < 1 || count > maxSheets)
+        return "表的个数应在 1 到 256 之间";
+    const UndoStep step(*this, "表的个数");
+    while (sheetCount() > count) {
+        if (auto problem = removeSheet(sheetCount()))
+            return problem;
+    }
+    for (int number = sheetCount() + 1; sheetCount() < count; ++number) {
+        const std::string name = "Sheet" + std::to_string(number);
+        if (sheetIndex(name) == 0) {
+            if (auto problem = addSheet(name))
+                return problem;
+        }
+    }
+    return {};
+}
+
+Refusal Workbook::defineName(std::string_view name, std::string_view formula)
+{
+    if (!NameTable::isValid(name))
+        return Refusal("名称写法不对");
+    const UndoStep step(*this, "定义名称");
+    const int number = m_names->number(name);
+    std::uint32_t meaning = 0;
+    if (formula.starts_with('='))
+        formula.remove_prefix(1);
+    if (!formula.empty()) {
+        const auto sheetId = [this](std::string_view sheetName) {
+            const int index = sheetIndex(sheetName);
+            return index == 0 ? 0 : sheet(index).id();
+        };
+        const auto parsed = m_formulas->intern(formula, {1, 1}, sheetId);
+        if (const auto* problem = std::get_if<Refusal>(&parsed))
+            return *problem;
+        meaning = std::get<std::uint32_t>(parsed);
+    }
+    const std::uint32_t former = (*m_names)[number].formula;
+    m_journal->keepNames();
+    m_names->define(number, meaning);
+    if (namesTooDeep(*m_names, *m_formulas)) {
+        m_names->define(number, former);
+        return Refusal("名称引用了自己,或嵌套得太多");
+    }
+    m_recalculation->noteNames();
+    noteEdit();
+    return {};
+}
+
+void Workbook::registerFunction(std::string_view name, int parameterCount, FunctionHandler handler)
+{
+    m_formulas->customs().add(name, parameterCount, std::move(handler));
+}
+
+void Workbook::setPrepareHook(PrepareHook hook)
+{
+    m_recalculation->setPrepareHook(std::move(hook));
+}
+
+void Workbook::setPauseHook(PauseHook hook)
+{
+    m_recalculation->setPauseHook(std::move(hook));
+}
+
+RecalculationReport Workbook::recalculate()
+{
+    return m_recalculation->all();
+}
+
+RecalculationReport Workbook::recalculateChanged()
+{
+    return m_recalculation->changed();
+}
+
+void Workbook::markCalculated()
+{
+    m_recalculation->forgetChanges();
+}
+
+void Workbook::replaceContent(Workbook&& fresh)
+{
+    // What needs memory comes first: from then on nothing can fail.
+    fresh.m_formulas->customs().takeHandlers(m_formulas->customs());
+    std::vector<std::shared_ptr<Sheet>> sheets;
+    for (const auto& sheet : fresh.m_sheets) // sheets belong to one workbook for good
+        sheets.push_back(std::make_shared<Sheet>(*this, sheet->id(), sheet->name()));
+    auto recalculation = std::make_unique<Recalculation>(*this);
+    recalculation->takeHooks(*m_recalculation);
+    auto journal = std::make_unique<UndoJournal>(*this);
+    journal->setEnabled(m_journal->enabled());
+
+    for (std::size_t i = 0; i < sheets.size(); ++i) {
+        sheets[i]->m_settings = std::move(fresh.m_sheets[i]->m_settings);
+        sheets[i]->m_columns = std::move(fresh.m_sheets[i]->m_columns);
+    }
+    m_sheets = std::move(sheets);
+    m_styles = std::move(fresh.m_styles);
+    m_texts = std::move(fresh.m_texts);
+    m_formulas = std::move(fresh.m_formulas);
+    m_names = std::move(fresh.m_names);
+    m_activeSheet = fresh.m_activeSheet;
+    m_countsFrom1904 = fresh.m_countsFrom1904;
+    m_nextSheetId = fresh.m_nextSheetId;
+    m_recalculation = std::move(recalculation);
+    m_journal = std::move(journal);
+    for (const auto& sheet : m_sheets)
+        sheet->noteSettings();
+}
+
+void Workbook::setUndoEnabled(bool enabled)
+{
+    m_journal->setEnabled(enabled);
+}
+
+bool Workbook::canUndo() const
+{
+    return m_journal->canUndo();
+}
+
+bool Workbook::canRedo() const
+{
+    return m_journal->canRedo();
+}
+
+std::string Workbook::undoLabel() const
+{
+    return m_journal->label();
+}
+
+void Workbook::undo()
+{
+    m_journal->undo();
+    recalculateChanged();
+}
+
+void Workbook::redo()
+{
+    m_journal->redo();
+    recalculateChanged();
+}
+
+std::size_t Workbook::bytes() const
+{
+    std::size_t sum = m_texts.bytes() + m_formulas->bytes() + m_recalculation->bytes();
+    for (const auto& sheet : m_sheets) {
+        for (const Column& column : sheet->m_columns)
+            sum += sizeof(Column) + column.bytes();
+    }
+    return sum;
+}
+
+void Workbook::setFormulasShown(bool shown)
+{
+    if (m_formulasShown == shown)
+        return;
+    const UndoStep step(*this, "显示");
+    m_journal->keepFormulasShown();
+    m_formulasShown = shown;
+}
+
+UndoStep::UndoStep(Workbook& workbook, std::string label)
+    : m_workbook(workbook)
+{
+    m_workbook.journal().open(std::move(label));
+}
+
+UndoStep::~UndoStep()
+{
+    m_workbook.journal().close();
+}
+
+void UndoStep::takeBack()
+{
+    m_workbook.journal().takeBack();
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,176 @@
+#pragma once
+#include "spreadsheet/cells/StylePool.h"
+#include "spreadsheet/cells/TextPool.h"
+#include "spreadsheet/formula/CustomFunction.h"
+#include "spreadsheet/values/Refusal.h"
+#include "spreadsheet/workbook/Sheet.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace spreadsheet {
+
+class FormulaPool;
+class NameTable;
+class Recalculation;
+class UndoJournal;
+
+/// What a recalculation did.
+struct RecalculationReport {
+    std::size_t evaluatedCells = 0;
+    std::vector<CallPlace> circular; ///< cells that depend on themselves; they show #REF!
+    bool stopped = false;            ///< by the pause hook
+};
+
+/// Sheets with everything that they share. Sheets count from 1. Not for several threads at once.
+class Workbook {
+public:
+    /// One empty sheet, "Sheet1".
+    Workbook();
+    ~Workbook();
+    Workbook(const Workbook&) = delete;
+    Workbook& operator=(const Workbook&) = delete;
+
+    int sheetCount() const { return static_cast<int>(m_sheets.size()); }
+    /// @throws std::out_of_range
+    Sheet& sheet(int index);
+    const Sheet& sheet(int index) const;
+    /// Index of the sheet of that name, letter case ignored; 0 if there is none.
+    int sheetIndex(std::string_view name) const;
+    /// Index of the sheet with that id; 0 if it is gone.
+    int sheetIndexOfId(int id) const;
+    int activeSheet() const { return m_activeSheet; }
+    void setActiveSheet(int index);
+
+    Refusal addSheet(std::string_view name, int before = 0); ///< 0: at the end
+    Refusal removeSheet(int index);                          ///< references to it become #REF!
+    Refusal renameSheet(int index, std::string_view name);
+    Refusal moveSheet(int from, int to);
+    /// Adds sheets with fresh names at the end or takes sheets from the end away.
+    Refusal setSheetCount(int count);
+
+    StylePool& styles() { return m_styles; }
+    const StylePool& styles() const { return m_styles; }
+    TextPool& texts() { return m_texts; }
+    FormulaPool& formulas() { return *m_formulas; }
+    const FormulaPool& formulas() const { return *m_formulas; }
+    const NameTable& names() const { return *m_names; }
+    /// Defines or replaces a name ("税率" for "Sheet1!$B$1"); an empty formula takes it away.
+    Refusal defineName(std::string_view name, std::string_view formula);
+
+    /// From now on formulas that call `name` (letter case ignored) with this many parameters ask the
+    /// handler; formulas that are already there too. Nothing is recalculated.
+    void registerFunction(std::string_view name, int parameterCount, FunctionHandler handler);
+    /// Empty: calls are not prepared.
+    void setPrepareHook(PrepareHook hook);
+    /// Asked between pieces of a recalculation. When it stops one, every cell has the value that it had
+    /// before, and what was to be computed still is.
+    void setPauseHook(PauseHook hook);
+    /// While formulas are shown, custom functions that hand back nothing leave their cell as it is.
+    /// Undo brings the former state back.
+    void setFormulasShown(bool shown);
+    bool formulasShown() const { return m_formulasShown; }
+    /// Serial numbers of days count from 1904-01-01 (number 0), as in files from some machines, instead
+    /// of from 1900. Date functions heed it with the next recalculation.
+    void setCountsFrom1904(bool from1904) { m_countsFrom1904 = from1904; }
+    bool countsFrom1904() const { return m_countsFrom1904; }
+
+    /// Computes every formula.
+    RecalculationReport recalculate();
+    /// Computes what depends on changes since the last recalculation, and volatile functions.
+    RecalculationReport recalculateChanged();
+    /// Forgets pending changes: what a file stored counts as computed.
+    void markCalculated();
+
+    /// Takes over everything that another workbook holds. Registered functions, the prepare hook and
+    /// the undo setting stay, the undo history goes. Nothing is recalculated.
+    void replaceContent(Workbook&& fresh);
+
+    // Undo. Off at first, so that filling a workbook by program costs nothing.
+    void setUndoEnabled(bool enabled);
+    bool canUndo() const;
+    bool canRedo() const;
+    std::string undoLabel() const;
+    void undo(); ///< and recalculates what depends on it
+    void redo();
+    /// Called before a step that changed something ends (with undo off: any step). What it changes belongs to
+    /// the step.
+    void setStepEndHook(std::function<void()> hook) { m_stepEnd = std::move(hook); }
+
+    /// Changes with every edit; equal numbers mean an unchanged workbook.
+    std::uint64_t revision() const { return m_revision; }
+    /// … of what is designed: how it is shown or printed (see `DisplayOnly`) counts for nothing, and undo
+    /// brings the former number back.
+    std::uint64_t designRevision() const { return m_designRevision; }
+    /// Bytes held by cells, formulas and the dependency graph.
+    std::size_t bytes() const;
+
+    UndoJournal& journal() { return *m_journal; }
+    Recalculation& recalculation() { return *m_recalculation; }
+
+private:
+    friend class Sheet;
+    friend class DisplayOnly;
+    friend class UndoJournal;
+    friend class UndoStep;
+    friend class SheetStructure;
+    friend class Recalculation;
+
+    void noteEdit();
+    void respell(int sheetId);
+
+    std::vector<std::shared_ptr<Sheet>> m_sheets; ///< shared with undo steps that bring them back
+    StylePool m_styles;
+    TextPool m_texts;
+    std::unique_ptr<FormulaPool> m_formulas;
+    std::unique_ptr<NameTable> m_names;
+    std::unique_ptr<Recalculation> m_recalculation;
+    std::unique_ptr<UndoJournal> m_journal;
+    int m_activeSheet = 1;
+    int m_nextSheetId = 1;
+    bool m_formulasShown = false;
+    std::function<void()> m_stepEnd;
+    bool m_countsFrom1904 = false;
+    std::uint64_t m_revision = 0;
+    std::uint64_t m_designRevision = 0; ///< a value that m_revision once had
+    int m_displayOnly = 0;
+};
+
+/// While it lives, all changes form one undo step.
+class UndoStep {
+public:
+    UndoStep(Workbook& workbook, std::string label);
+    ~UndoStep();
+    UndoStep(const UndoStep&) = delete;
+    UndoStep& operator=(const UndoStep&) = delete;
+
+    /// Puts everything back that was changed since the outermost open step began, when a later part of it is
+    /// refused: there is nothing to undo then. Works with undo on.
+    void takeBack();
+
+private:
+    Workbook& m_workbook;
+};
+
+/// While it lives, changes are of how the workbook is shown or printed, not of what is designed.
+class DisplayOnly {
+public:
+    explicit DisplayOnly(Workbook& workbook)
+        : m_workbook(workbook)
+    {
+        ++m_workbook.m_displayOnly;
+    }
+    ~DisplayOnly() { --m_workbook.m_displayOnly; }
+    DisplayOnly(const DisplayOnly&) = delete;
+    DisplayOnly& operator=(const DisplayOnly&) = delete;
+
+private:
+    Workbook& m_workbook;
+};
+
+} // namespace spreadsheet

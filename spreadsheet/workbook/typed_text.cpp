@@ -1,0 +1,102 @@
+#include "spreadsheet/workbook/typed_text.h"
+
+#include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/formula/CustomFunction.h"
+#include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/values/case_fold.h"
+#include "spreadsheet/values/number_text.h"
+#include "spreadsheet/workbook/Workbook.h"
+
+namespace spreadsheet {
+
+namespace {
+
+/// True for "Acct(…" or "sum (…": a name that the sheet or the program knows, and a bracket.
+bool beginsWithCall(const Workbook& workbook, std::string_view text)
+{
+    const std::size_t bracket = text.find('(');
+    if (bracket == std::string_view::npos)
+        return false;
+    const std::string_view name = trimmedBlanks(text.substr(0, bracket));
+    return findFunction(name) || workbook.formulas().customs().isRegistered(name);
+}
+
+std::optional<double> moneyAmount(std::string_view text)
+{
+    bool negative = false;
+    if (text.starts_with('-')) {
+        negative = true;
+        text.remove_prefix(1);
+    }
+    for (const std::string_view sign : {"￥", "¥", "$"}) {
+        if (!text.starts_with(sign))
+            continue;
+        text.remove_prefix(sign.size());
+        if (negative && text.find_first_of("+-") == 0)
+            return std::nullopt;
+        const auto amount = numberOfGroupedText(text);
+        return amount && negative ? -*amount : amount;
+    }
+    return std::nullopt;
+}
+
+/// "12月" or "2026年12月": a heading, which would be lost if it turned into the first day of the month.
+bool namesMonth(std::string_view text)
+{
+    return text.ends_with("月");
+}
+
+} // namespace
+
+TypedConstant typedConstant(std::string_view text)
+{
+    const std::string_view typed = trimmedBlanks(text);
+    if (const auto number = numberOfGroupedText(typed))
+        return {Value(*number), std::nullopt};
+    if (typed.ends_with('%')) {
+        if (const auto number = numberOfGroupedText(typed.substr(0, typed.size() - 1)))
+            return {Value(*number / 100), CellType::percent};
+    }
+    if (const auto amount = moneyAmount(typed))
+        return {Value(*amount), CellType::currency};
+    if (const auto moment = namesMonth(typed) ? std::nullopt : parseDateTime(typed))
+        return {Value(*moment), *moment < 1 ? CellType::time : CellType::date};
+    const std::string folded = foldedName(typed);
+    if (folded == "TRUE" || folded == "FALSE")
+        return {Value::boolean(folded == "TRUE"), std::nullopt};
+    return {Value::text(text), std::nullopt};
+}
+
+Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text, TypedInto where)
+{
+    const std::string_view typed = trimmedBlanks(text);
+    const UndoStep step(workbook, "输入");
+    if (sheet.style(cell).numberFormat.view() == textFormat && !text.empty()) {
+        sheet.setText(cell, text);
+        return {};
+    }
+    if (typed.starts_with('=') && typed.size() > 1)
+        return sheet.setFormula(cell, text);
+    if (text.starts_with('\'')) {
+        sheet.setText(cell, text.substr(1));
+        return {};
+    }
+    TypedConstant constant = typedConstant(text);
+    const bool heldFormula = where == TypedInto::formulaBox && sheet.hasFormula(cell);
+    if (constant.value.isText() && !typed.empty() && (heldFormula || beginsWithCall(workbook, typed)))
+        return sheet.setFormula(cell, text);
+    if (text.empty()) {
+        sheet.setValue(cell, {});
+        return {};
+    }
+    if (constant.type && sheet.style(cell).type == CellType::edit) {
+        CellStyle style = sheet.style(cell);
+        style.type = *constant.type;
+        sheet.setStyle(cell, style);
+    }
+    sheet.setValue(cell, std::move(constant.value));
+    return {};
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,36 @@
+#pragma once
+#include "spreadsheet/display/CellStyle.h"
+#include "spreadsheet/values/Refusal.h"
+#include "spreadsheet/workbook/Sheet.h"
+
+#include <optional>
+#include <string_view>
+
+namespace spreadsheet {
+
+/// The number format of cells that hold texts only.
+inline constexpr std::string_view textFormat = "@";
+
+enum class TypedInto {
+    cell,
+    formulaBox, ///< there a text stays a formula where the cell already held one
+};
+
+/// Puts what a user typed into a cell, as one undo step.
+///
+/// With "=" it is a formula. Without, a number, percentage, amount of money, date, time or truth value
+/// is a constant, a text that begins with a call of a known function is a formula, and anything else is
+/// text, a month without a day ("2026年12月") too; a leading apostrophe makes text of whatever follows. A
+/// fresh cell takes the type that the constant was written in (percent, currency, date, time). An empty text
+/// takes the content away. A cell whose number format is `textFormat` takes every text as it stands.
+/// @return why a formula was refused; the cell then keeps what it had.
+Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text, TypedInto where);
+
+/// The constant that a text stands for, and the cell type that it was written in if it shows one.
+struct TypedConstant {
+    Value value;
+    std::optional<CellType> type;
+};
+TypedConstant typedConstant(std::string_view text);
+
+} // namespace spreadsheet

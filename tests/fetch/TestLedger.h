@@ -1,0 +1,125 @@
+#pragma once
+#include "platform/database/Connection.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+#include "platform/services/RecordingDialogs.h"
+#include "state/shared_state.h"
+#include "tests/tdsserver/TestedDatabase.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace selfreport::test {
+
+/// A small ledger in a file of its own, under the shared connection string, with recorded message boxes. The
+/// shared connection goes through the provider under test; what a test prepares goes straight into the file.
+///
+/// 2025, periods 1 and 2, currency RMB. Closing balances of period 2: 1001 100.25, 1002 2000.5, 1122 300 made
+/// up of customers 001 (120) and 002 (180), 2001 (credit) 700. Department items exist but no balance has one.
+class TestLedger {
+public:
+    TestLedger()
+        : m_file(freshFile())
+        , m_database(m_file.string())
+        , m_inUse(boxes)
+    {
+        // Filled once: making the tables takes longer than most tests.
+        static const Template filled;
+        std::filesystem::copy_file(filled.file, m_file, std::filesystem::copy_options::overwrite_existing);
+        gConnString = connectionString();
+        gTitle = "测试账套";
+        gLoginUserId = "wang";
+    }
+    ~TestLedger()
+    {
+        gCnn.reset();
+        closeIdleSessions();
+        std::filesystem::remove(m_file);
+    }
+    TestLedger(const TestLedger&) = delete;
+    TestLedger& operator=(const TestLedger&) = delete;
+
+    std::string connectionString() const { return m_database.connectionString(); }
+    std::string embeddedConnectionString() const { return m_database.embeddedConnectionString(); }
+    std::string file() const { return m_file.string(); }
+
+    void run(const std::string& sql) const
+    {
+        openConnection(m_database.embeddedConnectionString())->execute(sql);
+    }
+    Recordset query(const std::string& sql) const
+    {
+        return openConnection(connectionString())->query(sql, BinaryColumns::fetched);
+    }
+
+    void addReport(int id, const std::string& name, const std::vector<std::byte>& content) const
+    {
+        openConnection(m_database.embeddedConnectionString())
+            ->execute("insert into tblCWSelfReport(noid,fname,fFileContent) values(?,?,?)",
+                      {std::int64_t{id}, name, std::span<const std::byte>(content)});
+    }
+
+    RecordingDialogs boxes;
+
+private:
+    static std::filesystem::path freshFile()
+    {
+        return std::filesystem::temp_directory_path() /
+               ("ledger-" + std::to_string(::getpid()) + "-" + std::to_string(++s_count) + ".db");
+    }
+    struct Template {
+        Template()
+            : file(freshFile())
+        {
+            createDatabase(file.string());
+            const auto connection = openConnection("Provider=SQLite;Data Source=" + file.string());
+            Transaction transaction(*connection);
+            fill(connection.get());
+            transaction.commit();
+        }
+        ~Template() { std::filesystem::remove(file); }
+        std::filesystem::path file;
+    };
+
+    static void fill(Connection* connection)
+    {
+        for (const char* row : {"1,'1001','库存现金',1", "2,'1002','银行存款',1", "3,'1122','应收账款',1",
+                                "4,'2001','短期借款',-1"})
+            connection->execute(
+                std::string("insert into tblAccount(fitemid,fNumber,fName,fDirection) values(") + row + ")");
+        connection->execute("insert into tblCurrency values(1,'RMB','人民币')");
+        connection->execute("insert into tblItemClass values(1,'客户','tblCustomer')");
+        connection->execute("insert into tblItemClass values(2,'部门','tblDepartment')");
+        connection->execute("insert into tblItemClass values(3,'坏表','tbl Customer;')");
+        connection->execute("insert into tblCustomer values(11,'001','甲公司')");
+        connection->execute("insert into tblCustomer values(12,'002','乙公司')");
+        connection->execute("insert into tblDepartment values(21,'01','销售部')");
+        connection->execute("insert into tblItemDetailV values(101,1,11)");
+        connection->execute("insert into tblItemDetailV values(102,1,12)");
+        struct Row {
+            std::int64_t account, combination;
+            double opening, movement; // of period 1 and of each period, debit-positive
+        };
+        for (const Row& row : {Row{1, 0, 50.25, 25}, Row{2, 0, 1000.5, 500}, Row{3, 0, 200, 50},
+                               Row{3, 101, 100, 10}, Row{3, 102, 100, 40}, Row{4, 0, -700, 0}})
+            for (const std::int64_t period : {1, 2}) {
+                const double opening = row.opening + row.movement * static_cast<double>(period - 1);
+                const double closing = opening + row.movement;
+                connection->execute(
+                    "insert into tblAccountBal(faccountid,fDetailId,fYear,fPeriod,fCurrencyid,"
+                    "fBeginBalFor,fBeginBal,fDebitFor,fDebit,fEndBalFor,fEndBal) "
+                    "values(?,?,2025,?,1,?,?,?,?,?,?)",
+                    {row.account, row.combination, period, opening, opening, row.movement, row.movement,
+                     closing, closing});
+            }
+    }
+
+    std::filesystem::path m_file;
+    tds::TestedDatabase m_database;
+    DialogsInUse m_inUse;
+    static inline int s_count = 0;
+};
+
+} // namespace selfreport::test

@@ -1,0 +1,211 @@
+#include "reports/report_store.h"
+#include "state/mdlMain.h"
+#include "tests/fetch/TestLedger.h"
+#include "tests/golden_texts.h"
+#include "tests/tdsserver/TdsServer.h"
+#include "windows/designer/editor_saving.h"
+#include "windows/list/report_list.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace selfreport {
+namespace {
+
+using spreadsheet::Workbook;
+using tds::Cut;
+using tds::Ending;
+using tds::Step;
+
+/// A ledger behind a server, with report 7 stored.
+struct ServedReports : test::TestLedger {
+    ServedReports()
+        : server(file())
+    {
+        run("insert into tblCWSelfReport(noid,fname,fisshow) values(6,'前一张',1)");
+        run("insert into tblsystemprivillenge(fitemid,fnumber,fname) values(20,'RSelf6','前一张')");
+        gConnString = server.connectionString();
+        Workbook workbook;
+        workbook.sheet(1).setText({1, 1}, "旧");
+        EXPECT_TRUE(insertReport("  利润表 ", workbook, &remembered));
+    }
+    ~ServedReports() { closeIdleSessions(); }
+    ServedReports(const ServedReports&) = delete;
+    ServedReports& operator=(const ServedReports&) = delete;
+
+    bool replace(const char* text)
+    {
+        Workbook workbook;
+        workbook.sheet(1).setText({1, 1}, text);
+        return std::holds_alternative<ReportSaved>(updateReport("利润表", workbook, remembered));
+    }
+
+    static std::string stored()
+    {
+        std::string name;
+        Workbook workbook;
+        return loadReport(name, workbook) ? workbook.sheet(1).displayText({1, 1}) : "";
+    }
+
+    tds::TdsServer server;
+    RememberedReport remembered; ///< report 7
+};
+
+TEST(ReportWire, StatementsTravelLetterByLetter)
+{
+    const test::GoldenTexts golden("sql_texts.golden");
+    ServedReports reports;
+    ASSERT_EQ(gReportId, 7);
+    EXPECT_TRUE(reports.replace("新"));
+    EXPECT_EQ(ServedReports::stored(), "新");
+    EXPECT_EQ(storedReports(*openConnection(gConnString)).size(), 2U);
+    EXPECT_TRUE(deleteInfo());
+    std::vector<std::string> texts;
+    std::vector<std::string> before; // what else was asked, and how many of the texts had gone out by then
+    for (const tds::Request& request : reports.server.journal.requests()) {
+        if (request.step != Step::batch || request.text.ends_with(" as sign"))
+            continue;
+        const bool isCheck = std::ranges::any_of(
+            std::to_array({"fisshow=fisshow", "datalength(", "count(*)"}),
+            [&](const char* part) { return request.text.find(part) != std::string::npos; });
+        if (isCheck)
+            before.push_back(std::to_string(texts.size()) + " " + request.text.substr(0, 12));
+        else
+            texts.push_back(request.text);
+    }
+    EXPECT_EQ(before, (std::vector<std::string>{"0 update tblCW", "3 select count", "3 select count",
+                                                "3 select fdate", // of the new report
+                                                "3 update tblCW", "3 select fdate", "5 select count",
+                                                "5 select fdate"})); // of the replaced one
+    const char* expected[] = {"last report",   "last menu item",  "insert menu item",
+                              "page setup",    "delete report", // replaced
+                              "report by id",                   // loaded
+                              "report list",                    //
+                              "delete report", "delete menu item"};
+    ASSERT_EQ(texts.size(), std::size(expected));
+    for (std::size_t at = 0; at < texts.size(); ++at)
+        EXPECT_EQ(texts[at], golden[expected[at]]) << expected[at];
+}
+
+TEST(ReportWire, OpeningThatFailsIsToldApart)
+{
+    ServedReports reports;
+    const struct {
+        const char* more;
+        const char* text;
+    } cases[] = {{"Password=falsch", "用户名或密码错误!"},
+                 {"Initial Catalog=nowhere", "数据库文件不存在或读取错误!"}};
+    for (const auto& c : cases) {
+        gConnString = reports.server.connectionString(c.more);
+        reports.boxes.said.clear();
+        EXPECT_FALSE(openDB());
+        ASSERT_EQ(reports.boxes.said.size(), 1U) << c.more;
+        EXPECT_EQ(reports.boxes.said[0].text, c.text);
+    }
+}
+
+struct Operation {
+    const char* name;
+    std::function<bool(ServedReports&)> run;
+    std::vector<Step> steps;
+    const char* before; ///< first cell of report 7 if nothing was done; "" for no report
+    const char* after;
+};
+
+const std::vector<Operation>& operations()
+{
+    static const std::vector<Operation> all{
+        {"load",
+         [](ServedReports&) { return ServedReports::stored() == "旧"; },
+         {Step::login, Step::batch},
+         "旧",
+         "旧"},
+        {"replace",
+         [](ServedReports& reports) { return reports.replace("新"); },
+         {Step::preLogin, Step::login, Step::begin, Step::batch, Step::statement, Step::commit},
+         "旧",
+         "新"},
+        {"delete",
+         [](ServedReports&) { return deleteInfo(); },
+         {Step::begin, Step::batch, Step::commit},
+         "旧",
+         ""},
+    };
+    return all;
+}
+
+/// One fault at one step of one operation: it is told in one box unless all was done all the same, and the
+/// report is whole, old or new.
+void expectWholeReport(const Operation& operation, Step step, Cut cut, Ending ending)
+{
+    ServedReports reports;
+    closeIdleSessions(); // so that the operation logs in
+    reports.server.faults.order({step, cut, ending, {}, {}});
+    const bool done = operation.run(reports);
+    EXPECT_EQ(reports.boxes.said.size(), done ? 0U : 1U);
+    EXPECT_FALSE(gCnn);
+    const bool opening = step == Step::preLogin || step == Step::login;
+    for (const auto& box : reports.boxes.said) {
+        EXPECT_EQ(box.icon, opening ? Icon::critical : Icon::exclamation);
+        EXPECT_EQ(box.text == "数据库文件不存在或读取错误!", opening) << box.text;
+    }
+    gReportId = 7;
+    EXPECT_EQ(ServedReports::stored(), done ? operation.after : operation.before);
+    EXPECT_EQ(done, step == Step::commit) << "after a commit the new connection finds that all was done";
+}
+
+TEST(ReportWire, NoFaultLosesAStoredReport)
+{
+    for (const Operation& operation : operations())
+        for (const Step step : operation.steps)
+            for (const Cut cut : {Cut::beforeReply, Cut::inHeader, Cut::insideToken, Cut::lastByteMissing})
+                for (const Ending ending : {Ending::closed, Ending::reset}) {
+                    SCOPED_TRACE(std::string(operation.name) + " step " +
+                                 std::to_string(static_cast<int>(step)) + " cut " +
+                                 std::to_string(static_cast<int>(cut)));
+                    expectWholeReport(operation, step, cut, ending);
+                }
+}
+
+TEST(ReportWire, ACommitThatIsLostAndUndoneIsToldSo)
+{
+    ServedReports reports;
+    const auto undo = [&](tds::Reply&) {
+        reports.run("update tblCWSelfReport set fname='别的' where noid=7");
+    };
+    reports.server.faults.order({Step::commit, Cut::beforeReply, Ending::closed, undo, {}});
+    EXPECT_FALSE(reports.replace("新"));
+    ASSERT_EQ(reports.boxes.said.size(), 1U);
+    EXPECT_NE(reports.boxes.said[0].text.find("更改没有保存"), std::string::npos)
+        << reports.boxes.said[0].text;
+}
+
+/// The connection breaks at the commit, and then there is no server for a while.
+TEST(ReportWire, WhatNobodyKnowsIsNotDoneTwice)
+{
+    ServedReports reports;
+    Workbook workbook;
+    std::string name = "新表";
+    EditedReport edited;
+    gEditFlag = 0;
+    edited.beginNew();
+    for (int round = 0; round < 2; ++round) { // inserting, then replacing
+        closeIdleSessions();
+        gCnn = openConnection(gConnString);
+        reports.server.faults.order({Step::commit, Cut::beforeReply, Ending::closed, {}, {}});
+        reports.server.faults.order({Step::login, Cut::beforeReply, Ending::closed, {}, {}});
+        reports.boxes.said.clear();
+        EXPECT_FALSE(edited.save(name, workbook, nullptr)) << round;
+        ASSERT_EQ(reports.boxes.said.size(), 1U) << round;
+        EXPECT_NE(reports.boxes.said[0].text.find("无法确定更改是否已保存"), std::string::npos);
+        EXPECT_TRUE(edited.save(name, workbook, nullptr)) << round; // without a question
+        EXPECT_EQ(reports.query("select * from tblCWSelfReport").rowCount(), 3U) << round;
+        EXPECT_EQ(gReportId, 8);
+    }
+}
+
+} // namespace
+} // namespace selfreport

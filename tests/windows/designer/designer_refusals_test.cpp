@@ -1,0 +1,169 @@
+// Refusals that come up in dialogs and menus: the dialog stays open, the reason is seen, nothing is another.
+#include "tests/windows/designer/DesignerTest.h"
+
+#include <QClipboard>
+#include <QImage>
+#include <QPushButton>
+#include <QStatusBar>
+
+namespace selfreport {
+namespace {
+
+using Said = RecordingDialogs::Said;
+
+/// Array formulas in B10:B12 and D10:E10 of a sheet of 500 × 50.
+struct DesignerRefusals : test::DesignerTest {
+    DesignerRefusals()
+    {
+        open();
+        demand(grid().sheet().setArrayFormula({2, 10, 2, 12}, "ROW()*1"));
+        demand(grid().sheet().setArrayFormula({4, 10, 5, 10}, "COLUMN()*1"));
+        grid().recalculate();
+        demand(grid().setSheetCount(2));
+    }
+    std::string status() { return control<QStatusBar>(*window, "statusBar").currentMessage().toStdString(); }
+    std::string tableSize()
+    {
+        return std::to_string(grid().rowCount()) + " x " + std::to_string(grid().columnCount()) + ", " +
+               std::to_string(grid().sheetCount()) + " " + grid().sheetName().toStdString() + ", " +
+               std::to_string(grid().workbook().sheet(1).settings().arrays.size()) + " arrays, undo " +
+               grid().workbook().undoLabel();
+    }
+};
+
+} // namespace
+
+TEST_F(DesignerRefusals, ThePropertiesStayOpenAndSayWhy)
+{
+    const struct {
+        const char* what;
+        const char* texts[4];
+        int box; ///< that has the focus then
+        const char* why;
+    } cases[] = {
+        {"rows through an array formula", {"11", "50", "2", "新名"}, 0, "总行数：不能更改数组公式的一部分"},
+        {"columns, after rows that could go",
+         {"400", "4", "2", "新名"},
+         1,
+         "总列数：不能更改数组公式的一部分"},
+        {"a name, after all else",
+         {"400", "40", "3", "a/b"},
+         3,
+         "表名不能包含 [ ] : * ? / \\,也不能以单引号开头或结尾"},
+        {"the other sheet's name", {"400", "40", "2", "sheet2"}, 3, "已有名为“sheet2”的表"},
+    };
+    for (const auto& c : cases) {
+        const std::string before = tableSize();
+        ledger.boxes.said.clear();
+        whenModal("frmTableInfo", [&](QWidget& dialog) {
+            for (int box = 0; box < 4; ++box)
+                control<QLineEdit>(dialog, ("txt_" + std::to_string(box)).c_str())
+                    .setText(QString::fromUtf8(c.texts[box]));
+            control<QPushButton>(dialog, "cmdOK").click();
+            EXPECT_TRUE(dialog.isVisible()) << c.what;
+            EXPECT_EQ(dialog.focusWidget()->objectName().toStdString(), "txt_" + std::to_string(c.box))
+                << c.what;
+            EXPECT_EQ(control<QLineEdit>(dialog, "txt_0").text(), c.texts[0]) << c.what;
+            dialog.close();
+        });
+        trigger("MenuSetTableInfo");
+        EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::exclamation, "测试账套", c.why}})) << c.what;
+        EXPECT_EQ(tableSize(), before) << c.what;
+        grid().workbook().redo();
+        EXPECT_EQ(tableSize(), before) << c.what << ": what was taken back may not come again";
+    }
+}
+
+TEST_F(DesignerRefusals, MenusSayWhyInTheStatusBar)
+{
+    grid().addSpan({7, 1, 8, 2});
+    grid().refresh();
+    const struct {
+        const char* action;
+        spreadsheet::CellRange at;
+        const char* why;
+    } cases[] = {
+        {"MenuInsertRow", {1, 11, 1, 11}, "不能更改数组公式的一部分"},
+        {"MenuInsertCol", {5, 1, 5, 1}, "不能更改数组公式的一部分"},
+        {"MenuDeleteRows", {1, 11, 1, 11}, "不能更改数组公式的一部分"},
+        {"MenuFillDown", {2, 9, 2, 10}, "不能更改数组公式的一部分"},
+        {"MenuCellSpan", {6, 1, 7, 1}, "选定的区域中已有合并单元格，请先取消合并"},
+    };
+    for (const auto& c : cases) {
+        grid().select(c.at);
+        const auto before = grid().workbook().revision();
+        trigger(c.action);
+        EXPECT_EQ(status(), c.why) << c.action;
+        EXPECT_EQ(grid().workbook().revision(), before) << c.action;
+    }
+}
+
+TEST_F(DesignerRefusals, WhatWasDoneInPartIsStillToldWhenAllIsRecalculated)
+{
+    grid().sheet().setText({1, 1}, "ROW 甲");
+    grid().replaceAll({.what = "ROW"}, "行");
+    EXPECT_EQ(grid().text(1, 1), "行 甲");
+    EXPECT_EQ(status(), "有 3 个单元格不能替换");
+    demand(grid().sheet().setFormula({1, 3}, "Sheet2!A1+1"));
+    grid().recalculate();
+    grid().select({1, 3, 1, 3});
+    grid().copy();
+    demand(grid().workbook().removeSheet(2));
+    grid().select({1, 5, 1, 5});
+    grid().paste();
+    EXPECT_EQ(formula(1, 5), "");
+    EXPECT_EQ(grid().text(1, 5), "1");
+    EXPECT_EQ(status(), "有 1 个公式在这里没有意义，只粘贴了它们的值");
+}
+
+TEST_F(DesignerRefusals, TheToolbarsPasteSaysWhyAndKeepsTheCell)
+{
+    grid().sheet().setText({1, 1}, "kept");
+    grid().sheet().setText({1, 2}, "kept");
+    grid().changeStyle({1, 2, 1, 2}, [](spreadsheet::CellStyle& style) { style.locked = true; });
+    const struct {
+        spreadsheet::CellAddress cell;
+        const char* text; ///< null: a picture is on the clipboard
+        const char* why;
+    } cases[] = {
+        {{1, 2}, "1", "单元格已锁定，不能更改"},
+        {{2, 11}, "1", "不能更改数组公式的一部分"},
+        {{1, 1}, nullptr, "剪贴板的内容不是文本或表格，不能粘贴"},
+    };
+    for (const auto& c : cases) {
+        if (c.text)
+            QApplication::clipboard()->setText(c.text);
+        else
+            QApplication::clipboard()->setImage(QImage(4, 4, QImage::Format_RGB32));
+        moveTo(c.cell.column, c.cell.row);
+        const std::string before = grid().sheet().displayText(c.cell);
+        window->pasteIntoActiveCell();
+        EXPECT_EQ(status(), c.why);
+        EXPECT_EQ(grid().sheet().displayText(c.cell), before) << c.why;
+        EXPECT_EQ(grid().sheet().settings().arrays.size(), 2U) << c.why;
+    }
+}
+
+TEST_F(DesignerRefusals, WhatIsCopiedMayBeReadAsANumberAgain)
+{
+    spreadsheet::CellStyle style;
+    style.type = spreadsheet::CellType::number;
+    style.decimals = 2;
+    style.numberFormat = spreadsheet::Text("[Red]#,##0.0,");
+    for (const int row : {1, 2})
+        grid().sheet().setStyle({1, row}, style);
+    grid().sheet().setNumber({1, 1}, -1234567.891);
+    moveTo(1, 1);
+    window->copyActiveText();
+    EXPECT_EQ(QApplication::clipboard()->text(), "-1234567.89");
+    moveTo(1, 2);
+    window->pasteIntoActiveCell();
+    EXPECT_EQ(grid().sheet().value({1, 2}), spreadsheet::Value(-1234567.89));
+    grid().sheet().setStyle({2, 10}, style); // shows its formula
+    moveTo(2, 10);
+    trigger("MenuShowFormula");
+    window->copyActiveText();
+    EXPECT_EQ(QApplication::clipboard()->text(), "ROW()*1");
+}
+
+} // namespace selfreport

@@ -1,0 +1,79 @@
+// Alt and a letter in the designer's own dialogs.
+#include "tests/windows/designer/DesignerTest.h"
+#include "windows/designer/frmFind.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+
+namespace selfreport {
+namespace {
+
+using spreadsheet::CellAddress;
+
+using DialogKeys = test::DesignerTest;
+
+TEST_F(DialogKeys, TableProperties)
+{
+    open();
+    const struct {
+        Qt::Key letter;
+        int rows; // afterwards
+    } cases[] = {{Qt::Key_C, 500}, {Qt::Key_O, 80}};
+    for (const auto& [letter, rows] : cases) {
+        whenModal("frmTableInfo", [letter = letter](QWidget& dialog) {
+            show(dialog);
+            QWidget* const first = QApplication::focusWidget();
+            EXPECT_EQ(first->objectName(), "txt_0");
+            control<QLineEdit>(dialog, "txt_0").setText("80");
+            for (const char* next : {"txt_1", "txt_2", "txt_3", "cmdOK", "cmdClose", "txt_0"}) {
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+                EXPECT_EQ(QApplication::focusWidget()->objectName(), next);
+            }
+            accessKey(dialog, letter);
+            EXPECT_FALSE(dialog.isVisible());
+            dialog.close();
+        });
+        trigger("MenuSetTableInfo");
+        EXPECT_EQ(grid().rowCount(), rows);
+    }
+}
+
+TEST_F(DialogKeys, FindAndReplace)
+{
+    open();
+    for (int row = 1; row <= 4; ++row)
+        grid().sheet().setText({1, row}, "资产");
+    moveTo(1, 1);
+    trigger("MenuReplace");
+    auto& dialog = control<frmFind>(*window, "frmFind");
+    show(dialog);
+    control<QLineEdit>(dialog, "txt_0").setText("资产");
+    control<QLineEdit>(dialog, "txt_1").setText("财产");
+    const std::pair<Qt::Key, const char*> fields[] = {
+        {Qt::Key_R, "txt_1"}, {Qt::Key_F, "txt_0"}, {Qt::Key_S, "cboIn"}};
+    for (const auto& [letter, name] : fields) {
+        accessKey(dialog, letter);
+        EXPECT_EQ(QApplication::focusWidget()->objectName(), name);
+    }
+    const std::pair<Qt::Key, const char*> options[] = {
+        {Qt::Key_C, "chkCase"}, {Qt::Key_W, "chkWhole"}, {Qt::Key_Q, "chkWildcards"}};
+    for (const auto& [letter, name] : options) {
+        accessKey(dialog, letter);
+        EXPECT_TRUE(control<QCheckBox>(dialog, name).isChecked()) << name;
+    }
+    accessKey(dialog, Qt::Key_N);
+    EXPECT_EQ(grid().activeCell(), (CellAddress{1, 2}));
+    accessKey(dialog, Qt::Key_P);
+    EXPECT_EQ(grid().activeCell(), (CellAddress{1, 1}));
+    accessKey(dialog, Qt::Key_T); // here, and on to the next one
+    EXPECT_EQ(grid().text(1, 1) + grid().text(1, 2), "财产资产");
+    EXPECT_EQ(grid().activeCell(), (CellAddress{1, 2}));
+    accessKey(dialog, Qt::Key_A);
+    EXPECT_EQ(control<QLabel>(dialog, "lblResult").text().trimmed(), "已替换 3 个单元格");
+    accessKey(dialog, Qt::Key_E);
+    EXPECT_FALSE(dialog.isVisible());
+}
+
+} // namespace
+} // namespace selfreport

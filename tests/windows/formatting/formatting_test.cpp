@@ -1,0 +1,322 @@
+#include "windows/formatting/cell_commands.h"
+
+#include "platform/services/ScriptedDialogs.h"
+#include "spreadsheet/files/content.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+#include "spreadsheet/workbook/UndoJournal.h"
+#include "state/shared_state.h"
+#include "tests/platform/WindowTest.h"
+#include "windows/formatting/FormatPainter.h"
+#include "windows/formatting/frmButtonCaption.h"
+#include "windows/formatting/frmCellBorder.h"
+#include "windows/formatting/frmDataType.h"
+#include "windows/formatting/frmDropDownEntries.h"
+#include "windows/formatting/frmLineSize.h"
+
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+namespace selfreport {
+namespace {
+
+using spreadsheet::CellRange;
+using spreadsheet::CellStyle;
+using spreadsheet::CellType;
+using spreadsheet::LineStyle;
+
+class Formatting : public test::WindowTest {
+protected:
+    const CellStyle& style(int column, int row) { return grid.sheet().style({column, row}); }
+    void choose(QDialog& dialog, const char* list, const QString& entry)
+    {
+        auto& box = control<QComboBox>(dialog, list);
+        ASSERT_GE(box.findText(entry), 0) << entry.toStdString();
+        box.setCurrentIndex(box.findText(entry));
+    }
+
+    spreadsheet::SpreadsheetControl grid;
+};
+
+TEST_F(Formatting, TogglesInvertEachCellOfABlock)
+{
+    const struct {
+        void (*toggle)(spreadsheet::SpreadsheetControl&);
+        std::function<bool(const CellStyle&)> read;
+    } toggles[] = {{toggleBold, [](const CellStyle& s) { return s.font.bold; }},
+                   {toggleItalic, [](const CellStyle& s) { return s.font.italic; }},
+                   {toggleUnderline, [](const CellStyle& s) { return s.font.underline; }},
+                   {toggleStrikeOut, [](const CellStyle& s) { return s.font.strikeThrough; }},
+                   {toggleWrap, [](const CellStyle& s) { return s.wrap; }},
+                   {toggleLock, [](const CellStyle& s) { return s.locked; }}};
+    for (const auto& [toggle, read] : toggles) {
+        grid.setActiveCell(2, 2);
+        toggle(grid); // the active cell alone
+        EXPECT_TRUE(read(style(2, 2)));
+        EXPECT_FALSE(read(style(1, 2)));
+        grid.select({1, 1, 3, 4});
+        toggle(grid);
+        EXPECT_FALSE(read(style(2, 2)));
+        EXPECT_TRUE(read(style(1, 1)));
+        EXPECT_TRUE(read(style(3, 4)));
+        EXPECT_FALSE(read(style(4, 4)));
+        EXPECT_EQ(grid.current(), (spreadsheet::CellAddress{3, 4}));
+        grid.undo(); // one step
+        EXPECT_TRUE(read(style(2, 2)));
+        EXPECT_FALSE(read(style(1, 1)));
+        grid.undo();
+    }
+}
+
+TEST_F(Formatting, SetsAndColours)
+{
+    ScriptedColourDialog colours;
+    const ColourDialogInUse inUse(colours);
+    grid.select({1, 1, 2, 3});
+    alignCells(grid, spreadsheet::HorizontalAlignment::centre);
+    alignCells(grid, spreadsheet::HorizontalAlignment::centre); // set, not toggled
+    alignCells(grid, spreadsheet::VerticalAlignment::bottom);
+    setFontSize(grid, 16);
+    setFontName(grid, "黑体");
+    colours.answers = {0x112233, std::nullopt, 0x445566};
+    chooseForeColour(grid);
+    chooseForeColour(grid); // cancelled
+    chooseBackColour(grid);
+    EXPECT_EQ(colours.asked, (std::vector<std::uint32_t>{0, 0, 0})); // black each time
+    for (const auto& [column, row] : {std::pair{1, 1}, std::pair{2, 3}}) {
+        const CellStyle& cell = style(column, row);
+        EXPECT_EQ(cell.horizontal, spreadsheet::HorizontalAlignment::centre);
+        EXPECT_EQ(cell.vertical, spreadsheet::VerticalAlignment::bottom);
+        EXPECT_EQ(cell.font.points, 16);
+        EXPECT_EQ(cell.font.family.view(), "黑体");
+        EXPECT_EQ(cell.foreground, 0x112233u);
+        EXPECT_EQ(cell.background, 0x445566u);
+    }
+    clearFormats(grid);
+    EXPECT_EQ(style(1, 1), CellStyle());
+}
+
+TEST_F(Formatting, MergingAndUnmerging)
+{
+    grid.select({1, 1, 2, 2});
+    EXPECT_FALSE(mergeCells(grid));
+    grid.select({2, 2, 4, 4}); // meets the first
+    EXPECT_TRUE(mergeCells(grid));
+    EXPECT_EQ(grid.spanAt(1, 1), (CellRange{1, 1, 2, 2}));
+    EXPECT_FALSE(grid.spanAt(4, 4));
+    grid.select({2, 2, 9, 9}); // reaches into it
+    unmergeCells(grid);
+    EXPECT_FALSE(grid.spanAt(1, 1));
+}
+
+TEST_F(Formatting, ACellMergedAloneIsASpan)
+{
+    grid.setActiveCell(3, 3);
+    EXPECT_FALSE(mergeCells(grid));
+    EXPECT_EQ(grid.spanAt(3, 3), (CellRange{3, 3, 3, 3}));
+    grid.select({3, 3, 4, 4});
+    EXPECT_TRUE(mergeCells(grid));
+    EXPECT_FALSE(grid.spanAt(4, 4)) << "a cell of the range is merged already";
+    unmergeCells(grid);
+    EXPECT_FALSE(mergeCells(grid));
+    EXPECT_EQ(grid.spanAt(4, 4), (CellRange{3, 3, 4, 4}));
+    grid.undo();
+    grid.undo();
+    EXPECT_EQ(grid.spanAt(3, 3), (CellRange{3, 3, 3, 3}));
+}
+
+TEST_F(Formatting, LinesChosenByTheirHeadingsKeepOneFormatEach)
+{
+    grid.resize(800, 500);
+    show(grid);
+    const QPoint column(grid.cellRect({3, 1}).center().x(), 5), row(5, grid.cellRect({1, 4}).center().y());
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, column);
+    toggleBold(grid);
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, row);
+    toggleItalic(grid);
+    const std::size_t steps = grid.workbook().journal().steps();
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, column);
+    toggleBold(grid); // inverted everywhere, where the row crosses too
+    EXPECT_EQ(grid.workbook().journal().steps(), steps + 1);
+    EXPECT_FALSE(style(3, 4).font.bold);
+    EXPECT_TRUE(style(3, 4).font.italic);
+    toggleBold(grid);
+    grid.setActiveCell(3, 300);
+    QTest::keyClick(&grid, Qt::Key_7);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_TRUE(style(3, 300).font.bold) << "what is typed into a fresh cell";
+    spreadsheet::Workbook loaded;
+    loadContent(loaded, saveContent(grid.workbook()));
+    for (const spreadsheet::Sheet* sheet : {&grid.sheet(), &loaded.sheet(1)}) {
+        EXPECT_LE(sheet->storedColumns(), 3);
+        EXPECT_TRUE(sheet->style({3, 499}).font.bold);
+        EXPECT_TRUE(sheet->style({40, 4}).font.italic);
+        EXPECT_TRUE(sheet->style({3, 4}).font.bold && sheet->style({3, 4}).font.italic);
+        EXPECT_FALSE(sheet->style({4, 5}).font.bold || sheet->style({4, 5}).font.italic);
+    }
+}
+
+TEST_F(Formatting, ThePainterTakesLooksAlong)
+{
+    grid.resize(800, 500);
+    show(grid);
+    const auto drag = [this](spreadsheet::CellAddress from, spreadsheet::CellAddress to) {
+        QTest::mousePress(&grid, Qt::LeftButton, {}, grid.cellRect(from).center());
+        QTest::mouseMove(&grid, grid.cellRect(to).center());
+        QTest::mouseRelease(&grid, Qt::LeftButton, {}, grid.cellRect(to).center());
+        QCoreApplication::processEvents();
+    };
+    const auto bold = [this](int column, int row) { return style(column, row).font.bold; };
+    grid.select({1, 1, 1, 1});
+    toggleBold(grid);
+    grid.select({1, 1, 2, 1}); // bold, plain
+    FormatPainter::start(grid);
+    drag({3, 3}, {6, 4}); // twice as wide, twice as high
+    EXPECT_TRUE(bold(3, 3) && !bold(4, 3) && bold(5, 4) && !bold(6, 4) && !bold(3, 5));
+    grid.undo(); // one step
+    EXPECT_FALSE(bold(3, 3) || bold(5, 4));
+    drag({3, 3}, {3, 3});
+    EXPECT_FALSE(bold(3, 3)) << "it paints once";
+
+    grid.select({1, 1, 2, 1});
+    FormatPainter::start(grid);
+    QTest::keyClick(&grid, Qt::Key_Escape);
+    drag({3, 3}, {3, 3});
+    EXPECT_FALSE(bold(3, 3));
+
+    grid.select({2, 1, 2, 1});
+    grid.select({1, 1, 1, 1});
+    FormatPainter::start(grid);
+    QTest::keyClick(&grid, Qt::Key_Down);
+    QTest::keyClick(&grid, Qt::Key_Return);
+    EXPECT_TRUE(bold(1, 2)) << "by keys";
+    grid.select({1, 1, 1, 1});
+    FormatPainter::start(grid);
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, {grid.cellRect({5, 1}).center().x(), 5});
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(bold(5, 1) && bold(5, 500));
+    EXPECT_TRUE(grid.sheet().column(5)->empty()) << "a whole column takes no cells";
+}
+
+TEST_F(Formatting, SizesOfSelectedLines)
+{
+    grid.select({2, 3, 4, 5});
+    frmLineSize heights(grid, frmLineSize::Lines::rows), widths(grid, frmLineSize::Lines::columns);
+    EXPECT_EQ(control<QDoubleSpinBox>(heights, "size").value(), spreadsheet::defaultRowHeight / 20.0);
+    control<QDoubleSpinBox>(heights, "size").setValue(30);
+    control<QPushButton>(heights, "cmdXPOK").click();
+    control<QDoubleSpinBox>(widths, "size").setValue(100.5);
+    control<QPushButton>(widths, "cmdXPOK").click();
+    const auto& settings = grid.sheet().settings();
+    EXPECT_EQ(settings.rows.sizes, (std::map<int, int>{{3, 600}, {4, 600}, {5, 600}}));
+    EXPECT_EQ(settings.columns.sizes, (std::map<int, int>{{2, 2010}, {3, 2010}, {4, 2010}}));
+    grid.undo();
+    EXPECT_TRUE(grid.sheet().settings().columns.sizes.empty());
+}
+
+TEST_F(Formatting, EntriesAndCaptions)
+{
+    grid.select({2, 2, 2, 3});
+    frmDropDownEntries entries(grid);
+    control<QPlainTextEdit>(entries, "entries").setPlainText(" 部门\n\n客户\n部门\n");
+    control<QPushButton>(entries, "cmdXPOK").click();
+    EXPECT_EQ(style(2, 3).type, CellType::dropDown);
+    EXPECT_EQ(grid.sheet().dropDownEntries({2, 3})->size(), 2u);
+    frmDropDownEntries again(grid);
+    EXPECT_EQ(control<QPlainTextEdit>(again, "entries").toPlainText(), "部门\n客户");
+    grid.select({4, 1, 4, 500}); // one list for the whole column
+    frmDropDownEntries column(grid);
+    control<QPlainTextEdit>(column, "entries").setPlainText("是\n否");
+    control<QPushButton>(column, "cmdXPOK").click();
+    EXPECT_EQ(grid.sheet().settings().dropDowns.count({4, 0}), 1u);
+    EXPECT_EQ(grid.sheet().settings().dropDowns.size(), 3u);
+    EXPECT_EQ(grid.sheet().dropDownEntries({4, 77})->front(), "是");
+
+    grid.setActiveCell(6, 6);
+    grid.setText(6, 6, "7");
+    frmButtonCaption caption(grid);
+    control<QLineEdit>(caption, "caption").setText("计算");
+    control<QPushButton>(caption, "cmdXPOK").click();
+    EXPECT_EQ(style(6, 6).type, CellType::button);
+    EXPECT_EQ(*grid.sheet().buttonCaption({6, 6}), "计算");
+    EXPECT_EQ(grid.text(6, 6), "7");
+    grid.undo(); // type and caption are one step
+    EXPECT_EQ(grid.sheet().buttonCaption({6, 6}), nullptr);
+    EXPECT_EQ(style(6, 6).type, CellType::edit);
+}
+
+TEST_F(Formatting, InsertionAtTheEdgeLosesNothing)
+{
+    grid.setText(1, grid.rowCount(), "最后一行");
+    grid.setText(grid.columnCount(), 1, "最后一列");
+    grid.setActiveCell(1, grid.rowCount());
+    EXPECT_FALSE(insertRow(grid));
+    EXPECT_EQ(grid.rowCount(), 501);
+    EXPECT_EQ(grid.text(1, 501), "最后一行");
+    grid.setActiveCell(grid.columnCount(), 1);
+    EXPECT_FALSE(insertColumn(grid));
+    EXPECT_EQ(grid.text(51, 1), "最后一列");
+}
+
+TEST_F(Formatting, DataTypes)
+{
+    const std::pair<const char*, CellType> types[] = {
+        {"日期型", CellType::date},           {"字符型", CellType::edit},
+        {"货币型", CellType::currency},       {"数字型", CellType::number},
+        {"百分比", CellType::percent},        {"科学计数法", CellType::scientific},
+        {"静态文本框", CellType::staticText}, {"时间型", CellType::time},
+        {"按钮型", CellType::button},         {"下拉框", CellType::dropDown},
+        {"复选框", CellType::checkBox}};
+    gCellCol = 2;
+    gCellRow = 3;
+    grid.setText(2, 3, "文本");
+    grid.sheet().setTag({2, 3}, "13");
+    int row = 0;
+    for (const auto& [shown, type] : types) {
+        frmDataType dialog(grid);
+        EXPECT_EQ(control<QComboBox>(dialog, "PC_1").currentIndex(), 1);
+        EXPECT_EQ(control<QComboBox>(dialog, "PC_0").currentText(), "2");
+        EXPECT_EQ(control<QComboBox>(dialog, "PC_1").findText(QString::fromUtf8(shown)), row++);
+        choose(dialog, "PC_1", QString::fromUtf8(shown));
+        EXPECT_EQ(control<QComboBox>(dialog, "PC_0").isEnabled(), type == CellType::number);
+        control<QPushButton>(dialog, "cmdXPOK").click();
+        EXPECT_EQ(style(2, 3).type, type);
+        EXPECT_EQ(grid.sheet().tag({2, 3}).view(), std::to_string(static_cast<int>(type)));
+        EXPECT_EQ(grid.sheet().value({2, 3}).text().view(), "文本"); // what does not fit is kept
+    }
+    grid.select({1, 1, 2, 1});
+    frmDataType dialog(grid);
+    choose(dialog, "PC_1", "数字型");
+    choose(dialog, "PC_0", "15");
+    control<QPushButton>(dialog, "cmdXPOK").click();
+    EXPECT_EQ(style(2, 1).decimals, 15);
+    EXPECT_EQ(style(1, 1).type, CellType::number);
+}
+
+TEST_F(Formatting, Borders)
+{
+    grid.select({1, 1, 2, 2});
+    frmCellBorder all(grid);
+    control<QPushButton>(all, "cmdXPOK").click(); // all sides, solid
+    const spreadsheet::BorderLine line{LineStyle::solid, 0x000080};
+    for (const spreadsheet::BorderLine& side :
+         {style(1, 1).left, style(2, 1).top, style(2, 2).right, style(1, 2).bottom})
+        EXPECT_EQ(side, line);
+    frmCellBorder none(grid);
+    choose(none, "PC_1", "无");
+    choose(none, "PC_0", "Dot border ");
+    control<QPushButton>(none, "cmdXPOK").click();
+    EXPECT_EQ(style(1, 1).left, line);
+    frmCellBorder left(grid);
+    choose(left, "PC_1", "左");
+    choose(left, "PC_0", "No border");
+    control<QPushButton>(left, "cmdXPOK").click();
+    EXPECT_EQ(style(1, 1).left.style, LineStyle::none);
+    EXPECT_EQ(style(1, 1).top, line);
+    EXPECT_EQ(control<QComboBox>(left, "PC_0").count(), 12);
+}
+
+} // namespace
+} // namespace selfreport

@@ -1,0 +1,113 @@
+#include "tool/report_run.h"
+
+#include "failures/failure_text.h"
+#include "fetch/evaluation.h"
+#include "platform/database/dialect/connection_string.h"
+#include "platform/services/RecordingDialogs.h"
+#include "reports/report_store.h"
+#include "state/mdlMain.h"
+#include "state/shared_state.h"
+
+#include <algorithm>
+#include <exception>
+
+namespace selfreport {
+
+namespace {
+
+/// What the user calls the database; never the whole string, which may hold a password.
+std::string databaseName(const std::string& connectionString)
+{
+    try {
+        const ConnectionSettings settings = parseConnectionString(connectionString);
+        const std::string& source = settings.value("Data Source");
+        const std::string& catalogue = settings.value("Initial Catalog");
+        return catalogue.empty() ? source : source + "/" + catalogue;
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+/// Opens the database once, so that what is wrong with it is told by name.
+std::unique_ptr<Connection> provenConnection(const std::string& connectionString)
+{
+    try {
+        return openConnection(connectionString);
+    } catch (const std::exception& error) {
+        throw ReportRunError("无法打开数据库“" + databaseName(connectionString) + "”：" +
+                             failures::sentenceOf(error));
+    }
+}
+
+std::vector<ListedReport> provenList(const std::string& connectionString)
+{
+    const std::unique_ptr<Connection> connection = provenConnection(connectionString);
+    try {
+        return storedReports(*connection);
+    } catch (const std::exception& error) {
+        throw ReportRunError("数据库“" + databaseName(connectionString) + "”读不出报表列表：" +
+                             failures::sentenceOf(error));
+    }
+}
+
+void requireReport(const std::string& connectionString, std::int32_t id)
+{
+    const std::vector<ListedReport> reports = provenList(connectionString);
+    if (std::ranges::find(reports, id, &ListedReport::id) == reports.end())
+        throw ReportRunError("没有编号为" + std::to_string(id) + "的报表");
+}
+
+void setRunState(const std::string& connectionString, std::int32_t id)
+{
+    gConnString = connectionString;
+    gRunMode = true;
+    gEditFlag = 1;
+    gPreviewZoomIndex = -1;
+    gReportId = id;
+}
+
+void load(ReportRun& run, const RecordingDialogs& boxes)
+{
+    if (loadReport(run.name, *run.workbook))
+        return;
+    const std::string why = boxes.said.empty() ? std::string("原因不明") : boxes.said.back().text;
+    throw ReportRunError("编号为" + std::to_string(gReportId) + "的报表无法载入：" + why);
+}
+
+} // namespace
+
+std::vector<ListedReport> listReports(const std::string& connectionString)
+{
+    gConnString = connectionString;
+    return provenList(connectionString);
+}
+
+ReportRun runReport(const std::string& connectionString, std::int32_t id, const RunOptions& options)
+{
+    const auto tell = [&](std::string_view what) {
+        if (options.progress)
+            options.progress(what);
+    };
+    RecordingDialogs boxes;
+    const DialogsInUse inUse(boxes);
+    tell("打开数据库");
+    requireReport(connectionString, id);
+    setRunState(connectionString, id);
+
+    tell("载入报表");
+    ReportRun run;
+    run.workbook = std::make_unique<spreadsheet::Workbook>();
+    load(run, boxes);
+
+    tell("取数计算");
+    ReportEvaluation evaluation(*run.workbook);
+    evaluation.addSelfFunction();
+    evaluation.setFetchesShared(options.fetchesShared);
+    evaluation.startRun();
+    run.diagnostics = evaluation.diagnostics();
+    for (const RecordingDialogs::Said& said : boxes.said)
+        run.messages.push_back(said.text);
+    return run;
+}
+
+} // namespace selfreport

@@ -1,0 +1,46 @@
+#pragma once
+#include "fetch/diagnostics.h"
+#include "spreadsheet/workbook/Workbook.h"
+#include "windows/list/report_list.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace selfreport {
+
+/// A report cannot be listed or run; what() is one Chinese sentence that names the thing (the database, the
+/// report's id, what is damaged). It never holds a password.
+struct ReportRunError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// A report after its recalculation.
+struct ReportRun {
+    std::string name;
+    std::unique_ptr<spreadsheet::Workbook> workbook;
+    std::vector<CellDiagnostic> diagnostics; ///< cells whose fetch failed or found nothing, in sheet order
+    std::vector<std::string> messages;       ///< what message boxes would have said, each once
+};
+
+struct RunOptions {
+    /// Fetches of one recalculation are shared and sent in batches; off: one call for each cell.
+    bool fetchesShared = true;
+    /// Told what goes on, in Chinese, before each longer step.
+    std::function<void(std::string_view)> progress;
+};
+
+/// All stored reports in the order of their ids. Sets the shared connection string.
+/// @throws ReportRunError
+std::vector<ListedReport> listReports(const std::string& connectionString);
+
+/// Loads a stored report and evaluates it as the run mode does. Sets the shared state as running the report
+/// from the host does; header and footer are filled from the settings store.
+/// @throws ReportRunError if there is no such database or report, or its content is damaged
+ReportRun runReport(const std::string& connectionString, std::int32_t id, const RunOptions& options = {});
+
+} // namespace selfreport

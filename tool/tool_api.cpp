@@ -1,0 +1,233 @@
+#include "tool/tool_api.h"
+#include "component/application.h"
+#include "component/clsSelfReport.h"
+#include "component/frmHost.h"
+#include "component/host_call.h"
+#include "demo/demo_check.h"
+#include "demo/demo_reports.h"
+#include "demo/ledger/demo_ledger.h"
+#include "platform/database/Connection.h"
+#include "platform/database/dialect/sql_text.h"
+#include "platform/services/FileDialog.h"
+#include "platform/toolkit/QtSettings.h"
+#include "spreadsheet/files/FileFormats.h"
+#include "spreadsheet/files/PendingFile.h"
+#include "spreadsheet/files/text/csv.h"
+#include "spreadsheet/functions/function_reference.h"
+#include "spreadsheet/print/pdf.h"
+#include "state/shared_state.h"
+#include "tool/report_run.h"
+#include "windows/printing/print_stamp.h"
+
+#include <QDir>
+#include <QStandardPaths>
+
+#include <array>
+#include <charconv>
+#include <functional>
+#include <ostream>
+#include <span>
+
+namespace selfreport {
+
+using spreadsheet::FileError;
+using spreadsheet::PendingFile;
+using spreadsheet::PendingFiles;
+
+namespace {
+
+/// Runs a command: exit code 0, or 1 after telling why.
+int command(const ToolStreams& streams, const std::function<void()>& work) noexcept
+{
+    std::string reason = hostCall(work);
+    if (reason.empty() && !streams.results.flush())
+        reason = "无法写到标准输出";
+    if (reason.empty())
+        return 0;
+    streams.notes << "失败: " << reason << std::endl;
+    return 1;
+}
+
+std::string fileConnection(const std::string& file)
+{
+    return "Provider=SQLite;Data Source='" + sqlQuoted(file) + "'";
+}
+
+/// A connection string as it stands; else the string for the embedded database in that file.
+std::string connectionString(const std::string& database)
+{
+    std::error_code unreadable;
+    const bool isFile = std::filesystem::exists(database, unreadable) && !unreadable;
+    return isFile || database.find('=') == std::string::npos ? fileConnection(database) : database;
+}
+
+/// A file that is written if it is wanted.
+PendingFile* pending(PendingFiles& files, const std::string& name)
+{
+    return name.empty() ? nullptr : &files.add(name);
+}
+
+std::string csvOf(const ReportRun& run)
+{
+    const std::string failed = failedFetchesText(run.diagnostics);
+    return spreadsheet::workbookCsv(*run.workbook) + (failed.empty() ? failed : "\r\n" + failed + "\r\n");
+}
+
+void writeReportPdf(const ReportRun& run, PendingFile& file)
+{
+    startToolkit(Display::none);
+    spreadsheet::PrintDocument document;
+    document.title = QString::fromStdString(run.name);
+    document.page.notice = failedFetchesText(run.diagnostics);
+    document.page.stamp = stampText(stampNow(static_cast<int>(run.diagnostics.size())));
+    const spreadsheet::Pdf pdf = spreadsheet::pdfOf(*run.workbook, document);
+    file.write(std::as_bytes(std::span(pdf.bytes)));
+}
+
+void tellDiagnostics(const ReportRun& run, std::ostream& notes)
+{
+    for (const std::string& message : run.messages)
+        notes << "提示: " << message << '\n';
+    for (const CellDiagnostic& diagnostic : run.diagnostics) {
+        const auto& [sheet, column, row] = diagnostic.place;
+        notes << (diagnostic.hasFailed() ? "取数失败: " : "取数诊断: ") << run.workbook->sheet(sheet).name()
+              << '!' << spreadsheet::cellName({column, row}) << ' ' << diagnostic.function << ": "
+              << diagnostic.reason << '\n';
+    }
+}
+
+/// @throws ReportRunError if fetches failed, unless they may have
+void requireFigures(const ReportRun& run, const ReportFiles& files, std::ostream& notes)
+{
+    const std::string failed = failedFetchesText(run.diagnostics);
+    if (failed.empty())
+        return;
+    if (!files.allowFailed)
+        throw ReportRunError(failed + "，没有写出；确实需要时用 --allow-failed");
+    notes << "注意: " << failed << "，仍然写出\n";
+}
+
+/// Two decimals, right-aligned; the host's C locale has no say.
+std::string amount(double value)
+{
+    constexpr std::size_t width = 20;
+    std::array<char, 400> digits; // the largest number has 309 before its point
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, 2).ptr;
+    const std::string text(digits.data(), end);
+    return std::string(text.size() < width ? width - text.size() : 1, ' ') + text;
+}
+
+void writeReport(const std::string& database, std::int32_t reportId, const ReportFiles& files,
+                 const ToolStreams& streams)
+{
+    // Made first: what cannot be written is found before the long work.
+    PendingFiles pendingFiles;
+    PendingFile* const pdf = pending(pendingFiles, files.pdf);
+    PendingFile* const csv = pending(pendingFiles, files.csv);
+    QtSettings settings;
+    const SettingsInUse settingsInUse(settings);
+    const auto tell = [&](std::string_view what) { streams.notes << what << " …" << std::endl; };
+    const ReportRun run = runReport(connectionString(database), reportId, {.progress = tell});
+    tellDiagnostics(run, streams.notes);
+    requireFigures(run, files, streams.notes);
+    if (pdf)
+        writeReportPdf(run, *pdf);
+    if (csv)
+        csv->write(csvOf(run));
+    pendingFiles.putInPlace();
+    if (!pdf && !csv)
+        streams.results << csvOf(run);
+}
+
+} // namespace
+
+int toolDemo(const std::string& file, bool replaces, const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        if (!replaces && std::filesystem::exists(file))
+            throw FileError("文件已存在: " + file);
+        PendingFile database(file);
+        streams.notes << "生成演示账套 …" << std::endl;
+        createDemoLedger(database.path().string());
+        streams.notes << "生成演示报表 …" << std::endl;
+        storeDemoReports(fileConnection(database.path().string()));
+        closeIdleSessions();
+        database.putInPlace(replaces);
+        streams.results << file << '\n';
+    });
+}
+
+int toolList(const std::string& database, const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        for (const ListedReport& report : listReports(connectionString(database)))
+            streams.results << std::to_string(report.id) << '\t' << report.name << '\t' << report.savedBy
+                            << '\t' << report.savedAt << '\n';
+    });
+}
+
+int toolRun(const std::string& database, std::int32_t reportId, const ReportFiles& files,
+            const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] { writeReport(database, reportId, files, streams); });
+}
+
+int toolCheck(const std::string& database, const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        int wrong = 0;
+        for (const DemoFigure& figure : demoFigures(connectionString(database))) {
+            streams.results << amount(figure.shown) << amount(figure.queried)
+                            << (figure.agrees() ? "  一致    " : "  不一致  ") << figure.report << ' '
+                            << figure.figure << '\n';
+            wrong += figure.agrees() ? 0 : 1;
+        }
+        if (wrong > 0)
+            throw ReportRunError(std::to_string(wrong) + " 个数据与另行查询的结果不一致");
+    });
+}
+
+int toolWindow(const std::string& database, const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        startToolkit(Display::needed);
+        FileDialogSettings settings;
+        settings.title = "选择账套文件";
+        settings.filter = "账套文件(*.db)|*.db";
+        const auto chosen = database.empty() ? FileDialogInUse::current().chooseToOpen(settings) : database;
+        if (!chosen)
+            return;
+        clsSelfReport component;
+        component.init(connectionString(*chosen), "财务报表", qEnvironmentVariable("USER").toStdString(),
+                       QStandardPaths::writableLocation(QStandardPaths::AppDataLocation).toStdString());
+        QDir().mkpath(QString::fromStdString(gAppPath));
+        frmHost({[&] { component.cwSelfReport(); }, [&](std::int32_t id) { component.cwSelfReportExe(id); }})
+            .exec();
+    });
+}
+
+int toolConvert(const std::string& input, const std::string& output, bool recalculates,
+                const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        const auto format = spreadsheet::fileFormatOfName(output);
+        if (!format)
+            throw FileError("无法从扩展名看出要写的格式 (.ss7 .xls .xlsx .csv .html): " + output);
+        spreadsheet::Workbook workbook;
+        for (const std::string& warning : spreadsheet::loadWorkbook(workbook, input))
+            streams.notes << "引入: " << warning << '\n';
+        if (recalculates)
+            workbook.recalculate();
+        for (const std::string& warning : spreadsheet::saveWorkbook(workbook, output, *format))
+            streams.notes << "引出: " << warning << '\n';
+        streams.results << output << '\n';
+    });
+}
+
+int toolFunctions(const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] { streams.results << spreadsheet::functionReference(); });
+}
+
+} // namespace selfreport

@@ -1,0 +1,79 @@
+#include "windows/designer/DiagnosticsPanel.h"
+
+#include "platform/list_grid/ListGrid.h"
+#include "spreadsheet/values/CellAddress.h"
+#include "spreadsheet/workbook/Workbook.h"
+
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace selfreport {
+
+namespace {
+
+QString placeName(const spreadsheet::CallPlace& place, const spreadsheet::Workbook& workbook)
+{
+    return QString::fromStdString(workbook.sheet(place.sheet).name()) + '!' +
+           QString::fromStdString(spreadsheet::cellName({place.column, place.row}));
+}
+
+/// Tabs part the columns of a list.
+QString oneField(const std::string& text)
+{
+    return QString::fromStdString(text).replace('\t', ' ').replace('\n', ' ');
+}
+
+} // namespace
+
+DiagnosticsPanel::DiagnosticsPanel(QWidget* parent)
+    : QWidget(parent)
+    , m_list(new ListGrid)
+{
+    setObjectName("panelDiagnostics");
+    m_list->setObjectName("listDiagnostics");
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_list);
+    connect(m_list, &ListGrid::dblClick, this, [this] {
+        const auto line = static_cast<std::size_t>(m_list->row() - 1);
+        if (m_showsDiagnostics && line < m_diagnostics.size())
+            Q_EMIT chosen(m_diagnostics[line]);
+    });
+    hide();
+}
+
+void DiagnosticsPanel::setDiagnostics(const std::vector<CellDiagnostic>& diagnostics,
+                                      const spreadsheet::Workbook& workbook)
+{
+    if (m_showsDiagnostics && diagnostics == m_diagnostics && m_list->rowCount() > 1)
+        return;
+    m_diagnostics = diagnostics;
+    m_showsDiagnostics = true;
+    m_list->setColumns({{"单元格", 1800}, {"取数函数", 1300}, {"原因", 8000}});
+    m_list->clearRows();
+    for (const CellDiagnostic& diagnostic : diagnostics)
+        m_list->addRow(placeName(diagnostic.place, workbook) + '\t' + oneField(diagnostic.function) + '\t' +
+                       oneField(diagnostic.reason));
+    setVisible(!diagnostics.empty());
+}
+
+QString DiagnosticsPanel::reasonFor(const spreadsheet::CallPlace& place) const
+{
+    const auto found = std::ranges::lower_bound(m_diagnostics, place, {}, &CellDiagnostic::place);
+    return found == m_diagnostics.end() || found->place != place ? QString()
+                                                                 : QString::fromStdString(found->reason);
+}
+
+void DiagnosticsPanel::showNotices(const QString& heading, const std::vector<std::string>& notices)
+{
+    m_showsDiagnostics = false;
+    const std::string name = heading.toStdString();
+    m_list->setColumns({{name.c_str(), 11000}});
+    m_list->clearRows();
+    for (const std::string& notice : notices)
+        m_list->addRow(oneField(notice));
+    setVisible(!notices.empty());
+}
+
+} // namespace selfreport

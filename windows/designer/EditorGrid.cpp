@@ -1,0 +1,83 @@
+#include "windows/designer/EditorGrid.h"
+
+#include "spreadsheet/view/SpreadsheetControl.h"
+#include "state/shared_state.h"
+#include "windows/designer/EditorStatus.h"
+#include "windows/designer/FormulaBox.h"
+
+#include <QLineEdit>
+
+namespace selfreport {
+
+spreadsheet::Workbook& frmEditor::EditorGrid::workbook()
+{
+    return m_window.m_fps1->workbook();
+}
+
+spreadsheet::CellRange frmEditor::EditorGrid::selectedBlock() const
+{
+    return m_window.m_fps1->firstRange();
+}
+
+std::string frmEditor::EditorGrid::reportName() const
+{
+    return m_window.m_txtReportName->text().toStdString();
+}
+
+int frmEditor::EditorGrid::diagnosticsCount() const
+{
+    return static_cast<int>(m_window.m_evaluation.diagnostics().size());
+}
+
+std::string frmEditor::EditorGrid::failedFetches() const
+{
+    return failedFetchesText(m_window.m_evaluation.diagnostics());
+}
+
+void frmEditor::EditorGrid::goToFailedFetch()
+{
+    m_window.goToFailedFetch();
+}
+
+void frmEditor::EditorGrid::tellStatus(std::string_view text)
+{
+    m_window.m_status->showMessage(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+}
+
+void frmEditor::EditorGrid::closeDesigner()
+{
+    m_window.close();
+}
+
+std::string_view frmEditor::EditorGrid::pageSetupRefusal() const
+{
+    return m_window.m_report.isUnread() ? "打开时没有读出这张报表，保存以前不能改变页面设置和页眉页脚。" : "";
+}
+
+void frmEditor::EditorGrid::pageSetupStored(const std::array<double, 4>& inches, bool isPortrait)
+{
+    StoredPageSetup& setup = m_window.m_report.pageSetup();
+    const auto& [left, right, top, bottom] = inches;
+    setup = {setup.header, setup.footer, top, bottom, left, right, isPortrait ? 1 : 0};
+}
+
+void frmEditor::EditorGrid::headerStored(bool isFooter, const std::string& codes)
+{
+    StoredPageSetup& setup = m_window.m_report.pageSetup();
+    (isFooter ? setup.footer : setup.header) = codes;
+}
+
+spreadsheet::Refusal frmEditor::EditorGrid::writeFormula(const QString& formula)
+{
+    spreadsheet::SpreadsheetControl& grid = *m_window.m_fps1;
+    if (auto refused = grid.editRefusal({gCellCol, gCellRow, gCellCol, gCellRow}))
+        return refused;
+    grid.setCurrent(gCellCol, gCellRow);
+    if (auto refused = grid.setFormula(formula))
+        return refused;
+    grid.afterEdit(spreadsheet::CellAddress{gCellCol, gCellRow});
+    m_window.m_formulaBox->fill();
+    return {};
+}
+
+} // namespace selfreport

@@ -1,0 +1,36 @@
+#pragma once
+#include "windows/designer/frmEditor.h"
+#include "windows/formulas/FormulaCell.h"
+#include "windows/printing/PrintedGrid.h"
+
+namespace selfreport {
+
+/// The designer's grid as printing windows and formula dialogs see it, in use while the designer lives.
+class frmEditor::EditorGrid : public PrintedGrid, public FormulaCell {
+public:
+    explicit EditorGrid(frmEditor& window)
+        : m_window(window)
+        , m_inUse(*this)
+    {
+    }
+
+    spreadsheet::Workbook& workbook() override;
+    spreadsheet::CellRange selectedBlock() const override;
+    std::string reportName() const override;
+    int diagnosticsCount() const override;
+    std::string failedFetches() const override;
+    void goToFailedFetch() override;
+    void tellStatus(std::string_view text) override;
+    void closeDesigner() override;
+    std::string_view pageSetupRefusal() const override;
+    bool ownsRow(Connection& connection) override { return m_window.m_report.ownsRow(connection); }
+    void pageSetupStored(const std::array<double, 4>& inches, bool isPortrait) override;
+    void headerStored(bool isFooter, const std::string& codes) override;
+    spreadsheet::Refusal writeFormula(const QString& formula) override;
+
+private:
+    frmEditor& m_window;
+    PrintedGridInUse m_inUse;
+};
+
+} // namespace selfreport

@@ -1,0 +1,222 @@
+#include "windows/designer/editor_commands.h"
+
+#include "spreadsheet/view/SpreadsheetControl.h"
+#include "windows/designer/frmEditor.h"
+#include "windows/designer/frmGoTo.h"
+#include "windows/formatting/cell_commands.h"
+#include "windows/formatting/FormatPainter.h"
+#include "windows/formatting/frmButtonCaption.h"
+#include "windows/formatting/frmDropDownEntries.h"
+#include "windows/formatting/frmLineSize.h"
+#include "windows/printing/frmPrintOptions.h"
+
+namespace selfreport {
+
+namespace {
+
+using Window = frmEditor&;
+
+constexpr EditorCommand separator{};
+
+using Horizontal = spreadsheet::HorizontalAlignment;
+using Vertical = spreadsheet::VerticalAlignment;
+
+template <void command(spreadsheet::SpreadsheetControl&)>
+void onGrid(frmEditor& window)
+{
+    command(window.fps1());
+    window.enterCell();
+}
+
+template <spreadsheet::Refusal command(spreadsheet::SpreadsheetControl&)>
+void onGrid(frmEditor& window)
+{
+    const spreadsheet::Refusal refused = command(window.fps1());
+    window.enterCell();
+    window.tell(refused);
+}
+
+template <class Dialog, auto... arguments>
+void dialog(frmEditor& window)
+{
+    Dialog(window.fps1(), arguments..., &window).exec();
+    window.enterCell();
+}
+
+template <auto alignment>
+void align(frmEditor& window)
+{
+    alignCells(window.fps1(), alignment);
+    window.enterCell();
+}
+
+constexpr EditorCommand fileCommands[] = {
+    {"MenuFileNew", "新建", nullptr, "Ctrl+N"},
+    {"MenuFileOpen", "打开", nullptr, "Ctrl+O"},
+    {"MenuFileSave", "保存", [](Window w) { w.MenuFileSave_Click(); }, "Ctrl+S"},
+    {.name = "MenuFileClose", .caption = "关闭", .run = [](Window w) { w.close(); }, .whileTyping = true},
+    separator,
+    {"MenuImportExcelFile", "引入Excel文件", [](Window w) { w.MenuImportExcelFile_Click(); }},
+    {"MenuExportExcel", "引出为Excel文件", [](Window w) { w.MenuExportExcel_Click(); }},
+    separator,
+    {"MenuImpoertSpreadFile", "引入Spread文件", [](Window w) { w.MenuImpoertSpreadFile_Click(); }},
+    {"MenuEmportSpreadFile", "引出为Spread文件", [](Window w) { w.MenuEmportSpreadFile_Click(); }},
+    separator,
+    {"MenuPreview", "打印预览", [](Window w) { w.MenuPreview_Click(); }},
+    {"MenuPrint", "打印", [](Window w) { w.MenuPrint_Click(); }},
+    separator,
+    {.name = "MenuFileExit", .caption = "退出", .run = [](Window w) { w.close(); }, .whileTyping = true},
+    separator,
+    {"MenuImportXlsx", "引入Excel工作簿(.xlsx)或文本文件", [](Window w) { w.importXlsx(); }},
+    {"MenuExportXlsx", "引出为Excel工作簿(.xlsx)", [](Window w) { w.exportXlsx(); }},
+    {"MenuExportCsv", "引出为文本文件(.csv)", [](Window w) { w.exportCsv(); }},
+    {"MenuExportHtml", "引出为网页(.html)", [](Window w) { w.exportHtml(); }},
+    {"MenuExportPdf", "引出为PDF文件", [](Window w) { w.exportPdf(); }},
+    {"MenuPrintOptions", "打印选项", [](Window w) { frmPrintOptions(&w).exec(); }},
+    {"MenuPageBreak", "插入/取消分页符", [](Window) { togglePageBreaksAtSelection(); }},
+};
+
+constexpr EditorCommand fillCommands[] = {
+    {"MenuFillDown", "向下填充\tCtrl+D", [](Window w) { w.fps1().fillDown(); }},
+    {"MenuFillRight", "向右填充\tCtrl+R", [](Window w) { w.fps1().fillRight(); }},
+    separator,
+    {"MenuSortUp", "升序排序", [](Window w) { w.sortSelection(false); }},
+    {"MenuSortDown", "降序排序", [](Window w) { w.sortSelection(true); }},
+};
+
+constexpr EditorCommand lookCommands[] = {
+    {"MenuUnderline", "下划线", onGrid<toggleUnderline>},
+    {"MenuStrikeOut", "删除线", onGrid<toggleStrikeOut>},
+    {"MenuWrap", "自动换行", onGrid<toggleWrap>},
+    {"MenuClearFormats", "清除格式", onGrid<clearFormats>},
+    {"MenuFormatPainter", "格式刷", onGrid<FormatPainter::start>},
+    separator,
+    {"MenuDropDownEntries", "下拉框列表", dialog<frmDropDownEntries>},
+    {"MenuButtonCaption", "按钮标题", dialog<frmButtonCaption>},
+};
+
+constexpr EditorCommand lineCommands[] = {
+    {"MenuDeleteRows", "删除行", [](Window w) { w.fps1().deleteRows(); }},
+    {"MenuDeleteColumns", "删除列", [](Window w) { w.fps1().deleteColumns(); }},
+    separator,
+    {"MenuHideRows", "隐藏行\tCtrl+9", [](Window w) { w.fps1().hideRows(); }},
+    {"MenuHideColumns", "隐藏列\tCtrl+0", [](Window w) { w.fps1().hideColumns(); }},
+    {"MenuShowRows", "取消隐藏行\tCtrl+Shift+9", [](Window w) { w.fps1().showRows(); }},
+    {"MenuShowColumns", "取消隐藏列\tCtrl+Shift+0", [](Window w) { w.fps1().showColumns(); }},
+    separator,
+    {"MenuRowHeight", "行高", dialog<frmLineSize, frmLineSize::Lines::rows>},
+    {"MenuColumnWidth", "列宽", dialog<frmLineSize, frmLineSize::Lines::columns>},
+    {"MenuAutofitRows", "最适合的行高", [](Window w) { w.fps1().autofitRows(); }},
+    {"MenuAutofitColumns", "最适合的列宽", [](Window w) { w.fps1().autofitColumns(); }},
+    {"MenuFreeze", "冻结窗格", [](Window w) { w.fps1().freezeHere(); }},
+};
+
+constexpr EditorMenu fillMenu{"MenuFillSort", "填充和排序", fillCommands};
+constexpr EditorMenu lookMenu{"MenuLooks", "字体和格式", lookCommands};
+constexpr EditorMenu lineMenu{"MenuLines", "行和列", lineCommands};
+
+constexpr EditorCommand editCommands[] = {
+    {"MenuHInsertCell", "模向插入单元格"},
+    {"MenuVInsertCell", "纵向插入单元格"},
+    separator,
+    {"MenuHDelCell", "横向删除单元格"},
+    {"MenuVDelCell", "纵向删除单元格"},
+    separator,
+    {"MenuInsertRow", "整行插入", [](Window w) { w.MenuInsertRow_Click(); }},
+    {"MenuInsertCol", "整列插入", [](Window w) { w.MenuInsertCol_Click(); }},
+    separator,
+    {"MenuBold", "粗体", onGrid<toggleBold>},
+    {"MenuItalic", "斜体", onGrid<toggleItalic>},
+    separator,
+    {"MenuLeft", "左对齐", align<Horizontal::left>},
+    {"MenuMiddle", "居中", align<Horizontal::centre>},
+    {"MenuRight", "右对齐", align<Horizontal::right>},
+    {"MenuVTop", "对齐顶端", align<Vertical::top>},
+    {"MenuVMiddle", "垂直居中", align<Vertical::centre>},
+    {"MenuVBottom", "对齐底端", align<Vertical::bottom>},
+    separator,
+    {"MenuCellSpan", "单元格合并", onGrid<mergeCells>},
+    {"MenuUnCellSpan", "单元格合并取消", onGrid<unmergeCells>},
+    separator,
+    {"MenuForeColor", "前景色", onGrid<chooseForeColour>},
+    {"MenuBackColor", "背景色", onGrid<chooseBackColour>},
+    {"MenuLock", "锁定/解锁", onGrid<toggleLock>},
+    {"MenuSetTableInfo", "设置表格信息", [](Window w) { w.MenuSetTableInfo_Click(); }},
+    {"MenuDataType", "设置数据类型", [](Window w) { w.MenuDataType_Click(); }},
+    {"MenuCellBorder", "设置边框", [](Window w) { w.MenuCellBorder_Click(); }},
+    separator,
+    {"MenuUndo", "撤消\tCtrl+Z", [](Window w) { w.fps1().undo(); }},
+    {"MenuRedo", "恢复\tCtrl+Y", [](Window w) { w.fps1().redo(); }},
+    separator,
+    {"MenuCut", "剪切\tCtrl+X", [](Window w) { w.fps1().cut(); }},
+    {"MenuCopy", "复制\tCtrl+C", [](Window w) { w.fps1().copy(); }},
+    {"MenuPaste", "粘贴\tCtrl+V", [](Window w) { w.fps1().paste(); }},
+    {"MenuPasteValues", "粘贴数值\tCtrl+Shift+V", [](Window w) { w.fps1().pasteValues(); }},
+    {"MenuClear", "清除内容\tDel", [](Window w) { w.fps1().clear(); }},
+    separator,
+    {"MenuFind", "查找", [](Window w) { w.find(false); }, "Ctrl+F"},
+    {"MenuReplace", "替换", [](Window w) { w.find(true); }, "Ctrl+H"},
+    {"MenuGoTo", "定位", [](Window w) { frmGoTo(w.fps1(), &w).exec(); }, "F5"},
+    separator,
+    {.submenu = &fillMenu},
+    {.submenu = &lookMenu},
+    {.submenu = &lineMenu},
+};
+
+constexpr EditorCommand insertCommands[] = {
+    {"MenuFormula", "公式", [](Window w) { w.MenuFormula_Click(); }, "Ctrl+G"},
+    separator,
+    {"MenuEditFormula", "修改取数公式", [](Window w) { w.editCallInCell(); }},
+};
+
+constexpr EditorCommand optionCommands[] = {
+    {"MenuRecalculate", "重算", [](Window w) { w.MenuRecalculate_Click(); }, "Ctrl+J"},
+    {"MenuShowDate", "显示数据", [](Window w) { w.MenuShowDate_Click(); }},
+    {"MenuShowFormula", "显示公式", [](Window w) { w.MenuShowFormula_Click(); }},
+    separator,
+    {"MenuDiagnostics", "取数诊断", [](Window w) { w.showDiagnostics(); }},
+    {"MenuCoverage", "覆盖检查", [](Window w) { w.showCoverage(); }},
+};
+
+constexpr EditorMenu menus[] = {
+    {"MenuFile", "文件(&F)", fileCommands},
+    {"MenuEdit", "编辑(&E)", editCommands},
+    {"MenuInsert", "插入(&I)", insertCommands},
+    {"MenuItem", "选项(&I)", optionCommands},
+};
+
+constexpr EditorButton gap{nullptr, nullptr, nullptr, nullptr};
+
+constexpr EditorButton buttons[] = {
+    {"New", "新建报表", "new", "MenuFileNew"},
+    {"Open", "打开报表", "open", "MenuFileOpen"},
+    gap,
+    {"Save", "保存报表", "save", "MenuFileSave"},
+    gap,
+    {"Print", "打印", "print", "MenuPrint"},
+    {"Preview", "打印预览", "preview", "MenuPreview"},
+    gap,
+    {"Copy", "复制", "copy", nullptr, [](Window w) { w.copyActiveText(); }},
+    {"Paste", "粘贴", "paste", nullptr, [](Window w) { w.pasteIntoActiveCell(); }},
+    gap,
+    {"Bold", "粗体", "bold", "MenuBold", nullptr, true},
+    {"Italic", "斜体", "italic", "MenuItalic", nullptr, true},
+    gap,
+    {"Left", "左对齐", "left", "MenuLeft", nullptr, true},
+    {"Middle", "居中", "middle", "MenuMiddle", nullptr, true},
+    {"Right", "右对齐", "right", "MenuRight", nullptr, true},
+};
+
+} // namespace
+
+std::span<const EditorMenu> editorMenus()
+{
+    return menus;
+}
+
+std::span<const EditorButton> editorButtons()
+{
+    return buttons;
+}
+
+} // namespace selfreport

@@ -1,0 +1,238 @@
+// The designer's controls, menus and toolbar, and what connects them.
+#include "windows/designer/frmEditor.h"
+
+#include "platform/services/Dialogs.h"
+#include "platform/windows/ProportionalLayout.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+#include "state/mdlMain.h"
+#include "state/shared_state.h"
+#include "windows/designer/DiagnosticsPanel.h"
+#include "windows/designer/editor_commands.h"
+#include "windows/designer/EditorStatus.h"
+#include "windows/designer/FailedFetchBar.h"
+#include "windows/designer/FormulaBox.h"
+#include "windows/formatting/cell_commands.h"
+#include "windows/icons/own_icon.h"
+
+#include <QComboBox>
+#include <QFontDatabase>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QScreen>
+#include <QSignalBlocker>
+#include <QSplitter>
+#include <QToolBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <cmath>
+#include <utility>
+
+namespace selfreport {
+
+namespace {
+
+constexpr QSize board(14400, 9300); // twips
+constexpr double roominess = 1.25;  // of the window when it opens
+
+// Twips on the board.
+constexpr QRect toolbarPlace(0, 0, 14400, 600);
+constexpr QRect list1Place(60, 630, 1920, 480);
+constexpr QRect list2Place(2040, 630, 1080, 480);
+constexpr QRect nameLabelPlace(3150, 630, 1050, 480);
+constexpr QRect namePlace(4260, 630, 2640, 480);
+constexpr QRect formulaLabelPlace(6900, 630, 2460, 480);
+constexpr QRect formulaPlace(9420, 630, 4920, 480);
+constexpr QRect sheetPlace(0, 1170, 14400, 7680);
+constexpr QRect statusPlace(0, 8880, 14400, 420);
+
+constexpr int firstSize = 5; // points
+constexpr int lastSize = 72;
+
+/// The buttons that show how the entered cell looks.
+constexpr const char* lookButtons[] = {"Bold", "Italic", "Left", "Middle", "Right"};
+
+} // namespace
+
+void frmEditor::buildControls()
+{
+    auto* layout = new ProportionalLayout(this, board);
+    setLayout(layout);
+    m_toolbar1 = new QToolBar;
+    m_toolbar1->setObjectName("Toolbar1");
+    layout->place(m_toolbar1, toolbarPlace);
+    m_fps1->setObjectName("fps1");
+    m_diagnostics = new DiagnosticsPanel;
+    m_failedFetches = new FailedFetchBar;
+    auto* sheet = new QWidget;
+    auto* rows = new QVBoxLayout(sheet);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    rows->addWidget(m_failedFetches);
+    rows->addWidget(m_fps1, 1);
+    auto* splitter = new QSplitter(Qt::Vertical);
+    splitter->addWidget(sheet);
+    splitter->addWidget(m_diagnostics);
+    splitter->setStretchFactor(0, 4);
+    splitter->setStretchFactor(1, 1);
+    buildLabels(*layout);
+    layout->place(splitter, sheetPlace);
+    m_status = new EditorStatus;
+    m_status->setContentsMargins(0, 0, 6, 0);
+    layout->place(m_status, statusPlace);
+    buildCommands();
+    resize((QSizeF(sizeHint()) * roominess).toSize().boundedTo(screen()->availableSize() * 9 / 10));
+}
+
+void frmEditor::buildLabels(ProportionalLayout& layout)
+{
+    const auto put = [&](auto* control, const char* name, const QRect& place) {
+        control->setObjectName(name);
+        layout.place(control, place);
+        return control;
+    };
+    m_list1 = put(new QComboBox, "list1", list1Place);
+    m_list2 = put(new QComboBox, "list2", list2Place);
+    auto* nameLabel = put(new QLabel(QStringLiteral("报表名称：")), "lblReportName", nameLabelPlace);
+    m_txtReportName = put(new QLineEdit, "txtReportName", namePlace);
+    nameLabel->setBuddy(m_txtReportName);
+    m_label1 = put(new QLabel(QStringLiteral("单元格公式：")), "Label1", formulaLabelPlace);
+    m_label1->setSizePolicy(QSizePolicy::Ignored,
+                            QSizePolicy::Preferred); // the caption never widens the window
+    m_txtFormula = put(new QLineEdit, "txtFormula", formulaPlace);
+    for (QLabel* label : {nameLabel, m_label1})
+        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    for (const auto& [list, letters] : {std::pair(m_list1, 6), std::pair(m_list2, 2)}) {
+        list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon); // font names may be long
+        list->setMinimumContentsLength(letters);
+    }
+    m_formulaBox = new FormulaBox(*m_txtFormula, *m_fps1);
+}
+
+QAction* frmEditor::actionOf(const EditorCommand& command)
+{
+    auto* action = new QAction(QString::fromUtf8(command.caption), this);
+    action->setObjectName(command.name);
+    action->setShortcut(QKeySequence(command.shortcut));
+    if (command.run)
+        connect(action, &QAction::triggered, this,
+                [this, run = command.run, whileTyping = command.whileTyping] {
+                    finishOpening();
+                    if (whileTyping || m_fps1->commitEdit()) // the cell may go elsewhere, or its content
+                        run(*this);
+                });
+    return action;
+}
+
+void frmEditor::fillMenu(QMenu& shown, const EditorMenu& menu)
+{
+    shown.setObjectName(menu.name);
+    for (const EditorCommand& command : menu.commands) {
+        if (command.submenu)
+            fillMenu(*shown.addMenu(QString::fromUtf8(command.submenu->caption)), *command.submenu);
+        else if (command.name)
+            shown.addAction(actionOf(command));
+        else
+            shown.addSeparator();
+    }
+}
+
+void frmEditor::buildCommands()
+{
+    auto* bar = new QMenuBar;
+    layout()->setMenuBar(bar);
+    for (const EditorMenu& menu : editorMenus())
+        fillMenu(*bar->addMenu(QString::fromUtf8(menu.caption)), menu);
+    m_menuEdit = bar->findChild<QMenu*>("MenuEdit");
+    for (const EditorButton& button : editorButtons()) {
+        if (!button.key) {
+            m_toolbar1->addSeparator();
+            continue;
+        }
+        QAction* action = m_toolbar1->addAction(ownIcon(button.icon), QString::fromUtf8(button.tooltip));
+        action->setObjectName(button.key);
+        action->setCheckable(button.checkable);
+        if (const auto* command = button.command ? findChild<QAction*>(button.command) : nullptr) {
+            connect(action, &QAction::triggered, command, &QAction::trigger);
+        } else if (button.run) {
+            connect(action, &QAction::triggered, this, [this, run = button.run] {
+                if (m_fps1->commitEdit())
+                    run(*this);
+            });
+        }
+    }
+}
+
+/// Only a choice by the user counts; choosing the current entry again does.
+void frmEditor::connectLists()
+{
+    connect(m_list1, &QComboBox::textActivated, this, [this](const QString& name) {
+        setFontName(*m_fps1, name.toStdString());
+        m_fps1->setFocus();
+    });
+    connect(m_list2, &QComboBox::textActivated, this, [this](const QString& size) {
+        setFontSize(*m_fps1, size.toInt());
+        m_fps1->setFocus();
+    });
+}
+
+void frmEditor::initForm()
+{
+    connectLists();
+    m_list1->addItems(QFontDatabase::families());
+    for (int size = firstSize; size <= lastSize; ++size)
+        m_list2->addItem(QString::number(size));
+    showCellLooks();
+}
+
+/// Lists and buttons follow the entered cell; none of this is a choice by the user.
+void frmEditor::showCellLooks()
+{
+    const spreadsheet::CellStyle& style = m_fps1->sheet().style(m_fps1->activeCell());
+    const spreadsheet::CellFont& font = style.font;
+    m_list1->setCurrentIndex(
+        m_list1->findText(m_fps1->screenFont(font).family(), Qt::MatchExactly | Qt::MatchCaseSensitive));
+    m_list2->setCurrentIndex(m_list2->findText(QString::number(std::lround(font.points))));
+    const auto press = [this](const char* key, bool pressed) {
+        m_toolbar1->findChild<QAction*>(key)->setChecked(pressed);
+    };
+    for (const char* key : lookButtons)
+        press(key, false);
+    using spreadsheet::HorizontalAlignment;
+    press("Left", style.horizontal == HorizontalAlignment::left);
+    press("Right", style.horizontal == HorizontalAlignment::right);
+    press("Middle", style.horizontal == HorizontalAlignment::centre);
+    press("Bold", font.bold);
+    press("Italic", font.italic);
+}
+
+void frmEditor::connectGrid()
+{
+    using spreadsheet::SpreadsheetControl;
+    m_formulaBox->refused = [](const std::string& reason) { tellUser(Icon::critical, reason); };
+    m_fps1->functionHints().describe("Acct", QStringLiteral("科目,取数类型,货币,年度,起始期间,截目期间"),
+                                     QStringLiteral("总账取数公式"));
+    m_fps1->functionHints().describe("REF_F", QStringLiteral("表名,单元格名称,标签"),
+                                     QStringLiteral("表间取数公式"));
+    m_fps1->ask = [](const QString& question) { return dialogs().question(gTitle, question.toStdString()); };
+    m_fps1->recalculateChanged = [this] {
+        recalculate(Extent::changes, [this] { return m_evaluation.recalculateChanged(); });
+    };
+    m_fps1->setCellNotes([this](int sheetId, spreadsheet::CellAddress cell) {
+        return m_diagnostics->reasonFor({m_fps1->workbook().sheetIndexOfId(sheetId), cell.column, cell.row});
+    });
+    connect(m_fps1, &SpreadsheetControl::leaveCell, this, &frmEditor::fps1_LeaveCell);
+    connect(m_fps1, &SpreadsheetControl::selectionChanged, this, &frmEditor::enterCell);
+    connect(m_fps1, &SpreadsheetControl::sheetChanged, this, &frmEditor::enterCell);
+    connect(m_fps1, &SpreadsheetControl::cellChanged, this, &frmEditor::enterCell);
+    connect(m_fps1, &SpreadsheetControl::refused, m_status,
+            [this](const QString& why) { m_status->showMessage(why); });
+    connect(m_fps1, &SpreadsheetControl::contextMenuWanted, this,
+            [this](const QPoint& place) { m_menuEdit->popup(place); });
+    connect(m_fps1, &SpreadsheetControl::editModeChanged, this, [this] { m_refusedAtClosing.clear(); });
+    connect(m_failedFetches, &FailedFetchBar::clicked, this, &frmEditor::goToFailedFetch);
+    connect(m_diagnostics, &DiagnosticsPanel::chosen, this, &frmEditor::goToDiagnostic);
+}
+
+} // namespace selfreport

@@ -1,0 +1,173 @@
+#include "windows/designer/editor_saving.h"
+
+#include "state/mdlMain.h"
+#include "state/shared_state.h"
+#include "windows/designer/frmSaveAs.h"
+
+#include <utility>
+#include <vector>
+
+namespace selfreport {
+
+namespace {
+
+constexpr std::string_view inserted = "报表保存成功!";
+constexpr std::string_view replaced = "报表修改成功!";
+
+constexpr std::string_view overwriteButton = "覆盖";
+constexpr std::string_view recreateButton = "重新建立";
+constexpr std::string_view saveAsNewButton = "另存为新报表";
+
+std::string savedBy(const SaveConflict& conflict)
+{
+    constexpr std::size_t toSeconds = std::string_view("2009-12-31 08:05:09").size();
+    const std::string who = conflict.savedBy.empty() ? "其他用户" : conflict.savedBy;
+    const std::string when = conflict.found ? conflict.found->savedAt.substr(0, toSeconds) : std::string();
+    return "由 " + who + " 于 " + (when.empty() ? "未知时间" : when) + " 保存。";
+}
+
+bool mayReplaceUnread()
+{
+    return dialogs()
+        .choose(
+            Icon::exclamation, gTitle,
+            "打开时没有读出这张报表，保存将用当前内容替换已存储的报表，原来的内容不能恢复。\n确定要保存吗？",
+            {"保存"})
+        .has_value();
+}
+
+} // namespace
+
+void EditedReport::beginNew()
+{
+    gHeaderText.clear(); // those of the report before
+    gFooterText.clear();
+    m_stored = {};
+    m_isUnread = false;
+}
+
+bool EditedReport::load(std::string& name, spreadsheet::Workbook& workbook)
+{
+    m_isUnread = !loadReport(name, workbook, &m_stored);
+    return !m_isUnread;
+}
+
+std::optional<std::string_view> EditedReport::save(std::string& name, spreadsheet::Workbook& workbook,
+                                                   QWidget* window)
+{
+    if (gEditFlag == 0)
+        return m_stored.uncertain ? insertAgain(name, workbook) : insert(name, workbook, std::nullopt);
+    if (m_isUnread && !mayReplaceUnread())
+        return std::nullopt;
+    return replace(name, workbook, window);
+}
+
+std::optional<std::string_view> EditedReport::insert(const std::string& name,
+                                                     const spreadsheet::Workbook& workbook,
+                                                     const std::optional<StoredPageSetup>& setup)
+{
+    RememberedReport stored;
+    const bool isDone = insertReport(name, workbook, &stored, setup);
+    if (isDone || gEditFlag == 0) // of a copy whose outcome is unknown the name tells it
+        m_stored = stored;
+    if (!isDone)
+        return std::nullopt;
+    gEditFlag = 1;
+    m_isUnread = false;
+    return inserted;
+}
+
+/// An insert of which nobody knows whether it was done is not done twice.
+std::optional<std::string_view> EditedReport::insertAgain(const std::string& name,
+                                                          const spreadsheet::Workbook& workbook)
+{
+    const SaveOutcome outcome = updateReport(name, workbook, m_stored);
+    if (std::holds_alternative<ReportNotSaved>(outcome))
+        return std::nullopt;
+    if (std::holds_alternative<SaveConflict>(outcome)) { // it was not done
+        m_stored = {};
+        return insert(name, workbook, std::nullopt);
+    }
+    gReportId = m_stored.id;
+    gEditFlag = 1;
+    return inserted;
+}
+
+std::optional<std::string_view> EditedReport::replace(std::string& name, spreadsheet::Workbook& workbook,
+                                                      QWidget* window)
+{
+    auto store = updateReport;
+    for (;;) {
+        const SaveOutcome outcome = store(name, workbook, m_stored);
+        if (std::holds_alternative<ReportNotSaved>(outcome))
+            return std::nullopt;
+        const auto* const conflict = std::get_if<SaveConflict>(&outcome);
+        if (!conflict) {
+            gReportId = m_stored.id;
+            if (std::exchange(m_isUnread, false))
+                applyPageSetup(workbook, m_stored.pageSetup); // that of the row, which was not loaded either
+            return store == updateReport ? replaced : inserted;
+        }
+        switch (choiceFor(*conflict, name)) {
+        case Choice::cancel:
+            return std::nullopt;
+        case Choice::saveAsNew:
+            return saveAsNew(name, workbook, window);
+        case Choice::overwrite: // what the user has seen, and nothing later
+            m_stored.version = conflict->found;
+            store = updateReport;
+            break;
+        case Choice::recreate:
+            store = recreateReport;
+            break;
+        }
+    }
+}
+
+EditedReport::Choice EditedReport::choiceFor(const SaveConflict& conflict, const std::string& name) const
+{
+    struct Question {
+        std::string text;
+        std::vector<std::string_view> buttons;
+        std::vector<Choice> choices;
+    };
+    const std::string report = "报表“" + (m_stored.version ? m_stored.version->name : name) + "”";
+    Question question;
+    switch (conflict.kind) {
+    case SaveConflict::Kind::savedMeanwhile:
+        question = {report + "已" + savedBy(conflict),
+                    {overwriteButton, saveAsNewButton},
+                    {Choice::overwrite, Choice::saveAsNew}};
+        break;
+    case SaveConflict::Kind::deleted:
+        question = {report + "已被删除。", {recreateButton}, {Choice::recreate}};
+        break;
+    case SaveConflict::Kind::otherReport:
+        question = {report + "的编号 " + std::to_string(m_stored.id) + " 现在属于报表“" +
+                        conflict.found->name + "”，" + savedBy(conflict),
+                    {saveAsNewButton},
+                    {Choice::saveAsNew}};
+        break;
+    }
+    const auto chosen = dialogs().choose(Icon::question, gTitle, question.text, question.buttons);
+    return chosen ? question.choices[*chosen] : Choice::cancel;
+}
+
+/// A copy keeps the page set-up of the report that it was made from.
+std::optional<std::string_view>
+EditedReport::saveAsNew(std::string& name, const spreadsheet::Workbook& workbook, QWidget* window)
+{
+    frmSaveAs dialog(QString::fromStdString(name), window);
+    if (dialog.exec() != QDialog::Accepted)
+        return std::nullopt;
+    const std::string chosen = dialog.name().toStdString();
+    auto told = insert(chosen, workbook, m_stored.pageSetup);
+    if (told) {
+        name = chosen;
+        gHeaderText = m_stored.pageSetup.header;
+        gFooterText = m_stored.pageSetup.footer;
+    }
+    return told;
+}
+
+} // namespace selfreport

@@ -1,0 +1,60 @@
+#pragma once
+#include "reports/report_store.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+class QWidget;
+
+namespace selfreport {
+
+/// The report that a designer works on, as it is stored: loading, and the road back into the database with
+/// the questions that stand on it.
+class EditedReport {
+public:
+    /// A new report, which has no row yet.
+    void beginNew();
+
+    /// Loads report `gReportId`. False after telling why not: name and workbook are as they were then, and
+    /// saving asks first.
+    bool load(std::string& name, spreadsheet::Workbook& workbook);
+
+    /// Stores the report as `gEditFlag` says, and sets that flag to 1. Asks before anything is replaced that
+    /// was not loaded here. Nothing if the report was not stored, which the user knows then.
+    /// @param name  as typed; another one if the user stores the report as a new one
+    /// @return      what to tell the user
+    std::optional<std::string_view> save(std::string& name, spreadsheet::Workbook& workbook, QWidget* window);
+
+    /// Whether the row's content could not be read, and nothing has been saved since.
+    bool isUnread() const { return m_isUnread; }
+
+    /// The version that saving takes for its own; nothing for a new report and for one that was not found.
+    const std::optional<ReportVersion>& version() const { return m_stored.version; }
+    /// The workbook was taken from a copy that was made from that version.
+    void setVersion(std::optional<ReportVersion> version) { m_stored.version = std::move(version); }
+
+    /// Whether the row under its id is not another report's now; takes the row's lock.
+    bool ownsRow(Connection& connection) const { return isRowOf(connection, m_stored); }
+
+    /// The page set-up that the row is known to hold. Who stores one writes it here too.
+    StoredPageSetup& pageSetup() { return m_stored.pageSetup; }
+
+private:
+    enum class Choice { cancel, overwrite, recreate, saveAsNew };
+
+    std::optional<std::string_view> insert(const std::string& name, const spreadsheet::Workbook& workbook,
+                                           const std::optional<StoredPageSetup>& setup);
+    std::optional<std::string_view> insertAgain(const std::string& name,
+                                                const spreadsheet::Workbook& workbook);
+    std::optional<std::string_view> replace(std::string& name, spreadsheet::Workbook& workbook,
+                                            QWidget* window);
+    std::optional<std::string_view> saveAsNew(std::string& name, const spreadsheet::Workbook& workbook,
+                                              QWidget* window);
+    Choice choiceFor(const SaveConflict& conflict, const std::string& name) const;
+
+    RememberedReport m_stored;
+    bool m_isUnread = false;
+};
+
+} // namespace selfreport

@@ -1,0 +1,163 @@
+#pragma once
+#include "fetch/evaluation.h"
+#include "platform/services/FileDialog.h"
+#include "windows/designer/editor_saving.h"
+#include "windows/designer/Recovery.h"
+
+#include <QDialog>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QAction;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QToolBar;
+
+namespace spreadsheet {
+class Refusal;
+class SpreadsheetControl;
+enum class FileFormat;
+} // namespace spreadsheet
+
+namespace selfreport {
+
+class DiagnosticsPanel;
+class FailedFetchBar;
+class EditorStatus;
+class FormulaBox;
+class ProportionalLayout;
+struct EditorCommand;
+struct EditorMenu;
+
+/// The designer: a report is built and saved in it, or, in run mode, a stored one is shown with its data.
+/// What it opens on is the shared state at that moment: `gEditFlag`, `gRunMode`, `gReportId`.
+class frmEditor : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit frmEditor(QWidget* parent = nullptr);
+    ~frmEditor() override;
+
+    spreadsheet::SpreadsheetControl& fps1() { return *m_fps1; }
+    ReportEvaluation& evaluation() { return m_evaluation; }
+
+    // The commands behind menus and toolbar; each works alike from both.
+    void MenuFileSave_Click();
+    void MenuSetTableInfo_Click();
+    void MenuFormula_Click();
+    void MenuRecalculate_Click();
+    void MenuShowDate_Click();
+    void MenuShowFormula_Click();
+    void MenuImpoertSpreadFile_Click();
+    void MenuEmportSpreadFile_Click();
+    void MenuImportExcelFile_Click();
+    void MenuExportExcel_Click();
+    void importXlsx();
+    void exportXlsx();
+    void exportCsv();
+    void exportHtml();
+    void MenuPreview_Click();
+    void MenuPrint_Click();
+    void MenuInsertRow_Click();
+    void MenuInsertCol_Click();
+    void MenuDataType_Click();
+    void MenuCellBorder_Click();
+    void exportPdf();
+    void editCallInCell();
+    void copyActiveText();
+    void pasteIntoActiveCell();
+    void showDiagnostics();
+    void find(bool replacing);
+    void sortSelection(bool descending); ///< by the active cell's column
+    void showCoverage();
+
+    /// What opening for use ends with, once the window is seen: the recalculation. Commands that come earlier
+    /// call it first.
+    void finishOpening();
+
+    /// Brings formula box, caption, lists, buttons and status bar in line with the active cell.
+    void enterCell();
+
+    void tell(const spreadsheet::Refusal& refusal); ///< in the status bar
+    /// The one way out, whatever closes the window. It stays open, once, if what is typed is no formula or
+    /// the unsaved design cannot be kept.
+    void done(int result) override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    class EditorGrid;
+
+    // Building
+    void buildControls();
+    void buildLabels(ProportionalLayout& board);
+    void buildCommands();
+    void connectLists();
+    void connectGrid();
+    QAction* actionOf(const EditorCommand& command);
+    void fillMenu(QMenu& shown, const EditorMenu& menu);
+
+    // Start-up, in this order
+    void initForm();
+    void openReport();
+    void keepForRecovery();
+
+    // Recovery and closing
+    void offerRecovery();
+    void restoreDesign();
+    void discardDesign();
+    bool endEntry();
+    bool keepDesign();
+
+    // Procedures
+    void addSelfFunction();
+    void fps1_LeaveCell(int column, int row, int newColumn, int newRow, bool& cancel);
+    void keepCell();
+    void showCellLooks();
+    enum class Extent { none, changes, everything };
+    void recalculate(Extent extent, const std::function<bool()>& recalculation);
+    QString modeText() const;
+    void importIntoReport();
+    void importFile(const FileDialogSettings& settings);
+    bool exportFile(FileDialogSettings& settings, spreadsheet::FileFormat format);
+    void exportUnderReportName(spreadsheet::FileFormat format, const char* title, const char* filter,
+                               const char* ending);
+    bool transfer(const std::string& file, const std::function<std::vector<std::string>()>& work);
+    void hookUpAgain();
+    void goToDiagnostic(const CellDiagnostic& diagnostic);
+    void goToFailedFetch();
+    void tellFetches();
+    void forgetFetches();
+
+    spreadsheet::SpreadsheetControl* m_fps1;
+    QToolBar* m_toolbar1 = nullptr;
+    QComboBox* m_list1 = nullptr; ///< font names
+    QComboBox* m_list2 = nullptr; ///< font sizes
+    QLineEdit* m_txtReportName = nullptr;
+    QLineEdit* m_txtFormula = nullptr;
+    QLabel* m_label1 = nullptr;
+    QMenu* m_menuEdit = nullptr;
+    DiagnosticsPanel* m_diagnostics = nullptr;
+    FailedFetchBar* m_failedFetches = nullptr;
+    EditorStatus* m_status = nullptr;
+    FormulaBox* m_formulaBox = nullptr;
+    Extent m_cancelled = Extent::none; ///< what the user did not wait for, and was not computed since
+    bool m_opensForUse = false;        ///< the recalculation that opening ends with is still to come
+    QString m_refusedAtClosing;        ///< a formula that does not parse has held up closing once
+    bool m_unkeptAtClosing = false;    ///< a design that cannot be kept has held up closing once
+    bool m_left = false;               ///< what closing does is done
+    FileDialogSettings m_cd1;          ///< keeps what a command does not set
+    ReportEvaluation m_evaluation;
+    std::unique_ptr<EditorGrid> m_grid;
+    EditedReport m_report;
+    std::unique_ptr<Recovery> m_recovery;
+};
+
+} // namespace selfreport

@@ -1,0 +1,53 @@
+#include "windows/designer/frmSaveAs.h"
+
+#include "fetch/ledger_query.h"
+#include "platform/windows/buttons.h"
+#include "reports/report_store.h"
+#include "state/mdlMain.h"
+
+#include <QFormLayout>
+#include <QLineEdit>
+
+namespace selfreport {
+
+frmSaveAs::frmSaveAs(const QString& name, QWidget* parent)
+    : QDialog(parent)
+    , m_txtName(new QLineEdit(name))
+{
+    setObjectName("frmSaveAs");
+    setWindowTitle(QStringLiteral("另存为新报表"));
+    m_txtName->setObjectName("txtName");
+    m_txtName->setMinimumWidth(300);
+    m_txtName->selectAll();
+    auto* form = new QFormLayout(this);
+    form->addRow(QStringLiteral("报表名称(&N)："), m_txtName);
+    form->addRow(okAndClose(
+        "确定(&O)", [this] { cmdXPOK_Click(); }, "取消(&C)", [this] { close(); }));
+}
+
+QString frmSaveAs::name() const
+{
+    return m_txtName->text();
+}
+
+void frmSaveAs::cmdXPOK_Click()
+{
+    const std::string name = m_txtName->text().toStdString();
+    std::string refusal;
+    if (trimmed(name).empty())
+        refusal = "报表名称不能为空！";
+    else {
+        const std::optional<bool> isTaken = isReportName(name);
+        if (!isTaken)
+            return; // told
+        if (*isTaken)
+            refusal = "已经有名为“" + name + "”的报表，请换一个名称。";
+    }
+    if (refusal.empty())
+        return accept();
+    tellUser(Icon::exclamation, refusal);
+    m_txtName->setFocus();
+    m_txtName->selectAll();
+}
+
+} // namespace selfreport

@@ -1,0 +1,293 @@
+#include "windows/formatting/cell_commands.h"
+
+#include "platform/services/ColourDialog.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+#include "state/shared_state.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace selfreport {
+
+using spreadsheet::CellRange;
+using spreadsheet::CellStyle;
+using spreadsheet::Refusal;
+using spreadsheet::SpreadsheetControl;
+using spreadsheet::Text;
+
+namespace {
+
+bool isReadOnly(const SpreadsheetControl& grid)
+{
+    return grid.mode() == spreadsheet::GridMode::run;
+}
+
+CellRange target(const SpreadsheetControl& grid)
+{
+    if (grid.isBlockSelected())
+        return grid.selectedBlock();
+    const spreadsheet::CellAddress cell = grid.activeCell();
+    return {cell.column, cell.row, cell.column, cell.row};
+}
+
+/// What a dialog works on.
+CellRange dialogTarget(const SpreadsheetControl& grid)
+{
+    return grid.isBlockSelected() ? grid.selectedBlock() : CellRange{gCellCol, gCellRow, gCellCol, gCellRow};
+}
+
+constexpr spreadsheet::Colour darkBlue = 0x000080;
+
+std::optional<spreadsheet::Colour> chosenColour()
+{
+    constexpr std::uint32_t black = 0;
+    return ColourDialogInUse::current().choose(black);
+}
+
+/// Gives the target's cells, or its columns if they are whole, what cells of this type show or offer.
+template <typename Entry>
+void putEntries(SpreadsheetControl& grid, const char* label, spreadsheet::CellType type,
+                const std::optional<Entry>& entry,
+                std::map<spreadsheet::CellAddress, Entry> spreadsheet::SheetSettings::*entries)
+{
+    if (isReadOnly(grid))
+        return;
+    const CellRange cells = target(grid);
+    {
+        const spreadsheet::UndoStep step(grid.workbook(), label);
+        spreadsheet::Sheet& sheet = grid.sheet();
+        if (entry)
+            grid.changeStyle(cells, [type](CellStyle& style) { style.type = type; });
+        retag(sheet, cells);
+        const bool wholeColumns = cells.top == 1 && cells.bottom >= sheet.settings().rowCount;
+        sheet.changeSettings([&](spreadsheet::SheetSettings& settings) {
+            auto& all = settings.*entries;
+            const int first = wholeColumns ? 0 : cells.top, last = wholeColumns ? 0 : cells.bottom;
+            std::erase_if(all, [&](const auto& old) {
+                return cells.contains(old.first) ||
+                       (wholeColumns && old.first.row == 0 && old.first.column >= cells.left &&
+                        old.first.column <= cells.right);
+            });
+            for (int column = cells.left; entry && column <= cells.right; ++column)
+                for (int row = first; row <= last; ++row)
+                    all.insert_or_assign({column, row}, *entry);
+        });
+    }
+    grid.afterEdit();
+}
+
+void resizeSelected(SpreadsheetControl& grid, spreadsheet::Axis axis, int twips)
+{
+    if (isReadOnly(grid))
+        return;
+    resizeLines(grid.workbook(), grid.sheet(), axis, linesOf(grid.selection(), axis), twips);
+    grid.afterEdit();
+}
+
+/// What a command changed is shown, and the formulas that read it are computed.
+void structureChanged(SpreadsheetControl& grid)
+{
+    grid.afterEdit();
+}
+
+} // namespace
+
+void changeCells(SpreadsheetControl& grid, const std::string& label,
+                 const std::function<void(CellStyle&)>& change)
+{
+    if (isReadOnly(grid))
+        return;
+    const CellRange cells = target(grid);
+    {
+        const spreadsheet::UndoStep step(grid.workbook(), label);
+        grid.changeStyle(cells, change);
+    }
+    grid.setCurrent(cells.right, cells.bottom);
+    grid.afterEdit();
+}
+
+void toggleBold(SpreadsheetControl& grid)
+{
+    changeCells(grid, "粗体", [](CellStyle& style) { style.font.bold = !style.font.bold; });
+}
+
+void toggleItalic(SpreadsheetControl& grid)
+{
+    changeCells(grid, "斜体", [](CellStyle& style) { style.font.italic = !style.font.italic; });
+}
+
+void toggleUnderline(SpreadsheetControl& grid)
+{
+    changeCells(grid, "下划线", [](CellStyle& style) { style.font.underline = !style.font.underline; });
+}
+
+void toggleStrikeOut(SpreadsheetControl& grid)
+{
+    changeCells(grid, "删除线",
+                [](CellStyle& style) { style.font.strikeThrough = !style.font.strikeThrough; });
+}
+
+void toggleWrap(SpreadsheetControl& grid)
+{
+    changeCells(grid, "自动换行", [](CellStyle& style) { style.wrap = !style.wrap; });
+}
+
+void toggleLock(SpreadsheetControl& grid)
+{
+    changeCells(grid, "锁定/解锁", [](CellStyle& style) { style.locked = !style.locked; });
+}
+
+void alignCells(SpreadsheetControl& grid, spreadsheet::HorizontalAlignment alignment)
+{
+    changeCells(grid, "水平对齐", [=](CellStyle& style) { style.horizontal = alignment; });
+}
+
+void alignCells(SpreadsheetControl& grid, spreadsheet::VerticalAlignment alignment)
+{
+    changeCells(grid, "垂直对齐", [=](CellStyle& style) { style.vertical = alignment; });
+}
+
+void setFontName(SpreadsheetControl& grid, const std::string& name)
+{
+    changeCells(grid, "字体", [&](CellStyle& style) { style.font.family = Text(name); });
+}
+
+void setFontSize(SpreadsheetControl& grid, int points)
+{
+    changeCells(grid, "字号", [=](CellStyle& style) { style.font.points = static_cast<float>(points); });
+}
+
+void chooseForeColour(SpreadsheetControl& grid)
+{
+    if (isReadOnly(grid))
+        return;
+    if (const auto colour = chosenColour())
+        changeCells(grid, "前景色", [&](CellStyle& style) { style.foreground = *colour; });
+}
+
+void chooseBackColour(SpreadsheetControl& grid)
+{
+    if (isReadOnly(grid))
+        return;
+    if (const auto colour = chosenColour())
+        changeCells(grid, "背景色", [&](CellStyle& style) { style.background = *colour; });
+}
+
+void clearFormats(SpreadsheetControl& grid)
+{
+    changeCells(grid, "清除格式", [](CellStyle& style) {
+        CellStyle fresh;
+        fresh.type = style.type;
+        fresh.decimals = style.decimals;
+        fresh.locked = style.locked;
+        style = fresh;
+    });
+}
+
+Refusal mergeCells(SpreadsheetControl& grid)
+{
+    const CellRange range = grid.firstRange();
+    const auto meets = [&](const CellRange& span) { return span.intersects(range); };
+    if (isReadOnly(grid))
+        return spreadsheet::inRunMode;
+    if (std::ranges::any_of(grid.sheet().settings().spans, meets))
+        return "选定的区域中已有合并单元格，请先取消合并";
+    grid.addSpan(range);
+    structureChanged(grid);
+    return {};
+}
+
+void unmergeCells(SpreadsheetControl& grid)
+{
+    if (isReadOnly(grid))
+        return;
+    grid.removeSpans(grid.firstRange());
+    structureChanged(grid);
+}
+
+void setCellType(SpreadsheetControl& grid, spreadsheet::CellType type, std::optional<std::uint8_t> decimals)
+{
+    if (isReadOnly(grid))
+        return;
+    const CellRange cells = dialogTarget(grid);
+    {
+        const spreadsheet::UndoStep step(grid.workbook(), "数据类型");
+        grid.changeStyle(cells, [&](CellStyle& style) {
+            style.type = type;
+            style.decimals = decimals.value_or(style.decimals);
+        });
+        retag(grid.sheet(), cells);
+    }
+    grid.setCurrent(cells.right, cells.bottom);
+    grid.afterEdit();
+}
+
+void retag(spreadsheet::Sheet& sheet, const CellRange& range)
+{
+    // Tags stand only in cells up to the last one with data.
+    for (int row = range.top; row <= std::min(range.bottom, sheet.lastDataRow()); ++row)
+        for (int column = range.left; column <= std::min(range.right, sheet.lastDataColumn()); ++column)
+            if (!sheet.tag({column, row}).view().empty())
+                sheet.setTag({column, row},
+                             std::to_string(static_cast<int>(sheet.style({column, row}).type)));
+}
+
+void setDropDownEntries(SpreadsheetControl& grid, const QStringList& entries)
+{
+    std::vector<std::string> list;
+    for (const QString& entry : entries)
+        list.push_back(entry.toStdString());
+    std::optional<spreadsheet::DropDownEntries> shared;
+    if (!list.empty())
+        shared.emplace(std::move(list));
+    putEntries(grid, "下拉框列表", spreadsheet::CellType::dropDown, shared,
+               &spreadsheet::SheetSettings::dropDowns);
+}
+
+void setButtonCaption(SpreadsheetControl& grid, const QString& caption)
+{
+    putEntries(grid, "按钮标题", spreadsheet::CellType::button,
+               caption.isEmpty() ? std::nullopt : std::optional(caption.toStdString()),
+               &spreadsheet::SheetSettings::captions);
+}
+
+void setRowHeights(SpreadsheetControl& grid, int twips)
+{
+    resizeSelected(grid, spreadsheet::Axis::rows, twips);
+}
+
+void setColumnWidths(SpreadsheetControl& grid, int twips)
+{
+    resizeSelected(grid, spreadsheet::Axis::columns, twips);
+}
+
+void drawBorders(SpreadsheetControl& grid, int sides, spreadsheet::LineStyle style)
+{
+    if (isReadOnly(grid))
+        return;
+    grid.setBorder(dialogTarget(grid), sides, darkBlue, style);
+    grid.afterEdit();
+}
+
+Refusal insertRow(SpreadsheetControl& grid)
+{
+    if (isReadOnly(grid))
+        return spreadsheet::inRunMode;
+    if (auto why = grid.insertRowsAt(grid.activeCell().row, 1))
+        return why;
+    structureChanged(grid);
+    return {};
+}
+
+Refusal insertColumn(SpreadsheetControl& grid)
+{
+    if (isReadOnly(grid))
+        return spreadsheet::inRunMode;
+    if (auto why = grid.insertColumnsAt(grid.activeCell().column, 1))
+        return why;
+    structureChanged(grid);
+    return {};
+}
+
+} // namespace selfreport

@@ -1,0 +1,18 @@
+#pragma once
+#include "spreadsheet/values/Refusal.h"
+
+#include <QString>
+
+namespace selfreport {
+
+/// The cell (`gCellCol`, `gCellRow`) of the grid that a formula dialog was opened for.
+class FormulaCell {
+public:
+    virtual ~FormulaCell() = default;
+
+    /// Makes the cell the current one, sets its formula and shows the text in the formula box.
+    /// Refused, the cell keeps what it had.
+    virtual spreadsheet::Refusal writeFormula(const QString& formula) = 0;
+};
+
+} // namespace selfreport

@@ -1,0 +1,258 @@
+#include "windows/formulas/frmCoverage.h"
+
+#include "failures/failure_text.h"
+#include "fetch/call_in_words.h"
+#include "fetch/ledger_query.h"
+#include "fetch/report_functions.h"
+#include "platform/basicdata/clsAccountChooser.h"
+#include "platform/list_grid/ListGrid.h"
+#include "platform/windows/buttons.h"
+#include "platform/windows/CancellableWait.h"
+#include "platform/windows/own_file.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+#include "state/driver_call.h"
+#include "state/mdlMain.h"
+#include "state/shared_state.h"
+#include "windows/pickers/ArgumentBoxes.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QVBoxLayout>
+
+namespace selfreport {
+
+namespace {
+
+QString amountText(const std::optional<double>& amount)
+{
+    return amount ? QLocale(QLocale::Chinese, QLocale::China).toString(*amount, 'f', 2) : QString();
+}
+
+QString cellText(const CellCall& call)
+{
+    return QString::fromStdString(spreadsheet::cellName({call.column, call.row}));
+}
+
+/// "B5、C7(2次)", by column and row.
+QString cellsText(const AccountCoverage& account, const std::vector<CellCall>& calls)
+{
+    std::map<std::pair<int, int>, std::vector<std::size_t>> byCell;
+    for (const std::size_t call : account.calls)
+        byCell[{calls[call].column, calls[call].row}].push_back(call);
+    QStringList cells;
+    for (const auto& [place, here] : byCell)
+        cells.append(cellText(calls[here.front()]) +
+                     (here.size() > 1 ? QStringLiteral("(%1次)").arg(here.size()) : QString()));
+    return cells.join(QStringLiteral("、"));
+}
+
+bool isFault(const AccountCoverage& account)
+{
+    return account.calls.size() != 1 || account.isPartial;
+}
+
+} // namespace
+
+frmCoverage::frmCoverage(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
+    : QDialog(parent)
+    , m_grid(grid)
+    , m_cboMeasure(new QComboBox)
+    , m_chkFaults(new QCheckBox(QStringLiteral("只列遗漏、重复和仅取部分项目的科目")))
+    , m_summary(new QLabel)
+    , m_vsf1(new ListGrid)
+{
+    setObjectName("frmCoverage");
+    setWindowTitle(QStringLiteral("覆盖检查"));
+    auto* rows = new QGridLayout;
+    m_txt = new ArgumentBoxes(this, rows, {{"科目：", true}, {"至", true}});
+    m_txt->seek = [this](int index) { seekAccount(index); };
+    for (const int index : {0, 1})
+        connect(&m_txt->box(index), &QLineEdit::returnPressed, this, &frmCoverage::check);
+    m_txt->box(0).setPlaceholderText(QStringLiteral("两框都空：全部科目"));
+    buildLayout(rows);
+    connect(m_cboMeasure, &QComboBox::activated, this, &frmCoverage::readAccounts);
+    connect(m_chkFaults, &QCheckBox::toggled, this, &frmCoverage::listAccounts);
+    connect(m_vsf1, &QAbstractItemView::clicked, this, &frmCoverage::goToCells);
+    connect(m_vsf1, &QAbstractItemView::activated, this, &frmCoverage::goToCells); // Enter
+    resize(840, 560);
+}
+
+void frmCoverage::buildLayout(QGridLayout* rows)
+{
+    m_cboMeasure->setObjectName("cboMeasure");
+    m_cboMeasure->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    auto* caption = new QLabel(QStringLiteral("取数："));
+    caption->setObjectName("Label2_2");
+    const int row = rows->rowCount();
+    rows->addWidget(caption, row, 0);
+    rows->addWidget(m_cboMeasure, row, 1);
+    m_chkFaults->setObjectName("chkFaults");
+    m_chkFaults->setChecked(true);
+    m_summary->setObjectName("lblSummary");
+    m_summary->setWordWrap(true);
+    m_vsf1->setObjectName("vsf1");
+    m_vsf1->setColumns({{"科目代码", 1500},
+                        {"科目名称", 3200},
+                        {"金额", 1900, Qt::AlignRight | Qt::AlignVCenter},
+                        {"取数次数", 1800},
+                        {"单元格", 3000}});
+    m_vsf1->setToolTip(QStringLiteral("单击转到单元格，再次单击转到下一个"));
+    QDialogButtonBox* buttons = okAndClose(
+        "检查(&Q)", [this] { check(); }, "关闭(&E)", [this] { close(); });
+    for (auto* button : buttons->findChildren<QPushButton*>()) {
+        button->setDefault(false); // Enter in the list goes to the cells
+        button->setAutoDefault(false);
+    }
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(rows);
+    layout->addWidget(m_chkFaults);
+    layout->addWidget(m_vsf1, 1);
+    layout->addWidget(m_summary);
+    layout->addWidget(buttons);
+}
+
+void frmCoverage::seekAccount(int index)
+{
+    clsAccountChooser chooser;
+    chooser.initChooser(gConnString, gTitle, gLoginUserId, componentFolder().toStdString());
+    chooser.chooseAccount("", 1);
+    if (!chooser.chosenNumber().empty())
+        m_txt->box(index).setText(QString::fromStdString(chooser.chosenNumber()));
+}
+
+void frmCoverage::check()
+{
+    if (!m_grid.commitEdit())
+        return; // what is being typed is no formula: its reason is on screen
+    m_accounts.clear();
+    if (readSheet())
+        readAccounts();
+    else
+        listAccounts();
+}
+
+bool frmCoverage::readSheet()
+{
+    const RecalculationUnderWay underWay; // a database that cannot be opened is told once
+    const int chosen = m_cboMeasure->currentIndex();
+    const LedgerArguments kept =
+        chosen < 0 ? LedgerArguments() : m_measures[static_cast<std::size_t>(chosen)].arguments;
+    m_measures.clear();
+    m_cboMeasure->clear();
+    m_sheetId = m_grid.workbook().sheet(m_grid.activeSheet()).id();
+    std::optional<SheetCalls> found;
+    {
+        const CancellableWait waiting(windowTitle());
+        guardedEvaluation([&] { found = acctCallsOf(m_grid.workbook(), m_grid.activeSheet()); });
+    }
+    m_sheet = found.value_or(SheetCalls());
+    if (!found)
+        return false;
+    return databaseProcedure(Icon::critical, [&](Connection& connection) {
+        m_measures = measuresOf(m_sheet.calls);
+        for (const auto& [arguments, calls] : m_measures) {
+            m_cboMeasure->addItem(QString::fromStdString(measureInWords(connection, arguments)) +
+                                  QStringLiteral(" (%1 个公式)").arg(calls));
+            if (arguments == kept)
+                m_cboMeasure->setCurrentIndex(m_cboMeasure->count() - 1);
+        }
+    });
+}
+
+void frmCoverage::readAccounts()
+{
+    m_accounts.clear();
+    try {
+        if (const int chosen = m_cboMeasure->currentIndex(); chosen >= 0)
+            m_accounts = coverageOf(m_measures[static_cast<std::size_t>(chosen)].arguments);
+    } catch (const std::exception& error) {
+        tellUser(Icon::critical, failures::sentenceOf(error));
+    } catch (const WorkCancelled&) {
+        // The list stays empty.
+    }
+    listAccounts();
+}
+
+std::vector<AccountCoverage> frmCoverage::coverageOf(const LedgerArguments& measure) const
+{
+    const CancellableWait waiting(windowTitle());
+    const auto range = m_txt->texts<std::array<std::string, 2>>();
+    // The call may be left behind: it owns what it uses.
+    return driverCall<std::vector<AccountCoverage>>(
+        [range, measure, connectionString = gConnString, calls = m_sheet.calls] {
+            const auto connection = openConnection(connectionString);
+            return accountCoverage(*connection, std::string(trimmed(range[0])),
+                                   std::string(trimmed(range[1])), measure, calls);
+        });
+}
+
+void frmCoverage::listAccounts()
+{
+    m_vsf1->clearRows();
+    m_listed.clear();
+    m_visitedLine = 0;
+    for (std::size_t index = 0; index < m_accounts.size(); ++index) {
+        const AccountCoverage& account = m_accounts[index];
+        if (m_chkFaults->isChecked() && !isFault(account))
+            continue;
+        const QString times = QString::number(account.calls.size());
+        const QString code = QString::fromStdString(account.code);
+        const QString name = QString::fromStdString(account.name);
+        const QString cells = cellsText(account, m_sheet.calls);
+        const QString sortable = account.amount ? QString::number(*account.amount, 'f', 2) : QString();
+        m_vsf1->addRow(QStringList{code, name, amountText(account.amount),
+                                   times + (account.isPartial ? QStringLiteral("(部分项目)") : QString()),
+                                   cells}
+                           .join('\t'),
+                       QStringList{code, name, sortable, times, cells}.join('\t'));
+        m_listed.push_back(index);
+    }
+    m_summary->setText(summary());
+}
+
+QString frmCoverage::summary() const
+{
+    const QString unusable = m_sheet.unusable > 0
+                                 ? QStringLiteral("；%1 个 Acct 公式的参数有错，未计入").arg(m_sheet.unusable)
+                                 : QString();
+    if (m_measures.empty())
+        return QStringLiteral("当前表页没有可用的 Acct 取数公式") + unusable;
+    const auto count = [this](auto&& condition) { return std::ranges::count_if(m_accounts, condition); };
+    const auto isGap = [](const AccountCoverage& account) { return account.calls.empty(); };
+    const auto matters = [&](const AccountCoverage& account) {
+        return isGap(account) && account.amount.value_or(0) != 0;
+    };
+    return QStringLiteral("末级科目 %1 个：未取 %2 个(其中 %3 个有金额)，重复 %4 个，仅取部分项目 %5 个")
+               .arg(m_accounts.size())
+               .arg(count(isGap))
+               .arg(count(matters))
+               .arg(count([](const AccountCoverage& account) { return account.calls.size() > 1; }))
+               .arg(count([](const AccountCoverage& account) { return account.isPartial; })) +
+           unusable;
+}
+
+void frmCoverage::goToCells()
+{
+    const int line = m_vsf1->row();
+    if (line < 1)
+        return;
+    const std::vector<std::size_t>& calls = m_accounts[m_listed[static_cast<std::size_t>(line - 1)]].calls;
+    const int sheet = m_grid.workbook().sheetIndexOfId(m_sheetId);
+    if (calls.empty() || sheet == 0 || !m_grid.commitEdit())
+        return;
+    m_visits = line == m_visitedLine ? m_visits + 1 : 0;
+    m_visitedLine = line;
+    const CellCall& call = m_sheet.calls[calls[m_visits % calls.size()]];
+    if (sheet != m_grid.activeSheet())
+        m_grid.setActiveSheet(sheet);
+    m_grid.moveTo({call.column, call.row});
+}
+
+} // namespace selfreport

@@ -1,0 +1,60 @@
+#pragma once
+#include "fetch/coverage_calls.h"
+
+#include <QDialog>
+#include <vector>
+
+class QCheckBox;
+class QComboBox;
+class QGridLayout;
+class QLabel;
+
+namespace spreadsheet {
+class SpreadsheetControl;
+}
+
+namespace selfreport {
+
+class ArgumentBoxes;
+class ListGrid;
+
+/// Which accounts the `Acct` cells of the sheet that is shown fetch once, several times or not at all. Stays
+/// open beside the designer: a click on an account goes to its cells.
+class frmCoverage : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit frmCoverage(spreadsheet::SpreadsheetControl& grid, QWidget* parent = nullptr);
+
+    /// Looks at the sheet as it is now. A failure is told and empties the list.
+    void check();
+
+private:
+    void buildLayout(QGridLayout* rows);
+    void seekAccount(int index);
+    /// Finds the calls and what they ask for. False if the user cancelled, or was told why not.
+    bool readSheet();
+    /// Looks the accounts up for the measure that is chosen.
+    void readAccounts();
+    /// @throws DatabaseError, WorkCancelled
+    std::vector<AccountCoverage> coverageOf(const LedgerArguments& measure) const;
+    void listAccounts();
+    QString summary() const;
+    void goToCells();
+
+    spreadsheet::SpreadsheetControl& m_grid;
+    ArgumentBoxes* m_txt;
+    QComboBox* m_cboMeasure;
+    QCheckBox* m_chkFaults;
+    QLabel* m_summary;
+    ListGrid* m_vsf1;
+    int m_sheetId = 0; ///< that was looked at
+    SheetCalls m_sheet;
+    std::vector<CoverageMeasure> m_measures;
+    std::vector<AccountCoverage> m_accounts;
+    std::vector<std::size_t> m_listed; ///< the account of each line
+    int m_visitedLine = 0;             ///< 0: none
+    std::size_t m_visits = 0;          ///< of that line's calls
+};
+
+} // namespace selfreport

@@ -1,0 +1,74 @@
+#include "windows/formulas/frmFunctionInput.h"
+
+#include "fetch/formula_text.h"
+#include "platform/windows/buttons.h"
+#include "windows/formulas/CallPreview.h"
+#include "windows/formulas/write_formula.h"
+#include "windows/pickers/ArgumentBoxes.h"
+#include "windows/pickers/frmAccountWizard.h"
+#include "windows/pickers/frmCurrency.h"
+#include "windows/pickers/frmFilelList.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+namespace selfreport {
+
+frmFunctionInput::frmFunctionInput(FormulaCell& cell, QWidget* parent)
+    : QDialog(parent)
+    , m_cell(cell)
+{
+    setObjectName("frmFunctionInput");
+    setWindowTitle(QStringLiteral("总账取数公式"));
+    auto* heading = new QLabel(QStringLiteral("Acct函数表达式："));
+    heading->setObjectName("Label1");
+    auto* rows = new QGridLayout;
+    m_txt = new ArgumentBoxes(this, rows,
+                              {{"科目：", true},
+                               {"取数类型：", true},
+                               {"货币：", true},
+                               {"年度："},
+                               {"起始期间："},
+                               {"截目期间："}});
+    m_txt->seek = [this](int index) { openPicker(index); };
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(heading);
+    layout->addLayout(rows);
+    auto* preview = new CallPreview;
+    m_txt->changed = [this, preview] { preview->textsChanged(m_txt->texts<std::array<std::string, 6>>()); };
+    layout->addWidget(preview, 1);
+    layout->addWidget(okAndClose(
+        "确定(&Q)", [this] { cmdXPOK_Click(); }, "取消(&E)", [this] { cmdXPClose_Click(); }));
+    resize(460, 460);
+}
+
+void frmFunctionInput::openPicker(int index)
+{
+    const auto handBack = [this, index](const QString& text) { m_txt->box(index).setText(text); };
+    if (index == 0)
+        frmAccountWizard(handBack, this).exec();
+    else if (index == 1)
+        frmFilelList(handBack, this).exec();
+    else if (index == 2)
+        frmCurrency(handBack, this).exec();
+}
+
+void frmFunctionInput::setArguments(const std::array<std::string, 6>& arguments)
+{
+    m_txt->setTexts(arguments);
+}
+
+void frmFunctionInput::cmdXPOK_Click()
+{
+    if (writeFormula(m_cell, acctFormula(m_txt->texts<std::array<std::string, 6>>())))
+        close();
+}
+
+void frmFunctionInput::cmdXPClose_Click()
+{
+    close();
+}
+
+} // namespace selfreport

@@ -1,0 +1,147 @@
+#include "windows/list/frmSelfReportMain.h"
+
+#include "platform/list_grid/ListGrid.h"
+#include "platform/windows/ProportionalLayout.h"
+#include "platform/windows/WaitCursor.h"
+#include "reports/report_store.h"
+#include "state/mdlMain.h"
+#include "state/shared_state.h"
+#include "windows/list/report_list.h"
+#include "windows/list/report_rows.h"
+
+#include <QLocale>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace selfreport {
+
+namespace {
+
+constexpr QSize board(12300, 7500); // twips: all columns of the list show
+
+} // namespace
+
+frmSelfReportMain::frmSelfReportMain(std::function<void()> showDesigner, QWidget* parent)
+    : QDialog(parent)
+    , m_showDesigner(std::move(showDesigner))
+    , m_vsf1(new ListGrid)
+{
+    setObjectName("frmSelfReportMain");
+    setWindowTitle(QStringLiteral("自定义报表"));
+    setWindowFlag(Qt::WindowMaximizeButtonHint);
+    setLayout(new ProportionalLayout(this, board));
+    buildList();
+    buildButtons();
+    resize(sizeHint()); // the toolkit would open it smaller on small screens
+    m_vsf1->setFocus();
+    getReport();
+}
+
+void frmSelfReportMain::buildList()
+{
+    m_vsf1->setObjectName("vsf1");
+    m_vsf1->setColumns(
+        {{"", 900}, {"报表名称", 4140}, {"上次修改人", 2910}, {"上次修改时间", 1845}, {"是否显示", 1305}});
+    connect(m_vsf1, &ListGrid::dblClick, this, &frmSelfReportMain::vsf1_DblClick);
+    auto* page = new QWidget;
+    (new QVBoxLayout(page))->addWidget(m_vsf1);
+    auto* tabs = new QTabWidget;
+    tabs->setObjectName("SSTab1");
+    tabs->addTab(page, windowTitle());
+    static_cast<ProportionalLayout*>(layout())->place(tabs, {120, 120, 12060, 6600});
+}
+
+void frmSelfReportMain::buildButtons()
+{
+    static const struct {
+        const char *name, *caption;
+        int left; // twips
+        void (*clicked)(frmSelfReportMain&);
+    } buttons[] = {
+        {"cmd_0", "新增(&N)", 120, [](auto& window) { window.cmd_Click(0); }},
+        {"cmd_1", "修改(&U)", 1620, [](auto& window) { window.cmd_Click(1); }},
+        {"cmd_2", "删除(&D)", 3120, [](auto& window) { window.cmd_Click(2); }},
+        {"cmdXPOK", "打开(&O)", 9330, [](auto& window) { window.cmdXPOK_Click(); }},
+        {"cmdXPClose", "关闭(&E)", 10830, [](auto& window) { window.cmdXPClose_Click(); }},
+    };
+    for (const auto& [name, caption, left, clicked] : buttons) {
+        auto* button = new QPushButton(QString::fromUtf8(caption));
+        button->setObjectName(name);
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, [this, handler = clicked] { handler(*this); });
+        static_cast<ProportionalLayout*>(layout())->place(button, {left, 6900, 1350, 450});
+    }
+    findChild<QPushButton*>("cmdXPOK")->setDefault(true); // Enter in the list opens
+}
+
+bool frmSelfReportMain::getReport()
+{
+    return databaseProcedure(Icon::exclamation, [this](Connection& connection) {
+        const WaitCursor waiting;
+        const std::vector<ListedReport> reports = storedReports(connection);
+        const QLocale locale = QLocale::system();
+        m_vsf1->clearRows();
+        for (const ListedReport& report : reports)
+            m_vsf1->addRow(reportRow(report, locale), reportSortRow(report));
+    });
+}
+
+bool frmSelfReportMain::hasCurrentReport() const
+{
+    return m_vsf1->rowCount() > 1 && m_vsf1->row() != 0;
+}
+
+bool frmSelfReportMain::update()
+{
+    if (!hasCurrentReport())
+        return false;
+    gReportId = m_vsf1->text(m_vsf1->row(), 0).toInt();
+    return true;
+}
+
+bool frmSelfReportMain::delete_()
+{
+    return hasCurrentReport() && dialogs().question(gTitle, "确定要删除吗?") && update() && deleteInfo();
+}
+
+void frmSelfReportMain::cmd_Click(int index)
+{
+    switch (index) {
+    case 0:
+        gEditFlag = 0;
+        m_showDesigner();
+        break;
+    case 1:
+        if (update()) {
+            gEditFlag = 1;
+            m_showDesigner();
+        }
+        break;
+    case 2:
+        if (delete_()) {
+            tellUser(Icon::information, "删除成功!");
+            m_vsf1->removeRow(m_vsf1->row());
+        }
+        break;
+    }
+}
+
+void frmSelfReportMain::cmdXPOK_Click()
+{
+    cmd_Click(1);
+}
+
+void frmSelfReportMain::cmdXPClose_Click()
+{
+    close();
+}
+
+void frmSelfReportMain::vsf1_DblClick()
+{
+    cmdXPOK_Click();
+}
+
+} // namespace selfreport

@@ -1,0 +1,61 @@
+#pragma once
+#include "platform/services/InUse.h"
+#include "spreadsheet/print/print_range.h"
+#include "spreadsheet/values/CellAddress.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+
+namespace spreadsheet {
+class Workbook;
+}
+
+namespace selfreport {
+
+class Connection;
+
+/// The grid that the printing windows set up, show and print: the designer's. Its active sheet is shown and
+/// printed; margins, orientation, header and footer belong to the report and go to all of its sheets.
+class PrintedGrid {
+public:
+    virtual ~PrintedGrid() = default;
+
+    virtual spreadsheet::Workbook& workbook() = 0;
+    /// The block that is selected, else the active cell.
+    virtual spreadsheet::CellRange selectedBlock() const = 0;
+    virtual std::string reportName() const = 0;
+    /// Cells whose fetch failed or found nothing.
+    virtual int diagnosticsCount() const = 0;
+    /// "3 处取数失败，数字不可用" while fetches of cells stand failed; else "".
+    virtual std::string failedFetches() const = 0;
+    /// Makes the first of their cells the active one.
+    virtual void goToFailedFetch() = 0;
+    /// Something that is no error, for the status bar.
+    virtual void tellStatus(std::string_view text) = 0;
+    /// Closes the designer's window, which closes the preview.
+    virtual void closeDesigner() = 0;
+    /// Why page set-up, header and footer may not be changed now; empty if they may.
+    virtual std::string_view pageSetupRefusal() const { return {}; }
+    /// Whether the row under the report's id is not another report's now. Takes the row's lock in the
+    /// transaction under way.
+    virtual bool ownsRow(Connection& /*connection*/) { return true; }
+    /// The report's row holds these now; margins left, right, top, bottom.
+    virtual void pageSetupStored(const std::array<double, 4>& /*inches*/, bool /*isPortrait*/) {}
+    virtual void headerStored(bool /*isFooter*/, const std::string& /*codes*/) {}
+
+    spreadsheet::PrintRange printRange; ///< what printing prints of the active sheet
+
+    /// What is in use while no designer is open: an empty workbook of its own.
+    static PrintedGrid*& usual();
+};
+
+using PrintedGridInUse = InUse<PrintedGrid>;
+
+/// The designer's grid.
+PrintedGrid& printedGrid();
+
+/// Whether page set-up, header and footer may not be changed now; the user is told why.
+bool isPageSetupRefused();
+
+} // namespace selfreport

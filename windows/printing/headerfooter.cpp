@@ -1,0 +1,271 @@
+#include "windows/printing/headerfooter.h"
+
+#include "platform/services/FontDialog.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+#include "state/mdlMain.h"
+#include "state/shared_state.h"
+#include "windows/printing/header_sheet.h"
+#include "windows/printing/LineNames.h"
+#include "windows/printing/page_setup_statements.h"
+#include "windows/printing/print_settings.h"
+#include "windows/printing/PrintedGrid.h"
+#include "windows/printing/stored_page_setup.h"
+
+#include <QCoreApplication>
+#include <QGroupBox>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace selfreport {
+
+namespace {
+
+using spreadsheet::CellStyle;
+using spreadsheet::PrintSettings;
+
+/// The report's header or footer as it is stored. A report that was never saved has none: the shared texts
+/// are still those of the last one, and its grid alone knows its own.
+std::string storedCodes(bool footer)
+{
+    if (gEditFlag != 0)
+        return footer ? gFooterText : gHeaderText;
+    const PrintSettings& print = printedGrid().workbook().sheet(1).settings().print;
+    return footer ? print.footer : print.header;
+}
+
+void setOnGrid(bool footer, const std::string& codes)
+{
+    changePrintSettings(printedGrid().workbook(),
+                        [&](PrintSettings& print) { (footer ? print.footer : print.header) = codes; });
+}
+
+void storeCodes(Connection& connection, bool footer, const std::string& codes)
+{
+    changeStoredPageSetup(connection, saveHeaderStatement(gReportId, footer), {codes});
+    printedGrid().headerStored(footer, codes);
+}
+
+} // namespace
+
+headerfooter::headerfooter(QWidget* parent)
+    : QDialog(parent)
+    , fpSpread1(new spreadsheet::SpreadsheetControl)
+{
+    setObjectName("headerfooter");
+    setWindowTitle(QStringLiteral("设置页眉页脚"));
+    auto* const rows = new QVBoxLayout(this);
+    rows->addWidget(new QLabel(QStringLiteral("自定义页眉页脚")));
+    fpSpread1->setObjectName("fpSpread1");
+    fpSpread1->setMinimumSize(700, 290);
+    fpSpread1->installEventFilter(this);
+    auto* const lines = new QHBoxLayout;
+    lines->setSpacing(0);
+    lines->addWidget(new LineNames(*fpSpread1));
+    lines->addWidget(fpSpread1, 1);
+    rows->addLayout(lines, 1);
+    auto* const hint = new QHBoxLayout;
+    hint->addWidget(new QLabel(QStringLiteral("插入页数:")));
+    hint->addWidget(new QLabel(QStringLiteral("点鼠标右键来插入或清除页数显示")), 1);
+    rows->addLayout(hint);
+    buildApplyFrame();
+    buildButtons();
+    connect(fpSpread1, &spreadsheet::SpreadsheetControl::editModeChanged, this, [this](bool on, bool) {
+        if (on)
+            Command3->setEnabled(true);
+    });
+    connect(fpSpread1, &spreadsheet::SpreadsheetControl::buttonClicked, this,
+            &headerfooter::fpSpread1_ButtonClicked);
+    InitSpread();
+    Option3_Click();
+    fpSpread1->setFocus();
+}
+
+void headerfooter::InitSpread()
+{
+    layOutHeaderSheet(fpSpread1->sheet());
+    fpSpread1->setSheetTabsShown(false);
+    fpSpread1->setHeadingsShown(true, false); // the lines have names of their own
+    fpSpread1->setColumnHeadings({"Left Justify", "", "Center", "", "Right Justify", ""});
+    fpSpread1->refresh();
+}
+
+void headerfooter::buildApplyFrame()
+{
+    auto* frame = new QGroupBox(QStringLiteral("应用于"));
+    auto* row = new QHBoxLayout(frame);
+    for (std::size_t i = 0; i < Option3.size(); ++i) {
+        Option3[i] = new QRadioButton(i == 0 ? QStringLiteral("页眉") : QStringLiteral("页脚"));
+        Option3[i]->setObjectName(QStringLiteral("Option3_%1").arg(i));
+        connect(Option3[i], &QRadioButton::clicked, this, &headerfooter::Option3_Click);
+        row->addWidget(Option3[i]);
+    }
+    Option3[0]->setChecked(true);
+    row->addStretch();
+    static_cast<QVBoxLayout*>(layout())->addWidget(frame);
+}
+
+void headerfooter::buildButtons()
+{
+    static constexpr struct {
+        const char *name, *caption;
+        bool inFrame;
+        void (*clicked)(headerfooter&);
+    } buttons[] = {
+        {"Command3", "保存页眉", true, [](auto& window) { window.Command3_Click(); }},
+        {"Command4", "清空", true, [](auto& window) { window.Command4_Click(); }},
+        {"cmdXPOK", "确定(&Q)", false, [](auto& window) { window.cmdXPOK_Click(); }},
+        {"cmdXPClose", "取消(&E)", false, [](auto& window) { window.close(); }},
+    };
+    auto* const below = new QHBoxLayout;
+    below->addStretch();
+    for (const auto& [name, caption, inFrame, clicked] : buttons) {
+        auto* button = new QPushButton(QString::fromUtf8(caption));
+        button->setObjectName(name);
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, [this, handler = clicked] { handler(*this); });
+        (inFrame ? findChild<QGroupBox*>()->layout() : below)->addWidget(button);
+    }
+    static_cast<QVBoxLayout*>(layout())->addLayout(below);
+    Command3 = findChild<QPushButton*>("Command3");
+    Command3->setEnabled(false);
+}
+
+bool headerfooter::isFooter() const
+{
+    return Option3[1]->isChecked();
+}
+
+void headerfooter::Option3_Click()
+{
+    for (QRadioButton* const option : Option3) {
+        QFont font = option->font();
+        font.setBold(option->isChecked());
+        option->setFont(font);
+    }
+    fpSpread1->cancelEdit(); // changes that were not saved are dropped
+    GetHeaderDetail(storedCodes(isFooter()));
+    Command3->setText(isFooter() ? QStringLiteral("保存页脚") : QStringLiteral("保存页眉"));
+}
+
+void headerfooter::GetHeaderDetail(const std::string& codes)
+{
+    HeaderGrid grid;
+    const std::string_view problem = readHeaderCodes(codes, grid, m_reader);
+    showHeaderGrid(fpSpread1->sheet(), grid);
+    fitLines();
+    if (!problem.empty())
+        dialogs().message(Icon::none, "GetHeaderDetail", problem);
+}
+
+/// Large fonts show whole.
+void headerfooter::fitLines()
+{
+    const int least = fpSpread1->sheet().settings().rows.defaultSize;
+    for (int row = 1; row <= headerRows; ++row)
+        fpSpread1->setRowHeight(row, std::max(least, fpSpread1->neededRowHeight(row)));
+    fpSpread1->refresh();
+}
+
+std::string headerfooter::GetCellData(std::int16_t column, std::int16_t row) const
+{
+    return headerCellCodes(headerCellOf(fpSpread1->sheet(), column, row), column);
+}
+
+int headerfooter::exec()
+{
+    return isPageSetupRefused() ? QDialog::Rejected : QDialog::exec();
+}
+
+bool headerfooter::SaveConfiguration()
+{
+    if (isPageSetupRefused())
+        return false;
+    if (!fpSpread1->commitEdit())
+        return false;
+    databaseProcedure(Icon::critical, [this](Connection& connection) {
+        QCoreApplication::processEvents();
+        const std::string codes = headerCodes(headerGridOf(fpSpread1->sheet()));
+        setOnGrid(isFooter(), codes);
+        (isFooter() ? gFooterText : gHeaderText) = codes;
+        if (gEditFlag == 0)
+            printedGrid().tellStatus("报表尚未保存,页眉页脚没有存入数据库");
+        else
+            storeCodes(connection, isFooter(), codes);
+    });
+    return true;
+}
+
+void headerfooter::Command3_Click()
+{
+    if (SaveConfiguration())
+        Command3->setEnabled(false);
+}
+
+void headerfooter::Command4_Click()
+{
+    if (!dialogs().ask(Icon::none, "清除文本", "确定要清除吗?"))
+        return;
+    fpSpread1->cancelEdit();
+    setOnGrid(isFooter(), {});
+    const PrintSettings& print = printedGrid().workbook().sheet(1).settings().print;
+    GetHeaderDetail(isFooter() ? print.footer : print.header);
+}
+
+void headerfooter::cmdXPOK_Click()
+{
+    if (SaveConfiguration())
+        accept();
+}
+
+bool headerfooter::eventFilter(QObject* object, QEvent* event)
+{
+    if (object == fpSpread1 && event->type() == QEvent::MouseButtonRelease &&
+        static_cast<QMouseEvent*>(event)->button() == Qt::RightButton)
+        fpSpread1_RightButton();
+    return QDialog::eventFilter(object, event);
+}
+
+/// Puts the page number into the active cell, which need not be the one under the pointer, or takes it out.
+void headerfooter::fpSpread1_RightButton()
+{
+    const auto [column, row] = fpSpread1->activeCell();
+    if (!isHeaderTextColumn(column) || !fpSpread1->commitEdit())
+        return;
+    const std::string text = fpSpread1->sheet().displayText({column, row});
+    const bool takesOut = text == pageNumberText;
+    if (!takesOut && !text.empty() &&
+        !dialogs().question("替换现有文本", "插入页数将会替换当前的文本,确定吗?"))
+        return;
+    setPageNumber(fpSpread1->sheet(), column, row, !takesOut);
+    fpSpread1->refresh();
+}
+
+void headerfooter::fpSpread1_ButtonClicked(int column, int row)
+{
+    const spreadsheet::CellAddress target{column - 1, row};
+    if (!isHeaderTextColumn(target.column) || !fpSpread1->commitEdit())
+        return;
+    const CellStyle& style = fpSpread1->sheet().style(target);
+    const HeaderCellFont font = headerCellOf(fpSpread1->sheet(), target.column, row).font;
+    const auto chosen =
+        FontDialogInUse::current().choose({font.family, font.points, font.bold, font.italic, font.underline,
+                                           font.strikeThrough, style.foreground & 0xFFFFFF});
+    if (!chosen)
+        return;
+    fpSpread1->sheet().restyle({target.column, row, target.column, row}, [&](CellStyle& changed) {
+        changed.font.family = spreadsheet::Text(chosen->family);
+        changed.font.points = static_cast<float>(chosen->points);
+        changed.font.bold = chosen->bold;
+        changed.font.italic = chosen->italic;
+        changed.font.underline = chosen->underline;
+        changed.font.strikeThrough = chosen->strikeOut;
+    });
+    fitLines();
+}
+
+} // namespace selfreport
