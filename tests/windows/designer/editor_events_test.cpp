@@ -1,0 +1,106 @@
+// The order of the grid's events while a user works with the formula box beside it.
+#include "tests/windows/designer/DesignerTest.h"
+
+#include <QTabBar>
+
+#include <functional>
+#include <sstream>
+
+namespace selfreport {
+namespace {
+
+using spreadsheet::SpreadsheetControl;
+
+class EditorEvents : public test::DesignerTest {
+protected:
+    EditorEvents()
+    {
+        open();
+        const auto tell = [this](const char* what) { return [this, what] { log << what << ' '; }; };
+        QObject::connect(&grid(), &SpreadsheetControl::leaveCell, [this](int, int, int column, int row) {
+            log << "leave>" << column << ',' << row << ' ';
+        });
+        QObject::connect(&grid(), &SpreadsheetControl::editModeChanged, [this](bool on, bool changed) {
+            log << (on ? "edit-on " : changed ? "edit-changed " : "edit-off ");
+        });
+        QObject::connect(&grid(), &SpreadsheetControl::cellChanged,
+                         [this](int column, int row) { log << "changed " << column << ',' << row << ' '; });
+        QObject::connect(&grid(), &SpreadsheetControl::selectionChanged, tell("selected"));
+        QObject::connect(&grid(), &SpreadsheetControl::sheetChanged, tell("sheet"));
+        QObject::connect(&grid(), &SpreadsheetControl::keyDown, tell("key"));
+    }
+    std::string logged() { return std::exchange(log, std::ostringstream()).str(); }
+    void typeInBox(const char* text)
+    {
+        box().setFocus();
+        for (; *text != '\0'; ++text)
+            QTest::keyClick(&box(), *text);
+    }
+    void key(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
+    void click(int column, int row)
+    {
+        QTest::mouseClick(&grid(), Qt::LeftButton, {}, grid().cellRect({column, row}).center());
+    }
+    QLineEdit& box() { return edit("txtFormula"); }
+    struct Step {
+        const char* what;
+        std::function<void()> work;
+        const char* events;
+    };
+    void expectEvents(const std::vector<Step>& steps)
+    {
+        for (const Step& step : steps) {
+            step.work();
+            EXPECT_EQ(logged(), step.events) << step.what;
+        }
+    }
+
+    std::ostringstream log;
+};
+
+/// The box is the grid's editor: the grid loses the focus to it, and the cell is told before it closes.
+TEST_F(EditorEvents, OfTheFormulaBox)
+{
+    expectEvents({
+        {"Enter", [&] { typeInBox("1+2"), key(Qt::Key_Return); },
+         "leave>-1,-1 edit-on changed 1,1 edit-changed "},
+        {"then an arrow", [&] { key(Qt::Key_Down); }, "key leave>1,2 selected "},
+        {"nothing typed", [&] { typeInBox(""), key(Qt::Key_Return); }, "leave>-1,-1 edit-on edit-changed "},
+        {"Esc", [&] { typeInBox("9"), key(Qt::Key_Escape); }, "leave>-1,-1 edit-on edit-off "},
+        {"a click elsewhere", [&] { typeInBox("=3*3"), click(3, 3); },
+         "leave>-1,-1 edit-on changed 1,2 edit-changed leave>3,3 selected "},
+        {"pointing at a cell", [&] { typeInBox("=2*"), click(1, 1), key(Qt::Key_Return); },
+         "leave>-1,-1 edit-on changed 3,3 edit-changed "},
+        {"another control", [&] { typeInBox("4"), edit("txtReportName").setFocus(); },
+         "leave>-1,-1 edit-on "},
+        {"and back", [&] { typeInBox(""), key(Qt::Key_Return); }, "changed 3,3 edit-changed "},
+    });
+    EXPECT_EQ(formula(1, 2) + " " + formula(3, 3), "3*3 2*A14");
+}
+
+TEST_F(EditorEvents, OfARefusedText)
+{
+    expectEvents({
+        {"Enter", [&] { typeInBox("=1+)"), key(Qt::Key_Return); }, "leave>-1,-1 edit-on "},
+        {"a click on a cell", [&] { click(2, 2); }, ""},
+        {"Esc", [&] { typeInBox(""), key(Qt::Key_Escape); }, "edit-off "},
+    });
+    demand(grid().setSheetCount(2));
+    grid().refresh();
+    logged();
+    QTabBar& tabs = control<QTabBar>(*window, "sheetTabBar");
+    const auto clickTab = [&](int index) {
+        QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(index - 1).center());
+    };
+    expectEvents({
+        {"pointing at another sheet", [&] { typeInBox("=2*"), clickTab(2), click(1, 1); },
+         "leave>-1,-1 edit-on sheet selected "},
+        {"Enter", [&] { key(Qt::Key_Return); }, "changed 1,1 edit-changed sheet selected "},
+        {"a tab while typing", [&] { typeInBox("+1"), clickTab(2); },
+         "leave>-1,-1 edit-on changed 1,1 edit-changed leave>-1,-1 sheet selected "},
+    });
+    EXPECT_EQ(grid().workbook().sheet(1).formula({1, 1}), "2*Sheet2!A1+1");
+}
+
+} // namespace
+} // namespace selfreport
