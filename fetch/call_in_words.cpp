@@ -11,6 +11,10 @@
 
 namespace selfreport {
 
+// Codes are looked up while the user types, and what the ledger does not know is answered with what it does
+// know: the nearest code. A half-written argument must be named, not hidden behind a query that
+// finds nothing.
+
 namespace {
 
 std::string joined(const std::vector<std::string>& parts)

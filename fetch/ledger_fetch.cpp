@@ -13,6 +13,10 @@
 
 namespace selfreport {
 
+// One fetch asks the ledger for many calls at once. The calls of a recalculation are collected, equal ones
+// are asked once, and each gets its own figure or its own failure back: one bad account code must not cost
+// the others their figures.
+
 namespace {
 
 using ItemTables = std::map<std::string, std::optional<std::string>, std::less<>>;

@@ -7,6 +7,10 @@
 
 namespace selfreport::demo {
 
+// Vouchers follow from each other as in a real trading company: goods are bought before they are sold, paid
+// after they are invoiced, and the month is closed by carrying revenues and costs over. So the books balance
+// by construction, and the check figures that stand in the demo reports can be worked out another way.
+
 namespace {
 
 template <typename Item>

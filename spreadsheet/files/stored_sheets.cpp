@@ -9,6 +9,11 @@
 
 namespace spreadsheet {
 
+// The content of a report may have been damaged, or made to do harm: whatever is read is held against the
+// limits of a sheet before it is used, and rows, columns and marks must ascend, which keeps reading linear
+// and refuses doubles. Writing clamps instead of refusing, because a program may have set anything and the
+// user's report must be saved.
+
 namespace {
 
 /// The widest row, column or margin, in twips: beyond 17 metres.

@@ -31,6 +31,9 @@
 
 namespace selfreport {
 
+// Menus, toolbars and their keys are laid out here and nowhere else, so that one look shows which command
+// has which key. What a command does stands with the designer's handlers.
+
 namespace {
 
 constexpr QSize board(14400, 9300); // twips

@@ -8,6 +8,11 @@
 
 namespace spreadsheet {
 
+// Ours keeps a header as lines whose three parts stand side by side; the files keep three sections, each
+// with lines of its own, and let a font hold until another one follows. So both directions go through runs
+// of one font: reading collects them by section and lays them out by line, writing says a font only where it
+// changes. A section begins with the font of the surroundings, which is why entering one resets it.
+
 namespace {
 
 /// A part of one section: its lines, each a list of runs.

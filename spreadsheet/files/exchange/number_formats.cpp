@@ -5,6 +5,11 @@
 
 namespace spreadsheet {
 
+// A style of ours has a type, and only beyond that a code; files know codes alone. A code is read by the
+// letters that it shows, not compared as a whole, because every program spells the same format in its own
+// way. If our type would write another code than was read, the code is kept beside it, so that nothing is
+// lost on the way back.
+
 namespace {
 
 struct BuiltIn {

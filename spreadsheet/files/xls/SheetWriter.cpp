@@ -13,6 +13,10 @@
 
 namespace spreadsheet {
 
+// Records stand in the order that readers expect, not in the order of our settings; several programs refuse
+// a sheet whose records come in another. What lies beyond the 65,536 rows and 256 columns of the format is
+// left out.
+
 namespace {
 
 } // namespace

@@ -14,6 +14,11 @@
 
 namespace spreadsheet {
 
+// A formula in a file is a list of tokens in reverse Polish order, and each operand's token says in which
+// sense it is wanted: as a reference, a value or an array. The same cell under SUM and under a plus sign is
+// two tokens. So the tree is walked from the top with what the place wants, and a text that the format
+// cannot hold fails the whole formula: its cell then gets the value that it shows.
+
 using namespace xls;
 
 namespace {

@@ -5,6 +5,10 @@
 
 namespace spreadsheet {
 
+// Tokens name functions by number, and whether the count of arguments follows depends on whether a function
+// takes a fixed number of them: a reader that disagrees here loses its place in the tokens. Hence the counts
+// are those of the format, not those of our own table, which allows more.
+
 namespace {
 
 /// In the order of their numbers.

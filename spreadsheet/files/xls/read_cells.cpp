@@ -10,6 +10,10 @@
 
 namespace spreadsheet {
 
+// Cells of one shared formula hold only where their group begins; the group's tokens are read relative to
+// each cell, once, as formulas of the pool are shared by all cells they look the same from. Array formulas
+// get theirs when all cells are known, because their range must be whole.
+
 namespace {
 
 constexpr std::size_t formulaHead = 22; ///< bytes before a formula's tokens

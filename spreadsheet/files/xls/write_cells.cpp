@@ -9,6 +9,9 @@
 
 namespace spreadsheet {
 
+// Neighbouring numbers and blank cells go into one record each, and numbers that fit into 30 bits are
+// written short, as other programs do: a sheet takes about half the room, and reading it back half the time.
+
 namespace {
 
 std::optional<std::uint32_t> shortNumber(const StoredCell& cell)

@@ -17,6 +17,11 @@
 
 namespace spreadsheet {
 
+// Everything in such a file may be missing: rows and cells without a name follow the one before, attributes
+// fall back to what the format says they mean. Sizes are given in digits of the default font and in points;
+// both are turned into twips here, so that a sheet stands where it stood. Array formulas wait until all
+// cells are read.
+
 namespace {
 
 constexpr std::int64_t mostArrayCells = 1 << 20;

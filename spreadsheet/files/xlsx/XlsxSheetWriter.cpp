@@ -15,6 +15,10 @@
 
 namespace spreadsheet {
 
+// Elements stand in the order of the schema; a reader that validates refuses the sheet otherwise. All
+// columns are written with their widths, also the usual ones, because the usual width depends on a font that
+// the other machine may lack.
+
 namespace {
 
 std::string rangeName(const CellRange& range)

@@ -12,6 +12,10 @@
 
 namespace spreadsheet {
 
+// A cell names a format, which names a font, a fill, four lines and a number format by their place in lists
+// of their own; colours in turn may be given outright, by place in a palette, or by a theme with a shade.
+// All of it is worked out once a format, not once a cell.
+
 namespace {
 
 /// In the order of the numbers that fill_patterns.h knows.

@@ -14,6 +14,11 @@
 
 namespace spreadsheet {
 
+// What another process of ours pastes. Numbers of pools mean nothing there, so styles and formulas are
+// handed over whole, each once, and cells name them by place. A formula is written as seen from the first
+// cell that has it; the reader makes its own relative form of it. Bytes of the clipboard come from anywhere:
+// the reader checks every count before it believes it.
+
 namespace {
 
 constexpr quint32 magic = 0x43454C33; // "CEL3"
