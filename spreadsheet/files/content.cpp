@@ -4,6 +4,8 @@
 #include "spreadsheet/files/content_frame.h"
 #include "spreadsheet/files/stored_sheets.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/values/characters.h"
+#include "spreadsheet/workbook/sheet_name.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 namespace spreadsheet {
@@ -64,14 +66,31 @@ void writeWorkbook(flatbuffers::FlatBufferBuilder& builder, const Workbook& work
                               static_cast<std::uint32_t>(workbook.activeSheet()), workbook.countsFrom1904()));
 }
 
+/// Names of earlier versions were counted in bytes, so short ones of ASCII letters may be this long. They
+/// stay: formulas and other reports know the sheets by them.
+constexpr std::size_t maxStoredNameUnits = 93;
+
+Refusal addStoredSheet(Workbook& workbook, int number, const std::string& name)
+{
+    if (unitCount(name) <= maxSheetNameUnits)
+        return number == 1 ? workbook.renameSheet(1, name) : workbook.addSheet(name);
+    Refusal problem = sheetNameProblem(name, maxStoredNameUnits);
+    if (!problem && workbook.sheetIndex(name) != 0)
+        problem = "有重名";
+    if (!problem)
+        problem = workbook.setSheetCount(number);
+    if (!problem)
+        workbook.sheet(number).changeSettings([&](SheetSettings& settings) { settings.name = name; });
+    return problem;
+}
+
 void readSheetNames(const stored::Content& content, Workbook& workbook)
 {
     const auto count = content.sheets()->size();
     requireContent(count >= 1 && count <= maxSheets, "表的个数不对");
     for (flatbuffers::uoffset_t i = 0; i < count; ++i) {
         const std::string name = content.sheets()->Get(i)->name()->str();
-        const auto problem = i == 0 ? workbook.renameSheet(1, name) : workbook.addSheet(name);
-        if (problem)
+        if (const Refusal problem = addStoredSheet(workbook, static_cast<int>(i) + 1, name))
             refuseContent("表名不对(" + problem.reason() + ")");
     }
 }

@@ -32,7 +32,8 @@ public:
     /// Another number after each change of the settings, for what is computed from them.
     std::uint64_t settingsRevision() const { return m_settingsRevision; }
     /// Changes sizes, counts, print settings and the like as one undo step. The name is changed by
-    /// Workbook::renameSheet, spans by the operations below.
+    /// Workbook::renameSheet, but for one that no formula mentions yet and nobody may choose, spans by the
+    /// operations below.
     void changeSettings(const std::function<void(SheetSettings&)>& change);
 
     // Reading. A place without a cell reads as empty.

@@ -4,6 +4,7 @@
 #include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/values/case_fold.h"
+#include "spreadsheet/workbook/sheet_name.h"
 #include "spreadsheet/workbook/SheetStructure.h"
 #include "spreadsheet/workbook/UndoJournal.h"
 
@@ -13,19 +14,6 @@
 namespace spreadsheet {
 
 namespace {
-
-/// Why a text cannot name a sheet.
-Refusal sheetNameProblem(std::string_view name)
-{
-    if (name.empty())
-        return "表名不能为空";
-    if (name.size() > 31 * 3)
-        return "表名太长";
-    if (name.find_first_of("[]:*?/\\") != std::string_view::npos || name.front() == '\'' ||
-        name.back() == '\'')
-        return "表名不能包含 [ ] : * ? / \\,也不能以单引号开头或结尾";
-    return {};
-}
 
 /// Names that a name may stand for, nested ones counted as often as they are evaluated.
 constexpr std::size_t maxNameUses = 4096;
@@ -140,12 +128,12 @@ Refusal Workbook::renameSheet(int index, std::string_view name)
 {
     if (index < 1 || index > sheetCount())
         return "没有这张表";
+    if (sheet(index).name() == name)
+        return {}; // also a name from an older file that is longer than a new one may be
     if (auto problem = sheetNameProblem(name))
         return problem;
     if (const int other = sheetIndex(name); other != 0 && other != index)
         return "已有名为“" + std::string(name) + "”的表";
-    if (sheet(index).name() == name)
-        return {};
     const UndoStep step(*this, "重命名表");
     sheet(index).editableSettings().name = name;
     respell(sheet(index).id());

@@ -1,6 +1,7 @@
 #include "spreadsheet/files/xls/xls_read.h"
 
 #include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/exchange/imported_sheets.h"
 #include "spreadsheet/files/ole2/CompoundFile.h"
 #include "spreadsheet/files/xls/defined_names.h"
 #include "spreadsheet/files/xls/records.h"
@@ -159,24 +160,10 @@ private:
             else if (count == maxSheets)
                 m_globals.warnings.add("工作表超过 256 张,其余的没有引入");
             else
-                tab.sheet = addSheet(tab, ++count);
+                addImportedSheet(m_workbook, tab.sheet = ++count, tab.name, m_globals.warnings);
             m_globals.links.addTab(tab.sheet == 0 ? std::string() : m_workbook.sheet(tab.sheet).name());
         }
         requireFile(count > 0, "没有工作表");
-    }
-
-    int addSheet(const Tab& tab, int number)
-    {
-        const auto add = [&](const std::string& name) {
-            return number == 1 ? m_workbook.renameSheet(1, name) : m_workbook.addSheet(name);
-        };
-        if (add(tab.name)) {
-            for (int i = number; add("Sheet" + std::to_string(i)); ++i)
-                continue;
-            m_globals.warnings.add("表名“" + tab.name + "”不能使用,改为“" + m_workbook.sheet(number).name() +
-                                   "”");
-        }
-        return number;
     }
 
     void readSheet(const Tab& tab)

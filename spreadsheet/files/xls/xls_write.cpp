@@ -9,14 +9,13 @@
 #include "spreadsheet/files/xls/SheetWriter.h"
 #include "spreadsheet/files/xls/tokens.h"
 #include "spreadsheet/files/xls/write_notes.h"
+#include "spreadsheet/workbook/sheet_name.h"
 
 #include <algorithm>
 
 namespace spreadsheet {
 
 namespace {
-
-constexpr std::size_t mostNameCharacters = 31;
 
 void requireSize(const Sheet& sheet)
 {
@@ -132,25 +131,23 @@ private:
 
     void boundSheets()
     {
-        std::vector<std::u16string> taken;
+        std::vector<std::string> taken;
         for (int sheet = 1; sheet <= m_parts.workbook.sheetCount(); ++sheet) {
             const Sheet& source = m_parts.workbook.sheet(sheet);
-            std::u16string name = utf16Of(source.name());
-            if (name.size() > mostNameCharacters)
-                name.resize(mostNameCharacters);
+            std::string name = shortenedSheetName(source.name());
             for (int i = 2; std::ranges::find(taken, name) != taken.end(); ++i) {
-                const std::u16string suffix = utf16Of(" " + std::to_string(i));
-                name = name.substr(0, mostNameCharacters - suffix.size()) + suffix;
+                const std::string suffix = " " + std::to_string(i);
+                name = shortenedSheetName(name, maxSheetNameUnits - suffix.size()) + suffix;
             }
             taken.push_back(name);
-            if (utf8Of(name) != source.name())
-                m_parts.warnings.add("表名“" + source.name() + "”太长,改为“" + utf8Of(name) + "”");
+            if (name != source.name())
+                m_parts.warnings.add("表名“" + source.name() + "”太长,改为“" + name + "”");
             m_writer.begin(xls::boundSheet);
             m_offsets.push_back(m_writer.size());
             m_writer.put32(0);
             m_writer.put8(source.settings().isHidden);
             m_writer.put8(0);
-            m_writer.putShortText(utf8Of(name));
+            m_writer.putShortText(name);
             m_writer.end();
         }
     }

@@ -1,6 +1,7 @@
 #include "spreadsheet/files/xlsx/xlsx_read.h"
 
 #include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/exchange/imported_sheets.h"
 #include "spreadsheet/files/xlsx/Archive.h"
 #include "spreadsheet/files/xlsx/Relations.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
@@ -89,23 +90,11 @@ private:
             if (count == maxSheets)
                 m_warnings.add("工作表超过 256 张,其余的没有引入");
             else
-                tab.sheet = addSheet(textOf(attributeNamed(node, "name")), ++count);
+                addImportedSheet(m_workbook, tab.sheet = ++count, textOf(attributeNamed(node, "name")),
+                                 m_warnings);
             m_tabs.push_back(std::move(tab));
         });
         requireFile(count > 0, "没有工作表");
-    }
-
-    int addSheet(const std::string& name, int number)
-    {
-        const auto add = [&](const std::string& candidate) {
-            return number == 1 ? m_workbook.renameSheet(1, candidate) : m_workbook.addSheet(candidate);
-        };
-        if (add(name)) {
-            for (int i = number; add("Sheet" + std::to_string(i)); ++i)
-                continue;
-            m_warnings.add("表名“" + name + "”不能使用,改为“" + m_workbook.sheet(number).name() + "”");
-        }
-        return number;
     }
 
     void defineNames(pugi::xml_node names)

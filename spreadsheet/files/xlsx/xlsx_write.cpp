@@ -2,7 +2,6 @@
 
 #include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/files/ContentError.h"
-#include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xlsx/ArchiveWriter.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/files/xlsx/xlsx_names.h"
@@ -10,6 +9,7 @@
 #include "spreadsheet/files/xlsx/XlsxParts.h"
 #include "spreadsheet/files/xlsx/XlsxSheetWriter.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/workbook/sheet_name.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 namespace spreadsheet {
@@ -28,11 +28,7 @@ std::string inFolder(const std::string& part)
 
 void requireSheetName(const std::string& name)
 {
-    constexpr std::size_t mostCharacters = 31;
-    const bool fits = !name.empty() && utf16Of(name).size() <= mostCharacters &&
-                      name.find_first_of("[]:*?/\\") == std::string::npos && !name.starts_with('\'') &&
-                      !name.ends_with('\'');
-    if (!fits)
+    if (sheetNameProblem(name))
         throw ContentError("表名“" + name + "”在 .xlsx 中不能使用,请改短(最多 31 个字)后再引出");
 }
 

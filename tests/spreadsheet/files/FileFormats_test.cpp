@@ -1,3 +1,5 @@
+#include "spreadsheet/files/exchange/imported_sheets.h"
+#include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/FileFormats.h"
 
 #include "spreadsheet/files/PendingFile.h"
@@ -64,6 +66,66 @@ TEST(FileFormats, NumbersComeBackBitForBit)
     }
 }
 
+/// What versions that counted a name's bytes let through.
+void nameAsInOldFiles(Workbook& workbook, int sheet, const std::string& name)
+{
+    workbook.sheet(sheet).changeSettings([&](SheetSettings& settings) { settings.name = name; });
+}
+
+std::string repeated(int times, const std::string& text)
+{
+    std::string all;
+    for (int i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
+TEST(FileFormats, LongSheetNamesOfOldReports)
+{
+    const std::string pair = "\xF0\xA0\x80\x80"; // one character that counts twice
+    const struct {
+        std::string name, inXls;
+    } cases[] = {
+        {std::string(93, 'x'), std::string(31, 'x')},
+        {repeated(15, pair) + "表格表", repeated(15, pair) + "表"},
+        {repeated(16, pair), repeated(15, pair)}, // not cut through the last one
+        {repeated(31, "表"), repeated(31, "表")},
+    };
+    const TestFolder folder;
+    for (const auto& c : cases) {
+        Workbook workbook;
+        nameAsInOldFiles(workbook, 1, c.name);
+        demand(workbook.addSheet("另"));
+        demand(workbook.sheet(2).setFormula({1, 1}, "'" + c.name + "'!B2"));
+        saveWorkbook(workbook, folder.file("a.ss7"), FileFormat::ss7);
+        Workbook loaded;
+        loadWorkbook(loaded, folder.file("a.ss7"));
+        EXPECT_EQ(loaded.sheet(1).name(), c.name);
+        EXPECT_EQ(loaded.sheet(2).formula({1, 1}), workbook.sheet(2).formula({1, 1}));
+        EXPECT_FALSE(loaded.renameSheet(1, c.name)) << "the name is no other";
+        const auto warnings = saveWorkbook(loaded, folder.file("a.xls"), FileFormat::xls);
+        EXPECT_EQ(warnings.empty(), c.name == c.inXls) << c.name;
+        loadWorkbook(loaded, folder.file("a.xls"));
+        EXPECT_EQ(loaded.sheet(1).name(), c.inXls);
+    }
+}
+
+TEST(FileFormats, LongSheetNamesOfForeignFiles)
+{
+    const std::string longest(31, 'x');
+    const struct {
+        std::string name, ours;
+    } sheets[] = {{longest + "a", longest}, {longest + "b", "Sheet2"}, {"a:b", "Sheet3"}, {"四", "四"}};
+    Workbook workbook;
+    Warnings warnings;
+    int number = 0;
+    for (const auto& sheet : sheets) {
+        addImportedSheet(workbook, ++number, sheet.name, warnings);
+        EXPECT_EQ(workbook.sheet(number).name(), sheet.ours);
+    }
+    EXPECT_EQ(warnings.texts().size(), 3U);
+}
+
 TEST(FileFormats, RefusalsNameTheReasonAndLoseNothing)
 {
     const TestFolder folder;
@@ -102,7 +164,7 @@ TEST(FileFormats, AFailedExportLeavesTheFormerFile)
     put(folder.file("a.xls"), "从前");
     EXPECT_THROW(saveWorkbook(workbook, folder.file("a.xls"), FileFormat::xls), ContentError);
     EXPECT_EQ(contentOf(folder.file("a.xls")), "从前");
-    demand(workbook.renameSheet(1, std::string(60, 'x'))); // longer than .xlsx takes
+    nameAsInOldFiles(workbook, 1, std::string(60, 'x')); // longer than .xlsx takes
     EXPECT_THROW(saveWorkbook(workbook, folder.file("a.xls"), FileFormat::xlsx), ContentError);
     EXPECT_EQ(contentOf(folder.file("a.xls")), "从前");
     EXPECT_EQ(folder.fileCount(), 1U);

@@ -75,6 +75,42 @@ TEST(Sheets, NameWithWideSignsStaysReadableInFormulas)
     }
 }
 
+TEST(Sheets, NameHas31CharactersAsOtherSpreadsheetsCount)
+{
+    const auto repeated = [](int times, const std::string& text) {
+        std::string all;
+        for (int i = 0; i < times; ++i)
+            all += text;
+        return all;
+    };
+    const std::string pair = "\xF0\xA0\x80\x80"; // one character that counts twice
+    const struct {
+        const char* what;
+        std::string name;
+        bool fits;
+    } cases[] = {
+        {"letters", repeated(31, "a"), true},
+        {"a letter more", repeated(32, "a"), false},
+        {"as many bytes as 31 Chinese ones", repeated(93, "a"), false},
+        {"letters of two bytes", repeated(31, "é"), true},
+        {"Chinese", repeated(31, "表"), true},
+        {"a letter behind them", repeated(31, "表") + "a", false},
+        {"pairs and one", repeated(15, pair) + "表", true},
+        {"a pair over the end", repeated(15, pair) + "表表", false},
+        {"one pair more", repeated(16, pair), false},
+    };
+    for (const auto& c : cases) {
+        Workbook workbook;
+        EXPECT_EQ(!workbook.addSheet(c.name), c.fits) << c.what;
+        EXPECT_EQ(!workbook.renameSheet(1, c.name + (c.fits ? "b" : "")), false) << c.what;
+        if (!c.fits)
+            continue;
+        EXPECT_FALSE(workbook.sheet(1).setFormula({1, 1}, "'" + c.name + "'!B2")) << c.what;
+        demand(workbook.renameSheet(2, "短"));
+        EXPECT_FALSE(workbook.renameSheet(1, c.name)) << c.what;
+    }
+}
+
 TEST(Sheets, FunctionThatLooksLikeACellTakesWideBrackets)
 {
     FormulaSheet sheet;
