@@ -1,6 +1,6 @@
 #pragma once
 #include "fetch/ledger_query.h"
-#include "platform/database/ProcedureCall.h"
+#include "platform/database/session/ProcedureCall.h"
 
 #include <compare>
 #include <optional>

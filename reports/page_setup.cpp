@@ -1,6 +1,6 @@
 #include "reports/page_setup.h"
 
-#include "platform/database/Recordset.h"
+#include "platform/database/session/Recordset.h"
 #include "platform/services/SettingsStore.h"
 #include "reports/placeholders.h"
 #include "spreadsheet/workbook/Workbook.h"

@@ -1,6 +1,6 @@
 #include "reports/report_version.h"
 
-#include "platform/database/Recordset.h"
+#include "platform/database/session/Recordset.h"
 
 #include <algorithm>
 #include <array>

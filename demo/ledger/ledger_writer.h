@@ -1,7 +1,7 @@
 #pragma once
 #include "demo/ledger/demo_items.h"
 #include "demo/ledger/LedgerBook.h"
-#include "platform/database/SqlValue.h"
+#include "platform/database/session/SqlValue.h"
 
 #include <vector>
 

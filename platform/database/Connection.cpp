@@ -2,7 +2,7 @@
 
 #include "platform/database/dialect/connection_string.h"
 #include "platform/database/odbc/OdbcSession.h"
-#include "platform/database/Session.h"
+#include "platform/database/session/Session.h"
 #include "platform/database/SessionPool.h"
 #include "platform/database/sqlite/SqliteSession.h"
 

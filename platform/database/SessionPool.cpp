@@ -1,6 +1,6 @@
 #include "platform/database/SessionPool.h"
 
-#include "platform/database/Session.h"
+#include "platform/database/session/Session.h"
 
 namespace selfreport {
 

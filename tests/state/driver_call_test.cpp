@@ -1,6 +1,6 @@
 #include "state/driver_call.h"
 
-#include "platform/database/DatabaseError.h"
+#include "platform/database/session/DatabaseError.h"
 #include "state/mdlMain.h"
 #include "tests/fetch/TestLedger.h"
 

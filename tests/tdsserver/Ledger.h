@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/database/ProcedureCall.h"
+#include "platform/database/session/ProcedureCall.h"
 #include "platform/database/sqlite/acct_procedure.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "tests/tdsserver/Reply.h"

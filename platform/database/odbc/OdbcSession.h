@@ -1,7 +1,7 @@
 #pragma once
 #include "platform/database/odbc/odbc_string.h"
 #include "platform/database/odbc/OdbcStatement.h"
-#include "platform/database/Session.h"
+#include "platform/database/session/Session.h"
 
 #include <mutex>
 #include <sql.h>

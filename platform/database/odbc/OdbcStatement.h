@@ -1,7 +1,7 @@
 #pragma once
-#include "platform/database/ProcedureCall.h"
-#include "platform/database/Recordset.h"
-#include "platform/database/SqlValue.h"
+#include "platform/database/session/ProcedureCall.h"
+#include "platform/database/session/Recordset.h"
+#include "platform/database/session/SqlValue.h"
 
 #include <functional>
 #include <list>

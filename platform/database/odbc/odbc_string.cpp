@@ -1,8 +1,8 @@
 #include "platform/database/odbc/odbc_string.h"
 
-#include "platform/database/DatabaseError.h"
 #include "platform/database/dialect/connection_string.h"
 #include "platform/database/dialect/sql_text.h"
+#include "platform/database/session/DatabaseError.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/database/ProcedureCall.h"
+#include "platform/database/session/ProcedureCall.h"
 
 #include <optional>
 #include <span>

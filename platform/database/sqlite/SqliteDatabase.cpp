@@ -1,6 +1,6 @@
 #include "platform/database/sqlite/SqliteDatabase.h"
 
-#include "platform/database/DatabaseError.h"
+#include "platform/database/session/DatabaseError.h"
 #include "platform/database/sqlite/ledger_schema.h"
 #include "platform/database/sqlite/sqlite_failure.h"
 #include "platform/database/sqlite/sqlite_functions.h"

@@ -1,6 +1,6 @@
 #pragma once
-#include "platform/database/Recordset.h"
-#include "platform/database/SqlValue.h"
+#include "platform/database/session/Recordset.h"
+#include "platform/database/session/SqlValue.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/database/Session.h"
+#include "platform/database/session/Session.h"
 #include "platform/database/sqlite/acct_procedure.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "platform/database/sqlite/StatementCache.h"

@@ -1,6 +1,6 @@
 #include "platform/database/sqlite/acct_procedure.h"
 
-#include "platform/database/DatabaseError.h"
+#include "platform/database/session/DatabaseError.h"
 
 #include <charconv>
 

@@ -1,6 +1,6 @@
 #include "platform/database/sqlite/acct_sql.h"
 
-#include "platform/database/DatabaseError.h"
+#include "platform/database/session/DatabaseError.h"
 #include "platform/database/sqlite/HandedText.h"
 #include "platform/database/sqlite/tsql_rewriter.h"
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/database/DatabaseError.h"
+#include "platform/database/session/DatabaseError.h"
 
 struct sqlite3;
 

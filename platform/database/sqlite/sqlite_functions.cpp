@@ -1,10 +1,10 @@
 #include "platform/database/sqlite/sqlite_functions.h"
 
-#include "platform/database/DatabaseError.h"
 #include "platform/database/dialect/chinese_collation.h"
+#include "platform/database/session/DatabaseError.h"
+#include "platform/database/session/SqlValue.h"
 #include "platform/database/sqlite/LikePattern.h"
 #include "platform/database/sqlite/sqlite_failure.h"
-#include "platform/database/SqlValue.h"
 
 #include <algorithm>
 #include <memory>

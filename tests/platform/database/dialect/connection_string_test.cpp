@@ -1,6 +1,6 @@
 #include "platform/database/dialect/connection_string.h"
 
-#include "platform/database/DatabaseError.h"
+#include "platform/database/session/DatabaseError.h"
 
 #include <gtest/gtest.h>
 

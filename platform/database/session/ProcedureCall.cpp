@@ -1,4 +1,4 @@
-#include "platform/database/ProcedureCall.h"
+#include "platform/database/session/ProcedureCall.h"
 
 #include "platform/database/dialect/code_page.h"
 #include "platform/database/dialect/sql_text.h"

@@ -1,4 +1,4 @@
-#include "platform/database/SqlValue.h"
+#include "platform/database/session/SqlValue.h"
 
 #include <chrono>
 #include <cstdio>

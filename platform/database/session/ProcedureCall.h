@@ -1,6 +1,6 @@
 #pragma once
-#include "platform/database/DatabaseError.h"
-#include "platform/database/Recordset.h"
+#include "platform/database/session/DatabaseError.h"
+#include "platform/database/session/Recordset.h"
 
 #include <cstddef>
 #include <cstdint>
