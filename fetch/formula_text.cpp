@@ -1,6 +1,6 @@
 #include "fetch/formula_text.h"
 
-#include "platform/database/dialect/sql_text.h"
+#include "platform/database/session/names.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -2,7 +2,7 @@
 
 #include "failures/failure_text.h"
 #include "fetch/SharedFetches.h"
-#include "platform/database/dialect/sql_text.h"
+#include "platform/database/session/names.h"
 #include "state/mdlMain.h"
 
 #include <exception>

@@ -1,6 +1,6 @@
 #include "reports/placeholders.h"
 
-#include "platform/database/dialect/sql_text.h"
+#include "platform/database/session/names.h"
 #include "platform/services/SettingsStore.h"
 
 #include <string_view>

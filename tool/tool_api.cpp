@@ -7,7 +7,7 @@
 #include "demo/demo_reports.h"
 #include "demo/ledger/demo_ledger.h"
 #include "platform/database/Connection.h"
-#include "platform/database/dialect/sql_text.h"
+#include "platform/database/sqlite/sqlite_provider.h"
 #include "platform/services/FileDialog.h"
 #include "platform/toolkit/QtSettings.h"
 #include "spreadsheet/files/FileFormats.h"
@@ -48,17 +48,12 @@ int command(const ToolStreams& streams, const std::function<void()>& work) noexc
     return 1;
 }
 
-std::string fileConnection(const std::string& file)
-{
-    return "Provider=SQLite;Data Source='" + sqlQuoted(file) + "'";
-}
-
 /// A connection string as it stands; else the string for the embedded database in that file.
 std::string connectionString(const std::string& database)
 {
     std::error_code unreadable;
     const bool isFile = std::filesystem::exists(database, unreadable) && !unreadable;
-    return isFile || database.find('=') == std::string::npos ? fileConnection(database) : database;
+    return isFile || database.find('=') == std::string::npos ? fileConnectionString(database) : database;
 }
 
 /// A file that is written if it is wanted.
@@ -151,7 +146,7 @@ int toolDemo(const std::string& file, bool replaces, const ToolStreams& streams)
         streams.notes << "生成演示账套 …" << std::endl;
         createDemoLedger(database.path().string());
         streams.notes << "生成演示报表 …" << std::endl;
-        storeDemoReports(fileConnection(database.path().string()));
+        storeDemoReports(fileConnectionString(database.path().string()));
         closeIdleSessions();
         database.putInPlace(replaces);
         streams.results << file << '\n';

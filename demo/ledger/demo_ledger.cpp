@@ -4,7 +4,7 @@
 #include "demo/ledger/TradingCompany.h"
 #include "failures/failure_text.h"
 #include "platform/database/Connection.h"
-#include "platform/database/dialect/sql_text.h"
+#include "platform/database/sqlite/sqlite_provider.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 
 #include <algorithm>
@@ -114,8 +114,7 @@ void createDemoLedger(const std::string& file, const DemoLedgerOptions& options)
 {
     UnfinishedFile unfinished(file + ".new");
     createDatabase(unfinished.name());
-    writeDemoLedger(*openConnection("Provider=SQLite;Data Source='" + sqlQuoted(unfinished.name()) + "'"),
-                    options);
+    writeDemoLedger(*openConnection(fileConnectionString(unfinished.name())), options);
     closeIdleSessions();
     flushFile(unfinished.name());
     unfinished.rename(file);

@@ -1,10 +1,9 @@
 #include "platform/database/Connection.h"
 
-#include "platform/database/dialect/connection_string.h"
-#include "platform/database/odbc/OdbcSession.h"
+#include "platform/database/dialect/parameter_sizes.h"
+#include "platform/database/providers.h"
 #include "platform/database/session/Session.h"
 #include "platform/database/SessionPool.h"
-#include "platform/database/sqlite/SqliteSession.h"
 
 #include <atomic>
 #include <utility>
@@ -22,13 +21,10 @@ struct AtomicCounters {
 };
 AtomicCounters counters;
 
-std::unique_ptr<Session> openSession(std::string_view connectionString)
+std::unique_ptr<Session> countedSession(std::string_view connectionString)
 {
-    const ConnectionSettings settings = parseConnectionString(connectionString);
     ++counters.sessions;
-    if (settings.provider == DatabaseProvider::sqlite)
-        return std::make_unique<SqliteSession>(settings.value("Data Source"));
-    return std::make_unique<OdbcSession>(odbcTarget(settings));
+    return openSession(connectionString);
 }
 
 } // namespace
@@ -39,7 +35,7 @@ std::unique_ptr<Connection> openConnection(std::string_view connectionString)
     std::unique_ptr<Session> session = SessionPool::instance().take(key);
     const bool reused = session != nullptr;
     if (!reused)
-        session = openSession(connectionString);
+        session = countedSession(connectionString);
     ++counters.opens;
     return std::unique_ptr<Connection>(new Connection(key, std::move(session), reused));
 }
@@ -62,7 +58,7 @@ Connection::~Connection()
 Session& Connection::provenSession()
 {
     if (std::exchange(m_unproven, false) && !m_session->answers())
-        m_session = openSession(m_connectionString);
+        m_session = countedSession(m_connectionString);
     return *m_session;
 }
 

@@ -1,6 +1,6 @@
 #include "tests/tdsserver/BatchRunner.h"
 
-#include "platform/database/dialect/sql_text.h"
+#include "platform/database/session/names.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "tests/tdsserver/Ledger.h"
 
-#include "platform/database/dialect/sql_text.h"
 #include "platform/database/dialect/sql_tokens.h"
+#include "platform/database/session/names.h"
 #include "platform/database/sqlite/tsql_rewriter.h"
 #include "tests/tdsserver/column_types.h"
 

@@ -2,7 +2,7 @@
 
 #include "failures/failure_text.h"
 #include "fetch/ledger_query.h"
-#include "platform/database/dialect/sql_text.h"
+#include "platform/database/session/names.h"
 #include "spreadsheet/files/content.h"
 #include "spreadsheet/files/FileTarget.h"
 #include "spreadsheet/workbook/Workbook.h"

@@ -1,7 +1,7 @@
 #include "platform/database/dialect/connection_string.h"
 
-#include "platform/database/dialect/sql_text.h"
 #include "platform/database/session/DatabaseError.h"
+#include "platform/database/session/names.h"
 
 #include <algorithm>
 #include <array>
@@ -42,12 +42,6 @@ std::string_view mainName(std::string_view key)
     return found == synonyms.end() ? key : found->meant;
 }
 
-[[noreturn]] void refuse(const std::string& reason)
-{
-    // The string itself stays out of the text: it may hold a password.
-    throw DatabaseError(unspecifiedError, "连接字符串无效: " + reason);
-}
-
 bool isBlank(char letter)
 {
     return letter == ' ' || letter == '\t' || letter == '\r' || letter == '\n';
@@ -82,7 +76,7 @@ public:
         std::string key;
         for (;; key += take()) {
             if (m_rest.empty() || m_rest.front() == ';')
-                refuse("缺少等号");
+                refuseConnectionString("缺少等号");
             if (m_rest.front() != '=')
                 continue;
             take();
@@ -91,7 +85,7 @@ public:
         }
         key = trimmed(key);
         if (key.empty())
-            refuse("缺少关键字");
+            refuseConnectionString("缺少关键字");
         return key;
     }
 
@@ -122,7 +116,7 @@ private:
         std::string value;
         for (;;) {
             if (m_rest.empty())
-                refuse("引号没有结束");
+                refuseConnectionString("引号没有结束");
             const char letter = take();
             if (letter == quote && (m_rest.empty() || m_rest.front() != quote))
                 break;
@@ -139,7 +133,7 @@ private:
     {
         const std::size_t end = std::min(m_rest.find("};"), m_rest.size());
         if (end == m_rest.size() && !trimmed(m_rest).ends_with('}'))
-            refuse("大括号没有结束");
+            refuseConnectionString("大括号没有结束");
         const std::string_view whole = trimmed(m_rest.substr(0, std::min(end + 1, m_rest.size())));
         const std::string value(whole.substr(1, whole.size() - 2));
         m_rest.remove_prefix(std::min(end + 1, m_rest.size()));
@@ -151,7 +145,7 @@ private:
         while (!m_rest.empty() && isBlank(m_rest.front()))
             take();
         if (!m_rest.empty() && m_rest.front() != ';')
-            refuse("引号之后有多余的文字");
+            refuseConnectionString("引号之后有多余的文字");
     }
 
     std::string_view m_rest;
@@ -167,61 +161,6 @@ void setValue(ConnectionSettings& settings, std::string_view key, std::string va
         found->second = std::move(value);
 }
 
-bool startsWithName(std::string_view text, std::string_view name)
-{
-    return text.size() >= name.size() && sameName(text.substr(0, name.size()), name);
-}
-
-/// The ODBC string of the bridge provider: its own keys under their ODBC names, "Extended Properties" as they
-/// are.
-std::string bridgedOdbcString(const ConnectionSettings& settings)
-{
-    static constexpr std::array odbcNames{
-        Synonym{"Data Source", "DSN"},
-        Synonym{"User ID", "UID"},
-        Synonym{"Password", "PWD"},
-        Synonym{"Initial Catalog", "DATABASE"},
-    };
-    std::string text;
-    for (const auto& [key, value] : settings.values) {
-        if (sameName(key, "Extended Properties"))
-            text += value + ";";
-        if (sameName(key, "Provider") || sameName(key, "Extended Properties"))
-            continue;
-        const auto known = std::ranges::find_if(
-            odbcNames, [&](const Synonym& synonym) { return sameName(synonym.written, key); });
-        text += std::string(known == odbcNames.end() ? std::string_view(key) : known->meant) + "={" + value +
-                "};";
-    }
-    return text;
-}
-
-void chooseProvider(ConnectionSettings& settings, std::string_view text)
-{
-    const std::string& provider = settings.value("Provider");
-    if (sameName(provider, "SQLite")) {
-        settings.provider = DatabaseProvider::sqlite;
-        if (settings.value("Data Source").empty())
-            refuse("没有给出数据库文件");
-        return;
-    }
-    const bool namesDriver = !settings.value("Driver").empty() || !settings.value("DSN").empty();
-    if (namesDriver && provider.empty()) {
-        settings.odbcString = text;
-        return;
-    }
-    if (startsWithName(provider, "MSDASQL")) {
-        settings.odbcString = bridgedOdbcString(settings);
-        return;
-    }
-    const bool servers = provider.empty() || startsWithName(provider, "SQLOLEDB") ||
-                         startsWithName(provider, "SQLNCLI") || startsWithName(provider, "MSOLEDBSQL");
-    if (!servers)
-        refuse("不支持的提供者 " + provider);
-    if (settings.value("Data Source").empty())
-        refuse("没有给出服务器");
-}
-
 } // namespace
 
 const std::string& ConnectionSettings::value(std::string_view key) const
@@ -232,19 +171,24 @@ const std::string& ConnectionSettings::value(std::string_view key) const
     return found == values.end() ? none : found->second;
 }
 
+void refuseConnectionString(const std::string& reason)
+{
+    // The string itself stays out of the text: it may hold a password.
+    throw DatabaseError(unspecifiedError, "连接字符串无效: " + reason);
+}
+
 ConnectionSettings parseConnectionString(std::string_view text)
 {
     if (text.find('\0') != std::string_view::npos)
-        refuse("含有空字符");
-    ConnectionSettings settings;
+        refuseConnectionString("含有空字符");
+    ConnectionSettings settings{std::string(text), {}};
     Reader reader(text);
     while (reader.atPair()) {
         const std::string key = reader.key();
         setValue(settings, mainName(key), reader.value());
     }
     if (settings.values.empty())
-        refuse("字符串为空");
-    chooseProvider(settings, text);
+        refuseConnectionString("字符串为空");
     return settings;
 }
 

@@ -6,14 +6,10 @@
 
 namespace selfreport {
 
-enum class DatabaseProvider { sqlite, odbc };
-
 /// The "key=value;" pairs of a connection string under their main names ("Data Source", "Initial Catalog",
 /// "User ID", "Password", "Integrated Security", "Connect Timeout", ...), in order of first appearance.
 struct ConnectionSettings {
-    DatabaseProvider provider = DatabaseProvider::odbc;
-    /// Not empty: the string names a driver or data source and goes to ODBC as it stands.
-    std::string odbcString;
+    std::string text; ///< as it was handed over; may hold a password
     std::vector<std::pair<std::string, std::string>> values;
 
     /// "" if the key is not there. The main name of the key is asked for.
@@ -22,8 +18,11 @@ struct ConnectionSettings {
 
 /// Reads a connection string: keys without regard to letter case and blanks around them; values bare or in
 /// apostrophes or quotes, a doubled quote inside standing for one; "==" in a key stands for "="; of equal
-/// keys the last one counts; synonyms are one key. "Driver=", "DSN=" and Provider=MSDASQL go to ODBC.
-/// @throws DatabaseError (unspecifiedError) if it is empty, malformed, or of a provider that we do not have
+/// keys the last one counts; synonyms are one key.
+/// @throws DatabaseError (unspecifiedError) if it is empty or malformed
 ConnectionSettings parseConnectionString(std::string_view text);
+
+/// @throws DatabaseError (unspecifiedError): why a connection string opens nothing
+[[noreturn]] void refuseConnectionString(const std::string& reason);
 
 } // namespace selfreport

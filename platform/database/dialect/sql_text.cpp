@@ -6,15 +6,10 @@ namespace selfreport {
 
 namespace {
 
-constexpr char asciiLower(char letter)
-{
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + ('a' - 'A')) : letter;
-}
-
 bool startsIdentifier(char letter)
 {
-    const char lower = asciiLower(letter);
-    return (lower >= 'a' && lower <= 'z') || letter == '_' || static_cast<unsigned char>(letter) >= 0x80;
+    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || letter == '_' ||
+           static_cast<unsigned char>(letter) >= 0x80;
 }
 
 } // namespace
@@ -37,11 +32,6 @@ bool isPlainIdentifier(std::string_view name)
         return false;
     return std::ranges::all_of(
         name, [](char letter) { return startsIdentifier(letter) || (letter >= '0' && letter <= '9'); });
-}
-
-bool sameName(std::string_view left, std::string_view right)
-{
-    return std::ranges::equal(left, right, {}, asciiLower, asciiLower);
 }
 
 } // namespace selfreport

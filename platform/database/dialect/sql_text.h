@@ -12,7 +12,4 @@ std::string sqlQuoted(std::string_view value);
 /// character beyond ASCII first, then also digits; 1 to 128 bytes.
 bool isPlainIdentifier(std::string_view name);
 
-/// Whether two names of tables, columns or keys are equal, ASCII letter case ignored.
-bool sameName(std::string_view left, std::string_view right);
-
 } // namespace selfreport

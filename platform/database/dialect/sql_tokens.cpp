@@ -1,6 +1,6 @@
 #include "platform/database/dialect/sql_tokens.h"
 
-#include "platform/database/dialect/sql_text.h"
+#include "platform/database/session/names.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,7 @@
 #include "platform/database/odbc/odbc_string.h"
 
 #include "platform/database/dialect/connection_string.h"
-#include "platform/database/dialect/sql_text.h"
-#include "platform/database/session/DatabaseError.h"
+#include "platform/database/session/names.h"
 
 #include <algorithm>
 #include <array>
@@ -18,11 +17,6 @@ namespace {
 // hold the program for ever.
 constexpr int transactionTimeout = 120;
 
-[[noreturn]] void refuse(const std::string& reason)
-{
-    throw DatabaseError(unspecifiedError, "连接字符串无效: " + reason);
-}
-
 bool isOneOf(std::string_view value, std::initializer_list<std::string_view> words)
 {
     return std::ranges::any_of(words, [&](std::string_view word) { return sameName(value, word); });
@@ -33,7 +27,7 @@ int wholeNumber(std::string_view key, std::string_view text)
     int number = 0;
     const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
     if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size() || number < 0)
-        refuse(std::string(key) + " 不是整数");
+        refuseConnectionString(std::string(key) + " 不是整数");
     return number;
 }
 
@@ -44,7 +38,7 @@ std::string quoted(std::string_view key, std::string_view value)
     if (plain)
         return std::string(value);
     if (value.find("};") != std::string_view::npos)
-        refuse(std::string(key) + " 的值无法传给驱动程序");
+        refuseConnectionString(std::string(key) + " 的值无法传给驱动程序");
     return "{" + std::string(value) + "}";
 }
 
@@ -64,11 +58,13 @@ private:
 /// "host", "host,port", "host\instance", each also with "tcp:" before it.
 void addServer(OdbcString& string, std::string_view server)
 {
-    if (server.size() >= 4 && sameName(server.substr(0, 4), "tcp:"))
+    if (server.empty())
+        refuseConnectionString("没有给出服务器");
+    if (beginsWithName(server, "tcp:"))
         server.remove_prefix(4);
     else if (const std::size_t colon = server.find(':');
              colon != std::string_view::npos && isOneOf(server.substr(0, colon), {"np", "lpc", "admin"}))
-        refuse("不支持的网络协议 " + std::string(server.substr(0, colon)));
+        refuseConnectionString("不支持的网络协议 " + std::string(server.substr(0, colon)));
     const std::size_t comma = std::min(server.find(','), server.size());
     std::string host(server.substr(0, comma));
     while (host.ends_with(' '))
@@ -83,7 +79,7 @@ void addServer(OdbcString& string, std::string_view server)
         port.remove_prefix(1);
     const int number = wholeNumber("端口", port);
     if (number < 1 || number > 65535)
-        refuse("端口超出范围");
+        refuseConnectionString("端口超出范围");
     string.add("Port", std::to_string(number));
 }
 
@@ -105,7 +101,44 @@ void addEncryption(OdbcString& string, const std::string& encrypt)
     else if (isOneOf(encrypt, {"false", "no", "optional"}))
         string.add("Encryption", "request"); // the login is still hidden if the server has a certificate
     else if (!encrypt.empty())
-        refuse("Encrypt");
+        refuseConnectionString("Encrypt");
+}
+
+struct Key {
+    std::string_view ours, drivers;
+};
+
+/// The ODBC string of the bridge provider: its own keys under their ODBC names, "Extended Properties" as they
+/// are.
+std::string bridgedString(const ConnectionSettings& settings)
+{
+    static constexpr std::array keys{
+        Key{"Data Source", "DSN"},
+        Key{"User ID", "UID"},
+        Key{"Password", "PWD"},
+        Key{"Initial Catalog", "DATABASE"},
+    };
+    std::string text;
+    for (const auto& [key, value] : settings.values) {
+        if (sameName(key, "Extended Properties"))
+            text += value + ";";
+        if (sameName(key, "Provider") || sameName(key, "Extended Properties"))
+            continue;
+        const auto known = std::ranges::find_if(keys, [&](const Key& k) { return sameName(k.ours, key); });
+        text +=
+            std::string(known == keys.end() ? std::string_view(key) : known->drivers) + "={" + value + "};";
+    }
+    return text;
+}
+
+/// The string of one who chose driver or data source; "" if that is left to us.
+std::string chosenString(const ConnectionSettings& settings)
+{
+    const std::string& provider = settings.value("Provider");
+    const bool namesDriver = !settings.value("Driver").empty() || !settings.value("DSN").empty();
+    if (namesDriver && provider.empty())
+        return settings.text;
+    return beginsWithName(provider, bridgeProvider) ? bridgedString(settings) : std::string();
 }
 
 } // namespace
@@ -117,14 +150,9 @@ OdbcTarget odbcTarget(const ConnectionSettings& settings)
         target.loginTimeout = std::max(1, wholeNumber("Connect Timeout", seconds)); // 0 would wait for ever
     if (const std::string& seconds = settings.value("Command Timeout"); !seconds.empty())
         target.queryTimeout = wholeNumber("Command Timeout", seconds);
-    if (!settings.odbcString.empty()) {
-        target.connectionString = settings.odbcString;
+    target.connectionString = chosenString(settings);
+    if (!target.connectionString.empty())
         return target;
-    }
-    struct Key {
-        const char* ours;
-        const char* drivers;
-    };
     static constexpr std::array keys{
         Key{"Initial Catalog", "Database"},
         Key{"Application Name", "APP"},

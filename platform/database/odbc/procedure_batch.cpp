@@ -1,6 +1,7 @@
 #include "platform/database/odbc/procedure_batch.h"
 
 #include "platform/database/dialect/sql_text.h"
+#include "platform/database/session/names.h"
 
 #include <utility>
 

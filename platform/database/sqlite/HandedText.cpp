@@ -1,7 +1,7 @@
 #include "platform/database/sqlite/HandedText.h"
 
-#include "platform/database/dialect/sql_text.h"
 #include "platform/database/session/DatabaseError.h"
+#include "platform/database/session/names.h"
 
 #include <algorithm>
 

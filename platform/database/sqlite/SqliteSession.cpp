@@ -1,7 +1,7 @@
 #include "platform/database/sqlite/SqliteSession.h"
 
-#include "platform/database/dialect/sql_text.h"
 #include "platform/database/session/DatabaseError.h"
+#include "platform/database/session/names.h"
 #include "platform/database/sqlite/binary_columns.h"
 #include "platform/database/sqlite/tsql_rewriter.h"
 

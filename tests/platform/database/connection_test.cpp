@@ -1,6 +1,5 @@
 #include "platform/database/Connection.h"
 
-#include "platform/database/dialect/sql_text.h"
 #include "platform/database/sqlite/binary_columns.h"
 #include "platform/database/sqlite/sqlite_failure.h"
 #include "tests/CommaLocale.h"
@@ -327,43 +326,6 @@ TEST(EmbeddedConnection, ListsDoNotReadBinaryColumns)
     EXPECT_GT(pagesRead(sql), 2000) << "each spills over a hundred pages or more";
     EXPECT_EQ(withoutBinaryColumns(database, "select fFileContent,fFileContent from tblCWSelfReport"),
               "select fFileContent,fFileContent from tblCWSelfReport");
-}
-
-TEST(ProcedureCall, LengthsCountInTheServersCodePage)
-{
-    struct Case {
-        const char* what;
-        std::string value;
-        bool fits;
-    };
-    const Case cases[] = {
-        {"ASCII", "0123456789", true},
-        {"one too many", "01234567890", false},
-        {"two bytes for a Chinese character", "一二三四五", true},
-        {"and a letter", "一二三四五a", false},
-        {"four bytes for a rare character", "𠀀𠀀ab", true},
-        {"rare and one more", "𠀀𠀀abc", false},
-        {"broken text", std::string(10, '\xFF'), true},
-        {"broken text too long", std::string(11, '\xFF'), false},
-    };
-    for (const Case& c : cases) {
-        ProcedureCall call{"sp_p", {}};
-        call.append("first", 5, "").append("fYear", 10, c.value);
-        const auto error = oversizedParameter(call);
-        EXPECT_EQ(!error, c.fits) << c.what;
-        if (error) {
-            EXPECT_NE(error->description.find("fYear"), std::string::npos);
-        }
-    }
-}
-
-TEST(SqlText, QuotesAndNames)
-{
-    EXPECT_EQ(sqlQuoted("O'Brien''s ＇’"), "O''Brien''''s ＇’");
-    for (const char* name : {"tblCustomer", "_x1", "客户表"})
-        EXPECT_TRUE(isPlainIdentifier(name)) << name;
-    for (const char* name : {"", "1a", "a b", "a;drop", "a'", "a.b", "[a]", "a-b"})
-        EXPECT_FALSE(isPlainIdentifier(name)) << name;
 }
 
 } // namespace

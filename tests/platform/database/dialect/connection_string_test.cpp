@@ -36,18 +36,14 @@ TEST(ConnectionString, ReadsKeysAndValues)
     };
     for (const Case& c : cases)
         EXPECT_EQ(parseConnectionString(c.text).value(c.key), c.value) << c.what;
-    EXPECT_EQ(parseConnectionString("Provider=SQLite;Data Source=x").provider, DatabaseProvider::sqlite);
-    EXPECT_EQ(parseConnectionString("Provider=SQLNCLI11;Server=x").provider, DatabaseProvider::odbc);
 }
 
-TEST(ConnectionString, RefusesWhatOpensNothing)
+TEST(ConnectionString, RefusesWhatIsMalformed)
 {
     const std::string withZero("server=h;pwd=a\0b", 16);
-    for (const std::string& text :
-         {std::string(), std::string("  ;; "), std::string("server"), std::string("=x;server=h"),
-          std::string("server=h;pwd='abc"), std::string("server=h;pwd='a'b"), std::string("Provider=SQLite"),
-          std::string("Provider=Jet;Data Source=x"), std::string("Provider=SQLOLEDB;uid=sa"),
-          std::string("Driver={x"), withZero}) {
+    for (const std::string& text : {std::string(), std::string("  ;; "), std::string("server"),
+                                    std::string("=x;server=h"), std::string("server=h;pwd='abc"),
+                                    std::string("server=h;pwd='a'b"), std::string("Driver={x"), withZero}) {
         try {
             parseConnectionString(text);
             ADD_FAILURE() << text;
