@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace selfreport {
 
@@ -56,10 +57,15 @@ std::string_view trimmed(std::string_view text)
     return text;
 }
 
+/// Reads the pairs of a string. ODBC quotes with braces and knows no other quotes; the other forms quote with
+/// apostrophes and quotes, and a brace is a letter like any other.
 class Reader {
 public:
-    explicit Reader(std::string_view text)
+    enum class Quotes { odbc, others };
+
+    Reader(std::string_view text, Quotes quotes)
         : m_rest(text)
+        , m_quotes(quotes)
     {
     }
 
@@ -93,9 +99,10 @@ public:
     {
         while (!m_rest.empty() && isBlank(m_rest.front()))
             take();
-        if (!m_rest.empty() && (m_rest.front() == '\'' || m_rest.front() == '"'))
+        const char first = m_rest.empty() ? ';' : m_rest.front();
+        if (m_quotes == Quotes::others && (first == '\'' || first == '"'))
             return quotedValue(take());
-        if (!m_rest.empty() && m_rest.front() == '{')
+        if (m_quotes == Quotes::odbc && first == '{')
             return bracedValue();
         const std::size_t end = std::min(m_rest.find(';'), m_rest.size());
         const std::string value(trimmed(m_rest.substr(0, end)));
@@ -128,7 +135,6 @@ private:
         return value;
     }
 
-    /// Braces are ODBC's own quotes; "Driver={...}" is where they are met.
     std::string bracedValue()
     {
         const std::size_t end = std::min(m_rest.find("};"), m_rest.size());
@@ -149,6 +155,7 @@ private:
     }
 
     std::string_view m_rest;
+    Quotes m_quotes;
 };
 
 void setValue(ConnectionSettings& settings, std::string_view key, std::string value)
@@ -159,6 +166,43 @@ void setValue(ConnectionSettings& settings, std::string_view key, std::string va
         settings.values.emplace_back(key, std::move(value));
     else
         found->second = std::move(value);
+}
+
+bool namesDriver(const ConnectionSettings& settings)
+{
+    return settings.value("Provider").empty() &&
+           (!settings.value("Driver").empty() || !settings.value("DSN").empty());
+}
+
+ConnectionSettings pairsOf(std::string_view text, Reader::Quotes quotes)
+{
+    ConnectionSettings settings{std::string(text), {}};
+    Reader reader(text, quotes);
+    while (reader.atPair()) {
+        const std::string key = reader.key();
+        setValue(settings, mainName(key), reader.value());
+    }
+    return settings;
+}
+
+std::optional<ConnectionSettings> triedPairs(std::string_view text, Reader::Quotes quotes)
+{
+    try {
+        return pairsOf(text, quotes);
+    } catch (const DatabaseError&) {
+        return std::nullopt;
+    }
+}
+
+/// True if the string is ODBC's own. Read in the other way it names a driver too, or cannot be read: what
+/// only looks like a driver may stand inside a quoted password.
+bool isOdbcString(std::string_view text)
+{
+    const auto odbc = triedPairs(text, Reader::Quotes::odbc);
+    const auto other = triedPairs(text, Reader::Quotes::others);
+    return odbc && other ? namesDriver(*odbc) && namesDriver(*other)
+           : odbc        ? namesDriver(*odbc)
+                         : other && namesDriver(*other);
 }
 
 } // namespace
@@ -181,12 +225,8 @@ ConnectionSettings parseConnectionString(std::string_view text)
 {
     if (text.find('\0') != std::string_view::npos)
         refuseConnectionString("含有空字符");
-    ConnectionSettings settings{std::string(text), {}};
-    Reader reader(text);
-    while (reader.atPair()) {
-        const std::string key = reader.key();
-        setValue(settings, mainName(key), reader.value());
-    }
+    ConnectionSettings settings =
+        pairsOf(text, isOdbcString(text) ? Reader::Quotes::odbc : Reader::Quotes::others);
     if (settings.values.empty())
         refuseConnectionString("字符串为空");
     return settings;

@@ -34,7 +34,7 @@ int wholeNumber(std::string_view key, std::string_view text)
 /// Braces keep separators and blanks; the driver takes a "}" inside as it is and ends at "};".
 std::string quoted(std::string_view key, std::string_view value)
 {
-    const bool plain = value.find_first_of(";{} =") == std::string_view::npos;
+    const bool plain = value.find_first_of(";{} =\t\r\n") == std::string_view::npos;
     if (plain)
         return std::string(value);
     if (value.find("};") != std::string_view::npos)
@@ -55,29 +55,71 @@ private:
     std::string m_text;
 };
 
-/// "host", "host,port", "host\instance", each also with "tcp:" before it.
-void addServer(OdbcString& string, std::string_view server)
+/// Where a server listens: a host, and a port or the name of an instance that the host is asked for.
+struct Server {
+    std::string_view host, instance, port;
+};
+
+std::string_view trimmed(std::string_view text)
 {
-    if (server.empty())
+    const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
+    return text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
+/// Takes what stands behind the first of the marks off the text.
+std::string_view takenBehind(std::string_view& text, char mark)
+{
+    const std::size_t at = text.find(mark);
+    if (at == std::string_view::npos)
+        return {};
+    const std::string_view behind = trimmed(text.substr(at + 1));
+    if (behind.empty())
+        refuseConnectionString("服务器的名称不完整");
+    text = trimmed(text.substr(0, at));
+    return behind;
+}
+
+std::string_view withoutProtocol(std::string_view server)
+{
+    const std::size_t colon = server.find(':');
+    const std::string_view protocol = trimmed(server.substr(0, colon));
+    if (colon == std::string_view::npos || !isOneOf(protocol, {"tcp", "np", "lpc", "admin"}))
+        return server;
+    if (!sameName(protocol, "tcp"))
+        refuseConnectionString("不支持的网络协议 " + std::string(protocol));
+    return trimmed(server.substr(colon + 1));
+}
+
+/// "host", "host,port", "host\instance", each also with "tcp:" before it; an address of version 6 bare or in
+/// brackets. A port makes the name of an instance idle, and the usual instance has none.
+Server serverOf(std::string_view text)
+{
+    Server server;
+    text = withoutProtocol(text);
+    server.port = takenBehind(text, ',');
+    server.instance = takenBehind(text, '\\');
+    if (text.starts_with('[') && text.ends_with(']'))
+        text = trimmed(text.substr(1, text.size() - 2));
+    else if (std::ranges::count(text, ':') == 1 && server.port.empty())
+        server.port = takenBehind(text, ':');
+    if (sameName(text, "(localdb)"))
+        refuseConnectionString("不支持 LocalDB");
+    server.host = isOneOf(text, {".", "(local)"}) ? "127.0.0.1" : text;
+    if (server.host.empty())
         refuseConnectionString("没有给出服务器");
-    if (beginsWithName(server, "tcp:"))
-        server.remove_prefix(4);
-    else if (const std::size_t colon = server.find(':');
-             colon != std::string_view::npos && isOneOf(server.substr(0, colon), {"np", "lpc", "admin"}))
-        refuseConnectionString("不支持的网络协议 " + std::string(server.substr(0, colon)));
-    const std::size_t comma = std::min(server.find(','), server.size());
-    std::string host(server.substr(0, comma));
-    while (host.ends_with(' '))
-        host.pop_back();
-    if (isOneOf(host, {".", "(local)"}))
-        host = "127.0.0.1";
-    string.add("Server", host);
-    if (comma == server.size())
+    if (!server.port.empty() || sameName(server.instance, "MSSQLSERVER"))
+        server.instance = {};
+    return server;
+}
+
+void addServer(OdbcString& string, std::string_view text)
+{
+    const Server server = serverOf(text);
+    string.add("Server", std::string(server.host) + (server.instance.empty() ? "" : "\\") +
+                             std::string(server.instance));
+    if (server.port.empty())
         return;
-    std::string_view port = server.substr(comma + 1);
-    while (port.starts_with(' '))
-        port.remove_prefix(1);
-    const int number = wholeNumber("端口", port);
+    const int number = wholeNumber("端口", server.port);
     if (number < 1 || number > 65535)
         refuseConnectionString("端口超出范围");
     string.add("Port", std::to_string(number));
@@ -147,7 +189,7 @@ OdbcTarget odbcTarget(const ConnectionSettings& settings)
 {
     OdbcTarget target;
     if (const std::string& seconds = settings.value("Connect Timeout"); !seconds.empty())
-        target.loginTimeout = std::max(1, wholeNumber("Connect Timeout", seconds)); // 0 would wait for ever
+        target.loginTimeout = wholeNumber("Connect Timeout", seconds);
     if (const std::string& seconds = settings.value("Command Timeout"); !seconds.empty())
         target.queryTimeout = wholeNumber("Command Timeout", seconds);
     target.connectionString = chosenString(settings);

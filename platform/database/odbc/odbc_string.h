@@ -12,7 +12,7 @@ inline constexpr std::string_view bridgeProvider = "MSDASQL";
 /// What is handed to the driver manager.
 struct OdbcTarget {
     std::string connectionString; ///< holds the password: never shown
-    int loginTimeout = 15;        ///< seconds, at least 1
+    int loginTimeout = 15;        ///< seconds for the whole opening; 0 for no limit
     int queryTimeout = 0;         ///< seconds; 0 for no limit
 };
 
