@@ -37,6 +37,8 @@ public:
     /// Opens "cw" through the driver. @param more  further "key=value;" pairs; of equal keys the last counts
     std::string connectionString(const std::string& more = "") const;
 
+    int port() const { return m_listener.port(); }
+
     /// Drops all connections that stand now, without a word.
     void dropConnections();
 

@@ -18,8 +18,8 @@ struct ConnectionSettings {
 
 /// Reads a connection string: keys without regard to letter case and blanks around them; values bare or in
 /// apostrophes or quotes, a doubled quote inside standing for one, braces standing for themselves; "==" in a
-/// key stands for "="; of equal keys the last one counts; synonyms are one key. Where a driver or a data source
-/// is named and no provider, the string is ODBC's own, and braces are the quotes.
+/// key stands for "="; of equal keys the last one counts; synonyms are one key. Where a driver or a data
+/// source is named and no provider, the string is ODBC's own, and braces are the quotes.
 /// @throws DatabaseError (unspecifiedError) if it is empty or malformed
 ConnectionSettings parseConnectionString(std::string_view text);
 

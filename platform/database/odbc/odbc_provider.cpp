@@ -2,7 +2,7 @@
 
 #include "platform/database/dialect/connection_string.h"
 #include "platform/database/odbc/odbc_string.h"
-#include "platform/database/odbc/OdbcSession.h"
+#include "platform/database/odbc/timed_opening.h"
 #include "platform/database/session/names.h"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ bool takes(const ConnectionSettings& settings)
 
 std::unique_ptr<Session> open(const ConnectionSettings& settings)
 {
-    return std::make_unique<OdbcSession>(odbcTarget(settings));
+    return openedInTime(odbcTarget(settings));
 }
 
 } // namespace
