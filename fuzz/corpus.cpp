@@ -6,7 +6,7 @@
 #include "spreadsheet/files/xls/xls_write.h"
 #include "spreadsheet/files/xlsx/Archive.h"
 #include "spreadsheet/files/xlsx/xlsx_write.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "tests/spreadsheet/files/sample_workbook.h"
 
 #include <cstdio>

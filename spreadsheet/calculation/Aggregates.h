@@ -1,6 +1,6 @@
 #pragma once
 #include "spreadsheet/calculation/stretches.h"
-#include "spreadsheet/values/summing.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 #include <limits>
 

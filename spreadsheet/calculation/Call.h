@@ -2,7 +2,7 @@
 #include "spreadsheet/calculation/Effort.h"
 #include "spreadsheet/calculation/stretches.h"
 #include "spreadsheet/formula/Operand.h"
-#include "spreadsheet/values/summing.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 #include <cmath>
 #include <optional>

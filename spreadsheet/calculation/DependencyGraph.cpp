@@ -1,8 +1,8 @@
 #include "spreadsheet/calculation/DependencyGraph.h"
 
 #include "spreadsheet/calculation/ComponentFinder.h"
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>

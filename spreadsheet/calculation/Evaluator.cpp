@@ -1,9 +1,9 @@
 #include "spreadsheet/calculation/Evaluator.h"
 
 #include "spreadsheet/calculation/operators.h"
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/formula/NameTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "spreadsheet/display/date_format.h"
 
-#include "spreadsheet/display/date_names.h"
 #include "spreadsheet/display/number_format_code.h"
+#include "spreadsheet/values/date_names.h"
 #include "spreadsheet/values/date_serial.h"
 #include "spreadsheet/values/numerals.h"
 

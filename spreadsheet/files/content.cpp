@@ -1,9 +1,9 @@
 #include "spreadsheet/files/content.h"
 
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/files/content_frame.h"
 #include "spreadsheet/files/stored_sheets.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/values/characters.h"
 #include "spreadsheet/workbook/sheet_name.h"
 #include "spreadsheet/workbook/Workbook.h"

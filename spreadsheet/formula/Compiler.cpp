@@ -1,8 +1,8 @@
 #include "spreadsheet/formula/Compiler.h"
 
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/formula/CustomFunctions.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/formula/NameTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/values/Array.h"
 #include "spreadsheet/values/case_fold.h"
 

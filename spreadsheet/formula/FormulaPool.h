@@ -1,8 +1,8 @@
 #pragma once
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/formula/CustomFunctions.h"
 #include "spreadsheet/formula/Formula.h"
 #include "spreadsheet/formula/Lexer.h"
+#include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/values/Refusal.h"
 
 #include <deque>

@@ -1,6 +1,6 @@
 #include "spreadsheet/functions/function_reference.h"
 
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 
 namespace spreadsheet {
 

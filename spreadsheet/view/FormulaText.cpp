@@ -1,7 +1,7 @@
 #include "spreadsheet/view/FormulaText.h"
 
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/values/characters.h"
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/Workbook.h"

@@ -1,7 +1,7 @@
 #include "spreadsheet/view/function_hints.h"
 
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/workbook/Workbook.h"
 

@@ -1,8 +1,8 @@
 #include "spreadsheet/workbook/UndoJournal.h"
 
 #include "spreadsheet/calculation/Recalculation.h"
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>

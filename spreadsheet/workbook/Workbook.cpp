@@ -1,8 +1,8 @@
 #include "spreadsheet/workbook/Workbook.h"
 
 #include "spreadsheet/calculation/Recalculation.h"
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/values/case_fold.h"
 #include "spreadsheet/workbook/sheet_name.h"
 #include "spreadsheet/workbook/SheetStructure.h"

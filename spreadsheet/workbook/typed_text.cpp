@@ -3,7 +3,7 @@
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/formula/CustomFunction.h"
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/values/case_fold.h"
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/Workbook.h"

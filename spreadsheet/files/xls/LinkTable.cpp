@@ -1,7 +1,7 @@
 #include "spreadsheet/files/xls/LinkTable.h"
 
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/files/xls/records.h"
+#include "spreadsheet/formula/NameTable.h"
 
 #include <algorithm>
 

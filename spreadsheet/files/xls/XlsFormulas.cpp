@@ -7,7 +7,7 @@
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/tokens.h"
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "spreadsheet/files/xls/defined_names.h"
 
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/files/xls/FormulaReader.h"
+#include "spreadsheet/formula/NameTable.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,5 @@
 #include "spreadsheet/files/xls/xls_write.h"
 
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/SharedTexts.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
@@ -9,6 +8,7 @@
 #include "spreadsheet/files/xls/SheetWriter.h"
 #include "spreadsheet/files/xls/tokens.h"
 #include "spreadsheet/files/xls/write_notes.h"
+#include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/workbook/sheet_name.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 
 #include "spreadsheet/files/xls/function_numbers.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 
 #include <algorithm>
 #include <array>

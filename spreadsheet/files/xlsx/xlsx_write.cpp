@@ -1,6 +1,5 @@
 #include "spreadsheet/files/xlsx/xlsx_write.h"
 
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/xlsx/ArchiveWriter.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
@@ -9,6 +8,7 @@
 #include "spreadsheet/files/xlsx/XlsxParts.h"
 #include "spreadsheet/files/xlsx/XlsxSheetWriter.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/workbook/sheet_name.h"
 #include "spreadsheet/workbook/Workbook.h"
 

@@ -1,6 +1,6 @@
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/aggregates/call_over_values.h"
 #include "spreadsheet/functions/database/database_criteria.h"
-#include "spreadsheet/functions/sums/summary.h"
+#include "spreadsheet/functions/FunctionTable.h"
 
 namespace spreadsheet {
 

@@ -1,8 +1,8 @@
 #include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/formula/FunctionTable.h"
-#include "spreadsheet/functions/dates/clock.h"
 #include "spreadsheet/functions/dates/day_counts.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/plain_arguments.h"
+#include "spreadsheet/values/clock.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
-#include "spreadsheet/formula/FunctionTable.h"
 #include "spreadsheet/functions/finance/root_search.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/plain_arguments.h"
 
 #include <algorithm>

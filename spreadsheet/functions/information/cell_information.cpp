@@ -1,6 +1,6 @@
 #include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/formula/FunctionTable.h"
 #include "spreadsheet/formula/ReferenceSlot.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/information/cell_format_code.h"
 #include "spreadsheet/workbook/Workbook.h"
 

@@ -1,5 +1,5 @@
 #include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 
 namespace spreadsheet {
 

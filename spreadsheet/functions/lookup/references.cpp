@@ -2,8 +2,8 @@
 
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/calculation/Evaluator.h"
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/formula/ReferenceSlot.h"
 #include "spreadsheet/values/number_text.h"
 

@@ -1,9 +1,9 @@
 #include "spreadsheet/calculation/operators.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/aggregates/aggregates.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/math/randomness.h"
 #include "spreadsheet/functions/number_calls.h"
 #include "spreadsheet/functions/plain_arguments.h"
-#include "spreadsheet/functions/sums/sums.h"
 
 #include <algorithm>
 #include <numbers>

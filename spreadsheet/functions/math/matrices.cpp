@@ -1,4 +1,4 @@
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/number_calls.h"
 
 #include <limits>

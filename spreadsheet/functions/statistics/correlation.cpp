@@ -1,5 +1,5 @@
 // Functions of two lists of numbers that belong together: correlation and the line through the points.
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/statistics/samples.h"
 #include "spreadsheet/functions/statistics/spread.h"
 

@@ -1,7 +1,7 @@
 #include "spreadsheet/functions/statistics/least_squares.h"
 
 #include "spreadsheet/functions/statistics/spread.h"
-#include "spreadsheet/values/summing.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // Tests of hypotheses about samples.
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/functions/statistics/distributions.h"
 #include "spreadsheet/functions/statistics/samples.h"
 #include "spreadsheet/functions/statistics/spread.h"

@@ -1,8 +1,8 @@
 // How far numbers lie apart, and the means other than the plain one.
 #include "spreadsheet/functions/statistics/spread.h"
 
-#include "spreadsheet/formula/FunctionTable.h"
-#include "spreadsheet/functions/sums/all_values.h"
+#include "spreadsheet/functions/aggregates/values_as_numbers.h"
+#include "spreadsheet/functions/FunctionTable.h"
 
 namespace spreadsheet {
 

@@ -1,7 +1,7 @@
 // Averages, counts and extremes, plain and under conditions.
-#include "spreadsheet/formula/FunctionTable.h"
-#include "spreadsheet/functions/sums/all_values.h"
-#include "spreadsheet/functions/sums/sums.h"
+#include "spreadsheet/functions/aggregates/aggregates.h"
+#include "spreadsheet/functions/aggregates/values_as_numbers.h"
+#include "spreadsheet/functions/FunctionTable.h"
 
 #include <algorithm>
 

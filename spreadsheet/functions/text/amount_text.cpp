@@ -2,7 +2,7 @@
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/display/number_format.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/values/decimal.h"
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/values/numerals.h"

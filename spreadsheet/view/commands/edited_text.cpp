@@ -2,7 +2,7 @@
 
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 

@@ -1,7 +1,7 @@
 #pragma once
-#include "spreadsheet/cells/NameTable.h"
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <filesystem>

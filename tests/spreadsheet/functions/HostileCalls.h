@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "tests/spreadsheet/functions/FormulaSheet.h"
 
 #include <cctype>

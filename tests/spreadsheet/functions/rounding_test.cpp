@@ -1,7 +1,7 @@
 // Rounding means the decimal that a number shows. The functions are held against long division and long
 // multiplication on the texts of 15 digits.
 #include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/formula/FunctionTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/values/decimal.h"
 #include "tests/spreadsheet/functions/FormulaSheet.h"
 

@@ -1,6 +1,6 @@
-#include "spreadsheet/functions/sums/conditions.h"
+#include "spreadsheet/functions/aggregates/conditions.h"
 
-#include "spreadsheet/functions/sums/condition_index.h"
+#include "spreadsheet/functions/aggregates/condition_index.h"
 
 #include <array>
 

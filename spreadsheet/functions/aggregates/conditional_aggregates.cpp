@@ -1,6 +1,6 @@
 #include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/functions/sums/conditions.h"
-#include "spreadsheet/functions/sums/sums.h"
+#include "spreadsheet/functions/aggregates/aggregates.h"
+#include "spreadsheet/functions/aggregates/conditions.h"
 
 namespace spreadsheet {
 

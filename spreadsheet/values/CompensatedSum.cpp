@@ -1,4 +1,4 @@
-#include "spreadsheet/values/summing.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 #include <cstring>
 

@@ -1,7 +1,7 @@
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/FunctionTable.h"
-#include "spreadsheet/functions/sums/summary.h"
-#include "spreadsheet/functions/sums/sums.h"
+#include "spreadsheet/functions/aggregates/aggregates.h"
+#include "spreadsheet/functions/aggregates/call_over_values.h"
+#include "spreadsheet/functions/FunctionTable.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "spreadsheet/functions/sums/sums.h"
+#include "spreadsheet/functions/aggregates/aggregates.h"
 
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/calculation/LookupIndexes.h"

@@ -1,6 +1,6 @@
 #include "tests/spreadsheet/functions/FormulaSheet.h"
 
-#include "spreadsheet/values/summing.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 #include <random>
 

@@ -1,4 +1,4 @@
-#include "spreadsheet/functions/sums/condition_index.h"
+#include "spreadsheet/functions/aggregates/condition_index.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 #include "spreadsheet/calculation/LookupIndexes.h"
-#include "spreadsheet/functions/sums/conditions.h"
+#include "spreadsheet/functions/aggregates/conditions.h"
 
 #include <optional>
 #include <vector>

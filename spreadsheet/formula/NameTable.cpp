@@ -1,4 +1,4 @@
-#include "spreadsheet/cells/NameTable.h"
+#include "spreadsheet/formula/NameTable.h"
 
 #include "spreadsheet/values/case_fold.h"
 #include "spreadsheet/values/CellAddress.h"

@@ -1,4 +1,4 @@
-#include "spreadsheet/functions/dates/clock.h"
+#include "spreadsheet/values/clock.h"
 
 #include "spreadsheet/values/date_serial.h"
 

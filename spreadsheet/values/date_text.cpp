@@ -1,6 +1,6 @@
 #include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/display/date_names.h"
-#include "spreadsheet/functions/dates/clock.h"
+#include "spreadsheet/values/clock.h"
+#include "spreadsheet/values/date_names.h"
 #include "spreadsheet/values/date_serial.h"
 #include "spreadsheet/values/number_text.h"
 
