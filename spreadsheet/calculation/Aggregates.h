@@ -10,7 +10,7 @@ namespace spreadsheet {
 
 /// Sum and count of the numbers; ends at the first error.
 struct Total {
-    RunningSum sum;
+    CompensatedSum sum;
     std::size_t count = 0;
     std::optional<CellError> error;
 

@@ -1,6 +1,7 @@
 #include "spreadsheet/calculation/BlockEvaluator.h"
 
 #include "spreadsheet/calculation/operators.h"
+#include "spreadsheet/values/cancellation.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
@@ -71,34 +72,6 @@ bool numbersOrEmpty(const ValueKind* kinds, int count)
 constexpr std::array<double, BlockEvaluator::blockRows> zeros{};
 
 } // namespace
-
-bool BlockEvaluator::canTake(const Formula& formula)
-{
-    if (formula.isArrayFormula || formula.stackDepth > 16)
-        return false;
-    for (const Instruction& instruction : formula.code) {
-        switch (instruction.op) {
-        case Op::number:
-        case Op::add:
-        case Op::subtract:
-        case Op::multiply:
-        case Op::divide:
-        case Op::negate:
-        case Op::percent:
-            break;
-        case Op::reference: {
-            const ReferenceSlot& slot = formula.slots[static_cast<std::size_t>(instruction.index)];
-            if (slot.shape != ReferenceSlot::Shape::cell || slot.firstSheet != slot.lastSheet)
-                return false;
-            break;
-        }
-        default:
-            return false;
-        }
-    }
-    // A lone reference hands texts on, which only the stack machine does; it finds out in time.
-    return !formula.code.empty();
-}
 
 void BlockEvaluator::begin(const Formula& formula, int sheet, int column)
 {

@@ -23,8 +23,6 @@ public:
     {
     }
 
-    static bool canTake(const Formula& formula);
-
     /// Makes ready for the cells of one column that hold `formula`.
     void begin(const Formula& formula, int sheet, int column);
     /// Computes `count` (at most blockRows) rows from `firstRow` on. Null if the stack machine must.

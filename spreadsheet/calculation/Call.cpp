@@ -1,8 +1,10 @@
 #include "spreadsheet/calculation/Call.h"
 
-#include "spreadsheet/values/date_serial.h"
+#include "spreadsheet/formula/FunctionDescriptor.h"
 
+#include <exception>
 #include <limits>
+#include <new>
 
 namespace spreadsheet {
 
@@ -59,7 +61,7 @@ double Call::number(std::size_t argument)
 
 Value Call::numberOf(const Value& value) const
 {
-    return toNumber(value, m_place.workbook);
+    return toNumber(value, m_place.workbook.countsFrom1904());
 }
 
 double Call::number(std::size_t argument, double otherwise)
@@ -155,6 +157,19 @@ Value Call::element(std::size_t argument, int row, int column) const
         return cellValue(m_place.workbook, area.sheet, {area.cells.left + column, area.cells.top + row});
     }
     return operand.isArray() ? operand.array().at(row, column) : value(argument);
+}
+
+Operand answer(const FunctionDescriptor& function, Call& call)
+{
+    try {
+        return function.evaluate(call);
+    } catch (const std::bad_alloc&) {
+        return CellError::value;
+    } catch (const std::exception&) {
+        constexpr double searched = 2e6; // what the numeric library gives up took it milliseconds
+        call.pay(searched);
+        return CellError::num;
+    }
 }
 
 Value cellValue(const Workbook& workbook, int sheet, CellAddress cell)

@@ -2,7 +2,7 @@
 #include "spreadsheet/calculation/Effort.h"
 #include "spreadsheet/calculation/stretches.h"
 #include "spreadsheet/formula/Operand.h"
-#include "spreadsheet/values/CompensatedSum.h"
+#include "spreadsheet/values/coercion.h"
 
 #include <cmath>
 #include <optional>
@@ -13,6 +13,7 @@
 
 namespace spreadsheet {
 
+struct FunctionDescriptor;
 class LookupIndexes;
 
 /// Where a formula is evaluated.
@@ -118,30 +119,9 @@ private:
     std::optional<CellError> m_error;
 };
 
-// Coercion, one rule for operators and functions.
-
-/// A value as a number: empty 0, truth values 1 and 0, a text that reads as a number, percentage, date
-/// or time counts as it; any other text is #VALUE!.
-Value toNumber(const Value& value);
-/// The same with dates in texts in the workbook's own count of days; #VALUE! before its first day.
-Value toNumber(const Value& value, const Workbook& workbook);
-/// A value as text: numbers in general form, TRUE and FALSE; errors stay errors.
-Value toText(const Value& value);
-/// A value as truth value: numbers other than 0, the texts "TRUE" and "FALSE".
-Value toBoolean(const Value& value);
-
-/// A text as a figure: plain or grouped digits, currency sign, brackets for minus, percentage; nothing if it
-/// reads as none of them.
-std::optional<double> figureOfText(std::string_view text);
-/// A text as a number: a figure, a fraction, date or time.
-std::optional<double> numberOfText(std::string_view text);
-
-/// The number that a value is where ranges are summed: a number, or a text that counts as one.
-std::optional<double> countedNumber(const Value& value);
-
-/// Less than 0, 0 or more than 0, in the order numbers, texts (letter case ignored), FALSE, TRUE.
-/// Numbers are equal but for noise in the last binary places. Empty equals 0, "" and FALSE. Not for errors.
-int compareValues(const Value& a, const Value& b);
+/// What a call comes to, evaluated here and nowhere else: #NUM! where something in it throws, #VALUE!
+/// where memory does not suffice. What else is no std::exception, such as a cancellation, goes on.
+Operand answer(const FunctionDescriptor& function, Call& call);
 
 /// One cell of a workbook; nothing there reads as empty.
 Value cellValue(const Workbook& workbook, int sheet, CellAddress cell);
@@ -149,14 +129,6 @@ Value cellValue(const Workbook& workbook, int sheet, CellAddress cell);
 /// The used part of an area: what lies beyond the sheet's last stored row and column is cut off. Where
 /// nothing is left, the bottom lies above the top.
 CellRange usedPart(const Workbook& workbook, const Area& area);
-
-/// A number of day and time that a text names ("2026-12-31", "2026/12/31 8:30", "12/31/2026",
-/// "31-Dec-2026", "12:30:15", "2026年12月31日"); nothing if it names none. Two digits of a year count
-/// from 1930 to 2029.
-std::optional<double> parseDateTime(std::string_view text);
-
-/// Letter case and full or half width folded, character by character, for comparing texts.
-std::string foldedText(std::string_view text);
 
 /// A number as a result: #NUM! if it is infinite or none.
 inline Operand checked(double number)

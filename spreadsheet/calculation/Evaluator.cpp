@@ -2,8 +2,9 @@
 
 #include "spreadsheet/calculation/operators.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/FunctionDescriptor.h"
 #include "spreadsheet/formula/NameTable.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/values/coercion.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
@@ -52,7 +53,7 @@ std::size_t costOfTexts(std::span<const Operand> arguments)
 /// What a call comes to; an array that it makes counts against what its cell may spend.
 Operand answered(const FunctionDescriptor& function, Call& call)
 {
-    Operand result = function.answer(call);
+    Operand result = answer(function, call);
     const bool affordable =
         !result.isArray() || call.place().spend(elementsOf(result.array().rows(), result.array().columns()));
     return affordable ? result : Operand(CellError::value);
@@ -222,7 +223,7 @@ int Evaluator::branch(const Formula& formula, const Instruction& instruction, in
         push(std::move(condition));
         return instruction.other;
     }
-    const Value number = toNumber(taken, m_workbook);
+    const Value number = toNumber(taken, m_workbook.countsFrom1904());
     if (number.isNumber() && number.number() >= 1 && number.number() < instruction.count + 1)
         return formula.code[static_cast<std::size_t>(position + static_cast<int>(number.number()))].index;
     push(number.isError() ? number : Value(CellError::value));

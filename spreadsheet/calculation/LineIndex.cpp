@@ -1,6 +1,7 @@
 #include "spreadsheet/calculation/LineIndex.h"
 
 #include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/values/folding.h"
 
 #include <bit>
 

@@ -1,6 +1,7 @@
 #include "spreadsheet/calculation/criteria.h"
 
 #include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/values/folding.h"
 
 #include <array>
 
@@ -90,7 +91,7 @@ void Criterion::readOperand(std::string_view operand, bool hasOperator, const Wo
         m_kind = hasOperator ? Kind::empty : Kind::emptyOrText;
         return;
     }
-    if (const Value number = toNumber(Value::text(operand), workbook); number.isNumber()) {
+    if (const Value number = toNumber(Value::text(operand), workbook.countsFrom1904()); number.isNumber()) {
         m_number = number.number();
         return;
     }

@@ -1,6 +1,7 @@
 #include "spreadsheet/calculation/operators.h"
 
 #include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/values/cancellation.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
@@ -96,8 +97,8 @@ Value applyOperator(Op op, const Value& left, const Value& right, const Workbook
         return concatenation(left, right);
     if (op >= Op::equal)
         return comparison(op, left, right);
-    const Value a = toNumber(left, workbook);
-    const Value b = toNumber(right, workbook);
+    const Value a = toNumber(left, workbook.countsFrom1904());
+    const Value b = toNumber(right, workbook.countsFrom1904());
     if (a.isError())
         return a;
     return b.isError() ? b : arithmetic(op, a.number(), b.number());
@@ -107,7 +108,7 @@ Value applySign(Op op, const Value& value, const Workbook& workbook)
 {
     if (op == Op::plus)
         return value;
-    Value number = toNumber(value, workbook);
+    Value number = toNumber(value, workbook.countsFrom1904());
     if (number.isError())
         return number;
     return op == Op::negate ? Value(-number.number()) : Value(number.number() / 100);

@@ -3,27 +3,10 @@
 #include "spreadsheet/formula/Operand.h"
 #include "spreadsheet/values/Value.h"
 
-#include <cmath>
-
 namespace spreadsheet {
 
 struct EvaluationPlace;
 class Workbook;
-
-/// Differences this small beside their operands are rounding noise of the last binary places and
-/// count as zero, so that 0.5 - 0.4 - 0.1 is 0.
-inline constexpr double cancellation = 0x1p-50;
-
-inline double cancelled(double result, double operand)
-{
-    return std::fabs(result) < std::fabs(operand) * cancellation ? 0.0 : result;
-}
-
-/// Equal but for noise in the last binary places: 0.1 + 0.2 equals 0.3.
-inline bool sameNumber(double a, double b)
-{
-    return a == b || cancelled(a - b, a) == 0.0;
-}
 
 /// +, -, *, / or ^ on numbers; #NUM! beyond what a number can be.
 Value arithmetic(Op op, double a, double b);

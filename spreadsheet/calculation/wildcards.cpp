@@ -1,6 +1,7 @@
 #include "spreadsheet/calculation/wildcards.h"
 
 #include "spreadsheet/values/characters.h"
+#include "spreadsheet/values/folding.h"
 
 #include <algorithm>
 

@@ -20,11 +20,4 @@ std::string displayText(const Value& value, const CellStyle& style, bool from190
 /// A number format code changes only what is seen and printed.
 std::string textByType(const Value& value, const CellStyle& style, bool from1904 = false);
 
-/// A number in at most 15 significant digits, as cells without a number type show it; with an exponent
-/// from 1E+21 on and where a number below 1 would take more than 20 characters.
-std::string generalNumberText(double number);
-
-/// `decimals` (0 to 15) places after the point, rounded half away from zero on the decimal digits.
-std::string fixedNumberText(double number, int decimals, bool grouped = false);
-
 } // namespace spreadsheet

@@ -1,10 +1,11 @@
 #include "spreadsheet/display/number_format.h"
 
-#include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/display/date_format.h"
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/display/number_format_code.h"
+#include "spreadsheet/values/coercion.h"
 #include "spreadsheet/values/decimal.h"
+#include "spreadsheet/values/decimal_text.h"
 #include "spreadsheet/values/numerals.h"
 
 #include <algorithm>

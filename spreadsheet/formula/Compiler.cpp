@@ -1,8 +1,6 @@
 #include "spreadsheet/formula/Compiler.h"
 
-#include "spreadsheet/formula/CustomFunctions.h"
-#include "spreadsheet/formula/NameTable.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/formula/Vocabulary.h"
 #include "spreadsheet/values/Array.h"
 #include "spreadsheet/values/case_fold.h"
 
@@ -61,10 +59,9 @@ struct Frame {
 
 class Compiler {
 public:
-    Compiler(LexedFormula& lexed, NameTable& names, CustomFunctions& customs, bool asArray, Formula& formula)
+    Compiler(LexedFormula& lexed, Vocabulary& vocabulary, bool asArray, Formula& formula)
         : m_lexed(lexed)
-        , m_names(names)
-        , m_customs(customs)
+        , m_vocabulary(vocabulary)
         , m_formula(formula)
     {
         m_formula.isArrayFormula = asArray;
@@ -200,7 +197,7 @@ private:
             return push(Op::boolean, folded == "TRUE");
         if (!NameTable::isValid(token().text))
             return fail("名称写法不对");
-        push(Op::name, keep(m_formula.names, m_names.number(token().text)));
+        push(Op::name, keep(m_formula.names, m_vocabulary.names.number(token().text)));
     }
 
     void sign()
@@ -288,9 +285,9 @@ private:
         Frame opened;
         opened.isCall = true;
         opened.isCorner = m_operators.size() > frame().operators && m_operators.back().op == Op::range;
-        opened.function = findFunction(token().text);
+        opened.function = m_vocabulary.findFunction(token().text);
         if (!opened.function)
-            opened.custom = m_customs.number(token().text);
+            opened.custom = m_vocabulary.customs.number(token().text);
         openFrame(std::move(opened));
     }
 
@@ -548,8 +545,7 @@ private:
     }
 
     LexedFormula& m_lexed;
-    NameTable& m_names;
-    CustomFunctions& m_customs;
+    Vocabulary& m_vocabulary;
     Formula& m_formula;
     std::vector<Frame> m_frames;
     std::vector<PendingOperator> m_operators;
@@ -562,10 +558,9 @@ private:
 
 } // namespace
 
-Refusal compileFormula(LexedFormula& lexed, NameTable& names, CustomFunctions& customs, bool asArray,
-                       Formula& formula)
+Refusal compileFormula(LexedFormula& lexed, Vocabulary& vocabulary, bool asArray, Formula& formula)
 {
-    return Compiler(lexed, names, customs, asArray, formula).run();
+    return Compiler(lexed, vocabulary, asArray, formula).run();
 }
 
 } // namespace spreadsheet

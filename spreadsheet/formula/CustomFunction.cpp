@@ -1,7 +1,6 @@
 #include "spreadsheet/formula/CustomFunction.h"
 
-#include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/display/display_text.h"
+#include "spreadsheet/values/coercion.h"
 #include "spreadsheet/values/number_text.h"
 
 #include <cmath>
@@ -54,7 +53,7 @@ std::string FunctionCall::parameterText(int number) const
 {
     if (parameterStatus(number) != ParameterStatus::usable)
         return {};
-    return displayText(*parameter(number), CellStyle{});
+    return std::string(toText(*parameter(number)).textView());
 }
 
 std::int64_t FunctionCall::parameterInteger(int number) const
@@ -69,37 +68,6 @@ void FunctionCall::setResult(std::string_view text)
         m_result = Value(Text::countedAs(text, *number));
     else
         m_result = Value::text(text);
-}
-
-std::optional<double> numberOfGroupedText(std::string_view text)
-{
-    text = trimmedBlanks(text);
-    if (text.find(',') == std::string_view::npos)
-        return parseNumber(text);
-    std::string plain;
-    std::size_t group = 0; // digits since the last comma
-    bool grouped = false;
-    bool whole = true; // before the point
-    for (const char c : text) {
-        const bool digit = c >= '0' && c <= '9';
-        if (c == ',') {
-            if (!whole || group == 0 || group > 3 || (grouped && group != 3))
-                return std::nullopt;
-            grouped = true;
-            group = 0;
-            continue;
-        }
-        if (whole && !digit && c != '-' && c != '+') {
-            if (grouped && group != 3)
-                return std::nullopt;
-            whole = false;
-        }
-        group += digit;
-        plain += c;
-    }
-    if (whole && grouped && group != 3)
-        return std::nullopt;
-    return parseNumber(plain);
 }
 
 } // namespace spreadsheet

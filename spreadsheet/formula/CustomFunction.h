@@ -98,7 +98,4 @@ using PrepareHook = std::function<void(std::span<PreparedCall>)>;
 /// Asked again and again while a recalculation runs; true stops it.
 using PauseHook = std::function<bool()>;
 
-/// A text that wholly reads as a number, with or without grouping commas ("-1,234.50"), as that number.
-std::optional<double> numberOfGroupedText(std::string_view text);
-
 } // namespace spreadsheet

@@ -1,9 +1,41 @@
 #include "spreadsheet/formula/FormulaPool.h"
 
-#include "spreadsheet/calculation/BlockEvaluator.h"
 #include "spreadsheet/formula/Compiler.h"
 
 namespace spreadsheet {
+
+namespace {
+
+/// Made of numbers, single cells and arithmetic only.
+bool isBlockwise(const Formula& formula)
+{
+    if (formula.isArrayFormula || formula.stackDepth > 16)
+        return false;
+    for (const Instruction& instruction : formula.code) {
+        switch (instruction.op) {
+        case Op::number:
+        case Op::add:
+        case Op::subtract:
+        case Op::multiply:
+        case Op::divide:
+        case Op::negate:
+        case Op::percent:
+            break;
+        case Op::reference: {
+            const ReferenceSlot& slot = formula.slots[static_cast<std::size_t>(instruction.index)];
+            if (slot.shape != ReferenceSlot::Shape::cell || slot.firstSheet != slot.lastSheet)
+                return false;
+            break;
+        }
+        default:
+            return false;
+        }
+    }
+    // A lone reference hands texts on, which only the stack machine does; it finds out in time.
+    return !formula.code.empty();
+}
+
+} // namespace
 
 std::string FormulaPool::key(const std::vector<std::string>& pieces, const std::vector<ReferenceSlot>& slots,
                              bool asArray)
@@ -31,14 +63,14 @@ std::variant<std::uint32_t, Refusal> FormulaPool::intern(std::string_view text, 
     if (const auto known = m_byKey.find(formulaKey); known != m_byKey.end())
         return known->second;
     Formula formula;
-    if (auto problem = compileFormula(lexed, m_names, m_customs, asArray, formula))
+    if (auto problem = compileFormula(lexed, m_vocabulary, asArray, formula))
         return problem;
     return add(std::move(formulaKey), std::move(formula));
 }
 
 std::uint32_t FormulaPool::add(std::string key, Formula formula)
 {
-    formula.blockwise = BlockEvaluator::canTake(formula);
+    formula.blockwise = isBlockwise(formula);
     m_formulas.push_back(std::move(formula));
     const auto number = static_cast<std::uint32_t>(m_formulas.size());
     m_byKey.emplace(std::move(key), number);

@@ -1,8 +1,7 @@
 #pragma once
-#include "spreadsheet/formula/CustomFunctions.h"
 #include "spreadsheet/formula/Formula.h"
 #include "spreadsheet/formula/Lexer.h"
-#include "spreadsheet/formula/NameTable.h"
+#include "spreadsheet/formula/Vocabulary.h"
 #include "spreadsheet/values/Refusal.h"
 
 #include <deque>
@@ -20,8 +19,9 @@ inline constexpr std::size_t maxFormulaText = 32'768;
 /// All formulas of a workbook in relative form, each once. Numbers count from 1; 0 means no formula.
 class FormulaPool {
 public:
-    explicit FormulaPool(NameTable& names)
-        : m_names(names)
+    /// @param findFunction  the functions of the language
+    explicit FormulaPool(FunctionFinder findFunction)
+        : m_vocabulary{findFunction, {}, {}}
     {
     }
 
@@ -38,9 +38,10 @@ public:
     /// Spells the prefix of every reference to a sheet anew. Numbers stay.
     void respellSheet(int sheetId, const std::function<std::string(int)>& nameOfId);
 
-    CustomFunctions& customs() { return m_customs; }
-    const CustomFunctions& customs() const { return m_customs; }
-    const NameTable& names() const { return m_names; }
+    CustomFunctions& customs() { return m_vocabulary.customs; }
+    const CustomFunctions& customs() const { return m_vocabulary.customs; }
+    NameTable& names() { return m_vocabulary.names; }
+    const NameTable& names() const { return m_vocabulary.names; }
     std::size_t bytes() const;
 
 private:
@@ -48,8 +49,7 @@ private:
                            bool asArray);
     std::uint32_t add(std::string key, Formula formula);
 
-    NameTable& m_names;
-    CustomFunctions m_customs;
+    Vocabulary m_vocabulary;
     std::deque<Formula> m_formulas; ///< a deque: references stay good
     std::unordered_map<std::string, std::uint32_t> m_byKey;
 };

@@ -1,6 +1,7 @@
 #include "spreadsheet/formula/Lexer.h"
 
 #include "spreadsheet/values/CellError.h"
+#include "spreadsheet/values/folding.h"
 
 #include <algorithm>
 #include <array>

@@ -1,37 +1,11 @@
 #include "spreadsheet/functions/FunctionTable.h"
 
-#include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/functions/function_families.h"
 
 #include <algorithm>
-#include <array>
-#include <exception>
-#include <new>
 #include <vector>
 
 namespace spreadsheet {
-
-char FunctionDescriptor::kind(std::size_t argument) const
-{
-    if (argument < kinds.size())
-        return kinds[argument];
-    if (kinds.empty())
-        return 'v'; // takes none; the compiler asks before it counts them
-    const auto step = static_cast<std::size_t>(repeat);
-    return kinds[kinds.size() - step + (argument - kinds.size()) % step];
-}
-
-Operand FunctionDescriptor::answer(Call& call) const
-{
-    try {
-        return evaluate(call);
-    } catch (const std::bad_alloc&) {
-        return CellError::value;
-    } catch (const std::exception&) {
-        constexpr double searched = 2e6; // what the numeric library gives up took it milliseconds
-        call.pay(searched);
-        return CellError::num;
-    }
-}
 
 namespace {
 
@@ -108,13 +82,6 @@ const FunctionDescriptor* findFunction(std::string_view name)
 std::span<const FunctionDescriptor* const> allFunctions()
 {
     return sortedFunctions();
-}
-
-std::string_view familyName(FunctionFamily family)
-{
-    static constexpr std::array<std::string_view, 10> names{
-        "财务", "日期与时间", "数学与三角", "统计", "查找与引用", "数据库", "文本", "逻辑", "信息", "工程"};
-    return names[static_cast<std::size_t>(family)];
 }
 
 } // namespace spreadsheet

@@ -14,7 +14,7 @@ constexpr std::size_t step = laneWidth * chains;
 
 } // namespace
 
-void RunningSum::add(std::span<const double> numbers)
+void CompensatedSum::add(std::span<const double> numbers)
 {
     std::size_t at = 0;
     if (numbers.size() >= 4 * step) {
@@ -43,7 +43,7 @@ void RunningSum::add(std::span<const double> numbers)
 
 double compensatedSum(std::span<const double> numbers)
 {
-    RunningSum sum;
+    CompensatedSum sum;
     sum.add(numbers);
     return sum.total();
 }

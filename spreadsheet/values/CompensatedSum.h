@@ -6,7 +6,7 @@ namespace spreadsheet {
 
 /// A sum with what rounding lost on the way (two-sum after Knuth), so that amounts which cancel each
 /// other end in 0.
-class RunningSum {
+class CompensatedSum {
 public:
     void add(double number)
     {
@@ -17,12 +17,12 @@ public:
     }
     /// Long spans go through several lanes at once.
     void add(std::span<const double> numbers);
-    void add(const RunningSum& other)
+    void add(const CompensatedSum& other)
     {
         add(other.m_sum);
         m_error += other.m_error;
     }
-    void takeOff(const RunningSum& other)
+    void takeOff(const CompensatedSum& other)
     {
         add(-other.m_sum);
         m_error -= other.m_error;

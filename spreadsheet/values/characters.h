@@ -29,10 +29,4 @@ char32_t characterOfByte(unsigned char code);
 /// The code of a character in that code page; that of "?" if it has none.
 unsigned char byteOfCharacter(char32_t c);
 
-/// One letter case and one width; see foldedText.
-char32_t foldedCharacter(char32_t c);
-char32_t upperCharacter(char32_t c);
-char32_t lowerCharacter(char32_t c);
-bool isLetter(char32_t c);
-
 } // namespace spreadsheet

@@ -1,9 +1,11 @@
-#include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/calculation/operators.h"
-#include "spreadsheet/display/display_text.h"
+#include "spreadsheet/values/coercion.h"
+
+#include "spreadsheet/values/cancellation.h"
 #include "spreadsheet/values/date_serial.h"
+#include "spreadsheet/values/date_text.h"
+#include "spreadsheet/values/decimal_text.h"
+#include "spreadsheet/values/folding.h"
 #include "spreadsheet/values/number_text.h"
-#include "spreadsheet/workbook/Workbook.h"
 
 #include <array>
 
@@ -136,10 +138,10 @@ Value toNumber(const Value& value)
     }
 }
 
-Value toNumber(const Value& value, const Workbook& workbook)
+Value toNumber(const Value& value, bool from1904)
 {
     Value number = toNumber(value);
-    const bool mayBeDate = workbook.countsFrom1904() && value.isText() && number.isNumber();
+    const bool mayBeDate = from1904 && value.isText() && number.isNumber();
     if (!mayBeDate || number.number() < 1 || parseDateTime(value.textView()) != number.number())
         return number; // a time of day alone is the same in both counts
     const double serial = number.number() - daysFrom1900To1904;

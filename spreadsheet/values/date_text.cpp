@@ -1,10 +1,12 @@
-#include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/values/date_text.h"
+
 #include "spreadsheet/values/clock.h"
 #include "spreadsheet/values/date_names.h"
 #include "spreadsheet/values/date_serial.h"
 #include "spreadsheet/values/number_text.h"
 
 #include <cmath>
+#include <utility>
 
 namespace spreadsheet {
 

@@ -1,4 +1,5 @@
-#include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/values/folding.h"
+
 #include "spreadsheet/values/characters.h"
 
 #include <array>

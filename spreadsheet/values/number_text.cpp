@@ -36,4 +36,35 @@ std::optional<double> parseNumber(std::string_view text)
     return number;
 }
 
+std::optional<double> numberOfGroupedText(std::string_view text)
+{
+    text = trimmedBlanks(text);
+    if (text.find(',') == std::string_view::npos)
+        return parseNumber(text);
+    std::string plain;
+    std::size_t group = 0; // digits since the last comma
+    bool grouped = false;
+    bool whole = true; // before the point
+    for (const char c : text) {
+        const bool digit = c >= '0' && c <= '9';
+        if (c == ',') {
+            if (!whole || group == 0 || group > 3 || (grouped && group != 3))
+                return std::nullopt;
+            grouped = true;
+            group = 0;
+            continue;
+        }
+        if (whole && !digit && c != '-' && c != '+') {
+            if (grouped && group != 3)
+                return std::nullopt;
+            whole = false;
+        }
+        group += digit;
+        plain += c;
+    }
+    if (whole && grouped && group != 3)
+        return std::nullopt;
+    return parseNumber(plain);
+}
+
 } // namespace spreadsheet

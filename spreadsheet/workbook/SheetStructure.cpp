@@ -411,7 +411,7 @@ void SheetStructure::breakReferences(int sheetId)
 
 void SheetStructure::rewriteEachName(const std::function<std::uint32_t(std::uint32_t)>& rewritten)
 {
-    NameTable& names = *m_workbook.m_names;
+    NameTable& names = m_workbook.formulas().names();
     for (int name = 0; name < names.size(); ++name) {
         const std::uint32_t formula = names[name].formula;
         const std::uint32_t changed = formula == 0 ? 0 : rewritten(formula);

@@ -314,7 +314,7 @@ void UndoJournal::noteDifference(int sheetId, int column, const Column& before, 
 
 void UndoJournal::exchangeNames(std::vector<std::uint32_t>& former)
 {
-    NameTable& names = *m_workbook.m_names;
+    NameTable& names = m_workbook.formulas().names();
     former.resize(static_cast<std::size_t>(names.size()), 0);
     for (int name = 0; name < names.size(); ++name) {
         const std::uint32_t present = names[name].formula;

@@ -2,7 +2,7 @@
 
 #include "spreadsheet/calculation/Recalculation.h"
 #include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/NameTable.h"
+#include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/values/case_fold.h"
 #include "spreadsheet/workbook/sheet_name.h"
 #include "spreadsheet/workbook/SheetStructure.h"
@@ -19,8 +19,9 @@ namespace {
 constexpr std::size_t maxNameUses = 4096;
 
 /// True if a name leads back to itself or stands for more than maxNameUses others.
-bool namesTooDeep(const NameTable& names, const FormulaPool& pool)
+bool namesTooDeep(const FormulaPool& pool)
 {
+    const NameTable& names = pool.names();
     for (int start = 0; start < names.size(); ++start) {
         std::vector<int> open{start};
         for (std::size_t uses = 0; !open.empty(); ++uses) {
@@ -38,15 +39,19 @@ bool namesTooDeep(const NameTable& names, const FormulaPool& pool)
 } // namespace
 
 Workbook::Workbook()
-    : m_names(std::make_unique<NameTable>())
+    : m_formulas(std::make_unique<FormulaPool>(findFunction))
 {
-    m_formulas = std::make_unique<FormulaPool>(*m_names);
     m_recalculation = std::make_unique<Recalculation>(*this);
     m_journal = std::make_unique<UndoJournal>(*this);
     m_sheets.push_back(std::make_shared<Sheet>(*this, m_nextSheetId++, "Sheet1"));
 }
 
 Workbook::~Workbook() = default;
+
+const NameTable& Workbook::names() const
+{
+    return m_formulas->names();
+}
 
 Sheet& Workbook::sheet(int index)
 {
@@ -187,7 +192,7 @@ Refusal Workbook::defineName(std::string_view name, std::string_view formula)
     if (!NameTable::isValid(name))
         return Refusal("名称写法不对");
     const UndoStep step(*this, "定义名称");
-    const int number = m_names->number(name);
+    const int number = m_formulas->names().number(name);
     std::uint32_t meaning = 0;
     if (formula.starts_with('='))
         formula.remove_prefix(1);
@@ -201,11 +206,11 @@ Refusal Workbook::defineName(std::string_view name, std::string_view formula)
             return *problem;
         meaning = std::get<std::uint32_t>(parsed);
     }
-    const std::uint32_t former = (*m_names)[number].formula;
+    const std::uint32_t former = m_formulas->names()[number].formula;
     m_journal->keepNames();
-    m_names->define(number, meaning);
-    if (namesTooDeep(*m_names, *m_formulas)) {
-        m_names->define(number, former);
+    m_formulas->names().define(number, meaning);
+    if (namesTooDeep(*m_formulas)) {
+        m_formulas->names().define(number, former);
         return Refusal("名称引用了自己,或嵌套得太多");
     }
     m_recalculation->noteNames();
@@ -263,7 +268,6 @@ void Workbook::replaceContent(Workbook&& fresh)
     m_styles = std::move(fresh.m_styles);
     m_texts = std::move(fresh.m_texts);
     m_formulas = std::move(fresh.m_formulas);
-    m_names = std::move(fresh.m_names);
     m_activeSheet = fresh.m_activeSheet;
     m_countsFrom1904 = fresh.m_countsFrom1904;
     m_nextSheetId = fresh.m_nextSheetId;

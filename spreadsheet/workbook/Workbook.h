@@ -59,7 +59,7 @@ public:
     TextPool& texts() { return m_texts; }
     FormulaPool& formulas() { return *m_formulas; }
     const FormulaPool& formulas() const { return *m_formulas; }
-    const NameTable& names() const { return *m_names; }
+    const NameTable& names() const;
     /// Defines or replaces a name ("税率" for "Sheet1!$B$1"); an empty formula takes it away.
     Refusal defineName(std::string_view name, std::string_view formula);
 
@@ -128,7 +128,6 @@ private:
     StylePool m_styles;
     TextPool m_texts;
     std::unique_ptr<FormulaPool> m_formulas;
-    std::unique_ptr<NameTable> m_names;
     std::unique_ptr<Recalculation> m_recalculation;
     std::unique_ptr<UndoJournal> m_journal;
     int m_activeSheet = 1;

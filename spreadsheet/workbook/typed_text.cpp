@@ -1,10 +1,9 @@
 #include "spreadsheet/workbook/typed_text.h"
 
-#include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/formula/CustomFunction.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/values/case_fold.h"
+#include "spreadsheet/values/date_text.h"
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 

@@ -2,6 +2,7 @@
 
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/calculation/LookupIndexes.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 namespace spreadsheet {
 
@@ -138,7 +139,7 @@ Operand product(Call& call)
 
 Operand sumOfSquares(Call& call)
 {
-    RunningSum squares;
+    CompensatedSum squares;
     for (std::size_t argument = 0; argument < call.count(); ++argument)
         call.eachNumber(argument, [&](double number) { squares.add(number * number); });
     return call.failed() ? call.error() : checked(squares.total());
@@ -152,7 +153,7 @@ Operand sumProduct(Call& call)
     constexpr int piece = CellBlock::maxCells;
     double products[piece];
     double factors[piece];
-    RunningSum total;
+    CompensatedSum total;
     for (int column = 0; column < shape->columns(); ++column) {
         for (int row = 0; row < shape->rows(); row += piece) {
             const auto count = static_cast<std::size_t>(std::min(piece, shape->rows() - row));

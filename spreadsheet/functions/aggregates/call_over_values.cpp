@@ -4,8 +4,8 @@
 
 namespace spreadsheet {
 
-Operand summaryOf(const EvaluationPlace& place, std::string_view function, const std::vector<Value>& values,
-                  const std::optional<Operand>& rank)
+Operand calledOver(const EvaluationPlace& place, std::string_view function, const std::vector<Value>& values,
+                   const std::optional<Operand>& rank)
 {
     const FunctionDescriptor* descriptor = findFunction(function);
     if (!descriptor)
@@ -17,7 +17,7 @@ Operand summaryOf(const EvaluationPlace& place, std::string_view function, const
     if (rank)
         arguments.push_back(*rank);
     Call call(place, arguments);
-    return descriptor->answer(call);
+    return answer(*descriptor, call);
 }
 
 } // namespace spreadsheet

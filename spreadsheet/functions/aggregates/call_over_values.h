@@ -8,7 +8,7 @@ namespace spreadsheet {
 
 /// What a function of the table gives for a list of values, as if they stood in a range; `rank` is its
 /// second argument if it takes one.
-Operand summaryOf(const EvaluationPlace& place, std::string_view function, const std::vector<Value>& values,
-                  const std::optional<Operand>& rank = std::nullopt);
+Operand calledOver(const EvaluationPlace& place, std::string_view function, const std::vector<Value>& values,
+                   const std::optional<Operand>& rank = std::nullopt);
 
 } // namespace spreadsheet

@@ -117,7 +117,7 @@ Operand subtotal(Call& call)
         call, 1, call.count(), {.hiddenRows = !withHidden, .errors = false, .ownCalls = true});
     if (call.failed())
         return call.error();
-    return summaryOf(call.place(), summaries[static_cast<std::size_t>(operation - 1)], values);
+    return calledOver(call.place(), summaries[static_cast<std::size_t>(operation - 1)], values);
 }
 
 Operand aggregate(Call& call)
@@ -138,7 +138,7 @@ Operand aggregate(Call& call)
     if (call.failed())
         return call.error();
     const std::optional<Operand> rank = ranked ? std::optional<Operand>(call.value(3)) : std::nullopt;
-    return summaryOf(call.place(), summaries[static_cast<std::size_t>(code - 1)], values, rank);
+    return calledOver(call.place(), summaries[static_cast<std::size_t>(code - 1)], values, rank);
 }
 
 } // namespace spreadsheet

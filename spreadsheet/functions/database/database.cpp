@@ -1,6 +1,6 @@
 #include "spreadsheet/functions/aggregates/call_over_values.h"
 #include "spreadsheet/functions/database/database_criteria.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 
 namespace spreadsheet {
 
@@ -31,7 +31,7 @@ template <const char* function>
 Operand overChosen(Call& call)
 {
     const std::vector<Value> values = chosenValues(call);
-    return call.failed() ? call.error() : summaryOf(call.place(), function, values);
+    return call.failed() ? call.error() : calledOver(call.place(), function, values);
 }
 
 /// Without a field the records themselves are counted.

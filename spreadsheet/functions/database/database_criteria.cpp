@@ -2,6 +2,8 @@
 
 #include "spreadsheet/calculation/Evaluator.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/values/coercion.h"
+#include "spreadsheet/values/folding.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 namespace spreadsheet {

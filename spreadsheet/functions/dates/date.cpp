@@ -1,8 +1,9 @@
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/functions/dates/day_counts.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
 #include "spreadsheet/values/clock.h"
+#include "spreadsheet/values/date_text.h"
 
 #include <algorithm>
 

@@ -1,6 +1,7 @@
 #include "spreadsheet/functions/dates/day_counts.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
+#include "spreadsheet/values/folding.h"
 
 #include <algorithm>
 

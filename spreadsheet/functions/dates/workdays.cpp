@@ -1,5 +1,5 @@
 #include "spreadsheet/functions/dates/day_counts.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
 
 #include <algorithm>

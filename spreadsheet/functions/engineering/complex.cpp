@@ -1,5 +1,5 @@
 #include "spreadsheet/functions/engineering/complex_text.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
 
 namespace spreadsheet {

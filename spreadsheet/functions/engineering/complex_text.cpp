@@ -1,6 +1,7 @@
 #include "spreadsheet/functions/engineering/complex_text.h"
 
 #include "spreadsheet/display/display_text.h"
+#include "spreadsheet/values/decimal_text.h"
 #include "spreadsheet/values/number_text.h"
 
 namespace spreadsheet {

@@ -1,4 +1,4 @@
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "spreadsheet/functions/finance/coupon_periods.h"
 #include "spreadsheet/functions/finance/root_search.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
 
 namespace spreadsheet {

@@ -1,6 +1,7 @@
 #include "spreadsheet/functions/finance/root_search.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 #include <algorithm>
 
@@ -11,7 +12,7 @@ namespace {
 /// What cash flows one period apart are worth one period before the first of them.
 double worthBefore(std::span<const double> flows, double rate)
 {
-    RunningSum sum;
+    CompensatedSum sum;
     double discount = 1;
     for (const double flow : flows) {
         discount /= 1 + rate;
@@ -92,7 +93,7 @@ struct DatedFlows {
 
     double worth(double rate) const
     {
-        RunningSum sum;
+        CompensatedSum sum;
         for (std::size_t i = 0; i < days.size(); ++i)
             sum.add(amounts[i] * std::pow(1 + rate, (days.front() - days[i]) / 365.0));
         return sum.total();

@@ -1,7 +1,8 @@
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/formula/ReferenceSlot.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/information/cell_format_code.h"
+#include "spreadsheet/values/folding.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 #include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 
 namespace spreadsheet {
 

@@ -1,6 +1,6 @@
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/calculation/operators.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 
 namespace spreadsheet {
 

@@ -2,7 +2,7 @@
 // array formulas they fill the range that they are given; elsewhere their first element counts.
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/calculation/operators.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/math/randomness.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // XLOOKUP and XMATCH: lookups that search from either end and take the next smaller or larger value.
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/calculation/wildcards.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/lookup/line_search.h"
 
 namespace spreadsheet {

@@ -2,6 +2,8 @@
 
 #include "spreadsheet/calculation/LookupIndexes.h"
 #include "spreadsheet/calculation/wildcards.h"
+#include "spreadsheet/values/coercion.h"
+#include "spreadsheet/values/folding.h"
 
 namespace spreadsheet {
 

@@ -1,6 +1,6 @@
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/calculation/operators.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/lookup/line_search.h"
 #include "spreadsheet/functions/lookup/references.h"
 

@@ -1,9 +1,10 @@
 #include "spreadsheet/calculation/operators.h"
 #include "spreadsheet/functions/aggregates/aggregates.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/math/randomness.h"
 #include "spreadsheet/functions/number_calls.h"
 #include "spreadsheet/functions/plain_arguments.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 #include <algorithm>
 #include <numbers>
@@ -63,7 +64,7 @@ Operand powerSeries(Call& call)
     const std::vector<double> coefficients = plainNumbers(call, 3);
     if (call.failed())
         return call.error();
-    RunningSum sum;
+    CompensatedSum sum;
     double power = first;
     for (const double coefficient : coefficients) {
         sum.add(coefficient * std::pow(x, power));
@@ -93,7 +94,7 @@ Operand pairedSum(Call& call)
         return CellError::na;
     const CellAddress first = usedExtent(call, 0);
     const CellAddress second = usedExtent(call, 1);
-    RunningSum sum;
+    CompensatedSum sum;
     for (int row = 0; row < std::min(first.row, second.row); ++row) {
         for (int column = 0; column < std::min(first.column, second.column); ++column) {
             const Value left = call.element(0, row, column);

@@ -1,5 +1,6 @@
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/number_calls.h"
+#include "spreadsheet/values/coercion.h"
 
 #include <limits>
 #include <utility>

@@ -1,5 +1,5 @@
 // Distributions of x from 0 up, Student's t, and their quantiles.
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
 #include "spreadsheet/functions/statistics/distributions.h"
 

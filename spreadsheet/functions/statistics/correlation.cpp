@@ -1,7 +1,8 @@
 // Functions of two lists of numbers that belong together: correlation and the line through the points.
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/statistics/samples.h"
 #include "spreadsheet/functions/statistics/spread.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 namespace spreadsheet {
 
@@ -93,8 +94,8 @@ Operand probability(Call& call)
     const double to = call.given(3) ? call.number(3) : from;
     if (call.failed())
         return call.error();
-    RunningSum within;
-    RunningSum all;
+    CompensatedSum within;
+    CompensatedSum all;
     for (std::size_t i = 0; i < sample.first.size(); ++i) {
         const double share = sample.second[i];
         if (share < 0 || share > 1)

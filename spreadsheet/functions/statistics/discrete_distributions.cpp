@@ -1,5 +1,5 @@
 // Distributions of whole numbers. Arguments that count something are cut off to whole numbers.
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
 #include "spreadsheet/functions/statistics/distributions.h"
 

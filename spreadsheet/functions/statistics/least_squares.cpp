@@ -14,7 +14,7 @@ using Columns = std::vector<std::vector<double>>;
 
 double dotProduct(const std::vector<double>& a, const std::vector<double>& b)
 {
-    RunningSum sum;
+    CompensatedSum sum;
     for (std::size_t i = 0; i < a.size(); ++i)
         sum.add(a[i] * b[i]);
     return sum.total();
@@ -118,7 +118,7 @@ private:
 
 double LeastSquares::at(std::span<const double> x) const
 {
-    RunningSum height;
+    CompensatedSum height;
     height.add(intercept);
     for (std::size_t i = 0; i < slopes.size(); ++i)
         height.add(slopes[i] * x[i]);

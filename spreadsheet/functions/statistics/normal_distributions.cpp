@@ -1,5 +1,5 @@
 // The normal and log-normal distribution and what is made of them.
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/number_calls.h"
 #include "spreadsheet/functions/plain_arguments.h"
 #include "spreadsheet/functions/statistics/distributions.h"

@@ -1,6 +1,6 @@
 // Places of numbers in their order: medians, ranks, percentiles, frequencies.
 #include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/statistics/spread.h"
 
 #include <algorithm>

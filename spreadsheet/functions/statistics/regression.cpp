@@ -1,7 +1,7 @@
 // LINEST, LOGEST, TREND and GROWTH.
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/calculation/operators.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/statistics/least_squares.h"
 
 namespace spreadsheet {

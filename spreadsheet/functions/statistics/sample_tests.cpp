@@ -1,8 +1,9 @@
 // Tests of hypotheses about samples.
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/statistics/distributions.h"
 #include "spreadsheet/functions/statistics/samples.h"
 #include "spreadsheet/functions/statistics/spread.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 namespace spreadsheet {
 
@@ -27,7 +28,7 @@ Operand chiSquaredTest(Call& call)
         return call.error();
     if (rows * columns < 2 || sample.first.empty())
         return CellError::na;
-    RunningSum chiSquared;
+    CompensatedSum chiSquared;
     for (std::size_t i = 0; i < sample.first.size(); ++i) {
         const double expected = sample.second[i];
         if (expected == 0)

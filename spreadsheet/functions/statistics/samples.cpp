@@ -1,6 +1,8 @@
 #include "spreadsheet/functions/statistics/samples.h"
 
 #include "spreadsheet/functions/statistics/spread.h"
+#include "spreadsheet/values/coercion.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 namespace spreadsheet {
 
@@ -20,7 +22,7 @@ double PairedSample::crossDeviations() const
 {
     const double meanOfFirst = meanOf(first);
     const double meanOfSecond = meanOf(second);
-    RunningSum products;
+    CompensatedSum products;
     for (std::size_t i = 0; i < first.size(); ++i)
         products.add((first[i] - meanOfFirst) * (second[i] - meanOfSecond));
     return products.total();

@@ -2,7 +2,8 @@
 #include "spreadsheet/functions/statistics/spread.h"
 
 #include "spreadsheet/functions/aggregates/values_as_numbers.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 namespace spreadsheet {
 
@@ -14,7 +15,7 @@ double meanOf(std::span<const double> numbers)
 double squaredDeviations(std::span<const double> numbers)
 {
     const double mean = meanOf(numbers);
-    RunningSum squares;
+    CompensatedSum squares;
     for (const double number : numbers)
         squares.add((number - mean) * (number - mean));
     return squares.total();
@@ -64,7 +65,7 @@ Operand ofSome(Call& call)
 Operand averageDistance(const std::vector<double>& numbers)
 {
     const double mean = meanOf(numbers);
-    RunningSum distances;
+    CompensatedSum distances;
     for (const double number : numbers)
         distances.add(std::fabs(number - mean));
     return checked(distances.total() / static_cast<double>(numbers.size()));
@@ -77,7 +78,7 @@ Operand deviationSquares(const std::vector<double>& numbers)
 
 Operand geometricMean(const std::vector<double>& numbers)
 {
-    RunningSum logarithms;
+    CompensatedSum logarithms;
     for (const double number : numbers) {
         if (number <= 0)
             return CellError::num;
@@ -88,7 +89,7 @@ Operand geometricMean(const std::vector<double>& numbers)
 
 Operand harmonicMean(const std::vector<double>& numbers)
 {
-    RunningSum reciprocals;
+    CompensatedSum reciprocals;
     for (const double number : numbers) {
         if (number <= 0)
             return CellError::num;
@@ -101,7 +102,7 @@ Operand harmonicMean(const std::vector<double>& numbers)
 double standardizedSum(std::span<const double> numbers, double deviation, int power)
 {
     const double mean = meanOf(numbers);
-    RunningSum sum;
+    CompensatedSum sum;
     for (const double number : numbers)
         sum.add(std::pow((number - mean) / deviation, power));
     return sum.total();

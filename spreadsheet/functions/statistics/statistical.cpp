@@ -1,7 +1,9 @@
 // Averages, counts and extremes, plain and under conditions.
 #include "spreadsheet/functions/aggregates/aggregates.h"
 #include "spreadsheet/functions/aggregates/values_as_numbers.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
+#include "spreadsheet/values/coercion.h"
+#include "spreadsheet/values/CompensatedSum.h"
 
 #include <algorithm>
 

@@ -2,8 +2,9 @@
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/display/number_format.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/values/decimal.h"
+#include "spreadsheet/values/decimal_text.h"
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/values/numerals.h"
 

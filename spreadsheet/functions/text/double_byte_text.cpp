@@ -1,7 +1,7 @@
 // LENB, LEFTB and their kind, and the change between full and half width.
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/calculation/wildcards.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/text/double_bytes.h"
 
 namespace spreadsheet {

@@ -1,10 +1,11 @@
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/calculation/wildcards.h"
 #include "spreadsheet/display/number_format.h"
-#include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/text/double_bytes.h"
 #include "spreadsheet/values/characters.h"
 #include "spreadsheet/values/decimal.h"
+#include "spreadsheet/values/folding.h"
 
 #include <algorithm>
 

@@ -1,6 +1,7 @@
 #include "spreadsheet/view/commands/HtmlScanner.h"
 
 #include "spreadsheet/values/characters.h"
+#include "spreadsheet/values/folding.h"
 #include "spreadsheet/view/commands/html_look.h"
 
 #include <algorithm>

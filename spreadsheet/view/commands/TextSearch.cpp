@@ -1,6 +1,7 @@
 #include "spreadsheet/view/commands/TextSearch.h"
 
 #include "spreadsheet/values/characters.h"
+#include "spreadsheet/values/folding.h"
 
 #include <algorithm>
 #include <cstring>

@@ -3,6 +3,7 @@
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/values/decimal_text.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 

@@ -1,6 +1,7 @@
 #pragma once
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/values/decimal.h"
+#include "spreadsheet/values/decimal_text.h"
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 

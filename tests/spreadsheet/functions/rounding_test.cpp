@@ -3,6 +3,7 @@
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/values/decimal.h"
+#include "spreadsheet/values/decimal_text.h"
 #include "tests/spreadsheet/functions/FormulaSheet.h"
 
 #include <algorithm>

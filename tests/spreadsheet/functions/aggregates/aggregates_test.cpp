@@ -71,7 +71,7 @@ TEST(Sums, CompensationKeepsWhatCancels)
     std::shuffle(numbers.begin(), numbers.end(), random);
     numbers.push_back(0.25);
     EXPECT_EQ(compensatedSum(numbers), 0.25);
-    RunningSum oneByOne;
+    CompensatedSum oneByOne;
     for (const double number : numbers)
         oneByOne.add(number);
     EXPECT_EQ(oneByOne.total(), 0.25);
