@@ -1,8 +1,8 @@
 #include "spreadsheet/calculation/BlockEvaluator.h"
 
 #include "spreadsheet/calculation/operators.h"
+#include "spreadsheet/cells/Book.h"
 #include "spreadsheet/values/cancellation.h"
-#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 #include <cfloat>
@@ -80,10 +80,10 @@ void BlockEvaluator::begin(const Formula& formula, int sheet, int column)
     for (const ReferenceSlot& slot : formula.slots) {
         Input input;
         const int at = slot.left.at(column);
-        const int index = slot.firstSheet == 0 ? sheet : m_workbook.sheetIndexOfId(slot.firstSheet);
+        const int index = slot.firstSheet == 0 ? sheet : m_book.sheetIndexOfId(slot.firstSheet);
         input.broken = at < 1 || at > maxColumns || index == 0;
         if (!input.broken)
-            input.column = m_workbook.sheet(index).column(at);
+            input.column = m_book.sheet(index).column(at);
         input.row = slot.top;
         m_inputs.push_back(input);
     }

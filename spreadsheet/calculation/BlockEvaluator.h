@@ -9,7 +9,7 @@
 namespace spreadsheet {
 
 class Column;
-class Workbook;
+struct Book;
 
 /// Runs formulas made of numbers, references to single cells and arithmetic over many rows at once,
 /// straight on the dense arrays. Whatever it cannot do exactly as the stack machine does (texts, truth
@@ -18,8 +18,8 @@ class BlockEvaluator {
 public:
     static constexpr int blockRows = 512;
 
-    explicit BlockEvaluator(Workbook& workbook)
-        : m_workbook(workbook)
+    explicit BlockEvaluator(const Book& book)
+        : m_book(book)
     {
     }
 
@@ -47,7 +47,7 @@ private:
     bool operate(Op op, Lane& left, const Lane& right, double* result, int count);
     double* buffer(std::size_t depth) { return m_buffers[depth]->data(); }
 
-    Workbook& m_workbook;
+    const Book& m_book;
     const Formula* m_formula = nullptr;
     std::vector<Input> m_inputs;
     std::vector<std::unique_ptr<std::array<double, blockRows>>> m_buffers;

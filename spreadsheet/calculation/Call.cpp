@@ -22,7 +22,7 @@ Value intersection(const EvaluationPlace& place, const Area& area)
     const bool crossing = cells.columns() == 1 || cells.rows() == 1;
     if (!crossing || !cells.contains(cell))
         return CellError::value;
-    return cellValue(place.workbook, area.sheet, cell);
+    return cellValue(place.book, area.sheet, cell);
 }
 
 } // namespace
@@ -61,7 +61,7 @@ double Call::number(std::size_t argument)
 
 Value Call::numberOf(const Value& value) const
 {
-    return toNumber(value, m_place.workbook.countsFrom1904());
+    return toNumber(value, m_place.book.countsFrom1904);
 }
 
 double Call::number(std::size_t argument, double otherwise)
@@ -154,7 +154,7 @@ Value Call::element(std::size_t argument, int row, int column) const
     const Operand& operand = m_arguments[argument];
     if (operand.isArea()) {
         const Area& area = operand.area();
-        return cellValue(m_place.workbook, area.sheet, {area.cells.left + column, area.cells.top + row});
+        return cellValue(m_place.book, area.sheet, {area.cells.left + column, area.cells.top + row});
     }
     return operand.isArray() ? operand.array().at(row, column) : value(argument);
 }
@@ -172,16 +172,16 @@ Operand answer(const FunctionDescriptor& function, Call& call)
     }
 }
 
-Value cellValue(const Workbook& workbook, int sheet, CellAddress cell)
+Value cellValue(const Book& book, int sheet, CellAddress cell)
 {
-    const Sheet& cells = workbook.sheet(sheet);
+    const BookSheet& cells = book.sheet(sheet);
     const Column* column = cell.column <= cells.storedColumns() ? cells.column(cell.column) : nullptr;
     return column ? column->value(cell.row) : Value();
 }
 
-CellRange usedPart(const Workbook& workbook, const Area& area)
+CellRange usedPart(const Book& book, const Area& area)
 {
-    const Sheet& sheet = workbook.sheet(area.sheet);
+    const BookSheet& sheet = book.sheet(area.sheet);
     CellRange used = area.cells;
     used.right = std::min(used.right, sheet.storedColumns());
     int last = 0;

@@ -18,7 +18,7 @@ class LookupIndexes;
 
 /// Where a formula is evaluated.
 struct EvaluationPlace {
-    Workbook& workbook;
+    const Book& book;
     int sheet = 1; ///< index from 1
     CellAddress cell;
     LookupIndexes* indexes = nullptr; ///< of this recalculation; null outside of one
@@ -123,12 +123,12 @@ private:
 /// where memory does not suffice. What else is no std::exception, such as a cancellation, goes on.
 Operand answer(const FunctionDescriptor& function, Call& call);
 
-/// One cell of a workbook; nothing there reads as empty.
-Value cellValue(const Workbook& workbook, int sheet, CellAddress cell);
+/// One cell of a book; nothing there reads as empty.
+Value cellValue(const Book& book, int sheet, CellAddress cell);
 
 /// The used part of an area: what lies beyond the sheet's last stored row and column is cut off. Where
 /// nothing is left, the bottom lies above the top.
-CellRange usedPart(const Workbook& workbook, const Area& area);
+CellRange usedPart(const Book& book, const Area& area);
 
 /// A number as a result: #NUM! if it is infinite or none.
 inline Operand checked(double number)
@@ -152,9 +152,9 @@ void Call::eachStretch(std::size_t argument, Use&& use) const
 {
     const Operand& operand = m_arguments[argument];
     if (operand.isArea())
-        return forEachStretch(m_place.workbook, operand.area(), use);
+        return forEachStretch(m_place.book, operand.area(), use);
     for (const Area& area : operand.areas())
-        forEachStretch(m_place.workbook, area, use);
+        forEachStretch(m_place.book, area, use);
 }
 
 template <typename Use>
@@ -216,10 +216,10 @@ void Call::eachValue(std::size_t argument, Use&& use) const
 {
     const Operand& operand = m_arguments[argument];
     for (const Area& area : operand.areas()) {
-        const CellRange used = usedPart(m_place.workbook, area);
+        const CellRange used = usedPart(m_place.book, area);
         for (int row = used.top; row <= used.bottom; ++row) {
             for (int column = used.left; column <= used.right; ++column)
-                use(cellValue(m_place.workbook, area.sheet, {column, row}));
+                use(cellValue(m_place.book, area.sheet, {column, row}));
         }
     }
     if (operand.isArray()) {

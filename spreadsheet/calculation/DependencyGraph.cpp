@@ -1,9 +1,9 @@
 #include "spreadsheet/calculation/DependencyGraph.h"
 
 #include "spreadsheet/calculation/ComponentFinder.h"
+#include "spreadsheet/cells/Book.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/formula/NameTable.h"
-#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 
@@ -16,44 +16,44 @@ constexpr int wideReading = 16;
 
 } // namespace
 
-void DependencyGraph::build(const Workbook& workbook)
+void DependencyGraph::build(const Book& book)
 {
     m_runs.clear();
     m_components.clear();
     m_readings.clear();
     m_firstReading.clear();
     m_sheets.clear();
-    collectRuns(workbook);
-    collectReadings(workbook);
+    collectRuns(book);
+    collectReadings(book);
     buildIndexes();
     ComponentFinder(*this).run();
     chooseOrders();
 }
 
 /// What the names of a formula stand for works as if it stood in the formula itself.
-void DependencyGraph::addNameTraits(const Workbook& workbook, const Formula& formula, Run& run, int depth)
+void DependencyGraph::addNameTraits(const Book& book, const Formula& formula, Run& run, int depth)
 {
     for (const int name : formula.names) {
-        const std::uint32_t meaning = workbook.names()[name].formula;
+        const std::uint32_t meaning = book.names()[name].formula;
         if (meaning == 0 || depth == maxNameDepth)
             continue;
-        const Formula& meant = workbook.formulas()[meaning];
+        const Formula& meant = book.formulas[meaning];
         run.isCustom = run.isCustom || meant.callsCustom();
         run.isVolatile = run.isVolatile || meant.isVolatile;
         run.readsUnlisted = run.readsUnlisted || meant.readsUnlisted;
         run.changesByItself = run.changesByItself || meant.changesByItself;
-        addNameTraits(workbook, meant, run, depth + 1);
+        addNameTraits(book, meant, run, depth + 1);
     }
 }
 
-void DependencyGraph::addRun(const Workbook& workbook, Run run)
+void DependencyGraph::addRun(const Book& book, Run run)
 {
-    const Formula& formula = workbook.formulas()[run.formula];
+    const Formula& formula = book.formulas[run.formula];
     run.isCustom = formula.callsCustom();
     run.isVolatile = formula.isVolatile;
     run.readsUnlisted = formula.readsUnlisted;
     run.changesByItself = formula.changesByItself;
-    addNameTraits(workbook, formula, run, 0);
+    addNameTraits(book, formula, run, 0);
     auto& columns = m_sheets[static_cast<std::size_t>(run.sheet)].columns;
     for (int column = run.cells.left; column <= run.cells.right; ++column) {
         if (static_cast<int>(columns.size()) <= column)
@@ -63,19 +63,19 @@ void DependencyGraph::addRun(const Workbook& workbook, Run run)
     m_runs.push_back(run);
 }
 
-void DependencyGraph::collectRuns(const Workbook& workbook)
+void DependencyGraph::collectRuns(const Book& book)
 {
-    m_sheets.resize(static_cast<std::size_t>(workbook.sheetCount()) + 1);
-    const FormulaPool& pool = workbook.formulas();
-    for (int index = 1; index <= workbook.sheetCount(); ++index) {
-        const Sheet& sheet = workbook.sheet(index);
+    m_sheets.resize(static_cast<std::size_t>(book.sheetCount()) + 1);
+    const FormulaPool& pool = book.formulas;
+    for (int index = 1; index <= book.sheetCount(); ++index) {
+        const BookSheet& sheet = book.sheet(index);
         for (int column = 1; column <= sheet.storedColumns(); ++column) {
             Run run;
             run.sheet = index;
             run.cells = {column, 0, column, -1};
             const auto finish = [&] {
                 if (run.formula != 0 && !pool[run.formula].isArrayFormula)
-                    addRun(workbook, run);
+                    addRun(book, run);
             };
             for (const Column::Slot& slot : sheet.column(column)->slots()) {
                 const std::uint32_t* formulas = slot.block->formulas();
@@ -91,13 +91,13 @@ void DependencyGraph::collectRuns(const Workbook& workbook)
             }
             finish();
         }
-        for (const CellRange& array : sheet.settings().arrays) {
+        for (const CellRange& array : sheet.settings.arrays) {
             Run run;
             run.sheet = index;
             run.cells = array;
             run.formula = sheet.column(array.left)->formula(array.top);
             run.isArray = true;
-            addRun(workbook, run);
+            addRun(book, run);
         }
     }
     const auto byRow = [this](std::int32_t run) { return m_runs[static_cast<std::size_t>(run)].cells.top; };
@@ -107,12 +107,12 @@ void DependencyGraph::collectRuns(const Workbook& workbook)
     }
 }
 
-void DependencyGraph::collectReadings(const Workbook& workbook)
+void DependencyGraph::collectReadings(const Book& book)
 {
     m_firstReading.reserve(m_runs.size() + 1);
     for (const Run& run : m_runs) {
         m_firstReading.push_back(static_cast<std::int32_t>(m_readings.size()));
-        addReadings(workbook, run, workbook.formulas()[run.formula], 0);
+        addReadings(book, run, book.formulas[run.formula], 0);
     }
     m_firstReading.push_back(static_cast<std::int32_t>(m_readings.size()));
 }
@@ -141,7 +141,7 @@ void DependencyGraph::widen(Reading& reading, const ReferenceSlot& like, CellAdd
     }
 }
 
-void DependencyGraph::addReadings(const Workbook& workbook, const Run& run, const Formula& formula, int depth)
+void DependencyGraph::addReadings(const Book& book, const Run& run, const Formula& formula, int depth)
 {
     for (std::size_t number = 0; number < formula.slots.size(); ++number) {
         if (std::ranges::find(formula.placesOnly, static_cast<int>(number)) != formula.placesOnly.end())
@@ -153,8 +153,8 @@ void DependencyGraph::addReadings(const Workbook& workbook, const Run& run, cons
         const auto atLast = slot.range(last);
         Reading reading;
         if (slot.firstSheet != 0) {
-            const auto [low, high] = std::minmax(
-                {workbook.sheetIndexOfId(slot.firstSheet), workbook.sheetIndexOfId(slot.lastSheet)});
+            const auto [low, high] =
+                std::minmax({book.sheetIndexOfId(slot.firstSheet), book.sheetIndexOfId(slot.lastSheet)});
             reading.firstSheet = low;
             reading.lastSheet = high;
         } else {
@@ -177,9 +177,9 @@ void DependencyGraph::addReadings(const Workbook& workbook, const Run& run, cons
         m_readings.push_back(reading);
     }
     for (const int name : formula.names) {
-        const std::uint32_t meaning = workbook.names()[name].formula;
+        const std::uint32_t meaning = book.names()[name].formula;
         if (meaning != 0 && depth < maxNameDepth)
-            addReadings(workbook, run, workbook.formulas()[meaning], depth + 1);
+            addReadings(book, run, book.formulas[meaning], depth + 1);
     }
 }
 

@@ -10,7 +10,7 @@
 namespace spreadsheet {
 
 struct Formula;
-class Workbook;
+struct Book;
 
 /// Cells that are evaluated together: contiguous rows of one column with the same formula, or the
 /// whole range of an array formula.
@@ -56,7 +56,7 @@ struct Reading {
 class DependencyGraph {
 public:
     /// Reads all formulas anew.
-    void build(const Workbook& workbook);
+    void build(const Book& book);
 
     std::span<const Run> runs() const { return m_runs; }
     std::span<const Component> components() const { return m_components; }
@@ -96,11 +96,11 @@ private:
 
     friend class ComponentFinder;
 
-    void collectRuns(const Workbook& workbook);
-    static void addNameTraits(const Workbook& workbook, const Formula& formula, Run& run, int depth);
-    void addRun(const Workbook& workbook, Run run);
-    void collectReadings(const Workbook& workbook);
-    void addReadings(const Workbook& workbook, const Run& run, const Formula& formula, int depth);
+    void collectRuns(const Book& book);
+    static void addNameTraits(const Book& book, const Formula& formula, Run& run, int depth);
+    void addRun(const Book& book, Run run);
+    void collectReadings(const Book& book);
+    void addReadings(const Book& book, const Run& run, const Formula& formula, int depth);
     static void widen(Reading& reading, const ReferenceSlot& like, CellAddress first, CellAddress last);
     void buildIndexes();
     void chooseOrders();

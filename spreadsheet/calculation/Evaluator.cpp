@@ -1,11 +1,11 @@
 #include "spreadsheet/calculation/Evaluator.h"
 
 #include "spreadsheet/calculation/operators.h"
+#include "spreadsheet/cells/Book.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/formula/FunctionDescriptor.h"
 #include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/values/coercion.h"
-#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 
@@ -61,8 +61,8 @@ Operand answered(const FunctionDescriptor& function, Call& call)
 
 } // namespace
 
-Evaluator::Evaluator(Workbook& workbook)
-    : m_workbook(workbook)
+Evaluator::Evaluator(const Book& book)
+    : m_book(book)
 {
     m_stack.reserve(64);
 }
@@ -181,7 +181,8 @@ void Evaluator::binary(const Instruction& instruction, const EvaluationPlace& pl
     else if (left.isArray() || right.isArray())
         push(applyToArrays(instruction.op, intersected(left, place), intersected(right, place), place));
     else
-        push(applyOperator(instruction.op, singleValue(left, place), singleValue(right, place), m_workbook));
+        push(applyOperator(instruction.op, singleValue(left, place), singleValue(right, place),
+                           m_book.countsFrom1904));
 }
 
 void Evaluator::sign(const Instruction& instruction, const EvaluationPlace& place)
@@ -192,7 +193,7 @@ void Evaluator::sign(const Instruction& instruction, const EvaluationPlace& plac
     else if (instruction.arrayMode || operand.isArray())
         push(applyToArray(instruction.op, operand, place));
     else
-        push(applySign(instruction.op, singleValue(operand, place), m_workbook));
+        push(applySign(instruction.op, singleValue(operand, place), m_book.countsFrom1904));
 }
 
 int Evaluator::branch(const Formula& formula, const Instruction& instruction, int position,
@@ -223,7 +224,7 @@ int Evaluator::branch(const Formula& formula, const Instruction& instruction, in
         push(std::move(condition));
         return instruction.other;
     }
-    const Value number = toNumber(taken, m_workbook.countsFrom1904());
+    const Value number = toNumber(taken, m_book.countsFrom1904);
     if (number.isNumber() && number.number() >= 1 && number.number() < instruction.count + 1)
         return formula.code[static_cast<std::size_t>(position + static_cast<int>(number.number()))].index;
     push(number.isError() ? number : Value(CellError::value));
@@ -237,8 +238,8 @@ Operand Evaluator::reference(const ReferenceSlot& slot, const EvaluationPlace& p
         return CellError::ref;
     if (slot.firstSheet == 0)
         return Area{place.sheet, *cells};
-    const int first = m_workbook.sheetIndexOfId(slot.firstSheet);
-    const int last = m_workbook.sheetIndexOfId(slot.lastSheet);
+    const int first = m_book.sheetIndexOfId(slot.firstSheet);
+    const int last = m_book.sheetIndexOfId(slot.lastSheet);
     if (first == 0 || last == 0)
         return CellError::ref;
     if (first == last)
@@ -251,11 +252,11 @@ Operand Evaluator::reference(const ReferenceSlot& slot, const EvaluationPlace& p
 
 Operand Evaluator::named(int name, const EvaluationPlace& place)
 {
-    const std::uint32_t formula = m_workbook.formulas().names()[name].formula;
+    const std::uint32_t formula = m_book.formulas.names()[name].formula;
     if (formula == 0 || m_nameDepth == maxNameDepth)
         return CellError::name;
     ++m_nameDepth;
-    Operand result = run(m_workbook.formulas()[formula], place);
+    Operand result = run(m_book.formulas[formula], place);
     --m_nameDepth;
     return result;
 }
@@ -332,7 +333,7 @@ Operand Evaluator::callCustom(int custom, std::size_t count, const EvaluationPla
     if (unknown)
         return Operand::unknown();
 
-    const CustomFunctions::Entry& function = m_workbook.formulas().customs()[custom];
+    const CustomFunctions::Entry& function = m_book.formulas.customs()[custom];
     if (!function.handler)
         return CellError::name;
     if (m_gathered)
@@ -344,7 +345,7 @@ Operand Evaluator::callCustom(int custom, std::size_t count, const EvaluationPla
         m_queue.push_back({made.place(), *made.requestedDecimals()});
     if (made.result())
         return *made.result();
-    if (made.declined() || m_workbook.formulasShown())
+    if (made.declined() || m_book.formulasShown)
         m_keep = true;
     return CellError::value;
 }

@@ -18,7 +18,7 @@ struct QueuedCellChange {
 /// The stack machine that runs formulas, one cell at a time.
 class Evaluator {
 public:
-    explicit Evaluator(Workbook& workbook);
+    explicit Evaluator(const Book& book);
 
     /// The value of a formula in one cell. Nothing if the cell keeps what it has (a custom function
     /// declined, or handed back nothing while formulas are shown).
@@ -57,7 +57,7 @@ private:
     Operand pop();
     void push(Operand operand) { m_stack.push_back(std::move(operand)); }
 
-    Workbook& m_workbook;
+    const Book& m_book;
     std::vector<Operand> m_stack;
     std::vector<QueuedCellChange> m_queue;
     std::vector<PreparedCall>* m_gathered = nullptr; ///< set while calls are gathered

@@ -60,8 +60,8 @@ const Places* NumberPlaces::find(double number) const
     return entry == 0 ? nullptr : &m_entries[entry - 1].places;
 }
 
-LineIndex::LineIndex(const Workbook& workbook, int sheet, CellAddress first, bool down)
-    : m_workbook(workbook)
+LineIndex::LineIndex(const Book& book, int sheet, CellAddress first, bool down)
+    : m_book(book)
     , m_area{sheet, {first.column, first.row, first.column - (down ? 0 : 1), first.row - (down ? 1 : 0)}}
     , m_down(down)
 {
@@ -75,7 +75,7 @@ void LineIndex::extend(int last)
     Area fresh = m_area;
     (m_down ? fresh.cells.top : fresh.cells.left) = end + 1;
     (m_down ? fresh.cells.bottom : fresh.cells.right) = last;
-    forEachStretch(m_workbook, fresh, [this](const CellStretch& stretch) { add(stretch); });
+    forEachStretch(m_book, fresh, [this](const CellStretch& stretch) { add(stretch); });
     end = last;
 }
 
@@ -134,7 +134,7 @@ const Total& LineIndex::totalBeside(const Places& rows, int bottom, int sheet, i
     Beside& beside = m_beside[{&rows, key}];
     if (beside.rows > 0 && rows.all[beside.rows - 1] > bottom)
         beside = Beside(); // a shorter range than before
-    const Sheet& cells = m_workbook.sheet(sheet);
+    const BookSheet& cells = m_book.sheet(sheet);
     const Column* const numbers = column <= cells.storedColumns() ? cells.column(column) : nullptr;
     for (; beside.rows < rows.all.size() && rows.all[beside.rows] <= bottom; ++beside.rows) {
         const int row = rows.all[beside.rows] + shift;

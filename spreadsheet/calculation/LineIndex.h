@@ -41,7 +41,7 @@ private:
 class LineIndex {
 public:
     /// A column from its cell `first` down, or a row from it to the right.
-    LineIndex(const Workbook& workbook, int sheet, CellAddress first, bool down = true);
+    LineIndex(const Book& book, int sheet, CellAddress first, bool down = true);
 
     /// Reads the cells down (or right) to `last`; nothing to do if they are read already.
     void extend(int last);
@@ -93,7 +93,7 @@ private:
     void add(const CellStretch& stretch);
     TextEntry& textEntry(Text::Body* body);
 
-    const Workbook& m_workbook;
+    const Book& m_book;
     Area m_area; ///< what is read so far
     bool m_down;
     NumberPlaces m_numbers;

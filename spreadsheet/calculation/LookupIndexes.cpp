@@ -22,7 +22,7 @@ LineIndex* LookupIndexes::index(const Area& line, bool down)
         return nullptr;
     if (!entry.index)
         entry.index =
-            std::make_unique<LineIndex>(m_workbook, line.sheet, CellAddress{cells.left, cells.top}, down);
+            std::make_unique<LineIndex>(m_book, line.sheet, CellAddress{cells.left, cells.top}, down);
     entry.index->extend(down ? cells.bottom : cells.right);
     return entry.index.get();
 }
@@ -42,7 +42,7 @@ OrderedColumn* LookupIndexes::ordered(const Area& column)
             m_orderCount = 0;
         }
         ++m_orderCount;
-        order.column = std::make_unique<OrderedColumn>(m_workbook, column);
+        order.column = std::make_unique<OrderedColumn>(m_book, column);
     }
     return order.column.get();
 }

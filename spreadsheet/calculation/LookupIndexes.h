@@ -14,7 +14,7 @@ template <typename State>
 class GrowingStates {
 public:
     /// The state over the whole area, good until the next call.
-    const State& over(const Workbook& workbook, const Area& area);
+    const State& over(const Book& book, const Area& area);
 
 private:
     struct Slot {
@@ -32,8 +32,8 @@ public:
     /// Ranges of fewer rows are read cell by cell.
     static constexpr int shortestRange = 64;
 
-    explicit LookupIndexes(const Workbook& workbook)
-        : m_workbook(workbook)
+    explicit LookupIndexes(const Book& book)
+        : m_book(book)
     {
     }
 
@@ -48,7 +48,7 @@ public:
     template <typename State>
     const State& over(const Area& area)
     {
-        return std::get<GrowingStates<State>>(m_growing).over(m_workbook, area);
+        return std::get<GrowingStates<State>>(m_growing).over(m_book, area);
     }
 
 private:
@@ -57,7 +57,7 @@ private:
         std::unique_ptr<LineIndex> index;
     };
 
-    const Workbook& m_workbook;
+    const Book& m_book;
     std::unordered_map<std::uint64_t, Line> m_columns;
     std::unordered_map<std::uint64_t, Line> m_rows;
     struct Order {
@@ -72,7 +72,7 @@ private:
 };
 
 template <typename State>
-const State& GrowingStates<State>::over(const Workbook& workbook, const Area& area)
+const State& GrowingStates<State>::over(const Book& book, const Area& area)
 {
     if (!m_slots)
         m_slots = std::make_unique<Slot[]>(slotCount);
@@ -90,7 +90,7 @@ const State& GrowingStates<State>::over(const Workbook& workbook, const Area& ar
     else
         slot.state = State();
     if (fresh.cells.top <= fresh.cells.bottom)
-        forEachStretch(workbook, fresh, [&](const CellStretch& stretch) { slot.state.add(stretch); });
+        forEachStretch(book, fresh, [&](const CellStretch& stretch) { slot.state.add(stretch); });
     slot.area = area;
     return slot.state;
 }

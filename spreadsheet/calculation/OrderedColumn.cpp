@@ -6,10 +6,10 @@
 
 namespace spreadsheet {
 
-OrderedColumn::OrderedColumn(const Workbook& workbook, const Area& column)
-    : m_workbook(workbook)
+OrderedColumn::OrderedColumn(const Book& book, const Area& column)
+    : m_book(book)
 {
-    forEachStretch(workbook, column, [this](const CellStretch& stretch) {
+    forEachStretch(book, column, [this](const CellStretch& stretch) {
         for (int i = 0; i < stretch.count; ++i) {
             if (stretch.kinds[i] == ValueKind::number)
                 m_entries.push_back({stretch.payloads[i].number, stretch.firstRow + i});
@@ -36,7 +36,7 @@ OrderedColumn::Prefixes OrderedColumn::prefixes(int sheet, int column, int shift
     Prefixes totals(1);
     totals.reserve(m_entries.size() + 1);
     Total total;
-    const Sheet& cells = m_workbook.sheet(sheet);
+    const BookSheet& cells = m_book.sheet(sheet);
     const Column* const numbers = column <= cells.storedColumns() ? cells.column(column) : nullptr;
     for (const Entry& entry : m_entries) {
         const int row = entry.row + shift;

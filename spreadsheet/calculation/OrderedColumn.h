@@ -13,7 +13,7 @@ namespace spreadsheet {
 /// through the cells again.
 class OrderedColumn {
 public:
-    OrderedColumn(const Workbook& workbook, const Area& column);
+    OrderedColumn(const Book& book, const Area& column);
 
     /// Places in the order: from the first that meets a condition to before the first that does not.
     struct Stretch {
@@ -37,7 +37,7 @@ private:
 
     Prefixes prefixes(int sheet, int column, int shift) const;
 
-    const Workbook& m_workbook;
+    const Book& m_book;
     std::vector<Entry> m_entries;
     std::map<std::tuple<int, int, int>, Prefixes> m_beside;
 };

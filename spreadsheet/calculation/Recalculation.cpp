@@ -25,11 +25,11 @@ bool readsSeveralSheets(const Formula& formula)
 
 } // namespace
 
-Recalculation::Recalculation(Workbook& workbook)
-    : m_workbook(workbook)
-    , m_evaluator(workbook)
+Recalculation::Recalculation(Book& book)
+    : m_book(book)
+    , m_evaluator(book)
     , m_effort([this] { return askToStop(); })
-    , m_blocks(workbook)
+    , m_blocks(book)
 {
 }
 
@@ -64,7 +64,7 @@ void Recalculation::refreshGraph()
 {
     if (!m_graphStale)
         return;
-    m_graph.build(m_workbook);
+    m_graph.build(m_book);
     m_graphStale = false;
     m_marked.assign(m_graph.runs().size(), {});
     m_volatileRuns.clear();
@@ -142,7 +142,7 @@ void Recalculation::markWholeRun(std::int32_t run)
 void Recalculation::markChanges()
 {
     for (const Change& change : m_pending.changes) {
-        const int sheet = m_workbook.sheetIndexOfId(change.sheetId);
+        const int sheet = m_book.sheetIndexOfId(change.sheetId);
         if (sheet == 0)
             continue;
         m_graph.eachRun(sheet, change.column, change.firstRow, change.lastRow, [&](std::int32_t run) {
@@ -161,7 +161,7 @@ void Recalculation::markChanges()
         return;
     const auto runs = m_graph.runs();
     for (std::size_t run = 0; run < runs.size(); ++run) {
-        const Formula& formula = m_workbook.formulas()[runs[run].formula];
+        const Formula& formula = m_book.formulas[runs[run].formula];
         if ((m_pending.moved && (formula.dependsOnPlace || readsSeveralSheets(formula))) ||
             (m_pending.namesChanged && !formula.names.empty()))
             markWholeRun(static_cast<std::int32_t>(run));
@@ -218,7 +218,7 @@ RecalculationReport Recalculation::compute()
 
 void Recalculation::evaluateMarked()
 {
-    m_indexes = std::make_unique<LookupIndexes>(m_workbook);
+    m_indexes = std::make_unique<LookupIndexes>(m_book);
     std::vector<std::int32_t> order;
     for (const std::int32_t run : m_markedRuns)
         order.push_back(m_graph.runs()[static_cast<std::size_t>(run)].component);
@@ -229,8 +229,7 @@ void Recalculation::evaluateMarked()
     int preparedWave = -1;
     for (std::size_t i = 0; i < order.size(); ++i) {
         const Component& component = components[static_cast<std::size_t>(order[i])];
-        if (component.isCustom && component.wave != preparedWave && m_prepare &&
-            !m_workbook.formulasShown()) {
+        if (component.isCustom && component.wave != preparedWave && m_prepare && !m_book.formulasShown) {
             preparedWave = component.wave;
             std::size_t end = i;
             while (end < order.size() &&
@@ -260,8 +259,8 @@ bool Recalculation::reevaluateUnlisted()
         if (!runs[at].readsUnlisted || runs[at].isArray || runs[at].isCustom || runs[at].changesByItself)
             continue;
         const Run& run = runs[at];
-        const Formula& formula = m_workbook.formulas()[run.formula];
-        const Sheet& sheet = m_workbook.sheet(run.sheet);
+        const Formula& formula = m_book.formulas[run.formula];
+        const BookSheet& sheet = m_book.sheet(run.sheet);
         for (int row = run.cells.top; row <= run.cells.bottom; ++row) {
             const Value known = sheet.value({run.column(), row});
             // A cell in a circle has no value of its own that it could settle at.
@@ -305,17 +304,17 @@ EvaluationPlace Recalculation::beginCell(const Run& run, int row)
     m_effort.beginCell();
     // What a formula finds by text may not be computed yet, and must not be kept for others.
     LookupIndexes* const indexes = run.readsUnlisted ? nullptr : m_indexes.get();
-    return {m_workbook, run.sheet, {run.column(), row}, indexes, &m_effort};
+    return {m_book, run.sheet, {run.column(), row}, indexes, &m_effort};
 }
 
 void Recalculation::evaluateRun(const Run& run, RowInterval rows)
 {
     if (run.isArray)
         return evaluateArray(run);
-    const Formula& formula = m_workbook.formulas()[run.formula];
+    const Formula& formula = m_book.formulas[run.formula];
     if (formula.blockwise)
         m_blocks.begin(formula, run.sheet, run.column());
-    const Column& column = *m_workbook.sheet(run.sheet).column(run.column());
+    const Column& column = *m_book.sheet(run.sheet).column(run.column());
     for (std::size_t slot = column.lowerSlot(rows.first);
          slot < column.slots().size() && column.slots()[slot].firstRow <= rows.last && !m_report.stopped;
          ++slot) {
@@ -328,7 +327,7 @@ void Recalculation::evaluateRun(const Run& run, RowInterval rows)
 void Recalculation::evaluateStretch(const Run& run, const Formula& formula, std::size_t slot,
                                     RowInterval rows)
 {
-    Column& column = m_workbook.sheet(run.sheet).loadColumn(run.column());
+    Column& column = m_book.sheet(run.sheet).writableColumn(run.column());
     CellBlock& block = column.computedBlock(slot);
     const int offset = column.slots()[slot].firstRow;
     for (int first = rows.first; first <= rows.last && !shouldStop();) {
@@ -354,7 +353,7 @@ void Recalculation::evaluateCell(const Run& run, const Formula& formula, CellBlo
 
 void Recalculation::dropShown(CellBlock& block, int index, int count) const
 {
-    if (!block.hasShown() || m_workbook.formulasShown())
+    if (!block.hasShown() || m_book.formulasShown)
         return;
     for (int i = index; i < index + count; ++i)
         block.setShown(i, {});
@@ -362,13 +361,12 @@ void Recalculation::dropShown(CellBlock& block, int index, int count) const
 
 void Recalculation::evaluateArray(const Run& run)
 {
-    const auto values =
-        m_evaluator.arrayOf(m_workbook.formulas()[run.formula], beginCell(run, run.cells.top));
+    const auto values = m_evaluator.arrayOf(m_book.formulas[run.formula], beginCell(run, run.cells.top));
     if (!values)
         return;
     for (int column = run.cells.left; column <= run.cells.right; ++column) {
         for (int row = run.cells.top; row <= run.cells.bottom; ++row) {
-            Column& cells = m_workbook.sheet(run.sheet).loadColumn(column);
+            Column& cells = m_book.sheet(run.sheet).writableColumn(column);
             const std::size_t slot = cells.lowerSlot(row);
             CellBlock& block = cells.computedBlock(slot);
             const int index = row - cells.slots()[slot].firstRow;
@@ -399,9 +397,9 @@ void Recalculation::evaluateRows(const Component& component, int direction)
         const RowSet& rows = m_marked[static_cast<std::size_t>(number)];
         if (rows.empty())
             continue;
-        const Formula& formula = m_workbook.formulas()[run.formula];
-        members.push_back({&run, &formula, &rows, &m_workbook.sheet(run.sheet).loadColumn(run.column()),
-                           BlockEvaluator(m_workbook)});
+        const Formula& formula = m_book.formulas[run.formula];
+        members.push_back({&run, &formula, &rows, &m_book.sheet(run.sheet).writableColumn(run.column()),
+                           BlockEvaluator(m_book)});
         if (formula.blockwise)
             members.back().blocks.begin(formula, run.sheet, run.column());
         wanted.insert(wanted.end(), rows.intervals().begin(), rows.intervals().end());
@@ -450,7 +448,7 @@ void Recalculation::setCircular(const Run& run, int row)
 {
     const int lastRow = run.isArray ? run.cells.bottom : row;
     for (int column = run.cells.left; column <= run.cells.right; ++column) {
-        Column& cells = m_workbook.sheet(run.sheet).loadColumn(column);
+        Column& cells = m_book.sheet(run.sheet).writableColumn(column);
         for (int at = row; at <= lastRow; ++at) {
             const std::size_t slot = cells.lowerSlot(at);
             cells.computedBlock(slot).setValue(at - cells.slots()[slot].firstRow, CellError::ref);
@@ -477,7 +475,7 @@ void Recalculation::prepareWave(const std::vector<std::int32_t>& components)
         for (const RowInterval& rows : m_marked[static_cast<std::size_t>(component.runs[0])].intervals()) {
             const int last = run.isArray ? rows.first : rows.last;
             for (int row = rows.first; row <= last; ++row)
-                cells.push_back({&m_workbook.formulas()[run.formula], beginCell(run, row), {}});
+                cells.push_back({&m_book.formulas[run.formula], beginCell(run, row), {}});
         }
     }
     for (;;) { // calls that take the value of others are found round by round
@@ -523,7 +521,7 @@ void Recalculation::keepFormerCells(const Component& component)
         return;
     for (const std::int32_t number : component.runs) {
         const Run& run = m_graph.runs()[static_cast<std::size_t>(number)];
-        const Sheet& sheet = m_workbook.sheet(run.sheet);
+        const BookSheet& sheet = m_book.sheet(run.sheet);
         for (const RowInterval& rows : m_marked[static_cast<std::size_t>(number)].intervals())
             for (int column = run.cells.left; column <= run.cells.right; ++column)
                 for (int row = rows.first; row <= rows.last; ++row)
@@ -537,7 +535,7 @@ void Recalculation::keepFormerCells(const Component& component)
 void Recalculation::bringBack(Pending pending)
 {
     for (auto former = m_former.rbegin(); former != m_former.rend(); ++former) {
-        Column& column = m_workbook.sheet(former->place.sheet).loadColumn(former->place.column);
+        Column& column = m_book.sheet(former->place.sheet).writableColumn(former->place.column);
         const std::size_t slot = column.lowerSlot(former->place.row);
         CellBlock& block = column.computedBlock(slot);
         const int index = former->place.row - column.slots()[slot].firstRow;
@@ -552,15 +550,15 @@ void Recalculation::bringBack(Pending pending)
 void Recalculation::applyQueue()
 {
     for (const QueuedCellChange& change : m_evaluator.queue()) {
-        Sheet& sheet = m_workbook.sheet(change.place.sheet);
+        BookSheet& sheet = m_book.sheet(change.place.sheet);
         const CellAddress cell{change.place.column, change.place.row};
-        CellStyle style = sheet.style(cell);
+        CellStyle style = m_book.style(sheet, cell);
         if (style.type == CellType::number && style.decimals == change.decimals)
             continue;
         style.type = CellType::number;
         style.decimals = static_cast<std::uint8_t>(change.decimals);
-        const Column::Place place = sheet.loadColumn(cell.column).writable(cell.row);
-        place.block.setStyle(place.index, m_workbook.styles().intern(style));
+        const Column::Place place = sheet.writableColumn(cell.column).writable(cell.row);
+        place.block.setStyle(place.index, m_book.styles.intern(style));
     }
     m_evaluator.queue().clear();
 }

@@ -2,8 +2,9 @@
 #include "spreadsheet/calculation/BlockEvaluator.h"
 #include "spreadsheet/calculation/DependencyGraph.h"
 #include "spreadsheet/calculation/Evaluator.h"
+#include "spreadsheet/calculation/RecalculationReport.h"
 #include "spreadsheet/calculation/RowSet.h"
-#include "spreadsheet/workbook/Workbook.h"
+#include "spreadsheet/cells/Book.h"
 
 #include <memory>
 #include <vector>
@@ -15,7 +16,7 @@ class LookupIndexes;
 /// Keeps track of what changed and computes what depends on it.
 class Recalculation {
 public:
-    explicit Recalculation(Workbook& workbook);
+    explicit Recalculation(Book& book);
     ~Recalculation();
 
     /// Cells of a column changed their value (or gained or lost a formula).
@@ -87,7 +88,7 @@ private:
     void bringBack(Pending pending);
     EvaluationPlace beginCell(const Run& run, int row);
 
-    Workbook& m_workbook;
+    Book& m_book;
     DependencyGraph m_graph;
     Evaluator m_evaluator;
     Effort m_effort;

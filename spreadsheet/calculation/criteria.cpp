@@ -54,7 +54,7 @@ int sign(double difference)
 
 } // namespace
 
-Criterion::Criterion(const Value& condition, const Workbook& workbook)
+Criterion::Criterion(const Value& condition, bool from1904)
 {
     switch (condition.kind()) {
     case ValueKind::empty:
@@ -76,22 +76,22 @@ Criterion::Criterion(const Value& condition, const Workbook& workbook)
             if (!operand.starts_with(text))
                 continue;
             m_comparison = comparison;
-            readOperand(operand.substr(text.size()), true, workbook);
+            readOperand(operand.substr(text.size()), true, from1904);
             return;
         }
-        readOperand(operand, false, workbook);
+        readOperand(operand, false, from1904);
         break;
     }
     }
 }
 
-void Criterion::readOperand(std::string_view operand, bool hasOperator, const Workbook& workbook)
+void Criterion::readOperand(std::string_view operand, bool hasOperator, bool from1904)
 {
     if (operand.empty()) {
         m_kind = hasOperator ? Kind::empty : Kind::emptyOrText;
         return;
     }
-    if (const Value number = toNumber(Value::text(operand), workbook.countsFrom1904()); number.isNumber()) {
+    if (const Value number = toNumber(Value::text(operand), from1904); number.isNumber()) {
         m_number = number.number();
         return;
     }

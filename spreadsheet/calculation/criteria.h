@@ -8,8 +8,6 @@
 
 namespace spreadsheet {
 
-class Workbook;
-
 /// A condition of SUMIF, COUNTIF and their kind: ">=1000", "<>现金", "55*", 12, TRUE, "#N/A", "=".
 /// Texts ignore letter case and width; "=" alone means empty cells, "<>" alone cells that are not
 /// empty, an empty text both empty cells and empty texts. An empty value is the number 0.
@@ -26,8 +24,8 @@ public:
         emptyOrText, ///< the empty text
     };
 
-    /// `workbook` says how dates in the condition count.
-    Criterion(const Value& condition, const Workbook& workbook);
+    /// `from1904`: how dates in the condition count.
+    Criterion(const Value& condition, bool from1904);
 
     Comparison comparison() const { return m_comparison; }
     Kind kind() const { return m_kind; }
@@ -41,7 +39,7 @@ public:
     bool matchesEmpty() const { return matches(ValueKind::empty, Payload{}); }
 
 private:
-    void readOperand(std::string_view operand, bool hasOperator, const Workbook& workbook);
+    void readOperand(std::string_view operand, bool hasOperator, bool from1904);
     bool equals(ValueKind kind, const Payload& payload) const;
     /// Less than 0, 0 or more than 0; nothing if the cell holds another kind of value.
     std::optional<int> order(ValueKind kind, const Payload& payload) const;

@@ -1,8 +1,8 @@
 #include "spreadsheet/calculation/operators.h"
 
 #include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/cells/Book.h"
 #include "spreadsheet/values/cancellation.h"
-#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 
@@ -85,7 +85,7 @@ Operand ofAreas(Areas areas)
 
 } // namespace
 
-Value applyOperator(Op op, const Value& left, const Value& right, const Workbook& workbook)
+Value applyOperator(Op op, const Value& left, const Value& right, bool from1904)
 {
     if (left.isNumber() && right.isNumber() && op <= Op::power)
         return arithmetic(op, left.number(), right.number());
@@ -97,18 +97,18 @@ Value applyOperator(Op op, const Value& left, const Value& right, const Workbook
         return concatenation(left, right);
     if (op >= Op::equal)
         return comparison(op, left, right);
-    const Value a = toNumber(left, workbook.countsFrom1904());
-    const Value b = toNumber(right, workbook.countsFrom1904());
+    const Value a = toNumber(left, from1904);
+    const Value b = toNumber(right, from1904);
     if (a.isError())
         return a;
     return b.isError() ? b : arithmetic(op, a.number(), b.number());
 }
 
-Value applySign(Op op, const Value& value, const Workbook& workbook)
+Value applySign(Op op, const Value& value, bool from1904)
 {
     if (op == Op::plus)
         return value;
-    Value number = toNumber(value, workbook.countsFrom1904());
+    Value number = toNumber(value, from1904);
     if (number.isError())
         return number;
     return op == Op::negate ? Value(-number.number()) : Value(number.number() / 100);
@@ -118,7 +118,7 @@ namespace {
 
 /// Cuts whole rows and columns off behind the last ones that any sheet uses: so two of them, from wherever
 /// they are, give arrays of one size.
-void cutToUsed(const Workbook& workbook, CellRange& cells)
+void cutToUsed(const Book& book, CellRange& cells)
 {
     const bool wholeColumns = cells.rows() == maxRows;
     const bool wholeRows = cells.columns() == maxColumns;
@@ -126,8 +126,8 @@ void cutToUsed(const Workbook& workbook, CellRange& cells)
         return;
     int rows = 1;
     int columns = 1;
-    for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet) {
-        const CellRange used = usedPart(workbook, {sheet, {1, 1, maxColumns, maxRows}});
+    for (int sheet = 1; sheet <= book.sheetCount(); ++sheet) {
+        const CellRange used = usedPart(book, {sheet, {1, 1, maxColumns, maxRows}});
         rows = std::max(rows, used.bottom);
         columns = std::max(columns, used.right);
     }
@@ -146,14 +146,14 @@ std::shared_ptr<const Array> toArray(const Operand& operand, const EvaluationPla
     auto single = std::make_shared<Array>(1, 1);
     if (operand.isArea()) {
         Area area = operand.area();
-        cutToUsed(place.workbook, area.cells);
+        cutToUsed(place.book, area.cells);
         if (isArraySize(area.cells.rows(), area.cells.columns()) &&
             place.spend(elementsOf(area.cells.rows(), area.cells.columns()))) {
             auto array = std::make_shared<Array>(area.cells.rows(), area.cells.columns());
             for (int column = 0; column < area.cells.columns(); ++column) {
                 for (int row = 0; row < area.cells.rows(); ++row)
-                    array->at(row, column) = cellValue(place.workbook, area.sheet,
-                                                       {area.cells.left + column, area.cells.top + row});
+                    array->at(row, column) =
+                        cellValue(place.book, area.sheet, {area.cells.left + column, area.cells.top + row});
             }
             return array;
         }
@@ -167,7 +167,7 @@ std::shared_ptr<const Array> toArray(const Operand& operand, const EvaluationPla
 Operand applyToArrays(Op op, const Operand& left, const Operand& right, const EvaluationPlace& place)
 {
     if (left.isValue() && right.isValue())
-        return applyOperator(op, left.value(), right.value(), place.workbook);
+        return applyOperator(op, left.value(), right.value(), place.book.countsFrom1904);
     const auto a = toArray(left, place);
     const auto b = toArray(right, place);
     const int rows = std::max(a->rows(), b->rows());
@@ -179,7 +179,8 @@ Operand applyToArrays(Op op, const Operand& left, const Operand& right, const Ev
         std::size_t made = 0;
         for (int column = 0; column < columns; ++column) {
             Value& element = result->at(row, column);
-            element = applyOperator(op, a->spread(row, column), b->spread(row, column), place.workbook);
+            element =
+                applyOperator(op, a->spread(row, column), b->spread(row, column), place.book.countsFrom1904);
             made += effortOf(element);
         }
         if (!place.spend(made))
@@ -191,13 +192,13 @@ Operand applyToArrays(Op op, const Operand& left, const Operand& right, const Ev
 Operand applyToArray(Op op, const Operand& operand, const EvaluationPlace& place)
 {
     if (operand.isValue())
-        return applySign(op, operand.value(), place.workbook);
+        return applySign(op, operand.value(), place.book.countsFrom1904);
     auto result = std::make_shared<Array>(*toArray(operand, place));
     if (!place.spend(elementsOf(result->rows(), result->columns())))
         return CellError::value;
     for (int row = 0; row < result->rows(); ++row) {
         for (int column = 0; column < result->columns(); ++column)
-            result->at(row, column) = applySign(op, result->at(row, column), place.workbook);
+            result->at(row, column) = applySign(op, result->at(row, column), place.book.countsFrom1904);
     }
     return std::shared_ptr<const Array>(std::move(result));
 }

@@ -6,15 +6,14 @@
 namespace spreadsheet {
 
 struct EvaluationPlace;
-class Workbook;
 
 /// +, -, *, / or ^ on numbers; #NUM! beyond what a number can be.
 Value arithmetic(Op op, double a, double b);
 
-/// One operator on two values; errors of the left side win. The workbook says how dates in texts count.
-Value applyOperator(Op op, const Value& left, const Value& right, const Workbook& workbook);
+/// One operator on two values; errors of the left side win. `from1904`: how dates in texts count.
+Value applyOperator(Op op, const Value& left, const Value& right, bool from1904);
 /// A sign or percent.
-Value applySign(Op op, const Value& value, const Workbook& workbook);
+Value applySign(Op op, const Value& value, bool from1904);
 
 /// The operator on whole operands, element by element; a single row, column or value repeats.
 Operand applyToArrays(Op op, const Operand& left, const Operand& right, const EvaluationPlace& place);

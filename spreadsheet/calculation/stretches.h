@@ -1,7 +1,6 @@
 #pragma once
+#include "spreadsheet/cells/Book.h"
 #include "spreadsheet/formula/Operand.h"
-#include "spreadsheet/workbook/Sheet.h"
-#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 #include <cstring>
@@ -24,9 +23,9 @@ struct CellStretch {
 /// Calls `use(const CellStretch&)` for the dense cells of an area, gaps left out, column by column.
 /// `use` may return false to end the walk.
 template <typename Use>
-void forEachStretch(const Workbook& workbook, const Area& area, Use&& use)
+void forEachStretch(const Book& book, const Area& area, Use&& use)
 {
-    const Sheet& sheet = workbook.sheet(area.sheet);
+    const BookSheet& sheet = book.sheet(area.sheet);
     const int right = std::min(area.cells.right, sheet.storedColumns());
     for (int number = area.cells.left; number <= right; ++number) {
         const Column* column = sheet.column(number);

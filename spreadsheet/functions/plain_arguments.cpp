@@ -1,7 +1,7 @@
 #include "spreadsheet/functions/plain_arguments.h"
 
+#include "spreadsheet/cells/Book.h"
 #include "spreadsheet/values/date_serial.h"
-#include "spreadsheet/workbook/Workbook.h"
 
 #include <limits>
 
@@ -93,7 +93,7 @@ std::vector<double> plainNumbers(Call& call, std::size_t argument)
 
 double serialShift(const Call& call)
 {
-    return call.place().workbook.countsFrom1904() ? daysFrom1900To1904 : 0;
+    return call.place().book.countsFrom1904 ? daysFrom1900To1904 : 0;
 }
 
 int dayArgument(Call& call, std::size_t argument)

@@ -11,49 +11,13 @@
 
 namespace spreadsheet {
 
-namespace {
-
-/// The cell's own entry, else its column's; null if neither is there.
-template <typename Entry>
-const Entry* entryOf(const std::map<CellAddress, Entry>& entries, CellAddress cell)
-{
-    if (entries.empty())
-        return nullptr;
-    auto found = entries.find(cell);
-    if (found == entries.end())
-        found = entries.find({cell.column, 0});
-    return found == entries.end() ? nullptr : &found->second;
-}
-
-} // namespace
-
-Sheet::Sheet(Workbook& workbook, int id, std::string name)
+Sheet::Sheet(Workbook& workbook, std::shared_ptr<BookSheet> cells)
     : m_workbook(workbook)
-    , m_id(id)
+    , m_cells(std::move(cells))
 {
-    m_settings.name = std::move(name);
 }
 
 // Reading.
-
-const Column* Sheet::column(int column) const
-{
-    return column >= 1 && column <= storedColumns() ? &m_columns[static_cast<std::size_t>(column) - 1]
-                                                    : nullptr;
-}
-
-Column& Sheet::loadColumn(int column)
-{
-    if (storedColumns() < column)
-        m_columns.resize(static_cast<std::size_t>(column));
-    return m_columns[static_cast<std::size_t>(column) - 1];
-}
-
-Value Sheet::value(CellAddress cell) const
-{
-    const Column* cells = column(cell.column);
-    return cells ? cells->value(cell.row) : Value();
-}
 
 std::string Sheet::displayText(CellAddress cell) const
 {
@@ -68,116 +32,20 @@ std::string Sheet::textByType(CellAddress cell) const
     return spreadsheet::textByType(value(cell), style(cell), m_workbook.countsFrom1904());
 }
 
-bool Sheet::hasFormula(CellAddress cell) const
+std::string Sheet::formula(CellAddress cell) const
 {
-    const Column* cells = column(cell.column);
-    return cells && cells->formula(cell.row) != 0;
-}
-
-std::optional<CellRange> Sheet::arrayRange(CellAddress cell) const
-{
-    const auto found = std::ranges::find_if(m_settings.arrays,
-                                            [cell](const CellRange& range) { return range.contains(cell); });
-    return found == m_settings.arrays.end() ? std::nullopt : std::optional(*found);
+    const std::uint32_t number = m_cells->formula(cell);
+    return number == 0 ? std::string() : m_workbook.formulas().text(number, formulaBase(cell, number));
 }
 
 CellAddress Sheet::formulaBase(CellAddress cell, std::uint32_t formula) const
 {
-    if (!m_workbook.formulas()[formula].isArrayFormula)
-        return cell;
-    const auto range = arrayRange(cell);
-    return range ? CellAddress{range->left, range->top} : cell;
-}
-
-std::string Sheet::formula(CellAddress cell) const
-{
-    const Column* cells = column(cell.column);
-    const std::uint32_t number = cells ? cells->formula(cell.row) : 0;
-    return number == 0 ? std::string() : m_workbook.formulas().text(number, formulaBase(cell, number));
-}
-
-Text Sheet::tag(CellAddress cell) const
-{
-    const Column* cells = column(cell.column);
-    const Column::Slot* slot = cells ? cells->find(cell.row) : nullptr;
-    return slot ? slot->block->tag(cell.row - slot->firstRow) : Text();
-}
-
-Text Sheet::shownText(CellAddress cell) const
-{
-    const Column* cells = column(cell.column);
-    const Column::Slot* slot = cells ? cells->find(cell.row) : nullptr;
-    return slot ? slot->block->shown(cell.row - slot->firstRow) : Text();
-}
-
-bool Sheet::hasShownTexts() const
-{
-    const auto hasOne = [](const CellBlock& block) {
-        for (int index = 0; block.hasShown() && index < block.count(); ++index)
-            if (!block.shown(index).empty())
-                return true;
-        return false;
-    };
-    return std::ranges::any_of(m_columns, [&](const Column& column) {
-        return std::ranges::any_of(column.slots(),
-                                   [&](const Column::Slot& slot) { return hasOne(*slot.block); });
-    });
-}
-
-std::uint32_t Sheet::styleNumber(CellAddress cell) const
-{
-    const Column* cells = column(cell.column);
-    if (const std::uint32_t own = cells ? cells->style(cell.row) : 0)
-        return own;
-    return lineStyle(cell);
-}
-
-std::uint32_t Sheet::lineStyle(CellAddress cell) const
-{
-    if (const auto row = m_settings.rowStyles.find(cell.row); row != m_settings.rowStyles.end())
-        return row->second;
-    const auto whole = m_settings.columnStyles.find(cell.column);
-    return whole == m_settings.columnStyles.end() ? 0 : whole->second;
+    return m_cells->formulaBase(cell, m_workbook.formulas()[formula].isArrayFormula);
 }
 
 const CellStyle& Sheet::style(CellAddress cell) const
 {
     return m_workbook.styles()[styleNumber(cell)];
-}
-
-int Sheet::lastDataRow() const
-{
-    int last = 0;
-    for (const Column& cells : m_columns)
-        last = std::max(last, cells.lastDataRow());
-    return last;
-}
-
-int Sheet::lastDataColumn() const
-{
-    for (int last = storedColumns(); last > 0; --last) {
-        if (column(last)->lastDataRow() > 0)
-            return last;
-    }
-    return 0;
-}
-
-const std::vector<std::string>* Sheet::dropDownEntries(CellAddress cell) const
-{
-    const DropDownEntries* found = entryOf(m_settings.dropDowns, cell);
-    return found ? &**found : nullptr;
-}
-
-const std::string* Sheet::buttonCaption(CellAddress cell) const
-{
-    return entryOf(m_settings.captions, cell);
-}
-
-std::optional<CellRange> Sheet::spanAt(CellAddress cell) const
-{
-    const auto found = std::ranges::find_if(m_settings.spans,
-                                            [cell](const CellRange& range) { return range.contains(cell); });
-    return found == m_settings.spans.end() ? std::nullopt : std::optional(*found);
 }
 
 CellRange Sheet::extent(CellAddress cell) const
@@ -191,14 +59,14 @@ Column& Sheet::editableColumn(int column)
 {
     m_workbook.journal().keepColumn(*this, column);
     m_workbook.noteEdit();
-    return loadColumn(column);
+    return m_cells->writableColumn(column);
 }
 
 SheetSettings& Sheet::editableSettings()
 {
     m_workbook.journal().keepSettings(*this);
     noteSettings();
-    return m_settings;
+    return m_cells->settings;
 }
 
 void Sheet::noteSettings()
@@ -210,7 +78,7 @@ void Sheet::noteSettings()
 void Sheet::noteChanged(const CellRange& range)
 {
     for (int column = range.left; column <= range.right; ++column)
-        m_workbook.recalculation().noteChanged(m_id, column, range.top, range.bottom);
+        m_workbook.recalculation().noteChanged(id(), column, range.top, range.bottom);
 }
 
 void Sheet::changeSettings(const std::function<void(SheetSettings&)>& change)
@@ -258,7 +126,7 @@ void Sheet::setValue(CellAddress cell, Value value)
     place.block.setFormula(place.index, 0);
     place.block.setShown(place.index, {});
     place.block.setValue(place.index, std::move(value));
-    m_workbook.recalculation().noteChanged(m_id, cell.column, cell.row, cell.row);
+    m_workbook.recalculation().noteChanged(id(), cell.column, cell.row, cell.row);
 }
 
 void Sheet::setText(CellAddress cell, std::string_view text)
@@ -301,7 +169,7 @@ Refusal Sheet::setArrayFormula(const CellRange& range, std::string_view text)
         const int index = m_workbook.sheetIndex(name);
         return index == 0 ? 0 : m_workbook.sheet(index).id();
     };
-    for (const CellRange& other : m_settings.arrays) {
+    for (const CellRange& other : m_cells->settings.arrays) {
         if (other.intersects(range) && !range.contains(other))
             return Refusal("不能更改数组公式的一部分");
     }
@@ -374,7 +242,7 @@ void Sheet::removeSpans(const CellRange& range)
 {
     const UndoStep step(m_workbook, "单元格合并取消");
     const auto meets = [&](const CellRange& span) { return span.intersects(range); };
-    if (std::ranges::any_of(m_settings.spans, meets))
+    if (std::ranges::any_of(m_cells->settings.spans, meets))
         std::erase_if(editableSettings().spans, meets);
 }
 

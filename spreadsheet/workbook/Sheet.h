@@ -1,13 +1,13 @@
 #pragma once
-#include "spreadsheet/cells/Column.h"
+#include "spreadsheet/cells/BookSheet.h"
 #include "spreadsheet/cells/LiftedCells.h"
-#include "spreadsheet/cells/SheetSettings.h"
 #include "spreadsheet/display/CellStyle.h"
 #include "spreadsheet/values/CellAddress.h"
 #include "spreadsheet/values/Refusal.h"
 #include "spreadsheet/values/Value.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,13 +22,13 @@ class Workbook;
 /// Changes of values mark what depends on them; Workbook::recalculateChanged computes it.
 class Sheet {
 public:
-    Sheet(Workbook& workbook, int id, std::string name);
+    Sheet(Workbook& workbook, std::shared_ptr<BookSheet> cells);
     Sheet(const Sheet&) = delete;
     Sheet& operator=(const Sheet&) = delete;
 
-    int id() const { return m_id; } ///< stays when sheets are moved or renamed
-    const std::string& name() const { return m_settings.name; }
-    const SheetSettings& settings() const { return m_settings; }
+    int id() const { return m_cells->id; } ///< stays when sheets are moved or renamed
+    const std::string& name() const { return m_cells->name(); }
+    const SheetSettings& settings() const { return m_cells->settings; }
     /// Another number after each change of the settings, for what is computed from them.
     std::uint64_t settingsRevision() const { return m_settingsRevision; }
     /// Changes sizes, counts, print settings and the like as one undo step. The name is changed by
@@ -37,31 +37,34 @@ public:
     void changeSettings(const std::function<void(SheetSettings&)>& change);
 
     // Reading. A place without a cell reads as empty.
-    Value value(CellAddress cell) const;
+    Value value(CellAddress cell) const { return m_cells->value(cell); }
     /// What the cell shows: its shown text if it has one, else its value as its type shows it.
     std::string displayText(CellAddress cell) const;
     /// What the cell hands on: its value as type and decimals give it, whatever it shows.
     std::string textByType(CellAddress cell) const;
-    bool hasFormula(CellAddress cell) const;
+    bool hasFormula(CellAddress cell) const { return m_cells->formula(cell) != 0; }
     /// Letter by letter as it was typed, without "="; empty for a constant.
     std::string formula(CellAddress cell) const;
     /// The whole range of the array formula that the cell belongs to.
-    std::optional<CellRange> arrayRange(CellAddress cell) const;
-    Text tag(CellAddress cell) const;
-    Text shownText(CellAddress cell) const;
-    bool hasShownTexts() const; ///< of any cell
+    std::optional<CellRange> arrayRange(CellAddress cell) const { return m_cells->arrayRange(cell); }
+    Text tag(CellAddress cell) const { return m_cells->tag(cell); }
+    Text shownText(CellAddress cell) const { return m_cells->shownText(cell); }
+    bool hasShownTexts() const { return m_cells->hasShownTexts(); } ///< of any cell
     /// The cell's own style, else that of its row, else of its column, else the fresh one.
     const CellStyle& style(CellAddress cell) const;
-    std::uint32_t styleNumber(CellAddress cell) const;
+    std::uint32_t styleNumber(CellAddress cell) const { return m_cells->styleNumber(cell); }
     /// Last row and last column that hold data (value, formula, tag or shown text); 0 if none do.
-    int lastDataRow() const;
-    int lastDataColumn() const;
+    int lastDataRow() const { return m_cells->lastDataRow(); }
+    int lastDataColumn() const { return m_cells->lastDataColumn(); }
     /// The entries that a drop-down cell offers, its own or its column's; null: none.
-    const std::vector<std::string>* dropDownEntries(CellAddress cell) const;
+    const std::vector<std::string>* dropDownEntries(CellAddress cell) const
+    {
+        return m_cells->dropDownEntries(cell);
+    }
     /// What a button cell shows instead of its value, its own or its column's; null: its value.
-    const std::string* buttonCaption(CellAddress cell) const;
+    const std::string* buttonCaption(CellAddress cell) const { return m_cells->buttonCaption(cell); }
     /// The span that covers a cell, if one does.
-    std::optional<CellRange> spanAt(CellAddress cell) const;
+    std::optional<CellRange> spanAt(CellAddress cell) const { return m_cells->spanAt(cell); }
     /// The cell's whole span, or the cell alone.
     CellRange extent(CellAddress cell) const;
 
@@ -107,16 +110,15 @@ public:
 
     /// The cells themselves: for evaluation, files and painting. Columns count from 1; null if the
     /// column has never held a cell.
-    const Column* column(int column) const;
-    int storedColumns() const { return static_cast<int>(m_columns.size()); }
+    const Column* column(int number) const { return m_cells->column(number); }
+    int storedColumns() const { return m_cells->storedColumns(); }
     /// For readers of files, which fill a fresh sheet without undo.
-    Column& loadColumn(int column);
+    Column& loadColumn(int number) { return m_cells->writableColumn(number); }
 
 private:
     friend class Workbook;
     friend class UndoJournal;
     friend class SheetStructure;
-    friend class Recalculation;
 
     /// The column, its former state kept for undo.
     Column& editableColumn(int column);
@@ -126,8 +128,6 @@ private:
     CellLists listsOf(const CellRange& range) const;
     void replaceLists(const CellRange& range, const CellLists& lists);
     void putFormula(const CellRange& range, std::uint32_t formula);
-    /// Style of a cell without one of its own: that of its row, else of its column, else 0.
-    std::uint32_t lineStyle(CellAddress cell) const;
     void restyleCells(const CellRange& range, StyleChange& restyled);
     void restyleColumns(const CellRange& range, StyleChange& restyled);
     void restyleRows(const CellRange& range, StyleChange& restyled);
@@ -143,10 +143,8 @@ private:
     void noteChanged(const CellRange& range);
 
     Workbook& m_workbook;
-    int m_id;
-    SheetSettings m_settings;
+    std::shared_ptr<BookSheet> m_cells; ///< one of the book's
     std::uint64_t m_settingsRevision = 0;
-    std::vector<Column> m_columns; ///< column 1 first
 };
 
 } // namespace spreadsheet

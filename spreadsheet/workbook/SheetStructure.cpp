@@ -283,7 +283,7 @@ void SheetStructure::shiftCells(Sheet& sheet, const AxisShift& shift)
 {
     if (!shift.rows) {
         m_workbook.journal().keepAllColumns(sheet);
-        auto& columns = sheet.m_columns;
+        auto& columns = sheet.m_cells->columns;
         if (static_cast<int>(columns.size()) < shift.at)
             return;
         const auto place = columns.begin() + (shift.at - 1);

@@ -1,8 +1,7 @@
 #include "spreadsheet/workbook/UndoJournal.h"
 
 #include "spreadsheet/calculation/Recalculation.h"
-#include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/formula/NameTable.h"
+#include "spreadsheet/cells/Book.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
@@ -101,7 +100,7 @@ std::size_t UndoJournal::bytesOf(const Step& step)
     for (const auto& sheet : step.sheets.value_or(std::vector<std::shared_ptr<Sheet>>())) {
         if (m_workbook.sheetIndexOfId(sheet->id()) != 0)
             continue;
-        for (const Column& column : sheet->m_columns) // the step alone still holds this sheet
+        for (const Column& column : sheet->m_cells->columns) // the step alone still holds this sheet
             sum += sizeof(Column) + unsharedBytes(column);
     }
     for (const auto& [sheet, settings] : step.settings)
@@ -123,7 +122,7 @@ void UndoJournal::keepAllColumns(const Sheet& sheet)
 {
     if (!recording() || m_current.allColumns.contains(sheet.id()))
         return;
-    std::vector<Column> columns = sheet.m_columns;
+    std::vector<Column> columns = sheet.m_cells->columns;
     // Columns kept earlier in the step are older than what stands now.
     for (auto entry = m_current.columns.begin(); entry != m_current.columns.end();) {
         if (entry->first.first != sheet.id()) {
@@ -251,16 +250,16 @@ void UndoJournal::exchange(Step& step)
     if (step.designRevision)
         std::swap(*step.designRevision, m_workbook.m_designRevision);
     if (step.sheets) {
-        std::swap(*step.sheets, m_workbook.m_sheets);
-        m_workbook.m_activeSheet = std::min(m_workbook.m_activeSheet, m_workbook.sheetCount());
+        *step.sheets = m_workbook.exchangeSheets(std::move(*step.sheets));
+        m_workbook.setActiveSheet(std::min(m_workbook.activeSheet(), m_workbook.sheetCount()));
     }
     if (step.names)
         exchangeNames(*step.names);
     if (step.formulasShown)
-        std::swap(*step.formulasShown, m_workbook.m_formulasShown);
+        std::swap(*step.formulasShown, m_workbook.m_book->formulasShown);
     for (auto& [id, settings] : step.settings) {
         if (Sheet* sheet = sheetOfId(id, step)) {
-            std::swap(settings, sheet->m_settings);
+            std::swap(settings, sheet->m_cells->settings);
             sheet->noteSettings();
             if (settings.name != sheet->name() && m_workbook.sheetIndexOfId(id) != 0)
                 m_workbook.respell(id);
@@ -270,12 +269,12 @@ void UndoJournal::exchange(Step& step)
         Sheet* sheet = sheetOfId(id, step);
         if (!sheet)
             continue;
-        std::swap(columns, sheet->m_columns);
-        const std::size_t count = std::max(columns.size(), sheet->m_columns.size());
+        std::swap(columns, sheet->m_cells->columns);
+        const std::size_t count = std::max(columns.size(), sheet->m_cells->columns.size());
         const Column none;
         for (std::size_t i = 0; i < count; ++i)
             noteDifference(id, static_cast<int>(i) + 1, i < columns.size() ? columns[i] : none,
-                           i < sheet->m_columns.size() ? sheet->m_columns[i] : none);
+                           i < sheet->m_cells->columns.size() ? sheet->m_cells->columns[i] : none);
     }
     for (auto& [place, column] : step.columns) {
         if (Sheet* sheet = sheetOfId(place.first, step))

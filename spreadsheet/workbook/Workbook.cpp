@@ -1,9 +1,8 @@
 #include "spreadsheet/workbook/Workbook.h"
 
 #include "spreadsheet/calculation/Recalculation.h"
-#include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/cells/Book.h"
 #include "spreadsheet/functions/FunctionTable.h"
-#include "spreadsheet/values/case_fold.h"
 #include "spreadsheet/workbook/sheet_name.h"
 #include "spreadsheet/workbook/SheetStructure.h"
 #include "spreadsheet/workbook/UndoJournal.h"
@@ -39,18 +38,43 @@ bool namesTooDeep(const FormulaPool& pool)
 } // namespace
 
 Workbook::Workbook()
-    : m_formulas(std::make_unique<FormulaPool>(findFunction))
+    : m_book(std::make_unique<Book>(findFunction))
+    , m_recalculation(std::make_unique<Recalculation>(*m_book))
+    , m_journal(std::make_unique<UndoJournal>(*this))
 {
-    m_recalculation = std::make_unique<Recalculation>(*this);
-    m_journal = std::make_unique<UndoJournal>(*this);
-    m_sheets.push_back(std::make_shared<Sheet>(*this, m_nextSheetId++, "Sheet1"));
+    exchangeSheets({freshSheet("Sheet1")});
 }
 
 Workbook::~Workbook() = default;
 
+StylePool& Workbook::styles()
+{
+    return m_book->styles;
+}
+
+const StylePool& Workbook::styles() const
+{
+    return m_book->styles;
+}
+
+TextPool& Workbook::texts()
+{
+    return m_book->texts;
+}
+
+FormulaPool& Workbook::formulas()
+{
+    return m_book->formulas;
+}
+
+const FormulaPool& Workbook::formulas() const
+{
+    return m_book->formulas;
+}
+
 const NameTable& Workbook::names() const
 {
-    return m_formulas->names();
+    return m_book->names();
 }
 
 Sheet& Workbook::sheet(int index)
@@ -67,22 +91,39 @@ const Sheet& Workbook::sheet(int index) const
 
 int Workbook::sheetIndex(std::string_view name) const
 {
-    const std::string folded = foldedName(name);
-    const auto found = std::ranges::find_if(
-        m_sheets, [&](const auto& sheet) { return foldedName(sheet->name()) == folded; });
-    return found == m_sheets.end() ? 0 : static_cast<int>(found - m_sheets.begin()) + 1;
+    return m_book->sheetIndex(name);
 }
 
 int Workbook::sheetIndexOfId(int id) const
 {
-    const auto found = std::ranges::find_if(m_sheets, [id](const auto& sheet) { return sheet->id() == id; });
-    return found == m_sheets.end() ? 0 : static_cast<int>(found - m_sheets.begin()) + 1;
+    return m_book->sheetIndexOfId(id);
+}
+
+int Workbook::activeSheet() const
+{
+    return m_book->activeSheet;
 }
 
 void Workbook::setActiveSheet(int index)
 {
     if (index >= 1 && index <= sheetCount())
-        m_activeSheet = index;
+        m_book->activeSheet = index;
+}
+
+std::shared_ptr<Sheet> Workbook::freshSheet(std::string_view name)
+{
+    return std::make_shared<Sheet>(*this,
+                                   std::make_shared<BookSheet>(m_book->nextSheetId++, std::string(name)));
+}
+
+std::vector<std::shared_ptr<Sheet>> Workbook::exchangeSheets(std::vector<std::shared_ptr<Sheet>> sheets)
+{
+    std::vector<std::shared_ptr<BookSheet>> cells;
+    for (const auto& sheet : sheets)
+        cells.push_back(sheet->m_cells);
+    m_book->sheets = std::move(cells);
+    m_sheets.swap(sheets);
+    return sheets;
 }
 
 void Workbook::noteEdit()
@@ -104,9 +145,10 @@ Refusal Workbook::addSheet(std::string_view name, int before)
         return "已有名为“" + std::string(name) + "”的表";
     const UndoStep step(*this, "插入表");
     m_journal->keepSheets();
-    const auto place =
-        before >= 1 && before <= sheetCount() ? m_sheets.begin() + (before - 1) : m_sheets.end();
-    m_sheets.insert(place, std::make_shared<Sheet>(*this, m_nextSheetId++, std::string(name)));
+    auto sheets = m_sheets;
+    const auto place = before >= 1 && before <= sheetCount() ? sheets.begin() + (before - 1) : sheets.end();
+    sheets.insert(place, freshSheet(name));
+    exchangeSheets(std::move(sheets));
     m_recalculation->noteMoved(); // formulas are kept by the index of their sheet
     noteEdit();
     return {};
@@ -121,9 +163,11 @@ Refusal Workbook::removeSheet(int index)
     const UndoStep step(*this, "删除表");
     SheetStructure(*this).breakReferences(sheet(index).id());
     m_journal->keepSheets();
-    m_sheets.erase(m_sheets.begin() + (index - 1));
-    if (m_activeSheet > index || m_activeSheet > sheetCount())
-        --m_activeSheet;
+    auto sheets = m_sheets;
+    sheets.erase(sheets.begin() + (index - 1));
+    exchangeSheets(std::move(sheets));
+    if (m_book->activeSheet > index || m_book->activeSheet > sheetCount())
+        --m_book->activeSheet;
     m_recalculation->noteMoved();
     noteEdit();
     return {};
@@ -148,7 +192,7 @@ Refusal Workbook::renameSheet(int index, std::string_view name)
 /// Writes the present name into every reference to the sheet.
 void Workbook::respell(int sheetId)
 {
-    m_formulas->respellSheet(sheetId, [this](int id) {
+    m_book->formulas.respellSheet(sheetId, [this](int id) {
         const int index = sheetIndexOfId(id);
         return index == 0 ? std::string() : sheet(index).name();
     });
@@ -160,9 +204,10 @@ Refusal Workbook::moveSheet(int from, int to)
         return "没有这张表";
     const UndoStep step(*this, "移动表");
     m_journal->keepSheets();
-    auto moved = std::move(m_sheets[static_cast<std::size_t>(from) - 1]);
-    m_sheets.erase(m_sheets.begin() + (from - 1));
-    m_sheets.insert(m_sheets.begin() + (to - 1), std::move(moved));
+    auto sheets = m_sheets;
+    sheets.erase(sheets.begin() + (from - 1));
+    sheets.insert(sheets.begin() + (to - 1), m_sheets[static_cast<std::size_t>(from) - 1]);
+    exchangeSheets(std::move(sheets));
     m_recalculation->noteMoved();
     noteEdit();
     return {};
@@ -192,7 +237,7 @@ Refusal Workbook::defineName(std::string_view name, std::string_view formula)
     if (!NameTable::isValid(name))
         return Refusal("名称写法不对");
     const UndoStep step(*this, "定义名称");
-    const int number = m_formulas->names().number(name);
+    const int number = m_book->formulas.names().number(name);
     std::uint32_t meaning = 0;
     if (formula.starts_with('='))
         formula.remove_prefix(1);
@@ -201,16 +246,16 @@ Refusal Workbook::defineName(std::string_view name, std::string_view formula)
             const int index = sheetIndex(sheetName);
             return index == 0 ? 0 : sheet(index).id();
         };
-        const auto parsed = m_formulas->intern(formula, {1, 1}, sheetId);
+        const auto parsed = m_book->formulas.intern(formula, {1, 1}, sheetId);
         if (const auto* problem = std::get_if<Refusal>(&parsed))
             return *problem;
         meaning = std::get<std::uint32_t>(parsed);
     }
-    const std::uint32_t former = m_formulas->names()[number].formula;
+    const std::uint32_t former = m_book->formulas.names()[number].formula;
     m_journal->keepNames();
-    m_formulas->names().define(number, meaning);
-    if (namesTooDeep(*m_formulas)) {
-        m_formulas->names().define(number, former);
+    m_book->formulas.names().define(number, meaning);
+    if (namesTooDeep(m_book->formulas)) {
+        m_book->formulas.names().define(number, former);
         return Refusal("名称引用了自己,或嵌套得太多");
     }
     m_recalculation->noteNames();
@@ -220,7 +265,7 @@ Refusal Workbook::defineName(std::string_view name, std::string_view formula)
 
 void Workbook::registerFunction(std::string_view name, int parameterCount, FunctionHandler handler)
 {
-    m_formulas->customs().add(name, parameterCount, std::move(handler));
+    m_book->formulas.customs().add(name, parameterCount, std::move(handler));
 }
 
 void Workbook::setPrepareHook(PrepareHook hook)
@@ -251,27 +296,19 @@ void Workbook::markCalculated()
 void Workbook::replaceContent(Workbook&& fresh)
 {
     // What needs memory comes first: from then on nothing can fail.
-    fresh.m_formulas->customs().takeHandlers(m_formulas->customs());
+    fresh.formulas().customs().takeHandlers(formulas().customs());
     std::vector<std::shared_ptr<Sheet>> sheets;
-    for (const auto& sheet : fresh.m_sheets) // sheets belong to one workbook for good
-        sheets.push_back(std::make_shared<Sheet>(*this, sheet->id(), sheet->name()));
-    auto recalculation = std::make_unique<Recalculation>(*this);
+    for (const auto& cells : fresh.m_book->sheets)
+        sheets.push_back(std::make_shared<Sheet>(*this, cells));
+    auto recalculation = std::make_unique<Recalculation>(*fresh.m_book);
     recalculation->takeHooks(*m_recalculation);
     auto journal = std::make_unique<UndoJournal>(*this);
     journal->setEnabled(m_journal->enabled());
 
-    for (std::size_t i = 0; i < sheets.size(); ++i) {
-        sheets[i]->m_settings = std::move(fresh.m_sheets[i]->m_settings);
-        sheets[i]->m_columns = std::move(fresh.m_sheets[i]->m_columns);
-    }
+    fresh.m_book->formulasShown = formulasShown();
+    m_recalculation = std::move(recalculation); // before the book that the former one works on
+    m_book = std::move(fresh.m_book);
     m_sheets = std::move(sheets);
-    m_styles = std::move(fresh.m_styles);
-    m_texts = std::move(fresh.m_texts);
-    m_formulas = std::move(fresh.m_formulas);
-    m_activeSheet = fresh.m_activeSheet;
-    m_countsFrom1904 = fresh.m_countsFrom1904;
-    m_nextSheetId = fresh.m_nextSheetId;
-    m_recalculation = std::move(recalculation);
     m_journal = std::move(journal);
     for (const auto& sheet : m_sheets)
         sheet->noteSettings();
@@ -311,21 +348,36 @@ void Workbook::redo()
 
 std::size_t Workbook::bytes() const
 {
-    std::size_t sum = m_texts.bytes() + m_formulas->bytes() + m_recalculation->bytes();
-    for (const auto& sheet : m_sheets) {
-        for (const Column& column : sheet->m_columns)
+    std::size_t sum = m_book->texts.bytes() + m_book->formulas.bytes() + m_recalculation->bytes();
+    for (const auto& sheet : m_book->sheets) {
+        for (const Column& column : sheet->columns)
             sum += sizeof(Column) + column.bytes();
     }
     return sum;
 }
 
+bool Workbook::countsFrom1904() const
+{
+    return m_book->countsFrom1904;
+}
+
+void Workbook::setCountsFrom1904(bool from1904)
+{
+    m_book->countsFrom1904 = from1904;
+}
+
+bool Workbook::formulasShown() const
+{
+    return m_book->formulasShown;
+}
+
 void Workbook::setFormulasShown(bool shown)
 {
-    if (m_formulasShown == shown)
+    if (m_book->formulasShown == shown)
         return;
     const UndoStep step(*this, "显示");
     m_journal->keepFormulasShown();
-    m_formulasShown = shown;
+    m_book->formulasShown = shown;
 }
 
 UndoStep::UndoStep(Workbook& workbook, std::string label)

@@ -1,7 +1,7 @@
 #pragma once
+#include "spreadsheet/calculation/RecalculationReport.h"
 #include "spreadsheet/cells/StylePool.h"
 #include "spreadsheet/cells/TextPool.h"
-#include "spreadsheet/formula/CustomFunction.h"
 #include "spreadsheet/values/Refusal.h"
 #include "spreadsheet/workbook/Sheet.h"
 
@@ -15,19 +15,14 @@
 
 namespace spreadsheet {
 
+struct Book;
 class FormulaPool;
 class NameTable;
 class Recalculation;
 class UndoJournal;
 
-/// What a recalculation did.
-struct RecalculationReport {
-    std::size_t evaluatedCells = 0;
-    std::vector<CallPlace> circular; ///< cells that depend on themselves; they show #REF!
-    bool stopped = false;            ///< by the pause hook
-};
-
-/// Sheets with everything that they share. Sheets count from 1. Not for several threads at once.
+/// A book that can be edited: changes may be refused, are kept for undo, and mark what depends on them for
+/// the next recalculation. Sheets count from 1. Not for several threads at once.
 class Workbook {
 public:
     /// One empty sheet, "Sheet1".
@@ -44,7 +39,7 @@ public:
     int sheetIndex(std::string_view name) const;
     /// Index of the sheet with that id; 0 if it is gone.
     int sheetIndexOfId(int id) const;
-    int activeSheet() const { return m_activeSheet; }
+    int activeSheet() const;
     void setActiveSheet(int index);
 
     Refusal addSheet(std::string_view name, int before = 0); ///< 0: at the end
@@ -54,11 +49,13 @@ public:
     /// Adds sheets with fresh names at the end or takes sheets from the end away.
     Refusal setSheetCount(int count);
 
-    StylePool& styles() { return m_styles; }
-    const StylePool& styles() const { return m_styles; }
-    TextPool& texts() { return m_texts; }
-    FormulaPool& formulas() { return *m_formulas; }
-    const FormulaPool& formulas() const { return *m_formulas; }
+    /// The data behind it, which evaluation works on.
+    const Book& book() const { return *m_book; }
+    StylePool& styles();
+    const StylePool& styles() const;
+    TextPool& texts();
+    FormulaPool& formulas();
+    const FormulaPool& formulas() const;
     const NameTable& names() const;
     /// Defines or replaces a name ("税率" for "Sheet1!$B$1"); an empty formula takes it away.
     Refusal defineName(std::string_view name, std::string_view formula);
@@ -74,11 +71,11 @@ public:
     /// While formulas are shown, custom functions that hand back nothing leave their cell as it is.
     /// Undo brings the former state back.
     void setFormulasShown(bool shown);
-    bool formulasShown() const { return m_formulasShown; }
+    bool formulasShown() const;
     /// Serial numbers of days count from 1904-01-01 (number 0), as in files from some machines, instead
     /// of from 1900. Date functions heed it with the next recalculation.
-    void setCountsFrom1904(bool from1904) { m_countsFrom1904 = from1904; }
-    bool countsFrom1904() const { return m_countsFrom1904; }
+    void setCountsFrom1904(bool from1904);
+    bool countsFrom1904() const;
 
     /// Computes every formula.
     RecalculationReport recalculate();
@@ -119,22 +116,19 @@ private:
     friend class UndoJournal;
     friend class UndoStep;
     friend class SheetStructure;
-    friend class Recalculation;
 
     void noteEdit();
+    std::shared_ptr<Sheet> freshSheet(std::string_view name);
     void respell(int sheetId);
+    /// Gives the sheets another order or number, in the book too; returns the former ones.
+    std::vector<std::shared_ptr<Sheet>> exchangeSheets(std::vector<std::shared_ptr<Sheet>> sheets);
 
-    std::vector<std::shared_ptr<Sheet>> m_sheets; ///< shared with undo steps that bring them back
-    StylePool m_styles;
-    TextPool m_texts;
-    std::unique_ptr<FormulaPool> m_formulas;
+    std::unique_ptr<Book> m_book;
+    std::vector<std::shared_ptr<Sheet>>
+        m_sheets; ///< those of the book; shared with undo steps that bring them back
     std::unique_ptr<Recalculation> m_recalculation;
     std::unique_ptr<UndoJournal> m_journal;
-    int m_activeSheet = 1;
-    int m_nextSheetId = 1;
-    bool m_formulasShown = false;
     std::function<void()> m_stepEnd;
-    bool m_countsFrom1904 = false;
     std::uint64_t m_revision = 0;
     std::uint64_t m_designRevision = 0; ///< a value that m_revision once had
     int m_displayOnly = 0;

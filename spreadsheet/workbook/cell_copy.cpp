@@ -158,9 +158,9 @@ void Sheet::dropArrays(const CellRange& range)
 
 CellLists Sheet::listsOf(const CellRange& range) const
 {
-    CellLists lists{within(m_settings.dropDowns, range), within(m_settings.captions, range)};
-    addFromColumns(lists.dropDowns, m_settings.dropDowns, *this, range, CellType::dropDown);
-    addFromColumns(lists.captions, m_settings.captions, *this, range, CellType::button);
+    CellLists lists{within(m_cells->settings.dropDowns, range), within(m_cells->settings.captions, range)};
+    addFromColumns(lists.dropDowns, m_cells->settings.dropDowns, *this, range, CellType::dropDown);
+    addFromColumns(lists.captions, m_cells->settings.captions, *this, range, CellType::button);
     return lists;
 }
 
@@ -175,11 +175,11 @@ LiftedCells Sheet::lift(const CellRange& range) const
 {
     LiftedCells lifted(range.columns(), range.rows());
     lifted.cells = contentsOf(*this, range);
-    for (const CellRange& array : m_settings.arrays) {
+    for (const CellRange& array : m_cells->settings.arrays) {
         if (range.contains(array))
             lifted.arrays.push_back(shifted(array, 1 - range.left, 1 - range.top));
     }
-    for (const CellRange& span : m_settings.spans) {
+    for (const CellRange& span : m_cells->settings.spans) {
         if (range.contains(span))
             lifted.spans.push_back(shifted(span, 1 - range.left, 1 - range.top));
     }
@@ -198,7 +198,7 @@ Refusal Sheet::put(const LiftedCells& lifted, CellAddress to)
     removeSpans(goal);
     dropArrays(goal);
     // Where whole rows or columns have a look, the fresh look has to be said.
-    const bool looksAround = !m_settings.rowStyles.empty() || !m_settings.columnStyles.empty();
+    const bool looksAround = !m_cells->settings.rowStyles.empty() || !m_cells->settings.columnStyles.empty();
     const std::uint32_t fresh = looksAround ? m_workbook.styles().intern({}) : 0;
     auto next = lifted.cells.begin();
     for (int column = goal.left; column <= goal.right; ++column) {
@@ -240,7 +240,7 @@ Refusal Sheet::moveCells(const CellRange& from, Sheet& target, CellAddress to)
         const bool moves = &target == this && from.contains(array);
         return !moves && array.intersects(goal) && !goal.contains(array);
     };
-    if (cutsArray(*this, from) || std::ranges::any_of(target.m_settings.arrays, cutAtGoal))
+    if (cutsArray(*this, from) || std::ranges::any_of(target.m_cells->settings.arrays, cutAtGoal))
         return "不能更改数组公式的一部分";
     const UndoStep step(m_workbook, "移动");
     // First everything that points into the range, its own formulas included, then the cells.
@@ -248,12 +248,12 @@ Refusal Sheet::moveCells(const CellRange& from, Sheet& target, CellAddress to)
     std::vector<CellContent> contents = contentsOf(*this, from);
     const auto moves = [&](const CellRange& range) { return from.contains(range); };
     std::vector<CellRange> arrays, spans;
-    std::ranges::copy_if(m_settings.arrays, std::back_inserter(arrays), moves);
-    std::ranges::copy_if(m_settings.spans, std::back_inserter(spans), moves);
+    std::ranges::copy_if(m_cells->settings.arrays, std::back_inserter(arrays), moves);
+    std::ranges::copy_if(m_cells->settings.spans, std::back_inserter(spans), moves);
     std::erase_if(editableSettings().arrays, moves);
     std::erase_if(editableSettings().spans, moves);
     const CellLists lists = listsOf(from);
-    const auto notes = within(m_settings.notes, from);
+    const auto notes = within(m_cells->settings.notes, from);
     replaceLists(from, {});
     replaceWithin(editableSettings().notes, from, {});
     for (int column = from.left; column <= from.right; ++column)

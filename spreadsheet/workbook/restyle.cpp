@@ -33,7 +33,7 @@ private:
 
 void Sheet::restyleCells(const CellRange& range, StyleChange& restyled)
 {
-    const bool rowsDiffer = !m_settings.rowStyles.empty();
+    const bool rowsDiffer = !m_cells->settings.rowStyles.empty();
     for (int column = range.left; column <= range.right; ++column) {
         Column& cells = editableColumn(column);
         cells.cover(range.top, range.bottom);
@@ -44,7 +44,7 @@ void Sheet::restyleCells(const CellRange& range, StyleChange& restyled)
             int alike = 1; // cells with the same look are changed together
             while (alike < most && (own != 0 || !rowsDiffer) && place.block.style(place.index + alike) == own)
                 ++alike;
-            const std::uint32_t number = restyled(own != 0 ? own : lineStyle({column, row}));
+            const std::uint32_t number = restyled(own != 0 ? own : m_cells->lineStyle({column, row}));
             place.block.setStyles(place.index, alike, number);
             row += alike;
         }
@@ -115,8 +115,8 @@ void Sheet::restyle(const CellRange& range, const std::function<void(CellStyle&)
 {
     const UndoStep step(m_workbook, "格式");
     StyleChange restyled(m_workbook.styles(), change);
-    const bool wholeColumns = range.top == 1 && range.bottom >= m_settings.rowCount;
-    const bool wholeRows = range.left == 1 && range.right >= m_settings.columnCount;
+    const bool wholeColumns = range.top == 1 && range.bottom >= m_cells->settings.rowCount;
+    const bool wholeRows = range.left == 1 && range.right >= m_cells->settings.columnCount;
     if (!wholeColumns && !wholeRows) {
         restyleCells(range, restyled);
         return;

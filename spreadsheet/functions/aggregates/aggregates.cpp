@@ -11,7 +11,7 @@ namespace {
 template <typename State>
 void addArea(const EvaluationPlace& place, const Area& area, State& state)
 {
-    forEachStretch(place.workbook, area, [&](const CellStretch& stretch) { state.add(stretch); });
+    forEachStretch(place.book, area, [&](const CellStretch& stretch) { state.add(stretch); });
 }
 
 /// True if a former state may serve this call: long ranges while a recalculation runs.
@@ -55,7 +55,7 @@ void readNumbers(Call& call, std::size_t argument, int row, int column, std::spa
     const int left = area.cells.left + column;
     const int top = area.cells.top + row;
     const Area piece{area.sheet, {left, top, left, top + static_cast<int>(numbers.size()) - 1}};
-    forEachStretch(call.place().workbook, piece, [&](const CellStretch& stretch) {
+    forEachStretch(call.place().book, piece, [&](const CellStretch& stretch) {
         double* const target = numbers.data() + (stretch.firstRow - top);
         if (holdsOnlyNumbers(stretch)) {
             std::ranges::copy(numbersOf(stretch), target);
@@ -86,7 +86,7 @@ std::optional<CellRange> commonShape(Call& call)
             return std::nullopt;
         }
         if (operand.isArea()) {
-            const CellRange part = usedPart(call.place().workbook, operand.area());
+            const CellRange part = usedPart(call.place().book, operand.area());
             used.right = std::min(used.right, part.columns());
             used.bottom = std::min(used.bottom, part.rows());
         }

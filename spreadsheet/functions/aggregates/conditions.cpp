@@ -53,7 +53,7 @@ void narrowNumbers(std::span<const double> numbers, const Criterion& criterion, 
 }
 
 /// Takes the places out of the mask that do not meet the condition.
-void narrow(const Workbook& workbook, const Condition& condition, const Block& block, Mask& mask)
+void narrow(const Book& book, const Condition& condition, const Block& block, Mask& mask)
 {
     const Area cells = cellsOf(condition.area, block);
     const bool keepsEmpty = condition.criterion.matchesEmpty();
@@ -62,7 +62,7 @@ void narrow(const Workbook& workbook, const Condition& condition, const Block& b
         if (!keepsEmpty)
             std::fill(mask.begin() + next, mask.begin() + end, std::uint8_t{0});
     };
-    forEachStretch(workbook, cells, [&](const CellStretch& stretch) {
+    forEachStretch(book, cells, [&](const CellStretch& stretch) {
         const int first = stretch.firstRow - cells.cells.top;
         gapUpTo(first);
         next = first + stretch.count;
@@ -102,7 +102,7 @@ ConditionalCells::ConditionalCells(Call& call, std::size_t first, std::size_t pa
             call.fail(CellError::value);
             return;
         }
-        m_conditions.push_back({range.area(), Criterion(call.value(first + 1), m_place.workbook)});
+        m_conditions.push_back({range.area(), Criterion(call.value(first + 1), m_place.book.countsFrom1904)});
     }
     if (m_conditions.empty()) {
         call.fail(CellError::value);
@@ -133,7 +133,7 @@ std::pair<int, int> ConditionalCells::extents(const Area* numbers) const
     int rows = 0;
     int columns = 0;
     const auto take = [&](const Area& area) {
-        const CellRange used = usedPart(m_place.workbook, area);
+        const CellRange used = usedPart(m_place.book, area);
         rows = std::max(rows, used.rows());
         columns = std::max(columns, used.columns());
     };
@@ -156,7 +156,7 @@ void ConditionalCells::eachBlock(const Area* numbers, Use&& use) const
             const Block block{column, row, std::min(blockRows, rows - row)};
             mask.fill(1);
             for (const Condition& condition : m_conditions)
-                narrow(m_place.workbook, condition, block, mask);
+                narrow(m_place.book, condition, block, mask);
             use(block, mask);
         }
     }
@@ -185,7 +185,7 @@ bool ConditionalCells::eachIndexedRow(Use&& use) const
         for (std::size_t i = 0; i < m_conditions.size(); ++i) {
             const Area& area = m_conditions[i].area;
             if (i != chosen && !m_conditions[i].criterion.matches(cellValue(
-                                   m_place.workbook, area.sheet, {area.cells.left, area.cells.top + row})))
+                                   m_place.book, area.sheet, {area.cells.left, area.cells.top + row})))
                 return false;
         }
         return true;
@@ -229,13 +229,13 @@ State ConditionalCells::gathered(const Area& numbers) const
     const auto addRow = [&](int row) {
         const int at = numbers.cells.top + row;
         const Area cell{numbers.sheet, {numbers.cells.left, at, numbers.cells.left, at}};
-        forEachStretch(m_place.workbook, cell, [&](const CellStretch& stretch) { state.add(stretch); });
+        forEachStretch(m_place.book, cell, [&](const CellStretch& stretch) { state.add(stretch); });
     };
     if (eachIndexedRow(addRow))
         return state;
     eachBlock(&numbers, [&](const Block& block, const Mask& mask) {
         const Area cells = cellsOf(numbers, block);
-        forEachStretch(m_place.workbook, cells, [&](const CellStretch& stretch) {
+        forEachStretch(m_place.book, cells, [&](const CellStretch& stretch) {
             const int first = stretch.firstRow - cells.cells.top;
             if (holdsOnlyNumbers(stretch))
                 return addChosen(numbersOf(stretch), mask.data() + first, state);

@@ -48,11 +48,11 @@ struct PassedOver {
 /// Appends the filled cells of an area that count.
 void gather(Call& call, const Area& area, const PassedOver& passed, std::vector<Value>& values)
 {
-    const Workbook& workbook = call.place().workbook;
-    const Sheet& sheet = workbook.sheet(area.sheet);
-    const auto& hidden = sheet.settings().rows.hidden;
-    OwnCalls own(workbook.formulas());
-    forEachStretch(workbook, area, [&](const CellStretch& stretch) {
+    const Book& book = call.place().book;
+    const BookSheet& sheet = book.sheet(area.sheet);
+    const auto& hidden = sheet.settings.rows.hidden;
+    OwnCalls own(book.formulas);
+    forEachStretch(book, area, [&](const CellStretch& stretch) {
         const Column::Slot* slot = sheet.column(stretch.column)->find(stretch.firstRow);
         const std::uint32_t* formulas = passed.ownCalls ? slot->block->formulas() : nullptr;
         if (formulas)

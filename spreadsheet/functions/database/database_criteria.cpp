@@ -1,10 +1,10 @@
 #include "spreadsheet/functions/database/database_criteria.h"
 
 #include "spreadsheet/calculation/Evaluator.h"
+#include "spreadsheet/cells/Book.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/values/coercion.h"
 #include "spreadsheet/values/folding.h"
-#include "spreadsheet/workbook/Workbook.h"
 
 namespace spreadsheet {
 
@@ -16,19 +16,19 @@ bool hasNoOperator(std::string_view text)
     return !text.empty() && text.front() != '=' && text.front() != '<' && text.front() != '>';
 }
 
-Criterion criterionOf(const Value& value, const Workbook& workbook)
+Criterion criterionOf(const Value& value, bool from1904)
 {
-    const Criterion plain(value, workbook);
+    const Criterion plain(value, from1904);
     const bool isText = plain.kind() == Criterion::Kind::text || plain.kind() == Criterion::Kind::pattern;
     if (!isText || !value.isText() || !hasNoOperator(value.textView()))
         return plain;
-    return Criterion(Value::text(std::string(value.textView()) + "*"), workbook);
+    return Criterion(Value::text(std::string(value.textView()) + "*"), from1904);
 }
 
 } // namespace
 
 DatabaseList::DatabaseList(Call& call, std::size_t argument)
-    : m_workbook(call.place().workbook)
+    : m_book(call.place().book)
 {
     if (!call[argument].isArea()) {
         const bool isError = call[argument].isValue() && call[argument].value().isError();
@@ -36,20 +36,20 @@ DatabaseList::DatabaseList(Call& call, std::size_t argument)
         return;
     }
     m_area = call[argument].area();
-    m_records = std::max(usedPart(m_workbook, m_area).bottom - m_area.cells.top, 0);
+    m_records = std::max(usedPart(m_book, m_area).bottom - m_area.cells.top, 0);
     call.pay(4.0 * m_records);
 }
 
 Value DatabaseList::at(int record, int field) const
 {
-    return cellValue(m_workbook, m_area.sheet, {m_area.cells.left + field, m_area.cells.top + 1 + record});
+    return cellValue(m_book, m_area.sheet, {m_area.cells.left + field, m_area.cells.top + 1 + record});
 }
 
 int DatabaseList::fieldOf(const Value& nameOrNumber) const
 {
     if (nameOrNumber.isText()) {
         const std::string name = foldedText(nameOrNumber.textView());
-        const int used = m_workbook.sheet(m_area.sheet).storedColumns() - m_area.cells.left + 1;
+        const int used = m_book.sheet(m_area.sheet).storedColumns() - m_area.cells.left + 1;
         for (int field = 0; field < std::min(fields(), used + 1); ++field) { // behind it all are empty
             const Value candidate = toText(fieldName(field));
             if (candidate.isText() && foldedText(candidate.textView()) == name)
@@ -76,12 +76,12 @@ DatabaseCriteria::DatabaseCriteria(Call& call, std::size_t argument, const Datab
     m_sheet = area.sheet;
     std::vector<int> fields;
     for (int column = area.cells.left; column <= area.cells.right; ++column) {
-        const Value name = toText(cellValue(m_place.workbook, area.sheet, {column, area.cells.top}));
+        const Value name = toText(cellValue(m_place.book, area.sheet, {column, area.cells.top}));
         fields.push_back(name.isText() && !name.textView().empty() ? list.fieldOf(name) : -1);
-        if (column > m_place.workbook.sheet(area.sheet).storedColumns())
+        if (column > m_place.book.sheet(area.sheet).storedColumns())
             break; // nothing stands there
     }
-    const int lastUsed = usedPart(m_place.workbook, area).bottom;
+    const int lastUsed = usedPart(m_place.book, area).bottom;
     constexpr double slower = 192; // than to make an element: a text is read as a condition
     const double rows = std::max(lastUsed - area.cells.top, 0) + 1;
     call.pay(slower * rows * static_cast<double>(fields.size()));
@@ -103,10 +103,10 @@ DatabaseCriteria::Row DatabaseCriteria::readRow(const Area& area, const std::vec
     Row conditions;
     for (std::size_t i = 0; i < fields.size(); ++i) {
         const CellAddress cell{area.cells.left + static_cast<int>(i), row};
-        const Value value = cellValue(m_place.workbook, area.sheet, cell);
+        const Value value = cellValue(m_place.book, area.sheet, cell);
         const bool isEmpty = value.isEmpty() || (value.isText() && value.textView().empty());
         if (!isEmpty)
-            conditions.push_back({fields[i], criterionOf(value, m_place.workbook), cell});
+            conditions.push_back({fields[i], criterionOf(value, m_place.book.countsFrom1904), cell});
     }
     return conditions;
 }
@@ -115,16 +115,16 @@ bool DatabaseCriteria::holds(const Condition& condition, int record) const
 {
     if (condition.field >= 0)
         return condition.criterion.matches(m_list.value(record, condition.field));
-    Value value = cellValue(m_place.workbook, m_sheet, condition.cell);
-    const Column* column = m_place.workbook.sheet(m_sheet).column(condition.cell.column);
+    Value value = cellValue(m_place.book, m_sheet, condition.cell);
+    const Column* column = m_place.book.sheet(m_sheet).column(condition.cell.column);
     const std::uint32_t number = column ? column->formula(condition.cell.row) : 0;
-    const FormulaPool& formulas = m_place.workbook.formulas();
+    const FormulaPool& formulas = m_place.book.formulas;
     // Custom calls are made once, for the cell itself.
     if (number != 0 && !formulas[number].callsCustom() && condition.cell.row + record <= maxRows) {
         EvaluationPlace shifted = m_place;
         shifted.sheet = m_sheet;
         shifted.cell = {condition.cell.column, condition.cell.row + record};
-        value = Evaluator(m_place.workbook).cellValueOf(formulas[number], shifted).value_or(value);
+        value = Evaluator(m_place.book).cellValueOf(formulas[number], shifted).value_or(value);
     }
     const Value truthValue = toBoolean(value);
     return truthValue.isBoolean() && truthValue.boolean();

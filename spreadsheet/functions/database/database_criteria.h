@@ -24,7 +24,7 @@ public:
 private:
     Value at(int record, int field) const;
 
-    const Workbook& m_workbook;
+    const Book& m_book;
     Area m_area;
     int m_records = 0;
 };

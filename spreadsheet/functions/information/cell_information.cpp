@@ -1,9 +1,9 @@
 #include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/cells/Book.h"
 #include "spreadsheet/formula/ReferenceSlot.h"
 #include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/information/cell_format_code.h"
 #include "spreadsheet/values/folding.h"
-#include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
 
@@ -13,14 +13,14 @@ namespace {
 
 /// The first cell of a reference, which CELL and its like describe.
 struct DescribedCell {
-    const Workbook& workbook;
+    const Book& book;
     int sheet;
     CellAddress cell;
     int ownSheet; ///< of the formula
 
-    const Sheet& sheetOf() const { return workbook.sheet(sheet); }
-    Value value() const { return cellValue(workbook, sheet, cell); }
-    const CellStyle& style() const { return sheetOf().style(cell); }
+    const BookSheet& sheetOf() const { return book.sheet(sheet); }
+    Value value() const { return cellValue(book, sheet, cell); }
+    const CellStyle& style() const { return book.style(sheetOf(), cell); }
 };
 
 Operand address(const DescribedCell& described)
@@ -63,7 +63,7 @@ Operand alignmentSign(const DescribedCell& described)
 Operand width(const DescribedCell& described)
 {
     constexpr double digitWidth = 120;
-    return std::round(described.sheetOf().settings().columns.size(described.cell.column) / digitWidth);
+    return std::round(described.sheetOf().settings.columns.size(described.cell.column) / digitWidth);
 }
 
 /// A workbook does not know its file; the brackets keep formulas right that cut the sheet's name out.
@@ -111,7 +111,7 @@ Operand cellInformation(Call& call)
     if (call.failed())
         return call.error();
     const EvaluationPlace& place = call.place();
-    DescribedCell described{place.workbook, place.sheet, place.cell, place.sheet};
+    DescribedCell described{place.book, place.sheet, place.cell, place.sheet};
     if (call.given(1)) {
         if (!call[1].isReference())
             return call[1].isValue() && call[1].value().isError() ? call[1] : Operand(CellError::value);
@@ -130,7 +130,7 @@ Operand programInformation(Call& call)
     if (call.failed())
         return call.error();
     if (name == "numfile")
-        return static_cast<double>(call.place().workbook.sheetCount());
+        return static_cast<double>(call.place().book.sheetCount());
     if (name == "recalc")
         return Value::text("Automatic");
     if (name == "origin")
@@ -152,7 +152,7 @@ Operand isFormula(Call& call)
     if (!call[0].isReference())
         return call[0].isValue() && call[0].value().isError() ? call[0] : Operand(CellError::value);
     const Area area = call[0].areas().front();
-    return truth(call.place().workbook.sheet(area.sheet).hasFormula({area.cells.left, area.cells.top}));
+    return truth(call.place().book.sheet(area.sheet).formula({area.cells.left, area.cells.top}) != 0);
 }
 
 Operand sheetNumber(Call& call)
@@ -164,14 +164,14 @@ Operand sheetNumber(Call& call)
     const Value value = call.value(0);
     if (value.isError())
         return value;
-    const int index = value.isText() ? call.place().workbook.sheetIndex(value.textView()) : 0;
+    const int index = value.isText() ? call.place().book.sheetIndex(value.textView()) : 0;
     return index > 0 ? Operand(static_cast<double>(index)) : Operand(CellError::na);
 }
 
 Operand sheetCount(Call& call)
 {
     if (!call.given(0))
-        return static_cast<double>(call.place().workbook.sheetCount());
+        return static_cast<double>(call.place().book.sheetCount());
     if (!call[0].isReference())
         return call[0].isValue() && call[0].value().isError() ? call[0] : Operand(CellError::na);
     std::vector<int> sheets;

@@ -15,7 +15,7 @@ int usedSize(const Call& call, std::size_t argument, bool down)
     const Operand& operand = call[argument];
     if (!operand.isArea())
         return down ? call.rows(argument) : call.columns(argument);
-    const CellRange used = usedPart(call.place().workbook, operand.area());
+    const CellRange used = usedPart(call.place().book, operand.area());
     return std::max(0, down ? used.rows() : used.columns());
 }
 

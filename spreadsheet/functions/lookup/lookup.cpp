@@ -161,12 +161,15 @@ Operand formulaText(Call& call)
     if (!call[0].isArea())
         return call[0].isValue() && call[0].value().isError() ? call[0] : Operand(CellError::value);
     const Area& area = call[0].area();
-    const Sheet& sheet = call.place().workbook.sheet(area.sheet);
+    const Book& book = call.place().book;
+    const BookSheet& sheet = book.sheet(area.sheet);
     const CellAddress cell{area.cells.left, area.cells.top};
-    if (!sheet.hasFormula(cell))
+    const std::uint32_t formula = sheet.formula(cell);
+    if (formula == 0)
         return CellError::na;
-    const std::string text = "=" + sheet.formula(cell);
-    return Value::text(sheet.arrayRange(cell) ? "{" + text + "}" : text);
+    const bool isArray = book.formulas[formula].isArrayFormula;
+    const std::string text = "=" + book.formulas.text(formula, sheet.formulaBase(cell, isArray));
+    return Value::text(isArray ? "{" + text + "}" : text);
 }
 
 /// Functions whose sources, pivot tables and real-time servers, do not exist here.

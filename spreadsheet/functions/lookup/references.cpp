@@ -115,21 +115,21 @@ std::optional<CellRange> parseAnyRange(std::string_view text)
 int takeSheet(const EvaluationPlace& place, std::string_view& text)
 {
     const auto name = takeSheetName(text);
-    return name ? place.workbook.sheetIndex(*name) : place.sheet;
+    return name ? place.book.sheetIndex(*name) : place.sheet;
 }
 
 /// What a defined name refers to; #REF! if there is no such name or it stands for no reference.
 Operand referenceOfName(const EvaluationPlace& place, std::string_view name)
 {
     constexpr int deepest = 32; // names that lead to each other through texts
-    const NameTable& names = place.workbook.names();
+    const NameTable& names = place.book.names();
     const int number = names.find(name);
     if (number < 0 || names[number].formula == 0 || place.textDepth == deepest)
         return CellError::ref;
     EvaluationPlace inner = place;
     ++inner.textDepth;
-    Evaluator evaluator(place.workbook);
-    const Operand operand = evaluator.operandOf(place.workbook.formulas()[names[number].formula], inner);
+    Evaluator evaluator(place.book);
+    const Operand operand = evaluator.operandOf(place.book.formulas[names[number].formula], inner);
     return operand.isReference() ? operand : Operand(CellError::ref);
 }
 

@@ -78,7 +78,7 @@ CellAddress usedExtent(const Call& call, std::size_t argument)
 {
     if (!call[argument].isArea())
         return {call.columns(argument), call.rows(argument)};
-    const CellRange used = usedPart(call.place().workbook, call[argument].area());
+    const CellRange used = usedPart(call.place().book, call[argument].area());
     return {used.columns(), used.rows()};
 }
 

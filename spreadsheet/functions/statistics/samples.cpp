@@ -13,7 +13,7 @@ int usedRows(const Call& call, std::size_t argument)
 {
     if (!call[argument].isArea())
         return call.rows(argument);
-    return std::max(0, usedPart(call.place().workbook, call[argument].area()).rows());
+    return std::max(0, usedPart(call.place().book, call[argument].area()).rows());
 }
 
 } // namespace

@@ -284,7 +284,7 @@ Operand formatted(Call& call)
         return value;
     if (call.failed())
         return call.error();
-    const auto text = formattedText(value, code, call.place().workbook.countsFrom1904());
+    const auto text = formattedText(value, code, call.place().book.countsFrom1904);
     return text ? textResult(*text) : Operand(CellError::value);
 }
 

@@ -30,7 +30,7 @@ TEST(LookupIndexes, ColumnsAreReadDownAsFarAsAsked)
 {
     Workbook workbook;
     fill(workbook);
-    LineIndex index(workbook, 1, {2, 11});
+    LineIndex index(workbook.book(), 1, {2, 11});
     index.extend(40);
     ASSERT_NE(index.number(4), nullptr);
     EXPECT_EQ(rowsOf(index.number(4)), (std::vector<int>{14, 24, 34}));
@@ -49,7 +49,7 @@ TEST(LookupIndexes, TotalsBesideGrowAndStartAnewForAShorterRange)
 {
     Workbook workbook;
     fill(workbook);
-    LineIndex index(workbook, 1, {2, 1});
+    LineIndex index(workbook.book(), 1, {2, 1});
     index.extend(100);
     const Places& fours = *index.number(4);
     EXPECT_EQ(index.totalBeside(fours, 30, 1, 1, 0).sum.total(), 4 + 14 + 24);
@@ -62,7 +62,7 @@ TEST(LookupIndexes, ShortRangesAndFirstQuestionsHaveNone)
 {
     Workbook workbook;
     fill(workbook);
-    LookupIndexes indexes(workbook);
+    LookupIndexes indexes(workbook.book());
     EXPECT_EQ(indexes.index({1, {2, 1, 2, 63}}), nullptr);
     EXPECT_EQ(indexes.index({1, {2, 1, 2, 63}}), nullptr);
     EXPECT_EQ(indexes.index({1, {2, 1, 2, 64}}), nullptr);
@@ -74,7 +74,7 @@ TEST(LookupIndexes, GrowingTotalsFollowRangesOfAnyOrder)
 {
     Workbook workbook;
     fill(workbook);
-    LookupIndexes indexes(workbook);
+    LookupIndexes indexes(workbook.book());
     for (const int bottom : {64, 65, 100, 70, 70, 99}) {
         EXPECT_EQ(indexes.over<Total>({1, {1, 1, 2, bottom}}).count,
                   static_cast<std::size_t>(bottom * 3 / 2));

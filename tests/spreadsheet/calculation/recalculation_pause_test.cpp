@@ -90,7 +90,7 @@ TEST(Effort, ACellThatMakesTooMuchIsGivenUp)
 {
     Workbook workbook;
     Effort effort([] { return false; });
-    const EvaluationPlace place{workbook, 1, {1, 1}, nullptr, &effort};
+    const EvaluationPlace place{workbook.book(), 1, {1, 1}, nullptr, &effort};
     auto texts = std::make_shared<Array>(2, 1);
     texts->at(0, 0) = texts->at(1, 0) = Value::text(std::string(32'000, 'x'));
     const Operand longTexts{std::shared_ptr<const Array>(texts)};

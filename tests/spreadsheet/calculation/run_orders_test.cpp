@@ -195,11 +195,11 @@ TEST(RunOrders, BlocksEqualTheStackMachine)
         ++column;
     }
     workbook.recalculate();
-    Evaluator evaluator(workbook);
+    Evaluator evaluator(workbook.book());
     for (int at = 3; at < column; ++at) {
         for (int row = 1; row <= 3000; ++row) {
             const Formula& formula = workbook.formulas()[sheet.column(at)->formula(row)];
-            ASSERT_EQ(evaluator.cellValueOf(formula, {workbook, 1, {at, row}}), sheet.value({at, row}))
+            ASSERT_EQ(evaluator.cellValueOf(formula, {workbook.book(), 1, {at, row}}), sheet.value({at, row}))
                 << cellName({at, row}) << " " << sheet.formula({at, row});
         }
     }

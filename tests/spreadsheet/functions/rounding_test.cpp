@@ -187,7 +187,7 @@ private:
 Operand call(std::string_view name, std::initializer_list<double> numbers)
 {
     static Workbook workbook;
-    const EvaluationPlace place{workbook, 1, {1, 1}};
+    const EvaluationPlace place{workbook.book(), 1, {1, 1}};
     const std::vector<Operand> arguments(numbers.begin(), numbers.end());
     Call made(place, arguments);
     return findFunction(name)->evaluate(made);

@@ -224,7 +224,7 @@ std::string difference(const std::map<std::string, std::string>& a,
 /// Each stored value against the stack machine, which computes one cell at a time.
 std::string cellByCell(Workbook& workbook, const RecalculationReport& report)
 {
-    Evaluator evaluator(workbook);
+    Evaluator evaluator(workbook.book());
     for (int index = 1; index <= workbook.sheetCount(); ++index) {
         const Sheet& sheet = workbook.sheet(index);
         for (int column = 1; column <= sheet.storedColumns(); ++column) {
@@ -235,7 +235,7 @@ std::string cellByCell(Workbook& workbook, const RecalculationReport& report)
                     std::ranges::binary_search(report.circular, CallPlace{index, column, row}))
                     continue;
                 const auto value =
-                    evaluator.cellValueOf(workbook.formulas()[number], {workbook, index, cell});
+                    evaluator.cellValueOf(workbook.formulas()[number], {workbook.book(), index, cell});
                 if (!(*value == sheet.value(cell)))
                     return sheet.name() + cellName(cell) + " " + sheet.formula(cell) + ": stored " +
                            described(sheet.value(cell)) + ", alone " + described(*value);
