@@ -9,6 +9,11 @@
 
 namespace spreadsheet {
 
+// A graph of cells would take more memory than the cells and as long to build as to compute them. Formulas
+// that are filled down read in one pattern, so a run of them is one node, what it reads is a rectangle that
+// moves with the row, and who reads a cell is found in the sorted rectangles of its column. The graph is
+// never mended but built anew after formulas changed: that takes a scan of the formula numbers.
+
 namespace {
 
 /// Readings over more columns than this stand once in their sheet's list, not in every column's.

@@ -9,9 +9,18 @@
 
 namespace spreadsheet {
 
+// What changed is marked, the marks spread to all readers, and only then is anything computed, each component
+// once, in the order of the graph. Values are written straight into blocks that undo steps may share, since
+// they belong to formulas that both states hold. A pause hook may stop between cells: where there is one,
+// former values are kept until the end, so that a report is never half new and half old.
+
 namespace {
 
-/// Rounds of recomputing formulas whose precedents are only found while they run.
+/// Rounds of recomputing formulas whose precedents are only found while they run (OFFSET, INDIRECT). Such a
+/// cell may come before what it reads; computed once more after the rest it is right, and a chain of them is
+/// right after as many rounds as it has links. Cells that lead back to themselves through a text never
+/// settle, and since a round costs all such formulas again, there must be an end: chains beyond it keep what
+/// the last round gave.
 constexpr int maxUnlistedRounds = 64;
 
 /// Cells computed between two questions to the pause hook.

@@ -7,6 +7,10 @@
 
 namespace spreadsheet {
 
+// A condition is read once and compared with up to a million cells, so everything that can be decided from
+// its text alone (kind, operator, folded letters, wildcards) is decided in the constructor, and the
+// comparison works on a cell's kind and bytes without making a value of them.
+
 namespace {
 
 using Comparison = Criterion::Comparison;

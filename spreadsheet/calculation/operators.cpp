@@ -8,6 +8,10 @@
 
 namespace spreadsheet {
 
+// Operators, conditions and functions must coerce alike, or A1=B1 and a lookup would disagree; so all of them
+// come down to the rules of coercion, and here stands only what operators add: which side's error wins, noise
+// of the last binary places that counts as zero, and how arrays of different shapes meet.
+
 namespace {
 
 Value finite(double number)

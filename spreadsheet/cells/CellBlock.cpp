@@ -6,6 +6,10 @@
 
 namespace spreadsheet {
 
+// Numbers lie beside numbers and kinds beside kinds, so that sums and block evaluation run over plain
+// arrays. What few cells have (formula, tag, shown text) is an array that only blocks with one such cell
+// have. It grows at both ends, because cells are typed above others as well as below.
+
 namespace {
 
 int roundedCapacity(int count)

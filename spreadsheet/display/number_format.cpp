@@ -12,6 +12,10 @@
 
 namespace spreadsheet {
 
+// A number is turned into decimal digits once, rounded once, and then laid into the places of the format,
+// which may be several to the left, shifted by percent or thousands, or a fraction. Rounding again on the way
+// would show 0.1+0.2 in a way that depends on the format.
+
 namespace {
 
 using Kind = FormatPart::Kind;

@@ -8,6 +8,11 @@
 
 namespace spreadsheet {
 
+// A code means something as a whole or not at all: a cell whose code is half understood would show a wrong
+// number. So a code is read into sections before anything is shown, and where a part of it makes no sense
+// there is no result and the cell shows its value by its type. What a letter means may depend on what follows
+// ("m" is months or minutes), which is settled when all parts are there.
+
 namespace {
 
 using Kind = FormatPart::Kind;

@@ -9,6 +9,11 @@
 
 namespace spreadsheet {
 
+// Formulas come from files and from the clipboard, so nesting must not use up the program's stack: operators
+// and brackets wait on stacks of our own. Which code an argument becomes depends on the call around it
+// (single value, range, element by element, branch), hence each open bracket keeps what is known of its call,
+// and code is emitted as soon as it is certain, without a tree in between.
+
 namespace {
 
 struct OperatorRule {

@@ -37,6 +37,8 @@ bool isBlockwise(const Formula& formula)
 
 } // namespace
 
+/// Pieces and slots, not the text: a formula filled down has another text in each row but the same distances,
+/// and a million cells must share one text, one code and one number.
 std::string FormulaPool::key(const std::vector<std::string>& pieces, const std::vector<ReferenceSlot>& slots,
                              bool asArray)
 {

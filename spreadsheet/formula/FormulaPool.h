@@ -17,6 +17,10 @@ namespace spreadsheet {
 inline constexpr std::size_t maxFormulaText = 32'768;
 
 /// All formulas of a workbook in relative form, each once. Numbers count from 1; 0 means no formula.
+///
+/// Cells, names and undo steps hold numbers only, so a number means the same formula for ever: nothing is
+/// taken out of the pool, and a formula with other references is another number. Only a sheet's new name is
+/// written into formulas where they stand, since it changes their text in every state, former ones too.
 class FormulaPool {
 public:
     /// @param findFunction  the functions of the language

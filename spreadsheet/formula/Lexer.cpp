@@ -9,6 +9,12 @@
 
 namespace spreadsheet {
 
+// A formula is shown letter by letter as it was typed, though it is kept relative to its cell: so every byte
+// goes either into a piece of literal text or into a reference that can render itself again, blanks and
+// lower-case letters included. The same word may be a cell, a name, a function or a sheet, and only what
+// follows tells; a word is a reference where it can be one. Full-width signs are taken for the plain ones,
+// since Chinese input methods produce them in the middle of a formula.
+
 namespace {
 
 bool isDigit(char c)

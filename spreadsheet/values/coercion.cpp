@@ -11,6 +11,10 @@
 
 namespace spreadsheet {
 
+// One rule for operators, conditions and functions: what counts as a number in one place must count in all.
+// Figures go before fractions and dates, because most texts that are numbers at all are figures and dates are
+// the slowest to read.
+
 namespace {
 
 /// Takes one of the currency signs off the front.

@@ -10,6 +10,10 @@
 
 namespace spreadsheet {
 
+// Dates are typed and imported in Chinese, ISO, American and English notation, and which one a text is in
+// shows only while it is read. A text is a date only if all of it is read: anything left over makes it a text
+// again, so that "12-3 号" does not silently become a day.
+
 namespace {
 
 /// A number as it stands in a date: its digits tell a year from a day.

@@ -9,6 +9,10 @@
 
 namespace spreadsheet {
 
+// People check reports against what they see, so rounding works on the decimal that a number shows, not on
+// the binary number behind it: 1.005 rounds to 1.01. Everything is done on whole coefficients, which no step
+// can spoil, and goes back to the nearest double at the end.
+
 namespace {
 
 constexpr int shownDigits = 15;

@@ -11,6 +11,10 @@
 
 namespace spreadsheet {
 
+// Every change goes the same way: the step is open, the column or the settings are kept before they change,
+// then the change, then the recalculation is told which cells are others. A writer that skips the first
+// cannot be undone; one that skips the last leaves old figures on the sheet.
+
 Sheet::Sheet(Workbook& workbook, std::shared_ptr<BookSheet> cells)
     : m_workbook(workbook)
     , m_cells(std::move(cells))

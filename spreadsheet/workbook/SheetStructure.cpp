@@ -9,6 +9,10 @@
 
 namespace spreadsheet {
 
+// Inserting rows must not touch a million formulas one by one. References are kept relative to their cell, so
+// a formula that moves together with what it reads stays the same; only stretches of rows whose references
+// cross the place get another formula, and one formula for each such stretch.
+
 namespace {
 
 /// References through several sheets stand for the same cells of each, so edits of one leave them.
@@ -205,7 +209,10 @@ void SheetStructure::collectRewrites(const Stretch& stretch, const Sheet& sheet,
     }
 }
 
-/// The piece's formula and place after the shift.
+/// The piece's formula and place after the shift. Distances say nothing about what moves where, so every
+/// reference is taken as the cells that it means from the piece's first row, these are shifted, and the
+/// distance is taken again from where that row comes to lie. One row speaks for the piece: it was cut
+/// wherever rows would not agree.
 SheetStructure::Rewrite SheetStructure::rewritten(const Stretch& stretch, const Sheet& sheet,
                                                   const AxisShift& shift)
 {

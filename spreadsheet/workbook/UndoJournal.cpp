@@ -9,6 +9,10 @@
 
 namespace spreadsheet {
 
+// A step does not know how to undo anything: it holds what was there, and exchanging it with the present
+// makes it its own redo. Sheets come back first, since what follows may belong to a sheet that only the step
+// still holds, and cells last.
+
 namespace {
 
 /// Bytes of the blocks that `former` alone still holds.

@@ -12,6 +12,10 @@
 
 namespace spreadsheet {
 
+// The book is data that anyone may read; what may not be done to it is said here, before anything changes. A
+// refusal leaves the workbook as it was, and every change of sheets goes through one exchange, so that the
+// book's sheets and those that can be edited never differ.
+
 namespace {
 
 /// Names that a name may stand for, nested ones counted as often as they are evaluated.

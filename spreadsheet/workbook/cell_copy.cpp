@@ -9,6 +9,11 @@
 
 namespace spreadsheet {
 
+// Copying and moving look alike and are opposites: a copied formula keeps its distances and so reads other
+// cells, a moved one keeps its cells and so changes its distances, and others that read the moved cells
+// follow them. Hence a copy is a state lifted from the sheet and put down anywhere, while a move first mends
+// every reference and then carries the cells over.
+
 namespace {
 
 CellContent contentOf(const Sheet& sheet, CellAddress cell)

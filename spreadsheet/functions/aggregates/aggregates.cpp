@@ -6,6 +6,10 @@
 
 namespace spreadsheet {
 
+// Most cells of a report are sums, many over ranges that begin in the same cell and grow. So numbers are
+// handed on as spans of a block, never one by one, and a long range asks first whether the recalculation
+// keeps the state of a shorter one.
+
 namespace {
 
 template <typename State>

@@ -6,6 +6,11 @@
 
 namespace spreadsheet {
 
+// SUMIFS over a ledger asks a million rows, and a report asks it in every cell. The first question goes
+// through the rows in blocks, a mask for all conditions together; from the second one on an index answers
+// the condition that leaves the fewest rows, and only these are compared with the rest. The ways add in
+// different orders, which sums that carry their rounding error along do not show.
+
 namespace {
 
 constexpr int blockRows = CellBlock::maxCells;

@@ -4,6 +4,10 @@
 
 namespace spreadsheet {
 
+// A complex number is a text here, as cells hold no such kind: every function reads texts and writes one, and
+// hands on the letter ("i" or "j") that it was given, because a sheet that mixes both is more likely wrong
+// than meant.
+
 namespace {
 
 using Complex = std::complex<double>;

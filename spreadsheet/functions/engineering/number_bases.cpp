@@ -6,6 +6,10 @@
 
 namespace spreadsheet {
 
+// The older functions count in ten digits whose highest bit is the sign, the later ones (BASE, DECIMAL,
+// BITAND and its kind) in whole numbers without one. Both are held in 64 bits, where no step of either can
+// overflow.
+
 namespace {
 
 constexpr int mostDigits = 10;

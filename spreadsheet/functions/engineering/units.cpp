@@ -7,6 +7,10 @@
 
 namespace spreadsheet {
 
+// A unit is a row with its factor to one base unit of its quantity, so any two units of a quantity convert
+// and a new one is one row. Factors are written as products of what defines the unit, not as rounded
+// decimals: converting there and back must end where it began.
+
 namespace {
 
 enum class Quantity : std::uint8_t {

@@ -4,6 +4,10 @@
 
 namespace spreadsheet {
 
+// All of these functions are one equation solved for another of its letters, so they share it as a struct.
+// Interest is often small and periods many, where q^n - 1 taken directly loses most of its digits; it is
+// worked out through logarithms.
+
 namespace {
 
 /// Equal payments over a number of periods. Amounts received are positive, amounts paid negative; all

@@ -8,6 +8,10 @@
 
 namespace spreadsheet {
 
+// Each method is a law of its own and not to be guessed from the others: what is rounded, and when the rest
+// is written off, is a rule of accounting. So every one is a function or a struct of its own, and only ranges
+// are checked in common.
+
 namespace {
 
 Operand straightLine(Call& call)

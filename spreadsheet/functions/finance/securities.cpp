@@ -7,6 +7,10 @@
 
 namespace spreadsheet {
 
+// Prices, yields and discounts of a kind of security are one relation read in different directions. Arguments
+// are checked in one place for each kind, and what differs is a formula of two figures and a part of a year,
+// which the basis of the calendar decides.
+
 namespace {
 
 /// Securities that pay once, at maturity: settlement, maturity, two figures greater than 0, basis.

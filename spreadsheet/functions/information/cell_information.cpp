@@ -9,6 +9,9 @@
 
 namespace spreadsheet {
 
+// What CELL tells is a table: a name and a function of the described cell. What a sheet has no business to
+// know, such as the machine's memory, is answered with #N/A instead of a made-up figure.
+
 namespace {
 
 /// The first cell of a reference, which CELL and its like describe.

@@ -6,6 +6,10 @@
 
 namespace spreadsheet {
 
+// Lookups hand back the cell that they found as a reference, not its value: only so can it stand in a range
+// (A1:INDEX(…)) or be asked for its row. How a line is searched, cell by cell or by an index, is the matter
+// of `Line`.
+
 namespace {
 
 /// The value to look for: an empty cell counts as 0. Sticks at errors, also of the range.

@@ -11,6 +11,10 @@
 
 namespace spreadsheet {
 
+// These functions read what no reference of their formula names, so the graph cannot know their precedents:
+// here is only said which cells they mean. Their cells are computed again after the rest until nothing
+// changes, and a text that leads through names to itself ends at a depth.
+
 namespace {
 
 /// A whole row, a whole column or everything if a number is 0.

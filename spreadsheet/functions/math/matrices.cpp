@@ -7,6 +7,10 @@
 
 namespace spreadsheet {
 
+// Elimination takes the largest number of a column as pivot, since a small one would magnify the rounding
+// errors of all rows below. An inverse whose pivot all but vanishes is refused rather than given with digits
+// that mean nothing.
+
 namespace {
 
 /// Numbers in rows and columns.

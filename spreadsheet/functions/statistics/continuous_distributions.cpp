@@ -5,6 +5,10 @@
 
 namespace spreadsheet {
 
+// The numeric library gives densities, probabilities and quantiles; here stand the ranges in which the
+// functions answer, which are narrower than the library's, and the ends of a range, where it gives up. Upper
+// tails are asked for as such: one minus the lower tail would lose the digits of small probabilities.
+
 namespace {
 
 using BetaDistribution = boost::math::beta_distribution<double, LibraryPolicy>;

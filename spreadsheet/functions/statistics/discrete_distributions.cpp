@@ -5,6 +5,10 @@
 
 namespace spreadsheet {
 
+// Counts are cut off to whole numbers first, as the functions have it, and sums over many counts are taken
+// from the library's cumulative forms. Only where it would count too long or in vain, draws from very many
+// elements, is the sum our own, over the end with fewer and smaller terms.
+
 namespace {
 
 using Binomial = boost::math::binomial_distribution<double, LibraryPolicy>;

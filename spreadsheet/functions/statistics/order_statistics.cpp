@@ -9,6 +9,9 @@
 
 namespace spreadsheet {
 
+// A place in the order is found by partial sorting, in a time that grows with the count of numbers and not
+// with its logarithm too: medians and percentiles are asked over whole columns.
+
 namespace {
 
 /// The numbers of one argument.

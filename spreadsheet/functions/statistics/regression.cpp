@@ -6,6 +6,10 @@
 
 namespace spreadsheet {
 
+// The four functions are one fit, told or continued, of a line or of a curve through logarithms. The
+// argument's shape decides whether variables stand beside or below each other, so it is read once, into
+// points that no longer know how they lay.
+
 namespace {
 
 using SharedArray = std::shared_ptr<const Array>;

@@ -11,6 +11,10 @@
 
 namespace spreadsheet {
 
+// Positions count UTF-16 units, as formulas from other programs expect, while texts are UTF-8: every function
+// that takes a position converts it and never cuts a character in two. Results grow with repeated calls, so
+// length is checked before a text is put together, not after.
+
 namespace {
 
 /// Characters that a cell can hold; longer results are #VALUE!.

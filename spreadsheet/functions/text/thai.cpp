@@ -7,6 +7,10 @@
 
 namespace spreadsheet {
 
+// Amounts in words are read aloud in groups of six digits, each like a number of its own, with words of their
+// own for a trailing one and for twenty; so spelling works on decimal digits as they are shown, never on the
+// binary number.
+
 namespace {
 
 constexpr std::array<std::string_view, 10> digitWords{"ศูนย์", "หนึ่ง", "สอง", "สาม", "สี่",
