@@ -1,0 +1,25 @@
+#pragma once
+// What a cell can hold and how it is read and counted: values and their texts, addresses, dates, decimals,
+// letters and their folding, coercion, compensated sums. It knows neither sheets nor formulas. What other
+// rooms may include:
+#include "spreadsheet/values/Array.h"
+#include "spreadsheet/values/cancellation.h"
+#include "spreadsheet/values/case_fold.h"
+#include "spreadsheet/values/CellAddress.h"
+#include "spreadsheet/values/CellError.h"
+#include "spreadsheet/values/characters.h"
+#include "spreadsheet/values/clock.h"
+#include "spreadsheet/values/coercion.h"
+#include "spreadsheet/values/CompensatedSum.h"
+#include "spreadsheet/values/date_names.h"
+#include "spreadsheet/values/date_serial.h"
+#include "spreadsheet/values/date_text.h"
+#include "spreadsheet/values/decimal.h"
+#include "spreadsheet/values/decimal_text.h"
+#include "spreadsheet/values/folding.h"
+#include "spreadsheet/values/html_escape.h"
+#include "spreadsheet/values/number_text.h"
+#include "spreadsheet/values/numerals.h"
+#include "spreadsheet/values/Refusal.h"
+#include "spreadsheet/values/Text.h"
+#include "spreadsheet/values/Value.h"
