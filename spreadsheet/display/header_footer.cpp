@@ -21,9 +21,9 @@ std::optional<double> parsePoints(std::string_view text)
     return points;
 }
 
-class CodeReader {
+class HeaderCodeReader {
 public:
-    explicit CodeReader(std::string_view codes)
+    explicit HeaderCodeReader(std::string_view codes)
         : m_rest(codes)
     {
     }
@@ -142,7 +142,7 @@ private:
 
 std::vector<HeaderLine> readHeaderFooter(std::string_view codes)
 {
-    return CodeReader(codes).read();
+    return HeaderCodeReader(codes).read();
 }
 
 int headerLineHeight(const HeaderLine& line)

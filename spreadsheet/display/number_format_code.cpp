@@ -29,9 +29,9 @@ bool startsWithFolded(std::string_view text, std::string_view prefix)
            std::ranges::equal(text.substr(0, prefix.size()), prefix, {}, lower, lower);
 }
 
-class CodeReader {
+class FormatCodeReader {
 public:
-    explicit CodeReader(std::string_view code)
+    explicit FormatCodeReader(std::string_view code)
         : m_rest(code)
     {
     }
@@ -354,7 +354,7 @@ bool FormatSection::holds(double number) const
 
 std::optional<std::vector<FormatSection>> parseFormatCode(std::string_view code)
 {
-    return CodeReader(code).read();
+    return FormatCodeReader(code).read();
 }
 
 } // namespace spreadsheet

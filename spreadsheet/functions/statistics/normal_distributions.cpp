@@ -108,17 +108,17 @@ Operand fisherTransform(Call& call)
 
 constexpr auto normalDistributionFamily = FunctionFamily::statistical;
 constexpr std::string_view normalArguments = "x,平均值,标准偏差,累积";
-constexpr std::string_view quantileArguments = "概率,平均值,标准偏差";
+constexpr std::string_view normalQuantileArguments = "概率,平均值,标准偏差";
 
 const FunctionDescriptor normalDistributionTable[] = {
     {"NORMDIST", 4, 4, "vvvv", normalDistributionFamily, normalArguments, "返回正态分布的累积概率或密度",
      normalDistribution},
     {"NORM.DIST", 4, 4, "vvvv", normalDistributionFamily, normalArguments, "返回正态分布的累积概率或密度",
      normalDistribution},
-    {"NORMINV", 3, 3, "vvv", normalDistributionFamily, quantileArguments, "返回正态分布累积概率的反函数值",
-     normalQuantile},
-    {"NORM.INV", 3, 3, "vvv", normalDistributionFamily, quantileArguments, "返回正态分布累积概率的反函数值",
-     normalQuantile},
+    {"NORMINV", 3, 3, "vvv", normalDistributionFamily, normalQuantileArguments,
+     "返回正态分布累积概率的反函数值", normalQuantile},
+    {"NORM.INV", 3, 3, "vvv", normalDistributionFamily, normalQuantileArguments,
+     "返回正态分布累积概率的反函数值", normalQuantile},
     {"NORMSDIST", 1, 1, "v", normalDistributionFamily, "z", "返回标准正态分布的累积概率", ofNumber<share>},
     {"NORM.S.DIST", 2, 2, "vv", normalDistributionFamily, "z,累积", "返回标准正态分布的累积概率或密度",
      standardDistribution},
@@ -134,9 +134,9 @@ const FunctionDescriptor normalDistributionTable[] = {
      logNormalDistribution<false>},
     {"LOGNORM.DIST", 4, 4, "vvvv", normalDistributionFamily, normalArguments,
      "返回对数正态分布的累积概率或密度", logNormalDistribution<true>},
-    {"LOGINV", 3, 3, "vvv", normalDistributionFamily, quantileArguments, "返回对数正态分布累积概率的反函数值",
-     logNormalQuantile},
-    {"LOGNORM.INV", 3, 3, "vvv", normalDistributionFamily, quantileArguments,
+    {"LOGINV", 3, 3, "vvv", normalDistributionFamily, normalQuantileArguments,
+     "返回对数正态分布累积概率的反函数值", logNormalQuantile},
+    {"LOGNORM.INV", 3, 3, "vvv", normalDistributionFamily, normalQuantileArguments,
      "返回对数正态分布累积概率的反函数值", logNormalQuantile},
     {"STANDARDIZE", 3, 3, "vvv", normalDistributionFamily, "x,平均值,标准偏差",
      "返回按平均值和标准偏差正态化的数值", standardized},

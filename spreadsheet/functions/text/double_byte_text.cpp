@@ -9,19 +9,19 @@ namespace spreadsheet {
 namespace {
 
 template <auto convert>
-Operand ofText(Call& call)
+Operand ofWidth(Call& call)
 {
     const std::string text = call.text(0);
     return call.failed() ? call.error() : Operand(Value::text(convert(text)));
 }
 
-Operand length(Call& call)
+Operand lengthInBytes(Call& call)
 {
     const std::string text = call.text(0);
     return call.failed() ? call.error() : Operand(static_cast<double>(byteCount(text)));
 }
 
-Operand left(Call& call)
+Operand leftBytes(Call& call)
 {
     const std::string text = call.text(0);
     const int count = call.integer(1, 1);
@@ -31,7 +31,7 @@ Operand left(Call& call)
                      : Operand(Value::text(bytesOf(text, 0, static_cast<std::size_t>(count))));
 }
 
-Operand right(Call& call)
+Operand rightBytes(Call& call)
 {
     const std::string text = call.text(0);
     const int count = call.integer(1, 1);
@@ -44,7 +44,7 @@ Operand right(Call& call)
     return Value::text(bytesOf(text, all - taken, taken));
 }
 
-Operand middle(Call& call)
+Operand middleBytes(Call& call)
 {
     const std::string text = call.text(0);
     const int first = call.integer(1);
@@ -56,7 +56,7 @@ Operand middle(Call& call)
     return Value::text(bytesOf(text, static_cast<std::size_t>(first) - 1, static_cast<std::size_t>(count)));
 }
 
-Operand replaced(Call& call)
+Operand replacedBytes(Call& call)
 {
     const std::string text = call.text(0);
     const int first = call.integer(1);
@@ -73,7 +73,7 @@ Operand replaced(Call& call)
 
 /// FINDB and SEARCHB: where a text begins, counted in bytes from 1.
 template <bool withWildcards>
-Operand position(Call& call)
+Operand bytePosition(Call& call)
 {
     const std::string wanted = call.text(0);
     const std::string text = call.text(1);
@@ -98,21 +98,21 @@ Operand position(Call& call)
 constexpr auto doubleByteTextFamily = FunctionFamily::text;
 
 const FunctionDescriptor doubleByteTextTable[] = {
-    {"LENB", 1, 1, "v", doubleByteTextFamily, "文本", "返回文本的字节数，一个汉字计两个字节", length},
-    {"LEFTB", 1, 2, "vv", doubleByteTextFamily, "文本,[字节数]", "返回文本开头的若干字节", left},
-    {"RIGHTB", 1, 2, "vv", doubleByteTextFamily, "文本,[字节数]", "返回文本末尾的若干字节", right},
+    {"LENB", 1, 1, "v", doubleByteTextFamily, "文本", "返回文本的字节数，一个汉字计两个字节", lengthInBytes},
+    {"LEFTB", 1, 2, "vv", doubleByteTextFamily, "文本,[字节数]", "返回文本开头的若干字节", leftBytes},
+    {"RIGHTB", 1, 2, "vv", doubleByteTextFamily, "文本,[字节数]", "返回文本末尾的若干字节", rightBytes},
     {"MIDB", 3, 3, "vvv", doubleByteTextFamily, "文本,开始位置,字节数", "返回文本中从指定字节开始的若干字节",
-     middle},
+     middleBytes},
     {"FINDB", 2, 3, "vvv", doubleByteTextFamily, "要找的文本,文本,[开始位置]",
-     "返回一段文本在另一段文本中的字节位置，区分大小写", position<false>},
+     "返回一段文本在另一段文本中的字节位置，区分大小写", bytePosition<false>},
     {"SEARCHB", 2, 3, "vvv", doubleByteTextFamily, "要找的文本,文本,[开始位置]",
-     "返回一段文本在另一段文本中的字节位置，不区分大小写，可用通配符", position<true>},
+     "返回一段文本在另一段文本中的字节位置，不区分大小写，可用通配符", bytePosition<true>},
     {"REPLACEB", 4, 4, "vvvv", doubleByteTextFamily, "文本,开始位置,字节数,新文本",
-     "将文本中指定的字节替换为新文本", replaced},
-    {"ASC", 1, 1, "v", doubleByteTextFamily, "文本", "将全角字符转换为半角字符", ofText<halfWidth>},
-    {"DBCS", 1, 1, "v", doubleByteTextFamily, "文本", "将半角字符转换为全角字符", ofText<fullWidth>},
-    {"JIS", 1, 1, "v", doubleByteTextFamily, "文本", "将半角字符转换为全角字符", ofText<fullWidth>},
-    {"WIDECHAR", 1, 1, "v", doubleByteTextFamily, "文本", "将半角字符转换为全角字符", ofText<fullWidth>},
+     "将文本中指定的字节替换为新文本", replacedBytes},
+    {"ASC", 1, 1, "v", doubleByteTextFamily, "文本", "将全角字符转换为半角字符", ofWidth<halfWidth>},
+    {"DBCS", 1, 1, "v", doubleByteTextFamily, "文本", "将半角字符转换为全角字符", ofWidth<fullWidth>},
+    {"JIS", 1, 1, "v", doubleByteTextFamily, "文本", "将半角字符转换为全角字符", ofWidth<fullWidth>},
+    {"WIDECHAR", 1, 1, "v", doubleByteTextFamily, "文本", "将半角字符转换为全角字符", ofWidth<fullWidth>},
 };
 
 } // namespace
