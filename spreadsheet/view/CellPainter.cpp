@@ -116,6 +116,7 @@ void CellPainter::paint(QPainter& painter, const Sheet& sheet, const CellGeometr
     if (part.rowTracks.empty() || part.columnTracks.empty())
         return;
     const PageCells cells(sheet, part, geometry.lengths());
+    m_paintedCells += part.rowTracks.size() * part.columnTracks.size();
     painter.fillRect(pane.rect, Qt::white);
     drawBackgrounds(painter, cells, true);
     paintControls(painter, cells);

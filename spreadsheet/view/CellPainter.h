@@ -2,6 +2,7 @@
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/view/CellGeometry.h"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -27,12 +28,15 @@ public:
     std::optional<CellAddress> pressed;       ///< a button that is held down
 
     PageText& text() { return m_text; }
+    /// Cells in all parts that it has painted so far.
+    std::uint64_t paintedCells() const { return m_paintedCells; }
 
 private:
     void paintControls(QPainter& painter, const PageCells& cells);
     void paintMarks(QPainter& painter, const PageCells& cells);
 
     PageText m_text;
+    std::uint64_t m_paintedCells = 0;
 };
 
 /// The square of a check box in its cell.

@@ -62,6 +62,8 @@ public:
     bool update();
     void repaintAll();
     void paint(QPainter& painter, const QRegion& region);
+    /// How many cells it has painted since the zoom was set.
+    std::uint64_t paintedCells() const { return m_cells.paintedCells(); }
 
 private:
     SelectionPainter painter() const { return {sheet(), m_geometry, m_selection}; }

@@ -73,9 +73,11 @@ public:
     void setTopLeftCell(CellAddress cell);
     void bringIntoSight(CellAddress cell);
     double zoom() const; ///< 1: 100 %
-    void refresh();      ///< shows all changes at once
+    void showChanges();  ///< at once, and paints nothing else
+    void refresh();      ///< likewise, and paints all that is seen anew
+    const SheetView& view() const { return *m_view; }
     /// Why a cell of a sheet (by id) shows a mark in its corner, as tooltip; an empty text: it has none.
-    /// The provider is asked for visible cells only, again after each refresh.
+    /// The provider is asked for visible cells only, again whenever changes are shown.
     void setCellNotes(std::function<QString(int sheetId, CellAddress cell)> notes);
     void setHeadingsShown(bool columns, bool rows);
     /// Texts in the headings of the first columns instead of their letters.
@@ -234,7 +236,6 @@ private:
     // Of the view
     void layOut();
     void adjustScrollBars();
-    void showChanges();
     void placesChanged();
     void scrollTo(CellAddress topLeft);
     void changeSelection(const std::function<void(Selection&, const Sheet&)>& change);

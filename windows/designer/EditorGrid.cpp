@@ -3,7 +3,6 @@
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "state/shared_state.h"
 #include "windows/designer/EditorStatus.h"
-#include "windows/designer/FormulaBox.h"
 
 #include <QLineEdit>
 
@@ -76,7 +75,6 @@ spreadsheet::Refusal frmEditor::EditorGrid::writeFormula(const QString& formula)
     if (auto refused = grid.setFormula(formula))
         return refused;
     grid.afterEdit(spreadsheet::CellAddress{gCellCol, gCellRow});
-    m_window.m_formulaBox->fill();
     return {};
 }
 

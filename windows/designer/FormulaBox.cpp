@@ -78,10 +78,6 @@ FormulaBox::FormulaBox(QLineEdit& edit, spreadsheet::SpreadsheetControl& grid)
                 frames.push_back({m_grid.workbook().sheet(cells.sheet).id(), cells.range, cells.colour});
         m_grid.setReferenceFrames(std::move(frames));
     });
-    connect(&grid, &spreadsheet::SpreadsheetControl::cellChanged, this, [this](int column, int row) {
-        if (column < 0 || CellAddress{column, row} == m_cell)
-            fill();
-    });
     fill();
 }
 

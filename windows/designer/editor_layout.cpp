@@ -220,14 +220,13 @@ void frmEditor::connectGrid()
                                      QStringLiteral("表间取数公式"));
     m_fps1->ask = [](const QString& question) { return dialogs().question(gTitle, question.toStdString()); };
     m_fps1->recalculateChanged = [this] {
-        recalculate(Extent::changes, [this] { return m_evaluation.recalculateChanged(); });
+        compute(Extent::changes, [this] { return m_evaluation.recalculateChanged(); });
     };
     m_fps1->setCellNotes([this](int sheetId, spreadsheet::CellAddress cell) {
         return m_diagnostics->reasonFor({m_fps1->workbook().sheetIndexOfId(sheetId), cell.column, cell.row});
     });
     connect(m_fps1, &SpreadsheetControl::leaveCell, this, &frmEditor::fps1_LeaveCell);
     connect(m_fps1, &SpreadsheetControl::selectionChanged, this, &frmEditor::enterCell);
-    connect(m_fps1, &SpreadsheetControl::sheetChanged, this, &frmEditor::enterCell);
     connect(m_fps1, &SpreadsheetControl::cellChanged, this, &frmEditor::enterCell);
     connect(m_fps1, &SpreadsheetControl::refused, m_status,
             [this](const QString& why) { m_status->showMessage(why); });

@@ -158,7 +158,7 @@ void frmEditor::hookUpAgain()
         m_fps1->changeStyle([](spreadsheet::CellStyle& style) { style.locked = false; });
     }
     addSelfFunction();
-    m_fps1->refresh();
+    m_fps1->showChanges();
     enterCell();
 }
 

@@ -130,7 +130,7 @@ void frmEditor::paintEvent(QPaintEvent* event)
 void frmEditor::finishOpening()
 {
     if (std::exchange(m_opensForUse, false))
-        recalculate(Extent::everything, [this] { return m_evaluation.recalculate(); });
+        recalculateAll([this] { return m_evaluation.recalculate(); });
 }
 
 void frmEditor::addSelfFunction()
@@ -286,7 +286,7 @@ QString frmEditor::modeText() const
 }
 
 /// Recalculates while the user may cancel. What was cancelled stays told until it is computed.
-void frmEditor::recalculate(Extent extent, const std::function<bool()>& recalculation)
+void frmEditor::compute(Extent extent, const std::function<bool()>& recalculation)
 {
     bool isComplete = false;
     {
@@ -298,7 +298,12 @@ void frmEditor::recalculate(Extent extent, const std::function<bool()>& recalcul
     else if (extent >= m_cancelled)
         m_cancelled = Extent::none;
     tellFetches();
-    m_fps1->refresh();
+}
+
+void frmEditor::recalculateAll(const std::function<bool()>& recalculation)
+{
+    compute(Extent::everything, recalculation);
+    m_fps1->showChanges();
     enterCell();
 }
 
@@ -318,19 +323,19 @@ void frmEditor::forgetFetches()
 
 void frmEditor::MenuRecalculate_Click()
 {
-    recalculate(Extent::everything, [this] { return m_evaluation.recalculate(); });
+    recalculateAll([this] { return m_evaluation.recalculate(); });
 }
 
 void frmEditor::MenuShowFormula_Click()
 {
     m_evaluation.showFormulas();
-    m_fps1->refresh();
+    m_fps1->showChanges();
     enterCell();
 }
 
 void frmEditor::MenuShowDate_Click()
 {
-    recalculate(Extent::everything, [this] { return m_evaluation.showData(); });
+    recalculateAll([this] { return m_evaluation.showData(); });
 }
 
 /// Dialogs work on this cell, whatever becomes active meanwhile.
@@ -441,7 +446,7 @@ void frmEditor::MenuSetTableInfo_Click()
 {
     gActiveSheet = static_cast<std::int16_t>(m_fps1->activeSheet());
     frmTableInfo(*m_fps1, this).exec();
-    m_fps1->refresh();
+    m_fps1->showChanges();
     enterCell();
 }
 

@@ -122,7 +122,8 @@ private:
     void keepCell();
     void showCellLooks();
     enum class Extent { none, changes, everything };
-    void recalculate(Extent extent, const std::function<bool()>& recalculation);
+    void compute(Extent extent, const std::function<bool()>& recalculation);
+    void recalculateAll(const std::function<bool()>& recalculation);
     QString modeText() const;
     void importIntoReport();
     void importFile(const FileDialogSettings& settings);

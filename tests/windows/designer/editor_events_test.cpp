@@ -1,4 +1,6 @@
 // The order of the grid's events while a user works with the formula box beside it.
+#include "spreadsheet/view/FormulaAssistant.h"
+#include "spreadsheet/view/SheetView.h"
 #include "tests/windows/designer/DesignerTest.h"
 
 #include <QTabBar>
@@ -100,6 +102,53 @@ TEST_F(EditorEvents, OfARefusedText)
          "leave>-1,-1 edit-on changed 1,1 edit-changed leave>-1,-1 sheet selected "},
     });
     EXPECT_EQ(grid().workbook().sheet(1).formula({1, 1}), "2*Sheet2!A1+1");
+}
+
+/// Each edit, recalculation and change of sheet fills the formula box once.
+TEST_F(EditorEvents, EnterTheCellOnce)
+{
+    demand(grid().setSheetCount(2));
+    int entered = 0;
+    QObject::connect(box().findChild<spreadsheet::FormulaAssistant*>(),
+                     &spreadsheet::FormulaAssistant::colouredCellsChanged, [&] { ++entered; });
+    const auto count = [&](const std::function<void()>& work) {
+        work();
+        return std::exchange(entered, 0);
+    };
+    EXPECT_EQ(count([&] { typeInCell("5"); }), 2) << "the cell that changes, then the next one";
+    EXPECT_EQ(count([&] { trigger("MenuRecalculate"); }), 1);
+    EXPECT_EQ(count([&] { grid().setActiveSheet(2); }), 1);
+}
+
+TEST_F(EditorEvents, ARecalculationPaintsOnlyTheRowsThatItChanged)
+{
+    demand(grid().setColumnCount(120));
+    demand(grid().setRowCount(200));
+    for (int line = 1; line <= 120; ++line) {
+        grid().setRowHeight(line, 150);
+        grid().setColumnWidth(line, 225);
+    }
+    demand(grid().sheet().setFormula({2, 50}, "A1*2"));
+    window->resize(2800, 2600);
+    QApplication::processEvents();
+    grid().grab();
+    const auto& geometry = grid().view().geometry();
+    const std::size_t columns = geometry.columnTracks().size();
+    ASSERT_GE(geometry.rowTracks().size() * columns, 10'000U);
+    const auto paintedRows = [&](const std::function<void()>& work) {
+        const std::uint64_t before = grid().view().paintedCells();
+        work();
+        QApplication::processEvents();
+        grid().grab();
+        return (grid().view().paintedCells() - before) / columns;
+    };
+    const std::uint64_t withNeighbours = 5; // whose borders lie on the row's
+    EXPECT_LE(paintedRows([&] { typeInCell("5"); }), 2 * withNeighbours) << "rows 1 and 50";
+    EXPECT_EQ(grid().text(2, 50), "10");
+    EXPECT_EQ(paintedRows([&] { trigger("MenuRecalculate"); }), 0U);
+    grid().sheet().setNumber({1, 1}, 6);
+    EXPECT_GE(paintedRows([&] { trigger("MenuRecalculate"); }), 2U);
+    EXPECT_GE(paintedRows([&] { grid().refresh(); }), geometry.rowTracks().size());
 }
 
 } // namespace
