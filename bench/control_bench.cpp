@@ -55,7 +55,7 @@ std::unique_ptr<Workbook> longSheet(int rows, int filledRows)
 std::unique_ptr<SpreadsheetControl> shownControl(Workbook& workbook)
 {
     auto control = std::make_unique<SpreadsheetControl>();
-    control->setWorkbook(&workbook);
+    control->cells().setWorkbook(&workbook);
     // Room for the cells, headings, scroll bar and tabs.
     control->resize(shownColumns * 72 + 90, shownRows * 19 + 60);
     control->show();
@@ -118,7 +118,7 @@ Figures measure(Workbook& workbook)
         painted.wait();
     });
     figures.cursor = milliseconds(settle, [&] {
-        const bool atTop = control->activeCell().row == 1;
+        const bool atTop = control->cursor().activeCell().row == 1;
         QKeyEvent down(QEvent::KeyPress, atTop ? Qt::Key_Down : Qt::Key_Up, Qt::NoModifier);
         QApplication::sendEvent(control.get(), &down);
         painted.wait();

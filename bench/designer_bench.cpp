@@ -65,7 +65,8 @@ void storeReport()
 /// Whether the last row's sum has come out of fetched figures.
 bool hasValues(frmEditor& window)
 {
-    return !window.fps1().text(1, rowCount).isEmpty() && !window.fps1().text(10, rowCount).isEmpty();
+    return !window.fps1().cells().text(1, rowCount).isEmpty() &&
+           !window.fps1().cells().text(10, rowCount).isEmpty();
 }
 
 bool isSaved(const RecordingDialogs& boxes)

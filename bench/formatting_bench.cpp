@@ -30,27 +30,27 @@ void require(bool holds, const char* what)
 void benchBold(BenchTable& table, const std::string& what, const CellRange& selected, int formatsThere = 1)
 {
     SpreadsheetControl grid;
-    grid.workbook().setUndoEnabled(false);
-    demand(grid.setRowCount(rows));
-    fillNumbers(grid.sheet(), 20, 5000);
+    grid.cells().workbook().setUndoEnabled(false);
+    demand(grid.cells().setRowCount(rows));
+    fillNumbers(grid.cells().sheet(), 20, 5000);
     for (int row = 1; row <= 5000 && formatsThere > 1; ++row)
         for (int column = 1; column <= 20; ++column)
-            grid.changeStyle({column, row, column, row}, [&](CellStyle& style) {
+            grid.cells().changeStyle({column, row, column, row}, [&](CellStyle& style) {
                 style.foreground = static_cast<Colour>((row + column) % formatsThere);
             });
-    grid.workbook().setUndoEnabled(true);
+    grid.cells().workbook().setUndoEnabled(true);
     grid.resize(1200, 700);
     grid.show();
-    grid.select(selected);
+    grid.cursor().select(selected);
     QCoreApplication::processEvents();
     const CellAddress corner{selected.right, selected.bottom};
-    const auto bold = [&] { return grid.sheet().style(corner).font.bold; };
+    const auto bold = [&] { return grid.cells().sheet().style(corner).font.bold; };
     const auto once = [&] {
         selfreport::toggleBold(grid);
         grid.repaint();
     };
     const auto back = [&] {
-        grid.undo();
+        grid.commands().undo();
         grid.repaint();
     };
     table.row(what,

@@ -10,28 +10,28 @@ namespace {
 
 void put(SpreadsheetControl& control, int column, int row, const char* text)
 {
-    control.setText(column, row, QString::fromUtf8(text));
+    control.cells().setText(column, row, QString::fromUtf8(text));
 }
 
 void putNumber(SpreadsheetControl& control, int column, int row, double number, CellType type)
 {
-    control.sheet().setNumber({column, row}, number);
-    control.changeStyle({column, row, column, row}, [type](CellStyle& style) { style.type = type; });
+    control.cells().sheet().setNumber({column, row}, number);
+    control.cells().changeStyle({column, row, column, row}, [type](CellStyle& style) { style.type = type; });
 }
 
 void fillTitle(SpreadsheetControl& control)
 {
     put(control, 1, 1, "资产负债表");
-    control.addSpan({1, 1, 6, 1});
-    control.changeStyle({1, 1, 1, 1}, [](CellStyle& style) {
+    control.cells().addSpan({1, 1, 6, 1});
+    control.cells().changeStyle({1, 1, 1, 1}, [](CellStyle& style) {
         style.font.family = Text("黑体");
         style.font.points = 16;
         style.font.bold = true;
         style.horizontal = HorizontalAlignment::centre;
     });
-    control.setRowHeight(1, 480);
-    control.setColumnWidth(1, 2000);
-    control.setColumnWidth(2, 1500);
+    control.cells().setRowHeight(1, 480);
+    control.cells().setColumnWidth(1, 2000);
+    control.cells().setColumnWidth(2, 1500);
     put(control, 1, 2, "编制单位：某某贸易有限公司，这段文字伸进右边的空单元格");
 }
 
@@ -55,27 +55,27 @@ void fillTypes(SpreadsheetControl& control)
     putNumber(control, 3, row, 123456789012, CellType::currency);
     put(control, 1, ++row, "按钮");
     put(control, 2, row, "取数");
-    control.changeStyle({2, row, 2, row}, [](CellStyle& style) { style.type = CellType::button; });
+    control.cells().changeStyle({2, row, 2, row}, [](CellStyle& style) { style.type = CellType::button; });
     put(control, 1, ++row, "下拉列表");
     put(control, 2, row, "部门");
-    control.changeStyle({2, row, 2, row}, [](CellStyle& style) { style.type = CellType::dropDown; });
-    control.setCurrent(2, row);
-    control.setDropDown(
+    control.cells().changeStyle({2, row, 2, row}, [](CellStyle& style) { style.type = CellType::dropDown; });
+    control.cells().setCurrent(2, row);
+    control.cells().setDropDown(
         {QStringLiteral("部门"), QStringLiteral("客户"), QStringLiteral("供应商"), QStringLiteral("商品")});
     put(control, 1, ++row, "复选框");
     for (const int column : {2, 3}) {
-        control.changeStyle({column, row, column, row},
-                            [](CellStyle& style) { style.type = CellType::checkBox; });
-        control.sheet().setValue({column, row}, Value::boolean(column == 2));
+        control.cells().changeStyle({column, row, column, row},
+                                    [](CellStyle& style) { style.type = CellType::checkBox; });
+        control.cells().sheet().setValue({column, row}, Value::boolean(column == 2));
     }
     put(control, 1, ++row, "自动换行的长文字会分成几行显示在同一个单元格里");
-    control.changeStyle({1, row, 1, row}, [](CellStyle& style) { style.wrap = true; });
-    control.setRowHeight(row, 700);
-    control.setCurrent(2, ++row);
+    control.cells().changeStyle({1, row, 1, row}, [](CellStyle& style) { style.wrap = true; });
+    control.cells().setRowHeight(row, 700);
+    control.cells().setCurrent(2, ++row);
     put(control, 1, row, "公式");
-    demand(control.setFormula(QStringLiteral("SUM(B6:B7)/0")));
-    control.setCurrent(3, row);
-    demand(control.setFormula(QStringLiteral("B6>B7")));
+    demand(control.cells().setFormula(QStringLiteral("SUM(B6:B7)/0")));
+    control.cells().setCurrent(3, row);
+    demand(control.cells().setFormula(QStringLiteral("B6>B7")));
 }
 
 void fillBorders(SpreadsheetControl& control)
@@ -85,8 +85,8 @@ void fillBorders(SpreadsheetControl& control)
     for (std::size_t style = 0; style < names.size(); ++style) {
         const int row = 4 + static_cast<int>(style);
         put(control, 5, row, names[style]);
-        control.setBorder({5, row, 5, row}, allSides, 0x000080, static_cast<LineStyle>(style));
-        control.setRowHeight(row, row == 14 ? 700 : 360);
+        control.cells().setBorder({5, row, 5, row}, allSides, 0x000080, static_cast<LineStyle>(style));
+        control.cells().setRowHeight(row, row == 14 ? 700 : 360);
     }
 }
 
@@ -103,7 +103,7 @@ void fillFonts(SpreadsheetControl& control)
     put(control, 7, 12, "靠上");
     put(control, 7, 13, "靠下");
     const auto style = [&](int row, const std::function<void(CellStyle&)>& change) {
-        control.changeStyle({7, row, 7, row}, change);
+        control.cells().changeStyle({7, row, 7, row}, change);
     };
     style(4, [](CellStyle& s) { s.font.bold = true; });
     style(5, [](CellStyle& s) { s.font.italic = true; });
@@ -121,25 +121,25 @@ void fillFonts(SpreadsheetControl& control)
     });
     style(12, [](CellStyle& s) { s.vertical = VerticalAlignment::top; });
     style(13, [](CellStyle& s) { s.vertical = VerticalAlignment::bottom; });
-    control.setColumnWidth(7, 1600);
+    control.cells().setColumnWidth(7, 1600);
 }
 
 } // namespace
 
 void fillDemo(SpreadsheetControl& control)
 {
-    demand(control.setSheetCount(3));
-    demand(control.setSheetName(QStringLiteral("资产负债表")));
+    demand(control.cells().setSheetCount(3));
+    demand(control.cells().setSheetName(QStringLiteral("资产负债表")));
     fillTitle(control);
     fillTypes(control);
     fillBorders(control);
     fillFonts(control);
-    const int first = control.sheet().id();
+    const int first = control.cells().sheet().id();
     control.setCellNotes([first](int sheetId, CellAddress cell) {
         return sheetId == first && cell == CellAddress{2, 15} ? QStringLiteral("没有科目 1009") : QString();
     });
-    control.recalculate();
-    control.setActiveCell(2, 4);
+    control.cells().recalculate();
+    control.cursor().setActiveCell(2, 4);
 }
 
 } // namespace spreadsheet

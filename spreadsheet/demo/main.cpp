@@ -61,7 +61,7 @@ public:
         connect(m_control, &SpreadsheetControl::refused, m_status, &QLabel::setText);
         connect(m_control, &SpreadsheetControl::selectionChanged, this, &DemoWindow::showSelection);
         connect(m_place, &QLineEdit::returnPressed, this, [this] {
-            if (const spreadsheet::Refusal why = m_control->goTo(m_place->text()))
+            if (const spreadsheet::Refusal why = m_control->cursor().goTo(m_place->text()))
                 m_status->setText(QString::fromStdString(why.reason()));
             else
                 m_control->setFocus();
@@ -74,8 +74,8 @@ public:
 private:
     void showSelection()
     {
-        m_place->setText(QString::fromStdString(spreadsheet::cellName(m_control->activeCell())));
-        const auto figures = m_control->selectionFigures();
+        m_place->setText(QString::fromStdString(spreadsheet::cellName(m_control->cursor().activeCell())));
+        const auto figures = m_control->cursor().selectionFigures();
         m_status->setText(
             figures.numbers < 2
                 ? QString()
@@ -91,24 +91,24 @@ private:
 void arrange(SpreadsheetControl& control, const QString& state)
 {
     if (state == QLatin1String("block"))
-        control.select({2, 4, 4, 9});
+        control.cursor().select({2, 4, 4, 9});
     if (state == QLatin1String("copied")) {
-        control.select({1, 4, 2, 7});
-        control.copy();
-        control.setActiveCell(4, 6);
+        control.cursor().select({1, 4, 2, 7});
+        control.commands().copy();
+        control.cursor().setActiveCell(4, 6);
     }
     if (state == QLatin1String("frozen")) {
-        control.setActiveCell(2, 4);
-        control.freezeHere();
-        control.setTopLeftCell({3, 7});
+        control.cursor().setActiveCell(2, 4);
+        control.commands().freezeHere();
+        control.cursor().setTopLeftCell({3, 7});
     }
     if (state == QLatin1String("edit")) {
-        control.setActiveCell(4, 12);
-        control.beginEdit(spreadsheet::EditStart::replace, QStringLiteral("=SUM(B6:B8)+B4*"));
+        control.cursor().setActiveCell(4, 12);
+        control.entry().begin(spreadsheet::EditStart::replace, QStringLiteral("=SUM(B6:B8)+B4*"));
     }
     if (state == QLatin1String("list")) {
-        control.setActiveCell(2, 12);
-        control.openDropDown();
+        control.cursor().setActiveCell(2, 12);
+        control.actions().openDropDown();
     }
 }
 

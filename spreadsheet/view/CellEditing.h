@@ -17,17 +17,25 @@ enum class EditStart {
     keep,    ///< F2, double click: the content is there, the cursor at its end
 };
 
-/// The editor that is open in a cell, as the control sees it. It lives from SpreadsheetControl::setEditing to
-/// editingEnded().
+/// What became of a text that was to be entered.
+enum class EntryOutcome {
+    refused,   ///< it stays in the editor, which shows why
+    unchanged, ///< the cell keeps what it had
+    entered,   ///< it is in the cell, and nobody has been told yet
+    told,      ///< it is in the cell, recalculated and shown
+};
+
+/// An editor of a cell's text. Its owner, GridEntry, closes it by ending its life.
 class CellEditing {
 public:
     virtual ~CellEditing() = default;
 
     virtual CellAddress cell() const = 0;
     virtual QString text() const = 0; ///< as it stands, not yet in the cell
-    /// Puts the text into the cell. False: it was refused, and the editor stays open with the reason.
-    [[nodiscard]] virtual bool commit() = 0;
-    virtual void cancel() = 0;
+    /// Puts the text into the cell.
+    [[nodiscard]] virtual EntryOutcome commit() = 0;
+    /// What was typed is given up.
+    virtual void discard() {}
     /// The cell has moved on screen, or zoom or sheet have changed.
     virtual void place() = 0;
 

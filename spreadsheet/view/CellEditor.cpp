@@ -205,9 +205,9 @@ void CellEditor::keyPressEvent(QKeyEvent* event)
         if (modifiers.testFlag(Qt::AltModifier))
             insertPlainText(QStringLiteral("\n"));
         else
-            Q_EMIT commitRequested(key, modifiers);
+            Q_EMIT commitRequested(event);
     } else if (key == Qt::Key_Tab || key == Qt::Key_Backtab) {
-        Q_EMIT commitRequested(key, modifiers);
+        Q_EMIT commitRequested(event);
     } else if (const QString moment = momentOf(*event); !moment.isEmpty()) {
         insertPlainText(moment);
     } else if (key == Qt::Key_Delete && modifiers == Qt::ControlModifier) {
@@ -216,7 +216,7 @@ void CellEditor::keyPressEvent(QKeyEvent* event)
         if (m_assistant->canPoint())
             Q_EMIT pointingKey(key, modifiers);
         else
-            Q_EMIT commitRequested(key, modifiers);
+            Q_EMIT commitRequested(event);
     } else {
         QPlainTextEdit::keyPressEvent(event);
     }

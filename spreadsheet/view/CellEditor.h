@@ -49,8 +49,9 @@ public:
     bool isComposing() const { return m_composing; }
 
 Q_SIGNALS:
-    /// Enter, Tab or, in mode enter, a key that leaves the cell: the text should be entered.
-    void commitRequested(int key, Qt::KeyboardModifiers modifiers);
+    /// Enter, Tab or, in mode enter, a key that leaves the cell: the text should be entered. A slot that
+    /// ignores the event hands it on to the parent.
+    void commitRequested(QKeyEvent* event);
     /// Esc: the cell keeps what it had.
     void cancelled();
     /// A key that moves what is pointed at; with Shift it makes a range.

@@ -39,6 +39,8 @@ public:
     void setAddressedSheet(int index);
     Sheet& sheet() { return m_workbook->sheet(addressedSheet()); }
     const Sheet& sheet() const { return m_workbook->sheet(addressedSheet()); }
+    Sheet& shownSheet() { return m_workbook->sheet(activeSheet()); }
+    const Sheet& shownSheet() const { return m_workbook->sheet(activeSheet()); }
     int sheetCount() const { return m_workbook->sheetCount(); }
     QString sheetName() const;
     Refusal setSheetCount(int count);
@@ -107,6 +109,7 @@ public:
     }
 
     // Drop-down lists. A cell without a list of its own has its column's.
+    QStringList dropDownOf(CellAddress cell) const; ///< of the addressed sheet
     QStringList dropDown() const { return dropDownOf(m_current); }
     /// Of the current cell; empty: none of its own.
     void setDropDown(const QStringList& entries) { putDropDown(m_current, entries); }
@@ -132,16 +135,15 @@ public:
     void recalculate(); ///< every formula
     /// Called instead of Workbook::recalculateChanged after each edit of the user. Empty: that one.
     std::function<void()> recalculateChanged;
+    void recalculateAfterEdit();
 
 protected:
-    QStringList dropDownOf(CellAddress cell) const; ///< of the addressed sheet
     /// The cells or sheets changed by program.
     virtual void changed() {}
     /// Another sheet is shown.
     virtual void sheetSwitched() {}
     /// Another workbook, or another content, is shown.
     virtual void workbookSwitched() { sheetSwitched(); }
-    void recalculateAfterEdit();
 
 private:
     Refusal setLineCount(int count, int former, int most, Refusal (Sheet::*remove)(int, int),

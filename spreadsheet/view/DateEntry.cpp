@@ -24,13 +24,13 @@ constexpr double secondsOfDay = 86'400;
 
 CellType typeOf(const SpreadsheetControl& control, CellAddress cell)
 {
-    return control.workbook().sheet(control.activeSheet()).style(cell).type;
+    return control.cells().shownSheet().style(cell).type;
 }
 
 /// First cell of the active one's span.
 CellAddress activeAnchor(const SpreadsheetControl& control)
 {
-    const CellRange extent = control.workbook().sheet(control.activeSheet()).extent(control.activeCell());
+    const CellRange extent = control.cells().shownSheet().extent(control.cursor().activeCell());
     return {extent.left, extent.top};
 }
 
@@ -68,7 +68,7 @@ DateEntry::DateEntry(SpreadsheetControl& control)
     connect(m_button, &QToolButton::clicked, this, &DateEntry::open);
     const auto takeDay = [this](QDate day) {
         if (const auto serial = serialOfDay(day.year(), day.month(), day.day()))
-            put(*serial - (m_control.workbook().countsFrom1904() ? daysFrom1900To1904 : 0));
+            put(*serial - (m_control.cells().workbook().countsFrom1904() ? daysFrom1900To1904 : 0));
     };
     connect(m_calendar, &QCalendarWidget::clicked, this, takeDay);
     connect(m_calendar, &QCalendarWidget::activated, this, takeDay);
@@ -93,9 +93,9 @@ bool DateEntry::fitsActiveCell() const
 /// Beside the cell, so that it covers nothing of it; at the right edge of the cells within it.
 void DateEntry::placeButton()
 {
-    const QRect cell = m_control.cellRect(m_control.activeCell());
+    const QRect cell = m_control.cellRect(m_control.cursor().activeCell());
     const CellAddress active = activeAnchor(m_control);
-    const bool wanted = fitsActiveCell() && !cell.isEmpty() && !m_control.isEditing() &&
+    const bool wanted = fitsActiveCell() && !cell.isEmpty() && !m_control.entry().isOpen() &&
                         m_control.mayEdit({active.column, active.row, active.column, active.row});
     if (wanted) {
         const int left = std::min(cell.right() + 2, m_control.cellArea().right() + 1 - buttonWidth);
@@ -109,7 +109,7 @@ void DateEntry::placeButton()
 
 void DateEntry::open()
 {
-    if (!m_control.commitEdit() || !fitsActiveCell())
+    if (!m_control.entry().commit() || !fitsActiveCell())
         return;
     m_cell = activeAnchor(m_control);
     if (m_control.refuseEdit({{m_cell.column, m_cell.row, m_cell.column, m_cell.row}}))
@@ -138,12 +138,12 @@ void DateEntry::open()
 /// Begins with what the cell holds, else with today or now.
 void DateEntry::showValue()
 {
-    const Value value = m_control.workbook().sheet(m_control.activeSheet()).value(m_cell);
+    const Value value = m_control.cells().shownSheet().value(m_cell);
     QDate day = QDate::currentDate();
     QTime time = QTime::currentTime();
     if (value.isNumber() && value.number() >= 0) {
         const double from1900 =
-            value.number() + (m_control.workbook().countsFrom1904() ? daysFrom1900To1904 : 0);
+            value.number() + (m_control.cells().workbook().countsFrom1904() ? daysFrom1900To1904 : 0);
         if (const auto held = dayOfSerial(from1900);
             held && QDate::isValid(held->year, held->month, held->day))
             day = QDate(held->year, held->month, held->day);
@@ -169,8 +169,8 @@ void DateEntry::put(double serial)
     if (m_control.refuseEdit({{m_cell.column, m_cell.row, m_cell.column, m_cell.row}}))
         return;
     {
-        const UndoStep step(m_control.workbook(), "输入");
-        m_control.workbook().sheet(m_control.activeSheet()).setValue(m_cell, serial);
+        const UndoStep step(m_control.cells().workbook(), "输入");
+        m_control.cells().shownSheet().setValue(m_cell, serial);
     }
     m_control.afterEdit(m_cell);
 }

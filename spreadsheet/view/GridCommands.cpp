@@ -1,7 +1,9 @@
 // Commands on contents: undo, clipboard, filling, sorting, searching.
+#include "spreadsheet/view/GridCommands.h"
+
 #include "spreadsheet/view/commands/fill.h"
-#include "spreadsheet/view/commands/go_to.h"
-#include "spreadsheet/view/commands/structure.h"
+#include "spreadsheet/view/reference_text.h"
+#include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "spreadsheet/workbook/UndoJournal.h"
 
@@ -14,6 +16,8 @@
 namespace spreadsheet {
 
 namespace {
+
+constexpr int marchInterval = 150; // milliseconds
 
 /// Names by sheet id, in the order of the sheets.
 std::vector<std::pair<int, std::string>> sheetNames(const Workbook& workbook)
@@ -49,67 +53,74 @@ QString roomQuestion(const PastePlan& plan)
 
 } // namespace
 
-bool SpreadsheetControl::refuse(const Refusal& why)
+GridCommands::GridCommands(SpreadsheetControl& control, SheetView& view)
+    : m_control(control)
+    , m_view(view)
 {
-    if (why)
-        Q_EMIT refused(QString::fromStdString(why.reason()));
-    return static_cast<bool>(why);
+    m_march.setInterval(marchInterval);
+    QObject::connect(&m_march, &QTimer::timeout, [this] { m_view.march(); });
 }
 
-bool SpreadsheetControl::refuseInRun()
+void GridCommands::setCopiedRange(int sheetId, std::optional<CellRange> range)
 {
-    return mode() == GridMode::run && refuse(inRunMode);
+    m_view.setCopied(sheetId, range);
+    if (range)
+        m_march.start();
+    else
+        m_march.stop();
 }
 
-bool SpreadsheetControl::refuseEdit(const std::vector<CellRange>& ranges)
+/// True in run mode, which is told.
+bool GridCommands::refuseInRun()
 {
-    return std::ranges::any_of(ranges, [this](const CellRange& range) { return refuse(editRefusal(range)); });
+    return m_control.mode() == GridMode::run && m_control.refuse(inRunMode);
 }
 
-std::optional<CellRange> SpreadsheetControl::onlyRange()
+std::optional<CellRange> GridCommands::onlyRange()
 {
-    if (selection().size() == 1)
-        return firstRange();
-    refuse("不能对多个选定区域使用此命令");
+    if (m_control.cursor().selection().size() == 1)
+        return m_control.cursor().firstRange();
+    m_control.refuse("不能对多个选定区域使用此命令");
     return std::nullopt;
 }
 
-void SpreadsheetControl::travelInTime(std::optional<ChangedCells> (UndoJournal::*travel)())
+void GridCommands::travelInTime(std::optional<ChangedCells> (UndoJournal::*travel)())
 {
-    if (isEditing())
+    if (m_control.entry().isOpen())
         return;
-    const auto names = sheetNames(workbook());
-    const int shownId = workbook().sheet(activeSheet()).id();
-    const auto changed = (workbook().journal().*travel)(); // afterEdit recalculates
-    if (sheetNames(workbook()) != names) {
-        if (const int index = sheetToShow(workbook(), names, shownId))
-            workbook().setActiveSheet(index);
-        sheetSwitched();
-        Q_EMIT sheetsChanged();
+    const auto names = sheetNames(m_control.cells().workbook());
+    const int shownId = m_control.cells().shownSheet().id();
+    const auto changed = (m_control.cells().workbook().journal().*travel)(); // afterEdit recalculates
+    if (sheetNames(m_control.cells().workbook()) != names) {
+        if (const int index = sheetToShow(m_control.cells().workbook(), names, shownId))
+            m_control.cells().workbook().setActiveSheet(index);
+        m_control.showActiveSheet();
+        Q_EMIT m_control.sheetsChanged();
     }
-    afterEdit();
-    const bool showsAnother = workbook().sheet(activeSheet()).id() != shownId;
+    m_control.afterEdit();
+    const bool showsAnother = m_control.cells().shownSheet().id() != shownId;
     if (changed && !showsAnother)
-        showRange(workbook().sheetIndexOfId(changed->sheetId), changed->range);
+        m_control.cursor().showRange(m_control.cells().workbook().sheetIndexOfId(changed->sheetId),
+                                     changed->range);
 }
 
-void SpreadsheetControl::undo()
+void GridCommands::undo()
 {
-    if (!refuseInRun() && workbook().canUndo())
+    if (!refuseInRun() && m_control.cells().workbook().canUndo())
         travelInTime(&UndoJournal::undo);
 }
 
-void SpreadsheetControl::redo()
+void GridCommands::redo()
 {
-    if (!refuseInRun() && workbook().canRedo())
+    if (!refuseInRun() && m_control.cells().workbook().canRedo())
         travelInTime(&UndoJournal::redo);
 }
 
-std::optional<PackedOrigin> SpreadsheetControl::copyRange(const CellRange& range)
+std::optional<PackedOrigin> GridCommands::copyRange(const CellRange& range)
 {
-    auto copied = copyToClipboard(workbook(), workbook().sheet(activeSheet()), range);
+    auto copied = copyToClipboard(m_control.cells().workbook(), m_control.cells().shownSheet(), range);
     if (const auto* why = std::get_if<Refusal>(&copied)) {
-        refuse(*why);
+        m_control.refuse(*why);
         return std::nullopt;
     }
     const PackedOrigin origin = std::get<Copied>(copied).origin;
@@ -118,193 +129,205 @@ std::optional<PackedOrigin> SpreadsheetControl::copyRange(const CellRange& range
     return origin;
 }
 
-void SpreadsheetControl::copy()
+void GridCommands::copy()
 {
     m_cut.reset();
     if (const auto range = onlyRange())
         copyRange(*range);
 }
 
-void SpreadsheetControl::cut()
+void GridCommands::cut()
 {
     const auto range = onlyRange();
-    if (!range || refuseEdit({*range}))
+    if (!range || m_control.refuseEdit({*range}))
         return;
     if (const auto origin = copyRange(*range))
-        m_cut = Cut{*origin, workbook().revision()};
+        m_cut = Cut{*origin, m_control.cells().workbook().revision()};
 }
 
-void SpreadsheetControl::paste()
+void GridCommands::paste()
 {
     pasteClipboard(PasteKind::all);
 }
 
-void SpreadsheetControl::pasteValues()
+void GridCommands::pasteValues()
 {
     pasteClipboard(PasteKind::valuesOnly);
 }
 
-void SpreadsheetControl::pasteClipboard(PasteKind kind)
+void GridCommands::pasteClipboard(PasteKind kind)
 {
-    if (isEditing())
+    if (m_control.entry().isOpen())
         return;
     const QMimeData* offer = QGuiApplication::clipboard()->mimeData();
     if (!offer || offer->formats().isEmpty()) {
-        refuse("剪贴板是空的");
+        m_control.refuse("剪贴板是空的");
         return;
     }
-    const auto content = readClipboard(workbook(), *offer);
+    const auto content = readClipboard(m_control.cells().workbook(), *offer);
     if (const auto* why = std::get_if<Refusal>(&content)) {
-        refuse(*why);
+        m_control.refuse(*why);
         return;
     }
     const auto& offered = std::get<ClipboardContent>(content);
-    Sheet& target = workbook().sheet(activeSheet());
-    const auto plan = planPaste(target, offered, firstRange());
+    Sheet& target = m_control.cells().shownSheet();
+    const auto plan = planPaste(target, offered, m_control.cursor().firstRange());
     if (const auto* why = std::get_if<Refusal>(&plan)) {
-        refuse(*why);
+        m_control.refuse(*why);
         return;
     }
     pastePlanned(target, offered, std::get<PastePlan>(plan), kind);
 }
 
-void SpreadsheetControl::pastePlanned(Sheet& target, const ClipboardContent& content, const PastePlan& plan,
-                                      PasteKind kind)
+void GridCommands::pastePlanned(Sheet& target, const ClipboardContent& content, const PastePlan& plan,
+                                PasteKind kind)
 {
-    if (refuseEdit({plan.goal}))
+    if (m_control.refuseEdit({plan.goal}))
         return;
-    if (plan.needsMoreRoom() && !(ask && ask(roomQuestion(plan)))) {
-        refuse("粘贴的内容超出表的范围，没有粘贴");
+    if (plan.needsMoreRoom() && !(m_control.ask && m_control.ask(roomQuestion(plan)))) {
+        m_control.refuse("粘贴的内容超出表的范围，没有粘贴");
         return;
     }
     const bool moves = m_cut && content.own && content.own->origin.token == m_cut->origin.token &&
-                       m_cut->revision == workbook().revision() && kind == PasteKind::all &&
+                       m_cut->revision == m_control.cells().workbook().revision() && kind == PasteKind::all &&
                        plan.across * plan.down == 1;
-    const int source = moves ? workbook().sheetIndexOfId(m_cut->origin.sheetId) : 0;
-    const auto why = source != 0 ? spreadsheet::pasteCut(workbook(), workbook().sheet(source),
-                                                         m_cut->origin.range, target, plan)
-                                 : spreadsheet::paste(workbook(), target, content, plan, kind);
-    if (refuse(why))
+    const int source = moves ? m_control.cells().workbook().sheetIndexOfId(m_cut->origin.sheetId) : 0;
+    const auto why =
+        source != 0
+            ? spreadsheet::pasteCut(m_control.cells().workbook(), m_control.cells().workbook().sheet(source),
+                                    m_cut->origin.range, target, plan)
+            : spreadsheet::paste(m_control.cells().workbook(), target, content, plan, kind);
+    if (m_control.refuse(why))
         return;
     if (source != 0) {
         m_cut.reset();
         setCopiedRange(target.id(), std::nullopt);
         QGuiApplication::clipboard()->clear(); // what it held is no longer there
     }
-    select(plan.goal);
-    afterEdit();
+    m_control.cursor().select(plan.goal);
+    m_control.afterEdit();
     if (source == 0 && content.own && content.own->refusedFormulas > 0)
-        refuse("有 " + std::to_string(content.own->refusedFormulas) +
-               " 个公式在这里没有意义，只粘贴了它们的值");
+        m_control.refuse("有 " + std::to_string(content.own->refusedFormulas) +
+                         " 个公式在这里没有意义，只粘贴了它们的值");
 }
 
-void SpreadsheetControl::clear()
+void GridCommands::clear()
 {
-    if (!commitEdit() || refuseEdit(selection()))
+    if (!m_control.entry().commit() || m_control.refuseEdit(m_control.cursor().selection()))
         return;
-    const std::vector<CellRange> ranges = selection();
-    if (!refuse(clearRanges(workbook(), workbook().sheet(activeSheet()), ranges)))
-        afterEdit(isBlockSelected() ? std::nullopt : std::optional(activeCell()));
+    const std::vector<CellRange> ranges = m_control.cursor().selection();
+    if (!m_control.refuse(clearRanges(m_control.cells().workbook(), m_control.cells().shownSheet(), ranges)))
+        m_control.afterEdit(m_control.cursor().isBlockSelected()
+                                ? std::nullopt
+                                : std::optional(m_control.cursor().activeCell()));
 }
 
-void SpreadsheetControl::fillAlong(bool down)
+void GridCommands::fillAlong(bool down)
 {
-    if (!commitEdit() || refuseEdit(selection()))
+    if (!m_control.entry().commit() || m_control.refuseEdit(m_control.cursor().selection()))
         return;
-    const std::vector<CellRange> ranges = selection();
-    Sheet& shown = workbook().sheet(activeSheet());
+    const std::vector<CellRange> ranges = m_control.cursor().selection();
+    Sheet& shown = m_control.cells().shownSheet();
     Refusal why;
     {
-        UndoStep step(workbook(), down ? "向下填充" : "向右填充");
+        UndoStep step(m_control.cells().workbook(), down ? "向下填充" : "向右填充");
         for (CellRange goal : ranges) {
             int& first = down ? goal.top : goal.left;
             if ((down ? goal.rows() : goal.columns()) == 1)
                 first = std::max(1, first - 1); // a single line is filled from the one before it
             CellRange source = goal;
             (down ? source.bottom : source.right) = first;
-            why = fillFromBlock(workbook(), shown, source, goal, false);
+            why = fillFromBlock(m_control.cells().workbook(), shown, source, goal, false);
             if (why) {
                 step.takeBack();
                 break;
             }
         }
     }
-    afterEdit();
-    refuse(why); // last, so that nothing else is told after it
+    m_control.afterEdit();
+    m_control.refuse(why); // last, so that nothing else is told after it
 }
 
-void SpreadsheetControl::fillDown()
+void GridCommands::fillDown()
 {
     fillAlong(true);
 }
 
-void SpreadsheetControl::fillRight()
+void GridCommands::fillRight()
 {
     fillAlong(false);
 }
 
-void SpreadsheetControl::fillTo(const CellRange& goal, bool asSeries)
+void GridCommands::fillTo(const CellRange& goal, bool asSeries)
 {
-    if (!commitHere() || refuseEdit({goal}))
+    if (!m_control.entry().commitHere() || m_control.refuseEdit({goal}))
         return;
-    if (refuse(fillFromBlock(workbook(), workbook().sheet(activeSheet()), firstRange(), goal, asSeries)))
+    if (m_control.refuse(fillFromBlock(m_control.cells().workbook(), m_control.cells().shownSheet(),
+                                       m_control.cursor().firstRange(), goal, asSeries)))
         return;
-    select(goal);
-    afterEdit();
+    m_control.cursor().select(goal);
+    m_control.afterEdit();
 }
 
-void SpreadsheetControl::sortBlock(const std::vector<SortKey>& keys, bool headerRow)
+void GridCommands::sortBlock(const std::vector<SortKey>& keys, bool headerRow)
 {
-    if (!commitEdit())
+    if (!m_control.entry().commit())
         return;
     const auto range = onlyRange();
     if (!range)
         return;
-    Sheet& shown = workbook().sheet(activeSheet());
-    const CellRange block = isBlockSelected() ? *range : blockAround(shown, activeCell());
-    const std::vector<SortKey> used = keys.empty() ? std::vector{SortKey{activeCell().column}} : keys;
-    if (refuseEdit({block}) || refuse(spreadsheet::sortBlock(workbook(), shown, block, used, headerRow)))
+    Sheet& shown = m_control.cells().shownSheet();
+    const CellRange block =
+        m_control.cursor().isBlockSelected() ? *range : blockAround(shown, m_control.cursor().activeCell());
+    const std::vector<SortKey> used =
+        keys.empty() ? std::vector{SortKey{m_control.cursor().activeCell().column}} : keys;
+    if (m_control.refuseEdit({block}) ||
+        m_control.refuse(spreadsheet::sortBlock(m_control.cells().workbook(), shown, block, used, headerRow)))
         return;
-    select(block);
-    afterEdit();
+    m_control.cursor().select(block);
+    m_control.afterEdit();
 }
 
-bool SpreadsheetControl::findNext(const Search& search, bool backwards)
+bool GridCommands::findNext(const Search& search, bool backwards)
 {
-    const auto found =
-        spreadsheet::findNext(workbook().sheet(activeSheet()), search, activeCell(), backwards);
+    const auto found = spreadsheet::findNext(m_control.cells().shownSheet(), search,
+                                             m_control.cursor().activeCell(), backwards);
     if (!found)
-        refuse("找不到“" + search.what + "”");
-    return found && moveTo(*found);
+        m_control.refuse("找不到“" + search.what + "”");
+    return found && m_control.cursor().moveTo(*found);
 }
 
-int SpreadsheetControl::replaceAll(const Search& search, const QString& replacement)
+int GridCommands::replaceAll(const Search& search, const QString& replacement)
 {
     if (refuseInRun())
         return 0;
-    Sheet& shown = workbook().sheet(activeSheet());
+    Sheet& shown = m_control.cells().shownSheet();
     auto cells = findAll(shown, search);
     const std::size_t found = cells.size();
     std::erase_if(cells, [this](CellAddress cell) {
-        return !mayEdit({cell.column, cell.row, cell.column, cell.row});
+        return !m_control.mayEdit({cell.column, cell.row, cell.column, cell.row});
     });
-    const Replacement done = replaceIn(workbook(), shown, cells, search, replacement.toStdString());
+    const Replacement done =
+        replaceIn(m_control.cells().workbook(), shown, cells, search, replacement.toStdString());
     const std::size_t kept = done.kept.size() + found - cells.size();
     if (done.replaced > 0)
-        afterEdit();
+        m_control.afterEdit();
     if (found == 0)
-        refuse("找不到“" + search.what + "”");
+        m_control.refuse("找不到“" + search.what + "”");
     else if (kept > 0)
-        refuse("有 " + std::to_string(kept) + " 个单元格不能替换");
+        m_control.refuse("有 " + std::to_string(kept) + " 个单元格不能替换");
     return done.replaced;
 }
 
-Refusal SpreadsheetControl::goTo(const QString& text)
+void GridCommands::sumHere()
 {
-    const auto place = placeOfText(workbook(), text.toStdString(), activeSheet());
-    if (!place)
-        return "没有这个位置: " + text.toStdString();
-    return showRange(place->sheet, place->range) ? Refusal() : "请先完成或取消正在输入的内容";
+    const auto range = figuresBefore(m_view.sheet(), m_control.cursor().activeCell());
+    QString formula = QStringLiteral("=SUM(");
+    if (range)
+        formula += referenceText(m_control.cells().workbook(), m_control.cells().activeSheet(),
+                                 m_control.cells().activeSheet(), *range) +
+                   ')';
+    m_control.entry().begin(EditStart::replace, formula);
 }
 
 } // namespace spreadsheet

@@ -1,5 +1,7 @@
 // Commands on whole rows and columns.
-#include "spreadsheet/view/commands/structure.h"
+#include "spreadsheet/view/GridCommands.h"
+#include "spreadsheet/view/needed_size.h"
+#include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <algorithm>
@@ -16,23 +18,40 @@ bool coversAll(const std::vector<LineRange>& lines, int count)
     return lines.size() == 1 && lines[0].first == 1 && lines[0].last >= count;
 }
 
+const char* autofitLabel(Axis axis)
+{
+    return axis == Axis::rows ? "最适合的行高" : "最适合的列宽";
+}
+
+int lastDataLine(const Sheet& sheet, Axis axis)
+{
+    return axis == Axis::rows ? sheet.lastDataRow() : sheet.lastDataColumn();
+}
+
+void fitLine(Workbook& book, Sheet& sheet, Axis axis, int line)
+{
+    const int size = axis == Axis::rows ? neededRowHeight(sheet, line) : neededColumnWidth(sheet, line);
+    resizeLines(book, sheet, axis, {{line, line}}, size);
+}
+
 } // namespace
 
 /// Runs a command on the selected lines; what it refuses is told.
-void SpreadsheetControl::changeLines(LineCommand command, bool rows)
+void GridCommands::changeLines(LineCommand command, Axis axis)
 {
-    if (refuseInRun() || !commitEdit())
+    if (refuseInRun() || !m_control.entry().commit())
         return;
-    Sheet& shown = workbook().sheet(activeSheet());
-    const Axis axis = rows ? Axis::rows : Axis::columns;
-    if (refuse(command(workbook(), shown, axis, linesOf(selection(), axis))))
+    Sheet& shown = m_control.cells().shownSheet();
+    if (m_control.refuse(command(m_control.cells().workbook(), shown, axis,
+                                 linesOf(m_control.cursor().selection(), axis))))
         return;
-    const CellRange first = firstRange();
+    const CellRange first = m_control.cursor().firstRange();
     const SheetSettings& settings = shown.settings();
     if (first.right > settings.columnCount || first.bottom > settings.rowCount)
-        setActiveCell(std::min(first.left, settings.columnCount), std::min(first.top, settings.rowCount));
-    afterEdit();
-    Q_EMIT viewChanged();
+        m_control.cursor().setActiveCell(std::min(first.left, settings.columnCount),
+                                         std::min(first.top, settings.rowCount));
+    m_control.afterEdit();
+    Q_EMIT m_control.viewChanged();
 }
 
 static Refusal insertSelected(Workbook& workbook, Sheet& sheet, Axis axis,
@@ -50,89 +69,131 @@ static Refusal showSelected(Workbook& workbook, Sheet& sheet, Axis axis, const s
     return {};
 }
 
-void SpreadsheetControl::insertRows()
+void GridCommands::insertRows()
 {
-    changeLines(insertSelected, true);
+    changeLines(insertSelected, Axis::rows);
 }
 
-void SpreadsheetControl::insertColumns()
+void GridCommands::insertColumns()
 {
-    changeLines(insertSelected, false);
+    changeLines(insertSelected, Axis::columns);
 }
 
-void SpreadsheetControl::deleteRows()
+void GridCommands::deleteRows()
 {
-    changeLines(deleteLines, true);
+    changeLines(deleteLines, Axis::rows);
 }
 
-void SpreadsheetControl::deleteColumns()
+void GridCommands::deleteColumns()
 {
-    changeLines(deleteLines, false);
+    changeLines(deleteLines, Axis::columns);
 }
 
-void SpreadsheetControl::hideRows()
+void GridCommands::hideRows()
 {
-    changeLines(hideLines, true);
+    changeLines(hideLines, Axis::rows);
 }
 
-void SpreadsheetControl::hideColumns()
+void GridCommands::hideColumns()
 {
-    changeLines(hideLines, false);
+    changeLines(hideLines, Axis::columns);
 }
 
-void SpreadsheetControl::showRows()
+void GridCommands::showRows()
 {
-    changeLines(showSelected, true);
+    changeLines(showSelected, Axis::rows);
 }
 
-void SpreadsheetControl::showColumns()
+void GridCommands::showColumns()
 {
-    changeLines(showSelected, false);
+    changeLines(showSelected, Axis::columns);
 }
 
-void SpreadsheetControl::autofit(bool rows)
+void GridCommands::autofit(Axis axis)
 {
     changeLines(
-        [this, rows](Workbook& book, Sheet& sheet, Axis axis,
-                     const std::vector<LineRange>& lines) -> Refusal {
-            const int last = rows ? sheet.lastDataRow() : sheet.lastDataColumn();
-            const UndoStep step(book, rows ? "最适合的行高" : "最适合的列宽");
+        [axis](Workbook& book, Sheet& sheet, Axis, const std::vector<LineRange>& lines) -> Refusal {
+            const UndoStep step(book, autofitLabel(axis));
             int measured = 0;
             for (const LineRange& range : lines) {
-                for (int line = range.first; line <= std::min(range.last, last); ++line) {
+                for (int line = range.first; line <= std::min(range.last, lastDataLine(sheet, axis));
+                     ++line) {
                     if (++measured > maxMeasuredLines)
                         return "选定的行太多，只调整了前 20,000 行";
-                    resizeLines(book, sheet, axis, {{line, line}},
-                                rows ? neededRowHeight(line) : neededColumnWidth(line));
+                    fitLine(book, sheet, axis, line);
                 }
             }
             return {};
         },
-        rows);
+        axis);
 }
 
-void SpreadsheetControl::autofitRows()
+void GridCommands::autofitRows()
 {
-    autofit(true);
+    autofit(Axis::rows);
 }
 
-void SpreadsheetControl::autofitColumns()
+void GridCommands::autofitColumns()
 {
-    autofit(false);
+    autofit(Axis::columns);
 }
 
-void SpreadsheetControl::freezeHere()
+void GridCommands::freezeHere()
 {
     changeLines(
         [this](Workbook& book, Sheet& sheet, Axis, const std::vector<LineRange>&) -> Refusal {
-            const CellAddress cell = activeCell();
+            const CellAddress cell = m_control.cursor().activeCell();
             const SheetSettings& settings = sheet.settings();
             const bool again =
                 settings.frozenRows == cell.row - 1 && settings.frozenColumns == cell.column - 1;
             freezeAt(book, sheet, again ? CellAddress{1, 1} : cell);
             return {};
         },
-        true);
+        Axis::rows);
+}
+
+std::vector<LineRange> GridCommands::linesWith(Axis axis, int line) const
+{
+    const SheetSettings& settings = m_view.sheet().settings();
+    const bool rows = axis == Axis::rows;
+    std::vector<CellRange> whole;
+    for (const CellRange& range : m_control.cursor().selection()) {
+        const bool isWhole = rows ? range.left == 1 && range.right >= settings.columnCount
+                                  : range.top == 1 && range.bottom >= settings.rowCount;
+        if (isWhole)
+            whole.push_back(range);
+    }
+    const auto holds = [&](const CellRange& range) {
+        return rows ? line >= range.top && line <= range.bottom : line >= range.left && line <= range.right;
+    };
+    if (std::ranges::any_of(whole, holds))
+        return linesOf(whole, axis);
+    return {{line, line}};
+}
+
+void GridCommands::resizeLinesTo(Axis axis, int line, int twips)
+{
+    Workbook& book = m_control.cells().workbook();
+    Sheet& sheet = m_control.cells().shownSheet();
+    if (twips > 0)
+        resizeLines(book, sheet, axis, linesWith(axis, line), std::min(twips, maxLineSize));
+    else if (m_control.refuse(hideLines(book, sheet, axis, linesWith(axis, line))))
+        return;
+    m_control.showChanges();
+}
+
+void GridCommands::autofitLine(Axis axis, int line)
+{
+    if (m_control.mode() != GridMode::edit || !m_control.entry().commitHere())
+        return;
+    Workbook& book = m_control.cells().workbook();
+    Sheet& sheet = m_control.cells().shownSheet();
+    const UndoStep step(book, autofitLabel(axis));
+    const int last = std::max(lastDataLine(sheet, axis), line);
+    for (const LineRange& lines : linesWith(axis, line))
+        for (int each = lines.first; each <= std::min(lines.last, last); ++each)
+            fitLine(book, sheet, axis, each);
+    m_control.showChanges();
 }
 
 } // namespace spreadsheet

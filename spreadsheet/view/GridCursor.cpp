@@ -1,62 +1,64 @@
-// Cursor, selection, sheets: moving by program and by the user.
-#include "spreadsheet/view/SheetTabs.h"
+#include "spreadsheet/view/GridCursor.h"
+
+#include "spreadsheet/view/commands/fill.h"
+#include "spreadsheet/view/commands/go_to.h"
 #include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "spreadsheet/workbook/UndoJournal.h"
 
-#include <QApplication>
-#include <QFocusEvent>
-#include <QScopedValueRollback>
-
-#include <tuple>
-#include <utility>
+#include <algorithm>
 
 namespace spreadsheet {
 
-CellAddress SpreadsheetControl::activeCell() const
+GridCursor::GridCursor(SpreadsheetControl& control, SheetView& view)
+    : m_control(control)
+    , m_view(view)
 {
-    return m_view->selection().active();
 }
 
-const std::vector<CellRange>& SpreadsheetControl::selection() const
+CellAddress GridCursor::activeCell() const
 {
-    return m_view->selection().ranges();
+    return m_view.selection().active();
 }
 
-bool SpreadsheetControl::isBlockSelected() const
+const std::vector<CellRange>& GridCursor::selection() const
 {
-    return m_view->selection().isBlock(m_view->sheet());
+    return m_view.selection().ranges();
 }
 
-CellRange SpreadsheetControl::selectedBlock() const
+bool GridCursor::isBlockSelected() const
 {
-    return m_view->selection().bounds();
+    return m_view.selection().isBlock(m_view.sheet());
 }
 
-SelectionFigures SpreadsheetControl::selectionFigures() const
+CellRange GridCursor::selectedBlock() const
 {
-    return spreadsheet::selectionFigures(m_view->sheet(), selection());
+    return m_view.selection().bounds();
 }
 
-void SpreadsheetControl::changeSelection(const std::function<void(Selection&, const Sheet&)>& change)
+SelectionFigures GridCursor::selectionFigures() const
 {
-    m_view->changeSelection(change);
-    Q_EMIT selectionChanged();
-    updateMicroFocus();
+    return spreadsheet::selectionFigures(m_view.sheet(), selection());
 }
 
-void SpreadsheetControl::setActiveCell(int column, int row)
+void GridCursor::changeSelection(const std::function<void(Selection&, const Sheet&)>& change)
 {
-    const SheetSettings& settings = m_view->sheet().settings();
+    m_view.changeSelection(change);
+    Q_EMIT m_control.selectionChanged();
+    m_control.tellInputMethod();
+}
+
+void GridCursor::setActiveCell(int column, int row)
+{
+    const SheetSettings& settings = m_view.sheet().settings();
     if (column < 1 || row < 1 || column > settings.columnCount || row > settings.rowCount)
         return;
     changeSelection([&](Selection& s, const Sheet& sheet) { s.setActive(sheet, {column, row}); });
     bringIntoSight(activeCell());
 }
 
-void SpreadsheetControl::select(const CellRange& range)
+void GridCursor::select(const CellRange& range)
 {
-    const SheetSettings& settings = m_view->sheet().settings();
+    const SheetSettings& settings = m_view.sheet().settings();
     const CellRange whole{1, 1, settings.columnCount, settings.rowCount};
     if (!whole.contains(range) || range.right < range.left || range.bottom < range.top)
         return;
@@ -71,26 +73,36 @@ void SpreadsheetControl::select(const CellRange& range)
     bringIntoSight(activeCell());
 }
 
-/// Asks those who listen whether the cursor may go. Negative: to no cell.
-bool SpreadsheetControl::leave(int newColumn, int newRow)
+void GridCursor::selectAround()
+{
+    const CellRange block = blockAround(m_view.sheet(), activeCell());
+    changeSelection(
+        [&](Selection& s, const Sheet& sheet) { s.setRange(withWholeSpans(sheet, block), s.active()); });
+}
+
+void GridCursor::selectActiveCell()
+{
+    changeSelection([](Selection& s, const Sheet& sheet) { s.setActive(sheet, s.active()); });
+}
+
+bool GridCursor::leave(int newColumn, int newRow)
 {
     bool cancel = false;
     const CellAddress from = activeCell();
-    Q_EMIT leaveCell(from.column, from.row, newColumn, newRow, cancel);
+    Q_EMIT m_control.leaveCell(from.column, from.row, newColumn, newRow, cancel);
     return !cancel;
 }
 
-/// Moves the cursor as a user does. @param change  makes the new selection, in which `cell` is active
-bool SpreadsheetControl::enter(CellAddress cell, const std::function<void(Selection&, const Sheet&)>& change)
+bool GridCursor::enter(CellAddress cell, const std::function<void(Selection&, const Sheet&)>& change)
 {
-    if (!commitHere())
+    if (!m_control.entry().commitHere())
         return false;
-    const CellRange extent = m_view->sheet().extent(cell);
+    const CellRange extent = m_view.sheet().extent(cell);
     const CellAddress goal{extent.left, extent.top};
     if (goal != activeCell() && !leave(goal.column, goal.row))
         return false;
-    showChanges(); // a listener may have changed cells, and even taken some away
-    const SheetSettings& settings = m_view->sheet().settings();
+    m_control.showChanges(); // a listener may have changed cells, and even taken some away
+    const SheetSettings& settings = m_view.sheet().settings();
     if (goal.column > settings.columnCount || goal.row > settings.rowCount)
         return false;
     changeSelection(change);
@@ -98,170 +110,98 @@ bool SpreadsheetControl::enter(CellAddress cell, const std::function<void(Select
     return true;
 }
 
-bool SpreadsheetControl::moveTo(CellAddress cell, bool extend)
+bool GridCursor::moveTo(CellAddress cell, bool extend)
 {
     if (!extend)
         return enter(cell, [&](Selection& s, const Sheet& sheet) { s.setActive(sheet, cell); });
-    if (!commitHere())
+    if (!m_control.entry().commitHere())
         return false;
     changeSelection([&](Selection& s, const Sheet& sheet) { s.extendTo(sheet, cell); });
     bringIntoSight(cell);
     return true;
 }
 
-/// Selects what the sheet has of a range and shows its beginning, as a user does.
-bool SpreadsheetControl::showRange(int sheet, CellRange range)
+bool GridCursor::showRange(int sheet, CellRange range)
 {
-    if (!commitEdit())
+    if (!m_control.entry().commit())
         return false;
-    showSheetByUser(sheet);
-    const SheetSettings& settings = m_view->sheet().settings();
+    showSheet(sheet);
+    const SheetSettings& settings = m_view.sheet().settings();
     range.right = std::min(range.right, settings.columnCount);
     range.bottom = std::min(range.bottom, settings.rowCount);
     const CellAddress first{range.left, range.top};
-    if (sheet != activeSheet() || !range.contains(first) || !moveTo(first))
+    if (sheet != m_control.cells().activeSheet() || !range.contains(first) || !moveTo(first))
         return false;
     select(range);
     bringIntoSight(first);
     return true;
 }
 
-void SpreadsheetControl::focusInEvent(QFocusEvent* event)
+void GridCursor::showSheet(int index)
 {
-    QWidget::focusInEvent(event);
-    if (isEditing() && event->reason() == Qt::MouseFocusReason)
-        m_editing->takeFocus();
-    update(cellRect(activeCell()));
+    if (index == m_control.cells().activeSheet() || index < 1 || index > m_control.cells().sheetCount())
+        return;
+    GridEntry& entry = m_control.entry();
+    if (entry.takesReference())
+        entry.pointAtSheet(index);
+    else if (entry.commit() && leave(-1, -1))
+        m_control.cells().setActiveSheet(index);
+    m_control.restoreTabs();
 }
 
-void SpreadsheetControl::focusOutEvent(QFocusEvent* event)
+Refusal GridCursor::goTo(const QString& text)
 {
-    QWidget::focusOutEvent(event);
-    // Menus and other windows come and go without the user having left the cell.
-    const bool elsewhere = event->reason() != Qt::PopupFocusReason &&
-                           event->reason() != Qt::ActiveWindowFocusReason &&
-                           event->reason() != Qt::MenuBarFocusReason;
-    const QWidget* now = QApplication::focusWidget();
-    const bool within = now && (now->window() != window() || isAncestorOf(now)); // lists are windows too
-    if (elsewhere && !isEditing() && !within)
-        std::ignore = leave(-1, -1); // the focus has gone, whatever the listener says
+    const CellOperations& cells = m_control.cells();
+    const auto place = placeOfText(cells.workbook(), text.toStdString(), cells.activeSheet());
+    if (!place)
+        return "没有这个位置: " + text.toStdString();
+    return showRange(place->sheet, place->range) ? Refusal() : "请先完成或取消正在输入的内容";
 }
 
-// --- sheets
+// --- what is in sight
 
-void SpreadsheetControl::workbookSwitched()
+CellAddress GridCursor::topLeftCell() const
 {
-    m_entrySheetId = 0;
-    cancelEdit();
-    m_cut.reset();
-    m_view->setWorkbook(workbook());
-    sheetSwitched();
+    return m_view.geometry().topLeft();
 }
 
-void SpreadsheetControl::sheetSwitched()
+void GridCursor::setTopLeftCell(CellAddress cell)
 {
-    if (!workbook().journal().enabled())
-        workbook().setUndoEnabled(true); // which forgets former steps
-    if (!m_keepsEditing) {
-        m_entrySheetId = 0; // the sheet that is shown now stays
-        cancelEdit();
-    }
-    m_view->update();
-    m_tabColumn = 0;
-    placesChanged();
-    showTabs();
-    Q_EMIT sheetChanged(activeSheet());
-    Q_EMIT selectionChanged();
+    if (m_view.scrollTo(cell))
+        m_control.placesChanged();
+    else
+        m_control.fitScrollBars(); // one may stand at a hidden line
 }
 
-void SpreadsheetControl::showTabs()
+void GridCursor::bringIntoSight(CellAddress cell)
 {
-    QStringList names;
-    for (int index = 1; index <= workbook().sheetCount(); ++index)
-        names.append(QString::fromStdString(workbook().sheet(index).name()));
-    if (names == m_tabNames && m_tabActive == activeSheet())
-        return;
-    m_tabNames = names;
-    m_tabActive = activeSheet();
-    m_tabs->showSheets(names, m_tabActive);
-    if (!m_view->geometry().area().isEmpty())
-        layOut();
-}
-
-void SpreadsheetControl::showSheetByUser(int index)
-{
-    if (index == activeSheet() || index < 1 || index > sheetCount())
-        return;
-    if (isEditing() && m_editing->takesReference()) { // to point at its cells
-        const QScopedValueRollback keeps(m_keepsEditing, true);
-        if (m_entrySheetId == 0)
-            m_entrySheetId = workbook().sheet(activeSheet()).id();
-        setActiveSheet(index);
-        m_editing->place();
-    } else if (commitEdit() && leave(-1, -1))
-        setActiveSheet(index);
-    m_tabActive = 0; // the tab bar may have gone ahead
-    showTabs();
-}
-
-void SpreadsheetControl::addSheet()
-{
-    if (refuseInRun() || !commitEdit())
-        return;
-    if (workbook().sheetCount() >= maxSheets) {
-        refuse("表的个数应在 1 到 256 之间");
-        return;
-    }
-    int number = workbook().sheetCount() + 1;
-    while (workbook().sheetIndex("Sheet" + std::to_string(number)) != 0)
-        ++number;
-    if (!leave(-1, -1) || refuse(workbook().addSheet("Sheet" + std::to_string(number))))
-        return;
-    setActiveSheet(workbook().sheetCount());
-    Q_EMIT sheetsChanged();
-    Q_EMIT undoChanged();
-}
-
-void SpreadsheetControl::renameSheet(int index, const QString& name)
-{
-    if (refuseInRun() || refuse(workbook().renameSheet(index, name.toStdString())))
-        return;
-    showChanges();
-    Q_EMIT sheetsChanged();
-}
-
-void SpreadsheetControl::moveSheet(int from, int to)
-{
-    const int activeId = workbook().sheet(activeSheet()).id();
-    const bool done = !refuseInRun() && !refuse(workbook().moveSheet(from, to));
-    if (done)
-        workbook().setActiveSheet(workbook().sheetIndexOfId(activeId));
-    m_tabNames.clear(); // the tab bar has moved its tab already
-    showTabs();
-    if (done)
-        Q_EMIT sheetsChanged();
-}
-
-void SpreadsheetControl::removeSheet(int index)
-{
-    if (refuseInRun() || index < 1 || index > sheetCount() || !commitEdit())
-        return;
-    const QString name = QString::fromStdString(workbook().sheet(index).name());
-    if (workbook().sheetCount() == 1) {
-        refuse("至少要有一张表");
-        return;
-    }
-    if (!ask || !ask(QStringLiteral("确定要删除表“%1”吗?").arg(name)))
-        return;
-    const int activeId = workbook().sheet(activeSheet()).id();
-    if (refuse(workbook().removeSheet(index)))
-        return;
-    const int shown = workbook().sheetIndexOfId(activeId);
-    workbook().setActiveSheet(shown != 0 ? shown : std::min(index, workbook().sheetCount()));
-    if (shown == 0)
-        sheetSwitched();
-    afterEdit();
-    Q_EMIT sheetsChanged();
+    const CellGeometry& geometry = m_view.geometry();
+    CellAddress topLeft = geometry.topLeft();
+    if (geometry.scrolledArea().isEmpty())
+        return; // not laid out yet
+    // Towards the end: as little as brings the line's end into sight.
+    const auto lineFor = [](const AxisPositions& axis, int line, int frozen, int first, int room) {
+        if (line <= frozen)
+            return first;
+        if (line < first)
+            return line;
+        int top = first;
+        if (axis.end(line) - axis.start(first) > room) {
+            const std::int64_t start = std::max<std::int64_t>(axis.end(line) - room, 0);
+            top = axis.indexAt(start);
+            if (axis.start(top) < start)
+                top = axis.moved(top, 1);
+        }
+        return std::min(top, line);
+    };
+    const QRect room = geometry.scrolledArea();
+    const QRect area(QPoint(room.topLeft()),
+                     QPoint(geometry.area().width() - 1, geometry.area().height() - 1));
+    topLeft.row = lineFor(geometry.rows(), cell.row, geometry.frozenRows(), topLeft.row, area.height());
+    topLeft.column =
+        lineFor(geometry.columns(), cell.column, geometry.frozenColumns(), topLeft.column, area.width());
+    if (topLeft != geometry.topLeft())
+        setTopLeftCell(topLeft);
 }
 
 } // namespace spreadsheet

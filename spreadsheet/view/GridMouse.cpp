@@ -40,16 +40,16 @@ CellAddress firstWithin(const Sheet& sheet, const CellRange& line, CellAddress f
 
 } // namespace
 
-GridMouse::GridMouse(SpreadsheetControl& control)
-    : QObject(&control)
-    , m_control(control)
+GridMouse::GridMouse(SpreadsheetControl& control, SheetView& view)
+    : m_control(control)
+    , m_view(view)
 {
 }
 
 GridMouse::Place GridMouse::placeOf(QPoint point) const
 {
     using Kind = Place::Kind;
-    const SheetView& view = *m_control.m_view;
+    const SheetView& view = m_view;
     const CellGeometry& geometry = view.geometry();
     const QRect area = geometry.cellArea();
     const bool inColumnHeading = point.y() < geometry.headingHeight();
@@ -70,7 +70,7 @@ GridMouse::Place GridMouse::placeOf(QPoint point) const
     }
     if (!area.contains(point))
         return {Kind::beyond, {-1, -1}, 0};
-    const bool onHandle = m_control.mode() == GridMode::edit && !m_control.isEditing() &&
+    const bool onHandle = m_control.mode() == GridMode::edit && !m_control.entry().isOpen() &&
                           view.fillHandle().adjusted(-2, -2, 2, 2).contains(point);
     return {onHandle ? Kind::fillHandle : Kind::cells, geometry.nearestCell(point), 0};
 }
@@ -78,7 +78,7 @@ GridMouse::Place GridMouse::placeOf(QPoint point) const
 /// The line whose end lies at a place of the headings; 0: none does.
 int GridMouse::edgeAt(int position, bool rows) const
 {
-    const CellGeometry& geometry = m_control.m_view->geometry();
+    const CellGeometry& geometry = m_view.geometry();
     const auto tracks = rows ? geometry.rowTracks() : geometry.columnTracks();
     const AxisPositions& axis = rows ? geometry.rows() : geometry.columns();
     for (const PageTrack& track : tracks) {
@@ -128,20 +128,20 @@ void GridMouse::press(const QMouseEvent& event)
     if (event.button() != Qt::LeftButton || place.kind == Kind::beyond)
         return;
     const bool pointable = place.kind != Kind::corner && place.kind != Kind::beyond;
-    if (m_control.isEditing() && pointable && m_control.m_editing->takesReference()) {
+    if (pointable && m_control.entry().takesReference()) {
         m_doing = Doing::pointing;
-        m_pressed.cell = m_control.m_view->geometry().nearestCell(point);
+        m_pressed.cell = m_view.geometry().nearestCell(point);
         pointTo(point, false);
         return;
     }
-    if (!m_control.commitHere())
+    if (!m_control.entry().commitHere())
         return;
     if (place.kind == Kind::columnEdge || place.kind == Kind::rowEdge) {
         if (m_control.mode() == GridMode::edit)
             m_doing = place.kind == Kind::rowEdge ? Doing::resizingRow : Doing::resizingColumn;
     } else if (place.kind == Kind::fillHandle) {
         m_doing = Doing::filling;
-        m_filled = m_control.firstRange();
+        m_filled = m_control.cursor().firstRange();
     } else if (place.kind == Kind::cells) {
         pressCell(place, event);
     } else {
@@ -153,13 +153,13 @@ void GridMouse::pressCell(const Place& place, const QMouseEvent& event)
 {
     const bool extend = event.modifiers().testFlag(Qt::ShiftModifier);
     const bool add = event.modifiers().testFlag(Qt::ControlModifier);
-    m_control.m_tabColumn = 0;
+    m_control.cursor().forgetTab();
     if (add && !extend) {
-        if (!m_control.enter(place.cell, [&](Selection& selection, const Sheet& sheet) {
+        if (!m_control.cursor().enter(place.cell, [&](Selection& selection, const Sheet& sheet) {
                 selection.addRange(sheet, place.cell);
             }))
             return;
-    } else if (!m_control.moveTo(place.cell, extend)) {
+    } else if (!m_control.cursor().moveTo(place.cell, extend)) {
         return;
     }
     m_doing = Doing::cells;
@@ -170,27 +170,27 @@ void GridMouse::pressCell(const Place& place, const QMouseEvent& event)
 /// Cells of some types do something when they are clicked. True if it was one of them.
 bool GridMouse::actOn(CellAddress clicked, QPoint point)
 {
-    const Sheet& sheet = m_control.m_view->sheet();
+    const Sheet& sheet = m_view.sheet();
     const CellRange extent = sheet.extent(clicked);
     const CellAddress cell{extent.left, extent.top};
-    const QRect rect = m_control.m_view->geometry().visibleRect(extent);
-    const double twip = m_control.m_view->geometry().twip();
+    const QRect rect = m_view.geometry().visibleRect(extent);
+    const double twip = m_view.geometry().twip();
     switch (sheet.style(cell).type) {
     case CellType::button:
         m_doing = Doing::button;
-        m_control.m_view->setPressed(cell);
+        m_view.setPressed(cell);
         return true;
     case CellType::checkBox:
         if (!checkBoxRect(rect, twip).adjusted(-2, -2, 2, 2).contains(point))
             return false;
         m_doing = Doing::nothing;
-        m_control.toggleCheckBox(cell);
+        m_control.actions().toggleCheckBox(cell);
         return true;
     case CellType::dropDown:
         if (!arrowRect(rect, twip).contains(point))
             return false;
         m_doing = Doing::nothing;
-        m_control.openDropDown();
+        m_control.actions().openDropDown();
         return true;
     default:
         return false;
@@ -200,12 +200,12 @@ bool GridMouse::actOn(CellAddress clicked, QPoint point)
 void GridMouse::pressHeading(const Place& place, Qt::KeyboardModifiers modifiers)
 {
     using Kind = Place::Kind;
-    const Sheet& sheet = m_control.m_view->sheet();
+    const Sheet& sheet = m_view.sheet();
     const SheetSettings& settings = sheet.settings();
-    const CellGeometry& geometry = m_control.m_view->geometry();
+    const CellGeometry& geometry = m_view.geometry();
     const CellRange all{1, 1, settings.columnCount, settings.rowCount};
     if (place.kind == Kind::corner) {
-        m_control.changeSelection(
+        m_control.cursor().changeSelection(
             [&](Selection& selection, const Sheet&) { selection.setRange(all, selection.active()); });
         return;
     }
@@ -223,8 +223,8 @@ void GridMouse::pressHeading(const Place& place, Qt::KeyboardModifiers modifiers
                                  : CellRange{inSight.column, 1, inSight.column, settings.rowCount};
     const CellAddress cell = firstWithin(sheet, line, inSight);
     const bool add = modifiers.testFlag(Qt::ControlModifier);
-    if (!m_control.enter(cell,
-                         [&](Selection& selection, const Sheet&) { selection.setRange(line, cell, add); }))
+    if (!m_control.cursor().enter(
+            cell, [&](Selection& selection, const Sheet&) { selection.setRange(line, cell, add); }))
         m_doing = Doing::nothing;
 }
 
@@ -246,30 +246,32 @@ void GridMouse::move(const QMouseEvent& event)
 
 void GridMouse::dragTo(QPoint point)
 {
-    const CellAddress cell = m_control.m_view->geometry().nearestCell(point);
+    const CellAddress cell = m_view.geometry().nearestCell(point);
     switch (m_doing) {
     case Doing::cells:
-        m_control.changeSelection([&](Selection& s, const Sheet& sheet) { s.extendTo(sheet, cell); });
+        m_control.cursor().changeSelection(
+            [&](Selection& s, const Sheet& sheet) { s.extendTo(sheet, cell); });
         break;
     case Doing::rows:
-        m_control.changeSelection([&](Selection& s, const Sheet& sheet) { s.extendRows(sheet, cell.row); });
+        m_control.cursor().changeSelection(
+            [&](Selection& s, const Sheet& sheet) { s.extendRows(sheet, cell.row); });
         break;
     case Doing::columns:
-        m_control.changeSelection(
+        m_control.cursor().changeSelection(
             [&](Selection& s, const Sheet& sheet) { s.extendColumns(sheet, cell.column); });
         break;
     case Doing::filling:
-        m_filled = fillGoal(m_control.firstRange(), cell);
-        m_control.m_view->changeOverlays([&](CellOverlays& overlays) { overlays.fillGoal = m_filled; });
+        m_filled = fillGoal(m_control.cursor().firstRange(), cell);
+        m_view.changeOverlays([&](CellOverlays& overlays) { overlays.fillGoal = m_filled; });
         break;
     case Doing::pointing:
-        if (m_control.isEditing())
+        if (m_control.entry().isOpen())
             pointTo(point, true);
         break;
     case Doing::button:
-        m_control.m_view->setPressed(m_control.m_view->sheet().extent(m_pressed.cell).contains(cell)
-                                         ? std::optional(m_control.activeCell())
-                                         : std::nullopt);
+        m_view.setPressed(m_view.sheet().extent(m_pressed.cell).contains(cell)
+                              ? std::optional(m_control.cursor().activeCell())
+                              : std::nullopt);
         break;
     default:
         break;
@@ -293,9 +295,9 @@ bool GridMouse::pointsAtColumns() const
 /// Points at the cells, rows or columns from where the button went down to here.
 void GridMouse::pointTo(QPoint point, bool goesOn)
 {
-    const Sheet& sheet = m_control.m_view->sheet();
+    const Sheet& sheet = m_view.sheet();
     const SheetSettings& settings = sheet.settings();
-    const CellAddress to = m_control.m_view->geometry().nearestCell(point);
+    const CellAddress to = m_view.geometry().nearestCell(point);
     const CellAddress from = m_pressed.cell;
     CellRange range;
     if (pointsAtColumns()) {
@@ -307,12 +309,12 @@ void GridMouse::pointTo(QPoint point, bool goesOn)
     } else {
         range = withWholeSpans(sheet, rangeBetween(from, goesOn ? to : from));
     }
-    m_control.m_editing->pointAt(m_control.activeSheet(), range, goesOn);
+    m_control.entry().pointAt(range, goesOn);
 }
 
 void GridMouse::scrollIfOutside(QPoint point)
 {
-    const QRect area = m_control.m_view->geometry().scrolledArea();
+    const QRect area = m_view.geometry().scrolledArea();
     const bool alongRows = m_doing == Doing::rows || pointsAtRows();
     const bool alongColumns = m_doing == Doing::columns || pointsAtColumns();
     const bool outside = alongRows      ? point.y() > area.bottom() || point.y() < area.top()
@@ -326,7 +328,7 @@ void GridMouse::scrollIfOutside(QPoint point)
 
 void GridMouse::timerEvent(QTimerEvent*)
 {
-    const CellGeometry& geometry = m_control.m_view->geometry();
+    const CellGeometry& geometry = m_view.geometry();
     const QRect area = geometry.scrolledArea();
     CellAddress topLeft = geometry.topLeft();
     // The farther outside, the faster.
@@ -343,13 +345,13 @@ void GridMouse::timerEvent(QTimerEvent*)
         topLeft.row = std::min(geometry.rows().moved(topLeft.row, down), last.row);
     if (across != 0)
         topLeft.column = std::min(geometry.columns().moved(topLeft.column, across), last.column);
-    m_control.scrollTo(topLeft);
+    m_control.cursor().setTopLeftCell(topLeft);
     dragTo(m_last);
 }
 
 void GridMouse::showGuide(QPoint point)
 {
-    m_control.m_view->changeOverlays([&](CellOverlays& overlays) {
+    m_view.changeOverlays([&](CellOverlays& overlays) {
         if (m_doing == Doing::resizingRow)
             overlays.guideDown = point.y();
         else
@@ -371,11 +373,11 @@ void GridMouse::release(const QMouseEvent& event)
         hideMarks();
         endFill(!event.modifiers().testFlag(Qt::ControlModifier));
     } else if (done == Doing::button) {
-        m_control.m_view->setPressed(std::nullopt);
-        const CellAddress cell = m_control.activeCell();
-        const CellRange extent = m_control.m_view->sheet().extent(cell);
-        if (m_control.m_view->geometry().visibleRect(extent).contains(point) && m_control.mayAct(cell))
-            Q_EMIT m_control.buttonClicked(cell.column, cell.row);
+        m_view.setPressed(std::nullopt);
+        const CellAddress cell = m_control.cursor().activeCell();
+        const CellRange extent = m_view.sheet().extent(cell);
+        if (m_view.geometry().visibleRect(extent).contains(point))
+            m_control.actions().clickButton(cell);
     }
 }
 
@@ -392,7 +394,7 @@ bool GridMouse::cancel()
 /// Of what the mouse was about to fill or resize.
 void GridMouse::hideMarks()
 {
-    m_control.m_view->changeOverlays([](CellOverlays& overlays) {
+    m_view.changeOverlays([](CellOverlays& overlays) {
         overlays.fillGoal.reset();
         overlays.guideDown.reset();
         overlays.guideAcross.reset();
@@ -402,27 +404,28 @@ void GridMouse::hideMarks()
 void GridMouse::endResize(QPoint point)
 {
     const bool rows = m_pressed.kind == Place::Kind::rowEdge;
-    const CellGeometry& geometry = m_control.m_view->geometry();
+    const CellGeometry& geometry = m_view.geometry();
     const int moved = rows ? point.y() - m_pressedAt.y() : point.x() - m_pressedAt.x();
     const int size = (rows ? geometry.rows() : geometry.columns()).size(m_pressed.line);
     if (moved != 0)
-        m_control.resizeLinesTo(rows, m_pressed.line,
-                                static_cast<int>(std::lround(std::max(size + moved, 0) / geometry.twip())));
+        m_control.commands().resizeLinesTo(
+            rows ? Axis::rows : Axis::columns, m_pressed.line,
+            static_cast<int>(std::lround(std::max(size + moved, 0) / geometry.twip())));
 }
 
 void GridMouse::endFill(bool asSeries)
 {
-    if (m_filled != m_control.firstRange())
-        m_control.fillTo(m_filled, asSeries);
+    if (m_filled != m_control.cursor().firstRange())
+        m_control.commands().fillTo(m_filled, asSeries);
 }
 
 /// Down to where the table goes on the left or on the right, over empty cells only.
 void GridMouse::fillBesides()
 {
-    const CellRange source = m_control.firstRange();
-    const CellRange goal = fillGoalBesides(m_control.m_view->sheet(), source);
+    const CellRange source = m_control.cursor().firstRange();
+    const CellRange goal = fillGoalBesides(m_view.sheet(), source);
     if (goal != source)
-        m_control.fillTo(goal, true);
+        m_control.commands().fillTo(goal, true);
 }
 
 void GridMouse::doubleClick(const QMouseEvent& event)
@@ -432,7 +435,8 @@ void GridMouse::doubleClick(const QMouseEvent& event)
     if (event.button() != Qt::LeftButton)
         return;
     if (place.kind == Kind::rowEdge || place.kind == Kind::columnEdge) {
-        m_control.autofitLine(place.kind == Kind::rowEdge, place.line);
+        m_control.commands().autofitLine(place.kind == Kind::rowEdge ? Axis::rows : Axis::columns,
+                                         place.line);
         return;
     }
     if (place.kind == Kind::fillHandle) {
@@ -441,11 +445,11 @@ void GridMouse::doubleClick(const QMouseEvent& event)
     }
     if (place.kind != Kind::cells)
         return;
-    const CellType type = m_control.m_view->sheet().style(place.cell).type;
+    const CellType type = m_view.sheet().style(place.cell).type;
     if (type == CellType::button || type == CellType::checkBox)
         press(event); // a quick second click
-    else if (m_control.m_view->sheet().extent(m_control.activeCell()).contains(place.cell))
-        m_control.beginEdit(EditStart::keep);
+    else if (m_view.sheet().extent(m_control.cursor().activeCell()).contains(place.cell))
+        m_control.entry().begin(EditStart::keep);
 }
 
 } // namespace spreadsheet

@@ -11,12 +11,13 @@ class QMouseEvent;
 
 namespace spreadsheet {
 
+class SheetView;
 class SpreadsheetControl;
 
 /// What the mouse does in the cells and headings of a control: it selects, resizes, fills, points.
 class GridMouse : public QObject {
 public:
-    explicit GridMouse(SpreadsheetControl& control);
+    GridMouse(SpreadsheetControl& control, SheetView& view);
 
     void press(const QMouseEvent& event);
     void move(const QMouseEvent& event);
@@ -65,6 +66,7 @@ private:
     void hideMarks();
 
     SpreadsheetControl& m_control;
+    SheetView& m_view;
     Doing m_doing = Doing::nothing;
     Place m_pressed;
     QPoint m_pressedAt, m_last;

@@ -2,7 +2,6 @@
 #include "spreadsheet/values/Refusal.h"
 #include "spreadsheet/view/CellEditing.h"
 
-#include <QObject>
 #include <QPointer>
 #include <QString>
 
@@ -13,9 +12,7 @@ class Sheet;
 class SpreadsheetControl;
 
 /// An edit of the control's active cell in an editor over it.
-class InCellEditing : public QObject, public CellEditing {
-    Q_OBJECT
-
+class InCellEditing : public CellEditing {
 public:
     /// @param typed  what the editor begins with, for EditStart::replace
     InCellEditing(SpreadsheetControl& control, CellAddress cell, EditStart start, const QString& typed);
@@ -23,10 +20,9 @@ public:
 
     CellAddress cell() const override { return m_cell; }
     QString text() const override;
-    /// Ends the life of this object if it returns true.
-    [[nodiscard]] bool commit() override;
-    /// Ends the life of this object.
-    void cancel() override;
+    [[nodiscard]] EntryOutcome commit() override;
+    /// As an array formula of the first selected range.
+    [[nodiscard]] EntryOutcome commitAsArray();
     void place() override;
     void takeFocus() override;
     void compose(QInputMethodEvent* event) override;
@@ -34,20 +30,12 @@ public:
     bool takesReference() const override;
     void pointAt(int sheet, const CellRange& range, bool goesOn) override;
 
-    CellEditor& editor() { return *m_editor; }
+    CellEditor& editor();
+    /// The sheet of the cell; null if it is gone.
+    Sheet* sheet() const;
 
 private:
-    Sheet* sheet() const;
-    Refusal enter(Sheet& sheet, bool asArray);
-    /// False: refused, which the editor shows; it stays open.
-    [[nodiscard]] bool commitText(bool asArray);
-    void commitByKey(int key, Qt::KeyboardModifiers modifiers);
-    void fillSelection();
-    std::vector<CellAddress> cellsToFill(const Sheet& sheet) const;
-    void pointByKey(int key, Qt::KeyboardModifiers modifiers);
-    void showFrames();
-    void focusMoved(QWidget* now);
-    void end(bool changed);
+    EntryOutcome outcomeOf(const Refusal& problem);
 
     SpreadsheetControl& m_control;
     int m_sheetId;

@@ -1,19 +1,13 @@
 #include "spreadsheet/view/SpreadsheetControl.h"
 
-#include "spreadsheet/view/DateEntry.h"
-#include "spreadsheet/view/DropDownList.h"
 #include "spreadsheet/view/GridMouse.h"
 #include "spreadsheet/view/locked_cells.h"
 #include "spreadsheet/view/SheetTabs.h"
 #include "spreadsheet/view/SheetView.h"
+#include "spreadsheet/view/tool_tip.h"
+#include "spreadsheet/workbook/UndoJournal.h"
 
-#include <QEvent>
-#include <QHelpEvent>
-#include <QPainter>
-#include <QPaintEvent>
 #include <QScrollBar>
-#include <QToolTip>
-#include <QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -22,66 +16,91 @@
 
 namespace spreadsheet {
 
-namespace {
+/// The operations by program, which the control shows.
+class SpreadsheetControl::Cells : public CellOperations {
+public:
+    explicit Cells(SpreadsheetControl& control)
+        : m_control(control)
+    {
+    }
 
-constexpr int marchInterval = 150;
-constexpr int wheelNotch = 120; // eighths of a degree
+protected:
+    void changed() override { m_control.m_showChanges.start(0); }
+    void sheetSwitched() override { m_control.showActiveSheet(); }
+    void workbookSwitched() override { m_control.showAnotherWorkbook(); }
 
-} // namespace
+private:
+    SpreadsheetControl& m_control;
+};
 
 SpreadsheetControl::SpreadsheetControl(QWidget* parent)
     : QWidget(parent)
-    , m_view(std::make_unique<SheetView>(*this, workbook()))
-    , m_mouse(std::make_unique<GridMouse>(*this))
+    , m_cells(std::make_unique<Cells>(*this))
+    , m_view(std::make_unique<SheetView>(*this, m_cells->workbook()))
+    , m_cursor(*this, *m_view)
+    , m_mouse(std::make_unique<GridMouse>(*this, *m_view))
     , m_down(new QScrollBar(Qt::Vertical, this))
     , m_across(new QScrollBar(Qt::Horizontal, this))
     , m_tabs(new SheetTabs(this))
-    , m_dropDown(new DropDownList(this))
-    , m_dateEntry(new DateEntry(*this))
+    , m_commands(std::make_unique<GridCommands>(*this, *m_view))
+    , m_entry(std::make_unique<GridEntry>(*this, *m_view))
+    , m_actions(std::make_unique<CellActions>(*this, *m_view))
 {
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
     setMinimumSize(80, 60);
-    workbook().setUndoEnabled(true);
-    m_down->setObjectName(QStringLiteral("scrollDown"));
-    m_across->setObjectName(QStringLiteral("scrollAcross"));
-    connect(m_down, &QScrollBar::valueChanged, this, [this](int row) {
-        scrollTo({m_view->geometry().topLeft().column, row});
-    });
-    connect(m_across, &QScrollBar::valueChanged, this, [this](int column) {
-        scrollTo({column, m_view->geometry().topLeft().row});
-    });
-    m_tabs->mayRename = [this] { return !isEditing(); };
-    connect(m_tabs, &SheetTabs::chosen, this, &SpreadsheetControl::showSheetByUser);
-    connect(m_tabs, &SheetTabs::addWanted, this, &SpreadsheetControl::addSheet);
-    connect(m_tabs, &SheetTabs::renameWanted, this, &SpreadsheetControl::renameSheet);
-    connect(m_tabs, &SheetTabs::moveWanted, this, &SpreadsheetControl::moveSheet);
-    connect(m_tabs, &SheetTabs::removeWanted, this, &SpreadsheetControl::removeSheet);
-    connect(this, &SpreadsheetControl::sheetsChanged, this, &SpreadsheetControl::showTabs);
-    connect(m_dropDown, &DropDownList::closed, this, &SpreadsheetControl::closeDropDown);
-    m_march.setInterval(marchInterval);
-    connect(&m_march, &QTimer::timeout, this, [this] { m_view->march(); });
+    m_cells->workbook().setUndoEnabled(true);
     m_showChanges.setSingleShot(true);
     connect(&m_showChanges, &QTimer::timeout, this, &SpreadsheetControl::showChanges);
+    connectBars();
+    connectTabs();
     showTabs();
 }
 
-SpreadsheetControl::~SpreadsheetControl()
+SpreadsheetControl::~SpreadsheetControl() = default;
+
+void SpreadsheetControl::connectBars()
 {
-    m_editing.reset(); // its editor is a child that still asks for the view
+    m_down->setObjectName(QStringLiteral("scrollDown"));
+    m_across->setObjectName(QStringLiteral("scrollAcross"));
+    connect(m_down, &QScrollBar::valueChanged, this, [this](int row) {
+        m_cursor.setTopLeftCell({m_cursor.topLeftCell().column, row});
+    });
+    connect(m_across, &QScrollBar::valueChanged, this, [this](int column) {
+        m_cursor.setTopLeftCell({column, m_cursor.topLeftCell().row});
+    });
 }
 
-GridMode SpreadsheetControl::mode() const
+void SpreadsheetControl::connectTabs()
 {
-    return m_mode;
+    GridCommands& commands = *m_commands;
+    m_tabs->mayRename = [this] { return !m_entry->isOpen(); };
+    connect(m_tabs, &SheetTabs::chosen, this, [this](int index) { m_cursor.showSheet(index); });
+    connect(m_tabs, &SheetTabs::addWanted, this, [&commands] { commands.addSheet(); });
+    connect(m_tabs, &SheetTabs::renameWanted, this,
+            [&commands](int index, const QString& name) { commands.renameSheet(index, name); });
+    connect(m_tabs, &SheetTabs::moveWanted, this,
+            [&commands](int from, int to) { commands.moveSheet(from, to); });
+    connect(m_tabs, &SheetTabs::removeWanted, this, [&commands](int index) { commands.removeSheet(index); });
+    connect(this, &SpreadsheetControl::sheetsChanged, this, &SpreadsheetControl::showTabs);
+}
+
+CellOperations& SpreadsheetControl::cells()
+{
+    return *m_cells;
+}
+
+const CellOperations& SpreadsheetControl::cells() const
+{
+    return *m_cells;
 }
 
 void SpreadsheetControl::setMode(GridMode mode)
 {
     if (mode == GridMode::run)
-        cancelEdit();
+        m_entry->cancel();
     m_mode = mode;
     m_tabs->setEditable(mode == GridMode::edit);
     m_view->changeOverlays(
@@ -93,13 +112,46 @@ Refusal SpreadsheetControl::editRefusal(const CellRange& range) const
     if (m_mode == GridMode::run)
         return inRunMode;
     const Sheet& sheet = m_view->sheet();
-    if (!holdsLockedCell(workbook(), sheet, range))
+    if (!holdsLockedCell(m_cells->workbook(), sheet, range))
         return {};
     const bool isOne = sheet.extent({range.left, range.top}) == range;
     return isOne ? "单元格已锁定，不能更改" : "区域中有锁定的单元格，不能更改";
 }
 
+bool SpreadsheetControl::refuse(const Refusal& why)
+{
+    if (why)
+        Q_EMIT refused(QString::fromStdString(why.reason()));
+    return static_cast<bool>(why);
+}
+
+bool SpreadsheetControl::refuseEdit(const std::vector<CellRange>& ranges)
+{
+    return std::ranges::any_of(ranges, [this](const CellRange& range) { return refuse(editRefusal(range)); });
+}
+
+bool SpreadsheetControl::giveUp()
+{
+    if (hideToolTip())
+        return true;
+    if (m_entry->isOpen()) {
+        m_entry->cancel();
+        return true;
+    }
+    if (m_mouse->cancel())
+        return true;
+    const bool copied = m_view->hasCopied();
+    if (copied)
+        m_commands->setCopiedRange(0, std::nullopt);
+    return copied;
+}
+
 // --- what is seen
+
+QFont SpreadsheetControl::screenFont(const CellFont& font) const
+{
+    return m_view->text().font({font.family.view(), font.points, font.bold, font.italic});
+}
 
 void SpreadsheetControl::layOut()
 {
@@ -115,7 +167,7 @@ void SpreadsheetControl::layOut()
     placesChanged();
 }
 
-void SpreadsheetControl::adjustScrollBars()
+void SpreadsheetControl::fitScrollBars()
 {
     const CellGeometry& geometry = m_view->geometry();
     const CellAddress last = geometry.lastTopLeft();
@@ -131,62 +183,11 @@ void SpreadsheetControl::adjustScrollBars()
            geometry.topLeft().column);
 }
 
-/// Cells stand elsewhere on screen than before.
 void SpreadsheetControl::placesChanged()
 {
-    adjustScrollBars();
-    if (m_editing)
-        m_editing->place();
+    fitScrollBars();
+    m_entry->place();
     Q_EMIT viewChanged();
-}
-
-void SpreadsheetControl::scrollTo(CellAddress topLeft)
-{
-    if (m_view->scrollTo(topLeft))
-        placesChanged();
-    else
-        adjustScrollBars(); // the bar may stand at a hidden line
-}
-
-CellAddress SpreadsheetControl::topLeftCell() const
-{
-    return m_view->geometry().topLeft();
-}
-
-void SpreadsheetControl::setTopLeftCell(CellAddress cell)
-{
-    scrollTo(cell);
-}
-
-void SpreadsheetControl::bringIntoSight(CellAddress cell)
-{
-    const CellGeometry& geometry = m_view->geometry();
-    CellAddress topLeft = geometry.topLeft();
-    if (geometry.scrolledArea().isEmpty())
-        return; // not laid out yet
-    // Towards the end: as little as brings the line's end into sight.
-    const auto lineFor = [](const AxisPositions& axis, int line, int frozen, int first, int room) {
-        if (line <= frozen)
-            return first;
-        if (line < first)
-            return line;
-        int top = first;
-        if (axis.end(line) - axis.start(first) > room) {
-            const std::int64_t start = std::max<std::int64_t>(axis.end(line) - room, 0);
-            top = axis.indexAt(start);
-            if (axis.start(top) < start)
-                top = axis.moved(top, 1);
-        }
-        return std::min(top, line);
-    };
-    const QRect room = geometry.scrolledArea();
-    const QRect area(QPoint(room.topLeft()),
-                     QPoint(geometry.area().width() - 1, geometry.area().height() - 1));
-    topLeft.row = lineFor(geometry.rows(), cell.row, geometry.frozenRows(), topLeft.row, area.height());
-    topLeft.column =
-        lineFor(geometry.columns(), cell.column, geometry.frozenColumns(), topLeft.column, area.width());
-    if (topLeft != geometry.topLeft())
-        scrollTo(topLeft);
 }
 
 double SpreadsheetControl::zoom() const
@@ -203,14 +204,11 @@ void SpreadsheetControl::setZoom(double zoom)
     placesChanged();
 }
 
-void SpreadsheetControl::zoomIn()
+/// To the next ten per cent, in (1) or out (-1).
+void SpreadsheetControl::zoomBy(int steps)
 {
-    setZoom(std::floor(zoom() * 10 + 1.001) / 10);
-}
-
-void SpreadsheetControl::zoomOut()
-{
-    setZoom(std::ceil(zoom() * 10 - 1.001) / 10);
+    for (int step = 0; step < std::abs(steps); ++step)
+        setZoom(steps > 0 ? std::floor(zoom() * 10 + 1.001) / 10 : std::ceil(zoom() * 10 - 1.001) / 10);
 }
 
 QRect SpreadsheetControl::cellRect(CellAddress cell) const
@@ -257,26 +255,7 @@ void SpreadsheetControl::setGridLinesShown(bool shown)
     m_view->setGridLines(shown);
 }
 
-void SpreadsheetControl::setReferenceFrames(std::vector<ReferenceFrame> frames)
-{
-    m_view->setReferences(std::move(frames));
-}
-
-void SpreadsheetControl::setCopiedRange(int sheetId, std::optional<CellRange> range)
-{
-    m_view->setCopied(sheetId, range);
-    if (range)
-        m_march.start();
-    else
-        m_march.stop();
-}
-
 // --- changes
-
-void SpreadsheetControl::changed()
-{
-    m_showChanges.start(0);
-}
 
 void SpreadsheetControl::refresh()
 {
@@ -295,126 +274,54 @@ void SpreadsheetControl::showChanges()
 
 void SpreadsheetControl::afterEdit(std::optional<CellAddress> cell)
 {
-    recalculateAfterEdit();
+    m_cells->recalculateAfterEdit();
     showChanges();
     Q_EMIT cellChanged(cell ? cell->column : -1, cell ? cell->row : -1);
 }
 
-void SpreadsheetControl::setEditing(std::unique_ptr<CellEditing> editing)
+// --- sheets
+
+void SpreadsheetControl::showAnotherWorkbook()
 {
-    m_editing = std::move(editing);
-    m_editing->place();
-    Q_EMIT editModeChanged(true, false);
+    m_entry->sheetSwitched();
+    m_commands->forgetCut();
+    m_view->setWorkbook(m_cells->workbook());
+    showActiveSheet();
 }
 
-void SpreadsheetControl::editingEnded(bool changed)
+void SpreadsheetControl::showActiveSheet()
 {
-    const std::unique_ptr<CellEditing> ended = std::move(m_editing);
-    setReferenceFrames({});
-    setFocus();
-    Q_EMIT editModeChanged(false, changed);
-    const int own = workbook().sheetIndexOfId(std::exchange(m_entrySheetId, 0));
-    if (own != 0 && own != activeSheet())
-        setActiveSheet(own); // back from pointing at another one
+    Workbook& workbook = m_cells->workbook();
+    if (!workbook.journal().enabled())
+        workbook.setUndoEnabled(true); // which forgets former steps
+    m_entry->sheetSwitched();
+    m_view->update();
+    m_cursor.forgetTab();
+    placesChanged();
+    showTabs();
+    Q_EMIT sheetChanged(m_cells->activeSheet());
+    Q_EMIT selectionChanged();
 }
 
-// --- events of the widget
-
-void SpreadsheetControl::paintEvent(QPaintEvent* event)
+void SpreadsheetControl::restoreTabs()
 {
-    QPainter painter(this);
-    m_view->paint(painter, event->region());
-    const QRect corner(m_down->x(), m_across->y(), m_down->width(), m_across->height());
-    painter.fillRect(corner, palette().window());
-    painter.fillRect(m_tabs->geometry(), palette().window());
+    m_tabNames.clear();
+    showTabs();
 }
 
-void SpreadsheetControl::resizeEvent(QResizeEvent*)
+void SpreadsheetControl::showTabs()
 {
-    const bool first = m_view->geometry().area().isEmpty();
-    layOut();
-    if (first)
-        bringIntoSight(activeCell()); // may have been set before there was a size
-}
-
-void SpreadsheetControl::changeEvent(QEvent* event)
-{
-    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)
-        m_view->repaintAll();
-    QWidget::changeEvent(event);
-}
-
-bool SpreadsheetControl::event(QEvent* event)
-{
-    if (event->type() == QEvent::ToolTip) {
-        const auto& help = static_cast<const QHelpEvent&>(*event);
-        const auto cell = cellAt(help.pos());
-        const QString note = cell ? m_view->noteAt(*cell) : QString();
-        if (note.isEmpty())
-            QToolTip::hideText();
-        else
-            QToolTip::showText(help.globalPos(), note, this, cellRect(*cell));
-        return true;
-    }
-    return QWidget::event(event);
-}
-
-void SpreadsheetControl::wheelEvent(QWheelEvent* event)
-{
-    // Touch pads tell small parts of a notch, which add up.
-    const auto notches = [](int& sum, int delta, int notch) {
-        sum += delta;
-        const int whole = sum / notch;
-        sum -= whole * notch;
-        return whole;
-    };
-    constexpr int rowsPerNotch = 3;
-    if (event->modifiers().testFlag(Qt::ControlModifier)) {
-        const int steps = notches(m_wheelZoom, event->angleDelta().y(), wheelNotch);
-        for (int step = 0; step < std::abs(steps); ++step)
-            steps > 0 ? zoomIn() : zoomOut();
-    } else {
-        const bool turned = event->modifiers().testFlag(Qt::ShiftModifier);
-        const QPoint delta = turned ? event->angleDelta().transposed() : event->angleDelta();
-        const int down = notches(m_wheelDown, delta.y(), wheelNotch / rowsPerNotch);
-        const int across = notches(m_wheelAcross, delta.x(), wheelNotch);
-        const CellGeometry& geometry = m_view->geometry();
-        const CellAddress last = geometry.lastTopLeft();
-        const auto moved = [](const AxisPositions& axis, int from, int steps, int lastFirst) {
-            return std::min(axis.moved(from, -steps), std::max(lastFirst, from));
-        };
-        scrollTo({moved(geometry.columns(), geometry.topLeft().column, across, last.column),
-                  moved(geometry.rows(), geometry.topLeft().row, down, last.row)});
-    }
-    event->accept();
-}
-
-void SpreadsheetControl::mousePressEvent(QMouseEvent* event)
-{
-    m_mouse->press(*event);
-}
-
-void SpreadsheetControl::mouseMoveEvent(QMouseEvent* event)
-{
-    m_mouse->move(*event);
-}
-
-void SpreadsheetControl::mouseReleaseEvent(QMouseEvent* event)
-{
-    m_mouse->release(*event);
-}
-
-void SpreadsheetControl::mouseDoubleClickEvent(QMouseEvent* event)
-{
-    m_mouse->doubleClick(*event);
-}
-
-void SpreadsheetControl::contextMenuEvent(QContextMenuEvent* event)
-{
-    // The mouse's was told when the button went down.
-    if (event->reason() == QContextMenuEvent::Keyboard)
-        Q_EMIT contextMenuWanted(mapToGlobal(cellRect(activeCell()).center()), activeCell().column,
-                                 activeCell().row);
+    const Workbook& workbook = m_cells->workbook();
+    QStringList names;
+    for (int index = 1; index <= workbook.sheetCount(); ++index)
+        names.append(QString::fromStdString(workbook.sheet(index).name()));
+    if (names == m_tabNames && m_tabActive == workbook.activeSheet())
+        return;
+    m_tabNames = names;
+    m_tabActive = workbook.activeSheet();
+    m_tabs->showSheets(names, m_tabActive);
+    if (!m_view->geometry().area().isEmpty())
+        layOut();
 }
 
 } // namespace spreadsheet

@@ -8,6 +8,11 @@
 
 namespace spreadsheet {
 
+Qt::KeyboardModifiers chord(Qt::KeyboardModifiers modifiers)
+{
+    return modifiers & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+}
+
 bool belongsToWindow(const QKeyEvent& event)
 {
     static constexpr std::array keys{Qt::Key_G, Qt::Key_J, Qt::Key_N, Qt::Key_O, Qt::Key_S};

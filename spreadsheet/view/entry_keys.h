@@ -5,6 +5,9 @@ class QKeyEvent;
 
 namespace spreadsheet {
 
+/// What is held down but Shift, and the keypad's mark.
+Qt::KeyboardModifiers chord(Qt::KeyboardModifiers modifiers);
+
 /// Keys of the window that owns the sheet: Ctrl with G, J, N, O, S. Neither control nor editor takes them.
 bool belongsToWindow(const QKeyEvent& event);
 

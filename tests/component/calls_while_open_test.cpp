@@ -161,8 +161,8 @@ TEST_F(CallsWhileOpen, DuringAFetch)
         });
         waiting.start(10);
         auto& editor = dynamic_cast<frmEditor&>(designer);
-        editor.fps1().setCurrent(1, 1);
-        spreadsheet::demand(editor.fps1().setFormula(test::closingBalance));
+        editor.fps1().cells().setCurrent(1, 1);
+        spreadsheet::demand(editor.fps1().cells().setFormula(test::closingBalance));
         choose(designer, "MenuRecalculate");
     });
     host.editForm(0);
@@ -208,14 +208,14 @@ TEST_F(CallsWhileOpen, TheNextSaveGoesIntoTheReportThatIsOpen)
     inWindow("frmSelfReportMain", [this](QWidget& list) {
         inWindow("frmEditor", [this](QWidget& designer) {
             auto& editor = dynamic_cast<frmEditor&>(designer);
-            EXPECT_EQ(editor.fps1().text(1, 1), "一月");
+            EXPECT_EQ(editor.fps1().cells().text(1, 1), "一月");
             clsSelfReport other;
             other.cwSelfReportExe(3);
             EXPECT_NE(other.lastError(), "");
             other.cwSelfReport();
             EXPECT_NE(other.lastError(), "");
             other.init("x", "x", "x", "x");
-            editor.fps1().setText(1, 1, "改过");
+            editor.fps1().cells().setText(1, 1, "改过");
             choose(designer, "MenuFileSave");
         });
         control<ListGrid>(list, "vsf1").setRow(1);
@@ -262,7 +262,7 @@ TEST_F(CallsWhileOpen, TheListOverADesignerOpensNoSecondOne)
         });
         clsSelfReport other;
         other.cwSelfReport();
-        dynamic_cast<frmEditor&>(designer).fps1().setText(1, 1, "改过");
+        dynamic_cast<frmEditor&>(designer).fps1().cells().setText(1, 1, "改过");
         choose(designer, "MenuFileSave");
     });
     host.editForm(0);

@@ -18,8 +18,8 @@ void lineStyles(SpreadsheetControl& grid)
                            "Fine dash", "Fine dot",     "Fine dash dot", "Fine dash dot dot"};
     for (int style = 0; style < 12; ++style) {
         const int column = 2 + style % 6, row = 3 + style / 6 * 2;
-        grid.setText(column, row, names[style]);
-        grid.setBorder({column, row, column, row}, allSides, 0x000080, static_cast<LineStyle>(style));
+        grid.cells().setText(column, row, names[style]);
+        grid.cells().setBorder({column, row, column, row}, allSides, 0x000080, static_cast<LineStyle>(style));
     }
 }
 
@@ -48,14 +48,14 @@ void types(SpreadsheetControl& grid)
     int place = 0;
     for (const auto& [type, name, value] : cells) {
         const int column = 2 + place % 7, row = 8 + place / 7 * 2;
-        grid.setText(column, row, name);
-        grid.sheet().setValue({column, row + 1}, value);
-        grid.changeStyle({column, row + 1, column, row + 1}, [type](CellStyle& style) {
+        grid.cells().setText(column, row, name);
+        grid.cells().sheet().setValue({column, row + 1}, value);
+        grid.cells().changeStyle({column, row + 1, column, row + 1}, [type](CellStyle& style) {
             style.type = type;
             style.decimals = 3;
         });
         if (type == CellType::button)
-            grid.putButtonCaption({column, row + 1}, QStringLiteral("计算"));
+            grid.cells().putButtonCaption({column, row + 1}, QStringLiteral("计算"));
         ++place;
     }
 }
@@ -67,18 +67,20 @@ void alignments(SpreadsheetControl& grid)
     for (int vertical = 0; vertical < 3; ++vertical)
         for (int horizontal = 0; horizontal < 3; ++horizontal) {
             const int column = 2 + horizontal, row = 13 + vertical;
-            grid.setText(column, row, QString(across[horizontal]) + down[vertical]);
-            grid.setRowHeight(row, vertical == 0 ? 760 : 500); // the first one also holds a wrapped text
-            grid.changeStyle({column, row, column, row}, [&](CellStyle& style) {
+            grid.cells().setText(column, row, QString(across[horizontal]) + down[vertical]);
+            grid.cells().setRowHeight(row,
+                                      vertical == 0 ? 760 : 500); // the first one also holds a wrapped text
+            grid.cells().changeStyle({column, row, column, row}, [&](CellStyle& style) {
                 style.horizontal = static_cast<HorizontalAlignment>(horizontal);
                 style.vertical = static_cast<VerticalAlignment>(vertical);
             });
         }
-    grid.setText(5, 13, "自动换行的文字在单元格里分成几行");
-    grid.changeStyle({5, 13, 5, 13}, [](CellStyle& style) { style.wrap = true; });
-    grid.setText(8, 14, "右对齐的长文字向左伸出去");
-    grid.changeStyle({8, 14, 8, 14}, [](CellStyle& style) { style.horizontal = HorizontalAlignment::right; });
-    grid.setText(5, 15, "左对齐的长文字向右伸出去，直到有内容的单元格");
+    grid.cells().setText(5, 13, "自动换行的文字在单元格里分成几行");
+    grid.cells().changeStyle({5, 13, 5, 13}, [](CellStyle& style) { style.wrap = true; });
+    grid.cells().setText(8, 14, "右对齐的长文字向左伸出去");
+    grid.cells().changeStyle({8, 14, 8, 14},
+                             [](CellStyle& style) { style.horizontal = HorizontalAlignment::right; });
+    grid.cells().setText(5, 15, "左对齐的长文字向右伸出去，直到有内容的单元格");
 }
 
 void fonts(SpreadsheetControl& grid)
@@ -103,51 +105,52 @@ void fonts(SpreadsheetControl& grid)
     int place = 0;
     for (const auto& [text, change] : cells) {
         const int column = 2 + place % 6, row = 17 + place / 6;
-        grid.setText(column, row, text);
-        grid.setRowHeight(row, 420);
-        grid.changeStyle({column, row, column, row}, change);
+        grid.cells().setText(column, row, text);
+        grid.cells().setRowHeight(row, 420);
+        grid.cells().changeStyle({column, row, column, row}, change);
         ++place;
     }
 }
 
 void spans(SpreadsheetControl& grid)
 {
-    grid.setText(2, 20, "合并三列两行，居中");
-    grid.addSpan({2, 20, 4, 21});
-    grid.changeStyle({2, 20, 2, 20}, [](CellStyle& style) {
+    grid.cells().setText(2, 20, "合并三列两行，居中");
+    grid.cells().addSpan({2, 20, 4, 21});
+    grid.cells().changeStyle({2, 20, 2, 20}, [](CellStyle& style) {
         style.horizontal = HorizontalAlignment::centre;
         style.background = 0xDDEEFF;
     });
-    grid.setBorder({2, 20, 4, 21}, allSides, 0x000080, LineStyle::solid);
-    grid.setText(6, 20, "整列和整行的格式");
-    grid.changeStyle({9, 1, 9, grid.rowCount()}, [](CellStyle& style) { style.background = 0xF0F0F0; });
-    grid.changeStyle({1, 23, grid.columnCount(), 23}, [](CellStyle& style) {
+    grid.cells().setBorder({2, 20, 4, 21}, allSides, 0x000080, LineStyle::solid);
+    grid.cells().setText(6, 20, "整列和整行的格式");
+    grid.cells().changeStyle({9, 1, 9, grid.cells().rowCount()},
+                             [](CellStyle& style) { style.background = 0xF0F0F0; });
+    grid.cells().changeStyle({1, 23, grid.cells().columnCount(), 23}, [](CellStyle& style) {
         style.background = 0xE0F0E0;
         style.bottom = {LineStyle::fineSolid, 0x008000};
     });
-    grid.setText(2, 23, "整行");
-    grid.setText(9, 2, "整列");
+    grid.cells().setText(2, 23, "整行");
+    grid.cells().setText(9, 2, "整列");
 }
 
 void fill(SpreadsheetControl& grid)
 {
-    grid.setColumnWidth(1, 300);
+    grid.cells().setColumnWidth(1, 300);
     for (int column = 2; column <= 9; ++column)
-        grid.setColumnWidth(column, 1500);
-    grid.setText(2, 1, "单元格格式一览");
-    grid.changeStyle({2, 1, 2, 1}, [](CellStyle& style) {
+        grid.cells().setColumnWidth(column, 1500);
+    grid.cells().setText(2, 1, "单元格格式一览");
+    grid.cells().changeStyle({2, 1, 2, 1}, [](CellStyle& style) {
         style.font.bold = true;
         style.font.points = 16;
         style.horizontal = HorizontalAlignment::centre;
     });
-    grid.addSpan({2, 1, 9, 1});
-    grid.setRowHeight(1, 500);
+    grid.cells().addSpan({2, 1, 9, 1});
+    grid.cells().setRowHeight(1, 500);
     lineStyles(grid);
     types(grid);
     alignments(grid);
     fonts(grid);
     spans(grid);
-    grid.changePrintSettings([](PrintSettings& print) {
+    grid.cells().changePrintSettings([](PrintSettings& print) {
         print.landscape = print.gridLines = true;
         print.fitWidth = true;
     });
@@ -159,7 +162,7 @@ std::unique_ptr<QWidget> formatsPage()
 {
     auto grid = std::make_unique<SpreadsheetControl>();
     fill(*grid);
-    grid->setActiveCell(2, 9); // a date: its calendar is offered
+    grid->cursor().setActiveCell(2, 9); // a date: its calendar is offered
     return grid;
 }
 
@@ -169,7 +172,7 @@ void saveFormatsPdf(const QString& path)
     fill(grid);
     QFile file(path);
     if (file.open(QIODevice::WriteOnly))
-        file.write(pdfOf(grid.workbook(), {}).bytes);
+        file.write(pdfOf(grid.cells().workbook(), {}).bytes);
 }
 
 } // namespace selfreport::test

@@ -89,9 +89,9 @@ std::unique_ptr<QWidget> filledWizard()
     auto window = std::make_unique<frmAccountWizard>(ignored);
     window->findChild<QLineEdit*>("txt_0")->setText("1122");
     auto& grid = *window->findChild<spreadsheet::SpreadsheetControl*>("fps1");
-    grid.setText(1, 1, "客户");
-    grid.setText(3, 1, "001");
-    grid.setText(4, 1, "005");
+    grid.cells().setText(1, 1, "客户");
+    grid.cells().setText(3, 1, "001");
+    grid.cells().setText(4, 1, "005");
     return window;
 }
 

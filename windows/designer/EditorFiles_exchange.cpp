@@ -105,11 +105,11 @@ void frmEditor::importIntoReport()
 void frmEditor::importFile(const FileDialogSettings& settings)
 {
     const auto file = FileDialogInUse::current().chooseToOpen(settings);
-    if (!file || !m_fps1->commitEdit())
+    if (!file || !m_fps1->entry().commit())
         return;
     transfer(*file, [&] {
-        auto warnings = spreadsheet::loadWorkbook(m_fps1->workbook(), *file);
-        m_fps1->setWorkbook(&m_fps1->workbook());
+        auto warnings = spreadsheet::loadWorkbook(m_fps1->cells().workbook(), *file);
+        m_fps1->cells().setWorkbook(&m_fps1->cells().workbook());
         forgetFetches();
         hookUpAgain();
         return warnings;
@@ -121,11 +121,12 @@ bool frmEditor::exportFile(FileDialogSettings& settings, FileFormat format)
 {
     settings.flags = exportFlags;
     const auto file = FileDialogInUse::current().chooseToSave(settings);
-    if (!file || !m_fps1->commitEdit())
+    if (!file || !m_fps1->entry().commit())
         return false;
     settings.fileName = *file;
     return transfer(*file, [&] {
-        auto warnings = spreadsheet::saveWorkbook(m_fps1->workbook(), *file, formatFor(*file, format));
+        auto warnings =
+            spreadsheet::saveWorkbook(m_fps1->cells().workbook(), *file, formatFor(*file, format));
         if (std::string failed = failedFetchesText(m_evaluation.diagnostics()); !failed.empty())
             warnings.push_back(std::move(failed));
         return warnings;
@@ -154,8 +155,8 @@ bool frmEditor::transfer(const std::string& file, const std::function<std::vecto
 void frmEditor::hookUpAgain()
 {
     {
-        const spreadsheet::DisplayOnly noEdit(m_fps1->workbook()); // exporting changes no design
-        m_fps1->changeStyle([](spreadsheet::CellStyle& style) { style.locked = false; });
+        const spreadsheet::DisplayOnly noEdit(m_fps1->cells().workbook()); // exporting changes no design
+        m_fps1->cells().changeStyle([](spreadsheet::CellStyle& style) { style.locked = false; });
     }
     addSelfFunction();
     m_fps1->showChanges();

@@ -10,12 +10,12 @@ namespace selfreport {
 
 spreadsheet::Workbook& frmEditor::EditorGrid::workbook()
 {
-    return m_window.m_fps1->workbook();
+    return m_window.m_fps1->cells().workbook();
 }
 
 spreadsheet::CellRange frmEditor::EditorGrid::selectedBlock() const
 {
-    return m_window.m_fps1->firstRange();
+    return m_window.m_fps1->cursor().firstRange();
 }
 
 std::string frmEditor::EditorGrid::reportName() const
@@ -71,8 +71,8 @@ spreadsheet::Refusal frmEditor::EditorGrid::writeFormula(const QString& formula)
     spreadsheet::SpreadsheetControl& grid = *m_window.m_fps1;
     if (auto refused = grid.editRefusal({gCellCol, gCellRow, gCellCol, gCellRow}))
         return refused;
-    grid.setCurrent(gCellCol, gCellRow);
-    if (auto refused = grid.setFormula(formula))
+    grid.cells().setCurrent(gCellCol, gCellRow);
+    if (auto refused = grid.cells().setFormula(formula))
         return refused;
     grid.afterEdit(spreadsheet::CellAddress{gCellCol, gCellRow});
     return {};

@@ -92,10 +92,10 @@ void EditorStatus::showTrouble(const QString& why)
 
 void EditorStatus::showCell(const spreadsheet::SpreadsheetControl& grid, const QString& mode)
 {
-    m_cell->setText(grid.sheetName() + '!' +
-                    QString::fromStdString(spreadsheet::cellName(grid.activeCell())));
+    m_cell->setText(grid.cells().sheetName() + '!' +
+                    QString::fromStdString(spreadsheet::cellName(grid.cursor().activeCell())));
     m_mode->setText(mode);
-    m_figures->setText(figures(grid.selectionFigures()));
+    m_figures->setText(figures(grid.cursor().selectionFigures()));
 }
 
 } // namespace selfreport

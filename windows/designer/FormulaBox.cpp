@@ -28,18 +28,11 @@ public:
 
     CellAddress cell() const override { return m_box.m_cell; }
     QString text() const override { return m_box.m_edit.text(); }
-    bool commit() override
+    spreadsheet::EntryOutcome commit() override
     {
-        if (!m_box.commit())
-            return false;
-        end(true);
-        return true;
+        return m_box.commit() ? spreadsheet::EntryOutcome::told : spreadsheet::EntryOutcome::refused;
     }
-    void cancel() override
-    {
-        m_box.fill();
-        end(false);
-    }
+    void discard() override { m_box.fill(); }
     void place() override {}
     void takeFocus() override { m_box.m_edit.setFocus(); }
     void compose(QInputMethodEvent*) override {} // the box has the focus and composes itself
@@ -52,14 +45,6 @@ public:
     }
 
 private:
-    /// The grid deletes this object.
-    void end(bool changed)
-    {
-        spreadsheet::SpreadsheetControl& grid = m_box.m_grid;
-        grid.setReferenceFrames({});
-        grid.editingEnded(changed);
-    }
-
     FormulaBox& m_box;
 };
 
@@ -70,37 +55,38 @@ FormulaBox::FormulaBox(QLineEdit& edit, spreadsheet::SpreadsheetControl& grid)
 {
     edit.installEventFilter(this);
     // It watches last and so sees keys first: those of its list are not this box's.
-    m_assistant = new spreadsheet::FormulaAssistant(edit, grid.functionHints());
+    m_assistant = new spreadsheet::FormulaAssistant(edit, grid.entry().functionHints());
     connect(m_assistant, &spreadsheet::FormulaAssistant::colouredCellsChanged, this, [this] {
         std::vector<spreadsheet::ReferenceFrame> frames;
         if (m_editing) // a formula that is only looked at colours nothing
             for (const spreadsheet::ColouredCells& cells : m_assistant->colouredCells())
-                frames.push_back({m_grid.workbook().sheet(cells.sheet).id(), cells.range, cells.colour});
-        m_grid.setReferenceFrames(std::move(frames));
+                frames.push_back(
+                    {m_grid.cells().workbook().sheet(cells.sheet).id(), cells.range, cells.colour});
+        m_grid.entry().setReferenceFrames(std::move(frames));
     });
     fill();
 }
 
 Sheet* FormulaBox::sheet() const
 {
-    const int index = m_grid.workbook().sheetIndexOfId(m_sheetId);
-    return index == 0 ? nullptr : &m_grid.workbook().sheet(index);
+    const int index = m_grid.cells().workbook().sheetIndexOfId(m_sheetId);
+    return index == 0 ? nullptr : &m_grid.cells().workbook().sheet(index);
 }
 
 bool FormulaBox::isOfShownSheet() const
 {
-    return m_grid.workbook().sheetIndexOfId(m_sheetId) == m_grid.activeSheet();
+    return m_grid.cells().workbook().sheetIndexOfId(m_sheetId) == m_grid.cells().activeSheet();
 }
 
 void FormulaBox::fill()
 {
-    Sheet& shown = m_grid.workbook().sheet(m_grid.activeSheet());
+    Sheet& shown = m_grid.cells().shownSheet();
     m_sheetId = shown.id();
-    m_cell = m_grid.activeCell();
+    m_cell = m_grid.cursor().activeCell();
     const QString formula = QString::fromStdString(shown.formula(m_cell));
     if (m_edit.text() != formula)
         m_edit.setText(formula);
-    m_assistant->setContext({&m_grid.workbook(), m_grid.activeSheet(), m_cell});
+    m_assistant->setContext({&m_grid.cells().workbook(), m_grid.cells().activeSheet(), m_cell});
 }
 
 bool FormulaBox::isUnchanged(const Sheet& sheet) const
@@ -121,7 +107,7 @@ bool FormulaBox::commit()
         return true;
     }
     const std::string typed = m_edit.text().toStdString();
-    if (const auto problem = spreadsheet::enterText(m_grid.workbook(), *own, m_cell, trimmed(typed),
+    if (const auto problem = spreadsheet::enterText(m_grid.cells().workbook(), *own, m_cell, trimmed(typed),
                                                     spreadsheet::TypedInto::formulaBox)) {
         const std::size_t place = std::min(problem.position(), typed.size());
         m_assistant->markMistake(static_cast<int>(spreadsheet::unitOfByte(typed, place)));
@@ -135,20 +121,20 @@ bool FormulaBox::commit()
 
 void FormulaBox::begin()
 {
-    if (m_editing || m_edit.isReadOnly() || !m_grid.commitEdit())
+    if (m_editing || m_edit.isReadOnly() || !m_grid.entry().commit())
         return;
     auto editing = std::make_unique<Editing>(*this);
     m_editing = editing.get();
-    m_grid.setEditing(std::move(editing));
+    m_grid.entry().open(std::move(editing));
 }
 
 void FormulaBox::leaveFor(bool committing)
 {
     if (m_editing) {
         if (committing)
-            std::ignore = m_editing->commit(); // if it stays open, the box has told why
+            std::ignore = m_grid.entry().commit(); // if it stays open, the box has told why
         else
-            m_editing->cancel();
+            m_grid.entry().cancel();
     } else if (committing ? commit() : (fill(), true)) {
         m_grid.setFocus();
     }

@@ -77,8 +77,8 @@ constexpr EditorCommand fileCommands[] = {
 };
 
 constexpr EditorCommand fillCommands[] = {
-    {"MenuFillDown", "向下填充\tCtrl+D", [](Window w) { w.fps1().fillDown(); }},
-    {"MenuFillRight", "向右填充\tCtrl+R", [](Window w) { w.fps1().fillRight(); }},
+    {"MenuFillDown", "向下填充\tCtrl+D", [](Window w) { w.fps1().commands().fillDown(); }},
+    {"MenuFillRight", "向右填充\tCtrl+R", [](Window w) { w.fps1().commands().fillRight(); }},
     separator,
     {"MenuSortUp", "升序排序", [](Window w) { w.sortSelection(false); }},
     {"MenuSortDown", "降序排序", [](Window w) { w.sortSelection(true); }},
@@ -96,19 +96,19 @@ constexpr EditorCommand lookCommands[] = {
 };
 
 constexpr EditorCommand lineCommands[] = {
-    {"MenuDeleteRows", "删除行", [](Window w) { w.fps1().deleteRows(); }},
-    {"MenuDeleteColumns", "删除列", [](Window w) { w.fps1().deleteColumns(); }},
+    {"MenuDeleteRows", "删除行", [](Window w) { w.fps1().commands().deleteRows(); }},
+    {"MenuDeleteColumns", "删除列", [](Window w) { w.fps1().commands().deleteColumns(); }},
     separator,
-    {"MenuHideRows", "隐藏行\tCtrl+9", [](Window w) { w.fps1().hideRows(); }},
-    {"MenuHideColumns", "隐藏列\tCtrl+0", [](Window w) { w.fps1().hideColumns(); }},
-    {"MenuShowRows", "取消隐藏行\tCtrl+Shift+9", [](Window w) { w.fps1().showRows(); }},
-    {"MenuShowColumns", "取消隐藏列\tCtrl+Shift+0", [](Window w) { w.fps1().showColumns(); }},
+    {"MenuHideRows", "隐藏行\tCtrl+9", [](Window w) { w.fps1().commands().hideRows(); }},
+    {"MenuHideColumns", "隐藏列\tCtrl+0", [](Window w) { w.fps1().commands().hideColumns(); }},
+    {"MenuShowRows", "取消隐藏行\tCtrl+Shift+9", [](Window w) { w.fps1().commands().showRows(); }},
+    {"MenuShowColumns", "取消隐藏列\tCtrl+Shift+0", [](Window w) { w.fps1().commands().showColumns(); }},
     separator,
     {"MenuRowHeight", "行高", dialog<frmLineSize, frmLineSize::Lines::rows>},
     {"MenuColumnWidth", "列宽", dialog<frmLineSize, frmLineSize::Lines::columns>},
-    {"MenuAutofitRows", "最适合的行高", [](Window w) { w.fps1().autofitRows(); }},
-    {"MenuAutofitColumns", "最适合的列宽", [](Window w) { w.fps1().autofitColumns(); }},
-    {"MenuFreeze", "冻结窗格", [](Window w) { w.fps1().freezeHere(); }},
+    {"MenuAutofitRows", "最适合的行高", [](Window w) { w.fps1().commands().autofitRows(); }},
+    {"MenuAutofitColumns", "最适合的列宽", [](Window w) { w.fps1().commands().autofitColumns(); }},
+    {"MenuFreeze", "冻结窗格", [](Window w) { w.fps1().commands().freezeHere(); }},
 };
 
 constexpr EditorMenu fillMenu{"MenuFillSort", "填充和排序", fillCommands};
@@ -145,14 +145,14 @@ constexpr EditorCommand editCommands[] = {
     {"MenuDataType", "设置数据类型", [](Window w) { w.MenuDataType_Click(); }},
     {"MenuCellBorder", "设置边框", [](Window w) { w.MenuCellBorder_Click(); }},
     separator,
-    {"MenuUndo", "撤消\tCtrl+Z", [](Window w) { w.fps1().undo(); }},
-    {"MenuRedo", "恢复\tCtrl+Y", [](Window w) { w.fps1().redo(); }},
+    {"MenuUndo", "撤消\tCtrl+Z", [](Window w) { w.fps1().commands().undo(); }},
+    {"MenuRedo", "恢复\tCtrl+Y", [](Window w) { w.fps1().commands().redo(); }},
     separator,
-    {"MenuCut", "剪切\tCtrl+X", [](Window w) { w.fps1().cut(); }},
-    {"MenuCopy", "复制\tCtrl+C", [](Window w) { w.fps1().copy(); }},
-    {"MenuPaste", "粘贴\tCtrl+V", [](Window w) { w.fps1().paste(); }},
-    {"MenuPasteValues", "粘贴数值\tCtrl+Shift+V", [](Window w) { w.fps1().pasteValues(); }},
-    {"MenuClear", "清除内容\tDel", [](Window w) { w.fps1().clear(); }},
+    {"MenuCut", "剪切\tCtrl+X", [](Window w) { w.fps1().commands().cut(); }},
+    {"MenuCopy", "复制\tCtrl+C", [](Window w) { w.fps1().commands().copy(); }},
+    {"MenuPaste", "粘贴\tCtrl+V", [](Window w) { w.fps1().commands().paste(); }},
+    {"MenuPasteValues", "粘贴数值\tCtrl+Shift+V", [](Window w) { w.fps1().commands().pasteValues(); }},
+    {"MenuClear", "清除内容\tDel", [](Window w) { w.fps1().commands().clear(); }},
     separator,
     {"MenuFind", "查找", [](Window w) { w.find(false); }, "Ctrl+F"},
     {"MenuReplace", "替换", [](Window w) { w.find(true); }, "Ctrl+H"},

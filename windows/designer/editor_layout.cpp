@@ -122,7 +122,7 @@ QAction* frmEditor::actionOf(const EditorCommand& command)
         connect(action, &QAction::triggered, this,
                 [this, run = command.run, whileTyping = command.whileTyping] {
                     finishOpening();
-                    if (whileTyping || m_fps1->commitEdit()) // the cell may go elsewhere, or its content
+                    if (whileTyping || m_fps1->entry().commit()) // the cell may go elsewhere, or its content
                         run(*this);
                 });
     return action;
@@ -160,7 +160,7 @@ void frmEditor::buildCommands()
             connect(action, &QAction::triggered, command, &QAction::trigger);
         } else if (button.run) {
             connect(action, &QAction::triggered, this, [this, run = button.run] {
-                if (m_fps1->commitEdit())
+                if (m_fps1->entry().commit())
                     run(*this);
             });
         }
@@ -192,7 +192,7 @@ void frmEditor::initForm()
 /// Lists and buttons follow the entered cell; none of this is a choice by the user.
 void frmEditor::showCellLooks()
 {
-    const spreadsheet::CellStyle& style = m_fps1->sheet().style(m_fps1->activeCell());
+    const spreadsheet::CellStyle& style = m_fps1->cells().sheet().style(m_fps1->cursor().activeCell());
     const spreadsheet::CellFont& font = style.font;
     m_list1->setCurrentIndex(
         m_list1->findText(m_fps1->screenFont(font).family(), Qt::MatchExactly | Qt::MatchCaseSensitive));
@@ -214,16 +214,17 @@ void frmEditor::connectGrid()
 {
     using spreadsheet::SpreadsheetControl;
     m_formulaBox->refused = [](const std::string& reason) { tellUser(Icon::critical, reason); };
-    m_fps1->functionHints().describe("Acct", QStringLiteral("科目,取数类型,货币,年度,起始期间,截目期间"),
-                                     QStringLiteral("总账取数公式"));
-    m_fps1->functionHints().describe("REF_F", QStringLiteral("表名,单元格名称,标签"),
-                                     QStringLiteral("表间取数公式"));
+    m_fps1->entry().functionHints().describe(
+        "Acct", QStringLiteral("科目,取数类型,货币,年度,起始期间,截目期间"), QStringLiteral("总账取数公式"));
+    m_fps1->entry().functionHints().describe("REF_F", QStringLiteral("表名,单元格名称,标签"),
+                                             QStringLiteral("表间取数公式"));
     m_fps1->ask = [](const QString& question) { return dialogs().question(gTitle, question.toStdString()); };
-    m_fps1->recalculateChanged = [this] {
+    m_fps1->cells().recalculateChanged = [this] {
         compute(Extent::changes, [this] { return m_evaluation.recalculateChanged(); });
     };
     m_fps1->setCellNotes([this](int sheetId, spreadsheet::CellAddress cell) {
-        return m_diagnostics->reasonFor({m_fps1->workbook().sheetIndexOfId(sheetId), cell.column, cell.row});
+        return m_diagnostics->reasonFor(
+            {m_fps1->cells().workbook().sheetIndexOfId(sheetId), cell.column, cell.row});
     });
     connect(m_fps1, &SpreadsheetControl::leaveCell, this, &frmEditor::fps1_LeaveCell);
     connect(m_fps1, &SpreadsheetControl::selectionChanged, this, &frmEditor::enterCell);

@@ -51,7 +51,7 @@ std::optional<std::int32_t> storedReport()
 frmEditor::frmEditor(QWidget* parent)
     : QDialog(parent)
     , m_fps1(new spreadsheet::SpreadsheetControl)
-    , m_evaluation(m_fps1->workbook())
+    , m_evaluation(m_fps1->cells().workbook())
 {
     setObjectName("frmEditor");
     setWindowTitle(QStringLiteral("报表系统"));
@@ -69,9 +69,9 @@ frmEditor::frmEditor(QWidget* parent)
 frmEditor::~frmEditor()
 {
     if (!m_left)
-        m_fps1->recalculateChanged = [] {};
-    if (m_left || !m_fps1->commitEdit())
-        m_fps1->cancelEdit(); // an open formula box is the grid's editor
+        m_fps1->cells().recalculateChanged = [] {};
+    if (m_left || !m_fps1->entry().commit())
+        m_fps1->entry().cancel(); // an open formula box is the grid's editor
     if (!m_left && m_recovery)
         m_recovery->keep(true);
     m_fps1->disconnect(this);
@@ -83,9 +83,10 @@ void frmEditor::openReport()
 {
     if (gEditFlag == 1) {
         std::string name;
-        if (m_report.load(name, m_fps1->workbook()))
+        if (m_report.load(name, m_fps1->cells().workbook()))
             m_txtReportName->setText(QString::fromStdString(name));
-        m_fps1->setWorkbook(&m_fps1->workbook()); // another content: shown from its first cell
+        m_fps1->cells().setWorkbook(
+            &m_fps1->cells().workbook()); // another content: shown from its first cell
     } else {
         m_report.beginNew();
     }
@@ -103,7 +104,7 @@ void frmEditor::openReport()
 
 void frmEditor::keepForRecovery()
 {
-    m_recovery = std::make_unique<Recovery>(m_fps1->workbook(), storedReport(), [this] {
+    m_recovery = std::make_unique<Recovery>(m_fps1->cells().workbook(), storedReport(), [this] {
         return Recovery::Heading{m_txtReportName->text().toStdString(), m_report.version()};
     });
     m_recovery->tell = [this](const std::string& trouble) {
@@ -146,7 +147,7 @@ void frmEditor::MenuFileSave_Click()
         tellUser(Icon::exclamation, "请在报表编辑状态下进行保存,保存不成功!");
         return;
     }
-    if (!m_fps1->commitEdit() || !m_formulaBox->commit())
+    if (!m_fps1->entry().commit() || !m_formulaBox->commit())
         return; // what is being typed is no formula: its reason is on screen
     std::string name = m_txtReportName->text().toStdString();
     if (trimmed(name).empty()) {
@@ -154,7 +155,7 @@ void frmEditor::MenuFileSave_Click()
         m_txtReportName->setFocus();
         return;
     }
-    const auto told = m_report.save(name, m_fps1->workbook(), this);
+    const auto told = m_report.save(name, m_fps1->cells().workbook(), this);
     if (!told)
         return;
     m_txtReportName->setText(QString::fromStdString(name)); // another one if it was stored as a new report
@@ -174,14 +175,14 @@ void frmEditor::done(int result)
 /// What is being typed is kept with the rest, unless it is no formula.
 bool frmEditor::endEntry()
 {
-    if (m_fps1->commitEdit())
+    if (m_fps1->entry().commit())
         return true;
-    const QString typed = m_fps1->typedText();
+    const QString typed = m_fps1->entry().text();
     if (std::exchange(m_refusedAtClosing, typed) != typed) {
         m_status->showMessage(QStringLiteral("公式有误，窗口没有关闭；再关闭一次则放弃这个公式"));
         return false;
     }
-    m_fps1->cancelEdit();
+    m_fps1->entry().cancel();
     return true;
 }
 
@@ -220,15 +221,16 @@ void frmEditor::offerRecovery()
 
 void frmEditor::restoreDesign()
 {
-    if (!m_fps1->commitEdit() || !m_formulaBox->commit())
+    if (!m_fps1->entry().commit() || !m_formulaBox->commit())
         return; // its reason is on screen
     try {
-        const Recovery::Heading restored = m_recovery->restore(m_fps1->workbook());
+        const Recovery::Heading restored = m_recovery->restore(m_fps1->cells().workbook());
         if (!restored.name.empty()) // earlier programs kept none
             m_txtReportName->setText(QString::fromStdString(restored.name));
         if (gEditFlag == 1)
             m_report.setVersion(restored.madeFrom); // saving asks if the stored report is another by now
-        m_fps1->setWorkbook(&m_fps1->workbook());   // another content: shown from its first cell
+        m_fps1->cells().setWorkbook(
+            &m_fps1->cells().workbook()); // another content: shown from its first cell
         forgetFetches();
         hookUpAgain();
     } catch (const std::exception& error) {
@@ -260,15 +262,16 @@ void frmEditor::fps1_LeaveCell(int column, int row, int newColumn, int newRow, b
 /// The control that moves the cursor tells of it before; what the entered cell holds is shown after.
 void frmEditor::enterCell()
 {
-    if (m_fps1->isEditing() && !m_formulaBox->isOfShownSheet())
+    if (m_fps1->entry().isOpen() && !m_formulaBox->isOfShownSheet())
         return; // another sheet is shown to point at its cells
     m_formulaBox->fill();
-    const CellAddress cell = m_fps1->activeCell();
+    const CellAddress cell = m_fps1->cursor().activeCell();
     m_label1->setText(QString::fromStdString(spreadsheet::cellName(cell)) + QStringLiteral("单元格公式为："));
     showCellLooks();
     m_status->showCell(*m_fps1, modeText());
-    const QString reason = m_diagnostics->reasonFor(
-        {m_fps1->activeSheet(), m_fps1->activeCell().column, m_fps1->activeCell().row});
+    const QString reason =
+        m_diagnostics->reasonFor({m_fps1->cells().activeSheet(), m_fps1->cursor().activeCell().column,
+                                  m_fps1->cursor().activeCell().row});
     if (!reason.isEmpty())
         m_status->showMessage(reason);
     else if (m_cancelled != Extent::none)
@@ -310,7 +313,7 @@ void frmEditor::recalculateAll(const std::function<bool()>& recalculation)
 /// The list and the bar show what the last recalculation found.
 void frmEditor::tellFetches()
 {
-    m_diagnostics->setDiagnostics(m_evaluation.diagnostics(), m_fps1->workbook());
+    m_diagnostics->setDiagnostics(m_evaluation.diagnostics(), m_fps1->cells().workbook());
     m_failedFetches->tell(failedFetchesText(m_evaluation.diagnostics()));
 }
 
@@ -341,8 +344,8 @@ void frmEditor::MenuShowDate_Click()
 /// Dialogs work on this cell, whatever becomes active meanwhile.
 void frmEditor::keepCell()
 {
-    gCellRow = m_fps1->activeCell().row;
-    gCellCol = m_fps1->activeCell().column;
+    gCellRow = m_fps1->cursor().activeCell().row;
+    gCellCol = m_fps1->cursor().activeCell().column;
 }
 
 void frmEditor::MenuFormula_Click()
@@ -354,7 +357,7 @@ void frmEditor::MenuFormula_Click()
 void frmEditor::editCallInCell()
 {
     keepCell();
-    const std::string formula = m_fps1->sheet().formula(m_fps1->activeCell());
+    const std::string formula = m_fps1->cells().sheet().formula(m_fps1->cursor().activeCell());
     if (!editCall(*m_grid, formula, this))
         m_status->showMessage(QStringLiteral("当前单元格不是单独的 Acct 或 REF_F 取数公式"));
 }
@@ -380,10 +383,10 @@ void frmEditor::showCoverage()
 
 void frmEditor::goToDiagnostic(const CellDiagnostic& diagnostic)
 {
-    if (!m_fps1->commitEdit() || diagnostic.place.sheet > m_fps1->sheetCount())
+    if (!m_fps1->entry().commit() || diagnostic.place.sheet > m_fps1->cells().sheetCount())
         return;
-    m_fps1->setActiveSheet(diagnostic.place.sheet);
-    m_fps1->setActiveCell(diagnostic.place.column, diagnostic.place.row);
+    m_fps1->cells().setActiveSheet(diagnostic.place.sheet);
+    m_fps1->cursor().setActiveCell(diagnostic.place.column, diagnostic.place.row);
     m_fps1->setFocus();
 }
 
@@ -425,11 +428,11 @@ void frmEditor::MenuCellBorder_Click()
 
 void frmEditor::sortSelection(bool descending)
 {
-    if (!m_fps1->isBlockSelected()) {
+    if (!m_fps1->cursor().isBlockSelected()) {
         m_status->showMessage(QStringLiteral("请先选定要排序的区域,按活动单元格所在的列排序"));
         return;
     }
-    m_fps1->sortBlock({{m_fps1->activeCell().column, descending}}, false);
+    m_fps1->commands().sortBlock({{m_fps1->cursor().activeCell().column, descending}}, false);
 }
 
 // Other windows and the clipboard
@@ -444,8 +447,8 @@ void frmEditor::find(bool replacing)
 
 void frmEditor::MenuSetTableInfo_Click()
 {
-    gActiveSheet = static_cast<std::int16_t>(m_fps1->activeSheet());
-    frmTableInfo(*m_fps1, this).exec();
+    gActiveSheet = static_cast<std::int16_t>(m_fps1->cells().activeSheet());
+    frmTableInfo(m_fps1->cells(), this).exec();
     m_fps1->showChanges();
     enterCell();
 }
@@ -467,8 +470,8 @@ void frmEditor::exportPdf()
 
 void frmEditor::copyActiveText()
 {
-    const CellAddress cell = m_fps1->activeCell();
-    const spreadsheet::Sheet& sheet = m_fps1->workbook().sheet(m_fps1->activeSheet());
+    const CellAddress cell = m_fps1->cursor().activeCell();
+    const spreadsheet::Sheet& sheet = m_fps1->cells().shownSheet();
     // Pasted it may be read as a number again, so it is not the text that a number format code makes.
     const bool showsFormula = !sheet.shownText(cell).empty();
     const std::string text = showsFormula ? sheet.displayText(cell) : sheet.textByType(cell);
@@ -477,19 +480,19 @@ void frmEditor::copyActiveText()
 
 void frmEditor::pasteIntoActiveCell()
 {
-    const CellAddress cell = m_fps1->activeCell();
+    const CellAddress cell = m_fps1->cursor().activeCell();
     const spreadsheet::CellRange range{cell.column, cell.row, cell.column, cell.row};
     const QMimeData nothing;
     const QMimeData* const offer = QApplication::clipboard()->mimeData();
     const auto text = spreadsheet::clipboardText(offer ? *offer : nothing, spreadsheet::longestCellText);
     if (m_fps1->refuseEdit({range}) ||
-        m_fps1->refuse(overlapRefusal(m_fps1->sheet(), range, std::nullopt, false)))
+        m_fps1->refuse(overlapRefusal(m_fps1->cells().sheet(), range, std::nullopt, false)))
         return;
     if (const auto* why = std::get_if<spreadsheet::Refusal>(&text)) {
         m_fps1->refuse(*why);
         return;
     }
-    m_fps1->setText(cell.column, cell.row, std::get<QString>(text));
+    m_fps1->cells().setText(cell.column, cell.row, std::get<QString>(text));
     m_fps1->afterEdit(cell);
 }
 

@@ -106,30 +106,31 @@ void frmFind::find(bool backwards)
 {
     m_result->clear();
     if (!m_txt[0]->text().isEmpty())
-        m_grid.findNext(search(), backwards);
+        m_grid.commands().findNext(search(), backwards);
 }
 
 /// In the active cell, if it holds the text; then on to the next one.
 void frmFind::cmdReplace_Click()
 {
-    const spreadsheet::CellAddress active = m_grid.activeCell();
+    const spreadsheet::CellAddress active = m_grid.cursor().activeCell();
     Search here = search();
     here.within = {active.column, active.row, active.column, active.row};
     m_result->clear();
-    if (here.what.empty() || !m_grid.commitEdit())
+    if (here.what.empty() || !m_grid.entry().commit())
         return;
-    const spreadsheet::Sheet& sheet = m_grid.workbook().sheet(m_grid.activeSheet());
-    if (spreadsheet::findNext(sheet, here, active) && m_grid.replaceAll(here, m_txt[1]->text()) == 0)
+    const spreadsheet::Sheet& sheet = m_grid.cells().shownSheet();
+    if (spreadsheet::findNext(sheet, here, active) &&
+        m_grid.commands().replaceAll(here, m_txt[1]->text()) == 0)
         return; // why is on screen
-    m_grid.findNext(search());
+    m_grid.commands().findNext(search());
 }
 
 void frmFind::cmdReplaceAll_Click()
 {
     m_result->clear();
-    if (m_txt[0]->text().isEmpty() || !m_grid.commitEdit())
+    if (m_txt[0]->text().isEmpty() || !m_grid.entry().commit())
         return;
-    if (const int replaced = m_grid.replaceAll(search(), m_txt[1]->text()))
+    if (const int replaced = m_grid.commands().replaceAll(search(), m_txt[1]->text()))
         m_result->setText(QStringLiteral("已替换 %1 个单元格  ").arg(replaced) + m_result->text());
 }
 

@@ -28,7 +28,7 @@ frmGoTo::frmGoTo(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
 
 void frmGoTo::cmdXPOK_Click()
 {
-    const spreadsheet::Refusal why = m_grid.goTo(m_txtPlace->text().trimmed());
+    const spreadsheet::Refusal why = m_grid.cursor().goTo(m_txtPlace->text().trimmed());
     if (!why) {
         accept();
         return;

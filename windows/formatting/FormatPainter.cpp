@@ -28,7 +28,7 @@ long long cellsOf(const CellRange& range)
 
 CellRange selected(const SpreadsheetControl& grid)
 {
-    return grid.isBlockSelected() ? grid.selectedBlock() : grid.firstRange();
+    return grid.cursor().isBlockSelected() ? grid.cursor().selectedBlock() : grid.cursor().firstRange();
 }
 
 } // namespace
@@ -37,10 +37,10 @@ void FormatPainter::start(SpreadsheetControl& grid)
 {
     if (stop(grid))
         return;
-    if (grid.mode() == spreadsheet::GridMode::run || !grid.commitEdit())
+    if (grid.mode() == spreadsheet::GridMode::run || !grid.entry().commit())
         return;
     const CellRange source = selected(grid);
-    const auto& settings = grid.sheet().settings();
+    const auto& settings = grid.cells().sheet().settings();
     const bool lines =
         source.bottom - source.top + 1 >= settings.rowCount || source.columns() >= settings.columnCount;
     if (!lines && cellsOf(source) > maxPatternCells) {
@@ -62,17 +62,17 @@ bool FormatPainter::stop(SpreadsheetControl& grid)
 FormatPainter::FormatPainter(SpreadsheetControl& grid, const CellRange& source)
     : QObject(&grid)
     , m_grid(grid)
-    , m_sheetId(grid.workbook().sheet(grid.activeSheet()).id())
+    , m_sheetId(grid.cells().shownSheet().id())
 {
     lift(source);
     grid.installEventFilter(this);
-    grid.setCopiedRange(m_sheetId, source);
+    grid.commands().setCopiedRange(m_sheetId, source);
 }
 
 /// Of whole columns and rows one line stands for all: their last cells, which headings do not reach.
 void FormatPainter::lift(const CellRange& source)
 {
-    const Sheet& sheet = m_grid.workbook().sheet(m_grid.activeSheet());
+    const Sheet& sheet = m_grid.cells().shownSheet();
     CellRange pattern = source;
     if (source.top == 1 && source.bottom >= sheet.settings().rowCount)
         pattern.top = pattern.bottom;
@@ -120,8 +120,8 @@ void FormatPainter::paint()
     if (m_ended)
         return;
     CellRange goal = selected(m_grid);
-    const auto& settings = m_grid.workbook().sheet(m_grid.activeSheet()).settings();
-    if (!m_grid.isBlockSelected()) { // from one cell on as much as was taken up
+    const auto& settings = m_grid.cells().shownSheet().settings();
+    if (!m_grid.cursor().isBlockSelected()) { // from one cell on as much as was taken up
         goal.right = std::min(std::max(goal.right, goal.left + m_columns - 1), settings.columnCount);
         goal.bottom = std::min(std::max(goal.bottom, goal.top + m_rows - 1), settings.rowCount);
     }
@@ -131,19 +131,19 @@ void FormatPainter::paint()
         Q_EMIT m_grid.refused(QStringLiteral("选定的区域太大，不能用格式刷"));
         return;
     }
-    m_grid.setAddressedSheet(m_grid.activeSheet());
+    m_grid.cells().setAddressedSheet(m_grid.cells().activeSheet());
     {
-        const spreadsheet::UndoStep step(m_grid.workbook(), "格式刷");
+        const spreadsheet::UndoStep step(m_grid.cells().workbook(), "格式刷");
         const int acrossStep = byRows ? goal.columns() : 1, downStep = byColumns ? goal.rows() : 1;
         for (int row = goal.top; row <= goal.bottom; row += downStep) {
             for (int column = goal.left; column <= goal.right; column += acrossStep) {
                 const int place = (row - goal.top) % m_rows * m_columns + (column - goal.left) % m_columns;
                 const CellStyle& look = m_styles[static_cast<std::size_t>(place)];
-                m_grid.changeStyle({column, row, column + acrossStep - 1, row + downStep - 1},
-                                   [&look](CellStyle& style) { style = look; });
+                m_grid.cells().changeStyle({column, row, column + acrossStep - 1, row + downStep - 1},
+                                           [&look](CellStyle& style) { style = look; });
             }
         }
-        retag(m_grid.sheet(), goal);
+        retag(m_grid.cells().sheet(), goal);
     }
     m_grid.afterEdit();
 }
@@ -152,7 +152,7 @@ void FormatPainter::end()
 {
     m_ended = true;
     m_grid.removeEventFilter(this);
-    m_grid.setCopiedRange(m_sheetId, std::nullopt);
+    m_grid.commands().setCopiedRange(m_sheetId, std::nullopt);
     deleteLater();
 }
 

@@ -25,16 +25,17 @@ bool isReadOnly(const SpreadsheetControl& grid)
 
 CellRange target(const SpreadsheetControl& grid)
 {
-    if (grid.isBlockSelected())
-        return grid.selectedBlock();
-    const spreadsheet::CellAddress cell = grid.activeCell();
+    if (grid.cursor().isBlockSelected())
+        return grid.cursor().selectedBlock();
+    const spreadsheet::CellAddress cell = grid.cursor().activeCell();
     return {cell.column, cell.row, cell.column, cell.row};
 }
 
 /// What a dialog works on.
 CellRange dialogTarget(const SpreadsheetControl& grid)
 {
-    return grid.isBlockSelected() ? grid.selectedBlock() : CellRange{gCellCol, gCellRow, gCellCol, gCellRow};
+    return grid.cursor().isBlockSelected() ? grid.cursor().selectedBlock()
+                                           : CellRange{gCellCol, gCellRow, gCellCol, gCellRow};
 }
 
 constexpr spreadsheet::Colour darkBlue = 0x000080;
@@ -55,10 +56,10 @@ void putEntries(SpreadsheetControl& grid, const char* label, spreadsheet::CellTy
         return;
     const CellRange cells = target(grid);
     {
-        const spreadsheet::UndoStep step(grid.workbook(), label);
-        spreadsheet::Sheet& sheet = grid.sheet();
+        const spreadsheet::UndoStep step(grid.cells().workbook(), label);
+        spreadsheet::Sheet& sheet = grid.cells().sheet();
         if (entry)
-            grid.changeStyle(cells, [type](CellStyle& style) { style.type = type; });
+            grid.cells().changeStyle(cells, [type](CellStyle& style) { style.type = type; });
         retag(sheet, cells);
         const bool wholeColumns = cells.top == 1 && cells.bottom >= sheet.settings().rowCount;
         sheet.changeSettings([&](spreadsheet::SheetSettings& settings) {
@@ -81,7 +82,8 @@ void resizeSelected(SpreadsheetControl& grid, spreadsheet::Axis axis, int twips)
 {
     if (isReadOnly(grid))
         return;
-    resizeLines(grid.workbook(), grid.sheet(), axis, linesOf(grid.selection(), axis), twips);
+    resizeLines(grid.cells().workbook(), grid.cells().sheet(), axis, linesOf(grid.cursor().selection(), axis),
+                twips);
     grid.afterEdit();
 }
 
@@ -100,10 +102,10 @@ void changeCells(SpreadsheetControl& grid, const std::string& label,
         return;
     const CellRange cells = target(grid);
     {
-        const spreadsheet::UndoStep step(grid.workbook(), label);
-        grid.changeStyle(cells, change);
+        const spreadsheet::UndoStep step(grid.cells().workbook(), label);
+        grid.cells().changeStyle(cells, change);
     }
-    grid.setCurrent(cells.right, cells.bottom);
+    grid.cells().setCurrent(cells.right, cells.bottom);
     grid.afterEdit();
 }
 
@@ -187,13 +189,13 @@ void clearFormats(SpreadsheetControl& grid)
 
 Refusal mergeCells(SpreadsheetControl& grid)
 {
-    const CellRange range = grid.firstRange();
+    const CellRange range = grid.cursor().firstRange();
     const auto meets = [&](const CellRange& span) { return span.intersects(range); };
     if (isReadOnly(grid))
         return spreadsheet::inRunMode;
-    if (std::ranges::any_of(grid.sheet().settings().spans, meets))
+    if (std::ranges::any_of(grid.cells().sheet().settings().spans, meets))
         return "选定的区域中已有合并单元格，请先取消合并";
-    grid.addSpan(range);
+    grid.cells().addSpan(range);
     structureChanged(grid);
     return {};
 }
@@ -202,7 +204,7 @@ void unmergeCells(SpreadsheetControl& grid)
 {
     if (isReadOnly(grid))
         return;
-    grid.removeSpans(grid.firstRange());
+    grid.cells().removeSpans(grid.cursor().firstRange());
     structureChanged(grid);
 }
 
@@ -212,14 +214,14 @@ void setCellType(SpreadsheetControl& grid, spreadsheet::CellType type, std::opti
         return;
     const CellRange cells = dialogTarget(grid);
     {
-        const spreadsheet::UndoStep step(grid.workbook(), "数据类型");
-        grid.changeStyle(cells, [&](CellStyle& style) {
+        const spreadsheet::UndoStep step(grid.cells().workbook(), "数据类型");
+        grid.cells().changeStyle(cells, [&](CellStyle& style) {
             style.type = type;
             style.decimals = decimals.value_or(style.decimals);
         });
-        retag(grid.sheet(), cells);
+        retag(grid.cells().sheet(), cells);
     }
-    grid.setCurrent(cells.right, cells.bottom);
+    grid.cells().setCurrent(cells.right, cells.bottom);
     grid.afterEdit();
 }
 
@@ -266,7 +268,7 @@ void drawBorders(SpreadsheetControl& grid, int sides, spreadsheet::LineStyle sty
 {
     if (isReadOnly(grid))
         return;
-    grid.setBorder(dialogTarget(grid), sides, darkBlue, style);
+    grid.cells().setBorder(dialogTarget(grid), sides, darkBlue, style);
     grid.afterEdit();
 }
 
@@ -274,7 +276,7 @@ Refusal insertRow(SpreadsheetControl& grid)
 {
     if (isReadOnly(grid))
         return spreadsheet::inRunMode;
-    if (auto why = grid.insertRowsAt(grid.activeCell().row, 1))
+    if (auto why = grid.cells().insertRowsAt(grid.cursor().activeCell().row, 1))
         return why;
     structureChanged(grid);
     return {};
@@ -284,7 +286,7 @@ Refusal insertColumn(SpreadsheetControl& grid)
 {
     if (isReadOnly(grid))
         return spreadsheet::inRunMode;
-    if (auto why = grid.insertColumnsAt(grid.activeCell().column, 1))
+    if (auto why = grid.cells().insertColumnsAt(grid.cursor().activeCell().column, 1))
         return why;
     structureChanged(grid);
     return {};

@@ -22,9 +22,9 @@ frmButtonCaption::frmButtonCaption(spreadsheet::SpreadsheetControl& grid, QWidge
     form->addRow(QStringLiteral("按钮标题(&T)："), m_caption);
     form->addRow(okAndClose(
         "确定(&Q)", [this] { cmdXPOK_Click(); }, "取消(&E)", [this] { close(); }));
-    const spreadsheet::CellAddress cell = grid.activeCell();
-    grid.setCurrent(cell.column, cell.row);
-    m_caption->setText(grid.buttonCaption());
+    const spreadsheet::CellAddress cell = grid.cursor().activeCell();
+    grid.cells().setCurrent(cell.column, cell.row);
+    m_caption->setText(grid.cells().buttonCaption());
     m_caption->setFocus();
     resize(320, sizeHint().height());
 }

@@ -26,9 +26,9 @@ frmDropDownEntries::frmDropDownEntries(spreadsheet::SpreadsheetControl& grid, QW
     layout->addWidget(m_entries);
     layout->addWidget(okAndClose(
         "确定(&Q)", [this] { cmdXPOK_Click(); }, "取消(&E)", [this] { close(); }));
-    const spreadsheet::CellAddress cell = grid.activeCell();
-    grid.setCurrent(cell.column, cell.row);
-    m_entries->setPlainText(grid.dropDown().join('\n'));
+    const spreadsheet::CellAddress cell = grid.cursor().activeCell();
+    grid.cells().setCurrent(cell.column, cell.row);
+    m_entries->setPlainText(grid.cells().dropDown().join('\n'));
     m_entries->setFocus();
     resize(320, 280);
 }

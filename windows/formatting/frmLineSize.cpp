@@ -29,8 +29,8 @@ frmLineSize::frmLineSize(spreadsheet::SpreadsheetControl& grid, Lines lines, QWi
     m_size->setRange(1, spreadsheet::maxLineSize / spreadsheet::twipsPerPoint);
     m_size->setDecimals(2);
     m_size->setSuffix(QStringLiteral(" 磅"));
-    const auto& settings = grid.sheet().settings();
-    const spreadsheet::CellAddress cell = grid.activeCell();
+    const auto& settings = grid.cells().sheet().settings();
+    const spreadsheet::CellAddress cell = grid.cursor().activeCell();
     m_size->setValue((rows ? settings.rows.size(cell.row) : settings.columns.size(cell.column)) /
                      spreadsheet::twipsPerPoint);
     auto* form = new QFormLayout(this);

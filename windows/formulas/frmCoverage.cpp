@@ -129,7 +129,7 @@ void frmCoverage::seekAccount(int index)
 
 void frmCoverage::check()
 {
-    if (!m_grid.commitEdit())
+    if (!m_grid.entry().commit())
         return; // what is being typed is no formula: its reason is on screen
     m_accounts.clear();
     if (readSheet())
@@ -146,11 +146,12 @@ bool frmCoverage::readSheet()
         chosen < 0 ? LedgerArguments() : m_measures[static_cast<std::size_t>(chosen)].arguments;
     m_measures.clear();
     m_cboMeasure->clear();
-    m_sheetId = m_grid.workbook().sheet(m_grid.activeSheet()).id();
+    m_sheetId = m_grid.cells().shownSheet().id();
     std::optional<SheetCalls> found;
     {
         const CancellableWait waiting(windowTitle());
-        guardedEvaluation([&] { found = acctCallsOf(m_grid.workbook(), m_grid.activeSheet()); });
+        guardedEvaluation(
+            [&] { found = acctCallsOf(m_grid.cells().workbook(), m_grid.cells().activeSheet()); });
     }
     m_sheet = found.value_or(SheetCalls());
     if (!found)
@@ -244,15 +245,15 @@ void frmCoverage::goToCells()
     if (line < 1)
         return;
     const std::vector<std::size_t>& calls = m_accounts[m_listed[static_cast<std::size_t>(line - 1)]].calls;
-    const int sheet = m_grid.workbook().sheetIndexOfId(m_sheetId);
-    if (calls.empty() || sheet == 0 || !m_grid.commitEdit())
+    const int sheet = m_grid.cells().workbook().sheetIndexOfId(m_sheetId);
+    if (calls.empty() || sheet == 0 || !m_grid.entry().commit())
         return;
     m_visits = line == m_visitedLine ? m_visits + 1 : 0;
     m_visitedLine = line;
     const CellCall& call = m_sheet.calls[calls[m_visits % calls.size()]];
-    if (sheet != m_grid.activeSheet())
-        m_grid.setActiveSheet(sheet);
-    m_grid.moveTo({call.column, call.row});
+    if (sheet != m_grid.cells().activeSheet())
+        m_grid.cells().setActiveSheet(sheet);
+    m_grid.cursor().moveTo({call.column, call.row});
 }
 
 } // namespace selfreport

@@ -56,13 +56,13 @@ void frmAccountWizard::buildGrid()
     using spreadsheet::SpreadsheetControl;
     m_fps1->setObjectName("fps1");
     m_fps1->setSheetTabsShown(false);
-    spreadsheet::demand(m_fps1->setColumnCount(toColumn));
+    spreadsheet::demand(m_fps1->cells().setColumnCount(toColumn));
     setRowCount(rowsAtFirst);
     m_fps1->setColumnHeadings({QStringLiteral("核算项目类别"), QStringLiteral("fItemclassId"),
                                QStringLiteral("项目代码(从)"), QStringLiteral("项目代码(至)")});
     for (const auto& [column, twips] :
          {std::pair(classColumn, 2400), {classIdColumn, 0}, {fromColumn, 2400}, {toColumn, 2400}})
-        m_fps1->setColumnWidth(column, twips);
+        m_fps1->cells().setColumnWidth(column, twips);
     connect(m_fps1, &SpreadsheetControl::keyDown, this, &frmAccountWizard::fps1_KeyDown);
     connect(m_fps1, &SpreadsheetControl::comboDropDown, this, &frmAccountWizard::fps1_ComboDropDown);
     connect(m_fps1, &SpreadsheetControl::comboCloseUp, this, &frmAccountWizard::fps1_ComboCloseUp);
@@ -128,16 +128,16 @@ void frmAccountWizard::getHSXMDetail(const QString& account)
     const std::string number(trimmed(account.toStdString()));
     databaseProcedure(Icon::critical, [&](Connection& connection) {
         const ItemClasses classes = itemClassesOf(connection, number);
-        m_fps1->setColumnDropDown(classColumn, classes.names);
-        m_fps1->setColumnDropDown(classIdColumn, classes.ids);
+        m_fps1->cells().setColumnDropDown(classColumn, classes.names);
+        m_fps1->cells().setColumnDropDown(classIdColumn, classes.ids);
     });
 }
 
 void frmAccountWizard::getBasicInfoHSXM(int column)
 {
-    const int row = m_fps1->activeCell().row;
-    m_fps1->setCurrent(classIdColumn, row);
-    const QString id = m_fps1->text();
+    const int row = m_fps1->cursor().activeCell().row;
+    m_fps1->cells().setCurrent(classIdColumn, row);
+    const QString id = m_fps1->cells().text();
     if (id.isEmpty())
         return; // no class is chosen in this row
     bool isNumber = false;
@@ -152,9 +152,9 @@ void frmAccountWizard::getBasicInfoHSXM(int column)
     const QString code = QString::fromStdString(chooser.chosenNumber());
     if (code.isEmpty())
         return;
-    m_fps1->setText(column, row, code);
-    if (column == fromColumn && m_fps1->text(toColumn, row).isEmpty())
-        m_fps1->setText(toColumn, row, code);
+    m_fps1->cells().setText(column, row, code);
+    if (column == fromColumn && m_fps1->cells().text(toColumn, row).isEmpty())
+        m_fps1->cells().setText(toColumn, row, code);
     m_fps1->refresh();
     showWords();
 }
@@ -164,7 +164,7 @@ void frmAccountWizard::fps1_KeyDown(QKeyEvent* event)
     if (event->key() != Qt::Key_F7)
         return;
     event->accept();
-    if (const int column = m_fps1->activeCell().column; column >= fromColumn)
+    if (const int column = m_fps1->cursor().activeCell().column; column >= fromColumn)
         getBasicInfoHSXM(column);
 }
 
@@ -172,8 +172,8 @@ void frmAccountWizard::fps1_ComboDropDown(int column)
 {
     if (column < fromColumn)
         return;
-    m_fps1->cancelDropDown();
-    getBasicInfoHSXM(m_fps1->activeCell().column);
+    m_fps1->actions().cancelDropDown();
+    getBasicInfoHSXM(m_fps1->cursor().activeCell().column);
 }
 
 void frmAccountWizard::fps1_ComboCloseUp(int column, int row, int index)
@@ -181,8 +181,8 @@ void frmAccountWizard::fps1_ComboCloseUp(int column, int row, int index)
     if (index == -1)
         return;
     if (column == classColumn) {
-        m_fps1->setCurrent(classIdColumn, row);
-        m_fps1->setDropDownIndex(index);
+        m_fps1->cells().setCurrent(classIdColumn, row);
+        m_fps1->cells().setDropDownIndex(index);
     }
     m_fps1->refresh();
     showWords();
@@ -192,24 +192,24 @@ void frmAccountWizard::fps1_ComboCloseUp(int column, int row, int index)
 void frmAccountWizard::fps1_Change(int column, int row)
 {
     if (column == classColumn) {
-        m_fps1->setCurrent(classColumn, row);
-        const int index = m_fps1->dropDownIndex();
-        m_fps1->setCurrent(classIdColumn, row);
+        m_fps1->cells().setCurrent(classColumn, row);
+        const int index = m_fps1->cells().dropDownIndex();
+        m_fps1->cells().setCurrent(classIdColumn, row);
         if (index >= 0)
-            m_fps1->setDropDownIndex(index);
+            m_fps1->cells().setDropDownIndex(index);
         else
-            m_fps1->setText({});
+            m_fps1->cells().setText({});
     }
     showWords();
 }
 
 void frmAccountWizard::setRowCount(int count)
 {
-    if (const spreadsheet::Refusal why = m_fps1->setRowCount(count)) {
+    if (const spreadsheet::Refusal why = m_fps1->cells().setRowCount(count)) {
         tellUser(Icon::exclamation, why.reason());
         return;
     }
-    m_fps1->changeStyle({classColumn, 1, toColumn, count}, [](spreadsheet::CellStyle& style) {
+    m_fps1->cells().changeStyle({classColumn, 1, toColumn, count}, [](spreadsheet::CellStyle& style) {
         style.type = spreadsheet::CellType::dropDown;
         style.numberFormat = spreadsheet::Text(spreadsheet::textFormat); // a typed 01 is a code, not 1
     });
@@ -217,14 +217,14 @@ void frmAccountWizard::setRowCount(int count)
 
 void frmAccountWizard::MenuInsertRow_Click()
 {
-    setRowCount(m_fps1->rowCount() + 1);
+    setRowCount(m_fps1->cells().rowCount() + 1);
 }
 
 std::string frmAccountWizard::argument()
 {
     std::vector<ItemCondition> rows;
-    const auto text = [this](int column, int row) { return m_fps1->text(column, row).toStdString(); };
-    for (int row = 1; row <= m_fps1->lastDataRow(); ++row)
+    const auto text = [this](int column, int row) { return m_fps1->cells().text(column, row).toStdString(); };
+    for (int row = 1; row <= m_fps1->cells().lastDataRow(); ++row)
         rows.push_back({text(classColumn, row), text(fromColumn, row), text(toColumn, row)});
     const auto boxes = m_txt->texts<std::array<std::string, 2>>();
     return accountArgument(boxes[0], boxes[1], rows);
@@ -237,7 +237,7 @@ void frmAccountWizard::showWords()
 
 void frmAccountWizard::cmdXPOK_Click()
 {
-    if (!m_fps1->commitEdit())
+    if (!m_fps1->entry().commit())
         return; // the text in the cell was refused and stays to be mended
     m_handBack(QString::fromStdString(argument()));
     close();

@@ -1,6 +1,7 @@
 #include "windows/printing/headerfooter.h"
 
 #include "platform/services/FontDialog.h"
+#include "spreadsheet/view/needed_size.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "state/mdlMain.h"
 #include "state/shared_state.h"
@@ -87,7 +88,7 @@ headerfooter::headerfooter(QWidget* parent)
 
 void headerfooter::InitSpread()
 {
-    layOutHeaderSheet(fpSpread1->sheet());
+    layOutHeaderSheet(fpSpread1->cells().sheet());
     fpSpread1->setSheetTabsShown(false);
     fpSpread1->setHeadingsShown(true, false); // the lines have names of their own
     fpSpread1->setColumnHeadings({"Left Justify", "", "Center", "", "Right Justify", ""});
@@ -147,7 +148,7 @@ void headerfooter::Option3_Click()
         font.setBold(option->isChecked());
         option->setFont(font);
     }
-    fpSpread1->cancelEdit(); // changes that were not saved are dropped
+    fpSpread1->entry().cancel(); // changes that were not saved are dropped
     GetHeaderDetail(storedCodes(isFooter()));
     Command3->setText(isFooter() ? QStringLiteral("保存页脚") : QStringLiteral("保存页眉"));
 }
@@ -156,7 +157,7 @@ void headerfooter::GetHeaderDetail(const std::string& codes)
 {
     HeaderGrid grid;
     const std::string_view problem = readHeaderCodes(codes, grid, m_reader);
-    showHeaderGrid(fpSpread1->sheet(), grid);
+    showHeaderGrid(fpSpread1->cells().sheet(), grid);
     fitLines();
     if (!problem.empty())
         dialogs().message(Icon::none, "GetHeaderDetail", problem);
@@ -165,15 +166,16 @@ void headerfooter::GetHeaderDetail(const std::string& codes)
 /// Large fonts show whole.
 void headerfooter::fitLines()
 {
-    const int least = fpSpread1->sheet().settings().rows.defaultSize;
+    const int least = fpSpread1->cells().sheet().settings().rows.defaultSize;
     for (int row = 1; row <= headerRows; ++row)
-        fpSpread1->setRowHeight(row, std::max(least, fpSpread1->neededRowHeight(row)));
+        fpSpread1->cells().setRowHeight(
+            row, std::max(least, spreadsheet::neededRowHeight(fpSpread1->cells().sheet(), row)));
     fpSpread1->refresh();
 }
 
 std::string headerfooter::GetCellData(std::int16_t column, std::int16_t row) const
 {
-    return headerCellCodes(headerCellOf(fpSpread1->sheet(), column, row), column);
+    return headerCellCodes(headerCellOf(fpSpread1->cells().sheet(), column, row), column);
 }
 
 int headerfooter::exec()
@@ -185,11 +187,11 @@ bool headerfooter::SaveConfiguration()
 {
     if (isPageSetupRefused())
         return false;
-    if (!fpSpread1->commitEdit())
+    if (!fpSpread1->entry().commit())
         return false;
     databaseProcedure(Icon::critical, [this](Connection& connection) {
         QCoreApplication::processEvents();
-        const std::string codes = headerCodes(headerGridOf(fpSpread1->sheet()));
+        const std::string codes = headerCodes(headerGridOf(fpSpread1->cells().sheet()));
         setOnGrid(isFooter(), codes);
         (isFooter() ? gFooterText : gHeaderText) = codes;
         if (gEditFlag == 0)
@@ -210,7 +212,7 @@ void headerfooter::Command4_Click()
 {
     if (!dialogs().ask(Icon::none, "清除文本", "确定要清除吗?"))
         return;
-    fpSpread1->cancelEdit();
+    fpSpread1->entry().cancel();
     setOnGrid(isFooter(), {});
     const PrintSettings& print = printedGrid().workbook().sheet(1).settings().print;
     GetHeaderDetail(isFooter() ? print.footer : print.header);
@@ -233,31 +235,31 @@ bool headerfooter::eventFilter(QObject* object, QEvent* event)
 /// Puts the page number into the active cell, which need not be the one under the pointer, or takes it out.
 void headerfooter::fpSpread1_RightButton()
 {
-    const auto [column, row] = fpSpread1->activeCell();
-    if (!isHeaderTextColumn(column) || !fpSpread1->commitEdit())
+    const auto [column, row] = fpSpread1->cursor().activeCell();
+    if (!isHeaderTextColumn(column) || !fpSpread1->entry().commit())
         return;
-    const std::string text = fpSpread1->sheet().displayText({column, row});
+    const std::string text = fpSpread1->cells().sheet().displayText({column, row});
     const bool takesOut = text == pageNumberText;
     if (!takesOut && !text.empty() &&
         !dialogs().question("替换现有文本", "插入页数将会替换当前的文本,确定吗?"))
         return;
-    setPageNumber(fpSpread1->sheet(), column, row, !takesOut);
+    setPageNumber(fpSpread1->cells().sheet(), column, row, !takesOut);
     fpSpread1->refresh();
 }
 
 void headerfooter::fpSpread1_ButtonClicked(int column, int row)
 {
     const spreadsheet::CellAddress target{column - 1, row};
-    if (!isHeaderTextColumn(target.column) || !fpSpread1->commitEdit())
+    if (!isHeaderTextColumn(target.column) || !fpSpread1->entry().commit())
         return;
-    const CellStyle& style = fpSpread1->sheet().style(target);
-    const HeaderCellFont font = headerCellOf(fpSpread1->sheet(), target.column, row).font;
+    const CellStyle& style = fpSpread1->cells().sheet().style(target);
+    const HeaderCellFont font = headerCellOf(fpSpread1->cells().sheet(), target.column, row).font;
     const auto chosen =
         FontDialogInUse::current().choose({font.family, font.points, font.bold, font.italic, font.underline,
                                            font.strikeThrough, style.foreground & 0xFFFFFF});
     if (!chosen)
         return;
-    fpSpread1->sheet().restyle({target.column, row, target.column, row}, [&](CellStyle& changed) {
+    fpSpread1->cells().sheet().restyle({target.column, row, target.column, row}, [&](CellStyle& changed) {
         changed.font.family = spreadsheet::Text(chosen->family);
         changed.font.points = static_cast<float>(chosen->points);
         changed.font.bold = chosen->bold;

@@ -24,10 +24,9 @@ struct Editor : testing::Test {
         window.resize(600, 300);
         window.show();
         window.activateWindow();
-        QObject::connect(&editor, &CellEditor::commitRequested,
-                         [this](int key, Qt::KeyboardModifiers modifiers) {
-                             events += "commit " + QKeySequence(key | modifiers).toString() + ";";
-                         });
+        QObject::connect(&editor, &CellEditor::commitRequested, [this](const QKeyEvent* event) {
+            events += "commit " + QKeySequence(event->keyCombination()).toString() + ";";
+        });
         QObject::connect(&editor, &CellEditor::pointingKey, [this](int key, Qt::KeyboardModifiers) {
             events += "point " + QKeySequence(key).toString() + ";";
         });

@@ -23,8 +23,8 @@ protected:
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(&line);
         layout->addWidget(&control);
-        demand(control.setRowCount(100));
-        demand(control.setColumnCount(30));
+        demand(control.cells().setRowCount(100));
+        demand(control.cells().setColumnCount(30));
         window.resize(800, 500);
         window.show();
         window.activateWindow();
@@ -90,8 +90,8 @@ protected:
     /// "B2 in A1:C3": the active cell and what is selected.
     std::string cursor() const
     {
-        std::string text = cellName(control.activeCell()) + " in";
-        for (const CellRange& range : control.selection())
+        std::string text = cellName(control.cursor().activeCell()) + " in";
+        for (const CellRange& range : control.cursor().selection())
             text += " " + name(range);
         return text;
     }
@@ -103,13 +103,13 @@ protected:
             text.pop_back();
         return text;
     }
-    Sheet& sheet() { return control.workbook().sheet(control.activeSheet()); }
+    Sheet& sheet() { return control.cells().shownSheet(); }
     void put(const char* cell, const char* text) { sheet().setText(*parseCellName(cell), text); }
     void setType(const char* cell, CellType type)
     {
         const CellAddress place = *parseCellName(cell);
-        control.changeStyle({place.column, place.row, place.column, place.row},
-                            [type](CellStyle& style) { style.type = type; });
+        control.cells().changeStyle({place.column, place.row, place.column, place.row},
+                                    [type](CellStyle& style) { style.type = type; });
     }
 
     /// Displayed texts of a block, row by row: "1 2;3 4".

@@ -35,12 +35,12 @@ TEST_F(ControlTest, CheckBoxesToggle)
     control.setMode(GridMode::run);
     key(Qt::Key_Space);
     EXPECT_EQ(state(), checked);
-    control.changeStyle({2, 2, 2, 2}, [](CellStyle& style) { style.locked = true; });
+    control.cells().changeStyle({2, 2, 2, 2}, [](CellStyle& style) { style.locked = true; });
     key(Qt::Key_Space);
     EXPECT_EQ(state(), checked);
     control.setMode(GridMode::edit);
-    control.undo(); // the lock
-    control.undo();
+    control.commands().undo(); // the lock
+    control.commands().undo();
     EXPECT_NE(state(), checked);
 }
 
@@ -55,7 +55,7 @@ TEST_F(ControlTest, ButtonsClick)
     drag(centre("C3"), centre("E6"));
     EXPECT_EQ(logged(), "down1 3,3") << "let go outside";
     EXPECT_EQ(cursor(), "C3 in C3");
-    control.changeStyle({3, 3, 3, 3}, [](CellStyle& style) { style.locked = true; });
+    control.cells().changeStyle({3, 3, 3, 3}, [](CellStyle& style) { style.locked = true; });
     click("C3");
     EXPECT_EQ(logged(), "down1 3,3");
 }
@@ -64,18 +64,19 @@ TEST_F(ControlTest, DropDownsOfferTheirCellsOrTheirColumnsList)
 {
     setType("B2", CellType::dropDown);
     setType("B3", CellType::dropDown);
-    control.setCurrent(2, 2);
-    control.setDropDown({"a", "b"});
-    control.setColumnDropDown(2, {QStringLiteral("部门"), QStringLiteral("客户"), QStringLiteral("商品")});
+    control.cells().setCurrent(2, 2);
+    control.cells().setDropDown({"a", "b"});
+    control.cells().setColumnDropDown(
+        2, {QStringLiteral("部门"), QStringLiteral("客户"), QStringLiteral("商品")});
     control.refresh();
-    control.setActiveCell(2, 2);
+    control.cursor().setActiveCell(2, 2);
     key(Qt::Key_Down, Qt::AltModifier);
     ASSERT_NE(openList(control), nullptr);
     EXPECT_EQ(openList(control)->count(), 2);
     QTest::keyClick(openList(control), Qt::Key_Escape);
     EXPECT_EQ(openList(control), nullptr);
     EXPECT_EQ(logged(), "open 2,2 close 2,2 -1");
-    EXPECT_EQ(control.text(2, 2), "");
+    EXPECT_EQ(control.cells().text(2, 2), "");
 
     const QRect cell = control.cellRect({2, 3});
     click(QPoint(cell.right() - 6, cell.center().y()));
@@ -83,26 +84,26 @@ TEST_F(ControlTest, DropDownsOfferTheirCellsOrTheirColumnsList)
     QTest::keyClick(openList(control), Qt::Key_Down);
     QTest::keyClick(openList(control), Qt::Key_Return);
     EXPECT_EQ(logged(), "down1 2,3 leave 2,2>2,3 open 2,3 changed 2,3 close 2,3 1");
-    EXPECT_EQ(control.text(2, 3), QStringLiteral("客户"));
-    control.setCurrent(2, 3);
-    EXPECT_EQ(control.dropDownIndex(), 1);
+    EXPECT_EQ(control.cells().text(2, 3), QStringLiteral("客户"));
+    control.cells().setCurrent(2, 3);
+    EXPECT_EQ(control.cells().dropDownIndex(), 1);
 
     key(Qt::Key_Down, Qt::AltModifier);
     ASSERT_NE(openList(control), nullptr);
     EXPECT_EQ(openList(control)->currentRow(), 1) << "begins with what the cell holds";
     QTest::mouseClick(openList(control)->viewport(), Qt::LeftButton, {},
                       openList(control)->visualItemRect(openList(control)->item(2)).center());
-    EXPECT_EQ(control.text(2, 3), QStringLiteral("商品"));
+    EXPECT_EQ(control.cells().text(2, 3), QStringLiteral("商品"));
 }
 
 TEST_F(ControlTest, DropDownListsOpenUnderTheirCellThoughItsPlaceHasJustChanged)
 {
     setType("B2", CellType::dropDown);
-    control.setColumnDropDown(2, {QStringLiteral("部门"), QStringLiteral("客户")});
+    control.cells().setColumnDropDown(2, {QStringLiteral("部门"), QStringLiteral("客户")});
     control.refresh();
     click("B2");
     QObject::connect(&control, &SpreadsheetControl::comboDropDown,
-                     [this] { control.setColumnWidth(1, 1500); });
+                     [this] { control.cells().setColumnWidth(1, 1500); });
     key(Qt::Key_Down, Qt::AltModifier);
     ASSERT_TRUE(openList(control));
     EXPECT_EQ(openList(control)->window()->geometry().topLeft(),
@@ -114,20 +115,20 @@ TEST_F(ControlTest, DropDownListsOpenUnderTheirCellThoughItsPlaceHasJustChanged)
 TEST_F(ControlTest, DropDownsMayOpenSomethingElse)
 {
     setType("C2", CellType::dropDown);
-    control.setCurrent(3, 2);
+    control.cells().setCurrent(3, 2);
     control.refresh();
-    control.setActiveCell(3, 2);
+    control.cursor().setActiveCell(3, 2);
     key(Qt::Key_Down, Qt::AltModifier);
     EXPECT_EQ(logged(), "open 3,2") << "no entries: nothing opens";
     EXPECT_EQ(openList(control), nullptr);
-    control.setDropDown({"a"});
+    control.cells().setDropDown({"a"});
     QObject::connect(&control, &SpreadsheetControl::comboDropDown, [this] {
-        control.cancelDropDown();
-        control.setText(3, 2, "1001");
+        control.actions().cancelDropDown();
+        control.cells().setText(3, 2, "1001");
     });
     key(Qt::Key_Down, Qt::AltModifier);
     EXPECT_EQ(openList(control), nullptr);
-    EXPECT_EQ(control.text(3, 2), "1001");
+    EXPECT_EQ(control.cells().text(3, 2), "1001");
 }
 
 TEST_F(ControlTest, DatesAndTimesAreChosen)
@@ -139,7 +140,7 @@ TEST_F(ControlTest, DatesAndTimesAreChosen)
     auto& calendar = *control.findChild<QCalendarWidget*>("calendar");
     auto& clock = *control.findChild<QTimeEdit*>("clock");
     EXPECT_FALSE(button.isVisible());
-    control.setActiveCell(2, 2);
+    control.cursor().setActiveCell(2, 2);
     EXPECT_TRUE(button.isVisible());
     EXPECT_FALSE(button.geometry().intersects(control.cellRect({2, 2})));
     sheet().setNumber({2, 2}, 46'000); // 2025-12-09
@@ -152,25 +153,25 @@ TEST_F(ControlTest, DatesAndTimesAreChosen)
     QTest::keyClick(days, Qt::Key_Right);
     QTest::keyClick(days, Qt::Key_Return);
     EXPECT_FALSE(calendar.isVisible());
-    EXPECT_EQ(control.text(2, 2), "2025-12-10");
+    EXPECT_EQ(control.cells().text(2, 2), "2025-12-10");
     EXPECT_EQ(logged(), "changed 2,2");
 
-    control.setActiveCell(2, 3);
+    control.cursor().setActiveCell(2, 3);
     key(Qt::Key_Down, Qt::AltModifier);
     ASSERT_TRUE(clock.isVisible());
     EXPECT_FALSE(calendar.isVisible());
     clock.setTime(QTime(8, 30));
     QTest::keyClick(&clock, Qt::Key_Return);
-    EXPECT_EQ(control.text(2, 3), "08:30:00");
-    control.undo();
-    EXPECT_EQ(control.text(2, 3), "");
+    EXPECT_EQ(control.cells().text(2, 3), "08:30:00");
+    control.commands().undo();
+    EXPECT_EQ(control.cells().text(2, 3), "");
 
-    control.setActiveCell(2, 2);
+    control.cursor().setActiveCell(2, 2);
     key(Qt::Key_Down, Qt::AltModifier);
     QTest::keyClick(days, Qt::Key_Escape);
     EXPECT_FALSE(calendar.isVisible());
-    EXPECT_EQ(control.text(2, 2), "2025-12-10") << "closed without a choice";
-    control.changeStyle({2, 2, 2, 2}, [](CellStyle& style) { style.locked = true; });
+    EXPECT_EQ(control.cells().text(2, 2), "2025-12-10") << "closed without a choice";
+    control.cells().changeStyle({2, 2, 2, 2}, [](CellStyle& style) { style.locked = true; });
     control.refresh();
     EXPECT_FALSE(button.isVisible());
     key(Qt::Key_Down, Qt::AltModifier);
@@ -179,85 +180,85 @@ TEST_F(ControlTest, DatesAndTimesAreChosen)
 
 TEST_F(ControlTest, DropDownListsFollowInsertedRowsAndUndo)
 {
-    control.setCurrent(2, 5);
-    control.setDropDown({"a"});
-    control.setColumnDropDown(4, {"x"});
-    demand(control.insertRowsAt(3, 2));
-    demand(control.insertColumnsAt(1, 1));
+    control.cells().setCurrent(2, 5);
+    control.cells().setDropDown({"a"});
+    control.cells().setColumnDropDown(4, {"x"});
+    demand(control.cells().insertRowsAt(3, 2));
+    demand(control.cells().insertColumnsAt(1, 1));
     const auto has = [this](int column, int row) {
-        control.setCurrent(column, row);
-        return control.dropDown().join(",").toStdString();
+        control.cells().setCurrent(column, row);
+        return control.cells().dropDown().join(",").toStdString();
     };
     EXPECT_EQ(has(3, 7), "a");
     EXPECT_EQ(has(2, 5), "");
     EXPECT_EQ(has(5, 80), "x");
-    control.undo();
-    control.undo();
+    control.commands().undo();
+    control.commands().undo();
     EXPECT_EQ(has(2, 5), "a");
     EXPECT_EQ(has(4, 80), "x");
 }
 
 TEST_F(ControlTest, OperationsKeepCurrentActiveAndAddressedApart)
 {
-    demand(control.setSheetCount(2));
-    control.setCurrent(3, 4);
-    control.setActiveCell(2, 2);
-    EXPECT_EQ(control.current(), (CellAddress{3, 4}));
-    control.setCurrent(31, 4);
-    control.setCurrent(3, 0);
-    EXPECT_EQ(control.current(), (CellAddress{3, 4})) << "outside";
-    control.setAddressedSheet(2);
-    control.setText("zwei");
-    EXPECT_EQ(control.activeSheet(), 1);
-    EXPECT_EQ(control.workbook().sheet(2).displayText({3, 4}), "zwei");
-    control.setActiveSheet(1);
-    EXPECT_EQ(control.addressedSheet(), 1) << "showing a sheet addresses it";
-    EXPECT_EQ(control.text(3, 4), "");
-    control.setText(1, 1, "12.50");
+    demand(control.cells().setSheetCount(2));
+    control.cells().setCurrent(3, 4);
+    control.cursor().setActiveCell(2, 2);
+    EXPECT_EQ(control.cells().current(), (CellAddress{3, 4}));
+    control.cells().setCurrent(31, 4);
+    control.cells().setCurrent(3, 0);
+    EXPECT_EQ(control.cells().current(), (CellAddress{3, 4})) << "outside";
+    control.cells().setAddressedSheet(2);
+    control.cells().setText("zwei");
+    EXPECT_EQ(control.cells().activeSheet(), 1);
+    EXPECT_EQ(control.cells().workbook().sheet(2).displayText({3, 4}), "zwei");
+    control.cells().setActiveSheet(1);
+    EXPECT_EQ(control.cells().addressedSheet(), 1) << "showing a sheet addresses it";
+    EXPECT_EQ(control.cells().text(3, 4), "");
+    control.cells().setText(1, 1, "12.50");
     EXPECT_FALSE(sheet().value({1, 1}).isNumber()) << "literal";
     setType("A2", CellType::number);
-    control.setText(1, 2, "12.50");
+    control.cells().setText(1, 2, "12.50");
     EXPECT_TRUE(sheet().value({1, 2}).isNumber());
-    EXPECT_TRUE(control.setFormula("SUM("));
-    EXPECT_EQ(control.formula(), "");
-    control.setText(30, 100, "end");
-    demand(control.setRowCount(50));
-    EXPECT_EQ(control.lastDataRow(), 2);
-    control.workbook().undo();
-    EXPECT_EQ(control.text(30, 100), "end") << "shrinking is undone with what it took";
+    EXPECT_TRUE(control.cells().setFormula("SUM("));
+    EXPECT_EQ(control.cells().formula(), "");
+    control.cells().setText(30, 100, "end");
+    demand(control.cells().setRowCount(50));
+    EXPECT_EQ(control.cells().lastDataRow(), 2);
+    control.cells().workbook().undo();
+    EXPECT_EQ(control.cells().text(30, 100), "end") << "shrinking is undone with what it took";
 }
 
 TEST_F(ControlTest, RecalculationGoesThroughTheHook)
 {
     int calls = 0;
-    control.recalculateChanged = [&] {
+    control.cells().recalculateChanged = [&] {
         ++calls;
-        control.workbook().recalculateChanged();
+        control.cells().workbook().recalculateChanged();
     };
     setType("B2", CellType::checkBox);
-    control.setCurrent(3, 2);
-    demand(control.setFormula("IF(B2,7,8)"));
-    control.recalculate();
+    control.cells().setCurrent(3, 2);
+    demand(control.cells().setFormula("IF(B2,7,8)"));
+    control.cells().recalculate();
     control.refresh();
     click("B2");
     EXPECT_EQ(calls, 1);
-    EXPECT_EQ(control.text(3, 2), "7");
+    EXPECT_EQ(control.cells().text(3, 2), "7");
     key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(calls, 2);
-    EXPECT_EQ(control.text(3, 2), "8");
+    EXPECT_EQ(control.cells().text(3, 2), "8");
 }
 
 TEST_F(ControlTest, ItsOwnWorkbookWithAnotherContentIsShownFromTheBeginning)
 {
-    control.setActiveCell(20, 90);
-    Sheet& sheet = control.workbook().sheet(1);
+    control.cursor().setActiveCell(20, 90);
+    Sheet& sheet = control.cells().workbook().sheet(1);
     sheet.setText({1, 1}, "标题");
     sheet.addSpan({1, 1, 4, 1});
-    control.setWorkbook(&control.workbook());
-    EXPECT_EQ(control.activeCell(), (CellAddress{1, 1}));
-    EXPECT_EQ(control.firstRange(), (CellRange{1, 1, 4, 1})); // the merged cell whole
-    EXPECT_EQ(control.topLeftCell(), (CellAddress{1, 1}));
-    EXPECT_EQ(control.text(1, 1), "标题");
+    control.cells().setWorkbook(&control.cells().workbook());
+    EXPECT_EQ(control.cursor().activeCell(), (CellAddress{1, 1}));
+    EXPECT_EQ(control.cursor().firstRange(), (CellRange{1, 1, 4, 1})); // the merged cell whole
+    EXPECT_EQ(control.cursor().topLeftCell(), (CellAddress{1, 1}));
+    EXPECT_EQ(control.cells().text(1, 1), "标题");
 }
 
 } // namespace spreadsheet

@@ -30,10 +30,10 @@ protected:
     void fillSheet()
     {
         put("B2", "keep");
-        control.addSpan({4, 4, 5, 5}); // D4:E5
+        control.cells().addSpan({4, 4, 5, 5}); // D4:E5
         put("D4", "merged");
         ASSERT_FALSE(sheet().setArrayFormula({7, 2, 8, 3}, "ROW()*1")); // G2:H3
-        control.changeStyle({10, 10, 10, 10}, [](CellStyle& style) { style.locked = true; });
+        control.cells().changeStyle({10, 10, 10, 10}, [](CellStyle& style) { style.locked = true; });
         control.refresh();
     }
 
@@ -68,8 +68,8 @@ std::unique_ptr<QMimeData> picture()
 TEST_F(ClipboardByUser, WhatCannotBePastedIsRefusedWithAReason)
 {
     fillSheet();
-    demand(control.setRowCount(maxRows));
-    demand(control.setColumnCount(maxColumns));
+    demand(control.cells().setRowCount(maxRows));
+    demand(control.cells().setColumnCount(maxColumns));
     control.ask = [](const QString&) { return true; };
     const QByteArray large(100'000'000, 'x');
     const QByteArray binary = rubbish(1'000'000);
@@ -105,12 +105,12 @@ TEST_F(ClipboardByUser, WhatCannotBePastedIsRefusedWithAReason)
         offer(std::move(copy));
         const CellAddress cell = *parseCellName(c.at);
         for (const Qt::KeyboardModifiers modifiers : {ctrl, ctrl | shift}) {
-            control.setActiveCell(cell.column, cell.row);
+            control.cursor().setActiveCell(cell.column, cell.row);
             refusal.clear();
-            const auto before = control.workbook().revision();
+            const auto before = control.cells().workbook().revision();
             key(Qt::Key_V, modifiers);
             EXPECT_NE(refusal, "") << c.what;
-            EXPECT_EQ(control.workbook().revision(), before) << c.what;
+            EXPECT_EQ(control.cells().workbook().revision(), before) << c.what;
         }
     }
 }
@@ -148,19 +148,19 @@ TEST_F(ClipboardByUser, RoomBeyondTheSheetIsAskedFor)
     };
     put("A100", "last");
     offerText("1\t2\n3\t4\n5\t6");
-    control.setActiveCell(30, 99);
+    control.cursor().setActiveCell(30, 99);
     paste();
     EXPECT_NE(question.find("1 行"), std::string::npos) << question;
     EXPECT_NE(question.find("1 列"), std::string::npos) << question;
     EXPECT_NE(refusal, "");
-    EXPECT_EQ(control.rowCount(), 100);
+    EXPECT_EQ(control.cells().rowCount(), 100);
     EXPECT_EQ(shown("AD99"), "");
     answer = true;
     paste();
     EXPECT_EQ(shown("AD99", "AE101"), "1 2;3 4;5 6");
     key(Qt::Key_Z, ctrl);
-    EXPECT_EQ(control.rowCount(), 100) << "one step";
-    EXPECT_EQ(control.columnCount(), 30);
+    EXPECT_EQ(control.cells().rowCount(), 100) << "one step";
+    EXPECT_EQ(control.cells().columnCount(), 30);
     EXPECT_EQ(shown("AD99"), "");
 }
 
@@ -224,13 +224,13 @@ TEST_F(ClipboardByUser, TablesOfOtherProgramsPasteAsCells)
 
 TEST_F(ClipboardByUser, CopiedFormulasShiftCutOnesDoNot)
 {
-    control.changeStyle({2, 1, 2, 1}, [](CellStyle& style) { style.font.bold = true; });
+    control.cells().changeStyle({2, 1, 2, 1}, [](CellStyle& style) { style.font.bold = true; });
     put("A1", "5");
     sheet().setNumber({1, 1}, 5);
     ASSERT_FALSE(sheet().setFormula({2, 1}, "A1*$A$1"));
     ASSERT_FALSE(sheet().setFormula({3, 1}, "B1+1"));
-    control.addSpan({2, 2, 3, 2});
-    control.workbook().recalculateChanged();
+    control.cells().addSpan({2, 2, 3, 2});
+    control.cells().workbook().recalculateChanged();
     control.refresh();
     drag(centre("A1"), centre("C2"));
     key(Qt::Key_C, ctrl);

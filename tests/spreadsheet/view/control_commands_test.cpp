@@ -12,7 +12,7 @@ struct ControlCommands : testing::Test {
         QObject::connect(&control, &SpreadsheetControl::refused,
                          [this](const QString& why) { refusal = why; });
     }
-    Sheet& sheet() { return control.workbook().sheet(1); }
+    Sheet& sheet() { return control.cells().workbook().sheet(1); }
     std::string shown(CellAddress cell) { return sheet().displayText(cell); }
     void key(int key, Qt::KeyboardModifiers modifiers) { QTest::keyClick(&control, Qt::Key(key), modifiers); }
 
@@ -25,22 +25,22 @@ struct ControlCommands : testing::Test {
 TEST_F(ControlCommands, RowsAndColumnsComeAndGoWithUndo)
 {
     sheet().setText({2, 2}, "x");
-    control.select({1, 2, control.columnCount(), 3});
+    control.cursor().select({1, 2, control.cells().columnCount(), 3});
     key(Qt::Key_Plus, Qt::ControlModifier);
     EXPECT_EQ(shown({2, 4}), "x");
-    control.undo();
-    control.select({1, 1, 1, 1});
-    control.deleteRows();
+    control.commands().undo();
+    control.cursor().select({1, 1, 1, 1});
+    control.commands().deleteRows();
     EXPECT_EQ(shown({2, 1}), "x");
-    control.undo();
-    control.select({2, 1, 2, control.rowCount()});
-    control.hideColumns();
+    control.commands().undo();
+    control.cursor().select({2, 1, 2, control.cells().rowCount()});
+    control.commands().hideColumns();
     EXPECT_EQ(sheet().settings().columns.size(2), 0);
-    control.select({1, 1, 3, control.rowCount()});
-    control.showColumns();
+    control.cursor().select({1, 1, 3, control.cells().rowCount()});
+    control.commands().showColumns();
     EXPECT_GT(sheet().settings().columns.size(2), 0);
-    control.select({1, 1, control.columnCount(), control.rowCount()});
-    control.deleteRows();
+    control.cursor().select({1, 1, control.cells().columnCount(), control.cells().rowCount()});
+    control.commands().deleteRows();
     EXPECT_FALSE(refusal.isEmpty());
     EXPECT_EQ(shown({2, 2}), "x");
 }
@@ -49,24 +49,24 @@ TEST_F(ControlCommands, AutofitFollowsTheTexts)
 {
     sheet().setText({1, 1}, "很长很长很长很长很长很长很长很长的科目名称");
     const int before = sheet().settings().columns.size(1);
-    control.select({1, 1, 1, 1});
-    control.autofitColumns();
+    control.cursor().select({1, 1, 1, 1});
+    control.commands().autofitColumns();
     const int fitted = sheet().settings().columns.size(1);
     EXPECT_GT(fitted, before);
     sheet().setText({1, 1}, "短");
-    control.autofitColumns();
+    control.commands().autofitColumns();
     EXPECT_LT(sheet().settings().columns.size(1), fitted);
-    control.undo();
+    control.commands().undo();
     EXPECT_EQ(sheet().settings().columns.size(1), fitted);
 }
 
 TEST_F(ControlCommands, PanesFreezeAndThawAtTheActiveCell)
 {
-    control.setActiveCell(2, 4);
-    control.freezeHere();
+    control.cursor().setActiveCell(2, 4);
+    control.commands().freezeHere();
     EXPECT_EQ(sheet().settings().frozenRows, 3);
     EXPECT_EQ(sheet().settings().frozenColumns, 1);
-    control.freezeHere();
+    control.commands().freezeHere();
     EXPECT_EQ(sheet().settings().frozenRows, 0);
 }
 
@@ -75,32 +75,32 @@ TEST_F(ControlCommands, FindSelectsReplaceCountsAndLocksHold)
     sheet().setText({2, 2}, "应收账款");
     sheet().setText({3, 9}, "应收票据");
     sheet().restyle({3, 9, 3, 9}, [](CellStyle& style) { style.locked = true; });
-    EXPECT_TRUE(control.findNext({"应收"}));
-    EXPECT_EQ(control.activeCell(), (CellAddress{2, 2}));
-    EXPECT_TRUE(control.findNext({"应收"}));
-    EXPECT_EQ(control.activeCell(), (CellAddress{3, 9}));
-    EXPECT_FALSE(control.findNext({"应付"}));
+    EXPECT_TRUE(control.commands().findNext({"应收"}));
+    EXPECT_EQ(control.cursor().activeCell(), (CellAddress{2, 2}));
+    EXPECT_TRUE(control.commands().findNext({"应收"}));
+    EXPECT_EQ(control.cursor().activeCell(), (CellAddress{3, 9}));
+    EXPECT_FALSE(control.commands().findNext({"应付"}));
     EXPECT_TRUE(refusal.contains("应付"));
-    EXPECT_EQ(control.replaceAll({"应收"}, "应付"), 1);
+    EXPECT_EQ(control.commands().replaceAll({"应收"}, "应付"), 1);
     EXPECT_EQ(shown({2, 2}) + shown({3, 9}), "应付账款应收票据");
     EXPECT_TRUE(refusal.contains("1"));
 }
 
 TEST_F(ControlCommands, SortTakesTheBlockAroundAndGoToReadsPlaces)
 {
-    ASSERT_FALSE(control.workbook().addSheet("二月"));
+    ASSERT_FALSE(control.cells().workbook().addSheet("二月"));
     for (int row = 1; row <= 3; ++row)
         sheet().setNumber({1, row}, 10 - row);
-    control.setActiveCell(1, 2);
-    control.sortBlock({}, false);
+    control.cursor().setActiveCell(1, 2);
+    control.commands().sortBlock({}, false);
     EXPECT_EQ(shown({1, 1}) + shown({1, 3}), "79");
-    EXPECT_EQ(control.firstRange(), (CellRange{1, 1, 1, 3}));
-    EXPECT_FALSE(control.goTo("c5:d6"));
-    EXPECT_EQ(control.firstRange(), (CellRange{3, 5, 4, 6}));
-    EXPECT_FALSE(control.goTo("二月!B400"));
-    EXPECT_EQ(control.activeSheet(), 2);
+    EXPECT_EQ(control.cursor().firstRange(), (CellRange{1, 1, 1, 3}));
+    EXPECT_FALSE(control.cursor().goTo("c5:d6"));
+    EXPECT_EQ(control.cursor().firstRange(), (CellRange{3, 5, 4, 6}));
+    EXPECT_FALSE(control.cursor().goTo("二月!B400"));
+    EXPECT_EQ(control.cells().activeSheet(), 2);
     EXPECT_FALSE(control.cellRect({2, 400}).isEmpty());
-    EXPECT_TRUE(control.goTo("B501"));
+    EXPECT_TRUE(control.cursor().goTo("B501"));
 }
 
 TEST_F(ControlTest, TwoHundredStepsComeBackOneByOne)
@@ -134,14 +134,14 @@ TEST_F(ControlTest, TwoHundredStepsComeBackOneByOne)
 
 TEST_F(ControlCommands, UndoOfASheetThatIsShownShowsAnother)
 {
-    control.addSheet();
-    ASSERT_EQ(control.activeSheet(), 2);
-    control.undo();
-    EXPECT_EQ(control.sheetCount(), 1);
-    EXPECT_EQ(control.activeSheet(), 1);
-    control.redo();
-    EXPECT_EQ(control.sheetCount(), 2);
-    EXPECT_EQ(control.activeSheet(), 2) << "a sheet that comes back is shown";
+    control.commands().addSheet();
+    ASSERT_EQ(control.cells().activeSheet(), 2);
+    control.commands().undo();
+    EXPECT_EQ(control.cells().sheetCount(), 1);
+    EXPECT_EQ(control.cells().activeSheet(), 1);
+    control.commands().redo();
+    EXPECT_EQ(control.cells().sheetCount(), 2);
+    EXPECT_EQ(control.cells().activeSheet(), 2) << "a sheet that comes back is shown";
 }
 
 } // namespace spreadsheet

@@ -58,7 +58,7 @@ struct ControlEditing : testing::Test {
         QTest::mouseMove(&control, control.cellRect(to).center());
         QTest::mouseRelease(&control, Qt::LeftButton, {}, control.cellRect(to).center());
     }
-    Sheet& sheet() { return control.workbook().sheet(1); }
+    Sheet& sheet() { return control.cells().workbook().sheet(1); }
     std::string shown(CellAddress cell) { return sheet().displayText(cell); }
     CellEditor* editor() { return control.findChild<CellEditor*>("cellEditor"); }
     std::string edited() { return editor() ? editor()->toPlainText().toStdString() : "closed"; }
@@ -75,16 +75,17 @@ struct ControlEditing : testing::Test {
 TEST_F(ControlEditing, TypingEntersAndKeysMoveOn)
 {
     type("12.5");
-    ASSERT_TRUE(control.isEditing());
+    ASSERT_TRUE(control.entry().isOpen());
     EXPECT_EQ(edited(), "12.5");
     key(Qt::Key_Return);
     EXPECT_EQ(shown({1, 1}), "12.5");
-    EXPECT_EQ(control.activeCell(), (CellAddress{1, 2}));
+    EXPECT_EQ(control.cursor().activeCell(), (CellAddress{1, 2}));
     type("a");
     key(Qt::Key_Tab);
     type("b");
     key(Qt::Key_Left);
-    EXPECT_EQ(control.activeCell(), (CellAddress{1, 2})) << "arrow keys end an entry begun by typing";
+    EXPECT_EQ(control.cursor().activeCell(), (CellAddress{1, 2}))
+        << "arrow keys end an entry begun by typing";
     EXPECT_EQ(shown({1, 2}) + shown({2, 2}), "ab");
     key(Qt::Key_F2);
     key(Qt::Key_Home);
@@ -97,7 +98,7 @@ TEST_F(ControlEditing, TypingEntersAndKeysMoveOn)
     type("c");
     key(Qt::Key_Return, Qt::ShiftModifier);
     EXPECT_EQ(shown({1, 2}), "a\nc");
-    EXPECT_EQ(control.activeCell(), (CellAddress{1, 1}));
+    EXPECT_EQ(control.cursor().activeCell(), (CellAddress{1, 1}));
     EXPECT_EQ(modes, "+*+*+*+-+*");
     EXPECT_TRUE(control.hasFocus());
     key(Qt::Key_Delete);
@@ -112,11 +113,11 @@ TEST_F(ControlEditing, TypingEntersAndKeysMoveOn)
 TEST_F(ControlEditing, OpenedAndLeftAsItWasIsNoEdit)
 {
     sheet().setText({1, 1}, "007");
-    const auto before = control.workbook().revision();
+    const auto before = control.cells().workbook().revision();
     key(Qt::Key_F2);
     EXPECT_EQ(edited(), "'007");
     key(Qt::Key_Return);
-    EXPECT_EQ(control.workbook().revision(), before);
+    EXPECT_EQ(control.cells().workbook().revision(), before);
     EXPECT_EQ(modes, "+-");
 }
 
@@ -124,7 +125,7 @@ TEST_F(ControlEditing, ReferencesAreTakenByArrowKeysAndMouse)
 {
     sheet().setNumber({1, 1}, 3);
     sheet().setNumber({1, 2}, 4);
-    control.setActiveCell(3, 3);
+    control.cursor().setActiveCell(3, 3);
     type("=");
     key(Qt::Key_Up);
     EXPECT_EQ(edited(), "=C2");
@@ -134,7 +135,7 @@ TEST_F(ControlEditing, ReferencesAreTakenByArrowKeysAndMouse)
     key(Qt::Key_Up, Qt::ShiftModifier);
     EXPECT_EQ(edited(), "=A1:A2");
     key(Qt::Key_Escape);
-    EXPECT_EQ(control.activeCell(), (CellAddress{3, 3}));
+    EXPECT_EQ(control.cursor().activeCell(), (CellAddress{3, 3}));
     type("=sum(");
     drag({1, 1}, {1, 2});
     EXPECT_EQ(edited(), "=sum(A1:A2");
@@ -147,7 +148,7 @@ TEST_F(ControlEditing, ReferencesAreTakenByArrowKeysAndMouse)
     type("5");
     click({1, 1});
     EXPECT_EQ(shown({3, 4}), "5") << "no reference can stand there: the click ends the entry";
-    EXPECT_EQ(control.activeCell(), (CellAddress{1, 1}));
+    EXPECT_EQ(control.cursor().activeCell(), (CellAddress{1, 1}));
 }
 
 TEST_F(ControlEditing, HeadingsGiveWholeRowsAndColumns)
@@ -170,15 +171,15 @@ TEST_F(ControlEditing, HeadingsGiveWholeRowsAndColumns)
          {control.cellRect({2, 1}).right(), 5},
          "=B:B"}, // its edge
     };
-    control.setActiveCell(5, 10);
+    control.cursor().setActiveCell(5, 10);
     for (const auto& [typed, from, to, expected] : cases) {
         type(typed);
         QTest::mousePress(&control, Qt::LeftButton, {}, from);
         QTest::mouseMove(&control, to);
         QTest::mouseRelease(&control, Qt::LeftButton, {}, to);
         EXPECT_EQ(edited(), expected);
-        control.cancelEdit();
-        EXPECT_EQ(control.activeCell(), (CellAddress{5, 10}));
+        control.entry().cancel();
+        EXPECT_EQ(control.cursor().activeCell(), (CellAddress{5, 10}));
     }
     sheet().setNumber({1, 1}, 2);
     sheet().setNumber({1, 500}, 5);
@@ -190,26 +191,26 @@ TEST_F(ControlEditing, HeadingsGiveWholeRowsAndColumns)
     type("5");
     QTest::mouseClick(&control, Qt::LeftButton, {}, columnHeading(2));
     EXPECT_EQ(shown({5, 11}), "5") << "where no reference can stand, a heading selects";
-    EXPECT_EQ(control.firstRange(), (CellRange{2, 1, 2, 500}));
+    EXPECT_EQ(control.cursor().firstRange(), (CellRange{2, 1, 2, 500}));
 }
 
 TEST_F(ControlEditing, CellsOfOtherSheetsAreTakenThroughTheirTabs)
 {
-    ASSERT_FALSE(control.workbook().addSheet("二月"));
-    control.workbook().sheet(2).setNumber({2, 2}, 9);
+    ASSERT_FALSE(control.cells().workbook().addSheet("二月"));
+    control.cells().workbook().sheet(2).setNumber({2, 2}, 9);
     control.refresh();
     type("=");
     key(Qt::Key_PageDown, Qt::ControlModifier);
-    if (control.activeSheet() == 1) { // the tab itself
+    if (control.cells().activeSheet() == 1) { // the tab itself
         auto* tabs = control.findChild<QTabBar*>();
         QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
     }
-    ASSERT_EQ(control.activeSheet(), 2);
-    ASSERT_TRUE(control.isEditing());
+    ASSERT_EQ(control.cells().activeSheet(), 2);
+    ASSERT_TRUE(control.entry().isOpen());
     click({2, 2});
     EXPECT_EQ(edited(), "=二月!B2");
     key(Qt::Key_Return);
-    EXPECT_EQ(control.activeSheet(), 1);
+    EXPECT_EQ(control.cells().activeSheet(), 1);
     EXPECT_EQ(shown({1, 1}), "9");
 }
 
@@ -218,13 +219,13 @@ TEST_F(ControlEditing, AFormulaThatDoesNotParseStaysOpenWithItsReason)
     sheet().setNumber({1, 1}, 5);
     type("=sum(1,2+");
     key(Qt::Key_Return);
-    ASSERT_TRUE(control.isEditing());
+    ASSERT_TRUE(control.entry().isOpen());
     auto& problem = *control.findChild<QLabel*>("editorProblem");
     EXPECT_TRUE(problem.isVisible());
     EXPECT_FALSE(problem.text().isEmpty());
     EXPECT_EQ(shown({1, 1}), "5");
     click({4, 4});
-    EXPECT_TRUE(control.isEditing()) << "nothing is lost by clicking elsewhere";
+    EXPECT_TRUE(control.entry().isOpen()) << "nothing is lost by clicking elsewhere";
     EXPECT_EQ(edited(), "=sum(1,2+");
     key(Qt::Key_End); // the cursor stood at the mistake, and keys move in the text now
     type("3)");
@@ -236,7 +237,7 @@ TEST_F(ControlEditing, AnInputMethodBeginsWithItsFirstCharacter)
 {
     QInputMethodEvent first("y", {});
     QCoreApplication::sendEvent(&control, &first);
-    ASSERT_TRUE(control.isEditing());
+    ASSERT_TRUE(control.entry().isOpen());
     EXPECT_TRUE(control.hasFocus()) << "moving the focus would end the composing";
     EXPECT_TRUE(
         control.cellRect({1, 1}).intersects(control.inputMethodQuery(Qt::ImCursorRectangle).toRect()));
@@ -281,7 +282,7 @@ TEST_F(ControlEditing, RunModeAndLocksRefuse)
         for (const Case& c : cases) {
             refusal.clear();
             key(c.key, c.modifiers);
-            EXPECT_FALSE(control.isEditing()) << c.key;
+            EXPECT_FALSE(control.entry().isOpen()) << c.key;
             EXPECT_FALSE(refusal.isEmpty()) << c.key;
             EXPECT_EQ(shown({1, 1}), "keep") << c.key;
         }
@@ -290,13 +291,13 @@ TEST_F(ControlEditing, RunModeAndLocksRefuse)
 
 TEST_F(ControlEditing, ControlEnterFillsTheSelection)
 {
-    control.select({2, 1, 2, 3});
+    control.cursor().select({2, 1, 2, 3});
     type("=A1*2");
     key(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(sheet().formula({2, 3}), "A3*2");
     key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(sheet().lastDataRow(), 0) << "one step";
-    control.select({2, 1, 2, 2});
+    control.cursor().select({2, 1, 2, 2});
     type("=A1:A2*2");
     key(Qt::Key_Return, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(sheet().arrayRange({2, 2}), (CellRange{2, 1, 2, 2}));
@@ -304,7 +305,7 @@ TEST_F(ControlEditing, ControlEnterFillsTheSelection)
     sheet().restyle({6, 2, 6, 2}, [](CellStyle& style) { style.locked = true; });
     for (const Qt::KeyboardModifiers modifiers :
          {Qt::KeyboardModifiers(Qt::ControlModifier), Qt::ControlModifier | Qt::ShiftModifier}) {
-        control.select({6, 1, 6, 2});
+        control.cursor().select({6, 1, 6, 2});
         refusal.clear();
         type("=1+1");
         key(Qt::Key_Return, modifiers);
@@ -313,13 +314,13 @@ TEST_F(ControlEditing, ControlEnterFillsTheSelection)
         key(Qt::Key_Escape);
     }
     // Neither spans nor lists of the goal change.
-    control.setCurrent(4, 2);
-    control.setDropDown({"甲"});
-    control.select({4, 1, 4, 3});
+    control.cells().setCurrent(4, 2);
+    control.cells().setDropDown({"甲"});
+    control.cursor().select({4, 1, 4, 3});
     type("8");
     key(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(shown({4, 2}), "8");
-    EXPECT_EQ(control.dropDown(), QStringList{"甲"});
+    EXPECT_EQ(control.cells().dropDown(), QStringList{"甲"});
     EXPECT_TRUE(sheet().settings().spans.empty());
 }
 

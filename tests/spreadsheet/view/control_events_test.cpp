@@ -30,7 +30,7 @@ protected:
         QObject::connect(&control, &Control::sheetsChanged, [this] { log << "sheets "; });
         QObject::connect(&control, &Control::refused, [this] { log << "refused "; });
         QObject::connect(&control, &Control::undoChanged, [this] { log << "undo "; });
-        demand(control.setSheetCount(2));
+        demand(control.cells().setSheetCount(2));
         control.refresh();
         logged();
     }
@@ -97,6 +97,23 @@ TEST_F(ControlEvents, OfTyping)
     expectEvents({{"run mode", [&] { keys("7", Qt::Key_F2); }, "key 7 refused key F2 refused"}});
 }
 
+/// As the format painter does, which takes Enter.
+TEST_F(ControlEvents, AWatcherOfTheControlSeesTheKeyThatEndsAnEntry)
+{
+    struct Watcher : QObject {
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            return event->type() == QEvent::KeyPress &&
+                   static_cast<QKeyEvent*>(event)->key() == Qt::Key_Return;
+        }
+    } watcher;
+    control.installEventFilter(&watcher);
+    expectEvents(
+        {{"Enter", [&] { keys("12", Qt::Key_Return); }, "key 1 edit-on edit-changed undo changed 1,1"},
+         {"Tab", [&] { keys("3", Qt::Key_Tab); },
+          "key 3 edit-on edit-changed undo changed 1,1 key Tab leave 1,1>2,1 undo selected"}});
+}
+
 TEST_F(ControlEvents, OfSelectingAndCommands)
 {
     expectEvents({
@@ -152,8 +169,8 @@ TEST_F(ControlEvents, OfCellsThatAct)
     setType("C1", CellType::checkBox);
     setType("D1", CellType::dropDown);
     setType("E1", CellType::date);
-    control.setCurrent(4, 1);
-    control.setDropDown({"甲", "乙"});
+    control.cells().setCurrent(4, 1);
+    control.cells().setDropDown({"甲", "乙"});
     control.refresh();
     logged();
     const QRect dropDown = control.cellRect({4, 1});
@@ -171,13 +188,14 @@ TEST_F(ControlEvents, OfCellsThatAct)
         {"typed first", [&] { type("x"), click(arrow), list(Qt::Key_Escape); },
          "key X edit-on down1 4,1 edit-changed undo changed 4,1 undo selected open 4,1 undo close 4,1 -1"},
     });
-    QObject::connect(&control, &SpreadsheetControl::comboDropDown, [this] { control.cancelDropDown(); });
+    QObject::connect(&control, &SpreadsheetControl::comboDropDown,
+                     [this] { control.actions().cancelDropDown(); });
     expectEvents(
         {{"a window opens something else", [&] { key(Qt::Key_Down, alt); }, "key Down open 4,1 undo"},
          {"a date", [&] { key(Qt::Key_Right), key(Qt::Key_Down, alt); },
           "key Right leave 4,1>5,1 undo selected key Down undo"}});
     QTest::keyClick(control.findChild<QWidget*>("dateEntry"), Qt::Key_Escape);
-    control.changeStyle({2, 1, 4, 1}, [](CellStyle& style) { style.locked = true; });
+    control.cells().changeStyle({2, 1, 4, 1}, [](CellStyle& style) { style.locked = true; });
     control.refresh();
     logged();
     expectEvents(
@@ -204,12 +222,12 @@ TEST_F(ControlEvents, OfSheets)
         {"a sheet comes", [&] { key(Qt::Key_F11, shift); },
          "key F11 leave 1,2>-1,-1 view view sheet 3 selected sheets undo"},
     });
-    EXPECT_EQ(control.workbook().sheet(1).formula({1, 1}), "2*Sheet2!A1");
+    EXPECT_EQ(control.cells().workbook().sheet(1).formula({1, 1}), "2*Sheet2!A1");
     holdsCursor = true;
     expectEvents({{"a listener holds the cursor", [&] { clickTab(1); }, "leave 1,1>-1,-1 view"}});
-    EXPECT_EQ(control.activeSheet(), 3);
-    control.beginEdit(EditStart::replace, "5");
-    expectEvents({{"the program shows another", [&] { control.setActiveSheet(1); },
+    EXPECT_EQ(control.cells().activeSheet(), 3);
+    control.entry().begin(EditStart::replace, "5");
+    expectEvents({{"the program shows another", [&] { control.cells().setActiveSheet(1); },
                    "edit-on edit-off view view sheet 1 selected"}});
 }
 

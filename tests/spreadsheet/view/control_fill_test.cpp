@@ -15,10 +15,10 @@ protected:
     {
         CellAddress cell = *parseCellName(first);
         for (const std::string& text : texts) {
-            ASSERT_FALSE(enterText(control.workbook(), sheet(), cell, text, TypedInto::cell));
+            ASSERT_FALSE(enterText(control.cells().workbook(), sheet(), cell, text, TypedInto::cell));
             ++cell.row;
         }
-        control.workbook().recalculateChanged();
+        control.cells().workbook().recalculateChanged();
         control.refresh();
     }
     void selectByMouse(const char* from, const char* to)
@@ -31,7 +31,7 @@ protected:
     /// The small square at the corner of the selection.
     QPoint handle() const
     {
-        const CellRange range = control.selection().back();
+        const CellRange range = control.cursor().selection().back();
         return control.cellRect({range.right, range.bottom}).bottomRight();
     }
 };
@@ -79,7 +79,7 @@ TEST_F(FillByUser, TheHandleGoesOnWithSeries)
             key(Qt::Key_Z, ctrl);
         EXPECT_EQ(shown("B7", "G22"), before) << "one step back";
         sheet().clearContents({1, 1, 30, 100});
-        control.changeStyle({1, 1, 30, 100}, [](CellStyle& style) { style = {}; });
+        control.cells().changeStyle({1, 1, 30, 100}, [](CellStyle& style) { style = {}; });
     }
 }
 
@@ -90,9 +90,9 @@ TEST_F(FillByUser, TheHandleSelectsWhatItFilledAndScrollsOn)
     const QPoint below(centre("B2").x(), control.height() + 60);
     QTest::mousePress(&control, Qt::LeftButton, {}, handle());
     QTest::mouseMove(&control, below);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return control.topLeftCell().row > 40; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return control.cursor().topLeftCell().row > 40; }, 5000));
     QTest::mouseRelease(&control, Qt::LeftButton, {}, below);
-    const CellRange filled = control.firstRange();
+    const CellRange filled = control.cursor().firstRange();
     EXPECT_EQ(CellAddress(filled.left, filled.top), (CellAddress{2, 2}));
     EXPECT_GT(filled.bottom, 45);
     EXPECT_EQ(sheet().value({2, filled.bottom}).number(), filled.bottom - 1);
@@ -111,7 +111,7 @@ TEST_F(FillByUser, WhatMustNotBeFilledIsRefused)
     EXPECT_FALSE(refusal.empty());
     EXPECT_EQ(shown("B2", "B7"), "1;2;;;;") << "a locked cell";
     sheet().restyle({2, 5, 2, 5}, [](CellStyle& style) { style.locked = false; });
-    control.addSpan({2, 6, 3, 6});
+    control.cells().addSpan({2, 6, 3, 6});
     fill("B7");
     EXPECT_FALSE(refusal.empty());
     EXPECT_EQ(shown("B2", "B7"), "1;2;;;;") << "half of a merged cell";
@@ -146,7 +146,7 @@ TEST_F(FillByUser, ADoubleClickOnTheHandleFillsBesideTheTable)
     doubleClick("B1", "B1");
     EXPECT_EQ(shown("B1", "B5"), "1;2;3;;") << "as far as the column on the left goes";
     EXPECT_EQ(cursor(), "B1 in B1:B3");
-    EXPECT_FALSE(control.isEditing());
+    EXPECT_FALSE(control.entry().isOpen());
     enter("D1", {"1", "2"});
     doubleClick("D1", "D2");
     EXPECT_EQ(shown("D1", "D5"), "1;2;3;4;");

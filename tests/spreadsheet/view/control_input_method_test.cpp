@@ -88,9 +88,9 @@ TEST_F(InputMethod, WhatIsGivenUpLeavesTheCellAsItWas)
 
 TEST_F(InputMethod, FormulasTakeChineseNamesAndReferences)
 {
-    demand(control.setSheetCount(2));
-    demand(control.workbook().renameSheet(2, "一月"));
-    control.workbook().sheet(2).setNumber({1, 1}, 7);
+    demand(control.cells().setSheetCount(2));
+    demand(control.cells().workbook().renameSheet(2, "一月"));
+    control.cells().workbook().sheet(2).setNumber({1, 1}, 7);
     control.refresh();
     click("B2");
     type("=");
@@ -112,11 +112,11 @@ TEST_F(InputMethod, FormulasTakeChineseNamesAndReferences)
 
 TEST_F(InputMethod, WhereNothingMayBeTypedNothingIsComposed)
 {
-    control.changeStyle({2, 2, 2, 2}, [](CellStyle& style) { style.locked = true; });
+    control.cells().changeStyle({2, 2, 2, 2}, [](CellStyle& style) { style.locked = true; });
     setType("B3", CellType::checkBox);
     put("B4", "keep");
     control.refresh();
-    const auto before = control.workbook().revision();
+    const auto before = control.cells().workbook().revision();
     click(centre("B2"));
     compose("hao");
     commit("好");
@@ -127,8 +127,8 @@ TEST_F(InputMethod, WhereNothingMayBeTypedNothingIsComposed)
     EXPECT_FALSE(control.inputMethodQuery(Qt::ImEnabled).toBool());
     click("B4");
     commit("好");
-    EXPECT_FALSE(control.isEditing());
-    EXPECT_EQ(control.workbook().revision(), before);
+    EXPECT_FALSE(control.entry().isOpen());
+    EXPECT_EQ(control.cells().workbook().revision(), before);
 }
 
 } // namespace spreadsheet

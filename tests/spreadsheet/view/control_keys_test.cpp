@@ -31,7 +31,7 @@ TEST_F(ControlTest, KeysOfTheWindowReachItFromCellsAndEditor)
     for (const auto& [pressed, modifiers] : keys)
         key(pressed, modifiers);
     EXPECT_EQ(reached, all);
-    EXPECT_FALSE(control.isEditing());
+    EXPECT_FALSE(control.entry().isOpen());
     reached.clear();
     type("=1+2");
     for (const auto& [pressed, modifiers] : keys)
@@ -50,7 +50,7 @@ TEST_F(ControlTest, TheDateAndTheTimeAreTypedByAKey)
 {
     const QDateTime before = QDateTime::currentDateTime();
     key(Qt::Key_Semicolon, ctrl);
-    EXPECT_TRUE(control.isEditing()) << "it may still be changed";
+    EXPECT_TRUE(control.entry().isOpen()) << "it may still be changed";
     key(Qt::Key_Tab);
     key(Qt::Key_Colon, ctrl | shift);
     key(Qt::Key_Tab);
@@ -70,7 +70,7 @@ TEST_F(ControlTest, TheDateAndTheTimeAreTypedByAKey)
     click("D1");
     refusal.clear();
     key(Qt::Key_Semicolon, ctrl);
-    EXPECT_FALSE(control.isEditing());
+    EXPECT_FALSE(control.entry().isOpen());
     EXPECT_NE(refusal, "");
 }
 
@@ -85,7 +85,7 @@ TEST_F(ControlTest, ASumIsProposedOfWhatStandsBefore)
         click(cell);
         key(Qt::Key_Equal, alt);
         EXPECT_EQ(edited(), proposed) << cell;
-        control.cancelEdit();
+        control.entry().cancel();
     }
     click("F9");
     key(Qt::Key_Equal, alt);
@@ -109,12 +109,12 @@ TEST_F(ControlTest, SelectionsGrowToTheBlockAndShrinkToTheCell)
     click(columnHeading("E1"), ctrl);
     key(Qt::Key_Backspace, shift);
     EXPECT_EQ(cursor(), "E1 in E1");
-    control.setTopLeftCell({1, 50});
+    control.cursor().setTopLeftCell({1, 50});
     key(Qt::Key_Backspace, ctrl);
     EXPECT_FALSE(control.cellRect({5, 1}).isEmpty()) << "back in sight";
-    EXPECT_FALSE(control.isEditing());
+    EXPECT_FALSE(control.entry().isOpen());
     key(Qt::Key_F11, shift);
-    EXPECT_EQ(control.sheetCount(), 2);
+    EXPECT_EQ(control.cells().sheetCount(), 2);
 }
 
 TEST_F(ControlTest, KeysInTheEditor)
@@ -238,24 +238,24 @@ TEST_F(ControlTest, WhatAFormulaPointsAtIsFramedInItsColour)
 
 TEST_F(ControlTest, CellsOfOtherSheetsArePointedAtByKeys)
 {
-    demand(control.setSheetCount(2));
-    control.workbook().sheet(2).setNumber({1, 2}, 9);
+    demand(control.cells().setSheetCount(2));
+    control.cells().workbook().sheet(2).setNumber({1, 2}, 9);
     control.refresh();
     click("C3");
     type("=2*");
     key(Qt::Key_PageDown, ctrl);
-    ASSERT_EQ(control.activeSheet(), 2);
-    EXPECT_TRUE(control.isEditing());
+    ASSERT_EQ(control.cells().activeSheet(), 2);
+    EXPECT_TRUE(control.entry().isOpen());
     key(Qt::Key_Down);
     EXPECT_EQ(edited(), "=2*Sheet2!A2");
     key(Qt::Key_Return);
-    EXPECT_EQ(control.activeSheet(), 1);
+    EXPECT_EQ(control.cells().activeSheet(), 1);
     EXPECT_EQ(shown("C3"), "18");
     EXPECT_EQ(cursor(), "C4 in C4");
     type("5");
     key(Qt::Key_PageDown, ctrl);
-    EXPECT_EQ(control.activeSheet(), 2) << "an entry that takes no reference ends";
-    EXPECT_EQ(control.workbook().sheet(1).displayText({3, 4}), "5");
+    EXPECT_EQ(control.cells().activeSheet(), 2) << "an entry that takes no reference ends";
+    EXPECT_EQ(control.cells().workbook().sheet(1).displayText({3, 4}), "5");
 }
 
 } // namespace spreadsheet

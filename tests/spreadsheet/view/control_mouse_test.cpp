@@ -22,7 +22,7 @@ void turnWheel(QWidget& widget, QPoint delta, Qt::KeyboardModifiers modifiers = 
 
 TEST_F(ControlTest, ClicksAndDragsSelect)
 {
-    control.addSpan({5, 5, 6, 6}); // E5:F6
+    control.cells().addSpan({5, 5, 6, 6}); // E5:F6
     control.refresh();
     click("C3");
     EXPECT_EQ(cursor(), "C3 in C3");
@@ -36,12 +36,12 @@ TEST_F(ControlTest, ClicksAndDragsSelect)
     EXPECT_EQ(cursor(), "D4 in B2:D4");
     drag(centre("G8"), centre("H9"), ctrl);
     EXPECT_EQ(cursor(), "G8 in B2:D4 G8:H9");
-    EXPECT_EQ(name(control.selectedBlock()), "B2:H9");
-    EXPECT_EQ(name(control.firstRange()), "B2:D4");
-    EXPECT_TRUE(control.isBlockSelected());
+    EXPECT_EQ(name(control.cursor().selectedBlock()), "B2:H9");
+    EXPECT_EQ(name(control.cursor().firstRange()), "B2:D4");
+    EXPECT_TRUE(control.cursor().isBlockSelected());
     click("F6");
     EXPECT_EQ(cursor(), "E5 in E5:F6");
-    EXPECT_FALSE(control.isBlockSelected()) << "a merged cell is one cell";
+    EXPECT_FALSE(control.cursor().isBlockSelected()) << "a merged cell is one cell";
 }
 
 TEST_F(ControlTest, HeadingsSelectWholeLines)
@@ -97,12 +97,12 @@ TEST_F(ControlTest, HeadingEdgesResizeAndFit)
 TEST_F(ControlTest, TheWheelScrollsAndZooms)
 {
     turnWheel(control, {0, -120});
-    EXPECT_EQ(control.topLeftCell(), (CellAddress{1, 4}));
+    EXPECT_EQ(control.cursor().topLeftCell(), (CellAddress{1, 4}));
     for (int i = 0; i < 3; ++i)
         turnWheel(control, {0, 40}); // a touch pad's small steps add up
-    EXPECT_EQ(control.topLeftCell().row, 1);
+    EXPECT_EQ(control.cursor().topLeftCell().row, 1);
     turnWheel(control, {0, -240}, shift);
-    EXPECT_EQ(control.topLeftCell().column, 3);
+    EXPECT_EQ(control.cursor().topLeftCell().column, 3);
     turnWheel(control, {0, 120}, ctrl);
     EXPECT_NEAR(control.zoom(), 1.1, 1e-9);
     EXPECT_EQ(control.cellRect({4, 2}).height(), 21);
@@ -123,14 +123,14 @@ TEST_F(ControlTest, TheWheelScrollsAndZooms)
 TEST_F(ControlTest, ScrollBarsFollowAndLead)
 {
     auto& bar = *control.findChild<QScrollBar*>("scrollDown");
-    control.setActiveCell(1, 80);
-    EXPECT_EQ(bar.value(), control.topLeftCell().row);
+    control.cursor().setActiveCell(1, 80);
+    EXPECT_EQ(bar.value(), control.cursor().topLeftCell().row);
     bar.setValue(11);
-    EXPECT_EQ(control.topLeftCell().row, 11);
-    EXPECT_EQ(control.activeCell().row, 80) << "the cursor stays";
+    EXPECT_EQ(control.cursor().topLeftCell().row, 11);
+    EXPECT_EQ(control.cursor().activeCell().row, 80) << "the cursor stays";
     bar.setValue(bar.maximum());
     EXPECT_FALSE(control.cellRect({1, 100}).isEmpty());
-    demand(control.setRowCount(5));
+    demand(control.cells().setRowCount(5));
     control.refresh();
     EXPECT_EQ(bar.maximum(), bar.minimum());
     EXPECT_EQ(cursor(), "A5 in A5");
@@ -145,48 +145,49 @@ TEST_F(ControlTest, DraggingBeyondAnyEdgeScrolls)
         QTest::mouseRelease(&control, Qt::LeftButton, {}, to);
     };
     dragOut("B5", {control.width() + 50, centre("B5").y()},
-            [this] { return control.topLeftCell().column > 6; });
-    EXPECT_EQ(control.selectedBlock().rows(), 1);
-    const int right = control.selectedBlock().right;
+            [this] { return control.cursor().topLeftCell().column > 6; });
+    EXPECT_EQ(control.cursor().selectedBlock().rows(), 1);
+    const int right = control.cursor().selectedBlock().right;
     EXPECT_GT(right, 12);
     QTest::qWait(150);
-    EXPECT_EQ(control.selectedBlock().right, right) << "over with the button";
-    const std::string far = cellName({control.topLeftCell().column + 2, 5});
-    dragOut(far.c_str(), {-40, centre("A5").y()}, [this] { return control.topLeftCell().column == 1; });
-    EXPECT_EQ(control.selectedBlock().left, 1);
-    control.setTopLeftCell({1, 40});
-    dragOut("B45", {centre("B45").x(), -60}, [this] { return control.topLeftCell().row < 20; });
-    EXPECT_LT(control.selectedBlock().top, 20);
-    EXPECT_EQ(control.selectedBlock().bottom, 45);
+    EXPECT_EQ(control.cursor().selectedBlock().right, right) << "over with the button";
+    const std::string far = cellName({control.cursor().topLeftCell().column + 2, 5});
+    dragOut(far.c_str(), {-40, centre("A5").y()},
+            [this] { return control.cursor().topLeftCell().column == 1; });
+    EXPECT_EQ(control.cursor().selectedBlock().left, 1);
+    control.cursor().setTopLeftCell({1, 40});
+    dragOut("B45", {centre("B45").x(), -60}, [this] { return control.cursor().topLeftCell().row < 20; });
+    EXPECT_LT(control.cursor().selectedBlock().top, 20);
+    EXPECT_EQ(control.cursor().selectedBlock().bottom, 45);
 
     // Cells that a formula points at are reached likewise.
-    control.setTopLeftCell({1, 1});
+    control.cursor().setTopLeftCell({1, 1});
     click("E2");
     type("=sum(");
     dragOut("B5", {centre("B5").x(), control.height() + 60},
-            [this] { return control.topLeftCell().row > 20; });
+            [this] { return control.cursor().topLeftCell().row > 20; });
     EXPECT_EQ(edited().substr(0, 9), "=sum(B5:B");
     type(")");
     key(Qt::Key_Return);
-    EXPECT_FALSE(control.isEditing());
+    EXPECT_FALSE(control.entry().isOpen());
     EXPECT_FALSE(control.cellRect({5, 3}).isEmpty()) << "the cursor is in sight again";
 
     QTest::mousePress(&control, Qt::LeftButton, {}, rowHeading("A4"));
     const QPoint below(5, control.height() + 40);
     QTest::mouseMove(&control, below);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return control.topLeftCell().row > 10; }, 3000));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return control.cursor().topLeftCell().row > 10; }, 3000));
     QTest::mouseRelease(&control, Qt::LeftButton, {}, below);
-    EXPECT_EQ(control.selectedBlock().columns(), 30);
-    EXPECT_GT(control.selectedBlock().rows(), 20);
+    EXPECT_EQ(control.cursor().selectedBlock().columns(), 30);
+    EXPECT_GT(control.cursor().selectedBlock().rows(), 20);
 }
 
 TEST_F(ControlTest, TheMouseReachesCellsOnBothSidesOfFrozenEdges)
 {
-    control.setActiveCell(3, 4);
-    control.freezeHere(); // rows 1 to 3, columns A and B
+    control.cursor().setActiveCell(3, 4);
+    control.commands().freezeHere(); // rows 1 to 3, columns A and B
     turnWheel(control, {0, -120 * 4});
     turnWheel(control, {0, -120 * 2}, shift);
-    EXPECT_EQ(control.topLeftCell(), (CellAddress{5, 16}));
+    EXPECT_EQ(control.cursor().topLeftCell(), (CellAddress{5, 16}));
     const QPoint frozen = control.cellRect({2, 3}).bottomRight();
     for (const char* cell : {"B3", "B17", "F3", "F17"}) {
         click(cell);
@@ -200,11 +201,11 @@ TEST_F(ControlTest, TheMouseReachesCellsOnBothSidesOfFrozenEdges)
     EXPECT_EQ(cursor(), "A17 in A17:AD17");
     drag(columnHeading("B1"), columnHeading("F1"));
     EXPECT_EQ(cursor(), "B1 in B1:F100");
-    EXPECT_EQ(control.topLeftCell(), (CellAddress{5, 16})) << "nothing has scrolled";
+    EXPECT_EQ(control.cursor().topLeftCell(), (CellAddress{5, 16})) << "nothing has scrolled";
     click("F17");
     key(Qt::Key_Up);
     key(Qt::Key_Up);
-    EXPECT_EQ(control.topLeftCell().row, 15) << "up from the edge the cells scroll";
+    EXPECT_EQ(control.cursor().topLeftCell().row, 15) << "up from the edge the cells scroll";
     type("5");
     key(Qt::Key_Return);
     click("B3");
@@ -212,8 +213,8 @@ TEST_F(ControlTest, TheMouseReachesCellsOnBothSidesOfFrozenEdges)
     click("F16");
     key(Qt::Key_Return);
     EXPECT_EQ(formula("B3"), "F16");
-    control.setActiveCell(3, 4);
-    control.freezeHere();
+    control.cursor().setActiveCell(3, 4);
+    control.commands().freezeHere();
     EXPECT_EQ(sheet().settings().frozenRows, 0) << "again: they are free";
 }
 
@@ -226,7 +227,7 @@ TEST_F(ControlTest, ClicksHitTheirCellsAtAnyZoom)
             click(cell);
             EXPECT_EQ(cursor(), std::string(cell) + " in " + cell) << control.zoom();
             click(columnHeading(cell));
-            EXPECT_EQ(control.firstRange().left, parseCellName(cell)->column) << control.zoom();
+            EXPECT_EQ(control.cursor().firstRange().left, parseCellName(cell)->column) << control.zoom();
         }
         click("C3");
         key(Qt::Key_F2);

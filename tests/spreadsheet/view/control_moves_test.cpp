@@ -20,7 +20,7 @@ TEST_F(ControlTest, KeysMoveAndSelect)
 {
     for (const char* cell : {"B2", "B3", "B4", "B8", "C2", "D2", "H2", "F20"})
         put(cell, "x");
-    control.addSpan({4, 5, 5, 6}); // D5:E6
+    control.cells().addSpan({4, 5, 5, 6}); // D5:E6
     control.refresh();
     const struct {
         const char* from;
@@ -65,7 +65,7 @@ TEST_F(ControlTest, KeysMoveAndSelect)
     };
     for (const auto& c : cases) {
         const CellAddress from = *parseCellName(c.from);
-        control.setActiveCell(from.column, from.row);
+        control.cursor().setActiveCell(from.column, from.row);
         for (const Press& press : c.presses)
             key(press.key, press.modifiers);
         EXPECT_EQ(cursor(), c.cursor) << c.from << " key " << std::hex << c.presses.front().key;
@@ -74,12 +74,12 @@ TEST_F(ControlTest, KeysMoveAndSelect)
 
 TEST_F(ControlTest, ArrowsPassHiddenRowsAndColumns)
 {
-    control.sheet().changeSettings([](SheetSettings& settings) {
+    control.cells().sheet().changeSettings([](SheetSettings& settings) {
         settings.rows.hidden = {{2, true}, {3, true}};
         settings.columns.hidden = {{1, true}, {3, true}};
     });
     control.refresh();
-    control.setActiveCell(2, 1);
+    control.cursor().setActiveCell(2, 1);
     const std::pair<int, const char*> steps[] = {
         {Qt::Key_Down, "B4 in B4"}, {Qt::Key_Right, "D4 in D4"}, {Qt::Key_Left, "B4 in B4"},
         {Qt::Key_Left, "B4 in B4"}, {Qt::Key_Up, "B1 in B1"},    {Qt::Key_Home, "B1 in B1"},
@@ -92,17 +92,17 @@ TEST_F(ControlTest, ArrowsPassHiddenRowsAndColumns)
 
 TEST_F(ControlTest, EnterAndTabGoRoundWithinTheSelection)
 {
-    control.addSpan({2, 2, 3, 2}); // B2:C2
+    control.cells().addSpan({2, 2, 3, 2}); // B2:C2
     control.refresh();
     const auto round = [this](int pressed, int times) {
         std::string places;
         for (int i = 0; i < times; ++i) {
             key(pressed);
-            places += cellName(control.activeCell()) + " ";
+            places += cellName(control.cursor().activeCell()) + " ";
         }
         return places;
     };
-    control.select({1, 1, 3, 2}); // A1:C2
+    control.cursor().select({1, 1, 3, 2}); // A1:C2
     EXPECT_EQ(round(Qt::Key_Tab, 6), "B1 C1 A2 B2 A1 B1 ");
     EXPECT_EQ(cursor(), "B1 in A1:C2");
     EXPECT_EQ(round(Qt::Key_Return, 4), "B2 C1 A1 A2 ");
@@ -117,23 +117,23 @@ TEST_F(ControlTest, PagesTurnWithTheCursor)
 {
     const int rows = [this] {
         key(Qt::Key_PageDown);
-        return control.activeCell().row - 1;
+        return control.cursor().activeCell().row - 1;
     }();
     EXPECT_GT(rows, 15);
-    EXPECT_EQ(control.topLeftCell().row, 1 + rows);
+    EXPECT_EQ(control.cursor().topLeftCell().row, 1 + rows);
     key(Qt::Key_PageDown, shift);
-    EXPECT_EQ(control.selectedBlock().rows(), rows + 1);
+    EXPECT_EQ(control.cursor().selectedBlock().rows(), rows + 1);
     key(Qt::Key_PageUp);
     key(Qt::Key_PageUp);
-    EXPECT_EQ(control.topLeftCell().row, 1);
+    EXPECT_EQ(control.cursor().topLeftCell().row, 1);
     key(Qt::Key_PageDown, alt);
-    EXPECT_EQ(control.topLeftCell().column, control.activeCell().column);
-    EXPECT_GT(control.activeCell().column, 8);
+    EXPECT_EQ(control.cursor().topLeftCell().column, control.cursor().activeCell().column);
+    EXPECT_GT(control.cursor().activeCell().column, 8);
 }
 
 TEST_F(ControlTest, TheCursorStaysInSightBesideFrozenCells)
 {
-    control.sheet().changeSettings([](SheetSettings& settings) {
+    control.cells().sheet().changeSettings([](SheetSettings& settings) {
         settings.frozenRows = 3;
         settings.frozenColumns = 2;
     });
@@ -143,9 +143,9 @@ TEST_F(ControlTest, TheCursorStaysInSightBesideFrozenCells)
                         Qt::Key_Left, Qt::Key_PageDown, Qt::Key_PageUp};
     for (int step = 0; step < 300; ++step) {
         key(keys[random() % 6], random() % 5 == 0 ? ctrl : Qt::KeyboardModifiers());
-        if (control.activeSheet() != 1)
+        if (control.cells().activeSheet() != 1)
             break;
-        const CellAddress cell = control.activeCell();
+        const CellAddress cell = control.cursor().activeCell();
         const QRect rect = control.cellRect(cell);
         ASSERT_EQ(rect.size(), QSize(72, 19)) << cellName(cell) << " at step " << step;
         ASSERT_EQ(control.cellAt(rect.center()), cell);
@@ -166,14 +166,14 @@ TEST_F(ControlTest, KeysOfTheWindowPassAndListenersMaySwallowOthers)
     key(Qt::Key_Down);
     key(Qt::Key_Right);
     EXPECT_EQ(cursor(), "B1 in B1");
-    EXPECT_FALSE(control.isEditing());
+    EXPECT_FALSE(control.entry().isOpen());
 }
 
 TEST_F(ControlTest, OnlyMovesOfTheUserTellThatACellIsLeft)
 {
-    control.setActiveCell(2, 2);
-    control.select({3, 3, 4, 4});
-    control.setCurrent(5, 5);
+    control.cursor().setActiveCell(2, 2);
+    control.cursor().select({3, 3, 4, 4});
+    control.cells().setCurrent(5, 5);
     EXPECT_EQ(logged(), "");
     key(Qt::Key_Right);
     EXPECT_EQ(logged(), "leave 3,3>4,3");
@@ -199,7 +199,7 @@ TEST_F(ControlTest, OnlyMovesOfTheUserTellThatACellIsLeft)
 TEST_F(ControlTest, EachMoveOfTheUserIsOneLeave)
 {
     control.refresh();
-    control.addSpan({6, 6, 7, 7}); // F6:G7
+    control.cells().addSpan({6, 6, 7, 7}); // F6:G7
     control.refresh();
     const struct {
         const char* what;
@@ -251,8 +251,8 @@ TEST_F(ControlTest, EachMoveOfTheUserIsOneLeave)
          "leave 3,3>1,3"},
         {"scrolling",
          [&] {
-             control.setTopLeftCell({1, 30});
-             control.setTopLeftCell({1, 1});
+             control.cursor().setTopLeftCell({1, 30});
+             control.cursor().setTopLeftCell({1, 1});
          },
          ""},
         {"selecting by keys",
@@ -279,8 +279,8 @@ TEST_F(ControlTest, EachMoveOfTheUserIsOneLeave)
     };
     for (const auto& [what, act, told] : cases) {
         control.setFocus();
-        control.cancelEdit();
-        control.setActiveCell(3, 3);
+        control.entry().cancel();
+        control.cursor().setActiveCell(3, 3);
         logged();
         act();
         EXPECT_EQ(logged(), told) << what;
@@ -290,7 +290,7 @@ TEST_F(ControlTest, EachMoveOfTheUserIsOneLeave)
 TEST_F(ControlTest, AListenerThatHoldsTheCursorHoldsIt)
 {
     holdsCursor = true;
-    control.setActiveCell(3, 3);
+    control.cursor().setActiveCell(3, 3);
     const std::function<void()> moves[] = {
         [&] { key(Qt::Key_Down); },
         [&] { key(Qt::Key_End, ctrl); },
@@ -305,16 +305,16 @@ TEST_F(ControlTest, AListenerThatHoldsTheCursorHoldsIt)
     for (const auto& move : moves) {
         move();
         EXPECT_EQ(cursor(), "C3 in C3");
-        EXPECT_FALSE(control.isEditing());
+        EXPECT_FALSE(control.entry().isOpen());
     }
 }
 
 TEST_F(ControlTest, AnotherSheetIsALeaveAndKeepsCursorAndPlace)
 {
-    demand(control.setSheetCount(3));
+    demand(control.cells().setSheetCount(3));
     control.refresh();
-    control.setActiveCell(2, 60);
-    const CellAddress topLeft = control.topLeftCell();
+    control.cursor().setActiveCell(2, 60);
+    const CellAddress topLeft = control.cursor().topLeftCell();
     key(Qt::Key_PageDown, ctrl);
     EXPECT_EQ(logged(), "leave 2,60>-1,-1 sheet 2");
     EXPECT_EQ(cursor(), "A1 in A1");
@@ -322,19 +322,19 @@ TEST_F(ControlTest, AnotherSheetIsALeaveAndKeepsCursorAndPlace)
     EXPECT_EQ(logged(), "leave 1,1>-1,-1 sheet 3") << "although column and row are the same";
     key(Qt::Key_PageDown, ctrl);
     EXPECT_EQ(logged(), "");
-    control.setActiveSheet(1);
+    control.cells().setActiveSheet(1);
     EXPECT_EQ(logged(), "sheet 1") << "by program";
     EXPECT_EQ(cursor(), "B60 in B60");
-    EXPECT_EQ(control.topLeftCell(), topLeft);
+    EXPECT_EQ(control.cursor().topLeftCell(), topLeft);
     holdsCursor = true;
     key(Qt::Key_PageDown, ctrl);
-    EXPECT_EQ(control.activeSheet(), 1);
+    EXPECT_EQ(control.cells().activeSheet(), 1);
 }
 
 TEST_F(ControlTest, UndoAndRedoGoToWhatTheyChange)
 {
     const auto travelled = [&](Qt::Key there) {
-        control.setActiveCell(25, 90);
+        control.cursor().setActiveCell(25, 90);
         key(there, Qt::ControlModifier);
         return cursor();
     };
@@ -344,26 +344,26 @@ TEST_F(ControlTest, UndoAndRedoGoToWhatTheyChange)
     EXPECT_TRUE(control.cellArea().contains(control.cellRect({1, 1}))) << "it is scrolled to";
     EXPECT_EQ(travelled(Qt::Key_Y), "A1 in A1");
 
-    control.changeStyle({2, 3, 3, 5}, [](CellStyle& style) { style.font.bold = true; });
+    control.cells().changeStyle({2, 3, 3, 5}, [](CellStyle& style) { style.font.bold = true; });
     EXPECT_EQ(travelled(Qt::Key_Z), "B3 in B3:C5") << "looks are changes too";
 
-    control.setText(4, 50, "end");
-    control.select({1, 10, control.columnCount(), 10});
-    control.insertRows();
+    control.cells().setText(4, 50, "end");
+    control.cursor().select({1, 10, control.cells().columnCount(), 10});
+    control.commands().insertRows();
     EXPECT_EQ(travelled(Qt::Key_Z), "A10 in A10:AD10");
 
-    control.addSheet();
-    control.setText(3, 4, "on the second");
-    control.setActiveSheet(1);
+    control.commands().addSheet();
+    control.cells().setText(3, 4, "on the second");
+    control.cells().setActiveSheet(1);
     logged();
     EXPECT_EQ(travelled(Qt::Key_Z), "C4 in C4");
-    EXPECT_EQ(control.activeSheet(), 2) << "it is shown where it is";
+    EXPECT_EQ(control.cells().activeSheet(), 2) << "it is shown where it is";
     EXPECT_EQ(logged(), "changed -1,-1 leave 25,90>-1,-1 sheet 2 leave 1,1>3,4");
 
-    control.setActiveSheet(1);
+    control.cells().setActiveSheet(1);
     holdsCursor = true;
     EXPECT_EQ(travelled(Qt::Key_Y), "Y90 in Y90") << "who holds the cursor keeps it";
-    EXPECT_EQ(control.workbook().sheet(2).displayText({3, 4}), "on the second");
+    EXPECT_EQ(control.cells().workbook().sheet(2).displayText({3, 4}), "on the second");
 }
 
 } // namespace spreadsheet

@@ -40,9 +40,9 @@ void fillAtRandom(SpreadsheetControl& control, std::mt19937& random)
     const char* texts[] = {"", "", "金额", "应收账款客户分析表的长标题", "12345.678", "x"};
     for (int row = 1; row <= 60; ++row)
         for (int column = 1; column <= 20; ++column) {
-            control.sheet().setText({column, row}, texts[random() % 6]);
+            control.cells().sheet().setText({column, row}, texts[random() % 6]);
             if (random() % 4 == 0)
-                control.changeStyle({column, row, column, row}, [&](CellStyle& style) {
+                control.cells().changeStyle({column, row, column, row}, [&](CellStyle& style) {
                     style.background = random() % 2 ? 0xFFEEDD : automaticColour;
                     style.horizontal = static_cast<HorizontalAlignment>(random() % 4);
                     style.bottom = {static_cast<LineStyle>(random() % 12), 0x800000};
@@ -50,8 +50,8 @@ void fillAtRandom(SpreadsheetControl& control, std::mt19937& random)
                     style.wrap = random() % 5 == 0;
                 });
         }
-    control.addSpan({3, 5, 5, 7});
-    control.addSpan({8, 2, 8, 40});
+    control.cells().addSpan({3, 5, 5, 7});
+    control.cells().addSpan({8, 2, 8, 40});
 }
 
 } // namespace
@@ -60,7 +60,7 @@ TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
 {
     std::mt19937 random(11);
     fillAtRandom(control, random);
-    control.sheet().changeSettings([](SheetSettings& settings) {
+    control.cells().sheet().changeSettings([](SheetSettings& settings) {
         settings.frozenRows = 2;
         settings.frozenColumns = 1;
     });
@@ -74,15 +74,15 @@ TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
         [&] { down.setValue(3 + static_cast<int>(random() % 40)); },
         [&] { down.setValue(down.value() + static_cast<int>(random() % 7) - 3); },
         [&] { across.setValue(across.value() + static_cast<int>(random() % 3) - 1); },
-        [&] { control.sheet().setText(anyCell(), random() % 3 ? "新的文字" : ""); },
+        [&] { control.cells().sheet().setText(anyCell(), random() % 3 ? "新的文字" : ""); },
         [&] {
             const CellAddress cell = anyCell();
-            control.setBorder({cell.column, cell.row, cell.column + 1, cell.row + 1}, allSides, 0xFF,
-                              static_cast<LineStyle>(random() % 12));
+            control.cells().setBorder({cell.column, cell.row, cell.column + 1, cell.row + 1}, allSides, 0xFF,
+                                      static_cast<LineStyle>(random() % 12));
         },
         [&] {
             const CellAddress cell = anyCell();
-            control.setActiveCell(cell.column, cell.row);
+            control.cursor().setActiveCell(cell.column, cell.row);
         },
         [&] { key(random() % 2 ? Qt::Key_Down : Qt::Key_PageDown, Qt::ShiftModifier); },
     };
@@ -93,11 +93,12 @@ TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
             const std::size_t which = random() % changes.size();
             done += std::to_string(which);
             changes[which]();
-            control.sheet().setText({2, 1},
-                                    std::to_string(step)); // by program, without a word to the control
+            control.cells().sheet().setText(
+                {2, 1},
+                std::to_string(step)); // by program, without a word to the control
             QApplication::processEvents();
         }
-        control.addSpan({25, 90, 26, 91}); // no change, but the next pass shows all changes
+        control.cells().addSpan({25, 90, 26, 91}); // no change, but the next pass shows all changes
         QApplication::processEvents();
         const QImage parts = pictureOf(control);
         control.refresh();
@@ -125,12 +126,12 @@ TEST_F(ControlTest, EveryLookIsPainted)
         {"drop-down", [](CellStyle& style) { style.type = CellType::dropDown; }},
         {"check box", [](CellStyle& style) { style.type = CellType::checkBox; }},
     };
-    control.setActiveCell(9, 20);
-    control.setRowHeight(2, 600);
+    control.cursor().setActiveCell(9, 20);
+    control.cells().setRowHeight(2, 600);
     std::map<std::string, const char*> pictures;
     for (const auto& [what, change] : looks) {
         put("B2", what == std::string("check box") ? "" : "元");
-        control.changeStyle({2, 2, 2, 2}, [&change = change](CellStyle& style) {
+        control.cells().changeStyle({2, 2, 2, 2}, [&change = change](CellStyle& style) {
             style = {};
             change(style);
         });
@@ -147,7 +148,7 @@ TEST_F(ControlTest, EveryBorderStyleLooksDifferent)
 {
     std::set<std::string> pictures;
     for (int style = 0; style < 12; ++style) {
-        control.setBorder({2, 2, 4, 4}, allSides, 0x000000, static_cast<LineStyle>(style));
+        control.cells().setBorder({2, 2, 4, 4}, allSides, 0x000000, static_cast<LineStyle>(style));
         control.refresh();
         const QImage picture = pictureOf(control).copy(control.cellRect({3, 3}).adjusted(-2, -2, 2, 2));
         pictures.emplace(reinterpret_cast<const char*>(picture.constBits()),
@@ -158,7 +159,7 @@ TEST_F(ControlTest, EveryBorderStyleLooksDifferent)
 
 TEST_F(ControlTest, TextsRunOverEmptyNeighboursAndFiguresDoNot)
 {
-    control.setActiveCell(10, 20);
+    control.cursor().setActiveCell(10, 20);
     const auto drawn = [this](const char* cell) {
         control.refresh();
         const QImage picture = pictureOf(control, cell);
@@ -169,7 +170,7 @@ TEST_F(ControlTest, TextsRunOverEmptyNeighboursAndFiguresDoNot)
     put("C2", " ");
     EXPECT_EQ(drawn("C2"), 0) << "a neighbour in use";
     sheet().setNumber({2, 4}, 12345678901234.0);
-    control.changeStyle({2, 4, 2, 4}, [](CellStyle& style) { style.type = CellType::currency; });
+    control.cells().changeStyle({2, 4, 2, 4}, [](CellStyle& style) { style.type = CellType::currency; });
     EXPECT_EQ(drawn("C4"), 0);
     EXPECT_EQ(drawn("A4"), 0);
     const QImage figure = pictureOf(control, "B4");
@@ -177,8 +178,8 @@ TEST_F(ControlTest, TextsRunOverEmptyNeighboursAndFiguresDoNot)
     control.refresh();
     EXPECT_EQ(pictureOf(control, "B4"), figure) << "#### says nothing about the digits";
     put("E6", "右对齐的文字向左伸出去很远");
-    control.changeStyle({5, 6, 5, 6},
-                        [](CellStyle& style) { style.horizontal = HorizontalAlignment::right; });
+    control.cells().changeStyle({5, 6, 5, 6},
+                                [](CellStyle& style) { style.horizontal = HorizontalAlignment::right; });
     EXPECT_GT(drawn("D6"), 0);
     EXPECT_EQ(drawn("F6"), 0);
 }
@@ -200,38 +201,38 @@ TEST_F(ControlTest, TextsOfCellsOutOfSightReachIn)
         {HorizontalAlignment::right, 1, 2, 2, false},
     };
     for (const auto& c : cases) {
-        control.setTopLeftCell({1, 1});
-        control.setActiveCell(5, 20);
-        control.setText(c.column, 3, text);
-        control.changeStyle({c.column, 3, c.column, 3},
-                            [&c](CellStyle& style) { style.horizontal = c.alignment; });
-        control.setTopLeftCell({c.scrolledTo, 1});
+        control.cursor().setTopLeftCell({1, 1});
+        control.cursor().setActiveCell(5, 20);
+        control.cells().setText(c.column, 3, text);
+        control.cells().changeStyle({c.column, 3, c.column, 3},
+                                    [&c](CellStyle& style) { style.horizontal = c.alignment; });
+        control.cursor().setTopLeftCell({c.scrolledTo, 1});
         control.refresh();
         const QImage picture = pictureOf(control).copy(control.cellRect({c.seen, 3}).adjusted(2, 2, -2, -2));
         EXPECT_EQ(darkPixels(picture) > 0, c.reaches)
             << "column " << c.column << " alignment " << static_cast<int>(c.alignment);
-        control.setText(c.column, 3, "");
+        control.cells().setText(c.column, 3, "");
     }
 }
 
 TEST_F(ControlTest, ButtonsShowTheirCaptions)
 {
     setType("B2", CellType::button);
-    control.setActiveCell(9, 20);
+    control.cursor().setActiveCell(9, 20);
     control.refresh();
     const auto dark = [this] { return darkPixels(pictureOf(control, "B2").copy(8, 4, 56, 11)); };
     const int empty = dark();
-    control.setCurrent(2, 2);
-    control.setButtonCaption("计算");
+    control.cells().setCurrent(2, 2);
+    control.cells().setButtonCaption("计算");
     control.refresh();
     EXPECT_GT(dark(), empty);
-    EXPECT_EQ(control.text(), "") << "a caption is no value";
+    EXPECT_EQ(control.cells().text(), "") << "a caption is no value";
 }
 
 TEST_F(ControlTest, CellsKeepTheirColoursInADarkPalette)
 {
     put("B2", "金额");
-    control.changeStyle({2, 3, 2, 3}, [](CellStyle& style) { style.background = 0xFFF2A8; });
+    control.cells().changeStyle({2, 3, 2, 3}, [](CellStyle& style) { style.background = 0xFFF2A8; });
     setType("B4", CellType::button);
     setType("B5", CellType::checkBox);
     control.refresh();
@@ -265,24 +266,24 @@ TEST_F(ControlTest, NotesMarkTheirCellAndTellWhy)
 
 TEST_F(ControlTest, TheSheetMayVanishUnderTheView)
 {
-    demand(control.setSheetCount(2));
-    control.setActiveSheet(2);
-    control.setActiveCell(20, 90);
-    demand(control.workbook().removeSheet(2));
+    demand(control.cells().setSheetCount(2));
+    control.cells().setActiveSheet(2);
+    control.cursor().setActiveCell(20, 90);
+    demand(control.cells().workbook().removeSheet(2));
     (void)pictureOf(control);
     EXPECT_EQ(cursor(), "A1 in A1");
-    demand(control.workbook().sheet(1).deleteRows(2, 99));
+    demand(control.cells().workbook().sheet(1).deleteRows(2, 99));
     (void)pictureOf(control);
     key(Qt::Key_Down);
     EXPECT_EQ(cursor(), "A1 in A1");
     Workbook other;
     other.sheet(1).setText({1, 1}, "另一本");
-    control.setWorkbook(&other);
-    EXPECT_EQ(control.text(1, 1), QStringLiteral("另一本"));
+    control.cells().setWorkbook(&other);
+    EXPECT_EQ(control.cells().text(1, 1), QStringLiteral("另一本"));
     (void)pictureOf(control);
-    control.setWorkbook(nullptr);
+    control.cells().setWorkbook(nullptr);
     (void)pictureOf(control);
-    EXPECT_EQ(control.text(1, 1), "");
+    EXPECT_EQ(control.cells().text(1, 1), "");
 }
 
 } // namespace spreadsheet

@@ -20,8 +20,8 @@ protected:
     std::string state()
     {
         std::ostringstream text;
-        for (int number = 1; number <= control.sheetCount(); ++number) {
-            const Sheet& each = control.workbook().sheet(number);
+        for (int number = 1; number <= control.cells().sheetCount(); ++number) {
+            const Sheet& each = control.cells().workbook().sheet(number);
             const SheetSettings& settings = each.settings();
             text << each.name() << ' ' << settings.rowCount << 'x' << settings.columnCount << " frozen "
                  << settings.frozenRows << ',' << settings.frozenColumns << '\n';
@@ -49,7 +49,7 @@ protected:
     }
     void prepare()
     {
-        demand(control.setSheetCount(2));
+        demand(control.cells().setSheetCount(2));
         put("A1", "科目");
         put("B1", "一月");
         for (int row = 2; row <= 9; ++row) {
@@ -57,15 +57,15 @@ protected:
             ASSERT_FALSE(sheet().setFormula({2, row}, "A" + std::to_string(row) + "*2"));
         }
         ASSERT_FALSE(sheet().setFormula({2, 10}, "SUM(B2:B9)"));
-        control.addSpan({4, 4, 6, 5});
+        control.cells().addSpan({4, 4, 6, 5});
         ASSERT_FALSE(sheet().setArrayFormula({8, 3, 8, 5}, "A2:A4*10"));
-        control.workbook().sheet(2).setText({3, 3}, "第二张");
-        control.changeStyle({3, 12, 4, 12}, [](CellStyle& style) { style.locked = true; });
+        control.cells().workbook().sheet(2).setText({3, 3}, "第二张");
+        control.cells().changeStyle({3, 12, 4, 12}, [](CellStyle& style) { style.locked = true; });
         setType("E12", CellType::checkBox);
         setType("F12", CellType::dropDown);
-        control.setCurrent(6, 12);
-        control.setDropDown({"甲", "乙"});
-        control.workbook().recalculateChanged();
+        control.cells().setCurrent(6, 12);
+        control.cells().setDropDown({"甲", "乙"});
+        control.cells().workbook().recalculateChanged();
         control.ask = [this](const QString&) { return random() % 2 == 0; };
         control.refresh();
     }
@@ -138,8 +138,8 @@ protected:
             QTest::mouseDClick(&control, Qt::LeftButton, {}, place());
             break;
         case 2: {
-            const QRect corner =
-                control.cellRect({control.selection().back().right, control.selection().back().bottom});
+            const QRect corner = control.cellRect(
+                {control.cursor().selection().back().right, control.cursor().selection().back().bottom});
             if (!corner.isEmpty())
                 drag(corner.bottomRight(), place(), modifiers());
             break;
@@ -168,9 +168,10 @@ protected:
     {
         const SheetSettings& settings = sheet().settings();
         const CellRange whole{1, 1, settings.columnCount, settings.rowCount};
-        const CellAddress active = control.activeCell();
+        const CellAddress active = control.cursor().activeCell();
         ASSERT_TRUE(whole.contains(active)) << cellName(active);
-        ASSERT_TRUE(whole.contains(control.selectedBlock())) << name(control.selectedBlock());
+        ASSERT_TRUE(whole.contains(control.cursor().selectedBlock()))
+            << name(control.cursor().selectedBlock());
         ASSERT_EQ(sheet().extent(active).left, active.column);
         ASSERT_EQ(sheet().extent(active).top, active.row);
     }
@@ -184,12 +185,12 @@ TEST_F(AnyUser, CanUndoAndRedoWhateverWasDone)
 {
     for (const std::uint32_t seed : {1U, 2U, 3U, 4U, 5U, 6U, 15U}) {
         random.seed(seed);
-        control.setWorkbook(nullptr);
+        control.cells().setWorkbook(nullptr);
         control.setMode(GridMode::edit);
-        demand(control.setRowCount(100));
-        demand(control.setColumnCount(30));
+        demand(control.cells().setRowCount(100));
+        demand(control.cells().setColumnCount(30));
         prepare();
-        UndoJournal& journal = control.workbook().journal();
+        UndoJournal& journal = control.cells().workbook().journal();
         const std::size_t steps = journal.steps();
         const std::string before = state();
         for (int event = 0; event < 1500; ++event) {
@@ -206,10 +207,10 @@ TEST_F(AnyUser, CanUndoAndRedoWhateverWasDone)
             check();
             if (HasFatalFailure() || journal.steps() < steps) { // it has undone what was prepared
                 while (journal.steps() < steps)
-                    control.redo();
+                    control.commands().redo();
             }
         }
-        control.cancelEdit();
+        control.entry().cancel();
         const std::string after = state();
         const std::size_t done = journal.steps();
         while (journal.steps() > steps)

@@ -14,7 +14,7 @@ class Tabs : public ControlTest {
 protected:
     Tabs()
     {
-        demand(control.setSheetCount(3));
+        demand(control.cells().setSheetCount(3));
         control.refresh();
         control.ask = [this](const QString& asked) {
             question = asked.toStdString();
@@ -65,9 +65,9 @@ protected:
         for (int index = 1; index <= bar().count(); ++index)
             shownNames += std::string(index == bar().currentIndex() + 1 ? "*" : "") +
                           bar().tabText(index - 1).toStdString() + " ";
-        for (int index = 1; index <= control.sheetCount(); ++index)
-            sheets += std::string(index == control.activeSheet() ? "*" : "") +
-                      control.workbook().sheet(index).name() + " ";
+        for (int index = 1; index <= control.cells().sheetCount(); ++index)
+            sheets += std::string(index == control.cells().activeSheet() ? "*" : "") +
+                      control.cells().workbook().sheet(index).name() + " ";
         EXPECT_EQ(shownNames, sheets);
         sheets.pop_back();
         return sheets;
@@ -107,7 +107,7 @@ TEST_F(Tabs, AClickShowsASheetAndIsALeave)
     QTest::mouseDClick(&bar(), Qt::LeftButton, {}, tab(1));
     EXPECT_FALSE(nameField().isVisible());
     chooseInMenu(1, 3);
-    EXPECT_EQ(control.sheetCount(), 3) << "first the formula is to be mended";
+    EXPECT_EQ(control.cells().sheetCount(), 3) << "first the formula is to be mended";
     EXPECT_EQ(edited(), "=1+(2");
     key(Qt::Key_Escape);
     EXPECT_EQ(shown("C3"), "12");
@@ -166,18 +166,18 @@ TEST_F(Tabs, SheetsAreAddedAndRenamedInPlace)
     key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(names(), "*Sheet1 Sheet2 Sheet3 Sheet4");
     key(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(control.sheetCount(), 3);
+    EXPECT_EQ(control.cells().sheetCount(), 3);
 }
 
 TEST_F(Tabs, DraggingMovesASheet)
 {
-    control.workbook().sheet(1).setText({1, 1}, "first");
-    ASSERT_FALSE(control.workbook().sheet(2).setFormula({1, 1}, "Sheet1!A1"));
+    control.cells().workbook().sheet(1).setText({1, 1}, "first");
+    ASSERT_FALSE(control.cells().workbook().sheet(2).setFormula({1, 1}, "Sheet1!A1"));
     clickTab(1);
     dragTab(1, 3);
     EXPECT_EQ(names(), "Sheet2 Sheet3 *Sheet1");
     EXPECT_EQ(shown("A1"), "first");
-    EXPECT_EQ(control.workbook().sheet(1).formula({1, 1}), "Sheet1!A1");
+    EXPECT_EQ(control.cells().workbook().sheet(1).formula({1, 1}), "Sheet1!A1");
     dragTab(2, 1);
     EXPECT_EQ(names(), "*Sheet3 Sheet2 Sheet1");
     key(Qt::Key_Z, Qt::ControlModifier);
@@ -189,9 +189,9 @@ TEST_F(Tabs, DraggingMovesASheet)
 
 TEST_F(Tabs, TheMenuDeletesAfterAQuestion)
 {
-    ASSERT_FALSE(control.workbook().sheet(1).setFormula({1, 1}, "Sheet2!A1+1"));
-    control.workbook().sheet(2).setNumber({1, 1}, 4);
-    control.workbook().recalculateChanged();
+    ASSERT_FALSE(control.cells().workbook().sheet(1).setFormula({1, 1}, "Sheet2!A1+1"));
+    control.cells().workbook().sheet(2).setNumber({1, 1}, 4);
+    control.cells().workbook().recalculateChanged();
     answer = false;
     chooseInMenu(2, 3);
     EXPECT_NE(question.find("Sheet2"), std::string::npos) << question;

@@ -56,8 +56,8 @@ protected:
     QLineEdit& edit(const char* name) { return control<QLineEdit>(*window, name); }
     QAction& action(const char* name) { return control<QAction>(*window, name); }
     void trigger(const char* name) { action(name).trigger(); }
-    std::string formula(int column, int row) { return grid().sheet().formula({column, row}); }
-    void moveTo(int column, int row) { grid().moveTo({column, row}); }
+    std::string formula(int column, int row) { return grid().cells().sheet().formula({column, row}); }
+    void moveTo(int column, int row) { grid().cursor().moveTo({column, row}); }
     /// Types into the formula box as a user does, and ends with a key.
     void typeInBox(const QString& text, Qt::Key last)
     {

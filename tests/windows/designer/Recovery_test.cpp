@@ -121,31 +121,35 @@ TEST_F(RecoveryTest, OnlyAnotherDesignIsKept)
         {"data", false, [this] { trigger("MenuShowDate"); }},
         {"formulas and back by undo", false, [this] { trigger("MenuShowFormula"), trigger("MenuUndo"); }},
         {"recalculated: a fetch sets its cell's type", false, [this] { trigger("MenuRecalculate"); }},
-        {"moving, zooming, copying", false, [this] { moveTo(2, 9), grid().zoomIn(), trigger("MenuCopy"); }},
+        {"moving, zooming, copying", false,
+         [this] { moveTo(2, 9), grid().setZoom(1.1), trigger("MenuCopy"); }},
         {"an entry given up", false,
          [this] {
-             moveTo(3, 3), grid().beginEdit(spreadsheet::EditStart::replace, "x"), grid().cancelEdit();
+             moveTo(3, 3), grid().entry().begin(spreadsheet::EditStart::replace, "x"),
+                 grid().entry().cancel();
          }},
         {"an entry that is the same", false,
          [this] {
-             moveTo(1, 2), grid().beginEdit(spreadsheet::EditStart::keep);
-             EXPECT_TRUE(grid().commitEdit());
+             moveTo(1, 2), grid().entry().begin(spreadsheet::EditStart::keep);
+             EXPECT_TRUE(grid().entry().commit());
          }},
         {"undone", false, [this] { design("=1"), trigger("MenuUndo"); }},
         {"undone after formulas were shown", false,
          [this] { design("=1"), trigger("MenuShowFormula"), trigger("MenuUndo"), trigger("MenuUndo"); }},
         {"page set-up, which stands in the report's row", false,
          [this] {
-             changePrintSettings(grid().workbook(),
+             changePrintSettings(grid().cells().workbook(),
                                  [](auto& print) { print.marginTop = 1, print.header = "x"; });
          }},
         {"print options, which stand in the sheet", true,
-         [this] { changeActiveSheetsPrint(grid().workbook(), [](auto& print) { print.fitWidth = true; }); }},
+         [this] {
+             changeActiveSheetsPrint(grid().cells().workbook(), [](auto& print) { print.fitWidth = true; });
+         }},
         {"redone", true, [this] { design("=1"), trigger("MenuUndo"), trigger("MenuRedo"); }},
         {"a cell, seen as formula", true, [this] { trigger("MenuShowFormula"), design("=1"); }},
         {"a look", true, [this] { trigger("MenuBold"); }},
-        {"a size", true, [this] { grid().setColumnWidth(2, 3000); }},
-        {"a sheet", true, [this] { grid().addSheet(); }},
+        {"a size", true, [this] { grid().cells().setColumnWidth(2, 3000); }},
+        {"a sheet", true, [this] { grid().commands().addSheet(); }},
         {"the name", true, [this] { edit("txtReportName").setText("改名"); }},
     };
     for (const auto& [what, changes, act] : cases) {
@@ -171,7 +175,7 @@ TEST_F(RecoveryTest, PrintingFromThePreviewIsNoChange)
     trigger("MenuPreview");
     printerSetup() = {};
     EXPECT_TRUE(QFile::exists(folder.filePath("表.pdf")));
-    EXPECT_TRUE(grid().sheet().settings().print.border) << "as the dialog says";
+    EXPECT_TRUE(grid().cells().sheet().settings().print.border) << "as the dialog says";
     EXPECT_FALSE(window->isVisible()) << "printing closes the designer";
     EXPECT_EQ(copies(), QStringList());
 }
@@ -181,7 +185,7 @@ TEST_F(RecoveryTest, AWindowIsNotOfferedWhatAnotherHolds)
     open();
     design("=1");
     frmEditor second;
-    second.fps1().sheet().setText({2, 2}, "乙");
+    second.fps1().cells().sheet().setText({2, 2}, "乙");
     second.reject();
     EXPECT_EQ(copies().size(), 1);
     const frmEditor third;

@@ -50,8 +50,8 @@ protected:
     {
         EXPECT_EQ(message(), "重算已取消,各单元格保留原来的数值") << what;
         EXPECT_TRUE(mode().endsWith("数值未更新")) << what;
-        EXPECT_EQ(grid().text(1, 1), "100.25") << what;
-        EXPECT_EQ(grid().text(1, 2), "200.5") << what;
+        EXPECT_EQ(grid().cells().text(1, 1), "100.25") << what;
+        EXPECT_EQ(grid().cells().text(1, 2), "200.5") << what;
         EXPECT_TRUE(ledger.boxes.said.empty()) << what;
     }
 
@@ -66,19 +66,19 @@ TEST_F(CancelledRecalculation, KeepsAllValuesAndSaysSo)
     moveTo(3, 1);
     typeInCell("=RAND()");
     trigger("MenuRecalculate");
-    const QString drawn = grid().text(3, 1);
+    const QString drawn = grid().cells().text(3, 1);
     ledger.run("update tblAccountBal set fEndBal=999 where faccountid=1");
     makeLedgerSlow();
     for (const char* command : {"MenuRecalculate", "MenuShowDate"}) {
         cancelWhenAsked();
         trigger(command);
         expectToldAndKept(command);
-        EXPECT_EQ(grid().text(3, 1), drawn) << command;
+        EXPECT_EQ(grid().cells().text(3, 1), drawn) << command;
     }
     makeLedgerFast();
     trigger("MenuRecalculate");
-    EXPECT_EQ(grid().text(1, 1), "999.00");
-    EXPECT_NE(grid().text(3, 1), drawn);
+    EXPECT_EQ(grid().cells().text(1, 1), "999.00");
+    EXPECT_NE(grid().cells().text(3, 1), drawn);
     EXPECT_EQ(mode(), "设计");
     EXPECT_EQ(message(), "");
 }
@@ -92,12 +92,12 @@ TEST_F(CancelledRecalculation, AnEnteredFormulaIsComputedLater)
     cancelWhenAsked();
     typeInBox(QString("=") + closingBalance, Qt::Key_Return);
     EXPECT_EQ(formula(2, 2), closingBalance);
-    EXPECT_EQ(grid().text(2, 2), "12.5"); // neither empty nor 0.00
+    EXPECT_EQ(grid().cells().text(2, 2), "12.5"); // neither empty nor 0.00
     EXPECT_EQ(mode(), "设计 数值未更新");
     makeLedgerFast();
     moveTo(2, 3);
     typeInBox("7", Qt::Key_Return);
-    EXPECT_EQ(grid().text(2, 2), "100.25");
+    EXPECT_EQ(grid().cells().text(2, 2), "100.25");
     EXPECT_EQ(mode(), "设计");
 }
 
@@ -110,17 +110,17 @@ TEST_F(CancelledRecalculation, LongFormulasCanBeCancelled)
     constexpr int cells = 500; // half a minute
     const std::string ranks = "SUMPRODUCT(SMALL(ROW(1:3000)+B2,ROW(1:3000)))";
     for (int row = 1; row <= cells; ++row)
-        spreadsheet::demand(grid().sheet().setFormula({4, row}, ranks));
+        spreadsheet::demand(grid().cells().sheet().setFormula({4, row}, ranks));
     cancelWhenAsked();
     typeInBox("=1+1", Qt::Key_Return);
-    EXPECT_EQ(grid().text(2, 2), "12.5");
-    EXPECT_EQ(grid().text(4, 1), "");
+    EXPECT_EQ(grid().cells().text(2, 2), "12.5");
+    EXPECT_EQ(grid().cells().text(4, 1), "");
     EXPECT_EQ(mode(), "设计 数值未更新");
     for (int row = 2; row <= cells; ++row)
-        grid().sheet().setText({4, row}, "");
+        grid().cells().sheet().setText({4, row}, "");
     typeInBox("=1+2", Qt::Key_Return);
-    EXPECT_EQ(grid().text(2, 2), "3");
-    EXPECT_EQ(grid().text(4, 1), QString::number(3000 * 3001 / 2 + 3 * 3000));
+    EXPECT_EQ(grid().cells().text(2, 2), "3");
+    EXPECT_EQ(grid().cells().text(4, 1), QString::number(3000 * 3001 / 2 + 3 * 3000));
     EXPECT_EQ(mode(), "设计");
 }
 
@@ -137,7 +137,7 @@ TEST_F(CancelledRecalculation, OpeningForUseShowsWhatWasStored)
     window = std::make_unique<frmEditor>();
     cancelWhenAsked();
     show(*window);
-    EXPECT_EQ(grid().text(1, 1), "100.25"); // the first frame does not wait
+    EXPECT_EQ(grid().cells().text(1, 1), "100.25"); // the first frame does not wait
     EXPECT_TRUE(QTest::qWaitFor([this] { return mode() == "使用 数值未更新"; }));
     expectToldAndKept("opening");
 }

@@ -32,7 +32,7 @@ TEST_F(DesignerControls, TabLeadsFromTheListsThroughTheBoxesIntoTheGrid)
         EXPECT_EQ(QApplication::focusWidget()->objectName(), next);
     }
     QTest::keyClick(&grid(), Qt::Key_Tab); // within the grid the cursor moves
-    EXPECT_EQ(grid().activeCell(), (CellAddress{2, 1}));
+    EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{2, 1}));
 }
 
 TEST_F(DesignerControls, AccessKeysOpenTheMenus)
@@ -57,20 +57,20 @@ TEST_F(DesignerControls, TheRightButtonOpensTheEditMenuOnly)
     QApplication::sendEvent(&grid(), &wanted);
     ASSERT_NE(QApplication::activePopupWidget(), nullptr);
     EXPECT_EQ(QApplication::activePopupWidget()->objectName(), "MenuEdit");
-    EXPECT_EQ(grid().activeCell(), (CellAddress{2, 2}));
+    EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{2, 2}));
     QApplication::activePopupWidget()->close();
 }
 
 TEST_F(DesignerControls, EntriesWithoutAnActionDoNothing)
 {
     open();
-    const auto revision = grid().workbook().revision();
+    const auto revision = grid().cells().workbook().revision();
     for (const char* name : {"MenuFileNew", "MenuFileOpen", "New", "Open", "MenuHInsertCell",
                              "MenuVInsertCell", "MenuHDelCell", "MenuVDelCell"}) {
         EXPECT_TRUE(action(name).isEnabled()) << name;
         trigger(name);
     }
-    EXPECT_EQ(grid().workbook().revision(), revision);
+    EXPECT_EQ(grid().cells().workbook().revision(), revision);
     EXPECT_TRUE(ledger.boxes.said.empty());
     EXPECT_TRUE(window->isVisible());
 }
@@ -78,23 +78,23 @@ TEST_F(DesignerControls, EntriesWithoutAnActionDoNothing)
 TEST_F(DesignerControls, ListsActOnTheUsersChoiceOnly)
 {
     open();
-    grid().changeStyle({1, 1, 1, 1}, [](spreadsheet::CellStyle& style) { style.font.points = 10.5; });
+    grid().cells().changeStyle({1, 1, 1, 1}, [](spreadsheet::CellStyle& style) { style.font.points = 10.5; });
     moveTo(1, 2);
     moveTo(1, 1);
     auto& sizes = control<QComboBox>(*window, "list2");
     EXPECT_EQ(sizes.currentText(), "11");
-    EXPECT_EQ(grid().sheet().style({1, 1}).font.points, 10.5f);
+    EXPECT_EQ(grid().cells().sheet().style({1, 1}).font.points, 10.5f);
     sizes.showPopup();
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return); // the current entry again
-    EXPECT_EQ(grid().sheet().style({1, 1}).font.points, 11.f);
+    EXPECT_EQ(grid().cells().sheet().style({1, 1}).font.points, 11.f);
 }
 
 TEST_F(DesignerControls, AnEqualTextAsksTheLedgerNothing)
 {
     open();
     typeInBox(QString("=") + closingBalance, Qt::Key_Return);
-    EXPECT_EQ(grid().text(1, 1), "100.25");
-    const std::size_t steps = grid().workbook().journal().steps();
+    EXPECT_EQ(grid().cells().text(1, 1), "100.25");
+    const std::size_t steps = grid().cells().workbook().journal().steps();
     const auto calls = databaseCounters().procedureCalls;
     moveTo(1, 1);
     for (const QString& same : {QString(closingBalance), QString("  ") + closingBalance + " "}) {
@@ -102,7 +102,7 @@ TEST_F(DesignerControls, AnEqualTextAsksTheLedgerNothing)
         moveTo(1, 2);
         moveTo(1, 1);
     }
-    EXPECT_EQ(grid().workbook().journal().steps(), steps);
+    EXPECT_EQ(grid().cells().workbook().journal().steps(), steps);
     EXPECT_EQ(databaseCounters().procedureCalls, calls);
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
@@ -119,7 +119,7 @@ TEST_F(DesignerControls, PointingPutsAReferenceIntoTheBox)
     box.insert("+1");
     QTest::keyClick(&box, Qt::Key_Return);
     EXPECT_EQ(formula(1, 1), "C4+1");
-    EXPECT_EQ(grid().text(1, 1), "1");
+    EXPECT_EQ(grid().cells().text(1, 1), "1");
 }
 
 TEST_F(DesignerControls, UndoFetchesTogetherAndTellsWhatFailed)
@@ -129,14 +129,14 @@ TEST_F(DesignerControls, UndoFetchesTogetherAndTellsWhatFailed)
         moveTo(1, row);
         typeInBox(QString(R"(=Acct("1001","2","","2025","1","%1"))").arg(row), Qt::Key_Return);
     }
-    grid().select({1, 1, 1, 5});
+    grid().cursor().select({1, 1, 1, 5});
     trigger("MenuClear");
     auto& list = control<ListGrid>(*window, "listDiagnostics");
     EXPECT_EQ(list.rowCount(), 1); // cells that are gone have no reasons
     const auto batches = databaseCounters().batches;
     trigger("MenuUndo");
     EXPECT_EQ(databaseCounters().batches, batches + 1);
-    EXPECT_EQ(grid().text(1, 2), "100.25");
+    EXPECT_EQ(grid().cells().text(1, 2), "100.25");
     EXPECT_GT(list.rowCount(), 1); // periods without balances
 }
 
@@ -148,33 +148,33 @@ TEST_F(DesignerControls, FormulasShownKeepEveryType)
                               CellType::edit};
     QStringList shown;
     for (int row = 1; row <= 5; ++row) {
-        demand(grid().sheet().setFormula({1, row}, "0.5+" + std::to_string(row)));
-        grid().sheet().setNumber({2, row}, row);
-        grid().changeStyle({1, row, 2, row},
-                           [&](spreadsheet::CellStyle& style) { style.type = types[row - 1]; });
+        demand(grid().cells().sheet().setFormula({1, row}, "0.5+" + std::to_string(row)));
+        grid().cells().sheet().setNumber({2, row}, row);
+        grid().cells().changeStyle({1, row, 2, row},
+                                   [&](spreadsheet::CellStyle& style) { style.type = types[row - 1]; });
     }
     trigger("MenuRecalculate");
     for (int row = 1; row <= 5; ++row)
-        shown += grid().text(1, row) + '|' + grid().text(2, row);
+        shown += grid().cells().text(1, row) + '|' + grid().cells().text(2, row);
     trigger("MenuShowFormula");
     for (int row = 1; row <= 5; ++row) {
-        EXPECT_EQ(grid().text(1, row), QString("0.5+%1").arg(row));
-        EXPECT_EQ(grid().sheet().style({1, row}).type, CellType::edit);
+        EXPECT_EQ(grid().cells().text(1, row), QString("0.5+%1").arg(row));
+        EXPECT_EQ(grid().cells().sheet().style({1, row}).type, CellType::edit);
     }
     moveTo(1, 3);
     typeInBox("=2*3", Qt::Key_Return); // entered while formulas are shown
-    EXPECT_EQ(grid().text(1, 3), "2*3");
+    EXPECT_EQ(grid().cells().text(1, 3), "2*3");
     moveTo(1, 4);
     typeInCell("=5+5");
-    EXPECT_EQ(grid().text(1, 4), "5+5");
+    EXPECT_EQ(grid().cells().text(1, 4), "5+5");
     trigger("MenuUndo"); // one step
     EXPECT_EQ(formula(1, 4), "0.5+4");
-    EXPECT_EQ(grid().text(1, 4), "0.5+4");
+    EXPECT_EQ(grid().cells().text(1, 4), "0.5+4");
     trigger("MenuShowDate");
     shown[2] = "6.00|" + shown[2].section('|', 1);
     for (int row = 1; row <= 5; ++row) {
-        EXPECT_EQ(grid().text(1, row) + '|' + grid().text(2, row), shown[row - 1]) << row;
-        EXPECT_EQ(grid().sheet().style({1, row}).type, types[row - 1]) << row;
+        EXPECT_EQ(grid().cells().text(1, row) + '|' + grid().cells().text(2, row), shown[row - 1]) << row;
+        EXPECT_EQ(grid().cells().sheet().style({1, row}).type, types[row - 1]) << row;
     }
 }
 
@@ -183,28 +183,28 @@ TEST_F(DesignerControls, FindsAndReplaces)
     open();
     const char* texts[] = {"资产", "负债", "资产合计"};
     for (int row = 1; row <= 3; ++row)
-        grid().sheet().setText({1, row}, texts[row - 1]);
+        grid().cells().sheet().setText({1, row}, texts[row - 1]);
     QTest::keyClick(&grid(), Qt::Key_F, Qt::ControlModifier);
     auto& dialog = control<frmFind>(*window, "frmFind");
     ASSERT_TRUE(dialog.isVisible());
     control<QLineEdit>(dialog, "txt_0").setText("资产");
     const auto click = [&](const char* button) { control<QPushButton>(dialog, button).click(); };
     click("cmdFindNext");
-    EXPECT_EQ(grid().activeCell(), (CellAddress{1, 3}));
+    EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{1, 3}));
     click("cmdFindPrevious");
-    EXPECT_EQ(grid().activeCell(), (CellAddress{1, 1}));
+    EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{1, 1}));
     control<QLineEdit>(dialog, "txt_1").setText("财产");
     click("cmdReplace"); // here, then on to the next one
-    EXPECT_EQ(grid().text(1, 1), "财产");
-    EXPECT_EQ(grid().activeCell(), (CellAddress{1, 3}));
+    EXPECT_EQ(grid().cells().text(1, 1), "财产");
+    EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{1, 3}));
     click("cmdReplaceAll");
-    EXPECT_EQ(grid().text(1, 3), "财产合计");
+    EXPECT_EQ(grid().cells().text(1, 3), "财产合计");
     EXPECT_TRUE(control<QLabel>(dialog, "lblResult").text().startsWith("已替换 1 个单元格"));
     EXPECT_EQ(edit("txtFormula").text(), ""); // a text stands in its cell
     click("cmdFindNext");
     EXPECT_EQ(control<QLabel>(dialog, "lblResult").text(), "找不到“资产”");
     trigger("MenuUndo");
-    EXPECT_EQ(grid().text(1, 3), "资产合计");
+    EXPECT_EQ(grid().cells().text(1, 3), "资产合计");
 }
 
 TEST_F(DesignerControls, GoesToAPlaceAndSorts)
@@ -221,17 +221,17 @@ TEST_F(DesignerControls, GoesToAPlaceAndSorts)
         QTest::keyClick(&grid(), Qt::Key_F5);
     };
     go("哪里");
-    EXPECT_EQ(grid().activeCell(), (CellAddress{1, 1}));
+    EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{1, 1}));
     go("B3:B5");
-    EXPECT_EQ(grid().selectedBlock(), (spreadsheet::CellRange{2, 3, 2, 5}));
+    EXPECT_EQ(grid().cursor().selectedBlock(), (spreadsheet::CellRange{2, 3, 2, 5}));
     for (int row = 3; row <= 5; ++row)
-        grid().sheet().setNumber({2, row}, row * 7 % 5);
+        grid().cells().sheet().setNumber({2, row}, row * 7 % 5);
     trigger("MenuSortDown");
-    EXPECT_EQ(grid().text(2, 3) + grid().text(2, 4) + grid().text(2, 5), "310");
+    EXPECT_EQ(grid().cells().text(2, 3) + grid().cells().text(2, 4) + grid().cells().text(2, 5), "310");
     moveTo(2, 3);
     trigger("MenuSortUp");
     EXPECT_TRUE(message().startsWith("请先选定要排序的区域"));
-    EXPECT_EQ(grid().text(2, 3), "3");
+    EXPECT_EQ(grid().cells().text(2, 3), "3");
 }
 
 TEST_F(DesignerControls, RunModeChangesNothing)
@@ -239,18 +239,18 @@ TEST_F(DesignerControls, RunModeChangesNothing)
     storeReport();
     gRunMode = true;
     open();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return grid().text(1, 1) == "100.25"; }));
-    const auto revision = grid().workbook().revision();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return grid().cells().text(1, 1) == "100.25"; }));
+    const auto revision = grid().cells().workbook().revision();
     for (const char* name : {"MenuClear", "MenuInsertRow", "MenuFillDown", "MenuPaste", "Paste", "Bold",
                              "MenuDeleteRows", "MenuSortUp", "MenuUndo", "MenuCut"}) {
-        grid().select({1, 1, 2, 2});
+        grid().cursor().select({1, 1, 2, 2});
         trigger(name);
-        EXPECT_EQ(grid().workbook().revision(), revision) << name;
+        EXPECT_EQ(grid().cells().workbook().revision(), revision) << name;
     }
     moveTo(1, 2);
     QTest::keyClick(&edit("txtFormula"), Qt::Key_Return);
     moveTo(1, 1);
-    EXPECT_EQ(grid().workbook().revision(), revision);
+    EXPECT_EQ(grid().cells().workbook().revision(), revision);
     EXPECT_EQ(formula(1, 1), closingBalance);
     trigger("MenuFind");
     EXPECT_FALSE(control<QPushButton>(*window, "cmdReplaceAll").isEnabled());

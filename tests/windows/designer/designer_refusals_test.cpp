@@ -16,18 +16,19 @@ struct DesignerRefusals : test::DesignerTest {
     DesignerRefusals()
     {
         open();
-        demand(grid().sheet().setArrayFormula({2, 10, 2, 12}, "ROW()*1"));
-        demand(grid().sheet().setArrayFormula({4, 10, 5, 10}, "COLUMN()*1"));
-        grid().recalculate();
-        demand(grid().setSheetCount(2));
+        demand(grid().cells().sheet().setArrayFormula({2, 10, 2, 12}, "ROW()*1"));
+        demand(grid().cells().sheet().setArrayFormula({4, 10, 5, 10}, "COLUMN()*1"));
+        grid().cells().recalculate();
+        demand(grid().cells().setSheetCount(2));
     }
     std::string status() { return control<QStatusBar>(*window, "statusBar").currentMessage().toStdString(); }
     std::string tableSize()
     {
-        return std::to_string(grid().rowCount()) + " x " + std::to_string(grid().columnCount()) + ", " +
-               std::to_string(grid().sheetCount()) + " " + grid().sheetName().toStdString() + ", " +
-               std::to_string(grid().workbook().sheet(1).settings().arrays.size()) + " arrays, undo " +
-               grid().workbook().undoLabel();
+        return std::to_string(grid().cells().rowCount()) + " x " +
+               std::to_string(grid().cells().columnCount()) + ", " +
+               std::to_string(grid().cells().sheetCount()) + " " + grid().cells().sheetName().toStdString() +
+               ", " + std::to_string(grid().cells().workbook().sheet(1).settings().arrays.size()) +
+               " arrays, undo " + grid().cells().workbook().undoLabel();
     }
 };
 
@@ -69,14 +70,14 @@ TEST_F(DesignerRefusals, ThePropertiesStayOpenAndSayWhy)
         trigger("MenuSetTableInfo");
         EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::exclamation, "测试账套", c.why}})) << c.what;
         EXPECT_EQ(tableSize(), before) << c.what;
-        grid().workbook().redo();
+        grid().cells().workbook().redo();
         EXPECT_EQ(tableSize(), before) << c.what << ": what was taken back may not come again";
     }
 }
 
 TEST_F(DesignerRefusals, MenusSayWhyInTheStatusBar)
 {
-    grid().addSpan({7, 1, 8, 2});
+    grid().cells().addSpan({7, 1, 8, 2});
     grid().refresh();
     const struct {
         const char* action;
@@ -90,37 +91,37 @@ TEST_F(DesignerRefusals, MenusSayWhyInTheStatusBar)
         {"MenuCellSpan", {6, 1, 7, 1}, "选定的区域中已有合并单元格，请先取消合并"},
     };
     for (const auto& c : cases) {
-        grid().select(c.at);
-        const auto before = grid().workbook().revision();
+        grid().cursor().select(c.at);
+        const auto before = grid().cells().workbook().revision();
         trigger(c.action);
         EXPECT_EQ(status(), c.why) << c.action;
-        EXPECT_EQ(grid().workbook().revision(), before) << c.action;
+        EXPECT_EQ(grid().cells().workbook().revision(), before) << c.action;
     }
 }
 
 TEST_F(DesignerRefusals, WhatWasDoneInPartIsStillToldWhenAllIsRecalculated)
 {
-    grid().sheet().setText({1, 1}, "ROW 甲");
-    grid().replaceAll({.what = "ROW"}, "行");
-    EXPECT_EQ(grid().text(1, 1), "行 甲");
+    grid().cells().sheet().setText({1, 1}, "ROW 甲");
+    grid().commands().replaceAll({.what = "ROW"}, "行");
+    EXPECT_EQ(grid().cells().text(1, 1), "行 甲");
     EXPECT_EQ(status(), "有 3 个单元格不能替换");
-    demand(grid().sheet().setFormula({1, 3}, "Sheet2!A1+1"));
-    grid().recalculate();
-    grid().select({1, 3, 1, 3});
-    grid().copy();
-    demand(grid().workbook().removeSheet(2));
-    grid().select({1, 5, 1, 5});
-    grid().paste();
+    demand(grid().cells().sheet().setFormula({1, 3}, "Sheet2!A1+1"));
+    grid().cells().recalculate();
+    grid().cursor().select({1, 3, 1, 3});
+    grid().commands().copy();
+    demand(grid().cells().workbook().removeSheet(2));
+    grid().cursor().select({1, 5, 1, 5});
+    grid().commands().paste();
     EXPECT_EQ(formula(1, 5), "");
-    EXPECT_EQ(grid().text(1, 5), "1");
+    EXPECT_EQ(grid().cells().text(1, 5), "1");
     EXPECT_EQ(status(), "有 1 个公式在这里没有意义，只粘贴了它们的值");
 }
 
 TEST_F(DesignerRefusals, TheToolbarsPasteSaysWhyAndKeepsTheCell)
 {
-    grid().sheet().setText({1, 1}, "kept");
-    grid().sheet().setText({1, 2}, "kept");
-    grid().changeStyle({1, 2, 1, 2}, [](spreadsheet::CellStyle& style) { style.locked = true; });
+    grid().cells().sheet().setText({1, 1}, "kept");
+    grid().cells().sheet().setText({1, 2}, "kept");
+    grid().cells().changeStyle({1, 2, 1, 2}, [](spreadsheet::CellStyle& style) { style.locked = true; });
     const struct {
         spreadsheet::CellAddress cell;
         const char* text; ///< null: a picture is on the clipboard
@@ -136,11 +137,11 @@ TEST_F(DesignerRefusals, TheToolbarsPasteSaysWhyAndKeepsTheCell)
         else
             QApplication::clipboard()->setImage(QImage(4, 4, QImage::Format_RGB32));
         moveTo(c.cell.column, c.cell.row);
-        const std::string before = grid().sheet().displayText(c.cell);
+        const std::string before = grid().cells().sheet().displayText(c.cell);
         window->pasteIntoActiveCell();
         EXPECT_EQ(status(), c.why);
-        EXPECT_EQ(grid().sheet().displayText(c.cell), before) << c.why;
-        EXPECT_EQ(grid().sheet().settings().arrays.size(), 2U) << c.why;
+        EXPECT_EQ(grid().cells().sheet().displayText(c.cell), before) << c.why;
+        EXPECT_EQ(grid().cells().sheet().settings().arrays.size(), 2U) << c.why;
     }
 }
 
@@ -151,15 +152,15 @@ TEST_F(DesignerRefusals, WhatIsCopiedMayBeReadAsANumberAgain)
     style.decimals = 2;
     style.numberFormat = spreadsheet::Text("[Red]#,##0.0,");
     for (const int row : {1, 2})
-        grid().sheet().setStyle({1, row}, style);
-    grid().sheet().setNumber({1, 1}, -1234567.891);
+        grid().cells().sheet().setStyle({1, row}, style);
+    grid().cells().sheet().setNumber({1, 1}, -1234567.891);
     moveTo(1, 1);
     window->copyActiveText();
     EXPECT_EQ(QApplication::clipboard()->text(), "-1234567.89");
     moveTo(1, 2);
     window->pasteIntoActiveCell();
-    EXPECT_EQ(grid().sheet().value({1, 2}), spreadsheet::Value(-1234567.89));
-    grid().sheet().setStyle({2, 10}, style); // shows its formula
+    EXPECT_EQ(grid().cells().sheet().value({1, 2}), spreadsheet::Value(-1234567.89));
+    grid().cells().sheet().setStyle({2, 10}, style); // shows its formula
     moveTo(2, 10);
     trigger("MenuShowFormula");
     window->copyActiveText();

@@ -34,7 +34,7 @@ TEST_F(DesignerRoads, TheHostRunsAReportAndOpensItAgain)
     const auto lookAndSave = [&](QWidget& designer) {
         ++opened;
         auto& editor = dynamic_cast<frmEditor&>(designer);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return editor.fps1().text(1, 1) == "100.25"; }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return editor.fps1().cells().text(1, 1) == "100.25"; }));
         EXPECT_EQ(control<QLabel>(designer, "lblStatusMode").text(), "使用");
         control<QAction>(designer, "MenuFileSave").trigger();
         designer.close();
@@ -104,7 +104,7 @@ TEST_F(DesignerRoads, AReportThatIsGoneOrUnreadableOpensAnEmptyDesigner)
             }
             EXPECT_FALSE(ledger.boxes.said[0].text.empty()) << what;
             EXPECT_EQ(edit("txtReportName").text(), "") << what;
-            EXPECT_EQ(grid().lastDataRow(), 0) << what;
+            EXPECT_EQ(grid().cells().lastDataRow(), 0) << what;
             window.reset();
         }
     }

@@ -35,7 +35,7 @@ TEST_F(DialogKeys, TableProperties)
             dialog.close();
         });
         trigger("MenuSetTableInfo");
-        EXPECT_EQ(grid().rowCount(), rows);
+        EXPECT_EQ(grid().cells().rowCount(), rows);
     }
 }
 
@@ -43,7 +43,7 @@ TEST_F(DialogKeys, FindAndReplace)
 {
     open();
     for (int row = 1; row <= 4; ++row)
-        grid().sheet().setText({1, row}, "资产");
+        grid().cells().sheet().setText({1, row}, "资产");
     moveTo(1, 1);
     trigger("MenuReplace");
     auto& dialog = control<frmFind>(*window, "frmFind");
@@ -63,12 +63,12 @@ TEST_F(DialogKeys, FindAndReplace)
         EXPECT_TRUE(control<QCheckBox>(dialog, name).isChecked()) << name;
     }
     accessKey(dialog, Qt::Key_N);
-    EXPECT_EQ(grid().activeCell(), (CellAddress{1, 2}));
+    EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{1, 2}));
     accessKey(dialog, Qt::Key_P);
-    EXPECT_EQ(grid().activeCell(), (CellAddress{1, 1}));
+    EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{1, 1}));
     accessKey(dialog, Qt::Key_T); // here, and on to the next one
-    EXPECT_EQ(grid().text(1, 1) + grid().text(1, 2), "财产资产");
-    EXPECT_EQ(grid().activeCell(), (CellAddress{1, 2}));
+    EXPECT_EQ(grid().cells().text(1, 1) + grid().cells().text(1, 2), "财产资产");
+    EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{1, 2}));
     accessKey(dialog, Qt::Key_A);
     EXPECT_EQ(control<QLabel>(dialog, "lblResult").text().trimmed(), "已替换 3 个单元格");
     accessKey(dialog, Qt::Key_E);

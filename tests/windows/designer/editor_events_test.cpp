@@ -87,7 +87,7 @@ TEST_F(EditorEvents, OfARefusedText)
         {"a click on a cell", [&] { click(2, 2); }, ""},
         {"Esc", [&] { typeInBox(""), key(Qt::Key_Escape); }, "edit-off "},
     });
-    demand(grid().setSheetCount(2));
+    demand(grid().cells().setSheetCount(2));
     grid().refresh();
     logged();
     QTabBar& tabs = control<QTabBar>(*window, "sheetTabBar");
@@ -101,13 +101,13 @@ TEST_F(EditorEvents, OfARefusedText)
         {"a tab while typing", [&] { typeInBox("+1"), clickTab(2); },
          "leave>-1,-1 edit-on changed 1,1 edit-changed leave>-1,-1 sheet selected "},
     });
-    EXPECT_EQ(grid().workbook().sheet(1).formula({1, 1}), "2*Sheet2!A1+1");
+    EXPECT_EQ(grid().cells().workbook().sheet(1).formula({1, 1}), "2*Sheet2!A1+1");
 }
 
 /// Each edit, recalculation and change of sheet fills the formula box once.
 TEST_F(EditorEvents, EnterTheCellOnce)
 {
-    demand(grid().setSheetCount(2));
+    demand(grid().cells().setSheetCount(2));
     int entered = 0;
     QObject::connect(box().findChild<spreadsheet::FormulaAssistant*>(),
                      &spreadsheet::FormulaAssistant::colouredCellsChanged, [&] { ++entered; });
@@ -117,18 +117,18 @@ TEST_F(EditorEvents, EnterTheCellOnce)
     };
     EXPECT_EQ(count([&] { typeInCell("5"); }), 2) << "the cell that changes, then the next one";
     EXPECT_EQ(count([&] { trigger("MenuRecalculate"); }), 1);
-    EXPECT_EQ(count([&] { grid().setActiveSheet(2); }), 1);
+    EXPECT_EQ(count([&] { grid().cells().setActiveSheet(2); }), 1);
 }
 
 TEST_F(EditorEvents, ARecalculationPaintsOnlyTheRowsThatItChanged)
 {
-    demand(grid().setColumnCount(120));
-    demand(grid().setRowCount(200));
+    demand(grid().cells().setColumnCount(120));
+    demand(grid().cells().setRowCount(200));
     for (int line = 1; line <= 120; ++line) {
-        grid().setRowHeight(line, 150);
-        grid().setColumnWidth(line, 225);
+        grid().cells().setRowHeight(line, 150);
+        grid().cells().setColumnWidth(line, 225);
     }
-    demand(grid().sheet().setFormula({2, 50}, "A1*2"));
+    demand(grid().cells().sheet().setFormula({2, 50}, "A1*2"));
     window->resize(2800, 2600);
     QApplication::processEvents();
     grid().grab();
@@ -144,9 +144,9 @@ TEST_F(EditorEvents, ARecalculationPaintsOnlyTheRowsThatItChanged)
     };
     const std::uint64_t withNeighbours = 5; // whose borders lie on the row's
     EXPECT_LE(paintedRows([&] { typeInCell("5"); }), 2 * withNeighbours) << "rows 1 and 50";
-    EXPECT_EQ(grid().text(2, 50), "10");
+    EXPECT_EQ(grid().cells().text(2, 50), "10");
     EXPECT_EQ(paintedRows([&] { trigger("MenuRecalculate"); }), 0U);
-    grid().sheet().setNumber({1, 1}, 6);
+    grid().cells().sheet().setNumber({1, 1}, 6);
     EXPECT_GE(paintedRows([&] { trigger("MenuRecalculate"); }), 2U);
     EXPECT_GE(paintedRows([&] { grid().refresh(); }), geometry.rowTracks().size());
 }

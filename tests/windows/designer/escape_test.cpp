@@ -77,9 +77,9 @@ TEST_F(Escape, NeverClosesTheDesigner)
         for (int times = 0; times < 6; ++times)
             press(Qt::Key_Escape);
         EXPECT_TRUE(window->isVisible()) << place;
-        EXPECT_FALSE(grid().isEditing()) << place;
-        EXPECT_EQ(grid().text(1, 1), "5") << place;
-        EXPECT_EQ(grid().sheetName(), "Sheet1") << place;
+        EXPECT_FALSE(grid().entry().isOpen()) << place;
+        EXPECT_EQ(grid().cells().text(1, 1), "5") << place;
+        EXPECT_EQ(grid().cells().sheetName(), "Sheet1") << place;
     }
 }
 
@@ -96,7 +96,7 @@ TEST_F(Escape, EndsOneThingAtATime)
         auto& names = control<QListWidget>(owner, "formulaCompletions");
         const auto state = [&] {
             return std::string(hint.isVisible() ? "hint " : "") + (names.isVisible() ? "list " : "") +
-                   (grid().isEditing() ? "entry" : "");
+                   (grid().entry().isOpen() ? "entry" : "");
         };
         std::string seen;
         EXPECT_EQ(state(), "hint list entry") << inBox;
@@ -105,13 +105,13 @@ TEST_F(Escape, EndsOneThingAtATime)
         press(Qt::Key_Escape);
         EXPECT_EQ(state(), "entry") << inBox;
         press(Qt::Key_Escape);
-        EXPECT_FALSE(grid().isEditing()) << inBox;
+        EXPECT_FALSE(grid().entry().isOpen()) << inBox;
         edit("txtReportName").setFocus(); // the border ends from everywhere
         press(Qt::Key_Escape);
         EXPECT_FALSE(grid().giveUp()) << "the border around copied cells is gone, " << inBox;
-        grid().copy();
+        grid().commands().copy();
         EXPECT_TRUE(grid().giveUp());
-        EXPECT_EQ(grid().text(1, 1), "5");
+        EXPECT_EQ(grid().cells().text(1, 1), "5");
     }
 }
 
@@ -171,8 +171,8 @@ TEST_F(Escape, EveryRoadOutLeavesTheUnsavedDesign)
             open();
             EXPECT_TRUE(ledger.boxes.said.empty()) << road << ": closed on purpose";
             control<QAbstractButton>(*window, "cmdRestore").click();
-            EXPECT_EQ(grid().text(1, 1), "5") << road;
-            EXPECT_EQ(grid().text(2, 1), typing ? "77" : "") << road;
+            EXPECT_EQ(grid().cells().text(1, 1), "5") << road;
+            EXPECT_EQ(grid().cells().text(2, 1), typing ? "77" : "") << road;
             window.reset();
             for (const QString& name : copies())
                 QFile::remove(folder.filePath(name));
@@ -183,7 +183,7 @@ TEST_F(Escape, EveryRoadOutLeavesTheUnsavedDesign)
 TEST_F(Escape, TheEndOfTheHostsLoopLeavesTheUnsavedDesign)
 {
     whenModal("frmEditor", [this](QWidget& designer) {
-        dynamic_cast<frmEditor&>(designer).fps1().setText(1, 1, "5");
+        dynamic_cast<frmEditor&>(designer).fps1().cells().setText(1, 1, "5");
         QCoreApplication::exit(); // every loop ends; nothing is closed
     });
     showDesigner();
@@ -199,7 +199,7 @@ TEST_F(Escape, AParentThatEndsTakesTheDesignerAlongAndLeavesTheDesign)
     parent->show();
     whenModal("frmEditor", [parent](QWidget& designer) {
         EXPECT_EQ(designer.parentWidget(), parent);
-        dynamic_cast<frmEditor&>(designer).fps1().setText(1, 1, "5");
+        dynamic_cast<frmEditor&>(designer).fps1().cells().setText(1, 1, "5");
         delete parent;
     });
     showDesigner();

@@ -78,8 +78,8 @@ protected:
 TEST_F(Exchange, FurtherKindsGoOutUnderTheReportsNameAndComeBack)
 {
     control<QLineEdit>(*window, "txtReportName").setText("一/二月");
-    demand(grid().sheet().setFormula({1, 1}, closingBalance));
-    grid().sheet().setText({2, 1}, "现金 & 银行");
+    demand(grid().cells().sheet().setFormula({1, 1}, closingBalance));
+    grid().cells().sheet().setText({2, 1}, "现金 & 银行");
     const struct {
         const char *command, *name, *preset, *filter;
         QByteArray start;
@@ -99,21 +99,21 @@ TEST_F(Exchange, FurtherKindsGoOutUnderTheReportsNameAndComeBack)
     EXPECT_TRUE(contentOf("a.html").contains("现金 &amp; 银行"));
     EXPECT_TRUE(contentOf("a.csv").contains("现金 & 银行"));
 
-    demand(grid().sheet().setFormula({1, 1}, "1+1"));
-    grid().sheet().setText({3, 1}, "不在文件中");
+    demand(grid().cells().sheet().setFormula({1, 1}, "1+1"));
+    grid().cells().sheet().setText({3, 1}, "不在文件中");
     const FileDialogSettings settings = run("MenuImportXlsx", "a.xlsx");
     EXPECT_EQ(settings.fileName, "*.xlsx");
     EXPECT_EQ(settings.flags, 4);
-    EXPECT_EQ(grid().sheet().formula({1, 1}), closingBalance);
-    EXPECT_EQ(grid().text(3, 1), "");
-    EXPECT_FALSE(grid().sheet().style({1, 1}).locked);
+    EXPECT_EQ(grid().cells().sheet().formula({1, 1}), closingBalance);
+    EXPECT_EQ(grid().cells().text(3, 1), "");
+    EXPECT_FALSE(grid().cells().sheet().style({1, 1}).locked);
     control<QAction>(*window, "MenuRecalculate").trigger(); // the report functions are known as before
-    EXPECT_EQ(grid().text(1, 1), "100.25");
+    EXPECT_EQ(grid().cells().text(1, 1), "100.25");
 }
 
 TEST_F(Exchange, ATypedNameIsReadByItsContentAndWrittenByItsEnding)
 {
-    grid().sheet().setText({1, 1}, "合计");
+    grid().cells().sheet().setText({1, 1}, "合计");
     const struct {
         const char *command, *name;
         QByteArray start;
@@ -125,13 +125,13 @@ TEST_F(Exchange, ATypedNameIsReadByItsContentAndWrittenByItsEnding)
     for (const auto& c : exports) {
         run(c.command, c.name);
         EXPECT_TRUE(contentOf(c.name).startsWith(c.start)) << c.name;
-        grid().sheet().setText({1, 1}, "别的");
+        grid().cells().sheet().setText({1, 1}, "别的");
         run("MenuImportExcelFile", c.name);
-        EXPECT_EQ(grid().text(1, 1), "合计") << c.name;
+        EXPECT_EQ(grid().cells().text(1, 1), "合计") << c.name;
     }
     put("e.txt", "科目;金额\n1001;12.5\n");
     run("MenuImportExcelFile", "e.txt");
-    EXPECT_EQ(grid().text(2, 2), "12.5");
+    EXPECT_EQ(grid().cells().text(2, 2), "12.5");
 }
 
 TEST_F(Exchange, TheSharedDialogKeepsTitleFolderAndName)
@@ -152,16 +152,16 @@ TEST_F(Exchange, TheSharedDialogKeepsTitleFolderAndName)
 
 TEST_F(Exchange, ReasonsAndWarningsAreListedBelowTheGrid)
 {
-    grid().sheet().setText({1, 1}, "原来的");
-    grid().changeStyle([](spreadsheet::CellStyle& style) { style.locked = true; });
+    grid().cells().sheet().setText({1, 1}, "原来的");
+    grid().cells().changeStyle([](spreadsheet::CellStyle& style) { style.locked = true; });
     put("page.xls", "<html>请登录</html>");
     run("MenuImportExcelFile", "page.xls");
     EXPECT_TRUE(status().contains("网页")) << status().toStdString();
     EXPECT_EQ(notices(), QStringList(status()));
-    EXPECT_EQ(grid().text(1, 1), "原来的");
-    EXPECT_TRUE(grid().sheet().style({1, 1}).locked); // as before, since nothing was imported
+    EXPECT_EQ(grid().cells().text(1, 1), "原来的");
+    EXPECT_TRUE(grid().cells().sheet().style({1, 1}).locked); // as before, since nothing was imported
 
-    demand(grid().sheet().setFormula({1, 2}, "IFERROR(1/0,7)"));
+    demand(grid().cells().sheet().setFormula({1, 2}, "IFERROR(1/0,7)"));
     run("MenuExportExcel", "warned.xls");
     ASSERT_EQ(notices().size(), 1);
     EXPECT_TRUE(notices()[0].contains("IFERROR"));
@@ -169,7 +169,7 @@ TEST_F(Exchange, ReasonsAndWarningsAreListedBelowTheGrid)
     EXPECT_EQ(notices(), QStringList());
 
     put("kept.xls", "从前");
-    grid().sheet().setNumber({300, 1}, 1); // more columns than .xls has
+    grid().cells().sheet().setNumber({300, 1}, 1); // more columns than .xls has
     run("MenuExportExcel", "kept.xls");
     EXPECT_TRUE(status().contains("256")) << status().toStdString();
     EXPECT_EQ(contentOf("kept.xls"), "从前");

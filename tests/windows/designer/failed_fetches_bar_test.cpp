@@ -36,12 +36,12 @@ TEST_F(FailedFetchesBar, StandsAboveTheGridWhileFiguresAreMissing)
               grid().mapTo(window.get(), QPoint(0, 0)).y());
     moveTo(1, 1);
     bar().click();
-    EXPECT_EQ(grid().activeCell(), (spreadsheet::CellAddress{2, 4}));
+    EXPECT_EQ(grid().cursor().activeCell(), (spreadsheet::CellAddress{2, 4}));
 
     ledger.run("alter table gone rename to tblItemClass");
     trigger("MenuRecalculate");
     EXPECT_FALSE(bar().isVisible());
-    EXPECT_EQ(grid().text(2, 4), "120.00");
+    EXPECT_EQ(grid().cells().text(2, 4), "120.00");
 }
 
 TEST_F(FailedFetchesBar, PrintingAsksAndGoesToTheCell)
@@ -52,10 +52,10 @@ TEST_F(FailedFetchesBar, PrintingAsksAndGoesToTheCell)
     trigger("MenuPrint");
     ASSERT_EQ(ledger.boxes.said.size(), 1U);
     EXPECT_EQ(ledger.boxes.said[0].text, "2 处取数失败，数字不可用，是否仍然打印？");
-    EXPECT_EQ(grid().activeCell(), (spreadsheet::CellAddress{1, 1}));
+    EXPECT_EQ(grid().cursor().activeCell(), (spreadsheet::CellAddress{1, 1}));
     ledger.boxes.chosen = {"转到"};
     trigger("MenuPrint");
-    EXPECT_EQ(grid().activeCell(), (spreadsheet::CellAddress{2, 4}));
+    EXPECT_EQ(grid().cursor().activeCell(), (spreadsheet::CellAddress{2, 4}));
 }
 
 } // namespace

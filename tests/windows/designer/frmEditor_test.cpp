@@ -135,8 +135,9 @@ TEST_F(Designer, RunModeShowsDataAndRefusesToSave)
     gRunMode = true;
     open();
     EXPECT_EQ(edit("txtReportName").text(), "现金表");
-    EXPECT_TRUE(QTest::qWaitFor([this] { return grid().text(1, 1) == "100.25"; })); // after the first frame
-    EXPECT_EQ(grid().text(1, 2), "200.5");
+    EXPECT_TRUE(
+        QTest::qWaitFor([this] { return grid().cells().text(1, 1) == "100.25"; })); // after the first frame
+    EXPECT_EQ(grid().cells().text(1, 2), "200.5");
     for (const char* way : {"MenuFileSave", "Save"})
         trigger(way);
     const Said refusal{Icon::exclamation, "测试账套", "请在报表编辑状态下进行保存,保存不成功!"};
@@ -145,7 +146,7 @@ TEST_F(Designer, RunModeShowsDataAndRefusesToSave)
     typeInCell("5");
     trigger("MenuBold");
     EXPECT_EQ(formula(1, 1), closingBalance);
-    EXPECT_FALSE(grid().sheet().style({1, 1}).font.bold);
+    EXPECT_FALSE(grid().cells().sheet().style({1, 1}).font.bold);
 }
 
 TEST_F(Designer, DesignModeShowsStoredValuesUntilRecalculated)
@@ -156,7 +157,7 @@ TEST_F(Designer, DesignModeShowsStoredValuesUntilRecalculated)
     EXPECT_EQ(control<QLabel>(*window, "Label1").text(), "A1单元格公式为：");
     EXPECT_EQ(ledger.query("select noid from tblCWSelfReport").rowCount(), 1u);
     trigger("MenuRecalculate");
-    EXPECT_EQ(grid().text(1, 1), "100.25");
+    EXPECT_EQ(grid().cells().text(1, 1), "100.25");
 }
 
 TEST_F(Designer, FormulaBoxWritesWhatItsCellGets)
@@ -180,14 +181,14 @@ TEST_F(Designer, FormulaBoxWritesWhatItsCellGets)
         moveTo(2, 3);
         typeInBox(typed, Qt::Key_Return);
         EXPECT_EQ(this->formula(2, 3), formula) << what;
-        EXPECT_EQ(grid().text(2, 3), shown) << what;
+        EXPECT_EQ(grid().cells().text(2, 3), shown) << what;
     }
-    const std::size_t steps = grid().workbook().journal().steps();
+    const std::size_t steps = grid().cells().workbook().journal().steps();
     moveTo(2, 4);
     moveTo(2, 3); // equal texts are no edits
-    EXPECT_EQ(grid().workbook().journal().steps(), steps);
+    EXPECT_EQ(grid().cells().workbook().journal().steps(), steps);
     typeInBox("=9", Qt::Key_Escape);
-    EXPECT_EQ(grid().text(2, 3), "合计");
+    EXPECT_EQ(grid().cells().text(2, 3), "合计");
 }
 
 TEST_F(Designer, ARefusedTextIsToldAndReachesNoOtherCell)
@@ -199,12 +200,12 @@ TEST_F(Designer, ARefusedTextIsToldAndReachesNoOtherCell)
     ASSERT_EQ(ledger.boxes.said.size(), 1u);
     EXPECT_EQ(ledger.boxes.said[0].icon, Icon::critical);
     EXPECT_EQ(ledger.boxes.said[0].title, "测试账套");
-    EXPECT_EQ(grid().activeCell(), (spreadsheet::CellAddress{1, 2}));
+    EXPECT_EQ(grid().cursor().activeCell(), (spreadsheet::CellAddress{1, 2}));
     EXPECT_EQ(edit("txtFormula").text(), "=1+*"); // to be mended
     typeInBox("=1+1", Qt::Key_Return);
     moveTo(1, 3);
-    EXPECT_EQ(grid().text(1, 2), "2");
-    EXPECT_EQ(grid().text(1, 3), "");
+    EXPECT_EQ(grid().cells().text(1, 2), "2");
+    EXPECT_EQ(grid().cells().text(1, 3), "");
 }
 
 TEST_F(Designer, FormulaBoxFollowsTheCell)
@@ -221,15 +222,15 @@ TEST_F(Designer, FormulaBoxFollowsTheCell)
         {"cleared", [&] { QTest::keyClick(&grid(), Qt::Key_Delete); }, ""},
         {"undone again", [&] { trigger("MenuUndo"); }, "1+2"},
         {"a row above", [&] { trigger("MenuInsertRow"); }, ""},
-        {"another sheet", [&] { grid().addSheet(), grid().setActiveSheet(2); }, ""},
+        {"another sheet", [&] { grid().commands().addSheet(), grid().cells().setActiveSheet(2); }, ""},
     };
     for (const auto& [what, act, box] : cases) {
         act();
         EXPECT_EQ(edit("txtFormula").text(), box) << what;
     }
-    grid().setActiveSheet(1);
+    grid().cells().setActiveSheet(1);
     EXPECT_EQ(formula(1, 2), "1+2"); // nothing stale was written on the way
-    EXPECT_EQ(grid().sheet().formula({1, 1}), "");
+    EXPECT_EQ(grid().cells().sheet().formula({1, 1}), "");
 }
 
 TEST_F(Designer, CaptionAndLooksOfTheEnteredCell)
@@ -241,14 +242,14 @@ TEST_F(Designer, CaptionAndLooksOfTheEnteredCell)
         moveTo(column, 3);
         EXPECT_EQ(control<QLabel>(*window, "Label1").text(), caption);
     }
-    grid().changeStyle({4, 4, 4, 4}, [](spreadsheet::CellStyle& style) {
+    grid().cells().changeStyle({4, 4, 4, 4}, [](spreadsheet::CellStyle& style) {
         style.font.bold = true;
         style.font.points = 10.5;
         style.horizontal = spreadsheet::HorizontalAlignment::centre;
     });
     moveTo(4, 4);
     EXPECT_EQ(control<QComboBox>(*window, "list2").currentText(), "11"); // rounded
-    EXPECT_EQ(grid().sheet().style({4, 4}).font.points, 10.5f);
+    EXPECT_EQ(grid().cells().sheet().style({4, 4}).font.points, 10.5f);
     const std::pair<const char*, bool> pressed[] = {
         {"Bold", true}, {"Italic", false}, {"Left", false}, {"Middle", true}, {"Right", false}};
     for (const auto& [key, is] : pressed)
@@ -262,23 +263,23 @@ TEST_F(Designer, FormulasShownAndBack)
     trigger("MenuRecalculate");
     trigger("MenuShowFormula");
     trigger("MenuShowFormula"); // once more does nothing
-    EXPECT_EQ(grid().text(1, 1), closingBalance);
-    EXPECT_EQ(grid().sheet().tag({1, 1}).view(), "13");
+    EXPECT_EQ(grid().cells().text(1, 1), closingBalance);
+    EXPECT_EQ(grid().cells().sheet().tag({1, 1}).view(), "13");
     trigger("MenuFileSave");
     window.reset();
     open();
-    EXPECT_EQ(grid().text(1, 1), closingBalance);
+    EXPECT_EQ(grid().cells().text(1, 1), closingBalance);
     trigger("MenuShowDate");
-    EXPECT_EQ(grid().text(1, 1), "100.25");
-    EXPECT_EQ(grid().sheet().style({1, 1}).type, CellType::number);
-    EXPECT_EQ(grid().text(2, 1), "合计");
+    EXPECT_EQ(grid().cells().text(1, 1), "100.25");
+    EXPECT_EQ(grid().cells().sheet().style({1, 1}).type, CellType::number);
+    EXPECT_EQ(grid().cells().text(2, 1), "合计");
 }
 
 TEST_F(Designer, DiagnosticsNameCellAndReason)
 {
     open();
     typeInBox(R"(=Acct("9999","2","","2025","1","2"))", Qt::Key_Return);
-    EXPECT_EQ(grid().text(1, 1), "0.00");
+    EXPECT_EQ(grid().cells().text(1, 1), "0.00");
     auto& list = control<ListGrid>(*window, "listDiagnostics");
     ASSERT_EQ(list.rowCount(), 2);
     EXPECT_EQ(list.text(1, 1), "Acct");
@@ -287,7 +288,7 @@ TEST_F(Designer, DiagnosticsNameCellAndReason)
     moveTo(3, 3);
     list.setRow(1);
     Q_EMIT list.dblClick();
-    EXPECT_EQ(grid().activeCell(), (spreadsheet::CellAddress{1, 1}));
+    EXPECT_EQ(grid().cursor().activeCell(), (spreadsheet::CellAddress{1, 1}));
 }
 
 TEST_F(Designer, TableProperties)
@@ -303,23 +304,23 @@ TEST_F(Designer, TableProperties)
         trigger("MenuSetTableInfo");
     };
     answer({"80", "12", "3", "一月"}, "cmdOK");
-    EXPECT_EQ(grid().rowCount(), 80);
-    EXPECT_EQ(grid().columnCount(), 12);
-    EXPECT_EQ(grid().sheetCount(), 3);
-    EXPECT_EQ(grid().sheetName(), "一月");
+    EXPECT_EQ(grid().cells().rowCount(), 80);
+    EXPECT_EQ(grid().cells().columnCount(), 12);
+    EXPECT_EQ(grid().cells().sheetCount(), 3);
+    EXPECT_EQ(grid().cells().sheetName(), "一月");
     trigger("MenuUndo"); // one step
-    EXPECT_EQ(grid().sheetCount(), 1);
-    EXPECT_EQ(grid().rowCount(), 500);
+    EXPECT_EQ(grid().cells().sheetCount(), 1);
+    EXPECT_EQ(grid().cells().rowCount(), 500);
     for (const char* wrong : {"", "x", "0", "1.5", "1048577"}) {
         ledger.boxes.said.clear();
         answer({wrong, "9", "9", "二月"}, "cmdOK");
         EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::exclamation, "测试账套",
                                                          "总行数：请输入 1 到 1048576 的整数。"}}))
             << wrong;
-        EXPECT_EQ(grid().columnCount(), 50) << wrong;
+        EXPECT_EQ(grid().cells().columnCount(), 50) << wrong;
     }
     answer({"7", "7", "7", "三月"}, "cmdClose");
-    EXPECT_EQ(grid().rowCount(), 500);
+    EXPECT_EQ(grid().cells().rowCount(), 500);
 }
 
 TEST_F(Designer, OwnFilesOutAndIn)
@@ -350,7 +351,7 @@ TEST_F(Designer, OwnFilesOutAndIn)
     EXPECT_EQ(formula(1, 1), closingBalance);
     EXPECT_EQ(edit("txtFormula").text(), closingBalance);
     trigger("MenuRecalculate");
-    EXPECT_EQ(grid().text(1, 1), "100.25");
+    EXPECT_EQ(grid().cells().text(1, 1), "100.25");
 
     files.answers = {(folder.path() + "/不存在.ss7").toStdString()};
     trigger("MenuImpoertSpreadFile");
@@ -367,7 +368,7 @@ TEST_F(Designer, ToolbarCopiesTheActiveCellsTextOnly)
     EXPECT_EQ(QApplication::clipboard()->text(), "合计");
     moveTo(2, 5);
     trigger("Paste");
-    EXPECT_EQ(grid().text(2, 5), "合计");
+    EXPECT_EQ(grid().cells().text(2, 5), "合计");
 }
 
 TEST_F(Designer, BothRoadsThroughTheWindows)

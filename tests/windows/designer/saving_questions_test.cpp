@@ -250,7 +250,7 @@ TEST_F(UnreadReport, SavingAsksFirstAndKeepsItByDefault)
     EXPECT_TRUE(told().ends_with("报表修改成功!|")) << told();
     EXPECT_NE(content(), "4");
     EXPECT_EQ(gHeaderText + gFooterText, "/c眉/c脚"); // what the row kept
-    EXPECT_EQ(grid().workbook().sheet(1).settings().print.marginTop, 2880);
+    EXPECT_EQ(grid().cells().workbook().sheet(1).settings().print.marginTop, 2880);
     ledger.boxes.offered.clear();
     trigger("MenuFileSave");
     EXPECT_TRUE(ledger.boxes.offered.empty());

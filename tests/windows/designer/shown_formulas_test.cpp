@@ -20,7 +20,7 @@ protected:
     {
         gEditFlag = 0;
         open();
-        auto& sheet = grid().sheet();
+        auto& sheet = grid().cells().sheet();
         demand(sheet.setFormula({1, 1}, "0.5+1"));
         demand(sheet.setFormula({1, 2}, "A1*2"));
         sheet.setNumber({1, 3}, 7);
@@ -34,7 +34,8 @@ protected:
     }
     void setType(int row, CellType type)
     {
-        grid().changeStyle({1, row, 1, row}, [type](spreadsheet::CellStyle& style) { style.type = type; });
+        grid().cells().changeStyle({1, row, 1, row},
+                                   [type](spreadsheet::CellStyle& style) { style.type = type; });
     }
     void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
@@ -79,8 +80,9 @@ protected:
         std::vector<std::string> cells;
         for (int row = 1; row <= 7; ++row)
             for (int column = 1; column <= 3; ++column)
-                cells.push_back(grid().text(column, row).toStdString() + '|' + formula(column, row) + '|' +
-                                std::to_string(static_cast<int>(grid().sheet().style({column, row}).type)));
+                cells.push_back(
+                    grid().cells().text(column, row).toStdString() + '|' + formula(column, row) + '|' +
+                    std::to_string(static_cast<int>(grid().cells().sheet().style({column, row}).type)));
         return cells;
     }
     void expectFormulasOnScreen(const char* what)
@@ -88,8 +90,8 @@ protected:
         for (int row = 1; row <= 7; ++row)
             for (int column = 1; column <= 3; ++column) {
                 if (const std::string held = formula(column, row); !held.empty()) {
-                    EXPECT_EQ(grid().text(column, row).toStdString(), held) << what;
-                    EXPECT_EQ(grid().sheet().style({column, row}).type, CellType::edit) << what;
+                    EXPECT_EQ(grid().cells().text(column, row).toStdString(), held) << what;
+                    EXPECT_EQ(grid().cells().sheet().style({column, row}).type, CellType::edit) << what;
                 }
             }
     }
@@ -112,8 +114,8 @@ protected:
          1, 3, "A2*2", "600.00%"},
         {"filled by the handle",
          [this] {
-             grid().select({1, 2, 1, 2});
-             grid().fillTo({1, 2, 1, 4}, false);
+             grid().cursor().select({1, 2, 1, 2});
+             grid().commands().fillTo({1, 2, 1, 4}, false);
              moveTo(1, 4);
          },
          1, 4, "A3*2", "1200.00%"},
@@ -173,13 +175,13 @@ TEST_F(ShownFormulas, FollowEveryChangeAndGoWithIt)
         edit("txtReportName").setText("表"); // through the store and back in between
         ledger.run("delete from tblCWSelfReport");
         trigger("MenuFileSave");
-        const std::string shown = grid().text(column, row).toStdString();
+        const std::string shown = grid().cells().text(column, row).toStdString();
         open();
-        EXPECT_EQ(grid().text(column, row).toStdString(), shown) << what;
+        EXPECT_EQ(grid().cells().text(column, row).toStdString(), shown) << what;
         trigger("MenuShowFormula");
         EXPECT_EQ(everything(), after) << what;
         trigger("MenuShowDate");
-        EXPECT_EQ(grid().text(column, row), data) << what;
+        EXPECT_EQ(grid().cells().text(column, row), data) << what;
         window.reset();
 
         begin(); // the same in the other order ends in the same
@@ -189,7 +191,7 @@ TEST_F(ShownFormulas, FollowEveryChangeAndGoWithIt)
         trigger("MenuShowFormula");
         trigger("MenuShowDate");
         EXPECT_EQ(everything(), asData) << what;
-        EXPECT_EQ(grid().text(column, row), data) << what;
+        EXPECT_EQ(grid().cells().text(column, row), data) << what;
     }
 }
 
@@ -206,7 +208,7 @@ TEST_F(ShownFormulas, UndoLeavesAndEntersTheDisplay)
     EXPECT_EQ(everything(), asData);
     moveTo(3, 5);
     typeInCell("=1+1");
-    EXPECT_EQ(grid().text(3, 5), "2");
+    EXPECT_EQ(grid().cells().text(3, 5), "2");
     trigger("MenuUndo");
     trigger("MenuShowFormula");
     trigger("MenuShowDate");
@@ -228,7 +230,7 @@ TEST_F(ShownFormulas, CellsCopiedWhileShownArePastedAsData)
     moveTo(1, 4);
     key(Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(formula(1, 4), "A3*2");
-    EXPECT_EQ(grid().text(1, 4), "1400.00%");
+    EXPECT_EQ(grid().cells().text(1, 4), "1400.00%");
 }
 
 TEST_F(ShownFormulas, TheBoxShowsTheCellAndLeavingWritesNothingStale)
@@ -240,12 +242,12 @@ TEST_F(ShownFormulas, TheBoxShowsTheCellAndLeavingWritesNothingStale)
             if (shown)
                 trigger("MenuShowFormula");
             act();
-            ASSERT_EQ(grid().activeCell(), (spreadsheet::CellAddress{column, row})) << what;
+            ASSERT_EQ(grid().cursor().activeCell(), (spreadsheet::CellAddress{column, row})) << what;
             EXPECT_EQ(box(), formula) << what;
             for (const char* travel : {"MenuUndo", "MenuRedo"}) {
                 trigger(travel);
                 const auto held = everything();
-                const auto active = grid().activeCell();
+                const auto active = grid().cursor().activeCell();
                 EXPECT_EQ(box(), this->formula(active.column, active.row)) << what << travel;
                 moveTo(5, 20);
                 edit("txtFormula").setFocus();
@@ -263,7 +265,7 @@ TEST_F(ShownFormulas, TheBoxShowsTheCellAndLeavingWritesNothingStale)
     EXPECT_EQ(box(), "");
     moveTo(1, 2);
     moveTo(1, 1);
-    EXPECT_EQ(grid().text(1, 1), "合计");
+    EXPECT_EQ(grid().cells().text(1, 1), "合计");
 }
 
 } // namespace

@@ -22,7 +22,7 @@ protected:
         moveTo(column, row);
         grid().setFocus();
         type(text);
-        ASSERT_TRUE(grid().isEditing());
+        ASSERT_TRUE(grid().entry().isOpen());
     }
     /// The next design begins without the one that was left.
     void forget()
@@ -46,10 +46,10 @@ TEST_F(UnfinishedEntry, ClosingKeepsWhatWasTyped)
         }
         window->close();
         EXPECT_FALSE(window->isVisible());
-        EXPECT_EQ(inBox ? grid().text(1, 1).toStdString() : formula(1, 1), "6*7");
+        EXPECT_EQ(inBox ? grid().cells().text(1, 1).toStdString() : formula(1, 1), "6*7");
         open(); // offers the design again
         control<QToolButton>(*window, "cmdRestore").click();
-        EXPECT_EQ(inBox ? grid().text(1, 1).toStdString() : formula(1, 1), "6*7");
+        EXPECT_EQ(inBox ? grid().cells().text(1, 1).toStdString() : formula(1, 1), "6*7");
         trigger("MenuFileClose");
         EXPECT_FALSE(window->isVisible());
         forget();
@@ -66,23 +66,23 @@ TEST_F(UnfinishedEntry, GoesOnWhereItIsAfterClicksBesideTheCells)
     };
     for (const bool inBox : {false, true}) {
         open();
-        demand(grid().setSheetCount(2));
+        demand(grid().cells().setSheetCount(2));
         grid().refresh();
         begin(inBox);
         QTabBar& tabs = control<QTabBar>(*window, "sheetTabBar");
         QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(1).center());
-        EXPECT_EQ(grid().activeSheet(), 2);
+        EXPECT_EQ(grid().cells().activeSheet(), 2);
         type("2");
         for (QScrollBar* bar : grid().findChildren<QScrollBar*>())
             QTest::mouseClick(bar, Qt::LeftButton, {}, bar->rect().center());
         type("*3");
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-        EXPECT_EQ(grid().activeSheet(), 1) << inBox;
+        EXPECT_EQ(grid().cells().activeSheet(), 1) << inBox;
         EXPECT_EQ(formula(1, 1), "1+2*3") << inBox;
         begin(inBox);
-        grid().setActiveSheet(2);
-        EXPECT_FALSE(grid().isEditing()) << inBox;
-        EXPECT_EQ(grid().activeSheet(), 2) << "what the program shows stays, " << inBox;
+        grid().cells().setActiveSheet(2);
+        EXPECT_FALSE(grid().entry().isOpen()) << inBox;
+        EXPECT_EQ(grid().cells().activeSheet(), 2) << "what the program shows stays, " << inBox;
         trigger("MenuFileClose");
         forget();
     }
@@ -100,15 +100,15 @@ TEST_F(UnfinishedEntry, AFormulaThatDoesNotParseHoldsUpClosingOnce)
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         inCell(1, 1, "=sum(1,2+");
         if (inBox) {
-            grid().cancelEdit();
+            grid().entry().cancel();
             edit("txtFormula").setFocus();
             edit("txtFormula").selectAll();
             type("=sum(1,2+");
         }
         close();
         ASSERT_TRUE(window->isVisible()) << way;
-        EXPECT_TRUE(grid().isEditing()) << way;
-        EXPECT_EQ(grid().typedText(), "=sum(1,2+") << way;
+        EXPECT_TRUE(grid().entry().isOpen()) << way;
+        EXPECT_EQ(grid().entry().text(), "=sum(1,2+") << way;
         EXPECT_TRUE(message().contains("再关闭一次")) << message().toStdString();
         EXPECT_EQ(formula(1, 1), "5+5") << way;
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_End);
@@ -118,7 +118,7 @@ TEST_F(UnfinishedEntry, AFormulaThatDoesNotParseHoldsUpClosingOnce)
         close();
         EXPECT_FALSE(window->isVisible()) << way;
         EXPECT_EQ(formula(1, 1), "5+5") << "the cell keeps what it had";
-        EXPECT_EQ(grid().sheet().lastDataRow(), 1) << "nothing went into another cell";
+        EXPECT_EQ(grid().cells().sheet().lastDataRow(), 1) << "nothing went into another cell";
         forget();
     }
 }
@@ -151,10 +151,10 @@ TEST_F(UnfinishedEntry, CommandsFindTheTextInItsOwnCell)
         open();
         inCell(2, 3, "12");
         trigger(command);
-        EXPECT_FALSE(grid().isEditing()) << command;
-        EXPECT_EQ(grid().text(place.column, place.row), "12") << command;
-        EXPECT_EQ(grid().sheet().lastDataRow(), place.row) << command;
-        EXPECT_EQ(grid().sheet().lastDataColumn(), place.column) << command;
+        EXPECT_FALSE(grid().entry().isOpen()) << command;
+        EXPECT_EQ(grid().cells().text(place.column, place.row), "12") << command;
+        EXPECT_EQ(grid().cells().sheet().lastDataRow(), place.row) << command;
+        EXPECT_EQ(grid().cells().sheet().lastDataColumn(), place.column) << command;
         window->close();
         forget();
     }
@@ -162,9 +162,9 @@ TEST_F(UnfinishedEntry, CommandsFindTheTextInItsOwnCell)
     inCell(2, 3, "=1+");
     for (const char* command : {"MenuInsertRow", "MenuClear", "MenuUndo", "Paste", "MenuSetTableInfo"}) {
         trigger(command);
-        EXPECT_TRUE(grid().isEditing()) << command << ": the formula is to be mended first";
+        EXPECT_TRUE(grid().entry().isOpen()) << command << ": the formula is to be mended first";
     }
-    EXPECT_EQ(grid().sheet().lastDataRow(), 0);
+    EXPECT_EQ(grid().cells().sheet().lastDataRow(), 0);
 }
 
 } // namespace

@@ -36,8 +36,8 @@ protected:
     }
     void choose(const char* shown)
     {
-        gCellCol = grid.activeCell().column;
-        gCellRow = grid.activeCell().row;
+        gCellCol = grid.cursor().activeCell().column;
+        gCellRow = grid.cursor().activeCell().row;
         frmDataType dialog(grid);
         auto& list = control<QComboBox>(dialog, "PC_1");
         list.setCurrentIndex(list.findText(shown));
@@ -86,35 +86,35 @@ TEST_F(CellTypes, ActByTypingPastingPrintingAndSaving)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.shown) + " " + c.typed);
-        grid.setWorkbook(nullptr);
-        grid.setActiveCell(2, 2);
+        grid.cells().setWorkbook(nullptr);
+        grid.cursor().setActiveCell(2, 2);
         choose(c.shown);
-        grid.setActiveCell(2, 2);
+        grid.cursor().setActiveCell(2, 2);
         type(c.typed);
-        EXPECT_EQ(grid.text(2, 2).toStdString(), c.text);
-        EXPECT_EQ(grid.sheet().style({2, 2}).type, c.type);
-        EXPECT_EQ(printed(grid.sheet(), 2, 2), c.print);
+        EXPECT_EQ(grid.cells().text(2, 2).toStdString(), c.text);
+        EXPECT_EQ(grid.cells().sheet().style({2, 2}).type, c.type);
+        EXPECT_EQ(printed(grid.cells().sheet(), 2, 2), c.print);
 
         spreadsheet::Workbook loaded;
-        loadContent(loaded, saveContent(grid.workbook()));
-        EXPECT_EQ(loaded.sheet(1).value({2, 2}), grid.sheet().value({2, 2}));
+        loadContent(loaded, saveContent(grid.cells().workbook()));
+        EXPECT_EQ(loaded.sheet(1).value({2, 2}), grid.cells().sheet().value({2, 2}));
         EXPECT_EQ(loaded.sheet(1).style({2, 2}).type, c.type);
 
-        grid.select({2, 2, 2, 2});
+        grid.cursor().select({2, 2, 2, 2});
         key(Qt::Key_C, Qt::ControlModifier);
-        grid.setActiveCell(4, 4);
+        grid.cursor().setActiveCell(4, 4);
         key(Qt::Key_V, Qt::ControlModifier);
-        EXPECT_EQ(grid.text(4, 4).toStdString(), c.text) << "a cell pasted";
-        EXPECT_EQ(grid.sheet().style({4, 4}).type, c.type);
+        EXPECT_EQ(grid.cells().text(4, 4).toStdString(), c.text) << "a cell pasted";
+        EXPECT_EQ(grid.cells().sheet().style({4, 4}).type, c.type);
 
         if (std::string(c.text).empty() || c.type == CellType::checkBox)
             continue;
         QApplication::clipboard()->setText(c.typed);
-        grid.setActiveCell(2, 6);
+        grid.cursor().setActiveCell(2, 6);
         choose(c.shown);
         key(Qt::Key_V, Qt::ControlModifier);
-        EXPECT_EQ(grid.text(2, 6).toStdString(), c.text) << "a text pasted";
-        EXPECT_EQ(grid.sheet().style({2, 6}).type, c.type);
+        EXPECT_EQ(grid.cells().text(2, 6).toStdString(), c.text) << "a text pasted";
+        EXPECT_EQ(grid.cells().sheet().style({2, 6}).type, c.type);
     }
 }
 

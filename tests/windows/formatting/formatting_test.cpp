@@ -29,7 +29,7 @@ using spreadsheet::LineStyle;
 
 class Formatting : public test::WindowTest {
 protected:
-    const CellStyle& style(int column, int row) { return grid.sheet().style({column, row}); }
+    const CellStyle& style(int column, int row) { return grid.cells().sheet().style({column, row}); }
     void choose(QDialog& dialog, const char* list, const QString& entry)
     {
         auto& box = control<QComboBox>(dialog, list);
@@ -52,21 +52,21 @@ TEST_F(Formatting, TogglesInvertEachCellOfABlock)
                    {toggleWrap, [](const CellStyle& s) { return s.wrap; }},
                    {toggleLock, [](const CellStyle& s) { return s.locked; }}};
     for (const auto& [toggle, read] : toggles) {
-        grid.setActiveCell(2, 2);
+        grid.cursor().setActiveCell(2, 2);
         toggle(grid); // the active cell alone
         EXPECT_TRUE(read(style(2, 2)));
         EXPECT_FALSE(read(style(1, 2)));
-        grid.select({1, 1, 3, 4});
+        grid.cursor().select({1, 1, 3, 4});
         toggle(grid);
         EXPECT_FALSE(read(style(2, 2)));
         EXPECT_TRUE(read(style(1, 1)));
         EXPECT_TRUE(read(style(3, 4)));
         EXPECT_FALSE(read(style(4, 4)));
-        EXPECT_EQ(grid.current(), (spreadsheet::CellAddress{3, 4}));
-        grid.undo(); // one step
+        EXPECT_EQ(grid.cells().current(), (spreadsheet::CellAddress{3, 4}));
+        grid.commands().undo(); // one step
         EXPECT_TRUE(read(style(2, 2)));
         EXPECT_FALSE(read(style(1, 1)));
-        grid.undo();
+        grid.commands().undo();
     }
 }
 
@@ -74,7 +74,7 @@ TEST_F(Formatting, SetsAndColours)
 {
     ScriptedColourDialog colours;
     const ColourDialogInUse inUse(colours);
-    grid.select({1, 1, 2, 3});
+    grid.cursor().select({1, 1, 2, 3});
     alignCells(grid, spreadsheet::HorizontalAlignment::centre);
     alignCells(grid, spreadsheet::HorizontalAlignment::centre); // set, not toggled
     alignCells(grid, spreadsheet::VerticalAlignment::bottom);
@@ -100,31 +100,31 @@ TEST_F(Formatting, SetsAndColours)
 
 TEST_F(Formatting, MergingAndUnmerging)
 {
-    grid.select({1, 1, 2, 2});
+    grid.cursor().select({1, 1, 2, 2});
     EXPECT_FALSE(mergeCells(grid));
-    grid.select({2, 2, 4, 4}); // meets the first
+    grid.cursor().select({2, 2, 4, 4}); // meets the first
     EXPECT_TRUE(mergeCells(grid));
-    EXPECT_EQ(grid.spanAt(1, 1), (CellRange{1, 1, 2, 2}));
-    EXPECT_FALSE(grid.spanAt(4, 4));
-    grid.select({2, 2, 9, 9}); // reaches into it
+    EXPECT_EQ(grid.cells().spanAt(1, 1), (CellRange{1, 1, 2, 2}));
+    EXPECT_FALSE(grid.cells().spanAt(4, 4));
+    grid.cursor().select({2, 2, 9, 9}); // reaches into it
     unmergeCells(grid);
-    EXPECT_FALSE(grid.spanAt(1, 1));
+    EXPECT_FALSE(grid.cells().spanAt(1, 1));
 }
 
 TEST_F(Formatting, ACellMergedAloneIsASpan)
 {
-    grid.setActiveCell(3, 3);
+    grid.cursor().setActiveCell(3, 3);
     EXPECT_FALSE(mergeCells(grid));
-    EXPECT_EQ(grid.spanAt(3, 3), (CellRange{3, 3, 3, 3}));
-    grid.select({3, 3, 4, 4});
+    EXPECT_EQ(grid.cells().spanAt(3, 3), (CellRange{3, 3, 3, 3}));
+    grid.cursor().select({3, 3, 4, 4});
     EXPECT_TRUE(mergeCells(grid));
-    EXPECT_FALSE(grid.spanAt(4, 4)) << "a cell of the range is merged already";
+    EXPECT_FALSE(grid.cells().spanAt(4, 4)) << "a cell of the range is merged already";
     unmergeCells(grid);
     EXPECT_FALSE(mergeCells(grid));
-    EXPECT_EQ(grid.spanAt(4, 4), (CellRange{3, 3, 4, 4}));
-    grid.undo();
-    grid.undo();
-    EXPECT_EQ(grid.spanAt(3, 3), (CellRange{3, 3, 3, 3}));
+    EXPECT_EQ(grid.cells().spanAt(4, 4), (CellRange{3, 3, 4, 4}));
+    grid.commands().undo();
+    grid.commands().undo();
+    EXPECT_EQ(grid.cells().spanAt(3, 3), (CellRange{3, 3, 3, 3}));
 }
 
 TEST_F(Formatting, LinesChosenByTheirHeadingsKeepOneFormatEach)
@@ -136,20 +136,20 @@ TEST_F(Formatting, LinesChosenByTheirHeadingsKeepOneFormatEach)
     toggleBold(grid);
     QTest::mouseClick(&grid, Qt::LeftButton, {}, row);
     toggleItalic(grid);
-    const std::size_t steps = grid.workbook().journal().steps();
+    const std::size_t steps = grid.cells().workbook().journal().steps();
     QTest::mouseClick(&grid, Qt::LeftButton, {}, column);
     toggleBold(grid); // inverted everywhere, where the row crosses too
-    EXPECT_EQ(grid.workbook().journal().steps(), steps + 1);
+    EXPECT_EQ(grid.cells().workbook().journal().steps(), steps + 1);
     EXPECT_FALSE(style(3, 4).font.bold);
     EXPECT_TRUE(style(3, 4).font.italic);
     toggleBold(grid);
-    grid.setActiveCell(3, 300);
+    grid.cursor().setActiveCell(3, 300);
     QTest::keyClick(&grid, Qt::Key_7);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     EXPECT_TRUE(style(3, 300).font.bold) << "what is typed into a fresh cell";
     spreadsheet::Workbook loaded;
-    loadContent(loaded, saveContent(grid.workbook()));
-    for (const spreadsheet::Sheet* sheet : {&grid.sheet(), &loaded.sheet(1)}) {
+    loadContent(loaded, saveContent(grid.cells().workbook()));
+    for (const spreadsheet::Sheet* sheet : {&grid.cells().sheet(), &loaded.sheet(1)}) {
         EXPECT_LE(sheet->storedColumns(), 3);
         EXPECT_TRUE(sheet->style({3, 499}).font.bold);
         EXPECT_TRUE(sheet->style({40, 4}).font.italic);
@@ -169,95 +169,95 @@ TEST_F(Formatting, ThePainterTakesLooksAlong)
         QCoreApplication::processEvents();
     };
     const auto bold = [this](int column, int row) { return style(column, row).font.bold; };
-    grid.select({1, 1, 1, 1});
+    grid.cursor().select({1, 1, 1, 1});
     toggleBold(grid);
-    grid.select({1, 1, 2, 1}); // bold, plain
+    grid.cursor().select({1, 1, 2, 1}); // bold, plain
     FormatPainter::start(grid);
     drag({3, 3}, {6, 4}); // twice as wide, twice as high
     EXPECT_TRUE(bold(3, 3) && !bold(4, 3) && bold(5, 4) && !bold(6, 4) && !bold(3, 5));
-    grid.undo(); // one step
+    grid.commands().undo(); // one step
     EXPECT_FALSE(bold(3, 3) || bold(5, 4));
     drag({3, 3}, {3, 3});
     EXPECT_FALSE(bold(3, 3)) << "it paints once";
 
-    grid.select({1, 1, 2, 1});
+    grid.cursor().select({1, 1, 2, 1});
     FormatPainter::start(grid);
     QTest::keyClick(&grid, Qt::Key_Escape);
     drag({3, 3}, {3, 3});
     EXPECT_FALSE(bold(3, 3));
 
-    grid.select({2, 1, 2, 1});
-    grid.select({1, 1, 1, 1});
+    grid.cursor().select({2, 1, 2, 1});
+    grid.cursor().select({1, 1, 1, 1});
     FormatPainter::start(grid);
     QTest::keyClick(&grid, Qt::Key_Down);
     QTest::keyClick(&grid, Qt::Key_Return);
     EXPECT_TRUE(bold(1, 2)) << "by keys";
-    grid.select({1, 1, 1, 1});
+    grid.cursor().select({1, 1, 1, 1});
     FormatPainter::start(grid);
     QTest::mouseClick(&grid, Qt::LeftButton, {}, {grid.cellRect({5, 1}).center().x(), 5});
     QCoreApplication::processEvents();
     EXPECT_TRUE(bold(5, 1) && bold(5, 500));
-    EXPECT_TRUE(grid.sheet().column(5)->empty()) << "a whole column takes no cells";
+    EXPECT_TRUE(grid.cells().sheet().column(5)->empty()) << "a whole column takes no cells";
 }
 
 TEST_F(Formatting, SizesOfSelectedLines)
 {
-    grid.select({2, 3, 4, 5});
+    grid.cursor().select({2, 3, 4, 5});
     frmLineSize heights(grid, frmLineSize::Lines::rows), widths(grid, frmLineSize::Lines::columns);
     EXPECT_EQ(control<QDoubleSpinBox>(heights, "size").value(), spreadsheet::defaultRowHeight / 20.0);
     control<QDoubleSpinBox>(heights, "size").setValue(30);
     control<QPushButton>(heights, "cmdXPOK").click();
     control<QDoubleSpinBox>(widths, "size").setValue(100.5);
     control<QPushButton>(widths, "cmdXPOK").click();
-    const auto& settings = grid.sheet().settings();
+    const auto& settings = grid.cells().sheet().settings();
     EXPECT_EQ(settings.rows.sizes, (std::map<int, int>{{3, 600}, {4, 600}, {5, 600}}));
     EXPECT_EQ(settings.columns.sizes, (std::map<int, int>{{2, 2010}, {3, 2010}, {4, 2010}}));
-    grid.undo();
-    EXPECT_TRUE(grid.sheet().settings().columns.sizes.empty());
+    grid.commands().undo();
+    EXPECT_TRUE(grid.cells().sheet().settings().columns.sizes.empty());
 }
 
 TEST_F(Formatting, EntriesAndCaptions)
 {
-    grid.select({2, 2, 2, 3});
+    grid.cursor().select({2, 2, 2, 3});
     frmDropDownEntries entries(grid);
     control<QPlainTextEdit>(entries, "entries").setPlainText(" 部门\n\n客户\n部门\n");
     control<QPushButton>(entries, "cmdXPOK").click();
     EXPECT_EQ(style(2, 3).type, CellType::dropDown);
-    EXPECT_EQ(grid.sheet().dropDownEntries({2, 3})->size(), 2u);
+    EXPECT_EQ(grid.cells().sheet().dropDownEntries({2, 3})->size(), 2u);
     frmDropDownEntries again(grid);
     EXPECT_EQ(control<QPlainTextEdit>(again, "entries").toPlainText(), "部门\n客户");
-    grid.select({4, 1, 4, 500}); // one list for the whole column
+    grid.cursor().select({4, 1, 4, 500}); // one list for the whole column
     frmDropDownEntries column(grid);
     control<QPlainTextEdit>(column, "entries").setPlainText("是\n否");
     control<QPushButton>(column, "cmdXPOK").click();
-    EXPECT_EQ(grid.sheet().settings().dropDowns.count({4, 0}), 1u);
-    EXPECT_EQ(grid.sheet().settings().dropDowns.size(), 3u);
-    EXPECT_EQ(grid.sheet().dropDownEntries({4, 77})->front(), "是");
+    EXPECT_EQ(grid.cells().sheet().settings().dropDowns.count({4, 0}), 1u);
+    EXPECT_EQ(grid.cells().sheet().settings().dropDowns.size(), 3u);
+    EXPECT_EQ(grid.cells().sheet().dropDownEntries({4, 77})->front(), "是");
 
-    grid.setActiveCell(6, 6);
-    grid.setText(6, 6, "7");
+    grid.cursor().setActiveCell(6, 6);
+    grid.cells().setText(6, 6, "7");
     frmButtonCaption caption(grid);
     control<QLineEdit>(caption, "caption").setText("计算");
     control<QPushButton>(caption, "cmdXPOK").click();
     EXPECT_EQ(style(6, 6).type, CellType::button);
-    EXPECT_EQ(*grid.sheet().buttonCaption({6, 6}), "计算");
-    EXPECT_EQ(grid.text(6, 6), "7");
-    grid.undo(); // type and caption are one step
-    EXPECT_EQ(grid.sheet().buttonCaption({6, 6}), nullptr);
+    EXPECT_EQ(*grid.cells().sheet().buttonCaption({6, 6}), "计算");
+    EXPECT_EQ(grid.cells().text(6, 6), "7");
+    grid.commands().undo(); // type and caption are one step
+    EXPECT_EQ(grid.cells().sheet().buttonCaption({6, 6}), nullptr);
     EXPECT_EQ(style(6, 6).type, CellType::edit);
 }
 
 TEST_F(Formatting, InsertionAtTheEdgeLosesNothing)
 {
-    grid.setText(1, grid.rowCount(), "最后一行");
-    grid.setText(grid.columnCount(), 1, "最后一列");
-    grid.setActiveCell(1, grid.rowCount());
+    grid.cells().setText(1, grid.cells().rowCount(), "最后一行");
+    grid.cells().setText(grid.cells().columnCount(), 1, "最后一列");
+    grid.cursor().setActiveCell(1, grid.cells().rowCount());
     EXPECT_FALSE(insertRow(grid));
-    EXPECT_EQ(grid.rowCount(), 501);
-    EXPECT_EQ(grid.text(1, 501), "最后一行");
-    grid.setActiveCell(grid.columnCount(), 1);
+    EXPECT_EQ(grid.cells().rowCount(), 501);
+    EXPECT_EQ(grid.cells().text(1, 501), "最后一行");
+    grid.cursor().setActiveCell(grid.cells().columnCount(), 1);
     EXPECT_FALSE(insertColumn(grid));
-    EXPECT_EQ(grid.text(51, 1), "最后一列");
+    EXPECT_EQ(grid.cells().text(51, 1), "最后一列");
 }
 
 TEST_F(Formatting, DataTypes)
@@ -271,8 +271,8 @@ TEST_F(Formatting, DataTypes)
         {"复选框", CellType::checkBox}};
     gCellCol = 2;
     gCellRow = 3;
-    grid.setText(2, 3, "文本");
-    grid.sheet().setTag({2, 3}, "13");
+    grid.cells().setText(2, 3, "文本");
+    grid.cells().sheet().setTag({2, 3}, "13");
     int row = 0;
     for (const auto& [shown, type] : types) {
         frmDataType dialog(grid);
@@ -283,10 +283,10 @@ TEST_F(Formatting, DataTypes)
         EXPECT_EQ(control<QComboBox>(dialog, "PC_0").isEnabled(), type == CellType::number);
         control<QPushButton>(dialog, "cmdXPOK").click();
         EXPECT_EQ(style(2, 3).type, type);
-        EXPECT_EQ(grid.sheet().tag({2, 3}).view(), std::to_string(static_cast<int>(type)));
-        EXPECT_EQ(grid.sheet().value({2, 3}).text().view(), "文本"); // what does not fit is kept
+        EXPECT_EQ(grid.cells().sheet().tag({2, 3}).view(), std::to_string(static_cast<int>(type)));
+        EXPECT_EQ(grid.cells().sheet().value({2, 3}).text().view(), "文本"); // what does not fit is kept
     }
-    grid.select({1, 1, 2, 1});
+    grid.cursor().select({1, 1, 2, 1});
     frmDataType dialog(grid);
     choose(dialog, "PC_1", "数字型");
     choose(dialog, "PC_0", "15");
@@ -297,7 +297,7 @@ TEST_F(Formatting, DataTypes)
 
 TEST_F(Formatting, Borders)
 {
-    grid.select({1, 1, 2, 2});
+    grid.cursor().select({1, 1, 2, 2});
     frmCellBorder all(grid);
     control<QPushButton>(all, "cmdXPOK").click(); // all sides, solid
     const spreadsheet::BorderLine line{LineStyle::solid, 0x000080};

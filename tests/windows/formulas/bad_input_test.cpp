@@ -29,7 +29,7 @@ protected:
     {
         return control<spreadsheet::SpreadsheetControl>(*designer, "fps1");
     }
-    std::string formula() { return grid().sheet().formula({1, 1}); }
+    std::string formula() { return grid().cells().sheet().formula({1, 1}); }
     static QLineEdit& box(QWidget& window, int index)
     {
         return control<QLineEdit>(window, ("txt_" + std::to_string(index)).c_str());
@@ -70,8 +70,8 @@ TEST_F(FormulaDialogsBadInput, TextsAreWrittenUnchangedOrRefusedWithTheirReason)
             for (const auto& [text, refused] : texts) {
                 const std::string what =
                     std::string(acct ? "Acct " : "REF_F ") + std::to_string(index) + text;
-                grid().setCurrent(1, 1);
-                demand(grid().setFormula("1+1"));
+                grid().cells().setCurrent(1, 1);
+                demand(grid().cells().setFormula("1+1"));
                 ledger.boxes.said.clear();
                 inDialog(acct, [&, index = index, text = text, refused = refused](QWidget& dialog) {
                     box(dialog, index).setText(QString::fromUtf8(text));
@@ -121,12 +121,12 @@ TEST_F(FormulaDialogsBadInput, ALostDatabaseLeavesTheDialogsAndTheirTexts)
             QTest::keyClick(&box(wizard, 0), Qt::Key_Tab);
             EXPECT_EQ(ledger.boxes.said.size(), 2U); // classes could not be read
             auto& items = control<spreadsheet::SpreadsheetControl>(wizard, "fps1");
-            items.setText(1, 1, "客户");
-            items.setText(2, 1, "1");
-            items.setActiveCell(3, 1);
+            items.cells().setText(1, 1, "客户");
+            items.cells().setText(2, 1, "1");
+            items.cursor().setActiveCell(3, 1);
             QTest::keyClick(&items, Qt::Key_F7);
             EXPECT_EQ(ledger.boxes.said.size(), 3U);
-            EXPECT_EQ(items.text(3, 1), "");
+            EXPECT_EQ(items.cells().text(3, 1), "");
             control<QPushButton>(wizard, "cmdXPOK").click();
         });
         QTest::keyClick(&box(dialog, 0), Qt::Key_F7);
@@ -143,7 +143,7 @@ TEST_F(FormulaDialogsBadInput, ALostDatabaseLeavesTheDialogsAndTheirTexts)
         control<QPushButton>(dialog, "cmdXPOK").click();
         EXPECT_FALSE(dialog.isVisible());
     });
-    EXPECT_EQ(grid().text(1, 1), "300.00");
+    EXPECT_EQ(grid().cells().text(1, 1), "300.00");
 }
 
 } // namespace

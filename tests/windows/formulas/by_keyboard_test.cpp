@@ -38,7 +38,7 @@ protected:
         show(*designer);
         return grid().hasFocus();
     }
-    std::string formula(int column, int row) { return grid().sheet().formula({column, row}); }
+    std::string formula(int column, int row) { return grid().cells().sheet().formula({column, row}); }
 
     test::TestLedger ledger;
     std::unique_ptr<frmEditor> designer;
@@ -54,7 +54,7 @@ TEST_F(ByKeyboard, AcctThroughEveryPicker)
                                     "Tab '2025' Tab '1' Tab '2' Return");
     ASSERT_TRUE(keys.run());
     EXPECT_EQ(formula(2, 2), R"(Acct("1001" ,"2" , "RMB", "2025","1","2"))");
-    EXPECT_EQ(grid().text(2, 2), "100.25");
+    EXPECT_EQ(grid().cells().text(2, 2), "100.25");
     EXPECT_EQ(control<QLineEdit>(*designer, "txtFormula").text().toStdString(), formula(2, 2));
     EXPECT_TRUE(gridHasFocus()); // ready for the next cell
     EXPECT_TRUE(ledger.boxes.said.empty());
@@ -68,7 +68,7 @@ TEST_F(ByKeyboard, AcctWithAnItemOfTheAccount)
                                     "Return Alt+Q Wait Tab '2' Tab Tab '2025' Tab '1' Tab '2' Return");
     ASSERT_TRUE(keys.run());
     EXPECT_EQ(formula(1, 1), R"(Acct("1122|客户|002" ,"2" , "", "2025","1","2"))");
-    EXPECT_EQ(grid().text(1, 1), "180.00");
+    EXPECT_EQ(grid().cells().text(1, 1), "180.00");
 }
 
 TEST_F(ByKeyboard, ReferenceToACellOfAnotherReport)
@@ -81,7 +81,7 @@ TEST_F(ByKeyboard, ReferenceToACellOfAnotherReport)
     test::KeyScript keys(*designer, "Down Ctrl+G Down Return 'R1' Tab 'B3' Tab '1' Return");
     ASSERT_TRUE(keys.run());
     EXPECT_EQ(formula(1, 2), R"(REF_F("R1" ,"B3" , "1"))");
-    EXPECT_EQ(grid().text(1, 2), "2000.50");
+    EXPECT_EQ(grid().cells().text(1, 2), "2000.50");
     EXPECT_TRUE(gridHasFocus());
 }
 
@@ -90,7 +90,7 @@ TEST_F(ByKeyboard, EscLeavesEverythingAsItWas)
     openDesigner();
     test::KeyScript keys(*designer, "'7' Return Up Ctrl+G Return F7 F7 Esc '1001' Esc '1002' Esc");
     ASSERT_TRUE(keys.run());
-    EXPECT_EQ(grid().text(1, 1), "7");
+    EXPECT_EQ(grid().cells().text(1, 1), "7");
     EXPECT_EQ(formula(1, 1), "");
     EXPECT_TRUE(gridHasFocus());
 }

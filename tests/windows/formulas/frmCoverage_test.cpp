@@ -68,7 +68,7 @@ protected:
     {
         return control<spreadsheet::SpreadsheetControl>(*designer, "fps1");
     }
-    std::string cell() { return spreadsheet::cellName(grid().activeCell()); }
+    std::string cell() { return spreadsheet::cellName(grid().cursor().activeCell()); }
 
     test::TestLedger ledger;
     std::unique_ptr<frmEditor> designer;
@@ -109,7 +109,7 @@ TEST_F(CoverageWindow, RangeAndMeasureAreChosenByKeyboard)
     EXPECT_EQ(lines(window), QStringList());
     EXPECT_EQ(summary(window), "末级科目 1 个：未取 0 个(其中 0 个有金额)，重复 0 个，仅取部分项目 0 个");
     // The gap is mended in the designer, which stays in reach, and looked at again.
-    demand(grid().setFormula(R"(Acct("2001","2","","2025","1","2"))"));
+    demand(grid().cells().setFormula(R"(Acct("2001","2","","2025","1","2"))"));
     EXPECT_EQ(&open(), &window);
     EXPECT_EQ(measure.currentIndex(), 1); // what was chosen stays chosen
     from.setText("9'9");
@@ -135,8 +135,8 @@ TEST_F(CoverageWindow, FailuresAreToldOnceAndLeaveAnEmptyList)
     ledger.run("alter table gone rename to tblAccount");
     control<QPushButton>(window, "cmdXPOK").click();
     EXPECT_EQ(lines(window).size(), 3);
-    grid().addSheet();
-    grid().setActiveSheet(2);
+    grid().commands().addSheet();
+    grid().cells().setActiveSheet(2);
     control<QPushButton>(window, "cmdXPOK").click();
     EXPECT_EQ(summary(window), "当前表页没有可用的 Acct 取数公式");
 }

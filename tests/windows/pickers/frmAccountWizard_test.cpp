@@ -29,20 +29,20 @@ protected:
     void press(const char* button) { control<QPushButton>(wizard, button).click(); }
     QStringList entries(int column, int row)
     {
-        grid().setCurrent(column, row);
-        return grid().dropDown();
+        grid().cells().setCurrent(column, row);
+        return grid().cells().dropDown();
     }
     QString row(int row)
     {
         QStringList texts;
         for (int column = 1; column <= 4; ++column)
-            texts.append(grid().text(column, row));
+            texts.append(grid().cells().text(column, row));
         return texts.join('|');
     }
     /// Opens a cell's drop-down and presses the keys in its list.
     void chooseEntry(int column, int row, std::initializer_list<Qt::Key> keys)
     {
-        grid().setActiveCell(column, row);
+        grid().cursor().setActiveCell(column, row);
         QTest::keyClick(&grid(), Qt::Key_Down, Qt::AltModifier);
         auto* list = wizard.findChild<QListWidget*>();
         ASSERT_TRUE(list != nullptr && list->isVisible());
@@ -80,11 +80,11 @@ TEST_F(AccountWizard, WholeWayByKeyboard)
     }
     chooseEntry(1, 1, {Qt::Key_Home, Qt::Key_Return});
     EXPECT_EQ(row(1), "客户|1||"); // the id follows
-    grid().setActiveCell(3, 1);
+    grid().cursor().setActiveCell(3, 1);
     answerChooser("clsItemChooser", {Qt::Key_Return});
     QTest::keyClick(&grid(), Qt::Key_F7);
     EXPECT_EQ(row(1), "客户|1|001|001"); // fills the empty end too
-    grid().setActiveCell(4, 1);
+    grid().cursor().setActiveCell(4, 1);
     answerChooser("clsItemChooser", {Qt::Key_Down, Qt::Key_Return});
     QTest::keyClick(&grid(), Qt::Key_Down, Qt::AltModifier); // the drop-down is a button here
     EXPECT_EQ(row(1), "客户|1|001|002");
@@ -125,14 +125,14 @@ TEST_F(AccountWizard, ChoosersStayShutWhereNothingCanBePicked)
 {
     enterReceivables();
     for (const int column : {1, 2, 3, 4}) {
-        grid().setActiveCell(column, 1);
+        grid().cursor().setActiveCell(column, 1);
         QTest::keyClick(&grid(), Qt::Key_F7); // no class in this row; would wait for ever
         EXPECT_EQ(row(1), "|||");
     }
     chooseEntry(1, 2, {Qt::Key_End, Qt::Key_Return});
     EXPECT_EQ(row(2), "部门|2||");
     for (const int column : {1, 2}) {
-        grid().setActiveCell(column, 2);
+        grid().cursor().setActiveCell(column, 2);
         QTest::keyClick(&grid(), Qt::Key_F7);
     }
     chooseEntry(1, 2, {Qt::Key_Home, Qt::Key_Escape});
@@ -140,22 +140,22 @@ TEST_F(AccountWizard, ChoosersStayShutWhereNothingCanBePicked)
     EXPECT_TRUE(ledger.boxes.said.empty());
     for (const char* id : {"32768", "-1", "一"}) {
         ledger.boxes.said.clear();
-        grid().setText(2, 3, id);
-        grid().setActiveCell(3, 3);
+        grid().cells().setText(2, 3, id);
+        grid().cursor().setActiveCell(3, 3);
         QTest::keyClick(&grid(), Qt::Key_F7);
         ASSERT_EQ(ledger.boxes.said.size(), 1U) << id;
         EXPECT_EQ(ledger.boxes.said[0].text, std::string("核算项目类别编号无效: ") + id);
-        EXPECT_EQ(grid().text(3, 3), "");
+        EXPECT_EQ(grid().cells().text(3, 3), "");
     }
 }
 
 TEST_F(AccountWizard, RowsAreTakenLiterallyAndCancelHandsNothingBack)
 {
     press("MenuInsertRow");
-    EXPECT_EQ(grid().rowCount(), 11);
-    grid().setText(3, 2, "01");
-    grid().setText(1, 11, "部门");
-    grid().setText(4, 11, " 05 ");
+    EXPECT_EQ(grid().cells().rowCount(), 11);
+    grid().cells().setText(3, 2, "01");
+    grid().cells().setText(1, 11, "部门");
+    grid().cells().setText(4, 11, " 05 ");
     box(0).setText("1001");
     EXPECT_EQ(control<QLabel>(wizard, "lblWords").text().left(9), "科目 1001,(");
     press("cmdXPOK");

@@ -25,18 +25,18 @@ struct HeaderFooter : test::PrintingTest {
     }
     static std::string text(headerfooter& window, int column, int row)
     {
-        return spread(window).text(column, row).toStdString();
+        return spread(window).cells().text(column, row).toStdString();
     }
     static void type(headerfooter& window, int column, int row, const char* keys)
     {
-        spread(window).setActiveCell(column, row);
+        spread(window).cursor().setActiveCell(column, row);
         for (const char* key = keys; *key; ++key) // the first one opens an editor, which has the others
             QTest::keyClick(key == keys ? &spread(window) : QApplication::focusWidget(), *key);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     }
     static void rightButton(headerfooter& window, int column, int row)
     {
-        spread(window).setActiveCell(column, row);
+        spread(window).cursor().setActiveCell(column, row);
         QMouseEvent release(QEvent::MouseButtonRelease, QPointF(5, 5), QPointF(5, 5), Qt::RightButton,
                             Qt::NoButton, Qt::NoModifier);
         QApplication::sendEvent(&spread(window), &release);
@@ -59,7 +59,7 @@ TEST_F(HeaderFooter, OpensOnTheHeaderAndSwitchesToTheFooter)
     EXPECT_TRUE(!header.font().bold() && footer.font().bold());
     EXPECT_EQ(text(window, 3, 1), "") << "the header's cells are gone";
     EXPECT_EQ(text(window, 5, 1), "<Page Number>");
-    EXPECT_EQ(spread(window).sheet().style({5, 1}).foreground, 0x808080U);
+    EXPECT_EQ(spread(window).cells().sheet().style({5, 1}).foreground, 0x808080U);
     EXPECT_EQ(save(window).text(), "保存页脚");
 }
 
@@ -106,12 +106,12 @@ TEST_F(HeaderFooter, TheRightButtonPutsThePageNumberInAndOut)
     EXPECT_EQ(text(window, 2, 1), "...") << "a button column";
     rightButton(window, 1, 1);
     EXPECT_EQ(text(window, 1, 1), "<Page Number>");
-    EXPECT_EQ(spread(window).sheet().style({1, 1}).type, spreadsheet::CellType::staticText);
+    EXPECT_EQ(spread(window).cells().sheet().style({1, 1}).type, spreadsheet::CellType::staticText);
     EXPECT_FALSE(save(window).isEnabled()) << "no editor was opened";
     rightButton(window, 1, 1);
     EXPECT_EQ(text(window, 1, 1), "");
-    EXPECT_EQ(spread(window).sheet().style({1, 1}).type, spreadsheet::CellType::edit);
-    EXPECT_EQ(spread(window).sheet().style({1, 1}).foreground, 0U);
+    EXPECT_EQ(spread(window).cells().sheet().style({1, 1}).type, spreadsheet::CellType::edit);
+    EXPECT_EQ(spread(window).cells().sheet().style({1, 1}).foreground, 0U);
     EXPECT_TRUE(ledger.boxes.said.empty());
 
     rightButton(window, 3, 1);
@@ -133,7 +133,7 @@ TEST_F(HeaderFooter, TheFontButtonSetsTheCellToItsLeft)
     Q_EMIT spread(window).buttonClicked(4, 1);
     EXPECT_EQ(fonts.asked[0], (FontChoice{"宋体", 9, false, false, false, false, 0}));
     EXPECT_EQ(window.GetCellData(3, 1), R"(/fn"黑体"/fz"10.5"/fb1/fi1/fu1/fk1/c利润表)");
-    EXPECT_EQ(spread(window).sheet().style({3, 1}).foreground, 0U) << "the colour is not applied";
+    EXPECT_EQ(spread(window).cells().sheet().style({3, 1}).foreground, 0U) << "the colour is not applied";
     Q_EMIT spread(window).buttonClicked(4, 1);
     EXPECT_EQ(window.GetCellData(3, 1), R"(/fn"黑体"/fz"10.5"/fb1/fi1/fu1/fk1/c利润表)") << "cancelled";
 }
@@ -146,7 +146,7 @@ TEST_F(HeaderFooter, LinesAreAsHighAsTheirFonts)
     const auto height = [&](int row) { return spread(window).cellRect({3, row}).height(); };
     EXPECT_GT(height(2), height(1));
     for (const auto& [row, points] : {std::pair(1, 14), {2, 28}})
-        EXPECT_GE(spread(window).sheet().settings().rows.size(row), points * 20) << points;
+        EXPECT_GE(spread(window).cells().sheet().settings().rows.size(row), points * 20) << points;
     control<QRadioButton>(window, "Option3_1").click();
     EXPECT_EQ(height(2), height(3)) << "the footer's own";
 }

@@ -1,0 +1,73 @@
+#include "spreadsheet/view/needed_size.h"
+
+#include "spreadsheet/print/PageCells.h"
+#include "spreadsheet/print/PageText.h"
+#include "spreadsheet/view/commands/structure.h"
+#include "spreadsheet/workbook/Sheet.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace spreadsheet {
+
+namespace {
+
+constexpr double paddingAcross = 110; // twips beside a text, the grid line included
+constexpr double paddingDown = 50;
+constexpr int leastWidth = 240;
+
+} // namespace
+
+int neededRowHeight(const Sheet& sheet, int row)
+{
+    PageText text;
+    double needed = defaultRowHeight;
+    for (int column = 1; column <= sheet.storedColumns(); ++column) {
+        const CellAddress cell{column, row};
+        if (sheet.spanAt(cell))
+            continue;
+        const CellStyle& style = sheet.style(cell);
+        const std::string shown = sheet.displayText(cell);
+        if (shown.empty())
+            continue;
+        const double width = sheet.settings().columns.size(column) - 80;
+        const auto lines = text.lines(
+            fromUtf8(shown),
+            text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic}),
+            style.wrap ? std::optional(width) : std::nullopt);
+        needed = std::max(needed, style.font.points * 20 * lineDistance * static_cast<double>(lines.size()) +
+                                      paddingDown);
+    }
+    return std::min(static_cast<int>(std::ceil(needed)), maxLineSize);
+}
+
+int neededColumnWidth(const Sheet& sheet, int column)
+{
+    const Column* cells = sheet.column(column);
+    if (!cells)
+        return defaultColumnWidth;
+    PageText text;
+    double needed = 0;
+    for (const Column::Slot& slot : cells->slots())
+        for (int row = slot.firstRow; row <= slot.lastRow(); ++row) {
+            const CellAddress cell{column, row};
+            if (!slot.block->holdsData(row - slot.firstRow) || sheet.spanAt(cell))
+                continue;
+            const CellStyle& style = sheet.style(cell);
+            const QString shown = fromUtf8(sheet.displayText(cell));
+            // Laying out takes long: only texts that may be the widest. No character is wider than the font
+            // is high.
+            if (style.font.points * 20 * static_cast<double>(shown.size()) * 1.1 < needed)
+                continue;
+            const QFont& font =
+                text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic});
+            const double arrow = style.type == CellType::dropDown ? 260 : 0;
+            for (const TextLine& line : text.lines(shown, font))
+                needed = std::max(needed, line.width + arrow);
+        }
+    if (needed == 0)
+        return defaultColumnWidth;
+    return std::clamp(static_cast<int>(std::ceil(needed + paddingAcross)), leastWidth, maxLineSize);
+}
+
+} // namespace spreadsheet
