@@ -2,6 +2,8 @@
 
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "state/shared_state.h"
+#include "windows/designer/EditorFiles.h"
+#include "windows/designer/EditorFormulas.h"
 #include "windows/designer/EditorStatus.h"
 
 #include <QLineEdit>
@@ -25,17 +27,17 @@ std::string frmEditor::EditorGrid::reportName() const
 
 int frmEditor::EditorGrid::diagnosticsCount() const
 {
-    return static_cast<int>(m_window.m_evaluation.diagnostics().size());
+    return static_cast<int>(m_window.m_formulas->evaluation().diagnostics().size());
 }
 
 std::string frmEditor::EditorGrid::failedFetches() const
 {
-    return failedFetchesText(m_window.m_evaluation.diagnostics());
+    return m_window.m_formulas->failedFetches();
 }
 
 void frmEditor::EditorGrid::goToFailedFetch()
 {
-    m_window.goToFailedFetch();
+    m_window.m_formulas->goToFailedFetch();
 }
 
 void frmEditor::EditorGrid::tellStatus(std::string_view text)
@@ -50,20 +52,27 @@ void frmEditor::EditorGrid::closeDesigner()
 
 std::string_view frmEditor::EditorGrid::pageSetupRefusal() const
 {
-    return m_window.m_report.isUnread() ? "打开时没有读出这张报表，保存以前不能改变页面设置和页眉页脚。" : "";
+    return m_window.m_files->report().isUnread()
+               ? "打开时没有读出这张报表，保存以前不能改变页面设置和页眉页脚。"
+               : "";
 }
 
 void frmEditor::EditorGrid::pageSetupStored(const std::array<double, 4>& inches, bool isPortrait)
 {
-    StoredPageSetup& setup = m_window.m_report.pageSetup();
+    StoredPageSetup& setup = m_window.m_files->report().pageSetup();
     const auto& [left, right, top, bottom] = inches;
     setup = {setup.header, setup.footer, top, bottom, left, right, isPortrait ? 1 : 0};
 }
 
 void frmEditor::EditorGrid::headerStored(bool isFooter, const std::string& codes)
 {
-    StoredPageSetup& setup = m_window.m_report.pageSetup();
+    StoredPageSetup& setup = m_window.m_files->report().pageSetup();
     (isFooter ? setup.footer : setup.header) = codes;
+}
+
+bool frmEditor::EditorGrid::ownsRow(Connection& connection)
+{
+    return m_window.m_files->report().ownsRow(connection);
 }
 
 spreadsheet::Refusal frmEditor::EditorGrid::writeFormula(const QString& formula)

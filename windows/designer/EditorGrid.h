@@ -23,7 +23,7 @@ public:
     void tellStatus(std::string_view text) override;
     void closeDesigner() override;
     std::string_view pageSetupRefusal() const override;
-    bool ownsRow(Connection& connection) override { return m_window.m_report.ownsRow(connection); }
+    bool ownsRow(Connection& connection) override;
     void pageSetupStored(const std::array<double, 4>& inches, bool isPortrait) override;
     void headerStored(bool isFooter, const std::string& codes) override;
     spreadsheet::Refusal writeFormula(const QString& formula) override;

@@ -1,6 +1,8 @@
 #include "windows/designer/editor_commands.h"
 
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "windows/designer/EditorFiles.h"
+#include "windows/designer/EditorFormulas.h"
 #include "windows/designer/frmEditor.h"
 #include "windows/designer/frmGoTo.h"
 #include "windows/formatting/cell_commands.h"
@@ -53,24 +55,24 @@ void align(frmEditor& window)
 constexpr EditorCommand fileCommands[] = {
     {"MenuFileNew", "新建", nullptr, "Ctrl+N"},
     {"MenuFileOpen", "打开", nullptr, "Ctrl+O"},
-    {"MenuFileSave", "保存", [](Window w) { w.MenuFileSave_Click(); }, "Ctrl+S"},
+    {"MenuFileSave", "保存", [](Window w) { w.files().MenuFileSave_Click(); }, "Ctrl+S"},
     {.name = "MenuFileClose", .caption = "关闭", .run = [](Window w) { w.close(); }, .whileTyping = true},
     separator,
-    {"MenuImportExcelFile", "引入Excel文件", [](Window w) { w.MenuImportExcelFile_Click(); }},
-    {"MenuExportExcel", "引出为Excel文件", [](Window w) { w.MenuExportExcel_Click(); }},
+    {"MenuImportExcelFile", "引入Excel文件", [](Window w) { w.files().MenuImportExcelFile_Click(); }},
+    {"MenuExportExcel", "引出为Excel文件", [](Window w) { w.files().MenuExportExcel_Click(); }},
     separator,
-    {"MenuImpoertSpreadFile", "引入Spread文件", [](Window w) { w.MenuImpoertSpreadFile_Click(); }},
-    {"MenuEmportSpreadFile", "引出为Spread文件", [](Window w) { w.MenuEmportSpreadFile_Click(); }},
+    {"MenuImpoertSpreadFile", "引入Spread文件", [](Window w) { w.files().MenuImpoertSpreadFile_Click(); }},
+    {"MenuEmportSpreadFile", "引出为Spread文件", [](Window w) { w.files().MenuEmportSpreadFile_Click(); }},
     separator,
     {"MenuPreview", "打印预览", [](Window w) { w.MenuPreview_Click(); }},
     {"MenuPrint", "打印", [](Window w) { w.MenuPrint_Click(); }},
     separator,
     {.name = "MenuFileExit", .caption = "退出", .run = [](Window w) { w.close(); }, .whileTyping = true},
     separator,
-    {"MenuImportXlsx", "引入Excel工作簿(.xlsx)或文本文件", [](Window w) { w.importXlsx(); }},
-    {"MenuExportXlsx", "引出为Excel工作簿(.xlsx)", [](Window w) { w.exportXlsx(); }},
-    {"MenuExportCsv", "引出为文本文件(.csv)", [](Window w) { w.exportCsv(); }},
-    {"MenuExportHtml", "引出为网页(.html)", [](Window w) { w.exportHtml(); }},
+    {"MenuImportXlsx", "引入Excel工作簿(.xlsx)或文本文件", [](Window w) { w.files().importXlsx(); }},
+    {"MenuExportXlsx", "引出为Excel工作簿(.xlsx)", [](Window w) { w.files().exportXlsx(); }},
+    {"MenuExportCsv", "引出为文本文件(.csv)", [](Window w) { w.files().exportCsv(); }},
+    {"MenuExportHtml", "引出为网页(.html)", [](Window w) { w.files().exportHtml(); }},
     {"MenuExportPdf", "引出为PDF文件", [](Window w) { w.exportPdf(); }},
     {"MenuPrintOptions", "打印选项", [](Window w) { frmPrintOptions(&w).exec(); }},
     {"MenuPageBreak", "插入/取消分页符", [](Window) { togglePageBreaksAtSelection(); }},
@@ -170,11 +172,11 @@ constexpr EditorCommand insertCommands[] = {
 };
 
 constexpr EditorCommand optionCommands[] = {
-    {"MenuRecalculate", "重算", [](Window w) { w.MenuRecalculate_Click(); }, "Ctrl+J"},
-    {"MenuShowDate", "显示数据", [](Window w) { w.MenuShowDate_Click(); }},
-    {"MenuShowFormula", "显示公式", [](Window w) { w.MenuShowFormula_Click(); }},
+    {"MenuRecalculate", "重算", [](Window w) { w.formulas().MenuRecalculate_Click(); }, "Ctrl+J"},
+    {"MenuShowDate", "显示数据", [](Window w) { w.formulas().MenuShowDate_Click(); }},
+    {"MenuShowFormula", "显示公式", [](Window w) { w.formulas().MenuShowFormula_Click(); }},
     separator,
-    {"MenuDiagnostics", "取数诊断", [](Window w) { w.showDiagnostics(); }},
+    {"MenuDiagnostics", "取数诊断", [](Window w) { w.formulas().showDiagnostics(); }},
     {"MenuCoverage", "覆盖检查", [](Window w) { w.showCoverage(); }},
 };
 

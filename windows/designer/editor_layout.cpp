@@ -8,6 +8,8 @@
 #include "state/shared_state.h"
 #include "windows/designer/DiagnosticsPanel.h"
 #include "windows/designer/editor_commands.h"
+#include "windows/designer/EditorFiles.h"
+#include "windows/designer/EditorFormulas.h"
 #include "windows/designer/EditorStatus.h"
 #include "windows/designer/FailedFetchBar.h"
 #include "windows/designer/FormulaBox.h"
@@ -219,13 +221,8 @@ void frmEditor::connectGrid()
     m_fps1->entry().functionHints().describe("REF_F", QStringLiteral("表名,单元格名称,标签"),
                                              QStringLiteral("表间取数公式"));
     m_fps1->ask = [](const QString& question) { return dialogs().question(gTitle, question.toStdString()); };
-    m_fps1->cells().recalculateChanged = [this] {
-        compute(Extent::changes, [this] { return m_evaluation.recalculateChanged(); });
-    };
-    m_fps1->setCellNotes([this](int sheetId, spreadsheet::CellAddress cell) {
-        return m_diagnostics->reasonFor(
-            {m_fps1->cells().workbook().sheetIndexOfId(sheetId), cell.column, cell.row});
-    });
+    connect(m_formulas.get(), &EditorFormulas::shown, this, &frmEditor::enterCell);
+    connect(m_files.get(), &EditorFiles::shown, this, &frmEditor::enterCell);
     connect(m_fps1, &SpreadsheetControl::leaveCell, this, &frmEditor::fps1_LeaveCell);
     connect(m_fps1, &SpreadsheetControl::selectionChanged, this, &frmEditor::enterCell);
     connect(m_fps1, &SpreadsheetControl::cellChanged, this, &frmEditor::enterCell);
@@ -234,8 +231,6 @@ void frmEditor::connectGrid()
     connect(m_fps1, &SpreadsheetControl::contextMenuWanted, this,
             [this](const QPoint& place) { m_menuEdit->popup(place); });
     connect(m_fps1, &SpreadsheetControl::editModeChanged, this, [this] { m_refusedAtClosing.clear(); });
-    connect(m_failedFetches, &FailedFetchBar::clicked, this, &frmEditor::goToFailedFetch);
-    connect(m_diagnostics, &DiagnosticsPanel::chosen, this, &frmEditor::goToDiagnostic);
 }
 
 } // namespace selfreport

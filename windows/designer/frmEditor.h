@@ -1,15 +1,8 @@
 #pragma once
-#include "fetch/evaluation.h"
-#include "platform/services/FileDialog.h"
-#include "windows/designer/editor_saving.h"
-#include "windows/designer/Recovery.h"
-
 #include <QDialog>
 
-#include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 class QAction;
 class QComboBox;
@@ -21,13 +14,14 @@ class QToolBar;
 namespace spreadsheet {
 class Refusal;
 class SpreadsheetControl;
-enum class FileFormat;
 } // namespace spreadsheet
 
 namespace selfreport {
 
 class DiagnosticsPanel;
 class FailedFetchBar;
+class EditorFiles;
+class EditorFormulas;
 class EditorStatus;
 class FormulaBox;
 class ProportionalLayout;
@@ -44,23 +38,12 @@ public:
     ~frmEditor() override;
 
     spreadsheet::SpreadsheetControl& fps1() { return *m_fps1; }
-    ReportEvaluation& evaluation() { return m_evaluation; }
+    EditorFiles& files() { return *m_files; }
+    EditorFormulas& formulas() { return *m_formulas; }
 
     // The commands behind menus and toolbar; each works alike from both.
-    void MenuFileSave_Click();
     void MenuSetTableInfo_Click();
     void MenuFormula_Click();
-    void MenuRecalculate_Click();
-    void MenuShowDate_Click();
-    void MenuShowFormula_Click();
-    void MenuImpoertSpreadFile_Click();
-    void MenuEmportSpreadFile_Click();
-    void MenuImportExcelFile_Click();
-    void MenuExportExcel_Click();
-    void importXlsx();
-    void exportXlsx();
-    void exportCsv();
-    void exportHtml();
     void MenuPreview_Click();
     void MenuPrint_Click();
     void MenuInsertRow_Click();
@@ -71,7 +54,6 @@ public:
     void editCallInCell();
     void copyActiveText();
     void pasteIntoActiveCell();
-    void showDiagnostics();
     void find(bool replacing);
     void sortSelection(bool descending); ///< by the active cell's column
     void showCoverage();
@@ -107,35 +89,13 @@ private:
     // Start-up, in this order
     void initForm();
     void openReport();
-    void keepForRecovery();
 
-    // Recovery and closing
-    void offerRecovery();
-    void restoreDesign();
-    void discardDesign();
     bool endEntry();
-    bool keepDesign();
 
     // Procedures
-    void addSelfFunction();
     void fps1_LeaveCell(int column, int row, int newColumn, int newRow, bool& cancel);
     void keepCell();
     void showCellLooks();
-    enum class Extent { none, changes, everything };
-    void compute(Extent extent, const std::function<bool()>& recalculation);
-    void recalculateAll(const std::function<bool()>& recalculation);
-    QString modeText() const;
-    void importIntoReport();
-    void importFile(const FileDialogSettings& settings);
-    bool exportFile(FileDialogSettings& settings, spreadsheet::FileFormat format);
-    void exportUnderReportName(spreadsheet::FileFormat format, const char* title, const char* filter,
-                               const char* ending);
-    bool transfer(const std::string& file, const std::function<std::vector<std::string>()>& work);
-    void hookUpAgain();
-    void goToDiagnostic(const CellDiagnostic& diagnostic);
-    void goToFailedFetch();
-    void tellFetches();
-    void forgetFetches();
 
     spreadsheet::SpreadsheetControl* m_fps1;
     QToolBar* m_toolbar1 = nullptr;
@@ -149,16 +109,12 @@ private:
     FailedFetchBar* m_failedFetches = nullptr;
     EditorStatus* m_status = nullptr;
     FormulaBox* m_formulaBox = nullptr;
-    Extent m_cancelled = Extent::none; ///< what the user did not wait for, and was not computed since
-    bool m_opensForUse = false;        ///< the recalculation that opening ends with is still to come
-    QString m_refusedAtClosing;        ///< a formula that does not parse has held up closing once
-    bool m_unkeptAtClosing = false;    ///< a design that cannot be kept has held up closing once
-    bool m_left = false;               ///< what closing does is done
-    FileDialogSettings m_cd1;          ///< keeps what a command does not set
-    ReportEvaluation m_evaluation;
+    bool m_opensForUse = false; ///< the recalculation that opening ends with is still to come
+    QString m_refusedAtClosing; ///< a formula that does not parse has held up closing once
+    bool m_left = false;        ///< what closing does is done
+    std::unique_ptr<EditorFormulas> m_formulas;
+    std::unique_ptr<EditorFiles> m_files;
     std::unique_ptr<EditorGrid> m_grid;
-    EditedReport m_report;
-    std::unique_ptr<Recovery> m_recovery;
 };
 
 } // namespace selfreport

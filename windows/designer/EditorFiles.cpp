@@ -1,0 +1,157 @@
+#include "windows/designer/EditorFiles.h"
+
+#include "failures/failure_text.h"
+#include "fetch/ledger_query.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+#include "state/mdlMain.h"
+#include "state/shared_state.h"
+#include "windows/designer/EditorFormulas.h"
+#include "windows/designer/EditorStatus.h"
+#include "windows/designer/FormulaBox.h"
+
+#include <QApplication>
+#include <QLineEdit>
+
+#include <utility>
+
+namespace selfreport {
+
+namespace {
+
+std::optional<std::int32_t> storedReport()
+{
+    return gEditFlag == 0 ? std::nullopt : std::optional(gReportId);
+}
+
+} // namespace
+
+EditorFiles::EditorFiles(spreadsheet::SpreadsheetControl& grid, QLineEdit& name, EditorStatus& status,
+                         DiagnosticsPanel& diagnostics, EditorFormulas& formulas, FormulaBox& formulaBox)
+    : m_grid(grid)
+    , m_name(name)
+    , m_status(status)
+    , m_diagnostics(diagnostics)
+    , m_formulas(formulas)
+    , m_formulaBox(formulaBox)
+{
+}
+
+void EditorFiles::open()
+{
+    if (gEditFlag != 1) {
+        m_report.beginNew();
+        return;
+    }
+    std::string name;
+    if (m_report.load(name, m_grid.cells().workbook()))
+        m_name.setText(QString::fromStdString(name));
+    m_grid.cells().setWorkbook(&m_grid.cells().workbook()); // another content: shown from its first cell
+}
+
+/// False: what is being typed is no formula, and its reason is on screen.
+bool EditorFiles::endEntry()
+{
+    return m_grid.entry().commit() && m_formulaBox.commit();
+}
+
+void EditorFiles::MenuFileSave_Click()
+{
+    if (gRunMode) {
+        tellUser(Icon::exclamation, "请在报表编辑状态下进行保存,保存不成功!");
+        return;
+    }
+    if (!endEntry())
+        return;
+    std::string name = m_name.text().toStdString();
+    if (trimmed(name).empty()) {
+        tellUser(Icon::exclamation, "报表名称不能为空！");
+        m_name.setFocus();
+        return;
+    }
+    const auto told = m_report.save(name, m_grid.cells().workbook(), m_grid.window());
+    if (!told)
+        return;
+    m_name.setText(QString::fromStdString(name)); // another one if it was stored as a new report
+    m_recovery->saved(gReportId);
+    tellUser(Icon::information, *told);
+}
+
+// Recovery
+
+void EditorFiles::keepForRecovery()
+{
+    m_recovery = std::make_unique<Recovery>(m_grid.cells().workbook(), storedReport(), [this] {
+        return Recovery::Heading{m_name.text().toStdString(), m_report.version()};
+    });
+    m_recovery->tell = [this](const std::string& trouble) {
+        m_status.showTrouble(trouble.empty() ? QString()
+                                             : QStringLiteral("未保存的设计不能备份: ") +
+                                                   QString::fromStdString(trouble));
+    };
+    connect(
+        qApp, &QGuiApplication::commitDataRequest, this, [this] { m_recovery->keep(true); },
+        Qt::DirectConnection); // the session ends
+    connect(&m_status, &EditorStatus::restoreWanted, this, &EditorFiles::restoreDesign);
+    connect(&m_status, &EditorStatus::discardWanted, this, &EditorFiles::discardDesign);
+    offerRecovery();
+}
+
+bool EditorFiles::keepDesign()
+{
+    if (!m_recovery || m_recovery->keep(true))
+        return true;
+    if (std::exchange(m_unkeptAtClosing, true))
+        return true;
+    tellUser(Icon::exclamation,
+             "未保存的设计不能备份，窗口没有关闭。请先保存；再关闭一次则放弃未保存的修改。");
+    return false;
+}
+
+void EditorFiles::keepAtEnd()
+{
+    if (m_recovery)
+        m_recovery->keep(true);
+}
+
+/// A crash is asked about; what was closed without saving waits in the status bar.
+void EditorFiles::offerRecovery()
+{
+    if (m_recovery->isOfferAfterCrash()) {
+        if (dialogs().question(gTitle, "上次关闭时有未保存的报表设计,是否恢复?"))
+            return restoreDesign();
+        m_recovery->putOff();
+    }
+    m_status.offerDesign(m_recovery->isOffering());
+}
+
+void EditorFiles::restoreDesign()
+{
+    if (!endEntry())
+        return;
+    try {
+        spreadsheet::Workbook& workbook = m_grid.cells().workbook();
+        const Recovery::Heading restored = m_recovery->restore(workbook);
+        if (!restored.name.empty()) // earlier programs kept none
+            m_name.setText(QString::fromStdString(restored.name));
+        if (gEditFlag == 1)
+            m_report.setVersion(restored.madeFrom); // saving asks if the stored report is another by now
+        m_grid.cells().setWorkbook(&workbook);      // another content: shown from its first cell
+        m_formulas.forgetFetches();
+        hookUpAgain();
+    } catch (const std::exception& error) {
+        tellUser(Icon::exclamation, "未保存的设计不能恢复: " + failures::sentenceOf(error));
+    }
+    m_status.offerDesign(m_recovery->isOffering());
+}
+
+void EditorFiles::discardDesign()
+{
+    try {
+        m_recovery->discard();
+    } catch (const std::exception& error) {
+        tellUser(Icon::exclamation, failures::sentenceOf(error));
+    }
+    m_status.offerDesign(m_recovery->isOffering());
+}
+
+} // namespace selfreport

@@ -1,0 +1,85 @@
+#pragma once
+#include "platform/services/FileDialog.h"
+#include "windows/designer/editor_saving.h"
+#include "windows/designer/Recovery.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QLineEdit;
+
+namespace spreadsheet {
+class SpreadsheetControl;
+enum class FileFormat;
+} // namespace spreadsheet
+
+namespace selfreport {
+
+class DiagnosticsPanel;
+class EditorFormulas;
+class EditorStatus;
+class FormulaBox;
+
+/// The designer's report on its ways to and from the database, files of the user, and the copies of unsaved
+/// designs.
+class EditorFiles : public QObject {
+    Q_OBJECT
+
+public:
+    EditorFiles(spreadsheet::SpreadsheetControl& grid, QLineEdit& name, EditorStatus& status,
+                DiagnosticsPanel& diagnostics, EditorFormulas& formulas, FormulaBox& formulaBox);
+
+    EditedReport& report() { return m_report; }
+    const EditedReport& report() const { return m_report; }
+
+    /// Loads report `gReportId`, or begins a new one, as `gEditFlag` says.
+    void open();
+    void MenuFileSave_Click();
+    void MenuImpoertSpreadFile_Click();
+    void MenuEmportSpreadFile_Click();
+    void MenuImportExcelFile_Click();
+    void MenuExportExcel_Click();
+    void importXlsx();
+    void exportXlsx();
+    void exportCsv();
+    void exportHtml();
+
+    // Copies of unsaved designs
+    void keepForRecovery(); ///< from now on, and offers what earlier windows left
+    /// Keeps the design as the window closes. False after telling, once, that it cannot be kept.
+    bool keepDesign();
+    void keepAtEnd(); ///< keeps the design, whatever becomes of it
+
+Q_SIGNALS:
+    void shown(); ///< the grid holds another content
+
+private:
+    void offerRecovery();
+    void restoreDesign();
+    void discardDesign();
+    [[nodiscard]] bool endEntry();
+    void importIntoReport();
+    void importFile(const FileDialogSettings& settings);
+    bool exportFile(FileDialogSettings& settings, spreadsheet::FileFormat format);
+    void exportUnderReportName(spreadsheet::FileFormat format, const char* title, const char* filter,
+                               const char* ending);
+    bool transfer(const std::string& file, const std::function<std::vector<std::string>()>& work);
+    void hookUpAgain();
+
+    spreadsheet::SpreadsheetControl& m_grid;
+    QLineEdit& m_name; ///< txtReportName
+    EditorStatus& m_status;
+    DiagnosticsPanel& m_diagnostics;
+    EditorFormulas& m_formulas;
+    FormulaBox& m_formulaBox;
+    FileDialogSettings m_cd1; ///< keeps what a command does not set
+    EditedReport m_report;
+    std::unique_ptr<Recovery> m_recovery;
+    bool m_unkeptAtClosing = false; ///< a design that cannot be kept has held up closing once
+};
+
+} // namespace selfreport

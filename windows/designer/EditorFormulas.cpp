@@ -1,0 +1,136 @@
+#include "windows/designer/EditorFormulas.h"
+
+#include "platform/windows/CancellableWait.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+#include "state/shared_state.h"
+#include "windows/designer/DiagnosticsPanel.h"
+#include "windows/designer/EditorStatus.h"
+#include "windows/designer/FailedFetchBar.h"
+
+#include <algorithm>
+
+namespace selfreport {
+
+EditorFormulas::EditorFormulas(spreadsheet::SpreadsheetControl& grid, EditorStatus& status,
+                               DiagnosticsPanel& diagnostics, FailedFetchBar& failedFetches)
+    : m_grid(grid)
+    , m_status(status)
+    , m_diagnostics(diagnostics)
+    , m_failedFetches(failedFetches)
+    , m_evaluation(grid.cells().workbook())
+{
+    // The grid shows what has changed, and tells that the cell is another.
+    grid.cells().recalculateChanged = [this] {
+        compute(Extent::changes, [this] { return m_evaluation.recalculateChanged(); });
+    };
+    grid.setCellNotes([this](int sheetId, spreadsheet::CellAddress cell) {
+        return m_diagnostics.reasonFor(
+            {m_grid.cells().workbook().sheetIndexOfId(sheetId), cell.column, cell.row});
+    });
+    connect(&failedFetches, &FailedFetchBar::clicked, this, &EditorFormulas::goToFailedFetch);
+    connect(&diagnostics, &DiagnosticsPanel::chosen, this, &EditorFormulas::goTo);
+}
+
+void EditorFormulas::stop()
+{
+    m_grid.cells().recalculateChanged = [] {};
+}
+
+/// Recalculates while the user may cancel. What was cancelled stays told until it is computed.
+void EditorFormulas::compute(Extent extent, const std::function<bool()>& recalculation)
+{
+    bool isComplete = false;
+    {
+        const CancellableWait waiting(QStringLiteral("正在重算"));
+        isComplete = recalculation();
+    }
+    if (!isComplete)
+        m_cancelled = std::max(m_cancelled, extent);
+    else if (extent >= m_cancelled)
+        m_cancelled = Extent::none;
+    tellFetches();
+}
+
+void EditorFormulas::computeAll(const std::function<bool()>& recalculation)
+{
+    compute(Extent::everything, recalculation);
+    show();
+}
+
+void EditorFormulas::show()
+{
+    m_grid.showChanges();
+    Q_EMIT shown();
+}
+
+void EditorFormulas::MenuRecalculate_Click()
+{
+    computeAll([this] { return m_evaluation.recalculate(); });
+}
+
+void EditorFormulas::MenuShowDate_Click()
+{
+    computeAll([this] { return m_evaluation.showData(); });
+}
+
+void EditorFormulas::MenuShowFormula_Click()
+{
+    m_evaluation.showFormulas();
+    show();
+}
+
+/// The list and the bar show what the last recalculation found.
+void EditorFormulas::tellFetches()
+{
+    m_diagnostics.setDiagnostics(m_evaluation.diagnostics(), m_grid.cells().workbook());
+    m_failedFetches.tell(failedFetches());
+}
+
+void EditorFormulas::forgetFetches()
+{
+    m_evaluation.forgetDiagnostics();
+    tellFetches();
+}
+
+void EditorFormulas::showDiagnostics()
+{
+    tellFetches();
+    m_diagnostics.setVisible(true);
+}
+
+void EditorFormulas::goTo(const CellDiagnostic& diagnostic)
+{
+    if (!m_grid.entry().commit() || diagnostic.place.sheet > m_grid.cells().sheetCount())
+        return;
+    m_grid.cells().setActiveSheet(diagnostic.place.sheet);
+    m_grid.cursor().setActiveCell(diagnostic.place.column, diagnostic.place.row);
+    m_grid.setFocus();
+}
+
+void EditorFormulas::goToFailedFetch()
+{
+    if (const CellDiagnostic* failed = firstFailed(m_evaluation.diagnostics()))
+        goTo(*failed);
+}
+
+QString EditorFormulas::modeText() const
+{
+    const QString mode = gRunMode                            ? QStringLiteral("使用")
+                         : m_evaluation.isShowFormula() == 1 ? QStringLiteral("显示公式")
+                                                             : QStringLiteral("设计");
+    return m_cancelled == Extent::none ? mode : mode + QStringLiteral(" 数值未更新");
+}
+
+void EditorFormulas::tellCell() const
+{
+    const spreadsheet::CellAddress cell = m_grid.cursor().activeCell();
+    const QString reason = m_diagnostics.reasonFor({m_grid.cells().activeSheet(), cell.column, cell.row});
+    if (!reason.isEmpty())
+        m_status.showMessage(reason);
+    else if (m_cancelled != Extent::none)
+        m_status.showMessage(QStringLiteral("重算已取消,各单元格保留原来的数值"));
+    else
+        m_status.clearMessage();
+}
+
+} // namespace selfreport
