@@ -172,7 +172,7 @@ std::vector<Picture> pictures(const QDir& folder)
         {"workProgress", [] { return std::make_unique<WaitingDialog>("正在重算"); }},
         {"frmFind", [] { return std::make_unique<frmFind>(emptyGrid()); }},
         {"frmGoTo", [] { return std::make_unique<frmGoTo>(emptyGrid()); }},
-        {"frmTableInfo", [] { return std::make_unique<frmTableInfo>(emptyGrid()); }},
+        {"frmTableInfo", [] { return std::make_unique<frmTableInfo>(emptyGrid().cells()); }},
         {"frmDataType", [] { return std::make_unique<frmDataType>(emptyGrid()); }},
         {"frmCellBorder", [] { return std::make_unique<frmCellBorder>(emptyGrid()); }},
         {"frmDropDownEntries", [] { return std::make_unique<frmDropDownEntries>(emptyGrid()); }},
