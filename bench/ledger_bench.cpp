@@ -7,9 +7,9 @@
 #include "fetch/evaluation.h"
 #include "fetch/ledger_fetch.h"
 #include "platform/database/sqlite/acct_procedure.h"
+#include "reports/report_run.h"
 #include "reports/report_store.h"
 #include "state/shared_state.h"
-#include "tool/report_run.h"
 
 #include <cmath>
 #include <fcntl.h>

@@ -3,7 +3,7 @@
 #include "demo/labelled_cell.h"
 #include "fetch/numeric_prefix.h"
 #include "platform/database/Connection.h"
-#include "tool/report_run.h"
+#include "reports/report_run.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,6 @@
 #include "tool/tool_api.h"
 #include "component/application.h"
 #include "component/clsSelfReport.h"
-#include "component/frmHost.h"
 #include "component/host_call.h"
 #include "demo/demo_check.h"
 #include "demo/demo_reports.h"
@@ -10,13 +9,14 @@
 #include "platform/database/sqlite/sqlite_provider.h"
 #include "platform/services/FileDialog.h"
 #include "platform/toolkit/QtSettings.h"
+#include "reports/report_run.h"
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/files/PendingFile.h"
 #include "spreadsheet/files/text/csv.h"
 #include "spreadsheet/functions/function_reference.h"
 #include "spreadsheet/print/pdf.h"
 #include "state/shared_state.h"
-#include "tool/report_run.h"
+#include "tool/frmHost.h"
 #include "windows/printing/print_stamp.h"
 
 #include <QDir>

@@ -4,9 +4,9 @@
 #include "demo/labelled_cell.h"
 #include "demo/ledger/demo_ledger.h"
 #include "platform/database/Connection.h"
+#include "reports/report_run.h"
 #include "spreadsheet/files/text/csv.h"
 #include "state/shared_state.h"
-#include "tool/report_run.h"
 
 #include <cmath>
 #include <filesystem>

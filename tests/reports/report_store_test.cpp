@@ -1,9 +1,9 @@
 #include "reports/report_store.h"
 
 #include "platform/services/SettingsStore.h"
+#include "reports/report_list.h"
 #include "spreadsheet/files/content.h"
 #include "tests/fetch/TestLedger.h"
-#include "windows/list/report_list.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
+#include "reports/report_list.h"
 #include "reports/report_store.h"
 #include "state/mdlMain.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/golden_texts.h"
 #include "tests/tdsserver/TdsServer.h"
 #include "windows/designer/editor_saving.h"
-#include "windows/list/report_list.h"
 
 #include <algorithm>
 #include <array>

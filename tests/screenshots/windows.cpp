@@ -1,6 +1,4 @@
 // Saves a picture of every window into a folder: screenshots_program FOLDER [WINDOW]
-#include "component/frmHost.h"
-#include "component/frmRunParameters.h"
 #include "platform/basicdata/basic_data.h"
 #include "platform/basicdata/ChooserWindow.h"
 #include "platform/database/Connection.h"
@@ -12,6 +10,8 @@
 #include "state/shared_state.h"
 #include "tests/screenshots/formats.h"
 #include "tests/windows/formulas/RecordingCell.h"
+#include "tool/frmHost.h"
+#include "tool/frmRunParameters.h"
 #include "tool/tool_api.h"
 #include "windows/designer/frmEditor.h"
 #include "windows/designer/frmFind.h"

@@ -3,10 +3,10 @@
 #include "platform/list_grid/ListGrid.h"
 #include "platform/windows/ProportionalLayout.h"
 #include "platform/windows/WaitCursor.h"
+#include "reports/report_list.h"
 #include "reports/report_store.h"
 #include "state/mdlMain.h"
 #include "state/shared_state.h"
-#include "windows/list/report_list.h"
 #include "windows/list/report_rows.h"
 
 #include <QLocale>

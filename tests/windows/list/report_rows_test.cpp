@@ -1,6 +1,6 @@
 #include "windows/list/report_rows.h"
 
-#include "windows/list/report_list.h"
+#include "reports/report_list.h"
 
 #include <gtest/gtest.h>
 #include <QLocale>

@@ -1,4 +1,4 @@
-#include "component/frmRunParameters.h"
+#include "tool/frmRunParameters.h"
 
 #include "platform/toolkit/QtSettings.h"
 #include "platform/windows/buttons.h"

@@ -1,4 +1,4 @@
-#include "tool/report_run.h"
+#include "reports/report_run.h"
 
 #include "failures/failure_text.h"
 #include "fetch/evaluation.h"

@@ -1,4 +1,4 @@
-#include "windows/list/report_list.h"
+#include "reports/report_list.h"
 
 #include "platform/database/Connection.h"
 #include "reports/report_statements.h"

@@ -1,7 +1,7 @@
 #pragma once
 #include "fetch/diagnostics.h"
+#include "reports/report_list.h"
 #include "spreadsheet/workbook/Workbook.h"
-#include "windows/list/report_list.h"
 
 #include <cstdint>
 #include <functional>

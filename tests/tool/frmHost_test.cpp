@@ -1,4 +1,4 @@
-#include "component/frmHost.h"
+#include "tool/frmHost.h"
 
 #include "platform/list_grid/ListGrid.h"
 #include "platform/toolkit/QtSettings.h"

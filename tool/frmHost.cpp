@@ -1,9 +1,9 @@
-#include "component/frmHost.h"
+#include "tool/frmHost.h"
 
-#include "component/frmRunParameters.h"
 #include "platform/list_grid/ListGrid.h"
+#include "reports/report_list.h"
 #include "state/mdlMain.h"
-#include "windows/list/report_list.h"
+#include "tool/frmRunParameters.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>

@@ -1,4 +1,4 @@
-#include "tool/report_run.h"
+#include "reports/report_run.h"
 
 #include "spreadsheet/files/content.h"
 #include "state/shared_state.h"
