@@ -1,6 +1,4 @@
 #pragma once
-#include "component/export.h"
-
 #include <cstdint>
 #include <iosfwd>
 #include <string>
@@ -29,32 +27,32 @@ struct ReportFiles {
 
 /// Writes the demo ledger with its stored reports into a new embedded database.
 /// @param replaces  whether a file that stands there may be replaced
-SELFREPORT_EXPORT int toolDemo(const std::string& file, bool replaces, const ToolStreams& streams) noexcept;
+int toolDemo(const std::string& file, bool replaces, const ToolStreams& streams) noexcept;
 
 /// One line for each stored report: id, name, who saved it and when, parted by tabs.
-SELFREPORT_EXPORT int toolList(const std::string& database, const ToolStreams& streams) noexcept;
+int toolList(const std::string& database, const ToolStreams& streams) noexcept;
 
 /// Evaluates a stored report and writes it; without files as CSV to `results`. Cells whose fetch failed or
 /// found nothing are listed on `notes`. A fetch that failed makes the figures worthless: nothing is written
 /// and 1 returned, unless it is allowed.
-SELFREPORT_EXPORT int toolRun(const std::string& database, std::int32_t reportId, const ReportFiles& files,
+int toolRun(const std::string& database, std::int32_t reportId, const ReportFiles& files,
                               const ToolStreams& streams) noexcept;
 
 /// Sets figures of the demo reports beside the results of separate queries; 1 also if any two differ.
-SELFREPORT_EXPORT int toolCheck(const std::string& database, const ToolStreams& streams) noexcept;
+int toolCheck(const std::string& database, const ToolStreams& streams) noexcept;
 
 /// Opens the program's window on a database and returns when it is closed.
 /// @param database  "": the user is asked for the file of an embedded database
-SELFREPORT_EXPORT int toolWindow(const std::string& database, const ToolStreams& streams) noexcept;
+int toolWindow(const std::string& database, const ToolStreams& streams) noexcept;
 
 /// Reads a workbook of any kind (.ss7, .xls, .xlsx, .csv; by its content) and writes it in the format that
 /// the ending of `output` names (also .html). A file that stands there is replaced at the very end. What
 /// could not be carried over is listed on `notes`.
 /// @param recalculates  computes every formula in between; Acct and REF_F give #NAME?, no ledger is open
-SELFREPORT_EXPORT int toolConvert(const std::string& input, const std::string& output, bool recalculates,
+int toolConvert(const std::string& input, const std::string& output, bool recalculates,
                                   const ToolStreams& streams) noexcept;
 
 /// The functions that formulas may call, by family, as a Markdown text.
-SELFREPORT_EXPORT int toolFunctions(const ToolStreams& streams) noexcept;
+int toolFunctions(const ToolStreams& streams) noexcept;
 
 } // namespace selfreport
