@@ -1,8 +1,8 @@
 #include "fetch/SharedFetches.h"
 
+#include "access/driver_call.h"
 #include "fetch/frmEditor1.h"
 #include "fetch/report_functions.h"
-#include "state/driver_call.h"
 #include "state/mdlMain.h"
 #include "state/shared_state.h"
 

@@ -1,12 +1,12 @@
 #include "fetch/inter_report_fetch.h"
 
+#include "access/driver_call.h"
 #include "failures/failure_text.h"
 #include "fetch/frmEditor1.h"
 #include "fetch/ledger_query.h"
 #include "fetch/quoted_text.h"
 #include "platform/database/dialect/sql_text.h"
 #include "spreadsheet/values/number_text.h"
-#include "state/driver_call.h"
 #include "state/mdlMain.h"
 #include "state/shared_state.h"
 

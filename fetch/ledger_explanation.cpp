@@ -1,10 +1,10 @@
 #include "fetch/ledger_explanation.h"
 
+#include "access/driver_call.h"
 #include "failures/failure_text.h"
 #include "fetch/quoted_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/dialect/sql_text.h"
-#include "state/driver_call.h"
 #include "state/mdlMain.h"
 #include "state/shared_state.h"
 

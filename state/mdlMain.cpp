@@ -1,7 +1,7 @@
 #include "state/mdlMain.h"
 
+#include "access/driver_call.h"
 #include "failures/failure_text.h"
-#include "state/driver_call.h"
 #include "state/shared_state.h"
 
 #include <exception>

@@ -36,7 +36,7 @@ int toolList(const std::string& database, const ToolStreams& streams) noexcept;
 /// found nothing are listed on `notes`. A fetch that failed makes the figures worthless: nothing is written
 /// and 1 returned, unless it is allowed.
 int toolRun(const std::string& database, std::int32_t reportId, const ReportFiles& files,
-                              const ToolStreams& streams) noexcept;
+            const ToolStreams& streams) noexcept;
 
 /// Sets figures of the demo reports beside the results of separate queries; 1 also if any two differ.
 int toolCheck(const std::string& database, const ToolStreams& streams) noexcept;
@@ -50,7 +50,7 @@ int toolWindow(const std::string& database, const ToolStreams& streams) noexcept
 /// could not be carried over is listed on `notes`.
 /// @param recalculates  computes every formula in between; Acct and REF_F give #NAME?, no ledger is open
 int toolConvert(const std::string& input, const std::string& output, bool recalculates,
-                                  const ToolStreams& streams) noexcept;
+                const ToolStreams& streams) noexcept;
 
 /// The functions that formulas may call, by family, as a Markdown text.
 int toolFunctions(const ToolStreams& streams) noexcept;

@@ -1,5 +1,6 @@
 #include "windows/formulas/frmCoverage.h"
 
+#include "access/driver_call.h"
 #include "failures/failure_text.h"
 #include "fetch/call_in_words.h"
 #include "fetch/ledger_query.h"
@@ -10,7 +11,6 @@
 #include "platform/windows/CancellableWait.h"
 #include "platform/windows/own_file.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "state/driver_call.h"
 #include "state/mdlMain.h"
 #include "state/shared_state.h"
 #include "windows/pickers/ArgumentBoxes.h"

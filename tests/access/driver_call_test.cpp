@@ -1,4 +1,4 @@
-#include "state/driver_call.h"
+#include "access/driver_call.h"
 
 #include "platform/database/session/DatabaseError.h"
 #include "state/mdlMain.h"
