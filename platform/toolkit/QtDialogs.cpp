@@ -16,11 +16,6 @@ bool canShow()
     return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
-QString fromUtf8(std::string_view text)
-{
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 QMessageBox::Icon toolkitIcon(Icon icon)
 {
     switch (icon) {
@@ -41,7 +36,7 @@ QMessageBox::Icon toolkitIcon(Icon icon)
 /// A box over the active window.
 struct Box : QMessageBox {
     Box(selfreport::Icon icon, std::string_view title, std::string_view text, StandardButtons buttons)
-        : QMessageBox(toolkitIcon(icon), fromUtf8(title), fromUtf8(text), buttons,
+        : QMessageBox(toolkitIcon(icon), QString::fromUtf8(title), QString::fromUtf8(text), buttons,
                       QApplication::activeWindow())
     {
         setObjectName("messageBox");
@@ -86,7 +81,7 @@ std::optional<std::size_t> QtDialogs::choose(Icon icon, std::string_view title, 
     Box box(icon, title, text, QMessageBox::NoButton);
     std::vector<QAbstractButton*> buttons;
     for (const std::string_view choice : choices)
-        buttons.push_back(box.addButton(fromUtf8(choice), QMessageBox::AcceptRole));
+        buttons.push_back(box.addButton(QString::fromUtf8(choice), QMessageBox::AcceptRole));
     QPushButton* const cancel = box.addButton(QStringLiteral("取消"), QMessageBox::RejectRole);
     box.setDefaultButton(cancel);
     box.setEscapeButton(cancel);

@@ -10,7 +10,7 @@ namespace {
 
 QString text(std::string_view utf8)
 {
-    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    return QString::fromUtf8(utf8);
 }
 
 QString nameOf(std::string_view group, std::string_view key)

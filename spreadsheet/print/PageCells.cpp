@@ -105,9 +105,9 @@ PageCell PageCells::read(CellAddress cell) const
     read.isTrue = isTrue(value);
     read.alignment = alignmentOf(*read.style, value, read.isFigure, showsOtherText);
     if (caption)
-        read.text = fromUtf8(*caption);
+        read.text = QString::fromUtf8(*caption);
     else if (read.style->type != CellType::checkBox || (value.isText() && !read.isTrue))
-        read.text = fromUtf8(m_sheet.displayText(cell));
+        read.text = QString::fromUtf8(m_sheet.displayText(cell));
     return read;
 }
 

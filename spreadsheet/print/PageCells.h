@@ -85,10 +85,4 @@ private:
     std::vector<PageSpan> m_spans;
 };
 
-/// Text of the engine for the toolkit.
-inline QString fromUtf8(std::string_view text)
-{
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 } // namespace spreadsheet

@@ -81,7 +81,7 @@ void PagePainter::paintHeadings(QPainter& painter, const PrintedPage& page)
     if (height > 0)
         for (const PageTrack& track : page.columnTracks)
             paintHeading(painter, {track.start, cells.top - height, track.size, height},
-                         fromUtf8(columnName(track.index)));
+                         QString::fromUtf8(columnName(track.index)));
     if (width > 0)
         for (const PageTrack& track : page.rowTracks)
             paintHeading(painter, {cells.left - width, track.start, width, track.size},
@@ -158,7 +158,8 @@ void PagePainter::paintHeaderLine(QPainter& painter, const HeaderLine& line, dou
 
 TextLine PagePainter::pieceOf(const HeaderRun& run, int pageNumber)
 {
-    const QString text = run.pageNumber ? QString::number(pageNumber) : fromUtf8(run.text).replace('\n', ' ');
+    const QString text =
+        run.pageNumber ? QString::number(pageNumber) : QString::fromUtf8(run.text).replace('\n', ' ');
     const HeaderFont& font = run.font;
     return m_text.lines(text, m_text.font({font.family, font.points, font.bold, font.italic})).front();
 }

@@ -57,7 +57,7 @@ QPageLayout paperOf(const PageLayout& layout)
 
 QString titleOf(const PrintDocument& document, const std::vector<SheetPages>& sheets)
 {
-    return document.title.isEmpty() ? fromUtf8(sheets.front().sheet.name()) : document.title;
+    return document.title.isEmpty() ? QString::fromUtf8(sheets.front().sheet.name()) : document.title;
 }
 
 bool drawPages(QPagedPaintDevice& device, const std::vector<SheetPages>& sheets,

@@ -46,7 +46,7 @@ void describe(PdfUpdate& update, const std::vector<SheetPages>& sheets)
     for (const auto& [sheet, layout, pages] : sheets) {
         labels += ' ' + QByteArray::number(page) + " << /S /D /St " + QByteArray::number(pages.first);
         if (sheets.size() > 1)
-            labels += " /P " + textString(fromUtf8(sheet.name()) + '-');
+            labels += " /P " + textString(QString::fromUtf8(sheet.name()) + '-');
         labels += " >>";
         page += pages.count();
     }

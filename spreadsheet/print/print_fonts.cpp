@@ -71,7 +71,7 @@ const QStringList& PrintFonts::families(std::string_view family)
     if (const auto known = chosen.find(family); known != chosen.end())
         return known->second;
     QStringList list;
-    const QString asked = QString::fromUtf8(family.data(), static_cast<qsizetype>(family.size()));
+    const QString asked = QString::fromUtf8(family);
     if (!asked.isEmpty() && QFontDatabase::hasFamily(asked))
         list.append(asked);
     addIfFound(list, installedOf(chainOf(asked)));

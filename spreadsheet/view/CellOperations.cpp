@@ -64,7 +64,7 @@ void CellOperations::setAddressedSheet(int index)
 
 QString CellOperations::sheetName() const
 {
-    return fromUtf8(sheet().name());
+    return QString::fromUtf8(sheet().name());
 }
 
 Refusal CellOperations::setSheetCount(int count)
@@ -146,7 +146,7 @@ void CellOperations::setCurrent(int column, int row)
 
 QString CellOperations::text(int column, int row) const
 {
-    return fromUtf8(sheet().displayText({column, row}));
+    return QString::fromUtf8(sheet().displayText({column, row}));
 }
 
 void CellOperations::setText(int column, int row, const QString& text)
@@ -166,7 +166,7 @@ void CellOperations::setText(int column, int row, const QString& text)
 
 QString CellOperations::formula() const
 {
-    return fromUtf8(sheet().formula(m_current));
+    return QString::fromUtf8(sheet().formula(m_current));
 }
 
 Refusal CellOperations::setFormula(const QString& text)
@@ -178,7 +178,7 @@ Refusal CellOperations::setFormula(const QString& text)
 
 QString CellOperations::tag() const
 {
-    return fromUtf8(sheet().tag(m_current).view());
+    return QString::fromUtf8(sheet().tag(m_current).view());
 }
 
 void CellOperations::setTag(const QString& tag)
@@ -217,14 +217,14 @@ QStringList CellOperations::dropDownOf(CellAddress cell) const
     QStringList entries;
     if (const auto* found = sheet().dropDownEntries(cell))
         for (const std::string& entry : *found)
-            entries.append(fromUtf8(entry));
+            entries.append(QString::fromUtf8(entry));
     return entries;
 }
 
 QString CellOperations::buttonCaption() const
 {
     const std::string* caption = sheet().buttonCaption(m_current);
-    return caption ? fromUtf8(*caption) : QString();
+    return caption ? QString::fromUtf8(*caption) : QString();
 }
 
 void CellOperations::putButtonCaption(CellAddress place, const QString& caption)

@@ -16,7 +16,7 @@ const CustomFunctions::Entry* registeredFunction(const QString& name, const Work
     const CustomFunctions& customs = workbook.formulas().customs();
     for (int number = 0; number < customs.size(); ++number) {
         const auto& entry = customs[number];
-        if (entry.handler && fromUtf8(entry.name).compare(name, Qt::CaseInsensitive) == 0)
+        if (entry.handler && QString::fromUtf8(entry.name).compare(name, Qt::CaseInsensitive) == 0)
             return &entry;
     }
     return nullptr;
@@ -67,12 +67,12 @@ QStringList FunctionHints::namesBeginning(const QString& beginning, const Workbo
     QStringList names;
     const CustomFunctions& customs = workbook.formulas().customs();
     for (int number = 0; number < customs.size(); ++number) {
-        const QString name = fromUtf8(customs[number].name);
+        const QString name = QString::fromUtf8(customs[number].name);
         if (customs[number].handler && name.startsWith(beginning, Qt::CaseInsensitive))
             names << name;
     }
     for (const FunctionDescriptor* function : allFunctions()) {
-        const QString name = fromUtf8(function->name);
+        const QString name = QString::fromUtf8(function->name);
         if (name.startsWith(beginning, Qt::CaseInsensitive))
             names << name;
     }
@@ -84,7 +84,7 @@ std::optional<FunctionHint> FunctionHints::hint(const QString& name, const Workb
     if (const auto described = m_described.find(name.toUpper()); described != m_described.end())
         return described->second;
     if (const auto* custom = registeredFunction(name, workbook)) {
-        FunctionHint hint{fromUtf8(custom->name), {}, {}};
+        FunctionHint hint{QString::fromUtf8(custom->name), {}, {}};
         for (int parameter = 1; parameter <= custom->parameterCount; ++parameter)
             hint.arguments << QStringLiteral("参数%1").arg(parameter);
         return hint;
@@ -92,8 +92,9 @@ std::optional<FunctionHint> FunctionHints::hint(const QString& name, const Workb
     const FunctionDescriptor* function = findFunction(name.toStdString());
     if (!function)
         return std::nullopt;
-    return FunctionHint{fromUtf8(function->name), argumentNames(fromUtf8(function->arguments)),
-                        fromUtf8(function->help)};
+    return FunctionHint{QString::fromUtf8(function->name),
+                        argumentNames(QString::fromUtf8(function->arguments)),
+                        QString::fromUtf8(function->help)};
 }
 
 } // namespace spreadsheet

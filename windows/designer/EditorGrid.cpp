@@ -42,7 +42,7 @@ void frmEditor::EditorGrid::goToFailedFetch()
 
 void frmEditor::EditorGrid::tellStatus(std::string_view text)
 {
-    m_window.m_status->showMessage(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+    m_window.m_status->showMessage(QString::fromUtf8(text));
 }
 
 void frmEditor::EditorGrid::closeDesigner()
@@ -50,11 +50,11 @@ void frmEditor::EditorGrid::closeDesigner()
     m_window.close();
 }
 
-std::string_view frmEditor::EditorGrid::pageSetupRefusal() const
+spreadsheet::Refusal frmEditor::EditorGrid::pageSetupRefusal() const
 {
-    return m_window.m_files->report().isUnread()
-               ? "打开时没有读出这张报表，保存以前不能改变页面设置和页眉页脚。"
-               : "";
+    if (!m_window.m_files->report().isUnread())
+        return {};
+    return "打开时没有读出这张报表，保存以前不能改变页面设置和页眉页脚。";
 }
 
 void frmEditor::EditorGrid::pageSetupStored(const std::array<double, 4>& inches, bool isPortrait)

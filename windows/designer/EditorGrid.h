@@ -22,7 +22,7 @@ public:
     void goToFailedFetch() override;
     void tellStatus(std::string_view text) override;
     void closeDesigner() override;
-    std::string_view pageSetupRefusal() const override;
+    spreadsheet::Refusal pageSetupRefusal() const override;
     bool ownsRow(Connection& connection) override;
     void pageSetupStored(const std::array<double, 4>& inches, bool isPortrait) override;
     void headerStored(bool isFooter, const std::string& codes) override;

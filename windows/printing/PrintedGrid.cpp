@@ -30,10 +30,10 @@ PrintedGrid& printedGrid()
 
 bool isPageSetupRefused()
 {
-    const std::string_view refusal = printedGrid().pageSetupRefusal();
-    if (!refusal.empty())
-        tellUser(Icon::exclamation, refusal);
-    return !refusal.empty();
+    const spreadsheet::Refusal refusal = printedGrid().pageSetupRefusal();
+    if (refusal)
+        tellUser(Icon::exclamation, refusal.reason());
+    return static_cast<bool>(refusal);
 }
 
 } // namespace selfreport

@@ -2,6 +2,7 @@
 #include "platform/services/InUse.h"
 #include "spreadsheet/print/print_range.h"
 #include "spreadsheet/values/CellAddress.h"
+#include "spreadsheet/values/Refusal.h"
 
 #include <array>
 #include <string>
@@ -35,8 +36,8 @@ public:
     virtual void tellStatus(std::string_view text) = 0;
     /// Closes the designer's window, which closes the preview.
     virtual void closeDesigner() = 0;
-    /// Why page set-up, header and footer may not be changed now; empty if they may.
-    virtual std::string_view pageSetupRefusal() const { return {}; }
+    /// Why page set-up, header and footer may not be changed now.
+    virtual spreadsheet::Refusal pageSetupRefusal() const { return {}; }
     /// Whether the row under the report's id is not another report's now. Takes the row's lock in the
     /// transaction under way.
     virtual bool ownsRow(Connection& /*connection*/) { return true; }

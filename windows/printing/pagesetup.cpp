@@ -121,7 +121,7 @@ void pagesetup::showMargin(int index, double value)
 
 void pagesetup::getReportInfo()
 {
-    if (gEditFlag == 0 || !printedGrid().pageSetupRefusal().empty())
+    if (gEditFlag == 0 || printedGrid().pageSetupRefusal())
         return; // the row of `gReportId` is another report's
     databaseProcedure(Icon::critical, [this](Connection& connection) {
         const Recordset rows = connection.query(loadPageSetupStatement(gReportId));

@@ -226,7 +226,7 @@ PrintOutcome exportPdf(PrintedGrid& grid)
 
 std::optional<PaperSize> paperSize(const std::string& name)
 {
-    constexpr double twipsPerMillimetre = 1440 / 25.4;
+    constexpr double twipsPerMillimetre = spreadsheet::twipsPerInch / 25.4;
     for (int id = 0; id <= QPageSize::LastPageSize; ++id) {
         const QPageSize size(static_cast<QPageSize::PageSizeId>(id));
         if (!size.isValid() || size.key().compare(QString::fromStdString(name), Qt::CaseInsensitive) != 0)

@@ -42,7 +42,7 @@ public:
             return {0, value.number()};
         case ValueKind::text: {
             const std::string_view bytes = value.textView();
-            const QString text = QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
+            const QString text = QString::fromUtf8(bytes);
             return {rankOfText(text), 0, m_collator.sortKey(text)};
         }
         case ValueKind::boolean:
