@@ -2,8 +2,8 @@
 #include "bench/bench_table.h"
 #include "demo/ledger/demo_ledger.h"
 #include "platform/services/RecordingDialogs.h"
-#include "reports/report_store.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "state/report_procedures.h"
 #include "state/shared_state.h"
 #include "windows/designer/frmEditor.h"
 

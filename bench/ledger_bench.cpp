@@ -8,7 +8,8 @@
 #include "fetch/ledger_fetch.h"
 #include "platform/database/sqlite/acct_procedure.h"
 #include "reports/report_run.h"
-#include "reports/report_store.h"
+#include "state/fetch_procedures.h"
+#include "state/report_procedures.h"
 #include "state/shared_state.h"
 
 #include <cmath>
@@ -199,7 +200,7 @@ void benchExactAccounts(BenchTable& table, const std::string& file)
     const std::vector<LedgerArguments> fetches = exactFetches();
     spreadsheet::Workbook workbook;
     putAcctCells(workbook, fetches, cells);
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     closeIdleSessions();
     const double first = bestSeconds(
@@ -273,7 +274,7 @@ void benchReferences(BenchTable& table)
     spreadsheet::Workbook workbook;
     for (int row = 1; row <= cells; ++row)
         putFormula(workbook.sheet(1), row, "REF_F(\"" + name + "\",\"A" + std::to_string(row) + "\",\"\")");
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     const DatabaseCounters before = databaseCounters();
     evaluation.recalculate();

@@ -71,7 +71,7 @@ void benchRecalculation(BenchTable& table, tds::TdsServer& server, const std::st
     const std::vector<LedgerArguments> fetches = fetchesOfAReport();
     spreadsheet::Workbook workbook;
     putCells(workbook, fetches);
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     evaluation.recalculate(); // the session lies in the pool
     server.journal.clear();

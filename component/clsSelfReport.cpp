@@ -3,7 +3,8 @@
 #include "component/host_call.h"
 #include "component/instances.h"
 #include "component/windows.h"
-#include "state/shared_state.h"
+#include "state/host_calls.h"
+#include "state/mdlMain.h"
 
 #include <functional>
 #include <utility>
@@ -49,7 +50,7 @@ clsSelfReport::~clsSelfReport()
         call->object = nullptr;
     hostCall([] {
         if (!isWindowOpen()) // else it is at work, and closed when that is done
-            gCnn.reset();
+            closeDB();
     });
     countInstance(-1);
 }
@@ -71,10 +72,7 @@ bool clsSelfReport::init(const std::string& strConnString, const std::string& st
     call([&] {
         if (isWindowOpen())
             throw HostError("报表窗口打开时不能重新设置报表组件。");
-        gConnString = strConnString;
-        gTitle = strTitle;
-        gLoginUserId = strLoginUserId;
-        gAppPath = strAppPath;
+        initShared(strConnString, strTitle, strLoginUserId, strAppPath);
     });
     return false;
 }
@@ -85,8 +83,7 @@ bool clsSelfReport::cwSelfReport() noexcept
         requireRoomFor(HostWindow::list);
         startToolkit(Display::needed);
         const WorkBelow below;
-        gRunMode = false;
-        gFromList = 1;
+        prepareForList();
         showReportList();
     });
     return false;
@@ -98,10 +95,7 @@ bool clsSelfReport::cwSelfReportExe(const std::int32_t& intInterId) noexcept
         requireRoomFor(HostWindow::designer);
         startToolkit(Display::needed);
         const WorkBelow below;
-        gRunMode = true;
-        gEditFlag = 1;
-        gPreviewZoomIndex = -1;
-        gReportId = intInterId;
+        prepareForRun(intInterId);
         showDesigner();
     });
     return false;

@@ -66,10 +66,11 @@ void showIn(Place& place, const Arguments&... arguments)
 
 void refill(frmSelfReportMain& list)
 {
-    gListRow = list.vsf1().row();
+    std::int32_t& row = sharedContext.listRow;
+    row = list.vsf1().row();
     list.getReport();
-    if (gListRow <= list.vsf1().rowCount() - 1)
-        list.vsf1().setRow(gListRow);
+    if (row <= list.vsf1().rowCount() - 1)
+        list.vsf1().setRow(row);
 }
 
 /// A list that is not open fills itself when it is made.
@@ -78,7 +79,7 @@ void refillList()
     if (auto* const list = qobject_cast<frmSelfReportMain*>(listPlace.window.data()))
         refill(*list);
     else if (!listPlace.taken)
-        gListRow = frmSelfReportMain(showDesigner).vsf1().row();
+        sharedContext.listRow = frmSelfReportMain(showDesigner).vsf1().row();
 }
 
 /// The open window is not in the middle of anything: no dialog and no wait of ours is over it.
@@ -96,9 +97,8 @@ void showReportList()
     const Taken taken(listPlace);
     if (!designerPlace.taken)
         return showIn<frmSelfReportMain>(listPlace, showDesigner);
-    showIn<frmSelfReportMain>(listPlace, [report = gReportId, flag = gEditFlag] {
-        gReportId = report; // which the list has just set
-        gEditFlag = flag;
+    showIn<frmSelfReportMain>(listPlace, [report = sharedContext.report] {
+        sharedContext.report = report; // which the list has just changed
         tellUser(Icon::exclamation, designerIsOpen);
     });
 }
@@ -109,7 +109,7 @@ void showDesigner()
         return;
     const Taken taken(designerPlace);
     showIn<frmEditor>(designerPlace);
-    if (gFromList == 1)
+    if (sharedContext.fromList == 1)
         refillList();
 }
 
@@ -128,25 +128,14 @@ bool isWindowOpen()
 
 WorkBelow::WorkBelow()
     : m_isBelow(isWindowOpen())
-    , m_report(gReportId)
-    , m_editFlag(gEditFlag)
-    , m_previewZoomIndex(gPreviewZoomIndex)
-    , m_runMode(gRunMode)
-    , m_header(gHeaderText)
-    , m_footer(gFooterText)
+    , m_report(sharedContext.report)
 {
 }
 
 WorkBelow::~WorkBelow()
 {
-    if (!m_isBelow)
-        return;
-    gReportId = m_report;
-    gEditFlag = m_editFlag;
-    gPreviewZoomIndex = m_previewZoomIndex;
-    gRunMode = m_runMode;
-    gHeaderText = std::move(m_header);
-    gFooterText = std::move(m_footer);
+    if (m_isBelow)
+        sharedContext.report = std::move(m_report);
 }
 
 } // namespace selfreport

@@ -1,6 +1,5 @@
 #pragma once
-#include <cstdint>
-#include <string>
+#include "reports/ReportContext.h"
 
 namespace selfreport {
 
@@ -36,10 +35,7 @@ public:
 
 private:
     bool m_isBelow;
-    std::int32_t m_report;
-    std::int16_t m_editFlag, m_previewZoomIndex;
-    bool m_runMode;
-    std::string m_header, m_footer;
+    OpenReport m_report;
 };
 
 } // namespace selfreport

@@ -1,10 +1,10 @@
 #include "demo/demo_reports.h"
 
+#include "access/DatabaseAccess.h"
 #include "demo/demo_report.h"
+#include "failures/failure_text.h"
 #include "fetch/evaluation.h"
-#include "platform/services/RecordingDialogs.h"
-#include "reports/report_store.h"
-#include "state/shared_state.h"
+#include "reports/ReportStore.h"
 
 #include <stdexcept>
 
@@ -66,38 +66,37 @@ std::vector<DemoReport> builtReports(Connection& connection)
 }
 
 /// What the page set-up and the header and footer editor store.
-void storePageSetup(Connection& connection, bool isLandscape)
+void storePageSetup(Connection& connection, std::int32_t report, bool isLandscape)
 {
     connection.execute(
         "update tblCWSelfReport set fTop=?,fBottom=?,fLeft=?,fRight=?,fDirection=?,fHeader=?,fFooter=? "
         "where noid=?",
         {0.8, 0.8, 0.6, 0.6, std::int64_t{isLandscape ? 0 : 1}, std::string(headerText),
-         std::string(footerText), std::int64_t{gReportId}});
+         std::string(footerText), std::int64_t{report}});
 }
 
 /// Stored values show when a report is opened for design, so they are computed before.
-void store(const DemoReport& report, const RecordingDialogs& boxes)
+void store(const DemoReport& report, DatabaseAccess& database)
 {
-    ReportEvaluation evaluation(*report.workbook);
+    ReportEvaluation evaluation(*report.workbook, database);
     evaluation.addSelfFunction();
     evaluation.recalculate();
-    if (!insertReport(report.name, *report.workbook))
-        throw std::runtime_error("报表“" + report.name + "”无法保存：" +
-                                 (boxes.said.empty() ? std::string() : boxes.said.back().text));
-    storePageSetup(*openConnection(gConnString), report.isLandscape);
+    RememberedReport stored;
+    try {
+        ReportStore(database, "admin").insert(report.name, *report.workbook, stored);
+    } catch (const std::exception& error) {
+        throw std::runtime_error("报表“" + report.name + "”无法保存：" + failures::sentenceOf(error));
+    }
+    storePageSetup(*OpenedDatabase(database), stored.id, report.isLandscape);
 }
 
 } // namespace
 
 void storeDemoReports(const std::string& connectionString)
 {
-    RecordingDialogs boxes;
-    const DialogsInUse inUse(boxes);
-    gConnString = connectionString;
-    gLoginUserId = "admin";
-    const std::vector<DemoReport> reports = builtReports(*openConnection(connectionString));
-    for (const DemoReport& report : reports)
-        store(report, boxes);
+    DatabaseAccess database(connectionString);
+    for (const DemoReport& report : builtReports(*openConnection(connectionString)))
+        store(report, database);
 }
 
 } // namespace selfreport

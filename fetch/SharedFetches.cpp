@@ -1,10 +1,9 @@
 #include "fetch/SharedFetches.h"
 
+#include "access/DatabaseAccess.h"
 #include "access/driver_call.h"
 #include "fetch/frmEditor1.h"
 #include "fetch/report_functions.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 
 #include <exception>
 #include <utility>
@@ -14,26 +13,26 @@ namespace selfreport {
 
 /// A referenced report after its evaluation, or why there is none.
 struct SharedFetches::LoadedReport {
-    explicit LoadedReport(SharedFetches* shared)
-        : hidden(shared)
+    LoadedReport(DatabaseAccess& database, SharedFetches* shared)
+        : hidden(database, shared)
     {
     }
     frmEditor1 hidden;
     ReportProblem problem;
 };
 
-namespace {
-
-/// A connection of its own for a wave: the shared one stays free for the calls. Null after a failed opening.
-std::unique_ptr<Connection> waveConnection()
+SharedFetches::SharedFetches(DatabaseAccess& database)
+    : m_database(database)
 {
-    return openDB() ? std::exchange(gCnn, nullptr) : nullptr;
 }
 
-} // namespace
-
-SharedFetches::SharedFetches() = default;
 SharedFetches::~SharedFetches() = default;
+
+/// A connection of its own for a wave: the common one stays free for the calls. Null after a failed opening.
+std::unique_ptr<Connection> SharedFetches::waveConnection()
+{
+    return m_database.open() ? std::exchange(m_database.connection, nullptr) : nullptr;
+}
 
 void SharedFetches::prepare(std::span<spreadsheet::PreparedCall> calls)
 {
@@ -108,7 +107,7 @@ void SharedFetches::loadReports(const std::set<std::string>& names)
     }
     connection.reset(); // before the reports' own waves ask for one
     for (const auto& [name, content] : contents) {
-        auto report = std::make_unique<LoadedReport>(this);
+        auto report = std::make_unique<LoadedReport>(m_database, this);
         try {
             if (content)
                 report->hidden.load(*content);
@@ -124,8 +123,9 @@ void SharedFetches::loadReports(const std::set<std::string>& names)
 const LedgerAnswer& SharedFetches::ledger(const LedgerArguments& arguments)
 {
     const auto found = m_ledger.find(arguments);
-    return found != m_ledger.end() ? found->second
-                                   : m_ledger.emplace(arguments, changeAcctInfo(arguments)).first->second;
+    return found != m_ledger.end()
+               ? found->second
+               : m_ledger.emplace(arguments, fetchFromLedger(m_database, arguments)).first->second;
 }
 
 ReferenceAnswer SharedFetches::reference(const ReportReference& reference)
@@ -133,7 +133,7 @@ ReferenceAnswer SharedFetches::reference(const ReportReference& reference)
     loadReports({reference.report});
     const auto found = m_reports.find(reference.report);
     if (found == m_reports.end())
-        return changeREF_FInfo(reference);
+        return fetchFromReport(m_database, reference);
     return readReferencedCell(found->second->hidden, reference, found->second->problem);
 }
 

@@ -16,7 +16,7 @@ namespace selfreport {
 /// values are the same as with one fetch for each call.
 class SharedFetches {
 public:
-    SharedFetches();
+    explicit SharedFetches(DatabaseAccess& database);
     ~SharedFetches();
     SharedFetches(const SharedFetches&) = delete;
     SharedFetches& operator=(const SharedFetches&) = delete;
@@ -35,7 +35,9 @@ private:
 
     void fetchLedgerAnswers(const std::set<LedgerArguments>& wanted);
     void loadReports(const std::set<std::string>& names);
+    std::unique_ptr<Connection> waveConnection();
 
+    DatabaseAccess& m_database;
     std::map<LedgerArguments, LedgerAnswer> m_ledger;
     std::map<std::string, std::unique_ptr<LoadedReport>, std::less<>> m_reports;
 };

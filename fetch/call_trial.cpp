@@ -3,7 +3,6 @@
 #include "failures/failure_text.h"
 #include "fetch/ledger_explanation.h"
 #include "platform/database/Connection.h"
-#include "state/shared_state.h"
 
 #include <charconv>
 #include <condition_variable>
@@ -143,7 +142,8 @@ void Attempt::run(const std::string& connectionString, const LedgerArguments& ar
 
 } // namespace
 
-CallTrial tryCall(const std::array<std::string, 6>& texts, std::chrono::milliseconds limit)
+CallTrial tryCall(const std::string& connectionString, const std::array<std::string, 6>& texts,
+                  std::chrono::milliseconds limit)
 {
     static std::weak_ptr<Attempt> s_leftBehind;
     CallTrial refused;
@@ -153,7 +153,7 @@ CallTrial tryCall(const std::array<std::string, 6>& texts, std::chrono::millisec
     if (!s_leftBehind.expired())
         return {{}, "数据库没有应答,未取"};
     const auto attempt = std::make_shared<Attempt>();
-    std::thread thread([attempt, connectionString = gConnString, arguments = *arguments, limit] {
+    std::thread thread([attempt, connectionString, arguments = *arguments, limit] {
         attempt->run(connectionString, arguments, limit);
     });
     std::unique_lock lock(attempt->mutex);

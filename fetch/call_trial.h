@@ -17,6 +17,7 @@ struct CallTrial {
 /// nothing: what fails is said in the result.
 /// @param limit  it returns by then with what is known. A database that does not answer at all is left alone,
 ///               and not asked again, until it does or the connection fails.
-CallTrial tryCall(const std::array<std::string, 6>& texts, std::chrono::milliseconds limit);
+CallTrial tryCall(const std::string& connectionString, const std::array<std::string, 6>& texts,
+                  std::chrono::milliseconds limit);
 
 } // namespace selfreport

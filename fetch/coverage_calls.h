@@ -10,6 +10,8 @@ class Workbook;
 
 namespace selfreport {
 
+class DatabaseAccess;
+
 /// The `Acct` calls of one sheet.
 struct SheetCalls {
     std::vector<CellCall>
@@ -22,6 +24,7 @@ struct SheetCalls {
 /// @param sheet  index, from 1
 /// @return  nothing if the waiting user cancelled
 /// @throws spreadsheet::ContentError if the workbook is too large to be copied
-std::optional<SheetCalls> acctCallsOf(const spreadsheet::Workbook& workbook, int sheet);
+std::optional<SheetCalls> acctCallsOf(const spreadsheet::Workbook& workbook, int sheet,
+                                      DatabaseAccess& database);
 
 } // namespace selfreport

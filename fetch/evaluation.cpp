@@ -1,12 +1,12 @@
 #include "fetch/evaluation.h"
 
+#include "access/DatabaseAccess.h"
 #include "fetch/ledger_explanation.h"
 #include "fetch/ledger_query.h"
 #include "fetch/report_functions.h"
 #include "fetch/SharedFetches.h"
 #include "platform/services/UserWait.h"
 #include "spreadsheet/workbook/UndoJournal.h"
-#include "state/mdlMain.h"
 
 #include <algorithm>
 #include <charconv>
@@ -134,8 +134,9 @@ void showStoredValues(spreadsheet::Workbook& workbook)
         });
 }
 
-ReportEvaluation::ReportEvaluation(spreadsheet::Workbook& workbook)
+ReportEvaluation::ReportEvaluation(spreadsheet::Workbook& workbook, DatabaseAccess& database)
     : m_workbook(workbook)
+    , m_database(database)
 {
     m_workbook.setStepEndHook([this] { keepDisplay(); });
 }
@@ -172,13 +173,13 @@ void ReportEvaluation::fps1_CustomFunction(spreadsheet::FunctionCall& call)
 {
     if (m_workbook.formulasShown())
         return;
-    const RecalculationUnderWay underWay; // the workbook may recalculate without being asked here
+    const RecalculationUnderWay underWay(m_database); // the workbook may recalculate without being asked here
     try {
-        const std::string failure = guardedEvaluation([&] {
+        const std::string failure = guardedEvaluation(m_database, [&] {
             if (isFunction(call, "Acct"))
-                evaluateAcct(call, m_shared, m_log);
+                evaluateAcct(call, m_database, m_shared, m_log);
             else if (isFunction(call, "REF_F"))
-                evaluateREF_F(call, m_shared, m_log);
+                evaluateREF_F(call, m_database, m_shared, m_log);
         });
         if (!failure.empty())
             m_log.known.push_back({call.place(), std::string(call.name()), failure, FetchOutcome::failed});
@@ -212,7 +213,7 @@ void ReportEvaluation::forgetDiagnostics()
 bool ReportEvaluation::computed(const std::function<spreadsheet::RecalculationReport()>& recalculation)
 {
     m_log = {};
-    SharedFetches shared;
+    SharedFetches shared(m_database);
     const SlotInUse<SharedFetches> inUse(m_shared, m_fetchesShared ? &shared : nullptr);
     return !recalculation().stopped;
 }
@@ -223,7 +224,7 @@ void ReportEvaluation::takeDiagnostics()
     std::erase_if(m_diagnostics, [&](const CellDiagnostic& former) {
         return m_log.evaluated.contains(former.place) || formulaAt(former.place).empty();
     });
-    std::ranges::copy(explainFetches(m_log), std::back_inserter(m_diagnostics));
+    std::ranges::copy(explainFetches(m_log, m_database), std::back_inserter(m_diagnostics));
     std::ranges::stable_sort(m_diagnostics, {}, &CellDiagnostic::place);
     m_failedFormulas.clear();
     for (const CellDiagnostic& diagnostic : m_diagnostics)
@@ -233,7 +234,7 @@ void ReportEvaluation::takeDiagnostics()
 
 bool ReportEvaluation::recalculate()
 {
-    const RecalculationUnderWay underWay;
+    const RecalculationUnderWay underWay(m_database);
     if (!computed([&] { return m_workbook.recalculate(); }))
         return false;
     forgetDiagnostics();
@@ -243,7 +244,7 @@ bool ReportEvaluation::recalculate()
 
 bool ReportEvaluation::recalculateChanged()
 {
-    const RecalculationUnderWay underWay;
+    const RecalculationUnderWay underWay(m_database);
     if (!computed([&] { return m_workbook.recalculateChanged(); }))
         return false;
     if (failedFetchesMoved())

@@ -12,6 +12,7 @@
 
 namespace selfreport {
 
+class DatabaseAccess;
 class SharedFetches;
 
 /// Cells that were stored while their formulas were shown are as data again: types from the tags.
@@ -21,7 +22,8 @@ void showStoredValues(spreadsheet::Workbook& workbook);
 /// must outlive it. "Every cell" is every cell of every sheet.
 class ReportEvaluation {
 public:
-    explicit ReportEvaluation(spreadsheet::Workbook& workbook);
+    /// @param database  that the calls fetch from and that tells their failures; must outlive it
+    ReportEvaluation(spreadsheet::Workbook& workbook, DatabaseAccess& database);
     ~ReportEvaluation();
     ReportEvaluation(const ReportEvaluation&) = delete;
     ReportEvaluation& operator=(const ReportEvaluation&) = delete;
@@ -69,6 +71,7 @@ private:
     bool failedFetchesMoved() const;
 
     spreadsheet::Workbook& m_workbook;
+    DatabaseAccess& m_database;
     SharedFetches* m_shared = nullptr; ///< of the recalculation under way
     FetchLog m_log;
     std::vector<CellDiagnostic> m_diagnostics;

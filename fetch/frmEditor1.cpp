@@ -11,8 +11,9 @@
 
 namespace selfreport {
 
-frmEditor1::frmEditor1(SharedFetches* shared)
-    : m_shared(shared)
+frmEditor1::frmEditor1(DatabaseAccess& database, SharedFetches* shared)
+    : m_database(database)
+    , m_shared(shared)
 {
     fps1.registerFunction("Acct", 6, [this](spreadsheet::FunctionCall& call) { fps1_CustomFunction(call); });
     if (m_shared)
@@ -52,9 +53,9 @@ void frmEditor1::fps1_CustomFunction(spreadsheet::FunctionCall& call)
 {
     if (isShowFormula == 1)
         return;
-    const std::string failure = guardedEvaluation([&] {
+    const std::string failure = guardedEvaluation(m_database, [&] {
         if (isFunction(call, "Acct"))
-            evaluateAcct(call, m_shared, log);
+            evaluateAcct(call, m_database, m_shared, log);
     });
     if (!failure.empty())
         log.doubtful.push_back({call.place(), {}, {{}, {}, failure}});

@@ -8,6 +8,7 @@
 
 namespace selfreport {
 
+class DatabaseAccess;
 class SharedFetches;
 
 /// The workbook that is never shown: a referenced report is loaded into it, so that its own `Acct` formulas
@@ -16,7 +17,7 @@ class frmEditor1 {
 public:
     /// @param shared  answers of the recalculation under way, shared with the report that refers to this one;
     ///                null: every call fetches for itself
-    explicit frmEditor1(SharedFetches* shared = nullptr);
+    explicit frmEditor1(DatabaseAccess& database, SharedFetches* shared = nullptr);
 
     /// Replaces the workbook by a stored one and evaluates it. @throws spreadsheet::ContentError, and nothing
     /// is loaded then
@@ -33,6 +34,7 @@ public:
 private:
     void fps1_CustomFunction(spreadsheet::FunctionCall& call);
 
+    DatabaseAccess& m_database;
     SharedFetches* m_shared;
 };
 

@@ -1,5 +1,6 @@
 #include "fetch/inter_report_fetch.h"
 
+#include "access/DatabaseAccess.h"
 #include "access/driver_call.h"
 #include "failures/failure_text.h"
 #include "fetch/frmEditor1.h"
@@ -7,8 +8,6 @@
 #include "fetch/quoted_text.h"
 #include "platform/database/dialect/sql_text.h"
 #include "spreadsheet/values/number_text.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 
 #include <charconv>
 #include <cmath>
@@ -139,15 +138,15 @@ ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& re
     return answer;
 }
 
-ReferenceAnswer changeREF_FInfo(const ReportReference& reference)
+ReferenceAnswer fetchFromReport(DatabaseAccess& database, const ReportReference& reference)
 {
-    if (!openDB())
+    if (!database.open())
         return {{}, databaseNotOpen, {}, FetchOutcome::failed};
-    frmEditor1 hidden;
+    frmEditor1 hidden(database);
     ReportProblem problem;
     try {
         // The row set is gone before the report is loaded: the fetches of its cells close the connection.
-        if (const auto content = fetchedContent(gCnn, reference.report))
+        if (const auto content = fetchedContent(database.connection, reference.report))
             hidden.load(*content);
         else
             problem = missingReport(reference.report);
@@ -155,7 +154,7 @@ ReferenceAnswer changeREF_FInfo(const ReportReference& reference)
         problem = unreadableReport(reference.report, error);
     }
     ReferenceAnswer answer = readReferencedCell(hidden, reference, problem);
-    closeDB();
+    database.close();
     return answer;
 }
 

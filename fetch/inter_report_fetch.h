@@ -14,6 +14,7 @@
 namespace selfreport {
 
 class Connection;
+class DatabaseAccess;
 class frmEditor1;
 
 /// The arguments of one `REF_F` call.
@@ -40,10 +41,11 @@ struct ReferencedCell {
 };
 ReferencedCell parseReferencedCell(std::string_view name);
 
-/// One inter-report fetch: reads the report's row over the shared connection, loads its content into a hidden
+/// One inter-report fetch: opens the connection, reads the report's row, loads its content into a hidden
 /// workbook, whose ledger fetches are made one by one, reads the cell and closes the connection. A step that
 /// fails is left out and makes the fetch a failed one. Nothing is kept for the next call.
-ReferenceAnswer changeREF_FInfo(const ReportReference& reference);
+/// @throws WorkCancelled
+ReferenceAnswer fetchFromReport(DatabaseAccess& database, const ReportReference& reference);
 
 /// The statement that finds a stored report by its name.
 std::string reportByNameStatement(std::string_view report);

@@ -1,12 +1,11 @@
 #include "fetch/ledger_explanation.h"
 
+#include "access/DatabaseAccess.h"
 #include "access/driver_call.h"
 #include "failures/failure_text.h"
 #include "fetch/quoted_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/dialect/sql_text.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 
 #include <algorithm>
 #include <exception>
@@ -147,13 +146,13 @@ Explanation explained(std::unique_ptr<Connection>& connection, const std::shared
 }
 
 /// Null if the database cannot be opened now.
-std::unique_ptr<Connection> explainingConnection()
+std::unique_ptr<Connection> explainingConnection(const DatabaseAccess& database)
 {
-    if (RecalculationUnderWay::openingFailed())
+    if (database.openingFailed())
         return nullptr;
     try {
         return driverCall<std::unique_ptr<Connection>>(
-            [target = gConnString] { return openConnection(target); });
+            [target = database.connectionString] { return openConnection(target); });
     } catch (const WorkCancelled&) {
         return nullptr;
     } catch (const std::exception&) {
@@ -172,12 +171,12 @@ std::string explainLedgerFetch(Connection& connection, const LedgerArguments& ar
     return explanation(connection, questions, arguments, answer).reason;
 }
 
-std::vector<CellDiagnostic> explainFetches(const FetchLog& log)
+std::vector<CellDiagnostic> explainFetches(const FetchLog& log, const DatabaseAccess& database)
 {
     std::vector<CellDiagnostic> diagnostics = log.known;
     const bool hasQuestions = std::ranges::any_of(
         log.doubtful, [](const DoubtfulFetch& fetch) { return fetch.answer.failure.empty(); });
-    std::unique_ptr<Connection> connection = hasQuestions ? explainingConnection() : nullptr;
+    std::unique_ptr<Connection> connection = hasQuestions ? explainingConnection(database) : nullptr;
     const auto questions = std::make_shared<Questions>(); // outlives a driver call that is given up
     std::map<std::pair<LedgerArguments, std::string>, Explanation> explanations; // one may fail, its like not
     for (const DoubtfulFetch& fetch : log.doubtful) {

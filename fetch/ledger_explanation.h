@@ -9,6 +9,7 @@
 namespace selfreport {
 
 class Connection;
+class DatabaseAccess;
 
 /// Why a ledger fetch gave no amount, or that a condition was left out: one Chinese sentence. The causes are
 /// looked for in this order: a failed step, no account given, unknown fetch type, currency, item class,
@@ -18,6 +19,6 @@ std::string explainLedgerFetch(Connection& connection, const LedgerArguments& ar
 
 /// The reasons of one recalculation, each cell's in the order found; equal fetches are looked into once. It
 /// opens a connection of its own unless the database could not be opened in the recalculation under way.
-std::vector<CellDiagnostic> explainFetches(const FetchLog& log);
+std::vector<CellDiagnostic> explainFetches(const FetchLog& log, const DatabaseAccess& database);
 
 } // namespace selfreport

@@ -1,12 +1,11 @@
 #include "fetch/ledger_fetch.h"
 
+#include "access/DatabaseAccess.h"
 #include "access/driver_call.h"
 #include "failures/failure_text.h"
 #include "fetch/numeric_prefix.h"
 #include "platform/database/Connection.h"
 #include "platform/database/dialect/sql_text.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 
 #include <exception>
 #include <map>
@@ -172,16 +171,17 @@ std::optional<double> ledgerAmount(const ProcedureResult& result)
     return sum;
 }
 
-LedgerAnswer changeAcctInfo(const LedgerArguments& arguments)
+LedgerAnswer fetchFromLedger(DatabaseAccess& database, const LedgerArguments& arguments)
 {
     LedgerAnswer answer;
-    if (!openDB())
+    if (!database.open())
         answer.failure = databaseNotOpen;
-    if (!gCnn || arguments.account.empty())
+    if (!database.connection || arguments.account.empty())
         return answer;
-    answer = driverCall<LedgerAnswer>(
-        gCnn, [arguments](Connection& connection) { return singleFetch(connection, arguments); });
-    closeDB();
+    answer = driverCall<LedgerAnswer>(database.connection, [arguments](Connection& connection) {
+        return singleFetch(connection, arguments);
+    });
+    database.close();
     return answer;
 }
 

@@ -11,6 +11,7 @@
 namespace selfreport {
 
 class Connection;
+class DatabaseAccess;
 
 /// The arguments of one `Acct` call as the fetch takes them; an empty year or period is not given.
 struct LedgerArguments {
@@ -31,10 +32,10 @@ struct LedgerAnswer {
     bool isDeclined = false; ///< the procedure itself said that its answer is not valid
 };
 
-/// One ledger fetch: opens the shared connection, looks the item classes up, calls `sp_GS_AcctProc` and
-/// closes the connection. A step that fails is left out and its reason kept; nothing is shown but the box of
-/// a failed opening. An empty account expression gives no amount and leaves the connection open.
-LedgerAnswer changeAcctInfo(const LedgerArguments& arguments);
+/// One ledger fetch: opens the connection, looks the item classes up, calls `sp_GS_AcctProc` and closes the
+/// connection. A step that fails is left out and its reason kept; nothing is told but a failed opening. An
+/// empty account expression gives no amount and leaves the connection open. @throws WorkCancelled
+LedgerAnswer fetchFromLedger(DatabaseAccess& database, const LedgerArguments& arguments);
 
 /// The table that lists a class's items; nothing if there is no such class or its table is no plain
 /// identifier. @throws DatabaseError

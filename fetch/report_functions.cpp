@@ -1,9 +1,9 @@
 #include "fetch/report_functions.h"
 
+#include "access/DatabaseAccess.h"
 #include "failures/failure_text.h"
 #include "fetch/SharedFetches.h"
 #include "platform/database/session/names.h"
-#include "state/mdlMain.h"
 
 #include <exception>
 
@@ -82,26 +82,26 @@ std::optional<ReportReference> referenceOf(const FunctionCall& call)
     return ReportReference{call.parameterText(1), call.parameterText(2), call.parameterText(3)};
 }
 
-void evaluateAcct(FunctionCall& call, SharedFetches* shared, FetchLog& log)
+void evaluateAcct(FunctionCall& call, DatabaseAccess& database, SharedFetches* shared, FetchLog& log)
 {
     log.evaluated.insert(call.place());
     if (!argumentsUsable(call, ledgerParameters, ledgerTexts, log))
         return;
     const LedgerArguments arguments = *ledgerArgumentsOf(call);
-    const LedgerAnswer answer = shared ? shared->ledger(arguments) : changeAcctInfo(arguments);
+    const LedgerAnswer answer = shared ? shared->ledger(arguments) : fetchFromLedger(database, arguments);
     call.setStatus(0);
     call.requestNumberType(2);
     call.setResult(answer.amount.value_or(0));
     log.add(call.place(), arguments, answer);
 }
 
-void evaluateREF_F(FunctionCall& call, SharedFetches* shared, FetchLog& log)
+void evaluateREF_F(FunctionCall& call, DatabaseAccess& database, SharedFetches* shared, FetchLog& log)
 {
     log.evaluated.insert(call.place());
     if (!argumentsUsable(call, referenceParameters, referenceParameters, log))
         return;
     const ReportReference wanted = *referenceOf(call);
-    ReferenceAnswer answer = shared ? shared->reference(wanted) : changeREF_FInfo(wanted);
+    ReferenceAnswer answer = shared ? shared->reference(wanted) : fetchFromReport(database, wanted);
     call.setStatus(0);
     call.setResult(answer.text);
     if (!answer.reason.empty())
@@ -110,15 +110,15 @@ void evaluateREF_F(FunctionCall& call, SharedFetches* shared, FetchLog& log)
         log.doubtful.push_back({call.place(), answer.doubtful->arguments, answer.doubtful->answer, true});
 }
 
-std::string guardedEvaluation(const std::function<void()>& work)
+std::string guardedEvaluation(DatabaseAccess& database, const std::function<void()>& work)
 {
     try {
         work();
         return {};
     } catch (const std::exception& error) {
-        closeDB();
+        database.close();
         std::string reason = failures::sentenceOf(error);
-        tellUser(Icon::critical, reason);
+        database.tell(Icon::critical, reason);
         return reason;
     }
 }

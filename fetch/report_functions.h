@@ -11,6 +11,7 @@
 
 namespace selfreport {
 
+class DatabaseAccess;
 class SharedFetches;
 
 /// Whether a function of that name is called, letter case ignored.
@@ -26,13 +27,15 @@ std::optional<ReportReference> referenceOf(const spreadsheet::FunctionCall& call
 /// Evaluates an `Acct` call: hands back the amount, 0 if there is none, and gives the calling cell the number
 /// type with two decimals. A call with unusable arguments hands back nothing.
 /// @param shared  answers of the recalculation under way; null: the call fetches for itself
-void evaluateAcct(spreadsheet::FunctionCall& call, SharedFetches* shared, FetchLog& log);
+void evaluateAcct(spreadsheet::FunctionCall& call, DatabaseAccess& database, SharedFetches* shared,
+                  FetchLog& log);
 
 /// Evaluates a `REF_F` call: hands back the referenced cell's text.
-void evaluateREF_F(spreadsheet::FunctionCall& call, SharedFetches* shared, FetchLog& log);
+void evaluateREF_F(spreadsheet::FunctionCall& call, DatabaseAccess& database, SharedFetches* shared,
+                   FetchLog& log);
 
-/// Runs a callback's work; a failure ends it and is shown under the critical icon. Gives its reason, ""
-/// without one.
-std::string guardedEvaluation(const std::function<void()>& work);
+/// Runs a callback's work; a failure ends it, closes the connection and is told under the critical icon.
+/// Gives its reason, "" without one.
+std::string guardedEvaluation(DatabaseAccess& database, const std::function<void()>& work);
 
 } // namespace selfreport

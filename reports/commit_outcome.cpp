@@ -1,16 +1,16 @@
 #include "reports/commit_outcome.h"
 
 #include "platform/database/Connection.h"
-#include "state/shared_state.h"
 
 namespace selfreport {
 
 namespace {
 
-bool foundDone(const DatabaseError& failure, const std::function<bool(Connection&)>& isDone)
+bool foundDone(const Connection& connection, const DatabaseError& failure,
+               const std::function<bool(Connection&)>& isDone)
 {
     try {
-        return isDone(*openConnection(gConnString));
+        return isDone(*connection.another());
     } catch (const DatabaseError&) {
         throw OutcomeUnknown(failure.number,
                              "提交更改时出错, 无法确定更改是否已保存。\n" + failure.description);
@@ -25,7 +25,7 @@ void commitOrFindOut(Transaction& transaction, const std::function<bool(Connecti
         transaction.commit();
     } catch (const DatabaseError& failure) {
         transaction.giveUp(); // its locks would be in the way of looking
-        if (foundDone(failure, isDone))
+        if (foundDone(transaction.connection(), failure, isDone))
             return;
         if (dynamic_cast<const RepeatableError*>(&failure))
             throw;

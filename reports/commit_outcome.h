@@ -19,7 +19,7 @@ struct OutcomeUnknown : CommitFailed {
 };
 
 /// Commits. A commit that fails leaves open what became of the changes, most of all when the connection
-/// breaks meanwhile, so they are looked for on a new connection to the shared database.
+/// breaks meanwhile, so they are looked for on a new connection to the same database.
 /// @param isDone  whether the changes stand in the database
 /// @throws CommitFailed if they do not, OutcomeUnknown if that cannot be found out
 /// @throws RepeatableError if they do not because another session was in the way

@@ -3,6 +3,7 @@
 #include "platform/database/session/Recordset.h"
 #include "platform/services/SettingsStore.h"
 #include "reports/placeholders.h"
+#include "spreadsheet/cells/SheetSettings.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
@@ -13,8 +14,6 @@ namespace selfreport {
 
 namespace {
 
-constexpr double twipsPerInch = 1440;
-
 double marginOf(const Recordset& rows, std::string_view column)
 {
     return rows.isNull(0, column) ? StoredPageSetup::defaultMargin : rows.number(0, column);
@@ -23,7 +22,7 @@ double marginOf(const Recordset& rows, std::string_view column)
 int twips(double inches)
 {
     constexpr double mostInches = 100; // more fits no paper
-    return static_cast<int>(std::lround(std::clamp(inches, 0.0, mostInches) * twipsPerInch));
+    return static_cast<int>(std::lround(std::clamp(inches, 0.0, mostInches) * spreadsheet::twipsPerInch));
 }
 
 } // namespace

@@ -1,12 +1,10 @@
 #include "reports/report_run.h"
 
+#include "access/DatabaseAccess.h"
 #include "failures/failure_text.h"
 #include "fetch/evaluation.h"
 #include "platform/database/dialect/connection_string.h"
-#include "platform/services/RecordingDialogs.h"
-#include "reports/report_store.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
+#include "reports/ReportStore.h"
 
 #include <algorithm>
 #include <exception>
@@ -57,28 +55,21 @@ void requireReport(const std::string& connectionString, std::int32_t id)
         throw ReportRunError("没有编号为" + std::to_string(id) + "的报表");
 }
 
-void setRunState(const std::string& connectionString, std::int32_t id)
+void load(ReportRun& run, std::int32_t id, DatabaseAccess& database)
 {
-    gConnString = connectionString;
-    gRunMode = true;
-    gEditFlag = 1;
-    gPreviewZoomIndex = -1;
-    gReportId = id;
-}
-
-void load(ReportRun& run, const RecordingDialogs& boxes)
-{
-    if (loadReport(run.name, *run.workbook))
-        return;
-    const std::string why = boxes.said.empty() ? std::string("原因不明") : boxes.said.back().text;
-    throw ReportRunError("编号为" + std::to_string(gReportId) + "的报表无法载入：" + why);
+    try {
+        RememberedReport unwanted;
+        run.name = ReportStore(database, {}).load(id, *run.workbook, unwanted);
+    } catch (const std::exception& error) {
+        throw ReportRunError("编号为" + std::to_string(id) + "的报表无法载入：" +
+                             failures::sentenceOf(error));
+    }
 }
 
 } // namespace
 
 std::vector<ListedReport> listReports(const std::string& connectionString)
 {
-    gConnString = connectionString;
     return provenList(connectionString);
 }
 
@@ -88,25 +79,22 @@ ReportRun runReport(const std::string& connectionString, std::int32_t id, const 
         if (options.progress)
             options.progress(what);
     };
-    RecordingDialogs boxes;
-    const DialogsInUse inUse(boxes);
     tell("打开数据库");
     requireReport(connectionString, id);
-    setRunState(connectionString, id);
 
     tell("载入报表");
     ReportRun run;
     run.workbook = std::make_unique<spreadsheet::Workbook>();
-    load(run, boxes);
+    DatabaseAccess database(connectionString,
+                            [&run](Icon, std::string_view text) { run.messages.emplace_back(text); });
+    load(run, id, database);
 
     tell("取数计算");
-    ReportEvaluation evaluation(*run.workbook);
+    ReportEvaluation evaluation(*run.workbook, database);
     evaluation.addSelfFunction();
     evaluation.setFetchesShared(options.fetchesShared);
     evaluation.startRun();
     run.diagnostics = evaluation.diagnostics();
-    for (const RecordingDialogs::Said& said : boxes.said)
-        run.messages.push_back(said.text);
     return run;
 }
 

@@ -24,7 +24,7 @@ struct ReportRun {
     std::string name;
     std::unique_ptr<spreadsheet::Workbook> workbook;
     std::vector<CellDiagnostic> diagnostics; ///< cells whose fetch failed or found nothing, in sheet order
-    std::vector<std::string> messages;       ///< what message boxes would have said, each once
+    std::vector<std::string> messages;       ///< what the user is told of the database, each once
 };
 
 struct RunOptions {
@@ -34,12 +34,12 @@ struct RunOptions {
     std::function<void(std::string_view)> progress;
 };
 
-/// All stored reports in the order of their ids. Sets the shared connection string.
+/// All stored reports in the order of their ids.
 /// @throws ReportRunError
 std::vector<ListedReport> listReports(const std::string& connectionString);
 
-/// Loads a stored report and evaluates it as the run mode does. Sets the shared state as running the report
-/// from the host does; header and footer are filled from the settings store.
+/// Loads a stored report and evaluates it as the run mode does; header and footer are filled from the
+/// settings store.
 /// @throws ReportRunError if there is no such database or report, or its content is damaged
 ReportRun runReport(const std::string& connectionString, std::int32_t id, const RunOptions& options = {});
 

@@ -15,7 +15,6 @@
 #include "spreadsheet/files/text/csv.h"
 #include "spreadsheet/functions/function_reference.h"
 #include "spreadsheet/print/pdf.h"
-#include "state/shared_state.h"
 #include "tool/frmHost.h"
 #include "windows/printing/print_stamp.h"
 
@@ -193,10 +192,11 @@ int toolWindow(const std::string& database, const ToolStreams& streams) noexcept
         const auto chosen = database.empty() ? FileDialogInUse::current().chooseToOpen(settings) : database;
         if (!chosen)
             return;
+        const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+        QDir().mkpath(folder);
         clsSelfReport component;
         component.init(connectionString(*chosen), "财务报表", qEnvironmentVariable("USER").toStdString(),
-                       QStandardPaths::writableLocation(QStandardPaths::AppDataLocation).toStdString());
-        QDir().mkpath(QString::fromStdString(gAppPath));
+                       folder.toStdString());
         frmHost({[&] { component.cwSelfReport(); }, [&](std::int32_t id) { component.cwSelfReportExe(id); }})
             .exec();
     });

@@ -143,6 +143,11 @@ void Connection::cancel()
     m_session->cancel();
 }
 
+std::unique_ptr<Connection> Connection::another() const
+{
+    return openConnection(m_connectionString);
+}
+
 Transaction::Transaction(Connection& connection)
     : m_connection(connection)
 {

@@ -51,6 +51,9 @@ public:
     /// Stops the statement under way, from any thread; it fails with DatabaseError.
     void cancel();
 
+    /// A second connection to the same database. @throws DatabaseError as openConnection does
+    std::unique_ptr<Connection> another() const;
+
 private:
     friend std::unique_ptr<Connection> openConnection(std::string_view connectionString);
     Connection(std::string connectionString, std::unique_ptr<Session> session, bool reused);
@@ -74,6 +77,7 @@ public:
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
 
+    const Connection& connection() const { return m_connection; }
     void commit();
     /// Rolls back now; what fails of that the server does by itself.
     void giveUp() noexcept;

@@ -32,7 +32,7 @@ int neededRowHeight(const Sheet& sheet, int row)
             continue;
         const double width = sheet.settings().columns.size(column) - 80;
         const auto lines = text.lines(
-            fromUtf8(shown),
+            QString::fromUtf8(shown),
             text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic}),
             style.wrap ? std::optional(width) : std::nullopt);
         needed = std::max(needed, style.font.points * 20 * lineDistance * static_cast<double>(lines.size()) +
@@ -54,7 +54,7 @@ int neededColumnWidth(const Sheet& sheet, int column)
             if (!slot.block->holdsData(row - slot.firstRow) || sheet.spanAt(cell))
                 continue;
             const CellStyle& style = sheet.style(cell);
-            const QString shown = fromUtf8(sheet.displayText(cell));
+            const QString shown = QString::fromUtf8(sheet.displayText(cell));
             // Laying out takes long: only texts that may be the widest. No character is wider than the font
             // is high.
             if (style.font.points * 20 * static_cast<double>(shown.size()) * 1.1 < needed)

@@ -3,7 +3,7 @@
 #include "component/windows.h"
 #include "platform/list_grid/ListGrid.h"
 #include "platform/toolkit/QtDialogs.h"
-#include "reports/report_store.h"
+#include "state/report_procedures.h"
 #include "tests/windows/designer/DesignerTest.h"
 
 #include <QLabel>

@@ -67,7 +67,7 @@ TEST_F(CallInWordsTest, SaysWhatTheFetchWillDo)
          "700.00"},
     };
     for (const auto& [texts, words, accounts, value] : cases) {
-        const CallTrial trial = tryCall(texts, ample);
+        const CallTrial trial = tryCall(gConnString, texts, ample);
         EXPECT_EQ(trial.meaning.words, words);
         EXPECT_EQ(codes(trial), accounts) << words;
         EXPECT_EQ(trial.value, value) << words;
@@ -92,17 +92,20 @@ TEST_F(CallInWordsTest, UnknownCodesComeWithTheNearestOne)
         {{"10'01", "2", "", "", "", ""}, {"科目“10'01”不存在,最接近的是“1001”"}},
     };
     for (const auto& [texts, problems] : cases)
-        EXPECT_EQ(tryCall(texts, ample).meaning.problems, problems);
+        EXPECT_EQ(tryCall(gConnString, texts, ample).meaning.problems, problems);
     EXPECT_EQ(nearestCode("1", {}), "");
 }
 
 TEST_F(CallInWordsTest, WhatCannotBeFetchedIsSaidAndShowsNoBox)
 {
-    EXPECT_EQ(tryCall({"1001", "2", "", "今年", "", ""}, ample).value, "年度“今年”不是整数");
-    EXPECT_EQ(tryCall({"1001", "2", "", "2025", "1.5", ""}, ample).value, "起始期间“1.5”不是整数");
-    EXPECT_THAT(tryCall({"1001", "2", "", "1999", "1", "1"}, ample).value, HasSubstr("没有科目"));
+    EXPECT_EQ(tryCall(gConnString, {"1001", "2", "", "今年", "", ""}, ample).value, "年度“今年”不是整数");
+    EXPECT_EQ(tryCall(gConnString, {"1001", "2", "", "2025", "1.5", ""}, ample).value,
+              "起始期间“1.5”不是整数");
+    EXPECT_THAT(tryCall(gConnString, {"1001", "2", "", "1999", "1", "1"}, ample).value,
+                HasSubstr("没有科目"));
     gConnString = "Provider=SQLite;Data Source=/nowhere/at/all.db";
-    EXPECT_EQ(tryCall({"1001", "2", "", "", "", ""}, ample).value, "数据库文件不存在或读取错误!");
+    EXPECT_EQ(tryCall(gConnString, {"1001", "2", "", "", "", ""}, ample).value,
+              "数据库文件不存在或读取错误!");
     EXPECT_THAT(ledger.boxes.said, IsEmpty());
 }
 
@@ -112,7 +115,7 @@ TEST_F(CallInWordsTest, SlowStatementsAreStopped)
     ledger.run("create view tblAccount as with recursive n(x) as (select 1 union all select x+1 from n) "
                "select x as fitemid,0 as fParentId,'9' as fNumber,'9' as fName,1 as fDirection from n");
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(tryCall({"1001", "2", "", "", "", ""}, std::chrono::milliseconds(100)).value,
+    EXPECT_EQ(tryCall(gConnString, {"1001", "2", "", "", "", ""}, std::chrono::milliseconds(100)).value,
               "取数超过时限,未取");
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }

@@ -82,7 +82,7 @@ TEST_F(Coverage, CallsAreThoseThatTheCellsMake)
     write(book.sheet(2), {1, 1}, R"(Acct("1001","2","","2025","1","2"))");
     const std::uint64_t revision = book.revision();
 
-    const auto [calls, unusable] = acctCallsOf(book, 1).value();
+    const auto [calls, unusable] = acctCallsOf(book, 1, sharedContext.database).value();
     EXPECT_EQ(book.revision(), revision);
     EXPECT_EQ(unusable, 1);
     std::string found;

@@ -77,7 +77,7 @@ TEST(Evaluation, SharedAndSingleFetchesGiveTheSame)
     for (const bool shared : {false, true}) {
         Workbook workbook;
         fill(workbook.sheet(1), mixedFormulas);
-        ReportEvaluation evaluation(workbook);
+        ReportEvaluation evaluation(workbook, sharedContext.database);
         evaluation.addSelfFunction();
         evaluation.setFetchesShared(shared);
         evaluation.recalculate();
@@ -97,7 +97,7 @@ TEST(Evaluation, WithoutSharingEachCellMakesItsOwnFetch)
     const test::TestLedger ledger;
     Workbook workbook;
     fill(workbook.sheet(1), std::vector<std::string>(20, closing("1001")));
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     evaluation.setFetchesShared(false);
     const DatabaseCounters before = databaseCounters();
@@ -115,7 +115,7 @@ TEST(Evaluation, SharingFetchesEachDistinctCallOnceARecalculation)
     std::vector<std::string> formulas(50, closing("1001"));
     formulas.resize(100, closing("1002"));
     fill(workbook.sheet(1), formulas);
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     for (int recalculation = 0; recalculation < 2; ++recalculation) { // every one starts afresh
         const DatabaseCounters before = databaseCounters();
@@ -138,7 +138,7 @@ TEST(Evaluation, ReferencedReportIsEvaluatedOnceARecalculation)
     for (int i = 0; i < 60; ++i)
         formulas.push_back("REF_F(\"甲表\" ,\"A" + std::to_string(i % 3 + 1) + "\" , \"1\")");
     fill(workbook.sheet(1), formulas);
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     const DatabaseCounters before = databaseCounters();
     evaluation.recalculate();
@@ -192,7 +192,7 @@ TEST(Evaluation, ReferencesAndWhatTheyShow)
         for (const bool shared : {false, true}) {
             Workbook workbook;
             fill(workbook.sheet(1), {c.formula});
-            ReportEvaluation evaluation(workbook);
+            ReportEvaluation evaluation(workbook, sharedContext.database);
             evaluation.addSelfFunction();
             evaluation.setFetchesShared(shared);
             evaluation.recalculate();
@@ -213,7 +213,7 @@ TEST(Evaluation, LostReportTableLeavesReferencesEmpty)
     for (const bool shared : {false, true}) {
         Workbook workbook;
         fill(workbook.sheet(1), {R"(REF_F("甲表" ,"A1" , ""))", closing("1001")});
-        ReportEvaluation evaluation(workbook);
+        ReportEvaluation evaluation(workbook, sharedContext.database);
         evaluation.addSelfFunction();
         evaluation.setFetchesShared(shared);
         evaluation.recalculate();
@@ -231,7 +231,7 @@ TEST(Evaluation, ReferencedTextCountsAsItsNumberInSums)
     Workbook workbook;
     fill(workbook.sheet(1),
          {R"(REF_F("甲表" ,"A1" , ""))", R"(REF_F("甲表" ,"A2" , ""))", "SUM(A1:A2)", "A1+1"});
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     evaluation.recalculate();
     EXPECT_EQ(workbook.sheet(1).displayText({1, 3}), "2100.75");
@@ -244,7 +244,7 @@ TEST(Evaluation, AcctCellsTakeTheNumberTypeWithTwoDecimals)
     Workbook workbook;
     demand(workbook.addSheet("第二页"));
     fill(workbook.sheet(2), {closing("1002"), "1+1"});
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     evaluation.recalculate();
     EXPECT_EQ(workbook.sheet(2).style({1, 1}).type, CellType::number);
@@ -264,7 +264,7 @@ TEST(Evaluation, ShownFormulasAndBackOnEverySheet)
     spreadsheet::CellStyle percent;
     percent.type = CellType::percent;
     workbook.sheet(1).setStyle({1, 2}, percent);
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     evaluation.recalculate();
     const std::vector<std::string> data[] = {shown(workbook.sheet(1)), shown(workbook.sheet(2))};
@@ -293,7 +293,7 @@ TEST(Evaluation, RunRestoresTheTypesOfAReportSavedWithItsFormulasShown)
     {
         Workbook workbook;
         fill(workbook.sheet(1), {closing("1001")});
-        ReportEvaluation evaluation(workbook);
+        ReportEvaluation evaluation(workbook, sharedContext.database);
         evaluation.addSelfFunction();
         evaluation.recalculate();
         evaluation.showFormulas();
@@ -303,7 +303,7 @@ TEST(Evaluation, RunRestoresTheTypesOfAReportSavedWithItsFormulasShown)
     }
     Workbook workbook;
     spreadsheet::loadContent(workbook, content);
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     EXPECT_EQ(workbook.sheet(1).displayText({1, 1}), closing("1001")); // opening computes nothing
     const std::int64_t calls = databaseCounters().procedureCalls;
@@ -323,11 +323,11 @@ TEST(Evaluation, AFormulaChangedWhereFormulasCameShownKeepsItsType)
         spreadsheet::CellStyle percent;
         percent.type = CellType::percent;
         design.sheet(1).setStyle({1, 2}, percent);
-        ReportEvaluation evaluation(design);
+        ReportEvaluation evaluation(design, sharedContext.database);
         evaluation.showFormulas();
         spreadsheet::loadContent(workbook, spreadsheet::saveContent(design));
     }
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     demand(workbook.sheet(1).setFormula({1, 2}, "1/5"));
     evaluation.showFormulas();
@@ -339,7 +339,7 @@ TEST(Evaluation, AFailureInTheCallbackIsTold)
 {
     const test::TestLedger ledger;
     ASSERT_TRUE(openDB());
-    guardedEvaluation([] { throw std::runtime_error("读取参数失败"); });
+    guardedEvaluation(sharedContext.database, [] { throw std::runtime_error("读取参数失败"); });
     EXPECT_FALSE(gCnn);
     EXPECT_EQ(ledger.boxes.said,
               (std::vector<RecordingDialogs::Said>{{Icon::critical, "测试账套", "读取参数失败"}}));
@@ -371,7 +371,7 @@ TEST(Evaluation, EveryCellWithoutAValueHasItsReason)
     for (const Case& c : cases)
         formulas.emplace_back(c.formula);
     fill(workbook.sheet(1), formulas);
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     evaluation.recalculate();
     ASSERT_EQ(evaluation.diagnostics().size(), std::size(cases));
@@ -389,7 +389,7 @@ TEST(Evaluation, IncrementalRecalculationKeepsOtherCellsReasons)
     Workbook workbook;
     fill(workbook.sheet(1), {closing("9998"), "Acct(B1,\"2\",\"\",\"2025\",\"1\",\"2\")"});
     workbook.sheet(1).setText({2, 1}, "9999");
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     evaluation.recalculate();
     EXPECT_EQ(evaluation.diagnostics().size(), 2U);
@@ -407,7 +407,7 @@ TEST(Evaluation, LostDatabaseIsToldOnceAndShowsZero)
     test::TestLedger ledger;
     Workbook workbook;
     fill(workbook.sheet(1), {closing("1001"), closing("1002"), "REF_F(\"甲表\" ,\"A1\" , \"\")"});
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     gConnString = "Provider=SQLite;Data Source=/nowhere/x.db";
     for (const bool shared : {false, true}) {

@@ -39,7 +39,7 @@ std::vector<std::byte> referencedReport()
 
 struct Evaluated {
     explicit Evaluated(bool shared = true)
-        : evaluation(workbook)
+        : evaluation(workbook, sharedContext.database)
     {
         evaluation.addSelfFunction();
         evaluation.setFetchesShared(shared);

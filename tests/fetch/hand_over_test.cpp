@@ -3,6 +3,7 @@
 #include "fetch/evaluation.h"
 #include "fetch/inter_report_fetch.h"
 #include "spreadsheet/files/content.h"
+#include "state/fetch_procedures.h"
 #include "state/shared_state.h"
 #include "tests/fetch/TestLedger.h"
 
@@ -116,7 +117,7 @@ TEST_F(HandOver, IsByTypeAndDecimalsWhateverTheFormatCode)
         for (int column = 1; column <= static_cast<int>(std::size(codes)); ++column)
             demand(sheet.setFormula({column, row}, reference({column, row})));
     for (const bool run : {false, true}) {
-        ReportEvaluation evaluation(workbook);
+        ReportEvaluation evaluation(workbook, sharedContext.database);
         evaluation.addSelfFunction();
         ASSERT_TRUE(run ? evaluation.startRun() : evaluation.recalculate());
         for (int row = 1; row <= static_cast<int>(std::size(handed)); ++row)
@@ -160,7 +161,7 @@ TEST_F(HandOver, CountsInRangesAsInArithmetic)
     };
     for (int i = 0; i < static_cast<int>(std::size(cases)); ++i)
         demand(sheet.setFormula({3, i + 1}, cases[i].first));
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     ASSERT_TRUE(evaluation.recalculate());
     for (int i = 0; i < static_cast<int>(std::size(cases)); ++i) {
@@ -197,7 +198,7 @@ TEST_F(HandOver, SumsOfSumsKeepTheirWholeAmounts)
     for (int column = 1; column <= 3; ++column)
         demand(sheet.setFormula({column, 1}, "REF_F(\"乙表\" ,\"" + cellName({column, 4}) + "\" , \"1\")"));
     demand(sheet.setFormula({1, 2}, "SUM(A1:C1)"));
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     ASSERT_TRUE(evaluation.recalculate());
     EXPECT_EQ(sheet.displayText({1, 1}), "-￥6,001.50");
@@ -224,7 +225,7 @@ TEST_F(HandOver, AReportStoredWithItsFormulasShownHandsOverItsFigures)
     sheet.setStyle({1, 2}, style);
     sheet.setNumber({1, 2}, 2.25);
     {
-        ReportEvaluation evaluation(report);
+        ReportEvaluation evaluation(report, sharedContext.database);
         evaluation.showFormulas();
     }
     ASSERT_EQ(sheet.displayText({1, 1}), "10/3");

@@ -1,5 +1,6 @@
 #include "fetch/ledger_fetch.h"
 
+#include "state/fetch_procedures.h"
 #include "state/mdlMain.h"
 #include "tests/fetch/TestLedger.h"
 
@@ -191,7 +192,7 @@ TEST(LedgerFetch, DatabaseThatCannotBeOpenedIsToldOnceARecalculation)
     test::TestLedger ledger;
     gConnString = "Provider=SQLite;Data Source=/nowhere/at all.db";
     {
-        const RecalculationUnderWay underWay;
+        const RecalculationUnderWay underWay(sharedContext.database);
         const std::int64_t opens = databaseCounters().opens;
         for (int i = 0; i < 3; ++i)
             EXPECT_FALSE(changeAcctInfo(closing("1001")).amount);

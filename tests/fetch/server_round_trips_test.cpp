@@ -1,6 +1,7 @@
 #include "fetch/call_trial.h"
 #include "fetch/evaluation.h"
 #include "fetch/ledger_fetch.h"
+#include "state/fetch_procedures.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/golden_texts.h"
 #include "tests/tdsserver/TdsServer.h"
@@ -52,7 +53,7 @@ TEST(ServerRoundTrips, AThousandCellsTakeFour)
         demand(workbook.sheet(1).setFormula(
             {1, row}, closing(which == 0 ? "1122|客户|001" : std::to_string(5000 + which))));
     }
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     openConnection(gConnString); // the session lies in the pool
     for (int recalculation = 0; recalculation < 2; ++recalculation) {
@@ -78,7 +79,7 @@ TEST(ServerRoundTrips, EmptyCellsAskEachQuestionOnce)
         demand(workbook.sheet(1).setFormula({1, row}, "Acct(\"" + std::to_string(8001 + row % 5) +
                                                           "\",\"2\",\"\",\"2025\",\"1\",\"" +
                                                           std::to_string(row % 4 + 1) + "\")"));
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     openConnection(gConnString);
     ledger.server.journal.clear();
@@ -97,7 +98,7 @@ TEST(ServerRoundTrips, ABatchThatIsRefusedIsDoneCallByCall)
     int row = 0;
     for (const char* account : accounts)
         demand(workbook.sheet(1).setFormula({1, ++row}, closing(account)));
-    ReportEvaluation evaluation(workbook);
+    ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     const auto refuse = [](tds::Reply& reply) {
         reply = {};
@@ -145,7 +146,7 @@ TEST(ServerRoundTrips, ALostServerLeavesCellsWithoutAmountsAndTheNextTryWorks)
         for (int row = 1; row <= 2; ++row)
             demand(workbook.sheet(1).setFormula({1, row},
                                                 closing("1122|客户|00" + std::to_string(row % 2 + 1))));
-        ReportEvaluation evaluation(workbook);
+        ReportEvaluation evaluation(workbook, sharedContext.database);
         evaluation.addSelfFunction();
         for (int fault = 0; fault < 40; ++fault)
             ledger.server.faults.order({step, tds::Cut::insideToken, tds::Ending::closed, {}, {}});
@@ -169,13 +170,14 @@ TEST(ServerRoundTrips, ACallThatIsBeingWrittenWaitsForNoSilentServer)
     ServedLedger ledger;
     ledger.server.faults.order({tds::Step::login, tds::Cut::beforeReply, tds::Ending::silent, {}, {}});
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(tryCall(texts, 100ms).value, "取数超过时限,未取");
-    EXPECT_EQ(tryCall(texts, 100ms).value, "数据库没有应答,未取"); // no second one waits beside it
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);       // the driver's own limit is 15 s
+    EXPECT_EQ(tryCall(gConnString, texts, 100ms).value, "取数超过时限,未取");
+    EXPECT_EQ(tryCall(gConnString, texts, 100ms).value,
+              "数据库没有应答,未取");                        // no second one waits beside it
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s); // the driver's own limit is 15 s
     ledger.server.dropConnections();
     std::string value;
     for (int tries = 0; tries < 100 && value != "120.00"; ++tries) {
-        value = tryCall(texts, 5s).value;
+        value = tryCall(gConnString, texts, 5s).value;
         std::this_thread::sleep_for(20ms);
     }
     EXPECT_EQ(value, "120.00");

@@ -33,23 +33,24 @@ std::string reasonFor(const std::string& connectionString, int id)
     return "";
 }
 
-TEST(ReportRun, EvaluatesAndSetsTheStateOfARun)
+TEST(ReportRun, EvaluatesBesideTheSharedState)
 {
     const test::TestLedger ledger;
     ledger.addReport(4, "现金表", ledgerReport());
     gRunMode = false;
     gEditFlag = 0;
-    gPreviewZoomIndex = 5;
+    gReportId = 7;
+    gConnString = "the windows'";
     const ReportRun run = runReport(ledger.connectionString(), 4);
     EXPECT_EQ(run.name, "现金表");
     EXPECT_EQ(run.workbook->sheet(1).displayText({2, 1}), "100.25");
     ASSERT_EQ(run.diagnostics.size(), 1U);
     EXPECT_EQ(run.diagnostics[0].place, (spreadsheet::CallPlace{1, 2, 2}));
     EXPECT_TRUE(run.messages.empty());
-    EXPECT_TRUE(gRunMode);
-    EXPECT_EQ(gEditFlag, 1);
-    EXPECT_EQ(gPreviewZoomIndex, -1);
-    EXPECT_EQ(gReportId, 4);
+    EXPECT_FALSE(gRunMode);
+    EXPECT_EQ(gEditFlag, 0);
+    EXPECT_EQ(gReportId, 7);
+    EXPECT_EQ(gConnString, "the windows'");
     EXPECT_FALSE(gCnn);
     EXPECT_TRUE(ledger.boxes.said.empty());
     run.workbook->recalculate(); // by then nobody fetches: the cells keep their values

@@ -1,6 +1,6 @@
 #include "reports/report_saving.h"
 
-#include "reports/report_store.h"
+#include "state/report_procedures.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/tdsserver/StatementWatch.h"
 

@@ -1,4 +1,4 @@
-#include "reports/report_store.h"
+#include "state/report_procedures.h"
 
 #include "platform/services/SettingsStore.h"
 #include "reports/report_list.h"

@@ -1,6 +1,6 @@
 #include "reports/report_list.h"
-#include "reports/report_store.h"
 #include "state/mdlMain.h"
+#include "state/report_procedures.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/golden_texts.h"
 #include "tests/tdsserver/TdsServer.h"

@@ -83,9 +83,9 @@ TEST(Recalculation, NestedOnesTellOnceAndCloseAtTheOuterEnd)
 {
     test::TestLedger ledger;
     {
-        const RecalculationUnderWay outer;
+        const RecalculationUnderWay outer(sharedContext.database);
         {
-            const RecalculationUnderWay inner;
+            const RecalculationUnderWay inner(sharedContext.database);
             EXPECT_TRUE(openDB());
             tellUser(Icon::critical, "一次");
         }

@@ -1,5 +1,5 @@
 #pragma once
-#include "reports/report_store.h"
+#include "state/report_procedures.h"
 #include "tests/fetch/TestLedger.h"
 
 #include <functional>

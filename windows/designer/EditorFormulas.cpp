@@ -17,7 +17,7 @@ EditorFormulas::EditorFormulas(spreadsheet::SpreadsheetControl& grid, EditorStat
     , m_status(status)
     , m_diagnostics(diagnostics)
     , m_failedFetches(failedFetches)
-    , m_evaluation(grid.cells().workbook())
+    , m_evaluation(grid.cells().workbook(), sharedContext.database)
 {
     // The grid shows what has changed, and tells that the cell is another.
     grid.cells().recalculateChanged = [this] {

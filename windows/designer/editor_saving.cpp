@@ -82,7 +82,7 @@ std::optional<std::string_view> EditedReport::insertAgain(const std::string& nam
                                                           const spreadsheet::Workbook& workbook)
 {
     const SaveOutcome outcome = updateReport(name, workbook, m_stored);
-    if (std::holds_alternative<ReportNotSaved>(outcome))
+    if (std::holds_alternative<ReportLeft>(outcome))
         return std::nullopt;
     if (std::holds_alternative<SaveConflict>(outcome)) { // it was not done
         m_stored = {};
@@ -99,7 +99,7 @@ std::optional<std::string_view> EditedReport::replace(std::string& name, spreads
     auto store = updateReport;
     for (;;) {
         const SaveOutcome outcome = store(name, workbook, m_stored);
-        if (std::holds_alternative<ReportNotSaved>(outcome))
+        if (std::holds_alternative<ReportLeft>(outcome))
             return std::nullopt;
         const auto* const conflict = std::get_if<SaveConflict>(&outcome);
         if (!conflict) {

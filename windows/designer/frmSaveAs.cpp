@@ -2,8 +2,8 @@
 
 #include "fetch/ledger_query.h"
 #include "platform/windows/buttons.h"
-#include "reports/report_store.h"
 #include "state/mdlMain.h"
+#include "state/report_procedures.h"
 
 #include <QFormLayout>
 #include <QLineEdit>

@@ -2,6 +2,7 @@
 
 #include "fetch/call_trial.h"
 #include "platform/list_grid/ListGrid.h"
+#include "state/shared_state.h"
 
 #include <algorithm>
 #include <QLabel>
@@ -54,7 +55,7 @@ void CallPreview::textsChanged(const std::array<std::string, 6>& texts)
 void CallPreview::tryNow()
 {
     const bool isEmpty = std::ranges::all_of(m_texts, &std::string::empty);
-    show(isEmpty ? CallTrial() : tryCall(m_texts, trialLimit));
+    show(isEmpty ? CallTrial() : tryCall(gConnString, m_texts, trialLimit));
 }
 
 void CallPreview::show(const CallTrial& trial)

@@ -140,7 +140,8 @@ void frmCoverage::check()
 
 bool frmCoverage::readSheet()
 {
-    const RecalculationUnderWay underWay; // a database that cannot be opened is told once
+    const RecalculationUnderWay underWay(
+        sharedContext.database); // a database that cannot be opened is told once
     const int chosen = m_cboMeasure->currentIndex();
     const LedgerArguments kept =
         chosen < 0 ? LedgerArguments() : m_measures[static_cast<std::size_t>(chosen)].arguments;
@@ -150,8 +151,10 @@ bool frmCoverage::readSheet()
     std::optional<SheetCalls> found;
     {
         const CancellableWait waiting(windowTitle());
-        guardedEvaluation(
-            [&] { found = acctCallsOf(m_grid.cells().workbook(), m_grid.cells().activeSheet()); });
+        guardedEvaluation(sharedContext.database, [&] {
+            found =
+                acctCallsOf(m_grid.cells().workbook(), m_grid.cells().activeSheet(), sharedContext.database);
+        });
     }
     m_sheet = found.value_or(SheetCalls());
     if (!found)

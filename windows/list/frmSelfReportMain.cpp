@@ -4,8 +4,8 @@
 #include "platform/windows/ProportionalLayout.h"
 #include "platform/windows/WaitCursor.h"
 #include "reports/report_list.h"
-#include "reports/report_store.h"
 #include "state/mdlMain.h"
+#include "state/report_procedures.h"
 #include "state/shared_state.h"
 #include "windows/list/report_rows.h"
 

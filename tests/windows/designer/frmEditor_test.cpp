@@ -3,10 +3,10 @@
 #include "component/windows.h"
 #include "platform/list_grid/ListGrid.h"
 #include "platform/services/ScriptedDialogs.h"
-#include "reports/report_store.h"
 #include "spreadsheet/files/content.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "spreadsheet/workbook/UndoJournal.h"
+#include "state/report_procedures.h"
 #include "tests/windows/designer/DesignerTest.h"
 
 #include <QClipboard>

@@ -1,6 +1,6 @@
 #include "component/windows.h"
 #include "platform/toolkit/QtDialogs.h"
-#include "reports/report_store.h"
+#include "state/report_procedures.h"
 #include "tests/platform/KeyScript.h"
 #include "tests/windows/designer/DesignerTest.h"
 #include "windows/designer/frmSaveAs.h"

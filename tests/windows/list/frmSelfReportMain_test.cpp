@@ -1,7 +1,7 @@
 #include "windows/list/frmSelfReportMain.h"
 
 #include "platform/list_grid/ListGrid.h"
-#include "reports/report_store.h"
+#include "state/report_procedures.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/platform/WindowTest.h"
 

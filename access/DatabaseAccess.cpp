@@ -1,0 +1,103 @@
+#include "access/DatabaseAccess.h"
+
+#include "access/driver_call.h"
+#include "failures/failure_text.h"
+
+#include <exception>
+
+namespace selfreport {
+
+std::string_view openingFailureText(std::int32_t number)
+{
+    return number == loginRejected ? "用户名或密码错误!" : "数据库文件不存在或读取错误!";
+}
+
+DatabaseAccess::DatabaseAccess(std::string target, Tell tells)
+    : connectionString(std::move(target))
+    , m_tells(std::move(tells))
+{
+}
+
+bool DatabaseAccess::openingFailed() const
+{
+    return m_recalculation && !m_recalculation->openingFailure.empty();
+}
+
+Connection& DatabaseAccess::opened()
+{
+    if (connection)
+        return *connection;
+    if (openingFailed())
+        throw DatabaseNotOpened(m_recalculation->openingFailure);
+    std::int32_t number = unspecifiedError;
+    try {
+        connection = driverCall<std::unique_ptr<Connection>>(
+            [target = connectionString] { return openConnection(target); });
+        return *connection;
+    } catch (const DatabaseError& error) {
+        number = error.number;
+    } catch (const std::exception&) {
+        // told like any other failure
+    }
+    const std::string failure(openingFailureText(number));
+    if (m_recalculation)
+        m_recalculation->openingFailure = failure;
+    throw DatabaseNotOpened(failure);
+}
+
+bool DatabaseAccess::open()
+{
+    return done(Icon::critical, [this] { opened(); });
+}
+
+void DatabaseAccess::close()
+{
+    connection.reset();
+}
+
+void DatabaseAccess::tell(Icon icon, std::string_view text)
+{
+    if (m_recalculation && !m_recalculation->told.emplace(icon, text).second)
+        return;
+    if (m_tells)
+        m_tells(icon, text);
+}
+
+bool DatabaseAccess::done(Icon icon, const std::function<void()>& work)
+{
+    try {
+        work();
+        return true;
+    } catch (const DatabaseNotOpened& error) {
+        tell(Icon::critical, error.what());
+    } catch (const std::exception& error) {
+        tell(icon, failures::sentenceOf(error));
+    }
+    return false;
+}
+
+bool DatabaseAccess::run(Icon icon, const std::function<void(Connection&)>& work)
+{
+    return done(icon, [&] {
+        const OpenedDatabase opened(*this);
+        work(*opened);
+    });
+}
+
+RecalculationUnderWay::RecalculationUnderWay(DatabaseAccess& database)
+    : m_database(database)
+    , m_isOutermost(!database.m_recalculation)
+{
+    if (m_isOutermost)
+        m_database.m_recalculation.emplace();
+}
+
+RecalculationUnderWay::~RecalculationUnderWay()
+{
+    if (!m_isOutermost)
+        return;
+    m_database.m_recalculation.reset();
+    m_database.close(); // a fetch without an account leaves it open
+}
+
+} // namespace selfreport
