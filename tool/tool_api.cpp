@@ -73,7 +73,7 @@ void writeReportPdf(const ReportRun& run, PendingFile& file)
     spreadsheet::PrintDocument document;
     document.title = QString::fromStdString(run.name);
     document.page.notice = failedFetchesText(run.diagnostics);
-    document.page.stamp = stampText(stampNow(static_cast<int>(run.diagnostics.size())));
+    document.page.stamp = stampText(stampNow({}, {}, static_cast<int>(run.diagnostics.size())));
     const spreadsheet::Pdf pdf = spreadsheet::pdfOf(*run.workbook, document);
     file.write(std::as_bytes(std::span(pdf.bytes)));
 }

@@ -1,9 +1,9 @@
 #include "windows/printing/PrintDlg.h"
 
 #include "platform/services/Dialogs.h"
+#include "reports/ReportContext.h"
 #include "spreadsheet/print/PreviewWidget.h"
 #include "spreadsheet/workbook/Workbook.h"
-#include "state/shared_state.h"
 #include "windows/printing/frmPreview.h"
 #include "windows/printing/page_number.h"
 #include "windows/printing/pagesetup.h"
@@ -148,7 +148,7 @@ bool PrintDlg::takeRange()
         const auto first = pageNumber(Text1[0]->text().toStdString());
         const auto last = pageNumber(Text1[1]->text().toStdString());
         if (!first || !last) {
-            dialogs().message(Icon::exclamation, gTitle, "页码不能大于32767!");
+            dialogs().message(Icon::exclamation, printedContext().title, "页码不能大于32767!");
             (first ? Text1[1] : Text1[0])->setFocus();
             return false;
         }

@@ -1,9 +1,19 @@
 #include "windows/printing/PrintedGrid.h"
 
 #include "spreadsheet/workbook/Workbook.h"
-#include "state/mdlMain.h"
+#include "state/shared_state.h"
 
 namespace selfreport {
+
+PrintedGrid::PrintedGrid()
+    : PrintedGrid(sharedContext)
+{
+}
+
+PrintedGrid::PrintedGrid(ReportContext& reportContext)
+    : context(reportContext)
+{
+}
 
 PrintedGrid*& PrintedGrid::usual()
 {
@@ -28,11 +38,16 @@ PrintedGrid& printedGrid()
     return PrintedGridInUse::current();
 }
 
+ReportContext& printedContext()
+{
+    return printedGrid().context;
+}
+
 bool isPageSetupRefused()
 {
     const spreadsheet::Refusal refusal = printedGrid().pageSetupRefusal();
     if (refusal)
-        tellUser(Icon::exclamation, refusal.reason());
+        printedContext().database.tell(Icon::exclamation, refusal.reason());
     return static_cast<bool>(refusal);
 }
 

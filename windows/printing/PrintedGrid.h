@@ -15,11 +15,15 @@ class Workbook;
 namespace selfreport {
 
 class Connection;
+struct ReportContext;
 
 /// The grid that the printing windows set up, show and print: the designer's. Its active sheet is shown and
 /// printed; margins, orientation, header and footer belong to the report and go to all of its sheets.
 class PrintedGrid {
 public:
+    /// On what all windows share.
+    PrintedGrid();
+    explicit PrintedGrid(ReportContext& reportContext);
     virtual ~PrintedGrid() = default;
 
     virtual spreadsheet::Workbook& workbook() = 0;
@@ -45,6 +49,7 @@ public:
     virtual void pageSetupStored(const std::array<double, 4>& /*inches*/, bool /*isPortrait*/) {}
     virtual void headerStored(bool /*isFooter*/, const std::string& /*codes*/) {}
 
+    ReportContext& context;             ///< who prints and sets up which report, on which database
     spreadsheet::PrintRange printRange; ///< what printing prints of the active sheet
 
     /// What is in use while no designer is open: an empty workbook of its own.
@@ -55,6 +60,8 @@ using PrintedGridInUse = InUse<PrintedGrid>;
 
 /// The designer's grid.
 PrintedGrid& printedGrid();
+/// … and its context.
+ReportContext& printedContext();
 
 /// Whether page set-up, header and footer may not be changed now; the user is told why.
 bool isPageSetupRefused();

@@ -1,8 +1,8 @@
 #include "windows/printing/frmPrintOptions.h"
 
 #include "platform/services/Dialogs.h"
+#include "reports/ReportContext.h"
 #include "spreadsheet/workbook/Workbook.h"
-#include "state/shared_state.h"
 #include "windows/printing/print_settings.h"
 #include "windows/printing/PrintedGrid.h"
 
@@ -86,7 +86,7 @@ void frmPrintOptions::cmdXPOK_Click()
     const int top = txtTitleTop->value();
     const int bottom = txtTitleBottom->value();
     if ((top == 0) != (bottom == 0) || top > bottom) {
-        dialogs().message(Icon::exclamation, gTitle, "重复的末行不能在首行之前!");
+        dialogs().message(Icon::exclamation, printedContext().title, "重复的末行不能在首行之前!");
         txtTitleBottom->setFocus();
         return;
     }

@@ -1,10 +1,9 @@
 #include "windows/printing/headerfooter.h"
 
 #include "platform/services/FontDialog.h"
+#include "reports/ReportContext.h"
 #include "spreadsheet/view/needed_size.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 #include "windows/printing/header_sheet.h"
 #include "windows/printing/LineNames.h"
 #include "windows/printing/page_setup_statements.h"
@@ -33,8 +32,9 @@ using spreadsheet::PrintSettings;
 /// are still those of the last one, and its grid alone knows its own.
 std::string storedCodes(bool footer)
 {
-    if (gEditFlag != 0)
-        return footer ? gFooterText : gHeaderText;
+    const OpenReport& report = printedContext().report;
+    if (report.editFlag != 0)
+        return footer ? report.footer : report.header;
     const PrintSettings& print = printedGrid().workbook().sheet(1).settings().print;
     return footer ? print.footer : print.header;
 }
@@ -47,7 +47,7 @@ void setOnGrid(bool footer, const std::string& codes)
 
 void storeCodes(Connection& connection, bool footer, const std::string& codes)
 {
-    changeStoredPageSetup(connection, saveHeaderStatement(gReportId, footer), {codes});
+    changeStoredPageSetup(connection, saveHeaderStatement(printedContext().report.id, footer), {codes});
     printedGrid().headerStored(footer, codes);
 }
 
@@ -189,12 +189,13 @@ bool headerfooter::SaveConfiguration()
         return false;
     if (!fpSpread1->entry().commit())
         return false;
-    databaseProcedure(Icon::critical, [this](Connection& connection) {
+    printedContext().database.run(Icon::critical, [this](Connection& connection) {
         QCoreApplication::processEvents();
         const std::string codes = headerCodes(headerGridOf(fpSpread1->cells().sheet()));
         setOnGrid(isFooter(), codes);
-        (isFooter() ? gFooterText : gHeaderText) = codes;
-        if (gEditFlag == 0)
+        OpenReport& report = printedContext().report;
+        (isFooter() ? report.footer : report.header) = codes;
+        if (report.editFlag == 0)
             printedGrid().tellStatus("报表尚未保存,页眉页脚没有存入数据库");
         else
             storeCodes(connection, isFooter(), codes);

@@ -1,7 +1,6 @@
 #include "windows/printing/pagesetup.h"
 
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
+#include "reports/ReportContext.h"
 #include "windows/printing/GetZoom.h"
 #include "windows/printing/headerfooter.h"
 #include "windows/printing/margin_text.h"
@@ -39,9 +38,10 @@ pagesetup::pagesetup(QWidget* parent)
     buildChoices();
     buildButtons();
     getReportInfo();
-    if (gPreviewZoomIndex == -1)
-        gPreviewZoomIndex = firstZoomIndex;
-    Combo1->setCurrentIndex(gPreviewZoomIndex);
+    std::int16_t& zoom = printedContext().report.zoomIndex;
+    if (zoom == -1)
+        zoom = firstZoomIndex;
+    Combo1->setCurrentIndex(zoom);
     pagemargin[0]->setFocus();
 }
 
@@ -121,10 +121,11 @@ void pagesetup::showMargin(int index, double value)
 
 void pagesetup::getReportInfo()
 {
-    if (gEditFlag == 0 || printedGrid().pageSetupRefusal())
-        return; // the row of `gReportId` is another report's
-    databaseProcedure(Icon::critical, [this](Connection& connection) {
-        const Recordset rows = connection.query(loadPageSetupStatement(gReportId));
+    ReportContext& context = printedContext();
+    if (context.report.editFlag == 0 || printedGrid().pageSetupRefusal())
+        return; // the row under its id is another report's
+    context.database.run(Icon::critical, [&](Connection& connection) {
+        const Recordset rows = connection.query(loadPageSetupStatement(context.report.id));
         if (rows.isEmpty())
             return;
         static constexpr const char* columns[] = {"fLeft", "fRight", "fTop", "fBottom"};
@@ -139,7 +140,7 @@ bool pagesetup::marginsAreComplete()
 {
     for (MarginField* const field : pagemargin)
         if (field->text().isEmpty() || field->text().toStdString() == MarginText::empty) {
-            tellUser(Icon::exclamation, "请输入数定类型!");
+            printedContext().database.tell(Icon::exclamation, "请输入数定类型!");
             field->setFocus();
             return false;
         }
@@ -169,7 +170,7 @@ void pagesetup::cmdXPOK_Click()
         print.marginRight = marginTwips(margins[1]);
         print.landscape = !porientation[0]->isChecked();
     });
-    gPreviewZoomIndex = static_cast<std::int16_t>(Combo1->currentIndex());
+    printedContext().report.zoomIndex = static_cast<std::int16_t>(Combo1->currentIndex());
     saveToDB();
     accept();
 }
@@ -178,13 +179,14 @@ void pagesetup::saveToDB()
 {
     if (isPageSetupRefused())
         return;
-    if (gEditFlag == 0) {
+    ReportContext& context = printedContext();
+    if (context.report.editFlag == 0) {
         printedGrid().tellStatus("报表尚未保存,页面设置没有存入数据库");
         return;
     }
     const bool isPortrait = porientation[0]->isChecked();
-    const bool isStored = databaseProcedure(Icon::critical, [&](Connection& connection) {
-        changeStoredPageSetup(connection, savePageSetupStatement(gReportId, inches(), isPortrait));
+    const bool isStored = context.database.run(Icon::critical, [&](Connection& connection) {
+        changeStoredPageSetup(connection, savePageSetupStatement(context.report.id, inches(), isPortrait));
     });
     if (isStored)
         printedGrid().pageSetupStored(inches(), isPortrait);
@@ -202,7 +204,7 @@ void pagesetup::Command1_Click()
 
 void pagesetup::done(int result)
 {
-    gPreviewZoomIndex = static_cast<std::int16_t>(Combo1->currentIndex());
+    printedContext().report.zoomIndex = static_cast<std::int16_t>(Combo1->currentIndex());
     QDialog::done(result);
 }
 

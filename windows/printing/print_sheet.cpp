@@ -6,10 +6,10 @@
 #include "platform/services/PrintService.h"
 #include "platform/windows/background_work.h"
 #include "platform/windows/WaitCursor.h"
+#include "reports/ReportContext.h"
 #include "spreadsheet/files/PendingFile.h"
 #include "spreadsheet/print/pdf.h"
 #include "spreadsheet/workbook/Workbook.h"
-#include "state/shared_state.h"
 #include "windows/printing/print_stamp.h"
 #include "windows/printing/PrintedGrid.h"
 
@@ -30,9 +30,9 @@ struct Cancelled {};
 /// … who wants to see the cell instead whose fetch failed.
 struct GoesToCell {};
 
-PrintOutcome refused(const std::string& reason)
+PrintOutcome refused(const PrintedGrid& grid, const std::string& reason)
 {
-    dialogs().message(Icon::exclamation, gTitle, reason);
+    dialogs().message(Icon::exclamation, grid.context.title, reason);
     return PrintOutcome::failed;
 }
 
@@ -42,7 +42,7 @@ void requireFigures(const PrintedGrid& grid)
     const std::string failed = grid.failedFetches();
     if (failed.empty())
         return;
-    const auto chosen = dialogs().choose(Icon::exclamation, gTitle, failed + "，是否仍然打印？",
+    const auto chosen = dialogs().choose(Icon::exclamation, grid.context.title, failed + "，是否仍然打印？",
                                          {"转到", "仍然打印（加注）"});
     if (!chosen)
         throw Cancelled();
@@ -66,7 +66,7 @@ PrintOutcome outcomeOf(PrintedGrid& grid, const Work& work)
         grid.goToFailedFetch();
         return PrintOutcome::left;
     } catch (const std::exception& error) {
-        return refused(failures::sentenceOf(error));
+        return refused(grid, failures::sentenceOf(error));
     }
 }
 
@@ -101,7 +101,7 @@ spreadsheet::PageRequest requestFor(const std::string& paper, PrintedGrid& grid)
         request.paperHeight = size->height;
     }
     request.notice = grid.failedFetches();
-    request.stamp = stampText(stampNow(grid.diagnosticsCount()));
+    request.stamp = stampText(stampNow(grid.context.user, grid.context.title, grid.diagnosticsCount()));
     return request;
 }
 
@@ -117,13 +117,14 @@ spreadsheet::PrintDocument documentOf(PrintedGrid& grid, const std::string& pape
 
 /// Runs `make`, which draws the document, under a dialog that shows how far it is. Drawing reads the workbook
 /// and so stays on this thread; the dialog acts between two pages.
-void drawWithProgress(spreadsheet::PrintDocument& document, const std::function<void()>& make)
+void drawWithProgress(const PrintedGrid& grid, spreadsheet::PrintDocument& document,
+                      const std::function<void()>& make)
 {
     constexpr int patience = 300; // milliseconds before the dialog opens
     QProgressDialog dialog(QStringLiteral("正在生成打印页"), QStringLiteral("取消"), 0, 0,
                            QApplication::activeWindow());
     dialog.setObjectName(QStringLiteral("drawProgress"));
-    dialog.setWindowTitle(QString::fromStdString(gTitle));
+    dialog.setWindowTitle(QString::fromStdString(grid.context.title));
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.setMinimumDuration(patience);
     document.goesOn = [&](int done, int pages) {
@@ -149,7 +150,7 @@ std::optional<std::string> chosenPdf(const PrintedGrid& grid)
 void writeFile(PrintedGrid& grid, spreadsheet::PrintDocument document, const std::string& path)
 {
     spreadsheet::PendingFile file(path); // first: what cannot be written is found before the long work
-    drawWithProgress(document, [&] {
+    drawWithProgress(grid, document, [&] {
         const spreadsheet::Pdf pdf = spreadsheet::pdfOf(grid.workbook(), document);
         file.write(std::as_bytes(std::span(pdf.bytes)));
     });
@@ -158,7 +159,7 @@ void writeFile(PrintedGrid& grid, spreadsheet::PrintDocument document, const std
 
 void offerPdf(PrintedGrid& grid)
 {
-    if (!dialogs().question(gTitle, "没有可用的打印机,是否打印到PDF文件?"))
+    if (!dialogs().question(grid.context.title, "没有可用的打印机,是否打印到PDF文件?"))
         throw Cancelled();
     const auto path = chosenPdf(grid);
     if (!path)
@@ -174,7 +175,7 @@ void sendToPrinter(PrintedGrid& grid, const std::string& paper)
     setup.landscape = grid.workbook().sheet(grid.workbook().activeSheet()).settings().print.landscape;
     spreadsheet::PrintDocument document = documentOf(grid, setup.paper);
     const auto pdf = std::make_shared<QByteArray>();
-    drawWithProgress(document, [&] { *pdf = spreadsheet::pdfOf(grid.workbook(), document).bytes; });
+    drawWithProgress(grid, document, [&] { *pdf = spreadsheet::pdfOf(grid.workbook(), document).bytes; });
     const bool sent = runInBackground(
         QStringLiteral("正在送往打印机"),
         [pdf, setup, title = grid.reportName(), &service = PrintServiceInUse::current()](WorkProgress&) {

@@ -1,7 +1,6 @@
 #include "windows/printing/print_stamp.h"
 
 #include "platform/services/SettingsStore.h"
-#include "state/shared_state.h"
 
 #include <chrono>
 #include <ctime>
@@ -19,7 +18,7 @@ std::string stampText(const PrintStamp& stamp)
                                          : "　取数无诊断");
 }
 
-PrintStamp stampNow(int diagnostics)
+PrintStamp stampNow(const std::string& user, const std::string& ledger, int diagnostics)
 {
     const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
     std::tm local{};
@@ -27,7 +26,7 @@ PrintStamp stampNow(int diagnostics)
     char time[32];
     std::strftime(time, sizeof time, "%Y-%m-%d %H:%M:%S", &local);
     const std::string named = settingsStore().value("ParamValue", "Value3");
-    return {time, named.empty() ? gLoginUserId : named, gTitle, diagnostics};
+    return {time, named.empty() ? user : named, ledger, diagnostics};
 }
 
 } // namespace selfreport

@@ -14,7 +14,9 @@ struct PrintStamp {
 /// One line; parts that are not known are left out.
 std::string stampText(const PrintStamp& stamp);
 
-/// The stamp of a printing now: operator and ledger from run parameters and shared state.
-PrintStamp stampNow(int diagnostics);
+/// The stamp of a printing now.
+/// @param user    the operator, if the run parameters name none
+/// @param ledger  what the windows are titled with
+PrintStamp stampNow(const std::string& user, const std::string& ledger, int diagnostics);
 
 } // namespace selfreport
