@@ -28,6 +28,10 @@ using namespace selfreport;
 namespace {
 
 struct NoCell : FormulaCell {
+    NoCell()
+        : FormulaCell(sharedContext)
+    {
+    }
     spreadsheet::Refusal writeFormula(const QString&) override { return {}; }
 };
 
@@ -55,9 +59,9 @@ void timeDialogs(BenchTable& table)
         {"frmFunction", [] { return std::make_unique<frmFunction>(cell); }},
         {"frmFunctionInput", [] { return std::make_unique<frmFunctionInput>(cell); }},
         {"frmFunctionInput1", [] { return std::make_unique<frmFunctionInput1>(cell); }},
-        {"frmAccountWizard", [] { return std::make_unique<frmAccountWizard>(ignored); }},
-        {"frmFilelList", [] { return std::make_unique<frmFilelList>(ignored); }},
-        {"frmCurrency", [] { return std::make_unique<frmCurrency>(ignored); }},
+        {"frmAccountWizard", [] { return std::make_unique<frmAccountWizard>(sharedContext, ignored); }},
+        {"frmFilelList", [] { return std::make_unique<frmFilelList>(sharedContext, ignored); }},
+        {"frmCurrency", [] { return std::make_unique<frmCurrency>(sharedContext, ignored); }},
         {"account chooser", accountChooser},
         {"item chooser", itemChooser},
     };
@@ -83,7 +87,7 @@ void timeCoverage(BenchTable& table)
     designer.show();
     std::unique_ptr<frmCoverage> window;
     const auto open = [&] {
-        window = std::make_unique<frmCoverage>(designer.fps1());
+        window = std::make_unique<frmCoverage>(sharedContext, designer.fps1());
         window->show();
         window->check();
         QCoreApplication::processEvents();

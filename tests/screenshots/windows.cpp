@@ -86,7 +86,7 @@ std::unique_ptr<QWidget> filledInput(test::RecordingCell& cell)
 
 std::unique_ptr<QWidget> filledWizard()
 {
-    auto window = std::make_unique<frmAccountWizard>(ignored);
+    auto window = std::make_unique<frmAccountWizard>(sharedContext, ignored);
     window->findChild<QLineEdit*>("txt_0")->setText("1122");
     auto& grid = *window->findChild<spreadsheet::SpreadsheetControl*>("fps1");
     grid.cells().setText(1, 1, "客户");
@@ -129,7 +129,7 @@ std::unique_ptr<QWidget> overReport()
 
 std::unique_ptr<QWidget> coverage()
 {
-    auto window = std::make_unique<frmCoverage>(openReport().fps1());
+    auto window = std::make_unique<frmCoverage>(sharedContext, openReport().fps1());
     window->check();
     return window;
 }
@@ -185,8 +185,8 @@ std::vector<Picture> pictures(const QDir& folder)
         {"frmFunctionInput", [] { return filledInput(cell); }},
         {"frmAccountWizard", [] { return filledWizard(); }},
         {"frmFunctionInput1", [] { return std::make_unique<frmFunctionInput1>(cell); }},
-        {"frmCurrency", [] { return std::make_unique<frmCurrency>(ignored); }},
-        {"frmFilelList", [] { return std::make_unique<frmFilelList>(ignored); }},
+        {"frmCurrency", [] { return std::make_unique<frmCurrency>(sharedContext, ignored); }},
+        {"frmFilelList", [] { return std::make_unique<frmFilelList>(sharedContext, ignored); }},
         {"clsAccountChooser", [] { return accountChooser(""); }},
         {"clsAccountChooser-search", [] { return accountChooser("yh"); }},
         {"clsItemChooser", [] { return itemChooser(); }},

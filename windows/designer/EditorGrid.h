@@ -1,4 +1,5 @@
 #pragma once
+#include "state/shared_state.h"
 #include "windows/designer/frmEditor.h"
 #include "windows/formulas/FormulaCell.h"
 #include "windows/printing/PrintedGrid.h"
@@ -9,7 +10,9 @@ namespace selfreport {
 class frmEditor::EditorGrid : public PrintedGrid, public FormulaCell {
 public:
     explicit EditorGrid(frmEditor& window)
-        : m_window(window)
+        : PrintedGrid(sharedContext)
+        , FormulaCell(sharedContext)
+        , m_window(window)
         , m_inUse(*this)
     {
     }

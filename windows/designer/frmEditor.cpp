@@ -181,7 +181,7 @@ void frmEditor::showCoverage()
 {
     auto* window = findChild<frmCoverage*>();
     if (!window) {
-        window = new frmCoverage(*m_fps1, this);
+        window = new frmCoverage(sharedContext, *m_fps1, this);
         window->setAttribute(Qt::WA_DeleteOnClose);
     }
     window->show();

@@ -2,7 +2,7 @@
 
 #include "fetch/call_trial.h"
 #include "platform/list_grid/ListGrid.h"
-#include "state/shared_state.h"
+#include "reports/ReportContext.h"
 
 #include <algorithm>
 #include <QLabel>
@@ -27,8 +27,9 @@ QLabel* textLabel(const char* name)
 
 } // namespace
 
-CallPreview::CallPreview(QWidget* parent)
+CallPreview::CallPreview(const ReportContext& context, QWidget* parent)
     : QWidget(parent)
+    , m_context(context)
     , m_words(textLabel("lblWords"))
     , m_value(textLabel("lblValue"))
     , m_accounts(new ListGrid)
@@ -55,7 +56,7 @@ void CallPreview::textsChanged(const std::array<std::string, 6>& texts)
 void CallPreview::tryNow()
 {
     const bool isEmpty = std::ranges::all_of(m_texts, &std::string::empty);
-    show(isEmpty ? CallTrial() : tryCall(gConnString, m_texts, trialLimit));
+    show(isEmpty ? CallTrial() : tryCall(m_context.database.connectionString, m_texts, trialLimit));
 }
 
 void CallPreview::show(const CallTrial& trial)

@@ -8,6 +8,7 @@ class QLabel;
 
 namespace selfreport {
 
+struct ReportContext;
 class ListGrid;
 struct CallTrial;
 
@@ -15,7 +16,7 @@ struct CallTrial;
 /// and which accounts it reaches (`vsfAccounts`).
 class CallPreview : public QWidget {
 public:
-    explicit CallPreview(QWidget* parent = nullptr);
+    explicit CallPreview(const ReportContext& context, QWidget* parent = nullptr);
 
     /// The texts of the boxes have changed. They are tried once no other change has come for 0.3 seconds,
     /// for half a second at most. Six empty texts show nothing.
@@ -25,6 +26,7 @@ private:
     void tryNow();
     void show(const CallTrial& trial);
 
+    const ReportContext& m_context;
     QTimer m_pause;
     std::array<std::string, 6> m_texts;
     QLabel* m_words;

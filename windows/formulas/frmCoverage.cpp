@@ -10,9 +10,8 @@
 #include "platform/windows/buttons.h"
 #include "platform/windows/CancellableWait.h"
 #include "platform/windows/own_file.h"
+#include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 #include "windows/pickers/ArgumentBoxes.h"
 
 #include <algorithm>
@@ -60,8 +59,9 @@ bool isFault(const AccountCoverage& account)
 
 } // namespace
 
-frmCoverage::frmCoverage(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
+frmCoverage::frmCoverage(ReportContext& context, spreadsheet::SpreadsheetControl& grid, QWidget* parent)
     : QDialog(parent)
+    , m_context(context)
     , m_grid(grid)
     , m_cboMeasure(new QComboBox)
     , m_chkFaults(new QCheckBox(QStringLiteral("只列遗漏、重复和仅取部分项目的科目")))
@@ -121,7 +121,8 @@ void frmCoverage::buildLayout(QGridLayout* rows)
 void frmCoverage::seekAccount(int index)
 {
     clsAccountChooser chooser;
-    chooser.initChooser(gConnString, gTitle, gLoginUserId, componentFolder().toStdString());
+    chooser.initChooser(m_context.database.connectionString, m_context.title, m_context.user,
+                        componentFolder().toStdString());
     chooser.chooseAccount("", 1);
     if (!chooser.chosenNumber().empty())
         m_txt->box(index).setText(QString::fromStdString(chooser.chosenNumber()));
@@ -140,8 +141,7 @@ void frmCoverage::check()
 
 bool frmCoverage::readSheet()
 {
-    const RecalculationUnderWay underWay(
-        sharedContext.database); // a database that cannot be opened is told once
+    const RecalculationUnderWay underWay(m_context.database); // a database that cannot be opened is told once
     const int chosen = m_cboMeasure->currentIndex();
     const LedgerArguments kept =
         chosen < 0 ? LedgerArguments() : m_measures[static_cast<std::size_t>(chosen)].arguments;
@@ -151,15 +151,14 @@ bool frmCoverage::readSheet()
     std::optional<SheetCalls> found;
     {
         const CancellableWait waiting(windowTitle());
-        guardedEvaluation(sharedContext.database, [&] {
-            found =
-                acctCallsOf(m_grid.cells().workbook(), m_grid.cells().activeSheet(), sharedContext.database);
+        guardedEvaluation(m_context.database, [&] {
+            found = acctCallsOf(m_grid.cells().workbook(), m_grid.cells().activeSheet(), m_context.database);
         });
     }
     m_sheet = found.value_or(SheetCalls());
     if (!found)
         return false;
-    return databaseProcedure(Icon::critical, [&](Connection& connection) {
+    return m_context.database.run(Icon::critical, [&](Connection& connection) {
         m_measures = measuresOf(m_sheet.calls);
         for (const auto& [arguments, calls] : m_measures) {
             m_cboMeasure->addItem(QString::fromStdString(measureInWords(connection, arguments)) +
@@ -177,7 +176,7 @@ void frmCoverage::readAccounts()
         if (const int chosen = m_cboMeasure->currentIndex(); chosen >= 0)
             m_accounts = coverageOf(m_measures[static_cast<std::size_t>(chosen)].arguments);
     } catch (const std::exception& error) {
-        tellUser(Icon::critical, failures::sentenceOf(error));
+        m_context.database.tell(Icon::critical, failures::sentenceOf(error));
     } catch (const WorkCancelled&) {
         // The list stays empty.
     }
@@ -190,7 +189,7 @@ std::vector<AccountCoverage> frmCoverage::coverageOf(const LedgerArguments& meas
     const auto range = m_txt->texts<std::array<std::string, 2>>();
     // The call may be left behind: it owns what it uses.
     return driverCall<std::vector<AccountCoverage>>(
-        [range, measure, connectionString = gConnString, calls = m_sheet.calls] {
+        [range, measure, connectionString = m_context.database.connectionString, calls = m_sheet.calls] {
             const auto connection = openConnection(connectionString);
             return accountCoverage(*connection, std::string(trimmed(range[0])),
                                    std::string(trimmed(range[1])), measure, calls);

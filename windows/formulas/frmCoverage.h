@@ -17,6 +17,7 @@ namespace selfreport {
 
 class ArgumentBoxes;
 class ListGrid;
+struct ReportContext;
 
 /// Which accounts the `Acct` cells of the sheet that is shown fetch once, several times or not at all. Stays
 /// open beside the designer: a click on an account goes to its cells.
@@ -24,7 +25,8 @@ class frmCoverage : public QDialog {
     Q_OBJECT
 
 public:
-    explicit frmCoverage(spreadsheet::SpreadsheetControl& grid, QWidget* parent = nullptr);
+    /// @param context  whose database is asked
+    frmCoverage(ReportContext& context, spreadsheet::SpreadsheetControl& grid, QWidget* parent = nullptr);
 
     /// Looks at the sheet as it is now. A failure is told and empties the list.
     void check();
@@ -42,6 +44,7 @@ private:
     QString summary() const;
     void goToCells();
 
+    ReportContext& m_context;
     spreadsheet::SpreadsheetControl& m_grid;
     ArgumentBoxes* m_txt;
     QComboBox* m_cboMeasure;

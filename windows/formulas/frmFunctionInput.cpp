@@ -3,6 +3,7 @@
 #include "fetch/formula_text.h"
 #include "platform/windows/buttons.h"
 #include "windows/formulas/CallPreview.h"
+#include "windows/formulas/FormulaCell.h"
 #include "windows/formulas/write_formula.h"
 #include "windows/pickers/ArgumentBoxes.h"
 #include "windows/pickers/frmAccountWizard.h"
@@ -36,7 +37,7 @@ frmFunctionInput::frmFunctionInput(FormulaCell& cell, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(heading);
     layout->addLayout(rows);
-    auto* preview = new CallPreview;
+    auto* preview = new CallPreview(m_cell.context);
     m_txt->changed = [this, preview] { preview->textsChanged(m_txt->texts<std::array<std::string, 6>>()); };
     layout->addWidget(preview, 1);
     layout->addWidget(okAndClose(
@@ -48,11 +49,11 @@ void frmFunctionInput::openPicker(int index)
 {
     const auto handBack = [this, index](const QString& text) { m_txt->box(index).setText(text); };
     if (index == 0)
-        frmAccountWizard(handBack, this).exec();
+        frmAccountWizard(m_cell.context, handBack, this).exec();
     else if (index == 1)
-        frmFilelList(handBack, this).exec();
+        frmFilelList(m_cell.context, handBack, this).exec();
     else if (index == 2)
-        frmCurrency(handBack, this).exec();
+        frmCurrency(m_cell.context, handBack, this).exec();
 }
 
 void frmFunctionInput::setArguments(const std::array<std::string, 6>& arguments)

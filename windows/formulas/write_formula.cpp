@@ -1,6 +1,6 @@
 #include "windows/formulas/write_formula.h"
 
-#include "state/mdlMain.h"
+#include "reports/ReportContext.h"
 #include "windows/formulas/FormulaCell.h"
 
 namespace selfreport {
@@ -9,7 +9,7 @@ bool writeFormula(FormulaCell& cell, const std::string& formula)
 {
     const spreadsheet::Refusal refused = cell.writeFormula(QString::fromStdString(formula));
     if (refused)
-        tellUser(Icon::critical, refused.reason());
+        cell.context.database.tell(Icon::critical, refused.reason());
     return !refused;
 }
 

@@ -5,10 +5,9 @@
 #include "platform/basicdata/clsItemChooser.h"
 #include "platform/windows/buttons.h"
 #include "platform/windows/own_file.h"
+#include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "spreadsheet/workbook/typed_text.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 #include "windows/pickers/account_argument.h"
 #include "windows/pickers/ArgumentBoxes.h"
 #include "windows/pickers/item_classes.h"
@@ -32,8 +31,10 @@ constexpr int rowsAtFirst = 10;
 
 } // namespace
 
-frmAccountWizard::frmAccountWizard(std::function<void(const QString&)> handBack, QWidget* parent)
+frmAccountWizard::frmAccountWizard(ReportContext& context, std::function<void(const QString&)> handBack,
+                                   QWidget* parent)
     : QDialog(parent)
+    , m_context(context)
     , m_handBack(std::move(handBack))
     , m_fps1(new spreadsheet::SpreadsheetControl)
     , m_words(new QLabel)
@@ -113,7 +114,8 @@ void frmAccountWizard::txt_LostFocus(int index)
 void frmAccountWizard::getBasicInfo(int index)
 {
     clsAccountChooser chooser;
-    chooser.initChooser(gConnString, gTitle, gLoginUserId, componentFolder().toStdString());
+    chooser.initChooser(m_context.database.connectionString, m_context.title, m_context.user,
+                        componentFolder().toStdString());
     chooser.chooseAccount("", 1);
     const QString number = QString::fromStdString(chooser.chosenNumber());
     if (number.isEmpty())
@@ -126,7 +128,7 @@ void frmAccountWizard::getBasicInfo(int index)
 void frmAccountWizard::getHSXMDetail(const QString& account)
 {
     const std::string number(trimmed(account.toStdString()));
-    databaseProcedure(Icon::critical, [&](Connection& connection) {
+    m_context.database.run(Icon::critical, [&](Connection& connection) {
         const ItemClasses classes = itemClassesOf(connection, number);
         m_fps1->cells().setColumnDropDown(classColumn, classes.names);
         m_fps1->cells().setColumnDropDown(classIdColumn, classes.ids);
@@ -143,12 +145,12 @@ void frmAccountWizard::getBasicInfoHSXM(int column)
     bool isNumber = false;
     const short classId = id.toShort(&isNumber);
     if (!isNumber || classId < 0) {
-        tellUser(Icon::critical, "核算项目类别编号无效: " + id.toStdString());
+        m_context.database.tell(Icon::critical, "核算项目类别编号无效: " + id.toStdString());
         return;
     }
     clsItemChooser chooser;
-    chooser.initChooser(gTitle, gLoginUserId, componentFolder().toStdString());
-    chooser.chooseItem(classId, "fNumber", "", gConnString, 1, "", "");
+    chooser.initChooser(m_context.title, m_context.user, componentFolder().toStdString());
+    chooser.chooseItem(classId, "fNumber", "", m_context.database.connectionString, 1, "", "");
     const QString code = QString::fromStdString(chooser.chosenNumber());
     if (code.isEmpty())
         return;
@@ -206,7 +208,7 @@ void frmAccountWizard::fps1_Change(int column, int row)
 void frmAccountWizard::setRowCount(int count)
 {
     if (const spreadsheet::Refusal why = m_fps1->cells().setRowCount(count)) {
-        tellUser(Icon::exclamation, why.reason());
+        m_context.database.tell(Icon::exclamation, why.reason());
         return;
     }
     m_fps1->cells().changeStyle({classColumn, 1, toColumn, count}, [](spreadsheet::CellStyle& style) {

@@ -13,6 +13,7 @@ class SpreadsheetControl;
 
 namespace selfreport {
 
+struct ReportContext;
 class ArgumentBoxes;
 
 /// Puts the account argument of an `Acct` call together: accounts from and to, and for each item class of
@@ -21,8 +22,10 @@ class frmAccountWizard : public QDialog {
     Q_OBJECT
 
 public:
+    /// @param context   whose database is asked
     /// @param handBack  takes the argument on OK
-    explicit frmAccountWizard(std::function<void(const QString&)> handBack, QWidget* parent = nullptr);
+    frmAccountWizard(ReportContext& context, std::function<void(const QString&)> handBack,
+                     QWidget* parent = nullptr);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -45,6 +48,7 @@ private:
     std::string argument();
     void showWords();
 
+    ReportContext& m_context;
     std::function<void(const QString&)> m_handBack;
     ArgumentBoxes* m_txt;
     spreadsheet::SpreadsheetControl* m_fps1;

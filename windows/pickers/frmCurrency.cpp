@@ -1,15 +1,17 @@
 #include "windows/pickers/frmCurrency.h"
 
 #include "platform/list_grid/ListGrid.h"
-#include "state/mdlMain.h"
+#include "reports/ReportContext.h"
 #include "windows/pickers/code_picker.h"
 
 #include <utility>
 
 namespace selfreport {
 
-frmCurrency::frmCurrency(std::function<void(const QString&)> handBack, QWidget* parent)
+frmCurrency::frmCurrency(ReportContext& context, std::function<void(const QString&)> handBack,
+                         QWidget* parent)
     : QDialog(parent)
+    , m_context(context)
     , m_handBack(std::move(handBack))
 {
     setObjectName("frmCurrency");
@@ -20,7 +22,7 @@ frmCurrency::frmCurrency(std::function<void(const QString&)> handBack, QWidget* 
 
 void frmCurrency::getCurrency()
 {
-    databaseProcedure(Icon::critical, [this](Connection& connection) {
+    m_context.database.run(Icon::critical, [this](Connection& connection) {
         const Recordset rows = connection.query("select * from tblCurrency order by fitemid");
         for (std::size_t row = 0; row < rows.rowCount(); ++row)
             m_vsf1->addRow(

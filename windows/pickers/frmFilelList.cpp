@@ -1,15 +1,17 @@
 #include "windows/pickers/frmFilelList.h"
 
 #include "platform/list_grid/ListGrid.h"
-#include "state/mdlMain.h"
+#include "reports/ReportContext.h"
 #include "windows/pickers/code_picker.h"
 
 #include <utility>
 
 namespace selfreport {
 
-frmFilelList::frmFilelList(std::function<void(const QString&)> handBack, QWidget* parent)
+frmFilelList::frmFilelList(ReportContext& context, std::function<void(const QString&)> handBack,
+                           QWidget* parent)
     : QDialog(parent)
+    , m_context(context)
     , m_handBack(std::move(handBack))
 {
     setObjectName("frmFilelList");
@@ -20,7 +22,7 @@ frmFilelList::frmFilelList(std::function<void(const QString&)> handBack, QWidget
 
 void frmFilelList::getFieldKeys()
 {
-    databaseProcedure(Icon::critical, [this](Connection& connection) {
+    m_context.database.run(Icon::critical, [this](Connection& connection) {
         const Recordset rows = connection.query("select * from tblSelfReportFieldKey order by noid");
         for (std::size_t row = 0; row < rows.rowCount(); ++row)
             m_vsf1->addRow(codeRow("", rows.text(row, "fKey"), rows.text(row, "fKeyName")));

@@ -4,6 +4,7 @@
 
 namespace selfreport {
 
+struct ReportContext;
 class ListGrid;
 
 /// Lets the user pick what an `Acct` call fetches: opening balance, movement and so on.
@@ -11,8 +12,10 @@ class frmFilelList : public QDialog {
     Q_OBJECT
 
 public:
+    /// @param context   whose database is asked
     /// @param handBack  takes the key of the fetch type
-    explicit frmFilelList(std::function<void(const QString&)> handBack, QWidget* parent = nullptr);
+    frmFilelList(ReportContext& context, std::function<void(const QString&)> handBack,
+                 QWidget* parent = nullptr);
 
 private:
     /// Fills the list from the database. A failure is told; the rows read so far stay.
@@ -20,6 +23,7 @@ private:
     void cmdXPOK_Click();
     void cmdXPClose_Click();
 
+    ReportContext& m_context;
     std::function<void(const QString&)> m_handBack;
     ListGrid* m_vsf1;
 };

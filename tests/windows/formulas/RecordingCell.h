@@ -1,4 +1,5 @@
 #pragma once
+#include "state/shared_state.h"
 #include "windows/formulas/FormulaCell.h"
 
 #include <QStringList>
@@ -8,6 +9,10 @@ namespace selfreport::test {
 /// Keeps the formulas that were written, or refuses them.
 class RecordingCell : public FormulaCell {
 public:
+    RecordingCell()
+        : FormulaCell(sharedContext)
+    {
+    }
     spreadsheet::Refusal writeFormula(const QString& formula) override
     {
         if (refusal.isEmpty())

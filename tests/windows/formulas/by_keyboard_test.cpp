@@ -119,7 +119,7 @@ TEST_F(ByKeyboard, EachResultOfTheWizard)
     };
     for (const auto& [script, argument] : cases) {
         QStringList handedBack;
-        frmAccountWizard wizard([&](const QString& text) { handedBack.append(text); });
+        frmAccountWizard wizard(sharedContext, [&](const QString& text) { handedBack.append(text); });
         show(wizard);
         test::KeyScript keys(wizard, QString::fromUtf8(script));
         keys.run(); // the last key closes the window that would take a further one

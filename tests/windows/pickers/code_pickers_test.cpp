@@ -16,7 +16,8 @@ protected:
     void open()
     {
         handedBack.clear();
-        window = std::make_unique<Picker>([this](const QString& text) { handedBack.append(text); });
+        window =
+            std::make_unique<Picker>(sharedContext, [this](const QString& text) { handedBack.append(text); });
         show(*window);
     }
     ListGrid& list() { return control<ListGrid>(*window, "vsf1"); }

@@ -67,7 +67,7 @@ protected:
 
     test::TestLedger ledger;
     QStringList handedBack;
-    frmAccountWizard wizard{[this](const QString& text) { handedBack.append(text); }};
+    frmAccountWizard wizard{sharedContext, [this](const QString& text) { handedBack.append(text); }};
 };
 
 TEST_F(AccountWizard, WholeWayByKeyboard)
@@ -160,7 +160,7 @@ TEST_F(AccountWizard, RowsAreTakenLiterallyAndCancelHandsNothingBack)
     EXPECT_EQ(control<QLabel>(wizard, "lblWords").text().left(9), "科目 1001,(");
     press("cmdXPOK");
     EXPECT_EQ(handedBack, QStringList("1001||01|||||||||部门|05"));
-    frmAccountWizard other([this](const QString& text) { handedBack.append(text); });
+    frmAccountWizard other(sharedContext, [this](const QString& text) { handedBack.append(text); });
     show(other);
     EXPECT_EQ(control<QLineEdit>(other, "txt_0").text(), "");
     control<QPushButton>(other, "cmdXPClose").click();
