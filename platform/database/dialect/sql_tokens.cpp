@@ -21,7 +21,7 @@ bool isNameLetter(char letter)
            static_cast<unsigned char>(letter) >= 0x80;
 }
 
-bool isBlank(char letter)
+bool partsTokens(char letter)
 {
     return letter == ' ' || (letter >= '\t' && letter <= '\r');
 }
@@ -55,7 +55,7 @@ std::size_t endOfNumber(std::string_view sql, std::size_t at)
 std::size_t skipBlanks(std::string_view sql, std::size_t at)
 {
     while (at < sql.size()) {
-        if (isBlank(sql[at]))
+        if (partsTokens(sql[at]))
             ++at;
         else if (sql.substr(at, 2) == "--")
             at = std::min(sql.find('\n', at), sql.size());
