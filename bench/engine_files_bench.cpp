@@ -1,6 +1,6 @@
 // Times saving and loading of content files against their bounds.
 #include "bench/bench_table.h"
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <random>

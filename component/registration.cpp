@@ -2,7 +2,7 @@
 #include "component/host_call.h"
 #include "failures/failure_text.h"
 #include "platform/windows/own_file.h"
-#include "spreadsheet/files/PendingFile.h"
+#include "spreadsheet/files/placing/PendingFile.h"
 
 #include <QDir>
 #include <QFileInfo>

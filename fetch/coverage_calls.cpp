@@ -4,7 +4,7 @@
 #include "fetch/report_functions.h"
 #include "fetch/SharedFetches.h"
 #include "platform/services/UserWait.h"
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 #include "fetch/SharedFetches.h"
 #include "platform/services/UserWait.h"
 #include "spreadsheet/calculation/Recalculation.h"
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Feeds any bytes to the content reader, as the content inside an intact frame: they are refused or make a
 // workbook that can be computed and stored.
-#include "spreadsheet/files/content.h"
-#include "spreadsheet/files/content_frame.h"
+#include "spreadsheet/files/content/content.h"
+#include "spreadsheet/files/content/content_frame.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 // Usage: fuzz_corpus FOLDER    Writes what each fuzz target starts from into a folder of its own there.
-#include "spreadsheet/files/content.h"
-#include "spreadsheet/files/content_frame.h"
+#include "spreadsheet/files/content/content.h"
+#include "spreadsheet/files/content/content_frame.h"
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/ole2/CompoundFile.h"
 #include "spreadsheet/files/xls/xls_write.h"

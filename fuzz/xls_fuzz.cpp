@@ -1,6 +1,6 @@
 // Feeds any bytes to the .xls reader, in a compound file or bare: they are refused or make a workbook that
 // can be computed and written again.
-#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xls/xls_read.h"
 #include "spreadsheet/files/xls/xls_write.h"
 #include "spreadsheet/workbook/Workbook.h"

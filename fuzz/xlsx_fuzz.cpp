@@ -1,6 +1,6 @@
 // Feeds any bytes to the .xlsx reader: as the archive itself, and as one sheet inside an intact archive,
 // which no fuzzer gets through compression to.
-#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/xlsx_read.h"
 #include "spreadsheet/workbook/Workbook.h"
 

@@ -4,7 +4,7 @@
 #include "failures/failure_text.h"
 #include "reports/commit_outcome.h"
 #include "reports/report_statements.h"
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 
 #include <chrono>
 #include <random>

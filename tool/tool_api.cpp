@@ -11,7 +11,7 @@
 #include "platform/toolkit/QtSettings.h"
 #include "reports/report_run.h"
 #include "spreadsheet/files/FileFormats.h"
-#include "spreadsheet/files/PendingFile.h"
+#include "spreadsheet/files/placing/PendingFile.h"
 #include "spreadsheet/files/text/csv.h"
 #include "spreadsheet/functions/function_reference.h"
 #include "spreadsheet/print/pdf.h"

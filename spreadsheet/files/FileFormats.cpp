@@ -1,8 +1,8 @@
 #include "spreadsheet/files/FileFormats.h"
 
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "spreadsheet/files/exchange/Warnings.h"
-#include "spreadsheet/files/PendingFile.h"
+#include "spreadsheet/files/placing/PendingFile.h"
 #include "spreadsheet/files/text/csv.h"
 #include "spreadsheet/files/text/html.h"
 #include "spreadsheet/files/xls/xls_read.h"

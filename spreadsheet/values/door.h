@@ -20,6 +20,7 @@
 #include "spreadsheet/values/html_escape.h"
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/values/numerals.h"
+#include "spreadsheet/values/range_overlap.h"
 #include "spreadsheet/values/Refusal.h"
 #include "spreadsheet/values/Text.h"
 #include "spreadsheet/values/Value.h"

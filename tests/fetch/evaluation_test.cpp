@@ -1,7 +1,7 @@
 #include "fetch/evaluation.h"
 
 #include "fetch/report_functions.h"
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "state/mdlMain.h"
 #include "state/shared_state.h"
 #include "tests/fetch/TestLedger.h"

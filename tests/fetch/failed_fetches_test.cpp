@@ -1,7 +1,7 @@
 // A fetch that failed is told from one that found nothing.
 #include "fetch/evaluation.h"
 #include "spreadsheet/calculation/Recalculation.h"
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "tests/fetch/TestLedger.h"
 
 #include <gmock/gmock.h>

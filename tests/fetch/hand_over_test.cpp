@@ -2,7 +2,7 @@
 // makes of it on screen; and how that text counts in ranges.
 #include "fetch/evaluation.h"
 #include "fetch/inter_report_fetch.h"
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "state/fetch_procedures.h"
 #include "state/shared_state.h"
 #include "tests/fetch/TestLedger.h"

@@ -1,6 +1,6 @@
 #include "reports/report_run.h"
 
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "state/shared_state.h"
 #include "tests/fetch/TestLedger.h"
 

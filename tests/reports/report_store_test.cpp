@@ -2,7 +2,7 @@
 
 #include "platform/services/SettingsStore.h"
 #include "reports/report_list.h"
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "tests/fetch/TestLedger.h"
 
 #include <gtest/gtest.h>

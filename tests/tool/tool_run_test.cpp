@@ -1,6 +1,6 @@
 #include "tool/tool_api.h"
 
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "tests/fetch/TestLedger.h"
 

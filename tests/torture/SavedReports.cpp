@@ -1,6 +1,6 @@
 #include "tests/torture/SavedReports.h"
 
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,8 @@
 #include "failures/failure_text.h"
 #include "fetch/ledger_query.h"
 #include "platform/database/session/names.h"
-#include "spreadsheet/files/content.h"
-#include "spreadsheet/files/FileTarget.h"
+#include "spreadsheet/files/content/content.h"
+#include "spreadsheet/files/placing/FileTarget.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "state/shared_state.h"
 

@@ -1,8 +1,8 @@
 #include "windows/designer/RecoveryCopy.h"
 
 #include "failures/failure_text.h"
-#include "spreadsheet/files/FileTarget.h"
-#include "spreadsheet/files/TemporaryFile.h"
+#include "spreadsheet/files/placing/FileTarget.h"
+#include "spreadsheet/files/placing/TemporaryFile.h"
 
 #include <algorithm>
 #include <array>

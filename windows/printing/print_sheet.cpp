@@ -7,7 +7,7 @@
 #include "platform/windows/background_work.h"
 #include "platform/windows/WaitCursor.h"
 #include "reports/ReportContext.h"
-#include "spreadsheet/files/PendingFile.h"
+#include "spreadsheet/files/placing/PendingFile.h"
 #include "spreadsheet/print/pdf.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "windows/printing/print_stamp.h"

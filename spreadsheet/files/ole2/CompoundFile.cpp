@@ -1,6 +1,6 @@
 #include "spreadsheet/files/ole2/CompoundFile.h"
 
-#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/placing/ContentError.h"
 
 #include <algorithm>
 #include <array>

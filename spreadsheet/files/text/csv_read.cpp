@@ -1,6 +1,6 @@
-#include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/CodePage.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/text/csv.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/Workbook.h"

@@ -1,9 +1,9 @@
 #include "spreadsheet/files/xls/FormulaReader.h"
 
 #include "spreadsheet/display/display_text.h"
+#include "spreadsheet/files/exchange/function_numbers.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xls/cell_codes.h"
-#include "spreadsheet/files/xls/function_numbers.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/tokens.h"
 #include "spreadsheet/formula/FormulaPool.h"

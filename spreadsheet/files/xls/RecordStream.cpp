@@ -1,7 +1,7 @@
 #include "spreadsheet/files/xls/RecordStream.h"
 
-#include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xls/records.h"
 
 #include <algorithm>

@@ -1,12 +1,12 @@
 #include "spreadsheet/files/xls/SheetReader.h"
 
-#include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/column_widths.h"
 #include "spreadsheet/files/exchange/page_margins.h"
-#include "spreadsheet/files/range_overlap.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xls/cell_codes.h"
 #include "spreadsheet/files/xls/list_checks.h"
 #include "spreadsheet/files/xls/records.h"
+#include "spreadsheet/values/range_overlap.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
-#include "spreadsheet/files/range_overlap.h"
 #include "spreadsheet/files/xls/cell_codes.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/SheetReader.h"
 #include "spreadsheet/files/xls/tokens.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/values/range_overlap.h"
 
 #include <algorithm>
 #include <cmath>

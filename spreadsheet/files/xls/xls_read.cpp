@@ -1,8 +1,8 @@
 #include "spreadsheet/files/xls/xls_read.h"
 
-#include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/imported_sheets.h"
 #include "spreadsheet/files/ole2/CompoundFile.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xls/defined_names.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/SheetReader.h"

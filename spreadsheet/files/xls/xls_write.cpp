@@ -1,9 +1,9 @@
 #include "spreadsheet/files/xls/xls_write.h"
 
-#include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/SharedTexts.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/ole2/CompoundFile.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/SheetWriter.h"
 #include "spreadsheet/files/xls/tokens.h"

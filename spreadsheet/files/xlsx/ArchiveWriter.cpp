@@ -1,6 +1,6 @@
 #include "spreadsheet/files/xlsx/ArchiveWriter.h"
 
-#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/placing/ContentError.h"
 
 #include <cstdio>
 #include <cstring>

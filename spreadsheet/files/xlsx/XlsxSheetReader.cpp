@@ -1,15 +1,15 @@
 #include "spreadsheet/files/xlsx/XlsxSheetReader.h"
 
-#include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/column_widths.h"
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/exchange/page_margins.h"
-#include "spreadsheet/files/range_overlap.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/files/xlsx/xml.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/values/date_serial.h"
 #include "spreadsheet/values/number_text.h"
+#include "spreadsheet/values/range_overlap.h"
 
 #include <algorithm>
 #include <array>

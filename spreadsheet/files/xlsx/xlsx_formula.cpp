@@ -1,6 +1,6 @@
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 
-#include "spreadsheet/files/xls/function_numbers.h"
+#include "spreadsheet/files/exchange/function_numbers.h"
 #include "spreadsheet/functions/FunctionTable.h"
 
 #include <algorithm>

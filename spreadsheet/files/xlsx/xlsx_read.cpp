@@ -1,7 +1,7 @@
 #include "spreadsheet/files/xlsx/xlsx_read.h"
 
-#include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/imported_sheets.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/Archive.h"
 #include "spreadsheet/files/xlsx/Relations.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"

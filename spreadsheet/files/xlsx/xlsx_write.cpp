@@ -1,6 +1,6 @@
 #include "spreadsheet/files/xlsx/xlsx_write.h"
 
-#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/ArchiveWriter.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/files/xlsx/xlsx_names.h"

@@ -1,7 +1,7 @@
 #include "spreadsheet/files/xlsx/xml.h"
 
-#include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/Archive.h"
 #include "spreadsheet/values/number_text.h"
 

@@ -2,7 +2,7 @@
 #include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/FileFormats.h"
 
-#include "spreadsheet/files/PendingFile.h"
+#include "spreadsheet/files/placing/PendingFile.h"
 #include "tests/spreadsheet/files/FilesTest.h"
 #include "tests/spreadsheet/files/sample_workbook.h"
 

@@ -3,7 +3,7 @@
 #include "component/windows.h"
 #include "platform/list_grid/ListGrid.h"
 #include "platform/services/ScriptedDialogs.h"
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "spreadsheet/workbook/UndoJournal.h"
 #include "state/report_procedures.h"

@@ -1,4 +1,4 @@
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageLayout.h"
 #include "spreadsheet/view/SpreadsheetControl.h"

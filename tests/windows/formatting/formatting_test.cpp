@@ -1,7 +1,7 @@
 #include "windows/formatting/cell_commands.h"
 
 #include "platform/services/ScriptedDialogs.h"
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "spreadsheet/workbook/UndoJournal.h"
 #include "state/shared_state.h"

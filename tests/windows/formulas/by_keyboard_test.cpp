@@ -1,5 +1,5 @@
 // The whole way from the key in a cell to the value that the cell fetches, by keys alone.
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/platform/KeyScript.h"

@@ -1,5 +1,5 @@
 #include "platform/list_grid/ListGrid.h"
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/platform/WindowTest.h"

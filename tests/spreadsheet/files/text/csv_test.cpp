@@ -1,7 +1,7 @@
 #include "spreadsheet/files/text/csv.h"
 
-#include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/exchange/CodePage.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/text/html.h"
 #include "spreadsheet/workbook/Workbook.h"
 

@@ -1,5 +1,5 @@
-#include "spreadsheet/files/ContentError.h"
 #include "spreadsheet/files/ole2/CompoundFile.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/RecordStream.h"
 #include "spreadsheet/files/xls/RecordWriter.h"

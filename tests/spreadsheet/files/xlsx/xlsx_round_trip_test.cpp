@@ -1,4 +1,4 @@
-#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/xlsx_read.h"
 #include "spreadsheet/files/xlsx/xlsx_write.h"
 #include "tests/spreadsheet/files/FilesTest.h"

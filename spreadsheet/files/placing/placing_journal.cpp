@@ -1,4 +1,4 @@
-#include "spreadsheet/files/placing_journal.h"
+#include "spreadsheet/files/placing/placing_journal.h"
 
 #include <cstdio>
 #include <string_view>

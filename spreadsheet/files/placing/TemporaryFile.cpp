@@ -1,6 +1,6 @@
-#include "spreadsheet/files/TemporaryFile.h"
+#include "spreadsheet/files/placing/TemporaryFile.h"
 
-#include "spreadsheet/files/placing_journal.h"
+#include "spreadsheet/files/placing/placing_journal.h"
 
 #include <cerrno>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "spreadsheet/files/FileTarget.h"
+#include "spreadsheet/files/placing/FileTarget.h"
 
 #include "failures/failure_text.h"
 

@@ -1,7 +1,7 @@
-#include "spreadsheet/files/stored_cells.h"
+#include "spreadsheet/files/content/stored_cells.h"
 
-#include "spreadsheet/files/content_frame.h"
-#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/content/content_frame.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/workbook/Sheet.h"
 
 #include <bit>

@@ -1,4 +1,4 @@
-#include "spreadsheet/files/PendingFile.h"
+#include "spreadsheet/files/placing/PendingFile.h"
 
 #include "tests/spreadsheet/files/FilesTest.h"
 

@@ -1,5 +1,5 @@
-#include "spreadsheet/files/content.h"
-#include "spreadsheet/files/content_frame.h"
+#include "spreadsheet/files/content/content.h"
+#include "spreadsheet/files/content/content_frame.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/workbook/Workbook.h"
 

@@ -1,4 +1,4 @@
-#include "spreadsheet/files/xls/function_numbers.h"
+#include "spreadsheet/files/exchange/function_numbers.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/placing/ContentError.h"
 
 #include <flatbuffers/flatbuffers.h>
 

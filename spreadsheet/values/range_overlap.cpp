@@ -1,4 +1,4 @@
-#include "spreadsheet/files/range_overlap.h"
+#include "spreadsheet/values/range_overlap.h"
 
 #include <algorithm>
 #include <map>

@@ -1,6 +1,6 @@
-#include "spreadsheet/files/special_file.h"
+#include "spreadsheet/files/placing/special_file.h"
 
-#include "spreadsheet/files/FileTarget.h"
+#include "spreadsheet/files/placing/FileTarget.h"
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 #include "spreadsheet/cells/StylePool.h"
-#include "spreadsheet/files/stored_texts.h"
+#include "spreadsheet/files/content/stored_texts.h"
 
 #include <map>
 #include <tuple>

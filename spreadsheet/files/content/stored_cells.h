@@ -1,7 +1,7 @@
 #pragma once
-#include "spreadsheet/files/stored_formulas.h"
-#include "spreadsheet/files/stored_styles.h"
-#include "spreadsheet/files/stored_texts.h"
+#include "spreadsheet/files/content/stored_formulas.h"
+#include "spreadsheet/files/content/stored_styles.h"
+#include "spreadsheet/files/content/stored_texts.h"
 
 #include <span>
 

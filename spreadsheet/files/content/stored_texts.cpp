@@ -1,8 +1,8 @@
-#include "spreadsheet/files/stored_texts.h"
+#include "spreadsheet/files/content/stored_texts.h"
 
-#include "spreadsheet/files/content_frame.h"
-#include "spreadsheet/files/ContentError.h"
-#include "spreadsheet/files/stored_vector.h"
+#include "spreadsheet/files/content/content_frame.h"
+#include "spreadsheet/files/content/stored_vector.h"
+#include "spreadsheet/files/placing/ContentError.h"
 
 #include <cmath>
 

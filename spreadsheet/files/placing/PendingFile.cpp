@@ -1,7 +1,7 @@
-#include "spreadsheet/files/PendingFile.h"
+#include "spreadsheet/files/placing/PendingFile.h"
 
-#include "spreadsheet/files/placing_journal.h"
-#include "spreadsheet/files/special_file.h"
+#include "spreadsheet/files/placing/placing_journal.h"
+#include "spreadsheet/files/placing/special_file.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
-#include "spreadsheet/files/stored_styles.h"
+#include "spreadsheet/files/content/stored_styles.h"
 
-#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/placing/ContentError.h"
 
 #include <algorithm>
 

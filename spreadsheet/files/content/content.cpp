@@ -1,7 +1,7 @@
-#include "spreadsheet/files/content.h"
+#include "spreadsheet/files/content/content.h"
 
-#include "spreadsheet/files/content_frame.h"
-#include "spreadsheet/files/stored_sheets.h"
+#include "spreadsheet/files/content/content_frame.h"
+#include "spreadsheet/files/content/stored_sheets.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/values/characters.h"

@@ -1,6 +1,6 @@
-#include "spreadsheet/files/content_frame.h"
+#include "spreadsheet/files/content/content_frame.h"
 
-#include "spreadsheet/files/ContentError.h"
+#include "spreadsheet/files/placing/ContentError.h"
 
 #include <zstd.h>
 #include <zstd_errors.h>

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/files/stored_cells.h"
+#include "spreadsheet/files/content/stored_cells.h"
 
 #include <string>
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/files/stored_texts.h"
+#include "spreadsheet/files/content/stored_texts.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <span>

@@ -1,6 +1,6 @@
 #pragma once
-#include "spreadsheet/files/FileTarget.h"
-#include "spreadsheet/files/TemporaryFile.h"
+#include "spreadsheet/files/placing/FileTarget.h"
+#include "spreadsheet/files/placing/TemporaryFile.h"
 
 #include <cstddef>
 #include <deque>

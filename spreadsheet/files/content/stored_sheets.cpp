@@ -1,8 +1,8 @@
-#include "spreadsheet/files/stored_sheets.h"
+#include "spreadsheet/files/content/stored_sheets.h"
 
-#include "spreadsheet/files/ContentError.h"
-#include "spreadsheet/files/range_overlap.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/values/range_overlap.h"
 #include "spreadsheet/workbook/Sheet.h"
 
 #include <algorithm>
