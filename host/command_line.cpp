@@ -1,4 +1,5 @@
 #include "host/command_line.h"
+#include "tool/tool_api.h"
 
 #include <CLI/CLI.hpp>
 
@@ -47,7 +48,7 @@ constexpr auto checkHelp = R"(每行: 报表中的数、另行查询的数、是
 示例:
   selfreport check --db demo.db)";
 
-constexpr auto convertHelp = R"(读入的格式按内容识别 (.ss7 .xls .xlsx .csv),写出的格式按扩展名 (还有 .html)。
+constexpr auto convertHelp = R"(
 不能保留的内容逐条列在标准错误上。已有的文件在全部写好之后才被替换; 失败时原样保留。
 示例:
   selfreport convert 旧报表.xls 报表.ss7
@@ -117,7 +118,7 @@ int refusal(const CLI::App& app, const CLI::ParseError& error)
     return 2;
 }
 
-CLI::App* addCommand(CLI::App& app, const char* name, const char* description, const char* help)
+CLI::App* addCommand(CLI::App& app, const char* name, const std::string& description, const std::string& help)
 {
     CLI::App* command = app.add_subcommand(name, description);
     command->set_help_flag("-h,--help", "显示本命令的用法");
@@ -141,9 +142,23 @@ const CLI::App* addRunCommand(CLI::App& app, RunCommand& run)
     return command;
 }
 
+/// Endings of the formats that are read, or of those that are only written.
+std::string endings(bool areRead, const char* between)
+{
+    std::string text;
+    for (const ToolFormat& format : toolFormats()) {
+        if (format.isRead == areRead)
+            text += (text.empty() ? "" : between) + format.ending;
+    }
+    return text;
+}
+
 const CLI::App* addConvertCommand(CLI::App& app, ConvertCommand& convert)
 {
-    CLI::App* command = addCommand(app, "convert", "在 .ss7、.xls、.xlsx、.csv、.html 之间转换", convertHelp);
+    const std::string description = "在 " + endings(true, "、") + "、" + endings(false, "、") + " 之间转换";
+    const std::string help = "读入的格式按内容识别 (" + endings(true, " ") + "),写出的格式按扩展名 (还有 " +
+                             endings(false, " ") + ")。" + convertHelp;
+    CLI::App* command = addCommand(app, "convert", description, help);
     command->add_option("IN", convert.input, "要读的文件")->required()->type_name("");
     command->add_option("OUT", convert.output, "要写的文件")->required()->type_name("");
     command->add_flag("--recalculate", convert.recalculates, "写出之前重新计算全部公式");

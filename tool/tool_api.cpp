@@ -112,6 +112,14 @@ std::string amount(double value)
     return std::string(text.size() < width ? width - text.size() : 1, ' ') + text;
 }
 
+std::string allEndings()
+{
+    std::string endings;
+    for (const ToolFormat& format : toolFormats())
+        endings += (endings.empty() ? "" : " ") + format.ending;
+    return endings;
+}
+
 void writeReport(const std::string& database, std::int32_t reportId, const ReportFiles& files,
                  const ToolStreams& streams)
 {
@@ -202,13 +210,21 @@ int toolWindow(const std::string& database, const ToolStreams& streams) noexcept
     });
 }
 
+std::vector<ToolFormat> toolFormats()
+{
+    std::vector<ToolFormat> formats;
+    for (const spreadsheet::FileFormat& format : spreadsheet::fileFormats())
+        formats.push_back({std::string(format.ending()), format.read != nullptr});
+    return formats;
+}
+
 int toolConvert(const std::string& input, const std::string& output, bool recalculates,
                 const ToolStreams& streams) noexcept
 {
     return command(streams, [&] {
-        const auto format = spreadsheet::fileFormatOfName(output);
+        const auto* const format = spreadsheet::fileFormatOfName(output);
         if (!format)
-            throw FileError("无法从扩展名看出要写的格式 (.ss7 .xls .xlsx .csv .html): " + output);
+            throw FileError("无法从扩展名看出要写的格式 (" + allEndings() + "): " + output);
         spreadsheet::Workbook workbook;
         for (const std::string& warning : spreadsheet::loadWorkbook(workbook, input))
             streams.notes << "引入: " << warning << '\n';

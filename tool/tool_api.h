@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 namespace selfreport {
 
@@ -45,8 +46,15 @@ int toolCheck(const std::string& database, const ToolStreams& streams) noexcept;
 /// @param database  "": the user is asked for the file of an embedded database
 int toolWindow(const std::string& database, const ToolStreams& streams) noexcept;
 
-/// Reads a workbook of any kind (.ss7, .xls, .xlsx, .csv; by its content) and writes it in the format that
-/// the ending of `output` names (also .html). A file that stands there is replaced at the very end. What
+/// A kind of files that workbooks are converted between.
+struct ToolFormat {
+    std::string ending; ///< of new files' names, with the point
+    bool isRead;        ///< else it is only written
+};
+SELFREPORT_EXPORT std::vector<ToolFormat> toolFormats();
+
+/// Reads a workbook of any kind (by its content) and writes it in the format that the ending of `output`
+/// names. A file that stands there is replaced at the very end. What
 /// could not be carried over is listed on `notes`.
 /// @param recalculates  computes every formula in between; Acct and REF_F give #NAME?, no ledger is open
 int toolConvert(const std::string& input, const std::string& output, bool recalculates,

@@ -12,8 +12,8 @@
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
-#include <array>
 #include <fstream>
+#include <stdexcept>
 
 namespace spreadsheet {
 
@@ -55,88 +55,124 @@ bool looksLikeMarkup(Bytes bytes)
     return text.size() > 1 && text[0] == '<' && (text[1] == '!' || text[1] == '?' || (text[1] | 0x20) >= 'a');
 }
 
-FileFormat sensedFormat(Bytes bytes, const std::filesystem::path& file)
+template <void readFresh(Bytes, Workbook&, Warnings&)>
+void readForeign(Bytes content, Workbook& workbook, Warnings& warnings)
 {
-    if (bytes.empty())
-        refuseFile("文件是空的");
-    if (beginsWith(bytes, "\x89SS7"))
-        return FileFormat::ss7;
-    if (looksLikeXls(bytes))
-        return FileFormat::xls;
-    if (beginsWith(bytes, "PK"))
-        return FileFormat::xlsx;
-    const std::optional<FileFormat> named = fileFormatOfName(file);
-    if (looksLikeMarkup(bytes))
+    Workbook fresh;
+    readFresh(content, fresh, warnings);
+    workbook.replaceContent(std::move(fresh));
+    workbook.markCalculated();
+}
+
+template <std::vector<std::byte> written(const Workbook&, Warnings&)>
+void writeForeign(const Workbook& workbook, const std::string& /*title*/, PendingFile& file,
+                  Warnings& warnings)
+{
+    file.write(written(workbook, warnings));
+}
+
+void readOwn(Bytes content, Workbook& workbook, Warnings& /*warnings*/)
+{
+    loadContent(workbook, content);
+}
+
+void writeOwn(const Workbook& workbook, const std::string& /*title*/, PendingFile& file,
+              Warnings& /*warnings*/)
+{
+    file.write(saveContent(workbook));
+}
+
+void readText(Bytes content, Workbook& fresh, Warnings& /*warnings*/)
+{
+    readCsv(content, fresh);
+}
+
+void writeText(const Workbook& workbook, const std::string& /*title*/, PendingFile& file,
+               Warnings& /*warnings*/)
+{
+    file.write(workbookCsv(workbook));
+}
+
+void writePage(const Workbook& workbook, const std::string& title, PendingFile& file, Warnings& /*warnings*/)
+{
+    file.write(workbookHtml(workbook, title));
+}
+
+constexpr std::string_view ownEndings[] = {".ss7"}, xlsEndings[] = {".xls"}, xlsxEndings[] = {".xlsx"},
+                           textEndings[] = {".csv", ".txt"}, pageEndings[] = {".html", ".htm"};
+
+constexpr FileFormat formats[] = {
+    {"报表文件", ownEndings, false, [](Bytes content) { return beginsWith(content, "\x89SS7"); }, readOwn,
+     writeOwn},
+    {"Excel文件", xlsEndings, true, looksLikeXls, readForeign<readXls>, writeForeign<writeXls>},
+    {"Excel工作簿", xlsxEndings, true, [](Bytes content) { return beginsWith(content, "PK"); },
+     readForeign<readXlsx>, writeForeign<writeXlsx>},
+    {"文本文件", textEndings, false, nullptr, readForeign<readText>, writeText},
+    {"网页", pageEndings, false, nullptr, nullptr, writePage},
+};
+
+/// What nothing in its content tells: a text.
+const FileFormat& formatOfText(Bytes content, const std::filesystem::path& file)
+{
+    const FileFormat* const named = fileFormatOfName(file);
+    if (looksLikeMarkup(content))
         refuseFile("内容其实是网页 (HTML 或 XML),不是工作簿");
-    if (named && *named != FileFormat::csv)
+    if (!named)
+        return fileFormat(".csv");
+    if (named->senses || !named->read)
         refuseFile("内容不是工作簿,可能是改了扩展名的文本;若是文本,请改名为 .csv 再引入");
-    return FileFormat::csv;
+    return *named;
+}
+
+const FileFormat& sensedFormat(Bytes content, const std::filesystem::path& file)
+{
+    if (content.empty())
+        refuseFile("文件是空的");
+    const auto found = std::ranges::find_if(
+        formats, [&](const FileFormat& format) { return format.senses && format.senses(content); });
+    return found == std::end(formats) ? formatOfText(content, file) : *found;
 }
 
 } // namespace
 
-std::optional<FileFormat> fileFormatOfName(const std::filesystem::path& file)
+std::span<const FileFormat> fileFormats()
 {
-    static constexpr std::array<std::pair<std::string_view, FileFormat>, 7> endings{{
-        {".ss7", FileFormat::ss7},
-        {".xls", FileFormat::xls},
-        {".xlsx", FileFormat::xlsx},
-        {".csv", FileFormat::csv},
-        {".txt", FileFormat::csv},
-        {".html", FileFormat::html},
-        {".htm", FileFormat::html},
-    }};
+    return formats;
+}
+
+const FileFormat* fileFormatOfName(const std::filesystem::path& file)
+{
     std::string ending = file.extension().string();
     for (char& c : ending)
         c = c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
-    const auto found = std::ranges::find(endings, ending, [](const auto& entry) { return entry.first; });
-    return found == endings.end() ? std::nullopt : std::optional(found->second);
+    const auto found = std::ranges::find_if(formats, [&](const FileFormat& format) {
+        return std::ranges::find(format.endings, ending) != format.endings.end();
+    });
+    return found == std::end(formats) ? nullptr : &*found;
+}
+
+const FileFormat& fileFormat(std::string_view ending)
+{
+    const FileFormat* const found = fileFormatOfName("a" + std::string(ending));
+    if (!found)
+        throw std::logic_error("no format has the ending " + std::string(ending));
+    return *found;
 }
 
 std::vector<std::string> loadWorkbook(Workbook& workbook, const std::filesystem::path& file)
 {
-    const std::vector<std::byte> bytes = bytesOf(file);
-    const FileFormat format = sensedFormat(bytes, file);
+    const std::vector<std::byte> content = bytesOf(file);
     Warnings warnings;
-    if (format == FileFormat::ss7) {
-        loadContent(workbook, bytes);
-        return {};
-    }
-    Workbook fresh;
-    if (format == FileFormat::xls)
-        readXls(bytes, fresh, warnings);
-    else if (format == FileFormat::xlsx)
-        readXlsx(bytes, fresh, warnings);
-    else
-        readCsv(bytes, fresh);
-    workbook.replaceContent(std::move(fresh));
-    workbook.markCalculated();
+    sensedFormat(content, file).read(content, workbook, warnings);
     return warnings.texts();
 }
 
 std::vector<std::string> saveWorkbook(const Workbook& workbook, const std::filesystem::path& file,
-                                      FileFormat format)
+                                      const FileFormat& format)
 {
     PendingFile pending(file); // first: what cannot be written is found before the long work
     Warnings warnings;
-    const auto put = [&](const auto& bytes) { pending.write(bytes); };
-    switch (format) {
-    case FileFormat::ss7:
-        put(saveContent(workbook));
-        break;
-    case FileFormat::xls:
-        put(writeXls(workbook, warnings));
-        break;
-    case FileFormat::xlsx:
-        put(writeXlsx(workbook, warnings));
-        break;
-    case FileFormat::csv:
-        put(workbookCsv(workbook));
-        break;
-    case FileFormat::html:
-        put(workbookHtml(workbook, file.stem().string()));
-        break;
-    }
+    format.write(workbook, file.stem().string(), pending, warnings);
     pending.putInPlace();
     return warnings.texts();
 }

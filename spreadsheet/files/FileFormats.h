@@ -1,27 +1,46 @@
 #pragma once
+#include "spreadsheet/files/ole2/little_endian.h"
 #include "spreadsheet/files/placing/ContentError.h"
 
 #include <filesystem>
-#include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace spreadsheet {
 
+class PendingFile;
+class Warnings;
 class Workbook;
 
-/// Kinds of files that workbooks are read from and written to.
-enum class FileFormat {
-    ss7,  ///< our own
-    xls,  ///< BIFF8 in a compound file; BIFF5 and 7 are read too
-    xlsx, ///< zipped XML
-    csv,  ///< text of fields and lines
-    html, ///< a table to be looked at; only written
+/// A kind of files that workbooks are read from and written to. Menus, dialogs and the command line offer
+/// what the table of all of them holds.
+struct FileFormat {
+    std::string_view caption;                  ///< what dialogs call such a file
+    std::span<const std::string_view> endings; ///< of files' names, in small letters with the point; the
+                                               ///< first is that of new files
+    bool isStrict; ///< programs refuse such a file under the ending of another format that is strict
+    /// Whether the content of a file, however it is called, is of this kind; null: nothing in it tells.
+    bool (*senses)(Bytes content);
+    /// Puts a file's content in place of everything that the workbook holds; null: only written. Adds what
+    /// could not be carried over. @throws ContentError; the workbook is as it was then
+    void (*read)(Bytes content, Workbook& workbook, Warnings& warnings);
+    /// Writes a workbook under a title to a file. Adds what the format could not hold.
+    /// @throws ContentError if the workbook does not fit the format; FileError
+    void (*write)(const Workbook& workbook, const std::string& title, PendingFile& file, Warnings& warnings);
+
+    std::string_view ending() const { return endings.front(); }
 };
 
-/// By the ending of a file's name (.ss7, .xls, .xlsx, .csv, .txt, .html, .htm; letter case ignored); nothing
-/// for another ending.
-std::optional<FileFormat> fileFormatOfName(const std::filesystem::path& file);
+/// All formats, our own first.
+std::span<const FileFormat> fileFormats();
+
+/// By the ending of a file's name, letter case ignored; null for another ending.
+const FileFormat* fileFormatOfName(const std::filesystem::path& file);
+
+/// The format that has such an ending. @throws std::logic_error if none has
+const FileFormat& fileFormat(std::string_view ending);
 
 /// Loads a file of whatever kind its content is, however it is called, in place of everything that the
 /// workbook holds. Registered functions, the prepare hook and the undo setting stay. Cells show the values
@@ -36,6 +55,6 @@ std::vector<std::string> loadWorkbook(Workbook& workbook, const std::filesystem:
 /// @return what the format could not hold, one Chinese sentence each
 /// @throws ContentError if the workbook does not fit the format; FileError if the file cannot be written
 std::vector<std::string> saveWorkbook(const Workbook& workbook, const std::filesystem::path& file,
-                                      FileFormat format);
+                                      const FileFormat& format);
 
 } // namespace spreadsheet

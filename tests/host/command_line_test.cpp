@@ -40,7 +40,8 @@ TEST(CommandLine, HelpExplainsEveryCommandAndOption)
         {"list --help", {"--db"}},
         {"run --help", {"ID", "--db", "--pdf", "--csv"}},
         {"check -h", {"--db"}},
-        {"convert --help", {"IN", "OUT", "--recalculate", ".xlsx"}},
+        {"convert --help",
+         {"IN", "OUT", "--recalculate", "(.ss7 .xls .xlsx .csv)", "(还有 .html)", "、.csv、.html 之间"}},
     };
     for (const Case& c : cases) {
         const ProgramRun run(c.arguments);

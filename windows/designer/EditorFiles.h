@@ -14,7 +14,7 @@ class QLineEdit;
 
 namespace spreadsheet {
 class SpreadsheetControl;
-enum class FileFormat;
+struct FileFormat;
 } // namespace spreadsheet
 
 namespace selfreport {
@@ -23,6 +23,13 @@ class DiagnosticsPanel;
 class EditorFormulas;
 class EditorStatus;
 class FormulaBox;
+
+/// An entry of the menu that a table of formats gives.
+struct FileCommand {
+    std::string name; ///< object name of the action
+    std::string caption;
+    std::function<void()> run;
+};
 
 /// The designer's report on its ways to and from the database, files of the user, and the copies of unsaved
 /// designs.
@@ -43,10 +50,8 @@ public:
     void MenuEmportSpreadFile_Click();
     void MenuImportExcelFile_Click();
     void MenuExportExcel_Click();
-    void importXlsx();
-    void exportXlsx();
-    void exportCsv();
-    void exportHtml();
+    /// For the formats of files that have no command of their own above.
+    std::vector<FileCommand> formatCommands();
 
     // Copies of unsaved designs
     void keepForRecovery(); ///< from now on, and offers what earlier windows left
@@ -64,9 +69,9 @@ private:
     [[nodiscard]] bool endEntry();
     void importIntoReport();
     void importFile(const FileDialogSettings& settings);
-    bool exportFile(FileDialogSettings& settings, spreadsheet::FileFormat format);
-    void exportUnderReportName(spreadsheet::FileFormat format, const char* title, const char* filter,
-                               const char* ending);
+    void importOtherFormats();
+    bool exportFile(FileDialogSettings& settings, const spreadsheet::FileFormat& format);
+    void exportUnderReportName(const spreadsheet::FileFormat& format);
     bool transfer(const std::string& file, const std::function<std::vector<std::string>()>& work);
     void hookUpAgain();
 

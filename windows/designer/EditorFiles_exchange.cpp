@@ -22,17 +22,65 @@ using spreadsheet::FileFormat;
 
 constexpr int exportFlags = FileDialogSettings::overwritePrompt | FileDialogSettings::noReadOnlyFile;
 
-/// Other programs refuse one kind of Excel file under the ending of the other.
-FileFormat formatFor(const std::string& file, FileFormat asked)
+/// Those whose programs mind the ending get the one that they expect.
+const FileFormat& formatFor(const std::string& file, const FileFormat& asked)
 {
-    const auto isExcel = [](FileFormat format) {
-        return format == FileFormat::xls || format == FileFormat::xlsx;
-    };
-    const auto named = spreadsheet::fileFormatOfName(file);
-    return named && isExcel(*named) && isExcel(asked) ? *named : asked;
+    const FileFormat* const named = spreadsheet::fileFormatOfName(file);
+    return named && named->isStrict && asked.isStrict ? *named : asked;
+}
+
+std::string withEnding(const FileFormat& format)
+{
+    return std::string(format.caption) + '(' + std::string(format.ending()) + ')';
+}
+
+/// "文本文件(*.csv;*.txt)|*.csv;*.txt"
+std::string dialogFilter(const FileFormat& format, std::size_t endings)
+{
+    std::string patterns;
+    for (const std::string_view ending : format.endings.first(endings))
+        patterns.append(patterns.empty() ? "*" : ";*").append(ending);
+    return std::string(format.caption) + '(' + patterns + ")|" + patterns;
+}
+
+/// The formats that the suite's own menu entries do not name.
+std::vector<const FileFormat*> otherFormats(bool onlyRead)
+{
+    std::vector<const FileFormat*> formats;
+    for (const FileFormat& format : spreadsheet::fileFormats()) {
+        const bool hasOwnEntry = format.ending() == ".ss7" || format.ending() == ".xls";
+        if (!hasOwnEntry && (format.read || !onlyRead))
+            formats.push_back(&format);
+    }
+    return formats;
+}
+
+/// "甲、乙或丙"
+std::string alternatives(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        text += (i == 0 ? "" : i + 1 == names.size() ? "或" : "、") + names[i];
+    return text;
 }
 
 } // namespace
+
+std::vector<FileCommand> EditorFiles::formatCommands()
+{
+    std::vector<std::string> read;
+    for (const FileFormat* format : otherFormats(true))
+        read.push_back(format->isStrict ? withEnding(*format) : std::string(format->caption));
+    std::vector<FileCommand> commands{
+        {"MenuImportXlsx", "引入" + alternatives(read), [this] { importOtherFormats(); }}};
+    for (const FileFormat* format : otherFormats(false)) {
+        std::string ending(format->ending().substr(1));
+        ending[0] = static_cast<char>(ending[0] & ~0x20); // capital
+        commands.push_back({"MenuExport" + ending, "引出为" + withEnding(*format),
+                            [this, format] { exportUnderReportName(*format); }});
+    }
+    return commands;
+}
 
 void EditorFiles::MenuImpoertSpreadFile_Click()
 {
@@ -52,47 +100,40 @@ void EditorFiles::MenuImportExcelFile_Click()
 
 void EditorFiles::MenuEmportSpreadFile_Click()
 {
-    m_cd1.filter = "报表文件(*.ss7)|*.ss7";
-    if (exportFile(m_cd1, FileFormat::ss7))
+    const FileFormat& format = spreadsheet::fileFormat(".ss7");
+    m_cd1.filter = dialogFilter(format, 1);
+    if (exportFile(m_cd1, format))
         hookUpAgain();
 }
 
 void EditorFiles::MenuExportExcel_Click()
 {
-    m_cd1.filter = "Excel文件(*.xls)|*.xls";
-    exportFile(m_cd1, FileFormat::xls);
+    const FileFormat& format = spreadsheet::fileFormat(".xls");
+    m_cd1.filter = dialogFilter(format, 1);
+    exportFile(m_cd1, format);
 }
 
-void EditorFiles::importXlsx()
+void EditorFiles::importOtherFormats()
 {
-    importFile({"*.xlsx", "选择Excel工作簿或文本文件",
-                "Excel工作簿(*.xlsx)|*.xlsx|文本文件(*.csv;*.txt)|*.csv;*.txt|所有文件(*)|*", "",
+    std::vector<std::string> captions;
+    std::string filter;
+    for (const FileFormat* format : otherFormats(true)) {
+        captions.emplace_back(format->caption);
+        filter += dialogFilter(*format, format->endings.size()) + '|';
+    }
+    importFile({"*.xlsx", "选择" + alternatives(captions), filter + "所有文件(*)|*", "",
                 FileDialogSettings::hideReadOnly});
 }
 
-void EditorFiles::exportXlsx()
-{
-    exportUnderReportName(FileFormat::xlsx, "引出为Excel工作簿", "Excel工作簿(*.xlsx)|*.xlsx", ".xlsx");
-}
-
-void EditorFiles::exportCsv()
-{
-    exportUnderReportName(FileFormat::csv, "引出为文本文件", "文本文件(*.csv)|*.csv", ".csv");
-}
-
-void EditorFiles::exportHtml()
-{
-    exportUnderReportName(FileFormat::html, "引出为网页", "网页(*.html)|*.html", ".html");
-}
-
 /// With a dialog that stands apart from `m_cd1`, whose title and name belong to the commands that share it.
-void EditorFiles::exportUnderReportName(FileFormat format, const char* title, const char* filter,
-                                        const char* ending)
+void EditorFiles::exportUnderReportName(const FileFormat& format)
 {
     std::string name = m_name.text().trimmed().toStdString();
     std::ranges::replace_if(
         name, [](char c) { return std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos; }, '_');
-    FileDialogSettings settings{name.empty() ? name : name + ending, title, filter, "", 0};
+    if (!name.empty())
+        name += format.ending();
+    FileDialogSettings settings{name, "引出为" + std::string(format.caption), dialogFilter(format, 1), "", 0};
     exportFile(settings, format);
 }
 
@@ -118,7 +159,7 @@ void EditorFiles::importFile(const FileDialogSettings& settings)
 }
 
 /// The chosen name stays in the settings, even if the export fails.
-bool EditorFiles::exportFile(FileDialogSettings& settings, FileFormat format)
+bool EditorFiles::exportFile(FileDialogSettings& settings, const FileFormat& format)
 {
     settings.flags = exportFlags;
     const auto file = FileDialogInUse::current().chooseToSave(settings);

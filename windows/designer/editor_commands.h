@@ -3,13 +3,15 @@
 
 #include <span>
 
+class QMenu;
+
 namespace selfreport {
 
 class frmEditor;
 
 struct EditorMenu;
 
-/// An entry of the designer's menus, a menu below it, or a separator (neither name nor menu).
+/// An entry of the designer's menus, a menu below it, entries from a table, or a separator (none of them).
 struct EditorCommand {
     const char* name = nullptr;               ///< object name of the action
     const char* caption = nullptr;            ///< behind a tab: the key by which the grid does it itself
@@ -17,6 +19,7 @@ struct EditorCommand {
     const char* shortcut = "";
     const EditorMenu* submenu = nullptr;
     bool whileTyping = false; ///< sees to an entry that is not finished itself
+    void (*addsMore)(frmEditor& window, QMenu& menu) = nullptr; ///< stands for entries that a table gives
 };
 
 struct EditorMenu {

@@ -86,7 +86,10 @@ void frmEditor::buildControls()
     m_status = new EditorStatus;
     m_status->setContentsMargins(0, 0, 6, 0);
     layout->place(m_status, statusPlace);
-    buildCommands();
+    m_formulas = std::make_unique<EditorFormulas>(*m_fps1, *m_status, *m_diagnostics, *m_failedFetches);
+    m_files = std::make_unique<EditorFiles>(*m_fps1, *m_txtReportName, *m_status, *m_diagnostics, *m_formulas,
+                                            *m_formulaBox);
+    buildCommands(); // the files' formats are among them
     resize((QSizeF(sizeHint()) * roominess).toSize().boundedTo(screen()->availableSize() * 9 / 10));
 }
 
@@ -115,18 +118,35 @@ void frmEditor::buildLabels(ProportionalLayout& layout)
     m_formulaBox = new FormulaBox(*m_txtFormula, *m_fps1);
 }
 
+QAction* frmEditor::newAction(const QString& name, const QString& caption, std::function<void()> run,
+                              bool whileTyping)
+{
+    auto* action = new QAction(caption, this);
+    action->setObjectName(name);
+    if (run)
+        connect(action, &QAction::triggered, this, [this, run = std::move(run), whileTyping] {
+            finishOpening();
+            if (whileTyping || m_fps1->entry().commit()) // the cell may go elsewhere, or its content
+                run();
+        });
+    return action;
+}
+
+void frmEditor::addFileFormats(QMenu& menu)
+{
+    for (FileCommand& command : m_files->formatCommands())
+        menu.addAction(newAction(QString::fromStdString(command.name),
+                                 QString::fromStdString(command.caption), std::move(command.run)));
+}
+
 QAction* frmEditor::actionOf(const EditorCommand& command)
 {
-    auto* action = new QAction(QString::fromUtf8(command.caption), this);
-    action->setObjectName(command.name);
-    action->setShortcut(QKeySequence(command.shortcut));
+    std::function<void()> run;
     if (command.run)
-        connect(action, &QAction::triggered, this,
-                [this, run = command.run, whileTyping = command.whileTyping] {
-                    finishOpening();
-                    if (whileTyping || m_fps1->entry().commit()) // the cell may go elsewhere, or its content
-                        run(*this);
-                });
+        run = [this, work = command.run] { work(*this); };
+    QAction* action =
+        newAction(command.name, QString::fromUtf8(command.caption), std::move(run), command.whileTyping);
+    action->setShortcut(QKeySequence(command.shortcut));
     return action;
 }
 
@@ -136,6 +156,8 @@ void frmEditor::fillMenu(QMenu& shown, const EditorMenu& menu)
     for (const EditorCommand& command : menu.commands) {
         if (command.submenu)
             fillMenu(*shown.addMenu(QString::fromUtf8(command.submenu->caption)), *command.submenu);
+        else if (command.addsMore)
+            command.addsMore(*this, shown);
         else if (command.name)
             shown.addAction(actionOf(command));
         else

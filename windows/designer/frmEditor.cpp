@@ -47,9 +47,6 @@ frmEditor::frmEditor(QWidget* parent)
     setWindowFlags(Qt::Window | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
                    Qt::WindowCloseButtonHint);
     buildControls();
-    m_formulas = std::make_unique<EditorFormulas>(*m_fps1, *m_status, *m_diagnostics, *m_failedFetches);
-    m_files = std::make_unique<EditorFiles>(*m_fps1, *m_txtReportName, *m_status, *m_diagnostics, *m_formulas,
-                                            *m_formulaBox);
     m_grid = std::make_unique<EditorGrid>(*this);
     connectGrid();
     initForm();

@@ -1,6 +1,7 @@
 #pragma once
 #include <QDialog>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -39,6 +40,8 @@ public:
 
     spreadsheet::SpreadsheetControl& fps1() { return *m_fps1; }
     EditorFiles& files() { return *m_files; }
+    /// Entries for the formats of files that have none of their own.
+    void addFileFormats(QMenu& menu);
     EditorFormulas& formulas() { return *m_formulas; }
 
     // The commands behind menus and toolbar; each works alike from both.
@@ -83,6 +86,8 @@ private:
     void buildCommands();
     void connectLists();
     void connectGrid();
+    QAction* newAction(const QString& name, const QString& caption, std::function<void()> run,
+                       bool whileTyping = false);
     QAction* actionOf(const EditorCommand& command);
     void fillMenu(QMenu& shown, const EditorMenu& menu);
 

@@ -11,6 +11,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <random>
+#include <ranges>
 
 namespace spreadsheet {
 namespace {
@@ -31,7 +32,7 @@ TEST(FileFormats, AreSensedByContentHoweverTheFileIsCalled)
     const TestFolder folder;
     Workbook workbook;
     fillSample(workbook);
-    for (const FileFormat format : {FileFormat::ss7, FileFormat::xls, FileFormat::xlsx}) {
+    for (const FileFormat& format : fileFormats() | std::views::filter(&FileFormat::senses)) {
         const auto file = folder.file("报表.unknown");
         EXPECT_THAT(saveWorkbook(workbook, file, format), testing::IsEmpty());
         Workbook found;
@@ -54,7 +55,7 @@ TEST(FileFormats, NumbersComeBackBitForBit)
     Workbook workbook;
     for (std::size_t i = 0; i < numbers.size(); ++i)
         workbook.sheet(1).setNumber({1, static_cast<int>(i) + 1}, numbers[i]);
-    for (const FileFormat format : {FileFormat::ss7, FileFormat::xls, FileFormat::xlsx}) {
+    for (const FileFormat& format : fileFormats() | std::views::filter(&FileFormat::senses)) {
         Workbook found;
         saveWorkbook(workbook, folder.file("a"), format);
         loadWorkbook(found, folder.file("a"));
@@ -62,7 +63,7 @@ TEST(FileFormats, NumbersComeBackBitForBit)
             EXPECT_EQ(
                 std::bit_cast<std::uint64_t>(found.sheet(1).value({1, static_cast<int>(i) + 1}).number()),
                 std::bit_cast<std::uint64_t>(numbers[i]))
-                << numbers[i] << " in format " << static_cast<int>(format);
+                << numbers[i] << " in " << format.ending();
     }
 }
 
@@ -97,13 +98,13 @@ TEST(FileFormats, LongSheetNamesOfOldReports)
         nameAsInOldFiles(workbook, 1, c.name);
         demand(workbook.addSheet("另"));
         demand(workbook.sheet(2).setFormula({1, 1}, "'" + c.name + "'!B2"));
-        saveWorkbook(workbook, folder.file("a.ss7"), FileFormat::ss7);
+        saveWorkbook(workbook, folder.file("a.ss7"), fileFormat(".ss7"));
         Workbook loaded;
         loadWorkbook(loaded, folder.file("a.ss7"));
         EXPECT_EQ(loaded.sheet(1).name(), c.name);
         EXPECT_EQ(loaded.sheet(2).formula({1, 1}), workbook.sheet(2).formula({1, 1}));
         EXPECT_FALSE(loaded.renameSheet(1, c.name)) << "the name is no other";
-        const auto warnings = saveWorkbook(loaded, folder.file("a.xls"), FileFormat::xls);
+        const auto warnings = saveWorkbook(loaded, folder.file("a.xls"), fileFormat(".xls"));
         EXPECT_EQ(warnings.empty(), c.name == c.inXls) << c.name;
         loadWorkbook(loaded, folder.file("a.xls"));
         EXPECT_EQ(loaded.sheet(1).name(), c.inXls);
@@ -162,14 +163,14 @@ TEST(FileFormats, AFailedExportLeavesTheFormerFile)
     Workbook workbook;
     workbook.sheet(1).setNumber({300, 70'000}, 1);
     put(folder.file("a.xls"), "从前");
-    EXPECT_THROW(saveWorkbook(workbook, folder.file("a.xls"), FileFormat::xls), ContentError);
+    EXPECT_THROW(saveWorkbook(workbook, folder.file("a.xls"), fileFormat(".xls")), ContentError);
     EXPECT_EQ(contentOf(folder.file("a.xls")), "从前");
     nameAsInOldFiles(workbook, 1, std::string(60, 'x')); // longer than .xlsx takes
-    EXPECT_THROW(saveWorkbook(workbook, folder.file("a.xls"), FileFormat::xlsx), ContentError);
+    EXPECT_THROW(saveWorkbook(workbook, folder.file("a.xls"), fileFormat(".xlsx")), ContentError);
     EXPECT_EQ(contentOf(folder.file("a.xls")), "从前");
     EXPECT_EQ(folder.fileCount(), 1U);
-    EXPECT_THROW(saveWorkbook(workbook, folder.file("没有/a.csv"), FileFormat::csv), FileError);
-    saveWorkbook(workbook, folder.file("a.xls"), FileFormat::csv);
+    EXPECT_THROW(saveWorkbook(workbook, folder.file("没有/a.csv"), fileFormat(".csv")), FileError);
+    saveWorkbook(workbook, folder.file("a.xls"), fileFormat(".csv"));
     EXPECT_THAT(contentOf(folder.file("a.xls")), testing::StartsWith("\xEF\xBB\xBF"));
 }
 

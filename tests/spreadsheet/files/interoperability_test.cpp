@@ -53,7 +53,7 @@ TEST(Interoperability, AnotherReaderOpensOurXls)
     const TestFolder folder;
     Workbook workbook;
     fillReport(workbook);
-    saveWorkbook(workbook, folder.file("a.xls"), FileFormat::xls);
+    saveWorkbook(workbook, folder.file("a.xls"), fileFormat(".xls"));
     const std::string output = python(folder, R"(
 import sys, xlrd
 book = xlrd.open_workbook(sys.argv[1], formatting_info=True)
@@ -79,7 +79,7 @@ TEST(Interoperability, AnotherReaderOpensOurXlsx)
     const TestFolder folder;
     Workbook workbook;
     fillReport(workbook);
-    saveWorkbook(workbook, folder.file("a.xlsx"), FileFormat::xlsx);
+    saveWorkbook(workbook, folder.file("a.xlsx"), fileFormat(".xlsx"));
     const std::string output = python(folder, R"(
 import sys, openpyxl
 sheet = openpyxl.load_workbook(sys.argv[1])['资产负债表']

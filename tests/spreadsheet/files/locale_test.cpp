@@ -7,7 +7,7 @@
 namespace spreadsheet {
 namespace {
 
-std::string saved(const Workbook& workbook, const TestFolder& folder, FileFormat format)
+std::string saved(const Workbook& workbook, const TestFolder& folder, const FileFormat& format)
 {
     saveWorkbook(workbook, folder.file("a"), format);
     std::ifstream stream(folder.file("a"), std::ios::binary);
@@ -38,24 +38,22 @@ TEST(CommaLocaleFiles, AreTheSameAndReadTheSame)
     const TestFolder folder;
     Workbook workbook;
     fillFractions(workbook);
-    for (const FileFormat format :
-         {FileFormat::ss7, FileFormat::xls, FileFormat::xlsx, FileFormat::csv, FileFormat::html}) {
+    for (const FileFormat& format : fileFormats()) {
         const std::string expected = saved(workbook, folder, format);
-        const bool isRead = format != FileFormat::html;
+        const bool isRead = format.read;
         Workbook plain;
         if (isRead)
             loadWorkbook(plain, folder.file("a"));
-        const std::string readPlain = saved(plain, folder, FileFormat::ss7);
+        const std::string readPlain = saved(plain, folder, fileFormat(".ss7"));
         for (const CommaLocale::Reach reach : {CommaLocale::Reach::process, CommaLocale::Reach::thread}) {
-            SCOPED_TRACE(std::to_string(static_cast<int>(format)) + " " +
-                         std::to_string(static_cast<int>(reach)));
+            SCOPED_TRACE(std::string(format.ending()) + " " + std::to_string(static_cast<int>(reach)));
             const CommaLocale locale(reach);
             Workbook other, found;
             fillFractions(other); // typed, computed and formatted under the locale too
             EXPECT_EQ(saved(other, folder, format), expected);
             if (isRead)
                 loadWorkbook(found, folder.file("a"));
-            EXPECT_EQ(saved(found, folder, FileFormat::ss7), readPlain);
+            EXPECT_EQ(saved(found, folder, fileFormat(".ss7")), readPlain);
         }
     }
 }

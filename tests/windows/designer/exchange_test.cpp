@@ -15,7 +15,6 @@
 namespace selfreport {
 namespace {
 
-using spreadsheet::FileFormat;
 using spreadsheet::Workbook;
 
 constexpr const char* closingBalance = R"(Acct("1001" ,"2" , "", "2025","1","2"))"; // 100.25
