@@ -5,17 +5,6 @@
 
 namespace spreadsheet {
 
-std::optional<CellType> cellTypeOf(int code)
-{
-    for (const CellType type : {CellType::date, CellType::edit, CellType::staticText, CellType::time,
-                                CellType::button, CellType::dropDown, CellType::checkBox, CellType::currency,
-                                CellType::number, CellType::percent, CellType::scientific}) {
-        if (static_cast<int>(type) == code)
-            return type;
-    }
-    return std::nullopt;
-}
-
 std::size_t hashOf(const CellStyle& style)
 {
     std::size_t hash = 1469598103934665603ULL;

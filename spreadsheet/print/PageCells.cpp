@@ -1,5 +1,7 @@
 #include "spreadsheet/print/PageCells.h"
 
+#include "spreadsheet/display/cell_types.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -40,7 +42,7 @@ std::optional<TrackExtent> extentOf(const std::vector<PageTrack>& tracks,
 HorizontalAlignment alignmentOf(const CellStyle& style, const Value& value, bool isFigure,
                                 bool showsOtherText)
 {
-    if (style.type == CellType::button || style.type == CellType::checkBox)
+    if (cellTypeRow(style.type).isControl())
         return HorizontalAlignment::centre;
     if (showsOtherText)
         return HorizontalAlignment::left; // what is cut off a formula is its end
@@ -98,15 +100,16 @@ PageCell PageCells::read(CellAddress cell) const
     read.style = &m_sheet.style(cell);
     const Value value = m_sheet.value(cell);
     const bool showsOtherText = !m_sheet.shownText(cell).empty();
+    const CellFace face = cellTypeRow(read.style->type).face;
     const std::string* caption =
-        read.style->type == CellType::button && !showsOtherText ? m_sheet.buttonCaption(cell) : nullptr;
+        face == CellFace::button && !showsOtherText ? m_sheet.buttonCaption(cell) : nullptr;
     read.isFigure = !showsOtherText && !caption &&
                     (value.isNumber() || (value.isText() && value.text().countsAsNumber()));
     read.isTrue = isTrue(value);
     read.alignment = alignmentOf(*read.style, value, read.isFigure, showsOtherText);
     if (caption)
         read.text = QString::fromUtf8(*caption);
-    else if (read.style->type != CellType::checkBox || (value.isText() && !read.isTrue))
+    else if (face != CellFace::checkBox || (value.isText() && !read.isTrue))
         read.text = QString::fromUtf8(m_sheet.displayText(cell));
     return read;
 }

@@ -1,5 +1,6 @@
 #include "spreadsheet/print/cell_text.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/print/print_colour.h"
 #include "spreadsheet/print/text_decoration.h"
@@ -81,12 +82,13 @@ std::vector<TextOverflow> CellTextPainter::draw()
 void CellTextPainter::drawCell(const PageCell& cell, const PageBox& box, const Room* neighbours)
 {
     const double inset = 20 * m_text.twip();
-    if (m_drawsControls && cell.style->type == CellType::button)
+    const CellFace face = cellTypeRow(cell.style->type).face;
+    if (m_drawsControls && face == CellFace::button)
         drawFrame(cell,
                   QRectF(box.left, box.top, box.width, box.height).adjusted(inset, inset, -inset, -inset));
-    if (m_drawsControls && cell.style->type == CellType::checkBox && cell.text.isEmpty())
+    if (m_drawsControls && face == CellFace::checkBox && cell.text.isEmpty())
         drawCheckBox(cell, box);
-    else if (m_arrowWidth > 0 && cell.style->type == CellType::dropDown)
+    else if (m_arrowWidth > 0 && face == CellFace::arrow)
         drawText(cell, {box.left, box.top, std::max(box.width - m_arrowWidth, 0), box.height}, nullptr);
     else if (!cell.text.isEmpty())
         drawText(cell, box, neighbours);

@@ -1,5 +1,6 @@
 #include "spreadsheet/view/CellOperations.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/workbook/typed_text.h"
 
@@ -7,16 +8,6 @@
 #include <utility>
 
 namespace spreadsheet {
-
-namespace {
-
-/// Types whose cells hold numbers: a text that reads as one becomes one.
-bool holdsNumbers(CellType type)
-{
-    return type == CellType::date || type >= CellType::currency || type == CellType::time;
-}
-
-} // namespace
 
 CellOperations::CellOperations()
     : m_own(std::make_unique<Workbook>())
@@ -155,7 +146,7 @@ void CellOperations::setText(int column, int row, const QString& text)
     const std::string bytes = text.toStdString();
     if (text.isEmpty()) {
         sheet().setValue(cell, {});
-    } else if (holdsNumbers(sheet().style(cell).type)) {
+    } else if (cellTypeRow(sheet().style(cell).type).holds != CellHolds::anything) {
         const Value value = typedConstant(bytes).value;
         sheet().setValue(cell, value.isNumber() ? value : Value::text(bytes));
     } else {

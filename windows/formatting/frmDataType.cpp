@@ -2,6 +2,7 @@
 
 #include "platform/windows/buttons.h"
 #include "platform/windows/named_list.h"
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/formatting/cell_commands.h"
 
@@ -14,21 +15,8 @@ using spreadsheet::CellType;
 
 namespace {
 
-constexpr struct {
-    const char* shown;
-    CellType type;
-} types[] = {
-    {"日期型", CellType::date},           {"字符型", CellType::edit},
-    {"货币型", CellType::currency},       {"数字型", CellType::number},
-    {"百分比", CellType::percent},        {"科学计数法", CellType::scientific},
-    {"静态文本框", CellType::staticText}, {"时间型", CellType::time},
-    {"按钮型", CellType::button},         {"下拉框", CellType::dropDown},
-    {"复选框", CellType::checkBox},
-};
-
 constexpr int maxDecimals = 15;
-constexpr int firstType = 1;     // "字符型"
-constexpr int firstDecimals = 2; // "2"
+constexpr int firstDecimals = 2;
 
 } // namespace
 
@@ -54,24 +42,27 @@ void frmDataType::Form_Load()
 {
     for (int decimals = 0; decimals <= maxDecimals; ++decimals)
         m_PC[0]->addItem(QString::number(decimals));
-    for (const auto& [shown, type] : types)
-        m_PC[1]->addItem(QString::fromUtf8(shown), static_cast<int>(type));
+    for (const spreadsheet::CellTypeRow& row : spreadsheet::cellTypes())
+        m_PC[1]->addItem(QString::fromUtf8(row.name), static_cast<int>(row.type));
     m_PC[0]->setCurrentIndex(firstDecimals);
-    m_PC[1]->setCurrentIndex(firstType);
+    m_PC[1]->setCurrentIndex(m_PC[1]->findData(static_cast<int>(CellType::edit)));
+}
+
+CellType frmDataType::chosenType() const
+{
+    return static_cast<CellType>(m_PC[1]->currentData().toInt());
 }
 
 void frmDataType::PC_SelChange(int element)
 {
     if (element == 1)
-        m_PC[0]->setEnabled(m_PC[1]->currentData().toInt() == static_cast<int>(CellType::number));
+        m_PC[0]->setEnabled(spreadsheet::cellTypeRow(chosenType()).takesDecimals);
 }
 
 void frmDataType::cmdXPOK_Click()
 {
-    const int code = m_PC[1]->currentData().toInt();
     const auto decimals = static_cast<std::uint8_t>(m_PC[0]->currentIndex());
-    setCellType(m_grid, static_cast<CellType>(code),
-                m_PC[0]->isEnabled() ? std::optional(decimals) : std::nullopt);
+    setCellType(m_grid, chosenType(), m_PC[0]->isEnabled() ? std::optional(decimals) : std::nullopt);
     close();
 }
 

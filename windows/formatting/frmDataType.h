@@ -1,10 +1,13 @@
 #pragma once
 #include <QDialog>
 
+#include <cstdint>
+
 class QComboBox;
 
 namespace spreadsheet {
 class SpreadsheetControl;
+enum class CellType : std::uint8_t;
 }
 
 namespace selfreport {
@@ -20,6 +23,7 @@ public:
 private:
     void Form_Load();
     void PC_SelChange(int element);
+    spreadsheet::CellType chosenType() const;
     void cmdXPOK_Click();
 
     spreadsheet::SpreadsheetControl& m_grid;

@@ -1,5 +1,7 @@
 #include "spreadsheet/files/exchange/number_formats.h"
 
+#include "spreadsheet/display/cell_types.h"
+
 #include <algorithm>
 #include <array>
 
@@ -77,11 +79,6 @@ constexpr std::array builtIns{
 };
 
 constexpr std::string_view general = "General";
-constexpr std::string_view dateCode = "yyyy-mm-dd";
-constexpr std::string_view timeCode = "hh:mm:ss";
-constexpr std::string_view currencyCode = R"("￥"#,##0.00)";
-constexpr std::string_view percentCode = "0.00%";
-constexpr std::string_view scientificCode = "0.00E+00";
 
 /// Spellings of one code that differ by program: "yyyy\-mm\-dd;@", "[$-804]yyyy-mm-dd".
 std::string plainSpelling(std::string_view code)
@@ -159,6 +156,15 @@ CellType typeOf(const Traits& traits)
     return traits.currency ? CellType::currency : CellType::number;
 }
 
+/// The type whose code it is letter for letter.
+std::optional<CellType> typeWithCode(std::string_view code)
+{
+    const auto found = std::ranges::find_if(cellTypes(), [&](const CellTypeRow& row) {
+        return row.formatCode && !row.takesDecimals && row.formatCode({}) == code;
+    });
+    return found == cellTypes().end() ? std::nullopt : std::optional(found->type);
+}
+
 /// Digits behind the point of a code's first section, at most 15.
 std::uint8_t decimalsOf(std::string_view code)
 {
@@ -194,8 +200,8 @@ void applyFormatCode(std::string_view code, CellStyle& style)
     const std::string plain = plainSpelling(code);
     if (plain.empty() || plain == general || plain == "GENERAL" || plain == "general")
         return;
-    style.type = typeOf(traitsOf(plain));
-    if (style.type == CellType::number)
+    style.type = typeWithCode(plain).value_or(typeOf(traitsOf(plain)));
+    if (cellTypeRow(style.type).takesDecimals)
         style.decimals = decimalsOf(plain);
     if (formatCodeOf(style) != plain)
         style.numberFormat = Text(code);
@@ -205,33 +211,14 @@ std::string formatCodeOf(const CellStyle& style)
 {
     if (!style.numberFormat.empty())
         return std::string(style.numberFormat.view());
-    switch (style.type) {
-    case CellType::date:
-        return std::string(dateCode);
-    case CellType::time:
-        return std::string(timeCode);
-    case CellType::currency:
-        return std::string(currencyCode);
-    case CellType::number:
-        return style.decimals == 0 ? "0" : "0." + std::string(style.decimals, '0');
-    case CellType::percent:
-        return std::string(percentCode);
-    case CellType::scientific:
-        return std::string(scientificCode);
-    case CellType::edit:
-    case CellType::staticText:
-    case CellType::button:
-    case CellType::dropDown:
-    case CellType::checkBox:
-        break;
-    }
-    return std::string(general);
+    const std::string code = formatCodeOfType(style);
+    return code.empty() ? std::string(general) : code;
 }
 
 bool showsDate(std::string_view code)
 {
-    const CellType type = typeOf(traitsOf(plainSpelling(code)));
-    return type == CellType::date || type == CellType::time;
+    const CellHolds holds = cellTypeRow(typeOf(traitsOf(plainSpelling(code)))).holds;
+    return holds == CellHolds::days || holds == CellHolds::times;
 }
 
 } // namespace spreadsheet

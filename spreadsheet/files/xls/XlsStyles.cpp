@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xls/XlsStyles.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
@@ -89,7 +90,7 @@ XlsStyles::CellFormat XlsStyles::made(const CellStyle& style)
             format.colours[side] = colour(lines[side]->colour, Palette::text);
     }
     format.background = colour(style.background, 0);
-    if (style.type == CellType::button || style.type == CellType::checkBox)
+    if (cellTypeRow(style.type).isControl())
         m_warnings.add("按钮和复选框单元格写为普通单元格");
     return format;
 }

@@ -1,5 +1,6 @@
 #include "spreadsheet/functions/information/cell_format_code.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/display/number_format_code.h"
 
 #include <algorithm>
@@ -63,26 +64,6 @@ std::string sectionLetters(const FormatSection& section)
     return letter + std::to_string(section.decimals);
 }
 
-std::string typeLetters(const CellStyle& style)
-{
-    switch (style.type) {
-    case CellType::date:
-        return "D4";
-    case CellType::time:
-        return "D8";
-    case CellType::currency:
-        return "C2";
-    case CellType::number:
-        return "F" + std::to_string(style.decimals);
-    case CellType::percent:
-        return "P2";
-    case CellType::scientific:
-        return "S2";
-    default:
-        return "G";
-    }
-}
-
 /// Square brackets that name a colour.
 bool namesColour(std::string_view code)
 {
@@ -103,10 +84,10 @@ bool namesColour(std::string_view code)
 
 std::string formatCodeLetters(const CellStyle& style)
 {
-    const auto sections = parseFormatCode(style.numberFormat.view());
-    std::string letters = style.numberFormat.view().empty() || !sections || sections->empty()
-                              ? typeLetters(style)
-                              : sectionLetters(sections->front());
+    auto sections = parseFormatCode(style.numberFormat.view());
+    if (style.numberFormat.empty() || !sections || sections->empty())
+        sections = parseFormatCode(formatCodeOfType(style));
+    std::string letters = sections && !sections->empty() ? sectionLetters(sections->front()) : "G";
     if (negativesColoured(style))
         letters += "-";
     if (positivesInBrackets(style))

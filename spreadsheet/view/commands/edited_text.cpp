@@ -1,5 +1,6 @@
 #include "spreadsheet/view/commands/edited_text.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/functions/FunctionTable.h"
@@ -22,25 +23,11 @@ std::string digitsOf(double number)
     return {digits.data(), end};
 }
 
-std::string typedForm(double number, const CellStyle& style)
-{
-    switch (style.type) {
-    case CellType::percent:
-        return generalNumberText(number * 100) + "%";
-    case CellType::date:
-    case CellType::time:
-        return displayText(Value(number), style);
-    default:
-        return {};
-    }
-}
-
 std::string numberText(double number, const CellStyle& style)
 {
-    const std::string typed = typedForm(number, style);
-    if (!typed.empty() && typedConstant(typed).value == Value(number))
-        return typed;
-    return digitsOf(number);
+    const auto edited = cellTypeRow(style.type).edited;
+    const std::string typed = edited ? edited(number, style) : std::string();
+    return edited && typedConstant(typed).value == Value(number) ? typed : digitsOf(number);
 }
 
 bool isTakenForCall(const Workbook& workbook, std::string_view text)

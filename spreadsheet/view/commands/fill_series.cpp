@@ -1,5 +1,6 @@
 #include "spreadsheet/view/commands/fill_series.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/values/date_serial.h"
 #include "spreadsheet/values/decimal.h"
 #include "spreadsheet/view/commands/text_series.h"
@@ -14,7 +15,7 @@ namespace {
 
 bool isDate(const SeriesCell& cell)
 {
-    return cell.type == CellType::date && dayOfSerial(cell.value.number()).has_value();
+    return cellTypeRow(cell.type).holds == CellHolds::days && dayOfSerial(cell.value.number()).has_value();
 }
 
 int monthOf(const CalendarDay& day)
