@@ -8,6 +8,7 @@
 #include "fetch/quoted_text.h"
 #include "platform/database/dialect/sql_text.h"
 #include "spreadsheet/values/number_text.h"
+#include "text/ascii.h"
 
 #include <charconv>
 #include <cmath>
@@ -17,17 +18,10 @@ namespace selfreport {
 
 namespace {
 
-constexpr bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 /// 1 to 26 for a letter of either case, 0 for any other character.
 constexpr int letterNumber(char c)
 {
-    if (c >= 'a' && c <= 'z')
-        return c - 'a' + 1;
-    return c >= 'A' && c <= 'Z' ? c - 'A' + 1 : 0;
+    return ascii::isLetter(c) ? ascii::lower(c) - 'a' + 1 : 0;
 }
 
 std::optional<std::int64_t> rowOf(std::string_view digits)
@@ -56,7 +50,7 @@ ReferencedCell parseReferencedCell(std::string_view name)
     std::string letters;
     std::string digits;
     for (const char c : name)
-        (isDigit(c) ? digits : letters) += c;
+        (ascii::isDigit(c) ? digits : letters) += c;
     ReferencedCell cell;
     cell.row = rowOf(digits);
     // A character beyond ASCII is several bytes long, and none of its bytes is a letter.

@@ -1,6 +1,7 @@
 #include "fetch/ledger_query.h"
 
 #include "platform/database/dialect/sql_text.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 
@@ -45,8 +46,7 @@ std::vector<std::string_view> splitText(std::string_view text, char separator)
 
 std::string_view trimmed(std::string_view text)
 {
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    return text.substr(0, text.find_last_not_of(' ') + 1);
+    return ascii::trimmed(text, " ");
 }
 
 AccountExpression parseAccountExpression(std::string_view text)

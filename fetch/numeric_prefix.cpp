@@ -1,18 +1,11 @@
 #include "fetch/numeric_prefix.h"
 
+#include "text/ascii.h"
+
 #include <algorithm>
 #include <charconv>
 
 namespace selfreport {
-
-namespace {
-
-constexpr bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-} // namespace
 
 double numericPrefix(std::string_view text)
 {
@@ -21,7 +14,7 @@ double numericPrefix(std::string_view text)
     if (negative || text.starts_with('+'))
         text.remove_prefix(1);
     // Only digits and the point may begin it: from_chars would read a second sign, "inf" and "nan" too.
-    if (text.empty() || !(isDigit(text.front()) || text.front() == '.'))
+    if (text.empty() || !(ascii::isDigit(text.front()) || text.front() == '.'))
         return 0;
     double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);

@@ -2,6 +2,7 @@
 
 #include "spreadsheet/calculation/Call.h"
 #include "spreadsheet/values/folding.h"
+#include "text/ascii.h"
 
 #include <array>
 
@@ -44,8 +45,7 @@ bool equalsFolded(std::string_view text, const std::string& folded)
         const auto byte = static_cast<unsigned char>(text[i]);
         if (byte >= 0x80)
             return foldedText(text) == folded;
-        const char lower = byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : text[i];
-        if (i >= folded.size() || lower != folded[i])
+        if (i >= folded.size() || ascii::lower(text[i]) != folded[i])
             return false;
     }
     return text.size() == folded.size();

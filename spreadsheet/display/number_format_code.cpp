@@ -2,6 +2,7 @@
 
 #include "spreadsheet/values/characters.h"
 #include "spreadsheet/values/number_text.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -18,15 +19,9 @@ namespace {
 using Kind = FormatPart::Kind;
 using Condition = FormatSection::Condition;
 
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool startsWithFolded(std::string_view text, std::string_view prefix)
 {
-    return text.size() >= prefix.size() &&
-           std::ranges::equal(text.substr(0, prefix.size()), prefix, {}, lower, lower);
+    return ascii::equalFolded(text.substr(0, prefix.size()), prefix);
 }
 
 class FormatCodeReader {
@@ -202,9 +197,10 @@ private:
             m_section.numerals = static_cast<NumeralStyle>(style);
         } else if (!inside.empty() && std::string_view("<>=").find(inside[0]) != std::string_view::npos) {
             condition(inside);
-        } else if (!inside.empty() &&
-                   std::ranges::all_of(inside, [&](char c) { return lower(c) == lower(inside[0]); })) {
-            elapsed(lower(inside[0]), static_cast<int>(inside.size()));
+        } else if (!inside.empty() && std::ranges::all_of(inside, [&](char c) {
+                       return ascii::lower(c) == ascii::lower(inside[0]);
+                   })) {
+            elapsed(ascii::lower(inside[0]), static_cast<int>(inside.size()));
         } // anything else is a colour
     }
 
@@ -240,7 +236,7 @@ private:
 
     void letterOrLiteral()
     {
-        const char c = lower(m_rest.front());
+        const char c = ascii::lower(m_rest.front());
         for (const std::string_view general : {"general", "g/通用格式"}) {
             if (startsWithFolded(m_rest, general))
                 return add(Kind::general, general.size());
@@ -264,7 +260,7 @@ private:
     void datePart(char letter)
     {
         std::size_t count = 1;
-        while (count < m_rest.size() && lower(m_rest[count]) == letter)
+        while (count < m_rest.size() && ascii::lower(m_rest[count]) == letter)
             ++count;
         Kind kind = Kind::year;
         switch (letter) {

@@ -10,6 +10,7 @@
 #include "spreadsheet/files/xlsx/xlsx_read.h"
 #include "spreadsheet/files/xlsx/xlsx_write.h"
 #include "spreadsheet/workbook/Workbook.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <fstream>
@@ -51,7 +52,7 @@ bool looksLikeMarkup(Bytes bytes)
                           std::min<std::size_t>(bytes.size(), 1024));
     if (text.starts_with("\xEF\xBB\xBF"))
         text.remove_prefix(3);
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+    text.remove_prefix(std::min(text.find_first_not_of(ascii::blanks), text.size()));
     return text.size() > 1 && text[0] == '<' && (text[1] == '!' || text[1] == '?' || (text[1] | 0x20) >= 'a');
 }
 
@@ -142,9 +143,7 @@ std::span<const FileFormat> fileFormats()
 
 const FileFormat* fileFormatOfName(const std::filesystem::path& file)
 {
-    std::string ending = file.extension().string();
-    for (char& c : ending)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+    const std::string ending = ascii::lower(file.extension().string());
     const auto found = std::ranges::find_if(formats, [&](const FileFormat& format) {
         return std::ranges::find(format.endings, ending) != format.endings.end();
     });

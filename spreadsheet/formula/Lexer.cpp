@@ -2,6 +2,7 @@
 
 #include "spreadsheet/values/CellError.h"
 #include "spreadsheet/values/folding.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -17,18 +18,9 @@ namespace spreadsheet {
 
 namespace {
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-bool isLetter(char c)
-{
-    return (c | 0x20) >= 'a' && (c | 0x20) <= 'z';
-}
-
 bool isNameCharacter(char c)
 {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '\\' || c == '?' ||
+    return ascii::isLetter(c) || ascii::isDigit(c) || c == '_' || c == '.' || c == '\\' || c == '?' ||
            static_cast<unsigned char>(c) >= 0x80;
 }
 
@@ -70,7 +62,7 @@ Corner readCorner(std::string_view text)
     const bool dollar = !text.empty() && text[0] == '$';
     at += dollar;
     const std::size_t letters = at;
-    while (at < text.size() && isLetter(text[at]) && at - letters < 4)
+    while (at < text.size() && ascii::isLetter(text[at]) && at - letters < 4)
         ++at;
     if (at > letters) {
         const auto column = parseColumnName(text.substr(letters, at - letters));
@@ -86,7 +78,7 @@ Corner readCorner(std::string_view text)
     const bool rowDollar = corner.column != 0 ? at < text.size() && text[at] == '$' : dollar;
     digits += corner.column != 0 && rowDollar;
     std::size_t end = digits;
-    while (end < text.size() && isDigit(text[end]))
+    while (end < text.size() && ascii::isDigit(text[end]))
         ++end;
     if (end > digits && text[digits] != '0' && end - digits <= 7) {
         std::from_chars(text.data() + digits, text.data() + end, corner.row);
@@ -170,7 +162,7 @@ private:
             return errorValue();
         if (c == '\'')
             return quotedSheet();
-        if (isDigit(c) || c == '.') {
+        if (ascii::isDigit(c) || c == '.') {
             if (!rowsReference())
                 number();
             return;

@@ -2,6 +2,7 @@
 
 #include "spreadsheet/values/case_fold.h"
 #include "spreadsheet/values/CellAddress.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 
@@ -23,8 +24,8 @@ int NameTable::find(std::string_view name) const
 
 bool NameTable::isValid(std::string_view name)
 {
-    if (name.empty() || name.size() > 255 || (name.front() >= '0' && name.front() <= '9') ||
-        name.front() == '.' || parseCellName(name))
+    if (name.empty() || name.size() > 255 || ascii::isDigit(name.front()) || name.front() == '.' ||
+        parseCellName(name))
         return false;
     for (const std::string_view sign : {"（", "）", "，", "；", "\u3000"}) { // read as brackets and the like
         if (name.find(sign) != std::string_view::npos)
@@ -36,7 +37,7 @@ bool NameTable::isValid(std::string_view name)
     return std::ranges::all_of(name, [](char c) {
         const auto byte = static_cast<unsigned char>(c);
         return byte >= 0x80 || byte == '_' || byte == '.' || byte == '\\' || byte == '?' ||
-               (byte >= '0' && byte <= '9') || ((byte | 0x20) >= 'a' && (byte | 0x20) <= 'z');
+               ascii::isDigit(c) || ascii::isLetter(c);
     });
 }
 

@@ -1,6 +1,7 @@
 #include "spreadsheet/formula/ReferenceSlot.h"
 
 #include "spreadsheet/values/CellError.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -33,7 +34,7 @@ void appendRow(AxisPoint point, int base, std::string& text)
 
 bool needsQuotes(std::string_view name)
 {
-    if (name.empty() || (name.front() >= '0' && name.front() <= '9') || parseCellName(name))
+    if (name.empty() || ascii::isDigit(name.front()) || parseCellName(name))
         return true;
     for (const std::string_view sign : {"（", "）", "，", "；", "\u3000"}) { // formulas take them as signs
         if (name.find(sign) != std::string_view::npos)
@@ -41,8 +42,7 @@ bool needsQuotes(std::string_view name)
     }
     return !std::ranges::all_of(name, [](char c) {
         const auto byte = static_cast<unsigned char>(c);
-        return byte >= 0x80 || byte == '_' || byte == '.' || (byte >= '0' && byte <= '9') ||
-               ((byte | 0x20) >= 'a' && (byte | 0x20) <= 'z');
+        return byte >= 0x80 || byte == '_' || byte == '.' || ascii::isDigit(c) || ascii::isLetter(c);
     });
 }
 

@@ -1,6 +1,7 @@
 #include "spreadsheet/functions/FunctionTable.h"
 
 #include "spreadsheet/functions/function_families.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <vector>
@@ -71,9 +72,7 @@ const std::vector<const FunctionDescriptor*>& sortedFunctions()
 
 const FunctionDescriptor* findFunction(std::string_view name)
 {
-    std::string upper(name);
-    for (char& c : upper)
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    const std::string upper = ascii::upper(name);
     const auto& all = sortedFunctions();
     const auto found = std::ranges::lower_bound(all, std::string_view(upper), {}, &FunctionDescriptor::name);
     return found != all.end() && (*found)->name == upper ? *found : nullptr;

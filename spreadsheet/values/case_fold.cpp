@@ -1,5 +1,7 @@
 #include "spreadsheet/values/case_fold.h"
 
+#include "text/ascii.h"
+
 #include <cstdlib>
 #include <utf8proc.h>
 
@@ -11,7 +13,7 @@ std::string foldedName(std::string_view name)
     bool ascii = true;
     for (char& c : folded) {
         ascii = ascii && static_cast<unsigned char>(c) < 0x80;
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        c = ascii::upper(c);
     }
     if (ascii)
         return folded;

@@ -1,4 +1,6 @@
 #pragma once
+#include "text/ascii.h"
+
 #include <array>
 #include <optional>
 #include <string_view>
@@ -18,15 +20,11 @@ inline constexpr std::array<std::string_view, 7> chineseWeekdays{"日", "一", "
 /// 1 to 12 for the name of a month or its first three letters, of either case.
 constexpr std::optional<int> monthOfName(std::string_view name)
 {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
     for (std::size_t month = 0; month < englishMonths.size(); ++month) {
         const std::string_view candidate = englishMonths[month];
         if (name.size() != 3 && name.size() != candidate.size())
             continue;
-        bool same = true;
-        for (std::size_t i = 0; same && i < name.size(); ++i)
-            same = lower(name[i]) == lower(candidate[i]);
-        if (same)
+        if (ascii::equalFolded(name, candidate.substr(0, name.size())))
             return static_cast<int>(month) + 1;
     }
     return std::nullopt;

@@ -4,6 +4,7 @@
 #include "spreadsheet/values/date_names.h"
 #include "spreadsheet/values/date_serial.h"
 #include "spreadsheet/values/number_text.h"
+#include "text/ascii.h"
 
 #include <cmath>
 #include <utility>
@@ -72,7 +73,7 @@ public:
     std::optional<int> month()
     {
         std::size_t letters = 0;
-        while (letters < m_rest.size() && isAsciiLetter(m_rest[letters]))
+        while (letters < m_rest.size() && ascii::isLetter(m_rest[letters]))
             ++letters;
         const auto number = monthOfName(m_rest.substr(0, letters));
         if (number)
@@ -90,7 +91,6 @@ public:
     }
 
 private:
-    static bool isAsciiLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
     std::string_view m_rest;
 };
 

@@ -1,5 +1,7 @@
 #include "spreadsheet/values/numerals.h"
 
+#include "text/ascii.h"
+
 #include <algorithm>
 #include <array>
 
@@ -16,11 +18,6 @@ constexpr std::array<std::array<std::string_view, 4>, 2> places{
     {{"", "十", "百", "千"}, {"", "拾", "佰", "仟"}}};
 constexpr std::array<std::string_view, 4> myriads{"", "万", "亿", "兆"};
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 } // namespace
 
 std::string numeralDigits(std::string_view text, NumeralStyle style)
@@ -28,7 +25,7 @@ std::string numeralDigits(std::string_view text, NumeralStyle style)
     const auto& digits = digitsOfStyles[static_cast<std::size_t>(style)];
     std::string result;
     for (const char c : text) {
-        if (isDigit(c))
+        if (ascii::isDigit(c))
             result += digits[static_cast<std::size_t>(c - '0')];
         else
             result += c;
@@ -40,7 +37,7 @@ std::string numeralText(std::string_view digits, NumeralStyle style)
 {
     const bool formal = style == NumeralStyle::chineseFormal;
     if (style == NumeralStyle::ordinary || digits.empty() || digits.size() > 16 ||
-        !std::ranges::all_of(digits, isDigit))
+        !std::ranges::all_of(digits, ascii::isDigit))
         return numeralDigits(digits, style);
     std::string text;
     bool zero = false;  // zeros are waiting for a digit behind them

@@ -8,7 +8,7 @@ class QComboBox;
 namespace spreadsheet {
 class SpreadsheetControl;
 enum class CellType : std::uint8_t;
-}
+} // namespace spreadsheet
 
 namespace selfreport {
 

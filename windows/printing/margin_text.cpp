@@ -1,5 +1,7 @@
 #include "windows/printing/margin_text.h"
 
+#include "text/ascii.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -11,18 +13,13 @@ namespace {
 constexpr int pointPlace = 1;
 constexpr int length = 4;
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 /// A plain decimal number from 0, without sign or exponent.
 std::optional<double> plainNumber(std::string_view text)
 {
     double number = 0;
     const auto [end, error] =
         std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
-    const bool plain = std::ranges::all_of(text, [](char c) { return isDigit(c) || c == '.'; });
+    const bool plain = std::ranges::all_of(text, [](char c) { return ascii::isDigit(c) || c == '.'; });
     if (error != std::errc() || end != text.data() + text.size() || !plain)
         return std::nullopt;
     return number;
@@ -32,7 +29,7 @@ std::optional<double> plainNumber(std::string_view text)
 
 bool MarginText::setText(std::string_view text)
 {
-    const auto fits = [](char c) { return isDigit(c) || c == '_'; };
+    const auto fits = [](char c) { return ascii::isDigit(c) || c == '_'; };
     if (text.size() != length || text[pointPlace] != '.' || !fits(text[0]) || !fits(text[2]) ||
         !fits(text[3]))
         return false;
@@ -50,7 +47,7 @@ bool MarginText::type(char c)
 {
     if (c == '.')
         return typePoint();
-    if (!isDigit(c) || m_cursor >= length)
+    if (!ascii::isDigit(c) || m_cursor >= length)
         return false;
     if (m_cursor == pointPlace) {
         ++m_cursor;

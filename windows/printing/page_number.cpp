@@ -1,5 +1,7 @@
 #include "windows/printing/page_number.h"
 
+#include "text/ascii.h"
+
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -10,10 +12,7 @@ namespace {
 
 std::optional<double> numberOf(std::string_view text)
 {
-    const auto from = text.find_first_not_of(' ');
-    if (from == std::string_view::npos)
-        return std::nullopt;
-    text = text.substr(from, text.find_last_not_of(' ') - from + 1);
+    text = ascii::trimmed(text, " ");
     if (text.size() > 1 && text.front() == '+' && text[1] != '-')
         text.remove_prefix(1);
     double number = 0;

@@ -2,6 +2,7 @@
 
 #include "platform/database/session/DatabaseError.h"
 #include "platform/database/session/names.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -45,16 +46,7 @@ std::string_view mainName(std::string_view key)
 
 bool isBlank(char letter)
 {
-    return letter == ' ' || letter == '\t' || letter == '\r' || letter == '\n';
-}
-
-std::string_view trimmed(std::string_view text)
-{
-    while (!text.empty() && isBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
+    return ascii::blanks.find(letter) != std::string_view::npos;
 }
 
 /// Reads the pairs of a string. ODBC quotes with braces and knows no other quotes; the other forms quote with
@@ -89,7 +81,7 @@ public:
             if (m_rest.empty() || m_rest.front() != '=')
                 break;
         }
-        key = trimmed(key);
+        key = ascii::trimmed(key);
         if (key.empty())
             refuseConnectionString("缺少关键字");
         return key;
@@ -105,7 +97,7 @@ public:
         if (m_quotes == Quotes::odbc && first == '{')
             return bracedValue();
         const std::size_t end = std::min(m_rest.find(';'), m_rest.size());
-        const std::string value(trimmed(m_rest.substr(0, end)));
+        const std::string value(ascii::trimmed(m_rest.substr(0, end)));
         m_rest.remove_prefix(end);
         return value;
     }
@@ -138,9 +130,9 @@ private:
     std::string bracedValue()
     {
         const std::size_t end = std::min(m_rest.find("};"), m_rest.size());
-        if (end == m_rest.size() && !trimmed(m_rest).ends_with('}'))
+        if (end == m_rest.size() && !ascii::trimmed(m_rest).ends_with('}'))
             refuseConnectionString("大括号没有结束");
-        const std::string_view whole = trimmed(m_rest.substr(0, std::min(end + 1, m_rest.size())));
+        const std::string_view whole = ascii::trimmed(m_rest.substr(0, std::min(end + 1, m_rest.size())));
         const std::string value(whole.substr(1, whole.size() - 2));
         m_rest.remove_prefix(std::min(end + 1, m_rest.size()));
         return value;

@@ -1,5 +1,7 @@
 #include "platform/database/dialect/sql_text.h"
 
+#include "text/ascii.h"
+
 #include <algorithm>
 
 namespace selfreport {
@@ -8,8 +10,7 @@ namespace {
 
 bool startsIdentifier(char letter)
 {
-    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || letter == '_' ||
-           static_cast<unsigned char>(letter) >= 0x80;
+    return ascii::isLetter(letter) || letter == '_' || static_cast<unsigned char>(letter) >= 0x80;
 }
 
 } // namespace

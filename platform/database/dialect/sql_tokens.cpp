@@ -1,6 +1,7 @@
 #include "platform/database/dialect/sql_tokens.h"
 
 #include "platform/database/session/names.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -9,16 +10,10 @@ namespace selfreport {
 
 namespace {
 
-bool isDigit(char letter)
-{
-    return letter >= '0' && letter <= '9';
-}
-
 bool isNameLetter(char letter)
 {
-    return isDigit(letter) || (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
-           letter == '_' || letter == '@' || letter == '#' || letter == '$' ||
-           static_cast<unsigned char>(letter) >= 0x80;
+    return ascii::isDigit(letter) || ascii::isLetter(letter) || letter == '_' || letter == '@' ||
+           letter == '#' || letter == '$' || static_cast<unsigned char>(letter) >= 0x80;
 }
 
 bool partsTokens(char letter)
@@ -86,7 +81,7 @@ SqlToken tokenAt(std::string_view sql, std::size_t at)
         return token(SqlToken::Kind::text, endOfQuoted(sql, at + 1, '\''));
     if (letter == '"' || letter == '[')
         return token(SqlToken::Kind::quotedName, endOfQuoted(sql, at, letter == '[' ? ']' : '"'));
-    if (isDigit(letter) || (letter == '.' && isDigit(next)))
+    if (ascii::isDigit(letter) || (letter == '.' && ascii::isDigit(next)))
         return token(SqlToken::Kind::number, endOfNumber(sql, at + 1));
     if (isNameLetter(letter))
         return token(SqlToken::Kind::name,

@@ -2,6 +2,7 @@
 
 #include "platform/database/odbc/odbc_diagnostics.h"
 #include "platform/database/odbc/odbc_text.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -236,7 +237,7 @@ Recordset::Cell OdbcStatement::decimalCell(SQLUSMALLINT column)
     Recordset::Cell read = textCell(column);
     const auto* text = std::get_if<std::string>(&read);
     constexpr std::ptrdiff_t doubleDigits = 15;
-    if (!text || std::ranges::count_if(*text, [](char c) { return c >= '0' && c <= '9'; }) > doubleDigits)
+    if (!text || std::ranges::count_if(*text, ascii::isDigit) > doubleDigits)
         return read;
     const std::string padded = text->starts_with('.')    ? "0" + *text
                                : text->starts_with("-.") ? "-0" + text->substr(1)

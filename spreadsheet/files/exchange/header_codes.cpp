@@ -1,6 +1,7 @@
 #include "spreadsheet/files/exchange/header_codes.h"
 
 #include "spreadsheet/display/header_footer.h"
+#include "text/ascii.h"
 
 #include <array>
 #include <charconv>
@@ -17,11 +18,6 @@ namespace {
 
 /// A part of one section: its lines, each a list of runs.
 using Section = std::vector<std::vector<HeaderRun>>;
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 class ForeignReader {
 public:
@@ -71,7 +67,7 @@ private:
     void code()
     {
         const char c = m_rest.front();
-        if (isDigit(c))
+        if (ascii::isDigit(c))
             return size();
         m_rest.remove_prefix(1);
         switch (c) {
@@ -114,10 +110,10 @@ private:
     /// "&P+1" counts from another page; the number alone stays.
     void skipOffset()
     {
-        if (m_rest.size() < 2 || (m_rest[0] != '+' && m_rest[0] != '-') || !isDigit(m_rest[1]))
+        if (m_rest.size() < 2 || (m_rest[0] != '+' && m_rest[0] != '-') || !ascii::isDigit(m_rest[1]))
             return;
         m_rest.remove_prefix(1);
-        while (!m_rest.empty() && isDigit(m_rest.front()))
+        while (!m_rest.empty() && ascii::isDigit(m_rest.front()))
             m_rest.remove_prefix(1);
         m_warnings.add("页眉页脚中的起始页码没有保留");
     }
@@ -230,7 +226,7 @@ public:
         if (run.pageNumber)
             m_text += "&P";
         // A digit right behind a size would be read as part of it.
-        else if (!run.text.empty() && isDigit(run.text.front()) && isDigit(m_text.back()))
+        else if (!run.text.empty() && ascii::isDigit(run.text.front()) && ascii::isDigit(m_text.back()))
             m_text += " " + foreignText(run.text);
         else
             m_text += foreignText(run.text);

@@ -1,6 +1,7 @@
 #include "spreadsheet/files/ole2/CompoundFile.h"
 
 #include "spreadsheet/files/placing/ContentError.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -36,18 +37,13 @@ enum EntryField : std::size_t {
     streamSize = 120,
 };
 
-char smallLetter(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
-}
-
 std::string entryName(Bytes entry)
 {
     const std::size_t bytes = std::min<std::size_t>(numberAt<std::uint16_t>(entry, nameLength), 64);
     std::string name;
     for (std::size_t at = 0; at + 2 < bytes; at += 2) { // the length counts the closing zero
         const auto unit = numberAt<std::uint16_t>(entry, at);
-        name += unit < 0x80 ? smallLetter(static_cast<char>(unit)) : '?';
+        name += unit < 0x80 ? ascii::lower(static_cast<char>(unit)) : '?';
     }
     return name;
 }
@@ -206,7 +202,7 @@ std::optional<StreamBytes> CompoundFile::stream(std::string_view name) const
 {
     std::string wanted;
     for (const char c : name)
-        wanted += smallLetter(c);
+        wanted += ascii::lower(c);
     std::vector<bool> seen(m_entries.size());
     std::vector<std::uint32_t> waiting{m_entries.front().child};
     while (!waiting.empty()) {

@@ -4,6 +4,7 @@
 #include "spreadsheet/files/text/csv.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/Workbook.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -105,8 +106,7 @@ char sensedSeparator(std::string_view text)
 /// Codes such as 001 and numbers of identity cards would lose digits as numbers.
 bool isCode(std::string_view field)
 {
-    const auto digits =
-        static_cast<std::size_t>(std::ranges::count_if(field, [](char c) { return c >= '0' && c <= '9'; }));
+    const auto digits = static_cast<std::size_t>(std::ranges::count_if(field, ascii::isDigit));
     if (digits != field.size() || digits == 0)
         return false;
     return digits > 15 || (digits > 1 && field.front() == '0');

@@ -8,6 +8,7 @@
 #include "spreadsheet/files/xls/tokens.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/functions/FunctionTable.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -258,9 +259,7 @@ private:
 
     void call(const FormulaNode& node, Wanted wanted)
     {
-        std::string name = node.text;
-        for (char& c : name)
-            c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        const std::string name = ascii::upper(node.text);
         const FunctionDescriptor* ours = findFunction(name);
         const XlsFunction* known = xlsFunction(std::string_view(name));
         const auto count = static_cast<int>(node.children.size());

@@ -1,6 +1,7 @@
 #include "spreadsheet/files/xls/formula_tree.h"
 
 #include "spreadsheet/values/CellError.h"
+#include "text/ascii.h"
 
 #include <array>
 
@@ -206,17 +207,9 @@ private:
         return result;
     }
 
-    static std::string capitals(std::string_view text)
-    {
-        std::string result(text);
-        for (char& c : result)
-            c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-        return result;
-    }
-
     static void nameOrTruth(std::string_view text, FormulaNode& node)
     {
-        const std::string folded = capitals(text);
+        const std::string folded = ascii::upper(text);
         node.kind =
             folded == "TRUE" || folded == "FALSE" ? FormulaNode::Kind::boolean : FormulaNode::Kind::name;
         node.number = folded == "TRUE";

@@ -2,6 +2,7 @@
 
 #include "spreadsheet/files/exchange/function_numbers.h"
 #include "spreadsheet/functions/FunctionTable.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -15,17 +16,9 @@ constexpr std::array<std::string_view, 12> nativeFunctions{
     "AVERAGEIF",        "AVERAGEIFS", "COUNTIFS",     "CUBEKPIMEMBER", "CUBEMEMBER", "CUBEMEMBERPROPERTY",
     "CUBERANKEDMEMBER", "CUBESET",    "CUBESETCOUNT", "CUBEVALUE",     "IFERROR",    "SUMIFS"};
 
-std::string capitals(std::string_view text)
-{
-    std::string result(text);
-    for (char& c : result)
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    return result;
-}
-
 bool needsPrefix(std::string_view function)
 {
-    const std::string name = capitals(function);
+    const std::string name = ascii::upper(function);
     return findFunction(name) && !xlsFunction(std::string_view(name)) && !isXlsAddInFunction(name) &&
            std::ranges::find(nativeFunctions, name) == nativeFunctions.end();
 }

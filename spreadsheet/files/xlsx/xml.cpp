@@ -4,6 +4,7 @@
 #include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/Archive.h"
 #include "spreadsheet/values/number_text.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <charconv>
@@ -123,9 +124,7 @@ double numberOf(pugi::xml_attribute attribute, double otherwise)
 
 std::optional<double> fileNumber(std::string_view text)
 {
-    constexpr std::string_view blanks = " \t\r\n";
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    text.remove_suffix(text.size() - std::min(text.find_last_not_of(blanks) + 1, text.size()));
+    text = ascii::trimmed(text);
     const std::size_t comma = text.find(',');
     if (comma == std::string_view::npos)
         return parseNumber(text);

@@ -1,5 +1,6 @@
 #include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -26,10 +27,9 @@ constexpr NumberBase hexadecimal{16, 1LL << 39};
 
 int digitOf(char c)
 {
-    if (c >= '0' && c <= '9')
+    if (ascii::isDigit(c))
         return c - '0';
-    const char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'z' ? lower - 'a' + 10 : 36;
+    return ascii::isLetter(c) ? ascii::lower(c) - 'a' + 10 : 36;
 }
 
 std::int64_t numberArgument(Call& call, const NumberBase& from)

@@ -1,6 +1,7 @@
 #include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
 #include "spreadsheet/values/decimal.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 
@@ -24,9 +25,7 @@ constexpr Currency currencies[] = {
 
 const Currency* currencyArgument(Call& call, std::size_t argument)
 {
-    std::string code = plainText(call, argument);
-    for (char& c : code)
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    const std::string code = ascii::upper(plainText(call, argument));
     const auto found = std::ranges::find(currencies, code, &Currency::code);
     if (found != std::end(currencies))
         return found;

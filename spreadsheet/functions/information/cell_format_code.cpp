@@ -2,6 +2,7 @@
 
 #include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/display/number_format_code.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 
@@ -71,12 +72,7 @@ bool namesColour(std::string_view code)
                                                    "[Cyan]", "[Magenta]", "[Yellow]", "[White]",
                                                    "[Color", "[红色]",    "[蓝色]",   "[绿色]"};
     return std::ranges::any_of(colours, [&](std::string_view colour) {
-        return std::ranges::search(code, colour, [](char a, char b) {
-                   const auto lower = [](char c) {
-                       return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-                   };
-                   return lower(a) == lower(b);
-               }).begin() != code.end();
+        return ascii::lower(code).find(ascii::lower(colour)) != std::string::npos;
     });
 }
 

@@ -6,6 +6,7 @@
 #include "spreadsheet/values/characters.h"
 #include "spreadsheet/values/decimal.h"
 #include "spreadsheet/values/folding.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 
@@ -392,7 +393,7 @@ Operand encodedAddress(Call& call)
     std::string encoded;
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
-        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+        const bool plain = ascii::isLetter(c) || ascii::isDigit(c) ||
                            std::string_view("-_.~").find(c) != std::string_view::npos;
         if (plain)
             encoded += c;

@@ -2,6 +2,7 @@
 #include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
 #include "spreadsheet/values/decimal.h"
+#include "text/ascii.h"
 
 #include <array>
 
@@ -95,7 +96,7 @@ std::string digitByDigit(std::string_view digits)
 {
     std::string words;
     for (const char c : digits) {
-        if (c >= '0' && c <= '9')
+        if (ascii::isDigit(c))
             words += digitWords[static_cast<std::size_t>(c - '0')];
         else if (c == '.')
             words += "จุด";

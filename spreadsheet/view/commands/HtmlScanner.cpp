@@ -3,6 +3,7 @@
 #include "spreadsheet/values/characters.h"
 #include "spreadsheet/values/folding.h"
 #include "spreadsheet/view/commands/html_look.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -13,11 +14,6 @@ namespace spreadsheet {
 namespace {
 
 constexpr std::string_view blanks = " \t\r\n\f";
-
-bool isLetter(char c)
-{
-    return (c | 0x20) >= 'a' && (c | 0x20) <= 'z';
-}
 
 /// The character of "#20803" or "#x5143"; 0 if it is none.
 char32_t numericEntity(std::string_view entity)
@@ -90,7 +86,7 @@ HtmlScanner::Kind HtmlScanner::next()
             passOver("-->");
         else if (rest.starts_with("<!") || rest.starts_with("<?"))
             passOver(">");
-        else if (rest.size() > 1 && rest[0] == '<' && (isLetter(rest[1]) || rest[1] == '/'))
+        else if (rest.size() > 1 && rest[0] == '<' && (ascii::isLetter(rest[1]) || rest[1] == '/'))
             return readTag();
         else {
             const std::size_t end = std::min(m_html.find('<', m_at + 1), m_html.size());

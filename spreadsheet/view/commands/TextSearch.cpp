@@ -2,6 +2,7 @@
 
 #include "spreadsheet/values/characters.h"
 #include "spreadsheet/values/folding.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,11 +18,6 @@ std::string folded(std::string_view text)
     for (std::size_t at = 0; at < text.size();)
         appendCharacter(result, foldedCharacter(takeCharacter(text, at)));
     return result;
-}
-
-char small(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 /// True if folding changes nothing but ASCII capitals: Chinese texts have no letter case. Bytes C3 to DF
@@ -57,9 +53,7 @@ TextSearch::TextSearch(std::string_view what, SearchOptions options)
         m_what = m_pattern.literal();
     if (!m_what.empty()) {
         m_firstSmall = m_what[0];
-        m_firstCapital = m_firstSmall >= 'a' && m_firstSmall <= 'z' && !options.matchCase
-                             ? static_cast<char>(m_firstSmall - 'a' + 'A')
-                             : m_firstSmall;
+        m_firstCapital = options.matchCase ? m_firstSmall : ascii::upper(m_firstSmall);
     }
     constexpr std::string_view figures = "0123456789+-.,:/%eE ￥¥$";
     m_mayBeInFigure = m_usePattern || std::ranges::all_of(m_what, [&](char c) {
@@ -77,7 +71,7 @@ std::optional<std::size_t> TextSearch::findSmall(std::string_view text, std::siz
         if (text[at] != m_firstSmall && text[at] != m_firstCapital)
             continue;
         std::size_t same = 1;
-        while (same < m_what.size() && small(text[at + same]) == m_what[same])
+        while (same < m_what.size() && ascii::lower(text[at + same]) == m_what[same])
             ++same;
         if (same == m_what.size())
             return at;

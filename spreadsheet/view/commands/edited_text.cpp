@@ -7,6 +7,7 @@
 #include "spreadsheet/values/decimal_text.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/Workbook.h"
+#include "text/ascii.h"
 
 #include <array>
 #include <charconv>
@@ -35,11 +36,7 @@ bool isTakenForCall(const Workbook& workbook, std::string_view text)
     const std::size_t bracket = text.find('(');
     if (bracket == std::string_view::npos)
         return false;
-    std::string_view name = text.substr(0, bracket);
-    while (name.ends_with(' '))
-        name.remove_suffix(1);
-    while (name.starts_with(' '))
-        name.remove_prefix(1);
+    const std::string_view name = ascii::trimmed(text.substr(0, bracket), " ");
     return findFunction(name) || workbook.formulas().customs().isRegistered(name);
 }
 
@@ -55,7 +52,7 @@ std::string editedText(const Workbook& workbook, const Sheet& sheet, CellAddress
     if (!value.isText())
         return displayText(value, {});
     const std::string_view text = value.textView();
-    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    const std::size_t first = text.find_first_not_of(ascii::blanks);
     const bool likeFormula = first != std::string_view::npos && text[first] == '=' && text.size() > first + 1;
     const bool misread = text.empty() || text.starts_with('\'') || likeFormula ||
                          !typedConstant(text).value.isText() || isTakenForCall(workbook, text);

@@ -1,6 +1,7 @@
 #include "spreadsheet/view/commands/html_look.h"
 
 #include "spreadsheet/values/number_text.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -79,14 +80,7 @@ void addDeclaration(std::string_view property, std::string_view value, HtmlStyle
 std::string htmlKeyword(std::string_view text)
 {
     constexpr std::string_view blanks = " \t\r\n\f";
-    const std::size_t first = std::min(text.find_first_not_of(blanks), text.size());
-    text.remove_prefix(first);
-    text = text.substr(0, text.find_last_not_of(blanks) + 1);
-    std::string word(text);
-    std::ranges::transform(word, word.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return word;
+    return ascii::lower(ascii::trimmed(text, blanks));
 }
 
 std::optional<Colour> parseHtmlColour(std::string_view text)

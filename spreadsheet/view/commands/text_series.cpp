@@ -1,5 +1,7 @@
 #include "spreadsheet/view/commands/text_series.h"
 
+#include "text/ascii.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -60,18 +62,13 @@ struct NumberedText {
     std::size_t width = 0; ///< digits that are shown at least; 0 unless there are leading zeros
 };
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 std::optional<NumberedText> numberedText(std::string_view text)
 {
     std::size_t end = text.size();
-    while (end > 0 && !isDigit(text[end - 1]))
+    while (end > 0 && !ascii::isDigit(text[end - 1]))
         --end;
     std::size_t begin = end;
-    while (begin > 0 && isDigit(text[begin - 1]))
+    while (begin > 0 && ascii::isDigit(text[begin - 1]))
         --begin;
     constexpr std::size_t longest = 15;
     if (begin == end || end - begin > longest)
