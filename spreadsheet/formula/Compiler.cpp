@@ -1,11 +1,12 @@
 #include "spreadsheet/formula/Compiler.h"
 
+#include "spreadsheet/formula/operator_table.h"
 #include "spreadsheet/formula/Vocabulary.h"
 #include "spreadsheet/values/Array.h"
 #include "spreadsheet/values/case_fold.h"
+#include "text/quotes.h"
 
 #include <algorithm>
-#include <array>
 
 namespace spreadsheet {
 
@@ -16,31 +17,7 @@ namespace spreadsheet {
 
 namespace {
 
-struct OperatorRule {
-    std::string_view text;
-    Op op;
-    int precedence;
-};
-
-constexpr int rangePrecedence = 9;
-constexpr int intersectPrecedence = 8;
-constexpr int unionPrecedence = 7;
-constexpr int signPrecedence = 6;
-constexpr int percentPrecedence = 5;
-
-constexpr std::array<OperatorRule, 13> binaryOperators{{{":", Op::range, rangePrecedence},
-                                                        {"^", Op::power, 4},
-                                                        {"*", Op::multiply, 3},
-                                                        {"/", Op::divide, 3},
-                                                        {"+", Op::add, 2},
-                                                        {"-", Op::subtract, 2},
-                                                        {"&", Op::concatenate, 1},
-                                                        {"=", Op::equal, 0},
-                                                        {"<>", Op::notEqual, 0},
-                                                        {"<", Op::less, 0},
-                                                        {"<=", Op::lessEqual, 0},
-                                                        {">", Op::greater, 0},
-                                                        {">=", Op::greaterEqual, 0}}};
+using Place = OperatorRow::Place;
 
 /// An open bracket or call, with what its operators wait for.
 struct Frame {
@@ -96,11 +73,6 @@ public:
     }
 
 private:
-    struct PendingOperator {
-        Op op;
-        int precedence;
-    };
-
     const Token& token() const { return m_lexed.tokens[m_at]; }
     Frame& frame() { return m_frames.back(); }
 
@@ -142,13 +114,13 @@ private:
 
     void reduce(int downTo)
     {
-        while (m_operators.size() > frame().operators && m_operators.back().precedence >= downTo) {
-            const Op op = m_operators.back().op;
+        while (m_operators.size() > frame().operators && m_operators.back()->precedence >= downTo) {
+            const OperatorRow& row = *m_operators.back();
             m_operators.pop_back();
-            emit(op);
-            if (op == Op::range) // the cells between two corners stand in no slot
+            emit(row.op);
+            if (row.op == Op::range) // the cells between two corners stand in no slot
                 m_formula.readsUnlisted = m_formula.isVolatile = true;
-            if (op != Op::negate && op != Op::plus)
+            if (row.place == Place::between)
                 --m_depth;
         }
     }
@@ -161,7 +133,7 @@ private:
         case Token::Kind::number:
             return push(Op::number, keep(m_formula.numbers, token().number));
         case Token::Kind::text:
-            return push(Op::text, keep(m_formula.texts, Text(unquoted(token().text))));
+            return push(Op::text, keep(m_formula.texts, Text(quotes::within(token().text))));
         case Token::Kind::error:
             return push(Op::error, static_cast<int>(*parseErrorText(token().text)));
         case Token::Kind::reference:
@@ -185,16 +157,6 @@ private:
         }
     }
 
-    static std::string unquoted(std::string_view quoted)
-    {
-        std::string text;
-        for (std::size_t i = 1; i + 1 < quoted.size(); ++i) {
-            text += quoted[i];
-            i += quoted[i] == '"';
-        }
-        return text;
-    }
-
     void name()
     {
         const std::string folded = foldedName(token().text);
@@ -207,10 +169,8 @@ private:
 
     void sign()
     {
-        if (token().text == "-")
-            m_operators.push_back({Op::negate, signPrecedence});
-        else if (token().text == "+")
-            m_operators.push_back({Op::plus, signPrecedence});
+        if (const OperatorRow* const sign = findOperator(token().text, Place::before))
+            m_operators.push_back(sign);
         else
             fail("此处缺少数值或引用");
         if (m_operators.size() > frame().operators + 4 * maxNesting)
@@ -256,7 +216,7 @@ private:
         if (token().kind == Token::Kind::number)
             value = Value(factor * token().number);
         else if (token().kind == Token::Kind::text)
-            value = Value::text(unquoted(token().text));
+            value = Value::text(quotes::within(token().text));
         else if (token().kind == Token::Kind::error)
             value = Value(*parseErrorText(token().text));
         else if (folded == "TRUE" || folded == "FALSE")
@@ -289,7 +249,7 @@ private:
     {
         Frame opened;
         opened.isCall = true;
-        opened.isCorner = m_operators.size() > frame().operators && m_operators.back().op == Op::range;
+        opened.isCorner = m_operators.size() > frame().operators && m_operators.back()->op == Op::range;
         opened.function = m_vocabulary.findFunction(token().text);
         if (!opened.function)
             opened.custom = m_vocabulary.customs.number(token().text);
@@ -499,8 +459,7 @@ private:
         case Token::Kind::open:
             if (!token().blankBefore)
                 return fail("此处缺少运算符");
-            reduce(intersectPrecedence);
-            m_operators.push_back({Op::intersect, intersectPrecedence});
+            between(" ");
             return operand();
         default:
             return fail("此处缺少运算符");
@@ -509,16 +468,22 @@ private:
 
     void binary()
     {
-        if (token().text == "%") {
-            reduce(percentPrecedence);
-            emit(Op::percent);
-            return;
+        if (const OperatorRow* const behind = findOperator(token().text, Place::behind)) {
+            reduce(behind->precedence);
+            emit(behind->op);
+        } else {
+            between(token().text);
         }
-        const auto rule = std::ranges::find(binaryOperators, token().text, &OperatorRule::text);
-        if (rule == binaryOperators.end())
+    }
+
+    /// An operator whose second operand is to come.
+    void between(std::string_view text)
+    {
+        const OperatorRow* const row = findOperator(text, Place::between);
+        if (!row)
             return fail("此处缺少数值或引用");
-        reduce(rule->precedence);
-        m_operators.push_back({rule->op, rule->precedence});
+        reduce(row->precedence);
+        m_operators.push_back(row);
         m_expectOperand = true;
     }
 
@@ -529,8 +494,7 @@ private:
             if (frame().arguments > manyArguments)
                 return fail("参数太多");
         } else if (m_frames.size() > 1) {
-            reduce(unionPrecedence);
-            m_operators.push_back({Op::unite, unionPrecedence});
+            between(",");
         } else {
             return fail("此处不能用逗号");
         }
@@ -553,7 +517,7 @@ private:
     Vocabulary& m_vocabulary;
     Formula& m_formula;
     std::vector<Frame> m_frames;
-    std::vector<PendingOperator> m_operators;
+    std::vector<const OperatorRow*> m_operators;
     std::vector<std::vector<int>> m_choiceStarts;
     Refusal m_problem;
     std::size_t m_at = 0;

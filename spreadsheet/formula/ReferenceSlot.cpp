@@ -2,6 +2,7 @@
 
 #include "spreadsheet/values/CellError.h"
 #include "text/ascii.h"
+#include "text/quotes.h"
 
 #include <algorithm>
 #include <array>
@@ -118,13 +119,7 @@ std::string sheetPrefix(std::string_view sheetName, std::string_view lastSheetNa
         names.append(":").append(lastSheetName);
     if (!quoted && !needsQuotes(sheetName) && (lastSheetName.empty() || !needsQuotes(lastSheetName)))
         return names + "!";
-    std::string prefix = "'";
-    for (const char c : names) {
-        prefix += c;
-        if (c == '\'')
-            prefix += c;
-    }
-    return prefix + "'!";
+    return quotes::around(names, '\'') + "!";
 }
 
 std::optional<std::string> takeSheetName(std::string_view& reference)
@@ -132,17 +127,11 @@ std::optional<std::string> takeSheetName(std::string_view& reference)
     const std::size_t mark = reference.rfind('!');
     if (mark == reference.npos)
         return std::nullopt;
-    std::string_view prefix = reference.substr(0, mark);
+    const std::string_view prefix = reference.substr(0, mark);
     reference.remove_prefix(mark + 1);
     if (prefix.size() < 2 || !prefix.starts_with('\'') || !prefix.ends_with('\''))
         return std::string(prefix);
-    prefix = prefix.substr(1, prefix.size() - 2);
-    std::string name;
-    for (std::size_t i = 0; i < prefix.size(); ++i) {
-        name += prefix[i];
-        i += prefix[i] == '\''; // an apostrophe in a name stands doubled
-    }
-    return name;
+    return quotes::within(prefix);
 }
 
 } // namespace spreadsheet

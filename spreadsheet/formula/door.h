@@ -10,4 +10,5 @@
 #include "spreadsheet/formula/Lexer.h"
 #include "spreadsheet/formula/NameTable.h"
 #include "spreadsheet/formula/Operand.h"
+#include "spreadsheet/formula/operator_table.h"
 #include "spreadsheet/formula/ReferenceSlot.h"

@@ -1,4 +1,5 @@
 #include "spreadsheet/values/number_text.h"
+#include "text/ascii.h"
 
 #include <charconv>
 
@@ -46,7 +47,7 @@ std::optional<double> numberOfGroupedText(std::string_view text)
     bool grouped = false;
     bool whole = true; // before the point
     for (const char c : text) {
-        const bool digit = c >= '0' && c <= '9';
+        const bool digit = ascii::isDigit(c);
         if (c == ',') {
             if (!whole || group == 0 || group > 3 || (grouped && group != 3))
                 return std::nullopt;

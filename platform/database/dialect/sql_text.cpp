@@ -1,6 +1,7 @@
 #include "platform/database/dialect/sql_text.h"
 
 #include "text/ascii.h"
+#include "text/quotes.h"
 
 #include <algorithm>
 
@@ -17,14 +18,7 @@ bool startsIdentifier(char letter)
 
 std::string sqlQuoted(std::string_view value)
 {
-    std::string quoted;
-    quoted.reserve(value.size());
-    for (const char letter : value) {
-        quoted += letter;
-        if (letter == '\'')
-            quoted += letter;
-    }
-    return quoted;
+    return quotes::doubled(value, '\'');
 }
 
 bool isPlainIdentifier(std::string_view name)

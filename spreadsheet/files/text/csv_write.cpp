@@ -1,5 +1,6 @@
 #include "spreadsheet/files/text/csv.h"
 #include "spreadsheet/workbook/Workbook.h"
+#include "text/quotes.h"
 
 namespace spreadsheet {
 
@@ -19,13 +20,7 @@ void appendField(const std::string& text, std::string& csv)
         csv += text;
         return;
     }
-    csv += '"';
-    for (const char c : text) {
-        csv += c;
-        if (c == '"')
-            csv += c;
-    }
-    csv += '"';
+    csv += quotes::around(text, '"');
 }
 
 void appendSheet(const Sheet& sheet, std::string& csv)

@@ -7,6 +7,8 @@
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/tokens.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/operator_table.h"
+#include "text/quotes.h"
 
 #include <algorithm>
 #include <array>
@@ -18,27 +20,12 @@ using namespace xls;
 
 namespace {
 
-/// From tokenAdd on.
-constexpr std::array<std::string_view, 15> binaryOperations{
-    "+", "-", "*", "/", "^", "&", "<", "<=", "=", ">=", ">", "<>", " ", ",", ":"};
-
 std::string numberText(double number)
 {
     std::array<char, 40> digits;
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
     std::replace(digits.data(), end, 'e', 'E');
     return {digits.data(), end};
-}
-
-std::string quoted(const std::string& text)
-{
-    std::string result = "\"";
-    for (const char c : text) {
-        result += c;
-        if (c == '"')
-            result += c;
-    }
-    return result + '"';
 }
 
 /// Newer functions were written by name with a prefix.
@@ -108,19 +95,9 @@ bool FormulaReader::token(std::uint8_t token)
 
 bool FormulaReader::basicToken(std::uint8_t token)
 {
-    if (token >= tokenAdd && token <= tokenRange)
-        return binary(binaryOperations[token - tokenAdd]);
+    if (const OperatorRow* const row = findOperator(token))
+        return row->place == OperatorRow::Place::between ? binary(row->text) : unary(*row);
     switch (token) {
-    case tokenPlus:
-    case tokenMinus:
-    case tokenPercent:
-        if (m_stack.empty())
-            return fail("公式记号缺少操作数");
-        if (token == tokenPercent)
-            m_stack.back() += '%';
-        else
-            m_stack.back() = blanksBefore() + (token == tokenPlus ? "+" : "-") + m_stack.back();
-        return m_stack.back().size() <= maxFormulaText || fail("公式太长");
     case tokenBrackets:
         return brackets();
     case tokenMissing:
@@ -228,6 +205,17 @@ bool FormulaReader::binary(std::string_view operation)
     return left.size() <= maxFormulaText || fail("公式太长");
 }
 
+bool FormulaReader::unary(const OperatorRow& row)
+{
+    if (m_stack.empty())
+        return fail("公式记号缺少操作数");
+    if (row.place == OperatorRow::Place::behind)
+        m_stack.back() += row.text;
+    else
+        m_stack.back() = blanksBefore().append(row.text) + m_stack.back();
+    return m_stack.back().size() <= maxFormulaText || fail("公式太长");
+}
+
 bool FormulaReader::brackets()
 {
     if (m_stack.empty())
@@ -286,7 +274,7 @@ std::string FormulaReader::takeCharacters(Bytes& from, std::size_t count)
 bool FormulaReader::text()
 {
     const std::size_t count = take<std::uint8_t>(m_tokens);
-    return push(blanksBefore() + quoted(takeCharacters(m_tokens, count)));
+    return push(blanksBefore() + quotes::around(takeCharacters(m_tokens, count), '"'));
 }
 
 bool FormulaReader::error()
@@ -380,12 +368,12 @@ std::optional<std::string> FormulaReader::arrayElement()
     switch (take<std::uint8_t>(m_extra)) {
     case 0x00:
         take<std::uint64_t>(m_extra);
-        return quoted({});
+        return quotes::around({}, '"');
     case 0x01:
         return numberText(take<double>(m_extra));
     case 0x02: {
         const std::size_t count = take<std::uint16_t>(m_extra);
-        return quoted(takeCharacters(m_extra, count));
+        return quotes::around(takeCharacters(m_extra, count), '"');
     }
     case 0x04:
         return take<std::uint64_t>(m_extra) & 1 ? "TRUE" : "FALSE";

@@ -7,6 +7,8 @@
 
 namespace spreadsheet {
 
+struct OperatorRow;
+
 /// Turns formula tokens of an .xls file into formula text.
 class FormulaReader {
 public:
@@ -30,6 +32,7 @@ private:
     bool fail(const char* problem);
     bool push(std::string operand);
     bool binary(std::string_view operation);
+    bool unary(const OperatorRow& row);
     bool brackets();
     bool attribute();
     bool text();

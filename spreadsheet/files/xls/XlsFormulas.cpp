@@ -7,6 +7,7 @@
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/tokens.h"
 #include "spreadsheet/formula/FormulaPool.h"
+#include "spreadsheet/formula/operator_table.h"
 #include "spreadsheet/functions/FunctionTable.h"
 #include "text/ascii.h"
 
@@ -159,16 +160,14 @@ private:
         const bool isBrackets = node.kind == FormulaNode::Kind::brackets;
         for (const int child : node.children)
             this->node(child, isBrackets ? wanted : inner);
-        static constexpr std::array<std::string_view, 12> binaries{"+", "-",  "*", "/",  "^", "&",
-                                                                   "<", "<=", "=", ">=", ">", "<>"};
         if (isBrackets)
             byte(tokenBrackets);
         else if (node.kind == FormulaNode::Kind::percent)
-            byte(tokenPercent);
+            byte(findOperator("%", OperatorRow::Place::behind)->xlsToken);
         else if (node.kind == FormulaNode::Kind::prefix)
-            byte(node.text == "-" ? tokenMinus : tokenPlus);
+            byte(findOperator(node.text, OperatorRow::Place::before)->xlsToken);
         else
-            byte(tokenAdd + static_cast<unsigned>(std::ranges::find(binaries, node.text) - binaries.begin()));
+            byte(findOperator(node.text, OperatorRow::Place::between)->xlsToken);
     }
 
     /// The length of the tokens that make an area stands before them.
@@ -183,7 +182,7 @@ private:
         const std::size_t start = m_result.tokens.size();
         for (const int child : node.children)
             this->node(child, Wanted::reference);
-        byte(node.text == ":" ? tokenRange : node.text == " " ? tokenIntersect : tokenUnite);
+        byte(findOperator(node.text, OperatorRow::Place::between)->xlsToken);
         if (isOutermost) {
             putNumber(m_result.tokens, start - 2, static_cast<std::uint16_t>(m_result.tokens.size() - start));
             m_inJoined = false;

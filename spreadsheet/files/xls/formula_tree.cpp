@@ -1,9 +1,9 @@
 #include "spreadsheet/files/xls/formula_tree.h"
 
+#include "spreadsheet/formula/operator_table.h"
 #include "spreadsheet/values/CellError.h"
 #include "text/ascii.h"
-
-#include <array>
+#include "text/quotes.h"
 
 namespace spreadsheet {
 
@@ -13,18 +13,7 @@ using Kind = Token::Kind;
 
 constexpr int deepest = 2000; ///< calls of the parser inside each other; formulas nest at most 256 brackets
 
-/// From the loosest. Signs and "%" stand between "^" and union.
-int rankOf(std::string_view operation)
-{
-    static constexpr std::array<std::string_view, 5> ranks{"= <> < > <= >= ", "& ", "+ - ", "* / ", "^ "};
-    for (std::size_t rank = 0; rank < ranks.size(); ++rank) {
-        if (ranks[rank].find(std::string(operation) + " ") != std::string_view::npos)
-            return static_cast<int>(rank);
-    }
-    return -1;
-}
-
-constexpr int tightestValue = 4;
+using Place = OperatorRow::Place;
 
 class TreeBuilder {
 public:
@@ -81,22 +70,29 @@ private:
         return add(std::move(node));
     }
 
-    /// Operators of this rank and tighter ones.
-    int expression(int rank)
+    /// Operators between values, of this precedence and tighter ones.
+    int expression(int precedence)
     {
         if (++m_depth > deepest || m_failed) {
             --m_depth;
             return fail();
         }
-        int left = rank > tightestValue ? percent() : expression(rank + 1);
-        while (!m_failed && rank <= tightestValue && token().kind == Kind::operation &&
-               rankOf(token().text) == rank) {
+        int left = precedence > powerPrecedence ? percent() : expression(precedence + 1);
+        while (!m_failed && precedence <= powerPrecedence && binds(precedence)) {
             std::string operation(token().text);
             ++m_at;
-            left = binary(std::move(operation), left, expression(rank + 1));
+            left = binary(std::move(operation), left, expression(precedence + 1));
         }
         --m_depth;
         return left;
+    }
+
+    /// Whether an operator of this precedence stands here.
+    bool binds(int precedence) const
+    {
+        const OperatorRow* const row =
+            token().kind == Kind::operation ? findOperator(token().text, Place::between) : nullptr;
+        return row && row->precedence == precedence;
     }
 
     int percent()
@@ -171,7 +167,7 @@ private:
             break;
         case Kind::text:
             node.kind = FormulaNode::Kind::text;
-            node.text = unquoted(token.text);
+            node.text = quotes::within(token.text);
             break;
         case Kind::error:
             node.kind = FormulaNode::Kind::error;
@@ -195,16 +191,6 @@ private:
         }
         ++m_at;
         return add(std::move(node));
-    }
-
-    static std::string unquoted(std::string_view text)
-    {
-        std::string result;
-        for (std::size_t i = 1; i + 1 < text.size(); ++i) {
-            result += text[i];
-            i += text[i] == '"';
-        }
-        return result;
     }
 
     static void nameOrTruth(std::string_view text, FormulaNode& node)

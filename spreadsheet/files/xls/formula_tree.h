@@ -39,8 +39,7 @@ struct FormulaTree {
 };
 
 /// Builds the tree of a formula that the engine has accepted; nothing if its form is unusual.
-/// Operators bind as the compiler has them: range, intersection, union, sign, "%", "^", "*" "/", "+" "-",
-/// "&", comparisons.
+/// Operators bind as the compiler has them, by the same table.
 std::optional<FormulaTree> formulaTree(const LexedFormula& lexed);
 
 } // namespace spreadsheet

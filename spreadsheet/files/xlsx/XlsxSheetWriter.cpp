@@ -8,6 +8,7 @@
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xlsx/xlsx_names.h"
 #include "spreadsheet/files/xlsx/XlsxCellWriter.h"
+#include "text/quotes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -168,8 +169,7 @@ void XlsxSheetWriter::lists()
         std::string entries;
         for (const std::string& entry : *list.entries) {
             entries += entries.empty() ? '"' : ',';
-            for (const char c : entry)
-                entries.append(c == '"' ? 2 : 1, c);
+            entries += quotes::doubled(entry, '"');
         }
         m_xml.open("dataValidation").attribute("type", "list").attribute("allowBlank", 1);
         m_xml.attribute("sqref", rangeName(list.range)).leaf("formula1", entries + '"').close();

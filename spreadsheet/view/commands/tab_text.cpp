@@ -1,6 +1,7 @@
 #include "spreadsheet/view/commands/tab_text.h"
 
 #include "spreadsheet/workbook/Sheet.h"
+#include "text/quotes.h"
 
 #include <algorithm>
 
@@ -14,13 +15,7 @@ void appendField(std::string& line, const std::string& text)
         line += text;
         return;
     }
-    line += '"';
-    for (const char c : text) {
-        if (c == '"')
-            line += '"';
-        line += c;
-    }
-    line += '"';
+    line += quotes::around(text, '"');
 }
 
 class TabReader {
