@@ -41,7 +41,7 @@ TEST(CommandLine, HelpExplainsEveryCommandAndOption)
         {"run --help", {"ID", "--db", "--pdf", "--csv"}},
         {"check -h", {"--db"}},
         {"convert --help",
-         {"IN", "OUT", "--recalculate", "(.ss7 .xls .xlsx .csv)", "(还有 .html)", "、.csv、.html 之间"}},
+         {"IN", "OUT", "--recalculate", "(.ss7 .xls .xlsx .csv)", "(还有 .html", "、.csv、.html"}},
     };
     for (const Case& c : cases) {
         const ProgramRun run(c.arguments);

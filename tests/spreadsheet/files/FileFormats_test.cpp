@@ -5,6 +5,7 @@
 #include "spreadsheet/files/placing/PendingFile.h"
 #include "tests/spreadsheet/files/FilesTest.h"
 #include "tests/spreadsheet/files/sample_workbook.h"
+#include "text/ascii.h"
 
 #include <bit>
 #include <cmath>
@@ -12,6 +13,7 @@
 #include <gmock/gmock.h>
 #include <random>
 #include <ranges>
+#include <set>
 
 namespace spreadsheet {
 namespace {
@@ -40,6 +42,20 @@ TEST(FileFormats, AreSensedByContentHoweverTheFileIsCalled)
         expectSame(workbook, found);
     }
     EXPECT_EQ(folder.fileCount(), 1U); // nothing is left beside it
+}
+
+TEST(FileFormats, EachIsFoundByItsEndings)
+{
+    std::set<std::string_view> captions;
+    for (const FileFormat& format : fileFormats()) {
+        EXPECT_TRUE(captions.insert(format.caption).second) << format.caption;
+        for (const std::string_view ending : format.endings) {
+            const std::string capitals = "报表.2026" + ascii::upper(ending);
+            EXPECT_EQ(fileFormatOfName(capitals), &format) << capitals; // no other has it
+        }
+    }
+    for (const char* name : {"报表", "a.doc", ".xls", "a.xls.", "xlsx"})
+        EXPECT_EQ(fileFormatOfName(name), nullptr) << name;
 }
 
 TEST(FileFormats, NumbersComeBackBitForBit)
