@@ -3,6 +3,7 @@
 #include "failures/failure_text.h"
 #include "fetch/ledger_explanation.h"
 #include "platform/database/Connection.h"
+#include "text/amount_text.h"
 
 #include <charconv>
 #include <condition_variable>
@@ -82,14 +83,6 @@ std::optional<LedgerArguments> usableArguments(const std::array<std::string, 6>&
         *numbers[index] = *number;
     }
     return arguments;
-}
-
-std::string amountText(double amount)
-{
-    std::array<char, 400> text{}; // the greatest number has 309 digits before its point
-    const auto end =
-        std::to_chars(text.data(), text.data() + text.size(), amount, std::chars_format::fixed, 2).ptr;
-    return {text.data(), end};
 }
 
 std::string fetchedValue(Connection& connection, const LedgerArguments& arguments)

@@ -15,14 +15,13 @@
 #include "spreadsheet/files/text/csv.h"
 #include "spreadsheet/functions/function_reference.h"
 #include "spreadsheet/print/pdf.h"
+#include "text/amount_text.h"
 #include "tool/frmHost.h"
 #include "windows/printing/print_stamp.h"
 
 #include <QDir>
 #include <QStandardPaths>
 
-#include <array>
-#include <charconv>
 #include <functional>
 #include <ostream>
 #include <span>
@@ -105,10 +104,7 @@ void requireFigures(const ReportRun& run, const ReportFiles& files, std::ostream
 std::string amount(double value)
 {
     constexpr std::size_t width = 20;
-    std::array<char, 400> digits; // the largest number has 309 before its point
-    const auto end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, 2).ptr;
-    const std::string text(digits.data(), end);
+    const std::string text = amountText(value);
     return std::string(text.size() < width ? width - text.size() : 1, ' ') + text;
 }
 

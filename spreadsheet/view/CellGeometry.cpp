@@ -11,7 +11,7 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double pixelsPerTwip = 96.0 / 1440; // at 100 %
+constexpr double pixelsPerTwip = 1 / twipsPerPixel; // at 100 %
 
 int pixels(std::int64_t value)
 {

@@ -12,6 +12,7 @@
 #include "platform/windows/own_file.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "text/amount_text.h"
 #include "windows/pickers/ArgumentBoxes.h"
 
 #include <algorithm>
@@ -29,7 +30,7 @@ namespace selfreport {
 
 namespace {
 
-QString amountText(const std::optional<double>& amount)
+QString groupedAmount(const std::optional<double>& amount)
 {
     return amount ? QLocale(QLocale::Chinese, QLocale::China).toString(*amount, 'f', 2) : QString();
 }
@@ -209,8 +210,9 @@ void frmCoverage::listAccounts()
         const QString code = QString::fromStdString(account.code);
         const QString name = QString::fromStdString(account.name);
         const QString cells = cellsText(account, m_sheet.calls);
-        const QString sortable = account.amount ? QString::number(*account.amount, 'f', 2) : QString();
-        m_vsf1->addRow(QStringList{code, name, amountText(account.amount),
+        const QString sortable =
+            account.amount ? QString::fromStdString(amountText(*account.amount)) : QString();
+        m_vsf1->addRow(QStringList{code, name, groupedAmount(account.amount),
                                    times + (account.isPartial ? QStringLiteral("(部分项目)") : QString()),
                                    cells}
                            .join('\t'),
