@@ -1,5 +1,6 @@
 #include "spreadsheet/view/CellActions.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/view/DateEntry.h"
 #include "spreadsheet/view/DropDownList.h"
 #include "spreadsheet/view/SheetView.h"
@@ -64,11 +65,11 @@ bool CellActions::pressKey(const QKeyEvent& event)
     if (event.key() != Qt::Key_Space || event.modifiers() != Qt::NoModifier)
         return false;
     const CellAddress cell = m_control.cursor().activeCell();
-    switch (m_view.sheet().style(cell).type) {
-    case CellType::checkBox:
+    switch (cellTypeRow(m_view.sheet().style(cell).type).face) {
+    case CellFace::checkBox:
         toggleCheckBox(cell);
         return true;
-    case CellType::button:
+    case CellFace::button:
         clickButton(cell);
         return true;
     default:
@@ -84,7 +85,7 @@ void CellActions::cancelDropDown()
 void CellActions::openDropDown()
 {
     const CellAddress cell = m_control.cursor().activeCell();
-    if (m_view.sheet().style(cell).type != CellType::dropDown) {
+    if (cellTypeRow(m_view.sheet().style(cell).type).face != CellFace::arrow) {
         m_control.showChanges(); // the cell may stand elsewhere by now
         m_dateEntry->open();
         return;

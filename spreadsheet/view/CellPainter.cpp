@@ -1,5 +1,6 @@
 #include "spreadsheet/view/CellPainter.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/print/cell_backgrounds.h"
 #include "spreadsheet/print/cell_lines.h"
 #include "spreadsheet/print/cell_text.h"
@@ -136,13 +137,14 @@ void CellPainter::paintControls(QPainter& painter, const PageCells& cells)
     const double twip = m_text.twip();
     eachBox(cells, [&](const PageCell& cell, const QRect& rect) {
         const QRect inside = rect.adjusted(0, 0, -1, -1); // the line is not covered
-        if (cell.style->type == CellType::button) {
+        const CellFace control = cellTypeRow(cell.style->type).face;
+        if (control == CellFace::button) {
             paintFace(painter, inside.adjusted(1, 1, -1, -1), pressed == cell.address, 3);
-        } else if (cell.style->type == CellType::dropDown) {
+        } else if (control == CellFace::arrow) {
             const QRect face = arrowRect(rect, twip);
             paintFace(painter, face.adjusted(0, 1, -1, -1), pressed == cell.address, 2);
             paintArrow(painter, face);
-        } else if (cell.style->type == CellType::checkBox && cell.text.isEmpty()) {
+        } else if (control == CellFace::checkBox && cell.text.isEmpty()) {
             paintCheckBox(painter, checkBoxRect(inside, twip), cell.isTrue);
         }
     });

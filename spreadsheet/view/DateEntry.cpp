@@ -1,5 +1,6 @@
 #include "spreadsheet/view/DateEntry.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/values/date_serial.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
@@ -22,9 +23,9 @@ namespace {
 constexpr int buttonWidth = 18;
 constexpr double secondsOfDay = 86'400;
 
-CellType typeOf(const SpreadsheetControl& control, CellAddress cell)
+CellHolds heldBy(const SpreadsheetControl& control, CellAddress cell)
 {
-    return control.cells().shownSheet().style(cell).type;
+    return cellTypeRow(control.cells().shownSheet().style(cell).type).holds;
 }
 
 /// First cell of the active one's span.
@@ -86,8 +87,8 @@ DateEntry::DateEntry(SpreadsheetControl& control)
 
 bool DateEntry::fitsActiveCell() const
 {
-    const CellType type = typeOf(m_control, activeAnchor(m_control));
-    return type == CellType::date || type == CellType::time;
+    const CellHolds held = heldBy(m_control, activeAnchor(m_control));
+    return held == CellHolds::days || held == CellHolds::times;
 }
 
 /// Beside the cell, so that it covers nothing of it; at the right edge of the cells within it.
@@ -100,7 +101,7 @@ void DateEntry::placeButton()
     if (wanted) {
         const int left = std::min(cell.right() + 2, m_control.cellArea().right() + 1 - buttonWidth);
         m_button->setGeometry(left, cell.top(), buttonWidth, std::min(cell.height() - 1, 24));
-        m_button->setToolTip(typeOf(m_control, active) == CellType::date
+        m_button->setToolTip(heldBy(m_control, active) == CellHolds::days
                                  ? QStringLiteral("选择日期 (Alt+↓)")
                                  : QStringLiteral("选择时间 (Alt+↓)"));
     }
@@ -114,7 +115,7 @@ void DateEntry::open()
     m_cell = activeAnchor(m_control);
     if (m_control.refuseEdit({{m_cell.column, m_cell.row, m_cell.column, m_cell.row}}))
         return;
-    const bool isDate = typeOf(m_control, m_cell) == CellType::date;
+    const bool isDate = heldBy(m_control, m_cell) == CellHolds::days;
     m_calendar->setVisible(isDate);
     m_clock->setVisible(!isDate);
     m_ok->setVisible(!isDate);

@@ -1,5 +1,6 @@
 #include "spreadsheet/view/GridEntry.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/view/CellEditor.h"
 #include "spreadsheet/view/entry_keys.h"
 #include "spreadsheet/view/InCellEditing.h"
@@ -46,8 +47,7 @@ InCellEditing* GridEntry::openInCell(EditStart start, const QString& typed)
     const Sheet& shown = m_view.sheet();
     const CellRange extent = shown.extent(m_control.cursor().activeCell());
     const CellAddress cell{extent.left, extent.top};
-    const CellType type = shown.style(cell).type;
-    if (type == CellType::button || type == CellType::checkBox || type == CellType::staticText)
+    if (!cellTypeRow(shown.style(cell).type).mayType)
         return nullptr;
     if (m_control.refuse(m_control.editRefusal(extent)))
         return nullptr;

@@ -1,5 +1,6 @@
 #include "spreadsheet/view/GridMouse.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/view/commands/fill.h"
 #include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -175,18 +176,18 @@ bool GridMouse::actOn(CellAddress clicked, QPoint point)
     const CellAddress cell{extent.left, extent.top};
     const QRect rect = m_view.geometry().visibleRect(extent);
     const double twip = m_view.geometry().twip();
-    switch (sheet.style(cell).type) {
-    case CellType::button:
+    switch (cellTypeRow(sheet.style(cell).type).face) {
+    case CellFace::button:
         m_doing = Doing::button;
         m_view.setPressed(cell);
         return true;
-    case CellType::checkBox:
+    case CellFace::checkBox:
         if (!checkBoxRect(rect, twip).adjusted(-2, -2, 2, 2).contains(point))
             return false;
         m_doing = Doing::nothing;
         m_control.actions().toggleCheckBox(cell);
         return true;
-    case CellType::dropDown:
+    case CellFace::arrow:
         if (!arrowRect(rect, twip).contains(point))
             return false;
         m_doing = Doing::nothing;
@@ -445,8 +446,7 @@ void GridMouse::doubleClick(const QMouseEvent& event)
     }
     if (place.kind != Kind::cells)
         return;
-    const CellType type = m_view.sheet().style(place.cell).type;
-    if (type == CellType::button || type == CellType::checkBox)
+    if (cellTypeRow(m_view.sheet().style(place.cell).type).isControl())
         press(event); // a quick second click
     else if (m_view.sheet().extent(m_control.cursor().activeCell()).contains(place.cell))
         m_control.entry().begin(EditStart::keep);

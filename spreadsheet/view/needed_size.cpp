@@ -1,5 +1,6 @@
 #include "spreadsheet/view/needed_size.h"
 
+#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/view/commands/structure.h"
@@ -61,7 +62,7 @@ int neededColumnWidth(const Sheet& sheet, int column)
                 continue;
             const QFont& font =
                 text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic});
-            const double arrow = style.type == CellType::dropDown ? 260 : 0;
+            const double arrow = cellTypeRow(style.type).face == CellFace::arrow ? 260 : 0;
             for (const TextLine& line : text.lines(shown, font))
                 needed = std::max(needed, line.width + arrow);
         }
