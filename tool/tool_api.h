@@ -51,7 +51,7 @@ struct ToolFormat {
     std::string ending; ///< of new files' names, with the point
     bool isRead;        ///< else it is only written
 };
-SELFREPORT_EXPORT std::vector<ToolFormat> toolFormats();
+std::vector<ToolFormat> toolFormats();
 
 /// Reads a workbook of any kind (by its content) and writes it in the format that the ending of `output`
 /// names. A file that stands there is replaced at the very end. What
