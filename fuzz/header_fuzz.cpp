@@ -20,7 +20,7 @@ void readForPages(std::string_view codes)
 {
     std::size_t shown = 0;
     for (const spreadsheet::HeaderLine& line : spreadsheet::readHeaderFooter(codes)) {
-        require(line.points > 0 && line.points <= 409 && spreadsheet::headerLineHeight(line) > 0);
+        require(line.points >= 1 && line.points <= 409 && spreadsheet::headerLineHeight(line) > 0);
         for (const auto& part : line.parts)
             for (const spreadsheet::HeaderRun& run : part)
                 shown += run.text.size();

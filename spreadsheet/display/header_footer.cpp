@@ -9,14 +9,15 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double largestPoints = 409; // as for cells
-constexpr double lineSpacing = 1.35;  // line height over font size; leaves CJK texts some air
+constexpr double smallestPoints = 1, largestPoints = 409; // as for cells
+constexpr double lineSpacing = 1.35; // line height over font size; leaves CJK texts some air
 
 std::optional<double> parsePoints(std::string_view text)
 {
     double points = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), points);
-    if (error != std::errc() || end != text.data() + text.size() || !(points > 0 && points <= largestPoints))
+    if (error != std::errc() || end != text.data() + text.size() ||
+        !(points >= smallestPoints && points <= largestPoints))
         return std::nullopt;
     return points;
 }

@@ -40,7 +40,7 @@ struct HeaderLine {
 /// /fn"family" and /fz"points" set family and size, "/fb", "/fi", "/fu", "/fk" with a character after
 /// them switch bold, italic, underline and strike-through (off for "0", else on). Part and font stay in
 /// force until they are changed, across lines too. A slash that starts no code, and a code that breaks
-/// off, print as they stand; a size that is no number from above 0 to 409 is ignored.
+/// off, print as they stand; a size that is no number from 1 to 409 is ignored.
 /// The line that a final "/n" would open is none; an empty string has no lines.
 std::vector<HeaderLine> readHeaderFooter(std::string_view codes);
 
