@@ -48,7 +48,7 @@ int main(int count, char** arguments)
     std::unique_ptr<frmSelfReportMain> window;
     const auto close = [&] { window.reset(); };
     const auto open = [&] {
-        window = std::make_unique<frmSelfReportMain>([] {});
+        window = std::make_unique<frmSelfReportMain>(sharedContext, [] {});
         window->show();
         QCoreApplication::processEvents();
     };

@@ -57,7 +57,7 @@ void storeReport()
     spreadsheet::Workbook report;
     report.registerFunction("Acct", 6, [](spreadsheet::FunctionCall& call) { call.decline(); });
     fill(report);
-    if (!insertReport("性能", report))
+    if (!insertReport(sharedContext, "性能", report))
         throw std::runtime_error("the report was not stored");
     gEditFlag = 1;
 }
@@ -95,7 +95,7 @@ int main(int count, char** arguments)
         closeIdleSessions(); // as for the first report of the day
     };
     const auto showFrame = [&] {
-        window = std::make_unique<frmEditor>();
+        window = std::make_unique<frmEditor>(sharedContext);
         window->show();
         window->repaint();
     };

@@ -83,7 +83,7 @@ void timeCoverage(BenchTable& table)
 {
     gReportId = 1; // the balance sheet
     gEditFlag = 1;
-    frmEditor designer;
+    frmEditor designer(sharedContext);
     designer.show();
     std::unique_ptr<frmCoverage> window;
     const auto open = [&] {

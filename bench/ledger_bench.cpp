@@ -61,14 +61,15 @@ class StoredReport {
 public:
     StoredReport(const std::string& name, const spreadsheet::Workbook& workbook)
     {
-        if (!insertReport(name, workbook))
+        if (!insertReport(sharedContext, name, workbook))
             throw std::runtime_error("cannot store " + name);
         id = gReportId;
     }
     ~StoredReport()
     {
         gReportId = id;
-        std::ignore = deleteInfo(); // a report that stays behind lies in the bench's own database
+        std::ignore =
+            deleteInfo(sharedContext); // a report that stays behind lies in the bench's own database
     }
     StoredReport(const StoredReport&) = delete;
     StoredReport& operator=(const StoredReport&) = delete;

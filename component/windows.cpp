@@ -50,15 +50,16 @@ private:
 };
 
 /// Shows a window until it is closed. Its parent, a window of the host, may end before that and takes it
-/// along.
+/// along. It works on what all windows share.
 template <class Window, class... Arguments>
-void showIn(Place& place, const Arguments&... arguments)
+void showIn(Place& place, Arguments&&... arguments)
 {
     struct Shown {
         QPointer<QDialog> window;
         ~Shown() { delete window.data(); }
     };
-    const Shown shown{new Window(arguments..., QApplication::activeModalWidget())};
+    const Shown shown{
+        new Window(sharedContext, std::forward<Arguments>(arguments)..., QApplication::activeModalWidget())};
     place.window = shown.window;
     shown.window->exec();
     place.window.clear();
@@ -79,7 +80,7 @@ void refillList()
     if (auto* const list = qobject_cast<frmSelfReportMain*>(listPlace.window.data()))
         refill(*list);
     else if (!listPlace.taken)
-        sharedContext.listRow = frmSelfReportMain(showDesigner).vsf1().row();
+        sharedContext.listRow = frmSelfReportMain(sharedContext, showDesigner).vsf1().row();
 }
 
 /// The open window is not in the middle of anything: no dialog and no wait of ours is over it.

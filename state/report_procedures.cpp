@@ -1,7 +1,5 @@
 #include "state/report_procedures.h"
 
-#include "state/shared_state.h"
-
 #include <functional>
 #include <utility>
 
@@ -9,83 +7,80 @@ namespace selfreport {
 
 namespace {
 
-ReportStore sharedStore()
-{
-    return {sharedContext.database, gLoginUserId};
-}
-
 /// False after telling the user why it failed.
-bool done(const std::function<void(ReportStore)>& work)
+bool done(ReportContext& context, const std::function<void(ReportStore)>& work)
 {
-    return sharedContext.database.done(Icon::exclamation, [&] { work(sharedStore()); });
+    return context.database.done(Icon::exclamation, [&] { work({context.database, context.user}); });
 }
 
-void keepTexts(const StoredPageSetup& setup)
+void keepTexts(OpenReport& report, const StoredPageSetup& setup)
 {
-    gHeaderText = setup.header;
-    gFooterText = setup.footer;
+    report.header = setup.header;
+    report.footer = setup.footer;
 }
 
-SaveOutcome outcomeOf(const std::function<std::optional<SaveConflict>(ReportStore)>& save,
+SaveOutcome outcomeOf(ReportContext& context,
+                      const std::function<std::optional<SaveConflict>(ReportStore)>& save,
                       const RememberedReport& remembered)
 {
     std::optional<SaveConflict> conflict;
-    if (!done([&](ReportStore store) { conflict = save(std::move(store)); }))
+    if (!done(context, [&](ReportStore store) { conflict = save(std::move(store)); }))
         return ReportLeft();
     if (conflict)
         return std::move(*conflict);
-    keepTexts(remembered.pageSetup);
+    keepTexts(context.report, remembered.pageSetup);
     return ReportSaved();
 }
 
 } // namespace
 
-bool insertReport(const std::string& name, const spreadsheet::Workbook& workbook,
+bool insertReport(ReportContext& context, const std::string& name, const spreadsheet::Workbook& workbook,
                   RememberedReport* remembered, const std::optional<StoredPageSetup>& pageSetup)
 {
     RememberedReport unwanted;
     RememberedReport& stored = remembered ? *remembered : unwanted;
-    return done([&](ReportStore store) {
+    return done(context, [&](ReportStore store) {
         store.insert(name, workbook, stored, pageSetup);
-        gReportId = stored.id;
+        context.report.id = stored.id;
     });
 }
 
-bool loadReport(std::string& name, spreadsheet::Workbook& workbook, RememberedReport* remembered)
+bool loadReport(ReportContext& context, std::string& name, spreadsheet::Workbook& workbook,
+                RememberedReport* remembered)
 {
-    keepTexts({}); // not those of the report before
+    keepTexts(context.report, {}); // not those of the report before
     RememberedReport unwanted;
     RememberedReport& read = remembered ? *remembered : unwanted;
-    return done([&](ReportStore store) {
-        name = store.load(gReportId, workbook, read);
-        keepTexts(read.pageSetup);
+    return done(context, [&](ReportStore store) {
+        name = store.load(context.report.id, workbook, read);
+        keepTexts(context.report, read.pageSetup);
     });
 }
 
-SaveOutcome updateReport(const std::string& name, const spreadsheet::Workbook& workbook,
-                         RememberedReport& remembered)
+SaveOutcome updateReport(ReportContext& context, const std::string& name,
+                         const spreadsheet::Workbook& workbook, RememberedReport& remembered)
 {
-    return outcomeOf([&](ReportStore store) { return store.replace(name, workbook, remembered); },
-                     remembered);
+    return outcomeOf(
+        context, [&](ReportStore store) { return store.replace(name, workbook, remembered); }, remembered);
 }
 
-SaveOutcome recreateReport(const std::string& name, const spreadsheet::Workbook& workbook,
-                           RememberedReport& remembered)
+SaveOutcome recreateReport(ReportContext& context, const std::string& name,
+                           const spreadsheet::Workbook& workbook, RememberedReport& remembered)
 {
-    return outcomeOf([&](ReportStore store) { return store.restore(name, workbook, remembered); },
-                     remembered);
+    return outcomeOf(
+        context, [&](ReportStore store) { return store.restore(name, workbook, remembered); }, remembered);
 }
 
-std::optional<bool> isReportName(const std::string& name)
+std::optional<bool> isReportName(ReportContext& context, const std::string& name)
 {
     bool found = false;
-    const bool isKnown = done([&](ReportStore store) { found = store.hasName(name); });
+    const bool isKnown = done(context, [&](ReportStore store) { found = store.hasName(name); });
     return isKnown ? std::optional(found) : std::nullopt;
 }
 
-bool deleteInfo()
+bool deleteInfo(ReportContext& context)
 {
-    return done([](ReportStore store) { store.remove(gReportId); });
+    return done(context, [&](ReportStore store) { store.remove(context.report.id); });
 }
 
 } // namespace selfreport

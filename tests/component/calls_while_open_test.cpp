@@ -52,7 +52,7 @@ protected:
         spreadsheet::Workbook stored;
         std::string name;
         const auto former = std::exchange(gReportId, id);
-        EXPECT_TRUE(loadReport(name, stored));
+        EXPECT_TRUE(loadReport(sharedContext, name, stored));
         gReportId = former;
         return stored.sheet(1).displayText({1, 1});
     }

@@ -22,11 +22,11 @@ struct WorkbookWith : Workbook {
 
 /// A ledger with a stored report that somebody has open.
 struct OpenReport {
-    OpenReport() { EXPECT_TRUE(insertReport("利润表", WorkbookWith("旧"), &remembered)); }
+    OpenReport() { EXPECT_TRUE(insertReport(sharedContext, "利润表", WorkbookWith("旧"), &remembered)); }
 
     SaveOutcome save(const std::string& text, const std::string& name = "利润表")
     {
-        return updateReport(name, WorkbookWith(text), remembered);
+        return updateReport(sharedContext, name, WorkbookWith(text), remembered);
     }
     std::string stored() const
     {
@@ -36,7 +36,7 @@ struct OpenReport {
             Workbook workbook;
             gReportId = static_cast<std::int32_t>(rows.integer(row, "noid"));
             std::string name;
-            all += loadReport(name, workbook)
+            all += loadReport(sharedContext, name, workbook)
                        ? std::to_string(gReportId) + name + ":" + workbook.sheet(1).displayText({1, 1}) + " "
                        : "? ";
         }
@@ -110,7 +110,7 @@ TEST(ReportSaving, OwnSavesAreRemembered)
     RememberedReport loaded;
     std::string name;
     Workbook workbook;
-    ASSERT_TRUE(loadReport(name, workbook, &loaded));
+    ASSERT_TRUE(loadReport(sharedContext, name, workbook, &loaded));
     EXPECT_EQ(loaded.version, open.remembered.version); // exactly as the database holds it
 }
 
@@ -119,7 +119,7 @@ TEST(ReportSaving, ASaveOfTheSameUserAndLengthInTheSameMomentIsAnotherVersion)
     OpenReport open;
     RememberedReport second = open.remembered;
     for (int round = 0; round < 20; ++round) {
-        ASSERT_EQ(kindOf(updateReport("利润表", WorkbookWith("甲"), second)), std::nullopt);
+        ASSERT_EQ(kindOf(updateReport(sharedContext, "利润表", WorkbookWith("甲"), second)), std::nullopt);
         ASSERT_EQ(kindOf(open.save("乙")), Kind::savedMeanwhile) << round;
         open.remembered = second;
     }
@@ -154,10 +154,12 @@ TEST(ReportSaving, ADeletedReportComesBackWhole)
     OpenReport open;
     open.ledger.run("update tblCWSelfReport set fTop=1,fDirection=0,fHeader='眉'");
     EXPECT_EQ(kindOf(open.save("中")), std::nullopt);
-    EXPECT_EQ(kindOf(recreateReport("利润表", WorkbookWith("新"), open.remembered)), Kind::savedMeanwhile);
-    EXPECT_TRUE(deleteInfo());
+    EXPECT_EQ(kindOf(recreateReport(sharedContext, "利润表", WorkbookWith("新"), open.remembered)),
+              Kind::savedMeanwhile);
+    EXPECT_TRUE(deleteInfo(sharedContext));
     ASSERT_EQ(kindOf(open.save("新")), Kind::deleted);
-    EXPECT_EQ(kindOf(recreateReport(" 利润表", WorkbookWith("新"), open.remembered)), std::nullopt);
+    EXPECT_EQ(kindOf(recreateReport(sharedContext, " 利润表", WorkbookWith("新"), open.remembered)),
+              std::nullopt);
     EXPECT_EQ(open.stored(), "1 利润表:新 ");
     const Recordset row = open.ledger.query("select * from tblCWSelfReport");
     EXPECT_EQ(row.number(0, "fTop"), 1);
@@ -169,7 +171,8 @@ TEST(ReportSaving, ADeletedReportComesBackWhole)
     EXPECT_EQ(kindOf(open.save("再")), std::nullopt); // what came back is remembered
 
     open.ledger.run("delete from tblCWSelfReport"); // the item stays: there is no second one
-    EXPECT_EQ(kindOf(recreateReport("利润表", WorkbookWith("新"), open.remembered)), std::nullopt);
+    EXPECT_EQ(kindOf(recreateReport(sharedContext, "利润表", WorkbookWith("新"), open.remembered)),
+              std::nullopt);
     EXPECT_EQ(open.ledger.query("select * from tblsystemprivillenge").rowCount(), 1U);
 }
 
@@ -255,7 +258,7 @@ TEST(ReportSaving, RepeatingIsBounded)
         if (!c.hasKeys)
             dropKeys(ledger);
         ledger.run(c.trigger);
-        EXPECT_FALSE(insertReport("表", Workbook())) << c.trigger;
+        EXPECT_FALSE(insertReport(sharedContext, "表", Workbook())) << c.trigger;
         ASSERT_EQ(ledger.boxes.said.size(), 1U);
         EXPECT_TRUE(ledger.boxes.said[0].text.starts_with("其他用户正在保存报表, 报表没有保存。"))
             << ledger.boxes.said[0].text;

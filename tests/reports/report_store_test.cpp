@@ -28,7 +28,7 @@ std::string storedMark(std::int32_t id)
     gReportId = id;
     std::string name;
     Workbook workbook;
-    return loadReport(name, workbook) ? name + ":" + markOf(workbook) : "";
+    return loadReport(sharedContext, name, workbook) ? name + ":" + markOf(workbook) : "";
 }
 
 /// Replaces report `gReportId` as a designer does that has just loaded it.
@@ -37,8 +37,8 @@ bool replaced(const std::string& name, const Workbook& workbook)
     std::string loadedName;
     Workbook loaded;
     RememberedReport remembered;
-    return loadReport(loadedName, loaded, &remembered) &&
-           std::holds_alternative<ReportSaved>(updateReport(name, workbook, remembered));
+    return loadReport(sharedContext, loadedName, loaded, &remembered) &&
+           std::holds_alternative<ReportSaved>(updateReport(sharedContext, name, workbook, remembered));
 }
 
 TEST(ReportStore, FirstReportGetsIdsOfItsOwn)
@@ -46,7 +46,7 @@ TEST(ReportStore, FirstReportGetsIdsOfItsOwn)
     const test::TestLedger ledger;
     Workbook workbook;
     setMark(workbook, "内容");
-    ASSERT_TRUE(insertReport("  利润'表 ", workbook));
+    ASSERT_TRUE(insertReport(sharedContext, "  利润'表 ", workbook));
     EXPECT_EQ(gReportId, 1);
     const Recordset report = ledger.query("select * from tblCWSelfReport");
     ASSERT_EQ(report.rowCount(), 1U);
@@ -65,7 +65,7 @@ TEST(ReportStore, FirstReportGetsIdsOfItsOwn)
     EXPECT_EQ(item.integer(0, "fparentid"), 521);
 
     ledger.run("update tblsystemprivillenge set fitemid=521");
-    ASSERT_TRUE(insertReport("第二张", workbook));
+    ASSERT_TRUE(insertReport(sharedContext, "第二张", workbook));
     EXPECT_EQ(gReportId, 2);
     EXPECT_EQ(ledger.query("select * from tblsystemprivillenge where fitemid=531").text(0, "fnumber"),
               "RSelf2");
@@ -76,7 +76,7 @@ TEST(ReportStore, InsertsRowAndItemTogetherOrNeither)
     test::TestLedger ledger;
     ledger.run("alter table tblsystemprivillenge rename to elsewhere");
     gReportId = 77;
-    EXPECT_FALSE(insertReport("表", Workbook()));
+    EXPECT_FALSE(insertReport(sharedContext, "表", Workbook()));
     EXPECT_EQ(gReportId, 77);
     EXPECT_TRUE(ledger.query("select * from tblCWSelfReport").isEmpty());
     ASSERT_EQ(ledger.boxes.said.size(), 1U);
@@ -85,7 +85,7 @@ TEST(ReportStore, InsertsRowAndItemTogetherOrNeither)
     EXPECT_TRUE(ledger.boxes.said[0].text.starts_with("报表没有保存。\n")) << ledger.boxes.said[0].text;
 
     ledger.run("alter table elsewhere rename to tblsystemprivillenge");
-    EXPECT_TRUE(insertReport("表", Workbook())); // once more makes no second report
+    EXPECT_TRUE(insertReport(sharedContext, "表", Workbook())); // once more makes no second report
     EXPECT_EQ(ledger.query("select * from tblCWSelfReport").rowCount(), 1U);
 }
 
@@ -94,11 +94,11 @@ TEST(ReportStore, LoadTakesDefaultsForNulls)
     const test::TestLedger ledger;
     Workbook workbook;
     setMark(workbook, "内容");
-    ASSERT_TRUE(insertReport("表", workbook));
+    ASSERT_TRUE(insertReport(sharedContext, "表", workbook));
     gHeaderText = gFooterText = "旧";
     std::string name;
     Workbook loaded;
-    ASSERT_TRUE(loadReport(name, loaded));
+    ASSERT_TRUE(loadReport(sharedContext, name, loaded));
     EXPECT_EQ(name, "表");
     EXPECT_EQ(markOf(loaded), "内容");
     const spreadsheet::PrintSettings& print = loaded.sheet(1).settings().print;
@@ -117,12 +117,12 @@ TEST(ReportStore, LoadFillsPageSetupOfEverySheet)
     const SettingsInUse inUse(settings);
     Workbook workbook;
     demand(workbook.addSheet("第二页"));
-    ASSERT_TRUE(insertReport("表", workbook));
+    ASSERT_TRUE(insertReport(sharedContext, "表", workbook));
     ledger.run("update tblCWSelfReport set fTop=1,fBottom=0.5,fLeft=0.75,fRight=0,fDirection=0,"
                "fHeader='/c&COMP',fFooter='/r&printdate/n'");
     std::string name;
     Workbook loaded;
-    ASSERT_TRUE(loadReport(name, loaded));
+    ASSERT_TRUE(loadReport(sharedContext, name, loaded));
     for (const int index : {1, 2}) {
         const spreadsheet::PrintSettings& print = loaded.sheet(index).settings().print;
         EXPECT_EQ(print.marginTop, 1440);
@@ -137,11 +137,11 @@ TEST(ReportStore, LoadFillsPageSetupOfEverySheet)
     EXPECT_EQ(gFooterText, "/r&printdate/n");
     for (const char* direction : {"2", "-1", "7"}) {
         ledger.run(std::string("update tblCWSelfReport set fDirection=") + direction);
-        ASSERT_TRUE(loadReport(name, loaded));
+        ASSERT_TRUE(loadReport(sharedContext, name, loaded));
         EXPECT_TRUE(loaded.sheet(1).settings().print.landscape) << direction;
     }
     ledger.run("update tblCWSelfReport set fDirection=1");
-    ASSERT_TRUE(loadReport(name, loaded));
+    ASSERT_TRUE(loadReport(sharedContext, name, loaded));
     EXPECT_FALSE(loaded.sheet(1).settings().print.landscape);
 }
 
@@ -160,7 +160,7 @@ TEST(ReportStore, LoadThatFailsLeavesNameAndWorkbook)
         gReportId = id;
         gHeaderText = gFooterText = "旧";
         ledger.boxes.said.clear();
-        EXPECT_FALSE(loadReport(name, workbook)) << id;
+        EXPECT_FALSE(loadReport(sharedContext, name, workbook)) << id;
         EXPECT_EQ(name + markOf(workbook), "原名原来") << id;
         ASSERT_EQ(ledger.boxes.said.size(), 1U) << id;
         EXPECT_EQ(ledger.boxes.said[0].icon, Icon::exclamation) << id;
@@ -174,7 +174,7 @@ TEST(ReportStore, UpdateKeepsPageSetupAndMenuItem)
 {
     const test::TestLedger ledger;
     Workbook workbook;
-    ASSERT_TRUE(insertReport("旧名", workbook));
+    ASSERT_TRUE(insertReport(sharedContext, "旧名", workbook));
     ledger.run(
         "update tblCWSelfReport set fTop=1,fBottom=0.25,fDirection=0,fHeader='眉''',fisshow=0,fbillerid='x'");
     setMark(workbook, "新内容");
@@ -200,7 +200,7 @@ TEST(ReportStore, UpdateThatFailsKeepsTheStoredReport)
     test::TestLedger ledger;
     Workbook workbook;
     setMark(workbook, "旧");
-    ASSERT_TRUE(insertReport("表", workbook));
+    ASSERT_TRUE(insertReport(sharedContext, "表", workbook));
     ledger.run(
         "create trigger refuse before insert on tblCWSelfReport begin select raise(abort,'满了'); end");
     setMark(workbook, "新");
@@ -215,14 +215,14 @@ TEST(ReportStore, DeletesRowAndItemTogetherOrNeither)
     test::TestLedger ledger;
     Workbook workbook;
     for (int report = 1; report <= 2; ++report)
-        ASSERT_TRUE(insertReport("表", workbook));
+        ASSERT_TRUE(insertReport(sharedContext, "表", workbook));
     ledger.run(
         "create trigger refuse before delete on tblsystemprivillenge begin select raise(abort,'不行'); end");
-    EXPECT_FALSE(deleteInfo());
+    EXPECT_FALSE(deleteInfo(sharedContext));
     EXPECT_EQ(ledger.query("select * from tblCWSelfReport").rowCount(), 2U);
     ledger.run("drop trigger refuse");
     gReportId = 1;
-    EXPECT_TRUE(deleteInfo());
+    EXPECT_TRUE(deleteInfo(sharedContext));
     EXPECT_EQ(ledger.query("select noid from tblCWSelfReport").text(0, "noid"), "2");
     EXPECT_EQ(ledger.query("select fnumber from tblsystemprivillenge").text(0, "fnumber"), "RSelf2");
 }
@@ -232,7 +232,7 @@ TEST(ReportStore, ListInOrderOfIds)
     const test::TestLedger ledger;
     ledger.run("insert into tbluser values('wang','王会计')");
     ledger.addReport(7, "无人", {});
-    ASSERT_TRUE(insertReport("王的", Workbook()));
+    ASSERT_TRUE(insertReport(sharedContext, "王的", Workbook()));
     ledger.run("insert into tblCWSelfReport(noid,fname,fisshow,fbillerid) values(3,'隐藏',0,'nobody')");
     const auto reports = storedReports(*openConnection(gConnString));
     ASSERT_EQ(reports.size(), 3U);

@@ -30,7 +30,7 @@ struct ServedReports : test::TestLedger {
         gConnString = server.connectionString();
         Workbook workbook;
         workbook.sheet(1).setText({1, 1}, "旧");
-        EXPECT_TRUE(insertReport("  利润表 ", workbook, &remembered));
+        EXPECT_TRUE(insertReport(sharedContext, "  利润表 ", workbook, &remembered));
     }
     ~ServedReports() { closeIdleSessions(); }
     ServedReports(const ServedReports&) = delete;
@@ -40,14 +40,15 @@ struct ServedReports : test::TestLedger {
     {
         Workbook workbook;
         workbook.sheet(1).setText({1, 1}, text);
-        return std::holds_alternative<ReportSaved>(updateReport("利润表", workbook, remembered));
+        return std::holds_alternative<ReportSaved>(
+            updateReport(sharedContext, "利润表", workbook, remembered));
     }
 
     static std::string stored()
     {
         std::string name;
         Workbook workbook;
-        return loadReport(name, workbook) ? workbook.sheet(1).displayText({1, 1}) : "";
+        return loadReport(sharedContext, name, workbook) ? workbook.sheet(1).displayText({1, 1}) : "";
     }
 
     tds::TdsServer server;
@@ -62,7 +63,7 @@ TEST(ReportWire, StatementsTravelLetterByLetter)
     EXPECT_TRUE(reports.replace("新"));
     EXPECT_EQ(ServedReports::stored(), "新");
     EXPECT_EQ(storedReports(*openConnection(gConnString)).size(), 2U);
-    EXPECT_TRUE(deleteInfo());
+    EXPECT_TRUE(deleteInfo(sharedContext));
     std::vector<std::string> texts;
     std::vector<std::string> before; // what else was asked, and how many of the texts had gone out by then
     for (const tds::Request& request : reports.server.journal.requests()) {
@@ -129,7 +130,7 @@ const std::vector<Operation>& operations()
          "旧",
          "新"},
         {"delete",
-         [](ServedReports&) { return deleteInfo(); },
+         [](ServedReports&) { return deleteInfo(sharedContext); },
          {Step::begin, Step::batch, Step::commit},
          "旧",
          ""},
@@ -189,7 +190,7 @@ TEST(ReportWire, WhatNobodyKnowsIsNotDoneTwice)
     ServedReports reports;
     Workbook workbook;
     std::string name = "新表";
-    EditedReport edited;
+    EditedReport edited(sharedContext);
     gEditFlag = 0;
     edited.beginNew();
     for (int round = 0; round < 2; ++round) { // inserting, then replacing

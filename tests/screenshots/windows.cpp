@@ -107,7 +107,7 @@ std::unique_ptr<QWidget> designer(bool running, const char* command = nullptr)
     gReportId = 1;
     gEditFlag = 1;
     gRunMode = running;
-    auto window = std::make_unique<frmEditor>();
+    auto window = std::make_unique<frmEditor>(sharedContext);
     if (command)
         window->findChild<QAction*>(command)->trigger();
     return window;
@@ -162,7 +162,7 @@ std::unique_ptr<QWidget> printerSetup(const QDir& folder, const char* name, bool
 std::vector<Picture> pictures(const QDir& folder)
 {
     static test::RecordingCell cell;
-    const auto list = [] { return std::make_unique<frmSelfReportMain>([] {}); };
+    const auto list = [] { return std::make_unique<frmSelfReportMain>(sharedContext, [] {}); };
     return {
         {"frmSelfReportMain", list},
         {"frmSelfReportMain-1280x800", list, {1280, 800}},
@@ -172,9 +172,15 @@ std::vector<Picture> pictures(const QDir& folder)
         {"workProgress", [] { return std::make_unique<WaitingDialog>("正在重算"); }},
         {"frmFind", [] { return std::make_unique<frmFind>(emptyGrid()); }},
         {"frmGoTo", [] { return std::make_unique<frmGoTo>(emptyGrid()); }},
-        {"frmTableInfo", [] { return std::make_unique<frmTableInfo>(emptyGrid().cells()); }},
-        {"frmDataType", [] { return std::make_unique<frmDataType>(emptyGrid()); }},
-        {"frmCellBorder", [] { return std::make_unique<frmCellBorder>(emptyGrid()); }},
+        {"frmTableInfo", [] { return std::make_unique<frmTableInfo>(sharedContext, emptyGrid().cells()); }},
+        {"frmDataType",
+         [] {
+             return std::make_unique<frmDataType>(emptyGrid(), spreadsheet::CellAddress{1, 1});
+         }},
+        {"frmCellBorder",
+         [] {
+             return std::make_unique<frmCellBorder>(emptyGrid(), spreadsheet::CellAddress{1, 1});
+         }},
         {"frmDropDownEntries", [] { return std::make_unique<frmDropDownEntries>(emptyGrid()); }},
         {"frmButtonCaption", [] { return std::make_unique<frmButtonCaption>(emptyGrid()); }},
         {"frmLineSize", [] { return std::make_unique<frmLineSize>(emptyGrid(), frmLineSize::Lines::rows); }},

@@ -36,7 +36,7 @@ bool isDone(const SaveOutcome& outcome)
 
 SavedReports::SavedReports()
 {
-    EXPECT_TRUE(insertReport("甲表", WorkbookWith("旧"), &remembered));
+    EXPECT_TRUE(insertReport(sharedContext, "甲表", WorkbookWith("旧"), &remembered));
 }
 
 void SavedReports::goThrough(const std::string& connectionString)
@@ -44,7 +44,7 @@ void SavedReports::goThrough(const std::string& connectionString)
     gConnString = connectionString;
     std::string name;
     spreadsheet::Workbook workbook;
-    EXPECT_TRUE(loadReport(name, workbook, &remembered));
+    EXPECT_TRUE(loadReport(sharedContext, name, workbook, &remembered));
     closeIdleSessions();
 }
 
@@ -78,17 +78,18 @@ const std::vector<WayOfSaving>& waysOfSaving()
 {
     static const std::vector<WayOfSaving> all{
         {"insert", [](SavedReports&) {},
-         [](SavedReports&) { return insertReport("乙表", WorkbookWith("新")); }, "1甲表:旧 RSelf1甲表 ",
-         "1甲表:旧 2乙表:新 RSelf1甲表 RSelf2乙表 "},
+         [](SavedReports&) { return insertReport(sharedContext, "乙表", WorkbookWith("新")); },
+         "1甲表:旧 RSelf1甲表 ", "1甲表:旧 2乙表:新 RSelf1甲表 RSelf2乙表 "},
         {"first insert",
          [](SavedReports& reports) {
              reports.ledger().run("delete from tblCWSelfReport");
              reports.ledger().run("delete from tblsystemprivillenge");
          },
-         [](SavedReports&) { return insertReport("乙表", WorkbookWith("新")); }, "", "1乙表:新 RSelf1乙表 "},
+         [](SavedReports&) { return insertReport(sharedContext, "乙表", WorkbookWith("新")); }, "",
+         "1乙表:新 RSelf1乙表 "},
         {"replace", [](SavedReports&) {},
          [](SavedReports& reports) {
-             return isDone(updateReport("甲表改", WorkbookWith("新"), reports.remembered));
+             return isDone(updateReport(sharedContext, "甲表改", WorkbookWith("新"), reports.remembered));
          },
          "1甲表:旧 RSelf1甲表 ", "1甲表改:新 RSelf1甲表 "},
         {"restore",
@@ -97,11 +98,11 @@ const std::vector<WayOfSaving>& waysOfSaving()
              reports.ledger().run("delete from tblsystemprivillenge");
          },
          [](SavedReports& reports) {
-             return isDone(recreateReport("甲表", WorkbookWith("新"), reports.remembered));
+             return isDone(recreateReport(sharedContext, "甲表", WorkbookWith("新"), reports.remembered));
          },
          "", "1甲表:新 RSelf1甲表 "},
-        {"delete", [](SavedReports&) {}, [](SavedReports&) { return deleteInfo(); }, "1甲表:旧 RSelf1甲表 ",
-         ""},
+        {"delete", [](SavedReports&) {}, [](SavedReports&) { return deleteInfo(sharedContext); },
+         "1甲表:旧 RSelf1甲表 ", ""},
     };
     return all;
 }

@@ -3,8 +3,6 @@
 #include "failures/failure_text.h"
 #include "fetch/ledger_query.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 #include "windows/designer/EditorFormulas.h"
 #include "windows/designer/EditorStatus.h"
 #include "windows/designer/FormulaBox.h"
@@ -16,29 +14,28 @@
 
 namespace selfreport {
 
-namespace {
-
-std::optional<std::int32_t> storedReport()
-{
-    return gEditFlag == 0 ? std::nullopt : std::optional(gReportId);
-}
-
-} // namespace
-
-EditorFiles::EditorFiles(spreadsheet::SpreadsheetControl& grid, QLineEdit& name, EditorStatus& status,
-                         DiagnosticsPanel& diagnostics, EditorFormulas& formulas, FormulaBox& formulaBox)
-    : m_grid(grid)
+EditorFiles::EditorFiles(ReportContext& context, spreadsheet::SpreadsheetControl& grid, QLineEdit& name,
+                         EditorStatus& status, DiagnosticsPanel& diagnostics, EditorFormulas& formulas,
+                         FormulaBox& formulaBox)
+    : m_context(context)
+    , m_grid(grid)
     , m_name(name)
     , m_status(status)
     , m_diagnostics(diagnostics)
     , m_formulas(formulas)
     , m_formulaBox(formulaBox)
+    , m_report(context)
 {
+}
+
+std::optional<std::int32_t> EditorFiles::storedReport() const
+{
+    return m_context.report.editFlag == 0 ? std::nullopt : std::optional(m_context.report.id);
 }
 
 void EditorFiles::open()
 {
-    if (gEditFlag != 1) {
+    if (m_context.report.editFlag != 1) {
         m_report.beginNew();
         return;
     }
@@ -56,15 +53,15 @@ bool EditorFiles::endEntry()
 
 void EditorFiles::MenuFileSave_Click()
 {
-    if (gRunMode) {
-        tellUser(Icon::exclamation, "请在报表编辑状态下进行保存,保存不成功!");
+    if (m_context.report.isRun) {
+        m_context.database.tell(Icon::exclamation, "请在报表编辑状态下进行保存,保存不成功!");
         return;
     }
     if (!endEntry())
         return;
     std::string name = m_name.text().toStdString();
     if (trimmed(name).empty()) {
-        tellUser(Icon::exclamation, "报表名称不能为空！");
+        m_context.database.tell(Icon::exclamation, "报表名称不能为空！");
         m_name.setFocus();
         return;
     }
@@ -72,15 +69,15 @@ void EditorFiles::MenuFileSave_Click()
     if (!told)
         return;
     m_name.setText(QString::fromStdString(name)); // another one if it was stored as a new report
-    m_recovery->saved(gReportId);
-    tellUser(Icon::information, *told);
+    m_recovery->saved(m_context.report.id);
+    m_context.database.tell(Icon::information, *told);
 }
 
 // Recovery
 
 void EditorFiles::keepForRecovery()
 {
-    m_recovery = std::make_unique<Recovery>(m_grid.cells().workbook(), storedReport(), [this] {
+    m_recovery = std::make_unique<Recovery>(m_context, m_grid.cells().workbook(), storedReport(), [this] {
         return Recovery::Heading{m_name.text().toStdString(), m_report.version()};
     });
     m_recovery->tell = [this](const std::string& trouble) {
@@ -102,8 +99,8 @@ bool EditorFiles::keepDesign()
         return true;
     if (std::exchange(m_unkeptAtClosing, true))
         return true;
-    tellUser(Icon::exclamation,
-             "未保存的设计不能备份，窗口没有关闭。请先保存；再关闭一次则放弃未保存的修改。");
+    m_context.database.tell(Icon::exclamation,
+                            "未保存的设计不能备份，窗口没有关闭。请先保存；再关闭一次则放弃未保存的修改。");
     return false;
 }
 
@@ -117,7 +114,7 @@ void EditorFiles::keepAtEnd()
 void EditorFiles::offerRecovery()
 {
     if (m_recovery->isOfferAfterCrash()) {
-        if (dialogs().question(gTitle, "上次关闭时有未保存的报表设计,是否恢复?"))
+        if (dialogs().question(m_context.title, "上次关闭时有未保存的报表设计,是否恢复?"))
             return restoreDesign();
         m_recovery->putOff();
     }
@@ -133,13 +130,13 @@ void EditorFiles::restoreDesign()
         const Recovery::Heading restored = m_recovery->restore(workbook);
         if (!restored.name.empty()) // earlier programs kept none
             m_name.setText(QString::fromStdString(restored.name));
-        if (gEditFlag == 1)
+        if (m_context.report.editFlag == 1)
             m_report.setVersion(restored.madeFrom); // saving asks if the stored report is another by now
         m_grid.cells().setWorkbook(&workbook);      // another content: shown from its first cell
         m_formulas.forgetFetches();
         hookUpAgain();
     } catch (const std::exception& error) {
-        tellUser(Icon::exclamation, "未保存的设计不能恢复: " + failures::sentenceOf(error));
+        m_context.database.tell(Icon::exclamation, "未保存的设计不能恢复: " + failures::sentenceOf(error));
     }
     m_status.offerDesign(m_recovery->isOffering());
 }
@@ -149,7 +146,7 @@ void EditorFiles::discardDesign()
     try {
         m_recovery->discard();
     } catch (const std::exception& error) {
-        tellUser(Icon::exclamation, failures::sentenceOf(error));
+        m_context.database.tell(Icon::exclamation, failures::sentenceOf(error));
     }
     m_status.offerDesign(m_recovery->isOffering());
 }

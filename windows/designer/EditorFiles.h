@@ -23,6 +23,7 @@ class DiagnosticsPanel;
 class EditorFormulas;
 class EditorStatus;
 class FormulaBox;
+struct ReportContext;
 
 /// An entry of the menu that a table of formats gives.
 struct FileCommand {
@@ -37,13 +38,14 @@ class EditorFiles : public QObject {
     Q_OBJECT
 
 public:
-    EditorFiles(spreadsheet::SpreadsheetControl& grid, QLineEdit& name, EditorStatus& status,
-                DiagnosticsPanel& diagnostics, EditorFormulas& formulas, FormulaBox& formulaBox);
+    EditorFiles(ReportContext& context, spreadsheet::SpreadsheetControl& grid, QLineEdit& name,
+                EditorStatus& status, DiagnosticsPanel& diagnostics, EditorFormulas& formulas,
+                FormulaBox& formulaBox);
 
     EditedReport& report() { return m_report; }
     const EditedReport& report() const { return m_report; }
 
-    /// Loads report `gReportId`, or begins a new one, as `gEditFlag` says.
+    /// Loads the context's report, or begins a new one, as the context says.
     void open();
     void MenuFileSave_Click();
     void MenuImpoertSpreadFile_Click();
@@ -66,6 +68,7 @@ private:
     void offerRecovery();
     void restoreDesign();
     void discardDesign();
+    std::optional<std::int32_t> storedReport() const;
     [[nodiscard]] bool endEntry();
     void importIntoReport();
     void importFile(const FileDialogSettings& settings);
@@ -75,6 +78,7 @@ private:
     bool transfer(const std::string& file, const std::function<std::vector<std::string>()>& work);
     void hookUpAgain();
 
+    ReportContext& m_context;
     spreadsheet::SpreadsheetControl& m_grid;
     QLineEdit& m_name; ///< txtReportName
     EditorStatus& m_status;

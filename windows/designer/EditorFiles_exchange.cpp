@@ -3,7 +3,6 @@
 #include "platform/windows/own_file.h"
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "state/shared_state.h"
 #include "windows/designer/DiagnosticsPanel.h"
 #include "windows/designer/EditorFiles.h"
 #include "windows/designer/EditorFormulas.h"

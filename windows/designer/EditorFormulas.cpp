@@ -1,8 +1,8 @@
 #include "windows/designer/EditorFormulas.h"
 
 #include "platform/windows/CancellableWait.h"
+#include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "state/shared_state.h"
 #include "windows/designer/DiagnosticsPanel.h"
 #include "windows/designer/EditorStatus.h"
 #include "windows/designer/FailedFetchBar.h"
@@ -11,13 +11,15 @@
 
 namespace selfreport {
 
-EditorFormulas::EditorFormulas(spreadsheet::SpreadsheetControl& grid, EditorStatus& status,
-                               DiagnosticsPanel& diagnostics, FailedFetchBar& failedFetches)
-    : m_grid(grid)
+EditorFormulas::EditorFormulas(ReportContext& context, spreadsheet::SpreadsheetControl& grid,
+                               EditorStatus& status, DiagnosticsPanel& diagnostics,
+                               FailedFetchBar& failedFetches)
+    : m_context(context)
+    , m_grid(grid)
     , m_status(status)
     , m_diagnostics(diagnostics)
     , m_failedFetches(failedFetches)
-    , m_evaluation(grid.cells().workbook(), sharedContext.database)
+    , m_evaluation(grid.cells().workbook(), context.database)
 {
     // The grid shows what has changed, and tells that the cell is another.
     grid.cells().recalculateChanged = [this] {
@@ -115,7 +117,7 @@ void EditorFormulas::goToFailedFetch()
 
 QString EditorFormulas::modeText() const
 {
-    const QString mode = gRunMode                            ? QStringLiteral("使用")
+    const QString mode = m_context.report.isRun              ? QStringLiteral("使用")
                          : m_evaluation.isShowFormula() == 1 ? QStringLiteral("显示公式")
                                                              : QStringLiteral("设计");
     return m_cancelled == Extent::none ? mode : mode + QStringLiteral(" 数值未更新");

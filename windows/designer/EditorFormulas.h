@@ -12,6 +12,7 @@ namespace selfreport {
 class DiagnosticsPanel;
 class EditorStatus;
 class FailedFetchBar;
+struct ReportContext;
 
 /// The formulas of the designer's report: recalculations that the user may cancel, formulas or data on show,
 /// and what the fetches found.
@@ -20,8 +21,8 @@ class EditorFormulas : public QObject {
 
 public:
     /// Recalculates the grid's cells from now on, and marks those whose fetches failed.
-    EditorFormulas(spreadsheet::SpreadsheetControl& grid, EditorStatus& status, DiagnosticsPanel& diagnostics,
-                   FailedFetchBar& failedFetches);
+    EditorFormulas(ReportContext& context, spreadsheet::SpreadsheetControl& grid, EditorStatus& status,
+                   DiagnosticsPanel& diagnostics, FailedFetchBar& failedFetches);
 
     ReportEvaluation& evaluation() { return m_evaluation; }
     void addSelfFunction() { m_evaluation.addSelfFunction(); }
@@ -55,6 +56,7 @@ private:
     void tellFetches();
     void goTo(const CellDiagnostic& diagnostic);
 
+    ReportContext& m_context;
     spreadsheet::SpreadsheetControl& m_grid;
     EditorStatus& m_status;
     DiagnosticsPanel& m_diagnostics;

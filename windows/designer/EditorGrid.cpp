@@ -1,7 +1,7 @@
 #include "windows/designer/EditorGrid.h"
 
+#include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "state/shared_state.h"
 #include "windows/designer/EditorFiles.h"
 #include "windows/designer/EditorFormulas.h"
 #include "windows/designer/EditorStatus.h"
@@ -78,12 +78,13 @@ bool frmEditor::EditorGrid::ownsRow(Connection& connection)
 spreadsheet::Refusal frmEditor::EditorGrid::writeFormula(const QString& formula)
 {
     spreadsheet::SpreadsheetControl& grid = *m_window.m_fps1;
-    if (auto refused = grid.editRefusal({gCellCol, gCellRow, gCellCol, gCellRow}))
+    const spreadsheet::CellAddress cell = m_window.keptCell();
+    if (auto refused = grid.editRefusal({cell.column, cell.row, cell.column, cell.row}))
         return refused;
-    grid.cells().setCurrent(gCellCol, gCellRow);
+    grid.cells().setCurrent(cell.column, cell.row);
     if (auto refused = grid.cells().setFormula(formula))
         return refused;
-    grid.afterEdit(spreadsheet::CellAddress{gCellCol, gCellRow});
+    grid.afterEdit(cell);
     return {};
 }
 

@@ -1,5 +1,4 @@
 #pragma once
-#include "state/shared_state.h"
 #include "windows/designer/frmEditor.h"
 #include "windows/formulas/FormulaCell.h"
 #include "windows/printing/PrintedGrid.h"
@@ -9,9 +8,9 @@ namespace selfreport {
 /// The designer's grid as printing windows and formula dialogs see it, in use while the designer lives.
 class frmEditor::EditorGrid : public PrintedGrid, public FormulaCell {
 public:
-    explicit EditorGrid(frmEditor& window)
-        : PrintedGrid(sharedContext)
-        , FormulaCell(sharedContext)
+    EditorGrid(ReportContext& reportContext, frmEditor& window)
+        : PrintedGrid(reportContext)
+        , FormulaCell(reportContext)
         , m_window(window)
         , m_inUse(*this)
     {

@@ -3,10 +3,10 @@
 #include "failures/failure_text.h"
 #include "fetch/ledger_query.h"
 #include "platform/database/session/names.h"
+#include "reports/ReportContext.h"
 #include "spreadsheet/files/content/content.h"
 #include "spreadsheet/files/placing/FileTarget.h"
 #include "spreadsheet/workbook/Workbook.h"
-#include "state/shared_state.h"
 
 #include <algorithm>
 #include <array>
@@ -36,7 +36,7 @@ std::string hexadecimal(std::uint64_t number)
 
 /// Database and user in few letters: several ledgers and users may share an application folder. A password is
 /// left out, as it changes and does not belong into a file name in any form.
-std::string ownerCode()
+std::string ownerCode(const ReportContext& context)
 {
     constexpr std::uint64_t basis = 0xcbf29ce484222325; // FNV-1a
     constexpr std::uint64_t prime = 0x100000001b3;
@@ -46,13 +46,13 @@ std::string ownerCode()
             code = (code ^ static_cast<unsigned char>(c)) * prime;
         code = (code ^ ';') * prime;
     };
-    for (const auto part : std::views::split(std::string_view(gConnString), ';')) {
+    for (const auto part : std::views::split(std::string_view(context.database.connectionString), ';')) {
         const std::string_view setting(part.begin(), part.end());
         const std::string_view key = trimmed(setting.substr(0, setting.find('=')));
         if (!sameName(key, "Password") && !sameName(key, "PWD"))
             add(setting);
     }
-    add(gLoginUserId);
+    add(context.user);
     return hexadecimal(code);
 }
 
@@ -68,12 +68,12 @@ bool isOld(const RecoveryCopy& copy)
 
 } // namespace
 
-Recovery::Recovery(const spreadsheet::Workbook& workbook, std::optional<std::int32_t> report,
-                   std::function<Heading()> heading)
+Recovery::Recovery(const ReportContext& context, const spreadsheet::Workbook& workbook,
+                   std::optional<std::int32_t> report, std::function<Heading()> heading)
     : m_workbook(workbook)
     , m_heading(std::move(heading))
-    , m_folder(gAppPath)
-    , m_prefix("Recovery_" + ownerCode() + '_')
+    , m_folder(context.folder)
+    , m_prefix("Recovery_" + ownerCode(context) + '_')
     , m_report(reportCode(report))
     , m_own(std::make_unique<RecoveryCopy>(freshFile()))
 {

@@ -17,6 +17,8 @@ class Workbook;
 
 namespace selfreport {
 
+struct ReportContext;
+
 /// Keeps an unsaved design in a copy of its own in the application folder: every minute and when its window
 /// closes. Saving the report removes the copy. Those of the same report that windows left behind, by a crash
 /// or by closing without saving, are offered until they are taken up or discarded.
@@ -29,8 +31,8 @@ public:
     };
     /// The design as it is now counts as saved.
     /// @param report  id of the stored report; nothing for a new one
-    Recovery(const spreadsheet::Workbook& workbook, std::optional<std::int32_t> report,
-             std::function<Heading()> heading);
+    Recovery(const ReportContext& context, const spreadsheet::Workbook& workbook,
+             std::optional<std::int32_t> report, std::function<Heading()> heading);
     /// Copies that were offered here and are older than 30 days have been offered for the last time.
     ~Recovery();
     Recovery(const Recovery&) = delete;

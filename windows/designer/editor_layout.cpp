@@ -3,9 +3,8 @@
 
 #include "platform/services/Dialogs.h"
 #include "platform/windows/ProportionalLayout.h"
+#include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 #include "windows/designer/DiagnosticsPanel.h"
 #include "windows/designer/editor_commands.h"
 #include "windows/designer/EditorFiles.h"
@@ -86,9 +85,10 @@ void frmEditor::buildControls()
     m_status = new EditorStatus;
     m_status->setContentsMargins(0, 0, 6, 0);
     layout->place(m_status, statusPlace);
-    m_formulas = std::make_unique<EditorFormulas>(*m_fps1, *m_status, *m_diagnostics, *m_failedFetches);
-    m_files = std::make_unique<EditorFiles>(*m_fps1, *m_txtReportName, *m_status, *m_diagnostics, *m_formulas,
-                                            *m_formulaBox);
+    m_formulas =
+        std::make_unique<EditorFormulas>(m_context, *m_fps1, *m_status, *m_diagnostics, *m_failedFetches);
+    m_files = std::make_unique<EditorFiles>(m_context, *m_fps1, *m_txtReportName, *m_status, *m_diagnostics,
+                                            *m_formulas, *m_formulaBox);
     buildCommands(); // the files' formats are among them
     resize((QSizeF(sizeHint()) * roominess).toSize().boundedTo(screen()->availableSize() * 9 / 10));
 }
@@ -237,12 +237,16 @@ void frmEditor::showCellLooks()
 void frmEditor::connectGrid()
 {
     using spreadsheet::SpreadsheetControl;
-    m_formulaBox->refused = [](const std::string& reason) { tellUser(Icon::critical, reason); };
+    m_formulaBox->refused = [this](const std::string& reason) {
+        m_context.database.tell(Icon::critical, reason);
+    };
     m_fps1->entry().functionHints().describe(
         "Acct", QStringLiteral("科目,取数类型,货币,年度,起始期间,截目期间"), QStringLiteral("总账取数公式"));
     m_fps1->entry().functionHints().describe("REF_F", QStringLiteral("表名,单元格名称,标签"),
                                              QStringLiteral("表间取数公式"));
-    m_fps1->ask = [](const QString& question) { return dialogs().question(gTitle, question.toStdString()); };
+    m_fps1->ask = [this](const QString& question) {
+        return dialogs().question(m_context.title, question.toStdString());
+    };
     connect(m_formulas.get(), &EditorFormulas::shown, this, &frmEditor::enterCell);
     connect(m_files.get(), &EditorFiles::shown, this, &frmEditor::enterCell);
     connect(m_fps1, &SpreadsheetControl::leaveCell, this, &frmEditor::fps1_LeaveCell);

@@ -1,7 +1,5 @@
 #include "windows/designer/editor_saving.h"
 
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 #include "windows/designer/frmSaveAs.h"
 
 #include <utility>
@@ -26,40 +24,40 @@ std::string savedBy(const SaveConflict& conflict)
     return "由 " + who + " 于 " + (when.empty() ? "未知时间" : when) + " 保存。";
 }
 
-bool mayReplaceUnread()
-{
-    return dialogs()
-        .choose(
-            Icon::exclamation, gTitle,
-            "打开时没有读出这张报表，保存将用当前内容替换已存储的报表，原来的内容不能恢复。\n确定要保存吗？",
-            {"保存"})
-        .has_value();
-}
-
 } // namespace
 
 void EditedReport::beginNew()
 {
-    gHeaderText.clear(); // those of the report before
-    gFooterText.clear();
+    m_context.report.header.clear(); // those of the report before
+    m_context.report.footer.clear();
     m_stored = {};
     m_isUnread = false;
 }
 
 bool EditedReport::load(std::string& name, spreadsheet::Workbook& workbook)
 {
-    m_isUnread = !loadReport(name, workbook, &m_stored);
+    m_isUnread = !loadReport(m_context, name, workbook, &m_stored);
     return !m_isUnread;
 }
 
 std::optional<std::string_view> EditedReport::save(std::string& name, spreadsheet::Workbook& workbook,
                                                    QWidget* window)
 {
-    if (gEditFlag == 0)
+    if (m_context.report.editFlag == 0)
         return m_stored.uncertain ? insertAgain(name, workbook) : insert(name, workbook, std::nullopt);
     if (m_isUnread && !mayReplaceUnread())
         return std::nullopt;
     return replace(name, workbook, window);
+}
+
+bool EditedReport::mayReplaceUnread() const
+{
+    return dialogs()
+        .choose(
+            Icon::exclamation, m_context.title,
+            "打开时没有读出这张报表，保存将用当前内容替换已存储的报表，原来的内容不能恢复。\n确定要保存吗？",
+            {"保存"})
+        .has_value();
 }
 
 std::optional<std::string_view> EditedReport::insert(const std::string& name,
@@ -67,12 +65,12 @@ std::optional<std::string_view> EditedReport::insert(const std::string& name,
                                                      const std::optional<StoredPageSetup>& setup)
 {
     RememberedReport stored;
-    const bool isDone = insertReport(name, workbook, &stored, setup);
-    if (isDone || gEditFlag == 0) // of a copy whose outcome is unknown the name tells it
+    const bool isDone = insertReport(m_context, name, workbook, &stored, setup);
+    if (isDone || m_context.report.editFlag == 0) // of a copy whose outcome is unknown the name tells it
         m_stored = stored;
     if (!isDone)
         return std::nullopt;
-    gEditFlag = 1;
+    m_context.report.editFlag = 1;
     m_isUnread = false;
     return inserted;
 }
@@ -81,15 +79,15 @@ std::optional<std::string_view> EditedReport::insert(const std::string& name,
 std::optional<std::string_view> EditedReport::insertAgain(const std::string& name,
                                                           const spreadsheet::Workbook& workbook)
 {
-    const SaveOutcome outcome = updateReport(name, workbook, m_stored);
+    const SaveOutcome outcome = updateReport(m_context, name, workbook, m_stored);
     if (std::holds_alternative<ReportLeft>(outcome))
         return std::nullopt;
     if (std::holds_alternative<SaveConflict>(outcome)) { // it was not done
         m_stored = {};
         return insert(name, workbook, std::nullopt);
     }
-    gReportId = m_stored.id;
-    gEditFlag = 1;
+    m_context.report.id = m_stored.id;
+    m_context.report.editFlag = 1;
     return inserted;
 }
 
@@ -98,12 +96,12 @@ std::optional<std::string_view> EditedReport::replace(std::string& name, spreads
 {
     auto store = updateReport;
     for (;;) {
-        const SaveOutcome outcome = store(name, workbook, m_stored);
+        const SaveOutcome outcome = store(m_context, name, workbook, m_stored);
         if (std::holds_alternative<ReportLeft>(outcome))
             return std::nullopt;
         const auto* const conflict = std::get_if<SaveConflict>(&outcome);
         if (!conflict) {
-            gReportId = m_stored.id;
+            m_context.report.id = m_stored.id;
             if (std::exchange(m_isUnread, false))
                 applyPageSetup(workbook, m_stored.pageSetup); // that of the row, which was not loaded either
             return store == updateReport ? replaced : inserted;
@@ -149,7 +147,7 @@ EditedReport::Choice EditedReport::choiceFor(const SaveConflict& conflict, const
                     {Choice::saveAsNew}};
         break;
     }
-    const auto chosen = dialogs().choose(Icon::question, gTitle, question.text, question.buttons);
+    const auto chosen = dialogs().choose(Icon::question, m_context.title, question.text, question.buttons);
     return chosen ? question.choices[*chosen] : Choice::cancel;
 }
 
@@ -157,15 +155,15 @@ EditedReport::Choice EditedReport::choiceFor(const SaveConflict& conflict, const
 std::optional<std::string_view>
 EditedReport::saveAsNew(std::string& name, const spreadsheet::Workbook& workbook, QWidget* window)
 {
-    frmSaveAs dialog(QString::fromStdString(name), window);
+    frmSaveAs dialog(m_context, QString::fromStdString(name), window);
     if (dialog.exec() != QDialog::Accepted)
         return std::nullopt;
     const std::string chosen = dialog.name().toStdString();
     auto told = insert(chosen, workbook, m_stored.pageSetup);
     if (told) {
         name = chosen;
-        gHeaderText = m_stored.pageSetup.header;
-        gFooterText = m_stored.pageSetup.footer;
+        m_context.report.header = m_stored.pageSetup.header;
+        m_context.report.footer = m_stored.pageSetup.footer;
     }
     return told;
 }

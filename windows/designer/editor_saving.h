@@ -13,15 +13,21 @@ namespace selfreport {
 /// the questions that stand on it.
 class EditedReport {
 public:
+    explicit EditedReport(ReportContext& context)
+        : m_context(context)
+    {
+    }
+
     /// A new report, which has no row yet.
     void beginNew();
 
-    /// Loads report `gReportId`. False after telling why not: name and workbook are as they were then, and
+    /// Loads the context's report. False after telling why not: name and workbook are as they were then, and
     /// saving asks first.
     bool load(std::string& name, spreadsheet::Workbook& workbook);
 
-    /// Stores the report as `gEditFlag` says, and sets that flag to 1. Asks before anything is replaced that
-    /// was not loaded here. Nothing if the report was not stored, which the user knows then.
+    /// Stores the report as a new or a stored one, as the context's flag says; it is a stored one then. Asks
+    /// before anything is replaced that was not loaded here. Nothing if the report was not stored, which the
+    /// user knows then.
     /// @param name  as typed; another one if the user stores the report as a new one
     /// @return      what to tell the user
     std::optional<std::string_view> save(std::string& name, spreadsheet::Workbook& workbook, QWidget* window);
@@ -53,6 +59,9 @@ private:
                                               QWidget* window);
     Choice choiceFor(const SaveConflict& conflict, const std::string& name) const;
 
+    bool mayReplaceUnread() const;
+
+    ReportContext& m_context;
     RememberedReport m_stored;
     bool m_isUnread = false;
 };

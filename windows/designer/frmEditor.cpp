@@ -1,8 +1,7 @@
 #include "windows/designer/frmEditor.h"
 
+#include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 #include "windows/designer/DiagnosticsPanel.h"
 #include "windows/designer/EditorFiles.h"
 #include "windows/designer/EditorFormulas.h"
@@ -38,8 +37,9 @@ namespace selfreport {
 using spreadsheet::CellAddress;
 using spreadsheet::GridMode;
 
-frmEditor::frmEditor(QWidget* parent)
+frmEditor::frmEditor(ReportContext& context, QWidget* parent)
     : QDialog(parent)
+    , m_context(context)
     , m_fps1(new spreadsheet::SpreadsheetControl)
 {
     setObjectName("frmEditor");
@@ -47,7 +47,7 @@ frmEditor::frmEditor(QWidget* parent)
     setWindowFlags(Qt::Window | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
                    Qt::WindowCloseButtonHint);
     buildControls();
-    m_grid = std::make_unique<EditorGrid>(*this);
+    m_grid = std::make_unique<EditorGrid>(context, *this);
     connectGrid();
     initForm();
     openReport();
@@ -72,14 +72,14 @@ void frmEditor::openReport()
 {
     m_files->open();
     m_formulas->addSelfFunction();
-    m_fps1->setMode(gRunMode ? GridMode::run : GridMode::edit);
-    m_txtFormula->setReadOnly(gRunMode);
-    if (gRunMode) {
+    m_fps1->setMode(m_context.report.isRun ? GridMode::run : GridMode::edit);
+    m_txtFormula->setReadOnly(m_context.report.isRun);
+    if (m_context.report.isRun) {
         m_formulas->evaluation().showStoredData();
         m_opensForUse = true;
     }
     enterCell();
-    if (!gRunMode)
+    if (!m_context.report.isRun)
         m_files->keepForRecovery();
 }
 
@@ -135,7 +135,7 @@ void frmEditor::fps1_LeaveCell(int column, int row, int newColumn, int newRow, b
 {
     if (column == newColumn && row == newRow)
         return;
-    if (!gRunMode && !m_formulaBox->commit())
+    if (!m_context.report.isRun && !m_formulaBox->commit())
         cancel = true; // the refused text stays in the box until it is right or given up
 }
 
@@ -155,8 +155,13 @@ void frmEditor::enterCell()
 /// Dialogs work on this cell, whatever becomes active meanwhile.
 void frmEditor::keepCell()
 {
-    gCellRow = m_fps1->cursor().activeCell().row;
-    gCellCol = m_fps1->cursor().activeCell().column;
+    m_context.cellRow = m_fps1->cursor().activeCell().row;
+    m_context.cellCol = m_fps1->cursor().activeCell().column;
+}
+
+CellAddress frmEditor::keptCell() const
+{
+    return {m_context.cellCol, m_context.cellRow};
 }
 
 void frmEditor::MenuFormula_Click()
@@ -178,7 +183,7 @@ void frmEditor::showCoverage()
 {
     auto* window = findChild<frmCoverage*>();
     if (!window) {
-        window = new frmCoverage(sharedContext, *m_fps1, this);
+        window = new frmCoverage(m_context, *m_fps1, this);
         window->setAttribute(Qt::WA_DeleteOnClose);
     }
     window->show();
@@ -207,13 +212,13 @@ void frmEditor::MenuInsertCol_Click()
 void frmEditor::MenuDataType_Click()
 {
     keepCell();
-    frmDataType(*m_fps1, this).exec();
+    frmDataType(*m_fps1, keptCell(), this).exec();
 }
 
 void frmEditor::MenuCellBorder_Click()
 {
     keepCell();
-    frmCellBorder(*m_fps1, this).exec();
+    frmCellBorder(*m_fps1, keptCell(), this).exec();
 }
 
 void frmEditor::sortSelection(bool descending)
@@ -237,8 +242,8 @@ void frmEditor::find(bool replacing)
 
 void frmEditor::MenuSetTableInfo_Click()
 {
-    gActiveSheet = static_cast<std::int16_t>(m_fps1->cells().activeSheet());
-    frmTableInfo(m_fps1->cells(), this).exec();
+    m_context.activeSheet = static_cast<std::int16_t>(m_fps1->cells().activeSheet());
+    frmTableInfo(m_context, m_fps1->cells(), this).exec();
     m_fps1->showChanges();
     enterCell();
 }

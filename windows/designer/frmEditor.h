@@ -14,6 +14,7 @@ class QToolBar;
 
 namespace spreadsheet {
 class Refusal;
+struct CellAddress;
 class SpreadsheetControl;
 } // namespace spreadsheet
 
@@ -26,16 +27,17 @@ class EditorFormulas;
 class EditorStatus;
 class FormulaBox;
 class ProportionalLayout;
+struct ReportContext;
 struct EditorCommand;
 struct EditorMenu;
 
 /// The designer: a report is built and saved in it, or, in run mode, a stored one is shown with its data.
-/// What it opens on is the shared state at that moment: `gEditFlag`, `gRunMode`, `gReportId`.
+/// What it opens on is the report of its context at that moment.
 class frmEditor : public QDialog {
     Q_OBJECT
 
 public:
-    explicit frmEditor(QWidget* parent = nullptr);
+    explicit frmEditor(ReportContext& context, QWidget* parent = nullptr);
     ~frmEditor() override;
 
     spreadsheet::SpreadsheetControl& fps1() { return *m_fps1; }
@@ -100,8 +102,10 @@ private:
     // Procedures
     void fps1_LeaveCell(int column, int row, int newColumn, int newRow, bool& cancel);
     void keepCell();
+    spreadsheet::CellAddress keptCell() const;
     void showCellLooks();
 
+    ReportContext& m_context;
     spreadsheet::SpreadsheetControl* m_fps1;
     QToolBar* m_toolbar1 = nullptr;
     QComboBox* m_list1 = nullptr; ///< font names

@@ -2,7 +2,6 @@
 
 #include "fetch/ledger_query.h"
 #include "platform/windows/buttons.h"
-#include "state/mdlMain.h"
 #include "state/report_procedures.h"
 
 #include <QFormLayout>
@@ -10,8 +9,9 @@
 
 namespace selfreport {
 
-frmSaveAs::frmSaveAs(const QString& name, QWidget* parent)
+frmSaveAs::frmSaveAs(ReportContext& context, const QString& name, QWidget* parent)
     : QDialog(parent)
+    , m_context(context)
     , m_txtName(new QLineEdit(name))
 {
     setObjectName("frmSaveAs");
@@ -37,7 +37,7 @@ void frmSaveAs::cmdXPOK_Click()
     if (trimmed(name).empty())
         refusal = "报表名称不能为空！";
     else {
-        const std::optional<bool> isTaken = isReportName(name);
+        const std::optional<bool> isTaken = isReportName(m_context, name);
         if (!isTaken)
             return; // told
         if (*isTaken)
@@ -45,7 +45,7 @@ void frmSaveAs::cmdXPOK_Click()
     }
     if (refusal.empty())
         return accept();
-    tellUser(Icon::exclamation, refusal);
+    m_context.database.tell(Icon::exclamation, refusal);
     m_txtName->setFocus();
     m_txtName->selectAll();
 }

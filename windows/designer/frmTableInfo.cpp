@@ -1,8 +1,7 @@
 #include "windows/designer/frmTableInfo.h"
 
+#include "reports/ReportContext.h"
 #include "spreadsheet/view/CellOperations.h"
-#include "state/mdlMain.h"
-#include "state/shared_state.h"
 
 #include <QFormLayout>
 #include <QLineEdit>
@@ -23,8 +22,9 @@ QPushButton* button(const char* name, const char* caption)
 
 } // namespace
 
-frmTableInfo::frmTableInfo(spreadsheet::CellOperations& grid, QWidget* parent)
+frmTableInfo::frmTableInfo(ReportContext& context, spreadsheet::CellOperations& grid, QWidget* parent)
     : QDialog(parent)
+    , m_context(context)
     , m_grid(grid)
 {
     setObjectName("frmTableInfo");
@@ -61,7 +61,7 @@ void frmTableInfo::getEditInfo()
 
 bool frmTableInfo::refuse(int box, const QString& why)
 {
-    tellUser(Icon::exclamation, why.toStdString());
+    m_context.database.tell(Icon::exclamation, why.toStdString());
     m_txt[box]->setFocus();
     m_txt[box]->selectAll();
     return false;
@@ -108,9 +108,9 @@ spreadsheet::Refusal frmTableInfo::apply(int rows, int columns, int sheets, int&
         box = 2;
         why = m_grid.setSheetCount(sheets);
     }
-    m_grid.setAddressedSheet(gActiveSheet);
+    m_grid.setAddressedSheet(m_context.activeSheet);
     // The sheet may be among those taken away; then no name is left to be set.
-    if (!why && gActiveSheet <= m_grid.sheetCount()) {
+    if (!why && m_context.activeSheet <= m_grid.sheetCount()) {
         box = 3;
         why = m_grid.setSheetName(m_txt[3]->text());
     }

@@ -11,12 +11,14 @@ class CellOperations;
 
 namespace selfreport {
 
-/// Size of the sheet `gActiveSheet` of a grid, number of sheets, name of the sheet.
+struct ReportContext;
+
+/// Size of the context's active sheet of a grid, number of sheets, name of the sheet.
 class frmTableInfo : public QDialog {
     Q_OBJECT
 
 public:
-    explicit frmTableInfo(spreadsheet::CellOperations& grid, QWidget* parent = nullptr);
+    frmTableInfo(ReportContext& context, spreadsheet::CellOperations& grid, QWidget* parent = nullptr);
 
 private:
     void getEditInfo();
@@ -26,6 +28,7 @@ private:
     [[nodiscard]] bool readNumber(int box, int most, int& number);
     spreadsheet::Refusal apply(int rows, int columns, int sheets, int& box);
 
+    ReportContext& m_context;
     spreadsheet::CellOperations& m_grid;
     QLineEdit* m_txt[4] = {};
 };

@@ -2,7 +2,6 @@
 
 #include "platform/services/ColourDialog.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "state/shared_state.h"
 
 #include <algorithm>
 #include <map>
@@ -10,6 +9,7 @@
 
 namespace selfreport {
 
+using spreadsheet::CellAddress;
 using spreadsheet::CellRange;
 using spreadsheet::CellStyle;
 using spreadsheet::Refusal;
@@ -23,19 +23,15 @@ bool isReadOnly(const SpreadsheetControl& grid)
     return grid.mode() == spreadsheet::GridMode::run;
 }
 
-CellRange target(const SpreadsheetControl& grid)
-{
-    if (grid.cursor().isBlockSelected())
-        return grid.cursor().selectedBlock();
-    const spreadsheet::CellAddress cell = grid.cursor().activeCell();
-    return {cell.column, cell.row, cell.column, cell.row};
-}
-
-/// What a dialog works on.
-CellRange dialogTarget(const SpreadsheetControl& grid)
+CellRange blockOr(CellAddress cell, const SpreadsheetControl& grid)
 {
     return grid.cursor().isBlockSelected() ? grid.cursor().selectedBlock()
-                                           : CellRange{gCellCol, gCellRow, gCellCol, gCellRow};
+                                           : CellRange{cell.column, cell.row, cell.column, cell.row};
+}
+
+CellRange target(const SpreadsheetControl& grid)
+{
+    return blockOr(grid.cursor().activeCell(), grid);
 }
 
 constexpr spreadsheet::Colour darkBlue = 0x000080;
@@ -50,7 +46,7 @@ std::optional<spreadsheet::Colour> chosenColour()
 template <typename Entry>
 void putEntries(SpreadsheetControl& grid, const char* label, spreadsheet::CellType type,
                 const std::optional<Entry>& entry,
-                std::map<spreadsheet::CellAddress, Entry> spreadsheet::SheetSettings::*entries)
+                std::map<CellAddress, Entry> spreadsheet::SheetSettings::*entries)
 {
     if (isReadOnly(grid))
         return;
@@ -208,11 +204,12 @@ void unmergeCells(SpreadsheetControl& grid)
     structureChanged(grid);
 }
 
-void setCellType(SpreadsheetControl& grid, spreadsheet::CellType type, std::optional<std::uint8_t> decimals)
+void setCellType(SpreadsheetControl& grid, CellAddress cell, spreadsheet::CellType type,
+                 std::optional<std::uint8_t> decimals)
 {
     if (isReadOnly(grid))
         return;
-    const CellRange cells = dialogTarget(grid);
+    const CellRange cells = blockOr(cell, grid);
     {
         const spreadsheet::UndoStep step(grid.cells().workbook(), "数据类型");
         grid.cells().changeStyle(cells, [&](CellStyle& style) {
@@ -264,11 +261,11 @@ void setColumnWidths(SpreadsheetControl& grid, int twips)
     resizeSelected(grid, spreadsheet::Axis::columns, twips);
 }
 
-void drawBorders(SpreadsheetControl& grid, int sides, spreadsheet::LineStyle style)
+void drawBorders(SpreadsheetControl& grid, CellAddress cell, int sides, spreadsheet::LineStyle style)
 {
     if (isReadOnly(grid))
         return;
-    grid.cells().setBorder(dialogTarget(grid), sides, darkBlue, style);
+    grid.cells().setBorder(blockOr(cell, grid), sides, darkBlue, style);
     grid.afterEdit();
 }
 

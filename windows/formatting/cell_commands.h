@@ -49,12 +49,12 @@ spreadsheet::Refusal mergeCells(spreadsheet::SpreadsheetControl& grid);
 /// Takes every span away that has a cell in the range, even where it reaches outside.
 void unmergeCells(spreadsheet::SpreadsheetControl& grid);
 
-// Of the dialogs: without a block they work on the cell (`gCellCol`, `gCellRow`).
+// Of the dialogs: without a block they work on the cell for which the dialog was opened.
 
 /// A tag that is not empty keeps a cell's type while formulas are shown, and gets the new one.
 /// @param decimals  0 to 15; nothing: they stay
-void setCellType(spreadsheet::SpreadsheetControl& grid, spreadsheet::CellType type,
-                 std::optional<std::uint8_t> decimals);
+void setCellType(spreadsheet::SpreadsheetControl& grid, spreadsheet::CellAddress cell,
+                 spreadsheet::CellType type, std::optional<std::uint8_t> decimals);
 /// Tags that keep a cell's type while formulas are shown follow the types of their cells.
 void retag(spreadsheet::Sheet& sheet, const spreadsheet::CellRange& range);
 /// The target's cells become drop-downs that offer these entries; none: they offer what their columns do.
@@ -68,7 +68,8 @@ void setRowHeights(spreadsheet::SpreadsheetControl& grid, int twips);
 void setColumnWidths(spreadsheet::SpreadsheetControl& grid, int twips);
 
 /// @param sides  of spreadsheet::BorderSides
-void drawBorders(spreadsheet::SpreadsheetControl& grid, int sides, spreadsheet::LineStyle style);
+void drawBorders(spreadsheet::SpreadsheetControl& grid, spreadsheet::CellAddress cell, int sides,
+                 spreadsheet::LineStyle style);
 
 /// One row before the active one; the sheet grows by it.
 spreadsheet::Refusal insertRow(spreadsheet::SpreadsheetControl& grid);

@@ -42,9 +42,11 @@ constexpr int firstStyle = 1; // "Solid border "
 
 } // namespace
 
-frmCellBorder::frmCellBorder(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
+frmCellBorder::frmCellBorder(spreadsheet::SpreadsheetControl& grid, spreadsheet::CellAddress cell,
+                             QWidget* parent)
     : QDialog(parent)
     , m_grid(grid)
+    , m_cell(cell)
     , m_PC{namedList("PC_0"), namedList("PC_1")}
 {
     setObjectName("frmCellBorder");
@@ -70,7 +72,7 @@ void frmCellBorder::Form_Load()
 
 void frmCellBorder::cmdXPOK_Click()
 {
-    drawBorders(m_grid, m_PC[1]->currentData().toInt(),
+    drawBorders(m_grid, m_cell, m_PC[1]->currentData().toInt(),
                 static_cast<spreadsheet::LineStyle>(m_PC[0]->currentData().toInt()));
     close();
 }

@@ -20,9 +20,11 @@ constexpr int firstDecimals = 2;
 
 } // namespace
 
-frmDataType::frmDataType(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
+frmDataType::frmDataType(spreadsheet::SpreadsheetControl& grid, spreadsheet::CellAddress cell,
+                         QWidget* parent)
     : QDialog(parent)
     , m_grid(grid)
+    , m_cell(cell)
     , m_PC{namedList("PC_0"), namedList("PC_1")}
 {
     setObjectName("frmDataType");
@@ -62,7 +64,7 @@ void frmDataType::PC_SelChange(int element)
 void frmDataType::cmdXPOK_Click()
 {
     const auto decimals = static_cast<std::uint8_t>(m_PC[0]->currentIndex());
-    setCellType(m_grid, chosenType(), m_PC[0]->isEnabled() ? std::optional(decimals) : std::nullopt);
+    setCellType(m_grid, m_cell, chosenType(), m_PC[0]->isEnabled() ? std::optional(decimals) : std::nullopt);
     close();
 }
 

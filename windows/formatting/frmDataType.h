@@ -1,4 +1,6 @@
 #pragma once
+#include "spreadsheet/values/CellAddress.h"
+
 #include <QDialog>
 
 #include <cstdint>
@@ -12,13 +14,14 @@ enum class CellType : std::uint8_t;
 
 namespace selfreport {
 
-/// Sets the cell type of the selected block, or of the cell (`gCellCol`, `gCellRow`), and the decimals of
-/// number cells. Contents stay; a tag that keeps a cell's type while formulas are shown follows.
+/// Sets the cell type of the selected block or, without one, of a cell, and the decimals of number cells.
+/// Contents stay; a tag that keeps a cell's type while formulas are shown follows.
 class frmDataType : public QDialog {
     Q_OBJECT
 
 public:
-    explicit frmDataType(spreadsheet::SpreadsheetControl& grid, QWidget* parent = nullptr);
+    frmDataType(spreadsheet::SpreadsheetControl& grid, spreadsheet::CellAddress cell,
+                QWidget* parent = nullptr);
 
 private:
     void Form_Load();
@@ -27,6 +30,7 @@ private:
     void cmdXPOK_Click();
 
     spreadsheet::SpreadsheetControl& m_grid;
+    spreadsheet::CellAddress m_cell;
     QComboBox* m_PC[2] = {}; ///< 0: decimals, 1: types
 };
 

@@ -7,7 +7,7 @@ namespace selfreport {
 
 struct ReportContext;
 
-/// The cell (`gCellCol`, `gCellRow`) of the grid that a formula dialog was opened for.
+/// The cell of the grid that a formula dialog was opened for.
 class FormulaCell {
 public:
     explicit FormulaCell(ReportContext& reportContext)

@@ -4,9 +4,7 @@
 #include "platform/windows/ProportionalLayout.h"
 #include "platform/windows/WaitCursor.h"
 #include "reports/report_list.h"
-#include "state/mdlMain.h"
 #include "state/report_procedures.h"
-#include "state/shared_state.h"
 #include "windows/list/report_rows.h"
 
 #include <QLocale>
@@ -24,8 +22,10 @@ constexpr QSize board(12300, 7500); // twips: all columns of the list show
 
 } // namespace
 
-frmSelfReportMain::frmSelfReportMain(std::function<void()> showDesigner, QWidget* parent)
+frmSelfReportMain::frmSelfReportMain(ReportContext& context, std::function<void()> showDesigner,
+                                     QWidget* parent)
     : QDialog(parent)
+    , m_context(context)
     , m_showDesigner(std::move(showDesigner))
     , m_vsf1(new ListGrid)
 {
@@ -79,7 +79,7 @@ void frmSelfReportMain::buildButtons()
 
 bool frmSelfReportMain::getReport()
 {
-    return databaseProcedure(Icon::exclamation, [this](Connection& connection) {
+    return m_context.database.run(Icon::exclamation, [this](Connection& connection) {
         const WaitCursor waiting;
         const std::vector<ListedReport> reports = storedReports(connection);
         const QLocale locale = QLocale::system();
@@ -98,31 +98,32 @@ bool frmSelfReportMain::update()
 {
     if (!hasCurrentReport())
         return false;
-    gReportId = m_vsf1->text(m_vsf1->row(), 0).toInt();
+    m_context.report.id = m_vsf1->text(m_vsf1->row(), 0).toInt();
     return true;
 }
 
 bool frmSelfReportMain::delete_()
 {
-    return hasCurrentReport() && dialogs().question(gTitle, "确定要删除吗?") && update() && deleteInfo();
+    return hasCurrentReport() && dialogs().question(m_context.title, "确定要删除吗?") && update() &&
+           deleteInfo(m_context);
 }
 
 void frmSelfReportMain::cmd_Click(int index)
 {
     switch (index) {
     case 0:
-        gEditFlag = 0;
+        m_context.report.editFlag = 0;
         m_showDesigner();
         break;
     case 1:
         if (update()) {
-            gEditFlag = 1;
+            m_context.report.editFlag = 1;
             m_showDesigner();
         }
         break;
     case 2:
         if (delete_()) {
-            tellUser(Icon::information, "删除成功!");
+            m_context.database.tell(Icon::information, "删除成功!");
             m_vsf1->removeRow(m_vsf1->row());
         }
         break;

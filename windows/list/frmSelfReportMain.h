@@ -5,6 +5,7 @@
 namespace selfreport {
 
 class ListGrid;
+struct ReportContext;
 
 /// The list of all stored reports, from which they are created, opened, changed and deleted. It is filled
 /// when it is made.
@@ -12,8 +13,8 @@ class frmSelfReportMain : public QDialog {
     Q_OBJECT
 
 public:
-    /// @param showDesigner  shows the designer on `gEditFlag` and `gReportId` and returns once it is closed
-    explicit frmSelfReportMain(std::function<void()> showDesigner, QWidget* parent = nullptr);
+    /// @param showDesigner  shows the designer on the context's report and returns once it is closed
+    frmSelfReportMain(ReportContext& context, std::function<void()> showDesigner, QWidget* parent = nullptr);
 
     /// Refills the list from the database. False after telling the user why it failed; the rows stay then.
     bool getReport();
@@ -21,7 +22,7 @@ public:
     /// Row 0 is the heading, column 0 the report's id.
     ListGrid& vsf1() { return *m_vsf1; }
 
-    /// Makes the current row's report the one at hand, `gReportId`. False if no data row is current. (A
+    /// Makes the current row's report the open one of the context. False if no data row is current. (A
     /// window of the toolkit repaints by itself; its function of this name is of no use here.)
     bool update();
 
@@ -37,6 +38,7 @@ private:
     void cmdXPClose_Click();
     void vsf1_DblClick();
 
+    ReportContext& m_context;
     std::function<void()> m_showDesigner;
     ListGrid* m_vsf1;
 };

@@ -1,14 +1,9 @@
 #include "windows/printing/PrintedGrid.h"
 
+#include "reports/ReportContext.h"
 #include "spreadsheet/workbook/Workbook.h"
-#include "state/shared_state.h"
 
 namespace selfreport {
-
-PrintedGrid::PrintedGrid()
-    : PrintedGrid(sharedContext)
-{
-}
 
 PrintedGrid::PrintedGrid(ReportContext& reportContext)
     : context(reportContext)
@@ -17,7 +12,12 @@ PrintedGrid::PrintedGrid(ReportContext& reportContext)
 
 PrintedGrid*& PrintedGrid::usual()
 {
+    static ReportContext noReport;
     struct NoDesigner : PrintedGrid {
+        NoDesigner()
+            : PrintedGrid(noReport)
+        {
+        }
         spreadsheet::Workbook& workbook() override { return empty; }
         spreadsheet::CellRange selectedBlock() const override { return {1, 1, 1, 1}; }
         std::string reportName() const override { return {}; }

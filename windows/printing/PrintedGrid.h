@@ -21,8 +21,6 @@ struct ReportContext;
 /// printed; margins, orientation, header and footer belong to the report and go to all of its sheets.
 class PrintedGrid {
 public:
-    /// On what all windows share.
-    PrintedGrid();
     explicit PrintedGrid(ReportContext& reportContext);
     virtual ~PrintedGrid() = default;
 
@@ -52,7 +50,7 @@ public:
     ReportContext& context;             ///< who prints and sets up which report, on which database
     spreadsheet::PrintRange printRange; ///< what printing prints of the active sheet
 
-    /// What is in use while no designer is open: an empty workbook of its own.
+    /// What is in use while no designer is open: an empty workbook and a context of its own.
     static PrintedGrid*& usual();
 };
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "state/mdlMain.h"
+#include "platform/database/Connection.h"
 
 #include <initializer_list>
 #include <string_view>

@@ -14,7 +14,7 @@ struct ZoomEntry {
     int pagesDown = 0;
 };
 
-/// In the order of the list; `gPreviewZoomIndex` holds an index.
+/// In the order of the list; `OpenReport::zoomIndex` holds an index.
 inline constexpr std::array zoomEntries{
     ZoomEntry{"200%", spreadsheet::PreviewView::percentage, 200},
     ZoomEntry{"150%", spreadsheet::PreviewView::percentage, 150},

@@ -34,7 +34,7 @@ protected:
     void open()
     {
         window.reset();
-        window = std::make_unique<frmEditor>();
+        window = std::make_unique<frmEditor>(sharedContext);
         show(*window);
     }
     /// Stores a report with id 3: A1 an amount of the ledger, A2 twice that, B1 a text.

@@ -184,11 +184,11 @@ TEST_F(RecoveryTest, AWindowIsNotOfferedWhatAnotherHolds)
 {
     open();
     design("=1");
-    frmEditor second;
+    frmEditor second(sharedContext);
     second.fps1().cells().sheet().setText({2, 2}, "乙");
     second.reject();
     EXPECT_EQ(copies().size(), 1);
-    const frmEditor third;
+    const frmEditor third(sharedContext);
     EXPECT_FALSE(third.findChild<QWidget*>("lineUnsaved")->isVisibleTo(&third)) << "the second one lives";
     window->close();
     EXPECT_EQ(copies().size(), 2) << "one for each window";
@@ -401,7 +401,7 @@ TEST_F(RecoveryTest, ADesignThatCannotBeKeptHoldsUpClosingOnce)
 TEST_F(RecoveryTest, WhatCannotBeKeptLeavesTheFormerCopy)
 {
     spreadsheet::Workbook workbook;
-    Recovery recovery(workbook, 3, [] { return Recovery::Heading{"表", {}}; });
+    Recovery recovery(sharedContext, workbook, 3, [] { return Recovery::Heading{"表", {}}; });
     std::vector<std::string> told;
     recovery.tell = [&told](const std::string& trouble) { told.push_back(trouble); };
     workbook.sheet(1).setText({1, 1}, "甲");

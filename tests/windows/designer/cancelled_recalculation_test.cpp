@@ -134,7 +134,7 @@ TEST_F(CancelledRecalculation, OpeningForUseShowsWhatWasStored)
     window.reset();
     gRunMode = true;
     makeLedgerSlow();
-    window = std::make_unique<frmEditor>();
+    window = std::make_unique<frmEditor>(sharedContext);
     cancelWhenAsked();
     show(*window);
     EXPECT_EQ(grid().cells().text(1, 1), "100.25"); // the first frame does not wait

@@ -28,7 +28,7 @@ protected:
         gReportId = 0;
         gFromList = 0;
         gAppPath = folder.path().toStdString();
-        window = std::make_unique<frmEditor>();
+        window = std::make_unique<frmEditor>(sharedContext);
         show(*window);
     }
 

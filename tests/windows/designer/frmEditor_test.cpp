@@ -108,7 +108,7 @@ TEST_F(Designer, SavingANewReportTwice)
     EXPECT_EQ(ledger.query("select fname from tblCWSelfReport").rowCount(), 1u);
     std::string name;
     spreadsheet::Workbook stored;
-    ASSERT_TRUE(loadReport(name, stored));
+    ASSERT_TRUE(loadReport(sharedContext, name, stored));
     EXPECT_EQ(name, "现金'表");
     EXPECT_EQ(stored.sheet(1).formula({1, 1}), "1+1");
 }

@@ -2,7 +2,6 @@
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageLayout.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "state/shared_state.h"
 #include "tests/platform/WindowTest.h"
 #include "windows/formatting/frmDataType.h"
 
@@ -36,9 +35,7 @@ protected:
     }
     void choose(const char* shown)
     {
-        gCellCol = grid.cursor().activeCell().column;
-        gCellRow = grid.cursor().activeCell().row;
-        frmDataType dialog(grid);
+        frmDataType dialog(grid, grid.cursor().activeCell());
         auto& list = control<QComboBox>(dialog, "PC_1");
         list.setCurrentIndex(list.findText(shown));
         control<QPushButton>(dialog, "cmdXPOK").click();

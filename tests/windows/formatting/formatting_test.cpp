@@ -4,7 +4,6 @@
 #include "spreadsheet/files/content/content.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "spreadsheet/workbook/UndoJournal.h"
-#include "state/shared_state.h"
 #include "tests/platform/WindowTest.h"
 #include "windows/formatting/FormatPainter.h"
 #include "windows/formatting/frmButtonCaption.h"
@@ -269,13 +268,12 @@ TEST_F(Formatting, DataTypes)
         {"静态文本框", CellType::staticText}, {"时间型", CellType::time},
         {"按钮型", CellType::button},         {"下拉框", CellType::dropDown},
         {"复选框", CellType::checkBox}};
-    gCellCol = 2;
-    gCellRow = 3;
+    constexpr spreadsheet::CellAddress cell{2, 3}; // not the active one
     grid.cells().setText(2, 3, "文本");
     grid.cells().sheet().setTag({2, 3}, "13");
     int row = 0;
     for (const auto& [shown, type] : types) {
-        frmDataType dialog(grid);
+        frmDataType dialog(grid, cell);
         EXPECT_EQ(control<QComboBox>(dialog, "PC_1").currentIndex(), 1);
         EXPECT_EQ(control<QComboBox>(dialog, "PC_0").currentText(), "2");
         EXPECT_EQ(control<QComboBox>(dialog, "PC_1").findText(QString::fromUtf8(shown)), row++);
@@ -287,7 +285,7 @@ TEST_F(Formatting, DataTypes)
         EXPECT_EQ(grid.cells().sheet().value({2, 3}).text().view(), "文本"); // what does not fit is kept
     }
     grid.cursor().select({1, 1, 2, 1});
-    frmDataType dialog(grid);
+    frmDataType dialog(grid, cell);
     choose(dialog, "PC_1", "数字型");
     choose(dialog, "PC_0", "15");
     control<QPushButton>(dialog, "cmdXPOK").click();
@@ -298,18 +296,18 @@ TEST_F(Formatting, DataTypes)
 TEST_F(Formatting, Borders)
 {
     grid.cursor().select({1, 1, 2, 2});
-    frmCellBorder all(grid);
+    frmCellBorder all(grid, {1, 1});
     control<QPushButton>(all, "cmdXPOK").click(); // all sides, solid
     const spreadsheet::BorderLine line{LineStyle::solid, 0x000080};
     for (const spreadsheet::BorderLine& side :
          {style(1, 1).left, style(2, 1).top, style(2, 2).right, style(1, 2).bottom})
         EXPECT_EQ(side, line);
-    frmCellBorder none(grid);
+    frmCellBorder none(grid, {1, 1});
     choose(none, "PC_1", "无");
     choose(none, "PC_0", "Dot border ");
     control<QPushButton>(none, "cmdXPOK").click();
     EXPECT_EQ(style(1, 1).left, line);
-    frmCellBorder left(grid);
+    frmCellBorder left(grid, {1, 1});
     choose(left, "PC_1", "左");
     choose(left, "PC_0", "No border");
     control<QPushButton>(left, "cmdXPOK").click();

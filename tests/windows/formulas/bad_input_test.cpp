@@ -22,7 +22,7 @@ protected:
         gEditFlag = 0;
         gRunMode = false;
         gReportId = 0;
-        designer = std::make_unique<frmEditor>();
+        designer = std::make_unique<frmEditor>(sharedContext);
         show(*designer);
     }
     spreadsheet::SpreadsheetControl& grid()

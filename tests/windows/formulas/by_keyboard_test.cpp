@@ -25,7 +25,7 @@ protected:
     }
     void openDesigner()
     {
-        designer = std::make_unique<frmEditor>();
+        designer = std::make_unique<frmEditor>(sharedContext);
         show(*designer);
     }
     spreadsheet::SpreadsheetControl& grid()

@@ -34,7 +34,7 @@ protected:
         gReportId = 3;
         gEditFlag = 1;
         gRunMode = false;
-        designer = std::make_unique<frmEditor>();
+        designer = std::make_unique<frmEditor>(sharedContext);
         show(*designer);
     }
     QWidget& open()

@@ -36,7 +36,7 @@ protected:
     }
     void open()
     {
-        window = std::make_unique<frmSelfReportMain>([this] {
+        window = std::make_unique<frmSelfReportMain>(sharedContext, [this] {
             designed.push_back({gEditFlag, gReportId});
             if (whileDesigned)
                 whileDesigned();

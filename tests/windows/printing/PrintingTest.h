@@ -16,6 +16,10 @@ namespace selfreport::test {
 
 /// A designer's grid that is closed when it is told to.
 struct TestGrid : PrintedGrid {
+    TestGrid()
+        : PrintedGrid(sharedContext)
+    {
+    }
     spreadsheet::Workbook& workbook() override { return book; }
     spreadsheet::CellRange selectedBlock() const override { return block; }
     std::string reportName() const override { return "资产负债表"; }
