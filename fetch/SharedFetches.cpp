@@ -28,10 +28,18 @@ SharedFetches::SharedFetches(DatabaseAccess& database)
 
 SharedFetches::~SharedFetches() = default;
 
-/// A connection of its own for a wave: the common one stays free for the calls. Null after a failed opening.
-std::unique_ptr<Connection> SharedFetches::waveConnection()
+/// A connection of its own for all waves: the common one stays free for the calls. Null after a failed
+/// opening.
+std::unique_ptr<Connection>& SharedFetches::waveConnection()
 {
-    return m_database.open() ? std::exchange(m_database.connection, nullptr) : nullptr;
+    if (!m_connection && m_database.open())
+        m_connection = std::exchange(m_database.connection, nullptr);
+    return m_connection;
+}
+
+std::unique_ptr<Connection> SharedFetches::takeConnection()
+{
+    return std::move(m_connection);
 }
 
 void SharedFetches::prepare(std::span<spreadsheet::PreparedCall> calls)
@@ -75,7 +83,7 @@ void SharedFetches::fetchLedgerAnswers(const std::set<LedgerArguments>& wanted)
             fetches.push_back(arguments);
     if (fetches.empty())
         return;
-    std::unique_ptr<Connection> connection = waveConnection();
+    std::unique_ptr<Connection>& connection = waveConnection();
     if (!connection)
         return;
     try {
@@ -86,26 +94,24 @@ void SharedFetches::fetchLedgerAnswers(const std::set<LedgerArguments>& wanted)
             if (answers[i])
                 m_ledger.emplace(std::move(fetches[i]), std::move(*answers[i]));
     } catch (const std::exception&) {
-        // Each call fetches for itself and keeps its own reason.
+        connection.reset(); // each call fetches for itself and keeps its own reason
     }
 }
 
 void SharedFetches::loadReports(const std::set<std::string>& names)
 {
     std::vector<std::pair<std::string, std::optional<std::vector<std::byte>>>> contents;
-    std::unique_ptr<Connection> connection;
     try {
         for (const std::string& name : names) {
             if (m_reports.contains(name))
                 continue;
-            if (!connection && !(connection = waveConnection()))
+            if (!waveConnection())
                 return;
-            contents.emplace_back(name, fetchedContent(connection, name));
+            contents.emplace_back(name, fetchedContent(m_connection, name));
         }
     } catch (const std::exception&) {
-        // What was read so far is good; the other calls fetch for themselves.
+        m_connection.reset(); // what was read so far is good; the other calls fetch for themselves
     }
-    connection.reset(); // before the reports' own waves ask for one
     for (const auto& [name, content] : contents) {
         auto report = std::make_unique<LoadedReport>(m_database, this);
         try {

@@ -27,6 +27,9 @@ public:
     /// The same for `Acct` calls only.
     void prepareLedger(std::span<spreadsheet::PreparedCall> calls);
 
+    /// The open connection of the waves, for what follows them; null if there is none.
+    std::unique_ptr<Connection> takeConnection();
+
     const LedgerAnswer& ledger(const LedgerArguments& arguments);
     ReferenceAnswer reference(const ReportReference& reference);
 
@@ -35,9 +38,10 @@ private:
 
     void fetchLedgerAnswers(const std::set<LedgerArguments>& wanted);
     void loadReports(const std::set<std::string>& names);
-    std::unique_ptr<Connection> waveConnection();
+    std::unique_ptr<Connection>& waveConnection();
 
     DatabaseAccess& m_database;
+    std::unique_ptr<Connection> m_connection; ///< of the waves; none before the first one
     std::map<LedgerArguments, LedgerAnswer> m_ledger;
     std::map<std::string, std::unique_ptr<LoadedReport>, std::less<>> m_reports;
 };

@@ -90,7 +90,7 @@ std::string fetchedValue(Connection& connection, const LedgerArguments& argument
     const std::vector<std::optional<LedgerAnswer>> answers = fetchLedger(connection, {&arguments, 1});
     const LedgerAnswer answer = answers.at(0) ? *answers[0] : LedgerAnswer{{}, {}, "取数失败"};
     return answer.amount && answer.failure.empty() ? amountText(*answer.amount)
-                                                   : explainLedgerFetch(connection, arguments, answer);
+                                                   : explainLedgerFetch(connection, {arguments, answer});
 }
 
 /// A trial on a thread of its own, which may be left behind: opening a connection cannot be stopped.

@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <map>
 #include <optional>
+#include <utility>
 
 namespace selfreport {
 
@@ -123,6 +125,30 @@ void restoreType(Sheet& sheet, CellAddress cell, const spreadsheet::Column& befo
         setType(sheet, cell, *type);
 }
 
+/// The reasons of one recalculation, each cell's in the order found. Equal fetches share theirs, but one may
+/// fail and its like not.
+std::vector<CellDiagnostic> diagnosticsOf(const FetchLog& log, const DatabaseAccess& database,
+                                          std::unique_ptr<Connection> connection)
+{
+    std::map<std::pair<LedgerArguments, std::string>, std::size_t> places;
+    std::vector<LedgerFetch> fetches;
+    for (const DoubtfulFetch& fetch : log.doubtful)
+        if (places.try_emplace({fetch.arguments, fetch.answer.failure}, fetches.size()).second)
+            fetches.push_back({fetch.arguments, fetch.answer});
+    const std::vector<Explanation> explanations = explainFetches(fetches, database, std::move(connection));
+    std::vector<CellDiagnostic> diagnostics = log.known;
+    for (const DoubtfulFetch& fetch : log.doubtful) {
+        const Explanation& why = explanations[places.at({fetch.arguments, fetch.answer.failure})];
+        diagnostics.push_back({fetch.place, fetch.isReferenced ? "REF_F" : "Acct",
+                               fetch.isReferenced ? "被引用的单元格：" + why.reason : why.reason,
+                               why.outcome});
+    }
+    std::ranges::stable_sort(diagnostics, {}, &CellDiagnostic::place);
+    const auto repeated = std::ranges::unique(diagnostics);
+    diagnostics.erase(repeated.begin(), repeated.end());
+    return diagnostics;
+}
+
 } // namespace
 
 void showStoredValues(spreadsheet::Workbook& workbook)
@@ -215,7 +241,9 @@ bool ReportEvaluation::computed(const std::function<spreadsheet::RecalculationRe
     m_log = {};
     SharedFetches shared(m_database);
     const SlotInUse<SharedFetches> inUse(m_shared, m_fetchesShared ? &shared : nullptr);
-    return !recalculation().stopped;
+    const bool isComplete = !recalculation().stopped;
+    m_connection = shared.takeConnection();
+    return isComplete;
 }
 
 /// Of the recalculation that has just ended; cells that it did not touch keep theirs.
@@ -224,7 +252,8 @@ void ReportEvaluation::takeDiagnostics()
     std::erase_if(m_diagnostics, [&](const CellDiagnostic& former) {
         return m_log.evaluated.contains(former.place) || formulaAt(former.place).empty();
     });
-    std::ranges::copy(explainFetches(m_log, m_database), std::back_inserter(m_diagnostics));
+    std::ranges::copy(diagnosticsOf(m_log, m_database, std::move(m_connection)),
+                      std::back_inserter(m_diagnostics));
     std::ranges::stable_sort(m_diagnostics, {}, &CellDiagnostic::place);
     m_failedFormulas.clear();
     for (const CellDiagnostic& diagnostic : m_diagnostics)

@@ -12,6 +12,7 @@
 
 namespace selfreport {
 
+class Connection;
 class DatabaseAccess;
 class SharedFetches;
 
@@ -72,7 +73,8 @@ private:
 
     spreadsheet::Workbook& m_workbook;
     DatabaseAccess& m_database;
-    SharedFetches* m_shared = nullptr; ///< of the recalculation under way
+    SharedFetches* m_shared = nullptr;        ///< of the recalculation under way
+    std::unique_ptr<Connection> m_connection; ///< that its waves left open, for the explanations
     FetchLog m_log;
     std::vector<CellDiagnostic> m_diagnostics;
     std::map<spreadsheet::CallPlace, std::string>

@@ -3,14 +3,18 @@
 #include "access/DatabaseAccess.h"
 #include "access/driver_call.h"
 #include "failures/failure_text.h"
+#include "fetch/ledger_query.h"
+#include "fetch/LedgerQuestions.h"
 #include "fetch/quoted_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/dialect/sql_text.h"
 
 #include <algorithm>
 #include <exception>
-#include <map>
+#include <functional>
+#include <iterator>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace selfreport {
@@ -19,31 +23,9 @@ namespace {
 
 constexpr const char* notLookedFor = "原因没有查明，查询已取消";
 
+const std::string notFound = "没有取到数，原因没有查明：";
+
 constexpr const char* declined = "存储过程没有给出有效的结果";
-
-/// What is told of a fetch.
-struct Explanation {
-    std::string reason;
-    FetchOutcome outcome = FetchOutcome::doubtful;
-};
-
-/// What is asked of the database while the fetches of one recalculation are explained. They mostly share
-/// type, currency and items, and each question costs a round trip.
-class Questions {
-public:
-    bool hasRow(Connection& connection, const std::string& fromAndWhere)
-    {
-        const auto known = m_answers.find(fromAndWhere);
-        if (known != m_answers.end())
-            return known->second;
-        const bool found = !connection.query("select top 1 1 as n from " + fromAndWhere).isEmpty();
-        m_answers.emplace(fromAndWhere, found);
-        return found;
-    }
-
-private:
-    std::map<std::string, bool> m_answers;
-};
 
 std::string rangeText(const std::vector<std::string>& codes)
 {
@@ -68,49 +50,112 @@ std::string periodText(const LedgerArguments& arguments)
     return text + first + "至" + last + "期";
 }
 
-std::string unknownItem(Connection& connection, Questions& questions, const ItemQualifier& qualifier)
+std::string accountRows(const AccountExpression& expression)
 {
-    const auto table = qualifier.codes.empty() ? std::nullopt : itemTableOf(connection, qualifier.className);
-    if (!table ||
-        questions.hasRow(connection, *table + " where 1=1" + codeCondition("fNumber", qualifier.codes)))
+    return "tblAccount as b where 1=1" + codeCondition("b.fNumber", expression.codes);
+}
+
+std::string itemRows(const std::string& table, const ItemQualifier& qualifier)
+{
+    return table + " where 1=1" + codeCondition("fNumber", qualifier.codes);
+}
+
+std::string fetchTypeRows(const LedgerArguments& arguments)
+{
+    return "tblSelfReportFieldKey where fKey='" + sqlQuoted(arguments.fetchType) + "'";
+}
+
+std::string currencyRows(const LedgerArguments& arguments)
+{
+    return "tblCurrency where fnumber='" + sqlQuoted(arguments.currency) + "'";
+}
+
+/// Whether the ledger has to be asked why a fetch gave nothing.
+bool isOpen(const LedgerFetch& fetch)
+{
+    return fetch.answer.failure.empty() && !fetch.answer.amount && !fetch.arguments.account.empty();
+}
+
+/// What a fetch that found nothing may have named in vain.
+void addNames(LedgerQuestions& questions, const LedgerArguments& arguments)
+{
+    questions.addRow(fetchTypeRows(arguments));
+    if (!arguments.currency.empty())
+        questions.addRow(currencyRows(arguments));
+    const AccountExpression expression = parseAccountExpression(arguments.account);
+    if (!expression.codes.empty())
+        questions.addRow(accountRows(expression));
+    for (const ItemQualifier& qualifier : expression.qualifiers)
+        if (!qualifier.codes.empty())
+            questions.addItemTable(qualifier.className);
+}
+
+/// The items, which are asked for in tables that the first answers name.
+void addItems(LedgerQuestions& questions, const LedgerArguments& arguments)
+{
+    for (const ItemQualifier& qualifier : parseAccountExpression(arguments.account).qualifiers) {
+        if (qualifier.codes.empty())
+            continue;
+        try {
+            if (const auto table = questions.itemTable(qualifier.className))
+                questions.addRow(itemRows(*table, qualifier));
+        } catch (const DatabaseError&) {
+            // Told when the answer is needed.
+        }
+    }
+}
+
+std::string unknownItem(const LedgerQuestions& answers, const ItemQualifier& qualifier)
+{
+    const auto table = qualifier.codes.empty() ? std::nullopt : answers.itemTable(qualifier.className);
+    if (!table || answers.hasRow(itemRows(*table, qualifier)))
         return {};
     return quoted(qualifier.className) + "中没有项目" + quoted(rangeText(qualifier.codes));
 }
 
 /// What the fetch names that there is not; empty if there is all of it.
-std::string nameWithoutMeaning(Connection& connection, Questions& questions, const LedgerArguments& arguments)
+std::string nameWithoutMeaning(const LedgerQuestions& answers, const LedgerArguments& arguments)
 {
-    if (!questions.hasRow(connection,
-                          "tblSelfReportFieldKey where fKey='" + sqlQuoted(arguments.fetchType) + "'"))
+    if (!answers.hasRow(fetchTypeRows(arguments)))
         return "取数类型" + quoted(arguments.fetchType) + "不存在";
-    if (!arguments.currency.empty() &&
-        !questions.hasRow(connection, "tblCurrency where fnumber='" + sqlQuoted(arguments.currency) + "'"))
+    if (!arguments.currency.empty() && !answers.hasRow(currencyRows(arguments)))
         return "货币" + quoted(arguments.currency) + "不存在";
     const AccountExpression expression = parseAccountExpression(arguments.account);
-    if (!expression.codes.empty() &&
-        !questions.hasRow(connection,
-                          "tblAccount as b where 1=1" + codeCondition("b.fNumber", expression.codes)))
+    if (!expression.codes.empty() && !answers.hasRow(accountRows(expression)))
         return "科目" + quoted(rangeText(expression.codes)) + "不存在";
     for (const ItemQualifier& qualifier : expression.qualifiers)
-        if (std::string cause = unknownItem(connection, questions, qualifier); !cause.empty())
+        if (std::string cause = unknownItem(answers, qualifier); !cause.empty())
             return cause;
     return {};
 }
 
-/// Why nothing was found although the call itself went well.
-Explanation causeOfNoData(Connection& connection, Questions& questions, const LedgerArguments& arguments,
-                          const LedgerAnswer& answer)
+/// A procedure that declines has failed unless there is a name without meaning.
+FetchOutcome outcomeUnexplained(const LedgerAnswer& answer)
 {
-    if (std::string cause = nameWithoutMeaning(connection, questions, arguments); !cause.empty())
-        return {std::move(cause)};
+    return answer.isDeclined ? FetchOutcome::failed : FetchOutcome::doubtful;
+}
+
+/// Why nothing was found although the call itself went well.
+Explanation causeOfNoData(const LedgerQuestions& answers, const LedgerFetch& fetch)
+{
+    const auto& [arguments, answer] = fetch;
+    try {
+        if (std::string cause = nameWithoutMeaning(answers, arguments); !cause.empty())
+            return {std::move(cause)};
+    } catch (const DatabaseError& error) {
+        return {notFound + error.description, outcomeUnexplained(answer)};
+    }
     if (answer.isDeclined)
         return {declined, FetchOutcome::failed};
     return {"总账在" + periodText(arguments) + "没有科目" + quoted(arguments.account) + "的数据"};
 }
 
-Explanation explanation(Connection& connection, Questions& questions, const LedgerArguments& arguments,
-                        const LedgerAnswer& answer)
+/// @param cause  of one that found nothing
+Explanation explained(const LedgerFetch& fetch, const std::function<Explanation()>& cause)
 {
+    const auto& [arguments, answer] = fetch;
+    if (!answer.failure.empty())
+        return {answer.failure, FetchOutcome::failed};
     if (arguments.account.empty())
         return {"没有给出科目"};
     std::string reason;
@@ -118,79 +163,84 @@ Explanation explanation(Connection& connection, Questions& questions, const Ledg
         reason = "项目类别" + listed(answer.unknownClasses) + "不存在，该条件未计入，取数范围偏大";
     if (answer.amount)
         return {std::move(reason)};
-    Explanation cause = causeOfNoData(connection, questions, arguments, answer);
+    Explanation found = cause();
     if (!reason.empty())
-        cause.reason = reason + "；" + cause.reason;
-    return cause;
+        found.reason = reason + "；" + found.reason;
+    return found;
 }
 
-/// @param connection  null if it could not be opened, or the user would not wait for it any longer
-Explanation explained(std::unique_ptr<Connection>& connection, const std::shared_ptr<Questions>& questions,
-                      const LedgerArguments& arguments, const LedgerAnswer& answer)
+/// The answers to all questions of the fetches, in two round trips.
+LedgerQuestions answersFor(Connection& connection, std::span<const LedgerFetch> fetches)
 {
-    if (!answer.failure.empty())
-        return {answer.failure, FetchOutcome::failed};
-    // A procedure that declines has failed unless there is a name without meaning.
-    const FetchOutcome unexplained = answer.isDeclined ? FetchOutcome::failed : FetchOutcome::doubtful;
-    if (!connection)
-        return {userWait().isCancelled() ? notLookedFor : databaseNotOpen, unexplained};
-    try {
-        return driverCall<Explanation>(connection, [questions, arguments, answer](Connection& open) {
-            return explanation(open, *questions, arguments, answer);
-        });
-    } catch (const WorkCancelled&) {
-        return {notLookedFor, unexplained};
-    } catch (const std::exception& error) {
-        return {"没有取到数，原因没有查明：" + failures::sentenceOf(error), unexplained};
-    }
+    LedgerQuestions questions;
+    for (const LedgerFetch& fetch : fetches)
+        if (isOpen(fetch))
+            addNames(questions, fetch.arguments);
+    questions.ask(connection);
+    for (const LedgerFetch& fetch : fetches)
+        if (isOpen(fetch))
+            addItems(questions, fetch.arguments);
+    questions.ask(connection);
+    return questions;
 }
 
-/// Null if the database cannot be opened now.
+/// @throws DatabaseNotOpened, WorkCancelled
 std::unique_ptr<Connection> explainingConnection(const DatabaseAccess& database)
 {
-    if (database.openingFailed())
-        return nullptr;
     try {
-        return driverCall<std::unique_ptr<Connection>>(
-            [target = database.connectionString] { return openConnection(target); });
+        if (!database.openingFailed())
+            return driverCall<std::unique_ptr<Connection>>(
+                [target = database.connectionString] { return openConnection(target); });
     } catch (const WorkCancelled&) {
-        return nullptr;
+        throw;
     } catch (const std::exception&) {
-        return nullptr;
+        // Whatever it is, the calls were told their own reason.
     }
+    throw DatabaseNotOpened(databaseNotOpen);
+}
+
+/// The answers as a call that the waiting user can cancel.
+LedgerQuestions fetchedAnswers(const DatabaseAccess& database, std::unique_ptr<Connection> connection,
+                               std::vector<LedgerFetch> fetches)
+{
+    if (!connection)
+        connection = explainingConnection(database);
+    return driverCall<LedgerQuestions>(
+        connection, [fetches = std::move(fetches)](Connection& open) { return answersFor(open, fetches); });
 }
 
 } // namespace
 
-std::string explainLedgerFetch(Connection& connection, const LedgerArguments& arguments,
-                               const LedgerAnswer& answer)
+std::string explainLedgerFetch(Connection& connection, const LedgerFetch& fetch)
 {
-    if (!answer.failure.empty())
-        return answer.failure;
-    Questions questions;
-    return explanation(connection, questions, arguments, answer).reason;
+    const LedgerQuestions answers = answersFor(connection, {&fetch, 1});
+    return explained(fetch, [&] { return causeOfNoData(answers, fetch); }).reason;
 }
 
-std::vector<CellDiagnostic> explainFetches(const FetchLog& log, const DatabaseAccess& database)
+std::vector<Explanation> explainFetches(std::span<const LedgerFetch> fetches, const DatabaseAccess& database,
+                                        std::unique_ptr<Connection> connection)
 {
-    std::vector<CellDiagnostic> diagnostics = log.known;
-    const bool hasQuestions = std::ranges::any_of(
-        log.doubtful, [](const DoubtfulFetch& fetch) { return fetch.answer.failure.empty(); });
-    std::unique_ptr<Connection> connection = hasQuestions ? explainingConnection(database) : nullptr;
-    const auto questions = std::make_shared<Questions>(); // outlives a driver call that is given up
-    std::map<std::pair<LedgerArguments, std::string>, Explanation> explanations; // one may fail, its like not
-    for (const DoubtfulFetch& fetch : log.doubtful) {
-        Explanation& known = explanations[{fetch.arguments, fetch.answer.failure}];
-        if (known.reason.empty())
-            known = explained(connection, questions, fetch.arguments, fetch.answer);
-        diagnostics.push_back({fetch.place, fetch.isReferenced ? "REF_F" : "Acct",
-                               fetch.isReferenced ? "被引用的单元格：" + known.reason : known.reason,
-                               known.outcome});
+    std::vector<LedgerFetch> open;
+    std::ranges::copy_if(fetches, std::back_inserter(open), isOpen);
+    std::optional<LedgerQuestions> answers;
+    std::string unanswered;
+    try {
+        if (!open.empty())
+            answers = fetchedAnswers(database, std::move(connection), std::move(open));
+    } catch (const WorkCancelled&) {
+        unanswered = notLookedFor;
+    } catch (const DatabaseNotOpened& error) {
+        unanswered = error.what();
+    } catch (const std::exception& error) {
+        unanswered = notFound + failures::sentenceOf(error);
     }
-    std::ranges::stable_sort(diagnostics, {}, &CellDiagnostic::place);
-    const auto repeated = std::ranges::unique(diagnostics);
-    diagnostics.erase(repeated.begin(), repeated.end());
-    return diagnostics;
+    std::vector<Explanation> explanations;
+    for (const LedgerFetch& fetch : fetches)
+        explanations.push_back(explained(fetch, [&] {
+            return answers ? causeOfNoData(*answers, fetch)
+                           : Explanation{unanswered, outcomeUnexplained(fetch.answer)};
+        }));
+    return explanations;
 }
 
 } // namespace selfreport

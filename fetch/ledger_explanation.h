@@ -1,7 +1,8 @@
 #pragma once
 #include "fetch/diagnostics.h"
-#include "fetch/fetch_log.h"
+#include "fetch/ledger_fetch.h"
 
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -11,14 +12,21 @@ namespace selfreport {
 class Connection;
 class DatabaseAccess;
 
-/// Why a ledger fetch gave no amount, or that a condition was left out: one Chinese sentence. The causes are
-/// looked for in this order: a failed step, no account given, unknown fetch type, currency, item class,
-/// account, item; else the ledger has no data for the period. @throws DatabaseError
-std::string explainLedgerFetch(Connection& connection, const LedgerArguments& arguments,
-                               const LedgerAnswer& answer);
+/// What is told of a fetch.
+struct Explanation {
+    std::string reason; ///< one Chinese sentence; "" if it gave what was asked for
+    FetchOutcome outcome = FetchOutcome::doubtful;
+};
 
-/// The reasons of one recalculation, each cell's in the order found; equal fetches are looked into once. It
-/// opens a connection of its own unless the database could not be opened in the recalculation under way.
-std::vector<CellDiagnostic> explainFetches(const FetchLog& log, const DatabaseAccess& database);
+/// Why a ledger fetch gave no amount, or that a condition was left out. The causes are looked for in this
+/// order: a failed step, no account given, unknown fetch type, currency, item class, account, item; else the
+/// ledger has no data for the period. @throws ConnectionLost
+std::string explainLedgerFetch(Connection& connection, const LedgerFetch& fetch);
+
+/// The same for many, one for each. What they ask the ledger is asked once, in two round trips, unless the
+/// database could not be opened in the recalculation under way.
+/// @param connection  an open one for it; null: it opens one of its own
+std::vector<Explanation> explainFetches(std::span<const LedgerFetch> fetches, const DatabaseAccess& database,
+                                        std::unique_ptr<Connection> connection = nullptr);
 
 } // namespace selfreport

@@ -33,13 +33,6 @@ std::string itemClassesStatement(std::span<const std::string> names)
     return sql;
 }
 
-std::optional<std::string> plainTable(const std::string& table)
-{
-    if (isPlainIdentifier(trimmed(table)))
-        return table;
-    return std::nullopt;
-}
-
 ItemTables itemTablesOf(Connection& connection, const std::vector<std::string>& names)
 {
     constexpr std::size_t mostBranches = 100; // of one compound statement
@@ -139,6 +132,13 @@ LedgerAnswer singleFetch(Connection& connection, const LedgerArguments& argument
 }
 
 } // namespace
+
+std::optional<std::string> plainTable(const std::string& table)
+{
+    if (isPlainIdentifier(trimmed(table)))
+        return table;
+    return std::nullopt;
+}
 
 std::optional<std::string> itemTableOf(Connection& connection, const std::string& className)
 {

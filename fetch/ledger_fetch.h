@@ -32,6 +32,12 @@ struct LedgerAnswer {
     bool isDeclined = false; ///< the procedure itself said that its answer is not valid
 };
 
+/// A call's arguments and what it gave for them.
+struct LedgerFetch {
+    LedgerArguments arguments;
+    LedgerAnswer answer;
+};
+
 /// One ledger fetch: opens the connection, looks the item classes up, calls `sp_GS_AcctProc` and closes the
 /// connection. A step that fails is left out and its reason kept; nothing is told but a failed opening. An
 /// empty account expression gives no amount and leaves the connection open. @throws WorkCancelled
@@ -40,6 +46,9 @@ LedgerAnswer fetchFromLedger(DatabaseAccess& database, const LedgerArguments& ar
 /// The table that lists a class's items; nothing if there is no such class or its table is no plain
 /// identifier. @throws DatabaseError
 std::optional<std::string> itemTableOf(Connection& connection, const std::string& className);
+
+/// A table's name as it may stand in a statement; nothing if it is no plain identifier.
+std::optional<std::string> plainTable(const std::string& table);
 
 /// The call that fetches `sql`'s amounts.
 ProcedureCall ledgerProcedureCall(const LedgerArguments& arguments, std::string sql);

@@ -86,8 +86,33 @@ TEST(ServerRoundTrips, EmptyCellsAskEachQuestionOnce)
     evaluation.recalculate();
     ASSERT_EQ(evaluation.diagnostics().size(), static_cast<std::size_t>(cells));
     EXPECT_EQ(evaluation.diagnostics()[0].reason, "科目“8002”不存在");
-    // Two sessions looked after, one batch of fetches, the fetch type, five accounts.
-    EXPECT_LE(ledger.server.journal.requests().size(), 9U);
+    // The session looked after, one batch of fetches, one of questions.
+    EXPECT_LE(ledger.server.journal.requests().size(), 3U);
+}
+
+TEST(ServerRoundTrips, ARefusedBatchOfQuestionsIsAskedByHalves)
+{
+    ServedLedger ledger;
+    Workbook workbook;
+    demand(workbook.sheet(1).setFormula({1, 1}, closing("8001")));
+    demand(workbook.sheet(1).setFormula({1, 2}, R"(Acct("1001","2","XXX","2025","1","2"))"));
+    demand(workbook.sheet(1).setFormula({1, 3}, closing("1122|客户|999")));
+    ReportEvaluation evaluation(workbook, sharedContext.database);
+    evaluation.addSelfFunction();
+    const auto refuseQuestions = [](tds::Reply& reply) {
+        reply = {};
+        reply.error(208, "对象名 'tblCurrency' 无效。");
+        reply.done(tds::Reply::Done::statement, -1, true);
+        reply.finish();
+    };
+    for (int before = 0; before < 2; ++before) // lookup of the class, calls
+        ledger.server.faults.order({tds::Step::batch, tds::Cut::none, tds::Ending::closed, {}, {}});
+    ledger.server.faults.order({tds::Step::batch, tds::Cut::none, tds::Ending::closed, refuseQuestions, {}});
+    evaluation.recalculate();
+    std::string reasons;
+    for (const CellDiagnostic& diagnostic : evaluation.diagnostics())
+        reasons += diagnostic.reason + ";";
+    EXPECT_EQ(reasons, "科目“8001”不存在;货币“XXX”不存在;“客户”中没有项目“999”;");
 }
 
 TEST(ServerRoundTrips, ABatchThatIsRefusedIsDoneCallByCall)
