@@ -19,6 +19,25 @@ namespace {
 /// Readings over more columns than this stand once in their sheet's list, not in every column's.
 constexpr int wideReading = 16;
 
+/// The place behind the cells from `first` on that have its formula.
+int endOfStretch(const std::uint32_t* formulas, int first, int count)
+{
+    constexpr int atOnce = 16; // compared without a branch for each: most stretches are long
+    const std::uint32_t formula = formulas[first];
+    int end = first + 1;
+    const auto sixteenAlike = [&] {
+        std::uint32_t difference = 0;
+        for (int i = 0; i < atOnce; ++i)
+            difference |= formulas[end + i] ^ formula;
+        return difference == 0;
+    };
+    while (end + atOnce <= count && sixteenAlike())
+        end += atOnce;
+    while (end < count && formulas[end] == formula)
+        ++end;
+    return end;
+}
+
 } // namespace
 
 void DependencyGraph::build(const Book& book)
@@ -84,14 +103,15 @@ void DependencyGraph::collectRuns(const Book& book)
             };
             for (const Column::Slot& slot : sheet.column(column)->slots()) {
                 const std::uint32_t* formulas = slot.block->formulas();
-                for (int i = 0; formulas && i < slot.block->count(); ++i) {
+                for (int i = 0; formulas && i < slot.block->count();) {
                     const int row = slot.firstRow + i;
                     if (formulas[i] != run.formula || row != run.cells.bottom + 1) {
                         finish();
                         run.formula = formulas[i];
                         run.cells.top = row;
                     }
-                    run.cells.bottom = row;
+                    i = endOfStretch(formulas, i, slot.block->count());
+                    run.cells.bottom = slot.firstRow + i - 1;
                 }
             }
             finish();
