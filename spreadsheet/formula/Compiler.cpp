@@ -1,87 +1,137 @@
 #include "spreadsheet/formula/Compiler.h"
 
+#include "spreadsheet/formula/formula_grammar.h"
 #include "spreadsheet/formula/operator_table.h"
 #include "spreadsheet/formula/Vocabulary.h"
 #include "spreadsheet/values/Array.h"
-#include "spreadsheet/values/case_fold.h"
-#include "text/quotes.h"
 
 #include <algorithm>
 
 namespace spreadsheet {
 
-// Formulas come from files and from the clipboard, so nesting must not use up the program's stack: operators
-// and brackets wait on stacks of our own. Which code an argument becomes depends on the call around it
-// (single value, range, element by element, branch), hence each open bracket keeps what is known of its call,
-// and code is emitted as soon as it is certain, without a tree in between.
+// Which code an argument becomes depends on the call around it (single value, range, element by element,
+// branch), hence each open call keeps what is known of it, and code is emitted as soon as it is certain,
+// without a tree in between.
 
 namespace {
 
-using Place = OperatorRow::Place;
-
-/// An open bracket or call, with what its operators wait for.
+/// An open call. The first one is the whole formula, which is none.
 struct Frame {
     const FunctionDescriptor* function = nullptr;
-    int custom = -1; ///< number of a function that the program registers
-    bool isCall = false;
+    int custom = -1;         ///< number of a function that the program registers
     bool isCorner = false;   ///< the call stands behind ":"
     bool byElements = false; ///< branches chosen element by element: the condition may be an array
     bool arrayMode = false;  ///< of the operators inside the present argument
     bool outerArrayMode = false;
-    std::size_t position = 0;
-    std::size_t operators = 0; ///< size of the operator stack when it opened
-    int arguments = 0;         ///< finished ones
-    int argumentStart = 0;     ///< position in the code of the present argument
-    int firstSlot = -1;        ///< slot of the first argument if that is a plain reference
-    int depth = 0;             ///< operands below
-    int pendingJump = -1;      ///< a jump whose target is the next argument
-    int condition = -1;        ///< the jump behind IF's condition
-    std::vector<int> exits;    ///< jumps whose target is the end of the call
+    int arguments = 0;      ///< finished ones
+    int argumentStart = 0;  ///< position in the code of the present argument
+    int firstSlot = -1;     ///< slot of the first argument if that is a plain reference
+    int depth = 0;          ///< operands below
+    int pendingJump = -1;   ///< a jump whose target is the next argument
+    int condition = -1;     ///< the jump behind IF's condition
+    std::vector<int> exits; ///< jumps whose target is the end of the call
 };
 
-class Compiler {
+class Compiler final : public FormulaListener {
 public:
-    Compiler(LexedFormula& lexed, Vocabulary& vocabulary, bool asArray, Formula& formula)
+    Compiler(const LexedFormula& lexed, Vocabulary& vocabulary, bool asArray, Formula& formula)
         : m_lexed(lexed)
         , m_vocabulary(vocabulary)
         , m_formula(formula)
+        , m_frames(1)
     {
         m_formula.isArrayFormula = asArray;
-        Frame root;
-        root.arrayMode = asArray;
-        m_frames.push_back(std::move(root));
+        frame().arrayMode = asArray;
     }
 
-    Refusal run()
+    void constant(std::size_t /*at*/, const Value& value) override
     {
-        for (m_at = 0; !m_problem && token().kind != Token::Kind::end; ++m_at) {
-            if (m_expectOperand)
-                operand();
-            else
-                afterOperand();
+        switch (value.kind()) {
+        case ValueKind::number:
+            return push(Op::number, keep(m_formula.numbers, value.number()));
+        case ValueKind::text:
+            return push(Op::text, keep(m_formula.texts, value.text()));
+        case ValueKind::boolean:
+            return push(Op::boolean, value.boolean());
+        default:
+            return push(Op::error, static_cast<int>(value.error()));
         }
-        if (!m_problem && m_frames.size() > 1)
-            fail("缺少右括号", m_frames.back().position);
-        if (!m_problem && m_expectOperand)
-            fail(m_lexed.tokens.size() == 1 ? "公式是空的" : "公式不完整");
-        if (m_problem)
-            return m_problem;
-        reduce(-1);
-        m_formula.pieces = std::move(m_lexed.pieces);
-        m_formula.slots = std::move(m_lexed.slots);
+    }
+
+    void array(std::size_t /*at*/, std::shared_ptr<const Array> array) override
+    {
+        push(Op::array, keep(m_formula.arrays, std::move(array)));
+    }
+
+    void reference(std::size_t at) override { push(Op::reference, token(at).index); }
+
+    Refusal name(std::size_t at) override
+    {
+        if (!NameTable::isValid(token(at).text))
+            return {"名称写法不对", token(at).position};
+        push(Op::name, keep(m_formula.names, m_vocabulary.names.number(token(at).text)));
+        return {};
+    }
+
+    void missing() override { push(Op::missing, 0); }
+
+    void brackets(std::size_t /*at*/) override {} // what stands in them has its code
+
+    void operation(const OperatorRow& row, std::size_t /*at*/) override
+    {
+        emit(row.op);
+        if (row.op == Op::range) // the cells between two corners stand in no slot
+            m_formula.readsUnlisted = m_formula.isVolatile = true;
+        if (row.place == OperatorRow::Place::between)
+            --m_depth;
+    }
+
+    void openCall(std::size_t at, bool isCorner) override
+    {
+        Frame opened;
+        opened.isCorner = isCorner;
+        opened.function = m_vocabulary.findFunction(token(at).text);
+        if (!opened.function)
+            opened.custom = m_vocabulary.customs.number(token(at).text);
+        opened.depth = m_depth;
+        opened.argumentStart = here();
+        opened.arrayMode = opened.outerArrayMode = frame().arrayMode;
+        m_frames.push_back(std::move(opened));
+        setArgumentMode();
+    }
+
+    void argument() override
+    {
+        ++frame().arguments;
+        noteArrayCondition();
+        notePlainReference();
+        if (branching())
+            branchAfterArgument();
+        setArgumentMode();
+    }
+
+    Refusal closeCall(std::size_t at, int arguments) override
+    {
+        const bool jumps = branching();
+        Frame closed = std::move(m_frames.back());
+        if (closed.function &&
+            (arguments < closed.function->minArguments || arguments > closed.function->maxArguments))
+            return {"函数 " + std::string(closed.function->name) + " 的参数个数不对", token(at).position};
+        m_frames.pop_back();
+        m_depth = closed.depth + 1;
+        m_formula.stackDepth = std::max(m_formula.stackDepth, m_depth);
+        if (jumps)
+            finishBranches(closed);
+        else if (closed.function)
+            emitCall(*closed.function, arguments, closed.byElements);
+        else
+            emit(Op::callCustom, customIndex(closed.custom), arguments);
         return {};
     }
 
 private:
-    const Token& token() const { return m_lexed.tokens[m_at]; }
+    const Token& token(std::size_t at) const { return m_lexed.tokens[at]; }
     Frame& frame() { return m_frames.back(); }
-
-    void fail(std::string reason) { fail(std::move(reason), token().position); }
-    void fail(std::string reason, std::size_t position)
-    {
-        if (!m_problem)
-            m_problem = Refusal(std::move(reason), position);
-    }
 
     // Code.
 
@@ -102,7 +152,6 @@ private:
     {
         emit(op, index);
         m_formula.stackDepth = std::max(m_formula.stackDepth, ++m_depth);
-        m_expectOperand = false;
     }
 
     template <typename T>
@@ -110,150 +159,6 @@ private:
     {
         pool.push_back(std::move(value));
         return static_cast<int>(pool.size()) - 1;
-    }
-
-    void reduce(int downTo)
-    {
-        while (m_operators.size() > frame().operators && m_operators.back()->precedence >= downTo) {
-            const OperatorRow& row = *m_operators.back();
-            m_operators.pop_back();
-            emit(row.op);
-            if (row.op == Op::range) // the cells between two corners stand in no slot
-                m_formula.readsUnlisted = m_formula.isVolatile = true;
-            if (row.place == Place::between)
-                --m_depth;
-        }
-    }
-
-    // Where an operand may stand.
-
-    void operand()
-    {
-        switch (token().kind) {
-        case Token::Kind::number:
-            return push(Op::number, keep(m_formula.numbers, token().number));
-        case Token::Kind::text:
-            return push(Op::text, keep(m_formula.texts, Text(quotes::within(token().text))));
-        case Token::Kind::error:
-            return push(Op::error, static_cast<int>(*parseErrorText(token().text)));
-        case Token::Kind::reference:
-            return push(Op::reference, token().index);
-        case Token::Kind::name:
-            return name();
-        case Token::Kind::function:
-            return openCall();
-        case Token::Kind::open:
-            return openFrame({});
-        case Token::Kind::close:
-            return closeEmpty();
-        case Token::Kind::comma:
-            return leftOut();
-        case Token::Kind::openArray:
-            return arrayConstant();
-        case Token::Kind::operation:
-            return sign();
-        default:
-            return fail("此处缺少数值或引用");
-        }
-    }
-
-    void name()
-    {
-        const std::string folded = foldedName(token().text);
-        if (folded == "TRUE" || folded == "FALSE")
-            return push(Op::boolean, folded == "TRUE");
-        if (!NameTable::isValid(token().text))
-            return fail("名称写法不对");
-        push(Op::name, keep(m_formula.names, m_vocabulary.names.number(token().text)));
-    }
-
-    void sign()
-    {
-        if (const OperatorRow* const sign = findOperator(token().text, Place::before))
-            m_operators.push_back(sign);
-        else
-            fail("此处缺少数值或引用");
-        if (m_operators.size() > frame().operators + 4 * maxNesting)
-            fail("符号太多");
-    }
-
-    void arrayConstant()
-    {
-        std::vector<std::vector<Value>> rows(1);
-        for (++m_at;; ++m_at) {
-            rows.back().push_back(arrayElement());
-            if (m_problem)
-                return;
-            const Token::Kind kind = token().kind;
-            if (kind == Token::Kind::closeArray)
-                break;
-            if (kind == Token::Kind::semicolon)
-                rows.emplace_back();
-            else if (kind != Token::Kind::comma)
-                return fail("数组常量写法不对");
-        }
-        auto array = std::make_shared<Array>(static_cast<int>(rows.size()), static_cast<int>(rows[0].size()));
-        for (std::size_t row = 0; row < rows.size(); ++row) {
-            if (rows[row].size() != rows[0].size())
-                return fail("数组常量各行的个数不同");
-            for (std::size_t column = 0; column < rows[row].size(); ++column)
-                array->at(static_cast<int>(row), static_cast<int>(column)) = std::move(rows[row][column]);
-        }
-        push(Op::array, keep(m_formula.arrays, std::shared_ptr<const Array>(std::move(array))));
-    }
-
-    /// One element of an array constant; m_at is left behind it.
-    Value arrayElement()
-    {
-        double factor = 1;
-        while (token().kind == Token::Kind::operation && (token().text == "-" || token().text == "+")) {
-            factor = token().text == "-" ? -factor : factor;
-            ++m_at;
-        }
-        Value value;
-        const std::string folded =
-            token().kind == Token::Kind::name ? foldedName(token().text) : std::string();
-        if (token().kind == Token::Kind::number)
-            value = Value(factor * token().number);
-        else if (token().kind == Token::Kind::text)
-            value = Value::text(quotes::within(token().text));
-        else if (token().kind == Token::Kind::error)
-            value = Value(*parseErrorText(token().text));
-        else if (folded == "TRUE" || folded == "FALSE")
-            value = Value::boolean(folded == "TRUE");
-        else
-            fail("数组常量只能包含常量");
-        if (!m_problem)
-            ++m_at;
-        return value;
-    }
-
-    // Brackets and calls.
-
-    void openFrame(Frame opened)
-    {
-        if (m_frames.size() > maxNesting)
-            return fail("括号嵌套太深");
-        opened.position = token().position;
-        opened.operators = m_operators.size();
-        opened.depth = m_depth;
-        opened.argumentStart = here();
-        opened.outerArrayMode = frame().arrayMode;
-        opened.arrayMode = opened.outerArrayMode;
-        m_frames.push_back(std::move(opened));
-        setArgumentMode();
-        m_expectOperand = true;
-    }
-
-    void openCall()
-    {
-        Frame opened;
-        opened.isCall = true;
-        opened.isCorner = m_operators.size() > frame().operators && m_operators.back()->op == Op::range;
-        opened.function = m_vocabulary.findFunction(token().text);
-        if (!opened.function)
-            opened.custom = m_vocabulary.customs.number(token().text);
-        openFrame(std::move(opened));
     }
 
     void setArgumentMode()
@@ -269,37 +174,6 @@ private:
     {
         const Frame& open = m_frames.back();
         return open.function && open.function->has(branches) && !open.outerArrayMode && !open.byElements;
-    }
-
-    void leftOut()
-    {
-        if (!frame().isCall)
-            return fail("此处缺少数值或引用");
-        push(Op::missing, 0);
-        finishArgument();
-        m_expectOperand = true;
-    }
-
-    void closeEmpty()
-    {
-        if (!frame().isCall)
-            return fail(m_frames.size() > 1 ? "括号里是空的" : "多了一个右括号");
-        if (frame().arguments > 0) {
-            push(Op::missing, 0);
-            finishArgument();
-        }
-        closeCall();
-    }
-
-    void finishArgument()
-    {
-        reduce(-1);
-        ++frame().arguments;
-        noteArrayCondition();
-        notePlainReference();
-        if (branching())
-            branchAfterArgument();
-        setArgumentMode();
     }
 
     /// IF({1,0},…) gives an array of both branches, so none of them may be jumped over.
@@ -336,25 +210,6 @@ private:
             open.firstSlot = slot;
         else if (open.arguments == 3 && open.firstSlot >= 0)
             m_formula.widened.push_back({slot, open.firstSlot});
-    }
-
-    void closeCall()
-    {
-        const bool jumps = branching();
-        Frame closed = std::move(m_frames.back());
-        if (closed.function && (closed.arguments < closed.function->minArguments ||
-                                closed.arguments > closed.function->maxArguments))
-            return fail("函数 " + std::string(closed.function->name) + " 的参数个数不对", closed.position);
-        m_frames.pop_back();
-        m_depth = closed.depth + 1;
-        m_formula.stackDepth = std::max(m_formula.stackDepth, m_depth);
-        m_expectOperand = false;
-        if (jumps)
-            return finishBranches(closed);
-        if (closed.function)
-            emitCall(*closed.function, closed.arguments, closed.byElements);
-        else
-            emit(Op::callCustom, customIndex(closed.custom), closed.arguments);
     }
 
     void emitCall(const FunctionDescriptor& function, int arguments, bool byElements)
@@ -442,94 +297,24 @@ private:
         m_formula.code[static_cast<std::size_t>(here() - choices - 1)].other = here();
     }
 
-    // Behind an operand.
-
-    void afterOperand()
-    {
-        switch (token().kind) {
-        case Token::Kind::operation:
-            return binary();
-        case Token::Kind::comma:
-            return comma();
-        case Token::Kind::close:
-            return close();
-        case Token::Kind::reference:
-        case Token::Kind::name:
-        case Token::Kind::function:
-        case Token::Kind::open:
-            if (!token().blankBefore)
-                return fail("此处缺少运算符");
-            between(" ");
-            return operand();
-        default:
-            return fail("此处缺少运算符");
-        }
-    }
-
-    void binary()
-    {
-        if (const OperatorRow* const behind = findOperator(token().text, Place::behind)) {
-            reduce(behind->precedence);
-            emit(behind->op);
-        } else {
-            between(token().text);
-        }
-    }
-
-    /// An operator whose second operand is to come.
-    void between(std::string_view text)
-    {
-        const OperatorRow* const row = findOperator(text, Place::between);
-        if (!row)
-            return fail("此处缺少数值或引用");
-        reduce(row->precedence);
-        m_operators.push_back(row);
-        m_expectOperand = true;
-    }
-
-    void comma()
-    {
-        if (frame().isCall) {
-            finishArgument();
-            if (frame().arguments > manyArguments)
-                return fail("参数太多");
-        } else if (m_frames.size() > 1) {
-            between(",");
-        } else {
-            return fail("此处不能用逗号");
-        }
-        m_expectOperand = true;
-    }
-
-    void close()
-    {
-        if (m_frames.size() == 1)
-            return fail("多了一个右括号");
-        if (frame().isCall) {
-            finishArgument();
-            return closeCall();
-        }
-        reduce(-1);
-        m_frames.pop_back();
-    }
-
-    LexedFormula& m_lexed;
+    const LexedFormula& m_lexed;
     Vocabulary& m_vocabulary;
     Formula& m_formula;
     std::vector<Frame> m_frames;
-    std::vector<const OperatorRow*> m_operators;
     std::vector<std::vector<int>> m_choiceStarts;
-    Refusal m_problem;
-    std::size_t m_at = 0;
     int m_depth = 0;
-    bool m_expectOperand = true;
 };
 
 } // namespace
 
 Refusal compileFormula(LexedFormula& lexed, Vocabulary& vocabulary, bool asArray, Formula& formula)
 {
-    return Compiler(lexed, vocabulary, asArray, formula).run();
+    Compiler compiler(lexed, vocabulary, asArray, formula);
+    if (auto problem = parseFormula(lexed.tokens, compiler))
+        return problem;
+    formula.pieces = std::move(lexed.pieces);
+    formula.slots = std::move(lexed.slots);
+    return {};
 }
 
 } // namespace spreadsheet

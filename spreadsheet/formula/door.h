@@ -5,6 +5,7 @@
 #include "spreadsheet/formula/CustomFunction.h"
 #include "spreadsheet/formula/CustomFunctions.h"
 #include "spreadsheet/formula/Formula.h"
+#include "spreadsheet/formula/formula_grammar.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/formula/FunctionDescriptor.h"
 #include "spreadsheet/formula/Lexer.h"

@@ -9,6 +9,7 @@
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/formula/operator_table.h"
 #include "spreadsheet/functions/FunctionTable.h"
+#include "spreadsheet/values/Array.h"
 #include "text/ascii.h"
 
 #include <algorithm>
@@ -43,8 +44,8 @@ bool returnsReference(std::string_view name)
 
 bool joinsReferences(const FormulaNode& node)
 {
-    return node.kind == FormulaNode::Kind::binary &&
-           (node.text == ":" || node.text == " " || node.text == ",");
+    return node.symbol &&
+           (node.symbol->op == Op::range || node.symbol->op == Op::intersect || node.symbol->op == Op::unite);
 }
 
 class TokenWriter {
@@ -92,35 +93,33 @@ private:
         case FormulaNode::Kind::name:
             return name(node.text, wanted);
         case FormulaNode::Kind::array:
-            return array(node);
+            return array(*node.array);
         case FormulaNode::Kind::call:
             return call(node, wanted);
-        case FormulaNode::Kind::prefix:
-        case FormulaNode::Kind::percent:
-        case FormulaNode::Kind::binary:
+        case FormulaNode::Kind::operation:
         case FormulaNode::Kind::brackets:
             return operation(node, wanted);
+        case FormulaNode::Kind::constant:
+            return constant(node.value);
         default:
-            return constant(node);
+            return byte(tokenMissing);
         }
     }
 
-    void constant(const FormulaNode& node)
+    void constant(const Value& value)
     {
-        switch (node.kind) {
-        case FormulaNode::Kind::number:
-            return number(node.number);
-        case FormulaNode::Kind::text:
+        switch (value.kind()) {
+        case ValueKind::number:
+            return number(value.number());
+        case ValueKind::text:
             byte(tokenText);
-            return characters(m_result.tokens, node.text, false);
-        case FormulaNode::Kind::error:
-            byte(tokenError);
-            return byte(codeOfError(static_cast<CellError>(static_cast<int>(node.number))));
-        case FormulaNode::Kind::boolean:
+            return characters(m_result.tokens, value.textView(), false);
+        case ValueKind::boolean:
             byte(tokenBoolean);
-            return byte(node.number != 0);
+            return byte(value.boolean());
         default:
-            return byte(tokenMissing);
+            byte(tokenError);
+            return byte(codeOfError(value.error()));
         }
     }
 
@@ -134,7 +133,7 @@ private:
         appendNumber(m_result.tokens, number);
     }
 
-    void characters(std::vector<std::byte>& to, const std::string& text, bool isLong)
+    void characters(std::vector<std::byte>& to, std::string_view text, bool isLong)
     {
         const std::u16string units = utf16Of(text);
         if (units.size() > 255)
@@ -160,14 +159,7 @@ private:
         const bool isBrackets = node.kind == FormulaNode::Kind::brackets;
         for (const int child : node.children)
             this->node(child, isBrackets ? wanted : inner);
-        if (isBrackets)
-            byte(tokenBrackets);
-        else if (node.kind == FormulaNode::Kind::percent)
-            byte(findOperator("%", OperatorRow::Place::behind)->xlsToken);
-        else if (node.kind == FormulaNode::Kind::prefix)
-            byte(findOperator(node.text, OperatorRow::Place::before)->xlsToken);
-        else
-            byte(findOperator(node.text, OperatorRow::Place::between)->xlsToken);
+        byte(isBrackets ? std::uint8_t{tokenBrackets} : node.symbol->xlsToken);
     }
 
     /// The length of the tokens that make an area stands before them.
@@ -182,7 +174,7 @@ private:
         const std::size_t start = m_result.tokens.size();
         for (const int child : node.children)
             this->node(child, Wanted::reference);
-        byte(findOperator(node.text, OperatorRow::Place::between)->xlsToken);
+        byte(node.symbol->xlsToken);
         if (isOutermost) {
             putNumber(m_result.tokens, start - 2, static_cast<std::uint16_t>(m_result.tokens.size() - start));
             m_inJoined = false;
@@ -212,47 +204,47 @@ private:
         m_result.tokens.resize(m_result.tokens.size() + (isArea ? 8 : 4));
     }
 
-    void name(const std::string& text, Wanted wanted)
+    void name(std::string_view text, Wanted wanted)
     {
         const int number = m_links.name(text);
         if (number == 0)
-            fail("名称“" + text + "”没有定义");
+            fail("名称“" + std::string(text) + "”没有定义");
         byte(classed(tokenName, wanted));
         word(static_cast<unsigned>(number));
         word(0);
     }
 
-    void array(const FormulaNode& node)
+    void array(const Array& array)
     {
         byte(tokenArray + arrayClass);
         m_result.tokens.resize(m_result.tokens.size() + 7);
-        const std::size_t rows = node.children.size() / static_cast<std::size_t>(node.columns);
-        if (node.columns > 256 || rows > 65536)
+        if (array.columns() > 256 || array.rows() > 65536)
             return fail("数组常量太大");
         auto& extra = m_result.extra;
-        extra.push_back(static_cast<std::byte>(node.columns - 1));
-        appendNumber(extra, static_cast<std::uint16_t>(rows - 1));
-        for (const int child : node.children)
-            arrayElement(m_tree.nodes[static_cast<std::size_t>(child)]);
+        extra.push_back(static_cast<std::byte>(array.columns() - 1));
+        appendNumber(extra, static_cast<std::uint16_t>(array.rows() - 1));
+        for (int row = 0; row < array.rows(); ++row)
+            for (int column = 0; column < array.columns(); ++column)
+                arrayElement(array.at(row, column));
     }
 
-    void arrayElement(const FormulaNode& node)
+    void arrayElement(const Value& value)
     {
         auto& extra = m_result.extra;
         const auto typed = [&](unsigned type, std::uint64_t payload) {
             extra.push_back(static_cast<std::byte>(type));
             appendNumber(extra, payload);
         };
-        switch (node.kind) {
-        case FormulaNode::Kind::text:
+        switch (value.kind()) {
+        case ValueKind::text:
             extra.push_back(std::byte(2));
-            return characters(extra, node.text, true);
-        case FormulaNode::Kind::boolean:
-            return typed(4, node.number != 0);
-        case FormulaNode::Kind::error:
-            return typed(0x10, codeOfError(static_cast<CellError>(static_cast<int>(node.number))));
+            return characters(extra, value.textView(), true);
+        case ValueKind::boolean:
+            return typed(4, value.boolean());
+        case ValueKind::error:
+            return typed(0x10, codeOfError(value.error()));
         default:
-            return typed(1, std::bit_cast<std::uint64_t>(node.number));
+            return typed(1, std::bit_cast<std::uint64_t>(value.number()));
         }
     }
 
@@ -272,8 +264,7 @@ private:
         if (byName) {
             byte(tokenExternName);
             word(static_cast<unsigned>(m_links.functionsBook()));
-            word(static_cast<unsigned>(
-                m_links.function(ours ? std::string_view(name) : std::string_view(node.text))));
+            word(static_cast<unsigned>(m_links.function(ours ? std::string_view(name) : node.text)));
             word(0);
         }
         arguments(node, ours, wanted);

@@ -1,36 +1,28 @@
 #pragma once
 #include "spreadsheet/formula/Lexer.h"
+#include "spreadsheet/values/Value.h"
 
-#include <string>
+#include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
 namespace spreadsheet {
 
+class Array;
+struct OperatorRow;
+
 /// A formula as a tree, for writing it in another notation.
 struct FormulaNode {
-    enum class Kind {
-        number,
-        text,
-        error,
-        boolean,
-        missing,
-        reference,
-        name,
-        array,
-        call,
-        prefix,
-        percent,
-        binary,
-        brackets
-    };
+    enum class Kind { missing, constant, array, reference, name, call, operation, brackets };
     Kind kind = Kind::missing;
-    std::string text;          ///< name, text without quotes, operator
-    double number = 0;         ///< also 0 or 1 for a truth value, the CellError for an error
-    int slot = 0;              ///< of a reference
-    int blanks = 0;            ///< before its first sign
-    int columns = 0;           ///< of an array, whose elements are the children
-    std::vector<int> children; ///< positions in the tree, in the order of the text
+    Value value;                         ///< of a constant
+    std::shared_ptr<const Array> array;  ///< of an array constant
+    std::string_view text;               ///< name of a call or a name
+    const OperatorRow* symbol = nullptr; ///< of an operation
+    int slot = 0;                        ///< of a reference
+    int blanks = 0;                      ///< before its first sign
+    std::vector<int> children;           ///< positions in the tree, in the order of the text
 };
 
 struct FormulaTree {
@@ -38,8 +30,7 @@ struct FormulaTree {
     int root = -1;
 };
 
-/// Builds the tree of a formula that the engine has accepted; nothing if its form is unusual.
-/// Operators bind as the compiler has them, by the same table.
+/// The tree of a formula, whose text must outlive it; nothing if it has forms that only our grammar takes.
 std::optional<FormulaTree> formulaTree(const LexedFormula& lexed);
 
 } // namespace spreadsheet
