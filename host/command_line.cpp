@@ -3,7 +3,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <memory>
+#include <string_view>
 
 namespace selfreport {
 
@@ -58,6 +60,21 @@ constexpr auto functionsHelp = R"(按类别列出公式中可用的函数、参�
 示例:
   selfreport functions > functions.md)";
 
+/// In columns of a terminal, where what is not ASCII takes two.
+std::size_t widthOf(std::string_view text)
+{
+    std::size_t width = 0;
+    for (const char c : text)
+        width += (c & 0x80) == 0 ? 1 : (c & 0xC0) == 0xC0 ? 2 : 0;
+    return width;
+}
+
+std::string row(const std::string& name, std::size_t widest, const std::string& description)
+{
+    const std::size_t width = widthOf(name);
+    return "  " + name + std::string(std::max(widest, width) - width + 2, ' ') + description + "\n";
+}
+
 /// The library's texts around ours, in Chinese.
 class ChineseFormatter : public CLI::Formatter {
 public:
@@ -67,7 +84,6 @@ public:
         label("REQUIRED", "(必填)");
         label("SUBCOMMAND", "命令");
         label("SUBCOMMANDS", "命令");
-        column_width(34);
     }
     std::string make_usage(const CLI::App* app, std::string name) const override
     {
@@ -82,17 +98,19 @@ public:
     std::string make_subcommands(const CLI::App* app, CLI::AppFormatMode) const override
     {
         const auto commands = app->get_subcommands({});
+        std::size_t widest = 0;
+        for (const CLI::App* command : commands)
+            widest = std::max(widest, widthOf(command->get_name()));
         std::string text = commands.empty() ? "" : "\n命令:\n";
         for (const CLI::App* command : commands)
-            text += make_expanded_line(command->get_name(), command->get_description());
+            text += row(command->get_name(), widest, command->get_description());
         return text;
     }
-
-private:
-    std::string make_expanded_line(std::string name, const std::string& description) const
+    std::string make_option(const CLI::Option* option, bool isPositional) const override
     {
-        name.resize(std::max<std::size_t>(name.size(), 8), ' ');
-        return "  " + name + description + "\n";
+        constexpr std::size_t widest = 30; // of all commands alike
+        return row(make_option_name(option, isPositional) + make_option_opts(option), widest,
+                   make_option_desc(option));
     }
 };
 

@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <sstream>
+
 using ::testing::HasSubstr;
 
 TEST(CommandLine, WrongUseIsRefusedWithTwoAndNothingOnStandardOutput)
@@ -49,6 +52,37 @@ TEST(CommandLine, HelpExplainsEveryCommandAndOption)
         EXPECT_EQ(run.errors, "") << c.arguments;
         for (const char* name : c.named)
             EXPECT_THAT(run.output, HasSubstr(name)) << c.arguments;
+    }
+}
+
+/// Where the second column of a help row begins, counted as a terminal shows it; 0 if none begins.
+std::size_t secondColumn(const std::string& line)
+{
+    const std::size_t gap = line.starts_with("  ") ? line.find("  ", 2) : std::string::npos;
+    if (gap == std::string::npos || line[2] == ' ')
+        return 0;
+    const auto wide = std::ranges::count_if(line.substr(0, gap), [](char c) { return (c & 0xC0) == 0xC0; });
+    const auto following =
+        std::ranges::count_if(line.substr(0, gap), [](char c) { return (c & 0xC0) == 0x80; });
+    return line.find_first_not_of(' ', gap) + wide - following;
+}
+
+TEST(CommandLine, HelpStandsInColumns)
+{
+    for (const std::string command : {"", "demo", "list", "run", "check", "convert", "functions"}) {
+        std::istringstream help(ProgramRun(command + " --help").output);
+        std::vector<std::size_t> columns; // of the section
+        bool isSection = false;
+        for (std::string line; std::getline(help, line);) {
+            if (line.empty() || line.ends_with(":")) {
+                isSection = line == "命令:" || line == "选项:" || line == "参数:";
+                columns.clear();
+            } else if (isSection) {
+                columns.push_back(secondColumn(line));
+                EXPECT_GT(columns.back(), 0) << command << ": " << line;
+                EXPECT_EQ(columns.back(), columns.front()) << command << ": " << line;
+            }
+        }
     }
 }
 
