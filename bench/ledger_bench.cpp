@@ -6,7 +6,7 @@
 #include "demo/ledger/demo_ledger.h"
 #include "fetch/evaluation.h"
 #include "fetch/ledger_fetch.h"
-#include "platform/database/sqlite/acct_procedure.h"
+#include "platform/database/sqlite/AcctProcedure.h"
 #include "reports/report_run.h"
 #include "state/fetch_procedures.h"
 #include "state/report_procedures.h"

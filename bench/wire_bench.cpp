@@ -8,7 +8,7 @@
 #include "fetch/ledger_fetch.h"
 #include "fetch/ledger_query.h"
 #include "platform/database/Connection.h"
-#include "platform/database/sqlite/acct_procedure.h"
+#include "platform/database/sqlite/AcctProcedure.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "reports/ReportStore.h"
 #include "state/shared_state.h"

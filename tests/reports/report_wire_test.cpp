@@ -4,7 +4,7 @@
 #include "tests/fetch/TestLedger.h"
 #include "tests/golden_texts.h"
 #include "tests/tdsserver/TdsServer.h"
-#include "windows/designer/editor_saving.h"
+#include "windows/designer/EditedReport.h"
 
 #include <algorithm>
 #include <array>

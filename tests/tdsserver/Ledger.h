@@ -1,6 +1,6 @@
 #pragma once
 #include "platform/database/session/ProcedureCall.h"
-#include "platform/database/sqlite/acct_procedure.h"
+#include "platform/database/sqlite/AcctProcedure.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "tests/tdsserver/Reply.h"
 #include "tests/tdsserver/requests.h"

@@ -1,6 +1,6 @@
 #pragma once
 #include "platform/services/FileDialog.h"
-#include "windows/designer/editor_saving.h"
+#include "windows/designer/EditedReport.h"
 #include "windows/designer/Recovery.h"
 
 #include <QObject>

@@ -1,6 +1,6 @@
 #pragma once
 #include "platform/database/session/Session.h"
-#include "platform/database/sqlite/acct_procedure.h"
+#include "platform/database/sqlite/AcctProcedure.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "platform/database/sqlite/StatementCache.h"
 

@@ -1,4 +1,4 @@
-#include "windows/designer/editor_saving.h"
+#include "windows/designer/EditedReport.h"
 
 #include "windows/designer/frmSaveAs.h"
 

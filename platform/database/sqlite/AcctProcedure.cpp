@@ -1,4 +1,4 @@
-#include "platform/database/sqlite/acct_procedure.h"
+#include "platform/database/sqlite/AcctProcedure.h"
 
 #include "platform/database/session/DatabaseError.h"
 

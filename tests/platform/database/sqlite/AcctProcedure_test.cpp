@@ -1,4 +1,4 @@
-#include "platform/database/sqlite/acct_procedure.h"
+#include "platform/database/sqlite/AcctProcedure.h"
 
 #include "tests/platform/database/database_folder.h"
 
