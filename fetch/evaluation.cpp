@@ -16,6 +16,10 @@
 
 namespace selfreport {
 
+// Formulas and figures are two displays of one workbook, and undo, files and other reports must find the
+// types that the cells have as data while formulas are shown. So the type stands in each cell's tag, and the
+// display is set right at the end of every step, whatever command made it, instead of by each command.
+
 namespace {
 
 using spreadsheet::CellAddress;

@@ -19,6 +19,10 @@
 
 namespace selfreport {
 
+// A fetch without a figure is no error to the database: a mistyped code and an account without movements give
+// the same nothing. What was meant is asked afterwards, and only for those that found nothing, so that sheets
+// that are in order pay for no question, and all questions of a recalculation go out together.
+
 namespace {
 
 constexpr const char* notLookedFor = "原因没有查明，查询已取消";

@@ -9,6 +9,10 @@
 
 namespace selfreport {
 
+// Scripts and schedulers call the program, often without anybody who reads what it says. So the command line
+// is read as a whole before anything is done, a mistake is told in one sentence with an exit code of its own,
+// and each command's help says what it writes where.
+
 namespace {
 
 constexpr auto overview = R"(不给命令时打开报表窗口。

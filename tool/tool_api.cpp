@@ -28,6 +28,11 @@
 
 namespace selfreport {
 
+// Each operation is a whole command: it takes texts, writes to the streams that it is given and hands back an
+// exit code, and no exception or type of ours passes through. So the program stays a thin reader of command
+// lines, and commands can be tested without a process. Files are opened for writing before the long work
+// begins.
+
 using spreadsheet::FileError;
 using spreadsheet::PendingFile;
 using spreadsheet::PendingFiles;

@@ -2,6 +2,10 @@
 
 namespace selfreport::demo {
 
+// The chart is the usual one of trading companies with the depths, item classes and foreign currencies that
+// report formulas have to cope with. It is a table in code, as the generator and the check figures rely on
+// its codes.
+
 namespace {
 
 constexpr ChartAccount accounts[] = {

@@ -19,6 +19,11 @@
 
 namespace selfreport {
 
+// A design is lost in two ways, by a crash and by a closing without saving, and the user is asked after the
+// first only: who closed on purpose is not to be bothered. So a copy knows how its window ended, each window
+// has a file of its own, and nothing that was found is removed before it was taken up, discarded or offered
+// long enough.
+
 namespace {
 
 using namespace std::chrono_literals;

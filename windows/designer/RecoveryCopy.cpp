@@ -17,6 +17,11 @@
 
 namespace selfreport {
 
+// Whose copy is it? Windows may crash, run twice or work in one folder from several machines, and none may
+// take the other's design away. The lock on the open file answers that: it ends with its process, however
+// that ends, where a mark inside the file would stay. What is known of the design stands before the workbook,
+// so that a copy can be offered without loading it.
+
 namespace {
 
 using spreadsheet::FileError;

@@ -14,6 +14,9 @@
 
 namespace selfreport {
 
+// Users learn commands by where they stand and which key they have, so menus and toolbar are tables that look
+// like what they see. An entry without work is there because the suite's menus have it, and does nothing.
+
 namespace {
 
 using Window = frmEditor&;

@@ -34,6 +34,10 @@
 
 namespace selfreport {
 
+// Every road out of the window (close box, menu, end of the session, a host that ends its parent) must leave
+// the typed entry and the unsaved design in the same state. So all of them meet in `done`, and what cannot
+// pass it, because the window is destroyed, is caught up in the destructor.
+
 using spreadsheet::CellAddress;
 using spreadsheet::GridMode;
 

@@ -9,6 +9,9 @@
 
 namespace selfreport {
 
+// Menus, toolbar and dialogs do the same things to different targets. So each command finds its target, works
+// on the sheet within one undo step and tells the grid once, here; a window only says which command it wants.
+
 using spreadsheet::CellAddress;
 using spreadsheet::CellRange;
 using spreadsheet::CellStyle;

@@ -28,6 +28,11 @@
 
 namespace selfreport {
 
+// Which accounts a sheet forgets or counts twice depends on what its calls ask for: balances and movements,
+// years and currencies do not add up to one figure. So the calls are grouped by measure and one measure is
+// checked at a time, against the ledger as it is now and in the background, because a chart may have
+// thousands of accounts.
+
 namespace {
 
 QString groupedAmount(const std::optional<double>& amount)

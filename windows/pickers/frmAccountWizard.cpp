@@ -23,6 +23,10 @@
 
 namespace selfreport {
 
+// The wizard writes one account expression, but users think of it in rows: a class of items with a first and
+// a last code. The expression names a class and the chooser of items knows it by id, so each row keeps both,
+// and whatever changes one of them, by list, keyboard or clipboard, brings the other in step.
+
 namespace {
 
 enum Column { classColumn = 1, classIdColumn, fromColumn, toColumn };

@@ -21,6 +21,10 @@
 
 namespace selfreport {
 
+// The dialog's check boxes are choices for a printing, not a part of the design: they go to the sheet as a
+// change of its display. The range is put back unless it was printed, so that a refused or cancelled printing
+// leaves none behind.
+
 namespace {
 
 using spreadsheet::PrintSettings;

@@ -9,6 +9,10 @@
 
 namespace selfreport {
 
+// Reports have been stored with what the suite's editor made of a string, its limits and slips included. This
+// reader keeps them, so that opening and saving a header changes nothing that was not touched; the pages read
+// the same strings more generously, since for them every text counts.
+
 namespace {
 
 constexpr std::size_t longest = 99; // characters of a text, font name or size

@@ -23,6 +23,10 @@
 
 namespace selfreport {
 
+// The codes of a header are a little language that nobody wants to type. The editor is a sheet whose cells
+// stand for the parts of the lines, so that typing, fonts and keys are the grid's own; codes are made of it
+// only when it is stored.
+
 namespace {
 
 using spreadsheet::CellStyle;

@@ -22,6 +22,10 @@
 
 namespace selfreport {
 
+// Margins and orientation live twice: in the report's row, from which every opening takes them, and on the
+// sheets that are shown now. The dialog loads from the row and writes both, the sheets first: then the
+// preview behind it is right even if the database refuses, which is told and can be repeated.
+
 namespace {
 
 constexpr const char* marginNames[] = {"左:", "右:", "上:", "下:"};

@@ -23,6 +23,10 @@
 
 namespace selfreport {
 
+// Printing has many ends that are no error: no printer, a dialog that is cancelled, a figure that the user
+// wants to look at first. They leave the work as exceptions and become outcomes at one place, so that no way
+// out forgets to close a dialog or leaves half a file. A PDF is what is printed: the two cannot differ.
+
 namespace {
 
 /// Cancelled by the user.

@@ -12,6 +12,10 @@ namespace selfreport {
 
 namespace {
 
+// Three kinds of strings with different rules of quoting look alike, and a password may hold anything. So the
+// kind is found out first and the whole string is read by that kind's rules; looking for ";" and "=" would
+// cut a quoted password in two or take a part of it for a key.
+
 struct Synonym {
     std::string_view written;
     std::string_view meant;

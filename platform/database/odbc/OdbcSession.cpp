@@ -14,6 +14,11 @@
 
 namespace selfreport {
 
+// A sheet makes hundreds of small procedure calls, and each round trip to a server costs more than the call.
+// So calls go out in batches; a batch tells badly which of its calls failed and may end at one, so that what
+// got no answer is called again alone. And the driver's word is not taken for it: a cancelled statement may
+// look complete, and a dead connection alive until it is asked.
+
 namespace {
 
 // Seconds. A firewall may have dropped an idle session without telling either side.

@@ -11,6 +11,10 @@
 
 namespace selfreport {
 
+// A driver converts what it reads as it thinks fit, by the process's locale or into too short a number, and
+// calls some failures a success. So every type is read in the one form that loses nothing, decimals as text
+// first, and whether a call failed is read from the diagnostics that stand behind its result.
+
 namespace {
 
 // Above this many characters a text parameter must be a long one.

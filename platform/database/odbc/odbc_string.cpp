@@ -11,6 +11,11 @@
 
 namespace selfreport {
 
+// Hosts hand over the connection strings that they have always had, most of them for providers that exist on
+// another system. The driver would pass over a key of theirs in silence, and nobody could tell why another
+// server or no encryption was used. So each key is translated or means nothing here, and values that the
+// driver cannot take are refused.
+
 namespace {
 
 // Seconds for beginning and ending a transaction, which nobody can cancel: a server that is gone must not

@@ -7,6 +7,11 @@
 
 namespace selfreport {
 
+// The text of a fetch is written for a server that plans by statistics. Run as it stands, the embedded
+// database may walk through the whole ledger for one account. So the text is taken apart by tokens and put in
+// an order that begins with the few rows. Its meaning stays, and a condition that is not understood stays as
+// it is.
+
 HandedText::HandedText(std::string_view text)
     : m_text(text)
     , m_tokens(sqlTokens(text))

@@ -11,6 +11,10 @@
 
 namespace selfreport {
 
+// The library is friendlier than a ledger may have it: it makes an empty database of a file name that was
+// mistyped, takes missing parameters for null and reads an empty value as none. All of that is refused or put
+// right here, so that nothing above has to know which database is open.
+
 namespace {
 
 [[noreturn]] void fail(sqlite3* database)
