@@ -75,7 +75,6 @@ std::string fixedCode(const CellStyle& style)
 }
 
 using Holds = CellHolds;
-using Face = CellFace;
 
 constexpr CellTypeRow typeRows[] = {
     {.type = CellType::date,
@@ -107,16 +106,16 @@ constexpr CellTypeRow typeRows[] = {
      .holds = Holds::numbers,
      .shows = shownScientific,
      .formatCode = [](const CellStyle&) -> std::string { return "0.00E+00"; }},
-    {.type = CellType::staticText, .name = "静态文本框", .mayType = false},
+    {.type = CellType::staticText, .name = "静态文本框"},
     {.type = CellType::time,
      .name = "时间型",
      .holds = Holds::times,
      .shows = shownTime,
      .edited = editedMoment,
      .formatCode = [](const CellStyle&) -> std::string { return "hh:mm:ss"; }},
-    {.type = CellType::button, .name = "按钮型", .face = Face::button, .mayType = false},
-    {.type = CellType::dropDown, .name = "下拉框", .face = Face::arrow},
-    {.type = CellType::checkBox, .name = "复选框", .face = Face::checkBox, .mayType = false},
+    {.type = CellType::button, .name = "按钮型", .isControl = true},
+    {.type = CellType::dropDown, .name = "下拉框"},
+    {.type = CellType::checkBox, .name = "复选框", .isControl = true},
 };
 
 constexpr std::size_t highestCode =

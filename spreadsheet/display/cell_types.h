@@ -12,31 +12,19 @@ namespace spreadsheet {
 /// one.
 enum class CellHolds : std::uint8_t { anything, numbers, days, times };
 
-/// What stands in the cells of a type, on screen and on paper.
-enum class CellFace : std::uint8_t {
-    text,
-    button,   ///< around its caption
-    checkBox, ///< instead of a truth value
-    arrow,    ///< beside the text, on screen only
-};
-
-/// A cell type: a row of the table in cell_types.cpp.
+/// A cell type: a row of the table in cell_types.cpp. What its cells do is a CellBehaviour.
 struct CellTypeRow {
     CellType type;
     std::string_view name; ///< as users choose it
     CellHolds holds = CellHolds::anything;
     bool takesDecimals = false; ///< CellStyle::decimals says how many
-    CellFace face = CellFace::text;
-    bool mayType = true; ///< the user may put in a text
+    bool isControl = false;     ///< the cell is a control and nothing else: it is pressed
     /// How it shows a number (null: as generalNumberText); of what else it shows the text.
     std::string (*shows)(double number, const CellStyle& style, bool from1904) = nullptr;
     /// What would be typed into such a cell to have this number; null: its digits.
     std::string (*edited)(double number, const CellStyle& style) = nullptr;
     /// The number format code that shows numbers in the same way; null: "General".
     std::string (*formatCode)(const CellStyle& style) = nullptr;
-
-    /// Whether the cell is a control and nothing else: it is pressed, and no text is put into it.
-    bool isControl() const { return face == CellFace::button || face == CellFace::checkBox; }
 };
 
 /// All types, in the order in which users choose among them.

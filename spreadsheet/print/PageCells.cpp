@@ -1,6 +1,7 @@
 #include "spreadsheet/print/PageCells.h"
 
 #include "spreadsheet/display/cell_types.h"
+#include "spreadsheet/print/CellBehaviour.h"
 
 #include <algorithm>
 #include <utility>
@@ -42,7 +43,7 @@ std::optional<TrackExtent> extentOf(const std::vector<PageTrack>& tracks,
 HorizontalAlignment alignmentOf(const CellStyle& style, const Value& value, bool isFigure,
                                 bool showsOtherText)
 {
-    if (cellTypeRow(style.type).isControl())
+    if (cellTypeRow(style.type).isControl)
         return HorizontalAlignment::centre;
     if (showsOtherText)
         return HorizontalAlignment::left; // what is cut off a formula is its end
@@ -51,13 +52,6 @@ HorizontalAlignment alignmentOf(const CellStyle& style, const Value& value, bool
     if (value.isBoolean() || value.isError())
         return HorizontalAlignment::centre;
     return isFigure ? HorizontalAlignment::right : HorizontalAlignment::left;
-}
-
-bool isTrue(const Value& value)
-{
-    if (value.isBoolean())
-        return value.boolean();
-    return value.isNumber() ? value.number() != 0 : value.isText() && value.textView() == "1";
 }
 
 } // namespace
@@ -100,17 +94,12 @@ PageCell PageCells::read(CellAddress cell) const
     read.style = &m_sheet.style(cell);
     const Value value = m_sheet.value(cell);
     const bool showsOtherText = !m_sheet.shownText(cell).empty();
-    const CellFace face = cellTypeRow(read.style->type).face;
-    const std::string* caption =
-        face == CellFace::button && !showsOtherText ? m_sheet.buttonCaption(cell) : nullptr;
+    const std::string* caption = behaviourOf(read.style->type).caption(m_sheet, cell);
     read.isFigure = !showsOtherText && !caption &&
                     (value.isNumber() || (value.isText() && value.text().countsAsNumber()));
-    read.isTrue = isTrue(value);
+    read.isTrue = countsAsChecked(value);
     read.alignment = alignmentOf(*read.style, value, read.isFigure, showsOtherText);
-    if (caption)
-        read.text = QString::fromUtf8(*caption);
-    else if (face != CellFace::checkBox || (value.isText() && !read.isTrue))
-        read.text = QString::fromUtf8(m_sheet.displayText(cell));
+    read.text = QString::fromUtf8(caption ? *caption : m_sheet.displayText(cell));
     return read;
 }
 

@@ -1,6 +1,7 @@
 #include "spreadsheet/print/cell_text.h"
 
-#include "spreadsheet/display/cell_types.h"
+#include "spreadsheet/print/CellBehaviour.h"
+#include "spreadsheet/print/page_rect.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/print/print_colour.h"
 #include "spreadsheet/print/text_decoration.h"
@@ -17,7 +18,6 @@ namespace {
 constexpr int paddingAcross = 40; // twips between a cell's edge and its text
 constexpr int paddingDown = 20;
 constexpr double figureSlack = 60; // a figure may use most of its padding before it turns into "####"
-constexpr int checkBoxSize = 160;  // twips
 
 const QFont& fontOf(PageText& text, const CellFont& font)
 {
@@ -70,7 +70,7 @@ std::vector<TextOverflow> CellTextPainter::draw()
     }
     for (const PageSpan& span : m_cells.spans()) {
         PageBox box = span.whole;
-        if (m_drawsControls) { // on a page; a screen shows the part that is scrolled to
+        if (!m_isOnScreen) { // a screen shows the part that is scrolled to
             box.top = span.visible.top;
             box.height = span.visible.height;
         }
@@ -81,15 +81,14 @@ std::vector<TextOverflow> CellTextPainter::draw()
 
 void CellTextPainter::drawCell(const PageCell& cell, const PageBox& box, const Room* neighbours)
 {
-    const double inset = 20 * m_text.twip();
-    const CellFace face = cellTypeRow(cell.style->type).face;
-    if (m_drawsControls && face == CellFace::button)
-        drawFrame(cell,
-                  QRectF(box.left, box.top, box.width, box.height).adjusted(inset, inset, -inset, -inset));
-    if (m_drawsControls && face == CellFace::checkBox && cell.text.isEmpty())
-        drawCheckBox(cell, box);
-    else if (m_arrowWidth > 0 && face == CellFace::arrow)
-        drawText(cell, {box.left, box.top, std::max(box.width - m_arrowWidth, 0), box.height}, nullptr);
+    const CellBehaviour& behaviour = behaviourOf(cell.style->type);
+    const double twip = m_text.twip();
+    const int room = m_isOnScreen ? behaviour.roomBeside(twip) : 0;
+    if (!m_isOnScreen)
+        behaviour.draw(m_painter, cell, rectOf(box), twip,
+                       printColour(cell.style->foreground, 0x000000, m_inColour));
+    if (room > 0)
+        drawText(cell, {box.left, box.top, std::max(box.width - room, 0), box.height}, nullptr);
     else if (!cell.text.isEmpty())
         drawText(cell, box, neighbours);
 }
@@ -177,26 +176,6 @@ void CellTextPainter::drawTextFromPageBehind()
         return;
     const Room room = roomOf(m_row, m_column);
     drawText(behind->cell, box, &room);
-}
-
-void CellTextPainter::drawFrame(const PageCell& cell, const QRectF& frame)
-{
-    m_painter.setPen(QPen(printColour(cell.style->foreground, 0x000000, m_inColour), 10 * m_text.twip()));
-    m_painter.setBrush(Qt::NoBrush);
-    m_painter.drawRect(frame);
-}
-
-void CellTextPainter::drawCheckBox(const PageCell& cell, const PageBox& box)
-{
-    const double size = checkBoxSize * m_text.twip();
-    const QRectF square(box.left + (box.width - size) / 2.0, box.top + (box.height - size) / 2.0, size, size);
-    drawFrame(cell, square);
-    if (!cell.isTrue)
-        return;
-    const QPointF tick[] = {square.topLeft() + QPointF(0.2, 0.5) * size,
-                            square.topLeft() + QPointF(0.42, 0.75) * size,
-                            square.topLeft() + QPointF(0.82, 0.22) * size};
-    m_painter.drawPolyline(tick, 3);
 }
 
 /// The cell with its blank neighbours.

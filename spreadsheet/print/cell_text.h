@@ -4,7 +4,6 @@
 #include <vector>
 
 class QPainter;
-class QRectF;
 
 namespace spreadsheet {
 
@@ -36,13 +35,9 @@ public:
     {
     }
 
-    /// On a screen buttons and check boxes have looks of their own, the arrow of a drop-down takes room, and
-    /// the text of a span stands in its whole, in sight or not.
-    void drawForScreen(int arrowWidth)
-    {
-        m_drawsControls = false;
-        m_arrowWidth = arrowWidth;
-    }
+    /// On a screen controls have looks of their own, which may take room, and the text of a span stands in
+    /// its whole, in sight or not.
+    void drawForScreen() { m_isOnScreen = true; }
 
     std::vector<TextOverflow> draw();
 
@@ -54,8 +49,6 @@ private:
 
     void drawCell(const PageCell& cell, const PageBox& box, const Room* neighbours);
     void drawText(const PageCell& cell, const PageBox& box, const Room* neighbours);
-    void drawFrame(const PageCell& cell, const QRectF& frame);
-    void drawCheckBox(const PageCell& cell, const PageBox& box);
     void drawTextFromPageBefore();
     void drawTextFromPageBehind();
     Room roomOf(int row, int column) const;
@@ -65,8 +58,7 @@ private:
     const PageCells& m_cells;
     bool m_inColour;
     int m_rightLimit;
-    bool m_drawsControls = true;
-    int m_arrowWidth = 0;
+    bool m_isOnScreen = false;
     int m_row = 0, m_column = 0; ///< place of the cell being drawn
     std::vector<TextOverflow> m_overflows;
 };

@@ -1,6 +1,5 @@
 #include "spreadsheet/view/CellActions.h"
 
-#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/view/DateEntry.h"
 #include "spreadsheet/view/DropDownList.h"
 #include "spreadsheet/view/SheetView.h"
@@ -17,13 +16,6 @@ void putValue(Workbook& workbook, Sheet& sheet, CellAddress cell, Value value)
 {
     const UndoStep step(workbook, "输入");
     sheet.setValue(cell, std::move(value));
-}
-
-bool isChecked(const Value& value)
-{
-    if (value.isBoolean())
-        return value.boolean();
-    return value.isNumber() ? value.number() != 0 : value.isText() && value.textView() == "1";
 }
 
 } // namespace
@@ -43,18 +35,33 @@ bool CellActions::mayAct(CellAddress cell) const
     return !m_view.sheet().style(cell).locked;
 }
 
-void CellActions::toggleCheckBox(CellAddress cell)
+const CellBehaviour& CellActions::behaviourAt(CellAddress cell) const
+{
+    return behaviourOf(m_view.sheet().style(cell).type);
+}
+
+void CellActions::act(CellAddress cell)
+{
+    behaviourAt(cell).act(*this, cell);
+}
+
+Value CellActions::value(CellAddress cell) const
+{
+    return m_view.sheet().value(cell);
+}
+
+void CellActions::put(CellAddress cell, Value value)
 {
     Sheet& sheet = m_control.cells().shownSheet();
     if (!mayAct(cell) || (m_control.mode() == GridMode::run && sheet.hasFormula(cell))) {
         m_control.refuse("单元格已锁定，不能更改");
         return;
     }
-    putValue(m_control.cells().workbook(), sheet, cell, Value::boolean(!isChecked(sheet.value(cell))));
+    putValue(m_control.cells().workbook(), sheet, cell, std::move(value));
     m_control.afterEdit(cell);
 }
 
-void CellActions::clickButton(CellAddress cell)
+void CellActions::click(CellAddress cell)
 {
     if (mayAct(cell))
         Q_EMIT m_control.buttonClicked(cell.column, cell.row);
@@ -62,19 +69,12 @@ void CellActions::clickButton(CellAddress cell)
 
 bool CellActions::pressKey(const QKeyEvent& event)
 {
-    if (event.key() != Qt::Key_Space || event.modifiers() != Qt::NoModifier)
-        return false;
     const CellAddress cell = m_control.cursor().activeCell();
-    switch (cellTypeRow(m_view.sheet().style(cell).type).face) {
-    case CellFace::checkBox:
-        toggleCheckBox(cell);
-        return true;
-    case CellFace::button:
-        clickButton(cell);
-        return true;
-    default:
+    if (event.key() != Qt::Key_Space || event.modifiers() != Qt::NoModifier ||
+        !behaviourAt(cell).takes(CellBehaviour::Key::space))
         return false;
-    }
+    act(cell);
+    return true;
 }
 
 void CellActions::cancelDropDown()
@@ -85,11 +85,15 @@ void CellActions::cancelDropDown()
 void CellActions::openDropDown()
 {
     const CellAddress cell = m_control.cursor().activeCell();
-    if (cellTypeRow(m_view.sheet().style(cell).type).face != CellFace::arrow) {
-        m_control.showChanges(); // the cell may stand elsewhere by now
-        m_dateEntry->open();
-        return;
-    }
+    if (behaviourAt(cell).takes(CellBehaviour::Key::open))
+        return act(cell);
+    m_control.showChanges(); // the cell may stand elsewhere by now
+    m_dateEntry->open();
+}
+
+void CellActions::openList()
+{
+    const CellAddress cell = m_control.cursor().activeCell();
     if (!m_control.entry().commitHere())
         return;
     if (!mayAct(cell)) {

@@ -1,5 +1,5 @@
 #pragma once
-#include "spreadsheet/values/CellAddress.h"
+#include "spreadsheet/print/CellBehaviour.h"
 
 class QKeyEvent;
 
@@ -12,19 +12,24 @@ class SpreadsheetControl;
 
 /// What cells of some types do when users act on them: buttons, check boxes, drop-downs, calendars. They work
 /// in run mode too, unless they are locked.
-class CellActions {
+class CellActions : private CellHost {
 public:
     CellActions(SpreadsheetControl& control, SheetView& view);
 
-    bool mayAct(CellAddress cell) const;
-    void toggleCheckBox(CellAddress cell);
-    void clickButton(CellAddress cell); ///< a locked one does nothing
-    void openDropDown();                ///< of the active cell; the calendar of a date cell
-    void cancelDropDown();              ///< see SpreadsheetControl::comboDropDown
+    void act(CellAddress cell); ///< does what the cell is for
+    void openDropDown();        ///< of the active cell; the calendar of a date cell
+    void cancelDropDown();      ///< see SpreadsheetControl::comboDropDown
     /// The space bar on a button or check box. False for other keys and cells.
     bool pressKey(const QKeyEvent& event);
 
 private:
+    Value value(CellAddress cell) const override;
+    void put(CellAddress cell, Value value) override;
+    void click(CellAddress cell) override;
+    void openList() override;
+
+    bool mayAct(CellAddress cell) const;
+    const CellBehaviour& behaviourAt(CellAddress cell) const;
     void closeDropDown(int index);
 
     SpreadsheetControl& m_control;

@@ -25,7 +25,7 @@ public:
 
     bool gridLines = true;
     std::function<bool(CellAddress)> hasNote; ///< empty: no marks
-    std::optional<CellAddress> pressed;       ///< a button that is held down
+    std::optional<CellAddress> pressed;       ///< that is held down
 
     PageText& text() { return m_text; }
     /// Cells in all parts that it has painted so far.
@@ -38,10 +38,5 @@ private:
     PageText m_text;
     std::uint64_t m_paintedCells = 0;
 };
-
-/// The square of a check box in its cell.
-QRect checkBoxRect(const QRect& cell, double twip);
-/// The arrow of a drop-down at the right end of its cell.
-QRect arrowRect(const QRect& cell, double twip);
 
 } // namespace spreadsheet

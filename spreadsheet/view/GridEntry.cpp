@@ -1,6 +1,6 @@
 #include "spreadsheet/view/GridEntry.h"
 
-#include "spreadsheet/display/cell_types.h"
+#include "spreadsheet/print/CellBehaviour.h"
 #include "spreadsheet/view/CellEditor.h"
 #include "spreadsheet/view/entry_keys.h"
 #include "spreadsheet/view/InCellEditing.h"
@@ -47,7 +47,7 @@ InCellEditing* GridEntry::openInCell(EditStart start, const QString& typed)
     const Sheet& shown = m_view.sheet();
     const CellRange extent = shown.extent(m_control.cursor().activeCell());
     const CellAddress cell{extent.left, extent.top};
-    if (!cellTypeRow(shown.style(cell).type).mayType)
+    if (!behaviourOf(shown.style(cell).type).mayType())
         return nullptr;
     if (m_control.refuse(m_control.editRefusal(extent)))
         return nullptr;

@@ -1,6 +1,7 @@
 #include "spreadsheet/view/GridMouse.h"
 
 #include "spreadsheet/display/cell_types.h"
+#include "spreadsheet/print/CellBehaviour.h"
 #include "spreadsheet/view/commands/fill.h"
 #include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -171,31 +172,20 @@ void GridMouse::pressCell(const Place& place, const QMouseEvent& event)
 /// Cells of some types do something when they are clicked. True if it was one of them.
 bool GridMouse::actOn(CellAddress clicked, QPoint point)
 {
+    using Press = CellBehaviour::Press;
     const Sheet& sheet = m_view.sheet();
     const CellRange extent = sheet.extent(clicked);
     const CellAddress cell{extent.left, extent.top};
-    const QRect rect = m_view.geometry().visibleRect(extent);
-    const double twip = m_view.geometry().twip();
-    switch (cellTypeRow(sheet.style(cell).type).face) {
-    case CellFace::button:
-        m_doing = Doing::button;
+    const Press press = behaviourOf(sheet.style(cell).type)
+                            .press(m_view.geometry().visibleRect(extent), point, m_view.geometry().twip());
+    if (press == Press::holds) {
+        m_doing = Doing::holding;
         m_view.setPressed(cell);
-        return true;
-    case CellFace::checkBox:
-        if (!checkBoxRect(rect, twip).adjusted(-2, -2, 2, 2).contains(point))
-            return false;
+    } else if (press == Press::acts) {
         m_doing = Doing::nothing;
-        m_control.actions().toggleCheckBox(cell);
-        return true;
-    case CellFace::arrow:
-        if (!arrowRect(rect, twip).contains(point))
-            return false;
-        m_doing = Doing::nothing;
-        m_control.actions().openDropDown();
-        return true;
-    default:
-        return false;
+        m_control.actions().act(cell);
     }
+    return press != Press::goesOn;
 }
 
 void GridMouse::pressHeading(const Place& place, Qt::KeyboardModifiers modifiers)
@@ -269,7 +259,7 @@ void GridMouse::dragTo(QPoint point)
         if (m_control.entry().isOpen())
             pointTo(point, true);
         break;
-    case Doing::button:
+    case Doing::holding:
         m_view.setPressed(m_view.sheet().extent(m_pressed.cell).contains(cell)
                               ? std::optional(m_control.cursor().activeCell())
                               : std::nullopt);
@@ -321,7 +311,7 @@ void GridMouse::scrollIfOutside(QPoint point)
     const bool outside = alongRows      ? point.y() > area.bottom() || point.y() < area.top()
                          : alongColumns ? point.x() > area.right() || point.x() < area.left()
                                         : !area.contains(point);
-    if (m_doing == Doing::button || !outside)
+    if (m_doing == Doing::holding || !outside)
         m_scroll.stop();
     else if (!m_scroll.isActive())
         m_scroll.start(scrollInterval, this);
@@ -373,12 +363,12 @@ void GridMouse::release(const QMouseEvent& event)
     } else if (done == Doing::filling) {
         hideMarks();
         endFill(!event.modifiers().testFlag(Qt::ControlModifier));
-    } else if (done == Doing::button) {
+    } else if (done == Doing::holding) {
         m_view.setPressed(std::nullopt);
         const CellAddress cell = m_control.cursor().activeCell();
         const CellRange extent = m_view.sheet().extent(cell);
         if (m_view.geometry().visibleRect(extent).contains(point))
-            m_control.actions().clickButton(cell);
+            m_control.actions().act(cell);
     }
 }
 
@@ -446,7 +436,7 @@ void GridMouse::doubleClick(const QMouseEvent& event)
     }
     if (place.kind != Kind::cells)
         return;
-    if (cellTypeRow(m_view.sheet().style(place.cell).type).isControl())
+    if (cellTypeRow(m_view.sheet().style(place.cell).type).isControl)
         press(event); // a quick second click
     else if (m_view.sheet().extent(m_control.cursor().activeCell()).contains(place.cell))
         m_control.entry().begin(EditStart::keep);

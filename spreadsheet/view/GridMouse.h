@@ -39,7 +39,7 @@ private:
         resizingColumn,
         filling,
         pointing,
-        button
+        holding ///< a cell that does something when it is let go
     };
     struct Place {
         enum class Kind { cells, columnHeading, rowHeading, corner, columnEdge, rowEdge, fillHandle, beyond };

@@ -1,6 +1,6 @@
 #include "spreadsheet/view/needed_size.h"
 
-#include "spreadsheet/display/cell_types.h"
+#include "spreadsheet/print/CellBehaviour.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/view/commands/structure.h"
@@ -16,6 +16,7 @@ namespace {
 constexpr double paddingAcross = 110; // twips beside a text, the grid line included
 constexpr double paddingDown = 50;
 constexpr int leastWidth = 240;
+constexpr int gap = 20; // between a text and what stands beside it
 
 } // namespace
 
@@ -62,9 +63,10 @@ int neededColumnWidth(const Sheet& sheet, int column)
                 continue;
             const QFont& font =
                 text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic});
-            const double arrow = cellTypeRow(style.type).face == CellFace::arrow ? 260 : 0;
+            const int beside = behaviourOf(style.type).roomBeside(1);
+            const int taken = beside > 0 ? beside + gap : 0;
             for (const TextLine& line : text.lines(shown, font))
-                needed = std::max(needed, line.width + arrow);
+                needed = std::max(needed, line.width + taken);
         }
     if (needed == 0)
         return defaultColumnWidth;

@@ -90,7 +90,7 @@ XlsStyles::CellFormat XlsStyles::made(const CellStyle& style)
             format.colours[side] = colour(lines[side]->colour, Palette::text);
     }
     format.background = colour(style.background, 0);
-    if (cellTypeRow(style.type).isControl())
+    if (cellTypeRow(style.type).isControl)
         m_warnings.add("按钮和复选框单元格写为普通单元格");
     return format;
 }

@@ -138,7 +138,7 @@ std::uint32_t XlsxStyleSheet::numberFormat(const CellStyle& style)
 
 std::uint32_t XlsxStyleSheet::made(const CellStyle& style)
 {
-    if (cellTypeRow(style.type).isControl())
+    if (cellTypeRow(style.type).isControl)
         m_warnings.add("按钮和复选框单元格写为普通单元格");
     const std::uint32_t font = m_fonts.number(fontElement(style));
     const std::uint32_t fill =
