@@ -50,9 +50,6 @@ void BatchRunner::run(std::string_view batch)
 
 void BatchRunner::statement()
 {
-    const auto next = [this](std::string_view name) {
-        return m_at + 1 < m_tokens.size() && m_tokens[m_at + 1].isName(name);
-    };
     if (isSymbolAt(";") || isAt("end") || isAt("begin"))
         take();
     else if (isAt("set"))
@@ -63,8 +60,6 @@ void BatchRunner::statement()
         executeStatement();
     else if (isAt("if"))
         ifStatement();
-    else if ((isAt("create") || isAt("drop")) && next("procedure"))
-        procedureDefinition();
     else
         plainStatement();
 }
@@ -149,21 +144,6 @@ void BatchRunner::ifStatement()
     expect("null");
     if (m_ledger.hasObject(name) == wantsNone)
         skipStatement();
-}
-
-void BatchRunner::procedureDefinition()
-{
-    const bool creates = isAt("create");
-    take();
-    take();
-    const std::string name = takeName();
-    if (creates) {
-        m_at = m_tokens.size(); // the body is the rest of the batch
-        m_ledger.hosted().createProcedure(name);
-    } else {
-        m_ledger.hosted().dropProcedure(name);
-    }
-    m_reply.done(m_done);
 }
 
 void BatchRunner::plainStatement()

@@ -35,7 +35,6 @@ private:
     void declareStatement();
     void executeStatement();
     void ifStatement();
-    void procedureDefinition();
     void plainStatement();
 
     bool isAt(std::string_view name) const;

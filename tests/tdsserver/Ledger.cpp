@@ -114,29 +114,8 @@ ProcedureCall boundCall(const std::string& procedure, std::span<const Parameter>
 
 } // namespace
 
-bool HostedDatabase::hasProcedure(const std::string& name)
-{
-    const std::lock_guard lock(m_mutex);
-    return m_procedures.contains(name);
-}
-
-void HostedDatabase::createProcedure(const std::string& name)
-{
-    const std::lock_guard lock(m_mutex);
-    if (!m_procedures.insert(name).second)
-        throw ServerError{2714, "数据库中已存在名为 '" + name + "' 的对象。"};
-}
-
-void HostedDatabase::dropProcedure(const std::string& name)
-{
-    const std::lock_guard lock(m_mutex);
-    if (m_procedures.erase(name) == 0)
-        throw ServerError{3701, "无法删除过程 '" + name + "'，因为它不存在。"};
-}
-
-Ledger::Ledger(std::shared_ptr<HostedDatabase> hosted, std::function<bool()> wantsStop)
-    : m_hosted(std::move(hosted))
-    , m_database(m_hosted->file)
+Ledger::Ledger(const std::string& file, std::function<bool()> wantsStop)
+    : m_database(file)
     , m_procedure(m_database)
     , m_wantsStop(std::move(wantsStop))
 {
@@ -170,7 +149,7 @@ Ledger::Outcome Ledger::run(std::string_view sql, std::span<const Parameter> par
 
 Ledger::Called Ledger::call(const std::string& procedure, std::span<const Parameter> parameters)
 {
-    if (!m_hosted->hasProcedure(procedure))
+    if (!sameName(procedure, AcctProcedure::name))
         throw ServerError{2812, "找不到存储过程 '" + procedure + "'。"};
     try {
         beginIfWanted();
@@ -190,7 +169,7 @@ Ledger::Called Ledger::call(const std::string& procedure, std::span<const Parame
 
 bool Ledger::hasObject(const std::string& name)
 {
-    if (m_hosted->hasProcedure(name))
+    if (sameName(name, AcctProcedure::name))
         return true;
     const Parameter wanted{"@name", {}, name};
     const Outcome found =

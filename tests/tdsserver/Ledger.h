@@ -6,10 +6,7 @@
 #include "tests/tdsserver/requests.h"
 
 #include <functional>
-#include <memory>
-#include <mutex>
 #include <optional>
-#include <set>
 #include <span>
 #include <string>
 
@@ -25,26 +22,6 @@ struct ServerError {
 /// The client asked to stop.
 struct Interrupted {};
 
-/// A database that the server offers: its file, and which procedures were created there.
-class HostedDatabase {
-public:
-    explicit HostedDatabase(std::string databaseFile)
-        : file(std::move(databaseFile))
-    {
-    }
-    bool hasProcedure(const std::string& name);
-    /// @throws ServerError if it stands there already
-    void createProcedure(const std::string& name);
-    /// @throws ServerError if there is none
-    void dropProcedure(const std::string& name);
-
-    const std::string file;
-
-private:
-    std::mutex m_mutex;
-    std::set<std::string> m_procedures{std::string(AcctProcedure::name)};
-};
-
 /// One session's view of a database: statements in the server's language over the embedded one.
 /// Failures throw ServerError.
 class Ledger {
@@ -58,13 +35,13 @@ public:
         std::optional<ResultSet> rows;
     };
 
+    /// @param file       of the embedded database
     /// @param wantsStop  asked now and then while a statement runs
-    Ledger(std::shared_ptr<HostedDatabase> hosted, std::function<bool()> wantsStop);
+    Ledger(const std::string& file, std::function<bool()> wantsStop);
 
     Outcome run(std::string_view sql, std::span<const Parameter> parameters);
     Called call(const std::string& procedure, std::span<const Parameter> parameters);
     bool hasObject(const std::string& name);
-    HostedDatabase& hosted() { return *m_hosted; }
 
     /// A transaction locks out other writers with the first statement in it that changes something, as a
     /// server does for the rows of that statement.
@@ -76,7 +53,6 @@ private:
     void end(const char* how);
     void beginIfWanted();
 
-    std::shared_ptr<HostedDatabase> m_hosted;
     SqliteDatabase m_database;
     AcctProcedure m_procedure;
     std::function<bool()> m_wantsStop;

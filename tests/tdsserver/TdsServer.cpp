@@ -5,7 +5,7 @@
 namespace selfreport::tds {
 
 TdsServer::TdsServer(const std::string& file)
-    : m_database(std::make_shared<HostedDatabase>(file))
+    : m_file(file)
     , m_listener(Socket::listen())
     , m_accepting([this] { acceptConnections(); })
 {

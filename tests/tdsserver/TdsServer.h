@@ -54,7 +54,7 @@ private:
     };
     void acceptConnections();
 
-    std::shared_ptr<HostedDatabase> m_database;
+    const std::string m_file;
     Socket m_listener;
     std::mutex m_mutex;
     std::list<Served> m_served;

@@ -1,6 +1,7 @@
 #include "platform/database/sqlite/AcctProcedure.h"
 
 #include "platform/database/session/DatabaseError.h"
+#include "text/ascii.h"
 
 #include <charconv>
 
@@ -15,19 +16,22 @@ const std::string& parameter(const ProcedureCall& call, std::string_view name)
     throw DatabaseError(unspecifiedError, "存储过程 " + call.procedure + " 缺少参数 " + std::string(name));
 }
 
+/// Blanks at the ends of a parameter mean nothing.
+std::string_view trimmedParameter(const ProcedureCall& call, std::string_view name)
+{
+    return ascii::trimmed(parameter(call, name), " ");
+}
+
 /// A year or period; nothing for a blank text.
 std::optional<std::int64_t> wholeNumber(const ProcedureCall& call, std::string_view name)
 {
-    std::string_view text = parameter(call, name);
-    while (text.starts_with(' '))
-        text.remove_prefix(1);
-    while (text.ends_with(' '))
-        text.remove_suffix(1);
+    const std::string_view text = trimmedParameter(call, name);
     if (text.empty())
         return std::nullopt;
+    const std::string_view digits = text.substr(text.starts_with('+') ? 1 : 0);
     std::int64_t number = 0;
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size())
+    const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (parsed.ec != std::errc() || parsed.ptr != digits.data() + digits.size())
         throw DatabaseError(unspecifiedError, "存储过程 " + call.procedure + " 的参数 " + std::string(name) +
                                                   " 不是整数: " + std::string(text));
     return number;
@@ -81,13 +85,13 @@ std::optional<AcctProcedure::Selection> AcctProcedure::selectionOf(const Procedu
 {
     Selection selection;
     SqliteStatement& keys = m_lookups.statement("select fKey from tblSelfReportFieldKey where fKey=?");
-    const SqlValue key = parameter(call, "strField");
+    const SqlValue key = std::string(trimmedParameter(call, "strField"));
     keys.bind({&key, 1});
     const auto known = firstCell(keys, true);
-    selection.kind = known ? acctKindOf(std::get<std::string>(*known)) : nullptr;
+    selection.kind = known ? acctKindOf(ascii::trimmed(std::get<std::string>(*known), " ")) : nullptr;
     if (!selection.kind)
         return std::nullopt;
-    if (const std::string& code = parameter(call, "currenct"); !code.empty()) {
+    if (const std::string code(trimmedParameter(call, "currenct")); !code.empty()) {
         SqliteStatement& currencies = m_lookups.statement("select fitemid from tblCurrency where fnumber=?");
         const SqlValue bound = code;
         currencies.bind({&bound, 1});

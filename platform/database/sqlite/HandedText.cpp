@@ -1,232 +1,121 @@
 #include "platform/database/sqlite/HandedText.h"
 
 #include "platform/database/session/DatabaseError.h"
-#include "platform/database/session/names.h"
-
-#include <algorithm>
 
 namespace selfreport {
 
 // The text of a fetch is written for a server that plans by statistics. Run as it stands, the embedded
-// database may walk through the whole ledger for one account. So the text is taken apart by tokens and put in
-// an order that begins with the few rows. Its meaning stays, and a condition that is not understood stays as
-// it is.
+// database may walk through the whole ledger for one account. So only what the text asks for is read from it,
+// and the statement is made anew in an order that begins with the few rows.
+
+namespace {
+
+constexpr std::string_view balances =
+    "from tblAccountBal as a left outer join tblAccount as b on a.faccountid=b.fitemid "
+    "left outer join tblQtyBalance as d on (a.fAccountId=d.fAccountId and a.fYear=d.fYear and "
+    "a.fPeriod=d.fPeriod and a.fDetailId=d.fDetailid and a.fCurrencyid=d.fCurrencyid) "
+    "left outer join tblProfitAndLoss as e on (a.fAccountId=e.fAccountId and a.fYear=e.fYear and "
+    "a.fPeriod=e.fPeriod and a.fDetailId=e.fDetailid and a.fCurrencyid=e.fCurrencyid)";
+
+bool isSame(const SqlToken& token, const SqlToken& wanted)
+{
+    return token.kind == wanted.kind && (token.spelling == wanted.spelling || token.isName(wanted.spelling));
+}
+
+[[noreturn]] void refuse()
+{
+    throw DatabaseError(unspecifiedError, "取数条件不是报表取数的写法");
+}
+
+} // namespace
 
 HandedText::HandedText(std::string_view text)
-    : m_text(text)
-    , m_tokens(sqlTokens(text))
+    : m_tokens(sqlTokens(text))
 {
-    if (m_tokens.empty() || !m_tokens.front().isName("from"))
-        throw DatabaseError(unspecifiedError, "取数条件不是 from 子句");
-    m_where = nextOutside("where", 0);
-    if (m_where == m_tokens.size())
-        throw DatabaseError(unspecifiedError, "取数条件没有 where 子句");
-    constexpr std::size_t behindBalances = 4; // from, table, as, a
-    if (joinOf("b").range.begin != behindBalances)
-        throw DatabaseError(unspecifiedError, "取数条件不以余额表和科目表开始");
+    take(balances);
+    m_joinsItems = takes("left outer join tblItemDetailV as c on c.fdetailId=a.fDetailId");
+    take(m_joinsItems ? "where a.fDetailId<>0" : "where 1=1");
+    if (takes("and (b.fNumber"))
+        m_account = takeCondition("b.fNumber");
+    while (m_joinsItems && takes("and c.fitemid in (select fitemid from"))
+        takeItemCondition();
+    if (m_at != m_tokens.size())
+        refuse();
+    m_tokens.clear(); // they point into a text that need not live longer
 }
 
-std::string HandedText::changed(std::string_view amountColumn) const
+std::string HandedText::accountCondition(std::string_view alias) const
 {
-    SqlEdits edits;
-    std::vector<std::string_view> kept{"b", amountColumn.substr(0, amountColumn.find('.'))};
-    if (replaceItemConditions(edits))
-        kept.push_back("c");
-    for (const Join& join : joins())
-        if (!isNeeded(join, kept))
-            edits.replace(m_tokens[join.range.begin].begin, m_tokens[join.range.end].begin, "");
-    beginWithAccounts(edits);
-    edits.insert(m_tokens[m_where].end(), " (");
-    return edits.applied(m_text) + ")";
-}
-
-std::string HandedText::itemList() const
-{
-    const Range listed = listedCondition();
-    if (listed.begin == listed.end)
+    if (m_account.comparison.empty())
         return {};
-    return "with i as materialized (" + combinations(listed).replace(0, 6, "select distinct") + ") ";
+    const std::string column = std::string(alias) + ".fNumber";
+    const std::string condition = " and (" + column + " " + m_account.comparison + " " + m_account.code;
+    return condition + (m_account.last.empty() ? ")" : " and " + column + "<=" + m_account.last + ")");
 }
 
-std::string HandedText::accountConditions(std::string_view alias) const
+/// Goes on behind the tokens of `piece` if they come next.
+bool HandedText::takes(std::string_view piece)
 {
-    std::string conditions;
-    for (const Range& term : accountTerms())
-        conditions += " and " + withAlias(term, alias);
-    return conditions;
-}
-
-bool HandedText::namesOneAccount() const
-{
-    const std::vector<Range> terms = accountTerms();
-    return terms.size() == 1 && isCodeEquality(terms.front());
-}
-
-bool HandedText::isAliasUse(std::size_t at, std::string_view alias) const
-{
-    return at + 1 < m_tokens.size() && m_tokens[at].isName(alias) && m_tokens[at + 1].isSymbol(".");
-}
-
-bool HandedText::uses(Range range, std::string_view alias) const
-{
-    for (std::size_t at = range.begin; at < range.end; ++at)
-        if (isAliasUse(at, alias))
-            return true;
-    return false;
-}
-
-/// Place of the next such word outside brackets, from `at` on; the number of tokens if there is none.
-std::size_t HandedText::nextOutside(std::string_view word, std::size_t at) const
-{
-    for (; at < m_tokens.size(); ++at) {
-        if (m_tokens[at].isSymbol("("))
-            at = closingBracket(m_tokens, at);
-        if (at < m_tokens.size() && m_tokens[at].isName(word))
-            return at;
-    }
-    return m_tokens.size();
-}
-
-std::vector<HandedText::Join> HandedText::joins() const
-{
-    std::vector<Join> joins;
-    for (std::size_t at = nextOutside("left", 0); at < m_where;) {
-        const std::size_t next = std::min(nextOutside("left", at + 1), m_where);
-        const std::size_t as = nextOutside("as", at);
-        joins.push_back({as + 1 < next ? m_tokens[as + 1].spelling : "", {at, next}});
-        at = next;
-    }
-    return joins;
-}
-
-HandedText::Join HandedText::joinOf(std::string_view alias) const
-{
-    for (const Join& join : joins())
-        if (sameName(join.alias, alias))
-            return join;
-    return {};
-}
-
-bool HandedText::isNeeded(const Join& join, const std::vector<std::string_view>& kept) const
-{
-    if (std::ranges::any_of(kept, [&](std::string_view alias) { return sameName(alias, join.alias); }))
-        return true;
-    if (sameName(join.alias, "c")) // its conditions were looked at before
+    const std::vector<SqlToken> wanted = sqlTokens(piece);
+    if (m_tokens.size() - m_at < wanted.size())
         return false;
-    return uses({0, join.range.begin}, join.alias) || uses({join.range.end, m_tokens.size()}, join.alias);
+    for (std::size_t at = 0; at < wanted.size(); ++at)
+        if (!isSame(m_tokens[m_at + at], wanted[at]))
+            return false;
+    m_at += wanted.size();
+    return true;
 }
 
-/// Balances are found through their accounts, of which there are few, and those of items through the listed
-/// combinations: the order is forced, because without statistics the library may scan the whole ledger
-/// instead.
-void HandedText::beginWithAccounts(SqlEdits& edits) const
+void HandedText::take(std::string_view piece)
 {
-    const Join accounts = joinOf("b");
-    const std::size_t on = nextOutside("on", accounts.range.begin);
-    if (on >= accounts.range.end)
-        throw DatabaseError(unspecifiedError, "取数条件没有科目表的连接条件");
-    const Range listed = listedCondition();
-    const std::string items = listed.begin == listed.end ? "" : " cross join i";
-    edits.replace(m_tokens[1].begin, m_tokens[on - 1].end(),
-                  pieces({on - 3, on}) + items + " cross join " + pieces({1, accounts.range.begin}));
+    if (!takes(piece))
+        refuse();
 }
 
-/// Makes "c.fitemid in (...)" a condition on the whole combination. True if other uses of c remain.
-bool HandedText::replaceItemConditions(SqlEdits& edits) const
+std::string HandedText::takeCode()
 {
-    const Range listed = listedCondition();
-    bool others = false;
-    for (std::size_t at = m_where; at < m_tokens.size(); ++at) {
-        if (!isAliasUse(at, "c"))
-            continue;
-        const Range condition = itemConditionAt(at);
-        if (condition.begin == condition.end) {
-            others = true;
-            continue;
-        }
-        edits.replace(m_tokens[at].begin, m_tokens[condition.end - 1].end(),
-                      at == listed.begin && listed.end != 0
-                          ? "a.fDetailId=i.fdetailId"
-                          : "a.fDetailId in (" + combinations(condition) + ")");
+    if (takes("?") && m_at < m_tokens.size() && m_tokens[m_at].kind == SqlToken::Kind::number)
+        return "?" + std::string(m_tokens[m_at++].spelling);
+    if (m_at == m_tokens.size() || m_tokens[m_at].kind != SqlToken::Kind::text)
+        refuse();
+    return std::string(m_tokens[m_at++].spelling);
+}
+
+std::string HandedText::takeName()
+{
+    if (m_at == m_tokens.size() ||
+        (m_tokens[m_at].kind != SqlToken::Kind::name && m_tokens[m_at].kind != SqlToken::Kind::quotedName))
+        refuse();
+    return std::string(m_tokens[m_at++].spelling);
+}
+
+/// Behind the column, up to the closing bracket and with it.
+HandedText::CodeCondition HandedText::takeCondition(std::string_view column)
+{
+    CodeCondition condition;
+    for (const char* comparison : {"=", "like", ">="})
+        if (condition.comparison.empty() && takes(comparison))
+            condition.comparison = comparison;
+    condition.code = takeCode();
+    if (condition.comparison == ">=") {
+        take("and " + std::string(column) + "<=");
+        condition.last = takeCode();
     }
-    return others;
+    take(")");
+    return condition;
 }
 
-/// "c.fitemid in (...)" at that place; an empty range if something else stands there.
-HandedText::Range HandedText::itemConditionAt(std::size_t at) const
+void HandedText::takeItemCondition()
 {
-    if (at + 4 >= m_tokens.size() || !isAliasUse(at, "c") || !m_tokens[at + 2].isName("fitemid") ||
-        !m_tokens[at + 3].isName("in") || !m_tokens[at + 4].isSymbol("("))
-        return {};
-    const std::size_t close = closingBracket(m_tokens, at + 4);
-    return close == m_tokens.size() ? Range{} : Range{at, close + 1};
-}
-
-/// The first item condition that "and" joins with all else; an empty range if there is none.
-HandedText::Range HandedText::listedCondition() const
-{
-    if (nextOutside("or", m_where) != m_tokens.size())
-        return {};
-    for (std::size_t at = m_where + 1; at < m_tokens.size(); at = nextOutside("and", at) + 1) {
-        const Range condition = itemConditionAt(at);
-        if (condition.begin != condition.end && condition.end == nextOutside("and", at))
-            return condition;
-    }
-    return {};
-}
-
-/// The statement that selects the combinations which hold such an item.
-std::string HandedText::combinations(Range condition) const
-{
-    return "select fdetailId from tblItemDetailV where fitemid in " +
-           pieces({condition.begin + 4, condition.end});
-}
-
-std::string HandedText::pieces(Range range) const
-{
-    const std::size_t begin = m_tokens[range.begin].begin;
-    return std::string(m_text.substr(begin, m_tokens[range.end - 1].end() - begin));
-}
-
-/// What "and" joins after "where" and reads nothing but the account. Nothing if an "or" stands among it.
-std::vector<HandedText::Range> HandedText::accountTerms() const
-{
-    std::vector<Range> terms;
-    if (nextOutside("or", m_where) != m_tokens.size())
-        return terms;
-    for (std::size_t at = m_where + 1; at < m_tokens.size();) {
-        const Range term{at, nextOutside("and", at)};
-        if (uses(term, "b") && !uses(term, "a") && !uses(term, "c"))
-            terms.push_back(term);
-        at = term.end + 1;
-    }
-    return terms;
-}
-
-std::string HandedText::withAlias(Range range, std::string_view alias) const
-{
-    SqlEdits edits;
-    const std::size_t begin = m_tokens[range.begin].begin;
-    for (std::size_t at = range.begin; at < range.end; ++at)
-        if (isAliasUse(at, "b"))
-            edits.replace(m_tokens[at].begin - begin, m_tokens[at].end() - begin, std::string(alias));
-    return edits.applied(m_text.substr(begin, m_tokens[range.end - 1].end() - begin));
-}
-
-/// "(b.fNumber='...')" or "(b.fNumber=?1)"
-bool HandedText::isCodeEquality(Range range) const
-{
-    const auto name = [&](std::size_t at, std::string_view word) {
-        return m_tokens[range.begin + at].isName(word);
-    };
-    const auto symbol = [&](std::size_t at, std::string_view sign) {
-        return m_tokens[range.begin + at].isSymbol(sign);
-    };
-    const std::size_t length = range.end - range.begin;
-    const bool comparesCode = length >= 7 && symbol(0, "(") && name(1, "b") && symbol(2, ".") &&
-                              name(3, "fNumber") && symbol(4, "=");
-    return comparesCode && ((length == 7 && m_tokens[range.begin + 5].kind == SqlToken::Kind::text) ||
-                            (length == 8 && symbol(5, "?")));
+    std::string table = takeName();
+    if (takes("."))
+        table += "." + takeName();
+    take("where 1=1 and (fNumber");
+    const CodeCondition items = takeCondition("fNumber");
+    take(")");
+    m_combinations.push_back("select fdetailId from tblItemDetailV where fitemid in (select fitemid from " +
+                             table + " where fNumber " + items.comparison + " " + items.code +
+                             (items.last.empty() ? ")" : " and fNumber<=" + items.last + ")"));
 }
 
 } // namespace selfreport

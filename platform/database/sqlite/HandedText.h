@@ -8,61 +8,46 @@
 
 namespace selfreport {
 
-/// The FROM and WHERE text that a ledger fetch hands over, taken apart so that its pieces can be changed. Its
-/// aliases: a balances, b accounts, c items of a combination, d quantities, e profit and loss.
+/// What the FROM and WHERE text of a ledger fetch asks for. Only the text that reports hand over is
+/// understood: balances and what is joined to them, then conditions on the code of the account and on codes
+/// of items. The server's procedure reads it in the same way. Codes are literals, or the places "?1" of
+/// lifted ones.
 class HandedText {
 public:
-    /// @param text  must outlive the object
-    /// @throws DatabaseError if it has no FROM and WHERE or does not begin with balances joined by accounts
+    /// @throws DatabaseError if it is no such text
     explicit HandedText(std::string_view text);
 
-    /// Whether items of combinations are joined: then totals of accounts do not count.
-    bool joinsItems() const { return !joinOf("c").alias.empty(); }
+    /// Whether balances of item combinations are asked for; else the totals of accounts.
+    bool joinsItems() const { return m_joinsItems; }
 
-    /// " from ... where (...)", changed to begin with the accounts, with item conditions on whole
-    /// combinations, and without joins that nothing reads.
-    /// @param amountColumn  what will be selected, with its alias
-    std::string changed(std::string_view amountColumn) const;
+    /// The condition on the account with " and " before it, for its alias; empty if every account matches.
+    std::string accountCondition(std::string_view alias) const;
 
-    /// "with i as (...) " if the changed text reads i, the combinations that meet the first item condition.
-    /// Empty otherwise.
-    std::string itemList() const;
+    /// Whether that is one exact code, which no parent shares.
+    bool namesOneAccount() const { return m_account.comparison == "="; }
 
-    /// The conditions on the account alone, each with " and " before it, for another alias. Empty if every
-    /// account matches.
-    std::string accountConditions(std::string_view alias) const;
-
-    /// Whether the only condition on the account is one exact code, which no parent shares.
-    bool namesOneAccount() const;
+    /// For each condition on items the statement that selects the combinations which hold such an item.
+    const std::vector<std::string>& combinations() const { return m_combinations; }
 
 private:
-    struct Range {
-        std::size_t begin = 0, end = 0; ///< token places, end behind the last
-    };
-    struct Join {
-        std::string_view alias;
-        Range range;
+    struct CodeCondition {
+        std::string comparison; ///< "=", "like" or ">="; empty without a condition
+        std::string code;
+        std::string last; ///< of a range, which begins at `code`
     };
 
-    bool isAliasUse(std::size_t at, std::string_view alias) const;
-    bool uses(Range range, std::string_view alias) const;
-    std::size_t nextOutside(std::string_view word, std::size_t at) const;
-    std::vector<Join> joins() const;
-    Join joinOf(std::string_view alias) const;
-    bool isNeeded(const Join& join, const std::vector<std::string_view>& kept) const;
-    void beginWithAccounts(SqlEdits& edits) const;
-    bool replaceItemConditions(SqlEdits& edits) const;
-    Range itemConditionAt(std::size_t at) const;
-    Range listedCondition() const;
-    std::string combinations(Range condition) const;
-    std::string pieces(Range range) const;
-    std::vector<Range> accountTerms() const;
-    std::string withAlias(Range range, std::string_view alias) const;
-    bool isCodeEquality(Range range) const;
+    bool takes(std::string_view piece);
+    void take(std::string_view piece);
+    std::string takeCode();
+    std::string takeName();
+    CodeCondition takeCondition(std::string_view column);
+    void takeItemCondition();
 
-    std::string_view m_text;
     std::vector<SqlToken> m_tokens;
-    std::size_t m_where = 0;
+    std::size_t m_at = 0; ///< token that is read next
+    bool m_joinsItems = false;
+    CodeCondition m_account;
+    std::vector<std::string> m_combinations;
 };
 
 } // namespace selfreport

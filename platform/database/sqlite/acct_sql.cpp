@@ -3,9 +3,9 @@
 #include "platform/database/session/DatabaseError.h"
 #include "platform/database/sqlite/HandedText.h"
 #include "platform/database/sqlite/tsql_rewriter.h"
+#include "text/ascii.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace selfreport {
 
@@ -23,44 +23,76 @@ std::string_view whereMoved(std::string_view amount)
     return amount == "a.fDebit" || amount == "a.fCredit" ? " and (a.fDebit<>0 or a.fCredit<>0)" : "";
 }
 
-std::string periodCondition(const AcctSelection& selection)
+std::string periodCondition(const AcctSelection& selection, const std::string& alias)
 {
+    const std::string period = " and " + alias + ".fPeriod";
     switch (selection.kind->periods) {
     case AcctPeriods::first:
-        return " and a.fPeriod=" + selection.firstPeriod;
+        return period + "=" + selection.firstPeriod;
     case AcctPeriods::last:
-        return " and a.fPeriod=" + selection.lastPeriod;
+        return period + "=" + selection.lastPeriod;
     case AcctPeriods::all:
         break;
     }
-    return " and a.fPeriod>=" + selection.firstPeriod + " and a.fPeriod<=" + selection.lastPeriod;
+    return period + ">=" + selection.firstPeriod + period + "<=" + selection.lastPeriod;
 }
 
-/// Conditions besides the handed ones, each with " and " before it.
-std::string selectionConditions(const HandedText& handed, std::string_view items,
-                                const AcctSelection& selection)
+/// Which balances count, whatever the account: each with " and " before it, for the alias of the balances.
+/// @param firstItem  the first condition on items that is not met already
+std::string rowConditions(const HandedText& handed, const AcctSelection& selection, const std::string& alias,
+                          std::size_t firstItem)
 {
-    std::string conditions;
-    if (!handed.joinsItems())
-        conditions += " and a.fDetailId=0";
-    else if (!items.empty() && !handed.namesOneAccount())
-        conditions += accountMayMatch;
-    conditions += " and a.fYear=" + selection.year + periodCondition(selection);
+    std::string conditions = " and " + alias + (handed.joinsItems() ? ".fDetailId<>0" : ".fDetailId=0");
+    for (std::size_t at = firstItem; at < handed.combinations().size(); ++at)
+        conditions += " and " + alias + ".fDetailId in (" +
+                      (at == 0 ? "select fdetailId from i" : handed.combinations()[at]) + ")";
+    conditions += " and " + alias + ".fYear=" + selection.year + periodCondition(selection, alias);
     if (!selection.currency.empty())
-        conditions += " and a.fCurrencyid=" + selection.currency;
-    if (!handed.namesOneAccount())
-        conditions += " and not exists(select 1 from tblAccount as p where p.fitemid=b.fParentId" +
-                      handed.accountConditions("p") + ")";
+        conditions += " and " + alias + ".fCurrencyid=" + selection.currency;
     return conditions;
 }
 
-/// Whether a literal's N stands at the end, and not the last letter of a word.
-bool endsWithPrefix(std::string_view shape)
+/// An account is in the amount of a matched one above it, if that has such a row itself.
+std::string countsForItself(const HandedText& handed, const AcctSelection& selection)
 {
-    if (!shape.ends_with('N') && !shape.ends_with('n'))
-        return false;
-    shape.remove_suffix(1);
-    return shape.empty() || std::string_view(" =<>(,").find(shape.back()) != std::string_view::npos;
+    return " and (b.fParentId=0 or not exists(with recursive u(id) as (select b.fParentId union select "
+           "x.fParentId from u cross join tblAccount as x where x.fitemid=u.id) select 1 from u cross join "
+           "tblAccount as p cross join tblAccountBal as h where p.fitemid=u.id" +
+           handed.accountCondition("p") + " and h.faccountid=p.fitemid" +
+           rowConditions(handed, selection, "h", 0) + "))";
+}
+
+/// What is joined to the balances for an amount.
+std::string_view joinFor(std::string_view amount)
+{
+    switch (amount.front()) {
+    case 'd':
+        return " left outer join tblQtyBalance as d on (a.fAccountId=d.fAccountId and a.fYear=d.fYear and "
+               "a.fPeriod=d.fPeriod and a.fDetailId=d.fDetailid and a.fCurrencyid=d.fCurrencyid)";
+    case 'e':
+        return " left outer join tblProfitAndLoss as e on (a.fAccountId=e.fAccountId and a.fYear=e.fYear and "
+               "a.fPeriod=e.fPeriod and a.fDetailId=e.fDetailid and a.fCurrencyid=e.fCurrencyid)";
+    default:
+        return "";
+    }
+}
+
+/// Balances are found through their accounts, of which there are few, and those of items through the listed
+/// combinations: the order is forced, because without statistics the library may scan the whole ledger
+/// instead.
+std::string selectedRows(const HandedText& handed, const AcctSelection& selection, std::string_view amount)
+{
+    const bool isListed = !handed.combinations().empty();
+    std::string rows = " from tblAccount as b";
+    rows += isListed ? " cross join i" : "";
+    rows += " cross join tblAccountBal as a on a.faccountid=b.fitemid";
+    rows += joinFor(amount);
+    rows += isListed ? " where a.fDetailId=i.fdetailId" : " where 1=1";
+    rows += handed.accountCondition("b");
+    if (isListed && !handed.namesOneAccount())
+        rows += accountMayMatch;
+    rows += rowConditions(handed, selection, "a", 1);
+    return handed.namesOneAccount() ? rows : rows + countsForItself(handed, selection);
 }
 
 } // namespace
@@ -70,9 +102,11 @@ std::string acctSql(std::string_view fromAndWhere, const AcctSelection& selectio
     const AcctKind& kind = *selection.kind;
     const std::string amount(selection.currency.empty() ? kind.column : kind.original);
     const HandedText handed(fromAndWhere);
-    const std::string items = toEmbeddedSql(handed.itemList());
-    const std::string rows =
-        toEmbeddedSql(handed.changed(amount) + selectionConditions(handed, items, selection));
+    const std::string items = handed.combinations().empty()
+                                  ? ""
+                                  : toEmbeddedSql("with i as materialized (select distinct" +
+                                                  handed.combinations().front().substr(6) + ") ");
+    const std::string rows = toEmbeddedSql(selectedRows(handed, selection, amount));
     // Four decimals hold every amount and quantity and take the noise of binary sums away.
     if (kind.side == AcctSide::both) {
         const std::string signedAmount = kind.byDirection ? amount + "*b.fDirection" : amount;
@@ -110,9 +144,7 @@ LiftedSql liftTexts(std::string_view sql)
                 break;
             text += '\''; // doubled
         }
-        if (endsWithPrefix(lifted.shape))
-            lifted.shape.pop_back();
-        lifted.texts.push_back(std::move(text));
+        lifted.texts.emplace_back(ascii::trimmed(text, " "));
         lifted.shape += "?" + std::to_string(lifted.texts.size());
     }
     return lifted;

@@ -20,18 +20,19 @@ struct AcctSelection {
 /// The whole query of a ledger fetch in the embedded database's SQL: at most one row, column "f", none if no
 /// row of the ledger matches.
 ///
-/// @param fromAndWhere  " from tblAccountBal as a left outer join ... where ...": the handed text over the
-///   aliases a to e in T-SQL. Without a join of alias c only account totals count. A condition
+/// @param fromAndWhere  " from tblAccountBal as a left outer join ... where ...": the text that reports hand
+/// over,
+///   in T-SQL (see HandedText). Without a join of alias c only account totals count. A condition
 ///   "c.fitemid in (...)" means that the item combination holds such an item, so every balance row counts
-///   once. Accounts whose parent meets the conditions on b too are left out.
-/// @throws DatabaseError if the text is no FROM and WHERE text
+///   once. An account is left out if one above it meets the conditions too and has a row itself.
+/// @throws DatabaseError if it is no such text
 std::string acctSql(std::string_view fromAndWhere, const AcctSelection& selection);
 
 /// A text with its text literals taken out, so that fetches that differ in codes only share one prepared
 /// statement.
 struct LiftedSql {
-    std::string shape; ///< "?1", "?2", ... where a literal stood
-    std::vector<std::string> texts;
+    std::string shape;              ///< "?1", "?2", ... where a literal stood
+    std::vector<std::string> texts; ///< without blanks at their ends
 };
 LiftedSql liftTexts(std::string_view sql);
 

@@ -11,6 +11,14 @@
 
 namespace selfreport::testing {
 
+/// How the text of a ledger fetch begins.
+inline const std::string ledgerFrom =
+    " from tblAccountBal as a left outer join tblAccount as b on a.faccountid=b.fitemid "
+    " left outer join tblQtyBalance as d on (a.fAccountId=d.fAccountId and a.fYear=d.fYear and "
+    " a.fPeriod=d.fPeriod and a.fDetailId=d.fDetailid and a.fCurrencyid=d.fCurrencyid ) "
+    " left outer join tblProfitAndLoss as e on (a.fAccountId=e.fAccountId and a.fYear=e.fYear and "
+    " a.fPeriod=e.fPeriod and a.fDetailId=e.fDetailid and a.fCurrencyid=e.fCurrencyid ) ";
+
 /// A folder of its own for one test, removed afterwards.
 class DatabaseFolder {
 public:

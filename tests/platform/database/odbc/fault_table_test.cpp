@@ -37,9 +37,7 @@ void atOnce(std::size_t count, const std::function<void(std::size_t)>& work)
 ProcedureCall closingBalance()
 {
     ProcedureCall call{"sp_GS_AcctProc", {}};
-    call.append("strSql", 2000,
-                " from tblAccountBal as a left outer join tblAccount as b on a.faccountid=b.fitemid "
-                " where  1=1   and (b.fNumber='1001')");
+    call.append("strSql", 2000, testing::ledgerFrom + " where  1=1   and (b.fNumber='1001')");
     for (const char* name : {"strField", "currenct", "fYear", "fPeriod1", "fPeriod2"})
         call.append(name, 10, std::string_view(name) == "strField" ? "2" : "");
     return call;

@@ -21,11 +21,7 @@ using testing::DatabaseFolder;
 ProcedureCall amountOf(const std::string& account, const std::string& year = "2025")
 {
     ProcedureCall call{"sp_GS_AcctProc", {}};
-    call.append(
-            "strSql", 2000,
-            " from tblAccountBal as a left outer join tblAccount as b on a.faccountid=b.fitemid  where  1=1  "
-            " and (b.fNumber='" +
-                account + "')")
+    call.append("strSql", 2000, testing::ledgerFrom + " where  1=1   and (b.fNumber='" + account + "')")
         .append("strField", 100, "2")
         .append("currenct", 50, "")
         .append("fYear", 10, year)
@@ -148,7 +144,7 @@ TEST(ServerSession, TheScriptsCanBeInstalledTwice)
     tds::TdsServer server(folder.file());
     const auto connection = openConnection(server.connectionString());
     for (int installation = 0; installation < 2; ++installation)
-        for (const char* script : {"tables.sql", "sp_GS_AcctProc.sql", "field_keys.sql"})
+        for (const char* script : {"tables.sql", "field_keys.sql"})
             for (const std::string& batch : batchesOf(script))
                 EXPECT_NO_THROW(connection->execute(batch)) << script << ": " << batch.substr(0, 200);
     EXPECT_EQ(connection->query("select * from tblSelfReportFieldKey").rowCount(), 14U);

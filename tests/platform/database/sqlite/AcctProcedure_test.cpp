@@ -7,24 +7,18 @@ namespace {
 
 using testing::DatabaseFolder;
 
-const std::string from =
-    " from tblAccountBal as a left outer join tblAccount as b on a.faccountid=b.fitemid "
-    " left outer join tblQtyBalance as d on (a.fAccountId=d.fAccountId and a.fYear=d.fYear and "
-    " a.fPeriod=d.fPeriod and a.fDetailId=d.fDetailid and a.fCurrencyid=d.fCurrencyid ) "
-    " left outer join tblProfitAndLoss as e on (a.fAccountId=e.fAccountId and a.fYear=e.fYear and "
-    " a.fPeriod=e.fPeriod and a.fDetailId=e.fDetailid and a.fCurrencyid=e.fCurrencyid ) ";
 const std::string withItems = " left outer join tblItemDetailV as c on c.fdetailId=a.fDetailId  ";
 const std::string allRows = " where  1=1  ";
 const std::string itemRows = " where a.fDetailId<>0 ";
 
 std::string account(const std::string& code)
 {
-    return from + allRows + " and (b.fNumber='" + code + "')";
+    return testing::ledgerFrom + allRows + " and (b.fNumber='" + code + "')";
 }
 
 std::string items(const std::string& accountCondition, const std::string& conditions)
 {
-    return from + withItems + itemRows + accountCondition + conditions;
+    return testing::ledgerFrom + withItems + itemRows + accountCondition + conditions;
 }
 
 std::string customer(const std::string& condition)
@@ -203,10 +197,11 @@ TEST_F(AcctProcedureTest, CurrencyYearAndPeriodsHaveDefaults)
 TEST_F(AcctProcedureTest, EveryAmountCountsOnce)
 {
     const auto range = [](const std::string& first, const std::string& last) {
-        return from + allRows + " and (b.fNumber>='" + first + "' and b.fNumber<='" + last + "')";
+        return testing::ledgerFrom + allRows + " and (b.fNumber>='" + first + "' and b.fNumber<='" + last +
+               "')";
     };
     const auto pattern = [](const std::string& like) {
-        return from + allRows + " and (b.fNumber like '" + like + "')";
+        return testing::ledgerFrom + allRows + " and (b.fNumber like '" + like + "')";
     };
     const Fetch cases[] = {
         {"a range leaves out children of matched parents", acctCall(range("1001", "1002"), "2"), "198.1"},
@@ -217,7 +212,8 @@ TEST_F(AcctProcedureTest, EveryAmountCountsOnce)
         {"a set", acctCall(pattern("100[1-9]"), "2"), "198.1"},
         {"a pattern without literal prefix", acctCall(pattern("_122"), "2"), "700"},
         {"two dialects of width and case", acctCall(pattern("１００１__"), "2"), "198.1"},
-        {"no condition counts the top level", acctCall(from + allRows, "3", "", "2009", "2", "2"), "1010.1"},
+        {"no condition counts the top level",
+         acctCall(testing::ledgerFrom + allRows, "3", "", "2009", "2", "2"), "1010.1"},
     };
     for (const Fetch& c : cases)
         EXPECT_EQ(fetched(c.call), c.expected) << c.what;
@@ -251,9 +247,16 @@ TEST_F(AcctProcedureTest, RefusedTextsFailTheirCallOnly)
     const std::vector<ProcedureCall> calls{
         acctCall("select 1", "2"),
         acctCall(account("1001"), "2"),
-        acctCall(from + allRows + " and (b.fNumber='1001", "2"),
+        acctCall(testing::ledgerFrom + allRows + " and (b.fNumber='1001", "2"),
         acctCall(huge, "2"),
-        acctCall(from + allRows + " and b.nosuch=1", "2"),
+        acctCall(testing::ledgerFrom + allRows + " and b.nosuch=1", "2"),
+        acctCall(account("1001' or '1'='1"), "2"),
+        acctCall(account("1001") + " or 1=1", "2"),
+        acctCall(account("1001") + "; delete from tblAccountBal", "2"),
+        acctCall(testing::ledgerFrom + allRows + customer("fNumber='001'"), "2"),
+        acctCall(
+            items("", " and c.fitemid in ( select fitemid from tbl Customer  where 1=1  and (fNumber='1' ))"),
+            "2"),
         {"sp_other", {}},
         {"sp_GS_AcctProc", {}},
     };
@@ -271,9 +274,7 @@ TEST_F(AcctProcedureTest, LiftedStatementsGiveWhatTheFinalTextGives)
     const SqliteDatabase raw(m_folder.file());
     const std::vector<ProcedureCall> calls{
         acctCall(account("1001"), "2", "USD", "2009", "1", "2"),
-        acctCall(account("1001' or '1'='1"), "2"),
         acctCall(account("10''01"), "2"),
-        acctCall(from + allRows + " and (b.fNumber=N'1001')", "2"),
         acctCall(items("", customer("fNumber like '0%'")), "3", "", "2009", "1", "2"),
     };
     for (const ProcedureCall& call : calls) {

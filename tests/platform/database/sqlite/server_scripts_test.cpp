@@ -56,7 +56,7 @@ TEST(ServerScripts, HoldTheTablesOfTheEmbeddedDatabase)
 TEST(ServerScripts, HoldTheSameFetchTypes)
 {
     const std::string keys = scriptText("field_keys.sql");
-    const std::string procedure = scriptText("sp_GS_AcctProc.sql");
+    const std::string procedure = scriptText("sp_GS_SelfReportAmount.sql");
     for (const AcctKind& kind : acctKinds) {
         std::string key("'");
         key.append(kind.key).append("'");
