@@ -1,7 +1,7 @@
 #include "reports/report_statements.h"
 
-#include "fetch/ledger_query.h"
 #include "platform/database/dialect/sql_text.h"
+#include "text/ascii.h"
 
 namespace selfreport {
 
@@ -28,8 +28,8 @@ std::string menuItemStatement(std::int64_t report)
 std::string insertMenuItemStatement(std::int64_t item, std::int64_t report, std::string_view name)
 {
     return "insert into tblsystemprivillenge(fitemid,fnumber,fname,fisdetail,fparentid) values(" +
-           std::to_string(item) + ",'RSelf" + std::to_string(report) + "','" + sqlQuoted(trimmed(name)) +
-           "',1,521)";
+           std::to_string(item) + ",'RSelf" + std::to_string(report) + "','" +
+           sqlQuoted(ascii::trimmed(name, " ")) + "',1,521)";
 }
 
 std::string reportStatement(std::int64_t report)

@@ -3,6 +3,7 @@
 #include "platform/windows/own_file.h"
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "text/ascii.h"
 #include "windows/designer/DiagnosticsPanel.h"
 #include "windows/designer/EditorFiles.h"
 #include "windows/designer/EditorFormulas.h"
@@ -78,7 +79,7 @@ std::vector<FileCommand> EditorFiles::formatCommands()
         {"MenuImportXlsx", "引入" + alternatives(read), [this] { importOtherFormats(); }}};
     for (const FileFormat* format : otherFormats(false)) {
         std::string ending(format->ending().substr(1));
-        ending[0] = static_cast<char>(ending[0] & ~0x20); // capital
+        ending[0] = ascii::upper(ending[0]);
         commands.push_back({"MenuExport" + ending, "引出为" + withEnding(*format),
                             [this, format] { exportUnderReportName(*format); }});
     }

@@ -1,10 +1,10 @@
 #include "windows/designer/FormulaBox.h"
 
-#include "fetch/ledger_query.h"
 #include "spreadsheet/values/characters.h"
 #include "spreadsheet/view/FormulaAssistant.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "spreadsheet/workbook/typed_text.h"
+#include "text/ascii.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -93,8 +93,8 @@ bool FormulaBox::isUnchanged(const Sheet& sheet) const
 {
     const std::string typed = m_edit.text().toStdString();
     const std::string formula = sheet.formula(m_cell);
-    const std::string_view text = trimmed(typed);
-    return text == trimmed(formula) || (text.empty() && !sheet.hasFormula(m_cell));
+    const std::string_view text = ascii::trimmed(typed, " ");
+    return text == ascii::trimmed(formula, " ") || (text.empty() && !sheet.hasFormula(m_cell));
 }
 
 bool FormulaBox::commit()
@@ -107,8 +107,9 @@ bool FormulaBox::commit()
         return true;
     }
     const std::string typed = m_edit.text().toStdString();
-    if (const auto problem = spreadsheet::enterText(m_grid.cells().workbook(), *own, m_cell, trimmed(typed),
-                                                    spreadsheet::TypedInto::formulaBox)) {
+    if (const auto problem =
+            spreadsheet::enterText(m_grid.cells().workbook(), *own, m_cell, ascii::trimmed(typed, " "),
+                                   spreadsheet::TypedInto::formulaBox)) {
         const std::size_t place = std::min(problem.position(), typed.size());
         m_assistant->markMistake(static_cast<int>(spreadsheet::unitOfByte(typed, place)));
         if (refused)

@@ -1,12 +1,12 @@
 #include "windows/designer/Recovery.h"
 
 #include "failures/failure_text.h"
-#include "fetch/ledger_query.h"
 #include "platform/database/session/names.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/files/content/content.h"
 #include "spreadsheet/files/placing/FileTarget.h"
 #include "spreadsheet/workbook/Workbook.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -53,7 +53,7 @@ std::string ownerCode(const ReportContext& context)
     };
     for (const auto part : std::views::split(std::string_view(context.database.connectionString), ';')) {
         const std::string_view setting(part.begin(), part.end());
-        const std::string_view key = trimmed(setting.substr(0, setting.find('=')));
+        const std::string_view key = ascii::trimmed(setting.substr(0, setting.find('=')), " ");
         if (!sameName(key, "Password") && !sameName(key, "PWD"))
             add(setting);
     }

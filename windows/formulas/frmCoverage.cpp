@@ -3,7 +3,6 @@
 #include "access/driver_call.h"
 #include "failures/failure_text.h"
 #include "fetch/call_in_words.h"
-#include "fetch/ledger_query.h"
 #include "fetch/report_functions.h"
 #include "platform/basicdata/clsAccountChooser.h"
 #include "platform/list_grid/ListGrid.h"
@@ -13,6 +12,7 @@
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "text/amount_text.h"
+#include "text/ascii.h"
 #include "windows/pickers/ArgumentBoxes.h"
 
 #include <algorithm>
@@ -197,8 +197,8 @@ std::vector<AccountCoverage> frmCoverage::coverageOf(const LedgerArguments& meas
     return driverCall<std::vector<AccountCoverage>>(
         [range, measure, connectionString = m_context.database.connectionString, calls = m_sheet.calls] {
             const auto connection = openConnection(connectionString);
-            return accountCoverage(*connection, std::string(trimmed(range[0])),
-                                   std::string(trimmed(range[1])), measure, calls);
+            return accountCoverage(*connection, std::string(ascii::trimmed(range[0], " ")),
+                                   std::string(ascii::trimmed(range[1], " ")), measure, calls);
         });
 }
 

@@ -1,6 +1,7 @@
 #include "windows/pickers/account_argument.h"
 
 #include "fetch/ledger_query.h"
+#include "text/ascii.h"
 
 #include <QString>
 
@@ -16,8 +17,8 @@ bool sameText(const std::string& left, const std::string& right)
 /// "from:to", or one of them where the other is missing or the same.
 std::string rangeText(const std::string& typedFrom, const std::string& typedTo)
 {
-    const std::string from(trimmed(typedFrom));
-    const std::string to(trimmed(typedTo));
+    const std::string from(ascii::trimmed(typedFrom, " "));
+    const std::string to(ascii::trimmed(typedTo, " "));
     if (to.empty() || sameText(from, to))
         return from;
     return from.empty() ? to : from + ':' + to;

@@ -1,6 +1,5 @@
 #include "windows/pickers/frmAccountWizard.h"
 
-#include "fetch/ledger_query.h"
 #include "platform/basicdata/clsAccountChooser.h"
 #include "platform/basicdata/clsItemChooser.h"
 #include "platform/windows/buttons.h"
@@ -8,6 +7,7 @@
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "spreadsheet/workbook/typed_text.h"
+#include "text/ascii.h"
 #include "windows/pickers/account_argument.h"
 #include "windows/pickers/ArgumentBoxes.h"
 #include "windows/pickers/item_classes.h"
@@ -131,7 +131,7 @@ void frmAccountWizard::getBasicInfo(int index)
 
 void frmAccountWizard::getHSXMDetail(const QString& account)
 {
-    const std::string number(trimmed(account.toStdString()));
+    const std::string number(ascii::trimmed(account.toStdString(), " "));
     m_context.database.run(Icon::critical, [&](Connection& connection) {
         const ItemClasses classes = itemClassesOf(connection, number);
         m_fps1->cells().setColumnDropDown(classColumn, classes.names);

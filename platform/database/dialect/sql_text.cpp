@@ -26,7 +26,7 @@ bool isPlainIdentifier(std::string_view name)
     if (name.empty() || name.size() > 128 || !startsIdentifier(name.front()))
         return false;
     return std::ranges::all_of(
-        name, [](char letter) { return startsIdentifier(letter) || (letter >= '0' && letter <= '9'); });
+        name, [](char letter) { return startsIdentifier(letter) || ascii::isDigit(letter); });
 }
 
 } // namespace selfreport

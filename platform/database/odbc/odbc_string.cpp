@@ -2,6 +2,7 @@
 
 #include "platform/database/dialect/connection_string.h"
 #include "platform/database/session/names.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -65,34 +66,28 @@ struct Server {
     std::string_view host, instance, port;
 };
 
-std::string_view trimmed(std::string_view text)
-{
-    const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
-    return text.substr(first, text.find_last_not_of(' ') + 1 - first);
-}
-
 /// Takes what stands behind the first of the marks off the text.
 std::string_view takenBehind(std::string_view& text, char mark)
 {
     const std::size_t at = text.find(mark);
     if (at == std::string_view::npos)
         return {};
-    const std::string_view behind = trimmed(text.substr(at + 1));
+    const std::string_view behind = ascii::trimmed(text.substr(at + 1), " ");
     if (behind.empty())
         refuseConnectionString("服务器的名称不完整");
-    text = trimmed(text.substr(0, at));
+    text = ascii::trimmed(text.substr(0, at), " ");
     return behind;
 }
 
 std::string_view withoutProtocol(std::string_view server)
 {
     const std::size_t colon = server.find(':');
-    const std::string_view protocol = trimmed(server.substr(0, colon));
+    const std::string_view protocol = ascii::trimmed(server.substr(0, colon), " ");
     if (colon == std::string_view::npos || !isOneOf(protocol, {"tcp", "np", "lpc", "admin"}))
         return server;
     if (!sameName(protocol, "tcp"))
         refuseConnectionString("不支持的网络协议 " + std::string(protocol));
-    return trimmed(server.substr(colon + 1));
+    return ascii::trimmed(server.substr(colon + 1), " ");
 }
 
 /// "host", "host,port", "host\instance", each also with "tcp:" before it; an address of version 6 bare or in
@@ -104,7 +99,7 @@ Server serverOf(std::string_view text)
     server.port = takenBehind(text, ',');
     server.instance = takenBehind(text, '\\');
     if (text.starts_with('[') && text.ends_with(']'))
-        text = trimmed(text.substr(1, text.size() - 2));
+        text = ascii::trimmed(text.substr(1, text.size() - 2), " ");
     else if (std::ranges::count(text, ':') == 1 && server.port.empty())
         server.port = takenBehind(text, ':');
     if (sameName(text, "(localdb)"))
