@@ -123,8 +123,7 @@ frmEditor& openReport()
 template <class Window>
 std::unique_ptr<QWidget> overReport()
 {
-    openReport();
-    return std::make_unique<Window>();
+    return std::make_unique<Window>(openReport().printedGrid());
 }
 
 std::unique_ptr<QWidget> coverage()
@@ -136,11 +135,11 @@ std::unique_ptr<QWidget> coverage()
 
 std::unique_ptr<QWidget> filledHeaders()
 {
-    openReport();
+    frmEditor& report = openReport();
     gHeaderText =
         "/fn\"黑体\"/fz\"14\"/fb1/fi0/fu0/fk0/c资产负债表/n/fn\"宋体\"/fz\"9\"/fb0/fi0/fu1/fk0/l单位:演示公司"
         "/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/r/p/n/fn\"宋体\"/fz\"28\"/fb0/fi1/fu0/fk0/c大字/n";
-    return std::make_unique<headerfooter>();
+    return std::make_unique<headerfooter>(report.printedGrid());
 }
 
 /// Shown modally by what opens it; the picture is taken from inside.

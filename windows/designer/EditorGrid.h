@@ -5,14 +5,13 @@
 
 namespace selfreport {
 
-/// The designer's grid as printing windows and formula dialogs see it, in use while the designer lives.
+/// The designer's grid as printing windows and formula dialogs see it.
 class frmEditor::EditorGrid : public PrintedGrid, public FormulaCell {
 public:
     EditorGrid(ReportContext& reportContext, frmEditor& window)
         : PrintedGrid(reportContext)
         , FormulaCell(reportContext)
         , m_window(window)
-        , m_inUse(*this)
     {
     }
 
@@ -32,7 +31,6 @@ public:
 
 private:
     frmEditor& m_window;
-    PrintedGridInUse m_inUse;
 };
 
 } // namespace selfreport

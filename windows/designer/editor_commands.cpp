@@ -74,8 +74,8 @@ constexpr EditorCommand fileCommands[] = {
     separator,
     {.addsMore = [](Window w, QMenu& menu) { w.addFileFormats(menu); }},
     {"MenuExportPdf", "引出为PDF文件", [](Window w) { w.exportPdf(); }},
-    {"MenuPrintOptions", "打印选项", [](Window w) { frmPrintOptions(&w).exec(); }},
-    {"MenuPageBreak", "插入/取消分页符", [](Window) { togglePageBreaksAtSelection(); }},
+    {"MenuPrintOptions", "打印选项", [](Window w) { frmPrintOptions(w.printedGrid(), &w).exec(); }},
+    {"MenuPageBreak", "插入/取消分页符", [](Window w) { togglePageBreaksAtSelection(w.printedGrid()); }},
 };
 
 constexpr EditorCommand fillCommands[] = {

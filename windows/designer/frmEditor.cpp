@@ -68,6 +68,7 @@ frmEditor::~frmEditor()
     if (!m_left)
         m_files->keepAtEnd();
     m_fps1->disconnect(this);
+    frmPreview::discard(); // it shows what ends here
 }
 
 // Start-up
@@ -252,9 +253,14 @@ void frmEditor::MenuSetTableInfo_Click()
     enterCell();
 }
 
+PrintedGrid& frmEditor::printedGrid()
+{
+    return *m_grid;
+}
+
 void frmEditor::MenuPreview_Click()
 {
-    frmPreview::showModally();
+    frmPreview::showModally(*m_grid);
 }
 
 void frmEditor::MenuPrint_Click()

@@ -26,6 +26,7 @@ class EditorFiles;
 class EditorFormulas;
 class EditorStatus;
 class FormulaBox;
+class PrintedGrid;
 class ProportionalLayout;
 struct ReportContext;
 struct EditorCommand;
@@ -45,6 +46,8 @@ public:
     /// Entries for the formats of files that have none of their own.
     void addFileFormats(QMenu& menu);
     EditorFormulas& formulas() { return *m_formulas; }
+    /// As printing windows see it.
+    PrintedGrid& printedGrid();
 
     // The commands behind menus and toolbar; each works alike from both.
     void MenuSetTableInfo_Click();

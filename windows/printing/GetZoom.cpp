@@ -5,12 +5,12 @@
 
 namespace selfreport {
 
-void GetZoom(std::int16_t index)
+void GetZoom(PrintedGrid& grid, std::int16_t index)
 {
     if (index < 0 || index >= static_cast<int>(zoomEntries.size()))
         return;
     const ZoomEntry& entry = zoomEntries[static_cast<std::size_t>(index)];
-    spreadsheet::PreviewWidget& pages = frmPreview::shared().fpsp1();
+    spreadsheet::PreviewWidget& pages = frmPreview::shared(grid).fpsp1();
     pages.setView(entry.view);
     if (entry.percentage > 0)
         pages.setZoomPercentage(entry.percentage);

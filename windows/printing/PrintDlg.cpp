@@ -46,8 +46,9 @@ constexpr int pageRange = 3; // index of "页数"
 
 } // namespace
 
-PrintDlg::PrintDlg(QWidget* parent)
+PrintDlg::PrintDlg(PrintedGrid& grid, QWidget* parent)
     : QDialog(parent)
+    , m_grid(grid)
 {
     setObjectName("PrintDlg");
     setWindowTitle(QStringLiteral("打印"));
@@ -103,7 +104,7 @@ void PrintDlg::buildButtons()
         const char *name, *caption;
         void (*clicked)(PrintDlg&);
     } buttons[] = {
-        {"Command1", "设置", [](auto& window) { pagesetup(&window).exec(); }},
+        {"Command1", "设置", [](auto& window) { pagesetup(window.m_grid, &window).exec(); }},
         {"Command4", "打印机设置", [](auto& window) { window.Command4_Click(); }},
         {"Command2", "打印", [](auto& window) { window.Command2_Click(); }},
         {"Command3", "取消", [](auto& window) { window.close(); }},
@@ -139,20 +140,20 @@ bool PrintDlg::eventFilter(QObject* object, QEvent* event)
 
 bool PrintDlg::takeRange()
 {
-    spreadsheet::PrintRange& range = printedGrid().printRange;
+    spreadsheet::PrintRange& range = m_grid.printRange;
     if (Option1[0]->isChecked()) {
         range.kind = spreadsheet::PrintRangeKind::all;
     } else if (Option1[1]->isChecked()) {
-        range.cells = printedGrid().selectedBlock();
+        range.cells = m_grid.selectedBlock();
         range.kind = spreadsheet::PrintRangeKind::cells;
     } else if (Option1[2]->isChecked()) {
-        range.currentPage = frmPreview::exists() ? frmPreview::shared().fpsp1().currentPage() : 1;
+        range.currentPage = frmPreview::exists() ? frmPreview::shared(m_grid).fpsp1().currentPage() : 1;
         range.kind = spreadsheet::PrintRangeKind::currentPage;
     } else {
         const auto first = pageNumber(Text1[0]->text().toStdString());
         const auto last = pageNumber(Text1[1]->text().toStdString());
         if (!first || !last) {
-            dialogs().message(Icon::exclamation, printedContext().title, "页码不能大于32767!");
+            dialogs().message(Icon::exclamation, m_grid.context.title, "页码不能大于32767!");
             (first ? Text1[1] : Text1[0])->setFocus();
             return false;
         }
@@ -166,19 +167,19 @@ bool PrintDlg::takeRange()
 PrintOutcome PrintDlg::PrintSpread()
 {
     static constexpr std::size_t order[] = {0, 1, 3, 5, 2, 6, 4};
-    const spreadsheet::PrintRange before = printedGrid().printRange;
+    const spreadsheet::PrintRange before = m_grid.printRange;
     if (!takeRange())
         return PrintOutcome::failed;
     {
-        const spreadsheet::DisplayOnly display(printedGrid().workbook());
-        changeActiveSheetsPrint(printedGrid().workbook(), [&](PrintSettings& print) {
+        const spreadsheet::DisplayOnly display(m_grid.workbook());
+        changeActiveSheetsPrint(m_grid.workbook(), [&](PrintSettings& print) {
             for (const std::size_t i : order)
                 print.*options[i].setting = Check1[i]->isChecked();
         });
     }
-    const PrintOutcome outcome = printSheet(printedGrid());
+    const PrintOutcome outcome = printSheet(m_grid);
     if (outcome != PrintOutcome::printed)
-        printedGrid().printRange = before;
+        m_grid.printRange = before;
     return outcome;
 }
 
@@ -186,7 +187,7 @@ void PrintDlg::Command2_Click()
 {
     const PrintOutcome outcome = PrintSpread();
     if (outcome == PrintOutcome::printed)
-        printedGrid().closeDesigner();
+        m_grid.closeDesigner();
     else if (outcome == PrintOutcome::left)
         frmPreview::discard();
     else
@@ -201,7 +202,7 @@ void PrintDlg::Command4_Click()
         return;
     printerSetup() = *chosen;
     if (frmPreview::exists())
-        frmPreview::shared().fpsp1().setRequest(previewRequest(printedGrid()));
+        frmPreview::shared(m_grid).fpsp1().setRequest(previewRequest(m_grid));
 }
 
 } // namespace selfreport

@@ -11,13 +11,15 @@ class QRadioButton;
 
 namespace selfreport {
 
+class PrintedGrid;
+
 /// Options and range of a printing. Printing closes the designer, the preview and the dialog; going to a cell
 /// whose fetch failed closes preview and dialog; what fails or is cancelled closes nothing.
 class PrintDlg : public QDialog {
     Q_OBJECT
 
 public:
-    explicit PrintDlg(QWidget* parent = nullptr);
+    explicit PrintDlg(PrintedGrid& grid, QWidget* parent = nullptr);
 
     /// Moves the dialog's choices to the designer's grid and prints it.
     PrintOutcome PrintSpread();
@@ -36,6 +38,7 @@ private:
     /// False after telling that a page number is too large.
     [[nodiscard]] bool takeRange();
 
+    PrintedGrid& m_grid;
     std::array<QCheckBox*, 7> Check1{};
     std::array<QRadioButton*, 4> Option1{};
     std::array<QLineEdit*, 2> Text1{};

@@ -1,5 +1,4 @@
 #pragma once
-#include "platform/services/InUse.h"
 #include "spreadsheet/print/print_range.h"
 #include "spreadsheet/values/CellAddress.h"
 #include "spreadsheet/values/Refusal.h"
@@ -49,19 +48,9 @@ public:
 
     ReportContext& context;             ///< who prints and sets up which report, on which database
     spreadsheet::PrintRange printRange; ///< what printing prints of the active sheet
-
-    /// What is in use while no designer is open: an empty workbook and a context of its own.
-    static PrintedGrid*& usual();
 };
 
-using PrintedGridInUse = InUse<PrintedGrid>;
-
-/// The designer's grid.
-PrintedGrid& printedGrid();
-/// … and its context.
-ReportContext& printedContext();
-
 /// Whether page set-up, header and footer may not be changed now; the user is told why.
-bool isPageSetupRefused();
+bool isPageSetupRefused(const PrintedGrid& grid);
 
 } // namespace selfreport

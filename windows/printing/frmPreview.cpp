@@ -27,10 +27,10 @@ std::unique_ptr<frmPreview>& instance()
 
 } // namespace
 
-frmPreview& frmPreview::shared()
+frmPreview& frmPreview::shared(PrintedGrid& grid)
 {
     if (!instance())
-        instance() = std::make_unique<frmPreview>();
+        instance() = std::make_unique<frmPreview>(grid);
     return *instance();
 }
 
@@ -48,17 +48,18 @@ void frmPreview::discard()
         instance().reset();
 }
 
-void frmPreview::showModally()
+void frmPreview::showModally(PrintedGrid& grid)
 {
-    frmPreview& window = shared();
+    frmPreview& window = shared(grid);
     window.m_shownModally = true;
     window.exec();
     window.m_shownModally = false;
     discard();
 }
 
-frmPreview::frmPreview()
-    : m_fpsp1(new spreadsheet::PreviewWidget)
+frmPreview::frmPreview(PrintedGrid& grid)
+    : m_grid(grid)
+    , m_fpsp1(new spreadsheet::PreviewWidget)
     , lblPage(new QLabel(QStringLiteral("页数 ")))
 {
     setObjectName("frmPreview");
@@ -73,7 +74,6 @@ frmPreview::frmPreview()
     buildButtons();
     resize(sizeHint());
 
-    PrintedGrid& grid = printedGrid();
     m_fpsp1->attach(grid.workbook(), grid.workbook().activeSheet(), previewRequest(grid));
     cmdPrevious->setEnabled(false);
     UpdatePageCount();
@@ -155,12 +155,12 @@ void frmPreview::cmdHome_Click()
 
 void frmPreview::cmdSupport_Click()
 {
-    pagesetup(this).exec();
+    pagesetup(m_grid, this).exec();
 }
 
 void frmPreview::cmdHelp_Click()
 {
-    PrintDlg(this).exec();
+    PrintDlg(m_grid, this).exec();
 }
 
 } // namespace selfreport

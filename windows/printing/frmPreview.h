@@ -10,21 +10,24 @@ class PreviewWidget;
 
 namespace selfreport {
 
-/// The active sheet of the designer's grid page by page. There is one instance, made when it is first needed.
+class PrintedGrid;
+
+/// The active sheet of the designer's grid page by page. There is one instance, made when it is first needed;
+/// the designer discards it when it ends.
 class frmPreview : public QDialog {
     Q_OBJECT
 
 public:
     /// The instance; made hidden if there is none.
-    static frmPreview& shared();
+    static frmPreview& shared(PrintedGrid& grid);
     static bool exists();
     /// Closes the instance, if there is one. It is gone at once or, while it is shown modally, when its loop
     /// has ended.
     static void discard();
     /// Shows the instance modally and discards it after that.
-    static void showModally();
+    static void showModally(PrintedGrid& grid);
 
-    frmPreview();
+    explicit frmPreview(PrintedGrid& grid);
 
     /// Brings the page label and the two page buttons up to date.
     void UpdatePageCount();
@@ -38,6 +41,7 @@ private:
     void cmdSupport_Click();
     void cmdHelp_Click();
 
+    PrintedGrid& m_grid;
     spreadsheet::PreviewWidget* m_fpsp1;
     QLabel* lblPage;
     QPushButton* cmdPrevious = nullptr;

@@ -18,17 +18,17 @@ namespace {
 
 using spreadsheet::PrintSettings;
 
-const spreadsheet::Sheet& activeSheet()
+const spreadsheet::Sheet& activeSheet(PrintedGrid& grid)
 {
-    spreadsheet::Workbook& workbook = printedGrid().workbook();
+    spreadsheet::Workbook& workbook = grid.workbook();
     return workbook.sheet(workbook.activeSheet());
 }
 
-QSpinBox* rowField(const char* name, int row)
+QSpinBox* rowField(const char* name, int row, int rowCount)
 {
     auto* const field = new QSpinBox;
     field->setObjectName(QLatin1String(name));
-    field->setRange(0, activeSheet().settings().rowCount);
+    field->setRange(0, rowCount);
     field->setSpecialValueText(QStringLiteral("无"));
     field->setValue(row);
     return field;
@@ -55,14 +55,16 @@ void toggle(spreadsheet::PrintSettings& print, int column, int row)
 
 } // namespace
 
-frmPrintOptions::frmPrintOptions(QWidget* parent)
+frmPrintOptions::frmPrintOptions(PrintedGrid& grid, QWidget* parent)
     : QDialog(parent)
+    , m_grid(grid)
 {
     setObjectName("frmPrintOptions");
     setWindowTitle(QStringLiteral("打印选项"));
-    const PrintSettings& print = activeSheet().settings().print;
-    txtTitleTop = rowField("txtTitleTop", print.titleTop);
-    txtTitleBottom = rowField("txtTitleBottom", print.titleBottom);
+    const spreadsheet::SheetSettings& sheet = activeSheet(grid).settings();
+    const PrintSettings& print = sheet.print;
+    txtTitleTop = rowField("txtTitleTop", print.titleTop, sheet.rowCount);
+    txtTitleBottom = rowField("txtTitleBottom", print.titleBottom, sheet.rowCount);
     chkFitWidth = checkBox("chkFitWidth", "缩小到一页宽", print.fitWidth);
     chkCentredAcross = checkBox("chkCentredAcross", "水平居中", print.centredAcross);
     chkCentredDown = checkBox("chkCentredDown", "垂直居中", print.centredDown);
@@ -86,11 +88,11 @@ void frmPrintOptions::cmdXPOK_Click()
     const int top = txtTitleTop->value();
     const int bottom = txtTitleBottom->value();
     if ((top == 0) != (bottom == 0) || top > bottom) {
-        dialogs().message(Icon::exclamation, printedContext().title, "重复的末行不能在首行之前!");
+        dialogs().message(Icon::exclamation, m_grid.context.title, "重复的末行不能在首行之前!");
         txtTitleBottom->setFocus();
         return;
     }
-    changeActiveSheetsPrint(printedGrid().workbook(), [&](PrintSettings& print) {
+    changeActiveSheetsPrint(m_grid.workbook(), [&](PrintSettings& print) {
         print.titleTop = top;
         print.titleBottom = bottom;
         print.fitWidth = chkFitWidth->isChecked();
@@ -101,16 +103,15 @@ void frmPrintOptions::cmdXPOK_Click()
     accept();
 }
 
-void togglePageBreaks(int column, int row)
+void togglePageBreaks(PrintedGrid& grid, int column, int row)
 {
-    changeActiveSheetsPrint(printedGrid().workbook(),
-                            [&](PrintSettings& print) { toggle(print, column, row); });
+    changeActiveSheetsPrint(grid.workbook(), [&](PrintSettings& print) { toggle(print, column, row); });
 }
 
-void togglePageBreaksAtSelection()
+void togglePageBreaksAtSelection(PrintedGrid& grid)
 {
-    const spreadsheet::CellRange block = printedGrid().selectedBlock();
-    togglePageBreaks(block.left, block.top);
+    const spreadsheet::CellRange block = grid.selectedBlock();
+    togglePageBreaks(grid, block.left, block.top);
 }
 
 } // namespace selfreport

@@ -32,33 +32,34 @@ namespace {
 using spreadsheet::CellStyle;
 using spreadsheet::PrintSettings;
 
-/// The report's header or footer as it is stored. A report that was never saved has none: the shared texts
+/// The report's header or footer as it is stored. A report that was never saved has none: the context's texts
 /// are still those of the last one, and its grid alone knows its own.
-std::string storedCodes(bool footer)
+std::string storedCodes(PrintedGrid& grid, bool footer)
 {
-    const OpenReport& report = printedContext().report;
+    const OpenReport& report = grid.context.report;
     if (report.editFlag != 0)
         return footer ? report.footer : report.header;
-    const PrintSettings& print = printedGrid().workbook().sheet(1).settings().print;
+    const PrintSettings& print = grid.workbook().sheet(1).settings().print;
     return footer ? print.footer : print.header;
 }
 
-void setOnGrid(bool footer, const std::string& codes)
+void setOnGrid(PrintedGrid& grid, bool footer, const std::string& codes)
 {
-    changePrintSettings(printedGrid().workbook(),
+    changePrintSettings(grid.workbook(),
                         [&](PrintSettings& print) { (footer ? print.footer : print.header) = codes; });
 }
 
-void storeCodes(Connection& connection, bool footer, const std::string& codes)
+void storeCodes(PrintedGrid& grid, Connection& connection, bool footer, const std::string& codes)
 {
-    changeStoredPageSetup(connection, saveHeaderStatement(printedContext().report.id, footer), {codes});
-    printedGrid().headerStored(footer, codes);
+    changeStoredPageSetup(grid, connection, saveHeaderStatement(grid.context.report.id, footer), {codes});
+    grid.headerStored(footer, codes);
 }
 
 } // namespace
 
-headerfooter::headerfooter(QWidget* parent)
+headerfooter::headerfooter(PrintedGrid& grid, QWidget* parent)
     : QDialog(parent)
+    , m_grid(grid)
     , fpSpread1(new spreadsheet::SpreadsheetControl)
 {
     setObjectName("headerfooter");
@@ -153,7 +154,7 @@ void headerfooter::Option3_Click()
         option->setFont(font);
     }
     fpSpread1->entry().cancel(); // changes that were not saved are dropped
-    GetHeaderDetail(storedCodes(isFooter()));
+    GetHeaderDetail(storedCodes(m_grid, isFooter()));
     Command3->setText(isFooter() ? QStringLiteral("保存页脚") : QStringLiteral("保存页眉"));
 }
 
@@ -184,25 +185,25 @@ std::string headerfooter::GetCellData(std::int16_t column, std::int16_t row) con
 
 int headerfooter::exec()
 {
-    return isPageSetupRefused() ? QDialog::Rejected : QDialog::exec();
+    return isPageSetupRefused(m_grid) ? QDialog::Rejected : QDialog::exec();
 }
 
 bool headerfooter::SaveConfiguration()
 {
-    if (isPageSetupRefused())
+    if (isPageSetupRefused(m_grid))
         return false;
     if (!fpSpread1->entry().commit())
         return false;
-    printedContext().database.run(Icon::critical, [this](Connection& connection) {
+    m_grid.context.database.run(Icon::critical, [this](Connection& connection) {
         QCoreApplication::processEvents();
         const std::string codes = headerCodes(headerGridOf(fpSpread1->cells().sheet()));
-        setOnGrid(isFooter(), codes);
-        OpenReport& report = printedContext().report;
+        setOnGrid(m_grid, isFooter(), codes);
+        OpenReport& report = m_grid.context.report;
         (isFooter() ? report.footer : report.header) = codes;
         if (report.editFlag == 0)
-            printedGrid().tellStatus("报表尚未保存,页眉页脚没有存入数据库");
+            m_grid.tellStatus("报表尚未保存,页眉页脚没有存入数据库");
         else
-            storeCodes(connection, isFooter(), codes);
+            storeCodes(m_grid, connection, isFooter(), codes);
     });
     return true;
 }
@@ -218,8 +219,8 @@ void headerfooter::Command4_Click()
     if (!dialogs().ask(Icon::none, "清除文本", "确定要清除吗?"))
         return;
     fpSpread1->entry().cancel();
-    setOnGrid(isFooter(), {});
-    const PrintSettings& print = printedGrid().workbook().sheet(1).settings().print;
+    setOnGrid(m_grid, isFooter(), {});
+    const PrintSettings& print = m_grid.workbook().sheet(1).settings().print;
     GetHeaderDetail(isFooter() ? print.footer : print.header);
 }
 

@@ -13,13 +13,15 @@ class SpreadsheetControl;
 
 namespace selfreport {
 
+class PrintedGrid;
+
 /// Edits header and footer of the report in the designer: nine lines with a left, a centre and a right part,
 /// each in its own font.
 class headerfooter : public QDialog {
     Q_OBJECT
 
 public:
-    explicit headerfooter(QWidget* parent = nullptr);
+    explicit headerfooter(PrintedGrid& grid, QWidget* parent = nullptr);
 
     /// Shows nothing but the reason while header and footer may not be changed.
     int exec() override;
@@ -30,7 +32,7 @@ public:
     std::string GetCellData(std::int16_t column, std::int16_t row) const;
     /// Clears the grid and fills it from a code string, as far as that can be read.
     void GetHeaderDetail(const std::string& codes);
-    /// Stores the grid as the report's header or footer: in its row, its grid and the shared state.
+    /// Stores the grid as the report's header or footer: in its row, its grid and its context.
     [[nodiscard]] bool SaveConfiguration(); ///< false: an entry was refused and stays open
 
 protected:
@@ -48,6 +50,7 @@ private:
     void fpSpread1_RightButton();
     void fpSpread1_ButtonClicked(int column, int row);
 
+    PrintedGrid& m_grid;
     spreadsheet::SpreadsheetControl* fpSpread1;
     std::array<QRadioButton*, 2> Option3{};
     QPushButton* Command3 = nullptr;

@@ -32,8 +32,9 @@ constexpr const char* marginNames[] = {"左:", "右:", "上:", "下:"};
 
 } // namespace
 
-pagesetup::pagesetup(QWidget* parent)
+pagesetup::pagesetup(PrintedGrid& grid, QWidget* parent)
     : QDialog(parent)
+    , m_grid(grid)
 {
     setObjectName("pagesetup");
     setWindowTitle(QStringLiteral("页面设置"));
@@ -42,7 +43,7 @@ pagesetup::pagesetup(QWidget* parent)
     buildChoices();
     buildButtons();
     getReportInfo();
-    std::int16_t& zoom = printedContext().report.zoomIndex;
+    std::int16_t& zoom = m_grid.context.report.zoomIndex;
     if (zoom == -1)
         zoom = firstZoomIndex;
     Combo1->setCurrentIndex(zoom);
@@ -125,8 +126,8 @@ void pagesetup::showMargin(int index, double value)
 
 void pagesetup::getReportInfo()
 {
-    ReportContext& context = printedContext();
-    if (context.report.editFlag == 0 || printedGrid().pageSetupRefusal())
+    ReportContext& context = m_grid.context;
+    if (context.report.editFlag == 0 || m_grid.pageSetupRefusal())
         return; // the row under its id is another report's
     context.database.run(Icon::critical, [&](Connection& connection) {
         const Recordset rows = connection.query(loadPageSetupStatement(context.report.id));
@@ -144,7 +145,7 @@ bool pagesetup::marginsAreComplete()
 {
     for (MarginField* const field : pagemargin)
         if (field->text().isEmpty() || field->text().toStdString() == MarginText::empty) {
-            printedContext().database.tell(Icon::exclamation, "请输入数定类型!");
+            m_grid.context.database.tell(Icon::exclamation, "请输入数定类型!");
             field->setFocus();
             return false;
         }
@@ -165,50 +166,51 @@ void pagesetup::cmdXPOK_Click()
 {
     if (!marginsAreComplete())
         return;
-    GetZoom(static_cast<std::int16_t>(Combo1->currentIndex()));
+    GetZoom(m_grid, static_cast<std::int16_t>(Combo1->currentIndex()));
     const std::array<double, 4> margins = inches();
-    changePrintSettings(printedGrid().workbook(), [&](spreadsheet::PrintSettings& print) {
+    changePrintSettings(m_grid.workbook(), [&](spreadsheet::PrintSettings& print) {
         print.marginTop = marginTwips(margins[2]);
         print.marginBottom = marginTwips(margins[3]);
         print.marginLeft = marginTwips(margins[0]);
         print.marginRight = marginTwips(margins[1]);
         print.landscape = !porientation[0]->isChecked();
     });
-    printedContext().report.zoomIndex = static_cast<std::int16_t>(Combo1->currentIndex());
+    m_grid.context.report.zoomIndex = static_cast<std::int16_t>(Combo1->currentIndex());
     saveToDB();
     accept();
 }
 
 void pagesetup::saveToDB()
 {
-    if (isPageSetupRefused())
+    if (isPageSetupRefused(m_grid))
         return;
-    ReportContext& context = printedContext();
+    ReportContext& context = m_grid.context;
     if (context.report.editFlag == 0) {
-        printedGrid().tellStatus("报表尚未保存,页面设置没有存入数据库");
+        m_grid.tellStatus("报表尚未保存,页面设置没有存入数据库");
         return;
     }
     const bool isPortrait = porientation[0]->isChecked();
     const bool isStored = context.database.run(Icon::critical, [&](Connection& connection) {
-        changeStoredPageSetup(connection, savePageSetupStatement(context.report.id, inches(), isPortrait));
+        changeStoredPageSetup(m_grid, connection,
+                              savePageSetupStatement(context.report.id, inches(), isPortrait));
     });
     if (isStored)
-        printedGrid().pageSetupStored(inches(), isPortrait);
+        m_grid.pageSetupStored(inches(), isPortrait);
 }
 
 int pagesetup::exec()
 {
-    return isPageSetupRefused() ? QDialog::Rejected : QDialog::exec();
+    return isPageSetupRefused(m_grid) ? QDialog::Rejected : QDialog::exec();
 }
 
 void pagesetup::Command1_Click()
 {
-    headerfooter(this).exec();
+    headerfooter(m_grid, this).exec();
 }
 
 void pagesetup::done(int result)
 {
-    printedContext().report.zoomIndex = static_cast<std::int16_t>(Combo1->currentIndex());
+    m_grid.context.report.zoomIndex = static_cast<std::int16_t>(Combo1->currentIndex());
     QDialog::done(result);
 }
 

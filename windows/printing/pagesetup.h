@@ -8,6 +8,7 @@ class QRadioButton;
 namespace selfreport {
 
 class MarginField;
+class PrintedGrid;
 
 /// Margins, orientation and preview zoom of the report in the designer. The report's row keeps margins and
 /// orientation; a report that was never saved has none.
@@ -15,7 +16,7 @@ class pagesetup : public QDialog {
     Q_OBJECT
 
 public:
-    explicit pagesetup(QWidget* parent = nullptr);
+    explicit pagesetup(PrintedGrid& grid, QWidget* parent = nullptr);
 
     /// Loads the stored margins and orientation into the controls. Without a stored report they stay empty.
     void getReportInfo();
@@ -34,6 +35,7 @@ private:
     void buildButtons();
     void showMargin(int index, double inches);
     [[nodiscard]] bool marginsAreComplete();
+    PrintedGrid& m_grid;
     std::array<double, 4> inches() const;
     void cmdXPOK_Click();
     void Command1_Click();

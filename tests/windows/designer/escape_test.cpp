@@ -156,7 +156,7 @@ TEST_F(Escape, EveryRoadOutLeavesTheUnsavedDesign)
         {"accept", [this] { window->accept(); }},
         {"done", [this] { window->done(7); }},
         {"all windows", [] { QApplication::closeAllWindows(); }},
-        {"the printing dialog", [] { printedGrid().closeDesigner(); }},
+        {"the printing dialog", [this] { window->printedGrid().closeDesigner(); }},
         {"its end", [this] { window.reset(); }},
         {"hidden, then its end", [this] { window->hide(), window.reset(); }},
     };

@@ -129,7 +129,7 @@ TEST_F(SavingQuestions, ADeletedReportIsSetUpAgain)
 TEST_F(SavingQuestions, OwnPageSetupComesBackWithADeletedReport)
 {
     {
-        pagesetup dialog;
+        pagesetup dialog(window->printedGrid());
         for (int field = 0; field < 4; ++field)
             control<QLineEdit>(dialog, ("pagemargin_" + std::to_string(field)).c_str()).setText("1.25");
         dialog.saveToDB();
@@ -145,11 +145,11 @@ TEST_F(SavingQuestions, OwnPageSetupComesBackWithADeletedReport)
 TEST_F(SavingQuestions, ThePageSetupOfAnotherReportIsLeftAlone)
 {
     const auto stored = [&] {
-        pagesetup setup;
+        pagesetup setup(window->printedGrid());
         for (int field = 0; field < 4; ++field)
             control<QLineEdit>(setup, ("pagemargin_" + std::to_string(field)).c_str()).setText("1.25");
         setup.saveToDB();
-        EXPECT_TRUE(headerfooter().SaveConfiguration());
+        EXPECT_TRUE(headerfooter(window->printedGrid()).SaveConfiguration());
         const Recordset row = ledger.query("select * from tblCWSelfReport");
         return row.isNull(0, "fTop") ? "null" : row.text(0, "fTop");
     };
@@ -270,16 +270,16 @@ TEST_F(UnreadReport, PageSetupAndHeaderAreRefusedUntilItIsSaved)
 {
     const auto refusals = [&] {
         ledger.boxes.said.clear();
-        pagesetup setup;
-        headerfooter header;
+        pagesetup setup(window->printedGrid());
+        headerfooter header(window->printedGrid());
         setup.saveToDB();
         const std::size_t first = ledger.boxes.said.size();
         EXPECT_EQ(header.SaveConfiguration(), first == 0);
         return ledger.boxes.said.size();
     };
     ledger.boxes.said.clear();
-    EXPECT_EQ(pagesetup().exec(), QDialog::Rejected);
-    EXPECT_EQ(headerfooter().exec(), QDialog::Rejected);
+    EXPECT_EQ(pagesetup(window->printedGrid()).exec(), QDialog::Rejected);
+    EXPECT_EQ(headerfooter(window->printedGrid()).exec(), QDialog::Rejected);
     EXPECT_EQ(ledger.boxes.said.size(), 2U);
     EXPECT_EQ(refusals(), 2U);
     const Recordset row = ledger.query("select * from tblCWSelfReport");

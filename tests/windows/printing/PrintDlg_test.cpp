@@ -27,7 +27,7 @@ struct PrintDialog : test::PrintingTest {
     PrintDialog() { grid.setPages(5); }
     void print(const std::function<void(PrintDlg&)>& choose)
     {
-        PrintDlg window;
+        PrintDlg window(grid);
         show(window);
         choose(window);
         click(window, "Command2");
@@ -91,7 +91,7 @@ TEST_F(PrintDialog, EachOptionReachesItsSetting)
 TEST_F(PrintDialog, RangesPrintWhatTheySay)
 {
     grid.block = {1, 2, 3, 4};
-    frmPreview::shared().fpsp1().setCurrentPage(4);
+    frmPreview::shared(grid).fpsp1().setCurrentPage(4);
     const struct {
         const char* what;
         std::function<void(PrintDlg&)> choose;
@@ -112,7 +112,7 @@ TEST_F(PrintDialog, RangesPrintWhatTheySay)
             EXPECT_EQ(text.find("第" + std::to_string(row) + "行") != std::string::npos,
                       row >= first && row <= last)
                 << what << ' ' << row;
-        frmPreview::shared().fpsp1().setCurrentPage(4); // the designer's closing discarded it
+        frmPreview::shared(grid).fpsp1().setCurrentPage(4); // the designer's closing discarded it
     }
     EXPECT_TRUE(ledger.boxes.said.empty());
 }
@@ -137,7 +137,7 @@ TEST_F(PrintDialog, ARangeWithoutPagesAndTooLargeNumbersPrintNothing)
 
 TEST_F(PrintDialog, PageFieldsHoldNumbers)
 {
-    PrintDlg window;
+    PrintDlg window(grid);
     show(window);
     control<QRadioButton>(window, "Option1_3").click();
     auto& first = control<QLineEdit>(window, "Text1_0");
@@ -247,7 +247,7 @@ struct FailedFigures : PrintDialog {
         {"direct", [&] { return printSheet(grid); }},
         {"dialog",
          [&] {
-             PrintDlg window;
+             PrintDlg window(grid);
              show(window);
              return window.PrintSpread();
          }},
@@ -293,8 +293,8 @@ TEST_F(FailedFigures, CanBeGoneTo)
     EXPECT_EQ(printSheet(grid), PrintOutcome::left);
     EXPECT_EQ(grid.wentToFailed, 1);
 
-    frmPreview::shared();
-    PrintDlg window;
+    frmPreview::shared(grid);
+    PrintDlg window(grid);
     show(window);
     click(window, "Command2");
     EXPECT_EQ(grid.wentToFailed, 2);

@@ -86,7 +86,6 @@ struct PrintingTest : WindowTest {
 
     TestLedger ledger;
     TestGrid grid;
-    PrintedGridInUse gridInUse{grid};
     ScriptedPrintService service;
     PrintServiceInUse serviceInUse{service};
     ScriptedPrinterSetupDialog setups;

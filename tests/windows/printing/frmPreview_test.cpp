@@ -24,7 +24,7 @@ struct Preview : test::PrintingTest {
 TEST_F(Preview, PagesAreTurnedOneByOne)
 {
     grid.setPages(5);
-    frmPreview& window = frmPreview::shared();
+    frmPreview& window = frmPreview::shared(grid);
     show(window);
     EXPECT_EQ(state(window), "第 1 页,共 5 页 >");
     const char* forward[] = {"第 2 页,共 5 页 < >", "第 3 页,共 5 页 < >", "第 4 页,共 5 页 < >",
@@ -43,14 +43,14 @@ TEST_F(Preview, PagesAreTurnedOneByOne)
 TEST_F(Preview, OnePageTurnsNowhere)
 {
     grid.setPages(1);
-    EXPECT_EQ(state(frmPreview::shared()), "第 1 页,共 1 页");
+    EXPECT_EQ(state(frmPreview::shared(grid)), "第 1 页,共 1 页");
 }
 
 TEST_F(Preview, SeveralPagesAreTurnedTogetherWithinTheReport)
 {
     grid.setPages(10);
-    GetZoom(13);
-    frmPreview& window = frmPreview::shared();
+    GetZoom(grid, 13);
+    frmPreview& window = frmPreview::shared(grid);
     click(window, "cmdNext");
     EXPECT_EQ(state(window), "第 7 页,共 10 页 < >");
     click(window, "cmdNext");
@@ -63,7 +63,7 @@ TEST_F(Preview, SeveralPagesAreTurnedTogetherWithinTheReport)
 TEST_F(Preview, ZoomLeavesPageAndButtons)
 {
     grid.setPages(3);
-    frmPreview& window = frmPreview::shared();
+    frmPreview& window = frmPreview::shared(grid);
     window.fpsp1().setCurrentPage(2);
     const std::string before = state(window);
     click(window, "cmdHome");
@@ -76,7 +76,7 @@ TEST_F(Preview, ZoomLeavesPageAndButtons)
 TEST_F(Preview, PageSetupOverItChangesPagesAndZoom)
 {
     grid.setPages(2);
-    frmPreview& window = frmPreview::shared();
+    frmPreview& window = frmPreview::shared(grid);
     show(window);
     whenModal("pagesetup", [](QWidget& setup) {
         control<QComboBox>(setup, "Combo1").setCurrentText("Two Pages");
@@ -94,15 +94,15 @@ TEST_F(Preview, PageSetupOverItChangesPagesAndZoom)
 TEST_F(Preview, AHiddenInstanceIsTheOneThatIsShownAndGoesWhenItIsClosed)
 {
     grid.setPages(3);
-    GetZoom(5);
+    GetZoom(grid, 5);
     EXPECT_TRUE(frmPreview::exists());
     whenModal("frmPreview", [](QWidget& window) {
         EXPECT_EQ(dynamic_cast<frmPreview&>(window).fpsp1().zoomPercentage(), 25);
         click(window, "cmdExit");
     });
-    frmPreview::showModally();
+    frmPreview::showModally(grid);
     EXPECT_FALSE(frmPreview::exists());
-    EXPECT_EQ(frmPreview::shared().fpsp1().view(), spreadsheet::PreviewView::wholePage)
+    EXPECT_EQ(frmPreview::shared(grid).fpsp1().view(), spreadsheet::PreviewView::wholePage)
         << "the zoom went with it";
 }
 
@@ -119,7 +119,7 @@ TEST_F(Preview, PrintingClosesDesignerAndPreviewFromInsideTheirLoops)
         EXPECT_FALSE(preview.isVisible());
         EXPECT_TRUE(frmPreview::exists()) << "its loop is still running";
     });
-    frmPreview::showModally();
+    frmPreview::showModally(grid);
     EXPECT_FALSE(frmPreview::exists());
     EXPECT_EQ(grid.closed, 1);
     ASSERT_EQ(service.printed.size(), 1U);
@@ -136,7 +136,7 @@ TEST_F(Preview, CancellingThePrintDialogComesBackToThePreview)
         EXPECT_TRUE(preview.isVisible());
         preview.close();
     });
-    frmPreview::showModally();
+    frmPreview::showModally(grid);
     EXPECT_EQ(grid.closed, 0);
     EXPECT_EQ(grid.print(), before);
 }

@@ -16,7 +16,7 @@ TEST_F(PrintOptions, AreKeptWithTheActiveSheetAndPrinted)
     demand(grid.book.addSheet("附表"));
     grid.setPages(2);
     {
-        frmPrintOptions window;
+        frmPrintOptions window(grid);
         show(window);
         control<QSpinBox>(window, "txtTitleTop").setValue(1);
         click(window, "cmdXPOK");
@@ -31,7 +31,7 @@ TEST_F(PrintOptions, AreKeptWithTheActiveSheetAndPrinted)
     EXPECT_TRUE(print.titleTop == 1 && print.titleBottom == 1 && print.fitWidth && print.centredAcross &&
                 print.centredDown && print.stamp);
     EXPECT_EQ(grid.print(2), spreadsheet::PrintSettings());
-    frmPrintOptions again;
+    frmPrintOptions again(grid);
     EXPECT_TRUE(control<QCheckBox>(again, "chkStamp").isChecked());
 
     printSheet(grid);
@@ -42,10 +42,10 @@ TEST_F(PrintOptions, AreKeptWithTheActiveSheetAndPrinted)
 
 TEST_F(PrintOptions, PageBreaksComeAndGo)
 {
-    togglePageBreaks(3, 5);
+    togglePageBreaks(grid, 3, 5);
     EXPECT_EQ(grid.print().rowBreaks.count(5) + grid.print().columnBreaks.count(3), 2U);
-    togglePageBreaks(3, 5);
-    togglePageBreaks(1, 1);
+    togglePageBreaks(grid, 3, 5);
+    togglePageBreaks(grid, 1, 1);
     EXPECT_TRUE(grid.print().rowBreaks.empty() && grid.print().columnBreaks.empty());
 }
 

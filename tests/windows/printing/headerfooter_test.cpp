@@ -46,7 +46,7 @@ struct HeaderFooter : test::PrintingTest {
 
 TEST_F(HeaderFooter, OpensOnTheHeaderAndSwitchesToTheFooter)
 {
-    headerfooter window;
+    headerfooter window(grid);
     show(window);
     EXPECT_EQ(text(window, 3, 1), "利润表");
     EXPECT_EQ(text(window, 2, 9), "...");
@@ -65,7 +65,7 @@ TEST_F(HeaderFooter, OpensOnTheHeaderAndSwitchesToTheFooter)
 
 TEST_F(HeaderFooter, OkStoresTheModeShownAsBuilt)
 {
-    headerfooter window;
+    headerfooter window(grid);
     show(window);
     type(window, 1, 3, "2009/12/31 it's");
     EXPECT_TRUE(save(window).isEnabled()) << "an editor was opened";
@@ -82,7 +82,7 @@ TEST_F(HeaderFooter, OkStoresTheModeShownAsBuilt)
 
 TEST_F(HeaderFooter, UnsavedChangesGoWithTheSwitchAndWithCancel)
 {
-    headerfooter window;
+    headerfooter window(grid);
     show(window);
     type(window, 3, 1, "x");
     control<QRadioButton>(window, "Option3_1").click();
@@ -100,7 +100,7 @@ TEST_F(HeaderFooter, UnsavedChangesGoWithTheSwitchAndWithCancel)
 
 TEST_F(HeaderFooter, TheRightButtonPutsThePageNumberInAndOut)
 {
-    headerfooter window;
+    headerfooter window(grid);
     show(window);
     rightButton(window, 2, 1);
     EXPECT_EQ(text(window, 2, 1), "...") << "a button column";
@@ -128,7 +128,7 @@ TEST_F(HeaderFooter, TheFontButtonSetsTheCellToItsLeft)
     ScriptedFontDialog fonts;
     const FontDialogInUse inUse(fonts);
     fonts.answers = {FontChoice{"黑体", 10.5, true, true, true, true, 0xFF0000}};
-    headerfooter window;
+    headerfooter window(grid);
     show(window);
     Q_EMIT spread(window).buttonClicked(4, 1);
     EXPECT_EQ(fonts.asked[0], (FontChoice{"宋体", 9, false, false, false, false, 0}));
@@ -141,7 +141,7 @@ TEST_F(HeaderFooter, TheFontButtonSetsTheCellToItsLeft)
 TEST_F(HeaderFooter, LinesAreAsHighAsTheirFonts)
 {
     gHeaderText = R"(/fn"宋体"/fz"14"/cA/n/fn"宋体"/fz"28"/cB/n)";
-    headerfooter window;
+    headerfooter window(grid);
     show(window);
     const auto height = [&](int row) { return spread(window).cellRect({3, row}).height(); };
     EXPECT_GT(height(2), height(1));
@@ -154,7 +154,7 @@ TEST_F(HeaderFooter, LinesAreAsHighAsTheirFonts)
 TEST_F(HeaderFooter, ClearEmptiesTheGridsHeaderOnly)
 {
     grid.book.sheet(1).changeSettings([](spreadsheet::SheetSettings& s) { s.print.header = "/c旧/n"; });
-    headerfooter window;
+    headerfooter window(grid);
     show(window);
     click(window, "Command4");
     EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::none, "清除文本", "确定要清除吗?"}}));
@@ -173,7 +173,7 @@ TEST_F(HeaderFooter, ClearEmptiesTheGridsHeaderOnly)
 TEST_F(HeaderFooter, WhatCannotBeReadIsToldAndTheRestStays)
 {
     gHeaderText = plain + "/l甲/n/cXY";
-    headerfooter window;
+    headerfooter window(grid);
     EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::none, "GetHeaderDetail", "Error parsing TEXT"}}));
     EXPECT_EQ(text(window, 1, 1), "甲");
     EXPECT_EQ(text(window, 3, 2), "");
@@ -183,7 +183,7 @@ TEST_F(HeaderFooter, FailuresOfTheDatabase)
 {
     ledger.run(
         "create trigger refuse before update on tblCWSelfReport begin select raise(abort,'满了'); end");
-    headerfooter window;
+    headerfooter window(grid);
     show(window);
     type(window, 3, 1, "new");
     click(window, "Command3");
@@ -202,7 +202,7 @@ TEST_F(HeaderFooter, FailuresOfTheDatabase)
 TEST_F(HeaderFooter, AReportThatWasNeverSavedShowsItsGridsOwnHeader)
 {
     gEditFlag = 0;
-    headerfooter window;
+    headerfooter window(grid);
     show(window);
     EXPECT_EQ(text(window, 3, 1), "") << "not the last report's";
     type(window, 1, 1, "new");
@@ -210,7 +210,7 @@ TEST_F(HeaderFooter, AReportThatWasNeverSavedShowsItsGridsOwnHeader)
     EXPECT_EQ(grid.print().header, plain + "/lnew/n");
     EXPECT_TRUE(stored().isNull(0, "fHeader"));
     EXPECT_NE(grid.status, "");
-    EXPECT_EQ(text(*std::make_unique<headerfooter>(), 1, 1), "new");
+    EXPECT_EQ(text(*std::make_unique<headerfooter>(grid), 1, 1), "new");
 }
 
 } // namespace

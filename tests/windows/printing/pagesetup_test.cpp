@@ -44,7 +44,7 @@ TEST_F(PageSetup, OpensOnTheStoredRow)
     };
     for (const auto& [set, expected] : cases) {
         ledger.run(std::string("update tblCWSelfReport set ") + set);
-        pagesetup window;
+        pagesetup window(grid);
         EXPECT_EQ(shown(window), expected) << set;
     }
     EXPECT_EQ(ledger.boxes.said.size(), 0U);
@@ -53,7 +53,7 @@ TEST_F(PageSetup, OpensOnTheStoredRow)
 TEST_F(PageSetup, AMarginThatDoesNotFitIsToldAndTheFieldsAfterItStay)
 {
     ledger.run("update tblCWSelfReport set fLeft=0.5,fRight=12,fTop=1,fBottom=1,fDirection=0");
-    pagesetup window;
+    pagesetup window(grid);
     EXPECT_EQ(shown(window), "0.50 _.__ _.__ _.__ 纵向");
     ASSERT_EQ(ledger.boxes.said.size(), 1U);
     EXPECT_EQ(ledger.boxes.said[0].icon, Icon::critical);
@@ -66,7 +66,7 @@ TEST_F(PageSetup, EmptyMarginsStopOkAndOpenPlacesBecomeZero)
 {
     demand(grid.book.addSheet("附表"));
     ledger.run("update tblCWSelfReport set fTop=1,fBottom=1,fLeft=1,fRight=1");
-    pagesetup window;
+    pagesetup window(grid);
     show(window);
     const spreadsheet::PrintSettings before = grid.print();
     auto& right = control<MarginField>(window, "pagemargin_1");
@@ -100,7 +100,7 @@ TEST_F(PageSetup, EmptyMarginsStopOkAndOpenPlacesBecomeZero)
 
 TEST_F(PageSetup, FieldsRefuseWhatDoesNotFit)
 {
-    pagesetup window;
+    pagesetup window(grid);
     show(window);
     auto& field = control<MarginField>(window, "pagemargin_0");
     const auto after = [&](const char* keys) {
@@ -130,7 +130,7 @@ TEST_F(PageSetup, FieldsRefuseWhatDoesNotFit)
 TEST_F(PageSetup, AReportThatWasNeverSavedTouchesNoRow)
 {
     gEditFlag = 0; // gReportId still names the last one
-    pagesetup window;
+    pagesetup window(grid);
     EXPECT_EQ(shown(window), "_.__ _.__ _.__ _.__ 纵向");
     for (const char* field : {"pagemargin_0", "pagemargin_1", "pagemargin_2", "pagemargin_3"})
         type(window, field, "1");
@@ -144,7 +144,7 @@ TEST_F(PageSetup, AFailedSavingIsToldAndClosesAllTheSame)
 {
     ledger.run(
         "create trigger refuse before update on tblCWSelfReport begin select raise(abort,'满了'); end");
-    pagesetup window;
+    pagesetup window(grid);
     show(window);
     click(window, "cmdXPOK");
     ASSERT_EQ(ledger.boxes.said.size(), 1U);
@@ -163,7 +163,7 @@ TEST_F(PageSetup, EveryWayOfClosingKeepsTheZoomEntry)
          [](pagesetup& window) { window.close(); }, [](pagesetup& window) { click(window, "cmdXPOK"); }});
     int entry = 3;
     for (const auto& closeIt : closings) {
-        pagesetup window;
+        pagesetup window(grid);
         show(window);
         auto& list = control<QComboBox>(window, "Combo1");
         if (entry == 3) {
@@ -177,14 +177,14 @@ TEST_F(PageSetup, EveryWayOfClosingKeepsTheZoomEntry)
         EXPECT_EQ(gPreviewZoomIndex, entry++);
         EXPECT_EQ(frmPreview::exists(), entry == 7) << "only OK makes the preview";
     }
-    EXPECT_EQ(frmPreview::shared().fpsp1().zoomPercentage(), 10);
-    EXPECT_FALSE(frmPreview::shared().isVisible());
+    EXPECT_EQ(frmPreview::shared(grid).fpsp1().zoomPercentage(), 10);
+    EXPECT_FALSE(frmPreview::shared(grid).isVisible());
 }
 
 TEST_F(PageSetup, ZoomEntriesGiveTheirSettings)
 {
-    GetZoom(-1);
-    GetZoom(14);
+    GetZoom(grid, -1);
+    GetZoom(grid, 14);
     EXPECT_FALSE(frmPreview::exists());
     using enum spreadsheet::PreviewView;
     const struct {
@@ -195,8 +195,8 @@ TEST_F(PageSetup, ZoomEntriesGiveTheirSettings)
                  {7, pageWidth, 10, 3, 2},     {8, pageHeight, 10, 3, 2},    {9, wholePage, 10, 3, 2},
                  {10, severalPages, 10, 2, 1}, {12, severalPages, 10, 2, 2}, {2, percentage, 100, 2, 2}};
     for (const auto& [index, view, percent, across, down] : cases) {
-        GetZoom(index);
-        const spreadsheet::PreviewWidget& pages = frmPreview::shared().fpsp1();
+        GetZoom(grid, index);
+        const spreadsheet::PreviewWidget& pages = frmPreview::shared(grid).fpsp1();
         EXPECT_EQ(pages.view(), view) << index;
         EXPECT_EQ(pages.zoomPercentage(), percent) << index;
         EXPECT_EQ(pages.pagesAcross(), across) << index;

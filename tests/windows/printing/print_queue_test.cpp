@@ -73,7 +73,7 @@ struct PrintQueue : test::PrintingTest {
 TEST_F(PrintQueue, PrintsTheSamePagesAsOurPdf)
 {
     test::TestPrintServer server;
-    PrintDlg window;
+    PrintDlg window(grid);
     show(window);
     click(window, "Command2");
     EXPECT_EQ(grid.closed, 1);
