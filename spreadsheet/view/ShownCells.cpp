@@ -20,7 +20,7 @@ bool meets(const std::vector<int>& lines, int first, int last)
 void ShownCells::take(const Sheet& sheet, const CellGeometry& geometry,
                       const std::function<bool(CellAddress)>& hasNote)
 {
-    constexpr int overflowColumns = 12; // left of what is in sight: their texts run into it
+    constexpr int overflowColumns = 12; // beside what is in sight: their texts run into it
     m_rows.clear();
     m_columns.clear();
     m_looks.clear();
@@ -31,6 +31,10 @@ void ShownCells::take(const Sheet& sheet, const CellGeometry& geometry,
         m_columns.push_back(track.index);
     const int first = geometry.topLeft().column;
     for (int column = std::max(first - overflowColumns, geometry.frozenColumns() + 1); column < first;
+         ++column)
+        m_columns.push_back(column);
+    const int last = geometry.columnTracks().empty() ? first : geometry.columnTracks().back().index;
+    for (int column = last + 1; column <= std::min(last + overflowColumns, geometry.columns().count());
          ++column)
         m_columns.push_back(column);
     const auto look = [&](CellAddress cell) {

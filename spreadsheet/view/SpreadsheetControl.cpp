@@ -257,12 +257,6 @@ void SpreadsheetControl::setGridLinesShown(bool shown)
 
 // --- changes
 
-void SpreadsheetControl::refresh()
-{
-    showChanges();
-    m_view->repaintAll();
-}
-
 void SpreadsheetControl::showChanges()
 {
     m_showChanges.stop();

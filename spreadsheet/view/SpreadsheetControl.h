@@ -73,7 +73,6 @@ public:
     double zoom() const;       ///< 1: 100 %
     void setZoom(double zoom); ///< 0.25 to 4; others are put into these limits
     void showChanges();        ///< at once, and paints nothing else
-    void refresh();            ///< likewise, and paints all that is seen anew
     /// Why a cell of a sheet (by id) shows a mark in its corner, as tooltip; an empty text: it has none.
     /// The provider is asked for visible cells only, again whenever changes are shown.
     void setCellNotes(std::function<QString(int sheetId, CellAddress cell)> notes);

@@ -161,7 +161,7 @@ void frmAccountWizard::getBasicInfoHSXM(int column)
     m_fps1->cells().setText(column, row, code);
     if (column == fromColumn && m_fps1->cells().text(toColumn, row).isEmpty())
         m_fps1->cells().setText(toColumn, row, code);
-    m_fps1->refresh();
+    m_fps1->showChanges();
     showWords();
 }
 
@@ -190,7 +190,7 @@ void frmAccountWizard::fps1_ComboCloseUp(int column, int row, int index)
         m_fps1->cells().setCurrent(classIdColumn, row);
         m_fps1->cells().setDropDownIndex(index);
     }
-    m_fps1->refresh();
+    m_fps1->showChanges();
     showWords();
 }
 

@@ -97,7 +97,7 @@ void headerfooter::InitSpread()
     fpSpread1->setSheetTabsShown(false);
     fpSpread1->setHeadingsShown(true, false); // the lines have names of their own
     fpSpread1->setColumnHeadings({"Left Justify", "", "Center", "", "Right Justify", ""});
-    fpSpread1->refresh();
+    fpSpread1->showChanges();
 }
 
 void headerfooter::buildApplyFrame()
@@ -175,7 +175,7 @@ void headerfooter::fitLines()
     for (int row = 1; row <= headerRows; ++row)
         fpSpread1->cells().setRowHeight(
             row, std::max(least, spreadsheet::neededRowHeight(fpSpread1->cells().sheet(), row)));
-    fpSpread1->refresh();
+    fpSpread1->showChanges();
 }
 
 std::string headerfooter::GetCellData(std::int16_t column, std::int16_t row) const
@@ -250,7 +250,7 @@ void headerfooter::fpSpread1_RightButton()
         !dialogs().question("替换现有文本", "插入页数将会替换当前的文本,确定吗?"))
         return;
     setPageNumber(fpSpread1->cells().sheet(), column, row, !takesOut);
-    fpSpread1->refresh();
+    fpSpread1->showChanges();
 }
 
 void headerfooter::fpSpread1_ButtonClicked(int column, int row)

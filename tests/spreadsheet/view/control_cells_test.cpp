@@ -22,7 +22,7 @@ QListWidget* openList(SpreadsheetControl& control)
 TEST_F(ControlTest, CheckBoxesToggle)
 {
     setType("B2", CellType::checkBox);
-    control.refresh();
+    control.showChanges();
     const auto state = [this] { return sheet().displayText({2, 2}); };
     click("B2");
     const std::string checked = state();
@@ -47,7 +47,7 @@ TEST_F(ControlTest, CheckBoxesToggle)
 TEST_F(ControlTest, ButtonsClick)
 {
     setType("C3", CellType::button);
-    control.refresh();
+    control.showChanges();
     click("C3");
     EXPECT_EQ(logged(), "down1 3,3 leave 1,1>3,3 button 3,3");
     key(Qt::Key_Space);
@@ -68,7 +68,7 @@ TEST_F(ControlTest, DropDownsOfferTheirCellsOrTheirColumnsList)
     control.cells().setDropDown({"a", "b"});
     control.cells().setColumnDropDown(
         2, {QStringLiteral("部门"), QStringLiteral("客户"), QStringLiteral("商品")});
-    control.refresh();
+    control.showChanges();
     control.cursor().setActiveCell(2, 2);
     key(Qt::Key_Down, Qt::AltModifier);
     ASSERT_NE(openList(control), nullptr);
@@ -100,7 +100,7 @@ TEST_F(ControlTest, DropDownListsOpenUnderTheirCellThoughItsPlaceHasJustChanged)
 {
     setType("B2", CellType::dropDown);
     control.cells().setColumnDropDown(2, {QStringLiteral("部门"), QStringLiteral("客户")});
-    control.refresh();
+    control.showChanges();
     click("B2");
     QObject::connect(&control, &SpreadsheetControl::comboDropDown,
                      [this] { control.cells().setColumnWidth(1, 1500); });
@@ -116,7 +116,7 @@ TEST_F(ControlTest, DropDownsMayOpenSomethingElse)
 {
     setType("C2", CellType::dropDown);
     control.cells().setCurrent(3, 2);
-    control.refresh();
+    control.showChanges();
     control.cursor().setActiveCell(3, 2);
     key(Qt::Key_Down, Qt::AltModifier);
     EXPECT_EQ(logged(), "open 3,2") << "no entries: nothing opens";
@@ -135,7 +135,7 @@ TEST_F(ControlTest, DatesAndTimesAreChosen)
 {
     setType("B2", CellType::date);
     setType("B3", CellType::time);
-    control.refresh();
+    control.showChanges();
     auto& button = *control.findChild<QToolButton*>("openCalendar");
     auto& calendar = *control.findChild<QCalendarWidget*>("calendar");
     auto& clock = *control.findChild<QTimeEdit*>("clock");
@@ -172,7 +172,7 @@ TEST_F(ControlTest, DatesAndTimesAreChosen)
     EXPECT_FALSE(calendar.isVisible());
     EXPECT_EQ(control.cells().text(2, 2), "2025-12-10") << "closed without a choice";
     control.cells().changeStyle({2, 2, 2, 2}, [](CellStyle& style) { style.locked = true; });
-    control.refresh();
+    control.showChanges();
     EXPECT_FALSE(button.isVisible());
     key(Qt::Key_Down, Qt::AltModifier);
     EXPECT_FALSE(calendar.isVisible()) << "locked";
@@ -239,7 +239,7 @@ TEST_F(ControlTest, RecalculationGoesThroughTheHook)
     control.cells().setCurrent(3, 2);
     demand(control.cells().setFormula("IF(B2,7,8)"));
     control.cells().recalculate();
-    control.refresh();
+    control.showChanges();
     click("B2");
     EXPECT_EQ(calls, 1);
     EXPECT_EQ(control.cells().text(3, 2), "7");

@@ -34,7 +34,7 @@ protected:
         put("D4", "merged");
         ASSERT_FALSE(sheet().setArrayFormula({7, 2, 8, 3}, "ROW()*1")); // G2:H3
         control.cells().changeStyle({10, 10, 10, 10}, [](CellStyle& style) { style.locked = true; });
-        control.refresh();
+        control.showChanges();
     }
 
     void TearDown() override { QApplication::clipboard()->clear(); }
@@ -231,7 +231,7 @@ TEST_F(ClipboardByUser, CopiedFormulasShiftCutOnesDoNot)
     ASSERT_FALSE(sheet().setFormula({3, 1}, "B1+1"));
     control.cells().addSpan({2, 2, 3, 2});
     control.cells().workbook().recalculateChanged();
-    control.refresh();
+    control.showChanges();
     drag(centre("A1"), centre("C2"));
     key(Qt::Key_C, ctrl);
     EXPECT_EQ(QApplication::clipboard()->text(), "5\t25\t26\n\t\t\n");

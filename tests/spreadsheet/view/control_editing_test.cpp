@@ -198,7 +198,7 @@ TEST_F(ControlEditing, CellsOfOtherSheetsAreTakenThroughTheirTabs)
 {
     ASSERT_FALSE(control.cells().workbook().addSheet("二月"));
     control.cells().workbook().sheet(2).setNumber({2, 2}, 9);
-    control.refresh();
+    control.showChanges();
     type("=");
     key(Qt::Key_PageDown, Qt::ControlModifier);
     if (control.cells().activeSheet() == 1) { // the tab itself

@@ -31,7 +31,7 @@ protected:
         QObject::connect(&control, &Control::refused, [this] { log << "refused "; });
         QObject::connect(&control, &Control::undoChanged, [this] { log << "undo "; });
         demand(control.cells().setSheetCount(2));
-        control.refresh();
+        control.showChanges();
         logged();
     }
     struct Step {
@@ -171,7 +171,7 @@ TEST_F(ControlEvents, OfCellsThatAct)
     setType("E1", CellType::date);
     control.cells().setCurrent(4, 1);
     control.cells().setDropDown({"甲", "乙"});
-    control.refresh();
+    control.showChanges();
     logged();
     const QRect dropDown = control.cellRect({4, 1});
     const QPoint arrow(dropDown.right() - 5, dropDown.center().y());
@@ -196,7 +196,7 @@ TEST_F(ControlEvents, OfCellsThatAct)
           "key Right leave 4,1>5,1 undo selected key Down undo"}});
     QTest::keyClick(control.findChild<QWidget*>("dateEntry"), Qt::Key_Escape);
     control.cells().changeStyle({2, 1, 4, 1}, [](CellStyle& style) { style.locked = true; });
-    control.refresh();
+    control.showChanges();
     logged();
     expectEvents(
         {{"a locked button", [&] { click("B1"); }, "down1 2,1 leave 5,1>2,1 undo selected"},

@@ -19,7 +19,7 @@ protected:
             ++cell.row;
         }
         control.cells().workbook().recalculateChanged();
-        control.refresh();
+        control.showChanges();
     }
     void selectByMouse(const char* from, const char* to)
     {

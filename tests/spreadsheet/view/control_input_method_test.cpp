@@ -91,7 +91,7 @@ TEST_F(InputMethod, FormulasTakeChineseNamesAndReferences)
     demand(control.cells().setSheetCount(2));
     demand(control.cells().workbook().renameSheet(2, "一月"));
     control.cells().workbook().sheet(2).setNumber({1, 1}, 7);
-    control.refresh();
+    control.showChanges();
     click("B2");
     type("=");
     compose("yi yue");
@@ -115,7 +115,7 @@ TEST_F(InputMethod, WhereNothingMayBeTypedNothingIsComposed)
     control.cells().changeStyle({2, 2, 2, 2}, [](CellStyle& style) { style.locked = true; });
     setType("B3", CellType::checkBox);
     put("B4", "keep");
-    control.refresh();
+    control.showChanges();
     const auto before = control.cells().workbook().revision();
     click(centre("B2"));
     compose("hao");

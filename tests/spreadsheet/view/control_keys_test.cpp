@@ -200,7 +200,7 @@ TEST_F(ControlTest, WhatAFormulaPointsAtIsFramedInItsColour)
         const QImage picture = control.grab().toImage();
         return picture.pixelColor(rect.left() - 1, rect.center().y());
     };
-    control.refresh();
+    control.showChanges();
     const QColor plain = colourAt("E5");
     click("B2");
     type("=");
@@ -240,7 +240,7 @@ TEST_F(ControlTest, CellsOfOtherSheetsArePointedAtByKeys)
 {
     demand(control.cells().setSheetCount(2));
     control.cells().workbook().sheet(2).setNumber({1, 2}, 9);
-    control.refresh();
+    control.showChanges();
     click("C3");
     type("=2*");
     key(Qt::Key_PageDown, ctrl);

@@ -23,7 +23,7 @@ void turnWheel(QWidget& widget, QPoint delta, Qt::KeyboardModifiers modifiers = 
 TEST_F(ControlTest, ClicksAndDragsSelect)
 {
     control.cells().addSpan({5, 5, 6, 6}); // E5:F6
-    control.refresh();
+    control.showChanges();
     click("C3");
     EXPECT_EQ(cursor(), "C3 in C3");
     click("D5", shift);
@@ -131,7 +131,7 @@ TEST_F(ControlTest, ScrollBarsFollowAndLead)
     bar.setValue(bar.maximum());
     EXPECT_FALSE(control.cellRect({1, 100}).isEmpty());
     demand(control.cells().setRowCount(5));
-    control.refresh();
+    control.showChanges();
     EXPECT_EQ(bar.maximum(), bar.minimum());
     EXPECT_EQ(cursor(), "A5 in A5");
 }

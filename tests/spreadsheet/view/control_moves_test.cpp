@@ -21,7 +21,7 @@ TEST_F(ControlTest, KeysMoveAndSelect)
     for (const char* cell : {"B2", "B3", "B4", "B8", "C2", "D2", "H2", "F20"})
         put(cell, "x");
     control.cells().addSpan({4, 5, 5, 6}); // D5:E6
-    control.refresh();
+    control.showChanges();
     const struct {
         const char* from;
         std::vector<Press> presses;
@@ -78,7 +78,7 @@ TEST_F(ControlTest, ArrowsPassHiddenRowsAndColumns)
         settings.rows.hidden = {{2, true}, {3, true}};
         settings.columns.hidden = {{1, true}, {3, true}};
     });
-    control.refresh();
+    control.showChanges();
     control.cursor().setActiveCell(2, 1);
     const std::pair<int, const char*> steps[] = {
         {Qt::Key_Down, "B4 in B4"}, {Qt::Key_Right, "D4 in D4"}, {Qt::Key_Left, "B4 in B4"},
@@ -93,7 +93,7 @@ TEST_F(ControlTest, ArrowsPassHiddenRowsAndColumns)
 TEST_F(ControlTest, EnterAndTabGoRoundWithinTheSelection)
 {
     control.cells().addSpan({2, 2, 3, 2}); // B2:C2
-    control.refresh();
+    control.showChanges();
     const auto round = [this](int pressed, int times) {
         std::string places;
         for (int i = 0; i < times; ++i) {
@@ -137,7 +137,7 @@ TEST_F(ControlTest, TheCursorStaysInSightBesideFrozenCells)
         settings.frozenRows = 3;
         settings.frozenColumns = 2;
     });
-    control.refresh();
+    control.showChanges();
     std::mt19937 random(3);
     const int keys[] = {Qt::Key_Down, Qt::Key_Right,    Qt::Key_Up,
                         Qt::Key_Left, Qt::Key_PageDown, Qt::Key_PageUp};
@@ -198,9 +198,9 @@ TEST_F(ControlTest, OnlyMovesOfTheUserTellThatACellIsLeft)
 
 TEST_F(ControlTest, EachMoveOfTheUserIsOneLeave)
 {
-    control.refresh();
+    control.showChanges();
     control.cells().addSpan({6, 6, 7, 7}); // F6:G7
-    control.refresh();
+    control.showChanges();
     const struct {
         const char* what;
         std::function<void()> act;
@@ -312,7 +312,7 @@ TEST_F(ControlTest, AListenerThatHoldsTheCursorHoldsIt)
 TEST_F(ControlTest, AnotherSheetIsALeaveAndKeepsCursorAndPlace)
 {
     demand(control.cells().setSheetCount(3));
-    control.refresh();
+    control.showChanges();
     control.cursor().setActiveCell(2, 60);
     const CellAddress topLeft = control.cursor().topLeftCell();
     key(Qt::Key_PageDown, ctrl);

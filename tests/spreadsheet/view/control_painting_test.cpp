@@ -64,7 +64,7 @@ TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
         settings.frozenRows = 2;
         settings.frozenColumns = 1;
     });
-    control.refresh();
+    control.showChanges();
     const auto anyCell = [&] {
         return CellAddress{1 + static_cast<int>(random() % 14), 1 + static_cast<int>(random() % 50)};
     };
@@ -101,7 +101,7 @@ TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
         control.cells().addSpan({25, 90, 26, 91}); // no change, but the next pass shows all changes
         QApplication::processEvents();
         const QImage parts = pictureOf(control);
-        control.refresh();
+        control.setGridLinesShown(true); // which paints all anew
         ASSERT_EQ(parts, pictureOf(control)) << "step " << step << " changes " << done;
     }
 }
@@ -135,7 +135,7 @@ TEST_F(ControlTest, EveryLookIsPainted)
             style = {};
             change(style);
         });
-        control.refresh();
+        control.showChanges();
         const QImage picture = pictureOf(control, "B2");
         const std::string bytes(reinterpret_cast<const char*>(picture.constBits()),
                                 static_cast<std::size_t>(picture.sizeInBytes()));
@@ -149,7 +149,7 @@ TEST_F(ControlTest, EveryBorderStyleLooksDifferent)
     std::set<std::string> pictures;
     for (int style = 0; style < 12; ++style) {
         control.cells().setBorder({2, 2, 4, 4}, allSides, 0x000000, static_cast<LineStyle>(style));
-        control.refresh();
+        control.showChanges();
         const QImage picture = pictureOf(control).copy(control.cellRect({3, 3}).adjusted(-2, -2, 2, 2));
         pictures.emplace(reinterpret_cast<const char*>(picture.constBits()),
                          static_cast<std::size_t>(picture.sizeInBytes()));
@@ -161,7 +161,7 @@ TEST_F(ControlTest, TextsRunOverEmptyNeighboursAndFiguresDoNot)
 {
     control.cursor().setActiveCell(10, 20);
     const auto drawn = [this](const char* cell) {
-        control.refresh();
+        control.showChanges();
         const QImage picture = pictureOf(control, cell);
         return darkPixels(picture.copy(picture.rect().adjusted(2, 2, -2, -2)));
     };
@@ -175,7 +175,7 @@ TEST_F(ControlTest, TextsRunOverEmptyNeighboursAndFiguresDoNot)
     EXPECT_EQ(drawn("A4"), 0);
     const QImage figure = pictureOf(control, "B4");
     sheet().setNumber({2, 4}, 99995678901234.0);
-    control.refresh();
+    control.showChanges();
     EXPECT_EQ(pictureOf(control, "B4"), figure) << "#### says nothing about the digits";
     put("E6", "右对齐的文字向左伸出去很远");
     control.cells().changeStyle({5, 6, 5, 6},
@@ -207,7 +207,7 @@ TEST_F(ControlTest, TextsOfCellsOutOfSightReachIn)
         control.cells().changeStyle({c.column, 3, c.column, 3},
                                     [&c](CellStyle& style) { style.horizontal = c.alignment; });
         control.cursor().setTopLeftCell({c.scrolledTo, 1});
-        control.refresh();
+        control.showChanges();
         const QImage picture = pictureOf(control).copy(control.cellRect({c.seen, 3}).adjusted(2, 2, -2, -2));
         EXPECT_EQ(darkPixels(picture) > 0, c.reaches)
             << "column " << c.column << " alignment " << static_cast<int>(c.alignment);
@@ -219,12 +219,12 @@ TEST_F(ControlTest, ButtonsShowTheirCaptions)
 {
     setType("B2", CellType::button);
     control.cursor().setActiveCell(9, 20);
-    control.refresh();
+    control.showChanges();
     const auto dark = [this] { return darkPixels(pictureOf(control, "B2").copy(8, 4, 56, 11)); };
     const int empty = dark();
     control.cells().setCurrent(2, 2);
     control.cells().setButtonCaption("计算");
-    control.refresh();
+    control.showChanges();
     EXPECT_GT(dark(), empty);
     EXPECT_EQ(control.cells().text(), "") << "a caption is no value";
 }
@@ -235,7 +235,7 @@ TEST_F(ControlTest, CellsKeepTheirColoursInADarkPalette)
     control.cells().changeStyle({2, 3, 2, 3}, [](CellStyle& style) { style.background = 0xFFF2A8; });
     setType("B4", CellType::button);
     setType("B5", CellType::checkBox);
-    control.refresh();
+    control.showChanges();
     const QImage light = pictureOf(control);
     QPalette dark(QColor(45, 45, 48), QColor(37, 37, 38));
     dark.setColor(QPalette::Highlight, window.palette().color(QPalette::Highlight));
@@ -250,7 +250,7 @@ TEST_F(ControlTest, CellsKeepTheirColoursInADarkPalette)
 
 TEST_F(ControlTest, NotesMarkTheirCellAndTellWhy)
 {
-    control.refresh();
+    control.showChanges();
     const QImage before = pictureOf(control, "C3");
     control.setCellNotes([this](int sheetId, CellAddress cell) {
         return sheetId == sheet().id() && cell == CellAddress{3, 3} ? QStringLiteral("没有科目 1009")

@@ -67,7 +67,7 @@ protected:
         control.cells().setDropDown({"甲", "乙"});
         control.cells().workbook().recalculateChanged();
         control.ask = [this](const QString&) { return random() % 2 == 0; };
-        control.refresh();
+        control.showChanges();
     }
 
     std::uint32_t below(std::uint32_t limit) { return static_cast<std::uint32_t>(random() % limit); }

@@ -33,7 +33,7 @@ protected:
         put("B8", "kept");
         control.cells().changeStyle({2, 8, 2, 8}, [](CellStyle& style) { style.locked = true; });
         control.cells().recalculate();
-        control.refresh();
+        control.showChanges();
     }
     ~RefusedByUser() override { QApplication::clipboard()->clear(); }
 
@@ -240,7 +240,7 @@ TEST_F(RefusedByUser, LimitsOfSheets)
     demand(control.cells().setColumnCount(maxColumns));
     sheet().setNumber({1, maxRows}, 1);
     sheet().setNumber({maxColumns, 1}, 1);
-    control.refresh();
+    control.showChanges();
     const char* const lost = "表的末尾有数据,不能再插入";
     expectRefused({
         {"insert rows", on("A2:A3", &Commands::insertRows), lost},

@@ -15,7 +15,7 @@ protected:
     Tabs()
     {
         demand(control.cells().setSheetCount(3));
-        control.refresh();
+        control.showChanges();
         control.ask = [this](const QString& asked) {
             question = asked.toStdString();
             return answer;

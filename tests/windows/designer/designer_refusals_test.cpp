@@ -78,7 +78,7 @@ TEST_F(DesignerRefusals, ThePropertiesStayOpenAndSayWhy)
 TEST_F(DesignerRefusals, MenusSayWhyInTheStatusBar)
 {
     grid().cells().addSpan({7, 1, 8, 2});
-    grid().refresh();
+    grid().showChanges();
     const struct {
         const char* action;
         spreadsheet::CellRange at;

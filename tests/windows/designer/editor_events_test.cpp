@@ -88,7 +88,7 @@ TEST_F(EditorEvents, OfARefusedText)
         {"Esc", [&] { typeInBox(""), key(Qt::Key_Escape); }, "edit-off "},
     });
     demand(grid().cells().setSheetCount(2));
-    grid().refresh();
+    grid().showChanges();
     logged();
     QTabBar& tabs = control<QTabBar>(*window, "sheetTabBar");
     const auto clickTab = [&](int index) {
@@ -148,7 +148,7 @@ TEST_F(EditorEvents, ARecalculationPaintsOnlyTheRowsThatItChanged)
     EXPECT_EQ(paintedRows([&] { trigger("MenuRecalculate"); }), 0U);
     grid().cells().sheet().setNumber({1, 1}, 6);
     EXPECT_GE(paintedRows([&] { trigger("MenuRecalculate"); }), 2U);
-    EXPECT_GE(paintedRows([&] { grid().refresh(); }), geometry.rowTracks().size());
+    EXPECT_GE(paintedRows([&] { grid().setGridLinesShown(true); }), geometry.rowTracks().size());
 }
 
 } // namespace

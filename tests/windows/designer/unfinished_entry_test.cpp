@@ -67,7 +67,7 @@ TEST_F(UnfinishedEntry, GoesOnWhereItIsAfterClicksBesideTheCells)
     for (const bool inBox : {false, true}) {
         open();
         demand(grid().cells().setSheetCount(2));
-        grid().refresh();
+        grid().showChanges();
         begin(inBox);
         QTabBar& tabs = control<QTabBar>(*window, "sheetTabBar");
         QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(1).center());

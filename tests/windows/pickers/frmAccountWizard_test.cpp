@@ -1,5 +1,6 @@
 #include "windows/pickers/frmAccountWizard.h"
 
+#include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/platform/WindowTest.h"
@@ -92,6 +93,20 @@ TEST_F(AccountWizard, WholeWayByKeyboard)
     QTest::keyClick(&box(1), Qt::Key_Return);
     EXPECT_EQ(handedBack, QStringList("1122|客户|001:002"));
     EXPECT_FALSE(wizard.isVisible());
+}
+
+TEST_F(AccountWizard, AChosenClassDoesNotPaintTheWholeGridAnew)
+{
+    enterReceivables();
+    grid().grab();
+    const auto& geometry = grid().view().geometry();
+    const std::size_t inSight = geometry.rowTracks().size() * geometry.columnTracks().size();
+    const std::uint64_t before = grid().view().paintedCells();
+    chooseEntry(1, 1, {Qt::Key_Home, Qt::Key_Return});
+    grid().grab();
+    const std::uint64_t painted = grid().view().paintedCells() - before;
+    EXPECT_GE(painted, geometry.columnTracks().size());
+    EXPECT_LT(painted, inSight);
 }
 
 TEST_F(AccountWizard, AccountsFillTheirBoxes)

@@ -1,5 +1,6 @@
 #include "windows/printing/headerfooter.h"
 
+#include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/windows/printing/PrintingTest.h"
 
@@ -149,6 +150,20 @@ TEST_F(HeaderFooter, LinesAreAsHighAsTheirFonts)
         EXPECT_GE(spread(window).cells().sheet().settings().rows.size(row), points * 20) << points;
     control<QRadioButton>(window, "Option3_1").click();
     EXPECT_EQ(height(2), height(3)) << "the footer's own";
+}
+
+TEST_F(HeaderFooter, APageNumberPaintsItsLineAndNeighboursOnly)
+{
+    headerfooter window(grid);
+    show(window);
+    spread(window).grab();
+    const std::size_t columns = spread(window).view().geometry().columnTracks().size();
+    const std::uint64_t before = spread(window).view().paintedCells();
+    rightButton(window, 3, 5);
+    spread(window).grab();
+    const std::uint64_t painted = spread(window).view().paintedCells() - before;
+    EXPECT_GE(painted, columns);
+    EXPECT_LE(painted, 5 * columns) << "borders reach two lines far";
 }
 
 TEST_F(HeaderFooter, ClearEmptiesTheGridsHeaderOnly)
