@@ -62,14 +62,7 @@ void GridCursor::select(const CellRange& range)
     const CellRange whole{1, 1, settings.columnCount, settings.rowCount};
     if (!whole.contains(range) || range.right < range.left || range.bottom < range.top)
         return;
-    changeSelection([&](Selection& s, const Sheet& sheet) {
-        if (range.isOneCell()) {
-            s.setActive(sheet, {range.left, range.top});
-        } else {
-            const CellRange first = sheet.extent({range.left, range.top});
-            s.setRange(withWholeSpans(sheet, range), {first.left, first.top});
-        }
-    });
+    changeSelection([&](Selection& s, const Sheet& sheet) { s.setBlock(sheet, range); });
     bringIntoSight(activeCell());
 }
 
@@ -121,20 +114,19 @@ bool GridCursor::moveTo(CellAddress cell, bool extend)
     return true;
 }
 
-bool GridCursor::showRange(int sheet, CellRange range)
+bool GridCursor::showRange(int sheet, const CellRange& range)
 {
     if (!m_control.entry().commit())
         return false;
     showSheet(sheet);
-    const SheetSettings& settings = m_view.sheet().settings();
-    range.right = std::min(range.right, settings.columnCount);
-    range.bottom = std::min(range.bottom, settings.rowCount);
     const CellAddress first{range.left, range.top};
-    if (sheet != m_control.cells().activeSheet() || !range.contains(first) || !moveTo(first))
-        return false;
-    select(range);
-    bringIntoSight(first);
-    return true;
+    const auto withinSheet = [&range](const Sheet& shown) {
+        const SheetSettings& settings = shown.settings();
+        return CellRange{range.left, range.top, std::min(range.right, settings.columnCount),
+                         std::min(range.bottom, settings.rowCount)};
+    };
+    return sheet == m_control.cells().activeSheet() && withinSheet(m_view.sheet()).contains(first) &&
+           enter(first, [&](Selection& s, const Sheet& shown) { s.setBlock(shown, withinSheet(shown)); });
 }
 
 void GridCursor::showSheet(int index)

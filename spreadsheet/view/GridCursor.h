@@ -54,7 +54,7 @@ public:
     /// Asks those who listen whether the cursor may go. Negative: to no cell.
     [[nodiscard]] bool leave(int newColumn, int newRow);
     /// Selects what the sheet (index) has of a range and shows its beginning.
-    bool showRange(int sheet, CellRange range);
+    bool showRange(int sheet, const CellRange& range);
     /// "B12", "B2:C9", "一月!B12", a name.
     Refusal goTo(const QString& place);
     /// An open entry is committed, unless its formula takes a reference: then cells of that sheet can be

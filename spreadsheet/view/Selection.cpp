@@ -81,6 +81,14 @@ void Selection::setRange(const CellRange& range, CellAddress active, bool add)
                     active.row == range.top ? range.bottom : range.top};
 }
 
+void Selection::setBlock(const Sheet& sheet, const CellRange& range)
+{
+    if (range.isOneCell())
+        return setActive(sheet, {range.left, range.top});
+    const CellRange first = sheet.extent({range.left, range.top});
+    setRange(withWholeSpans(sheet, range), {first.left, first.top});
+}
+
 void Selection::extendRows(const Sheet& sheet, int index)
 {
     m_ranges.back() = wholeRows(sheet, m_first.row, index);

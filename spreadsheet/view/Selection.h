@@ -26,6 +26,8 @@ public:
     void extendTo(const Sheet& sheet, CellAddress cell);
     /// A range as it is; the cursor stands at `active` in it.
     void setRange(const CellRange& range, CellAddress active, bool add = false);
+    /// A range with the whole of the merged cells that it meets; the cursor stands in its first cell.
+    void setBlock(const Sheet& sheet, const CellRange& range);
     /// Whole rows or columns from the first corner to `index`.
     void extendRows(const Sheet& sheet, int index);
     void extendColumns(const Sheet& sheet, int index);

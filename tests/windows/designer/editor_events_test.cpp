@@ -117,6 +117,7 @@ TEST_F(EditorEvents, EnterTheCellOnce)
     };
     EXPECT_EQ(count([&] { typeInCell("5"); }), 2) << "the cell that changes, then the next one";
     EXPECT_EQ(count([&] { trigger("MenuRecalculate"); }), 1);
+    EXPECT_EQ(count([&] { trigger("MenuUndo"); }), 2) << "the cell that changes, then where that was";
     EXPECT_EQ(count([&] { grid().cells().setActiveSheet(2); }), 1);
 }
 
