@@ -27,6 +27,29 @@ using test::closingBalance;
 
 using Designer = test::DesignerTest;
 
+/// A host's own windows share one context; another one's report, user and messages are its own.
+TEST_F(Designer, WorksOnTheContextThatItIsHanded)
+{
+    std::vector<std::string> told;
+    ReportContext own(gConnString, [&](Icon, std::string_view text) { told.emplace_back(text); });
+    own.user = "li";
+    own.folder = gAppPath;
+    frmEditor editor(own);
+    editor.fps1().cells().setText(1, 1, "5");
+    control<QAction>(editor, "MenuFileSave").trigger();
+    control<QLineEdit>(editor, "txtReportName").setText("另一张");
+    control<QAction>(editor, "MenuFileSave").trigger();
+    EXPECT_EQ(told, (std::vector<std::string>{"报表名称不能为空！", "报表保存成功!"}));
+    const Recordset stored = ledger.query("select * from tblCWSelfReport");
+    ASSERT_EQ(stored.rowCount(), 1);
+    EXPECT_EQ(stored.text(0, "fbillerid"), "li");
+    EXPECT_EQ(stored.integer(0, "noid"), own.report.id);
+    EXPECT_EQ(own.report.editFlag, 1);
+    EXPECT_EQ(gReportId, 0);
+    EXPECT_EQ(gEditFlag, 0);
+    EXPECT_TRUE(ledger.boxes.said.empty());
+}
+
 TEST_F(Designer, MenusInTheirOrder)
 {
     open();
