@@ -46,7 +46,41 @@ bool namesMonth(std::string_view text)
     return text.ends_with("月");
 }
 
+/// Why a call of a registered function cannot be meant: it has another number of arguments.
+Refusal wrongCall(const FormulaPool& pool, std::uint32_t number)
+{
+    const Formula& formula = pool[number];
+    for (const Instruction& instruction : formula.code) {
+        if (instruction.op != Op::callCustom)
+            continue;
+        const CustomFunctions::Entry& function =
+            pool.customs()[formula.customs[static_cast<std::size_t>(instruction.index)]];
+        if (function.handler && instruction.count != function.parameterCount)
+            return Refusal(function.name + " 有 " + std::to_string(function.parameterCount) +
+                           " 个参数,这里给了 " + std::to_string(instruction.count) + " 个");
+    }
+    return {};
+}
+
 } // namespace
+
+Refusal enterFormula(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text)
+{
+    const std::string_view typed = trimmedBlanks(text);
+    const auto sheetId = [&](std::string_view name) {
+        const int index = workbook.sheetIndex(name);
+        return index == 0 ? 0 : workbook.sheet(index).id();
+    };
+    const auto parsed =
+        workbook.formulas().intern(typed.substr(typed.starts_with('=') ? 1 : 0), cell, sheetId);
+    if (const auto* number = std::get_if<std::uint32_t>(&parsed)) {
+        const Column* const cells = sheet.column(cell.column);
+        const bool isHeld = cells && cells->formula(cell.row) == *number;
+        if (auto problem = isHeld ? Refusal() : wrongCall(workbook.formulas(), *number))
+            return problem;
+    }
+    return sheet.setFormula(cell, text); // which says where a mistake is
+}
 
 TypedConstant typedConstant(std::string_view text)
 {
@@ -76,7 +110,7 @@ Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::strin
         return {};
     }
     if (typed.starts_with('=') && typed.size() > 1)
-        return sheet.setFormula(cell, text);
+        return enterFormula(workbook, sheet, cell, text);
     if (text.starts_with('\'')) {
         sheet.setText(cell, text.substr(1));
         return {};
@@ -84,7 +118,7 @@ Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::strin
     TypedConstant constant = typedConstant(text);
     const bool heldFormula = where == TypedInto::formulaBox && sheet.hasFormula(cell);
     if (constant.value.isText() && !typed.empty() && (heldFormula || beginsWithCall(workbook, typed)))
-        return sheet.setFormula(cell, text);
+        return enterFormula(workbook, sheet, cell, text);
     if (text.empty()) {
         sheet.setValue(cell, {});
         return {};

@@ -26,6 +26,11 @@ enum class TypedInto {
 /// @return why a formula was refused; the cell then keeps what it had.
 Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text, TypedInto where);
 
+/// Sets a formula that a user writes, by hand or in a dialog: as Sheet::setFormula, but a call of a
+/// registered function takes as many arguments as the function has parameters. The formula that the cell
+/// holds already may be written back.
+Refusal enterFormula(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text);
+
 /// The constant that a text stands for, and the cell type that it was written in if it shows one.
 struct TypedConstant {
     Value value;

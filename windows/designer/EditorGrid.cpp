@@ -2,6 +2,7 @@
 
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "spreadsheet/workbook/typed_text.h"
 #include "windows/designer/EditorFiles.h"
 #include "windows/designer/EditorFormulas.h"
 #include "windows/designer/EditorStatus.h"
@@ -82,7 +83,9 @@ spreadsheet::Refusal frmEditor::EditorGrid::writeFormula(const QString& formula)
     if (auto refused = grid.editRefusal({cell.column, cell.row, cell.column, cell.row}))
         return refused;
     grid.cells().setCurrent(cell.column, cell.row);
-    if (auto refused = grid.cells().setFormula(formula))
+    spreadsheet::Workbook& book = workbook();
+    spreadsheet::Sheet& sheet = book.sheet(grid.cells().activeSheet());
+    if (auto refused = spreadsheet::enterFormula(book, sheet, cell, formula.toStdString()))
         return refused;
     grid.afterEdit(cell);
     return {};

@@ -63,7 +63,7 @@ TEST_F(FormulaDialogsBadInput, TextsAreWrittenUnchangedOrRefusedWithTheirReason)
         {"10(0", false},  {"10\"\"01", false},
         {" 1 ", false},   {"“1001”，", false},
         {"\t", false},    {"10\"01", true},
-        {"\"", true},     {"\",\"", false}, // one argument too many is no fault of the text
+        {"\"", true},     {"\",\"", true}, // one argument too many
     };
     for (const bool acct : {true, false})
         for (int index = 0; index < (acct ? 6 : 3); ++index)
