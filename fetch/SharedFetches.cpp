@@ -54,7 +54,7 @@ void SharedFetches::prepare(std::span<spreadsheet::PreparedCall> calls)
         if (!wanted || !m_reports.contains(wanted->report))
             continue;
         spreadsheet::FunctionCall answered = call.asCall();
-        answered.setResult(reference(*wanted).text);
+        answered.setResult(reference(*wanted)->answer.text);
         call.expected = answered.result();
     }
     prepareLedger(calls);
@@ -71,7 +71,7 @@ void SharedFetches::prepareLedger(std::span<spreadsheet::PreparedCall> calls)
         const auto arguments = ledgerArgumentsOf(call.asCall());
         const auto found = arguments ? m_ledger.find(*arguments) : m_ledger.end();
         if (found != m_ledger.end())
-            call.expected = spreadsheet::Value(found->second.amount.value_or(0));
+            call.expected = spreadsheet::Value(found->second->answer.amount.value_or(0));
     }
 }
 
@@ -92,7 +92,8 @@ void SharedFetches::fetchLedgerAnswers(const std::set<LedgerArguments>& wanted)
             connection, [fetches](Connection& open) { return fetchLedger(open, fetches); });
         for (std::size_t i = 0; i < fetches.size(); ++i)
             if (answers[i])
-                m_ledger.emplace(std::move(fetches[i]), std::move(*answers[i]));
+                m_ledger.emplace(fetches[i], std::make_shared<const LedgerFetch>(
+                                                 LedgerFetch{fetches[i], std::move(*answers[i])}));
     } catch (const std::exception&) {
         connection.reset(); // each call fetches for itself and keeps its own reason
     }
@@ -126,21 +127,28 @@ void SharedFetches::loadReports(const std::set<std::string>& names)
     }
 }
 
-const LedgerAnswer& SharedFetches::ledger(const LedgerArguments& arguments)
+std::shared_ptr<const LedgerFetch> SharedFetches::ledger(const LedgerArguments& arguments)
 {
-    const auto found = m_ledger.find(arguments);
-    return found != m_ledger.end()
-               ? found->second
-               : m_ledger.emplace(arguments, fetchFromLedger(m_database, arguments)).first->second;
+    std::shared_ptr<const LedgerFetch>& known = m_ledger[arguments];
+    if (!known)
+        known = std::make_shared<const LedgerFetch>(
+            LedgerFetch{arguments, fetchFromLedger(m_database, arguments)});
+    return known;
 }
 
-ReferenceAnswer SharedFetches::reference(const ReportReference& reference)
+std::shared_ptr<const ReferenceFetch> SharedFetches::reference(const ReportReference& reference)
 {
+    if (const auto known = m_references.find(reference); known != m_references.end())
+        return known->second;
     loadReports({reference.report});
     const auto found = m_reports.find(reference.report);
-    if (found == m_reports.end())
-        return fetchFromReport(m_database, reference);
-    return readReferencedCell(found->second->hidden, reference, found->second->problem);
+    ReferenceAnswer answer = found == m_reports.end() ? fetchFromReport(m_database, reference)
+                                                      : readReferencedCell(found->second->hidden, reference,
+                                                                           found->second->problem);
+    auto fetch = std::make_shared<const ReferenceFetch>(ReferenceFetch{reference, std::move(answer)});
+    if (found != m_reports.end())
+        m_references.emplace(reference, fetch);
+    return fetch;
 }
 
 } // namespace selfreport

@@ -30,8 +30,8 @@ public:
     /// The open connection of the waves, for what follows them; null if there is none.
     std::unique_ptr<Connection> takeConnection();
 
-    const LedgerAnswer& ledger(const LedgerArguments& arguments);
-    ReferenceAnswer reference(const ReportReference& reference);
+    std::shared_ptr<const LedgerFetch> ledger(const LedgerArguments& arguments);
+    std::shared_ptr<const ReferenceFetch> reference(const ReportReference& reference);
 
 private:
     struct LoadedReport;
@@ -42,7 +42,8 @@ private:
 
     DatabaseAccess& m_database;
     std::unique_ptr<Connection> m_connection; ///< of the waves; none before the first one
-    std::map<LedgerArguments, LedgerAnswer> m_ledger;
+    std::map<LedgerArguments, std::shared_ptr<const LedgerFetch>> m_ledger;
+    std::map<ReportReference, std::shared_ptr<const ReferenceFetch>> m_references;
     std::map<std::string, std::unique_ptr<LoadedReport>, std::less<>> m_reports;
 };
 

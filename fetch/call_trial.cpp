@@ -88,7 +88,7 @@ std::optional<LedgerArguments> usableArguments(const std::array<std::string, 6>&
 std::string fetchedValue(Connection& connection, const LedgerArguments& arguments)
 {
     const std::vector<std::optional<LedgerAnswer>> answers = fetchLedger(connection, {&arguments, 1});
-    const LedgerAnswer answer = answers.at(0) ? *answers[0] : LedgerAnswer{{}, {}, "取数失败"};
+    const LedgerAnswer answer = answers.at(0) ? *answers[0] : LedgerAnswer{{}, {}, "取数失败", {}};
     return answer.amount && answer.failure.empty() ? amountText(*answer.amount)
                                                    : explainLedgerFetch(connection, {arguments, answer});
 }

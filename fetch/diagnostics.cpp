@@ -4,10 +4,10 @@
 
 namespace selfreport {
 
-const CellDiagnostic* firstFailed(std::span<const CellDiagnostic> diagnostics)
+std::optional<CellDiagnostic> firstFailed(std::span<const CellDiagnostic> diagnostics)
 {
     const auto found = std::ranges::find_if(diagnostics, &CellDiagnostic::hasFailed);
-    return found == diagnostics.end() ? nullptr : &*found;
+    return found == diagnostics.end() ? std::nullopt : std::optional(*found);
 }
 
 std::string failedFetchesText(std::span<const CellDiagnostic> diagnostics)

@@ -1,6 +1,7 @@
 #pragma once
 #include "spreadsheet/formula/CustomFunction.h"
 
+#include <optional>
 #include <span>
 #include <string>
 
@@ -22,8 +23,8 @@ struct CellDiagnostic {
     friend bool operator==(const CellDiagnostic&, const CellDiagnostic&) = default;
 };
 
-/// The first diagnostic of a failed fetch; null if none failed.
-const CellDiagnostic* firstFailed(std::span<const CellDiagnostic> diagnostics);
+/// The first diagnostic of a failed fetch; nothing if none failed.
+std::optional<CellDiagnostic> firstFailed(std::span<const CellDiagnostic> diagnostics);
 
 /// "3 处取数失败，数字不可用" by the number of cells with a failed fetch; "" without any.
 /// @param diagnostics  in the order of their places

@@ -8,9 +8,7 @@
 #include "platform/services/UserWait.h"
 #include "spreadsheet/workbook/UndoJournal.h"
 
-#include <algorithm>
 #include <charconv>
-#include <map>
 #include <optional>
 #include <utility>
 
@@ -129,30 +127,6 @@ void restoreType(Sheet& sheet, CellAddress cell, const spreadsheet::Column& befo
         setType(sheet, cell, *type);
 }
 
-/// The reasons of one recalculation, each cell's in the order found. Equal fetches share theirs, but one may
-/// fail and its like not.
-std::vector<CellDiagnostic> diagnosticsOf(const FetchLog& log, const DatabaseAccess& database,
-                                          std::unique_ptr<Connection> connection)
-{
-    std::map<std::pair<LedgerArguments, std::string>, std::size_t> places;
-    std::vector<LedgerFetch> fetches;
-    for (const DoubtfulFetch& fetch : log.doubtful)
-        if (places.try_emplace({fetch.arguments, fetch.answer.failure}, fetches.size()).second)
-            fetches.push_back({fetch.arguments, fetch.answer});
-    const std::vector<Explanation> explanations = explainFetches(fetches, database, std::move(connection));
-    std::vector<CellDiagnostic> diagnostics = log.known;
-    for (const DoubtfulFetch& fetch : log.doubtful) {
-        const Explanation& why = explanations[places.at({fetch.arguments, fetch.answer.failure})];
-        diagnostics.push_back({fetch.place, fetch.isReferenced ? "REF_F" : "Acct",
-                               fetch.isReferenced ? "被引用的单元格：" + why.reason : why.reason,
-                               why.outcome});
-    }
-    std::ranges::stable_sort(diagnostics, {}, &CellDiagnostic::place);
-    const auto repeated = std::ranges::unique(diagnostics);
-    diagnostics.erase(repeated.begin(), repeated.end());
-    return diagnostics;
-}
-
 } // namespace
 
 void showStoredValues(spreadsheet::Workbook& workbook)
@@ -167,6 +141,7 @@ void showStoredValues(spreadsheet::Workbook& workbook)
 ReportEvaluation::ReportEvaluation(spreadsheet::Workbook& workbook, DatabaseAccess& database)
     : m_workbook(workbook)
     , m_database(database)
+    , m_record(workbook)
 {
     m_workbook.setStepEndHook([this] { keepDisplay(); });
 }
@@ -205,64 +180,34 @@ void ReportEvaluation::fps1_CustomFunction(spreadsheet::FunctionCall& call)
         return;
     const RecalculationUnderWay underWay(m_database); // the workbook may recalculate without being asked here
     try {
-        const std::string failure = guardedEvaluation(m_database, [&] {
+        guardedCall(call, m_database, m_record, [&] {
             if (isFunction(call, "Acct"))
-                evaluateAcct(call, m_database, m_shared, m_log);
+                evaluateAcct(call, m_database, m_shared, m_record);
             else if (isFunction(call, "REF_F"))
-                evaluateREF_F(call, m_database, m_shared, m_log);
+                evaluateREF_F(call, m_database, m_shared, m_record);
         });
-        if (!failure.empty())
-            m_log.known.push_back({call.place(), std::string(call.name()), failure, FetchOutcome::failed});
     } catch (const WorkCancelled&) {
         call.decline();
     }
 }
 
-/// Empty for a cell that computes nothing, or not any more.
-std::string ReportEvaluation::formulaAt(spreadsheet::CallPlace place) const
-{
-    return place.sheet > m_workbook.sheetCount()
-               ? std::string()
-               : m_workbook.sheet(place.sheet).formula({place.column, place.row});
-}
-
-/// A failure must not be lost with the place of its cell.
-bool ReportEvaluation::failedFetchesMoved() const
-{
-    return std::ranges::any_of(m_failedFormulas, [&](const auto& failed) {
-        return !m_log.evaluated.contains(failed.first) && formulaAt(failed.first) != failed.second;
-    });
-}
-
-void ReportEvaluation::forgetDiagnostics()
-{
-    m_diagnostics.clear();
-    m_failedFormulas.clear();
-}
-
 bool ReportEvaluation::computed(const std::function<spreadsheet::RecalculationReport()>& recalculation)
 {
-    m_log = {};
     SharedFetches shared(m_database);
     const SlotInUse<SharedFetches> inUse(m_shared, m_fetchesShared ? &shared : nullptr);
     const bool isComplete = !recalculation().stopped;
     m_connection = shared.takeConnection();
+    if (!isComplete)
+        m_record.drop();
     return isComplete;
 }
 
-/// Of the recalculation that has just ended; cells that it did not touch keep theirs.
-void ReportEvaluation::takeDiagnostics()
+void ReportEvaluation::explainRecord()
 {
-    std::erase_if(m_diagnostics, [&](const CellDiagnostic& former) {
-        return m_log.evaluated.contains(former.place) || formulaAt(former.place).empty();
+    m_record.explain([this](std::span<const LedgerFetch> fetches) {
+        return explainFetches(fetches, m_database, std::move(m_connection));
     });
-    std::ranges::copy(diagnosticsOf(m_log, m_database, std::move(m_connection)),
-                      std::back_inserter(m_diagnostics));
-    std::ranges::stable_sort(m_diagnostics, {}, &CellDiagnostic::place);
-    m_failedFormulas.clear();
-    for (const CellDiagnostic& diagnostic : m_diagnostics)
-        if (diagnostic.hasFailed())
-            m_failedFormulas.emplace(diagnostic.place, formulaAt(diagnostic.place));
+    m_connection.reset();
 }
 
 bool ReportEvaluation::recalculate()
@@ -270,8 +215,8 @@ bool ReportEvaluation::recalculate()
     const RecalculationUnderWay underWay(m_database);
     if (!computed([&] { return m_workbook.recalculate(); }))
         return false;
-    forgetDiagnostics();
-    takeDiagnostics();
+    m_record.takeAll();
+    explainRecord();
     return true;
 }
 
@@ -280,9 +225,8 @@ bool ReportEvaluation::recalculateChanged()
     const RecalculationUnderWay underWay(m_database);
     if (!computed([&] { return m_workbook.recalculateChanged(); }))
         return false;
-    if (failedFetchesMoved())
-        return recalculate();
-    takeDiagnostics();
+    m_record.takeChanged();
+    explainRecord();
     return true;
 }
 

@@ -1,11 +1,10 @@
 #pragma once
 #include "fetch/diagnostics.h"
-#include "fetch/fetch_log.h"
+#include "fetch/RunRecord.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,12 +35,11 @@ public:
     void setFetchesShared(bool shared) { m_fetchesShared = shared; }
 
     // Recalculations. Each returns false if the waiting user cancelled it: every cell has the value that it
-    // had before, and the diagnostics are those of before.
+    // had before, and the record is that of before.
 
     /// Computes every formula with fresh fetches.
     bool recalculate();
-    /// Computes what depends on changes since the last recalculation; everything, if cells whose fetch failed
-    /// have moved since.
+    /// Computes what depends on changes since the last recalculation.
     bool recalculateChanged();
 
     /// Keeps each cell's type in its tag; every formula cell becomes plain text and shows its formula. So
@@ -57,28 +55,22 @@ public:
     /// 1 while the formulas are shown: the callback hands back nothing. Undo brings the former state back.
     std::int16_t isShowFormula() const;
 
-    /// Why cells of the last recalculation have no value or a doubtful one, in the order of sheets, columns
-    /// and rows. After an incremental one the cells that it did not touch keep theirs.
-    const std::vector<CellDiagnostic>& diagnostics() const { return m_diagnostics; }
-    /// The workbook holds another content now.
-    void forgetDiagnostics();
+    /// What the last recalculation fetched. After an incremental one the cells that it did not touch keep
+    /// their entries; a workbook with another content has none.
+    const RunRecord& record() const { return m_record; }
+    std::vector<CellDiagnostic> diagnostics() const { return m_record.diagnostics(); }
 
 private:
     void fps1_CustomFunction(spreadsheet::FunctionCall& call);
     bool computed(const std::function<spreadsheet::RecalculationReport()>& recalculation);
-    void takeDiagnostics();
+    void explainRecord();
     void keepDisplay();
-    std::string formulaAt(spreadsheet::CallPlace place) const;
-    bool failedFetchesMoved() const;
 
     spreadsheet::Workbook& m_workbook;
     DatabaseAccess& m_database;
     SharedFetches* m_shared = nullptr;        ///< of the recalculation under way
     std::unique_ptr<Connection> m_connection; ///< that its waves left open, for the explanations
-    FetchLog m_log;
-    std::vector<CellDiagnostic> m_diagnostics;
-    std::map<spreadsheet::CallPlace, std::string>
-        m_failedFormulas; ///< what the cells with failed fetches held
+    RunRecord m_record;
     bool m_fetchesShared = true;
 };
 

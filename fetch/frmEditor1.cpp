@@ -7,7 +7,7 @@
 #include "spreadsheet/calculation/Recalculation.h"
 #include "spreadsheet/files/content/content.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace selfreport {
 
@@ -27,38 +27,45 @@ frmEditor1::frmEditor1(DatabaseAccess& database, SharedFetches* shared)
 void frmEditor1::load(std::span<const std::byte> content)
 {
     spreadsheet::loadContent(fps1, content);
-    log = {};
     showStoredValues(fps1);
     fps1.recalculate();
+    record.takeAll();
 }
 
-const DoubtfulFetch* frmEditor1::doubtfulBehind(spreadsheet::CallPlace cell)
+std::shared_ptr<const LedgerFetch> frmEditor1::doubtfulBehind(spreadsheet::CallPlace cell)
 {
-    const auto firstOf = [&](auto&& isMeant) {
-        const auto found = std::ranges::find_if(log.doubtful, [&](const DoubtfulFetch& fetch) {
-            return isMeant(fetch) &&
-                   (fetch.place == cell || fps1.recalculation().isComputedFrom(cell, fetch.place));
-        });
-        return found == log.doubtful.end() ? nullptr : &*found;
-    };
-    if (const auto* failed =
-            firstOf([](const DoubtfulFetch& fetch) { return !fetch.answer.failure.empty(); }))
-        return failed;
-    if (const DoubtfulFetch* own = log.doubtfulAt(cell))
-        return own;
-    return firstOf([](const DoubtfulFetch& fetch) { return fetch.answer.isDeclined; });
+    const spreadsheet::SheetCell asked{fps1.sheet(cell.sheet).id(), {cell.column, cell.row}};
+    std::shared_ptr<const LedgerFetch> failed, own, declined;
+    record.eachCall([&](const spreadsheet::SheetCell& caller, const RecordedCall& call) {
+        const auto doubtful = call.doubtful();
+        if (!doubtful)
+            return;
+        if (caller == asked && !own)
+            own = doubtful;
+        const bool hasFailed = !doubtful->answer.failure.empty();
+        std::shared_ptr<const LedgerFetch>& first = hasFailed ? failed : declined;
+        if (!first && (hasFailed || doubtful->answer.isDeclined()) && isBehind(caller, cell))
+            first = doubtful;
+    });
+    return failed ? failed : own ? own : declined;
+}
+
+/// Whether the caller is the cell, or one that it is computed from.
+bool frmEditor1::isBehind(const spreadsheet::SheetCell& caller, const spreadsheet::CallPlace& cell)
+{
+    const spreadsheet::CallPlace place{fps1.sheetIndexOfId(caller.sheetId), caller.cell.column,
+                                       caller.cell.row};
+    return place == cell || fps1.recalculation().isComputedFrom(cell, place);
 }
 
 void frmEditor1::fps1_CustomFunction(spreadsheet::FunctionCall& call)
 {
     if (isShowFormula == 1)
         return;
-    const std::string failure = guardedEvaluation(m_database, [&] {
+    guardedCall(call, m_database, record, [&] {
         if (isFunction(call, "Acct"))
-            evaluateAcct(call, m_database, m_shared, log);
+            evaluateAcct(call, m_database, m_shared, record);
     });
-    if (!failure.empty())
-        log.doubtful.push_back({call.place(), {}, {{}, {}, failure}});
 }
 
 } // namespace selfreport

@@ -1,9 +1,10 @@
 #pragma once
-#include "fetch/fetch_log.h"
+#include "fetch/RunRecord.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 
 namespace selfreport {
@@ -25,13 +26,14 @@ public:
 
     /// The fetch that makes a cell's figure doubtful: a failed one that it holds or is computed from, else
     /// its own, else one that the procedure declined and that it is computed from. Null if there is none.
-    const DoubtfulFetch* doubtfulBehind(spreadsheet::CallPlace cell);
+    std::shared_ptr<const LedgerFetch> doubtfulBehind(spreadsheet::CallPlace cell);
 
     spreadsheet::Workbook fps1;
     std::int16_t isShowFormula = 0; ///< never set to 1: the callback always evaluates
-    FetchLog log;
+    RunRecord record{fps1};
 
 private:
+    bool isBehind(const spreadsheet::SheetCell& caller, const spreadsheet::CallPlace& cell);
     void fps1_CustomFunction(spreadsheet::FunctionCall& call);
 
     DatabaseAccess& m_database;

@@ -118,8 +118,7 @@ ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& re
         cell.column <= sheet.settings().columnCount) {
         const int row = static_cast<int>(*cell.row);
         answer.text = sheet.textByType({cell.column, row});
-        if (const DoubtfulFetch* doubtful = hidden.doubtfulBehind({index, cell.column, row}))
-            answer.doubtful = *doubtful;
+        answer.doubtful = hidden.doubtfulBehind({index, cell.column, row});
     }
     if (!isSilent)
         return answer;

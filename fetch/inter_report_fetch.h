@@ -1,5 +1,6 @@
 #pragma once
-#include "fetch/fetch_log.h"
+#include "fetch/diagnostics.h"
+#include "fetch/ledger_fetch.h"
 
 #include <compare>
 #include <cstddef>
@@ -29,8 +30,14 @@ struct ReportReference {
 struct ReferenceAnswer {
     std::string text;                              ///< as type and decimals of the referenced cell give it
     std::string reason;                            ///< why there is no text; empty otherwise
-    std::optional<DoubtfulFetch> doubtful;         ///< a ledger fetch that puts the referenced cell in doubt
+    std::shared_ptr<const LedgerFetch> doubtful;   ///< one that puts the referenced cell in doubt
     FetchOutcome outcome = FetchOutcome::doubtful; ///< of the fetch itself, where there is a reason
+};
+
+/// A call's arguments and what it gave for them.
+struct ReferenceFetch {
+    ReportReference reference;
+    ReferenceAnswer answer;
 };
 
 /// A cell name taken apart: digits (ASCII) make the row, all other characters the column, in any order.

@@ -136,7 +136,7 @@ std::string nameWithoutMeaning(const LedgerQuestions& answers, const LedgerArgum
 /// A procedure that declines has failed unless there is a name without meaning.
 FetchOutcome outcomeUnexplained(const LedgerAnswer& answer)
 {
-    return answer.isDeclined ? FetchOutcome::failed : FetchOutcome::doubtful;
+    return answer.isDeclined() ? FetchOutcome::failed : FetchOutcome::doubtful;
 }
 
 /// Why nothing was found although the call itself went well.
@@ -149,7 +149,7 @@ Explanation causeOfNoData(const LedgerQuestions& answers, const LedgerFetch& fet
     } catch (const DatabaseError& error) {
         return {notFound + error.description, outcomeUnexplained(answer)};
     }
-    if (answer.isDeclined)
+    if (answer.isDeclined())
         return {declined, FetchOutcome::failed};
     return {"总账在" + periodText(arguments) + "没有科目" + quoted(arguments.account) + "的数据"};
 }

@@ -104,7 +104,8 @@ std::string unreadableRow(const Recordset& rows)
 void takeResult(LedgerAnswer& answer, const ProcedureResult& result)
 {
     answer.amount = ledgerAmount(result);
-    answer.isDeclined = !result.error && result.returnValue != 1;
+    if (!result.error)
+        answer.returnValue = result.returnValue;
     if (result.error)
         answer.failure = failures::sentenceOf(*result.error);
     else if (answer.amount)

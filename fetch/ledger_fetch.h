@@ -3,6 +3,7 @@
 #include "platform/database/session/ProcedureCall.h"
 
 #include <compare>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -28,8 +29,11 @@ struct LedgerArguments {
 struct LedgerAnswer {
     std::optional<double> amount;
     std::vector<std::string> unknownClasses; ///< item classes whose condition was left out
-    std::string failure;     ///< why a step of the fetch failed: whatever the amount is, it means nothing
-    bool isDeclined = false; ///< the procedure itself said that its answer is not valid
+    std::string failure; ///< why a step of the fetch failed: whatever the amount is, it means nothing
+    std::optional<std::int64_t> returnValue; ///< the procedure's; nothing if the call failed
+
+    /// The procedure itself said that its answer is not valid.
+    bool isDeclined() const { return returnValue && *returnValue != 1; }
 };
 
 /// A call's arguments and what it gave for them.

@@ -2,10 +2,14 @@
 
 #include "access/DatabaseAccess.h"
 #include "failures/failure_text.h"
+#include "fetch/RunRecord.h"
 #include "fetch/SharedFetches.h"
 #include "platform/database/session/names.h"
 
 #include <exception>
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace selfreport {
 
@@ -14,6 +18,8 @@ namespace {
 using spreadsheet::FunctionCall;
 using spreadsheet::ParameterStatus;
 
+constexpr std::string_view acctName = "Acct";
+constexpr std::string_view referenceName = "REF_F";
 constexpr int ledgerTexts = 3; // the further three are whole numbers
 constexpr int ledgerParameters = 6;
 constexpr int referenceParameters = 3;
@@ -51,13 +57,26 @@ std::string numberIfGiven(const FunctionCall& call, int parameter)
     return number == 0 ? std::string() : std::to_string(number);
 }
 
-/// Notes why a call cannot be evaluated. True if it can.
-bool argumentsUsable(const FunctionCall& call, int parameters, int texts, FetchLog& log)
+/// The remark on the arguments of a call: one that cannot be used, or more of them than are read.
+std::vector<Explanation> remarksOn(const FunctionCall& call, int parameters, int texts)
 {
-    const int unusable = firstUnusable(call, parameters, texts);
-    if (unusable != 0)
-        log.known.push_back({call.place(), std::string(call.name()), unusableReason(call, unusable, texts)});
-    return unusable == 0;
+    if (const int unusable = firstUnusable(call, parameters, texts); unusable != 0)
+        return {{unusableReason(call, unusable, texts)}};
+    if (call.parameterCount() > parameters)
+        return {{"给了" + std::to_string(call.parameterCount()) + "个参数，只用前" +
+                 std::to_string(parameters) + "个"}};
+    return {};
+}
+
+RecordedCall failedCall(bool isLedgerCall, const std::string& reason)
+{
+    if (isLedgerCall)
+        return {acctName, std::make_shared<const LedgerFetch>(LedgerFetch{{}, {{}, {}, reason, {}}}), {}, {}};
+    const Explanation remark{reason, FetchOutcome::failed};
+    return {referenceName,
+            {},
+            std::make_shared<const ReferenceFetch>(ReferenceFetch{{}, {{}, reason, {}, remark.outcome}}),
+            {remark}};
 }
 
 } // namespace
@@ -69,7 +88,7 @@ bool isFunction(const FunctionCall& call, std::string_view name)
 
 std::optional<LedgerArguments> ledgerArgumentsOf(const FunctionCall& call)
 {
-    if (!isFunction(call, "Acct") || firstUnusable(call, ledgerParameters, ledgerTexts) != 0)
+    if (!isFunction(call, acctName) || firstUnusable(call, ledgerParameters, ledgerTexts) != 0)
         return std::nullopt;
     return LedgerArguments{call.parameterText(1),  call.parameterText(2),  call.parameterText(3),
                            numberIfGiven(call, 4), numberIfGiven(call, 5), numberIfGiven(call, 6)};
@@ -77,37 +96,50 @@ std::optional<LedgerArguments> ledgerArgumentsOf(const FunctionCall& call)
 
 std::optional<ReportReference> referenceOf(const FunctionCall& call)
 {
-    if (!isFunction(call, "REF_F") || firstUnusable(call, referenceParameters, referenceParameters) != 0)
+    if (!isFunction(call, referenceName) ||
+        firstUnusable(call, referenceParameters, referenceParameters) != 0)
         return std::nullopt;
     return ReportReference{call.parameterText(1), call.parameterText(2), call.parameterText(3)};
 }
 
-void evaluateAcct(FunctionCall& call, DatabaseAccess& database, SharedFetches* shared, FetchLog& log)
+void evaluateAcct(FunctionCall& call, DatabaseAccess& database, SharedFetches* shared, RunRecord& record)
 {
-    log.evaluated.insert(call.place());
-    if (!argumentsUsable(call, ledgerParameters, ledgerTexts, log))
-        return;
-    const LedgerArguments arguments = *ledgerArgumentsOf(call);
-    const LedgerAnswer answer = shared ? shared->ledger(arguments) : fetchFromLedger(database, arguments);
-    call.setStatus(0);
-    call.requestNumberType(2);
-    call.setResult(answer.amount.value_or(0));
-    log.add(call.place(), arguments, answer);
+    RecordedCall made{acctName, {}, {}, remarksOn(call, ledgerParameters, ledgerTexts)};
+    if (auto usable = ledgerArgumentsOf(call)) {
+        LedgerArguments& arguments = *usable;
+        if (shared) {
+            made.ledger = shared->ledger(arguments);
+        } else {
+            LedgerAnswer answer = fetchFromLedger(database, arguments);
+            made.ledger =
+                std::make_shared<const LedgerFetch>(LedgerFetch{std::move(arguments), std::move(answer)});
+        }
+        call.setStatus(0);
+        call.requestNumberType(2);
+        call.setResult(made.ledger->answer.amount.value_or(0));
+    }
+    record.add(call.place(), std::move(made));
 }
 
-void evaluateREF_F(FunctionCall& call, DatabaseAccess& database, SharedFetches* shared, FetchLog& log)
+void evaluateREF_F(FunctionCall& call, DatabaseAccess& database, SharedFetches* shared, RunRecord& record)
 {
-    log.evaluated.insert(call.place());
-    if (!argumentsUsable(call, referenceParameters, referenceParameters, log))
-        return;
-    const ReportReference wanted = *referenceOf(call);
-    ReferenceAnswer answer = shared ? shared->reference(wanted) : fetchFromReport(database, wanted);
-    call.setStatus(0);
-    call.setResult(answer.text);
-    if (!answer.reason.empty())
-        log.known.push_back({call.place(), "REF_F", answer.reason, answer.outcome});
-    if (answer.doubtful && (answer.reason.empty() || !answer.doubtful->answer.failure.empty()))
-        log.doubtful.push_back({call.place(), answer.doubtful->arguments, answer.doubtful->answer, true});
+    RecordedCall made{referenceName, {}, {}, remarksOn(call, referenceParameters, referenceParameters)};
+    if (auto usable = referenceOf(call)) {
+        ReportReference& wanted = *usable;
+        if (shared) {
+            made.reference = shared->reference(wanted);
+        } else {
+            ReferenceAnswer answer = fetchFromReport(database, wanted);
+            made.reference =
+                std::make_shared<const ReferenceFetch>(ReferenceFetch{std::move(wanted), std::move(answer)});
+        }
+        const ReferenceAnswer& answer = made.reference->answer;
+        call.setStatus(0);
+        call.setResult(answer.text);
+        if (!answer.reason.empty())
+            made.remarks.push_back({answer.reason, answer.outcome});
+    }
+    record.add(call.place(), std::move(made));
 }
 
 std::string guardedEvaluation(DatabaseAccess& database, const std::function<void()>& work)
@@ -121,6 +153,13 @@ std::string guardedEvaluation(DatabaseAccess& database, const std::function<void
         database.tell(Icon::critical, reason);
         return reason;
     }
+}
+
+void guardedCall(const FunctionCall& call, DatabaseAccess& database, RunRecord& record,
+                 const std::function<void()>& work)
+{
+    if (const std::string failure = guardedEvaluation(database, work); !failure.empty())
+        record.add(call.place(), failedCall(isFunction(call, acctName), failure));
 }
 
 } // namespace selfreport

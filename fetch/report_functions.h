@@ -1,5 +1,4 @@
 #pragma once
-#include "fetch/fetch_log.h"
 #include "fetch/inter_report_fetch.h"
 #include "fetch/ledger_fetch.h"
 #include "spreadsheet/formula/CustomFunction.h"
@@ -12,6 +11,7 @@
 namespace selfreport {
 
 class DatabaseAccess;
+class RunRecord;
 class SharedFetches;
 
 /// Whether a function of that name is called, letter case ignored.
@@ -28,14 +28,18 @@ std::optional<ReportReference> referenceOf(const spreadsheet::FunctionCall& call
 /// type with two decimals. A call with unusable arguments hands back nothing.
 /// @param shared  answers of the recalculation under way; null: the call fetches for itself
 void evaluateAcct(spreadsheet::FunctionCall& call, DatabaseAccess& database, SharedFetches* shared,
-                  FetchLog& log);
+                  RunRecord& record);
 
 /// Evaluates a `REF_F` call: hands back the referenced cell's text.
 void evaluateREF_F(spreadsheet::FunctionCall& call, DatabaseAccess& database, SharedFetches* shared,
-                   FetchLog& log);
+                   RunRecord& record);
 
 /// Runs a callback's work; a failure ends it, closes the connection and is told under the critical icon.
 /// Gives its reason, "" without one.
 std::string guardedEvaluation(DatabaseAccess& database, const std::function<void()>& work);
+
+/// … of a call, and records its failure.
+void guardedCall(const spreadsheet::FunctionCall& call, DatabaseAccess& database, RunRecord& record,
+                 const std::function<void()>& work);
 
 } // namespace selfreport

@@ -66,6 +66,7 @@ void Recalculation::forgetChanges()
 void Recalculation::takeHooks(const Recalculation& other)
 {
     m_prepare = other.m_prepare;
+    m_caller = other.m_caller;
     m_pause = other.m_pause;
 }
 
@@ -115,6 +116,16 @@ bool Recalculation::isComputedFrom(CallPlace cell, CallPlace source)
     });
     unmarkAll();
     return found;
+}
+
+bool Recalculation::mayCall(CallPlace cell)
+{
+    refreshGraph();
+    bool calls = false;
+    m_graph.eachRun(cell.sheet, cell.column, cell.row, cell.row, [&](std::int32_t run) {
+        calls = calls || m_graph.runs()[static_cast<std::size_t>(run)].isCustom;
+    });
+    return calls;
 }
 
 // Marking.
@@ -316,6 +327,12 @@ EvaluationPlace Recalculation::beginCell(const Run& run, int row)
     return {m_book, run.sheet, {run.column(), row}, indexes, &m_effort};
 }
 
+void Recalculation::tellCaller(const Run& run, int row) const
+{
+    if (run.isCustom && m_caller)
+        m_caller({run.sheet, run.column(), row});
+}
+
 void Recalculation::evaluateRun(const Run& run, RowInterval rows)
 {
     if (run.isArray)
@@ -356,6 +373,7 @@ void Recalculation::evaluateStretch(const Run& run, const Formula& formula, std:
 
 void Recalculation::evaluateCell(const Run& run, const Formula& formula, CellBlock& block, int index, int row)
 {
+    tellCaller(run, row);
     if (auto value = m_evaluator.cellValueOf(formula, beginCell(run, row)))
         block.setValue(index, std::move(*value));
 }
@@ -370,6 +388,7 @@ void Recalculation::dropShown(CellBlock& block, int index, int count) const
 
 void Recalculation::evaluateArray(const Run& run)
 {
+    tellCaller(run, run.cells.top);
     const auto values = m_evaluator.arrayOf(m_book.formulas[run.formula], beginCell(run, run.cells.top));
     if (!values)
         return;

@@ -6,12 +6,16 @@
 #include "spreadsheet/calculation/RowSet.h"
 #include "spreadsheet/cells/Book.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
 namespace spreadsheet {
 
 class LookupIndexes;
+
+/// Told each cell whose formula may call a registered function before the cell is computed.
+using CallerHook = std::function<void(CallPlace)>;
 
 /// Keeps track of what changed and computes what depends on it.
 class Recalculation {
@@ -36,7 +40,11 @@ public:
     /// may read what it does not name counts as reading everything.
     bool isComputedFrom(CallPlace cell, CallPlace source);
 
+    /// Whether the formula of a cell may call a registered function. False without a formula.
+    bool mayCall(CallPlace cell);
+
     void setPrepareHook(PrepareHook hook) { m_prepare = std::move(hook); }
+    void setCallerHook(CallerHook hook) { m_caller = std::move(hook); }
     void setPauseHook(PauseHook hook) { m_pause = std::move(hook); }
     void takeHooks(const Recalculation& other);
     std::size_t bytes() const { return m_graph.bytes(); }
@@ -87,6 +95,7 @@ private:
     void keepFormerCells(const Component& component);
     void bringBack(Pending pending);
     EvaluationPlace beginCell(const Run& run, int row);
+    void tellCaller(const Run& run, int row) const;
 
     Book& m_book;
     DependencyGraph m_graph;
@@ -95,6 +104,7 @@ private:
     BlockEvaluator m_blocks;
     std::unique_ptr<LookupIndexes> m_indexes;
     PrepareHook m_prepare;
+    CallerHook m_caller;
     PauseHook m_pause;
     Pending m_pending;
     std::vector<FormerCell> m_former; ///< kept only where a pause hook may stop

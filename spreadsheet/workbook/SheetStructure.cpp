@@ -155,6 +155,7 @@ Refusal SheetStructure::shift(Sheet& sheet, const AxisShift& shift)
     for (const Rewrite& rewrite : rewrites)
         apply(rewrite);
     m_workbook.recalculation().noteMoved();
+    m_workbook.journal().noteMove(CellMove::ofShift(sheet.id(), shift));
     return {};
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/formula/ReferenceSlot.h"
+#include "spreadsheet/workbook/CellMove.h"
 #include "spreadsheet/workbook/Sheet.h"
 
 #include <functional>
@@ -7,24 +8,6 @@
 #include <vector>
 
 namespace spreadsheet {
-
-/// Rows or columns put in or taken out at one place of an axis.
-struct AxisShift {
-    bool rows = true; ///< else columns
-    int at = 1;
-    int inserted = 0;
-    int removed = 0;
-
-    int limit() const { return rows ? maxRows : maxColumns; }
-    bool isRemoved(int index) const { return index >= at && index < at + removed; }
-    /// Where an index comes to lie; a removed one at the place of the cut.
-    int moved(int index) const
-    {
-        if (index < at)
-            return index;
-        return isRemoved(index) ? at : index + inserted - removed;
-    }
-};
 
 /// Changes of a sheet's structure with everything that has to follow: references of all formulas,
 /// spans, sizes, styles of rows and columns, array formulas.

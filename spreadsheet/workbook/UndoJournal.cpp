@@ -47,6 +47,7 @@ void UndoJournal::open(std::string label)
     if (m_depth++ == 0) {
         m_current.label = std::move(label);
         m_current.lines.reset(); // of a step that changed nothing
+        m_current.moves.clear();
         m_current.designRevision.reset();
     }
 }
@@ -175,6 +176,19 @@ void UndoJournal::keepDesignRevision()
         m_current.designRevision = m_workbook.m_designRevision;
 }
 
+void UndoJournal::noteMove(const CellMove& move)
+{
+    if (recording())
+        m_current.moves.push_back(move);
+    tellMove(move);
+}
+
+void UndoJournal::tellMove(const CellMove& move) const
+{
+    if (m_moved)
+        m_moved(move);
+}
+
 void UndoJournal::noteLines(const Sheet& sheet, const CellRange& lines)
 {
     if (recording())
@@ -284,8 +298,19 @@ void UndoJournal::exchange(Step& step)
         if (Sheet* sheet = sheetOfId(place.first, step))
             exchangeColumn(*sheet, place.second, column);
     }
+    takeMovesBack(step.moves);
     m_workbook.recalculation().noteMoved();
     m_workbook.noteEdit();
+}
+
+/// Tells them undone, the last one first, and keeps what exchanging the step once more is to tell.
+void UndoJournal::takeMovesBack(std::vector<CellMove>& moves)
+{
+    std::ranges::reverse(moves);
+    for (CellMove& move : moves) {
+        move = move.undone();
+        tellMove(move);
+    }
 }
 
 void UndoJournal::exchangeColumn(Sheet& sheet, int column, Column& former)

@@ -2,6 +2,7 @@
 #include "spreadsheet/cells/changed_cells.h"
 #include "spreadsheet/cells/Column.h"
 #include "spreadsheet/cells/SheetSettings.h"
+#include "spreadsheet/workbook/CellMove.h"
 
 #include <cstdint>
 #include <deque>
@@ -49,6 +50,12 @@ public:
     std::optional<ChangedCells> undo();
     std::optional<ChangedCells> redo();
 
+    /// Told of each change that made cells lie elsewhere, once it is done; undo and redo are such changes
+    /// too.
+    void setMoveHook(MoveHook hook) { m_moved = std::move(hook); }
+    void takeHooks(const UndoJournal& other) { m_moved = other.m_moved; }
+    void noteMove(const CellMove& move); ///< called after it
+
     // Called before the change.
     void keepColumn(const Sheet& sheet, int column);
     void keepAllColumns(const Sheet& sheet);
@@ -74,6 +81,7 @@ private:
         std::optional<bool> formulasShown;
         std::optional<std::uint64_t> designRevision; ///< before it; none: the step is of the display only
         std::optional<ChangedCells> lines;           ///< inserted or removed
+        std::vector<CellMove> moves; ///< those that exchanging the step takes back, last first
         std::size_t bytes = 0;
         bool empty() const;
     };
@@ -83,6 +91,8 @@ private:
     std::optional<ChangedCells> changedBy(const Step& exchanged) const;
     void exchangeColumn(Sheet& sheet, int column, Column& former);
     void noteDifference(int sheetId, int column, const Column& before, const Column& after);
+    void tellMove(const CellMove& move) const;
+    void takeMovesBack(std::vector<CellMove>& moves);
     void exchangeNames(std::vector<std::uint32_t>& former);
     /// Also a sheet that only the step holds, so that a step which adds a sheet and fills it is redone.
     Sheet* sheetOfId(int id, const Step& step);
@@ -91,6 +101,7 @@ private:
     void trim();
 
     Workbook& m_workbook;
+    MoveHook m_moved;
     bool m_enabled = false;
     int m_depth = 0;
     Step m_current;

@@ -308,6 +308,7 @@ void Workbook::replaceContent(Workbook&& fresh)
     recalculation->takeHooks(*m_recalculation);
     auto journal = std::make_unique<UndoJournal>(*this);
     journal->setEnabled(m_journal->enabled());
+    journal->takeHooks(*m_journal);
 
     fresh.m_book->formulasShown = formulasShown();
     m_recalculation = std::move(recalculation); // before the book that the former one works on
@@ -316,6 +317,7 @@ void Workbook::replaceContent(Workbook&& fresh)
     m_journal = std::move(journal);
     for (const auto& sheet : m_sheets)
         sheet->noteSettings();
+    m_journal->noteMove(CellMove::ofReplacedContent());
 }
 
 void Workbook::setUndoEnabled(bool enabled)

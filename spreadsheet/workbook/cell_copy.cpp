@@ -287,6 +287,7 @@ Refusal Sheet::moveCells(const CellRange& from, Sheet& target, CellAddress to)
     m_workbook.recalculation().noteMoved();
     noteChanged(from);
     target.noteChanged(goal);
+    m_workbook.journal().noteMove(CellMove::ofBlock(id(), from, {target.id(), to}));
     return {};
 }
 

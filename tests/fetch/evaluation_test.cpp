@@ -339,7 +339,10 @@ TEST(Evaluation, AFailureInTheCallbackIsTold)
 {
     const test::TestLedger ledger;
     ASSERT_TRUE(openDB());
-    guardedEvaluation(sharedContext.database, [] { throw std::runtime_error("读取参数失败"); });
+    Workbook workbook;
+    RunRecord record(workbook);
+    const spreadsheet::FunctionCall call("REF_F", {1, 2, 3}, {});
+    guardedCall(call, sharedContext.database, record, [] { throw std::runtime_error("读取参数失败"); });
     EXPECT_FALSE(gCnn);
     EXPECT_EQ(ledger.boxes.said,
               (std::vector<RecordingDialogs::Said>{{Icon::critical, "测试账套", "读取参数失败"}}));
@@ -377,7 +380,7 @@ TEST(Evaluation, EveryCellWithoutAValueHasItsReason)
     ASSERT_EQ(evaluation.diagnostics().size(), std::size(cases));
     int row = 1;
     for (const Case& c : cases) {
-        const CellDiagnostic& diagnostic = evaluation.diagnostics()[static_cast<std::size_t>(row - 1)];
+        const CellDiagnostic diagnostic = evaluation.diagnostics()[static_cast<std::size_t>(row - 1)];
         EXPECT_EQ(diagnostic.place, (spreadsheet::CallPlace{1, 1, ++row}));
         EXPECT_THAT(diagnostic.reason, testing::HasSubstr(c.reason)) << c.formula;
     }

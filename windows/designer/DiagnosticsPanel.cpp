@@ -6,8 +6,6 @@
 
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace selfreport {
 
 namespace {
@@ -56,13 +54,6 @@ void DiagnosticsPanel::setDiagnostics(const std::vector<CellDiagnostic>& diagnos
         m_list->addRow(placeName(diagnostic.place, workbook) + '\t' + oneField(diagnostic.function) + '\t' +
                        oneField(diagnostic.reason));
     setVisible(!diagnostics.empty());
-}
-
-QString DiagnosticsPanel::reasonFor(const spreadsheet::CallPlace& place) const
-{
-    const auto found = std::ranges::lower_bound(m_diagnostics, place, {}, &CellDiagnostic::place);
-    return found == m_diagnostics.end() || found->place != place ? QString()
-                                                                 : QString::fromStdString(found->reason);
 }
 
 void DiagnosticsPanel::showNotices(const QString& heading, const std::vector<std::string>& notices)

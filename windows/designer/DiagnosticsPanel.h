@@ -25,9 +25,6 @@ public:
     /// Takes over what a recalculation found; an empty list hides the panel unless it was opened by hand.
     void setDiagnostics(const std::vector<CellDiagnostic>& diagnostics,
                         const spreadsheet::Workbook& workbook);
-    const std::vector<CellDiagnostic>& diagnostics() const { return m_diagnostics; }
-    /// "" for a cell without a remark.
-    QString reasonFor(const spreadsheet::CallPlace& place) const;
 
     /// Shows sentences instead, until the next recalculation.
     void showNotices(const QString& heading, const std::vector<std::string>& notices);
@@ -38,7 +35,7 @@ Q_SIGNALS:
 
 private:
     ListGrid* m_list;
-    std::vector<CellDiagnostic> m_diagnostics;
+    std::vector<CellDiagnostic> m_diagnostics; ///< the lines on show
     bool m_showsDiagnostics = true;
 };
 

@@ -133,7 +133,7 @@ void EditorFiles::restoreDesign()
         if (m_context.report.editFlag == 1)
             m_report.setVersion(restored.madeFrom); // saving asks if the stored report is another by now
         m_grid.cells().setWorkbook(&workbook);      // another content: shown from its first cell
-        m_formulas.forgetFetches();
+        m_formulas.tellFetches();
         hookUpAgain();
     } catch (const std::exception& error) {
         m_context.database.tell(Icon::exclamation, "未保存的设计不能恢复: " + failures::sentenceOf(error));

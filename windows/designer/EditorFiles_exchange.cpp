@@ -156,7 +156,7 @@ void EditorFiles::importFile(const FileDialogSettings& settings)
     transfer(*file, [&] {
         auto warnings = spreadsheet::loadWorkbook(m_grid.cells().workbook(), *file);
         m_grid.cells().setWorkbook(&m_grid.cells().workbook());
-        m_formulas.forgetFetches();
+        m_formulas.tellFetches();
         hookUpAgain();
         return warnings;
     });

@@ -26,8 +26,7 @@ EditorFormulas::EditorFormulas(ReportContext& context, spreadsheet::SpreadsheetC
         compute(Extent::changes, [this] { return m_evaluation.recalculateChanged(); });
     };
     grid.setCellNotes([this](int sheetId, spreadsheet::CellAddress cell) {
-        return m_diagnostics.reasonFor(
-            {m_grid.cells().workbook().sheetIndexOfId(sheetId), cell.column, cell.row});
+        return QString::fromStdString(m_evaluation.record().remarkOn({sheetId, cell}));
     });
     connect(&failedFetches, &FailedFetchBar::clicked, this, &EditorFormulas::goToFailedFetch);
     connect(&diagnostics, &DiagnosticsPanel::chosen, this, &EditorFormulas::goTo);
@@ -81,17 +80,10 @@ void EditorFormulas::MenuShowFormula_Click()
     show();
 }
 
-/// The list and the bar show what the last recalculation found.
 void EditorFormulas::tellFetches()
 {
     m_diagnostics.setDiagnostics(m_evaluation.diagnostics(), m_grid.cells().workbook());
     m_failedFetches.tell(failedFetches());
-}
-
-void EditorFormulas::forgetFetches()
-{
-    m_evaluation.forgetDiagnostics();
-    tellFetches();
 }
 
 void EditorFormulas::showDiagnostics()
@@ -111,7 +103,7 @@ void EditorFormulas::goTo(const CellDiagnostic& diagnostic)
 
 void EditorFormulas::goToFailedFetch()
 {
-    if (const CellDiagnostic* failed = firstFailed(m_evaluation.diagnostics()))
+    if (const auto failed = firstFailed(m_evaluation.diagnostics()))
         goTo(*failed);
 }
 
@@ -126,7 +118,8 @@ QString EditorFormulas::modeText() const
 void EditorFormulas::tellCell() const
 {
     const spreadsheet::CellAddress cell = m_grid.cursor().activeCell();
-    const QString reason = m_diagnostics.reasonFor({m_grid.cells().activeSheet(), cell.column, cell.row});
+    const int sheetId = m_grid.cells().workbook().sheet(m_grid.cells().activeSheet()).id();
+    const QString reason = QString::fromStdString(m_evaluation.record().remarkOn({sheetId, cell}));
     if (!reason.isEmpty())
         m_status.showMessage(reason);
     else if (m_cancelled != Extent::none)

@@ -35,8 +35,8 @@ public:
 
     /// The sentence about cells whose fetch failed; "": there are none.
     std::string failedFetches() const { return failedFetchesText(m_evaluation.diagnostics()); }
-    /// The grid holds another content, whose values are as they were stored.
-    void forgetFetches();
+    /// List and bar show what the last recalculation of the grid's content fetched.
+    void tellFetches();
     /// No recalculation follows the edits to come: the window goes.
     void stop();
 
@@ -53,7 +53,6 @@ private:
     void compute(Extent extent, const std::function<bool()>& recalculation);
     void computeAll(const std::function<bool()>& recalculation);
     void show();
-    void tellFetches();
     void goTo(const CellDiagnostic& diagnostic);
 
     ReportContext& m_context;

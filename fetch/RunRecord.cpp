@@ -1,0 +1,181 @@
+#include "fetch/RunRecord.h"
+
+#include "spreadsheet/calculation/Recalculation.h"
+#include "spreadsheet/workbook/UndoJournal.h"
+#include "spreadsheet/workbook/Workbook.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace selfreport {
+
+// Cells are known by their sheet's id, so that sheets may come, go and change places: a sheet that was
+// removed keeps its entries, which nobody sees, until undo brings it back or the next whole calculation.
+
+using spreadsheet::CallPlace;
+using spreadsheet::SheetCell;
+
+namespace {
+
+bool isDoubtful(const LedgerFetch& fetch)
+{
+    const LedgerAnswer& answer = fetch.answer;
+    return !answer.amount || !answer.unknownClasses.empty() || !answer.failure.empty();
+}
+
+} // namespace
+
+std::shared_ptr<const LedgerFetch> RecordedCall::doubtful() const
+{
+    if (ledger && isDoubtful(*ledger))
+        return ledger;
+    // A reason of its own counts for more than that the cell it reads is doubtful, unless that one has
+    // failed.
+    const bool counts =
+        reference && reference->answer.doubtful &&
+        (reference->answer.reason.empty() || !reference->answer.doubtful->answer.failure.empty());
+    return counts ? reference->answer.doubtful : nullptr;
+}
+
+RunRecord::RunRecord(spreadsheet::Workbook& workbook)
+    : m_workbook(workbook)
+{
+    m_workbook.recalculation().setCallerHook([this](CallPlace place) { begin(place); });
+    m_workbook.journal().setMoveHook([this](const spreadsheet::CellMove& move) { follow(move); });
+}
+
+RunRecord::~RunRecord()
+{
+    m_workbook.recalculation().setCallerHook({});
+    m_workbook.journal().setMoveHook({});
+}
+
+SheetCell RunRecord::cellAt(const CallPlace& place) const
+{
+    return {m_workbook.sheet(place.sheet).id(), {place.column, place.row}};
+}
+
+/// A cell that is computed once more makes its calls anew. Cells mostly come in the record's own order.
+void RunRecord::begin(const CallPlace& place)
+{
+    m_caller = m_fresh.try_emplace(m_fresh.end(), cellAt(place));
+    m_callerPlace = place;
+    m_caller->second.clear();
+}
+
+void RunRecord::add(const CallPlace& place, RecordedCall call)
+{
+    if (m_fresh.empty() || m_callerPlace != place)
+        begin(place);
+    m_caller->second.push_back(std::move(call));
+}
+
+void RunRecord::takeAll()
+{
+    m_cells = std::exchange(m_fresh, {});
+    std::erase_if(m_cells, [](const auto& entry) { return entry.second.empty(); });
+}
+
+void RunRecord::takeChanged()
+{
+    const auto callsNothing = [this](const SheetCell& cell) {
+        const int sheet = m_workbook.sheetIndexOfId(cell.sheetId);
+        return sheet != 0 && !m_workbook.recalculation().mayCall({sheet, cell.cell.column, cell.cell.row});
+    };
+    std::erase_if(m_cells, [&](const auto& entry) { return callsNothing(entry.first); });
+    for (auto& [cell, calls] : m_fresh) {
+        if (calls.empty())
+            m_cells.erase(cell);
+        else
+            m_cells.insert_or_assign(cell, std::move(calls));
+    }
+    m_fresh.clear();
+}
+
+void RunRecord::drop()
+{
+    m_fresh.clear();
+}
+
+void RunRecord::follow(const spreadsheet::CellMove& move)
+{
+    Cells moved;
+    for (auto& [cell, calls] : m_cells)
+        if (const auto place = move.placeOf(cell))
+            moved.insert_or_assign(*place, std::move(calls));
+    m_cells = std::move(moved);
+    m_fresh.clear();
+}
+
+void RunRecord::explain(const Explain& explain)
+{
+    struct Asking {
+        RecordedCall* call;
+        std::size_t fetch;
+    };
+    std::map<std::pair<LedgerArguments, std::string>, std::size_t> known; // one may fail, its like not
+    std::vector<LedgerFetch> fetches;
+    std::vector<Asking> asking;
+    for (auto& [cell, calls] : m_cells)
+        for (RecordedCall& call : calls) {
+            const auto fetch = call.doubtful();
+            if (!fetch || call.isExplained)
+                continue;
+            const auto [found, isNew] =
+                known.try_emplace({fetch->arguments, fetch->answer.failure}, fetches.size());
+            if (isNew)
+                fetches.push_back(*fetch);
+            asking.push_back({&call, found->second});
+        }
+    if (fetches.empty())
+        return;
+    const std::vector<Explanation> explanations = explain(fetches);
+    for (const auto& [call, fetch] : asking) {
+        Explanation remark = explanations.at(fetch);
+        if (!call->ledger)
+            remark.reason = "被引用的单元格：" + remark.reason;
+        call->remarks.push_back(std::move(remark));
+        call->isExplained = true;
+    }
+}
+
+std::span<const RecordedCall> RunRecord::callsOf(const SheetCell& cell) const
+{
+    const auto found = m_cells.find(cell);
+    return found == m_cells.end() ? std::span<const RecordedCall>() : found->second;
+}
+
+void RunRecord::eachCall(const std::function<void(const SheetCell&, const RecordedCall&)>& report) const
+{
+    for (const auto& [cell, calls] : m_cells)
+        for (const RecordedCall& call : calls)
+            report(cell, call);
+}
+
+std::string RunRecord::remarkOn(const SheetCell& cell) const
+{
+    for (const RecordedCall& call : callsOf(cell))
+        if (!call.remarks.empty())
+            return call.remarks.front().reason;
+    return {};
+}
+
+std::vector<CellDiagnostic> RunRecord::diagnostics() const
+{
+    std::vector<CellDiagnostic> found;
+    eachCall([&](const SheetCell& cell, const RecordedCall& call) {
+        const int sheet = m_workbook.sheetIndexOfId(cell.sheetId);
+        for (const Explanation& remark : call.remarks)
+            if (sheet != 0)
+                found.push_back({{sheet, cell.cell.column, cell.cell.row},
+                                 std::string(call.function),
+                                 remark.reason,
+                                 remark.outcome});
+    });
+    std::ranges::stable_sort(found, {}, &CellDiagnostic::place);
+    const auto repeated = std::ranges::unique(found);
+    found.erase(repeated.begin(), repeated.end());
+    return found;
+}
+
+} // namespace selfreport

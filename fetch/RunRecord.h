@@ -1,0 +1,78 @@
+#pragma once
+#include "fetch/diagnostics.h"
+#include "fetch/inter_report_fetch.h"
+#include "fetch/ledger_explanation.h"
+#include "fetch/ledger_fetch.h"
+#include "spreadsheet/workbook/CellMove.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace spreadsheet {
+class Workbook;
+}
+
+namespace selfreport {
+
+/// A call of `Acct` or `REF_F` that the last calculation made. Equal calls share arguments and answer.
+struct RecordedCall {
+    std::string_view function;                       ///< "Acct" or "REF_F"
+    std::shared_ptr<const LedgerFetch> ledger;       ///< of `Acct`; null if its arguments were not usable
+    std::shared_ptr<const ReferenceFetch> reference; ///< of `REF_F`, likewise
+    std::vector<Explanation> remarks;                ///< none: it gave what was asked for
+    bool isExplained = false;                        ///< the remark on its doubtful fetch is among them
+
+    /// The ledger fetch that puts the call's figure in doubt, of `REF_F` the one behind the cell that it
+    /// reads. Null if none does.
+    std::shared_ptr<const LedgerFetch> doubtful() const;
+};
+
+/// What the last calculation of a workbook fetched: its calls, by cell. Entries lie where their cells lie,
+/// whatever moves them. The workbook must outlive it.
+class RunRecord {
+public:
+    explicit RunRecord(spreadsheet::Workbook& workbook);
+    ~RunRecord();
+    RunRecord(const RunRecord&) = delete;
+    RunRecord& operator=(const RunRecord&) = delete;
+
+    /// Adds the next call of a cell to the calculation under way.
+    void add(const spreadsheet::CallPlace& place, RecordedCall call);
+
+    // How a calculation ends.
+    void takeAll();     ///< every formula was computed
+    void takeChanged(); ///< cells that were not computed keep their entries
+    void drop();        ///< it was stopped: what stood before stands
+
+    using Explain = std::function<std::vector<Explanation>(std::span<const LedgerFetch>)>;
+    /// Gives doubtful ledger fetches without a remark theirs. @param explain  handed each of them once
+    void explain(const Explain& explain);
+
+    /// The calls of a cell in the order in which its formula makes them.
+    std::span<const RecordedCall> callsOf(const spreadsheet::SheetCell& cell) const;
+    void
+    eachCall(const std::function<void(const spreadsheet::SheetCell&, const RecordedCall&)>& report) const;
+    /// The first remark on a cell; "" without one.
+    std::string remarkOn(const spreadsheet::SheetCell& cell) const;
+    /// All remarks, in the order of sheets, columns and rows; of a cell each once.
+    std::vector<CellDiagnostic> diagnostics() const;
+
+private:
+    using Cells = std::map<spreadsheet::SheetCell, std::vector<RecordedCall>>;
+
+    spreadsheet::SheetCell cellAt(const spreadsheet::CallPlace& place) const;
+    void begin(const spreadsheet::CallPlace& place);
+    void follow(const spreadsheet::CellMove& move);
+
+    spreadsheet::Workbook& m_workbook;
+    Cells m_cells;            ///< of the last calculation
+    Cells m_fresh;            ///< of the one under way, also cells that made no call
+    Cells::iterator m_caller; ///< the cell of `m_fresh` that makes calls now, if there is any
+    spreadsheet::CallPlace m_callerPlace;
+};
+
+} // namespace selfreport
