@@ -10,6 +10,7 @@
 #include "platform/database/Connection.h"
 #include "platform/database/sqlite/AcctProcedure.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
+#include "reports/report_list.h"
 #include "reports/ReportStore.h"
 #include "state/shared_state.h"
 #include "tests/tdsserver/TdsServer.h"
@@ -154,7 +155,9 @@ void benchContent(tds::TdsServer& server)
             connection->query("select fFileContent from tblCWSelfReport where noid=9999",
                               BinaryColumns::fetched);
         });
-    std::printf("   (64 MiB read in %.0f ms)\n", read * 1e3);
+    const double listed = bestSeconds(
+        3, [] {}, [&] { storedReports(*connection); });
+    std::printf("   (64 MiB read in %.0f ms, listed without them in %.0f ms)\n", read * 1e3, listed * 1e3);
 }
 
 } // namespace

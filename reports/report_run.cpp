@@ -6,7 +6,6 @@
 #include "platform/database/dialect/connection_string.h"
 #include "reports/ReportStore.h"
 
-#include <algorithm>
 #include <exception>
 
 namespace selfreport {
@@ -37,7 +36,22 @@ std::unique_ptr<Connection> provenConnection(const std::string& connectionString
     }
 }
 
-std::vector<ListedReport> provenList(const std::string& connectionString)
+void load(ReportRun& run, std::int32_t id, DatabaseAccess& database)
+{
+    try {
+        RememberedReport unwanted;
+        run.name = ReportStore(database, {}).load(id, *run.workbook, unwanted);
+    } catch (const ReportMissing&) {
+        throw ReportRunError("没有编号为" + std::to_string(id) + "的报表");
+    } catch (const std::exception& error) {
+        throw ReportRunError("数据库“" + databaseName(database.connectionString) + "”中编号为" +
+                             std::to_string(id) + "的报表无法载入：" + failures::sentenceOf(error));
+    }
+}
+
+} // namespace
+
+std::vector<ListedReport> listReports(const std::string& connectionString)
 {
     const std::unique_ptr<Connection> connection = provenConnection(connectionString);
     try {
@@ -48,31 +62,6 @@ std::vector<ListedReport> provenList(const std::string& connectionString)
     }
 }
 
-void requireReport(const std::string& connectionString, std::int32_t id)
-{
-    const std::vector<ListedReport> reports = provenList(connectionString);
-    if (std::ranges::find(reports, id, &ListedReport::id) == reports.end())
-        throw ReportRunError("没有编号为" + std::to_string(id) + "的报表");
-}
-
-void load(ReportRun& run, std::int32_t id, DatabaseAccess& database)
-{
-    try {
-        RememberedReport unwanted;
-        run.name = ReportStore(database, {}).load(id, *run.workbook, unwanted);
-    } catch (const std::exception& error) {
-        throw ReportRunError("编号为" + std::to_string(id) + "的报表无法载入：" +
-                             failures::sentenceOf(error));
-    }
-}
-
-} // namespace
-
-std::vector<ListedReport> listReports(const std::string& connectionString)
-{
-    return provenList(connectionString);
-}
-
 ReportRun runReport(const std::string& connectionString, std::int32_t id, const RunOptions& options)
 {
     const auto tell = [&](std::string_view what) {
@@ -80,7 +69,7 @@ ReportRun runReport(const std::string& connectionString, std::int32_t id, const 
             options.progress(what);
     };
     tell("打开数据库");
-    requireReport(connectionString, id);
+    provenConnection(connectionString);
 
     tell("载入报表");
     ReportRun run;

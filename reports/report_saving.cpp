@@ -183,11 +183,14 @@ bool isRowOf(Connection& connection, const RememberedReport& remembered)
 void removeReport(Connection& connection, std::int32_t id)
 {
     Transaction transaction(connection);
+    const bool isThere = connection.query(countReportStatement(id)).integer(0, "fcount") > 0;
     connection.execute(deleteReportStatement(id));
     connection.execute(deleteMenuItemStatement(id));
     commitOrFindOut(transaction, [id](Connection& fresh) {
         return fresh.query(pageSetupStatement(id)).isEmpty() && fresh.query(menuItemStatement(id)).isEmpty();
     });
+    if (!isThere)
+        throw std::runtime_error("报表不存在!");
 }
 
 } // namespace selfreport

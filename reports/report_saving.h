@@ -64,7 +64,8 @@ std::optional<SaveConflict> restoreReport(Connection& connection, RememberedRepo
 /// in the transaction under way.
 bool isRowOf(Connection& connection, const RememberedReport& remembered);
 
-/// Deletes a report's row and its menu item.
+/// Deletes a report's row and its menu item. Of a row that is gone the menu item goes all the same.
+/// @throws std::runtime_error if the row is gone
 void removeReport(Connection& connection, std::int32_t id);
 
 } // namespace selfreport

@@ -170,6 +170,22 @@ TEST(ReportStore, LoadThatFailsLeavesNameAndWorkbook)
     EXPECT_EQ(ledger.boxes.said[0].text, "报表不存在!");
 }
 
+TEST(ReportStore, ADeletionOfWhatIsGoneSaysSoAndTakesTheMenuItemAlong)
+{
+    test::TestLedger ledger;
+    const Workbook workbook;
+    ASSERT_TRUE(insertReport(sharedContext, "表", workbook));
+    ledger.run("delete from tblCWSelfReport"); // another user, who was cut off before the menu item
+    ledger.boxes.said.clear();
+    EXPECT_FALSE(deleteInfo(sharedContext));
+    ASSERT_EQ(ledger.boxes.said.size(), 1U);
+    EXPECT_EQ(ledger.boxes.said[0].text, "报表没有删除。\n报表不存在!");
+    EXPECT_TRUE(ledger.query("select * from tblsystemprivillenge where fnumber like 'RSelf%'").isEmpty());
+    ASSERT_TRUE(insertReport(sharedContext, "表", workbook));
+    EXPECT_TRUE(deleteInfo(sharedContext));
+    EXPECT_EQ(ledger.boxes.said.size(), 1U);
+}
+
 TEST(ReportStore, UpdateKeepsPageSetupAndMenuItem)
 {
     const test::TestLedger ledger;

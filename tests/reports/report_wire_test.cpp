@@ -80,7 +80,8 @@ TEST(ReportWire, StatementsTravelLetterByLetter)
     EXPECT_EQ(before, (std::vector<std::string>{"0 update tblCW", "3 select count", "3 select count",
                                                 "3 select fdate", // of the new report
                                                 "3 update tblCW", "3 select fdate", "5 select count",
-                                                "5 select fdate"})); // of the replaced one
+                                                "5 select fdate",    // of the replaced one
+                                                "7 select count"})); // whether the deleted one is there
     const char* expected[] = {"last report",   "last menu item",  "insert menu item",
                               "page setup",    "delete report", // replaced
                               "report by id",                   // loaded

@@ -265,14 +265,14 @@ Recordset::Cell OdbcStatement::momentCell(SQLUSMALLINT column)
 
 Recordset::Cell OdbcStatement::binaryCell(SQLUSMALLINT column, BinaryColumns binaries)
 {
+    if (binaries == BinaryColumns::left)
+        return Recordset::LeftBinary(); // not asked for at all
     std::byte none{};
     SQLLEN left = 0;
     SQLRETURN read = SQLGetData(m_handle, column, SQL_C_BINARY, &none, 0, &left); // length or null only
     check(read);
     if (left == SQL_NULL_DATA)
         return std::monostate();
-    if (binaries == BinaryColumns::left)
-        return Recordset::LeftBinary();
     auto bytes = std::make_shared<std::vector<std::byte>>();
     while (left > 0 || left == SQL_NO_TOTAL) {
         const std::size_t before = bytes->size();

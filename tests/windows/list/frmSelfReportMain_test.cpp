@@ -185,6 +185,19 @@ TEST_F(ReportListWindow, DeletionAsksDeletesBothRowsAndSaysSo)
     EXPECT_EQ(list().row(), 2);
 }
 
+TEST_F(ReportListWindow, AReportThatIsGoneIsNotSaidToBeDeleted)
+{
+    addThree();
+    open();
+    list().setRow(2);
+    ledger.run("delete from tblCWSelfReport where noid=7");
+    ledger.boxes.answer = true;
+    click("cmd_2");
+    ASSERT_EQ(ledger.boxes.said.size(), 2U);
+    EXPECT_EQ(ledger.boxes.said[1], (Said{Icon::exclamation, gTitle, "报表没有删除。\n报表不存在!"}));
+    EXPECT_EQ(list().rowCount(), 4);
+}
+
 TEST_F(ReportListWindow, FailuresLeaveTheListAsItWas)
 {
     addThree();
