@@ -3,10 +3,12 @@
 #include "platform/database/Connection.h"
 #include "reports/commit_outcome.h"
 #include "reports/report_statements.h"
+#include "reports/report_texts.h"
 
 #include <algorithm>
 #include <chrono>
 #include <limits>
+#include <stdexcept>
 #include <string_view>
 #include <thread>
 
@@ -126,11 +128,19 @@ Found lookUnderLock(Connection& connection, const RememberedReport& remembered)
                          found, userName(connection, found->savedBy)}};
 }
 
+/// Before anything is sent.
+void requireFit(Connection& connection, const ReportToSave& report)
+{
+    if (const std::string problem = reportRefusal(connection, report.name, report.savedBy); !problem.empty())
+        throw std::runtime_error(problem);
+}
+
 } // namespace
 
 void storeReport(Connection& connection, RememberedReport& remembered, const ReportToSave& report,
                  const std::optional<StoredPageSetup>& pageSetup)
 {
+    requireFit(connection, report);
     Transaction transaction(connection);
     connection.execute(queueForNewReportStatement);
     const std::int64_t id = nextNumber(connection, lastReportIdStatement, 1);
@@ -142,6 +152,7 @@ void storeReport(Connection& connection, RememberedReport& remembered, const Rep
 std::optional<SaveConflict> replaceReport(Connection& connection, RememberedReport& remembered,
                                           const ReportToSave& report)
 {
+    requireFit(connection, report);
     Transaction transaction(connection);
     Found found = lookUnderLock(connection, remembered);
     if (found.conflict)
@@ -157,6 +168,7 @@ std::optional<SaveConflict> replaceReport(Connection& connection, RememberedRepo
 std::optional<SaveConflict> restoreReport(Connection& connection, RememberedReport& remembered,
                                           const ReportToSave& report)
 {
+    requireFit(connection, report);
     Transaction transaction(connection);
     connection.execute(queueForNewReportStatement);
     Found found = lookUnderLock(connection, remembered);

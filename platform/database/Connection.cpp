@@ -1,10 +1,12 @@
 #include "platform/database/Connection.h"
 
 #include "platform/database/dialect/parameter_sizes.h"
+#include "platform/database/dialect/text_columns.h"
 #include "platform/database/providers.h"
 #include "platform/database/session/Session.h"
 #include "platform/database/SessionPool.h"
 
+#include <algorithm>
 #include <atomic>
 #include <utility>
 
@@ -98,10 +100,18 @@ std::vector<ProcedureResult> Connection::callProcedures(std::span<const Procedur
     ++counters.batches;
     counters.procedureCalls += static_cast<std::int64_t>(calls.size());
     std::vector<ProcedureResult> results(calls.size());
+    int codePage = 0;
+    try {
+        codePage = std::ranges::all_of(calls, hasOnlyAscii) ? 0 : textColumns().codePage;
+    } catch (const DatabaseError& error) {
+        for (ProcedureResult& result : results)
+            result.error = error;
+        return results;
+    }
     std::vector<ProcedureCall> sent;
     std::vector<std::size_t> places;
     for (std::size_t at = 0; at < calls.size(); ++at) {
-        results[at].error = oversizedParameter(calls[at]);
+        results[at].error = unfitParameter(calls[at], codePage);
         if (results[at].error)
             continue;
         sent.push_back(calls[at]);
@@ -116,6 +126,11 @@ std::vector<ProcedureResult> Connection::callProcedures(std::span<const Procedur
             results[place].error = error;
     }
     return results;
+}
+
+const TextColumns& Connection::textColumns()
+{
+    return provenSession().textColumns();
 }
 
 void Connection::begin()

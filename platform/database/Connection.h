@@ -14,6 +14,7 @@
 namespace selfreport {
 
 class Session;
+struct TextColumns;
 
 /// An open connection to the ledger's database. Statements are the T-SQL of the server; the embedded database
 /// understands what the module needs of it. "?" takes the next bound value.
@@ -42,6 +43,9 @@ public:
 
     /// The same results as one call() after the other, with a round trip for up to 200 calls.
     std::vector<ProcedureResult> callProcedures(std::span<const ProcedureCall> calls);
+
+    /// What the database's text columns can hold, asked once for a session; see dialect/text_columns.
+    const TextColumns& textColumns();
 
     void begin();
     void commit();

@@ -115,6 +115,25 @@ TEST(ServerRoundTrips, ARefusedBatchOfQuestionsIsAskedByHalves)
     EXPECT_EQ(reasons, "科目“8001”不存在;货币“XXX”不存在;“客户”中没有项目“999”;");
 }
 
+TEST(ServerRoundTrips, AnArgumentThatTheServerWouldReplaceIsTheCallsReason)
+{
+    ServedLedger ledger;
+    Workbook workbook;
+    demand(workbook.sheet(1).setFormula({1, 1}, closing("10㐂1")));
+    demand(workbook.sheet(1).setFormula({1, 2}, closing("1001")));
+    demand(workbook.sheet(1).setFormula({1, 3}, R"(Acct("1001","2","人民币","2025","1","2"))"));
+    ReportEvaluation evaluation(workbook, sharedContext.database);
+    evaluation.addSelfFunction();
+    evaluation.recalculate();
+    ASSERT_EQ(evaluation.diagnostics().size(), 2U);
+    EXPECT_TRUE(evaluation.diagnostics()[0].hasFailed());
+    EXPECT_THAT(evaluation.diagnostics()[0].reason, testing::HasSubstr("“㐂”"));
+    EXPECT_EQ(evaluation.diagnostics()[1].reason, "货币“人民币”不存在");
+    EXPECT_EQ(workbook.sheet(1).displayText({1, 2}), "100.25");
+    for (const tds::Request& request : ledger.server.journal.requests())
+        EXPECT_EQ(request.text.find("㐂"), std::string::npos) << request.text;
+}
+
 TEST(ServerRoundTrips, ABatchThatIsRefusedIsDoneCallByCall)
 {
     ServedLedger ledger;

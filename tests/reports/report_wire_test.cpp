@@ -1,4 +1,5 @@
 #include "reports/report_list.h"
+#include "reports/report_texts.h"
 #include "state/mdlMain.h"
 #include "state/report_procedures.h"
 #include "tests/fetch/TestLedger.h"
@@ -70,14 +71,15 @@ TEST(ReportWire, StatementsTravelLetterByLetter)
         if (request.step != Step::batch || request.text.ends_with(" as sign"))
             continue;
         const bool isCheck = std::ranges::any_of(
-            std::to_array({"fisshow=fisshow", "datalength(", "count(*)"}),
+            std::to_array({"fisshow=fisshow", "datalength(", "count(*)", "INFORMATION_SCHEMA"}),
             [&](const char* part) { return request.text.find(part) != std::string::npos; });
         if (isCheck)
             before.push_back(std::to_string(texts.size()) + " " + request.text.substr(0, 12));
         else
             texts.push_back(request.text);
     }
-    EXPECT_EQ(before, (std::vector<std::string>{"0 update tblCW", "3 select count", "3 select count",
+    EXPECT_EQ(before, (std::vector<std::string>{"0 select TABLE", "0 update tblCW", "3 select count",
+                                                "3 select count",
                                                 "3 select fdate", // of the new report
                                                 "3 update tblCW", "3 select fdate", "5 select count",
                                                 "5 select fdate",    // of the replaced one
@@ -90,6 +92,69 @@ TEST(ReportWire, StatementsTravelLetterByLetter)
     ASSERT_EQ(texts.size(), std::size(expected));
     for (std::size_t at = 0; at < texts.size(); ++at)
         EXPECT_EQ(texts[at], golden[expected[at]]) << expected[at];
+}
+
+TEST(ReportWire, WhatColumnsCannotHoldIsRefusedBeforeAnythingIsSent)
+{
+    const auto times = [](int count, const char* text) {
+        std::string all;
+        for (int at = 0; at < count; ++at)
+            all += text;
+        return all;
+    };
+    const struct {
+        std::string name, user;
+        int codePage;
+        const char* refusal; ///< part of it; "" for none
+    } cases[] = {
+        {"镕€ 利润表", "wang", 936, ""},
+        {times(50, "表"), "wang", 936, ""}, // 100 bytes of the column's 100
+        {times(50, "表") + "a", "wang", 936, "报表名称过长：占 101 字节，最多 100 字节"},
+        {"镕㐂😀", "wang", 936, "报表名称中的“㐂”"},
+        {"镕㐂😀", "wang", 65001, ""},
+        {"表", times(51, "u"), 936, "用户编号过长"},
+        {"表", "王😀", 936, "用户编号中的“😀”"},
+        {"表", "wang", 1252, "报表名称中的“表”"},
+    };
+    for (const auto& c : cases) {
+        ServedReports reports;
+        closeIdleSessions();
+        reports.server.codePage = c.codePage;
+        gLoginUserId = c.user;
+        reports.boxes.said.clear();
+        reports.server.journal.clear();
+        const bool isStored = insertReport(sharedContext, c.name, Workbook());
+        EXPECT_EQ(isStored, *c.refusal == 0) << c.name;
+        EXPECT_THAT(reports.boxes.said.empty() ? std::string() : reports.boxes.said[0].text,
+                    testing::HasSubstr(c.refusal));
+        const auto sent = reports.server.journal.requests();
+        const auto asksCatalogue = [](const tds::Request& request) {
+            return request.text.find("INFORMATION_SCHEMA") != std::string::npos;
+        };
+        EXPECT_EQ(std::ranges::count_if(sent, asksCatalogue), 1);
+        if (!isStored) {
+            EXPECT_EQ(sent.size(), 1U) << c.name;
+            continue;
+        }
+        reports.server.journal.clear();
+        EXPECT_TRUE(insertReport(sharedContext, "另一张", Workbook()) || c.codePage == 1252);
+        EXPECT_EQ(std::ranges::count_if(reports.server.journal.requests(), asksCatalogue),
+                  0); // once a session
+    }
+    ServedReports reports;
+    const auto connection = openConnection(gConnString);
+    EXPECT_EQ(headerRefusal(*connection, false, times(1000, "页")), "");
+    EXPECT_THAT(headerRefusal(*connection, true, times(1001, "页")),
+                testing::StartsWith("页脚过长：占 2002 字节，最多 2000 字节"));
+    EXPECT_THAT(headerRefusal(*connection, false, "/l页㐂"), testing::StartsWith("页眉中的“㐂”"));
+}
+
+TEST(ReportWire, BlankNamesAreNone)
+{
+    for (const char* const name : {"", " ", "　", " 　 "})
+        EXPECT_TRUE(isBlankName(name)) << '"' << name << '"';
+    for (const char* const name : {"a", "　表 ", "-"})
+        EXPECT_FALSE(isBlankName(name)) << name;
 }
 
 TEST(ReportWire, OpeningThatFailsIsToldApart)

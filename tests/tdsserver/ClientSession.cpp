@@ -127,7 +127,8 @@ ClientSession::Answer ClientSession::answerLogin(const Message& message)
         reply.environment(languageChanged, "简体中文", "");
         reply.loginAcknowledged();
         reply.environment(packetSizeChanged, std::to_string(m_packetSize), "4096");
-        m_ledger.emplace(m_server.m_file, [this] { return m_socket.hasInput(); });
+        m_ledger.emplace(
+            m_server.m_file, [this] { return m_socket.hasInput(); }, m_server.codePage);
     }
     reply.done(Reply::Done::statement, -1, !m_ledger);
     reply.finish();

@@ -43,6 +43,19 @@ std::string withoutServerCollation(std::string_view sql)
     return edits.applied(sql);
 }
 
+/// The text columns of the file as a server's catalogue lists them, behind them the database's own collation.
+std::string catalogueQuery(int codePage)
+{
+    const std::string page = std::to_string(codePage);
+    return "select m.name as ftable,p.name as fcolumn,'varchar' as ftype,cast(substr(p.type,9) as integer) "
+           "as "
+           "fsize," +
+           page +
+           " as fpage from sqlite_schema as m join pragma_table_info(m.name) as p "
+           "where m.type='table' and p.type like 'varchar(%' union all select '','','',0," +
+           page;
+}
+
 SqlValue boundValue(const Value& value)
 {
     if (const auto* blob = std::get_if<Blob>(&value))
@@ -114,10 +127,11 @@ ProcedureCall boundCall(const std::string& procedure, std::span<const Parameter>
 
 } // namespace
 
-Ledger::Ledger(const std::string& file, std::function<bool()> wantsStop)
+Ledger::Ledger(const std::string& file, std::function<bool()> wantsStop, const std::atomic<int>& codePage)
     : m_database(file)
     , m_procedure(m_database)
     , m_wantsStop(std::move(wantsStop))
+    , m_codePage(codePage)
 {
     const auto look = [](void* ledger) { return static_cast<Ledger*>(ledger)->m_wantsStop() ? 1 : 0; };
     sqlite3_progress_handler(m_database.handle(), stepsBetweenLooks, look, this);
@@ -127,7 +141,9 @@ Ledger::Outcome Ledger::run(std::string_view sql, std::span<const Parameter> par
 {
     try {
         beginIfWanted();
-        const std::string embedded = withoutServerCollation(toEmbeddedSql(sql));
+        const bool asksCatalogue = sql.find("INFORMATION_SCHEMA.COLUMNS") != std::string_view::npos;
+        const std::string embedded =
+            asksCatalogue ? catalogueQuery(m_codePage) : withoutServerCollation(toEmbeddedSql(sql));
         SqliteStatement statement = m_database.prepare(embedded);
         statement.bind(valuesByName(statement.handle(), parameters));
         Outcome outcome;

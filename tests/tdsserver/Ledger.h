@@ -5,6 +5,7 @@
 #include "tests/tdsserver/Reply.h"
 #include "tests/tdsserver/requests.h"
 
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <span>
@@ -37,7 +38,8 @@ public:
 
     /// @param file       of the embedded database
     /// @param wantsStop  asked now and then while a statement runs
-    Ledger(const std::string& file, std::function<bool()> wantsStop);
+    /// @param codePage   of every text, as the catalogue tells it; must outlive this
+    Ledger(const std::string& file, std::function<bool()> wantsStop, const std::atomic<int>& codePage);
 
     Outcome run(std::string_view sql, std::span<const Parameter> parameters);
     Called call(const std::string& procedure, std::span<const Parameter> parameters);
@@ -56,6 +58,7 @@ private:
     SqliteDatabase m_database;
     AcctProcedure m_procedure;
     std::function<bool()> m_wantsStop;
+    const std::atomic<int>& m_codePage;
     bool m_isBeginWanted = false;
 };
 

@@ -45,6 +45,7 @@ public:
     FaultPlan faults;
     Journal journal;
     std::atomic<std::chrono::microseconds> replyDelay{std::chrono::microseconds(0)};
+    std::atomic<int> codePage = 936; ///< that the catalogue gives for every text
 
 private:
     friend class ClientSession;

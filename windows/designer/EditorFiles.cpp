@@ -1,8 +1,8 @@
 #include "windows/designer/EditorFiles.h"
 
 #include "failures/failure_text.h"
+#include "reports/report_texts.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
-#include "text/ascii.h"
 #include "windows/designer/EditorFormulas.h"
 #include "windows/designer/EditorStatus.h"
 #include "windows/designer/FormulaBox.h"
@@ -60,7 +60,7 @@ void EditorFiles::MenuFileSave_Click()
     if (!endEntry())
         return;
     std::string name = m_name.text().toStdString();
-    if (ascii::trimmed(name, " ").empty()) {
+    if (isBlankName(name)) {
         m_context.database.tell(Icon::exclamation, "报表名称不能为空！");
         m_name.setFocus();
         return;

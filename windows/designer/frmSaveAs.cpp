@@ -1,8 +1,8 @@
 #include "windows/designer/frmSaveAs.h"
 
 #include "platform/windows/buttons.h"
+#include "reports/report_texts.h"
 #include "state/report_procedures.h"
-#include "text/ascii.h"
 
 #include <QFormLayout>
 #include <QLineEdit>
@@ -34,7 +34,7 @@ void frmSaveAs::cmdXPOK_Click()
 {
     const std::string name = m_txtName->text().toStdString();
     std::string refusal;
-    if (ascii::trimmed(name, " ").empty())
+    if (isBlankName(name))
         refusal = "报表名称不能为空！";
     else {
         const std::optional<bool> isTaken = isReportName(m_context, name);

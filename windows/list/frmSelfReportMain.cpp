@@ -4,9 +4,11 @@
 #include "platform/windows/ProportionalLayout.h"
 #include "platform/windows/WaitCursor.h"
 #include "reports/report_list.h"
+#include "reports/report_texts.h"
 #include "state/report_procedures.h"
 #include "windows/list/report_rows.h"
 
+#include <QLabel>
 #include <QLocale>
 #include <QPushButton>
 #include <QTabWidget>
@@ -28,6 +30,7 @@ frmSelfReportMain::frmSelfReportMain(ReportContext& context, std::function<void(
     , m_context(context)
     , m_showDesigner(std::move(showDesigner))
     , m_vsf1(new ListGrid)
+    , m_warning(new QLabel)
 {
     setObjectName("frmSelfReportMain");
     setWindowTitle(QStringLiteral("自定义报表"));
@@ -56,6 +59,9 @@ void frmSelfReportMain::buildList()
 
 void frmSelfReportMain::buildButtons()
 {
+    m_warning->setObjectName("lblWarning");
+    m_warning->setWordWrap(true);
+    static_cast<ProportionalLayout*>(layout())->place(m_warning, {4620, 6900, 4590, 450});
     static const struct {
         const char *name, *caption;
         int left; // twips
@@ -82,6 +88,7 @@ bool frmSelfReportMain::getReport()
     return m_context.database.run(Icon::exclamation, [this](Connection& connection) {
         const WaitCursor waiting;
         const std::vector<ListedReport> reports = storedReports(connection);
+        m_warning->setText(QString::fromStdString(collationWarning(connection)));
         const QLocale locale = QLocale::system();
         m_vsf1->clearRows();
         for (const ListedReport& report : reports)

@@ -2,6 +2,8 @@
 #include <functional>
 #include <QDialog>
 
+class QLabel;
+
 namespace selfreport {
 
 class ListGrid;
@@ -41,6 +43,7 @@ private:
     ReportContext& m_context;
     std::function<void()> m_showDesigner;
     ListGrid* m_vsf1;
+    QLabel* m_warning; ///< what to know of the database; mostly empty
 };
 
 } // namespace selfreport

@@ -1,6 +1,7 @@
 #include "windows/printing/headerfooter.h"
 
 #include "platform/services/FontDialog.h"
+#include "reports/report_texts.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/needed_size.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -20,6 +21,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace selfreport {
 
@@ -51,6 +53,8 @@ void setOnGrid(PrintedGrid& grid, bool footer, const std::string& codes)
 
 void storeCodes(PrintedGrid& grid, Connection& connection, bool footer, const std::string& codes)
 {
+    if (const std::string problem = headerRefusal(connection, footer, codes); !problem.empty())
+        throw std::runtime_error(problem);
     changeStoredPageSetup(grid, connection, saveHeaderStatement(grid.context.report.id, footer), {codes});
     grid.headerStored(footer, codes);
 }

@@ -7,8 +7,12 @@ namespace selfreport {
 
 struct ProcedureCall;
 
-/// Why the call cannot be sent: the name of the first parameter whose text is longer than its size, and both
-/// lengths. Drivers cut such a text without a word, and a cut query yields wrong amounts.
-std::optional<DatabaseError> oversizedParameter(const ProcedureCall& call);
+/// Why the call cannot be sent: a parameter's text is longer than its size, which drivers cut without a word,
+/// or holds a character that the server would replace. Either yields wrong amounts.
+/// @param codePage  of the database; 0 if it is not known
+std::optional<DatabaseError> unfitParameter(const ProcedureCall& call, int codePage);
+
+/// Whether no code page can lack anything of the call's texts.
+bool hasOnlyAscii(const ProcedureCall& call);
 
 } // namespace selfreport

@@ -145,6 +145,20 @@ Recordset OdbcSession::query(std::string_view sql, std::span<const SqlValue> val
     return first ? std::move(*first) : Recordset();
 }
 
+const TextColumns& OdbcSession::textColumns()
+{
+    if (m_textColumns)
+        return *m_textColumns;
+    try {
+        m_textColumns = textColumnsOf(query(textColumnsStatement(), {}, BinaryColumns::left));
+    } catch (const ConnectionLost&) {
+        throw;
+    } catch (const DatabaseError&) {
+        m_textColumns.emplace(); // who may not read the catalogue is refused by the server, if at all
+    }
+    return *m_textColumns;
+}
+
 ProcedureResult OdbcSession::callAlone(const ProcedureCall& call)
 {
     ProcedureResult result;

@@ -1,4 +1,5 @@
 #pragma once
+#include "platform/database/dialect/text_columns.h"
 #include "platform/database/odbc/odbc_string.h"
 #include "platform/database/odbc/OdbcStatement.h"
 #include "platform/database/session/Session.h"
@@ -18,6 +19,7 @@ public:
     std::int64_t execute(std::string_view sql, std::span<const SqlValue> values) override;
     Recordset query(std::string_view sql, std::span<const SqlValue> values, BinaryColumns binaries) override;
     std::vector<ProcedureResult> callProcedures(std::span<const ProcedureCall> calls) override;
+    const TextColumns& textColumns() override;
     void begin() override;
     void commit() override { endTransaction(SQL_COMMIT); }
     void rollBack() override { endTransaction(SQL_ROLLBACK); }
@@ -42,7 +44,8 @@ private:
     int m_queryTimeout = 0;
     std::int64_t m_signsOfLife = 0;
     bool m_inTransaction = false;
-    bool m_isSpoiled = false; ///< a transaction did not end cleanly: not for reuse
+    std::optional<TextColumns> m_textColumns; ///< once they were asked for
+    bool m_isSpoiled = false;                 ///< a transaction did not end cleanly: not for reuse
     std::mutex m_runningMutex;
     Running* m_running = nullptr; ///< what cancel() stops
 };

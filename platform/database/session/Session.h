@@ -10,6 +10,8 @@
 
 namespace selfreport {
 
+struct TextColumns;
+
 /// One physical session of a provider. Used by one thread at a time; only cancel() may come from another.
 /// Failures throw DatabaseError, a broken session ConnectionLost.
 class Session {
@@ -25,6 +27,10 @@ public:
 
     /// One result for each call, in order. Calls do not spoil each other; texts fit their parameters.
     virtual std::vector<ProcedureResult> callProcedures(std::span<const ProcedureCall> calls) = 0;
+
+    /// What the database's text columns can hold. A server is asked once for the session; where it does not
+    /// say, nothing counts as limited.
+    virtual const TextColumns& textColumns() = 0;
 
     virtual void begin() = 0;
     virtual void commit() = 0;

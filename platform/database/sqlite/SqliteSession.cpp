@@ -1,5 +1,6 @@
 #include "platform/database/sqlite/SqliteSession.h"
 
+#include "platform/database/dialect/text_columns.h"
 #include "platform/database/session/DatabaseError.h"
 #include "platform/database/session/names.h"
 #include "platform/database/sqlite/binary_columns.h"
@@ -66,6 +67,12 @@ std::vector<ProcedureResult> SqliteSession::callProcedures(std::span<const Proce
     if (ownTransaction)
         m_statements.statement("commit").step();
     return results;
+}
+
+const TextColumns& SqliteSession::textColumns()
+{
+    static const TextColumns unlimited;
+    return unlimited;
 }
 
 void SqliteSession::begin()

@@ -17,6 +17,7 @@ public:
     std::int64_t execute(std::string_view sql, std::span<const SqlValue> values) override;
     Recordset query(std::string_view sql, std::span<const SqlValue> values, BinaryColumns binaries) override;
     std::vector<ProcedureResult> callProcedures(std::span<const ProcedureCall> calls) override;
+    const TextColumns& textColumns() override; ///< they hold everything
     void begin() override;
     void commit() override;
     void rollBack() override;

@@ -4,7 +4,9 @@
 #include "state/report_procedures.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/platform/WindowTest.h"
+#include "tests/tdsserver/TdsServer.h"
 
+#include <QLabel>
 #include <QPushButton>
 
 namespace selfreport {
@@ -161,6 +163,21 @@ TEST_F(ReportListWindow, WithoutAConnectionStringItSaysSoAndStaysEmpty)
     open();
     EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::critical, "", "数据库文件不存在或读取错误!"}}));
     EXPECT_EQ(list().rowCount(), 1);
+}
+
+TEST_F(ReportListWindow, ADatabaseThatCannotHoldChineseIsToldUnderTheList)
+{
+    tds::TdsServer server(ledger.file());
+    gConnString = server.connectionString();
+    for (const int codePage : {936, 1252, 65001}) {
+        closeIdleSessions();
+        server.codePage = codePage;
+        open();
+        const QString warning = control<QLabel>(*window, "lblWarning").text();
+        EXPECT_EQ(warning.contains("不能保存中文"), codePage == 1252) << codePage;
+    }
+    window.reset();
+    closeIdleSessions();
 }
 
 TEST_F(ReportListWindow, DeletionAsksDeletesBothRowsAndSaysSo)

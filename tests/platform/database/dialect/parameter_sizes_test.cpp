@@ -13,6 +13,7 @@ TEST(ParameterSizes, CountInTheServersCodePage)
         const char* what;
         std::string value;
         bool fits;
+        int codePage = 0; ///< not known
     };
     const Case cases[] = {
         {"ASCII", "0123456789", true},
@@ -23,11 +24,16 @@ TEST(ParameterSizes, CountInTheServersCodePage)
         {"rare and one more", "𠀀𠀀abc", false},
         {"broken text", std::string(10, '\xFF'), true},
         {"broken text too long", std::string(11, '\xFF'), false},
+        {"a character that the server has", "镕€é", true, 936},
+        {"one that it would replace", "a㐂", false, 936},
+        {"a server without Chinese", "一", false, 1252},
+        {"a server with everything", "㐂😀", true, 65001},
+        {"a page that nobody knows", "㐂", true, 77},
     };
     for (const Case& c : cases) {
         ProcedureCall call{"sp_p", {}};
         call.append("first", 5, "").append("fYear", 10, c.value);
-        const auto error = oversizedParameter(call);
+        const auto error = unfitParameter(call, c.codePage);
         EXPECT_EQ(!error, c.fits) << c.what;
         if (error) {
             EXPECT_NE(error->description.find("fYear"), std::string::npos);
