@@ -228,14 +228,6 @@ QRect CellGeometry::rectIn(const Pane& pane, const CellRange& range) const
             pixels(top + m_rows.length(range.top, range.bottom)) - y};
 }
 
-bool CellGeometry::isWhollyVisible(CellAddress cell) const
-{
-    const QRect rect = visibleRect({cell.column, cell.row, cell.column, cell.row});
-    const auto fits = [](int seen, int size, int room) { return seen >= std::min(size, room); };
-    return fits(rect.height(), m_rows.size(cell.row), scrolledArea().height()) &&
-           fits(rect.width(), m_columns.size(cell.column), scrolledArea().width());
-}
-
 int CellGeometry::rowAt(int y) const
 {
     const int inside = y - m_headingHeight;

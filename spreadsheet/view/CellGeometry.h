@@ -61,7 +61,6 @@ public:
     QRect visibleRect(const CellRange& range) const;
     /// A range's rectangle as a pane sees it: cut far outside of the pane only.
     QRect rectIn(const Pane& pane, const CellRange& range) const;
-    bool isWhollyVisible(CellAddress cell) const;
 
     /// The cell at a place of the widget; over headings and outside, the nearest one in sight.
     CellAddress nearestCell(QPoint place) const;

@@ -64,8 +64,6 @@ public:
     // Current position: where reads and writes of attributes go. It is not the active cell, and moving one
     // leaves the other.
     CellAddress current() const { return m_current; }
-    int currentColumn() const { return m_current.column; }
-    int currentRow() const { return m_current.row; }
     /// Places outside the sheet do nothing.
     void setCurrent(int column, int row);
 
@@ -86,7 +84,6 @@ public:
 
     // Looks
     const CellStyle& style() const { return sheet().style(m_current); }
-    CellType cellType() const { return style().type; }
     /// Type, decimals, font, alignment, colours, lock: changes the current cell's.
     void changeStyle(const std::function<void(CellStyle&)>& change);
     /// … and those of every cell of a range, as one undo step.

@@ -65,7 +65,6 @@ public:
     std::vector<FormulaToken> referencesAt(int selectionBegin, int selectionEnd) const;
 
 private:
-    void scan(int bodyBegin, const FormulaContext& context);
     void numberReferences();
     QStringView textOf(const FormulaToken& token) const
     {

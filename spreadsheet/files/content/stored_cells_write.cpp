@@ -143,13 +143,16 @@ std::vector<stored::Run> runsOf(const std::vector<Part>& parts, NumberOf numberO
 }
 
 /// The texts that few cells have: tags or shown texts.
-template <typename TextOf>
-std::vector<stored::CellText> cellTexts(const std::vector<Part>& parts, TextWriter& texts, TextOf textOf)
+std::vector<stored::CellText> cellTexts(const std::vector<Part>& parts, TextWriter& texts,
+                                        bool (CellBlock::*hasAny)() const,
+                                        Text (CellBlock::*textOf)(int) const)
 {
     std::vector<stored::CellText> written;
     for (const Part& part : parts) {
+        if (!(part.block->*hasAny)())
+            continue;
         for (int i = 0; i < part.count; ++i) {
-            const Text text = textOf(*part.block, part.first + i);
+            const Text text = (part.block->*textOf)(part.first + i);
             if (!text.empty())
                 written.emplace_back(static_cast<std::uint32_t>(part.firstRow + i), texts.number(text),
                                      static_cast<std::uint16_t>(part.column));
@@ -189,10 +192,10 @@ WrittenCells writeCells(flatbuffers::FlatBufferBuilder& builder, const Sheet& sh
                 first = last = {array->left, array->top};
             return writers.formulas.number(formula, first, last);
         }));
-    written.tags = builder.CreateVectorOfStructs(
-        cellTexts(parts, writers.texts, [](const CellBlock& block, int index) { return block.tag(index); }));
-    written.shownTexts = builder.CreateVectorOfStructs(cellTexts(
-        parts, writers.texts, [](const CellBlock& block, int index) { return block.shown(index); }));
+    written.tags =
+        builder.CreateVectorOfStructs(cellTexts(parts, writers.texts, &CellBlock::hasTags, &CellBlock::tag));
+    written.shownTexts = builder.CreateVectorOfStructs(
+        cellTexts(parts, writers.texts, &CellBlock::hasShown, &CellBlock::shown));
     return written;
 }
 

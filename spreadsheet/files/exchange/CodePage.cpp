@@ -8,20 +8,18 @@ namespace spreadsheet {
 
 namespace {
 
-/// Converts; `stray` is put for each byte that cannot be, or the conversion ends without a result.
-std::optional<std::string> converted(const char* to, const char* from, std::string_view text,
-                                     std::optional<std::string_view> stray)
+/// Converts; `stray` is put for each byte that cannot be. "" for an encoding that is not known.
+std::string converted(const char* to, const char* from, std::string_view text, std::string_view stray)
 {
     const iconv_t converter = iconv_open(to, from);
     if (converter == reinterpret_cast<iconv_t>(-1))
-        return std::nullopt;
+        return {};
     std::string result;
     std::array<char, 4096> buffer;
     std::string input(text);
     char* in = input.data();
     std::size_t left = input.size();
-    bool failed = false;
-    while (left > 0 && !failed) {
+    while (left > 0) {
         char* out = buffer.data();
         std::size_t room = buffer.size();
         const std::size_t done = iconv(converter, &in, &left, &out, &room);
@@ -29,17 +27,14 @@ std::optional<std::string> converted(const char* to, const char* from, std::stri
         result.append(buffer.data(), out);
         if (error == 0 || error == E2BIG)
             continue;
-        failed = !stray;
-        if (stray) {
-            result += *stray;
-            do { // the rest of a UTF-8 character goes with its first byte
-                ++in;
-                --left;
-            } while (left > 0 && std::string_view(from) == "UTF-8" && (*in & 0xC0) == 0x80);
-        }
+        result += stray;
+        do { // the rest of a UTF-8 character goes with its first byte
+            ++in;
+            --left;
+        } while (left > 0 && std::string_view(from) == "UTF-8" && (*in & 0xC0) == 0x80);
     }
     iconv_close(converter);
-    return failed ? std::nullopt : std::optional(std::move(result));
+    return result;
 }
 
 const char* nameOfNumber(int number)
@@ -70,17 +65,12 @@ CodePage::CodePage(int number)
 
 std::string CodePage::decoded(std::string_view bytes) const
 {
-    return converted("UTF-8", m_name.c_str(), bytes, "\uFFFD").value_or(std::string());
-}
-
-std::optional<std::string> CodePage::decodedIfValid(std::string_view bytes) const
-{
-    return converted("UTF-8", m_name.c_str(), bytes, std::nullopt);
+    return converted("UTF-8", m_name.c_str(), bytes, "\uFFFD");
 }
 
 std::string CodePage::encoded(std::string_view utf8) const
 {
-    return converted(m_name.c_str(), "UTF-8", utf8, "?").value_or(std::string());
+    return converted(m_name.c_str(), "UTF-8", utf8, "?");
 }
 
 } // namespace spreadsheet

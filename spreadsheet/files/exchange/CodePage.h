@@ -1,5 +1,4 @@
 #pragma once
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,8 +17,6 @@ public:
 
     /// UTF-8; bytes that mean nothing become U+FFFD.
     std::string decoded(std::string_view bytes) const;
-    /// Nothing if a byte means nothing.
-    std::optional<std::string> decodedIfValid(std::string_view bytes) const;
     /// From UTF-8; characters that the encoding lacks become "?".
     std::string encoded(std::string_view utf8) const;
 

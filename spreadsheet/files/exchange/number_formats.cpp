@@ -215,10 +215,4 @@ std::string formatCodeOf(const CellStyle& style)
     return code.empty() ? std::string(general) : code;
 }
 
-bool showsDate(std::string_view code)
-{
-    const CellHolds holds = cellTypeRow(typeOf(traitsOf(plainSpelling(code)))).holds;
-    return holds == CellHolds::days || holds == CellHolds::times;
-}
-
 } // namespace spreadsheet

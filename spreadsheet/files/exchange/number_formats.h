@@ -21,7 +21,4 @@ void applyFormatCode(std::string_view code, CellStyle& style);
 /// The code that shows a number as the style does.
 std::string formatCodeOf(const CellStyle& style);
 
-/// True if the code shows a number as a date or a time.
-bool showsDate(std::string_view code);
-
 } // namespace spreadsheet

@@ -78,7 +78,6 @@ private:
     void columnInfo(const XlsRecord& record);
     void mergedCells(const XlsRecord& record);
     void pane(const XlsRecord& record);
-    void defaultSizes(const XlsRecord& record);
     void setup(const XlsRecord& record);
     void breaks(const XlsRecord& record, std::map<int, bool>& starts) const;
     std::string headerText(const XlsRecord& record);
