@@ -49,9 +49,9 @@ std::set<int> inCode()
     const std::string header = textOf("spreadsheet/files/xls/records.h");
     const std::regex constant("\\b([a-zA-Z0-9]+) = 0x([0-9A-F]{4}),");
     std::string sources;
-    for (const char* name :
-         {"RecordStream", "RecordWriter", "SheetReader", "read_cells", "read_settings", "xls_read",
-          "SheetWriter", "write_cells", "write_notes", "xls_write", "XlsStyles", "list_checks", "LinkTable"})
+    for (const char* name : {"RecordStream", "RecordWriter", "SheetReader", "SheetReader_cells",
+                             "SheetReader_settings", "xls_read", "SheetWriter", "SheetWriter_cells",
+                             "write_notes", "xls_write", "XlsStyles", "list_checks", "LinkTable"})
         sources += textOf("spreadsheet/files/xls/" + std::string(name) + ".cpp");
     std::set<int> numbers;
     const std::string records = header.substr(0, header.find("version5"));
