@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/cells/Book.h"
+#include "spreadsheet/cells/stored_value.h"
 #include "spreadsheet/formula/Operand.h"
 
 #include <algorithm>
@@ -111,20 +112,7 @@ std::optional<CellError> useNumbers(const CellStretch& stretch, Use&& use)
 
 inline Value CellStretch::value(int index) const
 {
-    const Payload& payload = payloads[index];
-    switch (kinds[index]) {
-    case ValueKind::empty:
-        return {};
-    case ValueKind::number:
-        return payload.number;
-    case ValueKind::text:
-        return Text::share(payload.text);
-    case ValueKind::boolean:
-        return Value::boolean(payload.boolean);
-    case ValueKind::error:
-        return payload.error;
-    }
-    return {};
+    return storedValue(kinds[index], payloads[index]);
 }
 
 } // namespace spreadsheet

@@ -1,5 +1,7 @@
 #include "spreadsheet/cells/CellBlock.h"
 
+#include "spreadsheet/cells/stored_value.h"
+
 #include <algorithm>
 #include <cstring>
 #include <new>
@@ -110,20 +112,7 @@ bool CellBlock::allNumbers() const
 
 Value CellBlock::value(int index) const
 {
-    const Payload payload = m_payloads[index];
-    switch (m_kinds[index]) {
-    case ValueKind::empty:
-        return {};
-    case ValueKind::number:
-        return payload.number;
-    case ValueKind::text:
-        return Text::share(payload.text);
-    case ValueKind::boolean:
-        return Value::boolean(payload.boolean);
-    case ValueKind::error:
-        return payload.error;
-    }
-    return {};
+    return storedValue(m_kinds[index], m_payloads[index]);
 }
 
 void CellBlock::setValue(int index, Value value)

@@ -9,5 +9,6 @@
 #include "spreadsheet/cells/Column.h"
 #include "spreadsheet/cells/LiftedCells.h"
 #include "spreadsheet/cells/SheetSettings.h"
+#include "spreadsheet/cells/stored_value.h"
 #include "spreadsheet/cells/StylePool.h"
 #include "spreadsheet/cells/TextPool.h"

@@ -26,7 +26,7 @@ bool isNameCharacter(char c)
 
 bool isBlank(char c)
 {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+    return ascii::blanks.find(c) != ascii::blanks.npos;
 }
 
 /// Full-width signs that Chinese input methods produce, and what they stand for.

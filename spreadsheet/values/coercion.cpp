@@ -6,7 +6,9 @@
 #include "spreadsheet/values/decimal_text.h"
 #include "spreadsheet/values/folding.h"
 #include "spreadsheet/values/number_text.h"
+#include "text/ascii.h"
 
+#include <algorithm>
 #include <array>
 
 namespace spreadsheet {
@@ -74,8 +76,7 @@ std::optional<double> mixedFraction(std::string_view text)
                                       text.substr(slash + 1)};
     double numbers[3] = {};
     for (std::size_t i = 0; i < 3; ++i) {
-        const bool isDigits =
-            !parts[i].empty() && parts[i].find_first_not_of("0123456789") == std::string_view::npos;
+        const bool isDigits = !parts[i].empty() && std::ranges::all_of(parts[i], ascii::isDigit);
         const auto number = isDigits ? parseNumber(parts[i]) : std::nullopt;
         if (!number)
             return std::nullopt;

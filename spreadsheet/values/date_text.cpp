@@ -50,7 +50,7 @@ public:
     std::optional<Digits> digits()
     {
         Digits number;
-        while (!m_rest.empty() && m_rest[0] >= '0' && m_rest[0] <= '9' && number.count < 6) {
+        while (!m_rest.empty() && ascii::isDigit(m_rest[0]) && number.count < 6) {
             number.value = number.value * 10 + (m_rest[0] - '0');
             ++number.count;
             m_rest.remove_prefix(1);
@@ -63,7 +63,7 @@ public:
         double value = 0;
         if (!take("."))
             return 0;
-        for (double place = 0.1; !m_rest.empty() && m_rest[0] >= '0' && m_rest[0] <= '9'; place /= 10) {
+        for (double place = 0.1; !m_rest.empty() && ascii::isDigit(m_rest[0]); place /= 10) {
             value += place * (m_rest[0] - '0');
             m_rest.remove_prefix(1);
         }

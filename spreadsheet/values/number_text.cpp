@@ -28,7 +28,7 @@ std::optional<double> parseNumber(std::string_view text)
     if (text.starts_with('+'))
         text.remove_prefix(1);
     const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
-    if (digits.empty() || !(digits.front() == '.' || (digits.front() >= '0' && digits.front() <= '9')))
+    if (digits.empty() || !(digits.front() == '.' || ascii::isDigit(digits.front())))
         return std::nullopt; // from_chars would take "inf" and "nan"
     double number = 0;
     const auto [stop, failure] = std::from_chars(text.data(), text.data() + text.size(), number);

@@ -2,11 +2,17 @@
 
 #include "spreadsheet/files/exchange/number_formats.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <unordered_map>
 
 namespace spreadsheet {
+
+// Here a cell has entries of its own or those of its column; the files give one list to a rectangle of
+// cells. So writing joins cells and columns with equal entries into as few rectangles as it can, and reading
+// takes them apart again. A file may claim whole sheets for each of its lists, hence the count of cells that
+// reading makes is limited.
 
 namespace {
 
@@ -235,12 +241,7 @@ std::vector<std::string> listEntries(std::string_view text, char separator)
         return entries;
     for (std::size_t begin = 0;;) {
         const std::size_t end = text.find(separator, begin);
-        std::string_view entry = text.substr(begin, end - begin);
-        while (entry.starts_with(' '))
-            entry.remove_prefix(1);
-        while (entry.ends_with(' '))
-            entry.remove_suffix(1);
-        entries.emplace_back(entry);
+        entries.emplace_back(ascii::trimmed(text.substr(begin, end - begin), " "));
         if (end == std::string_view::npos)
             return entries;
         begin = end + 1;

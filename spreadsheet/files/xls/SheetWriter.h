@@ -56,6 +56,7 @@ private:
     bool formula(int row, const StoredCell& cell, std::uint32_t number);
     void formulaRecord(int row, const StoredCell& cell, const Value& value, Bytes tokens, Bytes extra);
     void arrayRecord(const CellRange& range, Bytes tokens, Bytes extra);
+    void endFormula(Bytes tokens, Bytes extra);
     void result(const Value& value);
     void window();
     void spans();

@@ -209,12 +209,7 @@ void SheetWriter::formulaRecord(int row, const StoredCell& cell, const Value& va
 {
     head(xls::formula, row, cell);
     result(value);
-    m_writer.put16(0);
-    m_writer.put32(0);
-    m_writer.put16(static_cast<unsigned>(tokens.size()));
-    m_writer.putBytes(tokens);
-    m_writer.putBytes(extra);
-    m_writer.end();
+    endFormula(tokens, extra);
 }
 
 void SheetWriter::arrayRecord(const CellRange& range, Bytes tokens, Bytes extra)
@@ -224,6 +219,12 @@ void SheetWriter::arrayRecord(const CellRange& range, Bytes tokens, Bytes extra)
     m_writer.put16(static_cast<unsigned>(range.bottom - 1));
     m_writer.put8(static_cast<unsigned>(range.left - 1));
     m_writer.put8(static_cast<unsigned>(range.right - 1));
+    endFormula(tokens, extra);
+}
+
+/// The end of a record that holds a formula.
+void SheetWriter::endFormula(Bytes tokens, Bytes extra)
+{
     m_writer.put16(0);
     m_writer.put32(0);
     m_writer.put16(static_cast<unsigned>(tokens.size()));

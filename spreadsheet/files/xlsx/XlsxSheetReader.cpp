@@ -10,6 +10,7 @@
 #include "spreadsheet/values/date_serial.h"
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/values/range_overlap.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -219,7 +220,7 @@ Value XlsxSheetReader::value(pugi::xml_node node, pugi::xml_node valueNode) cons
 
 Value XlsxSheetReader::numberValue(std::string_view text, bool isDate) const
 {
-    if (text.find_first_not_of(" \t\r\n") == std::string_view::npos)
+    if (ascii::trimmed(text).empty())
         return {};
     if (const std::optional<double> number = isDate ? dateOf(text) : fileNumber(text))
         return *number;

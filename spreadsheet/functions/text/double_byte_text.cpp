@@ -1,8 +1,8 @@
 // LENB, LEFTB and their kind, and the change between full and half width.
 #include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/calculation/wildcards.h"
 #include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/text/double_bytes.h"
+#include "spreadsheet/functions/text/text_parts.h"
 
 namespace spreadsheet {
 
@@ -21,40 +21,13 @@ Operand lengthInBytes(Call& call)
     return call.failed() ? call.error() : Operand(static_cast<double>(byteCount(text)));
 }
 
-Operand leftBytes(Call& call)
-{
-    const std::string text = call.text(0);
-    const int count = call.integer(1, 1);
-    if (call.failed())
-        return call.error();
-    return count < 0 ? Operand(CellError::value)
-                     : Operand(Value::text(bytesOf(text, 0, static_cast<std::size_t>(count))));
-}
-
-Operand rightBytes(Call& call)
-{
-    const std::string text = call.text(0);
-    const int count = call.integer(1, 1);
-    if (call.failed())
-        return call.error();
-    if (count < 0)
-        return CellError::value;
-    const std::size_t all = byteCount(text);
-    const std::size_t taken = std::min(all, static_cast<std::size_t>(count));
-    return Value::text(bytesOf(text, all - taken, taken));
-}
-
-Operand middleBytes(Call& call)
-{
-    const std::string text = call.text(0);
-    const int first = call.integer(1);
-    const int count = call.integer(2);
-    if (call.failed())
-        return call.error();
-    if (first < 1 || count < 0)
-        return CellError::value;
-    return Value::text(bytesOf(text, static_cast<std::size_t>(first) - 1, static_cast<std::size_t>(count)));
-}
+struct DoubleBytes {
+    static std::size_t count(std::string_view text) { return byteCount(text); }
+    static std::string part(std::string_view text, std::size_t first, std::size_t count)
+    {
+        return bytesOf(text, first, count);
+    }
+};
 
 Operand replacedBytes(Call& call)
 {
@@ -86,11 +59,7 @@ Operand bytePosition(Call& call)
     const std::size_t from =
         text.size() -
         std::min(text.size(), bytesOf(text, static_cast<std::size_t>(first) - 1, text.size() * 2).size());
-    std::optional<std::size_t> found;
-    if (withWildcards)
-        found = WildcardPattern(wanted).find(text, from);
-    else if (const std::size_t at = text.find(wanted, from); at != text.npos)
-        found = at;
+    const std::optional<std::size_t> found = placeOf(wanted, text, from, withWildcards);
     return found ? Operand(static_cast<double>(byteCount(std::string_view(text).substr(0, *found))) + 1)
                  : Operand(CellError::value);
 }
@@ -99,10 +68,12 @@ constexpr auto doubleByteTextFamily = FunctionFamily::text;
 
 const FunctionDescriptor doubleByteTextTable[] = {
     {"LENB", 1, 1, "v", doubleByteTextFamily, "文本", "返回文本的字节数，一个汉字计两个字节", lengthInBytes},
-    {"LEFTB", 1, 2, "vv", doubleByteTextFamily, "文本,[字节数]", "返回文本开头的若干字节", leftBytes},
-    {"RIGHTB", 1, 2, "vv", doubleByteTextFamily, "文本,[字节数]", "返回文本末尾的若干字节", rightBytes},
+    {"LEFTB", 1, 2, "vv", doubleByteTextFamily, "文本,[字节数]", "返回文本开头的若干字节",
+     leftPart<DoubleBytes>},
+    {"RIGHTB", 1, 2, "vv", doubleByteTextFamily, "文本,[字节数]", "返回文本末尾的若干字节",
+     rightPart<DoubleBytes>},
     {"MIDB", 3, 3, "vvv", doubleByteTextFamily, "文本,开始位置,字节数", "返回文本中从指定字节开始的若干字节",
-     middleBytes},
+     middlePart<DoubleBytes>},
     {"FINDB", 2, 3, "vvv", doubleByteTextFamily, "要找的文本,文本,[开始位置]",
      "返回一段文本在另一段文本中的字节位置，区分大小写", bytePosition<false>},
     {"SEARCHB", 2, 3, "vvv", doubleByteTextFamily, "要找的文本,文本,[开始位置]",

@@ -1,8 +1,8 @@
 #include "spreadsheet/calculation/Call.h"
-#include "spreadsheet/calculation/wildcards.h"
 #include "spreadsheet/display/number_format.h"
 #include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/text/double_bytes.h"
+#include "spreadsheet/functions/text/text_parts.h"
 #include "spreadsheet/values/characters.h"
 #include "spreadsheet/values/decimal.h"
 #include "spreadsheet/values/folding.h"
@@ -45,43 +45,15 @@ std::string_view unitsOf(std::string_view text, std::size_t first, std::size_t c
     return text.substr(begin, byteOfUnit(text.substr(begin), count));
 }
 
-Operand left(Call& call)
-{
-    const std::string text = call.text(0);
-    const int count = call.integer(1, 1);
-    if (call.failed())
-        return call.error();
-    if (count < 0)
-        return CellError::value;
-    return Value::text(unitsOf(text, 0, static_cast<std::size_t>(count)));
-}
+struct Units {
+    static std::size_t count(std::string_view text) { return unitCount(text); }
+    static std::string_view part(std::string_view text, std::size_t first, std::size_t count)
+    {
+        return unitsOf(text, first, count);
+    }
+};
 
-Operand right(Call& call)
-{
-    const std::string text = call.text(0);
-    const int count = call.integer(1, 1);
-    if (call.failed())
-        return call.error();
-    if (count < 0)
-        return CellError::value;
-    const std::size_t all = unitCount(text);
-    const auto taken = std::min(all, static_cast<std::size_t>(count));
-    return Value::text(unitsOf(text, all - taken, taken));
-}
-
-Operand middle(Call& call)
-{
-    const std::string text = call.text(0);
-    const int first = call.integer(1);
-    const int count = call.integer(2);
-    if (call.failed())
-        return call.error();
-    if (first < 1 || count < 0)
-        return CellError::value;
-    return Value::text(unitsOf(text, static_cast<std::size_t>(first - 1), static_cast<std::size_t>(count)));
-}
-
-/// FIND looks for the letters as they stand; SEARCH ignores letter case and takes wildcards.
+/// FIND and SEARCH.
 template <bool withWildcards>
 Operand position(Call& call)
 {
@@ -93,11 +65,7 @@ Operand position(Call& call)
     if (first < 1 || static_cast<std::size_t>(first) > unitCount(text) + 1)
         return CellError::value;
     const std::size_t from = byteOfUnit(text, static_cast<std::size_t>(first - 1));
-    std::optional<std::size_t> found;
-    if (withWildcards)
-        found = WildcardPattern(wanted).find(text, from);
-    else if (const std::size_t at = text.find(wanted, from); at != text.npos)
-        found = at;
+    const std::optional<std::size_t> found = placeOf(wanted, text, from, withWildcards);
     return found ? Operand(static_cast<double>(unitOfByte(text, *found)) + 1) : Operand(CellError::value);
 }
 
@@ -408,9 +376,10 @@ constexpr auto textFamily = FunctionFamily::text;
 const FunctionDescriptor textTable[] = {
     {"LEN", 1, 1, "v", textFamily, "文本", "返回文本的字符个数",
      ofText<[](std::string_view text) { return static_cast<double>(unitCount(text)); }>},
-    {"LEFT", 1, 2, "vv", textFamily, "文本,[字符数]", "返回文本开头的若干字符", left},
-    {"RIGHT", 1, 2, "vv", textFamily, "文本,[字符数]", "返回文本末尾的若干字符", right},
-    {"MID", 3, 3, "vvv", textFamily, "文本,开始位置,字符数", "返回文本中从指定位置开始的若干字符", middle},
+    {"LEFT", 1, 2, "vv", textFamily, "文本,[字符数]", "返回文本开头的若干字符", leftPart<Units>},
+    {"RIGHT", 1, 2, "vv", textFamily, "文本,[字符数]", "返回文本末尾的若干字符", rightPart<Units>},
+    {"MID", 3, 3, "vvv", textFamily, "文本,开始位置,字符数", "返回文本中从指定位置开始的若干字符",
+     middlePart<Units>},
     {"FIND", 2, 3, "vvv", textFamily, "要找的文本,文本,[开始位置]",
      "返回一段文本在另一段文本中的位置，区分大小写", position<false>},
     {"SEARCH", 2, 3, "vvv", textFamily, "要找的文本,文本,[开始位置]",
