@@ -14,6 +14,10 @@
 
 namespace spreadsheet {
 
+// A report may have thousands of pages. They are laid out together, since each must know where the one
+// before ended, but a page is drawn when it comes into sight, into a picture that scrolling reuses. What
+// changed in the workbook is seen by its revision when painting: nobody has to tell the preview.
+
 namespace {
 
 constexpr int gap = 12; // pixels around each page

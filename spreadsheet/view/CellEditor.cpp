@@ -15,6 +15,10 @@
 
 namespace spreadsheet {
 
+// Whether an arrow key moves within the text, ends the entry or points at a cell depends on how the entry
+// began and on what stands at the cursor. The editor decides that and asks for the rest by signals: it knows
+// its text and its place, and neither the sheet nor what follows when the text is refused.
+
 namespace {
 
 bool isMovingKey(int key)

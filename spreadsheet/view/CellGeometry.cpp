@@ -9,6 +9,10 @@
 
 namespace spreadsheet {
 
+// Painting, mouse, keys and editors must agree to the pixel on where a cell stands. So nobody else adds up
+// sizes: edges are rounded from the sum of all rows before, never row by row, which keeps neighbours without
+// gaps at every zoom and makes the place of a far row a look into sums instead of a walk.
+
 namespace {
 
 constexpr double pixelsPerTwip = 1 / twipsPerPixel; // at 100 %

@@ -9,6 +9,10 @@
 
 namespace spreadsheet {
 
+// What programs do with cells goes by a current position and an addressed sheet, which are not the user's
+// cursor and active sheet: a handler may write anywhere without moving what the user sees. Whoever shows the
+// cells is told that something changed, not what, and looks itself.
+
 CellOperations::CellOperations()
     : m_own(std::make_unique<Workbook>())
     , m_workbook(m_own.get())

@@ -15,6 +15,11 @@
 
 namespace spreadsheet {
 
+// A formula is written in two kinds of text edits, in a cell and in a line, and helped in both alike: so the
+// help sees the edit through a port and takes its keys by a filter, before the edit gets them. It looks at
+// the text anew after each change instead of following it, as an undo or an input method may have changed
+// anything.
+
 namespace {
 
 constexpr int shownNames = 10;

@@ -10,6 +10,11 @@
 
 namespace spreadsheet {
 
+// While it is written, a formula is wrong most of the time. The lexer that reads finished ones is asked
+// again behind each mistake, so that colours and hints agree with what the formula will mean, and what it
+// cannot read is a piece of its own. Places are UTF-16 units for the edits and bytes for the lexer; a table
+// of both is made once a text.
+
 namespace {
 
 constexpr int unknownSheet = -1; ///< an id that no sheet has

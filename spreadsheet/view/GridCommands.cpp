@@ -15,6 +15,11 @@
 
 namespace spreadsheet {
 
+// A command is the same whether a menu, a key or a program asks for it: an open entry is entered first, what
+// may not be is refused with a sentence, the change is one undo step, and what it did is brought into sight.
+// That frame stands here; the work itself is done in commands, which knows no widget and can be tested
+// without one.
+
 namespace {
 
 constexpr int marchInterval = 150; // milliseconds

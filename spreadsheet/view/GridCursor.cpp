@@ -9,6 +9,10 @@
 
 namespace spreadsheet {
 
+// Handlers of leaveCell may hold a move up, show a message, or change the sheet under it. So every way of
+// moving goes through one place, which asks before anything moves, looks anew at what is there afterwards,
+// and then moves cursor, selection and view together.
+
 GridCursor::GridCursor(SpreadsheetControl& control, SheetView& view)
     : m_control(control)
     , m_view(view)

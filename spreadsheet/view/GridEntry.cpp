@@ -16,6 +16,10 @@
 
 namespace spreadsheet {
 
+// An entry can end by a key, a click elsewhere, a command, another sheet or the end of the window, and each
+// may find the text refused. All of them come here: the editor says what became of its text, and only its
+// owner closes it, so no editor goes away while one of its own events is still being handled.
+
 GridEntry::GridEntry(SpreadsheetControl& control, SheetView& view)
     : m_control(control)
     , m_view(view)

@@ -15,6 +15,10 @@
 
 namespace spreadsheet {
 
+// What a movement of the mouse means is settled when the button goes down and holds until it is let go,
+// however far it goes and whatever comes under it: that is the one state kept here. Selecting beyond the
+// edge goes on by a timer, because a mouse that rests outside sends nothing.
+
 namespace {
 
 constexpr int edgeReach = 4; // pixels on either side of a heading's edge where it can be dragged

@@ -9,6 +9,11 @@
 
 namespace spreadsheet {
 
+// Painting a text costs more than all else, so cells are painted into a picture that scrolling turns and of
+// which only changed rows are done anew; selection, frames and marks change with every key and are painted
+// over it. What changed is found by comparing cells in sight with what was painted: no command can forget to
+// tell.
+
 namespace {
 
 constexpr int lineReach = 3; // pixels; no border of a row reaches farther into the next one

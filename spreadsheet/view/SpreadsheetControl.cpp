@@ -16,6 +16,10 @@
 
 namespace spreadsheet {
 
+// The widget only joins its parts: it lays them out, hands events to the one they concern and tells windows
+// what happened. Changes by program show with the next pass of the event loop, all at once, since a report
+// that is filled changes thousands of cells; what the user did shows at once.
+
 /// The operations by program, which the control shows.
 class SpreadsheetControl::Cells : public CellOperations {
 public:

@@ -10,6 +10,10 @@
 
 namespace spreadsheet {
 
+// A sheet of a million cells is saved while the user waits, so what lies densely is copied as it lies:
+// values block by block, looks and formulas as runs of one number. Only what few cells have is written cell
+// by cell, and blocks that have none of it are passed over.
+
 namespace {
 
 static_assert(std::endian::native == std::endian::little, "payloads are written as they lie in memory");

@@ -8,6 +8,10 @@
 
 namespace spreadsheet {
 
+// Such a file is a small disk: sectors, chained by tables that are chained themselves. Any number in it may
+// be wrong or made to do harm, so chains are followed no longer than there are sectors, and a file that ends
+// early is refused with the reason instead of read as far as it goes.
+
 namespace {
 
 constexpr std::array<unsigned char, 8> signature{0xD0, 0xCF, 0x11, 0xE0, 0xA1, 0xB1, 0x1A, 0xE1};

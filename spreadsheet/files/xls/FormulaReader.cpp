@@ -18,6 +18,11 @@ namespace spreadsheet {
 
 using namespace xls;
 
+// Tokens become a formula's text, not code of ours: then there is one way into the sheet, which checks what
+// a typed formula is checked for, and the user sees the formula as it will be stored. Tokens keep brackets
+// and most blanks, so the text is put together from a stack of texts. What a token means that we do not know
+// cannot be guessed: its formula gives way to the value that the file has beside it.
+
 namespace {
 
 std::string numberText(double number)

@@ -10,6 +10,10 @@
 
 namespace spreadsheet {
 
+// Formulas name sheets and names by number before these are all known, so the records ahead of the sheets
+// are read whole, then sheets and names are made, and only then cells are read. Every sheet is found by its
+// offset: what stands between them is not ours and may be anything.
+
 namespace {
 
 constexpr std::uint16_t bare2 = 0x0009, bare3 = 0x0209, bare4 = 0x0409;

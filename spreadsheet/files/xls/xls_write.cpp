@@ -15,6 +15,10 @@
 
 namespace spreadsheet {
 
+// The first records tell where each sheet begins and which fonts, looks and texts there are, but only
+// writing the sheets shows that. So the sheets are written first, into a stream of their own, and joined
+// behind the rest.
+
 namespace {
 
 void requireSize(const Sheet& sheet)
@@ -53,7 +57,6 @@ public:
 
     std::vector<std::byte> write()
     {
-        // Sheets first: only they tell which styles, texts and links the part before them must hold.
         std::vector<std::vector<std::byte>> sheets;
         for (int sheet = 1; sheet <= m_parts.workbook.sheetCount(); ++sheet) {
             RecordWriter writer;

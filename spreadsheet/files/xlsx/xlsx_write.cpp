@@ -14,6 +14,10 @@
 
 namespace spreadsheet {
 
+// Parts of the archive refer to each other by name, and strict programs refuse a file with one reference too
+// many or too few. So all names of parts and all relations between them are written here, and the rest only
+// writes what stands inside.
+
 namespace {
 
 constexpr std::string_view sheetStart = "worksheets/sheet", notesStart = "comments",

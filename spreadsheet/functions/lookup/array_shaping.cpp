@@ -11,6 +11,10 @@
 
 namespace spreadsheet {
 
+// Most of these functions do the same to rows or to columns, as an argument says. They are written once, for
+// lines, and work out which lines stand where before a single value is copied; results can be as large as
+// the sheet, so every one pays for its elements before it makes them.
+
 namespace {
 
 using SharedArray = std::shared_ptr<const Array>;

@@ -9,6 +9,10 @@
 
 namespace spreadsheet {
 
+// What browsers and office programs put on the clipboard is called HTML and seldom is: tags are left open,
+// tables stand in cells, merged cells reach beyond the last row. So this reads a stream of tags and keeps of
+// each table where the next cell goes, builds no tree and refuses only what does not fit onto a sheet.
+
 namespace {
 
 /// A count such as that of `colspan`, at least 1 and at most `limit`.

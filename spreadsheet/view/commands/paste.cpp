@@ -7,6 +7,11 @@
 
 namespace spreadsheet {
 
+// A paste must be whole or not at all, and the user asked to be told before. So it is planned first: where
+// the block goes, how often, and what stands in the way (merged cells, array formulas, the end of the
+// sheet). Cells of ours bring everything along; foreign ones are taken as if typed, as only the user's rules
+// say what their texts mean.
+
 namespace {
 
 /// True if the goal is a single cell that stands for a whole merged one: its content changes, it stays.
