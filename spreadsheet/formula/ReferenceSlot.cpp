@@ -19,7 +19,7 @@ void appendColumn(AxisPoint point, int base, std::uint8_t lowerCase, std::string
     std::string letters = columnName(point.at(base));
     for (std::size_t i = 0; i < letters.size(); ++i) {
         if (lowerCase >> i & 1)
-            letters[i] = static_cast<char>(letters[i] | 0x20);
+            letters[i] = ascii::lower(letters[i]);
     }
     text += letters;
 }

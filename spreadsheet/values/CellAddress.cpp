@@ -1,5 +1,7 @@
 #include "spreadsheet/values/CellAddress.h"
 
+#include "text/ascii.h"
+
 #include <algorithm>
 #include <charconv>
 
@@ -25,7 +27,7 @@ std::optional<int> parseColumnName(std::string_view letters)
         return std::nullopt;
     int column = 0;
     for (const char letter : letters) {
-        const char upper = static_cast<char>(letter & ~0x20);
+        const char upper = ascii::upper(letter);
         if (upper < 'A' || upper > 'Z')
             return std::nullopt;
         column = column * 26 + (upper - 'A' + 1);

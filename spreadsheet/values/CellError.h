@@ -1,4 +1,6 @@
 #pragma once
+#include "text/ascii.h"
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -20,15 +22,9 @@ constexpr std::string_view errorText(CellError error)
 /// The error that a text names (letter case ignored), if it names one.
 constexpr std::optional<CellError> parseErrorText(std::string_view text)
 {
-    const auto upper = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; };
-    for (std::size_t code = 0; code < cellErrorTexts.size(); ++code) {
-        const std::string_view candidate = cellErrorTexts[code];
-        bool same = candidate.size() == text.size();
-        for (std::size_t i = 0; same && i < text.size(); ++i)
-            same = upper(text[i]) == candidate[i];
-        if (same)
+    for (std::size_t code = 0; code < cellErrorTexts.size(); ++code)
+        if (ascii::equalFolded(text, cellErrorTexts[code]))
             return static_cast<CellError>(code);
-    }
     return std::nullopt;
 }
 

@@ -1,6 +1,7 @@
 #include "spreadsheet/files/exchange/number_formats.h"
 
 #include "spreadsheet/display/cell_types.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -112,7 +113,7 @@ Traits traitsOf(std::string_view code)
     Traits traits;
     for (std::size_t i = 0; i < code.size() && code[i] != ';'; ++i) {
         const std::string_view rest = code.substr(i);
-        const char c = static_cast<char>(code[i] | 0x20);
+        const char c = ascii::lower(code[i]);
         if (rest.starts_with("￥") || rest.starts_with("¥") || rest.starts_with("[$¥") ||
             rest.starts_with("[$￥") || rest.starts_with("$") || rest.starts_with("[$$"))
             traits.currency = true;

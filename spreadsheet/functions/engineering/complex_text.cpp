@@ -3,6 +3,7 @@
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/values/decimal_text.h"
 #include "spreadsheet/values/number_text.h"
+#include "text/ascii.h"
 
 namespace spreadsheet {
 
@@ -17,7 +18,7 @@ bool isSign(char c)
 std::size_t imaginaryStart(std::string_view text)
 {
     for (std::size_t i = text.size(); i-- > 1;) {
-        if (isSign(text[i]) && (text[i - 1] | 0x20) != 'e')
+        if (isSign(text[i]) && ascii::lower(text[i - 1]) != 'e')
             return i;
     }
     return 0;
