@@ -14,8 +14,9 @@ using spreadsheet::HorizontalAlignment;
 using spreadsheet::LineStyle;
 using spreadsheet::Text;
 
-constexpr int twipsPerTenth = 144; // of an inch
-constexpr int sideWidth = 1440;    // twips for the text at the left under the title
+constexpr int twipsPerTenth = static_cast<int>(spreadsheet::twipsPerInch / 10); // of an inch
+constexpr int sideWidth =
+    static_cast<int>(spreadsheet::twipsPerInch); // twips for the text at the left under the title
 constexpr int titleHeight = 600;
 constexpr int rowHeight = 280; // 25 rows of a balance sheet fit on one landscape page
 constexpr spreadsheet::Colour headingGrey = 0xE7E6E6;

@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/values/CellAddress.h"
+#include "spreadsheet/values/twips.h"
 
 #include <map>
 #include <memory>
@@ -8,11 +9,6 @@
 #include <vector>
 
 namespace spreadsheet {
-
-// The unit of sizes on paper and screen.
-inline constexpr double twipsPerInch = 1440;
-inline constexpr double twipsPerPoint = 20;
-inline constexpr double twipsPerPixel = 15; ///< at 96 pixels an inch
 
 inline constexpr int defaultColumnWidth = 1080; ///< twips (1/1440 inch)
 inline constexpr int defaultRowHeight = 285;    ///< twips

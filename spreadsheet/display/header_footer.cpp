@@ -1,5 +1,7 @@
 #include "spreadsheet/display/header_footer.h"
 
+#include "spreadsheet/values/twips.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -148,7 +150,7 @@ std::vector<HeaderLine> readHeaderFooter(std::string_view codes)
 
 int headerLineHeight(const HeaderLine& line)
 {
-    return static_cast<int>(std::lround(line.points * 20 * lineSpacing));
+    return static_cast<int>(std::lround(line.points * twipsPerPoint * lineSpacing));
 }
 
 int headerHeight(const std::vector<HeaderLine>& lines)

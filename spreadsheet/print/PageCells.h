@@ -33,7 +33,7 @@ struct PageSpan {
 struct TrackLengths {
     std::function<int(int first, int last)> rows; ///< of the rows first..last, hidden ones taking none
     std::function<int(int first, int last)> columns;
-    int farthestText = 10 * 1440; ///< no text of one line reaches farther
+    int farthestText = static_cast<int>(10 * twipsPerInch); ///< no text of one line reaches farther
 };
 
 /// Those of a sheet in twips. The sheet must outlive them.

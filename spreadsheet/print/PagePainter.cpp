@@ -101,7 +101,7 @@ void PagePainter::paintHeading(QPainter& painter, const PageBox& box, const QStr
         return;
     const FontRequest request;
     const TextLine line = m_text.lines(text, m_text.font(request)).front();
-    const double em = request.points * 20;
+    const double em = request.points * twipsPerPoint;
     const double top = box.top + (box.height - em * lineDistance) / 2;
     m_text.draw(painter, {box.left + (box.width - line.width) / 2, top + baselineInLine * em}, line,
                 Qt::black);
@@ -122,7 +122,7 @@ void PagePainter::paintHeaderLines(QPainter& painter, const std::vector<HeaderLi
 {
     double lineTop = top;
     for (const HeaderLine& line : lines) {
-        const double em = line.points * 20;
+        const double em = line.points * twipsPerPoint;
         const double baseline =
             lineTop + (headerLineHeight(line) - em * lineDistance) / 2 + baselineInLine * em;
         paintHeaderLine(painter, line, baseline, pageNumber);
@@ -148,7 +148,7 @@ void PagePainter::paintHeaderLine(QPainter& painter, const HeaderLine& line, dou
         for (std::size_t i = 0; i < pieces[part].size(); ++i) {
             const HeaderFont& font = line.parts[part][i].font;
             m_text.draw(painter, {left, 0}, pieces[part][i], Qt::black);
-            drawDecoration(painter, {left, 0}, pieces[part][i].width, font.points * 20,
+            drawDecoration(painter, {left, 0}, pieces[part][i].width, font.points * twipsPerPoint,
                            {font.underline, font.strikeThrough}, Qt::black);
             left += pieces[part][i].width;
         }

@@ -106,7 +106,7 @@ void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const R
     if (cell.isFigure && widest(lines) > inner + figureSlack * twip)
         lines = m_text.lines(numberSigns(m_text, font, inner), font);
 
-    const double em = style.font.points * 20 * twip;
+    const double em = style.font.points * twipsPerPoint * twip;
     const double height = em * lineDistance * static_cast<double>(lines.size());
     const double width = widest(lines);
     const double left = leftOf(cell.alignment, box.left + padding, box.right() - padding, width);

@@ -1,5 +1,7 @@
 #include "spreadsheet/print/print_fonts.h"
 
+#include "spreadsheet/values/twips.h"
+
 #include <QFontDatabase>
 
 #include <algorithm>
@@ -82,7 +84,7 @@ const QStringList& PrintFonts::families(std::string_view family)
 
 const QFont& PrintFonts::font(const FontRequest& request)
 {
-    const int pixels = std::max(static_cast<int>(std::lround(request.points * 20 * m_twip)), 1);
+    const int pixels = std::max(static_cast<int>(std::lround(request.points * twipsPerPoint * m_twip)), 1);
     Key key(request.family, pixels, request.bold, request.italic);
     if (const auto known = m_fonts.find(key); known != m_fonts.end())
         return known->second;

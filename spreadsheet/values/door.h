@@ -23,4 +23,5 @@
 #include "spreadsheet/values/range_overlap.h"
 #include "spreadsheet/values/Refusal.h"
 #include "spreadsheet/values/Text.h"
+#include "spreadsheet/values/twips.h"
 #include "spreadsheet/values/Value.h"

@@ -1,6 +1,7 @@
 #pragma once
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/values/CellAddress.h"
+#include "spreadsheet/values/twips.h"
 #include "spreadsheet/view/AxisPositions.h"
 
 #include <QRect>
@@ -74,7 +75,7 @@ private:
     void keepFull();
 
     AxisPositions m_rows, m_columns;
-    double m_twip = 1.0 / 15;
+    double m_twip = 1 / twipsPerPixel;
     QSize m_area;
     int m_frozenRows = 0, m_frozenColumns = 0;
     int m_frozenHeight = 0, m_frozenWidth = 0;

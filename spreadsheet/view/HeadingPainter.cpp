@@ -35,7 +35,7 @@ HeadingState stateOf(const Selection& selection, const CellGeometry& geometry, i
 
 HeadingPainter::HeadingPainter(double zoom)
     : m_zoom(std::max(zoom, 0.6))
-    , m_text(nullptr, m_zoom / 15)
+    , m_text(nullptr, m_zoom / twipsPerPixel)
 {
     m_text.keepLines();
 }
@@ -86,7 +86,7 @@ void HeadingPainter::paintOne(QPainter& painter, const QRect& rect, const QStrin
         return;
     const FontRequest request{"黑体", 9, state == whole, false};
     const TextLine laidOut = m_text.lines(label, m_text.font(request)).front();
-    const double em = request.points * 20 * m_text.twip();
+    const double em = request.points * twipsPerPoint * m_text.twip();
     const double top = rect.top() + (rect.height() - 1 - em * lineDistance) / 2;
     const bool isCut = laidOut.width > rect.width() || em * lineDistance > rect.height();
     if (isCut) {

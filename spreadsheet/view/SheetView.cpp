@@ -23,7 +23,7 @@ constexpr int lineReach = 3; // pixels; no border of a row reaches farther into 
 SheetView::SheetView(QWidget& widget, Workbook& workbook)
     : m_widget(widget)
     , m_workbook(&workbook)
-    , m_cells(1.0 / 15)
+    , m_cells(1 / twipsPerPixel)
     , m_headings(1)
 {
     showSheet();
@@ -77,7 +77,7 @@ void SheetView::measure()
 void SheetView::setZoom(double zoom)
 {
     m_zoom = zoom;
-    m_cells = CellPainter(zoom / 15);
+    m_cells = CellPainter(zoom / twipsPerPixel);
     m_headings = HeadingPainter(zoom);
     measure();
     repaintAll();

@@ -37,7 +37,8 @@ int neededRowHeight(const Sheet& sheet, int row)
             QString::fromUtf8(shown),
             text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic}),
             style.wrap ? std::optional(width) : std::nullopt);
-        needed = std::max(needed, style.font.points * 20 * lineDistance * static_cast<double>(lines.size()) +
+        needed = std::max(needed, style.font.points * twipsPerPoint * lineDistance *
+                                          static_cast<double>(lines.size()) +
                                       paddingDown);
     }
     return std::min(static_cast<int>(std::ceil(needed)), maxLineSize);
@@ -59,7 +60,7 @@ int neededColumnWidth(const Sheet& sheet, int column)
             const QString shown = QString::fromUtf8(sheet.displayText(cell));
             // Laying out takes long: only texts that may be the widest. No character is wider than the font
             // is high.
-            if (style.font.points * 20 * static_cast<double>(shown.size()) * 1.1 < needed)
+            if (style.font.points * twipsPerPoint * static_cast<double>(shown.size()) * 1.1 < needed)
                 continue;
             const QFont& font =
                 text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic});

@@ -1,6 +1,6 @@
 #include "spreadsheet/files/exchange/column_widths.h"
 
-#include "spreadsheet/cells/SheetSettings.h"
+#include "spreadsheet/values/twips.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,7 +15,7 @@ constexpr double mostDigits = 256;
 
 double digitPixels(std::string_view family, double points)
 {
-    const double em = std::round(points * 96 / 72);
+    const double em = std::round(points * twipsPerPoint / twipsPerPixel);
     bool chinese = false;
     for (const char c : family)
         chinese |= static_cast<unsigned char>(c) >= 0x80;

@@ -1,6 +1,7 @@
 #include "spreadsheet/files/text/html.h"
 
 #include "spreadsheet/values/html_escape.h"
+#include "spreadsheet/values/twips.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
@@ -21,9 +22,10 @@ std::string colourText(Colour colour)
 
 std::string pointsText(int twips)
 {
-    std::string text = std::to_string(twips / 20);
-    if (twips % 20 != 0)
-        text += "." + std::to_string(100 + twips % 20 * 5).substr(1);
+    constexpr int perPoint = static_cast<int>(twipsPerPoint);
+    std::string text = std::to_string(twips / perPoint);
+    if (twips % perPoint != 0)
+        text += "." + std::to_string(100 + twips % perPoint * 100 / perPoint).substr(1);
     return text + "pt";
 }
 
@@ -64,7 +66,7 @@ std::string fontCss(const CellFont& font)
     std::string css = "font:";
     css += font.italic ? "italic " : "";
     css += font.bold ? "bold " : "";
-    css += pointsText(static_cast<int>(std::lround(font.points * 20))) + " '";
+    css += pointsText(static_cast<int>(std::lround(font.points * twipsPerPoint))) + " '";
     for (const char c : font.family.empty() ? std::string_view("宋体") : font.family.view())
         css += std::string_view("'\\<>;{}").find(c) == std::string_view::npos ? c : ' ';
     css += "';";

@@ -26,7 +26,8 @@ SheetReader::SheetReader(Workbook& workbook, Sheet& sheet, XlsGlobals& globals)
 {
     const CellFont font = globals.styles.defaultFont();
     m_digitPixels = digitPixels(font.family.view(), font.points);
-    m_settings.print.marginTop = m_settings.print.marginBottom = 1440; // of a file that names none
+    m_settings.print.marginTop = m_settings.print.marginBottom =
+        static_cast<int>(twipsPerInch); // of a file that names none
     m_settings.print.marginLeft = m_settings.print.marginRight = 1080;
 }
 

@@ -4,6 +4,7 @@
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
 #include "spreadsheet/files/xls/records.h"
+#include "spreadsheet/values/twips.h"
 
 #include <algorithm>
 
@@ -48,7 +49,7 @@ VerticalAlignment verticalOf(unsigned code)
 void StyleTable::readFont(const XlsRecord& record, const CodePage& codePage)
 {
     Font font;
-    font.look.points = std::clamp(static_cast<float>(record.wordAt(0)) / 20, 1.0f, 409.0f);
+    font.look.points = std::clamp(static_cast<float>(record.wordAt(0) / twipsPerPoint), 1.0f, 409.0f);
     const std::uint16_t flags = record.wordAt(2);
     font.look.italic = flags & 0x02;
     font.look.strikeThrough = flags & 0x08;

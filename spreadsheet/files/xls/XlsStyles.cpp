@@ -5,6 +5,7 @@
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
 #include "spreadsheet/files/xls/records.h"
+#include "spreadsheet/values/twips.h"
 
 #include <algorithm>
 #include <cmath>
@@ -116,7 +117,7 @@ std::uint16_t XlsStyles::cellFormat(std::uint32_t style)
 void XlsStyles::writeFont(RecordWriter& writer, const Font& font)
 {
     writer.begin(xls::font);
-    writer.put16(static_cast<unsigned>(std::lround(font.look.points * 20)));
+    writer.put16(static_cast<unsigned>(std::lround(font.look.points * twipsPerPoint)));
     writer.put16((font.look.italic ? 2u : 0u) | (font.look.strikeThrough ? 8u : 0u));
     writer.put16(font.colour);
     writer.put16(font.look.bold ? 700 : 400);
