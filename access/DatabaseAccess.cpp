@@ -70,6 +70,8 @@ bool DatabaseAccess::done(Icon icon, const std::function<void()>& work)
         return true;
     } catch (const DatabaseNotOpened& error) {
         tell(Icon::critical, error.what());
+    } catch (const OpeningFailed& error) {
+        tell(Icon::critical, openingFailureText(error.number));
     } catch (const std::exception& error) {
         tell(icon, failures::sentenceOf(error));
     }

@@ -192,9 +192,18 @@ std::vector<std::optional<LedgerAnswer>> fetchLedger(Connection& connection,
     std::vector<AccountExpression> expressions;
     for (const LedgerArguments& fetch : fetches)
         expressions.push_back(parseAccountExpression(fetch.account));
-    const ItemTables known = itemTablesOf(connection, classNamesOf(expressions));
-
     std::vector<LedgerAnswer> answers(fetches.size());
+    ItemTables known;
+    try {
+        known = itemTablesOf(connection, classNamesOf(expressions));
+    } catch (const DatabaseError& error) {
+        if (!error.isTimeOut)
+            throw;
+        for (LedgerAnswer& answer : answers) // each alone would be waited for as long
+            answer.failure = failures::sentenceOf(error);
+        return {answers.begin(), answers.end()};
+    }
+
     std::vector<ProcedureCall> calls;
     for (std::size_t i = 0; i < fetches.size(); ++i) {
         std::vector<std::optional<std::string>> itemTables;
@@ -209,7 +218,7 @@ std::vector<std::optional<LedgerAnswer>> fetchLedger(Connection& connection,
     const std::vector<ProcedureResult> results = connection.callProcedures(calls);
     std::vector<std::optional<LedgerAnswer>> succeeded(fetches.size());
     for (std::size_t i = 0; i < fetches.size(); ++i) {
-        if (results[i].error)
+        if (results[i].error && !results[i].error->isTimeOut)
             continue;
         takeResult(answers[i], results[i]);
         succeeded[i] = std::move(answers[i]);

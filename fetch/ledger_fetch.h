@@ -62,7 +62,8 @@ ProcedureCall ledgerProcedureCall(const LedgerArguments& arguments, std::string 
 std::optional<double> ledgerAmount(const ProcedureResult& result);
 
 /// Fetches many at once: the item classes with one statement, the procedure calls as batches. One answer for
-/// each; nothing for a call that failed, which is then to be fetched alone. @throws DatabaseError
+/// each; nothing for a call that failed, which is then to be fetched alone. A round trip that ran out of time
+/// is the answer of all its calls. @throws DatabaseError
 std::vector<std::optional<LedgerAnswer>> fetchLedger(Connection& connection,
                                                      std::span<const LedgerArguments> fetches);
 

@@ -32,6 +32,8 @@ bool metAnother(const std::function<void()>& attempt, bool mayRepeat)
         return false;
     } catch (const CommitFailed&) {
         throw; // tells the outcome itself
+    } catch (const OpeningFailed&) {
+        throw;
     } catch (const RepeatableError& error) {
         if (mayRepeat)
             return true;
@@ -125,6 +127,8 @@ void ReportStore::remove(std::int32_t id)
         removeReport(*opened, id);
     } catch (const CommitFailed&) {
         throw; // tells the outcome itself
+    } catch (const OpeningFailed&) {
+        throw;
     } catch (const std::exception& error) {
         throw ReportNotDeleted("报表没有删除。\n" + failures::sentenceOf(error));
     }

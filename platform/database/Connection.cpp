@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <type_traits>
 #include <utility>
 
 namespace selfreport {
@@ -29,44 +31,124 @@ std::unique_ptr<Session> countedSession(std::string_view connectionString)
     return openSession(connectionString);
 }
 
+void requireInStep(bool isInStep)
+{
+    if (!isInStep) // an answer that nobody had read
+        throw ConnectionLost(unspecifiedError, "数据库的应答与请求不符");
+}
+
+bool gaveRows(const Recordset& rows)
+{
+    return rows.columnCount() > 0;
+}
+
+bool gaveRows(const std::vector<ProcedureResult>& results)
+{
+    return results.empty() || results[0].error || results[0].rows || results[0].returnValue != -1;
+}
+
 } // namespace
 
 std::unique_ptr<Connection> openConnection(std::string_view connectionString)
 {
     const std::string key(connectionString);
-    std::unique_ptr<Session> session = SessionPool::instance().take(key);
-    const bool reused = session != nullptr;
-    if (!reused)
-        session = countedSession(connectionString);
+    SessionPool::Taken taken = SessionPool::instance().take(key);
+    const bool isUnproven = taken.session && !taken.hasAnswered;
+    if (!taken.session)
+        taken.session = countedSession(connectionString);
     ++counters.opens;
-    return std::unique_ptr<Connection>(new Connection(key, std::move(session), reused));
+    return std::unique_ptr<Connection>(new Connection(key, std::move(taken.session), isUnproven));
 }
 
-Connection::Connection(std::string connectionString, std::unique_ptr<Session> session, bool reused)
+Connection::Connection(std::string connectionString, std::unique_ptr<Session> session, bool isUnproven)
     : m_connectionString(std::move(connectionString))
     , m_session(std::move(session))
-    , m_unproven(reused)
+    , m_isUnproven(isUnproven)
 {
 }
 
 Connection::~Connection()
 {
     ++counters.closes;
-    SessionPool::instance().giveBack(m_connectionString, std::move(m_session));
+    if (!m_isCut)
+        SessionPool::instance().giveBack(m_connectionString, std::move(m_session),
+                                         m_hasFailed || m_isCancelled);
 }
 
-/// An idle session may have died since, or still hold an answer that nobody read. Work is not sent twice, so
-/// the session is asked for a sign of life before its first use.
-Session& Connection::provenSession()
+void Connection::refuseIfCut() const
 {
-    if (std::exchange(m_unproven, false) && !m_session->answers())
-        m_session = countedSession(m_connectionString);
-    return *m_session;
+    if (m_isCut)
+        throw ConnectionLost(unspecifiedError, "操作已取消，与数据库的连接已断开");
+}
+
+/// Where the session is replaced it was found gone: nothing of this connection has been done on it.
+void Connection::renewSession()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        refuseIfCut();
+    }
+    std::unique_ptr<Session> fresh;
+    try {
+        fresh = countedSession(m_connectionString);
+    } catch (const DatabaseError& error) {
+        throw OpeningFailed(error.number, error.description);
+    }
+    if (m_longestWait.count() > 0)
+        fresh->limitWaits(m_longestWait);
+    const std::lock_guard lock(m_mutex);
+    refuseIfCut();
+    m_session = std::move(fresh);
+}
+
+/// Whatever is done on the session.
+template <class Work>
+auto Connection::guarded(const Work& work) -> decltype(work())
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        refuseIfCut();
+    }
+    try {
+        return work();
+    } catch (const DatabaseError&) {
+        m_hasFailed = true;
+        throw;
+    }
+}
+
+/// What may be done twice. A session that lay idle may turn out to be gone, and then another does it.
+template <class Work>
+auto Connection::reading(const Work& work) -> decltype(work())
+{
+    return guarded([&] {
+        if (!std::exchange(m_isUnproven, false))
+            return work();
+        try {
+            if constexpr (std::is_void_v<decltype(work())>) {
+                return work();
+            } else {
+                auto result = work();
+                requireInStep(gaveRows(result));
+                return result;
+            }
+        } catch (const ConnectionLost& error) {
+            if (error.isTimeOut)
+                throw;
+        }
+        renewSession();
+        return work();
+    });
 }
 
 std::int64_t Connection::execute(std::string_view sql, std::span<const SqlValue> values)
 {
-    return provenSession().execute(sql, values);
+    return guarded([&] {
+        // A change whose answer does not come may have been made: nobody could send it again.
+        if (std::exchange(m_isUnproven, false) && !m_session->answers())
+            renewSession();
+        return m_session->execute(sql, values);
+    });
 }
 
 std::int64_t Connection::execute(std::string_view sql, std::initializer_list<SqlValue> values)
@@ -76,7 +158,7 @@ std::int64_t Connection::execute(std::string_view sql, std::initializer_list<Sql
 
 Recordset Connection::query(std::string_view sql, std::span<const SqlValue> values, BinaryColumns binaries)
 {
-    return provenSession().query(sql, values, binaries);
+    return reading([&] { return m_session->query(sql, values, binaries); });
 }
 
 Recordset Connection::query(std::string_view sql, std::initializer_list<SqlValue> values,
@@ -118,9 +200,11 @@ std::vector<ProcedureResult> Connection::callProcedures(std::span<const Procedur
         places.push_back(at);
     }
     try {
-        auto answers = provenSession().callProcedures(sent);
-        for (std::size_t at = 0; at < places.size(); ++at)
+        auto answers = reading([&] { return m_session->callProcedures(sent); });
+        for (std::size_t at = 0; at < places.size(); ++at) {
+            m_hasFailed = m_hasFailed || answers[at].error;
             results[places[at]] = std::move(answers[at]);
+        }
     } catch (const DatabaseError& error) {
         for (const std::size_t place : places)
             results[place].error = error;
@@ -130,22 +214,29 @@ std::vector<ProcedureResult> Connection::callProcedures(std::span<const Procedur
 
 const TextColumns& Connection::textColumns()
 {
-    return provenSession().textColumns();
+    const TextColumns* columns = nullptr;
+    reading([&] { columns = &m_session->textColumns(); });
+    return *columns;
 }
 
 void Connection::begin()
 {
-    provenSession().begin();
+    reading([&] { m_session->begin(); });
 }
 
 void Connection::commit()
 {
-    m_session->commit();
+    {
+        const std::lock_guard lock(m_mutex);
+        refuseIfCut();
+        m_hasSentCommit = true;
+    }
+    guarded([&] { m_session->commit(); });
 }
 
 void Connection::rollBack()
 {
-    m_session->rollBack();
+    guarded([&] { m_session->rollBack(); });
 }
 
 bool Connection::inTransaction() const
@@ -155,12 +246,30 @@ bool Connection::inTransaction() const
 
 void Connection::cancel()
 {
+    const std::lock_guard lock(m_mutex);
+    m_isCancelled = true;
     m_session->cancel();
+}
+
+void Connection::cut()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isCut = true;
+    m_session->cut();
+}
+
+bool Connection::hasSentCommit() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_hasSentCommit;
 }
 
 std::unique_ptr<Connection> Connection::another() const
 {
-    return openConnection(m_connectionString);
+    auto connection = openConnection(m_connectionString);
+    connection->m_longestWait = std::chrono::seconds(10);
+    connection->m_session->limitWaits(connection->m_longestWait);
+    return connection;
 }
 
 Transaction::Transaction(Connection& connection)

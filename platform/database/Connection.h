@@ -3,9 +3,11 @@
 #include "platform/database/session/Recordset.h"
 #include "platform/database/session/SqlValue.h"
 
+#include <chrono>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
+#include <mutex>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,27 +23,31 @@ struct TextColumns;
 ///
 /// Destroying the connection hands its session back for the next one with the same connection string, a
 /// transaction that is still open is rolled back first. A session that died while it lay idle is replaced
-/// unseen. No time limit on statements. All operations throw DatabaseError.
+/// unseen: what only reads, or begins a transaction, is sent again if the first answer does not come; before
+/// a change the server is asked for a sign of life. OpeningFailed if there is no other session to be had. No
+/// time limit on statements. All operations throw DatabaseError.
 class Connection {
 public:
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    /// Runs a statement that gives no rows. Returns the number of rows that it changed.
+    /// Runs a statement that gives no rows. Returns the number of rows that it changed. Never sent twice.
     std::int64_t execute(std::string_view sql, std::span<const SqlValue> values = {});
     std::int64_t execute(std::string_view sql, std::initializer_list<SqlValue> values);
 
+    /// Runs a statement that reads.
     Recordset query(std::string_view sql, BinaryColumns binaries = BinaryColumns::left);
     Recordset query(std::string_view sql, std::span<const SqlValue> values,
                     BinaryColumns binaries = BinaryColumns::left);
     Recordset query(std::string_view sql, std::initializer_list<SqlValue> values,
                     BinaryColumns binaries = BinaryColumns::left);
 
-    /// A failed call is a result with an error, never an exception.
+    /// Calls a procedure that reads. A failed call is a result with an error, never an exception.
     ProcedureResult call(const ProcedureCall& call);
 
-    /// The same results as one call() after the other, with a round trip for up to 200 calls.
+    /// The same results as one call() after the other, with a round trip for up to 200 calls. A round trip
+    /// that ran out of time is the answer of all its calls.
     std::vector<ProcedureResult> callProcedures(std::span<const ProcedureCall> calls);
 
     /// What the database's text columns can hold, asked once for a session; see dialect/text_columns.
@@ -55,18 +61,36 @@ public:
     /// Stops the statement under way, from any thread; it fails with DatabaseError.
     void cancel();
 
-    /// A second connection to the same database. @throws DatabaseError as openConnection does
+    /// Ends the session at once, from any thread and without waiting for the server: what is under way fails,
+    /// where the driver lets it, and nothing is sent any more. The server rolls back by itself.
+    void cut();
+    /// Whether a commit has been sent. Behind cut() that is what nobody knows the outcome of.
+    bool hasSentCommit() const;
+
+    /// A second connection to the same database, whose statements wait ten seconds at most.
+    /// @throws DatabaseError as openConnection does
     std::unique_ptr<Connection> another() const;
 
 private:
     friend std::unique_ptr<Connection> openConnection(std::string_view connectionString);
-    Connection(std::string connectionString, std::unique_ptr<Session> session, bool reused);
+    Connection(std::string connectionString, std::unique_ptr<Session> session, bool isUnproven);
 
-    Session& provenSession();
+    template <class Work>
+    auto guarded(const Work& work) -> decltype(work());
+    template <class Work>
+    auto reading(const Work& work) -> decltype(work());
+    void renewSession();
+    void refuseIfCut() const; ///< under the lock
 
     std::string m_connectionString;
+    mutable std::mutex m_mutex; ///< for what cancel() and cut() see
     std::unique_ptr<Session> m_session;
-    bool m_unproven; ///< the session lay idle and has not yet answered on this connection
+    std::chrono::seconds m_longestWait{0}; ///< for an answer; 0: without end
+    bool m_isUnproven; ///< the session lay idle and has not yet answered on this connection
+    bool m_hasFailed = false;
+    bool m_isCancelled = false;
+    bool m_isCut = false;
+    bool m_hasSentCommit = false;
 };
 
 /// Opens the database of a connection string ("Provider=SQLite;Data Source=<file>", or a server's).

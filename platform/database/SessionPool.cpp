@@ -9,6 +9,9 @@ namespace {
 // One recalculation nests two connections at most; more idle sessions only tie up the server.
 constexpr std::size_t mostIdlePerString = 4;
 
+// A server or a firewall ends what lies idle longer, often without a word.
+constexpr std::chrono::seconds trustedFor(10);
+
 } // namespace
 
 SessionPool& SessionPool::instance()
@@ -18,33 +21,49 @@ SessionPool& SessionPool::instance()
     return *pool;
 }
 
-std::unique_ptr<Session> SessionPool::takeAny(const std::string& connectionString)
+SessionPool::Idle SessionPool::takeAny(const std::string& connectionString)
 {
     const std::lock_guard lock(m_mutex);
     const auto found = m_idle.find(connectionString);
     if (found == m_idle.end() || found->second.empty())
-        return nullptr;
-    auto session = std::move(found->second.back());
+        return {};
+    Idle idle = std::move(found->second.back());
     found->second.pop_back();
-    return session;
+    return idle;
 }
 
-std::unique_ptr<Session> SessionPool::take(const std::string& connectionString)
+void SessionPool::drop(const std::string& connectionString)
 {
-    for (auto session = takeAny(connectionString); session; session = takeAny(connectionString))
-        if (session->looksAlive())
-            return session;
-    return nullptr;
+    std::vector<Idle> dropped; // declared before the lock: it ends them without it
+    const std::lock_guard lock(m_mutex);
+    if (const auto found = m_idle.find(connectionString); found != m_idle.end())
+        dropped.swap(found->second);
 }
 
-void SessionPool::giveBack(const std::string& connectionString, std::unique_ptr<Session> session)
+SessionPool::Taken SessionPool::take(const std::string& connectionString)
+{
+    for (Idle idle = takeAny(connectionString); idle.session; idle = takeAny(connectionString)) {
+        if (!idle.session->looksAlive())
+            continue;
+        if (now.load()() - trustedFor <= idle.since)
+            return {std::move(idle.session), false};
+        if (idle.session->answers())
+            return {std::move(idle.session), true};
+        drop(connectionString); // those that lie there longer are no better
+    }
+    return {};
+}
+
+void SessionPool::giveBack(const std::string& connectionString, std::unique_ptr<Session> session,
+                           bool hasFailed)
 {
     if (!session->resetForReuse())
         return;
+    const auto since = hasFailed ? Clock::time_point() : now.load()();
     const std::lock_guard lock(m_mutex);
     auto& idle = m_idle[connectionString];
     if (idle.size() < mostIdlePerString)
-        idle.push_back(std::move(session));
+        idle.push_back({std::move(session), since});
 }
 
 void SessionPool::clear()

@@ -1,4 +1,6 @@
 #pragma once
+#include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <map>
 #include <memory>
@@ -13,22 +15,38 @@ class Session;
 /// Idle physical sessions by connection string. Safe from any thread.
 class SessionPool {
 public:
+    using Clock = std::chrono::steady_clock;
+
     static SessionPool& instance();
 
-    /// An idle session that looks alive. Null if there is none; dead ones are dropped on the way.
-    std::unique_ptr<Session> take(const std::string& connectionString);
+    struct Taken {
+        std::unique_ptr<Session> session; ///< null: there is none
+        bool hasAnswered = false;         ///< the server has just given a sign of life
+    };
+    /// An idle session. One that lay idle for more than ten seconds, or whose last use met a failure, is
+    /// asked for a sign of life; those that give none are dropped on the way.
+    Taken take(const std::string& connectionString);
 
     /// Keeps the session if it can be brought into its first state, else closes it.
-    void giveBack(const std::string& connectionString, std::unique_ptr<Session> session);
+    /// @param hasFailed  something failed on it
+    void giveBack(const std::string& connectionString, std::unique_ptr<Session> session, bool hasFailed);
 
     void clear();
 
+    /// The time by which it is counted how long a session lies idle.
+    std::atomic<Clock::time_point (*)()> now = &Clock::now;
+
 private:
+    struct Idle {
+        std::unique_ptr<Session> session;
+        Clock::time_point since; ///< the clock's beginning: it is asked in any case
+    };
     SessionPool() = default;
-    std::unique_ptr<Session> takeAny(const std::string& connectionString);
+    Idle takeAny(const std::string& connectionString);
+    void drop(const std::string& connectionString);
 
     std::mutex m_mutex;
-    std::map<std::string, std::vector<std::unique_ptr<Session>>> m_idle;
+    std::map<std::string, std::vector<Idle>> m_idle;
 };
 
 } // namespace selfreport

@@ -4,6 +4,7 @@
 #include "state/report_procedures.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/golden_texts.h"
+#include "tests/platform/database/PoolTime.h"
 #include "tests/tdsserver/TdsServer.h"
 #include "windows/designer/EditedReport.h"
 
@@ -172,6 +173,43 @@ TEST(ReportWire, OpeningThatFailsIsToldApart)
         ASSERT_EQ(reports.boxes.said.size(), 1U) << c.more;
         EXPECT_EQ(reports.boxes.said[0].text, c.text);
     }
+}
+
+/// A server that has gone since the last session: soon after, and long after.
+TEST(ReportWire, AServerThatHasGoneIsAFailedOpening)
+{
+    const std::function<bool(Workbook&)> works[] = {
+        [](Workbook&) { return openDB(); },
+        [](Workbook& workbook) {
+            std::string name;
+            return loadReport(sharedContext, name, workbook);
+        },
+        [](Workbook& workbook) { return insertReport(sharedContext, "新表", workbook); },
+        [](Workbook&) { return deleteInfo(sharedContext); },
+        [](Workbook&) {
+            return databaseProcedure(Icon::exclamation, [](Connection& open) { storedReports(open); });
+        },
+    };
+    for (const auto later : {std::chrono::seconds(5), std::chrono::seconds(11)})
+        for (std::size_t at = 0; at < std::size(works); ++at) {
+            test::TestLedger ledger;
+            {
+                const tds::TdsServer server(ledger.file());
+                gConnString = server.connectionString();
+                openConnection(gConnString);
+            }
+            const test::PoolTime time(later);
+            Workbook workbook;
+            const bool opened = works[at](workbook);
+            EXPECT_EQ(opened, at == 0 && later.count() == 5) << at; // nothing was asked of it yet
+            closeDB();
+            if (opened)
+                continue;
+            ASSERT_EQ(ledger.boxes.said.size(), 1U) << at;
+            EXPECT_EQ(ledger.boxes.said[0],
+                      (RecordingDialogs::Said{Icon::critical, gTitle, "数据库文件不存在或读取错误!"}))
+                << at;
+        }
 }
 
 struct Operation {

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <sqlext.h>
 #include <sqlucode.h>
+#include <sys/socket.h>
 #include <thread>
 
 namespace selfreport {
@@ -30,6 +31,22 @@ constexpr std::chrono::milliseconds cancellableAge(30);
 SQLPOINTER attribute(std::intptr_t value)
 {
     return reinterpret_cast<SQLPOINTER>(value);
+}
+
+/// The socket below a connection; -1 if the driver does not tell. The number of the question is the driver's
+/// own, and another driver may mean something else by it.
+int socketOf(SQLHDBC connection)
+{
+    constexpr SQLUSMALLINT driversSocket = 1301;
+    std::intptr_t answer[4]{};
+    SQLSMALLINT length = 0;
+    if (!SQL_SUCCEEDED(SQLGetInfo(connection, driversSocket, answer, sizeof answer, &length)) ||
+        length < static_cast<SQLSMALLINT>(sizeof(int)))
+        return -1;
+    const int socket = static_cast<int>(answer[0]);
+    sockaddr_storage peer{};
+    socklen_t size = sizeof peer;
+    return ::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &size) == 0 ? socket : -1;
 }
 
 } // namespace
@@ -82,7 +99,8 @@ private:
 };
 
 OdbcSession::OdbcSession(const OdbcTarget& target)
-    : m_queryTimeout(target.queryTimeout)
+    : m_usualTimeout(target.queryTimeout)
+    , m_queryTimeout(target.queryTimeout)
 {
     try {
         connect(target);
@@ -116,6 +134,7 @@ void OdbcSession::connect(const OdbcTarget& target)
                           0, nullptr, SQL_DRIVER_NOPROMPT);
     if (!SQL_SUCCEEDED(connected))
         throw openingError(odbcRecords(SQL_HANDLE_DBC, m_connection));
+    m_socket = socketOf(m_connection);
 }
 
 std::int64_t OdbcSession::execute(std::string_view sql, std::span<const SqlValue> values)
@@ -200,8 +219,10 @@ std::vector<std::optional<ProcedureResult>> OdbcSession::callBatch(std::span<con
             work();
         } catch (const ConnectionLost&) {
             throw;
-        } catch (const DatabaseError&) {
+        } catch (const DatabaseError& error) {
             running.throwIfCancelled();
+            if (error.isTimeOut)
+                throw;
             answers.failCurrent(); // repeated alone, it tells the reason
             more = ++failures <= calls.size();
         }
@@ -216,6 +237,8 @@ std::vector<std::optional<ProcedureResult>> OdbcSession::callBatch(std::span<con
             step([&] { more = running.statement.nextResult(); });
     }
     running.throwIfCancelled();
+    if (!answers.hasCome() && failures == 0) // what came was the answer to something else
+        throw ConnectionLost(unspecifiedError, "数据库的应答与请求不符");
     return std::move(answers).take();
 }
 
@@ -231,8 +254,11 @@ std::size_t OdbcSession::settleBatch(std::span<const ProcedureCall> batch,
         --settled;
     const bool answersNothing = settled == 0; // then it is the batch itself that is refused
     settled = answersNothing ? batch.size() : std::min(settled + 1, batch.size());
-    for (std::size_t at = 0; at < settled; ++at)
+    for (std::size_t at = 0; at < settled; ++at) {
         results.push_back(answers[at] ? std::move(*answers[at]) : callAlone(batch[at]));
+        if (results.back().error && results.back().error->isTimeOut)
+            throw *results.back().error; // that of all that follow
+    }
     return settled;
 }
 
@@ -241,15 +267,26 @@ std::vector<ProcedureResult> OdbcSession::callProcedures(std::span<const Procedu
     constexpr int mostBrokenBatches = 8; // from then on batches would cost more than they save
     int brokenBatches = 0;
     std::vector<ProcedureResult> results;
-    while (!calls.empty()) {
-        const auto batch = calls.first(std::min(calls.size(), mostCallsInBatch));
-        std::size_t settled = 1;
-        if (batch.size() == 1 || brokenBatches > mostBrokenBatches)
-            results.push_back(callAlone(batch.front()));
-        else
-            settled = settleBatch(batch, results);
+    while (results.size() < calls.size()) {
+        const auto left = calls.subspan(results.size());
+        const bool goesAlone = left.size() == 1 || brokenBatches > mostBrokenBatches;
+        const auto batch = left.first(goesAlone ? 1 : std::min(left.size(), mostCallsInBatch));
+        std::size_t settled = batch.size();
+        try {
+            if (goesAlone)
+                results.push_back(callAlone(batch.front()));
+            else
+                settled = settleBatch(batch, results);
+        } catch (const DatabaseError& error) {
+            if (!error.isTimeOut)
+                throw;
+            // Each of them alone would be waited for as long. Nothing more goes over a connection that is
+            // lost.
+            const bool isLost = dynamic_cast<const ConnectionLost*>(&error) != nullptr;
+            results.resize(isLost ? calls.size() : calls.size() - left.size() + batch.size(),
+                           ProcedureResult{.error = error});
+        }
         brokenBatches += settled < batch.size() ? 1 : 0;
-        calls = calls.subspan(settled);
     }
     return results;
 }
@@ -288,6 +325,8 @@ void OdbcSession::endTransaction(SQLSMALLINT how)
 
 bool OdbcSession::looksAlive()
 {
+    if (m_isCut)
+        return false;
     SQLUINTEGER dead = SQL_CD_FALSE;
     SQLGetConnectAttr(m_connection, SQL_ATTR_CONNECTION_DEAD, &dead, 0, nullptr);
     return dead != SQL_CD_TRUE;
@@ -310,12 +349,27 @@ bool OdbcSession::answers()
 
 bool OdbcSession::resetForReuse()
 {
+    m_queryTimeout = m_usualTimeout;
     try {
         rollBack();
         return !m_isSpoiled && looksAlive();
     } catch (const DatabaseError&) {
         return false;
     }
+}
+
+void OdbcSession::limitWaits(std::chrono::seconds longest)
+{
+    const int seconds = static_cast<int>(longest.count());
+    if (m_queryTimeout == 0 || m_queryTimeout > seconds)
+        m_queryTimeout = seconds;
+}
+
+/// The driver finds the socket closed, whatever it waits for.
+void OdbcSession::cut()
+{
+    if (!m_isCut.exchange(true) && m_socket >= 0)
+        ::shutdown(m_socket, SHUT_RDWR);
 }
 
 void OdbcSession::cancel()

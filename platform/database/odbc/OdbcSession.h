@@ -4,6 +4,7 @@
 #include "platform/database/odbc/OdbcStatement.h"
 #include "platform/database/session/Session.h"
 
+#include <atomic>
 #include <mutex>
 #include <sql.h>
 
@@ -27,7 +28,9 @@ public:
     bool looksAlive() override;
     bool answers() override;
     bool resetForReuse() override;
+    void limitWaits(std::chrono::seconds longest) override;
     void cancel() override;
+    void cut() override;
 
 private:
     class Running;
@@ -41,11 +44,14 @@ private:
 
     SQLHENV m_environment = SQL_NULL_HENV;
     SQLHDBC m_connection = SQL_NULL_HDBC;
-    int m_queryTimeout = 0;
+    int m_usualTimeout = 0; ///< of statements, in seconds; 0: none
+    int m_queryTimeout = 0; ///< now
+    int m_socket = -1;      ///< that the driver uses; -1: it does not tell
     std::int64_t m_signsOfLife = 0;
     bool m_inTransaction = false;
     std::optional<TextColumns> m_textColumns; ///< once they were asked for
     bool m_isSpoiled = false;                 ///< a transaction did not end cleanly: not for reuse
+    std::atomic<bool> m_isCut = false;
     std::mutex m_runningMutex;
     Running* m_running = nullptr; ///< what cancel() stops
 };

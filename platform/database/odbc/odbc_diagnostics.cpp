@@ -98,6 +98,15 @@ OdbcRecord readRecord(SQLSMALLINT handleType, SQLHANDLE handle, SQLSMALLINT numb
     return {utf8Text(std::span(state).first(5)), native, utf8Text(std::span(text).first(shown))};
 }
 
+/// The same as one of a kind.
+template <class Kind>
+Kind errorAs(const DatabaseError& error)
+{
+    Kind kind(error.number, error.description);
+    kind.isTimeOut = error.isTimeOut;
+    return kind;
+}
+
 } // namespace
 
 std::vector<OdbcRecord> odbcRecords(SQLSMALLINT handleType, SQLHANDLE handle)
@@ -145,7 +154,12 @@ DatabaseError workError(std::span<const OdbcRecord> records)
 {
     const auto numbered =
         std::ranges::find_if(records, [](const OdbcRecord& record) { return record.native != 0; });
-    return {numbered == records.end() ? unspecifiedError : numbered->native, joinedTexts(records)};
+    DatabaseError error(numbered == records.end() ? unspecifiedError : numbered->native,
+                        joinedTexts(records));
+    error.isTimeOut = std::ranges::any_of(records, [](const OdbcRecord& record) {
+        return record.native == 20003 || record.state.starts_with("HYT");
+    });
+    return error;
 }
 
 void throwWorkError(std::span<const OdbcRecord> records, bool isDead)
@@ -154,7 +168,7 @@ void throwWorkError(std::span<const OdbcRecord> records, bool isDead)
     static constexpr std::array<std::int32_t, 4> repeatable{2627, 2601, 1205, 3960};
     const DatabaseError error = workError(records);
     if (isDead || saysLost(records))
-        throw ConnectionLost(error.number, error.description);
+        throw errorAs<ConnectionLost>(error);
     if (anyNative(records, repeatable))
         throw RepeatableError(error.number, error.description);
     throw error;

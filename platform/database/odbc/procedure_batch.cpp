@@ -41,6 +41,7 @@ void BatchAnswers::add(Recordset rows)
             m_pending = std::move(rows);
         return;
     }
+    m_hasCome = true;
     const auto ordinal = static_cast<std::size_t>(rows.integer(0, std::size_t{0}));
     const bool answered = !std::exchange(m_hasFailed, false) && !rows.isNull(0, std::size_t{1}) &&
                           rows.integer(0, std::size_t{1}) != -1;

@@ -28,6 +28,9 @@ public:
     /// The call whose ordinal comes next has failed, whatever it returns.
     void failCurrent() { m_hasFailed = true; }
 
+    /// Whether anything came that is an answer to such a batch.
+    bool hasCome() const { return m_hasCome; }
+
     /// One for each call; nothing for those that must be repeated alone: no ordinal came, or no return value.
     std::vector<std::optional<ProcedureResult>> take() && { return std::move(m_results); }
 
@@ -35,6 +38,7 @@ private:
     std::vector<std::optional<ProcedureResult>> m_results;
     std::optional<Recordset> m_pending;
     bool m_hasFailed = false;
+    bool m_hasCome = false;
 };
 
 } // namespace selfreport

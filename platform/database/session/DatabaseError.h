@@ -21,6 +21,12 @@ struct DatabaseError : std::runtime_error {
     }
     std::int32_t number;     ///< provider's own number, or one of the two above
     std::string description; ///< same text as what()
+    bool isTimeOut = false;  ///< the server was waited for in vain; asked again it would cost as long
+};
+
+/// A connection's session was found gone, and no other could be opened: what failed is the opening.
+struct OpeningFailed : DatabaseError {
+    using DatabaseError::DatabaseError;
 };
 
 /// The session below a connection is gone; what it was sent may or may not have been done.

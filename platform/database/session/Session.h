@@ -3,6 +3,7 @@
 #include "platform/database/session/Recordset.h"
 #include "platform/database/session/SqlValue.h"
 
+#include <chrono>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -12,7 +13,8 @@ namespace selfreport {
 
 struct TextColumns;
 
-/// One physical session of a provider. Used by one thread at a time; only cancel() may come from another.
+/// One physical session of a provider. Used by one thread at a time; only cancel() and cut() may come from
+/// another.
 /// Failures throw DatabaseError, a broken session ConnectionLost.
 class Session {
 public:
@@ -46,7 +48,14 @@ public:
     /// Puts the session into its first state, out of any transaction. False if it must be thrown away.
     virtual bool resetForReuse() = 0;
 
+    /// Longest wait for the answer to a statement from now on, until the session is reset.
+    virtual void limitWaits(std::chrono::seconds longest) = 0;
+
+    /// Asks for the end of the statement under way.
     virtual void cancel() = 0;
+
+    /// Ends the session without waiting for the server: what is under way fails where that can be done.
+    virtual void cut() = 0;
 };
 
 } // namespace selfreport

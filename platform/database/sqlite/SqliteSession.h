@@ -25,7 +25,9 @@ public:
     bool looksAlive() override;
     bool answers() override { return looksAlive(); }
     bool resetForReuse() override;
+    void limitWaits(std::chrono::seconds) override {} // a lock is waited for shortly anyway
     void cancel() override;
+    void cut() override { cancel(); }
 
 private:
     struct FileIdentity {

@@ -4,9 +4,11 @@
 #include "platform/database/odbc/odbc_string.h"
 #include "platform/database/odbc/odbc_text.h"
 #include "tests/platform/database/database_folder.h"
+#include "tests/platform/database/PoolTime.h"
 #include "tests/tdsserver/TdsServer.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -17,6 +19,7 @@ namespace selfreport {
 namespace {
 
 using testing::DatabaseFolder;
+using namespace std::chrono_literals;
 
 ProcedureCall amountOf(const std::string& account, const std::string& year = "2025")
 {
@@ -250,7 +253,29 @@ TEST(ServerSession, AnIdleSessionThatNobodyAnswersIsReplaced)
     const std::string connectionString = server.connectionString();
     openConnection(connectionString);
     server.faults.order({tds::Step::batch, tds::Cut::beforeReply, tds::Ending::silent, {}, {}});
+    const test::PoolTime later(11s);
     EXPECT_EQ(openConnection(connectionString)->query("select 7 as n").integer(0, "n"), 7);
+}
+
+TEST(ServerSession, ABatchThatRanOutOfTimeIsTheAnswerOfAllItsCalls)
+{
+    const DatabaseFolder folder;
+    fillAccounts(*folder.create());
+    tds::TdsServer server(folder.file());
+    const std::vector<ProcedureCall> calls(273, amountOf("1001"));       // two round trips
+    for (const auto ending : {tds::Ending::held, tds::Ending::silent}) { // acknowledges the end, or does not
+        const auto connection = openConnection(server.connectionString("Command Timeout=1"));
+        server.faults.order({tds::Step::batch, tds::Cut::beforeReply, ending, {}, {}});
+        server.journal.clear();
+        const auto start = std::chrono::steady_clock::now();
+        const auto results = connection->callProcedures(calls);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+        const std::size_t outOfTime = ending == tds::Ending::held ? 200 : 273;
+        ASSERT_EQ(results.size(), 273U);
+        for (std::size_t at = 0; at < results.size(); ++at)
+            EXPECT_EQ(results[at].error && results[at].error->isTimeOut, at < outOfTime) << at;
+        EXPECT_LE(server.journal.requests().size(), 3U) << "two batches and what ended the first";
+    }
 }
 
 TEST(ServerSession, WrongNameOrPasswordAndWrongDatabaseAreToldApart)
