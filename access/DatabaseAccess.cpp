@@ -1,6 +1,5 @@
 #include "access/DatabaseAccess.h"
 
-#include "access/driver_call.h"
 #include "failures/failure_text.h"
 
 #include <exception>
@@ -27,6 +26,9 @@ Connection& DatabaseAccess::opened()
 {
     if (connection)
         return *connection;
+    {
+        const driver_calls::UnderWay alone; // else it throws: that is no failed opening
+    }
     if (openingFailed())
         throw DatabaseNotOpened(m_recalculation->openingFailure);
     std::int32_t number = unspecifiedError;
@@ -47,7 +49,7 @@ Connection& DatabaseAccess::opened()
 
 bool DatabaseAccess::open()
 {
-    return done(Icon::critical, [this] { opened(); });
+    return told(Icon::critical, [this] { opened(); });
 }
 
 void DatabaseAccess::close()
@@ -63,7 +65,7 @@ void DatabaseAccess::tell(Icon icon, std::string_view text)
         m_tells(icon, text);
 }
 
-bool DatabaseAccess::done(Icon icon, const std::function<void()>& work)
+bool DatabaseAccess::told(Icon icon, const std::function<void()>& work)
 {
     try {
         work();
@@ -78,12 +80,23 @@ bool DatabaseAccess::done(Icon icon, const std::function<void()>& work)
     return false;
 }
 
-bool DatabaseAccess::run(Icon icon, const std::function<void(Connection&)>& work)
+bool DatabaseAccess::done(Icon icon, const std::function<void()>& work)
 {
-    return done(icon, [&] {
-        const OpenedDatabase opened(*this);
-        work(*opened);
-    });
+    try {
+        return told(icon, work);
+    } catch (const WorkCancelled&) {
+        return false;
+    }
+}
+
+bool DatabaseAccess::run(Icon icon, std::function<void(Connection&)> work)
+{
+    return read<bool>(icon,
+                      [work = std::move(work)](Connection& open) {
+                          work(open);
+                          return true;
+                      })
+        .has_value();
 }
 
 RecalculationUnderWay::RecalculationUnderWay(DatabaseAccess& database)

@@ -1,4 +1,5 @@
 #pragma once
+#include "access/driver_call.h"
 #include "platform/database/Connection.h"
 #include "platform/services/Dialogs.h"
 
@@ -46,12 +47,27 @@ public:
     bool open();
     void close();
 
-    /// Runs `work`. False after telling the user why it failed: its sentence under `icon`, a failed opening
-    /// under the critical one. What it holds of the connection must be gone by then: a message box runs the
-    /// event loop.
+    /// Runs `work`. False if the user cancelled, or after telling the user why it failed: its sentence under
+    /// `icon`, a failed opening under the critical one. What it holds of the connection must be gone by then:
+    /// a message box runs the event loop.
     bool done(Icon icon, const std::function<void()>& work);
-    /// Runs `work` on the open connection and closes it. What it left open in a transaction is rolled back.
-    bool run(Icon icon, const std::function<void(Connection&)>& work);
+
+    // What follows runs `work` on the open connection and closes it. It may run on another thread and be left
+    // behind: it owns all that it uses. What it left open in a transaction is rolled back.
+
+    /// @throws DatabaseNotOpened, WorkCancelled, what `work` throws
+    template <class Result>
+    Result asked(std::function<Result(Connection&)> work);
+    /// The same. Nothing if the user cancelled, or after telling why it failed as done() does.
+    template <class Result>
+    std::optional<Result> read(Icon icon, std::function<Result(Connection&)> work);
+    bool run(Icon icon, std::function<void(Connection&)> work);
+
+    /// `work` changes what is stored, in a transaction that it commits. A result that comes with or behind a
+    /// cancellation counts.
+    /// @throws WorkCancelled if nothing was changed; ChangeLeftBehind if nobody knows; as above
+    template <class Result>
+    Result changed(std::function<Result(Connection&)> work);
 
     /// Tells the user; within one recalculation each text once.
     void tell(Icon icon, std::string_view text);
@@ -61,6 +77,8 @@ public:
 
 private:
     friend class RecalculationUnderWay;
+
+    bool told(Icon icon, const std::function<void()>& work);
 
     struct Recalculation {
         std::string openingFailure; ///< "" without one
@@ -89,6 +107,28 @@ public:
 private:
     DatabaseAccess& m_database;
 };
+
+template <class Result>
+Result DatabaseAccess::asked(std::function<Result(Connection&)> work)
+{
+    const OpenedDatabase isOpen(*this);
+    return driverCall<Result>(connection, std::move(work));
+}
+
+template <class Result>
+Result DatabaseAccess::changed(std::function<Result(Connection&)> work)
+{
+    const OpenedDatabase isOpen(*this);
+    return driverChange<Result>(connection, std::move(work));
+}
+
+template <class Result>
+std::optional<Result> DatabaseAccess::read(Icon icon, std::function<Result(Connection&)> work)
+{
+    std::optional<Result> result;
+    done(icon, [&] { result = asked<Result>(std::move(work)); });
+    return result;
+}
 
 /// While it lives, one recalculation is under way: what its many fetches tell is told once, a database that
 /// could not be opened is not tried again, and the connection is closed at its end. A nested one (a

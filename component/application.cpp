@@ -3,6 +3,7 @@
 #include "platform/toolkit/QtDialogs.h"
 #include "platform/toolkit/QtSettings.h"
 #include "platform/toolkit/toolkit_dialogs.h"
+#include "platform/windows/CancellableWait.h"
 
 #include <QApplication>
 #include <QVersionNumber>
@@ -71,8 +72,10 @@ void useToolkitServices()
 {
     static QtDialogs boxes;
     static QtSettings settings;
+    static CallWait calls;
     Dialogs::usual() = &boxes;
     SettingsStore::usual() = &settings;
+    UserWait::usual() = &calls;
     useToolkitDialogs();
 }
 

@@ -70,7 +70,7 @@ bool clsSelfReport::init(const std::string& strConnString, const std::string& st
                          const std::string& strLoginUserId, const std::string& strAppPath) noexcept
 {
     call([&] {
-        if (isWindowOpen())
+        if (isWindowOpen() || isDriverCallUnderWay())
             throw HostError("报表窗口打开时不能重新设置报表组件。");
         initShared(strConnString, strTitle, strLoginUserId, strAppPath);
     });

@@ -118,7 +118,7 @@ void requireRoomFor(HostWindow window)
 {
     if ((window == HostWindow::list ? listPlace : designerPlace).taken)
         throw HostError(window == HostWindow::list ? listIsOpen : designerIsOpen);
-    if (topPlace && !isIdle(*topPlace))
+    if (isDriverCallUnderWay() || (topPlace && !isIdle(*topPlace)))
         throw HostError("报表窗口正在处理另一项操作，请稍后再试。");
 }
 

@@ -34,7 +34,8 @@ struct ReportNotDeleted : ReportError {
 };
 
 /// Reports as rows of tblCWSelfReport. Each operation opens the database and closes it, whatever ends it; it
-/// throws what its kind above says, DatabaseError if reading fails, and tells nobody.
+/// throws what its kind above says, DatabaseError if reading fails, and tells nobody. The waiting user can
+/// cancel each: WorkCancelled where it reads; a save or deletion says what became of the report.
 class ReportStore {
 public:
     /// @param user  id of the one who saves
@@ -68,8 +69,12 @@ public:
     void remove(std::int32_t id);
 
 private:
-    void save(const std::string& name, const spreadsheet::Workbook& workbook,
-              const std::function<void(Connection&, const ReportToSave&)>& write);
+    using Write = std::function<std::optional<SaveConflict>(Connection&, RememberedReport&,
+                                                            const ReportToSave&)>; ///< owns what it uses
+    std::optional<SaveConflict> save(const std::string& name, const spreadsheet::Workbook& workbook,
+                                     RememberedReport& remembered, const Write& write);
+    std::optional<SaveConflict> attempt(int number, const ReportToSave& report, RememberedReport& remembered,
+                                        const Write& write);
 
     DatabaseAccess& m_database;
     std::string m_user;

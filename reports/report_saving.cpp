@@ -81,6 +81,8 @@ void finish(Connection& connection, Transaction& transaction, RememberedReport& 
     requireToBeAlone(connection, id);
     const RememberedReport saved{static_cast<std::int32_t>(id),
                                  versionOf(connection.query(reportVersionStatement(id))), setup};
+    if (report.beforeCommit)
+        report.beforeCommit(saved);
     try {
         commitOrFindOut(transaction, [&](Connection& fresh) { return holdsReport(fresh, id, report); });
     } catch (const OutcomeUnknown&) {

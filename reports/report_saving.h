@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -16,13 +17,6 @@ class Connection;
 // both as wanted. All throw DatabaseError and tell in it what became of the report; RepeatableError if
 // another session was in the way and the same can be tried again on another connection.
 
-/// What a designer puts into a row.
-struct ReportToSave {
-    std::string name;    ///< as typed
-    std::string savedBy; ///< id of the user
-    std::span<const std::byte> content;
-};
-
 /// A stored report as its designer remembers it.
 struct RememberedReport {
     std::int32_t id = 0;
@@ -30,6 +24,15 @@ struct RememberedReport {
     StoredPageSetup pageSetup{};          ///< of the row then
     std::optional<ReportVersion>
         uncertain{}; ///< of a save since then of which nobody knows whether it was done
+};
+
+/// What a designer puts into a row.
+struct ReportToSave {
+    std::string name;    ///< as typed
+    std::string savedBy; ///< id of the user
+    std::span<const std::byte> content;
+    /// Told what will stand in the database, before it is committed.
+    std::function<void(const RememberedReport&)> beforeCommit{};
 };
 
 /// What stands under a report's id instead of what is remembered.

@@ -24,9 +24,9 @@ void tellUser(Icon icon, std::string_view text)
     sharedContext.database.tell(icon, text);
 }
 
-bool databaseProcedure(Icon icon, const std::function<void(Connection&)>& work)
+bool databaseProcedure(Icon icon, std::function<void(Connection&)> work)
 {
-    return sharedContext.database.run(icon, work);
+    return sharedContext.database.run(icon, std::move(work));
 }
 
 } // namespace selfreport

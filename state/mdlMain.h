@@ -16,9 +16,10 @@ bool openDB();
 /// Closes `gCnn` and leaves none. Nothing happens if there is none.
 void closeDB();
 
-/// Runs `work` on the open connection and closes it. False after telling the user why it failed: the error's
-/// own description under `icon`. What `work` left open in a transaction is rolled back.
-bool databaseProcedure(Icon icon, const std::function<void(Connection&)>& work);
+/// Runs `work`, which owns what it uses, on the open connection and closes it. False if the user cancelled,
+/// or after telling why it failed: the error's own description under `icon`. What `work` left open in a
+/// transaction is rolled back.
+bool databaseProcedure(Icon icon, std::function<void(Connection&)> work);
 
 /// Shows a box titled `gTitle`; within one recalculation each text once.
 void tellUser(Icon icon, std::string_view text);

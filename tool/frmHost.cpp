@@ -2,7 +2,7 @@
 
 #include "platform/list_grid/ListGrid.h"
 #include "reports/report_list.h"
-#include "state/mdlMain.h"
+#include "state/shared_state.h"
 #include "tool/frmRunParameters.h"
 
 #include <QHBoxLayout>
@@ -46,13 +46,13 @@ frmHost::frmHost(Operations operations, QWidget* parent)
 
 void frmHost::fillMenu()
 {
-    databaseProcedure(Icon::exclamation, [this](Connection& connection) {
-        const std::vector<MenuReport> reports = reportMenu(connection);
-        m_vsf1->clearRows();
-        for (const MenuReport& report : reports)
-            m_vsf1->addRow(QString::number(report.id) + '\t' +
-                           QString::fromStdString(report.name).replace('\t', ' '));
-    });
+    const auto reports = sharedContext.database.read<std::vector<MenuReport>>(Icon::exclamation, reportMenu);
+    if (!reports)
+        return;
+    m_vsf1->clearRows();
+    for (const MenuReport& report : *reports)
+        m_vsf1->addRow(QString::number(report.id) + '\t' +
+                       QString::fromStdString(report.name).replace('\t', ' '));
 }
 
 void frmHost::cmdDesign_Click()

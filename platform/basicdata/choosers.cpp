@@ -1,3 +1,4 @@
+#include "access/driver_call.h"
 #include "failures/failure_text.h"
 #include "platform/basicdata/basic_data.h"
 #include "platform/basicdata/ChooserWindow.h"
@@ -8,8 +9,10 @@
 
 #include <exception>
 #include <functional>
+#include <memory>
 #include <QApplication>
 #include <QLineEdit>
+#include <utility>
 
 namespace selfreport {
 
@@ -24,11 +27,15 @@ struct Offer {
 };
 
 /// The code that the user chose from what `read` offers; "" for none.
-/// @throws what `read` throws
+/// @param read  owns what it uses
+/// @throws what `read` throws; WorkCancelled
 std::string codeChosen(const std::string& connectionString, const std::string& searchText,
-                       const std::function<Offer(Connection&)>& read)
+                       std::function<Offer(Connection&)> read)
 {
-    Offer offer = read(*openConnection(connectionString)); // closed again before the window opens
+    auto connection = driverCall<std::unique_ptr<Connection>>(
+        [connectionString] { return openConnection(connectionString); });
+    Offer offer = driverCall<Offer>(connection, std::move(read));
+    connection.reset(); // before the window opens
     ChooserWindow window(offer.title, offer.headings, std::move(offer.entries), QApplication::activeWindow());
     window.setObjectName(offer.objectName);
     window.findChild<QLineEdit*>("txtSearch")->setText(QString::fromStdString(searchText));
@@ -43,8 +50,10 @@ bool toldWhyNot(const std::string& title, const std::function<void()>& work)
         return true;
     } catch (const std::exception& error) {
         dialogs().message(Icon::critical, title, failures::sentenceOf(error));
-        return false;
+    } catch (const WorkCancelled&) {
+        // The user knows.
     }
+    return false;
 }
 
 } // namespace
@@ -81,7 +90,7 @@ bool clsItemChooser::chooseItem(std::int16_t classId, const std::string& field, 
                                 const std::string& /*filter*/, const std::string& /*value*/)
 {
     return toldWhyNot(m_title, [&] {
-        m_chosenNumber = codeChosen(connectionString, text, [&](Connection& connection) {
+        m_chosenNumber = codeChosen(connectionString, text, [classId, field](Connection& connection) {
             ItemList list = itemsOfClass(connection, classId, field);
             return Offer{"clsItemChooser",
                          list.className,

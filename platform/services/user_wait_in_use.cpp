@@ -6,10 +6,10 @@ namespace {
 
 class NobodyWaits : public UserWait {
 public:
-    bool runApart(std::function<void()> call, std::function<void()>) override
+    CallEnd runApart(std::function<void()> call, std::function<void()>) override
     {
         call();
-        return true;
+        return CallEnd::done;
     }
     bool pause() override { return false; }
     bool isCancelled() const override { return false; }

@@ -33,11 +33,18 @@ QMessageBox::Icon toolkitIcon(Icon icon)
     return QMessageBox::NoIcon;
 }
 
+/// While focus goes from one window to another none is active.
+QWidget* windowInFront()
+{
+    QWidget* const active = QApplication::activeWindow();
+    return active ? active : QApplication::activeModalWidget();
+}
+
 /// A box over the active window.
 struct Box : QMessageBox {
     Box(selfreport::Icon icon, std::string_view title, std::string_view text, StandardButtons buttons)
         : QMessageBox(toolkitIcon(icon), QString::fromUtf8(title), QString::fromUtf8(text), buttons,
-                      QApplication::activeWindow())
+                      windowInFront())
     {
         setObjectName("messageBox");
         setTextFormat(Qt::PlainText); // a server's text may look like markup

@@ -1,5 +1,8 @@
 #include "platform/windows/CancellableWait.h"
 
+#include <QApplication>
+#include <QEventLoop>
+
 #include <chrono>
 #include <future>
 #include <thread>
@@ -7,22 +10,72 @@
 
 namespace selfreport {
 
+namespace {
+
 using namespace std::chrono_literals;
 
-CancellableWait::CancellableWait(const QString& title)
+constexpr auto sameAction = 20ms;
+constexpr auto unpainted = 100ms; // the eye does not see it, and most calls end within
+constexpr auto pollInterval = 5ms;
+
+QWidget* frontWindow()
+{
+    QWidget* const modal = QApplication::activeModalWidget();
+    return modal ? modal : QApplication::activeWindow();
+}
+
+bool isReady(const std::future<void>& work)
+{
+    return work.wait_for(0s) == std::future_status::ready;
+}
+
+/// Lets events pass until the work has ended or the time is over.
+void letEventsPass(const std::future<void>& work, QDeadlineTimer until)
+{
+    QEventLoop loop;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
+        if (isReady(work) || until.hasExpired())
+            loop.quit();
+    });
+    poll.start(pollInterval);
+    loop.exec();
+}
+
+} // namespace
+
+QDeadlineTimer CancellableWait::usualPatience()
+{
+    return QDeadlineTimer(500ms);
+}
+
+CancellableWait::CancellableWait(const QString& title, QWidget* window, QDeadlineTimer patience)
     : m_title(title)
-    , m_patience(500ms)
+    , m_window(window ? window : frontWindow())
+    , m_patience(patience)
+    , m_held(m_window)
     , m_inUse(*this)
 {
+}
+
+/// A window manager gives the focus to the dialog's owner, which need not be the window that began.
+CancellableWait::~CancellableWait()
+{
+    if (!m_dialog)
+        return;
+    m_dialog.reset();
+    if (m_window && m_window->isVisible())
+        m_window->activateWindow();
 }
 
 void CancellableWait::openDialog()
 {
     m_cursor.reset();
-    m_dialog.emplace(m_title);
+    m_dialog.emplace(m_title, m_window);
+    m_held.setDialog(&*m_dialog);
 }
 
-bool CancellableWait::runApart(std::function<void()> call, std::function<void()> stop)
+CallEnd CancellableWait::runApart(std::function<void()> call, std::function<void()> stop)
 {
     std::packaged_task<void()> task(std::move(call));
     const std::future<void> ended = task.get_future();
@@ -31,18 +84,25 @@ bool CancellableWait::runApart(std::function<void()> call, std::function<void()>
         if (isCancelled() && stop)
             stop();
     };
-    bool ends =
-        !m_dialog && ended.wait_for(m_patience.remainingTimeAsDuration()) == std::future_status::ready;
+    bool ends = false;
+    if (!m_dialog) {
+        ends = ended.wait_for(unpainted) == std::future_status::ready;
+        if (!ends)
+            letEventsPass(ended, m_patience);
+        ends = isReady(ended);
+    }
     if (!ends) {
         if (!m_dialog)
             openDialog();
         ends = m_dialog->waitFor(ended, true, stopIfCancelled);
+        m_dialog->setVisible(!isCancelled()); // a box may tell what became of the work
     }
-    if (ends)
-        thread.join();
-    else
+    if (!ends) {
         thread.detach();
-    return ends;
+        return CallEnd::leftBehind;
+    }
+    thread.join();
+    return isCancelled() ? CallEnd::cancelled : CallEnd::done;
 }
 
 bool CancellableWait::pause()
@@ -53,6 +113,20 @@ bool CancellableWait::pause()
         openDialog();
     m_dialog->pause();
     return isCancelled();
+}
+
+CallEnd CallWait::runApart(std::function<void()> call, std::function<void()> stop)
+{
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance())) { // nobody looks on
+        call();
+        return CallEnd::done;
+    }
+    if (m_isSameAction.hasExpired())
+        m_patience = CancellableWait::usualPatience();
+    CancellableWait waiting(QStringLiteral("正在访问数据库"), nullptr, m_patience);
+    const CallEnd end = waiting.runApart(std::move(call), std::move(stop));
+    m_isSameAction = QDeadlineTimer(sameAction);
+    return end;
 }
 
 } // namespace selfreport

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto givenUpAfter = 2s; // after it was cancelled
+constexpr auto givenUpAfter = 450ms; // after it was cancelled
 constexpr auto pollInterval = 20ms;
 constexpr auto pauseInterval = 50ms;
 constexpr int dialogWidth = 360; // pixels
@@ -26,8 +26,8 @@ bool isReady(const std::future<void>& work)
 
 } // namespace
 
-WaitingDialog::WaitingDialog(const QString& title)
-    : QDialog(QApplication::activeWindow())
+WaitingDialog::WaitingDialog(const QString& title, QWidget* over)
+    : QDialog(over && over->isVisible() ? over : QApplication::activeWindow())
     , m_label(new QLabel(title))
     , m_bar(new QProgressBar)
     , m_cancel(new QPushButton(QStringLiteral("取消")))

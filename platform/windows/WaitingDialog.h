@@ -15,11 +15,12 @@ namespace selfreport {
 /// and `cmdCancel`). It is open as long as it lives. Cancelling only asks: the work ends early by itself.
 class WaitingDialog : public QDialog {
 public:
-    explicit WaitingDialog(const QString& title);
+    /// @param over  null: the active window
+    explicit WaitingDialog(const QString& title, QWidget* over = nullptr);
 
     /// Waits for work on another thread.
     /// @param meanwhile        called again and again
-    /// @param mayBeLeftBehind  the work is given up when it goes on for two seconds after it was cancelled
+    /// @param mayBeLeftBehind  the work is given up when it goes on for half a second after it was cancelled
     /// @return  false if the work was given up
     bool waitFor(const std::future<void>& work, bool mayBeLeftBehind, const std::function<void()>& meanwhile);
 

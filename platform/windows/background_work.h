@@ -37,7 +37,7 @@ enum class Waiting { untilTheEnd, untilCancelled };
 ///
 /// Cancelling only asks: the work looks at `cancelled()` and ends early.
 /// @param waiting  work that waits for an answer from outside may be left behind when it does not end within
-///                 two seconds after it was cancelled; it must own all it uses
+///                 half a second after it was cancelled; it must own all it uses
 /// @return  false if the work was left behind
 bool runInBackground(const QString& title, std::function<void(WorkProgress&)> work,
                      Waiting waiting = Waiting::untilTheEnd);

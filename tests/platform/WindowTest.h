@@ -24,15 +24,11 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([&widget] { return QApplication::activeWindow() == widget.window(); }));
     }
 
-    /// Acts on the next modal window as soon as it is there. Must be called before what opens it.
+    /// Acts on the next modal window of that name as soon as it is there, whatever is waited for before. Must
+    /// be called before what opens it.
     static void whenModal(const char* objectName, std::function<void(QWidget&)> act)
     {
-        QTimer::singleShot(0, qApp, [objectName, act = std::move(act)] {
-            QWidget* const window = QApplication::activeModalWidget();
-            ASSERT_NE(window, nullptr) << objectName << " did not open";
-            EXPECT_EQ(window->objectName(), objectName);
-            act(*window);
-        });
+        awaitModal(objectName, std::move(act), 0);
     }
 
     /// Alt and a letter. A button that is reached so clicks a tenth of a second later.
@@ -52,6 +48,21 @@ protected:
     }
 
 private:
+    static void awaitModal(const char* objectName, std::function<void(QWidget&)> act, int waited)
+    {
+        constexpr int pause = 10;         // milliseconds
+        constexpr int longestWait = 5000; // milliseconds
+        QTimer::singleShot(waited == 0 ? 0 : pause, qApp, [=, act = std::move(act)]() mutable {
+            QWidget* const window = QApplication::activeModalWidget();
+            const bool isThere = window && window->objectName() == objectName;
+            if (!isThere && waited < longestWait)
+                return awaitModal(objectName, std::move(act), waited + pause);
+            ASSERT_NE(window, nullptr) << objectName << " did not open";
+            EXPECT_EQ(window->objectName(), objectName);
+            act(*window);
+        });
+    }
+
     int m_count = 1;
     char m_name[6] = "tests";
     char* m_arguments[2] = {m_name, nullptr};

@@ -1,6 +1,7 @@
 #pragma once
 #include "state/report_procedures.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,8 +41,11 @@ public:
     /// The workbook was taken from a copy that was made from that version.
     void setVersion(std::optional<ReportVersion> version) { m_stored.version = std::move(version); }
 
-    /// Whether the row under its id is not another report's now; takes the row's lock.
-    bool ownsRow(Connection& connection) const { return isRowOf(connection, m_stored); }
+    /// Finds out whether the row under its id is not another report's now; takes the row's lock.
+    std::function<bool(Connection&)> ownershipOfRow() const
+    {
+        return [stored = m_stored](Connection& open) { return isRowOf(open, stored); };
+    }
 
     /// The page set-up that the row is known to hold. Who stores one writes it here too.
     StoredPageSetup& pageSetup() { return m_stored.pageSetup; }

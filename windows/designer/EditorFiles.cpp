@@ -1,6 +1,7 @@
 #include "windows/designer/EditorFiles.h"
 
 #include "failures/failure_text.h"
+#include "platform/windows/CancellableWait.h"
 #include "reports/report_texts.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/designer/EditorFormulas.h"
@@ -40,6 +41,7 @@ void EditorFiles::open()
         return;
     }
     std::string name;
+    const CancellableWait waiting(QStringLiteral("正在打开报表"), m_grid.window());
     if (m_report.load(name, m_grid.cells().workbook()))
         m_name.setText(QString::fromStdString(name));
     m_grid.cells().setWorkbook(&m_grid.cells().workbook()); // another content: shown from its first cell

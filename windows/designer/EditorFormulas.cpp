@@ -42,7 +42,7 @@ void EditorFormulas::compute(Extent extent, const std::function<bool()>& recalcu
 {
     bool isComplete = false;
     {
-        const CancellableWait waiting(QStringLiteral("正在重算"));
+        const CancellableWait waiting(QStringLiteral("正在重算"), m_grid.window());
         isComplete = recalculation();
     }
     if (!isComplete)

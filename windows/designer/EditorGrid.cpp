@@ -71,9 +71,9 @@ void frmEditor::EditorGrid::headerStored(bool isFooter, const std::string& codes
     (isFooter ? setup.footer : setup.header) = codes;
 }
 
-bool frmEditor::EditorGrid::ownsRow(Connection& connection)
+std::function<bool(Connection&)> frmEditor::EditorGrid::ownershipOfRow() const
 {
-    return m_window.m_files->report().ownsRow(connection);
+    return m_window.m_files->report().ownershipOfRow();
 }
 
 spreadsheet::Refusal frmEditor::EditorGrid::writeFormula(const QString& formula)

@@ -24,7 +24,7 @@ public:
     void tellStatus(std::string_view text) override;
     void closeDesigner() override;
     spreadsheet::Refusal pageSetupRefusal() const override;
-    bool ownsRow(Connection& connection) override;
+    std::function<bool(Connection&)> ownershipOfRow() const override;
     void pageSetupStored(const std::array<double, 4>& inches, bool isPortrait) override;
     void headerStored(bool isFooter, const std::string& codes) override;
     spreadsheet::Refusal writeFormula(const QString& formula) override;

@@ -1,7 +1,5 @@
 #include "windows/formulas/frmCoverage.h"
 
-#include "access/driver_call.h"
-#include "failures/failure_text.h"
 #include "fetch/call_in_words.h"
 #include "fetch/report_functions.h"
 #include "platform/basicdata/clsAccountChooser.h"
@@ -139,10 +137,12 @@ void frmCoverage::check()
     if (!m_grid.entry().commit())
         return; // what is being typed is no formula: its reason is on screen
     m_accounts.clear();
-    if (readSheet())
-        readAccounts();
-    else
-        listAccounts();
+    {
+        const CancellableWait waiting(windowTitle(), this);
+        if (readSheet())
+            askAccounts();
+    }
+    listAccounts();
 }
 
 bool frmCoverage::readSheet()
@@ -155,51 +155,56 @@ bool frmCoverage::readSheet()
     m_cboMeasure->clear();
     m_sheetId = m_grid.cells().shownSheet().id();
     std::optional<SheetCalls> found;
-    {
-        const CancellableWait waiting(windowTitle());
-        guardedEvaluation(m_context.database, [&] {
-            found = acctCallsOf(m_grid.cells().workbook(), m_grid.cells().activeSheet(), m_context.database);
-        });
-    }
+    guardedEvaluation(m_context.database, [&] {
+        found = acctCallsOf(m_grid.cells().workbook(), m_grid.cells().activeSheet(), m_context.database);
+    });
     m_sheet = found.value_or(SheetCalls());
     if (!found)
         return false;
-    return m_context.database.run(Icon::critical, [&](Connection& connection) {
-        m_measures = measuresOf(m_sheet.calls);
-        for (const auto& [arguments, calls] : m_measures) {
-            m_cboMeasure->addItem(QString::fromStdString(measureInWords(connection, arguments)) +
-                                  QStringLiteral(" (%1 个公式)").arg(calls));
-            if (arguments == kept)
-                m_cboMeasure->setCurrentIndex(m_cboMeasure->count() - 1);
-        }
-    });
+    auto measures = measuresOf(m_sheet.calls);
+    const auto words =
+        m_context.database.read<std::vector<std::string>>(Icon::critical, [measures](Connection& open) {
+            std::vector<std::string> texts;
+            for (const auto& measure : measures)
+                texts.push_back(measureInWords(open, measure.arguments));
+            return texts;
+        });
+    if (!words)
+        return false;
+    m_measures = std::move(measures);
+    for (std::size_t at = 0; at < m_measures.size(); ++at) {
+        m_cboMeasure->addItem(QString::fromStdString((*words)[at]) +
+                              QStringLiteral(" (%1 个公式)").arg(m_measures[at].calls));
+        if (m_measures[at].arguments == kept)
+            m_cboMeasure->setCurrentIndex(m_cboMeasure->count() - 1);
+    }
+    return true;
 }
 
 void frmCoverage::readAccounts()
 {
-    m_accounts.clear();
-    try {
-        if (const int chosen = m_cboMeasure->currentIndex(); chosen >= 0)
-            m_accounts = coverageOf(m_measures[static_cast<std::size_t>(chosen)].arguments);
-    } catch (const std::exception& error) {
-        m_context.database.tell(Icon::critical, failures::sentenceOf(error));
-    } catch (const WorkCancelled&) {
-        // The list stays empty.
+    {
+        const CancellableWait waiting(windowTitle(), this);
+        askAccounts();
     }
     listAccounts();
 }
 
-std::vector<AccountCoverage> frmCoverage::coverageOf(const LedgerArguments& measure) const
+void frmCoverage::askAccounts()
 {
-    const CancellableWait waiting(windowTitle());
+    m_accounts.clear();
+    const int chosen = m_cboMeasure->currentIndex();
+    if (chosen < 0)
+        return;
     const auto range = m_txt->texts<std::array<std::string, 2>>();
-    // The call may be left behind: it owns what it uses.
-    return driverCall<std::vector<AccountCoverage>>(
-        [range, measure, connectionString = m_context.database.connectionString, calls = m_sheet.calls] {
-            const auto connection = openConnection(connectionString);
-            return accountCoverage(*connection, std::string(ascii::trimmed(range[0], " ")),
+    auto accounts = m_context.database.read<std::vector<AccountCoverage>>(
+        Icon::critical, [range, measure = m_measures[static_cast<std::size_t>(chosen)].arguments,
+                         calls = m_sheet.calls](Connection& open) {
+            return accountCoverage(open, std::string(ascii::trimmed(range[0], " ")),
                                    std::string(ascii::trimmed(range[1], " ")), measure, calls);
         });
+    if (accounts)
+        m_accounts = std::move(*accounts);
 }
 
 void frmCoverage::listAccounts()

@@ -36,10 +36,9 @@ private:
     void seekAccount(int index);
     /// Finds the calls and what they ask for. False if the user cancelled, or was told why not.
     bool readSheet();
-    /// Looks the accounts up for the measure that is chosen.
+    /// Looks the accounts up for the measure that is chosen, and lists them.
     void readAccounts();
-    /// @throws DatabaseError, WorkCancelled
-    std::vector<AccountCoverage> coverageOf(const LedgerArguments& measure) const;
+    void askAccounts(); ///< there are none if the user cancelled or was told why not
     void listAccounts();
     QString summary() const;
     void goToCells();

@@ -1,8 +1,8 @@
 #include "windows/list/frmSelfReportMain.h"
 
 #include "platform/list_grid/ListGrid.h"
+#include "platform/windows/CancellableWait.h"
 #include "platform/windows/ProportionalLayout.h"
-#include "platform/windows/WaitCursor.h"
 #include "reports/report_list.h"
 #include "reports/report_texts.h"
 #include "state/report_procedures.h"
@@ -85,15 +85,23 @@ void frmSelfReportMain::buildButtons()
 
 bool frmSelfReportMain::getReport()
 {
-    return m_context.database.run(Icon::exclamation, [this](Connection& connection) {
-        const WaitCursor waiting;
-        const std::vector<ListedReport> reports = storedReports(connection);
-        m_warning->setText(QString::fromStdString(collationWarning(connection)));
-        const QLocale locale = QLocale::system();
-        m_vsf1->clearRows();
-        for (const ListedReport& report : reports)
-            m_vsf1->addRow(reportRow(report, locale), reportSortRow(report));
+    struct Listing {
+        std::vector<ListedReport> reports;
+        std::string warning;
+    };
+    const CancellableWait waiting(QStringLiteral("正在读取报表列表"), this);
+    const auto listing = m_context.database.read<Listing>(Icon::exclamation, [](Connection& open) {
+        std::vector<ListedReport> reports = storedReports(open);
+        return Listing{std::move(reports), collationWarning(open)};
     });
+    if (!listing)
+        return false;
+    m_warning->setText(QString::fromStdString(listing->warning));
+    const QLocale locale = QLocale::system();
+    m_vsf1->clearRows();
+    for (const ListedReport& report : listing->reports)
+        m_vsf1->addRow(reportRow(report, locale), reportSortRow(report));
+    return true;
 }
 
 bool frmSelfReportMain::hasCurrentReport() const

@@ -132,11 +132,12 @@ void frmAccountWizard::getBasicInfo(int index)
 void frmAccountWizard::getHSXMDetail(const QString& account)
 {
     const std::string number(ascii::trimmed(account.toStdString(), " "));
-    m_context.database.run(Icon::critical, [&](Connection& connection) {
-        const ItemClasses classes = itemClassesOf(connection, number);
-        m_fps1->cells().setColumnDropDown(classColumn, classes.names);
-        m_fps1->cells().setColumnDropDown(classIdColumn, classes.ids);
-    });
+    const auto classes = m_context.database.read<ItemClasses>(
+        Icon::critical, [number](Connection& open) { return itemClassesOf(open, number); });
+    if (!classes)
+        return;
+    m_fps1->cells().setColumnDropDown(classColumn, classes->names);
+    m_fps1->cells().setColumnDropDown(classIdColumn, classes->ids);
 }
 
 void frmAccountWizard::getBasicInfoHSXM(int column)

@@ -22,8 +22,9 @@ frmCurrency::frmCurrency(ReportContext& context, std::function<void(const QStrin
 
 void frmCurrency::getCurrency()
 {
-    m_context.database.run(Icon::critical, [this](Connection& connection) {
-        const Recordset rows = connection.query("select * from tblCurrency order by fitemid");
+    m_context.database.done(Icon::critical, [this] {
+        const auto rows = m_context.database.asked<Recordset>(
+            [](Connection& open) { return open.query("select * from tblCurrency order by fitemid"); });
         for (std::size_t row = 0; row < rows.rowCount(); ++row)
             m_vsf1->addRow(
                 codeRow(rows.text(row, "fitemid"), rows.text(row, "fnumber"), rows.text(row, "fname")));

@@ -22,8 +22,9 @@ frmFilelList::frmFilelList(ReportContext& context, std::function<void(const QStr
 
 void frmFilelList::getFieldKeys()
 {
-    m_context.database.run(Icon::critical, [this](Connection& connection) {
-        const Recordset rows = connection.query("select * from tblSelfReportFieldKey order by noid");
+    m_context.database.done(Icon::critical, [this] {
+        const auto rows = m_context.database.asked<Recordset>(
+            [](Connection& open) { return open.query("select * from tblSelfReportFieldKey order by noid"); });
         for (std::size_t row = 0; row < rows.rowCount(); ++row)
             m_vsf1->addRow(codeRow("", rows.text(row, "fKey"), rows.text(row, "fKeyName")));
     });

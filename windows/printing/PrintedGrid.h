@@ -4,6 +4,7 @@
 #include "spreadsheet/values/Refusal.h"
 
 #include <array>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -39,9 +40,12 @@ public:
     virtual void closeDesigner() = 0;
     /// Why page set-up, header and footer may not be changed now.
     virtual spreadsheet::Refusal pageSetupRefusal() const { return {}; }
-    /// Whether the row under the report's id is not another report's now. Takes the row's lock in the
-    /// transaction under way.
-    virtual bool ownsRow(Connection& /*connection*/) { return true; }
+    /// Finds out whether the row under the report's id is not another report's now, and takes its lock in the
+    /// transaction under way. It owns what it uses.
+    virtual std::function<bool(Connection&)> ownershipOfRow() const
+    {
+        return [](Connection&) { return true; };
+    }
     /// The report's row holds these now; margins left, right, top, bottom.
     virtual void pageSetupStored(const std::array<double, 4>& /*inches*/, bool /*isPortrait*/) {}
     virtual void headerStored(bool /*isFooter*/, const std::string& /*codes*/) {}

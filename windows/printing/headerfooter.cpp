@@ -12,7 +12,6 @@
 #include "windows/printing/PrintedGrid.h"
 #include "windows/printing/stored_page_setup.h"
 
-#include <QCoreApplication>
 #include <QGroupBox>
 #include <QLabel>
 #include <QMouseEvent>
@@ -51,12 +50,15 @@ void setOnGrid(PrintedGrid& grid, bool footer, const std::string& codes)
                         [&](PrintSettings& print) { (footer ? print.footer : print.header) = codes; });
 }
 
-void storeCodes(PrintedGrid& grid, Connection& connection, bool footer, const std::string& codes)
+void storeCodes(PrintedGrid& grid, bool footer, const std::string& codes)
 {
-    if (const std::string problem = headerRefusal(connection, footer, codes); !problem.empty())
-        throw std::runtime_error(problem);
-    changeStoredPageSetup(grid, connection, saveHeaderStatement(grid.context.report.id, footer), {codes});
-    grid.headerStored(footer, codes);
+    const auto refusal = [footer, codes](Connection& open) { return headerRefusal(open, footer, codes); };
+    const auto isStored = [footer, codes](const StoredPageSetup& setup) {
+        return (footer ? setup.footer : setup.header) == codes;
+    };
+    if (changeStoredPageSetup(grid, saveHeaderStatement(grid.context.report.id, footer), {codes}, isStored,
+                              refusal))
+        grid.headerStored(footer, codes);
 }
 
 } // namespace
@@ -198,17 +200,18 @@ bool headerfooter::SaveConfiguration()
         return false;
     if (!fpSpread1->entry().commit())
         return false;
-    m_grid.context.database.run(Icon::critical, [this](Connection& connection) {
-        QCoreApplication::processEvents();
-        const std::string codes = headerCodes(headerGridOf(fpSpread1->cells().sheet()));
-        setOnGrid(m_grid, isFooter(), codes);
-        OpenReport& report = m_grid.context.report;
-        (isFooter() ? report.footer : report.header) = codes;
-        if (report.editFlag == 0)
-            m_grid.tellStatus("报表尚未保存,页眉页脚没有存入数据库");
-        else
-            storeCodes(m_grid, connection, isFooter(), codes);
-    });
+    DatabaseAccess& database = m_grid.context.database;
+    if (!database.done(Icon::critical, [&] { database.opened(); }))
+        return true;
+    const std::string codes = headerCodes(headerGridOf(fpSpread1->cells().sheet()));
+    setOnGrid(m_grid, isFooter(), codes);
+    OpenReport& report = m_grid.context.report;
+    (isFooter() ? report.footer : report.header) = codes;
+    if (report.editFlag == 0)
+        m_grid.tellStatus("报表尚未保存,页眉页脚没有存入数据库");
+    else
+        storeCodes(m_grid, isFooter(), codes);
+    database.close();
     return true;
 }
 

@@ -129,8 +129,10 @@ void pagesetup::getReportInfo()
     ReportContext& context = m_grid.context;
     if (context.report.editFlag == 0 || m_grid.pageSetupRefusal())
         return; // the row under its id is another report's
-    context.database.run(Icon::critical, [&](Connection& connection) {
-        const Recordset rows = connection.query(loadPageSetupStatement(context.report.id));
+    context.database.done(Icon::critical, [&] {
+        const auto rows =
+            context.database.asked<Recordset>([statement = loadPageSetupStatement(context.report.id)](
+                                                  Connection& open) { return open.query(statement); });
         if (rows.isEmpty())
             return;
         static constexpr const char* columns[] = {"fLeft", "fRight", "fTop", "fBottom"};
@@ -190,12 +192,14 @@ void pagesetup::saveToDB()
         return;
     }
     const bool isPortrait = porientation[0]->isChecked();
-    const bool isStored = context.database.run(Icon::critical, [&](Connection& connection) {
-        changeStoredPageSetup(m_grid, connection,
-                              savePageSetupStatement(context.report.id, inches(), isPortrait));
-    });
-    if (isStored)
-        m_grid.pageSetupStored(inches(), isPortrait);
+    const std::array<double, 4> margins = inches();
+    const auto isStored = [margins, isPortrait](const StoredPageSetup& setup) {
+        return margins == std::array{setup.left, setup.right, setup.top, setup.bottom} &&
+               (setup.direction == 1) == isPortrait;
+    };
+    if (changeStoredPageSetup(m_grid, savePageSetupStatement(context.report.id, margins, isPortrait), {},
+                              isStored))
+        m_grid.pageSetupStored(margins, isPortrait);
 }
 
 int pagesetup::exec()

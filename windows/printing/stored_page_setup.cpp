@@ -1,19 +1,39 @@
 #include "windows/printing/stored_page_setup.h"
 
+#include "reports/commit_outcome.h"
+#include "reports/report_statements.h"
+#include "reports/ReportContext.h"
 #include "windows/printing/PrintedGrid.h"
 
 #include <stdexcept>
 
 namespace selfreport {
 
-void changeStoredPageSetup(PrintedGrid& grid, Connection& connection, std::string_view statement,
-                           std::initializer_list<SqlValue> values)
+bool changeStoredPageSetup(PrintedGrid& grid, const std::string& statement,
+                           const std::vector<SqlValue>& values,
+                           const std::function<bool(const StoredPageSetup&)>& isStored,
+                           const std::function<std::string(Connection&)>& refusal)
 {
-    Transaction transaction(connection);
-    if (!grid.ownsRow(connection))
-        throw std::runtime_error("这张报表的编号现在属于另一张报表，页面设置和页眉页脚没有存入数据库。");
-    connection.execute(statement, values);
-    transaction.commit();
+    ReportContext& context = grid.context;
+    const auto work = [=, ownsRow = grid.ownershipOfRow(),
+                       setup = pageSetupStatement(context.report.id)](Connection& open) {
+        if (const std::string problem = refusal ? refusal(open) : std::string(); !problem.empty())
+            throw std::runtime_error(problem);
+        Transaction transaction(open);
+        if (!ownsRow(open))
+            throw std::runtime_error("这张报表的编号现在属于另一张报表，页面设置和页眉页脚没有存入数据库。");
+        open.execute(statement, values);
+        commitOrFindOut(transaction,
+                        [&](Connection& fresh) { return isStored(pageSetupOf(fresh.query(setup))); });
+        return true;
+    };
+    return context.database.done(Icon::critical, [&] {
+        try {
+            context.database.changed<bool>(work);
+        } catch (const WorkCancelled&) {
+            throw std::runtime_error("操作已取消，页面设置和页眉页脚没有存入数据库。");
+        }
+    });
 }
 
 } // namespace selfreport

@@ -1,17 +1,23 @@
 #pragma once
 #include "platform/database/Connection.h"
+#include "reports/page_setup.h"
 
-#include <initializer_list>
-#include <string_view>
+#include <functional>
+#include <string>
+#include <vector>
 
 namespace selfreport {
 
 class PrintedGrid;
 
-/// Changes margins, orientation, header or footer in the report's row by a statement, in one transaction.
-/// @throws std::runtime_error, changing nothing, if the row is another report's now
-/// @throws DatabaseError
-void changeStoredPageSetup(PrintedGrid& grid, Connection& connection, std::string_view statement,
-                           std::initializer_list<SqlValue> values = {});
+/// Changes margins, orientation, header or footer in the row of the report that is open, by a statement in
+/// one transaction. False after telling the user why it was not done, or that nobody knows: the row is
+/// another report's now, the database failed, the user cancelled.
+/// @param isStored  whether the row holds what the statement writes
+/// @param refusal   finds out why the values do not fit their columns; owns what it uses
+bool changeStoredPageSetup(PrintedGrid& grid, const std::string& statement,
+                           const std::vector<SqlValue>& values,
+                           const std::function<bool(const StoredPageSetup&)>& isStored,
+                           const std::function<std::string(Connection&)>& refusal = {});
 
 } // namespace selfreport

@@ -11,6 +11,7 @@
 #include <sqlext.h>
 #include <sqlucode.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <thread>
 
 namespace selfreport {
@@ -47,6 +48,13 @@ int socketOf(SQLHDBC connection)
     sockaddr_storage peer{};
     socklen_t size = sizeof peer;
     return ::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &size) == 0 ? socket : -1;
+}
+
+/// Tells a socket from another one under the same number.
+std::optional<ino_t> identityOf(int socket)
+{
+    struct stat status {};
+    return socket >= 0 && ::fstat(socket, &status) == 0 ? std::optional(status.st_ino) : std::nullopt;
 }
 
 } // namespace
@@ -135,6 +143,7 @@ void OdbcSession::connect(const OdbcTarget& target)
     if (!SQL_SUCCEEDED(connected))
         throw openingError(odbcRecords(SQL_HANDLE_DBC, m_connection));
     m_socket = socketOf(m_connection);
+    m_socketIdentity = identityOf(m_socket);
 }
 
 std::int64_t OdbcSession::execute(std::string_view sql, std::span<const SqlValue> values)
@@ -365,10 +374,10 @@ void OdbcSession::limitWaits(std::chrono::seconds longest)
         m_queryTimeout = seconds;
 }
 
-/// The driver finds the socket closed, whatever it waits for.
+/// The driver finds the socket closed, whatever it waits for. It may have closed it by itself before.
 void OdbcSession::cut()
 {
-    if (!m_isCut.exchange(true) && m_socket >= 0)
+    if (!m_isCut.exchange(true) && m_socketIdentity && identityOf(m_socket) == m_socketIdentity)
         ::shutdown(m_socket, SHUT_RDWR);
 }
 

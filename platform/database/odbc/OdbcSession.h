@@ -6,7 +6,9 @@
 
 #include <atomic>
 #include <mutex>
+#include <optional>
 #include <sql.h>
+#include <sys/types.h>
 
 namespace selfreport {
 
@@ -47,6 +49,7 @@ private:
     int m_usualTimeout = 0; ///< of statements, in seconds; 0: none
     int m_queryTimeout = 0; ///< now
     int m_socket = -1;      ///< that the driver uses; -1: it does not tell
+    std::optional<ino_t> m_socketIdentity;
     std::int64_t m_signsOfLife = 0;
     bool m_inTransaction = false;
     std::optional<TextColumns> m_textColumns; ///< once they were asked for

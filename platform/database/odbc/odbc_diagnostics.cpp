@@ -20,6 +20,8 @@ bool anyNative(std::span<const OdbcRecord> records, const std::array<std::int32_
     });
 }
 
+constexpr const char* connectionIsLost = "与数据库的连接已断开";
+
 struct Kind {
     std::int32_t native; ///< 0: told by the state
     std::string_view state;
@@ -51,11 +53,11 @@ constexpr std::array kinds{
     Kind{0, "08001", "连不上数据库服务器"},
     Kind{20009, "", "连不上数据库服务器"},
     Kind{20002, "", "连不上数据库服务器"},
-    Kind{0, "08", "与数据库的连接已断开"},
-    Kind{20004, "", "与数据库的连接已断开"},
-    Kind{20006, "", "与数据库的连接已断开"},
-    Kind{20017, "", "与数据库的连接已断开"},
-    Kind{20020, "", "与数据库的连接已断开"},
+    Kind{0, "08", connectionIsLost},
+    Kind{20004, "", connectionIsLost},
+    Kind{20006, "", connectionIsLost},
+    Kind{20017, "", connectionIsLost},
+    Kind{20020, "", connectionIsLost},
     Kind{0, "HY008", "操作已取消"},
     Kind{0, "42S02", "找不到表或视图"},
     Kind{0, "23", "数据重复或不完整，数据库不接受"},
@@ -63,17 +65,17 @@ constexpr std::array kinds{
 };
 
 /// Our words for what the records tell.
-const char* ourWords(std::span<const OdbcRecord> records)
+const char* ourWords(std::span<const OdbcRecord> records, const char* otherwise)
 {
     for (const Kind& kind : kinds)
         if (std::ranges::any_of(records, [&](const OdbcRecord& record) {
                 return kind.native != 0 ? record.native == kind.native : record.state.starts_with(kind.state);
             }))
             return kind.text;
-    return "数据库报告了错误";
+    return otherwise;
 }
 
-std::string joinedTexts(std::span<const OdbcRecord> records)
+std::string joinedTexts(std::span<const OdbcRecord> records, const char* otherwise = "数据库报告了错误")
 {
     std::string text;
     for (const OdbcRecord& record : records) {
@@ -81,7 +83,8 @@ std::string joinedTexts(std::span<const OdbcRecord> records)
             continue;
         text += (text.empty() ? "" : "\n") + record.text;
     }
-    return text.empty() ? "与数据库的连接已断开, 或数据库没有说明原因" : ourWords(records) + ("：" + text);
+    return text.empty() ? "与数据库的连接已断开, 或数据库没有说明原因"
+                        : ourWords(records, otherwise) + ("：" + text);
 }
 
 OdbcRecord readRecord(SQLSMALLINT handleType, SQLHANDLE handle, SQLSMALLINT number, bool& found)
@@ -166,9 +169,11 @@ void throwWorkError(std::span<const OdbcRecord> records, bool isDead)
 {
     // A key that is taken, twice; the victim of a deadlock; a row that changed since the snapshot.
     static constexpr std::array<std::int32_t, 4> repeatable{2627, 2601, 1205, 3960};
-    const DatabaseError error = workError(records);
-    if (isDead || saysLost(records))
+    DatabaseError error = workError(records);
+    if (isDead || saysLost(records)) {
+        error.description = joinedTexts(records, connectionIsLost);
         throw errorAs<ConnectionLost>(error);
+    }
     if (anyNative(records, repeatable))
         throw RepeatableError(error.number, error.description);
     throw error;
