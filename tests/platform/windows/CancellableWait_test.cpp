@@ -42,9 +42,14 @@ struct CancellableWaits : test::WindowTest {
         QWidget* const modal = QApplication::activeModalWidget();
         return modal && modal->objectName() == "workProgress" ? modal : nullptr;
     }
-    /// Types as a user does: into whatever has the focus.
+    /// Types as a user does: into whatever has the focus, which a window manager moves between two windows.
     static void type(const char* keys)
     {
+        ASSERT_TRUE(QTest::qWaitFor([] {
+            const QWidget* const modal = QApplication::activeModalWidget();
+            return QApplication::focusWindow() &&
+                   (!modal || modal->windowHandle() == QApplication::focusWindow());
+        }));
         for (const char* key = keys; *key; ++key)
             QTest::keyClick(QApplication::focusWindow(), *key);
     }
