@@ -143,7 +143,8 @@ void sendKey(QWidget& window, QEvent& event)
 class HeldInput::Delivery : public QObject {
 public:
     Delivery(QWidget& window, std::deque<Held> held)
-        : m_window(&window)
+        : QObject(qApp) // which may end before the next turn of its loop
+        , m_window(&window)
         , m_held(std::move(held))
     {
         connect(&m_timer, &QTimer::timeout, this, &Delivery::deliver);

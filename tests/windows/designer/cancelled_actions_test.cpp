@@ -1,4 +1,5 @@
 // What a user sees of a server that does not answer, or slowly: with the real wait and its dialog.
+#include "access/driver_call.h"
 #include "platform/windows/CancellableWait.h"
 #include "tests/tdsserver/TdsServer.h"
 #include "tests/windows/designer/DesignerTest.h"
@@ -130,10 +131,15 @@ TEST_F(CancelledActions, WhatIsTypedForTheSlowCoverageGoesThereAndNotIntoTheShee
     moveTo(1, 1);
     const std::string before = formula(1, 1);
     server.replyDelay = std::chrono::milliseconds(700);
-    QTimer::singleShot(300, window.get(), [] {
+    QTimer early; // types as soon as the action waits
+    QObject::connect(&early, &QTimer::timeout, &early, [&early] {
+        if (!isDriverCallUnderWay())
+            return;
+        early.stop();
         for (const char key : {'1', '0'})
             QTest::keyClick(QApplication::focusWindow(), key);
     });
+    early.start(5);
     whenModal("workProgress", [](QWidget&) {
         for (const char key : {'0', '1'})
             QTest::keyClick(QApplication::focusWindow(), key);
@@ -142,10 +148,12 @@ TEST_F(CancelledActions, WhatIsTypedForTheSlowCoverageGoesThereAndNotIntoTheShee
     server.replyDelay = 0ms;
     auto* const coverage = window->findChild<frmCoverage*>();
     ASSERT_NE(coverage, nullptr);
-    EXPECT_TRUE(QTest::qWaitFor([&] {
-        return control<QLineEdit>(*coverage, "txt_0").text() == "1001" &&
-               QApplication::activeWindow() == coverage;
-    }));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            return control<QLineEdit>(*coverage, "txt_0").text() == "1001" &&
+                   QApplication::activeWindow() == coverage;
+        },
+        20'000));
     EXPECT_EQ(formula(1, 1), before);
     delete coverage;
 }
