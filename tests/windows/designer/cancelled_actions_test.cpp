@@ -140,7 +140,8 @@ TEST_F(CancelledActions, WhatIsTypedForTheSlowCoverageGoesThereAndNotIntoTheShee
             QTest::keyClick(QApplication::focusWindow(), key);
     });
     early.start(5);
-    whenModal("workProgress", [](QWidget&) {
+    whenModal("workProgress", [](QWidget& dialog) {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::focusWindow() == dialog.windowHandle(); }));
         for (const char key : {'0', '1'})
             QTest::keyClick(QApplication::focusWindow(), key);
     });
