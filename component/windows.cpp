@@ -2,6 +2,7 @@
 
 #include "component/host_call.h"
 #include "platform/list_grid/ListGrid.h"
+#include "platform/windows/HeldInput.h"
 #include "state/mdlMain.h"
 #include "state/shared_state.h"
 #include "windows/designer/frmEditor.h"
@@ -83,7 +84,7 @@ void refillList()
         sharedContext.listRow = frmSelfReportMain(sharedContext, showDesigner).vsf1().row();
 }
 
-/// The open window is not in the middle of anything: no dialog and no wait of ours is over it.
+/// The open window is not in the middle of anything: no dialog of ours is over it.
 bool isIdle(const Place& place)
 {
     return place.window && QApplication::activeModalWidget() == place.window;
@@ -118,7 +119,7 @@ void requireRoomFor(HostWindow window)
 {
     if ((window == HostWindow::list ? listPlace : designerPlace).taken)
         throw HostError(window == HostWindow::list ? listIsOpen : designerIsOpen);
-    if (isDriverCallUnderWay() || (topPlace && !isIdle(*topPlace)))
+    if (isDriverCallUnderWay() || HeldInput::isHolding() || (topPlace && !isIdle(*topPlace)))
         throw HostError("报表窗口正在处理另一项操作，请稍后再试。");
 }
 

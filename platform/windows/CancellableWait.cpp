@@ -1,9 +1,13 @@
 #include "platform/windows/CancellableWait.h"
 
+#include "platform/windows/front_window.h"
+
 #include <QApplication>
 #include <QEventLoop>
+#include <QTimer>
 
 #include <chrono>
+#include <functional>
 #include <future>
 #include <thread>
 #include <utility>
@@ -15,27 +19,22 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto sameAction = 20ms;
-constexpr auto unpainted = 100ms; // the eye does not see it, and most calls end within
+constexpr auto unpainted = 100ms;  // the eye does not see it, and most calls end within
+constexpr auto activation = 250ms; // that a window manager may take
 constexpr auto pollInterval = 5ms;
-
-QWidget* frontWindow()
-{
-    QWidget* const modal = QApplication::activeModalWidget();
-    return modal ? modal : QApplication::activeWindow();
-}
 
 bool isReady(const std::future<void>& work)
 {
     return work.wait_for(0s) == std::future_status::ready;
 }
 
-/// Lets events pass until the work has ended or the time is over.
-void letEventsPass(const std::future<void>& work, QDeadlineTimer until)
+/// Lets events pass until something has come about or the time is over.
+void letEventsPass(const std::function<bool()>& hasComeAbout, QDeadlineTimer until)
 {
     QEventLoop loop;
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
-        if (isReady(work) || until.hasExpired())
+        if (hasComeAbout() || until.hasExpired())
             loop.quit();
     });
     poll.start(pollInterval);
@@ -58,21 +57,25 @@ CancellableWait::CancellableWait(const QString& title, QWidget* window, QDeadlin
 {
 }
 
-/// A window manager gives the focus to the dialog's owner, which need not be the window that began.
+/// A window manager gives the focus to the dialog's owner, which need not be the window that began. Keys that
+/// come before some window has it are nobody's: the dialog stays until then.
 CancellableWait::~CancellableWait()
 {
     if (!m_dialog)
         return;
-    m_dialog.reset();
-    if (m_window && m_window->isVisible())
+    if (m_window && m_window->isVisible() && !isBlocked(*m_window)) {
         m_window->activateWindow();
+        letEventsPass([this] { return !m_window || QApplication::activeWindow() == m_window; },
+                      QDeadlineTimer(activation));
+    }
+    m_dialog.reset();
 }
 
 void CancellableWait::openDialog()
 {
     m_cursor.reset();
-    m_dialog.emplace(m_title, m_window);
-    m_held.setDialog(&*m_dialog);
+    m_dialog.emplace(m_title, m_window, Qt::NonModal);
+    HeldInput::addDialog(*m_dialog);
 }
 
 CallEnd CancellableWait::runApart(std::function<void()> call, std::function<void()> stop)
@@ -88,7 +91,7 @@ CallEnd CancellableWait::runApart(std::function<void()> call, std::function<void
     if (!m_dialog) {
         ends = ended.wait_for(unpainted) == std::future_status::ready;
         if (!ends)
-            letEventsPass(ended, m_patience);
+            letEventsPass([&] { return isReady(ended); }, m_patience);
         ends = isReady(ended);
     }
     if (!ends) {

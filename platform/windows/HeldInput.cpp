@@ -1,16 +1,20 @@
 #include "platform/windows/HeldInput.h"
 
+#include "platform/windows/front_window.h"
+
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QMouseEvent>
+#include <QTimer>
 #include <QWidget>
 #include <QWindow>
 
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <utility>
 
 namespace selfreport {
@@ -23,7 +27,9 @@ constexpr auto deliveryInterval = 10ms;
 constexpr qint64 longestUnseen = 3000; // milliseconds: a window that does not open gets nothing
 constexpr qint64 activationTime = 500; // milliseconds that a window manager may take
 
-bool holding = false; ///< on the user-interface thread
+constexpr qint64 seen = 1000; // milliseconds that tell a key for the dialog from a late one
+
+HeldInput* holder = nullptr; ///< on the user-interface thread
 
 bool isKey(const QEvent& event)
 {
@@ -94,18 +100,6 @@ const QWidget* windowOf(const QObject& receiver)
     return nullptr;
 }
 
-/// Whether a modal window is in front of it.
-bool isBlocked(const QWidget& window)
-{
-    const QWidget* const modal = QApplication::activeModalWidget();
-    if (!modal)
-        return false;
-    for (const QWidget* at = &window; at; at = at->parentWidget())
-        if (at == modal)
-            return false;
-    return true;
-}
-
 /// Menus and buttons hear of their keys before the widget with the focus does.
 bool triggersShortcut(const QWidget& window, QWidget& focus, const QKeyEvent& key)
 {
@@ -151,13 +145,23 @@ public:
         m_timer.start(deliveryInterval);
         m_age.start();
         qApp->installEventFilter(this);
+        s_last = this;
+    }
+
+    /// What was held back later comes behind what is on its way already.
+    static void start(QWidget& window, std::deque<Held> held)
+    {
+        if (!s_last || s_last->m_window != &window || !s_last->m_timer.isActive())
+            new Delivery(window, std::move(held)); // ends by itself
+        else
+            std::ranges::move(held, std::back_inserter(s_last->m_held));
     }
 
 protected:
     bool eventFilter(QObject* receiver, QEvent* event) override
     {
         if (!isKey(*event) || !isInput(*event) || m_isSending || !m_window ||
-            windowOf(*receiver) != m_window || holding)
+            windowOf(*receiver) != m_window || holder)
             return false;
         m_held.push_back({receiver, copyOf(*event)});
         return true;
@@ -173,7 +177,7 @@ private:
                 end();
             return;
         }
-        if (holding)
+        if (holder)
             return;
         if (isBlocked(*m_window)) { // a box is read and closed; another window is what the user works in now
             if (!qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
@@ -183,7 +187,7 @@ private:
         }
         if (QApplication::activeWindow() != m_window && m_age.elapsed() < activationTime)
             return m_window->activateWindow();
-        while (!m_held.empty() && m_window && !isBlocked(*m_window) && !holding)
+        while (!m_held.empty() && m_window && !isBlocked(*m_window) && !holder)
             sendNext();
     }
 
@@ -234,16 +238,19 @@ private:
     QElapsedTimer m_age;         ///< since it was last kept from delivering
     QPointer<QWidget> m_pressed; ///< where the last click began
     bool m_isSending = false;
+
+    inline static QPointer<Delivery> s_last;
 };
 
 HeldInput::HeldInput(QWidget* window)
     : m_window(window)
     , m_modalBefore(QApplication::activeModalWidget())
-    , m_isInstalled(window && !holding)
+    , m_goesWhereItCame(!window)
+    , m_isInstalled(!holder)
 {
     if (!m_isInstalled)
         return;
-    holding = true;
+    holder = this;
     qApp->installEventFilter(this);
 }
 
@@ -251,33 +258,94 @@ HeldInput::~HeldInput()
 {
     if (!m_isInstalled)
         return;
-    holding = false;
+    holder = nullptr;
     qApp->removeEventFilter(this);
     if (m_window && !m_held.empty())
-        new Delivery(*m_window, std::move(m_held)); // ends by itself
+        Delivery::start(*m_window, std::move(m_held));
 }
 
-/// The dialog hears of clicks and of Esc; a box that opened meanwhile, of everything.
+bool HeldInput::isHolding()
+{
+    return holder != nullptr;
+}
+
+void HeldInput::addDialog(QWidget& dialog)
+{
+    if (!holder)
+        return;
+    holder->m_dialogs.emplace_back(&dialog);
+    holder->m_quiet.start();
+}
+
+/// Null if none is open.
+QWidget* HeldInput::dialog() const
+{
+    const auto open = std::ranges::find_if(m_dialogs.rbegin(), m_dialogs.rend(),
+                                           [](const auto& dialog) { return dialog && dialog->isVisible(); });
+    return open == m_dialogs.rend() ? nullptr : open->data();
+}
+
+/// Whether the dialog has an event that came for it.
+bool HeldInput::isForDialog(const QEvent& event) const
+{
+    if (!isKey(event) && event.type() != QEvent::ShortcutOverride)
+        return true;
+    if (event.type() == QEvent::InputMethod)
+        return false;
+    const auto& key = static_cast<const QKeyEvent&>(event);
+    if (key.key() == Qt::Key_Escape)
+        return true;
+    if (event.type() == QEvent::KeyRelease || key.isAutoRepeat())
+        return key.key() == m_pressed;
+    return m_quiet.hasExpired(seen) &&
+           (key.key() == Qt::Key_Space || key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter);
+}
+
 bool HeldInput::isLive(const QObject& receiver, const QEvent& event) const
 {
     const QWidget* const window = windowOf(receiver);
-    if (m_dialog && window == m_dialog)
-        return !isKey(event) || (event.type() != QEvent::InputMethod &&
-                                 static_cast<const QKeyEvent&>(event).key() == Qt::Key_Escape);
+    if (window && window == dialog())
+        return isForDialog(event);
     const QWidget* const modal = QApplication::activeModalWidget();
-    return modal && modal != m_modalBefore && modal != m_dialog;
+    return modal && modal != m_modalBefore;
+}
+
+void HeldInput::hold(QObject& receiver, const QEvent& event)
+{
+    QWidget* const open = dialog();
+    if (m_goesWhereItCame && !m_window && (!open || windowOf(receiver) != open))
+        m_window = const_cast<QWidget*>(windowOf(receiver));
+    m_held.push_back({&receiver, copyOf(event)});
+    if (isKey(event))
+        m_quiet.restart();
+    else if (open && event.type() == QEvent::MouseButtonPress)
+        open->activateWindow(); // the click has brought its own window to the front
 }
 
 bool HeldInput::eventFilter(QObject* receiver, QEvent* event)
 {
-    if (event->type() == QEvent::ShortcutOverride && !isLive(*receiver, *event)) {
+    if (event->type() != QEvent::ShortcutOverride && !isInput(*event))
+        return false;
+    const bool live = isLive(*receiver, *event);
+    if (event->type() == QEvent::ShortcutOverride) {
+        if (live)
+            return false;
         event->accept(); // so that the key comes as a key
         return true;
     }
-    if (!isInput(*event) || isLive(*receiver, *event))
+    QWidget* const open = dialog();
+    if (live) {
+        if (event->type() == QEvent::KeyPress && windowOf(*receiver) == open)
+            m_pressed = static_cast<const QKeyEvent*>(event)->key();
         return false;
+    }
+    if (open && event->type() == QEvent::KeyPress &&
+        static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        QCoreApplication::sendEvent(open, event); // the user sees the dialog before it has the focus
+        return true;
+    }
     if (isKept(*event))
-        m_held.push_back({receiver, copyOf(*event)});
+        hold(*receiver, *event);
     if (event->type() == QEvent::Close)
         event->ignore();
     return true;

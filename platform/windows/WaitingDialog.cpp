@@ -1,5 +1,7 @@
 #include "platform/windows/WaitingDialog.h"
 
+#include "platform/windows/front_window.h"
+
 #include <QApplication>
 #include <QEventLoop>
 #include <QLabel>
@@ -24,17 +26,23 @@ bool isReady(const std::future<void>& work)
     return work.wait_for(0s) == std::future_status::ready;
 }
 
+/// A window that a modal one blocks would have the dialog blocked too.
+QWidget* ownerFor(QWidget* over)
+{
+    return over && over->isVisible() && !isBlocked(*over) ? over : frontWindow();
+}
+
 } // namespace
 
-WaitingDialog::WaitingDialog(const QString& title, QWidget* over)
-    : QDialog(over && over->isVisible() ? over : QApplication::activeWindow())
+WaitingDialog::WaitingDialog(const QString& title, QWidget* over, Qt::WindowModality modality)
+    : QDialog(ownerFor(over))
     , m_label(new QLabel(title))
     , m_bar(new QProgressBar)
     , m_cancel(new QPushButton(QStringLiteral("取消")))
 {
     setObjectName(QStringLiteral("workProgress"));
     setWindowTitle(title);
-    setWindowModality(Qt::ApplicationModal);
+    setWindowModality(modality);
     setMinimumWidth(dialogWidth);
     m_bar->setRange(0, 0);
     m_cancel->setObjectName(QStringLiteral("cmdCancel"));

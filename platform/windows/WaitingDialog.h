@@ -15,8 +15,10 @@ namespace selfreport {
 /// and `cmdCancel`). It is open as long as it lives. Cancelling only asks: the work ends early by itself.
 class WaitingDialog : public QDialog {
 public:
-    /// @param over  null: the active window
-    explicit WaitingDialog(const QString& title, QWidget* over = nullptr);
+    /// @param over      null: the active window
+    /// @param modality  whether it keeps the input from other windows itself
+    explicit WaitingDialog(const QString& title, QWidget* over = nullptr,
+                           Qt::WindowModality modality = Qt::ApplicationModal);
 
     /// Waits for work on another thread.
     /// @param meanwhile        called again and again

@@ -28,7 +28,26 @@ protected:
     /// be called before what opens it.
     static void whenModal(const char* objectName, std::function<void(QWidget&)> act)
     {
-        awaitModal(objectName, std::move(act), 0);
+        awaitWindow(
+            [objectName] {
+                QWidget* const modal = QApplication::activeModalWidget();
+                return modal && modal->objectName() == objectName ? modal : nullptr;
+            },
+            objectName, std::move(act), 0);
+    }
+
+    /// The dialog in which the user waits for the database; null if it is not open. It is not modal.
+    static QWidget* waitingDialog()
+    {
+        for (QWidget* const window : QApplication::topLevelWidgets())
+            if (window->isVisible() && window->objectName() == "workProgress")
+                return window;
+        return nullptr;
+    }
+    /// The same as whenModal() for it.
+    static void whenWaiting(std::function<void(QWidget&)> act)
+    {
+        awaitWindow(waitingDialog, "workProgress", std::move(act), 0);
     }
 
     /// Alt and a letter. A button that is reached so clicks a tenth of a second later.
@@ -48,17 +67,16 @@ protected:
     }
 
 private:
-    static void awaitModal(const char* objectName, std::function<void(QWidget&)> act, int waited)
+    static void awaitWindow(std::function<QWidget*()> find, const char* name,
+                            std::function<void(QWidget&)> act, int waited)
     {
         constexpr int pause = 10;         // milliseconds
         constexpr int longestWait = 5000; // milliseconds
         QTimer::singleShot(waited == 0 ? 0 : pause, qApp, [=, act = std::move(act)]() mutable {
-            QWidget* const window = QApplication::activeModalWidget();
-            const bool isThere = window && window->objectName() == objectName;
-            if (!isThere && waited < longestWait)
-                return awaitModal(objectName, std::move(act), waited + pause);
-            ASSERT_NE(window, nullptr) << objectName << " did not open";
-            EXPECT_EQ(window->objectName(), objectName);
+            QWidget* const window = find();
+            if (!window && waited < longestWait)
+                return awaitWindow(std::move(find), name, std::move(act), waited + pause);
+            ASSERT_NE(window, nullptr) << name << " did not open; " << QApplication::activeModalWidget();
             act(*window);
         });
     }

@@ -37,21 +37,17 @@ struct CancellableWaits : test::WindowTest {
         int paints = 0;
     };
 
-    static QWidget* dialog()
-    {
-        QWidget* const modal = QApplication::activeModalWidget();
-        return modal && modal->objectName() == "workProgress" ? modal : nullptr;
-    }
-    /// Types as a user does: into whatever has the focus, which a window manager moves between two windows.
+    /// Types as a user does, whoever has the focus by then: a window manager moves it when it likes.
     static void type(const char* keys)
     {
-        ASSERT_TRUE(QTest::qWaitFor([] {
-            const QWidget* const modal = QApplication::activeModalWidget();
-            return QApplication::focusWindow() &&
-                   (!modal || modal->windowHandle() == QApplication::focusWindow());
-        }));
+        QWindow* const focus = QApplication::focusWindow();
+        ASSERT_TRUE(focus);
+        typeFor(*focus, keys);
+    }
+    static void typeFor(QWindow& window, const char* keys)
+    {
         for (const char* key = keys; *key; ++key)
-            QTest::keyClick(QApplication::focusWindow(), *key);
+            QTest::keyClick(&window, *key);
     }
     static CallEnd waitFor(QWidget& window, std::chrono::milliseconds time)
     {
@@ -67,7 +63,7 @@ TEST_F(CancellableWaits, PaintsFromTheStartAndKeepsInputForItsWindow)
     const int before = window.paints;
     int paintedEarly = 0;
     QTimer::singleShot(200, &window, [&] { // no dialog yet
-        EXPECT_FALSE(dialog());
+        EXPECT_FALSE(waitingDialog());
         type("1");
         QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, window.button->geometry().center());
         type("0");
@@ -75,8 +71,10 @@ TEST_F(CancellableWaits, PaintsFromTheStartAndKeepsInputForItsWindow)
     });
     QTimer::singleShot(350, &window, [&] { paintedEarly = window.paints - before; });
     std::atomic<bool> isOver = false;
-    whenModal("workProgress", [&](QWidget&) {
-        type("0 1\r"); // neither the blank nor Enter may press the dialog's button
+    whenWaiting([&](QWidget& dialog) {
+        typeFor(*window.windowHandle(), "0");    // which has the focus until the window manager moves it
+        typeFor(*dialog.windowHandle(), " 1\r"); // neither blank nor Enter may press the dialog's button
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, window.button->geometry().center());
         EXPECT_EQ(window.text->text(), "");
         EXPECT_EQ(window.clicks, 0);
         isOver = true;
@@ -89,11 +87,12 @@ TEST_F(CancellableWaits, PaintsFromTheStartAndKeepsInputForItsWindow)
         CancellableWait waiting("工作", &window);
         EXPECT_EQ(waiting.runApart(work, {}), CallEnd::done);
     }
+    EXPECT_EQ(QApplication::activeWindow(), &window) << "at once: keys may come";
     EXPECT_GT(paintedEarly, 0);
     EXPECT_EQ(window.text->text(), "") << "the action's own box would come here";
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.text->text() == "100 1"; }))
         << window.text->text().toStdString();
-    EXPECT_EQ(window.clicks, 1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.clicks == 2; }));
     EXPECT_EQ(QApplication::activeWindow(), &window);
 }
 
@@ -136,7 +135,7 @@ TEST_F(CancellableWaits, CancellingLeavesASilentCallWithinHalfASecond)
     const auto ended = std::make_shared<std::atomic<bool>>(false);
     int stops = 0;
     Clock::time_point cancelled;
-    whenModal("workProgress", [&](QWidget& opened) {
+    whenWaiting([&](QWidget& opened) {
         cancelled = Clock::now();
         QTest::mouseClick(opened.findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
     });
@@ -155,9 +154,64 @@ TEST_F(CancellableWaits, CancellingLeavesASilentCallWithinHalfASecond)
     EXPECT_EQ(end, CallEnd::leftBehind);
     EXPECT_LT(Clock::now() - cancelled, 1200ms);
     EXPECT_GT(stops, 3);
-    EXPECT_FALSE(dialog());
+    EXPECT_FALSE(waitingDialog());
     *release = true;
     EXPECT_TRUE(QTest::qWaitFor([&] { return ended->load(); })) << "the thread ends by itself";
+}
+
+TEST_F(CancellableWaits, KeysCancelThatCannotBeMeantForTheWindow)
+{
+    const struct {
+        const char* keys;
+        Qt::Key last;
+        bool isAtWindow; ///< the focus has not been moved yet
+        int after;       ///< milliseconds that the dialog has been open
+        bool cancels;
+    } cases[] = {
+        {"", Qt::Key_Escape, false, 0, true},    {"", Qt::Key_Escape, true, 0, true},
+        {"", Qt::Key_Space, false, 1200, true},  {"", Qt::Key_Return, false, 1200, true},
+        {"", Qt::Key_Return, true, 1200, false}, {"1", Qt::Key_Return, false, 1200, false},
+    };
+    for (const auto& c : cases) {
+        Window window;
+        show(window);
+        std::atomic<bool> isOver = false;
+        whenWaiting([&](QWidget& dialog) {
+            ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &dialog; }));
+            QTest::qWait(c.after);
+            QWindow& receiver = *(c.isAtWindow ? window : dialog).windowHandle();
+            typeFor(receiver, c.keys);
+            QTest::keyClick(&receiver, c.last);
+            isOver = true;
+        });
+        CancellableWait waiting("工作", &window);
+        waiting.runApart(
+            [&isOver] {
+                while (!isOver)
+                    std::this_thread::sleep_for(1ms);
+                std::this_thread::sleep_for(50ms);
+            },
+            {});
+        EXPECT_EQ(waiting.isCancelled(), c.cancels) << c.keys << c.last << c.isAtWindow;
+    }
+}
+
+TEST_F(CancellableWaits, WhatIsHeldTwiceComesInItsOrder)
+{
+    Window window;
+    show(window);
+    QObject::connect(window.button, &QPushButton::clicked, &window, [&] {
+        QTimer::singleShot(50, &window, [&] { type("3"); });
+        waitFor(window, 300ms);
+    });
+    QTimer::singleShot(200, &window, [&] {
+        type("0");
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, window.button->geometry().center());
+        type("12");
+    });
+    waitFor(window, 300ms);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.text->text() == "0123"; }))
+        << window.text->text().toStdString();
 }
 
 TEST_F(CancellableWaits, ClosingTheWindowWaitsForTheEnd)
@@ -180,7 +234,7 @@ TEST_F(CancellableWaits, CallsThatFollowEachOtherShareTheirPatience)
     CallWait calls;
     bool seen = false;
     QTimer looking;
-    QObject::connect(&looking, &QTimer::timeout, [&] { seen = seen || dialog(); });
+    QObject::connect(&looking, &QTimer::timeout, [&] { seen = seen || waitingDialog(); });
     looking.start(10);
     for (int call = 0; call < 3; ++call)
         calls.runApart([] { std::this_thread::sleep_for(300ms); }, {});

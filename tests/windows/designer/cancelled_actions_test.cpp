@@ -37,7 +37,7 @@ protected:
     void fallSilentAt(Step step) { server.faults.order({step, Cut::beforeReply, Ending::silent, {}, {}}); }
     void cancelWhenAsked()
     {
-        whenModal("workProgress", [this](QWidget& dialog) {
+        whenWaiting([this](QWidget& dialog) {
             cancelled = Clock::now();
             QTest::mouseClick(&control<QPushButton>(dialog, "cmdCancel"), Qt::LeftButton);
         });
@@ -140,8 +140,7 @@ TEST_F(CancelledActions, WhatIsTypedForTheSlowCoverageGoesThereAndNotIntoTheShee
             QTest::keyClick(QApplication::focusWindow(), key);
     });
     early.start(5);
-    whenModal("workProgress", [](QWidget& dialog) {
-        ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::focusWindow() == dialog.windowHandle(); }));
+    whenWaiting([](QWidget&) {
         for (const char key : {'0', '1'})
             QTest::keyClick(QApplication::focusWindow(), key);
     });

@@ -35,11 +35,8 @@ protected:
     }
     void look()
     {
-        QWidget* const dialog = QApplication::activeModalWidget();
-        if (!dialog)
-            return;
-        EXPECT_EQ(dialog->objectName(), "workProgress");
-        if (++ticks < 10)
+        QWidget* const dialog = waitingDialog();
+        if (!dialog || ++ticks < 10)
             return;
         looking.stop();
         control<QPushButton>(*dialog, "cmdCancel").click();
