@@ -37,6 +37,11 @@ std::string LedgerQuestions::itemTableQuestion(std::string_view className)
     return "fitemtable as ftext from tblItemClass where fItemname='" + sqlQuoted(className) + "'";
 }
 
+std::string LedgerQuestions::numberQuestion(std::string_view select)
+{
+    return "cast(n.f as varchar(12)) as ftext from (select " + std::string(select) + ") as n";
+}
+
 void LedgerQuestions::add(std::string question)
 {
     if (m_answers.try_emplace(question).second)
@@ -93,6 +98,12 @@ std::optional<std::string> LedgerQuestions::itemTable(std::string_view className
 {
     const Answer& answer = answered(itemTableQuestion(className));
     return answer.text ? plainTable(*answer.text) : std::nullopt;
+}
+
+std::optional<std::string> LedgerQuestions::number(std::string_view select) const
+{
+    const auto found = m_answers.find(numberQuestion(select));
+    return found == m_answers.end() ? std::nullopt : found->second.text;
 }
 
 } // namespace selfreport

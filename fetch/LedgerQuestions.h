@@ -17,6 +17,8 @@ public:
     /// Whether a table has a row. @param fromAndWhere  "tblCurrency where fnumber='RMB'"
     void addRow(std::string_view fromAndWhere) { add(rowQuestion(fromAndWhere)); }
     void addItemTable(std::string_view className) { add(itemTableQuestion(className)); }
+    /// A whole number. @param select  "max(fYear) as f from tblAccountBal"
+    void addNumber(std::string_view select) { add(numberQuestion(select)); }
 
     /// Asks what waits. @throws ConnectionLost
     void ask(Connection& connection);
@@ -26,6 +28,8 @@ public:
     /// The table that lists a class's items; nothing if there is no such class or its table is no plain
     /// identifier.
     std::optional<std::string> itemTable(std::string_view className) const;
+    /// Empty if the ledger has no such number; nothing if it was not asked or did not answer.
+    std::optional<std::string> number(std::string_view select) const;
 
 private:
     struct Answer {
@@ -36,6 +40,7 @@ private:
 
     static std::string rowQuestion(std::string_view fromAndWhere);
     static std::string itemTableQuestion(std::string_view className);
+    static std::string numberQuestion(std::string_view select);
     void add(std::string question);
     void askSome(Connection& connection, std::span<const std::string> questions, int& refusalsLeft);
     const Answer& answered(const std::string& question) const;

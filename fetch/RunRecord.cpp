@@ -1,5 +1,6 @@
 #include "fetch/RunRecord.h"
 
+#include "fetch/ledger_blanks.h"
 #include "spreadsheet/calculation/Recalculation.h"
 #include "spreadsheet/workbook/UndoJournal.h"
 #include "spreadsheet/workbook/Workbook.h"
@@ -107,36 +108,69 @@ void RunRecord::follow(const spreadsheet::CellMove& move)
     m_fresh.clear();
 }
 
+namespace {
+
+/// A fetch that failed is not looked into any further.
+bool isFilledByLedger(const LedgerFetch& fetch)
+{
+    return fetch.answer.failure.empty() && !fetch.arguments.account.empty() && hasBlanks(fetch.arguments);
+}
+
+/// What is asked after a calculation, each thing once, and which calls wait for it.
+class Asking {
+public:
+    void add(RecordedCall& call)
+    {
+        if (const auto fetch = call.isExplained ? nullptr : call.doubtful()) {
+            const auto [found, isNew] =
+                m_doubtful.try_emplace({fetch->arguments, fetch->answer.failure}, fetches.doubtful.size());
+            if (isNew)
+                fetches.doubtful.push_back(*fetch);
+            m_unexplained.push_back({&call, found->second});
+        }
+        if (call.ledger && !call.filled && isFilledByLedger(*call.ledger)) {
+            const auto [found, isNew] = m_blank.try_emplace(call.ledger.get(), fetches.withBlanks.size());
+            if (isNew)
+                fetches.withBlanks.push_back(call.ledger->arguments);
+            m_unfilled.push_back({&call, found->second});
+        }
+    }
+    void take(FetchExplanations found)
+    {
+        for (const auto& [call, place] : m_unexplained) {
+            Explanation remark = found.explanations.at(place);
+            if (!call->ledger)
+                remark.reason = "被引用的单元格：" + remark.reason;
+            call->remarks.push_back(std::move(remark));
+            call->isExplained = true;
+        }
+        std::vector<std::shared_ptr<const LedgerArguments>> shared;
+        for (LedgerArguments& arguments : found.filled)
+            shared.push_back(std::make_shared<const LedgerArguments>(std::move(arguments)));
+        for (const auto& [call, place] : m_unfilled)
+            call->filled = place < shared.size() ? shared[place] : nullptr;
+    }
+
+    FetchesToExplain fetches;
+
+private:
+    using Waiting = std::vector<std::pair<RecordedCall*, std::size_t>>;
+
+    std::map<std::pair<LedgerArguments, std::string>, std::size_t> m_doubtful; // one may fail, its like not
+    std::map<const LedgerFetch*, std::size_t> m_blank;
+    Waiting m_unexplained, m_unfilled;
+};
+
+} // namespace
+
 void RunRecord::explain(const Explain& explain)
 {
-    struct Asking {
-        RecordedCall* call;
-        std::size_t fetch;
-    };
-    std::map<std::pair<LedgerArguments, std::string>, std::size_t> known; // one may fail, its like not
-    std::vector<LedgerFetch> fetches;
-    std::vector<Asking> asking;
+    Asking asking;
     for (auto& [cell, calls] : m_cells)
-        for (RecordedCall& call : calls) {
-            const auto fetch = call.doubtful();
-            if (!fetch || call.isExplained)
-                continue;
-            const auto [found, isNew] =
-                known.try_emplace({fetch->arguments, fetch->answer.failure}, fetches.size());
-            if (isNew)
-                fetches.push_back(*fetch);
-            asking.push_back({&call, found->second});
-        }
-    if (fetches.empty())
-        return;
-    const std::vector<Explanation> explanations = explain(fetches);
-    for (const auto& [call, fetch] : asking) {
-        Explanation remark = explanations.at(fetch);
-        if (!call->ledger)
-            remark.reason = "被引用的单元格：" + remark.reason;
-        call->remarks.push_back(std::move(remark));
-        call->isExplained = true;
-    }
+        for (RecordedCall& call : calls)
+            asking.add(call);
+    if (!asking.fetches.doubtful.empty() || !asking.fetches.withBlanks.empty())
+        asking.take(explain(asking.fetches));
 }
 
 std::span<const RecordedCall> RunRecord::callsOf(const SheetCell& cell) const

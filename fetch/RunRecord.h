@@ -25,10 +25,16 @@ struct RecordedCall {
     std::shared_ptr<const ReferenceFetch> reference; ///< of `REF_F`, likewise
     std::vector<Explanation> remarks;                ///< none: it gave what was asked for
     bool isExplained = false;                        ///< the remark on its doubtful fetch is among them
+    /// Of `Acct` with a blank year or period: the arguments as the procedure takes them. Null: not known.
+    std::shared_ptr<const LedgerArguments> filled = nullptr;
 
     /// The ledger fetch that puts the call's figure in doubt, of `REF_F` the one behind the cell that it
     /// reads. Null if none does.
     std::shared_ptr<const LedgerFetch> doubtful() const;
+
+    /// What was really asked for: blank years and periods are those that the ledger has for them, and blank
+    /// only where it could not be asked. Of `Acct` with usable arguments only.
+    const LedgerArguments& argumentsUsed() const { return filled ? *filled : ledger->arguments; }
 };
 
 /// What the last calculation of a workbook fetched: its calls, by cell. Entries lie where their cells lie,
@@ -48,8 +54,9 @@ public:
     void takeChanged(); ///< cells that were not computed keep their entries
     void drop();        ///< it was stopped: what stood before stands
 
-    using Explain = std::function<std::vector<Explanation>(std::span<const LedgerFetch>)>;
-    /// Gives doubtful ledger fetches without a remark theirs. @param explain  handed each of them once
+    using Explain = std::function<FetchExplanations(const FetchesToExplain&)>;
+    /// Gives doubtful ledger fetches without a remark theirs, and calls with blanks what these stand for.
+    /// @param explain  handed each of them once
     void explain(const Explain& explain);
 
     /// The calls of a cell in the order in which its formula makes them.

@@ -204,7 +204,7 @@ bool ReportEvaluation::computed(const std::function<spreadsheet::RecalculationRe
 
 void ReportEvaluation::explainRecord()
 {
-    m_record.explain([this](std::span<const LedgerFetch> fetches) {
+    m_record.explain([this](const FetchesToExplain& fetches) {
         return explainFetches(fetches, m_database, std::move(m_connection));
     });
     m_connection.reset();

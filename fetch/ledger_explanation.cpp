@@ -3,6 +3,7 @@
 #include "access/DatabaseAccess.h"
 #include "access/driver_call.h"
 #include "failures/failure_text.h"
+#include "fetch/ledger_blanks.h"
 #include "fetch/ledger_query.h"
 #include "fetch/LedgerQuestions.h"
 #include "fetch/quoted_text.h"
@@ -174,9 +175,12 @@ Explanation explained(const LedgerFetch& fetch, const std::function<Explanation(
 }
 
 /// The answers to all questions of the fetches, in two round trips.
-LedgerQuestions answersFor(Connection& connection, std::span<const LedgerFetch> fetches)
+LedgerQuestions answersFor(Connection& connection, std::span<const LedgerFetch> fetches,
+                           std::span<const LedgerArguments> withBlanks = {})
 {
     LedgerQuestions questions;
+    for (const LedgerArguments& arguments : withBlanks)
+        addBlanks(questions, arguments);
     for (const LedgerFetch& fetch : fetches)
         if (isOpen(fetch))
             addNames(questions, fetch.arguments);
@@ -205,12 +209,13 @@ std::unique_ptr<Connection> explainingConnection(const DatabaseAccess& database)
 
 /// The answers as a call that the waiting user can cancel.
 LedgerQuestions fetchedAnswers(const DatabaseAccess& database, std::unique_ptr<Connection> connection,
-                               std::vector<LedgerFetch> fetches)
+                               FetchesToExplain fetches)
 {
     if (!connection)
         connection = explainingConnection(database);
-    return driverCall<LedgerQuestions>(
-        connection, [fetches = std::move(fetches)](Connection& open) { return answersFor(open, fetches); });
+    return driverCall<LedgerQuestions>(connection, [fetches = std::move(fetches)](Connection& open) {
+        return answersFor(open, fetches.doubtful, fetches.withBlanks);
+    });
 }
 
 } // namespace
@@ -221,15 +226,15 @@ std::string explainLedgerFetch(Connection& connection, const LedgerFetch& fetch)
     return explained(fetch, [&] { return causeOfNoData(answers, fetch); }).reason;
 }
 
-std::vector<Explanation> explainFetches(std::span<const LedgerFetch> fetches, const DatabaseAccess& database,
-                                        std::unique_ptr<Connection> connection)
+FetchExplanations explainFetches(const FetchesToExplain& fetches, const DatabaseAccess& database,
+                                 std::unique_ptr<Connection> connection)
 {
-    std::vector<LedgerFetch> open;
-    std::ranges::copy_if(fetches, std::back_inserter(open), isOpen);
+    FetchesToExplain open{{}, fetches.withBlanks};
+    std::ranges::copy_if(fetches.doubtful, std::back_inserter(open.doubtful), isOpen);
     std::optional<LedgerQuestions> answers;
     std::string unanswered;
     try {
-        if (!open.empty())
+        if (!open.doubtful.empty() || !open.withBlanks.empty())
             answers = fetchedAnswers(database, std::move(connection), std::move(open));
     } catch (const WorkCancelled&) {
         unanswered = notLookedFor;
@@ -238,13 +243,16 @@ std::vector<Explanation> explainFetches(std::span<const LedgerFetch> fetches, co
     } catch (const std::exception& error) {
         unanswered = notFound + failures::sentenceOf(error);
     }
-    std::vector<Explanation> explanations;
-    for (const LedgerFetch& fetch : fetches)
-        explanations.push_back(explained(fetch, [&] {
+    FetchExplanations found;
+    for (const LedgerFetch& fetch : fetches.doubtful)
+        found.explanations.push_back(explained(fetch, [&] {
             return answers ? causeOfNoData(*answers, fetch)
                            : Explanation{unanswered, outcomeUnexplained(fetch.answer)};
         }));
-    return explanations;
+    if (answers)
+        for (const LedgerArguments& arguments : fetches.withBlanks)
+            found.filled.push_back(withBlanksFilled(*answers, arguments));
+    return found;
 }
 
 } // namespace selfreport

@@ -3,7 +3,6 @@
 #include "fetch/ledger_fetch.h"
 
 #include <memory>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -23,10 +22,22 @@ struct Explanation {
 /// ledger has no data for the period. @throws ConnectionLost
 std::string explainLedgerFetch(Connection& connection, const LedgerFetch& fetch);
 
-/// The same for many, one for each. What they ask the ledger is asked once, in two round trips, unless the
-/// database could not be opened in the recalculation under way.
+/// What a calculation leaves to be asked.
+struct FetchesToExplain {
+    std::vector<LedgerFetch> doubtful;       ///< without a figure, or with one that is in doubt
+    std::vector<LedgerArguments> withBlanks; ///< that leave a year or period to the procedure
+};
+struct FetchExplanations {
+    std::vector<Explanation> explanations; ///< of the doubtful ones, one for each
+    /// As the procedure takes them, one for each; blank is what the ledger did not tell. None if it was not
+    /// asked.
+    std::vector<LedgerArguments> filled;
+};
+
+/// The same for many. What they ask the ledger is asked once, in two round trips, unless the database could
+/// not be opened in the recalculation under way.
 /// @param connection  an open one for it; null: it opens one of its own
-std::vector<Explanation> explainFetches(std::span<const LedgerFetch> fetches, const DatabaseAccess& database,
-                                        std::unique_ptr<Connection> connection = nullptr);
+FetchExplanations explainFetches(const FetchesToExplain& fetches, const DatabaseAccess& database,
+                                 std::unique_ptr<Connection> connection = nullptr);
 
 } // namespace selfreport

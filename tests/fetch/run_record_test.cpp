@@ -5,6 +5,7 @@
 #include "spreadsheet/workbook/UndoJournal.h"
 #include "tests/fetch/TestLedger.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -250,6 +251,58 @@ TEST(RunRecord, HoldsEachCallWithWhatItGaveAndWasAskedFor)
     EXPECT_EQ(callsOf(3)[0].ledger->answer.returnValue, 0); // what it declines with
     EXPECT_EQ(callsOf(4)[0].ledger, nullptr);
     EXPECT_EQ(callsOf(4)[0].remarks.at(0).reason, "第4个参数不是整数");
+}
+
+/// What blanks stand for is told by figures too: a call that names year and periods gives the same.
+TEST(RunRecord, HoldsWhatBlankYearsAndPeriodsWereTakenFor)
+{
+    const test::TestLedger ledger;
+    ledger.run(
+        "insert into tblAccountBal(faccountid,fDetailId,fYear,fPeriod,fCurrencyid,fEndBal,fDebit) values"
+        "(1,0,2024,11,1,7,1),(1,0,2024,13,1,8,2)");
+    const struct {
+        const char *year, *first, *last, *used;
+    } cases[] = {
+        {"0", "0", "0", "2025 1 2"},       {"0", "2", "2", "2025 2 2"},      {"2024", "0", "0", "2024 1 13"},
+        {"2024", "11", "0", "2024 11 13"}, {"0", "0", "1", "2025 1 1"},      {"2025", "1", "2", "2025 1 2"},
+        {"1999", "0", "0", "1999 1 1"},    {"2024", "0", "11", "2024 1 11"},
+    };
+    const auto call = [](const std::string& numbers) { return "Acct(\"1001\",\"3\",\"\"," + numbers + ")"; };
+    Workbook workbook;
+    ReportEvaluation evaluation(workbook, sharedContext.database);
+    evaluation.addSelfFunction();
+    Sheet& sheet = workbook.sheet(1);
+    int row = 0;
+    for (const auto& c : cases)
+        demand(sheet.setFormula({1, ++row}, call(std::string(c.year) + "," + c.first + "," + c.last)));
+    demand(sheet.setFormula({1, ++row}, call("0,0,0")));
+    evaluation.recalculate();
+    const auto used = [&](int at) {
+        const LedgerArguments& of = evaluation.record().callsOf({sheet.id(), {1, at}})[0].argumentsUsed();
+        return of.year + " " + of.firstPeriod + " " + of.lastPeriod;
+    };
+    for (int at = 1; at < row; ++at) {
+        EXPECT_EQ(used(at), cases[at - 1].used) << at;
+        std::string numbers = used(at);
+        std::ranges::replace(numbers, ' ', ',');
+        demand(sheet.setFormula({2, at}, call(numbers)));
+    }
+    EXPECT_EQ(evaluation.record().callsOf({sheet.id(), {1, 1}})[0].filled,
+              evaluation.record().callsOf({sheet.id(), {1, row}})[0].filled); // shared
+    const std::size_t empty = evaluation.diagnostics().size();
+
+    // A later year: only what is computed again stands for it.
+    ledger.run("insert into tblAccountBal(faccountid,fDetailId,fYear,fPeriod,fCurrencyid,fDebit) "
+               "values(2,0,2026,1,1,5)");
+    demand(sheet.setFormula({1, 2}, call("0,0,0") + "+0"));
+    evaluation.recalculateChanged();
+    for (int at = 1; at < row; ++at)
+        if (at != 2) {
+            EXPECT_EQ(sheet.displayText({1, at}), sheet.displayText({2, at})) << used(at);
+            EXPECT_EQ(used(at), cases[at - 1].used) << at;
+        }
+    EXPECT_EQ(used(2), "2026 1 1");
+    EXPECT_GT(evaluation.diagnostics().size(), empty);
 }
 
 } // namespace
