@@ -19,6 +19,11 @@ std::vector<ListedReport> storedReports(Connection& connection)
     return reports;
 }
 
+bool isReportStored(Connection& connection, std::int32_t id)
+{
+    return connection.query(countReportStatement(id)).integer(0, "fcount") > 0;
+}
+
 std::vector<MenuReport> reportMenu(Connection& connection)
 {
     constexpr std::string_view prefix = "RSelf";

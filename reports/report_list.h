@@ -22,6 +22,10 @@ struct ListedReport {
 /// All stored reports in the order of their ids. @throws DatabaseError
 std::vector<ListedReport> storedReports(Connection& connection);
 
+/// Whether a report stands under the id: another user may have deleted it since it was listed.
+/// @throws DatabaseError
+bool isReportStored(Connection& connection, std::int32_t id);
+
 /// An entry of the suite's menu of stored reports.
 struct MenuReport {
     std::int32_t id = 0;

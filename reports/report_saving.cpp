@@ -2,6 +2,7 @@
 
 #include "platform/database/Connection.h"
 #include "reports/commit_outcome.h"
+#include "reports/report_list.h"
 #include "reports/report_statements.h"
 #include "reports/report_texts.h"
 
@@ -197,7 +198,7 @@ bool isRowOf(Connection& connection, const RememberedReport& remembered)
 void removeReport(Connection& connection, std::int32_t id)
 {
     Transaction transaction(connection);
-    const bool isThere = connection.query(countReportStatement(id)).integer(0, "fcount") > 0;
+    const bool isThere = isReportStored(connection, id);
     connection.execute(deleteReportStatement(id));
     connection.execute(deleteMenuItemStatement(id));
     commitOrFindOut(transaction, [id](Connection& fresh) {

@@ -224,6 +224,7 @@ constexpr const char* serverRefuses = "数据库报告了错误";
 constexpr const char* notSaved = "报表没有保存。";
 constexpr const char* savingCancelled = "操作已取消，报表没有保存。";
 constexpr const char* notDeleted = "报表没有删除。";
+constexpr const char* setupOfNone = "页面设置和页眉页脚没有存入数据库。";
 constexpr const char* setupCancelled = "操作已取消，页面设置和页眉页脚没有存入数据库。";
 
 /// Through the driver. Steps: 0 greeting, 1 login, then the requests. What another user does where the rows
@@ -300,7 +301,8 @@ constexpr Cell onServer[] = {
     {"page setup", "silence", "0-5", setupCancelled, kept},
     {"page setup", "silence", "6-7", "存入", withMargins},
     {"page setup", "save", "0-7", "存入", "1甲表:他 RSelf1甲表 1{,3} "},
-    {"page setup", "delete", "0-7", "存入", ""},
+    {"page setup", "delete", "0-3", setupOfNone, ""},
+    {"page setup", "delete", "4-7", "存入", ""},
     {"page setup", "insert", "0-7", "存入", "1甲表:旧 2丙表:他 RSelf1甲表 RSelf2丙表 1{,3} "},
 
     {"header", "failure", "2-5", serverRefuses, kept},
@@ -311,7 +313,8 @@ constexpr Cell onServer[] = {
     {"header", "silence", "0-5", setupCancelled, kept},
     {"header", "silence", "6-7", "存入", withHeader},
     {"header", "save", "0-7", "存入", "1甲表:他 RSelf1甲表 1{新页眉,} "},
-    {"header", "delete", "0-7", "存入", ""},
+    {"header", "delete", "0-3", setupOfNone, ""},
+    {"header", "delete", "4-7", "存入", ""},
     {"header", "insert", "0-7", "存入", "1甲表:旧 2丙表:他 RSelf1甲表 RSelf2丙表 1{新页眉,} "},
 
     {"open", "cut", "0-1", notOpened, kept},
@@ -440,7 +443,8 @@ constexpr Cell embeddedCells[] = {
     {"page setup", "silence", "1-10", setupCancelled, kept},
     {"page setup", "silence", "11", savingUnknown, withMargins},
     {"page setup", "save", "1-11", "存入", "1甲表:他 RSelf1甲表 1{,3} "},
-    {"page setup", "delete", "1-11", "存入", ""},
+    {"page setup", "delete", "1-2", setupOfNone, ""},
+    {"page setup", "delete", "3-11", "存入", ""},
     {"page setup", "insert", "1-11", "存入", "1甲表:旧 2丙表:他 RSelf1甲表 RSelf2丙表 1{,3} "},
 
     {"header", "failure", "1", notOpened, kept},
@@ -449,7 +453,8 @@ constexpr Cell embeddedCells[] = {
     {"header", "silence", "1-6", setupCancelled, kept},
     {"header", "silence", "7", savingUnknown, withHeader},
     {"header", "save", "1-7", "存入", "1甲表:他 RSelf1甲表 1{新页眉,} "},
-    {"header", "delete", "1-7", "存入", ""},
+    {"header", "delete", "1-2", setupOfNone, ""},
+    {"header", "delete", "3-7", "存入", ""},
     {"header", "insert", "1-7", "存入", "1甲表:旧 2丙表:他 RSelf1甲表 RSelf2丙表 1{新页眉,} "},
 
     {"open", "failure", "1", notOpened, kept},

@@ -117,6 +117,15 @@ bool frmSelfReportMain::update()
     return true;
 }
 
+/// False after telling that another user has deleted it, or why that is not known.
+bool frmSelfReportMain::isStillStored()
+{
+    return m_context.database.run(Icon::exclamation, [id = m_context.report.id](Connection& open) {
+        if (!isReportStored(open, id))
+            throw ReportMissing();
+    });
+}
+
 bool frmSelfReportMain::delete_()
 {
     return hasCurrentReport() && dialogs().question(m_context.title, "确定要删除吗?") && update() &&
@@ -131,7 +140,7 @@ void frmSelfReportMain::cmd_Click(int index)
         m_showDesigner();
         break;
     case 1:
-        if (update()) {
+        if (update() && isStillStored()) {
             m_context.report.editFlag = 1;
             m_showDesigner();
         }

@@ -35,6 +35,7 @@ private:
     void buildList();
     void buildButtons();
     bool hasCurrentReport() const;
+    bool isStillStored();
     void cmd_Click(int index);
     void cmdXPOK_Click();
     void cmdXPClose_Click();

@@ -3,6 +3,7 @@
 #include "reports/commit_outcome.h"
 #include "reports/report_statements.h"
 #include "reports/ReportContext.h"
+#include "reports/ReportStore.h"
 #include "windows/printing/PrintedGrid.h"
 
 #include <stdexcept>
@@ -22,7 +23,10 @@ bool changeStoredPageSetup(PrintedGrid& grid, const std::string& statement,
         Transaction transaction(open);
         if (!ownsRow(open))
             throw std::runtime_error("这张报表的编号现在属于另一张报表，页面设置和页眉页脚没有存入数据库。");
-        open.execute(statement, values);
+        const bool mayBeGone = open.execute(statement, values) == 0; // a server may be set not to count
+        if (mayBeGone && open.query(setup).isEmpty())
+            throw std::runtime_error(std::string("页面设置和页眉页脚没有存入数据库。\n") +
+                                     ReportMissing().what());
         commitOrFindOut(transaction,
                         [&](Connection& fresh) { return isStored(pageSetupOf(fresh.query(setup))); });
         return true;

@@ -12,7 +12,7 @@ class PrintedGrid;
 
 /// Changes margins, orientation, header or footer in the row of the report that is open, by a statement in
 /// one transaction. False after telling the user why it was not done, or that nobody knows: the row is
-/// another report's now, the database failed, the user cancelled.
+/// gone or another report's now, the database failed, the user cancelled.
 /// @param isStored  whether the row holds what the statement writes
 /// @param refusal   finds out why the values do not fit their columns; owns what it uses
 bool changeStoredPageSetup(PrintedGrid& grid, const std::string& statement,

@@ -142,16 +142,16 @@ TEST_F(SavingQuestions, OwnPageSetupComesBackWithADeletedReport)
     EXPECT_EQ(row.number(0, "fTop") + row.number(0, "fLeft"), 2.5);
 }
 
-TEST_F(SavingQuestions, ThePageSetupOfAnotherReportIsLeftAlone)
+TEST_F(SavingQuestions, ThePageSetupOfAReportThatIsGoneOrAnotherIsNotStored)
 {
-    const auto stored = [&] {
+    const auto stored = [&]() -> std::string {
         pagesetup setup(window->printedGrid());
         for (int field = 0; field < 4; ++field)
             control<QLineEdit>(setup, ("pagemargin_" + std::to_string(field)).c_str()).setText("1.25");
         setup.saveToDB();
         EXPECT_TRUE(headerfooter(window->printedGrid()).SaveConfiguration());
         const Recordset row = ledger.query("select * from tblCWSelfReport");
-        return row.isNull(0, "fTop") ? "null" : row.text(0, "fTop");
+        return row.isEmpty() ? "gone" : row.isNull(0, "fTop") ? "null" : row.text(0, "fTop");
     };
     idGivenToAnother();
     EXPECT_EQ(stored(), "null");
@@ -159,6 +159,11 @@ TEST_F(SavingQuestions, ThePageSetupOfAnotherReportIsLeftAlone)
                       "这张报表的编号现在属于另一张报表，页面设置和页眉页脚没有存入数据库。|");
     ledger.run("update tblCWSelfReport set fname='现金表'"); // saved by somebody else: still the same report
     EXPECT_EQ(stored(), "1.25");
+    ledger.boxes.said.clear();
+    deletedByOthers();
+    EXPECT_EQ(stored(), "gone");
+    EXPECT_EQ(told(), "页面设置和页眉页脚没有存入数据库。\n报表不存在!|"
+                      "页面设置和页眉页脚没有存入数据库。\n报表不存在!|");
 }
 
 TEST_F(SavingQuestions, SavingAsANewReportAsksForANameThatNoneHas)

@@ -202,17 +202,28 @@ TEST_F(ReportListWindow, DeletionAsksDeletesBothRowsAndSaysSo)
     EXPECT_EQ(list().row(), 2);
 }
 
-TEST_F(ReportListWindow, AReportThatIsGoneIsNotSaidToBeDeleted)
+TEST_F(ReportListWindow, AReportThatIsGoneIsNeitherOpenedNorSaidToBeDeleted)
 {
     addThree();
     open();
     list().setRow(2);
     ledger.run("delete from tblCWSelfReport where noid=7");
     ledger.boxes.answer = true;
-    click("cmd_2");
-    ASSERT_EQ(ledger.boxes.said.size(), 2U);
-    EXPECT_EQ(ledger.boxes.said[1], (Said{Icon::exclamation, gTitle, "报表没有删除。\n报表不存在!"}));
+    const std::pair<const char*, const char*> told[] = {
+        {"cmd_2", "报表没有删除。\n报表不存在!"}, {"cmd_1", "报表不存在!"}, {"cmdXPOK", "报表不存在!"}};
+    for (const auto& [button, text] : told) {
+        click(button);
+        ASSERT_FALSE(ledger.boxes.said.empty()) << button;
+        EXPECT_EQ(ledger.boxes.said.back(), (Said{Icon::exclamation, gTitle, text})) << button;
+        ledger.boxes.said.clear();
+    }
+    EXPECT_TRUE(designed.empty());
+    EXPECT_EQ(gEditFlag, 5);
     EXPECT_EQ(list().rowCount(), 4);
+    ledger.run("alter table tblCWSelfReport rename to gone");
+    click("cmd_1"); // nobody knows
+    EXPECT_EQ(ledger.boxes.said.size(), 1U);
+    EXPECT_TRUE(designed.empty());
 }
 
 TEST_F(ReportListWindow, FailuresLeaveTheListAsItWas)
