@@ -86,7 +86,8 @@ EntryOutcome InCellEditing::commitAsArray()
     Sheet* const own = sheet();
     if (!own)
         return EntryOutcome::unchanged;
-    return outcomeOf(own->setArrayFormula(m_control.cursor().firstRange(), text().toStdString()));
+    return outcomeOf(enterArrayFormula(m_control.cells().workbook(), *own, m_control.cursor().firstRange(),
+                                       text().toStdString()));
 }
 
 EntryOutcome InCellEditing::outcomeOf(const Refusal& problem)

@@ -62,9 +62,10 @@ Refusal wrongCall(const FormulaPool& pool, std::uint32_t number)
     return {};
 }
 
-} // namespace
-
-Refusal enterFormula(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text)
+/// The same for a text that would come into the cell. Nothing for what is no formula, and for the one that
+/// the cell holds.
+Refusal wrongCallIn(Workbook& workbook, const Sheet& sheet, CellAddress cell, std::string_view text,
+                    bool isArray)
 {
     const std::string_view typed = trimmedBlanks(text);
     const auto sheetId = [&](std::string_view name) {
@@ -72,14 +73,28 @@ Refusal enterFormula(Workbook& workbook, Sheet& sheet, CellAddress cell, std::st
         return index == 0 ? 0 : workbook.sheet(index).id();
     };
     const auto parsed =
-        workbook.formulas().intern(typed.substr(typed.starts_with('=') ? 1 : 0), cell, sheetId);
-    if (const auto* number = std::get_if<std::uint32_t>(&parsed)) {
-        const Column* const cells = sheet.column(cell.column);
-        const bool isHeld = cells && cells->formula(cell.row) == *number;
-        if (auto problem = isHeld ? Refusal() : wrongCall(workbook.formulas(), *number))
-            return problem;
-    }
+        workbook.formulas().intern(typed.substr(typed.starts_with('=') ? 1 : 0), cell, sheetId, isArray);
+    const auto* number = std::get_if<std::uint32_t>(&parsed);
+    const Column* const cells = sheet.column(cell.column);
+    if (!number || (cells && cells->formula(cell.row) == *number))
+        return {};
+    return wrongCall(workbook.formulas(), *number);
+}
+
+} // namespace
+
+Refusal enterFormula(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text)
+{
+    if (auto problem = wrongCallIn(workbook, sheet, cell, text, false))
+        return problem;
     return sheet.setFormula(cell, text); // which says where a mistake is
+}
+
+Refusal enterArrayFormula(Workbook& workbook, Sheet& sheet, const CellRange& range, std::string_view text)
+{
+    if (auto problem = wrongCallIn(workbook, sheet, {range.left, range.top}, text, true))
+        return problem;
+    return sheet.setArrayFormula(range, text);
 }
 
 TypedConstant typedConstant(std::string_view text)

@@ -30,6 +30,8 @@ Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::strin
 /// registered function takes as many arguments as the function has parameters. The formula that the cell
 /// holds already may be written back.
 Refusal enterFormula(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text);
+/// The same for an array formula of a block, as Sheet::setArrayFormula.
+Refusal enterArrayFormula(Workbook& workbook, Sheet& sheet, const CellRange& range, std::string_view text);
 
 /// The constant that a text stands for, and the cell type that it was written in if it shows one.
 struct TypedConstant {

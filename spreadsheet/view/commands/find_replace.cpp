@@ -122,7 +122,8 @@ bool replaceCell(Workbook& workbook, Sheet& sheet, CellAddress cell, const TextS
         return false;
     if (sheet.hasFormula(cell)) {
         const auto text = search.replaced("=" + sheet.formula(cell), replacement);
-        return text && text->starts_with('=') && text->size() > 1 && !sheet.setFormula(cell, *text);
+        return text && text->starts_with('=') && text->size() > 1 &&
+               !enterFormula(workbook, sheet, cell, *text);
     }
     const Value value = sheet.value(cell);
     // A number is replaced in what the editor shows of it: what the cell shows may be rounded or scaled.

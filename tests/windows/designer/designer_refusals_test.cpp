@@ -117,6 +117,62 @@ TEST_F(DesignerRefusals, WhatWasDoneInPartIsStillToldWhenAllIsRecalculated)
     EXPECT_EQ(status(), "有 1 个公式在这里没有意义，只粘贴了它们的值");
 }
 
+/// Every road of a new formula into a cell. What a stored formula gives of its call stays.
+TEST_F(DesignerRefusals, NoRoadBringsACallWithAnotherNumberOfArguments)
+{
+    const std::string right = R"(REF_F("a","b","c"))";
+    const std::string wrong = R"(REF_F("a","b","c","d"))";
+    const auto type = [this](const std::string& formula, Qt::KeyboardModifiers held) {
+        moveTo(1, 1);
+        grid().setFocus();
+        for (const char key : "=" + formula)
+            QTest::keyClick(QApplication::focusWidget(), key);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return, held);
+        grid().entry().cancel();
+    };
+    const std::pair<const char*, std::function<void(const std::string&)>> roads[] = {
+        {"typed", [&](const std::string& formula) { type(formula, {}); }},
+        {"filled", [&](const std::string& formula) { type(formula, Qt::ControlModifier); }},
+        {"array",
+         [&](const std::string& formula) { type(formula, Qt::ControlModifier | Qt::ShiftModifier); }},
+        {"box",
+         [&](const std::string& formula) {
+             moveTo(1, 1);
+             typeInBox("=" + QString::fromStdString(formula), Qt::Key_Return);
+             QTest::keyClick(&edit("txtFormula"), Qt::Key_Escape);
+         }},
+        {"pasted",
+         [&](const std::string& formula) {
+             moveTo(1, 1);
+             grid().setFocus();
+             QApplication::clipboard()->setText("=" + QString::fromStdString(formula));
+             QTest::keyClick(&grid(), Qt::Key_V, Qt::ControlModifier);
+         }},
+        {"replaced",
+         [&](const std::string& formula) {
+             grid().cells().sheet().setText({1, 1}, "");
+             demand(grid().cells().sheet().setFormula({1, 1}, R"(REF_F("x"))"));
+             trigger("MenuReplace");
+             auto& find = *window->findChild<QWidget*>("frmFind");
+             control<QLineEdit>(find, "txt_0").setText(R"(REF_F("x"))");
+             control<QLineEdit>(find, "txt_1").setText(QString::fromStdString(formula));
+             control<QPushButton>(find, "cmdReplaceAll").click();
+             find.close();
+         }},
+    };
+    for (const auto& [road, bring] : roads)
+        for (const auto& [given, expected] : {std::pair(right, true), {wrong, false}}) {
+            grid().cells().sheet().setText({1, 1}, "");
+            bring(given);
+            EXPECT_EQ(formula(1, 1) == given, expected) << road << ": " << formula(1, 1);
+        }
+    demand(grid().cells().sheet().setArrayFormula({1, 1, 1, 2}, wrong));
+    grid().cursor().select({1, 1, 1, 2});
+    QTest::keyClick(&grid(), Qt::Key_F2);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_FALSE(grid().entry().isOpen()) << "what is held already may be written back";
+}
+
 TEST_F(DesignerRefusals, TheToolbarsPasteSaysWhyAndKeepsTheCell)
 {
     grid().cells().sheet().setText({1, 1}, "kept");
