@@ -1,5 +1,6 @@
 #include "fetch/call_trial.h"
 
+#include "access/DatabaseAccess.h"
 #include "failures/failure_text.h"
 #include "fetch/ledger_explanation.h"
 #include "platform/database/Connection.h"
@@ -120,11 +121,15 @@ void Attempt::run(const std::string& connectionString, const LedgerArguments& ar
             CallInWords meaning = callInWords(*connection, arguments);
             tell([&](CallTrial& known) { known.meaning = std::move(meaning); });
             value = fetchedValue(*connection, arguments);
+        } catch (const OpeningFailed&) {
+            throw; // a session that was gone
         } catch (const std::exception& error) {
             value = watch.isOver() ? overTheLimit : failures::sentenceOf(error);
         }
+    } catch (const DatabaseError& error) {
+        value = openingFailureText(error.number);
     } catch (const std::exception&) {
-        value = "数据库文件不存在或读取错误!";
+        value = openingFailureText(unspecifiedError);
     }
     tell([&](CallTrial& known) {
         known.value = std::move(value);

@@ -1,17 +1,15 @@
-#include "access/driver_call.h"
-#include "failures/failure_text.h"
+#include "access/DatabaseAccess.h"
 #include "platform/basicdata/basic_data.h"
 #include "platform/basicdata/ChooserWindow.h"
 #include "platform/basicdata/clsAccountChooser.h"
 #include "platform/basicdata/clsItemChooser.h"
-#include "platform/database/Connection.h"
 #include "platform/services/Dialogs.h"
 
-#include <exception>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <QApplication>
 #include <QLineEdit>
+#include <string_view>
 #include <utility>
 
 namespace selfreport {
@@ -26,34 +24,32 @@ struct Offer {
     std::vector<ChooserEntry> entries;
 };
 
-/// The code that the user chose from what `read` offers; "" for none.
+/// The code that the user chose from what `read` offers; "" for none. Nothing if it could not be read, which
+/// the user knows then.
 /// @param read  owns what it uses
-/// @throws what `read` throws; WorkCancelled
-std::string codeChosen(const std::string& connectionString, const std::string& searchText,
-                       std::function<Offer(Connection&)> read)
+std::optional<std::string> codeChosen(const std::string& connectionString, const std::string& title,
+                                      const std::string& searchText, std::function<Offer(Connection&)> read)
 {
-    auto connection = driverCall<std::unique_ptr<Connection>>(
-        [connectionString] { return openConnection(connectionString); });
-    Offer offer = driverCall<Offer>(connection, std::move(read));
-    connection.reset(); // before the window opens
-    ChooserWindow window(offer.title, offer.headings, std::move(offer.entries), QApplication::activeWindow());
-    window.setObjectName(offer.objectName);
+    DatabaseAccess database(connectionString, [&title](Icon icon, std::string_view text) {
+        dialogs().message(icon, title, text);
+    });
+    std::optional<Offer> offer = database.read<Offer>(Icon::critical, std::move(read));
+    if (!offer)
+        return std::nullopt;
+    ChooserWindow window(offer->title, offer->headings, std::move(offer->entries),
+                         QApplication::activeWindow());
+    window.setObjectName(offer->objectName);
     window.findChild<QLineEdit*>("txtSearch")->setText(QString::fromStdString(searchText));
     window.exec();
     return window.chosen() ? window.chosen()->code.toStdString() : std::string();
 }
 
-bool toldWhyNot(const std::string& title, const std::function<void()>& work)
+/// False if nothing could be offered; the code stays then.
+bool keep(std::string& code, std::optional<std::string> chosen)
 {
-    try {
-        work();
-        return true;
-    } catch (const std::exception& error) {
-        dialogs().message(Icon::critical, title, failures::sentenceOf(error));
-    } catch (const WorkCancelled&) {
-        // The user knows.
-    }
-    return false;
+    if (chosen)
+        code = std::move(*chosen);
+    return chosen.has_value();
 }
 
 } // namespace
@@ -68,14 +64,13 @@ bool clsAccountChooser::initChooser(const std::string& connectionString, const s
 
 bool clsAccountChooser::chooseAccount(const std::string& text, std::int32_t /*flag*/)
 {
-    return toldWhyNot(m_title, [&] {
-        m_chosenNumber = codeChosen(m_connectionString, text, [](Connection& connection) {
-            return Offer{"clsAccountChooser",
-                         QStringLiteral("科目"),
-                         {QStringLiteral("科目代码"), QStringLiteral("科目名称"), QStringLiteral("方向")},
-                         accountEntries(connection)};
-        });
-    });
+    return keep(m_chosenNumber, codeChosen(m_connectionString, m_title, text, [](Connection& connection) {
+                    return Offer{
+                        "clsAccountChooser",
+                        QStringLiteral("科目"),
+                        {QStringLiteral("科目代码"), QStringLiteral("科目名称"), QStringLiteral("方向")},
+                        accountEntries(connection)};
+                }));
 }
 
 bool clsItemChooser::initChooser(const std::string& title, const std::string& /*userId*/,
@@ -89,15 +84,14 @@ bool clsItemChooser::chooseItem(std::int16_t classId, const std::string& field, 
                                 const std::string& connectionString, std::int32_t /*flag*/,
                                 const std::string& /*filter*/, const std::string& /*value*/)
 {
-    return toldWhyNot(m_title, [&] {
-        m_chosenNumber = codeChosen(connectionString, text, [classId, field](Connection& connection) {
-            ItemList list = itemsOfClass(connection, classId, field);
-            return Offer{"clsItemChooser",
-                         list.className,
-                         {QStringLiteral("代码"), QStringLiteral("名称")},
-                         std::move(list.items)};
-        });
-    });
+    return keep(m_chosenNumber,
+                codeChosen(connectionString, m_title, text, [classId, field](Connection& connection) {
+                    ItemList list = itemsOfClass(connection, classId, field);
+                    return Offer{"clsItemChooser",
+                                 list.className,
+                                 {QStringLiteral("代码"), QStringLiteral("名称")},
+                                 std::move(list.items)};
+                }));
 }
 
 } // namespace selfreport

@@ -3,6 +3,7 @@
 #include "platform/basicdata/clsItemChooser.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/platform/WindowTest.h"
+#include "tests/tdsserver/TdsServer.h"
 
 #include <QLineEdit>
 #include <QTreeView>
@@ -138,14 +139,26 @@ TEST_F(Choosers, ItemsOfAClassAndWhatCannotBeShown)
     }
 }
 
-TEST_F(Choosers, LostConnectionIsTold)
+TEST_F(Choosers, AFailedOpeningIsToldAsEveryOne)
 {
-    clsAccountChooser chooser;
-    chooser.initChooser("Provider=SQLite;Data Source=/nowhere/at/all.db", "账套", "", "");
-    EXPECT_FALSE(chooser.chooseAccount("", 1));
-    EXPECT_EQ(chooser.chosenNumber(), "");
-    ASSERT_EQ(ledger.boxes.said.size(), 1U);
-    EXPECT_EQ(ledger.boxes.said[0].icon, Icon::critical);
+    const tds::TdsServer server(ledger.file());
+    const std::string target = server.connectionString();
+    const std::string stranger = target.substr(0, target.find(";User ID=")) + ";User ID=x;Password=y";
+    const std::pair<std::string, const char*> openings[] = {
+        {"Provider=SQLite;Data Source=/nowhere/at/all.db", "数据库文件不存在或读取错误!"},
+        {stranger, "用户名或密码错误!"}};
+    for (const auto& [connectionString, text] : openings) {
+        ledger.boxes.said.clear();
+        clsAccountChooser accounts;
+        accounts.initChooser(connectionString, "账套", "", "");
+        EXPECT_FALSE(accounts.chooseAccount("", 1));
+        EXPECT_EQ(accounts.chosenNumber(), "");
+        clsItemChooser items;
+        items.initChooser("账套", "wang", "");
+        EXPECT_FALSE(items.chooseItem(1, "fNumber", "", connectionString, 1, "", ""));
+        const RecordingDialogs::Said told{Icon::critical, "账套", text};
+        EXPECT_EQ(ledger.boxes.said, (std::vector{told, told}));
+    }
 }
 
 } // namespace
