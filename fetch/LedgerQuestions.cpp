@@ -1,5 +1,6 @@
 #include "fetch/LedgerQuestions.h"
 
+#include "fetch/compound_statement.h"
 #include "fetch/ledger_fetch.h"
 #include "fetch/ledger_query.h"
 #include "platform/database/Connection.h"
@@ -9,23 +10,6 @@
 #include <utility>
 
 namespace selfreport {
-
-namespace {
-
-/// The embedded database takes 500 branches of one compound statement.
-constexpr std::size_t mostBranches = 400;
-
-/// One branch for each question: what it gives has the question's place in front.
-std::string compoundStatement(std::span<const std::string> questions)
-{
-    std::string sql;
-    for (std::size_t at = 0; at < questions.size(); ++at)
-        sql += (at > 0 ? " union all select " : "select ") + std::to_string(at) + " as fordinal," +
-               questions[at];
-    return sql;
-}
-
-} // namespace
 
 std::string LedgerQuestions::rowQuestion(std::string_view fromAndWhere)
 {

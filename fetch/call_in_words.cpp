@@ -1,12 +1,15 @@
 #include "fetch/call_in_words.h"
 
+#include "fetch/compound_statement.h"
 #include "fetch/quoted_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/dialect/sql_text.h"
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 #include <set>
+#include <string_view>
 #include <utility>
 
 namespace selfreport {
@@ -56,6 +59,58 @@ std::vector<std::string> textsOf(const Recordset& rows, std::size_t column)
     return texts;
 }
 
+std::string periodWords(const LedgerArguments& arguments)
+{
+    const std::string first = arguments.firstPeriod.empty() ? "1" : arguments.firstPeriod;
+    const std::string& last = arguments.lastPeriod;
+    const std::string year = arguments.year.empty() ? "最近年度" : arguments.year + " 年";
+    if (last.empty())
+        return year + " " + first + " 期至最近一期";
+    return year + " " + (first == last ? first : first + "–" + last) + " 期";
+}
+
+constexpr std::string_view localCurrency = "综合本位币";
+
+/// A table that gives names to keys.
+struct KeyTable {
+    std::string what; ///< "货币"
+    std::string table, keyColumn, nameColumn;
+
+    std::string question(const std::string& key) const
+    {
+        return nameColumn + " as fname from " + table + " where " + keyColumn + "='" + sqlQuoted(key) + "'";
+    }
+};
+
+const KeyTable& fetchTypes()
+{
+    static const KeyTable types{"取数类型", "tblSelfReportFieldKey", "fKey", "fKeyName"};
+    return types;
+}
+
+const KeyTable& currencies()
+{
+    static const KeyTable currencies{"货币", "tblCurrency", "fnumber", "fname"};
+    return currencies;
+}
+
+/// The names of keys; of an unknown one what it is and the key.
+std::map<std::string, std::string> namesOf(Connection& connection, const KeyTable& keys,
+                                           const std::set<std::string>& wanted)
+{
+    const std::vector<std::string> list(wanted.begin(), wanted.end());
+    std::vector<std::string> questions;
+    for (const std::string& key : list)
+        questions.push_back(keys.question(key));
+    std::map<std::string, std::string> names;
+    askTogether(connection, questions, [&](std::size_t question, const Recordset& rows, std::size_t row) {
+        names.try_emplace(list[question], rows.text(row, "fname"));
+    });
+    for (const std::string& key : list)
+        names.try_emplace(key, keys.what + quoted(key));
+    return names;
+}
+
 /// One call being put into words.
 class Wording {
 public:
@@ -76,22 +131,16 @@ public:
         return std::move(m_result);
     }
 
-    std::string measureOf(const LedgerArguments& arguments)
-    {
-        return joined({typeWords(arguments), currencyWords(arguments), periodWords(arguments)});
-    }
-
 private:
     /// The name that a table gives to a key; the key itself and a problem if it has none.
-    std::string nameOf(const std::string& what, const std::string& table, const std::string& keyColumn,
-                       const std::string& nameColumn, const std::string& key)
+    std::string nameOf(const KeyTable& keys, const std::string& key)
     {
-        const Recordset rows = m_connection.query("select " + nameColumn + " from " + table + " where " +
-                                                  keyColumn + "='" + sqlQuoted(key) + "'");
+        const Recordset rows = m_connection.query("select " + keys.question(key));
         if (!rows.isEmpty())
             return rows.text(0, 0);
-        unknown(what, key, textsOf(m_connection.query("select " + keyColumn + " from " + table), 0));
-        return what + quoted(key);
+        unknown(keys.what, key,
+                textsOf(m_connection.query("select " + keys.keyColumn + " from " + keys.table), 0));
+        return keys.what + quoted(key);
     }
 
     void unknown(const std::string& what, const std::string& code, const std::vector<std::string>& known)
@@ -143,14 +192,13 @@ private:
 
     std::string typeWords(const LedgerArguments& arguments)
     {
-        return nameOf("取数类型", "tblSelfReportFieldKey", "fKey", "fKeyName", arguments.fetchType);
+        return nameOf(fetchTypes(), arguments.fetchType);
     }
 
     std::string currencyWords(const LedgerArguments& arguments)
     {
-        return arguments.currency.empty()
-                   ? "综合本位币"
-                   : nameOf("货币", "tblCurrency", "fnumber", "fname", arguments.currency);
+        return arguments.currency.empty() ? std::string(localCurrency)
+                                          : nameOf(currencies(), arguments.currency);
     }
 
     std::string itemWords(const ItemQualifier& qualifier)
@@ -170,16 +218,6 @@ private:
         return qualifier.className + " " + codesText(qualifier.codes);
     }
 
-    static std::string periodWords(const LedgerArguments& arguments)
-    {
-        const std::string first = arguments.firstPeriod.empty() ? "1" : arguments.firstPeriod;
-        const std::string& last = arguments.lastPeriod;
-        const std::string year = arguments.year.empty() ? "最近年度" : arguments.year + " 年";
-        if (last.empty())
-            return year + " " + first + " 期至最近一期";
-        return year + " " + (first == last ? first : first + "–" + last) + " 期";
-    }
-
     Connection& m_connection;
     CallInWords m_result;
     std::size_t m_matched = 0;
@@ -192,9 +230,22 @@ CallInWords callInWords(Connection& connection, const LedgerArguments& arguments
     return Wording(connection).of(arguments);
 }
 
-std::string measureInWords(Connection& connection, const LedgerArguments& arguments)
+std::vector<std::string> measuresInWords(Connection& connection, std::span<const LedgerArguments> measures)
 {
-    return Wording(connection).measureOf(arguments);
+    std::set<std::string> typeKeys, currencyKeys;
+    for (const LedgerArguments& measure : measures) {
+        typeKeys.insert(measure.fetchType);
+        if (!measure.currency.empty())
+            currencyKeys.insert(measure.currency);
+    }
+    const auto types = namesOf(connection, fetchTypes(), typeKeys);
+    auto currencyNames = namesOf(connection, currencies(), currencyKeys);
+    currencyNames.try_emplace("", localCurrency);
+    std::vector<std::string> words;
+    for (const LedgerArguments& measure : measures)
+        words.push_back(
+            joined({types.at(measure.fetchType), currencyNames.at(measure.currency), periodWords(measure)}));
+    return words;
 }
 
 std::string nearestCode(const std::string& code, const std::vector<std::string>& codes)

@@ -1,6 +1,7 @@
 #pragma once
 #include "fetch/ledger_fetch.h"
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,9 +25,9 @@ struct CallInWords {
 /// Looks the arguments up with the conditions that the fetch itself sends. @throws DatabaseError
 CallInWords callInWords(Connection& connection, const LedgerArguments& arguments);
 
-/// The part of those words that does not depend on the account: "期末余额,人民币,2026 年 1–3 期". The account
-/// is not looked at. @throws DatabaseError
-std::string measureInWords(Connection& connection, const LedgerArguments& arguments);
+/// The part of those words that does not depend on the account, of several calls: "期末余额,人民币,2026 年
+/// 1–3 期". The account is not looked at. @throws DatabaseError
+std::vector<std::string> measuresInWords(Connection& connection, std::span<const LedgerArguments> measures);
 
 /// The code that differs least from `code` (fewest letters added, left out or changed, then the longest
 /// common beginning); "" if there are none.

@@ -1,5 +1,6 @@
 #include "fetch/coverage.h"
 
+#include "fetch/compound_statement.h"
 #include "platform/database/Connection.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <tuple>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 namespace selfreport {
 
@@ -15,13 +17,17 @@ namespace {
 
 using AccountIds = std::unordered_set<std::int64_t>;
 
-AccountIds idsOf(Connection& connection, std::span<const std::string> codes)
+/// The accounts that each expression names.
+std::vector<AccountIds> idsOf(Connection& connection, std::span<const std::vector<std::string>> expressions)
 {
-    const Recordset rows = connection.query("select b.fitemid from tblAccount as b where 1=1" +
-                                            codeCondition("b.fNumber", codes));
-    AccountIds ids;
-    for (std::size_t row = 0; row < rows.rowCount(); ++row)
-        ids.insert(rows.integer(row, 0));
+    std::vector<std::string> questions;
+    for (const std::vector<std::string>& codes : expressions)
+        questions.push_back("b.fitemid as fitemid from tblAccount as b where 1=1" +
+                            codeCondition("b.fNumber", codes));
+    std::vector<AccountIds> ids(expressions.size());
+    askTogether(connection, questions, [&](std::size_t question, const Recordset& rows, std::size_t row) {
+        ids[question].insert(rows.integer(row, "fitemid"));
+    });
     return ids;
 }
 
@@ -43,9 +49,11 @@ public:
             m_parentOf[m_rows.integer(row, "fitemid")] = m_rows.integer(row, "fParentId");
     }
 
-    std::vector<AccountCoverage> coverage(const AccountIds& wanted, const LedgerArguments& measure,
-                                          std::span<const CellCall> calls)
+    /// @param stretch  its codes
+    std::vector<AccountCoverage> coverage(const std::vector<std::string>& stretch,
+                                          const LedgerArguments& measure, std::span<const CellCall> calls)
     {
+        const AccountIds wanted = askReaches(stretch, measure, calls);
         std::vector<AccountCoverage> found;
         for (std::size_t row = 0; row < m_rows.rowCount(); ++row) {
             const std::int64_t id = m_rows.integer(row, "fitemid");
@@ -68,7 +76,7 @@ private:
 
     void addCall(AccountCoverage& account, std::int64_t id, std::size_t call, const std::string& expression)
     {
-        const Reach& reach = reachOf(expression);
+        const Reach& reach = m_reaches.at(expression);
         if (!reaches(reach.accounts, id))
             return;
         account.calls.push_back(call);
@@ -86,16 +94,29 @@ private:
         return false;
     }
 
-    const Reach& reachOf(const std::string& expression)
+    /// What the calls reach, and the accounts of the stretch.
+    AccountIds askReaches(const std::vector<std::string>& stretch, const LedgerArguments& measure,
+                          std::span<const CellCall> calls)
     {
-        const auto [found, isNew] = m_reaches.try_emplace(expression);
-        if (isNew && !expression.empty()) { // an empty one fetches nothing
+        std::vector<std::vector<std::string>> expressions{stretch};
+        std::vector<Reach*> reaches;
+        for (const CellCall& call : calls) {
+            const std::string& expression = call.arguments.account;
+            if (measureOf(call.arguments) != measureOf(measure))
+                continue;
+            const auto [found, isNew] = m_reaches.try_emplace(expression);
+            if (!isNew || expression.empty()) // an empty one fetches nothing
+                continue;
             const AccountExpression parsed = parseAccountExpression(expression);
-            found->second = {idsOf(m_connection, parsed.codes), false};
             for (const ItemQualifier& qualifier : parsed.qualifiers)
                 found->second.hasItems = found->second.hasItems || !qualifier.codes.empty();
+            expressions.push_back(parsed.codes);
+            reaches.push_back(&found->second);
         }
-        return found->second;
+        std::vector<AccountIds> ids = idsOf(m_connection, expressions);
+        for (std::size_t at = 0; at < reaches.size(); ++at)
+            reaches[at]->accounts = std::move(ids[at + 1]);
+        return std::move(ids.front());
     }
 
     Connection& m_connection;
@@ -142,8 +163,7 @@ std::vector<AccountCoverage> accountCoverage(Connection& connection, const std::
     std::vector<std::string> stretch;
     if (!first.empty() || !last.empty())
         stretch = {first.empty() ? last : first, last.empty() ? first : last};
-    std::vector<AccountCoverage> accounts =
-        Chart(connection).coverage(idsOf(connection, stretch), measure, calls);
+    std::vector<AccountCoverage> accounts = Chart(connection).coverage(stretch, measure, calls);
     addAmounts(connection, measure, accounts);
     return accounts;
 }

@@ -1,4 +1,6 @@
+#include "fetch/call_in_words.h"
 #include "fetch/call_trial.h"
+#include "fetch/coverage.h"
 #include "fetch/evaluation.h"
 #include "fetch/ledger_fetch.h"
 #include "state/fetch_procedures.h"
@@ -88,6 +90,39 @@ TEST(ServerRoundTrips, EmptyCellsAskEachQuestionOnce)
     EXPECT_EQ(evaluation.diagnostics()[0].reason, "科目“8002”不存在");
     // The session looked after, one batch of fetches, one of questions.
     EXPECT_LE(ledger.server.journal.requests().size(), 3U);
+}
+
+/// The names of what is measured, the chart with what the calls reach, and the amounts.
+TEST(ServerRoundTrips, CoverageAsksForAllCallsTogether)
+{
+    ServedLedger ledger;
+    addAccounts(ledger);
+    ledger.run("update tblAccount set fIsDetail=1 where fitemid between 5001 and 5060");
+    std::vector<CellCall> calls;
+    std::vector<LedgerArguments> measures;
+    for (int row = 1; row <= 60; ++row) {
+        calls.push_back({1, row, {std::to_string(5000 + row), "2", "", "2025", "1", "2"}});
+        measures.push_back(
+            {"", std::to_string(row % 5), row % 2 ? "RMB" : "USD", std::to_string(2000 + row), "1", "2"});
+    }
+    const auto connection = openConnection(gConnString);
+    ledger.server.journal.clear();
+    const std::vector<std::string> words = measuresInWords(*connection, measures);
+    EXPECT_LE(ledger.server.journal.requests().size(), 2U);
+    ASSERT_EQ(words.size(), 60U);
+    for (std::size_t at = 0; at < 5; ++at) {
+        std::string whole = callInWords(*connection, measures[at]).words;
+        const std::string account = ",未给科目";
+        EXPECT_EQ(words[at], whole.erase(whole.find(account), account.size()));
+    }
+    ledger.server.journal.clear();
+    const auto accounts = accountCoverage(*connection, "5001", "5060", calls[0].arguments, calls);
+    ASSERT_EQ(accounts.size(), 60U);
+    for (int at = 0; at < 60; ++at) {
+        EXPECT_EQ(accounts[at].calls, std::vector<std::size_t>{std::size_t(at)});
+        EXPECT_EQ(accounts[at].amount, 5001 + at);
+    }
+    EXPECT_LE(ledger.server.journal.requests().size(), 4U) << "one of them asks what the columns hold";
 }
 
 TEST(ServerRoundTrips, ARefusedBatchOfQuestionsIsAskedByHalves)

@@ -164,10 +164,10 @@ bool frmCoverage::readSheet()
     auto measures = measuresOf(m_sheet.calls);
     const auto words =
         m_context.database.read<std::vector<std::string>>(Icon::critical, [measures](Connection& open) {
-            std::vector<std::string> texts;
+            std::vector<LedgerArguments> arguments;
             for (const auto& measure : measures)
-                texts.push_back(measureInWords(open, measure.arguments));
-            return texts;
+                arguments.push_back(measure.arguments);
+            return measuresInWords(open, arguments);
         });
     if (!words)
         return false;
