@@ -21,6 +21,7 @@ begin
     fEndBal decimal(18,2) not null default 0,
     primary key(faccountid,fDetailId,fYear,fPeriod,fCurrencyid));
   create index ixBalanceMovement on tblAccountBal(faccountid,fYear,fDetailId,fPeriod,fCurrencyid,fDebit,fCredit);
+  create index ixBalanceYear on tblAccountBal(fYear,fPeriod); -- the latest ones stand at its end
 end
 go
 if object_id('tblQtyBalance') is null

@@ -161,10 +161,13 @@ void store(Connection& connection, const Rows& rows)
 
 /// The rows on a real server.
 struct ServedRows {
-    explicit ServedRows(const Rows& rows)
+    /// @param together  calls go to the companion that takes many
+    ServedRows(const Rows& rows, bool together)
         : connection(openConnection(server.connectionString()))
     {
         store(*connection, rows);
+        if (!together)
+            connection->execute("drop procedure sp_GS_SelfReportAmounts");
     }
     tds::RealServer server;
     std::unique_ptr<Connection> connection;
@@ -454,22 +457,30 @@ TEST_F(ProcedureAgreement, TheEmbeddedBodyCountsWhatTheRowsSay)
     expectReading(*embedded(rows), rows, 7);
 }
 
-TEST_F(ProcedureAgreement, TheServersBodyCountsWhatTheRowsSay)
+/// Call by call, and many at once.
+class ServersBodies : public ProcedureAgreement, public ::testing::WithParamInterface<bool> {
+protected:
+    void SetUp() override
+    {
+        if (!tds::RealServer::isThere())
+            GTEST_SKIP() << "SELFREPORT_TEST_SERVER names no server";
+    }
+};
+INSTANTIATE_TEST_SUITE_P(ProcedureAgreement, ServersBodies, ::testing::Values(false, true),
+                         [](const auto& together) { return together.param ? "Together" : "OneByOne"; });
+
+TEST_P(ServersBodies, CountWhatTheRowsSay)
 {
-    if (!tds::RealServer::isThere())
-        GTEST_SKIP() << "SELFREPORT_TEST_SERVER names no server";
     const Rows rows(7);
-    const ServedRows served(rows);
+    const ServedRows served(rows, GetParam());
     expectReading(*served.connection, rows, 7);
 }
 
 /// Where letters, wildcards and quotes come in there is no third reading, but still only one meaning.
-TEST_F(ProcedureAgreement, OddTextsMeanTheSameOnBoth)
+TEST_P(ServersBodies, TakeOddTextsAsTheEmbeddedOneDoes)
 {
-    if (!tds::RealServer::isThere())
-        GTEST_SKIP() << "SELFREPORT_TEST_SERVER names no server";
     const Rows rows(7);
-    const ServedRows served(rows);
+    const ServedRows served(rows, GetParam());
     const auto other = embedded(rows);
     std::vector<LedgerArguments> fetches;
     for (const char* account : {"1001",

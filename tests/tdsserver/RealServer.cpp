@@ -31,8 +31,8 @@ RealServer::RealServer()
     m_name = "selfreport_test_" + std::to_string(::getpid()) + "_" + std::to_string(++count);
     openConnection(givenString())->execute("create database " + m_name);
     const auto connection = openConnection(connectionString());
-    for (const char* script :
-         {"tables.sql", "sp_GS_SelfReportAmount.sql", "sp_GS_AcctProc.sql", "field_keys.sql"})
+    for (const char* script : {"tables.sql", "sp_GS_SelfReportAmount.sql", "sp_GS_SelfReportAmounts.sql",
+                               "sp_GS_AcctProc.sql", "field_keys.sql"})
         runServerScript(*connection, script);
 }
 

@@ -1,5 +1,6 @@
 #include "platform/database/odbc/OdbcSession.h"
 
+#include "platform/database/dialect/ledger_companion.h"
 #include "platform/database/odbc/odbc_diagnostics.h"
 #include "platform/database/odbc/odbc_text.h"
 #include "platform/database/odbc/procedure_batch.h"
@@ -163,6 +164,11 @@ Recordset OdbcSession::query(std::string_view sql, std::span<const SqlValue> val
     Running running(*this);
     for (const SqlValue& value : values)
         running.statement.bind(value);
+    return firstRows(running, sql, binaries);
+}
+
+Recordset OdbcSession::firstRows(Running& running, std::string_view sql, BinaryColumns binaries)
+{
     running.statement.run(sql);
     std::optional<Recordset> first;
     do {
@@ -217,7 +223,57 @@ ProcedureResult OdbcSession::callAlone(const ProcedureCall& call)
     return result;
 }
 
+/// The rows of a statement that may be refused; none then.
+Recordset OdbcSession::rowsUnlessRefused(std::string_view sql)
+{
+    Running running(*this);
+    try {
+        return firstRows(running, sql, BinaryColumns::left);
+    } catch (const ConnectionLost&) {
+        throw;
+    } catch (const DatabaseError& error) {
+        running.throwIfCancelled();
+        if (error.isTimeOut)
+            throw;
+        return {};
+    }
+}
+
+/// The companion's answers; what it leaves has none. It is not asked again where it gave nothing at all: it
+/// may not be used, or the procedure was replaced.
+std::vector<std::optional<ProcedureResult>> OdbcSession::callTogether(std::span<const ProcedureCall> calls)
+{
+    std::vector<std::optional<ProcedureResult>> answers(calls.size());
+    if (!areForCompanion(calls))
+        return answers;
+    if (!m_hasCompanion)
+        m_hasCompanion = rowsUnlessRefused(companionQuestion()).rowCount() == 1;
+    if (!*m_hasCompanion)
+        return answers;
+    const Recordset rows = rowsUnlessRefused(companionBatch(calls));
+    m_hasCompanion = !rows.isEmpty();
+    return rows.isEmpty() ? answers : companionAnswers(rows, calls.size());
+}
+
 std::vector<std::optional<ProcedureResult>> OdbcSession::callBatch(std::span<const ProcedureCall> calls)
+{
+    auto answers = callTogether(calls);
+    std::vector<ProcedureCall> left;
+    std::vector<std::size_t> places;
+    for (std::size_t at = 0; at < calls.size(); ++at)
+        if (!answers[at]) {
+            left.push_back(calls[at]);
+            places.push_back(at);
+        }
+    if (left.empty())
+        return answers;
+    auto others = callOneByOne(left);
+    for (std::size_t at = 0; at < left.size(); ++at)
+        answers[places[at]] = std::move(others[at]);
+    return answers;
+}
+
+std::vector<std::optional<ProcedureResult>> OdbcSession::callOneByOne(std::span<const ProcedureCall> calls)
 {
     BatchAnswers answers(calls.size());
     Running running(*this);

@@ -41,6 +41,10 @@ private:
     void setAutocommit(bool on);
     void endTransaction(SQLSMALLINT how);
     ProcedureResult callAlone(const ProcedureCall& call);
+    Recordset firstRows(Running& running, std::string_view sql, BinaryColumns binaries);
+    Recordset rowsUnlessRefused(std::string_view sql);
+    std::vector<std::optional<ProcedureResult>> callTogether(std::span<const ProcedureCall> calls);
+    std::vector<std::optional<ProcedureResult>> callOneByOne(std::span<const ProcedureCall> calls);
     std::vector<std::optional<ProcedureResult>> callBatch(std::span<const ProcedureCall> calls);
     std::size_t settleBatch(std::span<const ProcedureCall> batch, std::vector<ProcedureResult>& results);
 
@@ -53,6 +57,7 @@ private:
     std::int64_t m_signsOfLife = 0;
     bool m_inTransaction = false;
     std::optional<TextColumns> m_textColumns; ///< once they were asked for
+    std::optional<bool> m_hasCompanion;       ///< of the ledger's procedure, once it was asked for
     bool m_isSpoiled = false;                 ///< a transaction did not end cleanly: not for reuse
     std::atomic<bool> m_isCut = false;
     std::mutex m_runningMutex;
