@@ -1,5 +1,6 @@
 // Times ledger and inter-report fetches on a ledger of a million balance rows, and a whole report run.
 // Usage: ledger_bench [FILE]    FILE keeps the ledger for the next run; it is made if it is missing.
+#include "bench/acct_cells.h"
 #include "bench/bench_table.h"
 #include "demo/demo_report.h"
 #include "demo/demo_reports.h"
@@ -150,23 +151,10 @@ std::vector<LedgerArguments> mixedFetches()
     return fetches;
 }
 
-std::string acctFormula(const LedgerArguments& fetch)
-{
-    return "Acct(\"" + fetch.account + "\",\"" + fetch.fetchType + "\",\"" + fetch.currency + "\",\"" +
-           fetch.year + "\",\"" + fetch.firstPeriod + "\",\"" + fetch.lastPeriod + "\")";
-}
-
 void putFormula(spreadsheet::Sheet& sheet, int row, const std::string& formula)
 {
     if (sheet.setFormula({1, row}, formula))
         throw std::runtime_error("refused: " + formula);
-}
-
-void putAcctCells(spreadsheet::Workbook& workbook, const std::vector<LedgerArguments>& fetches, int cells)
-{
-    for (int row = 1; row <= cells; ++row)
-        putFormula(workbook.sheet(1), row,
-                   acctFormula(fetches[static_cast<std::size_t>(row - 1) % fetches.size()]));
 }
 
 std::vector<std::string> finalTexts(const SqliteDatabase& database,

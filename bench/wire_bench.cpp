@@ -1,6 +1,7 @@
 // Times recalculations over the driver and the wire, against the test server with half a millisecond of added
 // latency for each round trip.
 #include "access/DatabaseAccess.h"
+#include "bench/acct_cells.h"
 #include "bench/bench_table.h"
 #include "demo/demo_reports.h"
 #include "demo/ledger/demo_ledger.h"
@@ -24,32 +25,6 @@ using namespace selfreport;
 namespace {
 
 constexpr int balanceRows = 300'000;
-constexpr std::size_t distinctFetches = 400;
-
-/// Closing balances, movements and openings over ranges, patterns and single accounts of two years.
-std::vector<LedgerArguments> fetchesOfAReport()
-{
-    std::vector<LedgerArguments> fetches;
-    for (const char* year : {"2025", "2024"})
-        for (const char* kind : {"2", "3", "4", "1"})
-            for (const char* account :
-                 {"1001:1901", "1122|客户|0***", "66**", "****", "1122|客户|0001:0100", "1001"})
-                for (const char* period : {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"})
-                    if (fetches.size() < distinctFetches)
-                        fetches.push_back({account, kind, "", year, "1", period});
-    return fetches;
-}
-
-void putCells(spreadsheet::Workbook& workbook, const std::vector<LedgerArguments>& fetches)
-{
-    for (int row = 1; row <= 1000; ++row) {
-        const LedgerArguments& f = fetches[static_cast<std::size_t>(row - 1) % fetches.size()];
-        const std::string formula = "Acct(\"" + f.account + "\",\"" + f.fetchType + "\",\"\",\"" + f.year +
-                                    "\",\"" + f.firstPeriod + "\",\"" + f.lastPeriod + "\")";
-        if (workbook.sheet(1).setFormula({1, row}, formula))
-            throw std::runtime_error("refused: " + formula);
-    }
-}
 
 /// The procedure's own time for the calls of the fetches, without driver, wire and batches.
 double procedureSeconds(const std::string& file, const std::vector<LedgerArguments>& fetches)
@@ -72,9 +47,9 @@ double procedureSeconds(const std::string& file, const std::vector<LedgerArgumen
 
 void benchRecalculation(BenchTable& table, tds::TdsServer& server, const std::string& file)
 {
-    const std::vector<LedgerArguments> fetches = fetchesOfAReport();
+    const std::vector<LedgerArguments> fetches = fetchesOfAReport(4);
     spreadsheet::Workbook workbook;
-    putCells(workbook, fetches);
+    putAcctCells(workbook, fetches, 1000);
     ReportEvaluation evaluation(workbook, sharedContext.database);
     evaluation.addSelfFunction();
     evaluation.recalculate(); // the session lies in the pool
