@@ -1,14 +1,21 @@
 #include "access/DatabaseAccess.h"
 
 #include "failures/failure_text.h"
+#include "platform/database/dialect/server_errors.h"
 
+#include <array>
 #include <exception>
 
 namespace selfreport {
 
 std::string_view openingFailureText(std::int32_t number)
 {
-    return number == loginRejected ? "用户名或密码错误!" : "数据库文件不存在或读取错误!";
+    if (number == loginRejected)
+        return "用户名或密码错误!";
+    static const std::string notOpened = "数据库文件不存在或读取错误!";
+    static const std::string notEncrypted =
+        notOpened + "\n" + std::string(serverErrorText(std::array{encryptionRefused})) + "。";
+    return number == encryptionRefused ? notEncrypted : notOpened;
 }
 
 DatabaseAccess::DatabaseAccess(std::string target, Tell tells)

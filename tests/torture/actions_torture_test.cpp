@@ -219,7 +219,7 @@ constexpr const char* withMargins = "1甲表:旧 RSelf1甲表 1{,3} ";
 constexpr const char* withHeader = "1甲表:旧 RSelf1甲表 1{新页眉,} ";
 
 constexpr const char* notOpened = "数据库文件不存在或读取错误!";
-constexpr const char* isLost = "与数据库的连接已断开";
+constexpr const char* isLost = "与数据库的连接已断开，请再试一次";
 constexpr const char* serverRefuses = "数据库报告了错误";
 constexpr const char* notSaved = "报表没有保存。";
 constexpr const char* savingCancelled = "操作已取消，报表没有保存。";

@@ -58,6 +58,15 @@ std::optional<ino_t> identityOf(int socket)
     return socket >= 0 && ::fstat(socket, &status) == 0 ? std::optional(status.st_ino) : std::nullopt;
 }
 
+/// A server with a cancellation still to be read sees a reset, where it would overlook an end in order.
+void resetConnection(int socket)
+{
+    sockaddr none{};
+    none.sa_family = AF_UNSPEC;
+    ::connect(socket, &none, sizeof none);
+    ::shutdown(socket, SHUT_RDWR); // wakes who waits on it, if it could not be reset
+}
+
 } // namespace
 
 /// A statement that cancel() can reach while it lives, on the thread that runs it.
@@ -142,7 +151,7 @@ void OdbcSession::connect(const OdbcTarget& target)
         SQLDriverConnectW(m_connection, nullptr, text.data(), static_cast<SQLSMALLINT>(text.size()), nullptr,
                           0, nullptr, SQL_DRIVER_NOPROMPT);
     if (!SQL_SUCCEEDED(connected))
-        throw openingError(odbcRecords(SQL_HANDLE_DBC, m_connection));
+        throw openingError(odbcRecords(SQL_HANDLE_DBC, m_connection), target.encrypts);
     m_socket = socketOf(m_connection);
     m_socketIdentity = identityOf(m_socket);
 }
@@ -434,7 +443,7 @@ void OdbcSession::limitWaits(std::chrono::seconds longest)
 void OdbcSession::cut()
 {
     if (!m_isCut.exchange(true) && m_socketIdentity && identityOf(m_socket) == m_socketIdentity)
-        ::shutdown(m_socket, SHUT_RDWR);
+        resetConnection(m_socket);
 }
 
 void OdbcSession::cancel()

@@ -1,5 +1,6 @@
 #include "platform/database/odbc/odbc_diagnostics.h"
 
+#include "platform/database/dialect/server_errors.h"
 #include "platform/database/odbc/odbc_text.h"
 
 #include <algorithm>
@@ -20,7 +21,17 @@ bool anyNative(std::span<const OdbcRecord> records, const std::array<std::int32_
     });
 }
 
-constexpr const char* connectionIsLost = "与数据库的连接已断开";
+std::vector<std::int32_t> numbersOf(std::span<const OdbcRecord> records)
+{
+    std::vector<std::int32_t> numbers;
+    for (const OdbcRecord& record : records)
+        numbers.push_back(record.native);
+    return numbers;
+}
+
+constexpr const char* connectionIsLost = "与数据库的连接已断开，请再试一次";
+constexpr const char* timeOut = "等待数据库应答超时，请稍后再试";
+constexpr const char* notReached = "连不上数据库服务器，请检查网络和服务器的地址";
 
 struct Kind {
     std::int32_t native; ///< 0: told by the state
@@ -28,45 +39,31 @@ struct Kind {
     const char* text;
 };
 
-/// What tells more stands first.
+/// What drivers tell by themselves, where no server has given a number. What tells more stands first.
 constexpr std::array kinds{
-    Kind{208, "", "找不到表或视图"},
-    Kind{207, "", "找不到列"},
-    Kind{2812, "", "找不到存储过程"},
-    Kind{229, "", "没有权限"},
-    Kind{230, "", "没有权限"},
-    Kind{262, "", "没有权限"},
-    Kind{297, "", "没有权限"},
-    Kind{300, "", "没有权限"},
-    Kind{2627, "", "数据重复"},
-    Kind{2601, "", "数据重复"},
-    Kind{547, "", "与其他数据的关系不允许这样改"},
-    Kind{515, "", "缺少必须有的数据"},
-    Kind{1205, "", "与其他用户的操作互相等待，请再试一次"},
-    Kind{1222, "", "数据正被其他用户占用，请稍后再试"},
-    Kind{1105, "", "数据库的空间已满"},
-    Kind{9002, "", "数据库的空间已满"},
-    Kind{20003, "", "等待数据库应答超时"},
-    Kind{0, "HYT", "等待数据库应答超时"},
-    Kind{0, "28000", "登录被拒绝"},
-    Kind{0, "IM", "没有安装可用的数据库驱动程序"},
-    Kind{0, "08001", "连不上数据库服务器"},
-    Kind{20009, "", "连不上数据库服务器"},
-    Kind{20002, "", "连不上数据库服务器"},
+    Kind{20003, "", timeOut},
+    Kind{0, "HYT", timeOut},
+    Kind{0, "28000", "用户名或密码不被接受，请检查后再试"},
+    Kind{0, "IM", "没有安装可用的数据库驱动程序，请管理员安装"},
+    Kind{0, "08001", notReached},
+    Kind{20009, "", notReached},
+    Kind{20002, "", notReached},
     Kind{0, "08", connectionIsLost},
     Kind{20004, "", connectionIsLost},
     Kind{20006, "", connectionIsLost},
     Kind{20017, "", connectionIsLost},
     Kind{20020, "", connectionIsLost},
     Kind{0, "HY008", "操作已取消"},
-    Kind{0, "42S02", "找不到表或视图"},
-    Kind{0, "23", "数据重复或不完整，数据库不接受"},
+    Kind{0, "42S02", "找不到表或视图，请管理员检查数据库是否完整"},
+    Kind{0, "23", "数据重复或不完整，请检查后再试"},
     Kind{0, "40001", "与其他用户的操作互相等待，请再试一次"},
 };
 
 /// Our words for what the records tell.
-const char* ourWords(std::span<const OdbcRecord> records, const char* otherwise)
+std::string ourWords(std::span<const OdbcRecord> records, const char* otherwise)
 {
+    if (const std::string_view text = serverErrorText(numbersOf(records)); !text.empty())
+        return std::string(text);
     for (const Kind& kind : kinds)
         if (std::ranges::any_of(records, [&](const OdbcRecord& record) {
                 return kind.native != 0 ? record.native == kind.native : record.state.starts_with(kind.state);
@@ -75,7 +72,21 @@ const char* ourWords(std::span<const OdbcRecord> records, const char* otherwise)
     return otherwise;
 }
 
-std::string joinedTexts(std::span<const OdbcRecord> records, const char* otherwise = "数据库报告了错误")
+/// A driver tells of a handshake that failed no more than that it has no connection, although it had reached
+/// the server.
+bool failedToEncrypt(std::span<const OdbcRecord> records, bool encrypts)
+{
+    static constexpr std::array<std::int32_t, 1> connectionFailed{20002};
+    static constexpr std::array<std::int32_t, 1> notReachable{20009};
+    const auto numbers = numbersOf(records);
+    if (refusesEncryption(numbers))
+        return true;
+    return encrypts && serverErrorText(numbers).empty() && anyNative(records, connectionFailed) &&
+           !anyNative(records, notReachable);
+}
+
+/// What the records say, behind words of ours.
+std::string textsBehind(const std::string& ours, std::span<const OdbcRecord> records)
 {
     std::string text;
     for (const OdbcRecord& record : records) {
@@ -83,8 +94,12 @@ std::string joinedTexts(std::span<const OdbcRecord> records, const char* otherwi
             continue;
         text += (text.empty() ? "" : "\n") + record.text;
     }
-    return text.empty() ? "与数据库的连接已断开, 或数据库没有说明原因"
-                        : ourWords(records, otherwise) + ("：" + text);
+    return text.empty() ? "与数据库的连接已断开, 或数据库没有说明原因" : ours + "：" + text;
+}
+
+std::string joinedTexts(std::span<const OdbcRecord> records, const char* otherwise = "数据库报告了错误")
+{
+    return textsBehind(ourWords(records, otherwise), records);
 }
 
 OdbcRecord readRecord(SQLSMALLINT handleType, SQLHANDLE handle, SQLSMALLINT number, bool& found)
@@ -126,24 +141,25 @@ std::vector<OdbcRecord> odbcRecords(SQLSMALLINT handleType, SQLHANDLE handle)
     return records;
 }
 
-DatabaseError openingError(std::span<const OdbcRecord> records)
+DatabaseError openingError(std::span<const OdbcRecord> records, bool encrypts)
 {
-    static constexpr std::array<std::int32_t, 4> databaseRefused{4060, 4063, 4064, 911};
-    static constexpr std::array<std::int32_t, 7> loginRefused{18456, 18452, 18450, 18470,
-                                                              18486, 18487, 18488};
-    const bool refused =
-        anyNative(records, loginRefused) ||
-        std::ranges::any_of(records, [](const OdbcRecord& record) { return record.state == "28000"; });
-    const bool login = refused && !anyNative(records, databaseRefused);
+    if (failedToEncrypt(records, encrypts)) {
+        const std::array number{encryptionRefused};
+        return {encryptionRefused, textsBehind(std::string(serverErrorText(number)), records)};
+    }
+    const bool login =
+        refusesLogin(numbersOf(records)) ||
+        (serverErrorText(numbersOf(records)).empty() &&
+         std::ranges::any_of(records, [](const OdbcRecord& record) { return record.state == "28000"; }));
     return {login ? loginRejected : unspecifiedError, joinedTexts(records)};
 }
 
 bool saysLost(std::span<const OdbcRecord> records)
 {
     static constexpr std::array<std::int32_t, 5> lost{20003, 20004, 20006, 20017, 20020};
-    return anyNative(records, lost) || std::ranges::any_of(records, [](const OdbcRecord& record) {
-               return record.state.starts_with("08");
-           });
+    return endsSession(numbersOf(records)) || anyNative(records, lost) ||
+           std::ranges::any_of(records,
+                               [](const OdbcRecord& record) { return record.state.starts_with("08"); });
 }
 
 bool onlyWarns(std::span<const OdbcRecord> records)
@@ -159,22 +175,21 @@ DatabaseError workError(std::span<const OdbcRecord> records)
         std::ranges::find_if(records, [](const OdbcRecord& record) { return record.native != 0; });
     DatabaseError error(numbered == records.end() ? unspecifiedError : numbered->native,
                         joinedTexts(records));
-    error.isTimeOut = std::ranges::any_of(records, [](const OdbcRecord& record) {
-        return record.native == 20003 || record.state.starts_with("HYT");
-    });
+    error.isTimeOut =
+        saysTimeOut(numbersOf(records)) || std::ranges::any_of(records, [](const OdbcRecord& record) {
+            return record.native == 20003 || record.state.starts_with("HYT");
+        });
     return error;
 }
 
 void throwWorkError(std::span<const OdbcRecord> records, bool isDead)
 {
-    // A key that is taken, twice; the victim of a deadlock; a row that changed since the snapshot.
-    static constexpr std::array<std::int32_t, 4> repeatable{2627, 2601, 1205, 3960};
     DatabaseError error = workError(records);
     if (isDead || saysLost(records)) {
         error.description = joinedTexts(records, connectionIsLost);
         throw errorAs<ConnectionLost>(error);
     }
-    if (anyNative(records, repeatable))
+    if (mayBeRepeated(numbersOf(records)))
         throw RepeatableError(error.number, error.description);
     throw error;
 }

@@ -19,8 +19,9 @@ struct OdbcRecord {
 std::vector<OdbcRecord> odbcRecords(SQLSMALLINT handleType, SQLHANDLE handle);
 
 /// The error of a failed opening: loginRejected only if a record says that name or password were refused and
-/// none that it was the database.
-DatabaseError openingError(std::span<const OdbcRecord> records);
+/// none that it was the database; encryptionRefused if it was no login that failed.
+/// @param encrypts  nothing but an encrypted connection was wanted
+DatabaseError openingError(std::span<const OdbcRecord> records, bool encrypts = false);
 
 /// Whether the session is gone. The driver gives the loss a state of the warning class, so states alone
 /// mislead.

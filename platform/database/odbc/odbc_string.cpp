@@ -23,6 +23,9 @@ namespace {
 // hold the program for ever.
 constexpr int transactionTimeout = 120;
 
+// By which a server's administrator finds our sessions.
+constexpr const char* applicationName = "selfreport";
+
 bool isOneOf(std::string_view value, std::initializer_list<std::string_view> words)
 {
     return std::ranges::any_of(words, [&](std::string_view word) { return sameName(value, word); });
@@ -136,9 +139,14 @@ void addLogin(OdbcString& string, const ConnectionSettings& settings)
     string.add("PWD", settings.value("Password"));
 }
 
+bool wantsEncryption(const std::string& encrypt)
+{
+    return isOneOf(encrypt, {"true", "yes", "mandatory", "strict"});
+}
+
 void addEncryption(OdbcString& string, const std::string& encrypt)
 {
-    if (isOneOf(encrypt, {"true", "yes", "mandatory", "strict"}))
+    if (wantsEncryption(encrypt))
         string.add("Encryption", "require");
     else if (isOneOf(encrypt, {"false", "no", "optional"}))
         string.add("Encryption", "request"); // the login is still hidden if the server has a certificate
@@ -192,6 +200,7 @@ OdbcTarget odbcTarget(const ConnectionSettings& settings)
         target.loginTimeout = wholeNumber("Connect Timeout", seconds);
     if (const std::string& seconds = settings.value("Command Timeout"); !seconds.empty())
         target.queryTimeout = wholeNumber("Command Timeout", seconds);
+    target.encrypts = wantsEncryption(settings.value("Encrypt"));
     target.connectionString = chosenString(settings);
     if (!target.connectionString.empty())
         return target;
@@ -211,6 +220,8 @@ OdbcTarget odbcTarget(const ConnectionSettings& settings)
     for (const Key& key : keys)
         string.add(key.drivers, settings.value(key.ours));
     addEncryption(string, settings.value("Encrypt"));
+    if (settings.value("Application Name").empty())
+        string.add("APP", applicationName);
     // The driver's default for all that is no statement. Those say themselves that they may take long.
     string.add("Timeout", std::to_string(target.queryTimeout > 0 ? target.queryTimeout : transactionTimeout));
     string.add("TDS_Version", "7.4");

@@ -14,6 +14,7 @@ struct OdbcTarget {
     std::string connectionString; ///< holds the password: never shown
     int loginTimeout = 15;        ///< seconds for the whole opening; 0 for no limit
     int queryTimeout = 0;         ///< seconds; 0 for no limit
+    bool encrypts = false;        ///< in clear it is not to be opened
 };
 
 /// Puts a server's connection settings into the words of the driver. Only keys that it knows go out, because

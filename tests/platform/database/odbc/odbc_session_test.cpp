@@ -1,3 +1,4 @@
+#include "platform/database/dialect/server_errors.h"
 #include "platform/database/odbc/odbc_diagnostics.h"
 #include "platform/database/odbc/odbc_text.h"
 #include "platform/database/odbc/procedure_batch.h"
@@ -91,6 +92,56 @@ TEST(OdbcDiagnostics, TellLoginDatabaseAndLossApart)
     EXPECT_EQ(workError(std::vector<OdbcRecord>{{"42000", 1205, "deadlocked"}}).description,
               "与其他用户的操作互相等待，请再试一次：deadlocked");
     EXPECT_EQ(workError(cases[5].records).number, 102);
+}
+
+/// A number of the server decides what is told, with what to do next, and what is done again.
+TEST(OdbcDiagnostics, NumbersComeWithANextStep)
+{
+    enum class Thrown { plain, repeatable, lost };
+    const struct {
+        std::vector<OdbcRecord> records;
+        const char* told;
+        Thrown thrown;
+    } cases[] = {
+        {{{"22001", 8152, "x"}}, "长度", Thrown::plain},
+        {{{"42000", 2628, "x"}}, "长度", Thrown::plain},
+        {{{"23000", 2627, "x"}, {"01000", 3621, "terminated"}}, "重复", Thrown::repeatable},
+        {{{"01000", 3621, "terminated"}, {"23000", 2601, "x"}}, "重复", Thrown::repeatable},
+        {{{"42000", 229, "x"}}, "权限", Thrown::plain},
+        {{{"40001", 1205, "x"}}, "互相等待", Thrown::repeatable},
+        {{{"HY000", 1222, "x"}}, "占用", Thrown::plain},
+        {{{"HY000", -2, "x"}}, "超时", Thrown::plain},
+        {{{"HYT00", 0, "x"}}, "超时", Thrown::plain},
+        {{{"01000", 596, "x"}}, "管理员", Thrown::lost},
+        {{{"01000", 20017, "x"}}, "断开", Thrown::lost},
+    };
+    for (const auto& c : cases) {
+        Thrown thrown = Thrown::plain;
+        std::string said;
+        try {
+            throwWorkError(c.records, false);
+        } catch (const ConnectionLost& error) {
+            thrown = Thrown::lost;
+            said = error.description;
+        } catch (const RepeatableError& error) {
+            thrown = Thrown::repeatable;
+            said = error.description;
+        } catch (const DatabaseError& error) {
+            said = error.description;
+        }
+        const std::string ours = said.substr(0, said.find("："));
+        EXPECT_NE(ours.find(c.told), std::string::npos) << said;
+        EXPECT_NE(ours.find("请"), std::string::npos) << said;
+        EXPECT_TRUE(thrown == c.thrown) << said;
+    }
+    const auto opening = [](const std::vector<OdbcRecord>& records, bool encrypts) {
+        return openingError(records, encrypts).number;
+    };
+    EXPECT_EQ(opening({{"08001", 0, "x"}, {"01000", 20002, "x"}}, true), encryptionRefused);
+    EXPECT_EQ(opening({{"08001", 0, "x"}, {"01000", 20002, "x"}}, false), unspecifiedError);
+    EXPECT_EQ(opening({{"08S01", 20009, "x"}, {"08001", 20002, "x"}}, true), unspecifiedError);
+    EXPECT_EQ(opening({{"42000", 18456, "x"}, {"08001", 20002, "x"}}, true), loginRejected);
+    EXPECT_EQ(opening({{"08001", -2146893019, "x"}}, false), encryptionRefused);
 }
 
 TEST(OdbcText, KeepsEveryCharacter)

@@ -3,6 +3,7 @@
 #include "platform/database/dialect/connection_string.h"
 #include "platform/database/session/DatabaseError.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 
 namespace selfreport {
@@ -15,6 +16,8 @@ std::string becomes(const char* text)
                              tail = "Timeout=120;TDS_Version=7.4;ClientCharset=UTF-8;";
     try {
         std::string sent = odbcTarget(parseConnectionString(text)).connectionString;
+        if (const std::size_t name = sent.find("APP=selfreport;"); name != std::string::npos)
+            sent.erase(name, std::strlen("APP=selfreport;"));
         if (!sent.starts_with(head))
             return sent;
         EXPECT_TRUE(sent.ends_with(tail)) << sent;

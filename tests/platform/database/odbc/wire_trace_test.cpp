@@ -101,6 +101,7 @@ TEST(WireTrace, ALoginSaysWhatTheConnectionStringSays)
     EXPECT_EQ(logins[0].password, tds::TdsServer::password);
     EXPECT_EQ(logins[0].database, "cw");
     EXPECT_EQ(logins[0].application, "自定义报表");
+    EXPECT_EQ(logins[1].application, "selfreport");
     EXPECT_EQ(logins[0].packetSize, 8192U);
     EXPECT_TRUE(logins[0].readOnly);
     EXPECT_FALSE(logins[1].readOnly);
