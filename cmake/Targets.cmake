@@ -79,8 +79,9 @@ function(our_static_library name)
   endif()
 endfunction()
 
-# our_tests(NAME FOLDERS f... LINKS target... [ON_SERVER filter]): one test program over tests/<folder>.
-# ON_SERVER: the tests of this filter run a second time, through the driver against the test server.
+# our_tests(NAME FOLDERS f... LINKS target... [ON_SERVER filter]): one program over tests/<folder>.
+# ON_SERVER: the tests of this filter run a second time, through the driver against the test server, and a third time
+# against the server that SELFREPORT_TEST_SERVER names; without one they are skipped there.
 function(our_tests name)
   cmake_parse_arguments(PARSE_ARGV 1 our "" "MAIN;ON_SERVER" "FOLDERS;LINKS")
   list(TRANSFORM our_FOLDERS PREPEND tests/)
@@ -111,10 +112,14 @@ function(our_tests name)
   endforeach()
   add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
   set(environment "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/leaks.supp:print_suppressions=0")
-  set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "${environment}")
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "${environment};SELFREPORT_TEST_SERVER=")
   if(our_ON_SERVER)
     add_test(NAME ${name}_on_server COMMAND ${name} --gtest_brief=1 --gtest_filter=${our_ON_SERVER})
     set_tests_properties(${name}_on_server PROPERTIES
-      TIMEOUT 300 ENVIRONMENT "${environment};SELFREPORT_TEST_PROVIDER=server")
+      TIMEOUT 300 ENVIRONMENT "${environment};SELFREPORT_TEST_SERVER=;SELFREPORT_TEST_PROVIDER=server")
+    add_test(NAME ${name}_on_real_server
+      COMMAND ${CMAKE_SOURCE_DIR}/tests/on_real_server $<TARGET_FILE:${name}> ${our_ON_SERVER})
+    set_tests_properties(${name}_on_real_server PROPERTIES
+      LABELS real_server SKIP_RETURN_CODE 77 TIMEOUT 300 ENVIRONMENT "${environment}")
   endif()
 endfunction()

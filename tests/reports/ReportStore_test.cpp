@@ -32,8 +32,8 @@ TEST(ReportStore, ThrowsWhatFailedClosesAndTellsNobody)
     RememberedReport first, second;
     store.insert("表", report, first);
     EXPECT_EQ(ledger.query("select fbillerid from tblCWSelfReport").text(0, "fbillerid"), "li");
-    ledger.run("create trigger full before insert on tblCWSelfReport begin select raise(abort,'满了'); end");
-    ledger.run("create trigger kept before delete on tblCWSelfReport begin select raise(abort,'不行'); end");
+    ledger.database().refuse("insert", "tblCWSelfReport", "满了");
+    ledger.database().refuse("delete", "tblCWSelfReport", "不行");
 
     spreadsheet::Workbook loaded;
     EXPECT_EQ(sentenceOf<ReportMissing>([&] { store.load(99, loaded, second); }), "报表不存在!");

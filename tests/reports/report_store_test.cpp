@@ -74,7 +74,7 @@ TEST(ReportStore, FirstReportGetsIdsOfItsOwn)
 TEST(ReportStore, InsertsRowAndItemTogetherOrNeither)
 {
     test::TestLedger ledger;
-    ledger.run("alter table tblsystemprivillenge rename to elsewhere");
+    ledger.database().rename("tblsystemprivillenge", "elsewhere");
     gReportId = 77;
     EXPECT_FALSE(insertReport(sharedContext, "表", Workbook()));
     EXPECT_EQ(gReportId, 77);
@@ -84,7 +84,7 @@ TEST(ReportStore, InsertsRowAndItemTogetherOrNeither)
     EXPECT_EQ(ledger.boxes.said[0].title, gTitle);
     EXPECT_TRUE(ledger.boxes.said[0].text.starts_with("报表没有保存。\n")) << ledger.boxes.said[0].text;
 
-    ledger.run("alter table elsewhere rename to tblsystemprivillenge");
+    ledger.database().rename("elsewhere", "tblsystemprivillenge");
     EXPECT_TRUE(insertReport(sharedContext, "表", Workbook())); // once more makes no second report
     EXPECT_EQ(ledger.query("select * from tblCWSelfReport").rowCount(), 1U);
 }
@@ -217,8 +217,7 @@ TEST(ReportStore, UpdateThatFailsKeepsTheStoredReport)
     Workbook workbook;
     setMark(workbook, "旧");
     ASSERT_TRUE(insertReport(sharedContext, "表", workbook));
-    ledger.run(
-        "create trigger refuse before insert on tblCWSelfReport begin select raise(abort,'满了'); end");
+    ledger.database().refuse("insert", "tblCWSelfReport", "满了");
     setMark(workbook, "新");
     EXPECT_FALSE(replaced("表", workbook));
     ASSERT_EQ(ledger.boxes.said.size(), 1U);
@@ -232,11 +231,10 @@ TEST(ReportStore, DeletesRowAndItemTogetherOrNeither)
     Workbook workbook;
     for (int report = 1; report <= 2; ++report)
         ASSERT_TRUE(insertReport(sharedContext, "表", workbook));
-    ledger.run(
-        "create trigger refuse before delete on tblsystemprivillenge begin select raise(abort,'不行'); end");
+    ledger.database().refuse("delete", "tblsystemprivillenge", "不行");
     EXPECT_FALSE(deleteInfo(sharedContext));
     EXPECT_EQ(ledger.query("select * from tblCWSelfReport").rowCount(), 2U);
-    ledger.run("drop trigger refuse");
+    ledger.database().allow("delete", "tblsystemprivillenge");
     gReportId = 1;
     EXPECT_TRUE(deleteInfo(sharedContext));
     EXPECT_EQ(ledger.query("select noid from tblCWSelfReport").text(0, "noid"), "2");

@@ -1,6 +1,7 @@
 #pragma once
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace selfreport {
 class Connection;
@@ -15,6 +16,8 @@ class RealServer {
 public:
     /// Whether the variable is set.
     static bool isThere();
+    /// The one that the tests of a program take over from each other.
+    static RealServer& ofProgram();
 
     /// @throws DatabaseError
     RealServer();
@@ -24,8 +27,26 @@ public:
 
     std::string connectionString() const;
 
+    /// A connection for what tests prepare, apart from the pool that they look at.
+    Connection& direct();
+
+    /// Makes it as it was installed, whatever a test has done to it.
+    void restore();
+
 private:
+    struct Object {
+        std::string name, type, id, parent; ///< a table that was dropped and made again has another id
+        bool operator==(const Object&) const = default;
+    };
+    std::vector<Object> objects();
+    void dropChanged(const std::vector<Object>& now);
+    void install();
+    void restoreUnlessLocked();
+    void endOtherSessions();
+
     std::string m_name;
+    std::vector<Object> m_objects; ///< as they were installed
+    std::unique_ptr<Connection> m_direct;
 };
 
 /// Runs a script of sql/sqlserver, batch by batch.

@@ -16,17 +16,8 @@ protected:
         QObject::connect(&looking, &QTimer::timeout, &looking, [this] { look(); });
     }
     /// From now on a fetch goes on for minutes.
-    void makeLedgerSlow()
-    {
-        ledger.run("alter table tblAccount rename to tblAccountKept");
-        ledger.run("create view tblAccount as select * from tblAccountKept where (with recursive n(i) as "
-                   "(select 1 union all select i+1 from n where i<20000000000) select count(*) from n)>0");
-    }
-    void makeLedgerFast()
-    {
-        ledger.run("drop view tblAccount");
-        ledger.run("alter table tblAccountKept rename to tblAccount");
-    }
+    void makeLedgerSlow() { ledger.database().makeEndless("tblAccount"); }
+    void makeLedgerFast() { ledger.database().makeQuick("tblAccount"); }
     /// Clicks "取消" once the dialog has been open for a moment.
     void cancelWhenAsked()
     {
