@@ -40,12 +40,14 @@ function(our_batches target)
   endforeach()
 endfunction()
 
-# our_headers(NAME LINKS target... HEADERS <h>...): headers compiled once for all of our targets that reuse NAME.
+# our_headers(NAME LINKS target... OPTIONS o... HEADERS <h>...): headers compiled once for all of our targets that reuse
+# NAME; these need the same options.
 function(our_headers name)
-  cmake_parse_arguments(PARSE_ARGV 1 our "" "" "LINKS;HEADERS")
+  cmake_parse_arguments(PARSE_ARGV 1 our "" "" "LINKS;OPTIONS;HEADERS")
   file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/${name}.cpp CONTENT "// Only for its precompiled headers.\n")
   add_library(${name} STATIC ${CMAKE_BINARY_DIR}/${name}.cpp)
   target_link_libraries(${name} PRIVATE ${our_LINKS} our_warnings)
+  target_compile_options(${name} PRIVATE ${our_OPTIONS})
   # The layers below use words such as "slots" that the toolkit would otherwise make macros of.
   target_compile_definitions(${name} PRIVATE QT_NO_KEYWORDS)
   target_precompile_headers(${name} PRIVATE ${our_HEADERS})
@@ -79,6 +81,9 @@ function(our_static_library name)
   endif()
 endfunction()
 
+# What tests themselves do takes no time; compiling them does.
+set(our_test_options -O0 $<$<CONFIG:Release>:-U_FORTIFY_SOURCE>)
+
 # our_tests(NAME FOLDERS f... LINKS target... [ON_SERVER filter]): one program over tests/<folder>.
 # ON_SERVER: the tests of this filter run a second time, through the driver against the test server, and a third time
 # against the server that SELFREPORT_TEST_SERVER names; without one they are skipped there.
@@ -97,12 +102,12 @@ function(our_tests name)
   else()
     target_link_libraries(${name} PRIVATE GTest::gtest_main)
   endif()
-  # What tests themselves do takes no time; compiling them does.
-  target_compile_options(${name} PRIVATE -O0 $<$<CONFIG:Release>:-U_FORTIFY_SOURCE>)
+  target_compile_options(${name} PRIVATE ${our_test_options})
   if("Qt6::Test" IN_LIST our_LINKS)
-    set(toolkit <QtWidgets/QtWidgets> <QtTest/QtTest>)
+    target_precompile_headers(${name} REUSE_FROM window_test_headers)
+  else()
+    target_precompile_headers(${name} REUSE_FROM test_headers)
   endif()
-  target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> ${toolkit})
   foreach(source IN LISTS sources) # only those that ask: the cache serves the others to every clone
     file(STRINGS ${source} asks REGEX "TEST_DATA_FOLDER|TEST_BINARY_FOLDER|golden_texts")
     if(asks)

@@ -209,7 +209,7 @@ TEST_F(CallsWhileOpen, FromWithinClosing)
 TEST_F(CallsWhileOpen, TheNextSaveGoesIntoTheReportThatIsOpen)
 {
     inWindow("frmSelfReportMain", [this](QWidget& list) {
-        inWindow("frmEditor", [this](QWidget& designer) {
+        inWindow("frmEditor", [](QWidget& designer) {
             auto& editor = dynamic_cast<frmEditor&>(designer);
             EXPECT_EQ(editor.fps1().cells().text(1, 1), "一月");
             clsSelfReport other;

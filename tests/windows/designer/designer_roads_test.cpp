@@ -52,7 +52,7 @@ TEST_F(DesignerRoads, TheHostRunsAReportAndOpensItAgain)
 TEST_F(DesignerRoads, ANewReportFromTheListToTheStoreAndBack)
 {
     gFromList = 1;
-    whenModal("frmSelfReportMain", [this](QWidget& list) {
+    whenModal("frmSelfReportMain", [](QWidget& list) {
         whenModal("frmEditor", [](QWidget& designer) {
             control<QLineEdit>(designer, "txtReportName").setText("新表");
             auto& box = control<QLineEdit>(designer, "txtFormula");

@@ -182,7 +182,7 @@ TEST_F(Escape, EveryRoadOutLeavesTheUnsavedDesign)
 
 TEST_F(Escape, TheEndOfTheHostsLoopLeavesTheUnsavedDesign)
 {
-    whenModal("frmEditor", [this](QWidget& designer) {
+    whenModal("frmEditor", [](QWidget& designer) {
         dynamic_cast<frmEditor&>(designer).fps1().cells().setText(1, 1, "5");
         QCoreApplication::exit(); // every loop ends; nothing is closed
     });

@@ -318,7 +318,7 @@ TEST_F(Designer, TableProperties)
 {
     open();
     const auto answer = [this](const std::vector<QString>& texts, const char* button) {
-        whenModal("frmTableInfo", [=, this](QWidget& dialog) {
+        whenModal("frmTableInfo", [=](QWidget& dialog) {
             for (std::size_t box = 0; box < texts.size(); ++box)
                 control<QLineEdit>(dialog, ("txt_" + std::to_string(box)).c_str()).setText(texts[box]);
             control<QPushButton>(dialog, button).click();
@@ -398,10 +398,10 @@ TEST_F(Designer, BothRoadsThroughTheWindows)
 {
     storeReport();
     gFromList = 1;
-    whenModal("frmSelfReportMain", [this](QWidget& list) {
+    whenModal("frmSelfReportMain", [](QWidget& list) {
         auto& rows = control<ListGrid>(list, "vsf1");
         ASSERT_EQ(rows.rowCount(), 2);
-        whenModal("frmEditor", [this](QWidget& designer) {
+        whenModal("frmEditor", [](QWidget& designer) {
             EXPECT_EQ(control<QLineEdit>(designer, "txtReportName").text(), "现金表");
             control<QLineEdit>(designer, "txtReportName").setText("改名");
             control<QAction>(designer, "MenuFileSave").trigger();
