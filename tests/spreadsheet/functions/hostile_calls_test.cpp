@@ -1,3 +1,4 @@
+#include "tests/sanitized.h"
 #include "tests/spreadsheet/functions/HostileCalls.h"
 
 #include <chrono>
@@ -14,13 +15,8 @@ using namespace spreadsheet;
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr int rounds = 6;
-constexpr double mostSeconds = 15; // some thirty times as long
-#else
-constexpr int rounds = 30;
-constexpr double mostSeconds = 1; // the program under bench/ holds it to half of that
-#endif
+constexpr int rounds = isSanitized ? 6 : 30;
+constexpr double mostSeconds = isSanitized ? 15 : 1; // the program under bench/ holds it to half of that
 
 /// Seconds of work of this thread: what else the machine does is no matter.
 double workSeconds()

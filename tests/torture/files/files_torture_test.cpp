@@ -1,6 +1,7 @@
 // Reports, exports and conversions whose n-th call to the file system fails, or is the last before the
 // process is killed, for every n.
 #include "tests/host/ProgramRun.h"
+#include "tests/sanitized.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>
@@ -38,16 +39,12 @@ protected:
     static void TearDownTestSuite() { s_given.reset(); }
     void SetUp() override
     {
-#ifdef __SANITIZE_ADDRESS__
-        GTEST_SKIP() << "nothing may be loaded before the sanitizer's own library";
-#endif
+        if (isSanitized)
+            GTEST_SKIP() << "nothing may be loaded before the sanitizer's own library";
     }
 
     /// What the commands read stands outside the folder that they write into.
-    static std::string given(const std::string& name)
-    {
-        return s_given->file(name);
-    }
+    static std::string given(const std::string& name) { return s_given->file(name); }
 
     static int run(const TestFolder& folder, int place, const char* way, const std::string& count = {})
     {
