@@ -63,7 +63,7 @@ void resetConnection(int socket)
 {
     sockaddr none{};
     none.sa_family = AF_UNSPEC;
-    ::connect(socket, &none, sizeof none);
+    static_cast<void>(::connect(socket, &none, sizeof none));
     ::shutdown(socket, SHUT_RDWR); // wakes who waits on it, if it could not be reset
 }
 
