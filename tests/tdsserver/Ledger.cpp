@@ -169,6 +169,7 @@ Ledger::Called Ledger::call(const std::string& procedure, std::span<const Parame
         throw ServerError{2812, "找不到存储过程 '" + procedure + "'。"};
     try {
         beginIfWanted();
+        m_procedure.forgetLatest();
         const ProcedureResult result = m_procedure.run(boundCall(procedure, parameters));
         Called called{static_cast<std::int32_t>(result.returnValue), {}};
         if (result.rows)

@@ -62,23 +62,34 @@ AcctProcedure::AcctProcedure(const SqliteDatabase& database)
 {
 }
 
+void AcctProcedure::forgetLatest()
+{
+    m_latestYear.reset();
+    m_lastPeriods.clear();
+}
+
 /// Each account's latest year is the end of one run of its index, so no scan of the ledger is needed.
 std::int64_t AcctProcedure::latestYear()
 {
-    return firstInteger(m_lookups.statement(
-                            "select max((select max(fYear) from tblAccountBal where faccountid=b.fitemid and "
-                            "fDetailId=0)) from tblAccount as b"))
-        .value_or(0);
+    if (!m_latestYear)
+        m_latestYear =
+            firstInteger(m_lookups.statement(
+                             "select max((select max(fYear) from tblAccountBal where faccountid=b.fitemid "
+                             "and fDetailId=0)) from tblAccount as b"))
+                .value_or(0);
+    return *m_latestYear;
 }
 
 std::int64_t AcctProcedure::lastPeriod(std::int64_t year)
 {
+    if (const auto known = m_lastPeriods.find(year); known != m_lastPeriods.end())
+        return known->second;
     SqliteStatement& statement = m_lookups.statement(
         "select max((select max(fPeriod) from tblAccountBal where faccountid=b.fitemid and fDetailId=0 and "
         "fYear=?)) from tblAccount as b");
     const SqlValue value = year;
     statement.bind({&value, 1});
-    return firstInteger(statement).value_or(1);
+    return m_lastPeriods[year] = firstInteger(statement).value_or(1);
 }
 
 std::optional<AcctProcedure::Selection> AcctProcedure::selectionOf(const ProcedureCall& call)

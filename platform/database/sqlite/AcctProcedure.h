@@ -5,6 +5,7 @@
 #include "platform/database/sqlite/StatementCache.h"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,6 +24,10 @@ public:
 
     explicit AcctProcedure(const SqliteDatabase& database);
 
+    /// To be called wherever the ledger may have changed: its latest year and last periods, which most calls
+    /// of a report leave blank, are looked up once and kept.
+    void forgetLatest();
+
     /// @throws DatabaseError if the text is refused or a year or period is no whole number
     ProcedureResult run(const ProcedureCall& call);
 
@@ -40,6 +45,8 @@ private:
     std::int64_t lastPeriod(std::int64_t year);
     SqliteStatement& statementFor(const Selection& selection, const LiftedSql& lifted);
 
+    std::optional<std::int64_t> m_latestYear;
+    std::map<std::int64_t, std::int64_t> m_lastPeriods; ///< by year
     StatementCache m_lookups;
     StatementCache m_fetches;     ///< by kind and shape
     AcctSelection m_placeholders; ///< of the shape that is being prepared

@@ -53,6 +53,7 @@ std::vector<ProcedureResult> SqliteSession::callProcedures(std::span<const Proce
     const bool ownTransaction = !inTransaction();
     if (ownTransaction)
         m_statements.statement("begin").step();
+    m_acctProcedure.forgetLatest();
     std::vector<ProcedureResult> results;
     for (const ProcedureCall& call : calls) {
         ProcedureResult& result = results.emplace_back();

@@ -194,6 +194,29 @@ TEST_F(AcctProcedureTest, CurrencyYearAndPeriodsHaveDefaults)
         EXPECT_EQ(fetched(c.call), c.expected) << c.what;
 }
 
+/// The ledger's latest year and periods are those of the ledger as each wave of calls finds it.
+TEST_F(AcctProcedureTest, BlankYearsAndPeriodsFollowTheLedger)
+{
+    const std::vector<ProcedureCall> calls{acctCall(account("1001"), "2"),
+                                           acctCall(account("1001"), "2", "", "2008"),
+                                           acctCall(account("1001"), "2")};
+    const auto amounts = [&] {
+        std::string all;
+        for (const ProcedureResult& result : m_connection->callProcedures(calls)) {
+            double sum = 0;
+            for (std::size_t row = 0; row < result.rows->rowCount(); ++row)
+                sum += result.rows->number(row, "f");
+            all += numberText(sum) + " ";
+        }
+        return all;
+    };
+    EXPECT_EQ(amounts(), "198.1 100 198.1 ");
+    balance("1,0,2009,3,1, 0,0, 0,0, 0,0, 0,0, 0,0, 7,7");
+    EXPECT_EQ(amounts(), "7 100 7 ");
+    balance("1,0,2010,1,1, 0,0, 0,0, 0,0, 0,0, 0,0, 5,5");
+    EXPECT_EQ(amounts(), "5 100 5 ");
+}
+
 TEST_F(AcctProcedureTest, EveryAmountCountsOnce)
 {
     const auto range = [](const std::string& first, const std::string& last) {
