@@ -1,5 +1,6 @@
 #include "component/application.h"
 #include "component/host_call.h"
+#include "platform/toolkit/ChineseTexts.h"
 #include "platform/toolkit/QtDialogs.h"
 #include "platform/toolkit/QtSettings.h"
 #include "platform/toolkit/toolkit_dialogs.h"
@@ -17,6 +18,7 @@ namespace selfreport {
 namespace {
 
 std::atomic<bool> started = false;
+QApplication* ours = nullptr; ///< made here; null: the host's is used
 
 /// Puts the process's C locale back as it was.
 class LocaleKept {
@@ -60,7 +62,7 @@ void makeApplication(Display display)
     if (asked.isEmpty())
         qputenv("QT_QPA_PLATFORM", display == Display::needed ? "xcb;wayland;offscreen" : "offscreen");
     const QtMessageHandler former = display == Display::none ? qInstallMessageHandler(passMessage) : nullptr;
-    [[maybe_unused]] static const QApplication* const kept = new QApplication(count, arguments);
+    ours = new QApplication(count, arguments);
     if (display == Display::none)
         qInstallMessageHandler(former);
     if (asked.isEmpty())
@@ -100,6 +102,7 @@ void startToolkit(Display display)
     if (!displayReached())
         throw HostError("没有可用的显示器,无法显示窗口。");
     useToolkitServices();
+    useChineseTexts(ours ? ChineseFor::wholeProgram : ChineseFor::ourWindows);
 }
 
 bool toolkitStarted()

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <utility>
 
 namespace selfreport {
 
@@ -40,6 +41,10 @@ QWidget* windowInFront()
     return active ? active : QApplication::activeModalWidget();
 }
 
+/// Ours whatever language the system or the host speaks.
+constexpr std::pair<QMessageBox::StandardButton, const char*> captions[] = {
+    {QMessageBox::Ok, "确定"}, {QMessageBox::Yes, "是(&Y)"}, {QMessageBox::No, "否(&N)"}};
+
 /// A box over the active window.
 struct Box : QMessageBox {
     Box(selfreport::Icon icon, std::string_view title, std::string_view text, StandardButtons buttons)
@@ -48,6 +53,9 @@ struct Box : QMessageBox {
     {
         setObjectName("messageBox");
         setTextFormat(Qt::PlainText); // a server's text may look like markup
+        for (const auto& [standard, caption] : captions)
+            if (QAbstractButton* const shown = button(standard))
+                shown->setText(QString::fromUtf8(caption));
     }
 };
 

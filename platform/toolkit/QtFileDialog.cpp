@@ -1,12 +1,16 @@
 #include "platform/toolkit/QtFileDialog.h"
 
 #include "platform/services/Dialogs.h"
+#include "platform/toolkit/ChineseTexts.h"
 #include "platform/toolkit/file_filter.h"
+#include "platform/toolkit/FileRows.h"
 #include "platform/toolkit/QtDialogs.h"
+#include "platform/windows/front_window.h"
 
-#include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+
+#include <memory>
 
 namespace selfreport {
 
@@ -17,9 +21,18 @@ bool isPattern(const QString& name)
     return name.contains('*') || name.contains('?');
 }
 
-void prepare(QFileDialog& dialog, const FileDialogSettings& settings)
+/// The toolkit's own dialog: that of the desktop speaks the desktop's language.
+std::unique_ptr<QFileDialog> prepared(QFileDialog::AcceptMode mode, QFileDialog::FileMode files,
+                                      const FileDialogSettings& settings)
 {
+    const BuildingOurs building;
+    auto made = std::make_unique<QFileDialog>(frontWindow());
+    QFileDialog& dialog = *made;
     dialog.setObjectName("fileDialog");
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setProxyModel(new FileRows(made.get()));
+    dialog.setAcceptMode(mode);
+    dialog.setFileMode(files);
     if (!settings.title.empty())
         dialog.setWindowTitle(QString::fromStdString(settings.title));
     if (!settings.folder.empty())
@@ -32,6 +45,7 @@ void prepare(QFileDialog& dialog, const FileDialogSettings& settings)
         dialog.setNameFilters(filters);
     if (!name.isEmpty() && !isPattern(name))
         dialog.selectFile(name);
+    return made;
 }
 
 std::optional<std::string> chosen(QFileDialog& dialog)
@@ -51,20 +65,15 @@ bool isReadOnly(const std::string& path)
 
 std::optional<std::string> QtFileDialog::chooseToOpen(const FileDialogSettings& settings)
 {
-    QFileDialog dialog(QApplication::activeWindow());
-    dialog.setFileMode(QFileDialog::ExistingFile);
-    prepare(dialog, settings);
-    return chosen(dialog);
+    return chosen(*prepared(QFileDialog::AcceptOpen, QFileDialog::ExistingFile, settings));
 }
 
 std::optional<std::string> QtFileDialog::chooseToSave(const FileDialogSettings& settings)
 {
-    QFileDialog dialog(QApplication::activeWindow());
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
+    const auto made = prepared(QFileDialog::AcceptSave, QFileDialog::AnyFile, settings);
+    QFileDialog& dialog = *made;
     dialog.setOption(QFileDialog::DontConfirmOverwrite,
                      (settings.flags & FileDialogSettings::overwritePrompt) == 0);
-    prepare(dialog, settings);
     if (!dialog.nameFilters().isEmpty())
         dialog.setDefaultSuffix(suffixOf(dialog.nameFilters().constFirst()));
     for (;;) {

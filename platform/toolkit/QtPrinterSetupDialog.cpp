@@ -45,7 +45,10 @@ FoundPrinters findPrinters()
 }
 
 /// Papers as a print service names them.
-constexpr const char* papers[] = {"A4", "A3", "A5", "B4", "B5", "Letter", "Legal"};
+constexpr struct {
+    const char *code, *caption;
+} papers[] = {{"A4", "A4"}, {"A3", "A3"},       {"A5", "A5"},         {"B4", "B4"},
+              {"B5", "B5"}, {"Letter", "信纸"}, {"Legal", "法律用纸"}};
 
 class SetupWindow : public QDialog {
 public:
@@ -143,8 +146,8 @@ private:
     void fillSettings()
     {
         m_paper.addItem(QStringLiteral("打印机的纸张"), QString());
-        for (const char* paper : papers)
-            m_paper.addItem(QLatin1String(paper), QLatin1String(paper));
+        for (const auto& [code, caption] : papers)
+            m_paper.addItem(QString::fromUtf8(caption), QLatin1String(code));
         m_paper.setCurrentIndex(std::max(0, m_paper.findData(QString::fromStdString(m_setup.paper))));
         m_copies.setRange(1, 999);
         m_copies.setValue(m_setup.copies);

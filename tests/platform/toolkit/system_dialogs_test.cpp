@@ -8,7 +8,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFileDialog>
-#include <QFontDialog>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -52,16 +52,25 @@ TEST_F(SystemDialogs, FontKeepsWhatTheUserLeaves)
     whenModal("fontDialog", [](QWidget& window) {
         auto& colour = control<QComboBox>(window, "fontColour");
         colour.setCurrentIndex(colour.findText("蓝色"));
-        QFont font = window.findChild<QFontDialog*>()->currentFont();
-        font.setItalic(true);
-        window.findChild<QFontDialog*>()->setCurrentFont(font);
-        control<QPushButton>(window, "fontOK").click();
+        control<QListWidget>(window, "fontStyle").setCurrentRow(3);
+        QTest::keyClick(&window, Qt::Key_Return);
     });
-    const auto changed = fonts.choose(first);
-    ASSERT_TRUE(changed);
-    EXPECT_EQ(changed->colour, 0x0000FFU);
-    EXPECT_TRUE(changed->italic);
-    EXPECT_EQ(changed->points, 10.5);
+    FontChoice changed = first;
+    changed.colour = 0x0000FF;
+    changed.italic = true;
+    EXPECT_EQ(fonts.choose(first), changed);
+
+    const FontChoice unknown{"没有的字体", 10.5, false, false, false, false, 0};
+    for (const auto& [typed, points] :
+         {std::pair("12.5", 12.5), std::pair("", 10.5), std::pair("4000", 10.5)}) {
+        whenModal("fontDialog", [text = typed](QWidget& window) {
+            control<QComboBox>(window, "fontSize").setEditText(text);
+            control<QPushButton>(window, "fontOK").click();
+        });
+        FontChoice sized = unknown;
+        sized.points = points;
+        EXPECT_EQ(fonts.choose(unknown), sized) << typed;
+    }
 
     whenModal("fontDialog", [](QWidget& window) { QTest::keyClick(&window, Qt::Key_Escape); });
     EXPECT_EQ(fonts.choose(first), std::nullopt);
