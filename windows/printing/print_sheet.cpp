@@ -97,6 +97,18 @@ Answer askService(const PrinterSetup& setup)
     return *answer;
 }
 
+/// Many machines run no print service. Who chose no printer is then offered a file, as where there are none.
+Answer askUsualService(const PrinterSetup& setup)
+{
+    try {
+        return askService(setup);
+    } catch (const PrintServiceError&) {
+        if (!setup.printer.empty())
+            throw;
+        return {};
+    }
+}
+
 spreadsheet::PageRequest requestFor(const std::string& paper, PrintedGrid& grid)
 {
     spreadsheet::PageRequest request;
@@ -208,7 +220,7 @@ PrintOutcome printSheet(PrintedGrid& grid)
     return outcomeOf(grid, [&] {
         if (!printerSetup().file.empty())
             return writeFile(grid, documentOf(grid, printerSetup().paper), printerSetup().file);
-        const Answer answer = askService(printerSetup());
+        const Answer answer = askUsualService(printerSetup());
         if (answer.hasPrinters)
             sendToPrinter(grid, answer.paper);
         else

@@ -114,6 +114,10 @@ TEST_F(PrintQueue, WhatIsNotThereIsTold)
         server.stop();
         EXPECT_EQ(printSheet(grid), PrintOutcome::failed);
         EXPECT_EQ(said(), "打印服务没有回答。");
+        printerSetup().printer.clear(); // the usual one, if there is any
+        EXPECT_EQ(printSheet(grid), PrintOutcome::cancelled);
+        EXPECT_EQ(said(), "没有可用的打印机,是否打印到PDF文件?");
+        printerSetup().printer = "不在了";
     }
     const test::SilentPort silent;
     qputenv("CUPS_SERVER", "127.0.0.1:" + QByteArray::number(silent.number()));
