@@ -9,7 +9,6 @@
 #include "windows/list/report_rows.h"
 
 #include <QLabel>
-#include <QLocale>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -97,10 +96,9 @@ bool frmSelfReportMain::getReport()
     if (!listing)
         return false;
     m_warning->setText(QString::fromStdString(listing->warning));
-    const QLocale locale = QLocale::system();
     m_vsf1->clearRows();
     for (const ListedReport& report : listing->reports)
-        m_vsf1->addRow(reportRow(report, locale), reportSortRow(report));
+        m_vsf1->addRow(reportRow(report), reportSortRow(report));
     return true;
 }
 

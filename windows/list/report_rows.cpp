@@ -1,9 +1,9 @@
 #include "windows/list/report_rows.h"
 
+#include "platform/windows/time_text.h"
 #include "reports/report_list.h"
 
 #include <QDateTime>
-#include <QLocale>
 #include <QStringList>
 
 namespace selfreport {
@@ -20,19 +20,19 @@ QString columnText(const std::string& text)
     return column;
 }
 
-QString timeText(const std::string& savedAt, const QLocale& locale)
+QString savedText(const std::string& savedAt)
 {
     const QString stored = columnText(savedAt);
     const QDateTime time = QDateTime::fromString(stored.left(19), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-    return time.isValid() ? locale.toString(time, QLocale::ShortFormat) : stored;
+    return time.isValid() ? timeText(time) : stored;
 }
 
 } // namespace
 
-QString reportRow(const ListedReport& report, const QLocale& locale)
+QString reportRow(const ListedReport& report)
 {
     return QStringList{QString::number(report.id), columnText(report.name), columnText(report.savedBy),
-                       timeText(report.savedAt, locale), QString::fromUtf8(report.shownText())}
+                       savedText(report.savedAt), QString::fromUtf8(report.shownText())}
         .join('\t');
 }
 
