@@ -1,0 +1,133 @@
+"""What a task works with: a user before a display, a program on a copy of the demo ledger, a folder for files."""
+
+import os
+import shutil
+import signal
+import subprocess
+from pathlib import Path
+
+from books import Books
+from display import Display
+from user import User
+from waiting import until
+
+HOST, LIST, DESIGNER = "财务报表", "自定义报表", "报表系统"  # the titles of the windows; boxes have the first one's
+
+# What a desktop tells programs. A cursor that does not blink lets pictures stand still.
+SETTINGS = "[KDE]\nCursorBlinkRate=0\nSingleClick=false\n"
+
+
+class Desk:
+    def __init__(self, room, program, clipboard, ledger, album, width=1280, height=800, settings="", **environment):
+        self.folder = Path(room) / "files"
+        self.folder.mkdir()
+        self.database = self.folder / "demo.db"
+        shutil.copyfile(ledger, self.database)
+        config = Path(room) / ".config"
+        config.mkdir()
+        (config / "kdeglobals").write_text(SETTINGS + settings, encoding="utf-8")
+        self.display = Display(room, width, height)
+        self.display.environment.update(
+            XDG_CONFIG_HOME=str(config), XDG_DATA_HOME=str(Path(room) / "data"), XDG_RUNTIME_DIR=str(room),
+            XDG_CURRENT_DESKTOP="KDE", KDE_SESSION_VERSION="5", QT_QPA_PLATFORM="xcb", USER="wang", LC_ALL="C.UTF-8",
+            CUPS_SERVER=str(Path(room) / "none"),  # no paper is wasted where there is a printer
+            **environment)
+        os.chmod(room, 0o700)
+        self.user = User(self.display, album, clipboard)
+        self.program, self.process = program, None
+        self.books = Books(program, self.database)
+
+    # The program
+
+    def starts(self):
+        self.process = subprocess.Popen([self.program, "--db", str(self.database)], cwd=self.folder,
+                                        env=self.display.environment, stdout=self.display.log,
+                                        stderr=self.display.log)
+        self.user.sees(HOST)
+
+    def is_killed(self):
+        """As a crash or a power cut ends it."""
+        self.process.send_signal(signal.SIGKILL)
+        self.process.wait()
+        until("窗口消失", lambda: not any(self.display.xdotool("getwindowname", window) for window in
+                                      self.user.windows))
+        self.user.windows.clear()
+
+    def leaves(self):
+        """Closes the last window; the program ends by itself."""
+        self.user.presses("alt+F4")
+        until("程序结束", lambda: self.process.poll() is not None)
+        assert self.process.returncode == 0, self.process.returncode
+        self.user.windows.clear()
+
+    def clear(self):
+        self.user.forgets_copied()
+        if self.process and self.process.poll() is None:
+            self.process.kill()
+            self.process.wait()
+        self.display.close()
+
+    # Roads that many tasks take
+
+    def opens_list(self):
+        self.starts()
+        self.user.presses("alt+d")
+        self.user.sees(LIST)
+
+    def begins_report(self, name):
+        """A new design under a name, the cursor in A1."""
+        self.opens_list()
+        self.user.presses("alt+n")
+        self.user.sees(DESIGNER)
+        self.names(name)
+
+    def names(self, name):
+        """Saving asks for a name that is missing, and leaves the cursor in its box; afterwards A1 has it."""
+        self.user.presses("ctrl+s")
+        self.user.answers(HOST, "Return")
+        self.user.pastes(name)
+        self.user.presses("Return", "Tab", "Tab", "ctrl+Home")
+
+    def saves(self):
+        """Saves, and the box says so."""
+        self.user.keeps("保存之前")
+        self.user.presses("ctrl+s")
+        self.user.answers(HOST, "Return")
+
+    def opens_for_design(self, row):
+        """A report of the list, by its place there."""
+        self.opens_list()
+        self.user.presses(*["Down"] * (row - 1), "alt+u")
+        self.user.sees(DESIGNER)
+
+    def leaves_all(self):
+        """Closes designer, list and program."""
+        self.user.presses("alt+F4")
+        self.user.sees_gone()
+        self.user.presses("alt+F4")
+        self.user.sees_gone()
+        self.leaves()
+
+    def goes_to(self, cell):
+        self.user.presses("F5")
+        self.user.sees("定位")
+        self.user.types(cell)
+        self.user.presses("Return")
+        self.user.sees_gone()
+
+    def menu(self, menu, entry):
+        """An entry of the menu bar by arrow keys: both count from 1, lines between entries do not."""
+        self.user.presses("alt+f", *["Right"] * (menu - 1), *["Down"] * (entry - 1), "Return")
+
+    def prints_to(self, file):
+        """Prints at once; without a printer the program offers a PDF file."""
+        pdf = self.folder / file
+        self.menu(1, 10)
+        self.user.answers(HOST, "y")
+        self.user.sees("引出为PDF文件")
+        self.user.presses("ctrl+a")
+        self.user.types(str(pdf))
+        self.user.presses("Return")
+        self.user.sees_gone()
+        until(f"文件 {file}", pdf.exists)
+        return pdf

@@ -1,0 +1,70 @@
+"""A display of its own with a window manager on it. Its picture is read from the server's memory."""
+
+import mmap
+import os
+import struct
+import subprocess
+import time
+from pathlib import Path
+
+from picture import Picture
+from waiting import until
+
+
+class Display:
+    def __init__(self, folder, width, height):
+        self.folder = Path(folder)
+        self.log = open(self.folder / "display.log", "w")
+        self.server = self.start_server(width, height)
+        self.environment = {**os.environ, "DISPLAY": f":{self.number}", "HOME": str(self.folder)}
+        self.manager = subprocess.Popen(["openbox"], env=self.environment, stdout=self.log, stderr=self.log)
+        self.memory = self.map_memory()
+        until("窗口管理器", lambda: self.xdotool("get_num_desktops").isdigit())
+
+    def start_server(self, width, height):
+        reading, writing = os.pipe()
+        server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(writing), "-screen", "0", f"{width}x{height}x24", "-fbdir", str(self.folder),
+             "-nolisten", "tcp", "-dpi", "96"],
+            pass_fds=[writing], stdout=self.log, stderr=self.log)
+        os.close(writing)
+        with os.fdopen(reading) as answer:
+            self.number = answer.readline().strip()
+        return server
+
+    def map_memory(self):
+        with open(self.folder / "Xvfb_screen0", "rb") as file:
+            memory = mmap.mmap(file.fileno(), 0, prot=mmap.PROT_READ)
+        header = struct.unpack(">25I", memory[:100])
+        self.width, self.height, self.line = header[4], header[5], header[12]
+        self.start = header[0] + header[19] * 12  # behind the header and the colours
+        return memory
+
+    def picture(self):
+        size = self.line * self.height
+        return Picture(self.width, self.height, self.memory[self.start:self.start + size])
+
+    def still_picture(self):
+        """The picture once it has stopped changing."""
+        before, since = None, 0
+
+        def is_still():
+            nonlocal before, since
+            now = self.picture()
+            if before is None or now.pixels != before.pixels:
+                before, since = now, time.monotonic()
+                return None
+            return now if time.monotonic() - since > 0.2 else None
+
+        return until("画面静止", is_still)
+
+    def xdotool(self, *arguments):
+        """What the command prints; empty if it fails."""
+        done = subprocess.run(["xdotool", *arguments], env=self.environment, capture_output=True, text=True)
+        return done.stdout.strip() if done.returncode == 0 else ""
+
+    def close(self):
+        for process in (self.manager, self.server):
+            process.terminate()
+            process.wait()
+        self.log.close()
