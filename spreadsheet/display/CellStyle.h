@@ -48,7 +48,10 @@ enum class LineStyle : std::uint8_t {
     fineDot = 9,
     fineDashDot = 10,
     fineDashDotDot = 11,
+    thick = 12,
+    doubled = 13, ///< two lines beside each other
 };
+inline constexpr LineStyle lastLineStyle = LineStyle::doubled;
 
 /// 0xRRGGBB; `automatic` stands for the surroundings' own text or paper colour.
 using Colour = std::uint32_t;
@@ -59,6 +62,15 @@ struct BorderLine {
     Colour colour = 0;
     friend bool operator==(const BorderLine&, const BorderLine&) = default;
 };
+
+/// A side of a cell in a span that shows no line although the span's first cell has one there.
+inline constexpr BorderLine openSide{LineStyle::none, automaticColour};
+
+/// What a cell shows at the outline of its span: its own line, else that of the span's first cell.
+inline const BorderLine& spanLine(const BorderLine& own, const BorderLine& first)
+{
+    return own.style != LineStyle::none || own == openSide ? own : first;
+}
 
 struct CellFont {
     Text family;      ///< empty: the workbook's default family

@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace spreadsheet {
 
@@ -12,19 +13,33 @@ namespace {
 
 constexpr double normalWidth = 15; // twips
 constexpr double fineWidth = 5;
+constexpr double thickWidth = 30;
+constexpr double doubledShift = 15; // of each of the two from the edge
 constexpr BorderLine noLine{};
 
 bool isFine(LineStyle style)
 {
-    return style >= LineStyle::fineSolid;
+    return style >= LineStyle::fineSolid && style <= LineStyle::fineDashDotDot;
+}
+
+bool isHeavy(LineStyle style)
+{
+    return style == LineStyle::thick || style == LineStyle::doubled;
 }
 
 int weightOf(const BorderLine& line)
 {
     if (line.style == LineStyle::none)
         return 0;
-    return line.style == LineStyle::erase ? 3 : isFine(line.style) ? 1 : 2;
+    return line.style == LineStyle::erase ? 4 : isHeavy(line.style) ? 3 : isFine(line.style) ? 1 : 2;
 }
+
+double widthOf(LineStyle style)
+{
+    return style == LineStyle::thick ? thickWidth : isFine(style) ? fineWidth : normalWidth;
+}
+
+static_assert(doubledShift + normalWidth / 2 <= farthestLine && thickWidth / 2 <= farthestLine);
 
 /// Lengths of strokes and gaps in twips; empty: a solid line.
 QList<qreal> dashesOf(LineStyle style)
@@ -64,7 +79,7 @@ void drawRuns(int count, const auto& edge, const auto& stroke)
 
 QPen borderPen(const BorderLine& line, double scale, bool inColour, double twip)
 {
-    const double width = isFine(line.style) ? fineWidth : normalWidth;
+    const double width = widthOf(line.style);
     const bool hairline = width * scale < 1;
     QColor colour = printColour(line.colour, 0x000000, inColour);
     if (hairline)
@@ -126,9 +141,9 @@ BorderLine CellLines::sideOf(int row, int column, Side side) const
     if (row >= 0 && row < rows && column >= 0 && column < columns) {
         const PageCell& cell = m_cells.at(row, column);
         const BorderLine& own = cell.style->*side;
-        if (own.style != LineStyle::none || cell.span < 0)
-            return own;
-        return m_cells.spans()[static_cast<std::size_t>(cell.span)].anchor.style->*side;
+        return cell.span < 0
+                   ? own
+                   : spanLine(own, m_cells.spans()[static_cast<std::size_t>(cell.span)].anchor.style->*side);
     }
     CellAddress neighbour =
         m_cells.at(std::clamp(row, 0, rows - 1), std::clamp(column, 0, columns - 1)).address;
@@ -158,6 +173,16 @@ bool CellLines::sameSpan(int row, int column, int otherRow, int otherColumn) con
 void CellLines::draw(QPainter& painter, bool inColour, double twip) const
 {
     const double scale = painter.deviceTransform().m11() * twip;
+    // The two lines of a double one keep a pixel between them.
+    const double shift = std::max(1.0, std::round(doubledShift * scale)) / scale * twip;
+    const auto stroke = [&](const BorderLine& edge, const QPointF& from, const QPointF& to) {
+        painter.setPen(borderPen(edge, scale, inColour, twip));
+        if (edge.style != LineStyle::doubled)
+            return painter.drawLine(from, to);
+        const QPointF aside = from.y() == to.y() ? QPointF(0, shift) : QPointF(shift, 0);
+        painter.drawLine(from - aside, to - aside);
+        painter.drawLine(from + aside, to + aside);
+    };
     const int rows = m_cells.rows();
     const int columns = m_cells.columns();
     for (int line = 0; line <= rows && columns > 0; ++line) {
@@ -168,8 +193,7 @@ void CellLines::draw(QPainter& painter, bool inColour, double twip) const
                 return m_rowEdges[static_cast<std::size_t>(line * columns + column)];
             },
             [&](int from, int to, const BorderLine& edge) {
-                painter.setPen(borderPen(edge, scale, inColour, twip));
-                painter.drawLine(m_cells.column(from).start, y, m_cells.column(to).end(), y);
+                stroke(edge, QPointF(m_cells.column(from).start, y), QPointF(m_cells.column(to).end(), y));
             });
     }
     for (int line = 0; line <= columns && rows > 0; ++line) {
@@ -180,8 +204,7 @@ void CellLines::draw(QPainter& painter, bool inColour, double twip) const
                 return m_columnEdges[static_cast<std::size_t>(row * (columns + 1) + line)];
             },
             [&](int from, int to, const BorderLine& edge) {
-                painter.setPen(borderPen(edge, scale, inColour, twip));
-                painter.drawLine(x, m_cells.row(from).start, x, m_cells.row(to).end());
+                stroke(edge, QPointF(x, m_cells.row(from).start), QPointF(x, m_cells.row(to).end()));
             });
     }
 }

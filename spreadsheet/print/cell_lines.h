@@ -11,19 +11,22 @@ class QPainter;
 
 namespace spreadsheet {
 
-/// The pen of a line style: 0.75 pt, fine styles 0.25 pt, both at least one device pixel.
+/// The pen of a line style: 0.75 pt, fine styles 0.25 pt, thick ones 1.5 pt, all at least one device pixel.
 /// @param scale  device pixels per twip
 /// @param twip   length of a twip in the painter's units
 QPen borderPen(const BorderLine& line, double scale, bool inColour, double twip = 1);
+
+/// How far a line reaches to either side of its edge, in twips.
+inline constexpr double farthestLine = 22.5;
 
 /// The grid on paper.
 inline constexpr BorderLine printedGridLine{LineStyle::fineSolid, 0xA0A0A0};
 
 /// Borders and grid lines of one page.
 ///
-/// Where two cells meet, an erased edge wins, then the heavier line, then the right or lower cell's.
-/// Inside a span there are no lines; on its outline a cell without a line of its own shows the
-/// span's. Edges that run on in the same line are drawn as one.
+/// Where two cells meet, both have the same line if it was drawn by a command. Of others an erased edge wins,
+/// then the heavier line, then the right or lower cell's. Inside a span there are no lines; on its outline a
+/// cell shows its spanLine(). Edges that run on in the same line are drawn as one.
 class CellLines {
 public:
     /// @param gridLine   drawn where cells have no line; of style `none`: no grid

@@ -1,11 +1,13 @@
 #include "spreadsheet/view/SheetView.h"
 
+#include "spreadsheet/print/cell_lines.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <QPainter>
 #include <QWidget>
 
 #include <algorithm>
+#include <cmath>
 
 namespace spreadsheet {
 
@@ -13,12 +15,6 @@ namespace spreadsheet {
 // which only changed rows are done anew; selection, frames and marks change with every key and are painted
 // over it. What changed is found by comparing cells in sight with what was painted: no command can forget to
 // tell.
-
-namespace {
-
-constexpr int lineReach = 3; // pixels; no border of a row reaches farther into the next one
-
-} // namespace
 
 SheetView::SheetView(QWidget& widget, Workbook& workbook)
     : m_widget(widget)
@@ -230,7 +226,8 @@ void SheetView::spoilRow(int row)
     QRect rect = m_geometry.visibleRect({1, row, m_geometry.columns().count(), row});
     if (rect.isEmpty())
         return;
-    rect.adjust(-1, -lineReach, 0, lineReach);
+    const int reach = 1 + static_cast<int>(std::ceil(farthestLine * m_geometry.twip()));
+    rect.adjust(-1, -reach, 0, reach);
     m_store.spoil(rect);
     m_widget.update(rect);
 }

@@ -29,7 +29,7 @@ BorderLine readLine(const stored::BorderLine* line)
 {
     if (!line)
         return {};
-    requireContent(line->style() <= static_cast<int>(LineStyle::fineDashDotDot), "边框线型不对");
+    requireContent(line->style() <= static_cast<int>(lastLineStyle), "边框线型不对");
     return {static_cast<LineStyle>(line->style()), line->colour()};
 }
 

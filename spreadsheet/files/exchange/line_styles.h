@@ -22,11 +22,11 @@ inline constexpr std::array<std::string_view, 14> lineNames{"none",
                                                             "mediumDashDotDot",
                                                             "slantDashDot"};
 
-/// Ours know two widths. A plain line is as wide as a thin one of a file and thinner than every other, so the
-/// hair line alone is the fine one; of broken lines the thin ones are.
+/// A plain line of ours is as wide as a thin one of a file, so the hair line alone is the fine one; of broken
+/// lines the thin ones are. A medium line is nearer to the plain one than to the thick one.
 inline constexpr std::array lineStyleOfFile{
     LineStyle::none,       LineStyle::solid,       LineStyle::solid,   LineStyle::fineDash,
-    LineStyle::fineDot,    LineStyle::solid,       LineStyle::solid,   LineStyle::fineSolid,
+    LineStyle::fineDot,    LineStyle::thick,       LineStyle::doubled, LineStyle::fineSolid,
     LineStyle::dash,       LineStyle::fineDashDot, LineStyle::dashDot, LineStyle::fineDashDotDot,
     LineStyle::dashDotDot, LineStyle::dashDot,
 };
@@ -63,6 +63,10 @@ constexpr unsigned fileLineStyle(LineStyle style)
         return 9;
     case LineStyle::fineDashDotDot:
         return 11;
+    case LineStyle::thick:
+        return 5;
+    case LineStyle::doubled:
+        return 6;
     }
     return 0;
 }

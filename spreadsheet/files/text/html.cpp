@@ -32,7 +32,7 @@ std::string pointsText(int twips)
 std::string lineCss(const char* side, const BorderLine& line)
 {
     const char* kind = nullptr;
-    bool isFine = true;
+    bool isFine = true, isWide = false;
     switch (line.style) {
     case LineStyle::none:
     case LineStyle::erase:
@@ -42,6 +42,14 @@ std::string lineCss(const char* side, const BorderLine& line)
         [[fallthrough]];
     case LineStyle::fineSolid:
         kind = "solid";
+        break;
+    case LineStyle::thick:
+        isWide = true;
+        kind = "solid";
+        break;
+    case LineStyle::doubled:
+        isWide = true;
+        kind = "double";
         break;
     case LineStyle::dot:
         isFine = false;
@@ -57,8 +65,11 @@ std::string lineCss(const char* side, const BorderLine& line)
     default:
         kind = "dashed";
     }
-    return std::string("border-") + side + ":" + (isFine ? "1px " : "2px ") + kind + " " +
-           colourText(line.colour) + ";";
+    return std::string("border-") + side + ":" +
+           (isWide   ? "3px "
+            : isFine ? "1px "
+                     : "2px ") +
+           kind + " " + colourText(line.colour) + ";";
 }
 
 std::string fontCss(const CellFont& font)

@@ -29,7 +29,7 @@ static QDataStream& operator>>(QDataStream& stream, BorderLine& line)
     quint8 style = 0;
     quint32 colour = 0;
     stream >> style >> colour;
-    line = {style <= quint8(LineStyle::fineDashDotDot) ? LineStyle(style) : LineStyle::none, colour};
+    line = {style <= quint8(lastLineStyle) ? LineStyle(style) : LineStyle::none, colour};
     return stream;
 }
 

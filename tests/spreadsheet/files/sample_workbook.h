@@ -30,10 +30,10 @@ inline CellStyle sampleStyle(int number)
                   number % 3 == 0,
                   number % 5 == 0,
                   number % 7 == 0};
-    static constexpr std::array lines{LineStyle::none,          LineStyle::solid,      LineStyle::dash,
-                                      LineStyle::dashDot,       LineStyle::dashDotDot, LineStyle::fineSolid,
-                                      LineStyle::fineDash,      LineStyle::fineDot,    LineStyle::fineDashDot,
-                                      LineStyle::fineDashDotDot};
+    static constexpr std::array lines{
+        LineStyle::none,        LineStyle::solid,          LineStyle::dash,     LineStyle::dashDot,
+        LineStyle::dashDotDot,  LineStyle::fineSolid,      LineStyle::fineDash, LineStyle::fineDot,
+        LineStyle::fineDashDot, LineStyle::fineDashDotDot, LineStyle::thick,    LineStyle::doubled};
     const auto line = [&](int side) {
         const LineStyle chosen = lines[static_cast<std::size_t>(number + side) % lines.size()];
         return chosen == LineStyle::none ? BorderLine() : BorderLine{chosen, side % 2 ? 0x336699u : 0u};

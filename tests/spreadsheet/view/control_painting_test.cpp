@@ -45,8 +45,8 @@ void fillAtRandom(SpreadsheetControl& control, std::mt19937& random)
                 control.cells().changeStyle({column, row, column, row}, [&](CellStyle& style) {
                     style.background = random() % 2 ? 0xFFEEDD : automaticColour;
                     style.horizontal = static_cast<HorizontalAlignment>(random() % 4);
-                    style.bottom = {static_cast<LineStyle>(random() % 12), 0x800000};
-                    style.left = {static_cast<LineStyle>(random() % 12), 0x008000};
+                    style.bottom = {static_cast<LineStyle>(random() % 14), 0x800000};
+                    style.left = {static_cast<LineStyle>(random() % 14), 0x008000};
                     style.wrap = random() % 5 == 0;
                 });
         }
@@ -78,7 +78,7 @@ TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
         [&] {
             const CellAddress cell = anyCell();
             control.cells().setBorder({cell.column, cell.row, cell.column + 1, cell.row + 1}, allSides, 0xFF,
-                                      static_cast<LineStyle>(random() % 12));
+                                      static_cast<LineStyle>(random() % 14));
         },
         [&] {
             const CellAddress cell = anyCell();
@@ -147,14 +147,14 @@ TEST_F(ControlTest, EveryLookIsPainted)
 TEST_F(ControlTest, EveryBorderStyleLooksDifferent)
 {
     std::set<std::string> pictures;
-    for (int style = 0; style < 12; ++style) {
+    for (int style = 0; style <= static_cast<int>(lastLineStyle); ++style) {
         control.cells().setBorder({2, 2, 4, 4}, allSides, 0x000000, static_cast<LineStyle>(style));
         control.showChanges();
         const QImage picture = pictureOf(control).copy(control.cellRect({3, 3}).adjusted(-2, -2, 2, 2));
         pictures.emplace(reinterpret_cast<const char*>(picture.constBits()),
                          static_cast<std::size_t>(picture.sizeInBytes()));
     }
-    EXPECT_EQ(pictures.size(), 12U);
+    EXPECT_EQ(pictures.size(), 14U);
 }
 
 TEST_F(ControlTest, TextsRunOverEmptyNeighboursAndFiguresDoNot)
