@@ -2,6 +2,7 @@
 
 #include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/print/PageCells.h"
+#include "spreadsheet/view/commands/disjoint_ranges.h"
 #include "spreadsheet/workbook/typed_text.h"
 
 #include <algorithm>
@@ -121,14 +122,20 @@ void CellOperations::setColumnWidth(int column, int twips)
 
 Refusal CellOperations::insertRowsAt(int row, int count)
 {
+    const UndoStep step(*m_workbook, "插入行");
     auto refusal = sheet().insertRows(row, count);
+    if (!refusal)
+        partSharedEdge(*m_workbook, sheet(), {1, row, columnCount(), row + count - 1});
     changed();
     return refusal;
 }
 
 Refusal CellOperations::insertColumnsAt(int column, int count)
 {
+    const UndoStep step(*m_workbook, "插入列");
     auto refusal = sheet().insertColumns(column, count);
+    if (!refusal)
+        partSharedEdge(*m_workbook, sheet(), {column, 1, column + count - 1, rowCount()});
     changed();
     return refusal;
 }
@@ -192,19 +199,44 @@ void CellOperations::changeStyle(const CellRange& range, const std::function<voi
     changed();
 }
 
+void CellOperations::changeStyleOfEach(const std::vector<CellRange>& ranges,
+                                       const std::function<void(CellStyle&)>& change)
+{
+    const UndoStep step(*m_workbook, "格式");
+    std::vector<CellRange> done;
+    for (const CellRange& range : ranges) {
+        changeStyle(range, change);
+        // Ranges stay whole, as a whole row or column has one style; cells that were inverted before and are
+        // back now are inverted again.
+        for (const CellRange& part : disjoint(done))
+            if (part.intersects(range))
+                changeStyle(common(part, range), change);
+        done.push_back(range);
+    }
+}
+
 void CellOperations::setBorder(const CellRange& range, int sides, Colour colour, LineStyle style)
 {
     const BorderLine line{style, colour};
-    changeStyle(range, [&](CellStyle& cell) {
-        if (sides & leftSide)
-            cell.left = line;
-        if (sides & rightSide)
-            cell.right = line;
-        if (sides & topSide)
-            cell.top = line;
-        if (sides & bottomSide)
-            cell.bottom = line;
-    });
+    BorderLines lines;
+    if (sides & leftSide)
+        lines.left = lines.betweenColumns = line;
+    if (sides & rightSide)
+        lines.right = lines.betweenColumns = line;
+    if (sides & topSide)
+        lines.top = lines.betweenRows = line;
+    if (sides & bottomSide)
+        lines.bottom = lines.betweenRows = line;
+    if (sides != noSide)
+        drawBorders({range}, lines);
+}
+
+void CellOperations::drawBorders(const std::vector<CellRange>& ranges, const BorderLines& lines)
+{
+    const UndoStep step(*m_workbook, "边框");
+    for (const CellRange& range : ranges)
+        spreadsheet::drawBorders(*m_workbook, sheet(), range, lines);
+    changed();
 }
 
 QStringList CellOperations::dropDownOf(CellAddress cell) const

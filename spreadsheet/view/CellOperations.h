@@ -1,4 +1,5 @@
 #pragma once
+#include "spreadsheet/workbook/cell_borders.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <QString>
@@ -7,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace spreadsheet {
 
@@ -88,8 +90,15 @@ public:
     void changeStyle(const std::function<void(CellStyle&)>& change);
     /// … and those of every cell of a range, as one undo step.
     void changeStyle(const CellRange& range, const std::function<void(CellStyle&)>& change);
-    /// The named sides of every cell of a range get this line; none of the sides named: nothing happens.
+    /// … of every cell of several ranges, as if each lay in one alone.
+    /// @param change  sets something or inverts it
+    void changeStyleOfEach(const std::vector<CellRange>& ranges,
+                           const std::function<void(CellStyle&)>& change);
+    /// The named sides of every cell of a range get this line, and the cells beside them with it; none of the
+    /// sides named: nothing happens.
     void setBorder(const CellRange& range, int sides, Colour colour, LineStyle style);
+    /// Draws lines in and around each of the ranges, as one undo step.
+    void drawBorders(const std::vector<CellRange>& ranges, const BorderLines& lines);
 
     // Spans
     std::optional<CellRange> spanAt(int column, int row) const { return sheet().spanAt({column, row}); }

@@ -2,6 +2,7 @@
 
 #include "spreadsheet/view/commands/fill_series.h"
 #include "spreadsheet/view/commands/paste.h"
+#include "spreadsheet/workbook/cell_borders.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
@@ -148,7 +149,10 @@ Refusal fillFromBlock(Workbook& workbook, Sheet& sheet, const CellRange& source,
     repeatSpans(lifted, down, first, lines);
     repeatLists(*lifted.lists, down ? source.rows() : source.columns(), down, first, lines);
     const UndoStep step(workbook, "填充");
-    return sheet.put(lines, {rest.left, rest.top});
+    if (auto problem = sheet.put(lines, {rest.left, rest.top}))
+        return problem;
+    bringSides(workbook, sheet, rest, source);
+    return {};
 }
 
 CellRange fillGoal(const CellRange& source, CellAddress cell)

@@ -1,5 +1,6 @@
 #include "spreadsheet/view/commands/paste.h"
 
+#include "spreadsheet/workbook/cell_borders.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 
@@ -63,8 +64,8 @@ Refusal putCopies(Sheet& sheet, const LiftedCells& cells, const PastePlan& plan,
     return {};
 }
 
-/// One cell of ours into a merged one: all but the span, which stays.
-Refusal putIntoSpan(Sheet& sheet, const LiftedCells& cells, CellAddress to)
+/// One cell of ours into a merged one: all but the span, which stays and has the cell's lines around it.
+Refusal putIntoSpan(Workbook& workbook, Sheet& sheet, const LiftedCells& cells, CellAddress to)
 {
     const CellRange span = sheet.extent(to);
     LiftedCells alone = cells;
@@ -72,6 +73,8 @@ Refusal putIntoSpan(Sheet& sheet, const LiftedCells& cells, CellAddress to)
     if (auto problem = sheet.put(alone, to))
         return problem;
     sheet.addSpan(span);
+    const CellStyle& look = sheet.style(to);
+    drawBorders(workbook, sheet, span, {look.left, look.right, look.top, look.bottom, {}, {}});
     return {};
 }
 
@@ -217,10 +220,12 @@ Refusal paste(Workbook& workbook, Sheet& sheet, const ClipboardContent& content,
     const LiftedCells& cells = content.own->cells;
     clearArrays(sheet, plan);
     auto problem = kind == PasteKind::all && isSpanItself(sheet, plan.goal)
-                       ? putIntoSpan(sheet, cells, {plan.goal.left, plan.goal.top})
+                       ? putIntoSpan(workbook, sheet, cells, {plan.goal.left, plan.goal.top})
                        : putCopies(sheet, cells, plan, kind);
     if (problem)
         step.takeBack();
+    else if (kind == PasteKind::all && !isSpanItself(sheet, plan.goal))
+        bringSides(workbook, sheet, plan.goal);
     return problem;
 }
 
@@ -234,10 +239,15 @@ Refusal pasteCut(Workbook& workbook, Sheet& source, const CellRange& cut, Sheet&
         return problem;
     UndoStep step(workbook, "移动");
     makeRoom(target, plan);
+    const SharedLines former(workbook, source, cut);
     auto problem = source.moveCells(cut, target, {plan.goal.left, plan.goal.top});
-    if (problem)
+    if (problem) {
         step.takeBack();
-    return problem;
+        return problem;
+    }
+    former.clear(workbook, source, &source == &target ? std::optional(plan.goal) : std::nullopt);
+    bringSides(workbook, target, plan.goal);
+    return {};
 }
 
 } // namespace spreadsheet

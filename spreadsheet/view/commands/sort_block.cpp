@@ -6,7 +6,9 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <map>
 #include <numeric>
+#include <utility>
 
 namespace spreadsheet {
 
@@ -95,6 +97,35 @@ std::vector<int> sortedRows(const Sheet& sheet, const CellRange& rows, const std
     return order;
 }
 
+/// Lines are the table's: rows that change places leave theirs behind.
+class LinesOfPlaces {
+public:
+    explicit LinesOfPlaces(StylePool& pool)
+        : m_pool(pool)
+    {
+    }
+    /// The one style with the lines of the other, by their numbers.
+    std::uint32_t operator()(std::uint32_t style, std::uint32_t place)
+    {
+        if (style == place)
+            return style;
+        const auto [known, fresh] = m_known.try_emplace({style, place}, style);
+        if (fresh) {
+            CellStyle look = m_pool[style];
+            const CellStyle& lines = m_pool[place];
+            for (const auto side : {&CellStyle::left, &CellStyle::right, &CellStyle::top, &CellStyle::bottom})
+                look.*side = lines.*side;
+            if (look != m_pool[style])
+                known->second = m_pool.intern(look);
+        }
+        return known->second;
+    }
+
+private:
+    StylePool& m_pool;
+    std::map<std::pair<std::uint32_t, std::uint32_t>, std::uint32_t> m_known;
+};
+
 bool holdsAny(const std::vector<CellRange>& ranges, const CellRange& block)
 {
     return std::ranges::any_of(ranges, [&](const CellRange& range) { return range.intersects(block); });
@@ -137,9 +168,13 @@ Refusal sortBlock(Workbook& workbook, Sheet& sheet, const CellRange& block, cons
         return {};
     const LiftedCells former = sheet.lift(rows);
     LiftedCells sorted(former.columns, former.rows);
+    LinesOfPlaces lines(workbook.styles());
     for (int column = 1; column <= former.columns; ++column) {
-        for (int row = 1; row <= former.rows; ++row)
-            sorted.at(column, row) = former.at(column, order[static_cast<std::size_t>(row) - 1] + 1);
+        for (int row = 1; row <= former.rows; ++row) {
+            CellContent& cell = sorted.at(column, row);
+            cell = former.at(column, order[static_cast<std::size_t>(row) - 1] + 1);
+            cell.style = lines(cell.style, former.at(column, row).style);
+        }
     }
     const UndoStep step(workbook, "排序");
     return sheet.put(sorted, {rows.left, rows.top});

@@ -1,5 +1,6 @@
 #include "spreadsheet/view/commands/structure.h"
 
+#include "spreadsheet/workbook/cell_borders.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
@@ -91,6 +92,10 @@ Refusal insertLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vect
         if (auto problem = axis == Axis::rows ? sheet.insertRows(line.first, line.count())
                                               : sheet.insertColumns(line.first, line.count()))
             return problem;
+        const SheetSettings& settings = sheet.settings();
+        partSharedEdge(workbook, sheet,
+                       axis == Axis::rows ? CellRange{1, line.first, settings.columnCount, line.last}
+                                          : CellRange{line.first, 1, line.last, settings.rowCount});
     }
     return {};
 }

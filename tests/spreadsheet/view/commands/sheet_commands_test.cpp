@@ -3,6 +3,7 @@
 #include "spreadsheet/view/commands/selection_figures.h"
 #include "spreadsheet/view/commands/sort_block.h"
 #include "spreadsheet/view/commands/structure.h"
+#include "spreadsheet/workbook/cell_borders.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <gtest/gtest.h>
@@ -70,6 +71,22 @@ TEST_F(SheetCommands, SortedFormulasKeepMeaningTheirOwnRow)
     sheet.addSpan({1, 2, 2, 2});
     EXPECT_TRUE(sortBlock(workbook, sheet, {1, 1, 2, 3}, {{1, true}}, false));
     EXPECT_EQ(column(2, 1, 3), "15 25 35");
+}
+
+/// Each edge is drawn on both of its sides, so lines that went along would come to stand apart.
+TEST_F(SheetCommands, SortedRowsLeaveTheLinesOfTheTableWhereTheyAre)
+{
+    setColumn(1, {"名称", "3", "1", "2"});
+    sheet.restyle({1, 2, 1, 2}, [](CellStyle& style) { style.font.bold = true; });
+    drawBorders(workbook, sheet, {1, 1, 1, 1}, BorderLines::outline({LineStyle::thick, 0}));
+    drawBorders(workbook, sheet, {1, 1, 1, 4}, BorderLines::inside({LineStyle::fineSolid, 0}));
+    drawBorders(workbook, sheet, {1, 1, 1, 1}, {{}, {}, {}, BorderLine{LineStyle::thick, 0}, {}, {}});
+    ASSERT_FALSE(sortBlock(workbook, sheet, {1, 1, 1, 4}, {{1}}, true));
+    EXPECT_EQ(column(1, 1, 4), "名称 1 2 3");
+    EXPECT_TRUE(sheet.style({1, 4}).font.bold && !sheet.style({1, 2}).font.bold);
+    EXPECT_EQ(sheet.style({1, 2}).top.style, LineStyle::thick);
+    EXPECT_EQ(sheet.style({1, 4}).top.style, LineStyle::fineSolid);
+    EXPECT_EQ(sheet.style({1, 4}).bottom.style, LineStyle::none);
 }
 
 TEST_F(SheetCommands, TheBlockAroundACellEndsAtEmptyRowsAndColumns)

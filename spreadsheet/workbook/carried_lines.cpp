@@ -1,0 +1,209 @@
+#include "spreadsheet/workbook/border_sides.h"
+
+#include <map>
+
+namespace spreadsheet {
+
+// Cells that come, go or are parted from their neighbours share edges with them. What they bring is drawn
+// like what a user draws; what they leave goes with them.
+
+namespace {
+
+/// The cells of a range along one of its sides.
+CellRange stripAt(const CellRange& range, const Side& side)
+{
+    CellRange strip = range;
+    if (side.across != 0)
+        strip.left = strip.right = side.across < 0 ? range.left : range.right;
+    else
+        strip.top = strip.bottom = side.down < 0 ? range.top : range.bottom;
+    return strip;
+}
+
+class Strip {
+public:
+    Strip(const Sheet& sheet, const CellRange& range, const Side& side)
+        : m_sheet(sheet)
+        , m_side(side)
+        , m_cells(stripAt(range, side))
+        , m_spans(spansNear(sheet, m_cells))
+    {
+        const CellAddress beyond = neighbour(0);
+        const SheetSettings& settings = sheet.settings();
+        const bool isInside = beyond.column >= 1 && beyond.row >= 1 &&
+                              beyond.column <= settings.columnCount && beyond.row <= settings.rowCount;
+        m_count = isInside ? m_cells.columns() * m_cells.rows() : 0;
+    }
+
+    int count() const { return m_count; } ///< 0 at the sheet's edge
+    CellAddress cell(int place) const
+    {
+        return m_side.across != 0 ? CellAddress{m_cells.left, m_cells.top + place}
+                                  : CellAddress{m_cells.left + place, m_cells.top};
+    }
+    CellAddress neighbour(int place) const
+    {
+        const CellAddress at = cell(place);
+        return {at.column + m_side.across, at.row + m_side.down};
+    }
+    BorderLine own(int place) const { return shown(cell(place), m_side.own); }
+    BorderLine facing(int place) const { return shown(neighbour(place), m_side.facing); }
+    CellRange part(int first, int last) const
+    {
+        return {cell(first).column, cell(first).row, cell(last).column, cell(last).row};
+    }
+    bool isWholeLine() const
+    {
+        return m_side.across != 0 ? coversColumns(m_sheet, m_cells) : coversRows(m_sheet, m_cells);
+    }
+    /// Calls visit(first, last) for each stretch of places that are wanted and show the same line.
+    void eachRun(const auto& isWanted, const auto& visit) const
+    {
+        for (int first = 0; first < m_count;) {
+            int behind = first + 1;
+            if (isWanted(first)) {
+                const BorderLine line = own(first);
+                while (behind < m_count && isWanted(behind) && isSameLine(own(behind), line))
+                    ++behind;
+                visit(first, behind - 1);
+            }
+            first = behind;
+        }
+    }
+
+private:
+    BorderLine shown(CellAddress cell, BorderLine CellStyle::*side) const
+    {
+        const BorderLine& line = m_sheet.style(cell).*side;
+        const auto span =
+            std::ranges::find_if(m_spans, [cell](const CellRange& range) { return range.contains(cell); });
+        return span == m_spans.end() ? line : spanLine(line, m_sheet.style({span->left, span->top}).*side);
+    }
+
+    const Sheet& m_sheet;
+    const Side& m_side;
+    CellRange m_cells;
+    std::vector<CellRange> m_spans;
+    int m_count = 0;
+};
+
+void drawAt(Workbook& workbook, Sheet& sheet, const CellRange& cells, const Side& side,
+            const BorderLine& line)
+{
+    BorderLines lines;
+    lines.*side.outline = line;
+    drawBorders(workbook, sheet, cells, lines);
+}
+
+/// The line that most places of a strip show.
+BorderLine usualLine(const Strip& strip)
+{
+    std::map<std::pair<LineStyle, Colour>, int> counts;
+    for (int place = 0; place < strip.count(); ++place)
+        ++counts[{strip.own(place).style, strip.own(place).colour}];
+    const auto most = std::ranges::max_element(counts, {}, [](const auto& entry) { return entry.second; });
+    return {most->first.first, most->first.second};
+}
+
+} // namespace
+
+void bringSides(Workbook& workbook, Sheet& sheet, const CellRange& range,
+                const std::optional<CellRange>& origin)
+{
+    if (!anyLines(workbook))
+        return;
+    const UndoStep step(workbook, "边框");
+    for (const Side& side : sides) {
+        const Strip strip(sheet, range, side);
+        const auto differs = [&](int place) {
+            return !(origin && origin->contains(strip.neighbour(place))) &&
+                   !isSameLine(strip.own(place), strip.facing(place));
+        };
+        bool any = false;
+        for (int place = 0; place < strip.count() && !any; ++place)
+            any = differs(place);
+        if (any && strip.isWholeLine() && !origin)
+            drawAt(workbook, sheet, strip.part(0, strip.count() - 1), side, usualLine(strip));
+        if (any)
+            strip.eachRun(differs, [&](int first, int last) {
+                drawAt(workbook, sheet, strip.part(first, last), side, strip.own(first));
+            });
+    }
+}
+
+void partSharedEdge(Workbook& workbook, Sheet& sheet, const CellRange& inserted)
+{
+    const bool areRows = coversRows(sheet, inserted);
+    const Side& back = sides[areRows ? 2 : 0]; // of the inserted lines, towards those before them
+    const Side& on = sides[areRows ? 3 : 1];
+    const Strip before(sheet, inserted, back), behind(sheet, inserted, on);
+    if (before.count() == 0 || behind.count() == 0 || !anyLines(workbook))
+        return;
+    const CellRange lineBefore{before.neighbour(0).column, before.neighbour(0).row,
+                               before.neighbour(before.count() - 1).column,
+                               before.neighbour(before.count() - 1).row};
+    const CellRange lineBehind{behind.neighbour(0).column, behind.neighbour(0).row,
+                               behind.neighbour(behind.count() - 1).column,
+                               behind.neighbour(behind.count() - 1).row};
+    const Strip farBefore(sheet, lineBefore, back), nearBefore(sheet, lineBefore, on);
+    const Strip nearBehind(sheet, lineBehind, back), farBehind(sheet, lineBehind, on);
+    // How much of a sign there is that the edge belongs to a line: 2 the like, 1 another on its other side.
+    const auto signOf = [](const BorderLine& other, const BorderLine& shared) {
+        return isSameLine(other, shared) ? 2 : other.style != LineStyle::none ? 1 : 0;
+    };
+    const auto winner = [&](int place) { // -1: the line before, 1: the one behind, 0: both
+        const BorderLine shared = nearBefore.own(place);
+        if (shared.style == LineStyle::none || !isSameLine(shared, nearBehind.own(place)))
+            return 0;
+        const int forBefore = signOf(farBefore.own(place), shared),
+                  forBehind = signOf(farBehind.own(place), shared);
+        return forBefore == forBehind ? 0 : forBefore > forBehind ? -1 : 1;
+    };
+    const auto drop = [&](const Strip& near, const Side& side, int whose) {
+        std::vector<CellRange> losers;
+        near.eachRun([&](int place) { return winner(place) == whose; },
+                     [&](int first, int last) { losers.push_back(near.part(first, last)); });
+        return [&workbook, &sheet, &side, losers] {
+            for (const CellRange& cells : losers)
+                drawAt(workbook, sheet, cells, side, {});
+        };
+    };
+    const UndoStep step(workbook, "边框");
+    const auto dropBehind = drop(nearBehind, back, -1), dropBefore = drop(nearBefore, on, 1);
+    dropBehind();
+    dropBefore();
+}
+
+SharedLines::SharedLines(const Workbook& workbook, const Sheet& sheet, const CellRange& leaving)
+{
+    if (!anyLines(workbook))
+        return;
+    for (std::size_t side = 0; side < sides.size(); ++side) {
+        const Strip strip(sheet, leaving, sides[side]);
+        const auto isShared = [&](int place) {
+            const BorderLine own = strip.own(place);
+            return own.style != LineStyle::none && isSameLine(own, strip.facing(place));
+        };
+        strip.eachRun(isShared, [&](int first, int last) {
+            m_runs.push_back({strip.part(first, last), side});
+        });
+    }
+}
+
+void SharedLines::clear(Workbook& workbook, Sheet& sheet, const std::optional<CellRange>& taken) const
+{
+    const UndoStep step(workbook, "边框");
+    for (const Run& run : m_runs) {
+        const Side& side = sides[run.side];
+        const Strip strip(sheet, run.cells, side);
+        const auto isLeft = [&](int place) {
+            return !taken || !(taken->contains(strip.cell(place)) || taken->contains(strip.neighbour(place)));
+        };
+        std::vector<std::pair<int, int>> stretches; // drawing changes what the strip shows
+        strip.eachRun(isLeft, [&](int first, int last) { stretches.emplace_back(first, last); });
+        for (const auto& [first, last] : stretches)
+            drawAt(workbook, sheet, strip.part(first, last), side, {});
+    }
+}
+
+} // namespace spreadsheet
