@@ -45,6 +45,8 @@ int sheetToShow(const Workbook& workbook, const std::vector<std::pair<int, std::
     return workbook.sheetIndexOfId(shownId);
 }
 
+constexpr const char* severalRanges = "不能对多个选定区域使用此命令";
+
 QString roomQuestion(const PastePlan& plan)
 {
     QStringList missing;
@@ -54,6 +56,14 @@ QString roomQuestion(const PastePlan& plan)
         missing << QStringLiteral("%1 列").arg(plan.missingColumns);
     return QStringLiteral("粘贴的内容超出表的范围。要增加 %1吗?")
         .arg(missing.join(QStringLiteral("、")) + ' ');
+}
+
+/// What is told when a paste is done.
+Refusal refusedFormulas(const ClipboardContent& content)
+{
+    if (!content.own || content.own->refusedFormulas == 0)
+        return {};
+    return "有 " + std::to_string(content.own->refusedFormulas) + " 个公式在这里没有意义，只粘贴了它们的值";
 }
 
 } // namespace
@@ -75,17 +85,11 @@ void GridCommands::setCopiedRange(int sheetId, std::optional<CellRange> range)
         m_march.stop();
 }
 
-/// True in run mode, which is told.
-bool GridCommands::refuseInRun()
-{
-    return m_control.mode() == GridMode::run && m_control.refuse(inRunMode);
-}
-
 std::optional<CellRange> GridCommands::onlyRange()
 {
     if (m_control.cursor().selection().size() == 1)
         return m_control.cursor().firstRange();
-    m_control.refuse("不能对多个选定区域使用此命令");
+    m_control.refuse(severalRanges);
     return std::nullopt;
 }
 
@@ -111,13 +115,13 @@ void GridCommands::travelInTime(std::optional<ChangedCells> (UndoJournal::*trave
 
 void GridCommands::undo()
 {
-    if (!refuseInRun() && m_control.cells().workbook().canUndo())
+    if (!m_control.refuseInRun() && m_control.cells().workbook().canUndo())
         travelInTime(&UndoJournal::undo);
 }
 
 void GridCommands::redo()
 {
-    if (!refuseInRun() && m_control.cells().workbook().canRedo())
+    if (!m_control.refuseInRun() && m_control.cells().workbook().canRedo())
         travelInTime(&UndoJournal::redo);
 }
 
@@ -176,6 +180,8 @@ void GridCommands::pasteClipboard(PasteKind kind)
     }
     const auto& offered = std::get<ClipboardContent>(content);
     Sheet& target = m_control.cells().shownSheet();
+    if (m_control.cursor().selection().size() > 1)
+        return pasteIntoEach(target, offered, kind);
     const auto plan = planPaste(target, offered, m_control.cursor().firstRange());
     if (const auto* why = std::get_if<Refusal>(&plan)) {
         m_control.refuse(*why);
@@ -211,9 +217,35 @@ void GridCommands::pastePlanned(Sheet& target, const ClipboardContent& content, 
     }
     m_control.cursor().select(plan.goal);
     m_control.afterEdit();
-    if (source == 0 && content.own && content.own->refusedFormulas > 0)
-        m_control.refuse("有 " + std::to_string(content.own->refusedFormulas) +
-                         " 个公式在这里没有意义，只粘贴了它们的值");
+    if (source == 0)
+        m_control.refuse(refusedFormulas(content));
+}
+
+/// One cell goes into all selected ones, a block nowhere: it would be unclear where it begins.
+void GridCommands::pasteIntoEach(Sheet& target, const ClipboardContent& content, PasteKind kind)
+{
+    const std::vector<CellRange> ranges = m_control.cursor().selection();
+    if (content.columns() != 1 || content.rows() != 1) {
+        m_control.refuse(severalRanges);
+        return;
+    }
+    if (m_control.refuseEdit(ranges))
+        return;
+    Refusal why;
+    {
+        UndoStep step(m_control.cells().workbook(), "粘贴");
+        for (std::size_t i = 0; i < ranges.size() && !why; ++i) {
+            const auto plan = planPaste(target, content, ranges[i]);
+            const auto* const refused = std::get_if<Refusal>(&plan);
+            why = refused ? *refused
+                          : spreadsheet::paste(m_control.cells().workbook(), target, content,
+                                               std::get<PastePlan>(plan), kind);
+        }
+        if (why)
+            step.takeBack();
+    }
+    m_control.afterEdit();
+    m_control.refuse(why ? why : refusedFormulas(content)); // last, so that nothing else is told after it
 }
 
 void GridCommands::clear()
@@ -304,7 +336,7 @@ bool GridCommands::findNext(const Search& search, bool backwards)
 
 int GridCommands::replaceAll(const Search& search, const QString& replacement)
 {
-    if (refuseInRun())
+    if (m_control.refuseInRun())
         return 0;
     Sheet& shown = m_control.cells().shownSheet();
     auto cells = findAll(shown, search);

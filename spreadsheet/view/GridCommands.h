@@ -70,12 +70,12 @@ public:
     void forgetCut() { m_cut.reset(); }
 
 private:
-    [[nodiscard]] bool refuseInRun();
     std::optional<CellRange> onlyRange();
     void travelInTime(std::optional<ChangedCells> (UndoJournal::*travel)());
     std::optional<PackedOrigin> copyRange(const CellRange& range);
     void pasteClipboard(PasteKind kind);
     void pastePlanned(Sheet& target, const ClipboardContent& content, const PastePlan& plan, PasteKind kind);
+    void pasteIntoEach(Sheet& target, const ClipboardContent& content, PasteKind kind);
     void fillAlong(bool down);
     using LineCommand = std::function<Refusal(Workbook&, Sheet&, Axis, const std::vector<LineRange>&)>;
     void changeLines(LineCommand command, Axis axis);

@@ -6,6 +6,7 @@
 
 #include <QKeyEvent>
 
+#include <algorithm>
 #include <array>
 
 namespace spreadsheet {
@@ -19,6 +20,7 @@ struct CommandKey {
     int key;
     Qt::KeyboardModifiers modifiers; ///< all of them, Shift too
     void (*run)(SpreadsheetControl& control);
+    bool changesNothing = false;
 };
 
 constexpr Qt::KeyboardModifiers none = Qt::NoModifier, ctrl = Qt::ControlModifier, shift = Qt::ShiftModifier,
@@ -30,8 +32,8 @@ const std::array commandKeys{
     CommandKey{Qt::Key_Y, ctrl, [](Grid g) { g.commands().redo(); }},
     CommandKey{Qt::Key_X, ctrl, [](Grid g) { g.commands().cut(); }},
     CommandKey{Qt::Key_Delete, shift, [](Grid g) { g.commands().cut(); }},
-    CommandKey{Qt::Key_C, ctrl, [](Grid g) { g.commands().copy(); }},
-    CommandKey{Qt::Key_Insert, ctrl, [](Grid g) { g.commands().copy(); }},
+    CommandKey{Qt::Key_C, ctrl, [](Grid g) { g.commands().copy(); }, true},
+    CommandKey{Qt::Key_Insert, ctrl, [](Grid g) { g.commands().copy(); }, true},
     CommandKey{Qt::Key_V, ctrl, [](Grid g) { g.commands().paste(); }},
     CommandKey{Qt::Key_Insert, shift, [](Grid g) { g.commands().paste(); }},
     CommandKey{Qt::Key_V, ctrl | shift, [](Grid g) { g.commands().pasteValues(); }},
@@ -42,12 +44,13 @@ const std::array commandKeys{
     CommandKey{Qt::Key_0, ctrl, [](Grid g) { g.commands().hideColumns(); }},
     CommandKey{Qt::Key_ParenLeft, ctrl | shift, [](Grid g) { g.commands().showRows(); }},
     CommandKey{Qt::Key_ParenRight, ctrl | shift, [](Grid g) { g.commands().showColumns(); }},
-    CommandKey{Qt::Key_Down, alt, [](Grid g) { g.actions().openDropDown(); }},
+    CommandKey{Qt::Key_Down, alt, [](Grid g) { g.actions().openDropDown(); }, true},
     CommandKey{Qt::Key_Equal, alt, [](Grid g) { g.commands().sumHere(); }},
     CommandKey{Qt::Key_F11, shift, [](Grid g) { g.commands().addSheet(); }},
-    CommandKey{Qt::Key_Asterisk, ctrl | shift, [](Grid g) { g.cursor().selectAround(); }},
-    CommandKey{Qt::Key_Backspace, shift, [](Grid g) { g.cursor().selectActiveCell(); }},
-    CommandKey{Qt::Key_Backspace, ctrl, [](Grid g) { g.cursor().bringIntoSight(g.cursor().activeCell()); }},
+    CommandKey{Qt::Key_Asterisk, ctrl | shift, [](Grid g) { g.cursor().selectAround(); }, true},
+    CommandKey{Qt::Key_Backspace, shift, [](Grid g) { g.cursor().selectActiveCell(); }, true},
+    CommandKey{Qt::Key_Backspace, ctrl, [](Grid g) { g.cursor().bringIntoSight(g.cursor().activeCell()); },
+               true},
 };
 
 } // namespace
@@ -58,14 +61,19 @@ bool GridCommands::pressKey(const QKeyEvent& event)
         chord(event.modifiers()) | (event.modifiers() & Qt::ShiftModifier);
     for (const CommandKey& command : commandKeys)
         if (command.key == event.key() && command.modifiers == modifiers) {
-            command.run(m_control);
+            if (command.changesNothing || m_control.offersCommands())
+                command.run(m_control);
             return true;
         }
     const bool plus = event.key() == Qt::Key_Plus || event.key() == Qt::Key_Equal;
     if (chord(event.modifiers()) != Qt::ControlModifier || (!plus && event.key() != Qt::Key_Minus))
         return false;
-    const CellRange range = m_control.cursor().selection().back();
-    const bool columns = range.top == 1 && range.bottom >= m_view.sheet().settings().rowCount;
+    if (!m_control.offersCommands())
+        return true;
+    const int rowCount = m_view.sheet().settings().rowCount;
+    const bool columns = std::ranges::all_of(m_control.cursor().selection(), [=](const CellRange& range) {
+        return range.top == 1 && range.bottom >= rowCount;
+    });
     if (plus)
         columns ? insertColumns() : insertRows();
     else

@@ -39,7 +39,7 @@ void fitLine(Workbook& book, Sheet& sheet, Axis axis, int line)
 /// Runs a command on the selected lines; what it refuses is told.
 void GridCommands::changeLines(LineCommand command, Axis axis)
 {
-    if (refuseInRun() || !m_control.entry().commit())
+    if (m_control.refuseInRun() || !m_control.entry().commit())
         return;
     Sheet& shown = m_control.cells().shownSheet();
     if (m_control.refuse(command(m_control.cells().workbook(), shown, axis,
@@ -184,7 +184,7 @@ void GridCommands::resizeLinesTo(Axis axis, int line, int twips)
 
 void GridCommands::autofitLine(Axis axis, int line)
 {
-    if (m_control.mode() != GridMode::edit || !m_control.entry().commitHere())
+    if (m_control.refuseInRun() || !m_control.entry().commitHere())
         return;
     Workbook& book = m_control.cells().workbook();
     Sheet& sheet = m_control.cells().shownSheet();

@@ -8,7 +8,7 @@ namespace spreadsheet {
 
 void GridCommands::addSheet()
 {
-    if (refuseInRun() || !m_control.entry().commit())
+    if (m_control.refuseInRun() || !m_control.entry().commit())
         return;
     if (m_control.cells().workbook().sheetCount() >= maxSheets) {
         m_control.refuse("表的个数应在 1 到 256 之间");
@@ -27,7 +27,7 @@ void GridCommands::addSheet()
 
 void GridCommands::renameSheet(int index, const QString& name)
 {
-    if (refuseInRun() ||
+    if (m_control.refuseInRun() ||
         m_control.refuse(m_control.cells().workbook().renameSheet(index, name.toStdString())))
         return;
     m_control.showChanges();
@@ -37,7 +37,8 @@ void GridCommands::renameSheet(int index, const QString& name)
 void GridCommands::moveSheet(int from, int to)
 {
     const int activeId = m_control.cells().shownSheet().id();
-    const bool done = !refuseInRun() && !m_control.refuse(m_control.cells().workbook().moveSheet(from, to));
+    const bool done =
+        !m_control.refuseInRun() && !m_control.refuse(m_control.cells().workbook().moveSheet(from, to));
     if (done)
         m_control.cells().workbook().setActiveSheet(m_control.cells().workbook().sheetIndexOfId(activeId));
     m_control.restoreTabs(); // the tab bar has moved its tab already
@@ -47,7 +48,8 @@ void GridCommands::moveSheet(int from, int to)
 
 void GridCommands::removeSheet(int index)
 {
-    if (refuseInRun() || index < 1 || index > m_control.cells().sheetCount() || !m_control.entry().commit())
+    if (m_control.refuseInRun() || index < 1 || index > m_control.cells().sheetCount() ||
+        !m_control.entry().commit())
         return;
     const QString name = QString::fromStdString(m_control.cells().workbook().sheet(index).name());
     if (m_control.cells().workbook().sheetCount() == 1) {

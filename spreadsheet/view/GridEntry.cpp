@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 #include <QScopedValueRollback>
 
+#include <tuple>
 #include <utility>
 
 namespace spreadsheet {
@@ -166,6 +167,10 @@ void GridEntry::endByKey(QKeyEvent* event)
     if (!enter || (!asArray && event->modifiers() != Qt::ControlModifier)) {
         if (commit())
             event->ignore();
+    } else if (!m_control.offersCommands()) {
+        std::ignore = commit();
+    } else if (asArray && m_control.cursor().selection().size() > 1) {
+        m_control.refuse("不能对多个选定区域输入数组公式");
     } else if (!m_control.refuseEdit(m_control.cursor().selection())) {
         asArray ? close(m_inCell->commitAsArray()) : fillSelection();
     }

@@ -76,7 +76,8 @@ GridMouse::Place GridMouse::placeOf(QPoint point) const
     }
     if (!area.contains(point))
         return {Kind::beyond, {-1, -1}, 0};
-    const bool onHandle = m_control.mode() == GridMode::edit && !m_control.entry().isOpen() &&
+    const bool onHandle = m_control.mode() == GridMode::edit && m_control.offersCommands() &&
+                          !m_control.entry().isOpen() &&
                           view.fillHandle().adjusted(-2, -2, 2, 2).contains(point);
     return {onHandle ? Kind::fillHandle : Kind::cells, geometry.nearestCell(point), 0};
 }
@@ -128,7 +129,7 @@ void GridMouse::press(const QMouseEvent& event)
     m_pressed = place;
     m_pressedAt = m_last = point;
     Q_EMIT m_control.mouseDown(buttonNumber(event.button()), place.cell.column, place.cell.row);
-    if (event.button() == Qt::RightButton)
+    if (event.button() == Qt::RightButton && (!m_control.movesByRightButton() || moveToPlace(place)))
         Q_EMIT m_control.contextMenuWanted(event.globalPosition().toPoint(), place.cell.column,
                                            place.cell.row);
     if (event.button() != Qt::LeftButton || place.kind == Kind::beyond)
@@ -173,6 +174,28 @@ void GridMouse::pressCell(const Place& place, const QMouseEvent& event)
         return;
 }
 
+/// The right button means what is selected, or else what it is over. False if something holds the cursor.
+bool GridMouse::moveToPlace(const Place& place)
+{
+    using Kind = Place::Kind;
+    if (place.kind == Kind::beyond || place.kind == Kind::fillHandle || m_control.entry().takesReference())
+        return true;
+    const SheetSettings& settings = m_view.sheet().settings();
+    const CellAddress cell = place.cell; // row 0 or column 0 in headings
+    const CellRange meant{std::max(cell.column, 1), std::max(cell.row, 1),
+                          cell.column == 0 ? settings.columnCount : cell.column,
+                          cell.row == 0 ? settings.rowCount : cell.row};
+    const auto holds = [&](const CellRange& range) { return range.contains(meant); };
+    if (std::ranges::any_of(m_control.cursor().selection(), holds))
+        return true;
+    m_control.cursor().forgetTab();
+    if (cell.column > 0 && cell.row > 0)
+        return m_control.cursor().moveTo(cell);
+    if (!m_control.entry().commitHere())
+        return false;
+    return cell.column == 0 && cell.row == 0 ? selectAll() : selectLine(cell, false);
+}
+
 /// Cells of some types do something when they are clicked. True if it was one of them.
 bool GridMouse::actOn(CellAddress clicked, QPoint point)
 {
@@ -195,32 +218,42 @@ bool GridMouse::actOn(CellAddress clicked, QPoint point)
 void GridMouse::pressHeading(const Place& place, Qt::KeyboardModifiers modifiers)
 {
     using Kind = Place::Kind;
+    if (place.kind == Kind::corner) {
+        selectAll();
+        return;
+    }
+    m_doing = place.kind == Kind::rowHeading ? Doing::rows : Doing::columns;
+    if (modifiers.testFlag(Qt::ShiftModifier))
+        dragTo(m_last);
+    else if (!selectLine(place.cell, modifiers.testFlag(Qt::ControlModifier)))
+        m_doing = Doing::nothing;
+}
+
+bool GridMouse::selectAll()
+{
+    const SheetSettings& settings = m_view.sheet().settings();
+    const CellRange all{1, 1, settings.columnCount, settings.rowCount};
+    m_control.cursor().changeSelection(
+        [&](Selection& selection, const Sheet&) { selection.setRange(all, selection.active()); });
+    return true;
+}
+
+/// The row or column of a heading; the cursor goes to a cell of it that is in sight.
+bool GridMouse::selectLine(CellAddress heading, bool add)
+{
     const Sheet& sheet = m_view.sheet();
     const SheetSettings& settings = sheet.settings();
     const CellGeometry& geometry = m_view.geometry();
-    const CellRange all{1, 1, settings.columnCount, settings.rowCount};
-    if (place.kind == Kind::corner) {
-        m_control.cursor().changeSelection(
-            [&](Selection& selection, const Sheet&) { selection.setRange(all, selection.active()); });
-        return;
-    }
-    const bool isRow = place.kind == Kind::rowHeading;
-    m_doing = isRow ? Doing::rows : Doing::columns;
-    if (modifiers.testFlag(Qt::ShiftModifier)) {
-        dragTo(m_last);
-        return;
-    }
+    const bool isRow = heading.column == 0;
     const CellAddress topLeft = geometry.topLeft();
     const CellAddress inSight =
-        isRow ? CellAddress{geometry.frozenColumns() > 0 ? 1 : topLeft.column, place.cell.row}
-              : CellAddress{place.cell.column, geometry.frozenRows() > 0 ? 1 : topLeft.row};
+        isRow ? CellAddress{geometry.frozenColumns() > 0 ? 1 : topLeft.column, heading.row}
+              : CellAddress{heading.column, geometry.frozenRows() > 0 ? 1 : topLeft.row};
     const CellRange line = isRow ? CellRange{1, inSight.row, settings.columnCount, inSight.row}
                                  : CellRange{inSight.column, 1, inSight.column, settings.rowCount};
     const CellAddress cell = firstWithin(sheet, line, inSight);
-    const bool add = modifiers.testFlag(Qt::ControlModifier);
-    if (!m_control.cursor().enter(
-            cell, [&](Selection& selection, const Sheet&) { selection.setRange(line, cell, add); }))
-        m_doing = Doing::nothing;
+    return m_control.cursor().enter(
+        cell, [&](Selection& selection, const Sheet&) { selection.setRange(line, cell, add); });
 }
 
 void GridMouse::move(const QMouseEvent& event)

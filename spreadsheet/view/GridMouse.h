@@ -53,6 +53,9 @@ private:
     void showCursor(const Place& place) const;
     void pressCell(const Place& place, const QMouseEvent& event);
     void pressHeading(const Place& place, Qt::KeyboardModifiers modifiers);
+    bool moveToPlace(const Place& place);
+    bool selectAll();
+    bool selectLine(CellAddress heading, bool add);
     bool actOn(CellAddress cell, QPoint point);
     void dragTo(QPoint point);
     void pointTo(QPoint point, bool goesOn);

@@ -107,8 +107,19 @@ void SpreadsheetControl::setMode(GridMode mode)
         m_entry->cancel();
     m_mode = mode;
     m_tabs->setEditable(mode == GridMode::edit);
-    m_view->changeOverlays(
-        [mode](CellOverlays& overlays) { overlays.hasFillHandle = mode == GridMode::edit; });
+    showFillHandle();
+}
+
+void SpreadsheetControl::setCommandsOffered(bool offered)
+{
+    m_offersCommands = offered;
+    showFillHandle();
+}
+
+void SpreadsheetControl::showFillHandle()
+{
+    const bool shown = m_mode == GridMode::edit && m_offersCommands;
+    m_view->changeOverlays([shown](CellOverlays& overlays) { overlays.hasFillHandle = shown; });
 }
 
 Refusal SpreadsheetControl::editRefusal(const CellRange& range) const
@@ -132,6 +143,11 @@ bool SpreadsheetControl::refuse(const Refusal& why)
 bool SpreadsheetControl::refuseEdit(const std::vector<CellRange>& ranges)
 {
     return std::ranges::any_of(ranges, [this](const CellRange& range) { return refuse(editRefusal(range)); });
+}
+
+bool SpreadsheetControl::refuseInRun()
+{
+    return m_mode == GridMode::run && refuse(inRunMode);
 }
 
 bool SpreadsheetControl::giveUp()

@@ -51,11 +51,19 @@ public:
     // What the user may do
     GridMode mode() const { return m_mode; }
     void setMode(GridMode mode);
+    /// Commands that change several cells or the sheet at once, by keys and by dragging the selection's
+    /// corner; without them cells are typed into one by one, and nothing can be undone.
+    bool offersCommands() const { return m_offersCommands; }
+    void setCommandsOffered(bool offered);
+    /// The right button beyond the selection moves the cursor there before contextMenuWanted.
+    bool movesByRightButton() const { return m_movesByRightButton; }
+    void setMovesByRightButton(bool moves) { m_movesByRightButton = moves; }
     /// Why the user may not change cells of the sheet that is shown: mode or a lock.
     Refusal editRefusal(const CellRange& range) const;
     [[nodiscard]] bool mayEdit(const CellRange& range) const { return !editRefusal(range); }
     bool refuse(const Refusal& why); ///< true if it is one, which is told
     [[nodiscard]] bool refuseEdit(const std::vector<CellRange>& ranges);
+    [[nodiscard]] bool refuseInRun(); ///< true in run mode, which is told
     /// After a change by the user: recalculates, shows what changed and fires cellChanged.
     void afterEdit(std::optional<CellAddress> cell = std::nullopt);
     /// Esc: ends one thing, the first of a tool tip, an open entry, filling or resizing by mouse, and the
@@ -143,6 +151,7 @@ private:
     void connectTabs();
     void layOut();
     void showTabs();
+    void showFillHandle();
     void showAnotherWorkbook();
     void zoomBy(int steps);
 
@@ -158,6 +167,8 @@ private:
     std::unique_ptr<CellActions> m_actions;
     QTimer m_showChanges; ///< of the program, with the next pass of the event loop
     GridMode m_mode = GridMode::edit;
+    bool m_offersCommands = true;
+    bool m_movesByRightButton = false;
     bool m_tabsShown = true;
     QStringList m_tabNames; ///< as they are shown
     int m_tabActive = 0;

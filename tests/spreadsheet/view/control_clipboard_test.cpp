@@ -287,6 +287,37 @@ TEST_F(ClipboardByUser, WholeLinesGoWhereThereIsRoom)
     EXPECT_EQ(shown("H1", "I3"), "x x;x x;x x") << "one cell fills what is selected";
 }
 
+TEST_F(ClipboardByUser, OneCellGoesIntoEachOfSeveralRangesABlockIntoNone)
+{
+    fillSheet();
+    put("A1", "x");
+    put("A2", "y");
+    const auto select = [this](const char* last) {
+        drag(centre("C7"), centre("D8"));
+        click("F7", ctrl);
+        click(last, ctrl);
+    };
+    const struct {
+        const char *what, *copied, *last, *why, *shown;
+    } cases[] = {
+        {"a block", "A1:A2", "F8", "不能对多个选定区域使用此命令", "   ;   "},
+        {"through a lock", "A1", "J10", "单元格已锁定，不能更改", "   ;   "},
+        {"through an array formula", "A1", "G2", "不能更改数组公式的一部分", "   ;   "},
+        {"one cell", "A1", "F8", "", "x x  x;x x  x"},
+    };
+    for (const auto& c : cases) {
+        control.cursor().select(*parseRangeName(c.copied));
+        key(Qt::Key_C, ctrl);
+        select(c.last);
+        refusal.clear();
+        paste();
+        EXPECT_EQ(refusal, c.why) << c.what;
+        EXPECT_EQ(shown("C7", "F8"), c.shown) << c.what;
+    }
+    key(Qt::Key_Z, ctrl); // one step
+    EXPECT_EQ(shown("C7", "F8"), "   ;   ");
+}
+
 TEST_F(ClipboardByUser, SeveralSelectedRangesAreClearedTogether)
 {
     for (const char* cell : {"B2", "B3", "D4", "F6"})

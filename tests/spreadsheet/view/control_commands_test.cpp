@@ -45,6 +45,22 @@ TEST_F(ControlCommands, RowsAndColumnsComeAndGoWithUndo)
     EXPECT_EQ(shown({2, 2}), "x");
 }
 
+/// Columns are meant only if all that is selected are columns.
+TEST_F(ControlTest, KeysForLinesMeanNothingThatIsNotSelected)
+{
+    put("A1", "a");
+    put("D1", "d");
+    drag(centre("A1"), centre("B2"));
+    click(columnHeading("D1"), Qt::ControlModifier);
+    key(Qt::Key_Minus, Qt::ControlModifier);
+    EXPECT_EQ(refusal, "不能删除所有的行");
+    EXPECT_EQ(shown("A1") + shown("D1"), "ad");
+    click(columnHeading("B1"));
+    click(columnHeading("D1"), Qt::ControlModifier);
+    key(Qt::Key_Minus, Qt::ControlModifier);
+    EXPECT_EQ(shown("A1", "D1"), "a   ");
+}
+
 TEST_F(ControlCommands, AutofitFollowsTheTexts)
 {
     sheet().setText({1, 1}, "很长很长很长很长很长很长很长很长的科目名称");

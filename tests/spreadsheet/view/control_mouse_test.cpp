@@ -44,6 +44,41 @@ TEST_F(ControlTest, ClicksAndDragsSelect)
     EXPECT_FALSE(control.cursor().isBlockSelected()) << "a merged cell is one cell";
 }
 
+TEST_F(ControlTest, TheRightButtonGoesWhereItIsWantedTo)
+{
+    const auto press = [this](QPoint place) { click(place, {}, Qt::RightButton); };
+    click("B2");
+    press(centre("D4"));
+    EXPECT_EQ(cursor(), "B2 in B2") << "by itself it moves nothing";
+    control.setMovesByRightButton(true);
+    control.cells().addSpan({5, 5, 6, 6}); // E5:F6
+    drag(centre("B2"), centre("C3"));
+    click("H8", ctrl);
+    logged();
+    const struct {
+        QPoint place;
+        const char *cursor, *log;
+    } cases[] = {
+        {centre("C2"), "H8 in B2:C3 H8", "down2 3,2 menu 3,2"},
+        {centre("F6"), "E5 in E5:F6", "down2 6,6 leave 8,8>5,5 menu 6,6"},
+        {columnHeading("C1"), "C1 in C1:C100", "down2 3,0 leave 5,5>3,1 menu 3,0"},
+        {columnHeading("C1"), "C1 in C1:C100", "down2 3,0 menu 3,0"},
+        {centre("C7"), "C1 in C1:C100", "down2 3,7 menu 3,7"},
+        {rowHeading("A4"), "A4 in A4:AD4", "down2 0,4 leave 3,1>1,4 menu 0,4"},
+        {QPoint(3, 3), "A4 in A1:AD100", "down2 0,0 menu 0,0"},
+    };
+    for (const auto& c : cases) {
+        press(c.place);
+        EXPECT_EQ(cursor(), c.cursor);
+        EXPECT_EQ(logged(), c.log);
+    }
+    click("B2");
+    logged();
+    holdsCursor = true;
+    press(centre("D4"));
+    EXPECT_EQ(cursor() + ", " + logged(), "B2 in B2, down2 4,4 leave 2,2>4,4");
+}
+
 TEST_F(ControlTest, HeadingsSelectWholeLines)
 {
     click(columnHeading("C1"));
