@@ -97,7 +97,9 @@ class Desk:
     def opens_for_design(self, row):
         """A report of the list, by its place there."""
         self.opens_list()
-        self.user.presses(*["Down"] * (row - 1), "alt+u")
+        self.user.presses(*["Down"] * (row - 1))
+        self.user.keeps("报表列表")
+        self.user.presses("alt+u")
         self.user.sees(DESIGNER)
 
     def leaves_all(self):

@@ -25,7 +25,7 @@ def mends_what_somebody_broke(desk):
     user.keeps("显示公式: 一个数字露了出来")
     desk.menu(4, 2)
     desk.goes_to("D16")
-    user.presses("ctrl+c", "Left", "ctrl+v")  # the formula beside it is of the same kind
+    user.presses("ctrl+c", "Left", "ctrl+v", "Escape")  # the formula beside it is of the same kind
     user.presses("ctrl+j")
     desk.saves()
     assert books.figures("利润表") == right
