@@ -15,6 +15,13 @@ std::string displayText(const Value& value, const CellStyle& style, bool from190
     return textByType(value, style, from1904);
 }
 
+Colour textColour(const Value& value, const CellStyle& style)
+{
+    return style.numberFormat.empty()
+               ? style.foreground
+               : formatColour(value, style.numberFormat.view()).value_or(style.foreground);
+}
+
 std::string textByType(const Value& value, const CellStyle& style, bool from1904)
 {
     switch (value.kind()) {

@@ -20,4 +20,7 @@ std::string displayText(const Value& value, const CellStyle& style, bool from190
 /// A number format code changes only what is seen and printed.
 std::string textByType(const Value& value, const CellStyle& style, bool from1904 = false);
 
+/// The colour of what displayText shows: a number format code may have one of its own ("[Red]").
+Colour textColour(const Value& value, const CellStyle& style);
+
 } // namespace spreadsheet

@@ -9,6 +9,7 @@
 #include "spreadsheet/values/numerals.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace spreadsheet {
 
@@ -288,6 +289,33 @@ bool showsDay(const FormatSection& section)
     });
 }
 
+bool showsCapitals(const FormatSection& section)
+{
+    return std::ranges::find(section.parts, Kind::capitals, &FormatPart::kind) != section.parts.end();
+}
+
+/// "负" stands before the amount's words, wherever other texts are.
+std::optional<std::string> amountInWords(const FormatSection& section, double number)
+{
+    constexpr double tooLarge = 1e15;
+    if (std::fabs(number) >= tooLarge)
+        return std::nullopt;
+    std::string result;
+    for (const FormatPart& part : section.parts)
+        result += part.kind == Kind::capitals ? writtenAmount(number) : part.text;
+    return result;
+}
+
+/// In the unit that the section shows.
+double inUnit(const FormatSection& section, double number)
+{
+    if (section.tenThousands == 0)
+        return number;
+    Decimal decimal = shownDecimal(number);
+    decimal.exponent -= 4 * section.tenThousands;
+    return decimal.number();
+}
+
 std::optional<std::string> numberBySection(const FormatSection& section, double number, bool withSign,
                                            bool from1904)
 {
@@ -296,7 +324,10 @@ std::optional<std::string> numberBySection(const FormatSection& section, double 
         return std::nullopt;
     if (section.isDate)
         return dateText(section, from1904 && showsDay(section) ? number + daysFrom1900To1904 : number);
-    const std::string text = numberByParts(section, std::fabs(number));
+    const double shown = inUnit(section, number);
+    if (showsCapitals(section))
+        return amountInWords(section, withSign ? shown : std::fabs(shown));
+    const std::string text = numberByParts(section, std::fabs(shown));
     return withSign && number < 0 && !text.empty() ? "-" + text : text;
 }
 
@@ -308,8 +339,13 @@ bool holdsOnlyNegative(const FormatSection& section)
            (section.condition == Condition::lessEqual && section.limit < 0);
 }
 
-std::optional<std::string> numberText(const std::vector<FormatSection>& sections, double number,
-                                      bool from1904)
+/// The section that shows a number; null: none does.
+struct ChosenSection {
+    const FormatSection* section = nullptr;
+    bool withSign = false; ///< the section does not say itself how a negative number looks
+};
+
+ChosenSection sectionFor(const std::vector<FormatSection>& sections, double number)
 {
     using Condition = FormatSection::Condition;
     const std::size_t count = std::min<std::size_t>(sections.size(), 3); // the fourth is for texts
@@ -319,16 +355,40 @@ std::optional<std::string> numberText(const std::vector<FormatSection>& sections
         for (std::size_t i = 0; i < count; ++i) {
             const bool bySign = i == 1 && count > 2 && sections[i].condition == Condition::none;
             if (bySign ? number < 0 : sections[i].holds(number))
-                return numberBySection(sections[i], number, !bySign && !holdsOnlyNegative(sections[i]),
-                                       from1904);
+                return {&sections[i], !bySign && !holdsOnlyNegative(sections[i])};
         }
-        return std::string("#");
+        return {};
     }
     if (count > 1 && number < 0)
-        return numberBySection(sections[1], number, false, from1904);
+        return {&sections[1], false};
     if (count > 2 && number == 0)
-        return numberBySection(sections[2], number, false, from1904);
-    return numberBySection(sections[0], number, true, from1904);
+        return {&sections[2], false};
+    return {&sections[0], true};
+}
+
+/// A number of which no digit but zeros is shown is a zero in a cell: "-0.00" means nothing to its reader.
+double asCellShows(const std::vector<FormatSection>& sections, double number)
+{
+    const FormatSection* section = sectionFor(sections, number).section;
+    const auto showsMore = [](const FormatPart& part) {
+        return part.kind == Kind::exponent || part.kind == Kind::fraction || part.kind == Kind::general ||
+               part.kind == Kind::text;
+    };
+    if (!section || section->isDate || section->integerDigits + section->decimals == 0 ||
+        std::ranges::any_of(section->parts, showsMore))
+        return number;
+    Decimal shown = shownDecimal(inUnit(*section, number));
+    shown.exponent += 2 * section->percents - 3 * section->thousands;
+    shown.roundTo(section->decimals);
+    return shown.coefficient == 0 ? 0 : number;
+}
+
+std::optional<std::string> numberText(const std::vector<FormatSection>& sections, double number,
+                                      bool from1904)
+{
+    const ChosenSection chosen = sectionFor(sections, number);
+    return chosen.section ? numberBySection(*chosen.section, number, chosen.withSign, from1904)
+                          : std::string("#");
 }
 
 std::string textBySections(const std::vector<FormatSection>& sections, std::string_view text)
@@ -344,12 +404,24 @@ std::string textBySections(const std::vector<FormatSection>& sections, std::stri
     return result;
 }
 
+/// Of what is no number.
+std::string otherText(const std::vector<FormatSection>& sections, const Value& value)
+{
+    if (value.isBoolean())
+        return value.boolean() ? "TRUE" : "FALSE";
+    return textBySections(sections, value.textView());
+}
+
 } // namespace
 
 std::optional<std::string> formattedText(const Value& value, std::string_view code, bool from1904)
 {
-    const Value number = value.isBoolean() ? value : toNumber(value);
-    return formattedCell(number.isError() ? value : number, code, from1904);
+    const Value asNumber = value.isBoolean() ? value : toNumber(value);
+    const Value& shown = asNumber.isError() ? value : asNumber;
+    const auto sections = parseFormatCode(code);
+    if (!sections)
+        return std::nullopt;
+    return shown.isNumber() ? numberText(*sections, shown.number(), from1904) : otherText(*sections, shown);
 }
 
 std::optional<std::string> formattedCell(const Value& value, std::string_view code, bool from1904)
@@ -357,10 +429,17 @@ std::optional<std::string> formattedCell(const Value& value, std::string_view co
     const auto sections = parseFormatCode(code);
     if (!sections)
         return std::nullopt;
-    if (value.isBoolean())
-        return std::string(value.boolean() ? "TRUE" : "FALSE");
-    return value.isNumber() ? numberText(*sections, value.number(), from1904)
-                            : textBySections(*sections, value.textView());
+    return value.isNumber() ? numberText(*sections, asCellShows(*sections, value.number()), from1904)
+                            : otherText(*sections, value);
+}
+
+std::optional<Colour> formatColour(const Value& value, std::string_view code)
+{
+    const bool mayHave = value.isNumber() && code.find('[') != code.npos;
+    const auto sections = mayHave ? parseFormatCode(code) : std::nullopt;
+    const ChosenSection chosen =
+        sections ? sectionFor(*sections, asCellShows(*sections, value.number())) : ChosenSection();
+    return chosen.section ? chosen.section->colour : std::nullopt;
 }
 
 } // namespace spreadsheet

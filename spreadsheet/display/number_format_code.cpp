@@ -19,9 +19,29 @@ namespace {
 using Kind = FormatPart::Kind;
 using Condition = FormatSection::Condition;
 
+struct ColourName {
+    std::string_view english, chinese;
+    Colour colour;
+};
+
+constexpr std::array colourNames{
+    ColourName{"Black", "黑色", 0x000000},   ColourName{"Blue", "蓝色", 0x0000FF},
+    ColourName{"Cyan", "青色", 0x00FFFF},    ColourName{"Green", "绿色", 0x00FF00},
+    ColourName{"Magenta", "洋红", 0xFF00FF}, ColourName{"Red", "红色", 0xFF0000},
+    ColourName{"White", "白色", 0xFFFFFF},   ColourName{"Yellow", "黄色", 0xFFFF00},
+};
+
 bool startsWithFolded(std::string_view text, std::string_view prefix)
 {
     return ascii::equalFolded(text.substr(0, prefix.size()), prefix);
+}
+
+const ColourName* colourNamed(std::string_view name)
+{
+    const auto found = std::ranges::find_if(colourNames, [&](const ColourName& colour) {
+        return ascii::equalFolded(name, colour.english) || name == colour.chinese;
+    });
+    return found == colourNames.end() ? nullptr : &*found;
 }
 
 class FormatCodeReader {
@@ -197,11 +217,17 @@ private:
             m_section.numerals = static_cast<NumeralStyle>(style);
         } else if (!inside.empty() && std::string_view("<>=").find(inside[0]) != std::string_view::npos) {
             condition(inside);
+        } else if (inside == "万元") {
+            ++m_section.tenThousands;
+        } else if (inside == "人民币大写") {
+            m_section.parts.push_back({Kind::capitals, "", 1});
+        } else if (const ColourName* name = colourNamed(inside)) {
+            m_section.colour = name->colour;
         } else if (!inside.empty() && std::ranges::all_of(inside, [&](char c) {
                        return ascii::lower(c) == ascii::lower(inside[0]);
                    })) {
             elapsed(ascii::lower(inside[0]), static_cast<int>(inside.size()));
-        } // anything else is a colour
+        } // anything else is a colour of a palette
     }
 
     void elapsed(char letter, int count)
@@ -346,6 +372,12 @@ bool FormatSection::holds(double number) const
         return number >= limit;
     }
     return false;
+}
+
+std::string_view englishColourName(std::string_view name)
+{
+    const ColourName* known = colourNamed(name);
+    return known ? known->english : name;
 }
 
 std::optional<std::vector<FormatSection>> parseFormatCode(std::string_view code)

@@ -1,4 +1,5 @@
 #pragma once
+#include "spreadsheet/display/CellStyle.h"
 #include "spreadsheet/values/numerals.h"
 
 #include <optional>
@@ -18,6 +19,7 @@ struct FormatPart {
         exponent, ///< "E+" or "E-" in `text`; the digits behind it follow
         fraction, ///< "??/??" or "?/8" in `text`
         general,  ///< the number in its general form
+        capitals, ///< "[人民币大写]": the amount written out
         text,     ///< "@"
         year,
         month,          ///< by `count`: 1 and 2 digits, 3 and 4 name, 5 first letter
@@ -50,8 +52,10 @@ struct FormatSection {
     int integerDigits = 0;
     int decimals = 0;
     bool grouped = false;
-    int thousands = 0; ///< commas behind the last digit: each divides by 1,000
-    int percents = 0;  ///< each multiplies by 100
+    int thousands = 0;            ///< commas behind the last digit: each divides by 1,000
+    int percents = 0;             ///< each multiplies by 100
+    int tenThousands = 0;         ///< "[万元]", which no other program knows: each divides by 10,000
+    std::optional<Colour> colour; ///< "[Red]", "[红色]"
 
     bool isDate = false;
     bool holds(double number) const; ///< the condition
@@ -60,5 +64,8 @@ struct FormatSection {
 /// Reads a number format code ("#,##0.00;[Red]-0.0", "yyyy-mm-dd hh:mm", "[>100]0;@"); up to four
 /// sections. Nothing if it holds letters without quotes that mean nothing.
 std::optional<std::vector<FormatSection>> parseFormatCode(std::string_view code);
+
+/// The English name of a colour, which files have, for the Chinese one of a code ("红色"); other texts stay.
+std::string_view englishColourName(std::string_view name);
 
 } // namespace spreadsheet

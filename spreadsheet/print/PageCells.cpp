@@ -1,6 +1,7 @@
 #include "spreadsheet/print/PageCells.h"
 
 #include "spreadsheet/display/cell_types.h"
+#include "spreadsheet/display/display_text.h"
 #include "spreadsheet/print/CellBehaviour.h"
 
 #include <algorithm>
@@ -99,6 +100,7 @@ PageCell PageCells::read(CellAddress cell) const
                     (value.isNumber() || (value.isText() && value.text().countsAsNumber()));
     read.isTrue = countsAsChecked(value);
     read.alignment = alignmentOf(*read.style, value, read.isFigure, showsOtherText);
+    read.colour = read.isFigure ? textColour(value, *read.style) : read.style->foreground;
     read.text = QString::fromUtf8(caption ? *caption : m_sheet.displayText(cell));
     return read;
 }

@@ -17,6 +17,7 @@ struct PageCell {
     QString text;                                              ///< what it displays
     bool isFigure = false;                                     ///< a number: never cut, "####" instead
     bool isTrue = false;                                       ///< state of a check box
+    Colour colour = automaticColour;                           ///< of the text
     HorizontalAlignment alignment = HorizontalAlignment::left; ///< never general
     int span = -1; ///< index into PageCells::spans(), -1: stands alone
 };

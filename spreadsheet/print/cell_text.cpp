@@ -127,7 +127,7 @@ void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const R
     }
     double baseline =
         topOf(style.vertical, box, height, lines.size() > 1, paddingDown * twip) + baselineInLine * em;
-    const QColor colour = printColour(style.foreground, 0x000000, m_inColour);
+    const QColor colour = printColour(cell.colour, 0x000000, m_inColour);
     for (const TextLine& line : lines) {
         const double start = leftOf(cell.alignment, box.left + padding, box.right() - padding, line.width);
         m_text.draw(m_painter, {start, baseline}, line, colour);

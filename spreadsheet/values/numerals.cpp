@@ -1,9 +1,11 @@
 #include "spreadsheet/values/numerals.h"
 
+#include "spreadsheet/values/decimal_text.h"
 #include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace spreadsheet {
 
@@ -68,6 +70,25 @@ std::string shortNumeralText(std::string_view digits, NumeralStyle style)
     return style == NumeralStyle::chinese && text.starts_with("一十")
                ? text.substr(std::string_view("一").size())
                : text;
+}
+
+std::string writtenAmount(double yuan)
+{
+    const std::string text = fixedNumberText(std::fabs(yuan), 2);
+    const std::string whole = text.substr(0, text.size() - 3);
+    const char jiao = text[text.size() - 2];
+    const char fen = text[text.size() - 1];
+    const auto digit = [](char c) { return numeralDigits(std::string(1, c), NumeralStyle::chineseFormal); };
+    std::string written;
+    if (whole != "0" || (jiao == '0' && fen == '0'))
+        written = numeralText(whole, NumeralStyle::chineseFormal) + "元";
+    if (jiao != '0')
+        written += digit(jiao) + "角";
+    else if (fen != '0' && !written.empty())
+        written += "零";
+    written += fen != '0' ? digit(fen) + "分" : "整";
+    const bool isZero = text.find_first_of("123456789") == text.npos;
+    return yuan < 0 && !isZero ? "负" + written : written;
 }
 
 } // namespace spreadsheet

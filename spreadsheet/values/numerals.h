@@ -23,4 +23,8 @@ std::string numeralText(std::string_view digits, NumeralStyle style);
 /// The same as days and months are read: "12" is 十二, not 一十二.
 std::string shortNumeralText(std::string_view digits, NumeralStyle style);
 
+/// An amount as it is written out on cheques and vouchers: 壹佰元零伍分, 壹元整, 负伍角整.
+/// @param yuan  rounded to cents; below 10^15 in size
+std::string writtenAmount(double yuan);
+
 } // namespace spreadsheet

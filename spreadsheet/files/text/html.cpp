@@ -1,5 +1,6 @@
 #include "spreadsheet/files/text/html.h"
 
+#include "spreadsheet/display/display_text.h"
 #include "spreadsheet/values/html_escape.h"
 #include "spreadsheet/values/twips.h"
 #include "spreadsheet/workbook/Workbook.h"
@@ -104,6 +105,18 @@ std::string styleCss(const CellStyle& style)
            lineCss("bottom", style.bottom);
 }
 
+/// What a number's cell has besides its style: numbers stand at the right unless their style says otherwise,
+/// and a number format code may colour them.
+std::string numberCss(const Value& value, const CellStyle& style)
+{
+    if (!value.isNumber())
+        return {};
+    std::string css = style.horizontal == HorizontalAlignment::general ? "text-align:right" : "";
+    if (const Colour colour = textColour(value, style); colour != style.foreground)
+        css += (css.empty() ? "color:" : ";color:") + colourText(colour);
+    return css;
+}
+
 class SheetTable {
 public:
     SheetTable(const Sheet& sheet, std::string& html)
@@ -153,9 +166,8 @@ private:
             m_html += " rowspan=\"" + std::to_string(covering->rows()) + "\"";
         if (const std::uint32_t style = m_sheet.styleNumber(at))
             m_html += " class=\"s" + std::to_string(style) + "\"";
-        // Numbers stand at the right unless their style says otherwise.
-        if (m_sheet.value(at).isNumber() && m_sheet.style(at).horizontal == HorizontalAlignment::general)
-            m_html += " style=\"text-align:right\"";
+        if (const std::string css = numberCss(m_sheet.value(at), m_sheet.style(at)); !css.empty())
+            m_html += " style=\"" + css + "\"";
         m_html += ">";
         appendHtml(m_html, m_sheet.displayText(at));
         m_html += "</td>";

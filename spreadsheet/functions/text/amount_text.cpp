@@ -67,26 +67,6 @@ Operand numberString(Call& call)
     return Value::text(numeralText(digits, kind == 1 ? NumeralStyle::chinese : NumeralStyle::chineseFormal));
 }
 
-/// An amount in yuan as it is written out on cheques and vouchers: 壹佰元零伍分, 壹元整.
-std::string writtenAmount(double number)
-{
-    const std::string text = fixedNumberText(std::fabs(number), 2);
-    const std::string yuan = text.substr(0, text.size() - 3);
-    const char jiao = text[text.size() - 2];
-    const char fen = text[text.size() - 1];
-    const auto digit = [](char c) { return numeralDigits(std::string(1, c), NumeralStyle::chineseFormal); };
-    std::string written;
-    if (yuan != "0" || (jiao == '0' && fen == '0'))
-        written = numeralText(yuan, NumeralStyle::chineseFormal) + "元";
-    if (jiao != '0')
-        written += digit(jiao) + "角";
-    else if (fen != '0' && !written.empty())
-        written += "零";
-    written += fen != '0' ? digit(fen) + "分" : "整";
-    const bool isZero = text.find_first_of("123456789") == text.npos;
-    return number < 0 && !isZero ? "负" + written : written;
-}
-
 Operand amountInCapitals(Call& call)
 {
     const double number = call.number(0);

@@ -29,7 +29,7 @@ std::string numberText(double number)
     return {digits.data(), end};
 }
 
-std::string styleText(const CellStyle& style)
+std::string styleText(const CellStyle& style, Colour text)
 {
     static constexpr std::array<const char*, 3> alignments{"left", "right", "center"};
     std::string css;
@@ -45,7 +45,7 @@ std::string styleText(const CellStyle& style)
         css += "font-family:'" + std::string(style.font.family.view()) + "';";
     if (style.font.points != CellFont().points)
         css += "font-size:" + numberText(double(style.font.points)) + "pt;";
-    appendColour(css, "color", style.foreground);
+    appendColour(css, "color", text);
     appendColour(css, "background", style.background);
     return css;
 }
@@ -64,7 +64,7 @@ void appendCell(std::string& html, const Sheet& sheet, CellAddress cell, const C
         html += " sdval=\"" + numberText(value.number()) + '"';
     else if (value.isText())
         html += " sdnum=\"0;0;@\"";
-    if (const std::string css = styleText(style); !css.empty()) {
+    if (const std::string css = styleText(style, textColour(value, style)); !css.empty()) {
         html += " style=\"";
         appendHtml(html, css);
         html += '"';

@@ -209,6 +209,26 @@ TEST(DisplayText, NumberFormatCodesGoBeforeTheType)
         {Value::boolean(true), "0.00", "TRUE"},
         {CellError::na, "0.00", "#N/A"},
         {Value(), "0.00", ""},
+        // Figures of a statement: a cell that shows nothing but zeros has none.
+        {-0.004, "#,##0.00_ ;-#,##0.00_ ;_ ", " "},
+        {-0.004, "0.00", "0.00"},
+        {-0.00004, "0.00%", "0.00%"},
+        {-4.0, "0.00,", "0.00"},
+        {-0.004, "0.00E+00", "-4.00E-03"},
+        // Tens of thousands: the decimal point goes four places to the left.
+        {12345678.0, "[万元]#,##0.00", "1,234.57"},
+        {-50.0, "[万元]0.00;([万元]0.00)", "(0.01)"},
+        {-49.0, "[万元]0.00;([万元]0.00);\"–\"", "–"},
+        {20000.0, "[万元]General", "2"},
+        {1e9, "[万元]#,##0,", "100"},
+        // Amounts in words, by the rules for cheques and vouchers.
+        {1234.56, "[人民币大写]", "壹仟贰佰叁拾肆元伍角陆分"},
+        {0.0, "[人民币大写]", "零元整"},
+        {-0.001, "[人民币大写]", "零元整"},
+        {-1680.3, "\"人民币\"[人民币大写]", "人民币负壹仟陆佰捌拾元叁角整"},
+        {100200030.04, "[人民币大写]", "壹亿零贰拾万零叁拾元零肆分"},
+        {0.05, "[人民币大写]", "伍分"},
+        {1e15, "[人民币大写]", "1000000000000000.0"}, // too long for a cheque
     };
     for (const auto& c : cases) {
         CellStyle style;
@@ -216,6 +236,27 @@ TEST(DisplayText, NumberFormatCodesGoBeforeTheType)
         style.decimals = 1;
         style.numberFormat = Text(c.code);
         EXPECT_EQ(displayText(c.value, style), c.shown) << c.code;
+    }
+}
+
+TEST(DisplayText, ACodeColoursTheNumbersThatItSaysSo)
+{
+    const struct {
+        Value value;
+        const char* code;
+        Colour colour;
+    } cases[] = {
+        {1.0, "#,##0.00;[Red]-#,##0.00", 0x123456}, {-1.0, "#,##0.00;[Red]-#,##0.00", 0xFF0000},
+        {-0.001, "0.00;[Red]-0.00", 0x123456},      {-1.0, "[红色]0", 0xFF0000},
+        {5.0, "[Blue][>4]0;0", 0x0000FF},           {4.0, "[Blue][>4]0;0", 0x123456},
+        {Value::text("甲"), "[Red]@", 0x123456},    {-1.0, "[DBNum1]0;[$-804]-0", 0x123456},
+        {-1.0, "0;[Red]no such code", 0x123456},
+    };
+    for (const auto& c : cases) {
+        CellStyle style;
+        style.foreground = 0x123456;
+        style.numberFormat = Text(c.code);
+        EXPECT_EQ(textColour(c.value, style), c.colour) << c.code;
     }
 }
 
