@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     spreadsheet::Workbook workbook;
     try {
-        spreadsheet::loadContent(workbook, spreadsheet::packContent(std::as_bytes(std::span(data, size))));
+        spreadsheet::loadContent(workbook, spreadsheet::packContent(std::as_bytes(std::span(data, size)), 1));
     } catch (const spreadsheet::ContentError&) {
         return 0;
     }

@@ -5,6 +5,7 @@
 #include "reports/commit_outcome.h"
 #include "reports/report_statements.h"
 #include "spreadsheet/files/content/content.h"
+#include "spreadsheet/files/content/content_frame.h"
 
 #include <chrono>
 #include <memory>
@@ -163,6 +164,7 @@ std::string ReportStore::load(std::int32_t id, spreadsheet::Workbook& workbook, 
         throw ReportMissing();
     const std::span<const std::byte> content = rows.binary(0, "fFileContent");
     remembered = {id, versionOf(rows, content.size()), pageSetupOf(rows)};
+    remembered.isOfLaterProgram = spreadsheet::isOfLaterVersion(content);
     spreadsheet::loadContent(workbook, content);
     applyPageSetup(workbook, remembered.pageSetup);
     return rows.text(0, "fname");

@@ -23,7 +23,8 @@ struct RememberedReport {
     std::optional<ReportVersion> version; ///< that was loaded or saved last; nothing: none could be read
     StoredPageSetup pageSetup{};          ///< of the row then
     std::optional<ReportVersion>
-        uncertain{}; ///< of a save since then of which nobody knows whether it was done
+        uncertain{};               ///< of a save since then of which nobody knows whether it was done
+    bool isOfLaterProgram = false; ///< its content could not be read because a later program saved it
 };
 
 /// What a designer puts into a row.

@@ -45,6 +45,11 @@ std::optional<std::string_view> EditedReport::save(std::string& name, spreadshee
 {
     if (m_context.report.editFlag == 0)
         return m_stored.uncertain ? insertAgain(name, workbook) : insert(name, workbook, std::nullopt);
+    if (isOfLaterProgram()) {
+        m_context.database.tell(Icon::exclamation, "这张报表由更新的版本保存，本程序不能替换它，没有保存。\n"
+                                                   "请升级程序后再修改。");
+        return std::nullopt;
+    }
     if (m_isUnread && !mayReplaceUnread())
         return std::nullopt;
     return replace(name, workbook, window);

@@ -35,6 +35,8 @@ public:
 
     /// Whether the row's content could not be read, and nothing has been saved since.
     bool isUnread() const { return m_isUnread; }
+    /// Whether that is because a later program saved it: it is neither shown nor replaced.
+    bool isOfLaterProgram() const { return m_isUnread && m_stored.isOfLaterProgram; }
 
     /// The version that saving takes for its own; nothing for a new report and for one that was not found.
     const std::optional<ReportVersion>& version() const { return m_stored.version; }

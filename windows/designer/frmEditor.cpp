@@ -84,7 +84,7 @@ void frmEditor::openReport()
         m_opensForUse = true;
     }
     enterCell();
-    if (!m_context.report.isRun)
+    if (!m_context.report.isRun && !m_files->report().isOfLaterProgram())
         m_files->keepForRecovery();
 }
 
@@ -100,6 +100,15 @@ void frmEditor::finishOpening()
 {
     if (std::exchange(m_opensForUse, false))
         m_formulas->MenuRecalculate_Click();
+}
+
+/// An empty sheet in its place would be taken for the report, and saved.
+int frmEditor::exec()
+{
+    if (!m_files->report().isOfLaterProgram())
+        return QDialog::exec();
+    done(Rejected);
+    return Rejected;
 }
 
 void frmEditor::done(int result)

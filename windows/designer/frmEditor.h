@@ -77,6 +77,8 @@ public:
     /// The one way out, whatever closes the window. It stays open, once, if what is typed is no formula or
     /// the unsaved design cannot be kept.
     void done(int result) override;
+    /// Not shown if a later program saved the report, which the user has been told.
+    int exec() override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

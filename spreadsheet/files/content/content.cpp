@@ -1,6 +1,7 @@
 #include "spreadsheet/files/content/content.h"
 
 #include "spreadsheet/files/content/content_frame.h"
+#include "spreadsheet/files/content/content_versions.h"
 #include "spreadsheet/files/content/stored_sheets.h"
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/formula/NameTable.h"
@@ -128,7 +129,8 @@ std::vector<std::byte> saveContent(const Workbook& workbook)
 {
     flatbuffers::FlatBufferBuilder builder(std::min(expectedBytes(workbook), maxExpandedContent));
     writeWorkbook(builder, workbook);
-    return packContent(std::as_bytes(std::span(builder.GetBufferPointer(), builder.GetSize())));
+    return packContent(std::as_bytes(std::span(builder.GetBufferPointer(), builder.GetSize())),
+                       neededVersion(*stored::GetContent(builder.GetBufferPointer())));
 }
 
 void loadContent(Workbook& workbook, std::span<const std::byte> content)

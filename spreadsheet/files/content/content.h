@@ -10,7 +10,7 @@ namespace spreadsheet {
 class Workbook;
 
 /// The workbook as the bytes of an .ss7 file: values, formulas, looks, settings and names.
-/// Undo history and registered functions stay behind.
+/// Undo history and registered functions stay behind. The file has the smallest version that holds all.
 /// @throws ContentError if the workbook is larger than a file can hold (1 GiB before compression)
 std::vector<std::byte> saveContent(const Workbook& workbook);
 

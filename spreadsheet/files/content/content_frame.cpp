@@ -41,31 +41,43 @@ std::size_t declaredSize(std::span<const std::byte> frame)
     return static_cast<std::size_t>(size);
 }
 
-/// Refuses what is not this format or was written by a later program.
-void checkHeader(std::span<const std::byte> file)
+bool isContent(std::span<const std::byte> file)
 {
-    if (file.size() < magic.size() || std::memcmp(file.data(), magic.data(), magic.size()) != 0)
-        throw ContentError("报表内容无法识别: 这不是报表文件");
-    requireContent(file.size() > headerSize, "文件不完整");
+    return file.size() >= magic.size() && std::memcmp(file.data(), magic.data(), magic.size()) == 0;
+}
+
+/// @param file  at least a header long
+std::uint32_t versionIn(std::span<const std::byte> file)
+{
     std::uint32_t version = 0;
     for (std::size_t i = 0; i < 4; ++i)
         version |= std::to_integer<std::uint32_t>(file[magic.size() + i]) << 8 * i;
+    return version;
+}
+
+/// Refuses what is not this format or was written by a later program.
+void checkHeader(std::span<const std::byte> file)
+{
+    if (!isContent(file))
+        throw ContentError("报表内容无法识别: 这不是报表文件");
+    requireContent(file.size() > headerSize, "文件不完整");
+    const std::uint32_t version = versionIn(file);
     requireContent(version != 0, "版本号不对");
-    if (version > contentVersion)
+    if (version > newestContentVersion)
         throw ContentError("报表由更新的版本保存(内容版本 " + std::to_string(version) +
                            "),请升级程序后再打开");
 }
 
 } // namespace
 
-std::vector<std::byte> packContent(std::span<const std::byte> expanded)
+std::vector<std::byte> packContent(std::span<const std::byte> expanded, std::uint32_t version)
 {
     if (expanded.size() > maxExpandedContent)
         throw ContentError("报表内容太大,无法保存");
     std::vector<std::byte> file(headerSize + ZSTD_compressBound(expanded.size()));
     std::memcpy(file.data(), magic.data(), magic.size());
     for (std::size_t i = 0; i < 4; ++i)
-        file[magic.size() + i] = static_cast<std::byte>(contentVersion >> 8 * i);
+        file[magic.size() + i] = static_cast<std::byte>(version >> 8 * i);
 
     const Compressor compressor;
     ZSTD_CCtx_setParameter(compressor.context, ZSTD_c_compressionLevel, compressionLevel);
@@ -76,6 +88,11 @@ std::vector<std::byte> packContent(std::span<const std::byte> expanded)
         throw ContentError(std::string("报表内容无法压缩: ") + ZSTD_getErrorName(size));
     file.resize(headerSize + size);
     return file;
+}
+
+bool isOfLaterVersion(std::span<const std::byte> file)
+{
+    return isContent(file) && file.size() > headerSize && versionIn(file) > newestContentVersion;
 }
 
 ExpandedContent unpackContent(std::span<const std::byte> file)

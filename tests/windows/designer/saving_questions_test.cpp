@@ -223,6 +223,32 @@ TEST_F(SavingQuestions, RealBoxesCancelUnlessAButtonIsChosen)
     EXPECT_EQ(rows(), "3现金表:wang ");
 }
 
+/// An empty sheet in its place would be saved over it.
+TEST_F(SavingQuestions, AReportOfALaterProgramIsNeitherShownNorReplaced)
+{
+    const auto content = [this] {
+        return ledger.query("select datalength(fFileContent) as n from tblCWSelfReport").text(0, "n");
+    };
+    ledger.run("update tblCWSelfReport set fFileContent=x'895353370D0A1A0A6300000001'");
+    open();
+    EXPECT_NE(told().find("由更新的版本保存(内容版本 99)"), std::string::npos) << told();
+    edit("txtReportName").setText("现金表");
+    ledger.boxes.said.clear();
+    ledger.boxes.chosen = {"保存", "覆盖"};
+    trigger("MenuFileSave");
+    EXPECT_NE(told().find("没有保存"), std::string::npos) << told();
+    EXPECT_EQ(content(), "13");
+
+    frmEditor fresh(sharedContext);
+    bool seen = false;
+    QTimer::singleShot(0, &fresh, [&] {
+        seen = fresh.isVisible();
+        fresh.close();
+    });
+    fresh.exec();
+    EXPECT_FALSE(seen);
+}
+
 /// A designer on a report whose content is cut off.
 struct UnreadReport : SavingQuestions {
     UnreadReport()

@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -275,7 +276,7 @@ TEST(Content, HostileContentIsRefusedOrHarmless)
         for (const int mask : {0x01, 0x80, 0xFF}) {
             content[at] ^= static_cast<std::byte>(mask);
             Workbook workbook;
-            if (!refusal(workbook, packContent(content)).empty()) {
+            if (!refusal(workbook, packContent(content, newestContentVersion)).empty()) {
                 ++refused;
                 ASSERT_EQ(workbook.sheet(1).name(), "Sheet1");
             } else if (at % 16 == 0) {
@@ -291,7 +292,7 @@ TEST(Content, HostileContentIsRefusedOrHarmless)
 TEST(Content, RefusalsNameTheReason)
 {
     Bytes newer = saveContent(Workbook());
-    newer[8] = std::byte{2};
+    newer[8] = std::byte{newestContentVersion + 1};
     Bytes expanding = saveContent(Workbook());
     expanding[12 + 4] = std::byte{0xFF}; // frame header: content size that nothing stands behind
     struct Case {
@@ -321,4 +322,77 @@ TEST(Content, TheStoredSampleOfVersion1Opens)
     Workbook loaded;
     loadContent(loaded, sample);
     EXPECT_EQ(difference(expected, loaded), "");
+}
+
+/// What only version 2 holds.
+static void fillVersion2(Workbook& workbook)
+{
+    CellStyle style;
+    style.type = CellType::number;
+    style.numberFormat = Text("[万元]#,##0.00_ ;[Red][万元]-#,##0.00_ ;_ ");
+    style.left = {LineStyle::doubled, 0};
+    style.top = {LineStyle::thick, 0};
+    workbook.sheet(1).setStyle({7, 7}, style);
+}
+
+TEST(Content, TheStoredSampleOfVersion2Opens)
+{
+    const Bytes sample = readFile(TEST_DATA_FOLDER "/content-v2.ss7");
+    ASSERT_GT(sample.size(), 12U);
+    EXPECT_EQ(sample[8], std::byte{2});
+    Workbook expected;
+    fillEverything(expected);
+    fillLaterFields(expected);
+    fillVersion2(expected);
+    Workbook loaded;
+    loadContent(loaded, sample);
+    EXPECT_EQ(difference(expected, loaded), "");
+}
+
+/// A place with an older program goes on with all that it can keep, and refuses the rest.
+TEST(Content, TheVersionIsTheSmallestThatHoldsAll)
+{
+    const struct {
+        const char* what;
+        std::function<void(Workbook&)> fill;
+        int version;
+    } cases[] = {
+        {"nothing", [](Workbook&) {}, 1},
+        {"all that version 1 has", [](Workbook& book) { fillEverything(book), fillLaterFields(book); }, 1},
+        {"tens of thousands", fillVersion2, 2},
+        {"the same in its second section",
+         [](Workbook& book) {
+             book.sheet(1).restyle({2, 1, 2, maxRows},
+                                   [](CellStyle& style) { style.numberFormat = Text("0;[万元]0"); });
+         },
+         2},
+        {"a double line below",
+         [](Workbook& book) {
+             book.sheet(1).restyle({2, 2, 2, 2}, [](CellStyle& style) {
+                 style.bottom = {LineStyle::doubled, 0};
+             });
+         },
+         2},
+        {"as a text only",
+         [](Workbook& book) {
+             book.sheet(1).restyle({2, 2, 2, 2},
+                                   [](CellStyle& style) { style.numberFormat = Text("0\"[万元]\""); });
+         },
+         1},
+        {"no longer in use",
+         [](Workbook& book) {
+             fillVersion2(book);
+             book.sheet(1).setStyle({7, 7}, CellStyle());
+         },
+         1},
+    };
+    for (const auto& c : cases) {
+        Workbook workbook;
+        c.fill(workbook);
+        const Bytes bytes = saveContent(workbook);
+        EXPECT_EQ(std::to_integer<int>(bytes[8]), c.version) << c.what;
+        Workbook loaded;
+        loadContent(loaded, bytes);
+        EXPECT_EQ(saveContent(loaded), bytes) << c.what;
+    }
 }

@@ -1,0 +1,78 @@
+#include "spreadsheet/files/content/content_versions.h"
+
+#include "spreadsheet/display/CellStyle.h"
+#include "spreadsheet/display/number_format_code.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace spreadsheet {
+
+// A program refuses contents of later versions, because it would drop what it does not know when it saves
+// them. So a content has the version that it needs, not that of the program which wrote it, and old programs
+// go on opening what they can keep. The list below says what needs which version: whoever stores something
+// new adds a field at the end of its table in content.fbs with the version since which it exists, a row here,
+// and, if it is the first of a version, a sample under tests/data, which opens for ever.
+
+namespace {
+
+/// By its number in the file; empty for one that is not there.
+std::string_view textOf(const stored::Content& content, std::uint32_t number)
+{
+    const auto* ends = content.text_ends();
+    if (number == 0 || !ends || number > ends->size())
+        return {};
+    const std::uint32_t first = number == 1 ? 0 : ends->Get(number - 2);
+    const auto* bytes = reinterpret_cast<const char*>(content.text_bytes()->data());
+    return {bytes + first, ends->Get(number - 1) - first};
+}
+
+bool anyStyle(const stored::Content& content, const auto& holds)
+{
+    return content.styles() && std::ranges::any_of(*content.styles(), holds);
+}
+
+/// Version 1 knows the line styles up to the fine ones, and takes a file with others for damaged.
+bool hasLaterLines(const stored::Content& content)
+{
+    return anyStyle(content, [](const stored::Style* style) {
+        const stored::BorderLine* const lines[]{style->left(), style->right(), style->top(), style->bottom()};
+        return std::ranges::any_of(lines, [](const stored::BorderLine* line) {
+            return line && line->style() > static_cast<int>(LineStyle::fineDashDotDot);
+        });
+    });
+}
+
+/// Version 1 shows figures in tens of thousands in full, under headings that say otherwise.
+bool hasTenThousands(const stored::Content& content)
+{
+    return anyStyle(content, [&](const stored::Style* style) {
+        const auto sections = parseFormatCode(textOf(content, style->number_format()));
+        return sections && std::ranges::any_of(*sections, [](const FormatSection& section) {
+                   return section.tenThousands > 0;
+               });
+    });
+}
+
+/// What asks for a version beyond the first.
+constexpr struct {
+    std::uint32_t since;
+    bool (*isUsed)(const stored::Content& content);
+} laterThings[] = {
+    {2, hasLaterLines},
+    {2, hasTenThousands},
+};
+
+} // namespace
+
+std::uint32_t neededVersion(const stored::Content& content)
+{
+    std::uint32_t version = 1;
+    for (const auto& [since, isUsed] : laterThings) {
+        if (since > version && isUsed(content))
+            version = since;
+    }
+    return version;
+}
+
+} // namespace spreadsheet
