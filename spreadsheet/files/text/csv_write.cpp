@@ -1,4 +1,8 @@
 #include "spreadsheet/files/text/csv.h"
+
+#include "spreadsheet/display/number_format_code.h"
+#include "spreadsheet/values/decimal.h"
+#include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "text/quotes.h"
 
@@ -23,6 +27,31 @@ void appendField(const std::string& text, std::string& csv)
     csv += quotes::around(text, '"');
 }
 
+/// Whether a displayed number reads as the cell's own, apart from what its decimals leave out.
+bool readsAs(std::string_view shown, double number)
+{
+    const auto read = parseNumber(shown);
+    const std::size_t point = shown.find('.');
+    const auto decimals = point == shown.npos ? 0 : static_cast<int>(shown.size() - point - 1);
+    return read && *read == roundDecimal(number, decimals);
+}
+
+/// A file is read as figures again: a number format code that groups, scales or replaces them gives way to
+/// the cell's type. One that only pads them, or shows a day, stays.
+std::string fieldOf(const Sheet& sheet, CellAddress cell)
+{
+    const std::string_view code = sheet.style(cell).numberFormat.view();
+    const Value value = sheet.value(cell);
+    if (code.empty() || !sheet.shownText(cell).empty())
+        return sheet.displayText(cell);
+    if (!value.isNumber())
+        return sheet.textByType(cell);
+    const auto sections = parseFormatCode(code);
+    const std::string shown(trimmedBlanks(sheet.displayText(cell)));
+    const bool stays = sections && (sections->front().isDate || readsAs(shown, value.number()));
+    return stays ? shown : sheet.textByType(cell);
+}
+
 void appendSheet(const Sheet& sheet, std::string& csv)
 {
     const int lastRow = sheet.lastDataRow();
@@ -31,7 +60,7 @@ void appendSheet(const Sheet& sheet, std::string& csv)
         for (int column = 1; column <= lastColumn; ++column) {
             if (column > 1)
                 csv += ',';
-            appendField(sheet.displayText({column, row}), csv);
+            appendField(fieldOf(sheet, {column, row}), csv);
         }
         csv += "\r\n";
     }

@@ -30,6 +30,37 @@ TEST(Csv, WritesTheUsedArea)
                                ",-1234.50,\r\n");
 }
 
+/// A file is read as figures again, by programs that know neither commas nor our units.
+TEST(Csv, FiguresAreWrittenAsTheyAreNotAsACodeDressesThem)
+{
+    const struct {
+        Value value;
+        CellType type;
+        const char* code;
+        const char* field;
+    } cases[] = {
+        {-1234.5, CellType::number, "#,##0.00_ ;[Red](#,##0.00);_ ", "-1234.50"},
+        {0.0, CellType::number, "#,##0.00_ ;-#,##0.00_ ;_ ", "0.00"},
+        {12345678.0, CellType::number, "[万元]#,##0.00", "12345678.00"},
+        {1234.5, CellType::edit, "0.0,", "1234.5"},
+        {5.0, CellType::edit, "[人民币大写]", "5"},
+        {Value::text("货币资金"), CellType::edit, "_ @", "货币资金"},
+        {123.0, CellType::edit, "000000", "000123"}, // a code of an account
+        {46022.0, CellType::edit, "yyyy-mm-dd", "2025-12-31"},
+        {1234.565, CellType::edit, "0.00_ ", "1234.57"},
+    };
+    for (const auto& c : cases) {
+        Workbook workbook;
+        Sheet& sheet = workbook.sheet(1);
+        sheet.setValue({1, 1}, c.value);
+        CellStyle style;
+        style.type = c.type;
+        style.numberFormat = Text(c.code);
+        sheet.setStyle({1, 1}, style);
+        EXPECT_EQ(sheetCsv(sheet), std::string("\xEF\xBB\xBF") + c.field + "\r\n") << c.code;
+    }
+}
+
 /// Cells of the first two rows as they show, rows parted by "/" and cells by "|".
 std::string cellsOf(std::string_view text)
 {
