@@ -1,6 +1,7 @@
 #include "spreadsheet/files/exchange/number_formats.h"
 
 #include "spreadsheet/display/cell_types.h"
+#include "spreadsheet/display/number_format_code.h"
 #include "text/ascii.h"
 
 #include <algorithm>
@@ -176,6 +177,22 @@ std::uint8_t decimalsOf(std::string_view code)
     return static_cast<std::uint8_t>(std::min<std::size_t>(end - point - 1, 15));
 }
 
+/// What stands in a file for a piece such as "[Red]" of a code.
+std::string exportedBracket(const std::string& piece, const std::string& code, Warnings& warnings)
+{
+    if (piece == "[万元]") {
+        warnings.add("数字格式“" + code + "”的万元显示没有写出，文件中的数按元显示");
+        return {};
+    }
+    if (piece == "[人民币大写]") {
+        warnings.add("数字格式“" + code + "”的人民币大写写为中文大写数字，没有元角分");
+        return "[DBNum2][$-804]General";
+    }
+    if (!piece.ends_with(']'))
+        return piece;
+    return "[" + std::string(englishColourName(std::string_view(piece).substr(1, piece.size() - 2))) + "]";
+}
+
 } // namespace
 
 std::string_view builtInFormatCode(int number)
@@ -214,6 +231,24 @@ std::string formatCodeOf(const CellStyle& style)
         return std::string(style.numberFormat.view());
     const std::string code = formatCodeOfType(style);
     return code.empty() ? std::string(general) : code;
+}
+
+std::string exportedFormatCode(const CellStyle& style, Warnings& warnings)
+{
+    const std::string code = formatCodeOf(style);
+    std::string exported;
+    for (std::size_t i = 0; i < code.size();) {
+        const bool isEscape = code[i] == '\\' || code[i] == '!' || code[i] == '_' || code[i] == '*';
+        std::size_t size = isEscape ? 2 : 1;
+        if (code[i] == '"' || code[i] == '[') {
+            const std::size_t end = code.find(code[i] == '"' ? '"' : ']', i + 1);
+            size = end == code.npos ? end : end + 1 - i;
+        }
+        const std::string piece = code.substr(i, size);
+        exported += code[i] == '[' ? exportedBracket(piece, code, warnings) : piece;
+        i += piece.size();
+    }
+    return exported;
 }
 
 } // namespace spreadsheet

@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/display/CellStyle.h"
+#include "spreadsheet/files/exchange/Warnings.h"
 
 #include <optional>
 #include <string>
@@ -20,5 +21,9 @@ void applyFormatCode(std::string_view code, CellStyle& style);
 
 /// The code that shows a number as the style does.
 std::string formatCodeOf(const CellStyle& style);
+
+/// The same as other programs understand it: what only this one knows gives way to what is nearest, and a
+/// warning names the format.
+std::string exportedFormatCode(const CellStyle& style, Warnings& warnings);
 
 } // namespace spreadsheet

@@ -68,7 +68,7 @@ unsigned XlsStyles::font(const CellStyle& style)
 
 unsigned XlsStyles::format(const CellStyle& style)
 {
-    const std::string code = formatCodeOf(style);
+    const std::string code = exportedFormatCode(style, m_warnings);
     if (const auto number = builtInFormatNumber(code))
         return static_cast<unsigned>(*number);
     auto found = std::ranges::find(m_formats, code);

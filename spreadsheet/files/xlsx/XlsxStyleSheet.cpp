@@ -123,7 +123,7 @@ std::uint32_t XlsxStyleSheet::cellFormat(std::uint32_t style)
 std::uint32_t XlsxStyleSheet::numberFormat(const CellStyle& style)
 {
     constexpr std::uint32_t firstOwn = 164;
-    const std::string code = formatCodeOf(style);
+    const std::string code = exportedFormatCode(style, m_warnings);
     if (const auto builtIn = builtInFormatNumber(code))
         return static_cast<std::uint32_t>(*builtIn);
     const auto [entry, isFresh] =

@@ -11,6 +11,31 @@
 namespace spreadsheet {
 namespace {
 
+/// A code that another program does not know makes it refuse the whole file.
+TEST(NumberFormats, OnlyWhatOtherProgramsKnowIsWritten)
+{
+    const struct {
+        const char *code, *written;
+        std::size_t warnings;
+    } cases[] = {
+        {"[万元]#,##0.00;[Red][万元]-#,##0.00", "#,##0.00;[Red]-#,##0.00", 1},
+        {"\"人民币\"[人民币大写]", "\"人民币\"[DBNum2][$-804]General", 1},
+        {"[红色]0;[蓝色]-0", "[Red]0;[Blue]-0", 0},
+        {"0\"[万元]\";\\[万元\\]0", "0\"[万元]\";\\[万元\\]0", 0},
+        {"[>100][$-804]0;_(0_);[h]:mm", "[>100][$-804]0;_(0_);[h]:mm", 0},
+        {"0\"unclosed", "0\"unclosed", 0},
+        {"0[unclosed", "0[unclosed", 0},
+        {"0\\", "0\\", 0},
+    };
+    for (const auto& c : cases) {
+        Warnings warnings;
+        CellStyle style;
+        style.numberFormat = Text(c.code);
+        EXPECT_EQ(exportedFormatCode(style, warnings), c.written);
+        EXPECT_EQ(warnings.texts().size(), c.warnings) << c.code;
+    }
+}
+
 TEST(NumberFormats, CodesBecomeTypesOrAreKept)
 {
     const struct {
