@@ -22,6 +22,7 @@
 #include "windows/formatting/frmDataType.h"
 #include "windows/formatting/frmDropDownEntries.h"
 #include "windows/formatting/frmLineSize.h"
+#include "windows/formatting/frmNumberFormat.h"
 #include "windows/formulas/frmCoverage.h"
 #include "windows/formulas/frmFunction.h"
 #include "windows/formulas/frmFunctionInput.h"
@@ -183,6 +184,7 @@ std::vector<Picture> pictures(const QDir& folder)
         {"frmDropDownEntries", [] { return std::make_unique<frmDropDownEntries>(emptyGrid()); }},
         {"frmButtonCaption", [] { return std::make_unique<frmButtonCaption>(emptyGrid()); }},
         {"frmLineSize", [] { return std::make_unique<frmLineSize>(emptyGrid(), frmLineSize::Lines::rows); }},
+        {"frmNumberFormat", [] { return std::make_unique<frmNumberFormat>(emptyGrid()); }},
         {"formats", test::formatsPage, {1000, 620}},
         {"frmHost", [] { return std::make_unique<frmHost>(frmHost::Operations{}); }},
         {"frmRunParameters", [] { return std::make_unique<frmRunParameters>(); }},

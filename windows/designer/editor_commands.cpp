@@ -10,6 +10,7 @@
 #include "windows/formatting/frmButtonCaption.h"
 #include "windows/formatting/frmDropDownEntries.h"
 #include "windows/formatting/frmLineSize.h"
+#include "windows/formatting/frmNumberFormat.h"
 #include "windows/printing/frmPrintOptions.h"
 
 namespace selfreport {
@@ -160,6 +161,9 @@ constexpr EditorCommand editCommands[] = {
     {"MenuReplace", "替换", [](Window w) { w.find(true); }, "Ctrl+H"},
     {"MenuGoTo", "定位", [](Window w) { frmGoTo(w.fps1(), &w).exec(); }, "F5"},
     separator,
+    {"MenuNumberFormat", "数字格式…", dialog<frmNumberFormat>, "Ctrl+1"},
+    {"MenuThousands", "千分位", onGrid<toggleThousands>},
+    separator,
     {.submenu = &fillMenu},
     {.submenu = &lookMenu},
     {.submenu = &lineMenu},
@@ -207,6 +211,8 @@ constexpr EditorButton buttons[] = {
     {"Left", "左对齐", "left", "MenuLeft", nullptr, true},
     {"Middle", "居中", "middle", "MenuMiddle", nullptr, true},
     {"Right", "右对齐", "right", "MenuRight", nullptr, true},
+    gap,
+    {"Thousands", "千分位", "thousands", "MenuThousands", nullptr, true},
 };
 
 } // namespace

@@ -13,6 +13,7 @@
 #include "windows/designer/FailedFetchBar.h"
 #include "windows/designer/FormulaBox.h"
 #include "windows/formatting/cell_commands.h"
+#include "windows/formatting/number_format_choice.h"
 #include "windows/icons/own_icon.h"
 
 #include <QComboBox>
@@ -55,7 +56,7 @@ constexpr int firstSize = 5; // points
 constexpr int lastSize = 72;
 
 /// The buttons that show how the entered cell looks.
-constexpr const char* lookButtons[] = {"Bold", "Italic", "Left", "Middle", "Right"};
+constexpr const char* lookButtons[] = {"Bold", "Italic", "Left", "Middle", "Right", "Thousands"};
 
 } // namespace
 
@@ -232,6 +233,7 @@ void frmEditor::showCellLooks()
     press("Middle", style.horizontal == HorizontalAlignment::centre);
     press("Bold", font.bold);
     press("Italic", font.italic);
+    press("Thousands", groupsThousands(style));
 }
 
 void frmEditor::connectGrid()

@@ -2,6 +2,7 @@
 
 #include "platform/services/ColourDialog.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "windows/formatting/number_format_choice.h"
 
 #include <algorithm>
 #include <map>
@@ -159,6 +160,17 @@ void setFontSize(SpreadsheetControl& grid, int points)
     changeCells(grid, "字号", [=](CellStyle& style) { style.font.points = static_cast<float>(points); });
 }
 
+void setNumberFormat(SpreadsheetControl& grid, const std::string& code)
+{
+    changeCells(grid, "数字格式", [&](CellStyle& style) { style.numberFormat = Text(code); });
+}
+
+void toggleThousands(SpreadsheetControl& grid)
+{
+    const bool isGrouped = groupsThousands(grid.cells().sheet().style(grid.cursor().activeCell()));
+    changeCells(grid, "千分位", [=](CellStyle& style) { groupThousands(style, !isGrouped); });
+}
+
 void chooseForeColour(SpreadsheetControl& grid)
 {
     if (isReadOnly(grid))
@@ -218,6 +230,7 @@ void setCellType(SpreadsheetControl& grid, CellAddress cell, spreadsheet::CellTy
         grid.cells().changeStyle(cells, [&](CellStyle& style) {
             style.type = type;
             style.decimals = decimals.value_or(style.decimals);
+            style.numberFormat = {};
         });
         retag(grid.cells().sheet(), cells);
     }

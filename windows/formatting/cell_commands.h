@@ -37,6 +37,12 @@ void setFontName(spreadsheet::SpreadsheetControl& grid, const std::string& name)
 /// @param points  5 to 72
 void setFontSize(spreadsheet::SpreadsheetControl& grid, int points);
 
+/// Whatever the types of the cells are, this code shows their values from now on; "": the types do. What
+/// other reports get of the cells stays.
+void setNumberFormat(spreadsheet::SpreadsheetControl& grid, const std::string& code);
+/// Puts commas between the thousands of the target's figures; if the active cell has them, takes them away.
+void toggleThousands(spreadsheet::SpreadsheetControl& grid);
+
 /// Asks for a colour, black at first, and gives it to texts or backgrounds. Cancelled: nothing changes.
 void chooseForeColour(spreadsheet::SpreadsheetControl& grid);
 void chooseBackColour(spreadsheet::SpreadsheetControl& grid);
@@ -51,7 +57,8 @@ void unmergeCells(spreadsheet::SpreadsheetControl& grid);
 
 // Of the dialogs: without a block they work on the cell for which the dialog was opened.
 
-/// A tag that is not empty keeps a cell's type while formulas are shown, and gets the new one.
+/// The type shows the cells, so a number format code goes. A tag that is not empty keeps a cell's type while
+/// formulas are shown, and gets the new one.
 /// @param decimals  0 to 15; nothing: they stay
 void setCellType(spreadsheet::SpreadsheetControl& grid, spreadsheet::CellAddress cell,
                  spreadsheet::CellType type, std::optional<std::uint8_t> decimals);
