@@ -17,6 +17,7 @@
 #include "windows/designer/frmFind.h"
 #include "windows/designer/frmGoTo.h"
 #include "windows/designer/frmTableInfo.h"
+#include "windows/formatting/frmBorders.h"
 #include "windows/formatting/frmButtonCaption.h"
 #include "windows/formatting/frmCellBorder.h"
 #include "windows/formatting/frmDataType.h"
@@ -181,6 +182,7 @@ std::vector<Picture> pictures(const QDir& folder)
          [] {
              return std::make_unique<frmCellBorder>(emptyGrid(), spreadsheet::CellAddress{1, 1});
          }},
+        {"frmBorders", [] { return std::make_unique<frmBorders>(emptyGrid()); }},
         {"frmDropDownEntries", [] { return std::make_unique<frmDropDownEntries>(emptyGrid()); }},
         {"frmButtonCaption", [] { return std::make_unique<frmButtonCaption>(emptyGrid()); }},
         {"frmLineSize", [] { return std::make_unique<frmLineSize>(emptyGrid(), frmLineSize::Lines::rows); }},

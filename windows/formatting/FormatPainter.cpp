@@ -26,20 +26,19 @@ long long cellsOf(const CellRange& range)
     return static_cast<long long>(range.columns()) * range.rows();
 }
 
-CellRange selected(const SpreadsheetControl& grid)
-{
-    return grid.cursor().isBlockSelected() ? grid.cursor().selectedBlock() : grid.cursor().firstRange();
-}
-
 } // namespace
 
 void FormatPainter::start(SpreadsheetControl& grid)
 {
     if (stop(grid))
         return;
-    if (grid.mode() == spreadsheet::GridMode::run || !grid.entry().commit())
+    if (grid.refuseInRun() || !grid.entry().commit())
         return;
-    const CellRange source = selected(grid);
+    if (grid.cursor().selection().size() > 1) {
+        Q_EMIT grid.refused(QStringLiteral("不能对多个选定区域使用此命令"));
+        return;
+    }
+    const CellRange source = grid.cursor().firstRange();
     const auto& settings = grid.cells().sheet().settings();
     const bool lines =
         source.bottom - source.top + 1 >= settings.rowCount || source.columns() >= settings.columnCount;
@@ -119,33 +118,51 @@ void FormatPainter::paint()
 {
     if (m_ended)
         return;
-    CellRange goal = selected(m_grid);
-    const auto& settings = m_grid.cells().shownSheet().settings();
-    if (!m_grid.cursor().isBlockSelected()) { // from one cell on as much as was taken up
-        goal.right = std::min(std::max(goal.right, goal.left + m_columns - 1), settings.columnCount);
-        goal.bottom = std::min(std::max(goal.bottom, goal.top + m_rows - 1), settings.rowCount);
-    }
+    const std::vector<CellRange> goals = this->goals();
     end();
-    const bool byColumns = m_rows == 1, byRows = m_columns == 1;
-    if (!byColumns && !byRows && cellsOf(goal) > maxPaintedCells) {
+    const auto isTooLarge = [this](const CellRange& goal) {
+        return m_rows > 1 && m_columns > 1 && cellsOf(goal) > maxPaintedCells;
+    };
+    if (std::ranges::any_of(goals, isTooLarge)) {
         Q_EMIT m_grid.refused(QStringLiteral("选定的区域太大，不能用格式刷"));
         return;
     }
     m_grid.cells().setAddressedSheet(m_grid.cells().activeSheet());
     {
         const spreadsheet::UndoStep step(m_grid.cells().workbook(), "格式刷");
-        const int acrossStep = byRows ? goal.columns() : 1, downStep = byColumns ? goal.rows() : 1;
-        for (int row = goal.top; row <= goal.bottom; row += downStep) {
-            for (int column = goal.left; column <= goal.right; column += acrossStep) {
-                const int place = (row - goal.top) % m_rows * m_columns + (column - goal.left) % m_columns;
-                const CellStyle& look = m_styles[static_cast<std::size_t>(place)];
-                m_grid.cells().changeStyle({column, row, column + acrossStep - 1, row + downStep - 1},
-                                           [&look](CellStyle& style) { style = look; });
-            }
-        }
-        retag(m_grid.cells().sheet(), goal);
+        for (const CellRange& goal : goals)
+            paintOver(goal);
     }
     m_grid.afterEdit();
+}
+
+/// What is selected; of one cell alone as much as was taken up.
+std::vector<CellRange> FormatPainter::goals() const
+{
+    std::vector<CellRange> goals = m_grid.cursor().selection();
+    const auto& settings = m_grid.cells().shownSheet().settings();
+    if (!m_grid.cursor().isBlockSelected()) {
+        CellRange& goal = goals.front();
+        goal.right = std::min(std::max(goal.right, goal.left + m_columns - 1), settings.columnCount);
+        goal.bottom = std::min(std::max(goal.bottom, goal.top + m_rows - 1), settings.rowCount);
+    }
+    return goals;
+}
+
+void FormatPainter::paintOver(const CellRange& goal)
+{
+    const int acrossStep = m_columns == 1 ? goal.columns() : 1, downStep = m_rows == 1 ? goal.rows() : 1;
+    for (int row = goal.top; row <= goal.bottom; row += downStep) {
+        for (int column = goal.left; column <= goal.right; column += acrossStep) {
+            const int place = (row - goal.top) % m_rows * m_columns + (column - goal.left) % m_columns;
+            const CellStyle& look = m_styles[static_cast<std::size_t>(place)];
+            m_grid.cells().changeStyle({column, row, column + acrossStep - 1, row + downStep - 1},
+                                       [&look](CellStyle& style) { style = look; });
+        }
+    }
+    Sheet& sheet = m_grid.cells().sheet();
+    bringSides(m_grid.cells().workbook(), sheet, goal);
+    retag(sheet, goal);
 }
 
 void FormatPainter::end()

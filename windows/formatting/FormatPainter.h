@@ -30,6 +30,8 @@ private:
     FormatPainter(spreadsheet::SpreadsheetControl& grid, const spreadsheet::CellRange& source);
     void lift(const spreadsheet::CellRange& source);
     void paint();
+    void paintOver(const spreadsheet::CellRange& goal);
+    std::vector<spreadsheet::CellRange> goals() const;
     void end();
 
     spreadsheet::SpreadsheetControl& m_grid;

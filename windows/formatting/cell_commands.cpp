@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 #include <utility>
+#include <vector>
 
 namespace selfreport {
 
@@ -22,20 +23,24 @@ using spreadsheet::Text;
 
 namespace {
 
-bool isReadOnly(const SpreadsheetControl& grid)
+std::vector<CellRange> blocksOr(CellAddress cell, const SpreadsheetControl& grid)
 {
-    return grid.mode() == spreadsheet::GridMode::run;
+    if (grid.cursor().isBlockSelected())
+        return grid.cursor().selection();
+    return {{cell.column, cell.row, cell.column, cell.row}};
 }
 
-CellRange blockOr(CellAddress cell, const SpreadsheetControl& grid)
+std::vector<CellRange> targets(const SpreadsheetControl& grid)
 {
-    return grid.cursor().isBlockSelected() ? grid.cursor().selectedBlock()
-                                           : CellRange{cell.column, cell.row, cell.column, cell.row};
+    return blocksOr(grid.cursor().activeCell(), grid);
 }
 
-CellRange target(const SpreadsheetControl& grid)
+/// Lines go around a merged cell as a whole.
+std::vector<CellRange> framesOr(CellAddress cell, SpreadsheetControl& grid)
 {
-    return blockOr(grid.cursor().activeCell(), grid);
+    if (grid.cursor().isBlockSelected())
+        return grid.cursor().selection();
+    return {grid.cells().sheet().extent(cell)};
 }
 
 constexpr spreadsheet::Colour darkBlue = 0x000080;
@@ -46,41 +51,49 @@ std::optional<spreadsheet::Colour> chosenColour()
     return ColourDialogInUse::current().choose(black);
 }
 
-/// Gives the target's cells, or its columns if they are whole, what cells of this type show or offer.
+/// Gives a range's cells, or its columns if they are whole, what cells of their type show or offer.
+template <typename Entry>
+void putEntries(spreadsheet::SheetSettings& settings, const CellRange& cells,
+                const std::optional<Entry>& entry,
+                std::map<CellAddress, Entry> spreadsheet::SheetSettings::*entries)
+{
+    auto& all = settings.*entries;
+    const bool wholeColumns = cells.top == 1 && cells.bottom >= settings.rowCount;
+    const int first = wholeColumns ? 0 : cells.top, last = wholeColumns ? 0 : cells.bottom;
+    std::erase_if(all, [&](const auto& old) {
+        return cells.contains(old.first) ||
+               (wholeColumns && old.first.row == 0 && old.first.column >= cells.left &&
+                old.first.column <= cells.right);
+    });
+    for (int column = cells.left; entry && column <= cells.right; ++column)
+        for (int row = first; row <= last; ++row)
+            all.insert_or_assign({column, row}, *entry);
+}
+
 template <typename Entry>
 void putEntries(SpreadsheetControl& grid, const char* label, spreadsheet::CellType type,
                 const std::optional<Entry>& entry,
                 std::map<CellAddress, Entry> spreadsheet::SheetSettings::*entries)
 {
-    if (isReadOnly(grid))
+    if (grid.refuseInRun())
         return;
-    const CellRange cells = target(grid);
     {
         const spreadsheet::UndoStep step(grid.cells().workbook(), label);
         spreadsheet::Sheet& sheet = grid.cells().sheet();
-        if (entry)
-            grid.cells().changeStyle(cells, [type](CellStyle& style) { style.type = type; });
-        retag(sheet, cells);
-        const bool wholeColumns = cells.top == 1 && cells.bottom >= sheet.settings().rowCount;
-        sheet.changeSettings([&](spreadsheet::SheetSettings& settings) {
-            auto& all = settings.*entries;
-            const int first = wholeColumns ? 0 : cells.top, last = wholeColumns ? 0 : cells.bottom;
-            std::erase_if(all, [&](const auto& old) {
-                return cells.contains(old.first) ||
-                       (wholeColumns && old.first.row == 0 && old.first.column >= cells.left &&
-                        old.first.column <= cells.right);
-            });
-            for (int column = cells.left; entry && column <= cells.right; ++column)
-                for (int row = first; row <= last; ++row)
-                    all.insert_or_assign({column, row}, *entry);
-        });
+        for (const CellRange& cells : targets(grid)) {
+            if (entry)
+                grid.cells().changeStyle(cells, [type](CellStyle& style) { style.type = type; });
+            retag(sheet, cells);
+            sheet.changeSettings(
+                [&](spreadsheet::SheetSettings& settings) { putEntries(settings, cells, entry, entries); });
+        }
     }
     grid.afterEdit();
 }
 
 void resizeSelected(SpreadsheetControl& grid, spreadsheet::Axis axis, int twips)
 {
-    if (isReadOnly(grid))
+    if (grid.refuseInRun())
         return;
     resizeLines(grid.cells().workbook(), grid.cells().sheet(), axis, linesOf(grid.cursor().selection(), axis),
                 twips);
@@ -98,14 +111,14 @@ void structureChanged(SpreadsheetControl& grid)
 void changeCells(SpreadsheetControl& grid, const std::string& label,
                  const std::function<void(CellStyle&)>& change)
 {
-    if (isReadOnly(grid))
+    if (grid.refuseInRun())
         return;
-    const CellRange cells = target(grid);
+    const std::vector<CellRange> cells = targets(grid);
     {
         const spreadsheet::UndoStep step(grid.cells().workbook(), label);
-        grid.cells().changeStyle(cells, change);
+        grid.cells().changeStyleOfEach(cells, change);
     }
-    grid.cells().setCurrent(cells.right, cells.bottom);
+    grid.cells().setCurrent(cells.back().right, cells.back().bottom);
     grid.afterEdit();
 }
 
@@ -173,7 +186,7 @@ void toggleThousands(SpreadsheetControl& grid)
 
 void chooseForeColour(SpreadsheetControl& grid)
 {
-    if (isReadOnly(grid))
+    if (grid.refuseInRun())
         return;
     if (const auto colour = chosenColour())
         changeCells(grid, "前景色", [&](CellStyle& style) { style.foreground = *colour; });
@@ -181,7 +194,7 @@ void chooseForeColour(SpreadsheetControl& grid)
 
 void chooseBackColour(SpreadsheetControl& grid)
 {
-    if (isReadOnly(grid))
+    if (grid.refuseInRun())
         return;
     if (const auto colour = chosenColour())
         changeCells(grid, "背景色", [&](CellStyle& style) { style.background = *colour; });
@@ -189,20 +202,30 @@ void chooseBackColour(SpreadsheetControl& grid)
 
 void clearFormats(SpreadsheetControl& grid)
 {
-    changeCells(grid, "清除格式", [](CellStyle& style) {
-        CellStyle fresh;
-        fresh.type = style.type;
-        fresh.decimals = style.decimals;
-        fresh.locked = style.locked;
-        style = fresh;
-    });
+    if (grid.refuseInRun())
+        return;
+    const std::vector<CellRange> cells = targets(grid);
+    {
+        const spreadsheet::UndoStep step(grid.cells().workbook(), "清除格式");
+        grid.cells().drawBorders(framesOr(grid.cursor().activeCell(), grid),
+                                 spreadsheet::BorderLines::all({}));
+        grid.cells().changeStyleOfEach(cells, [](CellStyle& style) {
+            CellStyle fresh;
+            fresh.type = style.type;
+            fresh.decimals = style.decimals;
+            fresh.locked = style.locked;
+            style = fresh;
+        });
+    }
+    grid.cells().setCurrent(cells.back().right, cells.back().bottom);
+    grid.afterEdit();
 }
 
 Refusal mergeCells(SpreadsheetControl& grid)
 {
     const CellRange range = grid.cursor().firstRange();
     const auto meets = [&](const CellRange& span) { return span.intersects(range); };
-    if (isReadOnly(grid))
+    if (grid.mode() == spreadsheet::GridMode::run)
         return spreadsheet::inRunMode;
     if (std::ranges::any_of(grid.cells().sheet().settings().spans, meets))
         return "选定的区域中已有合并单元格，请先取消合并";
@@ -213,7 +236,7 @@ Refusal mergeCells(SpreadsheetControl& grid)
 
 void unmergeCells(SpreadsheetControl& grid)
 {
-    if (isReadOnly(grid))
+    if (grid.refuseInRun())
         return;
     grid.cells().removeSpans(grid.cursor().firstRange());
     structureChanged(grid);
@@ -222,19 +245,20 @@ void unmergeCells(SpreadsheetControl& grid)
 void setCellType(SpreadsheetControl& grid, CellAddress cell, spreadsheet::CellType type,
                  std::optional<std::uint8_t> decimals)
 {
-    if (isReadOnly(grid))
+    if (grid.refuseInRun())
         return;
-    const CellRange cells = blockOr(cell, grid);
+    const std::vector<CellRange> cells = blocksOr(cell, grid);
     {
         const spreadsheet::UndoStep step(grid.cells().workbook(), "数据类型");
-        grid.cells().changeStyle(cells, [&](CellStyle& style) {
+        grid.cells().changeStyleOfEach(cells, [&](CellStyle& style) {
             style.type = type;
             style.decimals = decimals.value_or(style.decimals);
             style.numberFormat = {};
         });
-        retag(grid.cells().sheet(), cells);
+        for (const CellRange& range : cells)
+            retag(grid.cells().sheet(), range);
     }
-    grid.cells().setCurrent(cells.right, cells.bottom);
+    grid.cells().setCurrent(cells.back().right, cells.back().bottom);
     grid.afterEdit();
 }
 
@@ -279,15 +303,27 @@ void setColumnWidths(SpreadsheetControl& grid, int twips)
 
 void drawBorders(SpreadsheetControl& grid, CellAddress cell, int sides, spreadsheet::LineStyle style)
 {
-    if (isReadOnly(grid))
+    if (grid.refuseInRun())
         return;
-    grid.cells().setBorder(blockOr(cell, grid), sides, darkBlue, style);
+    {
+        const spreadsheet::UndoStep step(grid.cells().workbook(), "边框");
+        for (const CellRange& range : framesOr(cell, grid))
+            grid.cells().setBorder(range, sides, darkBlue, style);
+    }
+    grid.afterEdit();
+}
+
+void drawBorders(SpreadsheetControl& grid, const spreadsheet::BorderLines& lines)
+{
+    if (grid.refuseInRun())
+        return;
+    grid.cells().drawBorders(framesOr(grid.cursor().activeCell(), grid), lines);
     grid.afterEdit();
 }
 
 Refusal insertRow(SpreadsheetControl& grid)
 {
-    if (isReadOnly(grid))
+    if (grid.mode() == spreadsheet::GridMode::run)
         return spreadsheet::inRunMode;
     if (auto why = grid.cells().insertRowsAt(grid.cursor().activeCell().row, 1))
         return why;
@@ -297,7 +333,7 @@ Refusal insertRow(SpreadsheetControl& grid)
 
 Refusal insertColumn(SpreadsheetControl& grid)
 {
-    if (isReadOnly(grid))
+    if (grid.mode() == spreadsheet::GridMode::run)
         return spreadsheet::inRunMode;
     if (auto why = grid.cells().insertColumnsAt(grid.cursor().activeCell().column, 1))
         return why;

@@ -10,15 +10,17 @@
 #include <string>
 
 namespace spreadsheet {
+struct BorderLines;
 class Sheet;
 class SpreadsheetControl;
 } // namespace spreadsheet
 
 namespace selfreport {
 
-// Commands on the looks and the structure of a grid's cells. Their target is the selected block by its bounds
-// or, without a block, the active cell; merging and unmerging take the first selection range. Each is one
-// undo step and leaves the grid's current position at the last cell treated. In run mode nothing happens.
+// Commands on the looks and the structure of a grid's cells. Their target are the selected cells, in however
+// many ranges they lie, or, without a block, the active cell; merging and unmerging take the first selection
+// range. Each is one undo step and leaves the grid's current position at the last cell treated. In run mode
+// nothing happens, which the grid's refused() tells.
 
 /// Changes each cell of the target by itself: a toggle inverts every cell of a mixed block.
 /// @param label  names the undo step
@@ -47,7 +49,7 @@ void toggleThousands(spreadsheet::SpreadsheetControl& grid);
 void chooseForeColour(spreadsheet::SpreadsheetControl& grid);
 void chooseBackColour(spreadsheet::SpreadsheetControl& grid);
 
-/// Looks of a fresh cell; contents and types stay.
+/// Looks of a fresh cell, without lines around it; contents and types stay.
 void clearFormats(spreadsheet::SpreadsheetControl& grid);
 
 /// Refused if one of the cells belongs to a span already.
@@ -74,9 +76,12 @@ void setButtonCaption(spreadsheet::SpreadsheetControl& grid, const QString& capt
 void setRowHeights(spreadsheet::SpreadsheetControl& grid, int twips);
 void setColumnWidths(spreadsheet::SpreadsheetControl& grid, int twips);
 
-/// @param sides  of spreadsheet::BorderSides
+/// In dark blue.
+/// @param sides  of every cell, of spreadsheet::BorderSides
 void drawBorders(spreadsheet::SpreadsheetControl& grid, spreadsheet::CellAddress cell, int sides,
                  spreadsheet::LineStyle style);
+/// In and around each of the selected ranges.
+void drawBorders(spreadsheet::SpreadsheetControl& grid, const spreadsheet::BorderLines& lines);
 
 /// One row before the active one; the sheet grows by it.
 spreadsheet::Refusal insertRow(spreadsheet::SpreadsheetControl& grid);

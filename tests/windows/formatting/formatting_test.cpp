@@ -6,6 +6,7 @@
 #include "spreadsheet/workbook/UndoJournal.h"
 #include "tests/platform/WindowTest.h"
 #include "windows/formatting/FormatPainter.h"
+#include "windows/formatting/frmBorders.h"
 #include "windows/formatting/frmButtonCaption.h"
 #include "windows/formatting/frmCellBorder.h"
 #include "windows/formatting/frmDataType.h"
@@ -69,6 +70,93 @@ TEST_F(Formatting, TogglesInvertEachCellOfABlock)
     }
 }
 
+/// B2:C3 and C3:D4, which have C3 in common, column F and a row across all.
+TEST_F(Formatting, SeveralRangesAreExactlyTheSelectedCells)
+{
+    grid.resize(900, 500);
+    show(grid);
+    const auto pick = [this](QPoint from, QPoint to, Qt::KeyboardModifiers modifiers) {
+        QTest::mousePress(&grid, Qt::LeftButton, modifiers, from);
+        QTest::mouseMove(&grid, to);
+        QTest::mouseRelease(&grid, Qt::LeftButton, modifiers, to);
+    };
+    const auto at = [this](int column, int row) { return grid.cellRect({column, row}).center(); };
+    const auto select = [&] {
+        pick(at(2, 2), at(3, 3), {});
+        pick(at(3, 3), at(4, 4), Qt::ControlModifier);
+        pick({at(6, 1).x(), 5}, {at(6, 1).x(), 5}, Qt::ControlModifier);
+        pick({5, at(1, 3).y()}, {5, at(1, 3).y()}, Qt::ControlModifier);
+    };
+    const auto isSelected = [](int column, int row) {
+        return (column >= 2 && column <= 3 && row >= 2 && row <= 3) ||
+               (column >= 3 && column <= 4 && row >= 3 && row <= 4) || column == 6 || row == 3;
+    };
+    ScriptedColourDialog colours;
+    const ColourDialogInUse inUse(colours);
+    colours.answers = {0x112233, 0x445566};
+    using Grid = spreadsheet::SpreadsheetControl&;
+    const struct {
+        const char* what;
+        std::function<void(Grid)> run;
+        bool (*isDone)(const CellStyle& style);
+    } commands[] = {
+        {"bold", toggleBold, [](const CellStyle& s) { return s.font.bold; }},
+        {"lock", toggleLock, [](const CellStyle& s) { return s.locked; }},
+        {"wrap", toggleWrap, [](const CellStyle& s) { return s.wrap; }},
+        {"centre", [](Grid g) { alignCells(g, spreadsheet::HorizontalAlignment::centre); },
+         [](const CellStyle& s) { return s.horizontal == spreadsheet::HorizontalAlignment::centre; }},
+        {"size", [](Grid g) { setFontSize(g, 16); }, [](const CellStyle& s) { return s.font.points == 16; }},
+        {"text colour", chooseForeColour, [](const CellStyle& s) { return s.foreground == 0x112233; }},
+        {"background", chooseBackColour, [](const CellStyle& s) { return s.background == 0x445566; }},
+        {"type",
+         [this](Grid g) {
+             frmDataType dialog(g, {9, 9});
+             choose(dialog, "PC_1", "百分比");
+             control<QPushButton>(dialog, "cmdXPOK").click();
+         },
+         [](const CellStyle& s) { return s.type == CellType::percent; }},
+        {"borders",
+         [this](Grid g) {
+             frmCellBorder dialog(g, {9, 9});
+             choose(dialog, "PC_1", "全部");
+             control<QPushButton>(dialog, "cmdXPOK").click();
+         },
+         [](const CellStyle& s) {
+             return s.left.style == LineStyle::solid && s.top.style == LineStyle::solid &&
+                    s.right.style == LineStyle::solid && s.bottom.style == LineStyle::solid;
+         }},
+        {"entries",
+         [](Grid g) {
+             setDropDownEntries(g, {"是", "否"});
+         },
+         [](const CellStyle& s) { return s.type == CellType::dropDown; }},
+    };
+    for (const auto& [what, run, isDone] : commands) {
+        grid.cells().setWorkbook(nullptr);
+        select();
+        const std::size_t steps = grid.cells().workbook().journal().steps();
+        run(grid);
+        for (const int row : {1, 2, 3, 4, 5, 499})
+            for (const int column : {1, 2, 3, 4, 5, 6, 7, 50})
+                EXPECT_EQ(isDone(style(column, row)), isSelected(column, row))
+                    << what << " " << spreadsheet::cellName({column, row});
+        EXPECT_EQ(grid.cells().workbook().journal().steps(), steps + 1) << what;
+        EXPECT_LE(grid.cells().sheet().storedColumns(), 7) << what << ": whole lines take no cells";
+    }
+    clearFormats(grid);
+    EXPECT_EQ(style(3, 3).type, CellType::dropDown);
+    grid.cells().setText(2, 2, "外");
+    grid.cells().setText(4, 2, "外");
+    grid.cells().setText(5, 5, "内");
+    grid.cursor().select({2, 2, 2, 2});
+    pick(at(5, 5), at(5, 5), Qt::ControlModifier);
+    EXPECT_FALSE(mergeCells(grid)); // the first range alone
+    EXPECT_EQ(grid.cells().sheet().settings().spans, (std::vector<CellRange>{{2, 2, 2, 2}}));
+    unmergeCells(grid);
+    grid.commands().clear();
+    EXPECT_EQ(grid.cells().text(2, 2) + grid.cells().text(4, 2) + grid.cells().text(5, 5), "外");
+}
+
 TEST_F(Formatting, SetsAndColours)
 {
     ScriptedColourDialog colours;
@@ -93,8 +181,11 @@ TEST_F(Formatting, SetsAndColours)
         EXPECT_EQ(cell.foreground, 0x112233u);
         EXPECT_EQ(cell.background, 0x445566u);
     }
+    grid.cells().setBorder({3, 1, 3, 3}, spreadsheet::allSides, 0, LineStyle::solid);
     clearFormats(grid);
     EXPECT_EQ(style(1, 1), CellStyle());
+    EXPECT_EQ(style(3, 2).left, spreadsheet::BorderLine()) << "the edge that it shares with what is cleared";
+    EXPECT_EQ(style(3, 2).right.style, LineStyle::solid);
 }
 
 TEST_F(Formatting, MergingAndUnmerging)
@@ -314,6 +405,55 @@ TEST_F(Formatting, Borders)
     EXPECT_EQ(style(1, 1).left.style, LineStyle::none);
     EXPECT_EQ(style(1, 1).top, line);
     EXPECT_EQ(control<QComboBox>(left, "PC_0").count(), 12);
+    grid.cells().addSpan({4, 4, 5, 5});
+    grid.cursor().setActiveCell(4, 4);
+    frmCellBorder merged(grid, {4, 4});
+    control<QPushButton>(merged, "cmdXPOK").click();
+    EXPECT_EQ(style(6, 5).left, line) << "around the whole of it";
+}
+
+/// What the cells D4:E5 have then, from the top left clockwise, each as left, top, right, bottom by the
+/// numbers of the line styles.
+TEST_F(Formatting, LinesAroundBetweenAllAndNone)
+{
+    ScriptedColourDialog colours;
+    const ColourDialogInUse inUse(colours);
+    colours.answers = {0x112233};
+    const struct {
+        const char *edges, *line;
+        std::string sides;
+    } steps[] = {
+        {"外边框", "普通线", "11--|-11-|--11|1--1"},
+        {"内部", "粗线", "11CC|C11C|CC11|1CC1"},
+        {"全部", "双线", "DDDD|DDDD|DDDD|DDDD"},
+        {"无", nullptr, "----|----|----|----"},
+    };
+    for (const auto& [edges, line, sides] : steps) {
+        grid.cursor().select({4, 4, 5, 5});
+        frmBorders dialog(grid);
+        choose(dialog, "edges", edges);
+        EXPECT_EQ(control<QComboBox>(dialog, "line").isEnabled(), line != nullptr);
+        if (line)
+            choose(dialog, "line", line);
+        if (edges == std::string("全部"))
+            control<QPushButton>(dialog, "colour").click();
+        control<QPushButton>(dialog, "cmdXPOK").click();
+        std::string shown;
+        for (const auto& [column, row] : {std::pair(4, 4), {5, 4}, {5, 5}, {4, 5}}) {
+            const CellStyle& cell = style(column, row);
+            shown += shown.empty() ? "" : "|";
+            for (const spreadsheet::BorderLine& side : {cell.left, cell.top, cell.right, cell.bottom})
+                shown += side.style == LineStyle::none ? '-' : "0123456789ABCD"[static_cast<int>(side.style)];
+        }
+        EXPECT_EQ(shown, sides) << edges;
+        if (edges == std::string("全部")) {
+            EXPECT_EQ(style(6, 4).left, (spreadsheet::BorderLine{LineStyle::doubled, 0x112233}));
+            grid.commands().undo(); // one step
+            EXPECT_EQ(style(4, 4).left.style, LineStyle::solid);
+            EXPECT_EQ(style(6, 4).left, style(5, 4).right);
+        }
+    }
+    EXPECT_EQ(style(6, 4).left.style, LineStyle::none);
 }
 
 } // namespace
