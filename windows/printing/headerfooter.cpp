@@ -101,6 +101,7 @@ void headerfooter::InitSpread()
 {
     layOutHeaderSheet(fpSpread1->cells().sheet());
     fpSpread1->setSheetTabsShown(false);
+    fpSpread1->setCommandsOffered(false);     // the stored texts are lost by a key too easily
     fpSpread1->setHeadingsShown(true, false); // the lines have names of their own
     fpSpread1->setColumnHeadings({"Left Justify", "", "Center", "", "Right Justify", ""});
     fpSpread1->showChanges();

@@ -4,6 +4,7 @@
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/windows/printing/PrintingTest.h"
 
+#include <QClipboard>
 #include <QRadioButton>
 
 namespace selfreport {
@@ -164,6 +165,44 @@ TEST_F(HeaderFooter, APageNumberPaintsItsLineAndNeighboursOnly)
     const std::uint64_t painted = spread(window).view().paintedCells() - before;
     EXPECT_GE(painted, columns);
     EXPECT_LE(painted, 5 * columns) << "borders reach two lines far";
+}
+
+/// Whatever is selected, and whatever a window full of texts would do with the key elsewhere.
+TEST_F(HeaderFooter, CommandKeysDestroyNothing)
+{
+    headerfooter window(grid);
+    show(window);
+    QApplication::clipboard()->setText("弄坏");
+    const Qt::KeyboardModifiers none = Qt::NoModifier, ctrl = Qt::ControlModifier, shift = Qt::ShiftModifier,
+                                alt = Qt::AltModifier;
+    const std::pair<Qt::Key, Qt::KeyboardModifiers> keys[]{
+        {Qt::Key_F11, shift},   {Qt::Key_Minus, ctrl},     {Qt::Key_Plus, ctrl},
+        {Qt::Key_Delete, none}, {Qt::Key_Delete, shift},   {Qt::Key_X, ctrl},
+        {Qt::Key_V, ctrl},      {Qt::Key_V, ctrl | shift}, {Qt::Key_Insert, shift},
+        {Qt::Key_Z, ctrl},      {Qt::Key_Y, ctrl},         {Qt::Key_Z, ctrl | shift},
+        {Qt::Key_D, ctrl},      {Qt::Key_R, ctrl},         {Qt::Key_9, ctrl},
+        {Qt::Key_0, ctrl},      {Qt::Key_Equal, alt},      {Qt::Key_ParenLeft, ctrl | shift}};
+    const auto state = [&] {
+        spreadsheet::Workbook& book = spread(window).cells().workbook();
+        return std::to_string(book.sheetCount()) + " " + text(window, 3, 1) + " " + text(window, 2, 9) + " " +
+               std::to_string(book.revision());
+    };
+    const std::string before = state();
+    for (const spreadsheet::CellRange& selected :
+         {spreadsheet::CellRange{3, 1, 3, 1}, {1, 1, 6, 2}, {1, 1, 6, 9}, {3, 1, 3, 9}})
+        for (const auto& [key, modifiers] : keys) {
+            spread(window).cursor().select(selected);
+            spread(window).setFocus();
+            QTest::keyClick(&spread(window), key, modifiers);
+            EXPECT_EQ(state(), before) << QKeySequence(key | modifiers).toString().toStdString();
+            EXPECT_FALSE(spread(window).entry().isOpen());
+        }
+    spread(window).cursor().select({1, 2, 6, 3});
+    QTest::keyClick(&spread(window), 'x');
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(text(window, 1, 2) + text(window, 2, 3) + text(window, 3, 3), "x...") << "its own cell only";
+    click(window, "cmdXPOK");
+    EXPECT_EQ(gHeaderText, plain + "/c利润表/n" + plain + "/lx/n");
 }
 
 TEST_F(HeaderFooter, ClearEmptiesTheGridsHeaderOnly)
