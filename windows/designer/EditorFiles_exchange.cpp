@@ -150,6 +150,10 @@ void EditorFiles::importIntoReport()
 
 void EditorFiles::importFile(const FileDialogSettings& settings)
 {
+    if (m_context.report.isRun) {
+        m_context.database.tell(Icon::exclamation, "报表在运行状态，不能引入文件。");
+        return;
+    }
     const auto file = FileDialogInUse::current().chooseToOpen(settings);
     if (!file || !m_grid.entry().commit())
         return;

@@ -7,6 +7,7 @@
 #include "windows/designer/frmGoTo.h"
 #include "windows/formatting/cell_commands.h"
 #include "windows/formatting/FormatPainter.h"
+#include "windows/formatting/frmBorders.h"
 #include "windows/formatting/frmButtonCaption.h"
 #include "windows/formatting/frmDropDownEntries.h"
 #include "windows/formatting/frmLineSize.h"
@@ -24,6 +25,12 @@ using Window = frmEditor&;
 
 constexpr EditorCommand separator{};
 
+/// A separator before a group that is a menu of its own where the right button asks for one.
+constexpr EditorCommand groupOf(const char* caption)
+{
+    return {.caption = caption};
+}
+
 using Horizontal = spreadsheet::HorizontalAlignment;
 using Vertical = spreadsheet::VerticalAlignment;
 
@@ -31,7 +38,7 @@ template <void command(spreadsheet::SpreadsheetControl&)>
 void onGrid(frmEditor& window)
 {
     command(window.fps1());
-    window.enterCell();
+    window.showCellLooks();
 }
 
 template <spreadsheet::Refusal command(spreadsheet::SpreadsheetControl&)>
@@ -42,9 +49,12 @@ void onGrid(frmEditor& window)
     window.tell(refused);
 }
 
+/// Of a dialog that changes cells.
 template <class Dialog, auto... arguments>
 void dialog(frmEditor& window)
 {
+    if (window.fps1().refuseInRun())
+        return;
     Dialog(window.fps1(), arguments..., &window).exec();
     window.enterCell();
 }
@@ -53,7 +63,7 @@ template <auto alignment>
 void align(frmEditor& window)
 {
     alignCells(window.fps1(), alignment);
-    window.enterCell();
+    window.showCellLooks();
 }
 
 constexpr EditorCommand fileCommands[] = {
@@ -91,6 +101,7 @@ constexpr EditorCommand lookCommands[] = {
     {"MenuUnderline", "下划线", onGrid<toggleUnderline>},
     {"MenuStrikeOut", "删除线", onGrid<toggleStrikeOut>},
     {"MenuWrap", "自动换行", onGrid<toggleWrap>},
+    {"MenuBorders", "边框…", dialog<frmBorders>},
     {"MenuClearFormats", "清除格式", onGrid<clearFormats>},
     {"MenuFormatPainter", "格式刷", onGrid<FormatPainter::start>},
     separator,
@@ -119,48 +130,49 @@ constexpr EditorMenu lookMenu{"MenuLooks", "字体和格式", lookCommands};
 constexpr EditorMenu lineMenu{"MenuLines", "行和列", lineCommands};
 
 constexpr EditorCommand editCommands[] = {
+    groupOf("插入单元格"),
     {"MenuHInsertCell", "模向插入单元格"},
     {"MenuVInsertCell", "纵向插入单元格"},
-    separator,
+    groupOf("删除单元格"),
     {"MenuHDelCell", "横向删除单元格"},
     {"MenuVDelCell", "纵向删除单元格"},
-    separator,
+    groupOf("整行整列"),
     {"MenuInsertRow", "整行插入", [](Window w) { w.MenuInsertRow_Click(); }},
     {"MenuInsertCol", "整列插入", [](Window w) { w.MenuInsertCol_Click(); }},
-    separator,
+    groupOf("字形"),
     {"MenuBold", "粗体", onGrid<toggleBold>},
     {"MenuItalic", "斜体", onGrid<toggleItalic>},
-    separator,
+    groupOf("对齐"),
     {"MenuLeft", "左对齐", align<Horizontal::left>},
     {"MenuMiddle", "居中", align<Horizontal::centre>},
     {"MenuRight", "右对齐", align<Horizontal::right>},
     {"MenuVTop", "对齐顶端", align<Vertical::top>},
     {"MenuVMiddle", "垂直居中", align<Vertical::centre>},
     {"MenuVBottom", "对齐底端", align<Vertical::bottom>},
-    separator,
+    groupOf("合并"),
     {"MenuCellSpan", "单元格合并", onGrid<mergeCells>},
     {"MenuUnCellSpan", "单元格合并取消", onGrid<unmergeCells>},
-    separator,
+    groupOf("颜色、类型和边框"),
     {"MenuForeColor", "前景色", onGrid<chooseForeColour>},
     {"MenuBackColor", "背景色", onGrid<chooseBackColour>},
     {"MenuLock", "锁定/解锁", onGrid<toggleLock>},
     {"MenuSetTableInfo", "设置表格信息", [](Window w) { w.MenuSetTableInfo_Click(); }},
     {"MenuDataType", "设置数据类型", [](Window w) { w.MenuDataType_Click(); }},
     {"MenuCellBorder", "设置边框", [](Window w) { w.MenuCellBorder_Click(); }},
-    separator,
+    groupOf("撤消和恢复"),
     {"MenuUndo", "撤消\tCtrl+Z", [](Window w) { w.fps1().commands().undo(); }},
     {"MenuRedo", "恢复\tCtrl+Y", [](Window w) { w.fps1().commands().redo(); }},
-    separator,
+    groupOf("剪贴板"),
     {"MenuCut", "剪切\tCtrl+X", [](Window w) { w.fps1().commands().cut(); }},
     {"MenuCopy", "复制\tCtrl+C", [](Window w) { w.fps1().commands().copy(); }},
     {"MenuPaste", "粘贴\tCtrl+V", [](Window w) { w.fps1().commands().paste(); }},
     {"MenuPasteValues", "粘贴数值\tCtrl+Shift+V", [](Window w) { w.fps1().commands().pasteValues(); }},
     {"MenuClear", "清除内容\tDel", [](Window w) { w.fps1().commands().clear(); }},
-    separator,
+    groupOf("查找和定位"),
     {"MenuFind", "查找", [](Window w) { w.find(false); }, "Ctrl+F"},
     {"MenuReplace", "替换", [](Window w) { w.find(true); }, "Ctrl+H"},
     {"MenuGoTo", "定位", [](Window w) { frmGoTo(w.fps1(), &w).exec(); }, "F5"},
-    separator,
+    groupOf("数字格式"),
     {"MenuNumberFormat", "数字格式…", dialog<frmNumberFormat>, "Ctrl+1"},
     {"MenuThousands", "千分位", onGrid<toggleThousands>},
     separator,
@@ -213,6 +225,7 @@ constexpr EditorButton buttons[] = {
     {"Right", "右对齐", "right", "MenuRight", nullptr, true},
     gap,
     {"Thousands", "千分位", "thousands", "MenuThousands", nullptr, true},
+    {"Borders", "边框", "borders", "MenuBorders"},
 };
 
 } // namespace

@@ -11,7 +11,8 @@ class frmEditor;
 
 struct EditorMenu;
 
-/// An entry of the designer's menus, a menu below it, entries from a table, or a separator (none of them).
+/// An entry of the designer's menus, a menu below it, entries from a table, or a separator (none of them, but
+/// a caption for the group behind it).
 struct EditorCommand {
     const char* name = nullptr;               ///< object name of the action
     const char* caption = nullptr;            ///< behind a tab: the key by which the grid does it itself
@@ -41,8 +42,8 @@ struct EditorButton {
     bool checkable = false;
 };
 
-/// The toolbar's buttons. Counted from 1 with the separators Bold, Italic, Left, Middle and Right are 12, 13,
-/// 15, 16 and 17.
+/// The toolbar's buttons, further ones behind a last separator. Counted from 1 with the separators Bold,
+/// Italic, Left, Middle and Right are 12, 13, 15, 16 and 17.
 std::span<const EditorButton> editorButtons();
 
 } // namespace selfreport

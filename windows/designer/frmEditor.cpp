@@ -225,12 +225,16 @@ void frmEditor::MenuInsertCol_Click()
 
 void frmEditor::MenuDataType_Click()
 {
+    if (m_fps1->refuseInRun())
+        return;
     keepCell();
     frmDataType(*m_fps1, keptCell(), this).exec();
 }
 
 void frmEditor::MenuCellBorder_Click()
 {
+    if (m_fps1->refuseInRun())
+        return;
     keepCell();
     frmCellBorder(*m_fps1, keptCell(), this).exec();
 }
@@ -256,6 +260,10 @@ void frmEditor::find(bool replacing)
 
 void frmEditor::MenuSetTableInfo_Click()
 {
+    if (m_context.report.isRun) {
+        m_context.database.tell(Icon::exclamation, "报表在运行状态，不能设置表格信息。");
+        return;
+    }
     m_context.activeSheet = static_cast<std::int16_t>(m_fps1->cells().activeSheet());
     frmTableInfo(m_context, m_fps1->cells(), this).exec();
     m_fps1->showChanges();

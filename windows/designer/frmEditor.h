@@ -72,6 +72,9 @@ public:
 
     /// Brings formula box, caption, lists, buttons and status bar in line with the active cell.
     void enterCell();
+    /// Brings lists and buttons alone in line with it: of a command that was refused they show nothing, and
+    /// its reason stays in the status bar.
+    void showCellLooks();
 
     void tell(const spreadsheet::Refusal& refusal); ///< in the status bar
     /// The one way out, whatever closes the window. It stays open, once, if what is typed is no formula or
@@ -97,6 +100,7 @@ private:
                        bool whileTyping = false);
     QAction* actionOf(const EditorCommand& command);
     void fillMenu(QMenu& shown, const EditorMenu& menu);
+    QMenu* newPopup(const EditorMenu& menu);
 
     // Start-up, in this order
     void initForm();
@@ -108,7 +112,6 @@ private:
     void fps1_LeaveCell(int column, int row, int newColumn, int newRow, bool& cancel);
     void keepCell();
     spreadsheet::CellAddress keptCell() const;
-    void showCellLooks();
 
     ReportContext& m_context;
     spreadsheet::SpreadsheetControl* m_fps1;
@@ -118,7 +121,7 @@ private:
     QLineEdit* m_txtReportName = nullptr;
     QLineEdit* m_txtFormula = nullptr;
     QLabel* m_label1 = nullptr;
-    QMenu* m_menuEdit = nullptr;
+    QMenu* m_popup = nullptr; ///< of the grid's right button
     DiagnosticsPanel* m_diagnostics = nullptr;
     FailedFetchBar* m_failedFetches = nullptr;
     EditorStatus* m_status = nullptr;

@@ -28,7 +28,9 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
+#include <string_view>
 #include <utility>
 
 namespace selfreport {
@@ -161,9 +163,30 @@ void frmEditor::fillMenu(QMenu& shown, const EditorMenu& menu)
             command.addsMore(*this, shown);
         else if (command.name)
             shown.addAction(actionOf(command));
-        else
+        else if (!shown.isEmpty())
             shown.addSeparator();
     }
+}
+
+/// The edit menu's entries as the right button offers them: what is wanted most, then each group in a menu of
+/// its own, as all of them together are too many for a screen.
+QMenu* frmEditor::newPopup(const EditorMenu& menu)
+{
+    auto* popup = new QMenu(this);
+    popup->setObjectName("MenuPopup");
+    for (const char* name : {"MenuCut", "MenuCopy", "MenuPaste"})
+        popup->addAction(findChild<QAction*>(name));
+    popup->addSeparator();
+    QMenu* group = popup;
+    for (const EditorCommand& command : menu.commands) {
+        if (command.submenu)
+            popup->addMenu(findChild<QMenu*>(command.submenu->name));
+        else if (command.name)
+            group->addAction(findChild<QAction*>(command.name));
+        else
+            group = command.caption ? popup->addMenu(QString::fromUtf8(command.caption)) : popup;
+    }
+    return popup;
 }
 
 void frmEditor::buildCommands()
@@ -172,7 +195,8 @@ void frmEditor::buildCommands()
     layout()->setMenuBar(bar);
     for (const EditorMenu& menu : editorMenus())
         fillMenu(*bar->addMenu(QString::fromUtf8(menu.caption)), menu);
-    m_menuEdit = bar->findChild<QMenu*>("MenuEdit");
+    const auto edit = std::ranges::find(editorMenus(), std::string_view("MenuEdit"), &EditorMenu::name);
+    m_popup = newPopup(*edit);
     for (const EditorButton& button : editorButtons()) {
         if (!button.key) {
             m_toolbar1->addSeparator();
@@ -197,10 +221,12 @@ void frmEditor::connectLists()
 {
     connect(m_list1, &QComboBox::textActivated, this, [this](const QString& name) {
         setFontName(*m_fps1, name.toStdString());
+        showCellLooks();
         m_fps1->setFocus();
     });
     connect(m_list2, &QComboBox::textActivated, this, [this](const QString& size) {
         setFontSize(*m_fps1, size.toInt());
+        showCellLooks();
         m_fps1->setFocus();
     });
 }
@@ -257,7 +283,8 @@ void frmEditor::connectGrid()
     connect(m_fps1, &SpreadsheetControl::refused, m_status,
             [this](const QString& why) { m_status->showMessage(why); });
     connect(m_fps1, &SpreadsheetControl::contextMenuWanted, this,
-            [this](const QPoint& place) { m_menuEdit->popup(place); });
+            [this](const QPoint& place) { m_popup->popup(place); });
+    m_fps1->setMovesByRightButton(true);
     connect(m_fps1, &SpreadsheetControl::editModeChanged, this, [this] { m_refusedAtClosing.clear(); });
 }
 

@@ -47,18 +47,53 @@ TEST_F(DesignerControls, AccessKeysOpenTheMenus)
     }
 }
 
-TEST_F(DesignerControls, TheRightButtonOpensTheEditMenuOnly)
+/// The entries of a menu and of those below it, in their order.
+static QStringList entriesOf(const QMenu& menu)
+{
+    QStringList entries;
+    for (const QAction* const entry : menu.actions()) {
+        if (entry->menu())
+            entries += entriesOf(*entry->menu());
+        else if (!entry->isSeparator())
+            entries += entry->objectName();
+    }
+    return entries;
+}
+
+TEST_F(DesignerControls, TheRightButtonOffersAllOfTheEditMenuWhereItIsPressed)
 {
     open();
-    moveTo(2, 2);
-    const QPoint elsewhere = grid().cellRect({4, 5}).center();
-    QTest::mouseClick(&grid(), Qt::RightButton, {}, elsewhere);
-    QContextMenuEvent wanted(QContextMenuEvent::Mouse, elsewhere, grid().mapToGlobal(elsewhere));
-    QApplication::sendEvent(&grid(), &wanted);
-    ASSERT_NE(QApplication::activePopupWidget(), nullptr);
-    EXPECT_EQ(QApplication::activePopupWidget()->objectName(), "MenuEdit");
-    EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{2, 2}));
-    QApplication::activePopupWidget()->close();
+    const auto press = [this](QPoint place) {
+        QTest::mouseClick(&grid(), Qt::RightButton, {}, place);
+        QContextMenuEvent wanted(QContextMenuEvent::Mouse, place, grid().mapToGlobal(place));
+        QApplication::sendEvent(&grid(), &wanted);
+        auto* const popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!popup)
+            return QStringList();
+        QStringList entries = entriesOf(*popup);
+        EXPECT_LE(popup->height(), 768);
+        for (const QAction* const entry : popup->actions())
+            EXPECT_FALSE(entry->menu() && entry->menu()->sizeHint().height() > 768);
+        popup->close();
+        return entries;
+    };
+    const auto at = [this](int column, int row) { return grid().cellRect({column, row}).center(); };
+    grid().cursor().select({2, 2, 3, 3});
+    const QStringList all = entriesOf(control<QMenu>(*window, "MenuEdit"));
+    EXPECT_GT(all.size(), 50);
+    EXPECT_EQ(press(at(3, 3)), (QStringList{"MenuCut", "MenuCopy", "MenuPaste"} + all));
+    EXPECT_EQ(grid().cursor().firstRange(), (spreadsheet::CellRange{2, 2, 3, 3}))
+        << "within what is selected";
+    press(at(4, 5));
+    EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{4, 5}));
+    EXPECT_FALSE(grid().cursor().isBlockSelected());
+    press({at(3, 1).x(), 5});
+    EXPECT_EQ(grid().cursor().firstRange(), (spreadsheet::CellRange{3, 1, 3, 500})) << "a heading";
+    const CellAddress before = grid().cursor().activeCell();
+    typeInBox("=1+)", Qt::Key_Return);
+    EXPECT_EQ(press(at(1, 9)), QStringList()) << "a text that is no formula holds the cursor";
+    EXPECT_EQ(grid().cursor().activeCell(), before);
+    ledger.boxes.said.clear();
 }
 
 TEST_F(DesignerControls, EntriesWithoutAnActionDoNothing)

@@ -2,6 +2,7 @@
 #include "tests/windows/designer/DesignerTest.h"
 
 #include <QClipboard>
+#include <QComboBox>
 #include <QImage>
 #include <QPushButton>
 #include <QStatusBar>
@@ -171,6 +172,47 @@ TEST_F(DesignerRefusals, NoRoadBringsACallWithAnotherNumberOfArguments)
     QTest::keyClick(&grid(), Qt::Key_F2);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_FALSE(grid().entry().isOpen()) << "what is held already may be written back";
+}
+
+/// Each command that would change the report says that it may not, and opens nothing.
+TEST_F(DesignerRefusals, InUseNothingIsChangedWithoutAWord)
+{
+    storeReport();
+    gRunMode = true;
+    open();
+    window->finishOpening();
+    moveTo(2, 1);
+    const std::vector<std::byte> before = spreadsheet::saveContent(grid().cells().workbook());
+    const char* const inStatusBar[]{
+        "MenuBold",     "MenuItalic",       "MenuUnderline",  "MenuStrikeOut",     "MenuWrap",
+        "MenuLeft",     "MenuVTop",         "MenuForeColor",  "MenuBackColor",     "MenuLock",
+        "MenuCellSpan", "MenuUnCellSpan",   "MenuDataType",   "MenuCellBorder",    "MenuBorders",
+        "MenuClear",    "MenuClearFormats", "MenuInsertRow",  "MenuInsertCol",     "MenuDropDownEntries",
+        "MenuPaste",    "MenuDeleteRows",   "MenuRowHeight",  "MenuFormatPainter", "MenuButtonCaption",
+        "MenuFillDown", "MenuHideRows",     "MenuAutofitRows"};
+    QApplication::clipboard()->setText("1");
+    for (const char* const command : inStatusBar) {
+        control<QStatusBar>(*window, "statusBar").clearMessage();
+        trigger(command);
+        EXPECT_EQ(status(), "报表在运行状态，不能更改") << command;
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << command;
+    }
+    const std::pair<const char*, const char*> inABox[]{
+        {"MenuSetTableInfo", "报表在运行状态，不能设置表格信息。"},
+        {"MenuImportExcelFile", "报表在运行状态，不能引入文件。"},
+        {"MenuImpoertSpreadFile", "报表在运行状态，不能引入文件。"},
+        {"MenuImportXlsx", "报表在运行状态，不能引入文件。"}};
+    for (const auto& [command, why] : inABox) {
+        ledger.boxes.said.clear();
+        trigger(command);
+        EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::exclamation, "测试账套", why}})) << command;
+    }
+    auto& sizes = control<QComboBox>(*window, "list2");
+    const QString shown = sizes.currentText();
+    sizes.setFocus();
+    QTest::keyClick(&sizes, Qt::Key_Down);
+    EXPECT_EQ(sizes.currentText(), shown) << "a size that was not taken";
+    EXPECT_EQ(spreadsheet::saveContent(grid().cells().workbook()), before);
 }
 
 TEST_F(DesignerRefusals, TheToolbarsPasteSaysWhyAndKeepsTheCell)
