@@ -1,6 +1,6 @@
 #include "platform/basicdata/EntryTree.h"
 
-#include "platform/basicdata/pinyin_initials.h"
+#include "platform/pinyin/pinyin_initials.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "platform/basicdata/pinyin_initials.h"
+#include "platform/pinyin/pinyin_initials.h"
 
 #include <gtest/gtest.h>
 #include <QStringList>
