@@ -98,8 +98,22 @@ void RunRecord::drop()
     m_fresh.clear();
 }
 
+/// Sheets of two contents may have the same ids.
+void RunRecord::followContent(const spreadsheet::CellMove::Contents& contents)
+{
+    if (contents.former == 0)
+        m_parked.clear();
+    else
+        m_parked.insert_or_assign(contents.former, std::move(m_cells));
+    auto back = m_parked.extract(contents.present);
+    m_cells = back ? std::move(back.mapped()) : Cells();
+    m_fresh.clear();
+}
+
 void RunRecord::follow(const spreadsheet::CellMove& move)
 {
+    if (const auto contents = move.replaced())
+        return followContent(*contents);
     Cells moved;
     for (auto& [cell, calls] : m_cells)
         if (const auto place = move.placeOf(cell))

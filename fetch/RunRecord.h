@@ -5,6 +5,7 @@
 #include "fetch/ledger_fetch.h"
 #include "spreadsheet/workbook/CellMove.h"
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -74,11 +75,13 @@ private:
     spreadsheet::SheetCell cellAt(const spreadsheet::CallPlace& place) const;
     void begin(const spreadsheet::CallPlace& place);
     void follow(const spreadsheet::CellMove& move);
+    void followContent(const spreadsheet::CellMove::Contents& contents);
 
     spreadsheet::Workbook& m_workbook;
-    Cells m_cells;            ///< of the last calculation
-    Cells m_fresh;            ///< of the one under way, also cells that made no call
-    Cells::iterator m_caller; ///< the cell of `m_fresh` that makes calls now, if there is any
+    Cells m_cells;                           ///< of the last calculation
+    std::map<std::uint64_t, Cells> m_parked; ///< by number: of contents that undo or redo may bring back
+    Cells m_fresh;                           ///< of the one under way, also cells that made no call
+    Cells::iterator m_caller;                ///< the cell of `m_fresh` that makes calls now, if there is any
     spreadsheet::CallPlace m_callerPlace;
 };
 

@@ -99,8 +99,12 @@ void GridCommands::travelInTime(std::optional<ChangedCells> (UndoJournal::*trave
         return;
     const auto names = sheetNames(m_control.cells().workbook());
     const int shownId = m_control.cells().shownSheet().id();
+    const Book* const book = &m_control.cells().workbook().book();
     const auto changed = (m_control.cells().workbook().journal().*travel)(); // afterEdit recalculates
-    if (sheetNames(m_control.cells().workbook()) != names) {
+    if (&m_control.cells().workbook().book() != book) {
+        m_control.cells().setWorkbook(&m_control.cells().workbook()); // another content: from its first cell
+        Q_EMIT m_control.sheetsChanged();
+    } else if (sheetNames(m_control.cells().workbook()) != names) {
         if (const int index = sheetToShow(m_control.cells().workbook(), names, shownId))
             m_control.cells().workbook().setActiveSheet(index);
         m_control.showActiveSheet();
@@ -164,25 +168,48 @@ void GridCommands::pasteValues()
     pasteClipboard(PasteKind::valuesOnly);
 }
 
-void GridCommands::pasteClipboard(PasteKind kind)
+/// Null after telling that there is nothing, or while something is typed.
+const QMimeData* GridCommands::clipboardOffer()
 {
     if (m_control.entry().isOpen())
+        return nullptr;
+    const QMimeData* const offer = QGuiApplication::clipboard()->mimeData();
+    if (offer && !offer->formats().isEmpty())
+        return offer;
+    m_control.refuse("剪贴板是空的");
+    return nullptr;
+}
+
+void GridCommands::pasteText()
+{
+    const QMimeData* const offer = clipboardOffer();
+    if (!offer)
         return;
-    const QMimeData* offer = QGuiApplication::clipboard()->mimeData();
-    if (!offer || offer->formats().isEmpty()) {
-        m_control.refuse("剪贴板是空的");
-        return;
-    }
-    const auto content = readClipboard(m_control.cells().workbook(), *offer);
+    QMimeData text;
+    if (offer->hasText())
+        text.setText(offer->text());
+    pasteOffered(text, m_control.cells().shownSheet().extent(m_control.cursor().activeCell()),
+                 PasteKind::all);
+}
+
+void GridCommands::pasteClipboard(PasteKind kind)
+{
+    if (const QMimeData* const offer = clipboardOffer())
+        pasteOffered(*offer, std::nullopt, kind);
+}
+
+void GridCommands::pasteOffered(const QMimeData& offer, const std::optional<CellRange>& place, PasteKind kind)
+{
+    const auto content = readClipboard(m_control.cells().workbook(), offer);
     if (const auto* why = std::get_if<Refusal>(&content)) {
         m_control.refuse(*why);
         return;
     }
     const auto& offered = std::get<ClipboardContent>(content);
     Sheet& target = m_control.cells().shownSheet();
-    if (m_control.cursor().selection().size() > 1)
+    if (!place && m_control.cursor().selection().size() > 1)
         return pasteIntoEach(target, offered, kind);
-    const auto plan = planPaste(target, offered, m_control.cursor().firstRange());
+    const auto plan = planPaste(target, offered, place.value_or(m_control.cursor().firstRange()));
     if (const auto* why = std::get_if<Refusal>(&plan)) {
         m_control.refuse(*why);
         return;

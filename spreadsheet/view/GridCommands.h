@@ -11,6 +11,7 @@
 #include <optional>
 
 class QKeyEvent;
+class QMimeData;
 
 namespace spreadsheet {
 
@@ -30,7 +31,8 @@ public:
     void copy();
     void paste();
     void pasteValues();
-    void clear(); ///< contents; looks stay
+    void pasteText(); ///< at the active cell, whatever else the clipboard offers
+    void clear();     ///< contents; looks stay
     void fillDown();
     void fillRight();
     /// Fills from the first selected range, which the goal holds, and selects the goal.
@@ -73,7 +75,10 @@ private:
     std::optional<CellRange> onlyRange();
     void travelInTime(std::optional<ChangedCells> (UndoJournal::*travel)());
     std::optional<PackedOrigin> copyRange(const CellRange& range);
+    const QMimeData* clipboardOffer();
     void pasteClipboard(PasteKind kind);
+    /// @param place  nothing: what is selected
+    void pasteOffered(const QMimeData& offer, const std::optional<CellRange>& place, PasteKind kind);
     void pastePlanned(Sheet& target, const ClipboardContent& content, const PastePlan& plan, PasteKind kind);
     void pasteIntoEach(Sheet& target, const ClipboardContent& content, PasteKind kind);
     void fillAlong(bool down);

@@ -23,9 +23,11 @@ CellMove CellMove::ofBlock(int fromSheetId, const CellRange& from, const SheetCe
     return move;
 }
 
-CellMove CellMove::ofReplacedContent()
+CellMove CellMove::ofReplacedContent(std::uint64_t former, std::uint64_t present)
 {
-    return {};
+    CellMove move;
+    move.m_contents = {former, present};
+    return move;
 }
 
 std::optional<SheetCell> CellMove::placeOf(const SheetCell& former) const
@@ -68,6 +70,7 @@ CellMove CellMove::undone() const
 {
     CellMove move = *this;
     std::swap(move.m_shift.inserted, move.m_shift.removed);
+    std::swap(move.m_contents.former, move.m_contents.present);
     if (m_kind == Kind::block) {
         move.m_sheetId = m_to.sheetId;
         move.m_from = {m_to.cell.column, m_to.cell.row, m_to.cell.column + m_from.columns() - 1,

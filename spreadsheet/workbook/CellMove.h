@@ -2,6 +2,7 @@
 #include "spreadsheet/values/CellAddress.h"
 
 #include <compare>
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -38,12 +39,24 @@ public:
     static CellMove ofShift(int sheetId, const AxisShift& shift);
     static CellMove ofBlock(int fromSheetId, const CellRange& from, const SheetCell& to);
     /// Another content stands in the workbook: no cell of the former one is left.
-    static CellMove ofReplacedContent();
+    /// @param former  number of the content that undo can bring back; 0: it is gone for good
+    static CellMove ofReplacedContent(std::uint64_t former, std::uint64_t present);
 
     /// Where a cell lies now; nothing if it was removed, pushed off the sheet or overwritten.
     std::optional<SheetCell> placeOf(const SheetCell& former) const;
     /// What undoing it does. Cells that it lost do not come back by it.
     CellMove undone() const;
+
+    /// Which content came for which, by numbers that the workbook never gives twice.
+    struct Contents {
+        std::uint64_t former = 0; ///< 0: gone for good
+        std::uint64_t present = 0;
+    };
+    /// Nothing if cells were moved within the content.
+    std::optional<Contents> replaced() const
+    {
+        return m_kind == Kind::replaced ? std::optional(m_contents) : std::nullopt;
+    }
 
 private:
     CellMove() = default;
@@ -57,6 +70,7 @@ private:
     AxisShift m_shift;
     CellRange m_from;
     SheetCell m_to;
+    Contents m_contents;
 };
 
 using MoveHook = std::function<void(const CellMove&)>;

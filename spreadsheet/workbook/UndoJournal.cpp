@@ -3,6 +3,7 @@
 #include "spreadsheet/calculation/Recalculation.h"
 #include "spreadsheet/cells/Book.h"
 #include "spreadsheet/workbook/Workbook.h"
+#include "spreadsheet/workbook/WorkbookContent.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -30,7 +31,8 @@ std::size_t unsharedBytes(const Column& former)
 
 bool UndoJournal::Step::empty() const
 {
-    return columns.empty() && allColumns.empty() && settings.empty() && !sheets && !names && !formulasShown;
+    return columns.empty() && allColumns.empty() && settings.empty() && !sheets && !names && !formulasShown &&
+           !content;
 }
 
 void UndoJournal::setEnabled(bool enabled)
@@ -69,7 +71,7 @@ void UndoJournal::close()
 
 void UndoJournal::takeBack()
 {
-    if (!recording() || m_current.empty())
+    if (!m_enabled || m_depth == 0 || m_current.empty())
         return;
     Step step = std::move(m_current);
     m_current = {};
@@ -96,6 +98,8 @@ void UndoJournal::weigh(Step& step)
 std::size_t UndoJournal::bytesOf(const Step& step)
 {
     std::size_t sum = sizeof(Step);
+    if (step.content)
+        sum += spreadsheet::bytesOf(*step.content->book, *step.content->recalculation);
     for (const auto& [place, column] : step.columns)
         sum += unsharedBytes(column);
     for (const auto& [sheet, columns] : step.allColumns) {
@@ -183,6 +187,34 @@ void UndoJournal::noteMove(const CellMove& move)
     tellMove(move);
 }
 
+void UndoJournal::exchangeContent(WorkbookContent& other)
+{
+    Workbook& workbook = m_workbook;
+    other.book->formulas.customs().takeHandlers(workbook.formulas().customs());
+    other.recalculation->takeHooks(*workbook.m_recalculation); // the last thing that needs memory
+    std::swap(workbook.m_book, other.book);
+    std::swap(workbook.m_recalculation, other.recalculation);
+    std::swap(workbook.m_sheets, other.sheets);
+    std::swap(m_contentNumber, other.number);
+    for (const auto& sheet : workbook.m_sheets)
+        sheet->noteSettings();
+}
+
+void UndoJournal::replaceContent(std::shared_ptr<WorkbookContent> content)
+{
+    const bool keeps = recording();
+    content->number = ++m_contents;
+    exchangeContent(*content);
+    const CellMove move = CellMove::ofReplacedContent(keeps ? content->number : 0, m_contentNumber);
+    if (keeps) {
+        m_current.moves.push_back(move);
+        m_current.content = std::move(content);
+    } else if (!m_current.content) {
+        setEnabled(m_enabled);
+    }
+    tellMove(move);
+}
+
 void UndoJournal::tellMove(const CellMove& move) const
 {
     if (m_moved)
@@ -230,7 +262,7 @@ std::optional<ChangedCells> UndoJournal::redo()
 
 std::optional<ChangedCells> UndoJournal::changedBy(const Step& exchanged) const
 {
-    if (exchanged.lines || exchanged.formulasShown)
+    if (exchanged.lines || exchanged.formulasShown || exchanged.content)
         return exchanged.lines;
     std::map<int, CellRange> ranges; ///< by sheet id
     const auto compare = [&](int sheetId, int column, const Column& former) {
@@ -267,6 +299,18 @@ void UndoJournal::exchange(Step& step)
     const DisplayOnly formerDesign(m_workbook); // whose number comes back with it
     if (step.designRevision)
         std::swap(*step.designRevision, m_workbook.m_designRevision);
+    if (step.content && !step.contentLast)
+        exchangeContent(*step.content);
+    exchangeCells(step);
+    if (step.content && std::exchange(step.contentLast, !step.contentLast))
+        exchangeContent(*step.content);
+    takeMovesBack(step.moves);
+    m_workbook.recalculation().noteMoved();
+    m_workbook.noteEdit();
+}
+
+void UndoJournal::exchangeCells(Step& step)
+{
     if (step.sheets) {
         *step.sheets = m_workbook.exchangeSheets(std::move(*step.sheets));
         m_workbook.setActiveSheet(std::min(m_workbook.activeSheet(), m_workbook.sheetCount()));
@@ -298,9 +342,6 @@ void UndoJournal::exchange(Step& step)
         if (Sheet* sheet = sheetOfId(place.first, step))
             exchangeColumn(*sheet, place.second, column);
     }
-    takeMovesBack(step.moves);
-    m_workbook.recalculation().noteMoved();
-    m_workbook.noteEdit();
 }
 
 /// Tells them undone, the last one first, and keeps what exchanging the step once more is to tell.

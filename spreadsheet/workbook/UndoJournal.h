@@ -17,6 +17,7 @@ namespace spreadsheet {
 
 class Sheet;
 class Workbook;
+struct WorkbookContent;
 
 /// Former states of what edits changed. A step holds the columns, settings, sheets and names as they
 /// were; columns share their blocks with the present, so a step costs what it really changed.
@@ -53,8 +54,10 @@ public:
     /// Told of each change that made cells lie elsewhere, once it is done; undo and redo are such changes
     /// too.
     void setMoveHook(MoveHook hook) { m_moved = std::move(hook); }
-    void takeHooks(const UndoJournal& other) { m_moved = other.m_moved; }
     void noteMove(const CellMove& move); ///< called after it
+    /// Gives the workbook another content. Hooks and registered functions stay. Within a step the former one
+    /// is kept; otherwise the history goes with it.
+    void replaceContent(std::shared_ptr<WorkbookContent> content);
 
     // Called before the change.
     void keepColumn(const Sheet& sheet, int column);
@@ -79,6 +82,9 @@ private:
         std::optional<std::vector<std::shared_ptr<Sheet>>> sheets;
         std::optional<std::vector<std::uint32_t>> names;
         std::optional<bool> formulasShown;
+        /// Replaced as a whole. Nothing that follows in the step is kept: it goes with the new content.
+        std::shared_ptr<WorkbookContent> content;
+        bool contentLast = false; ///< exchanged behind the rest, which belongs to the content there now
         std::optional<std::uint64_t> designRevision; ///< before it; none: the step is of the display only
         std::optional<ChangedCells> lines;           ///< inserted or removed
         std::vector<CellMove> moves; ///< those that exchanging the step takes back, last first
@@ -86,8 +92,10 @@ private:
         bool empty() const;
     };
 
-    bool recording() const { return m_enabled && m_depth > 0; }
+    bool recording() const { return m_enabled && m_depth > 0 && !m_current.content; }
     void exchange(Step& step);
+    void exchangeCells(Step& step);
+    void exchangeContent(WorkbookContent& other);
     std::optional<ChangedCells> changedBy(const Step& exchanged) const;
     void exchangeColumn(Sheet& sheet, int column, Column& former);
     void noteDifference(int sheetId, int column, const Column& before, const Column& after);
@@ -102,6 +110,8 @@ private:
 
     Workbook& m_workbook;
     MoveHook m_moved;
+    std::uint64_t m_contents = 1;      ///< that the workbook has held so far
+    std::uint64_t m_contentNumber = 1; ///< of the present one
     bool m_enabled = false;
     int m_depth = 0;
     Step m_current;

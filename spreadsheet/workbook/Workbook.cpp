@@ -6,6 +6,7 @@
 #include "spreadsheet/workbook/sheet_name.h"
 #include "spreadsheet/workbook/SheetStructure.h"
 #include "spreadsheet/workbook/UndoJournal.h"
+#include "spreadsheet/workbook/WorkbookContent.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -299,25 +300,13 @@ void Workbook::markCalculated()
 
 void Workbook::replaceContent(Workbook&& fresh)
 {
-    // What needs memory comes first: from then on nothing can fail.
-    fresh.formulas().customs().takeHandlers(formulas().customs());
-    std::vector<std::shared_ptr<Sheet>> sheets;
+    auto content = std::make_shared<WorkbookContent>();
     for (const auto& cells : fresh.m_book->sheets)
-        sheets.push_back(std::make_shared<Sheet>(*this, cells));
-    auto recalculation = std::make_unique<Recalculation>(*fresh.m_book);
-    recalculation->takeHooks(*m_recalculation);
-    auto journal = std::make_unique<UndoJournal>(*this);
-    journal->setEnabled(m_journal->enabled());
-    journal->takeHooks(*m_journal);
-
-    fresh.m_book->formulasShown = formulasShown();
-    m_recalculation = std::move(recalculation); // before the book that the former one works on
-    m_book = std::move(fresh.m_book);
-    m_sheets = std::move(sheets);
-    m_journal = std::move(journal);
-    for (const auto& sheet : m_sheets)
-        sheet->noteSettings();
-    m_journal->noteMove(CellMove::ofReplacedContent());
+        content->sheets.push_back(std::make_shared<Sheet>(*this, cells));
+    content->recalculation = std::make_unique<Recalculation>(*fresh.m_book);
+    content->book = std::move(fresh.m_book);
+    content->book->formulasShown = formulasShown();
+    m_journal->replaceContent(std::move(content));
 }
 
 void Workbook::setUndoEnabled(bool enabled)
@@ -354,12 +343,7 @@ void Workbook::redo()
 
 std::size_t Workbook::bytes() const
 {
-    std::size_t sum = m_book->texts.bytes() + m_book->formulas.bytes() + m_recalculation->bytes();
-    for (const auto& sheet : m_book->sheets) {
-        for (const Column& column : sheet->columns)
-            sum += sizeof(Column) + column.bytes();
-    }
-    return sum;
+    return bytesOf(*m_book, *m_recalculation);
 }
 
 bool Workbook::countsFrom1904() const

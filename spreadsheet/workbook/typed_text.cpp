@@ -7,6 +7,8 @@
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 
+#include <algorithm>
+
 namespace spreadsheet {
 
 namespace {
@@ -81,6 +83,46 @@ Refusal wrongCallIn(Workbook& workbook, const Sheet& sheet, CellAddress cell, st
     return wrongCall(workbook.formulas(), *number);
 }
 
+/// Whether something is still to come: an operand, an argument.
+bool endsUnfinished(std::string_view formula)
+{
+    const std::string_view text = trimmedBlanks(formula);
+    return text.empty() || text.ends_with("，") ||
+           std::string_view("+-*/^&=<>:,").find(text.back()) != std::string_view::npos;
+}
+
+/// Brackets that a formula opens and only has to close; 0 if a text in it is not closed either.
+std::size_t openBrackets(std::string_view formula)
+{
+    if (endsUnfinished(formula))
+        return 0;
+    std::size_t open = 0;
+    char quote = 0;
+    for (std::size_t at = 0; at < formula.size(); ++at) {
+        const std::string_view rest = formula.substr(at);
+        if (quote != 0)
+            quote = rest[0] == quote ? '\0' : quote;
+        else if (rest[0] == '"' || rest[0] == '\'')
+            quote = rest[0];
+        else if (rest[0] == '(' || rest.starts_with("（"))
+            ++open;
+        else if ((rest[0] == ')' || rest.starts_with("）")) && open > 0)
+            --open;
+    }
+    return quote == 0 ? open : 0;
+}
+
+/// Enters a typed formula; if that is refused, with its brackets closed. What is told is told of what was
+/// typed.
+template <class Enter>
+Refusal enterClosed(std::string_view text, Enter enter)
+{
+    Refusal problem = enter(text);
+    const std::size_t open = problem ? openBrackets(text) : 0;
+    const bool isMended = open > 0 && !enter(std::string(text).append(open, ')'));
+    return isMended ? Refusal() : problem;
+}
+
 } // namespace
 
 Refusal enterFormula(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text)
@@ -92,9 +134,11 @@ Refusal enterFormula(Workbook& workbook, Sheet& sheet, CellAddress cell, std::st
 
 Refusal enterArrayFormula(Workbook& workbook, Sheet& sheet, const CellRange& range, std::string_view text)
 {
-    if (auto problem = wrongCallIn(workbook, sheet, {range.left, range.top}, text, true))
-        return problem;
-    return sheet.setArrayFormula(range, text);
+    return enterClosed(text, [&](std::string_view closed) {
+        if (auto problem = wrongCallIn(workbook, sheet, {range.left, range.top}, closed, true))
+            return problem;
+        return sheet.setArrayFormula(range, closed);
+    });
 }
 
 TypedConstant typedConstant(std::string_view text)
@@ -116,16 +160,27 @@ TypedConstant typedConstant(std::string_view text)
     return {Value::text(text), std::nullopt};
 }
 
+bool isDigitCode(std::string_view text)
+{
+    constexpr std::size_t digitsOfNumber = 15;
+    const bool digitsOnly = std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+    return digitsOnly && (text.size() > digitsOfNumber || (text.size() > 1 && text.front() == '0'));
+}
+
 Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text, TypedInto where)
 {
     const std::string_view typed = trimmedBlanks(text);
     const UndoStep step(workbook, "输入");
+    const auto enter = [&](std::string_view formula) { return enterFormula(workbook, sheet, cell, formula); };
+    const auto enterTyped = [&] {
+        return where == TypedInto::nothing ? enter(text) : enterClosed(text, enter);
+    };
     if (sheet.style(cell).numberFormat.view() == textFormat && !text.empty()) {
         sheet.setText(cell, text);
         return {};
     }
     if (typed.starts_with('=') && typed.size() > 1)
-        return enterFormula(workbook, sheet, cell, text);
+        return enterTyped();
     if (text.starts_with('\'')) {
         sheet.setText(cell, text.substr(1));
         return {};
@@ -133,7 +188,7 @@ Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::strin
     TypedConstant constant = typedConstant(text);
     const bool heldFormula = where == TypedInto::formulaBox && sheet.hasFormula(cell);
     if (constant.value.isText() && !typed.empty() && (heldFormula || beginsWithCall(workbook, typed)))
-        return enterFormula(workbook, sheet, cell, text);
+        return enterTyped();
     if (text.empty()) {
         sheet.setValue(cell, {});
         return {};

@@ -14,6 +14,7 @@ inline constexpr std::string_view textFormat = "@";
 enum class TypedInto {
     cell,
     formulaBox, ///< there a text stays a formula where the cell already held one
+    nothing,    ///< pasted or replaced: taken as in a cell, but nothing in it is mended
 };
 
 /// Puts what a user typed into a cell, as one undo step.
@@ -23,6 +24,7 @@ enum class TypedInto {
 /// text, a month without a day ("2026年12月") too; a leading apostrophe makes text of whatever follows. A
 /// fresh cell takes the type that the constant was written in (percent, currency, date, time). An empty text
 /// takes the content away. A cell whose number format is `textFormat` takes every text as it stands.
+/// Brackets that a formula leaves open at its end are closed.
 /// @return why a formula was refused; the cell then keeps what it had.
 Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text, TypedInto where);
 
@@ -30,7 +32,8 @@ Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::strin
 /// registered function takes as many arguments as the function has parameters. The formula that the cell
 /// holds already may be written back.
 Refusal enterFormula(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text);
-/// The same for an array formula of a block, as Sheet::setArrayFormula.
+/// The same for an array formula of a block, as Sheet::setArrayFormula, which is always typed: brackets left
+/// open are closed.
 Refusal enterArrayFormula(Workbook& workbook, Sheet& sheet, const CellRange& range, std::string_view text);
 
 /// The constant that a text stands for, and the cell type that it was written in if it shows one.
@@ -39,5 +42,9 @@ struct TypedConstant {
     std::optional<CellType> type;
 };
 TypedConstant typedConstant(std::string_view text);
+
+/// Digits only that would not all survive as a number: "0101" (not "0"), or more than 15 of them. Such are
+/// codes of accounts and numbers of identity cards.
+bool isDigitCode(std::string_view text);
 
 } // namespace spreadsheet

@@ -103,19 +103,10 @@ char sensedSeparator(std::string_view text)
                                      [text](char separator) { return evenness(text, separator); });
 }
 
-/// Codes such as 001 and numbers of identity cards would lose digits as numbers.
-bool isCode(std::string_view field)
-{
-    const auto digits = static_cast<std::size_t>(std::ranges::count_if(field, ascii::isDigit));
-    if (digits != field.size() || digits == 0)
-        return false;
-    return digits > 15 || (digits > 1 && field.front() == '0');
-}
-
 void enter(Workbook& workbook, Sheet& sheet, CellAddress at, std::string_view field)
 {
     TypedConstant constant;
-    if (!isCode(field) && !field.starts_with('='))
+    if (!isDigitCode(field) && !field.starts_with('='))
         constant = typedConstant(field);
     if (constant.value.isEmpty() || constant.value.isText())
         constant = {Value(workbook.texts().intern(field)), std::nullopt};

@@ -136,7 +136,7 @@ bool replaceCell(Workbook& workbook, Sheet& sheet, CellAddress cell, const TextS
         sheet.setText(cell, *text);
         return true;
     }
-    return !enterText(workbook, sheet, cell, *text, TypedInto::cell);
+    return !enterText(workbook, sheet, cell, *text, TypedInto::nothing);
 }
 
 } // namespace

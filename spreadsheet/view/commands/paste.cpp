@@ -1,5 +1,6 @@
 #include "spreadsheet/view/commands/paste.h"
 
+#include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/cell_borders.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/Workbook.h"
@@ -113,11 +114,12 @@ std::string withPlainMinus(const std::string& text)
 
 void enterPasted(Workbook& workbook, Sheet& sheet, CellAddress cell, const PastedTable::Cell& pasted)
 {
-    if (pasted.literal) {
-        sheet.setText(cell, pasted.text);
+    const std::string_view typed = trimmedBlanks(pasted.text);
+    if (pasted.literal || (!pasted.number && isDigitCode(typed))) {
+        sheet.setText(cell, pasted.literal ? pasted.text : typed);
         return;
     }
-    if (enterText(workbook, sheet, cell, withPlainMinus(pasted.text), TypedInto::cell)) {
+    if (enterText(workbook, sheet, cell, withPlainMinus(pasted.text), TypedInto::nothing)) {
         sheet.setText(cell, pasted.text); // looks like a formula and is none; nothing is lost as a text
         return;
     }

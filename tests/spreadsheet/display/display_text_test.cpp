@@ -186,6 +186,43 @@ TEST(TypedText, TheBoxKeepsAFormulaAFormulaAndARefusedOneKeepsTheCell)
     EXPECT_TRUE(sheet.value({1, 1}).isEmpty());
 }
 
+TEST(TypedText, BracketsLeftOpenAreClosedForTyping)
+{
+    const auto cell = TypedInto::cell, box = TypedInto::formulaBox, nothing = TypedInto::nothing;
+    const struct {
+        const char* typed;
+        TypedInto where;
+        const char* formula; ///< empty: refused
+    } cases[] = {
+        {"=SUM(A1:A3", cell, "SUM(A1:A3)"},
+        {"=SUM(A1:A3", box, "SUM(A1:A3)"},
+        {"=SUM(A1:A3", nothing, ""},
+        {"sum(A1,2", cell, "sum(A1,2)"},
+        {"=ABS(SUM(A1,(2+3", cell, "ABS(SUM(A1,(2+3)))"},
+        {"=LEN(\"(\"", cell, "LEN(\"(\")"},
+        {"=LEN(\")(\")+(1", cell, "LEN(\")(\")+(1)"},
+        {"=SUM（A1", cell, "SUM（A1)"},
+        {"=LEN(\"(", cell, ""}, // the text is not closed either
+        {"=SUM(A1))", cell, ""},
+        {"=SUM(A1,", cell, ""},
+        {"=SUM(A1,2+ ", cell, ""},
+        {"=PI(", cell, "PI()"},
+        {"=1+(", cell, ""},
+        {"=IF(1,2)*(3", cell, "IF(1,2)*(3)"},
+    };
+    for (const auto& c : cases) {
+        Workbook workbook;
+        Sheet& sheet = workbook.sheet(1);
+        const bool isRefused = static_cast<bool>(enterText(workbook, sheet, {2, 2}, c.typed, c.where));
+        EXPECT_EQ(isRefused, *c.formula == '\0') << c.typed;
+        EXPECT_EQ(sheet.formula({2, 2}), c.formula) << c.typed;
+    }
+    Workbook workbook;
+    EXPECT_TRUE(enterFormula(workbook, workbook.sheet(1), {1, 1}, "SUM(A2")) << "a dialog's";
+    EXPECT_FALSE(enterArrayFormula(workbook, workbook.sheet(1), {1, 1, 1, 2}, "=ROW(C1:C2"));
+    EXPECT_EQ(workbook.sheet(1).formula({1, 1}), "ROW(C1:C2)");
+}
+
 TEST(DisplayText, NumberFormatCodesGoBeforeTheType)
 {
     const struct {

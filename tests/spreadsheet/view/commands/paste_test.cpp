@@ -132,6 +132,38 @@ TEST_F(Paste, TextIsTakenAsIfTyped)
     EXPECT_FALSE(workbook.canUndo() && workbook.undoLabel() == "粘贴") << "one step";
 }
 
+TEST_F(Paste, CodesOfDigitsStayTexts)
+{
+    const struct {
+        const char* pasted;
+        bool isText;
+    } cases[] = {
+        {"0101", true},
+        {" 00 ", true},
+        {"1234567890123456", true},
+        {"123456789012345", false},
+        {"0", false},
+        {"0.25", false},
+        {"01-02", false}, // a date
+        {"-0101", false},
+        {"5,678.00", false},
+        {"1e20", false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(pasteAt(*text(c.pasted), {1, 1, 1, 1}), "");
+        const Value value = sheet().value({1, 1});
+        EXPECT_EQ(value.isText(), c.isText) << c.pasted;
+        const std::string digits = QString(c.pasted).trimmed().toStdString();
+        EXPECT_TRUE(!c.isText || value.textView() == digits) << c.pasted;
+        sheet().setStyle({1, 1}, CellStyle());
+    }
+    QMimeData html; // whose figure came along
+    html.setHtml("<table><tr><td x:num=\"101\">0101</td><td>0101</td></tr></table>");
+    EXPECT_EQ(pasteAt(html, {1, 1, 1, 1}), "");
+    EXPECT_EQ(sheet().value({1, 1}), Value(101.0));
+    EXPECT_TRUE(sheet().value({2, 1}).isText());
+}
+
 TEST_F(Paste, HtmlTablesBringNumbersSpansAndLooks)
 {
     QMimeData data;
