@@ -48,7 +48,7 @@ void SharedFetches::prepare(std::span<spreadsheet::PreparedCall> calls)
     for (const spreadsheet::PreparedCall& call : calls)
         if (const auto reference = referenceOf(call.asCall()))
             names.insert(reference->report);
-    loadReports(names);
+    loadReports(names, ledgerCallsAmong(calls));
     for (spreadsheet::PreparedCall& call : calls) {
         const auto wanted = referenceOf(call.asCall());
         if (!wanted || !m_reports.contains(wanted->report))
@@ -62,11 +62,7 @@ void SharedFetches::prepare(std::span<spreadsheet::PreparedCall> calls)
 
 void SharedFetches::prepareLedger(std::span<spreadsheet::PreparedCall> calls)
 {
-    std::set<LedgerArguments> wanted;
-    for (const spreadsheet::PreparedCall& call : calls)
-        if (auto arguments = ledgerArgumentsOf(call.asCall()))
-            wanted.insert(std::move(*arguments));
-    fetchLedgerAnswers(wanted);
+    fetchLedgerAnswers(ledgerCallsAmong(calls));
     for (spreadsheet::PreparedCall& call : calls) {
         const auto arguments = ledgerArgumentsOf(call.asCall());
         const auto found = arguments ? m_ledger.find(*arguments) : m_ledger.end();
@@ -99,27 +95,49 @@ void SharedFetches::fetchLedgerAnswers(const std::set<LedgerArguments>& wanted)
     }
 }
 
-void SharedFetches::loadReports(const std::set<std::string>& names)
+/// What is stored of the reports that are not known yet: no content of one that is not there.
+std::map<std::string, std::optional<std::vector<std::byte>>>
+SharedFetches::contentsOf(const std::set<std::string>& names)
 {
-    std::vector<std::pair<std::string, std::optional<std::vector<std::byte>>>> contents;
+    std::map<std::string, std::optional<std::vector<std::byte>>> contents;
     try {
         for (const std::string& name : names) {
             if (m_reports.contains(name))
                 continue;
             if (!waveConnection())
-                return;
-            contents.emplace_back(name, fetchedContent(m_connection, name));
+                break;
+            contents.emplace(name, fetchedContent(m_connection, name));
         }
     } catch (const std::exception&) {
         m_connection.reset(); // what was read so far is good; the other calls fetch for themselves
     }
-    for (const auto& [name, content] : contents) {
-        auto report = std::make_unique<LoadedReport>(m_database, this);
+    return contents;
+}
+
+/// All of them ask the ledger together, and for what else is wanted with them.
+void SharedFetches::loadReports(const std::set<std::string>& names, std::set<LedgerArguments> alsoWanted)
+{
+    std::map<std::string, std::unique_ptr<LoadedReport>> opened;
+    for (const auto& [name, content] : contentsOf(names)) {
+        LoadedReport& report =
+            *opened.emplace(name, std::make_unique<LoadedReport>(m_database, this)).first->second;
+        if (!content) {
+            report.problem = missingReport(name);
+            continue;
+        }
         try {
-            if (content)
-                report->hidden.load(*content);
-            else
-                report->problem = missingReport(name);
+            report.hidden.open(*content);
+            alsoWanted.merge(report.hidden.firstCalls());
+        } catch (const std::exception& error) {
+            report.problem = unreadableReport(name, error);
+        }
+    }
+    if (opened.empty())
+        return;
+    fetchLedgerAnswers(alsoWanted);
+    for (auto& [name, report] : opened) {
+        try {
+            report->hidden.compute();
         } catch (const std::exception& error) {
             report->problem = unreadableReport(name, error);
         }
@@ -140,7 +158,7 @@ std::shared_ptr<const ReferenceFetch> SharedFetches::reference(const ReportRefer
 {
     if (const auto known = m_references.find(reference); known != m_references.end())
         return known->second;
-    loadReports({reference.report});
+    loadReports({reference.report}, {});
     const auto found = m_reports.find(reference.report);
     ReferenceAnswer answer = found == m_reports.end() ? fetchFromReport(m_database, reference)
                                                       : readReferencedCell(found->second->hidden, reference,

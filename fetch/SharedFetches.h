@@ -3,11 +3,14 @@
 #include "fetch/ledger_fetch.h"
 #include "spreadsheet/formula/CustomFunction.h"
 
+#include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace selfreport {
 
@@ -37,7 +40,9 @@ private:
     struct LoadedReport;
 
     void fetchLedgerAnswers(const std::set<LedgerArguments>& wanted);
-    void loadReports(const std::set<std::string>& names);
+    void loadReports(const std::set<std::string>& names, std::set<LedgerArguments> alsoWanted);
+    std::map<std::string, std::optional<std::vector<std::byte>>>
+    contentsOf(const std::set<std::string>& names);
     std::unique_ptr<Connection>& waveConnection();
 
     DatabaseAccess& m_database;

@@ -17,19 +17,46 @@ frmEditor1::frmEditor1(DatabaseAccess& database, SharedFetches* shared)
 {
     fps1.registerFunction("Acct", 6, [this](spreadsheet::FunctionCall& call) { fps1_CustomFunction(call); });
     if (m_shared)
-        fps1.setPrepareHook(
-            [this](std::span<spreadsheet::PreparedCall> calls) { m_shared->prepareLedger(calls); });
-    fps1.setPauseHook([] { return userWait().pause(); });
+        fps1.setPrepareHook([this](std::span<spreadsheet::PreparedCall> calls) { prepare(calls); });
+    fps1.setPauseHook([this] { return m_gathered || userWait().pause(); });
     fps1.recalculate();
     isShowFormula = 0;
 }
 
 void frmEditor1::load(std::span<const std::byte> content)
 {
+    open(content);
+    compute();
+}
+
+void frmEditor1::open(std::span<const std::byte> content)
+{
     spreadsheet::loadContent(fps1, content);
     showStoredValues(fps1);
+}
+
+void frmEditor1::compute()
+{
     fps1.recalculate();
     record.takeAll();
+}
+
+/// A recalculation that stops before its first cell.
+std::set<LedgerArguments> frmEditor1::firstCalls()
+{
+    std::set<LedgerArguments> calls;
+    m_gathered = &calls;
+    fps1.recalculate();
+    m_gathered = nullptr;
+    record.drop();
+    return calls;
+}
+
+void frmEditor1::prepare(std::span<spreadsheet::PreparedCall> calls)
+{
+    if (!m_gathered)
+        return m_shared->prepareLedger(calls);
+    m_gathered->merge(ledgerCallsAmong(calls));
 }
 
 std::shared_ptr<const LedgerFetch> frmEditor1::doubtfulBehind(spreadsheet::CallPlace cell)

@@ -1,10 +1,12 @@
 #pragma once
+#include "fetch/ledger_fetch.h"
 #include "fetch/RunRecord.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <span>
 
 namespace selfreport {
@@ -24,6 +26,12 @@ public:
     /// is loaded then
     void load(std::span<const std::byte> content);
 
+    // The same in steps, for those who fetch for several reports at once.
+    void open(std::span<const std::byte> content);
+    /// The calls that are certain to be made before any other; nothing is computed for them.
+    std::set<LedgerArguments> firstCalls();
+    void compute();
+
     /// The fetch that makes a cell's figure doubtful: a failed one that it holds or is computed from, else
     /// its own, else one that the procedure declined and that it is computed from. Null if there is none.
     std::shared_ptr<const LedgerFetch> doubtfulBehind(spreadsheet::CallPlace cell);
@@ -35,9 +43,11 @@ public:
 private:
     bool isBehind(const spreadsheet::SheetCell& caller, const spreadsheet::CallPlace& cell);
     void fps1_CustomFunction(spreadsheet::FunctionCall& call);
+    void prepare(std::span<spreadsheet::PreparedCall> calls);
 
     DatabaseAccess& m_database;
     SharedFetches* m_shared;
+    std::set<LedgerArguments>* m_gathered = nullptr; ///< while calls are only looked for
 };
 
 } // namespace selfreport

@@ -94,6 +94,15 @@ std::optional<LedgerArguments> ledgerArgumentsOf(const FunctionCall& call)
                            numberIfGiven(call, 4), numberIfGiven(call, 5), numberIfGiven(call, 6)};
 }
 
+std::set<LedgerArguments> ledgerCallsAmong(std::span<const spreadsheet::PreparedCall> calls)
+{
+    std::set<LedgerArguments> found;
+    for (const spreadsheet::PreparedCall& call : calls)
+        if (auto arguments = ledgerArgumentsOf(call.asCall()))
+            found.insert(std::move(*arguments));
+    return found;
+}
+
 std::optional<ReportReference> referenceOf(const FunctionCall& call)
 {
     if (!isFunction(call, referenceName) ||

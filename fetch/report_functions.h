@@ -5,6 +5,8 @@
 
 #include <functional>
 #include <optional>
+#include <set>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -20,6 +22,9 @@ bool isFunction(const spreadsheet::FunctionCall& call, std::string_view name);
 /// The arguments of an `Acct` call: the first three as texts, year and periods as whole numbers, 0 becoming
 /// the empty text. Nothing if it is no such call or one of them is not usable.
 std::optional<LedgerArguments> ledgerArgumentsOf(const spreadsheet::FunctionCall& call);
+
+/// … of all of them among the calls of a wave.
+std::set<LedgerArguments> ledgerCallsAmong(std::span<const spreadsheet::PreparedCall> calls);
 
 /// The arguments of a `REF_F` call, as above.
 std::optional<ReportReference> referenceOf(const spreadsheet::FunctionCall& call);

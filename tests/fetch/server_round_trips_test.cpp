@@ -3,6 +3,7 @@
 #include "fetch/coverage.h"
 #include "fetch/evaluation.h"
 #include "fetch/ledger_fetch.h"
+#include "spreadsheet/files/content/content.h"
 #include "state/fetch_procedures.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/golden_texts.h"
@@ -90,6 +91,42 @@ TEST(ServerRoundTrips, EmptyCellsAskEachQuestionOnce)
     EXPECT_EQ(evaluation.diagnostics()[0].reason, "科目“8002”不存在");
     // The session looked after, one batch of fetches, one of questions.
     EXPECT_LE(ledger.server.journal.requests().size(), 3U);
+}
+
+/// What reports that are referred to fetch first goes out with what the cells around them fetch; a call that
+/// needs the figure of another comes after it.
+TEST(ServerRoundTrips, ReferencedReportsAskTheLedgerTogether)
+{
+    ServedLedger ledger;
+    addAccounts(ledger);
+    for (int id = 1; id <= 4; ++id) {
+        Workbook report;
+        for (int row = 1; row <= 3; ++row)
+            demand(report.sheet(1).setFormula({1, row}, closing(std::to_string(5000 + id * 10 + row))));
+        demand(report.sheet(1).setFormula({1, 4}, "SUM(A1:A3)"));
+        if (id == 4)
+            demand(report.sheet(1).setFormula({1, 5}, R"(Acct(TEXT(A1+300,"0"),"2","","2025","1","2"))"));
+        ledger.addReport(id, "表" + std::to_string(id), spreadsheet::saveContent(report));
+    }
+    Workbook workbook;
+    for (int id = 1; id <= 4; ++id)
+        demand(workbook.sheet(1).setFormula({1, id}, "REF_F(\"表" + std::to_string(id) + "\",\"A4\",\"1\")"));
+    demand(workbook.sheet(1).setFormula({1, 5}, R"(REF_F("表4","A5","1"))"));
+    demand(workbook.sheet(1).setFormula({1, 6}, closing("1001")));
+    demand(workbook.sheet(1).setFormula({1, 7}, R"(REF_F("无此表","A1","1"))"));
+    ReportEvaluation evaluation(workbook, sharedContext.database);
+    evaluation.addSelfFunction();
+    openConnection(gConnString);
+    ledger.server.journal.clear();
+    evaluation.recalculate();
+    // Five contents, the calls, and the one that had to wait.
+    EXPECT_EQ(ledger.server.journal.requests().size(), 7U);
+    for (int id = 1; id <= 4; ++id)
+        EXPECT_EQ(workbook.sheet(1).displayText({1, id}), std::to_string(3 * (5000 + id * 10 + 2))) << id;
+    EXPECT_EQ(workbook.sheet(1).displayText({1, 5}), "5341.00");
+    EXPECT_EQ(workbook.sheet(1).displayText({1, 6}), "100.25");
+    ASSERT_EQ(evaluation.diagnostics().size(), 1U);
+    EXPECT_EQ(evaluation.diagnostics()[0].reason, "没有名为“无此表”的报表");
 }
 
 /// The names of what is measured, the chart with what the calls reach, and the amounts.
