@@ -3,6 +3,8 @@
 #include "platform/database/session/DatabaseError.h"
 #include "state/mdlMain.h"
 #include "tests/fetch/TestLedger.h"
+#include "tests/tdsserver/TdsServer.h"
+#include "tests/torture/ImpatientUser.h"
 
 #include <atomic>
 #include <gtest/gtest.h>
@@ -144,6 +146,43 @@ private:
     std::shared_ptr<Gate> m_gate;
     bool m_leaves;
 };
+
+/// Between two of its calls the driver waits by itself until the server has confirmed a cancellation. This
+/// one never does, and the user cancels while rows are read.
+TEST(DriverCall, ReadingManyRowsIsLeftThoughTheServerConfirmsNothing)
+{
+    using namespace std::chrono_literals;
+    using torture::ImpatientUser;
+    const std::string manyRows =
+        "select a.*,b.*,c.* from tblSelfReportFieldKey as a,tblSelfReportFieldKey as "
+        "b,tblSelfReportFieldKey as c,tblSelfReportFieldKey as d";
+    const test::TestLedger ledger;
+    tds::TdsServer server(ledger.file());
+    auto connection = openConnection(server.connectionString());
+    const auto begun = ImpatientUser::Clock::now();
+    ASSERT_EQ(rowsOf(connection, manyRows), 14U * 14 * 14 * 14);
+    const auto whole = ImpatientUser::Clock::now() - begun;
+    int cancelled = 0;
+    for (const int percent : {60, 65, 70, 75, 80, 85, 90, 95}) {
+        server.faults.clear();
+        server.faults.order({tds::Step::attention, tds::Cut::beforeReply, tds::Ending::silent});
+        connection = openConnection(server.connectionString());
+        ImpatientUser user;
+        const UserWaitInUse inUse(user);
+        std::thread clock([&] {
+            std::this_thread::sleep_for(whole * percent / 100);
+            user.isSilent = true;
+        });
+        try {
+            rowsOf(connection, manyRows);
+        } catch (const WorkCancelled&) {
+            ++cancelled;
+        }
+        clock.join();
+        EXPECT_LT(user.waited, 500ms) << percent;
+    }
+    EXPECT_GT(cancelled, 2);
+}
 
 enum class Expected { result, cancelled, unknown };
 

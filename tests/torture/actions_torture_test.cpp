@@ -4,10 +4,10 @@
 #include "tests/tdsserver/TdsServer.h"
 #include "tests/torture/EmbeddedSteps.h"
 #include "tests/torture/FaultyFiles.h"
+#include "tests/torture/ImpatientUser.h"
 #include "tests/torture/WindowActions.h"
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <future>
 #include <gtest/gtest.h>
@@ -16,7 +16,6 @@
 #include <sstream>
 #include <string_view>
 #include <thread>
-#include <utility>
 
 namespace selfreport::torture {
 namespace {
@@ -25,38 +24,6 @@ using namespace std::chrono_literals;
 using tds::Cut;
 using tds::Ending;
 using tds::Step;
-
-/// A user who cancels once a server has fallen silent.
-class ImpatientUser : public UserWait {
-public:
-    CallEnd runApart(std::function<void()> call, std::function<void()> stop) override
-    {
-        std::packaged_task<void()> task(std::move(call));
-        const std::future<void> ended = task.get_future();
-        std::thread thread(std::move(task));
-        auto leavesAt = std::chrono::steady_clock::time_point::max();
-        bool hasCancelled = false;
-        while (ended.wait_for(5ms) != std::future_status::ready) {
-            if (!isSilent)
-                continue;
-            if (!std::exchange(hasCancelled, true))
-                leavesAt = std::chrono::steady_clock::now() + longestWait;
-            if (std::chrono::steady_clock::now() > leavesAt) {
-                thread.detach();
-                return CallEnd::leftBehind;
-            }
-            if (stop)
-                stop();
-        }
-        thread.join();
-        return hasCancelled ? CallEnd::cancelled : CallEnd::done;
-    }
-    bool pause() override { return false; }
-    bool isCancelled() const override { return false; }
-
-    std::atomic<bool> isSilent = false;
-    std::chrono::milliseconds longestWait{450};
-};
 
 struct Outcome {
     std::string told; ///< by boxes, else what came of it

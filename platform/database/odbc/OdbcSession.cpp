@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <sqlext.h>
 #include <sqlucode.h>
 #include <sys/socket.h>
@@ -92,10 +93,13 @@ public:
     Running& operator=(const Running&) = delete;
 
     bool isYoung() const { return std::chrono::steady_clock::now() - m_start < cancellableAge; }
+    /// Where no call of the statement is under way, the driver itself waits for the server to confirm: apart,
+    /// as a server that says nothing must not hold up whoever cancels.
     void cancel()
     {
         m_isCancelled = true;
-        SQLCancel(statement.handle());
+        if (!m_asking.valid() || m_asking.wait_for(std::chrono::seconds(0)) == std::future_status::ready)
+            m_asking = std::async(std::launch::async, [handle = statement.handle()] { SQLCancel(handle); });
     }
     /// What was read of a cancelled statement may lack rows without a word from the driver.
     void throwIfCancelled() const
@@ -114,6 +118,7 @@ private:
     OdbcSession& m_session;
     const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
     std::atomic<bool> m_isCancelled = false;
+    std::future<void> m_asking; ///< waited for before the statement is freed
 };
 
 OdbcSession::OdbcSession(const OdbcTarget& target)

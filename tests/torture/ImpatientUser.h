@@ -1,0 +1,47 @@
+#pragma once
+#include "platform/services/UserWait.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <future>
+#include <optional>
+#include <thread>
+
+namespace selfreport::torture {
+
+/// A user who cancels once a server has fallen silent, and waits for the end no longer than windows do.
+class ImpatientUser : public UserWait {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    CallEnd runApart(std::function<void()> call, std::function<void()> stop) override
+    {
+        std::packaged_task<void()> task(std::move(call));
+        const std::future<void> ended = task.get_future();
+        std::thread thread(std::move(task));
+        std::optional<Clock::time_point> cancelledAt;
+        bool isLeft = false;
+        while (!isLeft && ended.wait_for(std::chrono::milliseconds(5)) != std::future_status::ready) {
+            if (!isSilent)
+                continue;
+            cancelledAt = cancelledAt.value_or(Clock::now());
+            if (stop)
+                stop();
+            isLeft = Clock::now() - *cancelledAt > longestWait;
+        }
+        if (cancelledAt)
+            waited = std::max<Clock::duration>(waited, Clock::now() - *cancelledAt);
+        isLeft ? thread.detach() : thread.join();
+        return isLeft ? CallEnd::leftBehind : cancelledAt ? CallEnd::cancelled : CallEnd::done;
+    }
+    bool pause() override { return isSilent; }
+    bool isCancelled() const override { return false; } ///< each call is asked about by itself
+
+    std::atomic<bool> isSilent = false;
+    std::chrono::milliseconds longestWait{450};
+    Clock::duration waited{}; ///< longest time from a cancellation until it could go on
+};
+
+} // namespace selfreport::torture
