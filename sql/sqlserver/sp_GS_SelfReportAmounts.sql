@@ -6,8 +6,9 @@
 --     fPeriod1 varchar(10) collate database_default, fPeriod2 varchar(10) collate database_default)
 --
 -- One row set: callOrdinal, callReturn, the amount f, and n, which is 0 if the call's own row set is empty. A call that
--- has no row here is to be made alone: one that fails, or is written in an uncommon way. So are all, if the procedure
--- that is installed is not ours. What a call means is written down in docs/ledger.md.
+-- has no row here is to be made alone: one that fails, or is written in an uncommon way. The caller looks whether
+-- sp_GS_AcctProc is ours and of the same version: it knows when it looked last, and looking costs some servers more than
+-- the calls. What a call means is written down in docs/ledger.md.
 if object_id('sp_GS_SelfReportAmounts') is null
   exec('create procedure sp_GS_SelfReportAmounts as return 0')
 go
@@ -15,9 +16,6 @@ alter procedure sp_GS_SelfReportAmounts
 as
 begin -- self-report ledger procedure, version 2
   set nocount on
-  if not exists(select 1 from sys.sql_modules where object_id=object_id('sp_GS_AcctProc')
-      and definition like '%self-report ledger procedure, version 2%')
-    return 0
 
   -- The working tables are made from the columns that they are compared with: so they have their collations, whatever
   -- the database's own is.
@@ -43,16 +41,18 @@ begin -- self-report ledger procedure, version 2
     +N' a.fPeriod=e.fPeriod and a.fDetailId=e.fDetailid and a.fCurrencyid=e.fCurrencyid ) '
   select @plain=@from+N' where  1=1  ', @q=N'''', @mark=nchar(7), @step=0, @where=N'  where 1=1  and (fNumber',
     @joined=@from+N' left outer join tblItemDetailV as c on c.fdetailId=a.fDetailId   where a.fDetailId<>0 '
-  select t.id, cast(case when charindex(@plain, t.strSql)=1 then 0 else 1 end as int) as joins,
-      cast(case when charindex(@plain, t.strSql)=1 or charindex(@joined, t.strSql)=1 then 1 else 0 end as int) as isKnown,
-      cast(substring(t.strSql, case when charindex(@plain, t.strSql)=1 then len(@plain+N'.') else len(@joined+N'.') end, 2000)
+  select t.id, cast(case t.beginning when 1 then 0 else 1 end as int) as joins,
+      cast(case t.beginning when 0 then 0 else 1 end as int) as isKnown,
+      cast(substring(t.strSql, case t.beginning when 1 then len(@plain+N'.') else len(@joined+N'.') end, 2000)
         as nvarchar(2000)) collate Latin1_General_BIN2 as rest,
       cast(N'' as nvarchar(2000)) collate Latin1_General_BIN2 as head,
       cast(N'' as nvarchar(2000)) collate Latin1_General_BIN2 as inside,
       cast(N'' as nvarchar(2000)) as code, cast(N'' as nvarchar(20)) as tail, cast(N'' as nvarchar(20)) as compare,
       cast(null as nvarchar(200)) as itemTable,
       cast(0 as int) as codes, cast(0 as int) as part, cast(0 as int) as isAccount, cast(0 as int) as isRange
-    into #text from #selfReportText as t
+    into #text from (select id, strSql, case when charindex(@plain collate Latin1_General_BIN2, strSql)=1 then 1
+        when charindex(@joined collate Latin1_General_BIN2, strSql)=1 then 2 else 0 end as beginning
+      from #selfReportText) as t
   update #text set isKnown=0 where charindex(@mark, rest)>0
   while 1=1
   begin
@@ -100,7 +100,8 @@ begin -- self-report ledger procedure, version 2
       case when ltrim(rtrim(c.fPeriod1))='' then 1 else cast(ltrim(rtrim(c.fPeriod1)) as int) end,
       case when ltrim(rtrim(c.fPeriod2))='' then null else cast(ltrim(rtrim(c.fPeriod2)) as int) end, 0, 0
     from #selfReportCall as c join #text as t on t.id=c.textId
-    where t.isKnown=1 and ltrim(rtrim(c.fYear))+ltrim(rtrim(c.fPeriod1))+ltrim(rtrim(c.fPeriod2)) not like '%[^0-9]%'
+    where t.isKnown=1 and (ltrim(rtrim(c.fYear))+ltrim(rtrim(c.fPeriod1))+ltrim(rtrim(c.fPeriod2)))
+        collate Latin1_General_BIN2 not like '%[^0-9]%'
       and len(ltrim(rtrim(c.fYear)))<10 and len(ltrim(rtrim(c.fPeriod1)))<10 and len(ltrim(rtrim(c.fPeriod2)))<10
   update c set kind=case ltrim(rtrim(k.fKey)) when '1' then 1 when '2' then 2 when '3' then 3 when '4' then 4
       when '5' then 5 when '6' then 6 when '7' then 7 when '8' then 8 when '9' then 9 when '10' then 10
@@ -144,7 +145,8 @@ begin -- self-report ledger procedure, version 2
   select @itemTable=min(itemTable) from #part where isAccount=0
   while @itemTable is not null
   begin
-    select @name=case when fitemtable like '%[^A-Za-z0-9_.]%' then quotename(fitemtable) else fitemtable end
+    select @name=case when fitemtable collate Latin1_General_BIN2 like '%[^A-Za-z0-9_.]%'
+        then quotename(fitemtable) else fitemtable end
       from tblItemClass where fitemtable=@itemTable
     set @sql=N'select cast(0 as int) as textId, cast(0 as int) as part, cast(N'''' as nvarchar(20)) as compare, '
       +N'cast(fNumber as varchar(2000)) as low, cast(fNumber as varchar(2000)) as high into #code from '+@name+N' where 1=0
@@ -192,13 +194,14 @@ begin -- self-report ledger procedure, version 2
     exec sp_executesql @rows
   end
 
+  -- Of sides the other one is nothing. An account is left out if another that stands above it has rows too.
+  update #row set amount=-amount where side=-1
+  update #row set amount=0 where side<>0 and amount<0
+  select r.ordinal, sum(r.amount) as amount, sum(r.n) as n into #sum from #row as r
+    where not exists(select 1 from #above as u join #row as o on o.account=u.above
+      where u.account=r.account and o.ordinal=r.ordinal) group by r.ordinal
   select c.ordinal as callOrdinal, c.returned as callReturn, s.amount as f, isnull(s.n,0) as n
-    from #call as c left join (
-      select r.ordinal, sum(case when r.side=0 then r.amount when r.side=1 and r.amount>0 then r.amount
-          when r.side=-1 and r.amount<0 then -r.amount when r.amount is not null then 0 end) as amount, sum(r.n) as n
-        from #row as r where not exists(select 1 from #above as u join #row as o on o.account=u.above
-          where u.account=r.account and o.ordinal=r.ordinal)
-        group by r.ordinal) as s on s.ordinal=c.ordinal
+    from #call as c left join #sum as s on s.ordinal=c.ordinal
   return 1
 end
 go

@@ -1,5 +1,6 @@
 #include "fetch/ledger_fetch.h"
 #include "platform/database/Connection.h"
+#include "platform/database/dialect/ledger_companion.h"
 #include "tests/tdsserver/RealServer.h"
 
 #include <gtest/gtest.h>
@@ -34,8 +35,8 @@ TEST_F(ServerInstallation, AgainKeepsRowsAndRights)
     m_connection->execute("insert into tblSelfReportFieldKey values(3,'98','自定义')");
     m_connection->execute("insert into tblCurrency values(1,'RMB','人民币')");
     const std::string object = text("select object_id('sp_GS_AcctProc') as f"); // rights hang on the object
-    for (const char* script : {"tables.sql", "sp_GS_SelfReportAmount.sql", "sp_GS_SelfReportAmounts.sql",
-                               "sp_GS_AcctProc.sql", "field_keys.sql"})
+    for (const char* script : {"tables.sql", "indexes.sql", "sp_GS_SelfReportAmount.sql",
+                               "sp_GS_SelfReportAmounts.sql", "sp_GS_AcctProc.sql", "field_keys.sql"})
         EXPECT_NO_THROW(tds::runServerScript(*m_connection, script)) << script;
     EXPECT_EQ(text("select object_id('sp_GS_AcctProc') as f"), object);
     EXPECT_EQ(text("select count(*) as f from tblSelfReportFieldKey"), "15");
@@ -74,7 +75,7 @@ TEST_F(ServerInstallation, ManyCallsGoToTheProcedureThatIsInstalled)
     m_connection->execute("insert into tblAccountBal(faccountid,fDetailId,fYear,fPeriod,fCurrencyid,fEndBal) "
                           "values(1,0,2025,1,1,5)");
     const std::vector<ProcedureCall> calls(
-        50,
+        callsBeforeCompanion,
         ledgerProcedureCall({"1001", "2", "", "", "", ""}, ledgerQuery(parseAccountExpression("1001"), {})));
     const auto amounts = [&] {
         std::set<double> given;

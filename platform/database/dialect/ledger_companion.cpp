@@ -47,14 +47,14 @@ bool areForCompanion(std::span<const ProcedureCall> calls)
 
 std::string companionQuestion()
 {
-    std::string question = "select 1 as f where 1=1";
-    for (const std::string_view procedure : {ledgerProcedure, companion})
-        question += " and exists(select 1 from sys.sql_modules where object_id=object_id('" +
-                    std::string(procedure) + "') and definition like '%" + std::string(marker) + "%')";
-    return question;
+    const auto number = [](std::string_view name) { return "object_id('" + std::string(name) + "')"; };
+    return "select " + number(ledgerProcedure) +
+           " as f where 2=(select count(*) from sys.sql_modules where " + "object_id in (" +
+           number(ledgerProcedure) + "," + number(companion) + ") and definition like '%" +
+           std::string(marker) + "%')";
 }
 
-std::string companionBatch(std::span<const ProcedureCall> calls)
+std::string companionBatch(std::span<const ProcedureCall> calls, const std::string& procedureNumber)
 {
     std::map<std::string_view, std::size_t> texts; // each is sent once
     std::string textRows, callRows;
@@ -72,6 +72,7 @@ std::string companionBatch(std::span<const ProcedureCall> calls)
     std::string batch(tables);
     batch.append(" insert into #selfReportText values").append(textRows);
     batch.append(" insert into #selfReportCall values").append(callRows);
+    batch.append(" if object_id('").append(ledgerProcedure).append("')=").append(procedureNumber);
     batch.append(" exec ").append(companion);
     return batch.append(" drop table #selfReportText drop table #selfReportCall");
 }

@@ -253,37 +253,34 @@ Recordset OdbcSession::rowsUnlessRefused(std::string_view sql)
     }
 }
 
-/// The companion's answers; what it leaves has none. It is not asked again where it gave nothing at all: it
-/// may not be used, or the procedure was replaced.
+/// Whether the companion is to be used; it is looked for again after a while, as procedures may be replaced.
+bool OdbcSession::hasCompanion()
+{
+    constexpr std::chrono::minutes knownFor(1);
+    const auto now = std::chrono::steady_clock::now();
+    if (!m_companion || now - m_companion->since > knownFor) {
+        const Recordset rows = rowsUnlessRefused(companionQuestion());
+        m_companion = Companion{rows.rowCount() == 1 ? rows.text(0, "f") : "", now};
+    }
+    return !m_companion->procedureNumber.empty();
+}
+
+/// The companion's answers; what it leaves has none. Where it gave nothing at all it is not asked again for a
+/// while: it may not be used, or the procedure was replaced.
 std::vector<std::optional<ProcedureResult>> OdbcSession::callTogether(std::span<const ProcedureCall> calls)
 {
     std::vector<std::optional<ProcedureResult>> answers(calls.size());
-    if (!areForCompanion(calls))
+    m_callsSoFar += calls.size();
+    if (!areForCompanion(calls) || m_callsSoFar < callsBeforeCompanion)
         return answers;
-    if (!m_hasCompanion)
-        m_hasCompanion = rowsUnlessRefused(companionQuestion()).rowCount() == 1;
-    if (!*m_hasCompanion)
-        return answers;
-    const Recordset rows = rowsUnlessRefused(companionBatch(calls));
-    m_hasCompanion = !rows.isEmpty();
-    return rows.isEmpty() ? answers : companionAnswers(rows, calls.size());
-}
-
-std::vector<std::optional<ProcedureResult>> OdbcSession::callBatch(std::span<const ProcedureCall> calls)
-{
-    auto answers = callTogether(calls);
-    std::vector<ProcedureCall> left;
-    std::vector<std::size_t> places;
-    for (std::size_t at = 0; at < calls.size(); ++at)
-        if (!answers[at]) {
-            left.push_back(calls[at]);
-            places.push_back(at);
-        }
-    if (left.empty())
-        return answers;
-    auto others = callOneByOne(left);
-    for (std::size_t at = 0; at < left.size(); ++at)
-        answers[places[at]] = std::move(others[at]);
+    for (std::size_t first = 0; first < calls.size() && hasCompanion(); first += mostCallsTogether) {
+        const auto some = calls.subspan(first, std::min(mostCallsTogether, calls.size() - first));
+        const Recordset rows = rowsUnlessRefused(companionBatch(some, m_companion->procedureNumber));
+        if (rows.isEmpty())
+            m_companion->procedureNumber.clear();
+        std::ranges::move(companionAnswers(rows, some.size()),
+                          answers.begin() + static_cast<std::ptrdiff_t>(first));
+    }
     return answers;
 }
 
@@ -327,7 +324,7 @@ std::vector<std::optional<ProcedureResult>> OdbcSession::callOneByOne(std::span<
 std::size_t OdbcSession::settleBatch(std::span<const ProcedureCall> batch,
                                      std::vector<ProcedureResult>& results)
 {
-    auto answers = callBatch(batch);
+    auto answers = callOneByOne(batch);
     std::size_t settled = batch.size();
     while (settled > 0 && !answers[settled - 1])
         --settled;
@@ -342,6 +339,28 @@ std::size_t OdbcSession::settleBatch(std::span<const ProcedureCall> batch,
 }
 
 std::vector<ProcedureResult> OdbcSession::callProcedures(std::span<const ProcedureCall> calls)
+{
+    std::vector<std::optional<ProcedureResult>> answers;
+    try {
+        answers = callTogether(calls);
+    } catch (const DatabaseError& error) {
+        if (!error.isTimeOut)
+            throw;
+        return {calls.size(), ProcedureResult{.error = error}};
+    }
+    std::vector<ProcedureCall> left;
+    for (std::size_t at = 0; at < calls.size(); ++at)
+        if (!answers[at])
+            left.push_back(calls[at]);
+    std::vector<ProcedureResult> others = callInBatches(left);
+    std::vector<ProcedureResult> results;
+    auto other = others.begin();
+    for (std::optional<ProcedureResult>& answer : answers)
+        results.push_back(std::move(answer ? *answer : *other++));
+    return results;
+}
+
+std::vector<ProcedureResult> OdbcSession::callInBatches(std::span<const ProcedureCall> calls)
 {
     constexpr int mostBrokenBatches = 8; // from then on batches would cost more than they save
     int brokenBatches = 0;

@@ -5,6 +5,7 @@
 #include "platform/database/session/Session.h"
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <optional>
 #include <sql.h>
@@ -36,6 +37,11 @@ public:
 
 private:
     class Running;
+    /// That of the ledger's procedure.
+    struct Companion {
+        std::string procedureNumber; ///< "": there is none
+        std::chrono::steady_clock::time_point since;
+    };
 
     void connect(const OdbcTarget& target);
     void setAutocommit(bool on);
@@ -43,9 +49,10 @@ private:
     ProcedureResult callAlone(const ProcedureCall& call);
     Recordset firstRows(Running& running, std::string_view sql, BinaryColumns binaries);
     Recordset rowsUnlessRefused(std::string_view sql);
+    bool hasCompanion();
     std::vector<std::optional<ProcedureResult>> callTogether(std::span<const ProcedureCall> calls);
     std::vector<std::optional<ProcedureResult>> callOneByOne(std::span<const ProcedureCall> calls);
-    std::vector<std::optional<ProcedureResult>> callBatch(std::span<const ProcedureCall> calls);
+    std::vector<ProcedureResult> callInBatches(std::span<const ProcedureCall> calls);
     std::size_t settleBatch(std::span<const ProcedureCall> batch, std::vector<ProcedureResult>& results);
 
     SQLHENV m_environment = SQL_NULL_HENV;
@@ -57,7 +64,8 @@ private:
     std::int64_t m_signsOfLife = 0;
     bool m_inTransaction = false;
     std::optional<TextColumns> m_textColumns; ///< once they were asked for
-    std::optional<bool> m_hasCompanion;       ///< of the ledger's procedure, once it was asked for
+    std::optional<Companion> m_companion;     ///< once it was looked for
+    std::size_t m_callsSoFar = 0;             ///< of the ledger's procedure, or any other
     bool m_isSpoiled = false;                 ///< a transaction did not end cleanly: not for reuse
     std::atomic<bool> m_isCut = false;
     std::mutex m_runningMutex;

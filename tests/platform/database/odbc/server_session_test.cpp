@@ -266,7 +266,8 @@ TEST(ServerSession, ABatchThatRanOutOfTimeIsTheAnswerOfAllItsCalls)
     const std::vector<ProcedureCall> calls(273, amountOf("1001"));       // two round trips
     for (const auto ending : {tds::Ending::held, tds::Ending::silent}) { // acknowledges the end, or does not
         const auto connection = openConnection(server.connectionString("Command Timeout=1"));
-        connection->callProcedures(std::span(calls).first(200)); // the session knows what the server has
+        for (int time = 0; time < 2; ++time) // the session knows what the server has
+            connection->callProcedures(std::span(calls).first(200));
         server.faults.order({tds::Step::batch, tds::Cut::beforeReply, ending, {}, {}});
         server.journal.clear();
         const auto start = std::chrono::steady_clock::now();
