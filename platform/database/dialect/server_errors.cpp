@@ -88,6 +88,17 @@ constexpr std::array meanings{
     Meaning{824, Kind::other, damageText},
 };
 
+constexpr std::int32_t toldInWords = 33557097;
+
+struct Words {
+    std::string_view begin, end; ///< with a name between
+    std::int32_t number;
+};
+constexpr std::array words{
+    Words{"relation \"", "\" does not exist", 208},
+    Words{"column \"", "\" does not exist", 207},
+};
+
 const Meaning* meaningOf(std::span<const std::int32_t> numbers)
 {
     const auto found = std::ranges::find_first_of(meanings, numbers, {}, &Meaning::number);
@@ -102,6 +113,16 @@ bool isOf(std::span<const std::int32_t> numbers, Kind kind)
 }
 
 } // namespace
+
+std::int32_t commonNumber(std::int32_t number, std::string_view text)
+{
+    if (number != toldInWords)
+        return number;
+    const auto found = std::ranges::find_if(words, [&](const Words& known) {
+        return text.find(known.begin) != std::string_view::npos && text.ends_with(known.end);
+    });
+    return found == words.end() ? number : found->number;
+}
 
 std::string_view serverErrorText(std::span<const std::int32_t> numbers)
 {

@@ -8,6 +8,10 @@ namespace selfreport {
 /// Number of an opening that failed because no encrypted connection could be made of it.
 inline constexpr std::int32_t encryptionRefused = -2146893019;
 
+/// The number of a failure as other servers give it. Some give one number to all that they have none of their
+/// own for, and tell the kind in words.
+std::int32_t commonNumber(std::int32_t number, std::string_view text);
+
 /// What the numbers of a failure mean to the user and what to do next, in a sentence without its end; "" if
 /// none of them is known. Of several the one that tells most.
 std::string_view serverErrorText(std::span<const std::int32_t> numbers);

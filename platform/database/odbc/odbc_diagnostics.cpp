@@ -25,7 +25,7 @@ std::vector<std::int32_t> numbersOf(std::span<const OdbcRecord> records)
 {
     std::vector<std::int32_t> numbers;
     for (const OdbcRecord& record : records)
-        numbers.push_back(record.native);
+        numbers.push_back(commonNumber(record.native, record.text));
     return numbers;
 }
 
@@ -173,7 +173,8 @@ DatabaseError workError(std::span<const OdbcRecord> records)
 {
     const auto numbered =
         std::ranges::find_if(records, [](const OdbcRecord& record) { return record.native != 0; });
-    DatabaseError error(numbered == records.end() ? unspecifiedError : numbered->native,
+    DatabaseError error(numbered == records.end() ? unspecifiedError
+                                                  : commonNumber(numbered->native, numbered->text),
                         joinedTexts(records));
     error.isTimeOut =
         saysTimeOut(numbersOf(records)) || std::ranges::any_of(records, [](const OdbcRecord& record) {

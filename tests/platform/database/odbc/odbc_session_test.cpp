@@ -112,6 +112,9 @@ TEST(OdbcDiagnostics, NumbersComeWithANextStep)
         {{{"HY000", 1222, "x"}}, "占用", Thrown::plain},
         {{{"HY000", -2, "x"}}, "超时", Thrown::plain},
         {{{"HYT00", 0, "x"}}, "超时", Thrown::plain},
+        {{{"42000", 208, "x"}}, "找不到表", Thrown::plain},
+        {{{"42000", 33557097, "[x]relation \"tblcwselfreport\" does not exist"}}, "找不到表", Thrown::plain},
+        {{{"42000", 33557097, "[x]column \"fname\" does not exist"}}, "找不到列", Thrown::plain},
         {{{"01000", 596, "x"}}, "管理员", Thrown::lost},
         {{{"01000", 20017, "x"}}, "断开", Thrown::lost},
     };
