@@ -55,10 +55,12 @@ begin
 
   -- Only the text of a report's call is understood: a known beginning, then conditions on codes. The statement is put
   -- together anew from them. So nothing of the text is run, and what stands between quotes becomes a parameter, that
-  -- one plan may serve all codes. Six of them have names, more are quoted.
+  -- one plan may serve all codes. Six of them have names, more are pieces of one parameter. Texts are compared as
+  -- bytes: a collation may take other characters for equal to a quote.
   declare @from nvarchar(max), @rest nvarchar(2000), @head nvarchar(2000), @quote int, @end int, @tail nvarchar(20),
     @column nvarchar(10), @compare nvarchar(20), @table nvarchar(200), @text nvarchar(2000), @value nvarchar(max),
-    @texts int, @isRange int, @isOne int, @isUnderstood int, @accounts nvarchar(max), @rows nvarchar(max),
+    @handed nvarchar(2000), @codes nvarchar(2000), @texts int, @isRange int, @isOne int, @isUnderstood int,
+    @accounts nvarchar(max), @rows nvarchar(max),
     @p1 varchar(2000), @p2 varchar(2000), @p3 varchar(2000), @p4 varchar(2000), @p5 varchar(2000), @p6 varchar(2000)
   set @from=N' from tblAccountBal as a left outer join tblAccount as b on a.faccountid=b.fitemid '
     +N' left outer join tblQtyBalance as d on (a.fAccountId=d.fAccountId and a.fYear=d.fYear and '
@@ -66,50 +68,53 @@ begin
     +N' left outer join tblProfitAndLoss as e on (a.fAccountId=e.fAccountId and a.fYear=e.fYear and '
     +N' a.fPeriod=e.fPeriod and a.fDetailId=e.fDetailid and a.fCurrencyid=e.fCurrencyid ) '
   select @head=@from+N' where  1=1  ', @rows=N' and a.fDetailId=0'
-  if charindex(@head, @strSql)<>1
+  select @handed=@strSql, @codes=N''
+  if charindex(@head collate Latin1_General_BIN2, @handed)<>1
     select @head=@from+N' left outer join tblItemDetailV as c on c.fdetailId=a.fDetailId   where a.fDetailId<>0 ',
       @rows=N' and a.fDetailId<>0'
-  select @isUnderstood=case when charindex(@head, @strSql)=1 then 1 else 0 end,
-    @rest=substring(@strSql, len(@head+N'.'), 2000), @texts=0, @tail=N'', @isRange=0, @isOne=0, @accounts=N''
-  set @quote=charindex(N'''', @rest)
+  select @isUnderstood=case when charindex(@head collate Latin1_General_BIN2, @handed)=1 then 1 else 0 end,
+    @rest=substring(@handed, len(@head+N'.'), 2000), @texts=0, @tail=N'', @isRange=0, @isOne=0, @accounts=N''
+  set @quote=charindex(N'''' collate Latin1_General_BIN2, @rest)
   while @isUnderstood=1 and @quote>0
   begin
-    set @end=charindex(N'''', @rest, @quote+1)
-    while @end>0 and substring(@rest, @end+1, 1)=N'''' -- doubled
-      set @end=charindex(N'''', @rest, @end+2)
-    select @text=ltrim(rtrim(replace(substring(@rest, @quote+1, @end-@quote-1), N'''''', N''''))),
-      @head=left(@rest, @quote-1), @texts=@texts+1
+    set @end=charindex(N'''' collate Latin1_General_BIN2, @rest, @quote+1)
+    while @end>0 and substring(@rest, @end+1, 1)=N'''' collate Latin1_General_BIN2 -- doubled
+      set @end=charindex(N'''' collate Latin1_General_BIN2, @rest, @end+2)
+    select @text=ltrim(rtrim(replace(substring(@rest, @quote+1, @end-@quote-1) collate Latin1_General_BIN2, N'''''',
+      N''''))), @head=left(@rest, @quote-1), @texts=@texts+1
     set @rest=substring(@rest, @end+1, 2000)
-    set @quote=charindex(N'''', @rest)
+    set @quote=charindex(N'''' collate Latin1_General_BIN2, @rest)
     if @texts=1 set @p1=@text
     else if @texts=2 set @p2=@text
     else if @texts=3 set @p3=@text
     else if @texts=4 set @p4=@text
     else if @texts=5 set @p5=@text
     else if @texts=6 set @p6=@text
-    set @value=case when @texts<=6 then N'@p'+cast(@texts as nvarchar(2))
-      else N'N'''+replace(@text, N'''', N'''''')+N'''' end
+    set @value=case when @texts<=6 then N'@p'+cast(@texts as nvarchar(2)) else N'cast(substring(@codes,'
+      +cast(len(@codes+N'.') as nvarchar(4))+N','+cast(len(@text+N'.')-1 as nvarchar(4))+N') as varchar(2000))' end
+    if @texts>6 set @codes=@codes+@text
 
     -- before the quote: the tail of the condition before, then the head of this one
-    if left(@head, len(@tail+N'.')-1)<>@tail
+    if left(@head, len(@tail+N'.')-1)<>@tail collate Latin1_General_BIN2
       set @isUnderstood=0
     set @head=substring(@head, len(@tail+N'.'), 2000)
     if @isRange=0
     begin
-      if left(@head, 15)=N' and (b.fNumber' and @texts=1
+      if left(@head, 15)=N' and (b.fNumber' collate Latin1_General_BIN2 and @texts=1
         select @column=N'b.fNumber', @compare=substring(@head, 16, 20)
       else
       begin
-        select @end=charindex(N'  where 1=1  and (fNumber', @head), @table=null
-        select @table=case when fitemtable like '%[^A-Za-z0-9_.]%' then quotename(fitemtable) else fitemtable end
-          from tblItemClass
-          where left(@head, 40)=N' and c.fitemid in ( select fitemid from ' and fitemtable=substring(@head, 41, @end-41)
+        select @end=charindex(N'  where 1=1  and (fNumber' collate Latin1_General_BIN2, @head), @table=null
+        select @table=case when fitemtable collate Latin1_General_BIN2 like '%[^A-Za-z0-9_.]%'
+            then quotename(fitemtable) else fitemtable end
+          from tblItemClass where fitemtable=substring(@head, 41, @end-41)
+            and left(@head, 40)=N' and c.fitemid in ( select fitemid from ' collate Latin1_General_BIN2
         select @column=N'i.fNumber', @compare=substring(@head, @end+25, 20),
           @rows=@rows+N' and a.fDetailId in(select v.fdetailId from tblItemDetailV as v join '+@table
             +N' as i on i.fitemid=v.fitemid where 1=1'
       end
       select @isRange=case @compare when N'>=' then 1 else 0 end
-      if @rows is null or @compare not in (N'=', N' like ', N'>=')
+      if @rows is null or @compare collate Latin1_General_BIN2 not in (N'=', N' like ', N'>=')
         set @isUnderstood=0
     end
     else
@@ -122,7 +127,7 @@ begin
       select @rows=@rows+@value+case @isRange when 1 then N'' else N')' end,
         @tail=case when @isRange=1 then N' and fNumber<=' when @compare=N'<=' then N'))' else N' ))' end
   end
-  if @isUnderstood=0 or @rest<>@tail or len(@rest+N'.')<>len(@tail+N'.')
+  if @isUnderstood=0 or @rest<>@tail collate Latin1_General_BIN2 or len(@rest+N'.')<>len(@tail+N'.')
   begin
     raiserror(N'取数条件不是报表取数的写法', 16, 1)
     return -1
@@ -154,9 +159,9 @@ begin
       +N' else 0 end) as f from (select sum(amount) as amount'
       +@from+N' group by account,detail) as s having count(s.amount)>0' end
   exec sp_executesql @value, N'@year int,@first int,@last int,@currency int,@p1 varchar(2000),
-    @p2 varchar(2000),@p3 varchar(2000),@p4 varchar(2000),@p5 varchar(2000),@p6 varchar(2000)',
+    @p2 varchar(2000),@p3 varchar(2000),@p4 varchar(2000),@p5 varchar(2000),@p6 varchar(2000),@codes nvarchar(2000)',
     @year=@year, @first=@first, @last=@last, @currency=@currency,
-    @p1=@p1, @p2=@p2, @p3=@p3, @p4=@p4, @p5=@p5, @p6=@p6
+    @p1=@p1, @p2=@p2, @p3=@p3, @p4=@p4, @p5=@p5, @p6=@p6, @codes=@codes
   return 1
 end
 go
