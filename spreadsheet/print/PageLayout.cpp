@@ -1,5 +1,7 @@
 #include "spreadsheet/print/PageLayout.h"
 
+#include "spreadsheet/print/grown_rows.h"
+#include "spreadsheet/print/PageText.h"
 #include "spreadsheet/workbook/Sheet.h"
 
 #include <algorithm>
@@ -27,6 +29,16 @@ std::vector<int> sizesOf(const AxisSizes& axis, int first, int last)
     for (auto own = axis.hidden.lower_bound(first); own != axis.hidden.end() && own->first <= last; ++own)
         if (own->second)
             sizes[static_cast<std::size_t>(own->first - first)] = 0;
+    return sizes;
+}
+
+/// Rows without a height of their own follow their texts.
+std::vector<int> rowSizesOf(const Sheet& sheet, int first, int last)
+{
+    PageText text;
+    std::vector<int> sizes = sizesOf(sheet.settings().rows, first, last);
+    for (const auto& [row, height] : grownRows(sheet, first, last, text))
+        sizes[static_cast<std::size_t>(row - first)] = height;
     return sizes;
 }
 
@@ -124,7 +136,7 @@ void PageLayout::measurePaper(const Sheet& sheet, const PageRequest& request)
 void PageLayout::dealOut(const Sheet& sheet)
 {
     const SheetSettings& settings = sheet.settings();
-    m_rowSizes = sizesOf(settings.rows, m_range->top, m_range->bottom);
+    m_rowSizes = rowSizesOf(sheet, m_range->top, m_range->bottom);
     m_columnSizes = sizesOf(settings.columns, m_range->left, m_range->right);
     m_centredAcross = settings.print.centredAcross;
     m_centredDown = settings.print.centredDown;
@@ -133,7 +145,7 @@ void PageLayout::dealOut(const Sheet& sheet)
     RepeatedRows repeated;
     if (settings.print.titleTop > 0) {
         m_titleTop = settings.print.titleTop;
-        m_titleSizes = sizesOf(settings.rows, m_titleTop, settings.print.titleBottom);
+        m_titleSizes = rowSizesOf(sheet, m_titleTop, settings.print.titleBottom);
         repeated = {settings.print.titleBottom, std::accumulate(m_titleSizes.begin(), m_titleSizes.end(), 0)};
     }
     m_rowBands = pageBands(m_rowSizes, m_range->top, m_body.height - m_columnHeadingHeight, repeated,
@@ -153,6 +165,16 @@ void PageLayout::fitWidth()
     m_body.width =
         m_scale > smallestScale ? static_cast<int>(needed) : static_cast<int>(m_body.width / smallestScale);
     m_body.height = static_cast<int>(m_body.height / m_scale);
+}
+
+std::optional<int> PageLayout::rowSize(int row) const
+{
+    const auto among = [row](const std::vector<int>& sizes, int first) {
+        const bool isThere = row >= first && row - first < static_cast<int>(sizes.size());
+        return isThere ? std::optional(sizes[static_cast<std::size_t>(row - first)]) : std::nullopt;
+    };
+    const std::optional<int> printed = m_range ? among(m_rowSizes, m_range->top) : std::nullopt;
+    return printed ? printed : among(m_titleSizes, m_titleTop);
 }
 
 int PageLayout::pageCount() const

@@ -56,8 +56,8 @@ struct PrintedPage {
 };
 
 /// Which cells stand where on which page: one layout for printer, PDF and preview. Pages go across,
-/// then down. Making it costs a pass over row and column sizes; nothing is drawn and no font is asked.
-/// It keeps to the sheet as it was when made.
+/// then down. Making it costs a pass over row and column sizes and a look at the cells of rows without a
+/// height of their own; nothing is drawn. It keeps to the sheet as it was when made.
 class PageLayout {
 public:
     /// @throws PageLayoutError if the margins leave no room for cells
@@ -83,6 +83,8 @@ public:
     const std::vector<HeaderLine>& header() const { return m_header; }
     /// The stamp's line included.
     const std::vector<HeaderLine>& footer() const { return m_footer; }
+    /// Twips of a row that is printed, here or as a title; nothing of others.
+    std::optional<int> rowSize(int row) const;
     int rowHeadingWidth() const { return m_rowHeadingWidth; } ///< twips; 0: no row headings
     int columnHeadingHeight() const { return m_columnHeadingHeight; }
 

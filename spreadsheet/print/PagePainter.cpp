@@ -60,7 +60,14 @@ void PagePainter::paintCells(QPainter& painter, const PrintedPage& page)
     painter.save();
     painter.setClipRect(QRect(page.cells.left - lineRoom, page.cells.top - lineRoom,
                               rightLimit - page.cells.left + 2 * lineRoom, page.cells.height + 2 * lineRoom));
-    const PageCells cells(m_sheet, page);
+    TrackLengths lengths = lengthsInTwips(m_sheet);
+    lengths.rows = [this](int first, int last) {
+        int sum = 0;
+        for (int row = first; row <= last; ++row)
+            sum += m_layout.rowSize(row).value_or(m_sheet.settings().rows.size(row));
+        return sum;
+    };
+    const PageCells cells(m_sheet, page, std::move(lengths));
     drawBackgrounds(painter, cells, print.colour);
     const std::vector<TextOverflow> overflows =
         CellTextPainter(painter, m_text, cells, print.colour, rightLimit).draw();

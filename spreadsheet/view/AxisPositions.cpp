@@ -6,19 +6,23 @@
 
 namespace spreadsheet {
 
-AxisPositions::AxisPositions(const AxisSizes& sizes, int count, double pixelsPerTwip)
+AxisPositions::AxisPositions(const AxisSizes& sizes, int count, double pixelsPerTwip,
+                             const std::map<int, int>& grown)
     : m_count(count)
 {
     const auto pixels = [pixelsPerTwip](int twips) {
         return twips <= 0 ? 0 : std::max(static_cast<int>(std::lround(twips * pixelsPerTwip)), 1);
     };
     m_size = pixels(sizes.defaultSize);
-    m_own.reserve(sizes.sizes.size() + sizes.hidden.size());
+    m_own.reserve(sizes.sizes.size() + sizes.hidden.size() + grown.size());
     for (const auto& [index, twips] : sizes.sizes)
         if (!sizes.hidden.contains(index))
             m_own.push_back({index, pixels(twips), 0});
     for (const auto& [index, isHidden] : sizes.hidden)
         m_own.push_back({index, 0, 0});
+    for (const auto& [index, twips] : grown)
+        if (!sizes.sizes.contains(index) && !sizes.hidden.contains(index))
+            m_own.push_back({index, pixels(twips), 0});
     std::ranges::sort(m_own, {}, &OwnSize::index);
     std::int64_t end = 0;
     int next = 1;

@@ -12,7 +12,9 @@ class AxisPositions {
 public:
     AxisPositions() = default;
     /// @param count  rows, from 1
-    AxisPositions(const AxisSizes& sizes, int count, double pixelsPerTwip);
+    /// @param grown  heights in twips of rows without a size of their own that need more than the usual one
+    AxisPositions(const AxisSizes& sizes, int count, double pixelsPerTwip,
+                  const std::map<int, int>& grown = {});
 
     int count() const { return m_count; }
     /// Pixels; 0 for a hidden row, at least 1 for every other.

@@ -36,11 +36,11 @@ int lastFirst(const AxisPositions& axis, int frozen, int room)
 
 } // namespace
 
-void CellGeometry::setSheet(const Sheet& sheet, double zoom)
+void CellGeometry::setSheet(const Sheet& sheet, double zoom, const std::map<int, int>& grown)
 {
     const SheetSettings& settings = sheet.settings();
     m_twip = zoom * pixelsPerTwip;
-    m_rows = AxisPositions(settings.rows, settings.rowCount, m_twip);
+    m_rows = AxisPositions(settings.rows, settings.rowCount, m_twip, grown);
     m_columns = AxisPositions(settings.columns, settings.columnCount, m_twip);
     m_frozenRows = std::clamp(settings.frozenRows, 0, settings.rowCount - 1);
     m_frozenColumns = std::clamp(settings.frozenColumns, 0, settings.columnCount - 1);

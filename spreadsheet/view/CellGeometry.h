@@ -6,6 +6,7 @@
 
 #include <QRect>
 
+#include <map>
 #include <vector>
 
 namespace spreadsheet {
@@ -23,7 +24,8 @@ struct Pane {
 class CellGeometry {
 public:
     /// Takes sizes, counts and frozen rows and columns of a sheet.
-    void setSheet(const Sheet& sheet, double zoom);
+    /// @param grown  heights in twips of rows that follow their texts
+    void setSheet(const Sheet& sheet, double zoom, const std::map<int, int>& grown = {});
     /// @param area  headings and cells together
     void setArea(QSize area);
     void setHeadings(bool columns, bool rows);

@@ -28,10 +28,14 @@ int lastDataLine(const Sheet& sheet, Axis axis)
     return axis == Axis::rows ? sheet.lastDataRow() : sheet.lastDataColumn();
 }
 
+/// A row follows its texts from now on, unless the sheet's usual height is more than they need.
 void fitLine(Workbook& book, Sheet& sheet, Axis axis, int line)
 {
     const int size = axis == Axis::rows ? neededRowHeight(sheet, line) : neededColumnWidth(sheet, line);
-    resizeLines(book, sheet, axis, {{line, line}}, size);
+    if (axis == Axis::rows && size >= sheet.settings().rows.defaultSize)
+        freeRows(book, sheet, {{line, line}});
+    else
+        resizeLines(book, sheet, axis, {{line, line}}, size);
 }
 
 } // namespace

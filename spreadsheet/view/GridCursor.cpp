@@ -169,12 +169,10 @@ void GridCursor::setTopLeftCell(CellAddress cell)
         m_control.fitScrollBars(); // one may stand at a hidden line
 }
 
-void GridCursor::bringIntoSight(CellAddress cell)
+/// The top left cell with which a cell is in sight, as near to the present one as can be.
+static CellAddress topLeftShowing(const CellGeometry& geometry, CellAddress cell)
 {
-    const CellGeometry& geometry = m_view.geometry();
     CellAddress topLeft = geometry.topLeft();
-    if (geometry.scrolledArea().isEmpty())
-        return; // not laid out yet
     // Towards the end: as little as brings the line's end into sight.
     const auto lineFor = [](const AxisPositions& axis, int line, int frozen, int first, int room) {
         if (line <= frozen)
@@ -196,8 +194,21 @@ void GridCursor::bringIntoSight(CellAddress cell)
     topLeft.row = lineFor(geometry.rows(), cell.row, geometry.frozenRows(), topLeft.row, area.height());
     topLeft.column =
         lineFor(geometry.columns(), cell.column, geometry.frozenColumns(), topLeft.column, area.width());
-    if (topLeft != geometry.topLeft())
+    return topLeft;
+}
+
+void GridCursor::bringIntoSight(CellAddress cell)
+{
+    constexpr int mostSteps = 3; // rows that come into sight may turn out to be taller
+    for (int step = 0; step < mostSteps; ++step) {
+        const CellGeometry& geometry = m_view.geometry();
+        if (geometry.scrolledArea().isEmpty())
+            return; // not laid out yet
+        const CellAddress topLeft = topLeftShowing(geometry, cell);
+        if (topLeft == geometry.topLeft())
+            return;
         setTopLeftCell(topLeft);
+    }
 }
 
 } // namespace spreadsheet

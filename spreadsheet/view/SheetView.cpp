@@ -56,8 +56,10 @@ void SheetView::showSheet()
     if (known == m_states.end())
         m_selection.setActive(sheet(), {1, 1});
     m_selection.fitInto(sheet());
+    m_fitted.forget();
     measure();
     m_geometry.scrollTo(state.topLeft);
+    fitRows();
     setCopied(m_copied ? m_copied->first : 0, m_copied ? std::optional(m_copied->second) : std::nullopt);
     setReferences(std::move(m_frames));
     repaintAll();
@@ -67,7 +69,20 @@ void SheetView::showSheet()
 void SheetView::measure()
 {
     m_settingsRevision = sheet().settingsRevision();
-    m_geometry.setSheet(sheet(), m_zoom);
+    m_geometry.setSheet(sheet(), m_zoom, m_fitted.heights());
+    fitRows();
+}
+
+/// Rows without a height of their own follow their texts. True if one has another height now.
+bool SheetView::fitRows()
+{
+    constexpr int mostRounds = 4; // taller rows leave fewer in sight, so it settles at once
+    int round = 0;
+    while (round < mostRounds && m_fitted.fit(sheet(), m_workbook->revision(), m_geometry)) {
+        m_geometry.setSheet(sheet(), m_zoom, m_fitted.heights());
+        ++round;
+    }
+    return round > 0;
 }
 
 void SheetView::setZoom(double zoom)
@@ -82,6 +97,7 @@ void SheetView::setZoom(double zoom)
 void SheetView::setArea(QSize area)
 {
     m_geometry.setArea(area);
+    fitRows();
     repaintAll();
 }
 
@@ -137,6 +153,10 @@ bool SheetView::scrollTo(CellAddress topLeft)
     const CellGeometry before = m_geometry;
     update();
     m_geometry.scrollTo(topLeft);
+    if (fitRows()) {
+        repaintAll();
+        return true;
+    }
     if (m_geometry.topLeft() == before.topLeft())
         return false;
     if (m_geometry.headingWidth() != before.headingWidth() || m_geometry.cellArea() != before.cellArea()) {
@@ -212,6 +232,10 @@ bool SheetView::update()
     if (sheet().settingsRevision() != m_settingsRevision) {
         measure();
         m_selection.fitInto(sheet());
+        repaintAll();
+        return true;
+    }
+    if (fitRows()) {
         repaintAll();
         return true;
     }

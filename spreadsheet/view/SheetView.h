@@ -2,6 +2,7 @@
 #include "spreadsheet/view/BackingStore.h"
 #include "spreadsheet/view/CellGeometry.h"
 #include "spreadsheet/view/CellPainter.h"
+#include "spreadsheet/view/FittedRows.h"
 #include "spreadsheet/view/HeadingPainter.h"
 #include "spreadsheet/view/Selection.h"
 #include "spreadsheet/view/SelectionPainter.h"
@@ -69,6 +70,7 @@ private:
     SelectionPainter painter() const { return {sheet(), m_geometry, m_selection}; }
     std::function<bool(CellAddress)> noteMarks() const;
     void measure();
+    bool fitRows();
     void keepSheetState();
     void refreshPlaces();
     void freshenStore();
@@ -83,6 +85,7 @@ private:
     int m_sheetId = 0;
     std::uint64_t m_settingsRevision = 0;
     CellGeometry m_geometry;
+    FittedRows m_fitted;
     Selection m_selection;
     CellOverlays m_overlays;
     std::optional<std::pair<int, CellRange>> m_copied; ///< sheet id and range

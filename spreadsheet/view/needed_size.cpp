@@ -1,6 +1,7 @@
 #include "spreadsheet/view/needed_size.h"
 
 #include "spreadsheet/print/CellBehaviour.h"
+#include "spreadsheet/print/grown_rows.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/view/commands/structure.h"
@@ -14,33 +15,24 @@ namespace spreadsheet {
 namespace {
 
 constexpr double paddingAcross = 110; // twips beside a text, the grid line included
-constexpr double paddingDown = 50;
 constexpr int leastWidth = 240;
 constexpr int gap = 20; // between a text and what stands beside it
 
 } // namespace
 
+int shownRowHeight(const Sheet& sheet, int row)
+{
+    PageText text;
+    const std::map<int, int> grown = grownRows(sheet, row, row, text);
+    return grown.empty() ? sheet.settings().rows.size(row) : grown.begin()->second;
+}
+
 int neededRowHeight(const Sheet& sheet, int row)
 {
     PageText text;
     double needed = defaultRowHeight;
-    for (int column = 1; column <= sheet.storedColumns(); ++column) {
-        const CellAddress cell{column, row};
-        if (sheet.spanAt(cell))
-            continue;
-        const CellStyle& style = sheet.style(cell);
-        const std::string shown = sheet.displayText(cell);
-        if (shown.empty())
-            continue;
-        const double width = sheet.settings().columns.size(column) - 80;
-        const auto lines = text.lines(
-            QString::fromUtf8(shown),
-            text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic}),
-            style.wrap ? std::optional(width) : std::nullopt);
-        needed = std::max(needed, style.font.points * twipsPerPoint * lineDistance *
-                                          static_cast<double>(lines.size()) +
-                                      paddingDown);
-    }
+    for (int column = 1; column <= sheet.storedColumns(); ++column)
+        needed = std::max(needed, neededCellHeight(sheet, {column, row}, text));
     return std::min(static_cast<int>(std::ceil(needed)), maxLineSize);
 }
 

@@ -5,6 +5,7 @@
 #include "spreadsheet/workbook/CellMove.h"
 #include "spreadsheet/workbook/Sheet.h"
 #include "spreadsheet/workbook/sheet_name.h"
+#include "spreadsheet/workbook/TallCells.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/UndoJournal.h"
 #include "spreadsheet/workbook/Workbook.h"

@@ -2,6 +2,7 @@
 
 #include "platform/windows/buttons.h"
 #include "spreadsheet/cells/SheetSettings.h"
+#include "spreadsheet/view/needed_size.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/formatting/cell_commands.h"
 
@@ -31,8 +32,9 @@ frmLineSize::frmLineSize(spreadsheet::SpreadsheetControl& grid, Lines lines, QWi
     m_size->setSuffix(QStringLiteral(" 磅"));
     const auto& settings = grid.cells().sheet().settings();
     const spreadsheet::CellAddress cell = grid.cursor().activeCell();
-    m_size->setValue((rows ? settings.rows.size(cell.row) : settings.columns.size(cell.column)) /
-                     spreadsheet::twipsPerPoint);
+    m_size->setValue(
+        (rows ? shownRowHeight(grid.cells().sheet(), cell.row) : settings.columns.size(cell.column)) /
+        spreadsheet::twipsPerPoint);
     auto* form = new QFormLayout(this);
     form->addRow(rows ? QStringLiteral("行高(&R)：") : QStringLiteral("列宽(&C)："), m_size);
     form->addRow(okAndClose(

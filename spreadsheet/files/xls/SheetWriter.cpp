@@ -28,6 +28,7 @@ SheetWriter::SheetWriter(XlsParts& parts, int index, RecordWriter& writer)
     , m_settings(m_sheet.settings())
     , m_writer(writer)
     , m_rows(m_sheet, xls::maxColumns)
+    , m_tallCells(m_sheet)
 {
     const CellFont& font = parts.workbook.styles()[0].font;
     m_digitPixels = digitPixels(fileFamily(font.family.view()), font.points);

@@ -5,6 +5,7 @@
 #include "spreadsheet/files/xls/RecordWriter.h"
 #include "spreadsheet/files/xls/XlsFormulas.h"
 #include "spreadsheet/files/xls/XlsStyles.h"
+#include "spreadsheet/workbook/TallCells.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <vector>
@@ -70,6 +71,7 @@ private:
     double m_digitPixels;
     int m_lastRow = 0, m_lastColumn = 0; ///< of cells that are written
     StoredRows m_rows;
+    TallCells m_tallCells;
     std::vector<std::byte> m_tokens;
 };
 

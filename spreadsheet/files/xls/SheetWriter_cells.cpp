@@ -62,8 +62,13 @@ void SheetWriter::rowRecord(int row, const std::vector<StoredCell>& cells)
     m_writer.put16(
         static_cast<unsigned>(std::clamp(sized ? size->second : m_settings.rows.defaultSize, 1, 8190)));
     m_writer.put32(0);
-    // The usual height is said too: programs would fit a row without one to its texts.
-    m_writer.put32(usual | hasHeight | (hidden ? isHidden : 0) | (styled ? hasFormat : 0) | format << 16);
+    // The usual height is said where texts need no other: programs would fit a row without one by their own
+    // measures.
+    const bool follows = !sized && std::ranges::any_of(cells, [&](const StoredCell& cell) {
+        return m_tallCells.mayBeTall(*cell.block, cell.index, {cell.column, row});
+    });
+    m_writer.put32(usual | (follows ? 0 : hasHeight) | (hidden ? isHidden : 0) | (styled ? hasFormat : 0) |
+                   format << 16);
     m_writer.end();
 }
 

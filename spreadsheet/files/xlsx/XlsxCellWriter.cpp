@@ -37,6 +37,7 @@ XlsxCellWriter::XlsxCellWriter(XlsxParts& parts, const Sheet& sheet, XmlWriter& 
     , m_settings(sheet.settings())
     , m_xml(xml)
     , m_rows(sheet, maxColumns)
+    , m_tallCells(sheet)
     , m_spans(m_settings.spans)
 {
     std::ranges::sort(m_spans, {}, &CellRange::top);
@@ -76,7 +77,16 @@ void XlsxCellWriter::addCovered(int row, std::vector<StoredCell>& cells)
         std::ranges::sort(cells, {}, &StoredCell::column);
 }
 
-/// The usual height is said too: programs would fit a row without one to its texts.
+/// Whether the row's height is to be found by who shows it.
+bool XlsxCellWriter::followsTexts(int row, const std::vector<StoredCell>& cells)
+{
+    return !m_settings.rows.sizes.contains(row) && std::ranges::any_of(cells, [&](const StoredCell& cell) {
+        return m_tallCells.mayBeTall(*cell.block, cell.index, {cell.column, row});
+    });
+}
+
+/// The usual height is said where texts need no other: programs would fit a row without one by their own
+/// measures.
 void XlsxCellWriter::row(int row, const std::vector<StoredCell>& cells)
 {
     const auto size = m_settings.rows.sizes.find(row);
@@ -89,10 +99,13 @@ void XlsxCellWriter::row(int row, const std::vector<StoredCell>& cells)
     m_xml.open("row").attribute("r", row);
     if (isStyled)
         m_xml.attribute("s", m_parts.styles.cellFormat(style->second)).attribute("customFormat", 1);
-    m_xml.attribute("ht", (isSized ? size->second : m_settings.rows.defaultSize) / twipsPerPoint);
+    const bool follows = followsTexts(row, cells);
+    if (!follows)
+        m_xml.attribute("ht", (isSized ? size->second : m_settings.rows.defaultSize) / twipsPerPoint);
     if (isHidden)
         m_xml.attribute("hidden", 1);
-    m_xml.attribute("customHeight", 1);
+    if (!follows)
+        m_xml.attribute("customHeight", 1);
     for (const StoredCell& stored : cells)
         cell({stored.column, row}, stored);
     m_xml.close();

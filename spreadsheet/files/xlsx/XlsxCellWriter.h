@@ -2,6 +2,7 @@
 #include "spreadsheet/files/exchange/StoredRows.h"
 #include "spreadsheet/files/xlsx/XlsxParts.h"
 #include "spreadsheet/files/xlsx/XmlWriter.h"
+#include "spreadsheet/workbook/TallCells.h"
 
 #include <optional>
 #include <string>
@@ -19,6 +20,7 @@ public:
     bool hasLocked() const { return m_hasLocked; }
 
 private:
+    bool followsTexts(int row, const std::vector<StoredCell>& cells);
     void row(int row, const std::vector<StoredCell>& cells);
     void cell(CellAddress at, const StoredCell& cell);
     std::optional<CellRange> arrayRange(CellAddress at, std::uint32_t formula) const;
@@ -32,6 +34,7 @@ private:
     const SheetSettings& m_settings;
     XmlWriter& m_xml;
     StoredRows m_rows;
+    TallCells m_tallCells;
     std::vector<CellRange> m_spans;     ///< by first row
     std::size_t m_nextSpan = 0;         ///< the first one that begins further down
     std::vector<CellRange> m_openSpans; ///< those that reach the row

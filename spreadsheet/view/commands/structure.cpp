@@ -166,6 +166,18 @@ void resizeLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<
     });
 }
 
+void freeRows(Workbook& workbook, Sheet& sheet, const std::vector<LineRange>& rows)
+{
+    const UndoStep step(workbook, "行高");
+    sheet.changeSettings([&](SheetSettings& settings) {
+        AxisSizes& sizes = settings.rows;
+        for (const LineRange& range : rows) {
+            sizes.hidden.erase(sizes.hidden.lower_bound(range.first), sizes.hidden.upper_bound(range.last));
+            sizes.sizes.erase(sizes.sizes.lower_bound(range.first), sizes.sizes.upper_bound(range.last));
+        }
+    });
+}
+
 void freezeAt(Workbook& workbook, Sheet& sheet, CellAddress cell)
 {
     const UndoStep step(workbook, "冻结窗格");

@@ -39,6 +39,9 @@ inline constexpr int maxLineSize = 31'680; ///< twips; 22 inches
 /// @param size  twips, 0 (which hides) to maxLineSize
 void resizeLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vector<LineRange>& lines, int size);
 
+/// Rows lose the heights of their own and follow their texts; hidden ones show.
+void freeRows(Workbook& workbook, Sheet& sheet, const std::vector<LineRange>& rows);
+
 /// Freezes the rows above and the columns left of a cell; A1 frees all.
 void freezeAt(Workbook& workbook, Sheet& sheet, CellAddress cell);
 

@@ -104,6 +104,40 @@ print([(check.type, check.formula1, str(check.sqref)) for check in
               "[('list', '\"是,a\"\"b\"', 'G1:G2')] True\n");
 }
 
+/// Who shows a row that follows its texts finds its height; others are as high as here.
+TEST(Interoperability, RowsWithoutAHeightFollowTheirTextsElsewhereToo)
+{
+    const TestFolder folder;
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+    for (int row = 1; row <= 4; ++row)
+        sheet.setText({1, row}, "一二三四五六");
+    sheet.restyle({1, 2, 1, 3}, [](CellStyle& style) { style.wrap = true; });
+    sheet.setText({1, 4}, "甲\n乙");
+    sheet.changeSettings([](SheetSettings& settings) { settings.rows.sizes[3] = 300; });
+    saveWorkbook(workbook, folder.file("a.xlsx"), fileFormat(".xlsx"));
+    saveWorkbook(workbook, folder.file("a.xls"), fileFormat(".xls"));
+    EXPECT_EQ(python(folder, R"(
+import sys, openpyxl
+rows = openpyxl.load_workbook(sys.argv[1]).active.row_dimensions
+print([rows[row].height for row in range(1, 5)])
+)",
+                     folder.file("a.xlsx")),
+              "[14.25, None, 15.0, None]\n");
+    EXPECT_EQ(python(folder, R"(
+import sys, xlrd
+rows = xlrd.open_workbook(sys.argv[1], formatting_info=True).sheet_by_index(0).rowinfo_map
+print([(rows[row].height, rows[row].height_mismatch) for row in range(4)])
+)",
+                     folder.file("a.xls")),
+              "[(285, 1), (285, 0), (300, 1), (285, 0)]\n");
+    for (const char* file : {"a.xlsx", "a.xls"}) {
+        Workbook again;
+        loadWorkbook(again, folder.file(file));
+        EXPECT_EQ(again.sheet(1).settings().rows.sizes, (std::map<int, int>{{3, 300}})) << file;
+    }
+}
+
 void expectForeign(const std::filesystem::path& file)
 {
     Workbook workbook;

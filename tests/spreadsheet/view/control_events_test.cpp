@@ -85,8 +85,9 @@ TEST_F(ControlEvents, OfTyping)
         {"a formula that is refused", [&] { keys("=1+", Qt::Key_Return); }, "key = edit-on"},
         {"mended", [&] { keys("2", Qt::Key_Return); },
          "edit-changed undo changed 1,2 key Return leave 1,2>1,3 undo selected"},
-        {"line break", [&] { type("x"), key(Qt::Key_Return, alt), keys("y", Qt::Key_Return); },
-         "key X edit-on edit-changed undo changed 1,3 key Return leave 1,3>1,4 undo selected"},
+        {"a line break, which makes the row taller",
+         [&] { type("x"), key(Qt::Key_Return, alt), keys("y", Qt::Key_Return); },
+         "key X edit-on edit-changed view undo changed 1,3 key Return leave 1,3>1,4 undo selected"},
     });
     holdsCursor = true;
     expectEvents({{"a listener holds the cursor", [&] { keys("7", Qt::Key_Return); },

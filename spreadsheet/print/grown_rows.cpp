@@ -1,0 +1,102 @@
+#include "spreadsheet/print/grown_rows.h"
+
+#include "spreadsheet/print/PageText.h"
+#include "spreadsheet/workbook/TallCells.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+namespace spreadsheet {
+
+// Heights that follow texts are not stored: they are found for the rows that somebody looks at or prints, and
+// found anew when something has changed. Most cells are plain ones whose line fits into every row, so the
+// pass over them must cost next to nothing: looks are judged once for each style.
+
+namespace {
+
+constexpr double paddingAcross = 80; // twips, as texts are drawn
+constexpr double paddingDown = 50;   // of a row that grows
+constexpr int tallestRow = 31'680;
+
+int widthOf(const Sheet& sheet, const CellRange& extent)
+{
+    int width = 0;
+    for (int column = extent.left; column <= extent.right; ++column)
+        width += sheet.settings().columns.size(column);
+    return width;
+}
+
+bool isFigure(const Value& value)
+{
+    return value.isNumber() || (value.isText() && value.text().countsAsNumber());
+}
+
+struct NeededLines {
+    double em = 0; ///< twips
+    std::size_t count = 0;
+
+    double whole() const { return em * lineDistance * static_cast<double>(count) + paddingDown; }
+    /// The air above the first line may be cut.
+    double least() const { return whole() - paddingDown - em * (lineDistance - 1) + leastLinePadding; }
+};
+
+NeededLines neededLines(const Sheet& sheet, CellAddress cell, PageText& text)
+{
+    const CellRange extent = sheet.extent(cell);
+    const std::string shown = sheet.displayText(cell);
+    if (shown.empty() || extent.rows() > 1 || extent.left != cell.column)
+        return {};
+    const CellStyle& style = sheet.style(cell);
+    const bool wraps = style.wrap && !isFigure(sheet.value(cell));
+    const double em = style.font.points * twipsPerPoint;
+    const double width = std::max(widthOf(sheet, extent) - paddingAcross, 1.0);
+    // Laying out takes long. No character is wider than the font is high, and none has more units than bytes.
+    const bool fits = static_cast<double>(shown.size()) * em * 1.1 <= width;
+    if ((!wraps || fits) && shown.find('\n') == shown.npos)
+        return {em, 1};
+    const QFont& font =
+        text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic});
+    const auto lines =
+        text.lines(QString::fromUtf8(shown), font, wraps ? std::optional(width) : std::nullopt);
+    return {em, lines.size()};
+}
+
+} // namespace
+
+double neededCellHeight(const Sheet& sheet, CellAddress cell, PageText& text)
+{
+    const NeededLines needed = neededLines(sheet, cell, text);
+    return needed.count == 0 ? 0 : needed.whole();
+}
+
+std::map<int, int> grownRows(const Sheet& sheet, int first, int last, PageText& text)
+{
+    const AxisSizes& rows = sheet.settings().rows;
+    std::map<int, int> grown;
+    TallCells tall(sheet);
+    for (int number = 1; number <= sheet.storedColumns(); ++number) {
+        const Column* column = sheet.column(number);
+        if (!column)
+            continue;
+        const auto& slots = column->slots();
+        for (std::size_t at = column->lowerSlot(first); at < slots.size() && slots[at].firstRow <= last;
+             ++at) {
+            const Column::Slot& slot = slots[at];
+            for (int row = std::max(first, slot.firstRow); row <= std::min(last, slot.lastRow()); ++row) {
+                const CellAddress cell{number, row};
+                if (!tall.mayBeTall(*slot.block, row - slot.firstRow, cell) || rows.sizes.contains(row) ||
+                    rows.hidden.contains(row))
+                    continue;
+                const NeededLines needed = neededLines(sheet, cell, text);
+                if (needed.count == 0 || needed.least() <= rows.defaultSize)
+                    continue;
+                int& height = grown[row];
+                height = std::max(height, std::min(static_cast<int>(std::ceil(needed.whole())), tallestRow));
+            }
+        }
+    }
+    return grown;
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,36 @@
+#include "spreadsheet/workbook/TallCells.h"
+
+namespace spreadsheet {
+
+static bool isSeveralLines(std::string_view text)
+{
+    return text.find('\n') != text.npos;
+}
+
+bool TallCells::mayBeTall(const CellBlock& block, int index, CellAddress cell)
+{
+    const bool showsOther = block.hasShown() && !block.shown(index).empty();
+    if (block.kinds()[index] == ValueKind::empty && !showsOther)
+        return false;
+    if (hasTallStyle(cell))
+        return true;
+    return showsOther
+               ? isSeveralLines(block.shown(index).view())
+               : block.kinds()[index] == ValueKind::text && isSeveralLines(block.value(index).textView());
+}
+
+bool TallCells::hasTallStyle(CellAddress cell)
+{
+    enum : std::uint8_t { unknown, plain, tall };
+    const std::uint32_t number = m_sheet.styleNumber(cell);
+    if (number >= m_styles.size())
+        m_styles.resize(number + 1, unknown);
+    if (m_styles[number] == unknown) {
+        const CellStyle& style = m_sheet.style(cell);
+        const bool isLarge = style.font.points * twipsPerPoint + leastLinePadding > m_usual;
+        m_styles[number] = style.wrap || isLarge ? tall : plain;
+    }
+    return m_styles[number] == tall;
+}
+
+} // namespace spreadsheet

@@ -1,0 +1,34 @@
+#pragma once
+#include "spreadsheet/workbook/Sheet.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace spreadsheet {
+
+/// Finds the cells of a sheet whose texts may need more than the usual height of a row: by a large font, by
+/// wrapping, by line feeds. Each look is judged once, so a pass over plain cells costs next to nothing. It
+/// must not outlive a change of the sheet.
+class TallCells {
+public:
+    explicit TallCells(const Sheet& sheet)
+        : m_sheet(sheet)
+        , m_usual(sheet.settings().rows.defaultSize)
+    {
+    }
+
+    /// @param index  of the cell in its block
+    bool mayBeTall(const CellBlock& block, int index, CellAddress cell);
+
+private:
+    bool hasTallStyle(CellAddress cell);
+
+    const Sheet& m_sheet;
+    int m_usual;                        ///< twips
+    std::vector<std::uint8_t> m_styles; ///< what is known of them by number
+};
+
+/// Twips above and below a line of text that just fits into its row.
+inline constexpr double leastLinePadding = 20;
+
+} // namespace spreadsheet
