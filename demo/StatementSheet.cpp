@@ -21,10 +21,23 @@ constexpr int titleHeight = 600;
 constexpr int rowHeight = 280; // 25 rows of a balance sheet fit on one landscape page
 constexpr spreadsheet::Colour headingGrey = 0xE7E6E6;
 
+// As printed statements have them: commas, nothing where nothing is, and air between texts and lines.
+constexpr std::string_view textCode = "_ @";
+constexpr std::string_view percentCode = "0.00%_ ";
+
+std::string amountCode(int decimals)
+{
+    const std::string amount =
+        "#,##0" + (decimals > 0 ? "." + std::string(static_cast<std::size_t>(decimals), '0') : std::string());
+    return amount + "_ ;-" + amount + "_ ;_ ";
+}
+
+/// Thin lines between the cells; the outline of the whole table comes last.
 void frame(CellStyle& style)
 {
     for (spreadsheet::BorderLine* line : {&style.left, &style.right, &style.top, &style.bottom})
-        *line = {LineStyle::solid, 0};
+        *line = {LineStyle::fineSolid, 0};
+    style.numberFormat = Text(textCode);
 }
 
 void takeFont(CellStyle& style, std::string_view family, float points, bool bold)
@@ -118,6 +131,7 @@ int StatementSheet::beginRow()
 {
     nextRow(rowHeight);
     m_sheet.restyle(wholeRow(), frame);
+    m_lastRow = m_row;
     return m_row;
 }
 
@@ -129,8 +143,10 @@ void StatementSheet::text(int column, std::string_view text)
 void StatementSheet::centred(int column, std::string_view text)
 {
     this->text(column, text);
-    m_sheet.restyle({column, m_row, column, m_row},
-                    [](CellStyle& style) { style.horizontal = HorizontalAlignment::centre; });
+    m_sheet.restyle({column, m_row, column, m_row}, [](CellStyle& style) {
+        style.horizontal = HorizontalAlignment::centre;
+        style.numberFormat = {};
+    });
 }
 
 void StatementSheet::setFormula(int column, const std::string& formula)
@@ -146,6 +162,7 @@ void StatementSheet::formula(int column, const std::string& formula, int decimal
         style.type = CellType::number;
         style.decimals = static_cast<std::uint8_t>(decimals);
         style.horizontal = HorizontalAlignment::right;
+        style.numberFormat = Text(amountCode(decimals));
     });
 }
 
@@ -155,6 +172,7 @@ void StatementSheet::percentage(int column, const std::string& formula)
     m_sheet.restyle({column, m_row, column, m_row}, [](CellStyle& style) {
         style.type = CellType::percent;
         style.horizontal = HorizontalAlignment::right;
+        style.numberFormat = Text(percentCode);
     });
 }
 
@@ -163,12 +181,27 @@ void StatementSheet::emphasize()
     m_sheet.restyle(wholeRow(), [](CellStyle& style) { style.font.bold = true; });
 }
 
+/// Around heading and rows.
+void StatementSheet::outline()
+{
+    const spreadsheet::BorderLine line{LineStyle::solid, 0};
+    const auto side = [&](const spreadsheet::CellRange& cells, spreadsheet::BorderLine CellStyle::*member) {
+        m_sheet.restyle(cells, [&](CellStyle& style) { style.*member = line; });
+    };
+    side({1, m_headingRow, m_columns, m_headingRow}, &CellStyle::top);
+    side({1, m_lastRow, m_columns, m_lastRow}, &CellStyle::bottom);
+    side({1, m_headingRow, 1, m_lastRow}, &CellStyle::left);
+    side({m_columns, m_headingRow, m_columns, m_lastRow}, &CellStyle::right);
+}
+
 void StatementSheet::finish()
 {
+    outline();
     m_sheet.changeSettings([&](spreadsheet::SheetSettings& settings) {
         settings.frozenRows = m_headingRow;
         settings.print.titleTop = 1;
         settings.print.titleBottom = m_headingRow;
+        settings.print.fitWidth = true;
     });
 }
 

@@ -32,13 +32,14 @@ public:
 
     void text(int column, std::string_view text);
     void centred(int column, std::string_view text);
-    /// A formula shown with `decimals` places. @throws std::runtime_error if the sheet refuses it
+    /// A formula shown with `decimals` places and commas, and as nothing where it is 0.
+    /// @throws std::runtime_error if the sheet refuses it
     void formula(int column, const std::string& formula, int decimals = 2);
     void percentage(int column, const std::string& formula);
     /// Makes the row's cells bold.
     void emphasize();
 
-    /// Keeps the headings in view and on every page.
+    /// Keeps the headings in view and on every page, and all columns on one.
     void finish();
 
     /// "C12"
@@ -49,12 +50,14 @@ private:
     spreadsheet::CellRange wholeRow() const { return {1, m_row, m_columns, m_row}; }
     int columnsOfAtLeast(int twips) const;
     void nextRow(int height);
+    void outline();
     void setFormula(int column, const std::string& formula);
 
     spreadsheet::Sheet& m_sheet;
     int m_columns;
     int m_row = 0;
     int m_headingRow = 0;
+    int m_lastRow = 0; ///< of the framed ones
 };
 
 /// Text of an `Acct` call as the formula dialogs write it. Empty year and periods are not given.

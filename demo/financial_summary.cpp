@@ -67,7 +67,7 @@ void fillTrade(StatementSheet& sheet, int year, const DemoReport& costs, const D
     const int headingRow = cellBeside(costSheet, "费用项目", 0).row;
     for (int column = 3; column < lastColumn; ++column) {
         sheet.beginRow();
-        sheet.text(1, costSheet.displayText({column, headingRow}));
+        sheet.text(1, costSheet.textByType({column, headingRow}));
         sheet.formula(2, referenceTo(costs, "费用合计", column - 1));
     }
     sheet.beginRow();

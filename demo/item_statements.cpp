@@ -32,10 +32,10 @@ DemoReport departmentCosts(int year, std::span<const LedgerName> accounts,
     std::vector<int> widths{9, 12};
     std::vector<std::string> headings{"科目代码", "费用项目"};
     for (const LedgerName& department : departments) {
-        widths.push_back(9);
+        widths.push_back(11);
         headings.push_back(department.name);
     }
-    widths.push_back(10);
+    widths.push_back(12);
     headings.emplace_back("合计");
 
     StatementSheet sheet(report.workbook->sheet(1), widths);

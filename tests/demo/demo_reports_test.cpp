@@ -77,5 +77,33 @@ TEST_F(DemoReports, BalanceSheetBalancesAndSharingChangesNothing)
                   sheet.displayText(demo::cellBeside(sheet, "负债和所有者权益总计", column)));
 }
 
+/// Statements look as printed ones do; files and checks get the figures as they are.
+TEST_F(DemoReports, AmountsAreGroupedOnPaperAndPlainInFiles)
+{
+    const ReportRun run = runReport(connectionString(), 1);
+    const spreadsheet::Sheet& sheet = run.workbook->sheet(1);
+    const std::string csv = spreadsheet::sheetCsv(sheet);
+    int zeros = 0, groups = 0;
+    for (int row = 4; row <= sheet.lastDataRow(); ++row) {
+        for (const int column : {3, 4, 7, 8}) {
+            const spreadsheet::Value amount = sheet.value({column, row});
+            if (!amount.isNumber())
+                continue;
+            const std::string shown = sheet.displayText({column, row});
+            const bool isZero = std::abs(amount.number()) < 0.005;
+            const bool isGrouped = std::abs(amount.number()) >= 999.995;
+            zeros += isZero;
+            groups += isGrouped;
+            EXPECT_EQ(shown.find_first_not_of(' ') == shown.npos, isZero) << shown;
+            EXPECT_EQ(shown.find(',') != shown.npos, isGrouped) << shown;
+            EXPECT_TRUE(shown.ends_with(' ')) << "touches the line: " << shown;
+            EXPECT_NE(csv.find("," + sheet.textByType({column, row})), csv.npos) << shown;
+        }
+    }
+    EXPECT_GT(zeros, 3);
+    EXPECT_GT(groups, 20);
+    EXPECT_EQ(csv.find('"'), csv.npos) << "a figure with a comma would stand in quotes";
+}
+
 } // namespace
 } // namespace selfreport
