@@ -429,16 +429,17 @@ std::optional<std::string> formattedCell(const Value& value, std::string_view co
     const auto sections = parseFormatCode(code);
     if (!sections)
         return std::nullopt;
-    return value.isNumber() ? numberText(*sections, asCellShows(*sections, value.number()), from1904)
-                            : otherText(*sections, value);
+    const auto number = countedNumber(value);
+    return number ? numberText(*sections, asCellShows(*sections, *number), from1904)
+                  : otherText(*sections, value);
 }
 
 std::optional<Colour> formatColour(const Value& value, std::string_view code)
 {
-    const bool mayHave = value.isNumber() && code.find('[') != code.npos;
-    const auto sections = mayHave ? parseFormatCode(code) : std::nullopt;
+    const auto number = countedNumber(value);
+    const auto sections = number && code.find('[') != code.npos ? parseFormatCode(code) : std::nullopt;
     const ChosenSection chosen =
-        sections ? sectionFor(*sections, asCellShows(*sections, value.number())) : ChosenSection();
+        sections ? sectionFor(*sections, asCellShows(*sections, *number)) : ChosenSection();
     return chosen.section ? chosen.section->colour : std::nullopt;
 }
 

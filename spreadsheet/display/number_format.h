@@ -15,8 +15,8 @@ namespace spreadsheet {
 /// `from1904`: how days are counted.
 std::optional<std::string> formattedText(const Value& value, std::string_view code, bool from1904 = false);
 
-/// The same for a number, text or truth value of a cell, where a text is a text whatever it reads as and a
-/// number of which only zeros are shown is a zero.
+/// The same for a number, text or truth value of a cell, where a text is a text unless it counts as a number,
+/// and a number of which only zeros are shown is a zero.
 std::optional<std::string> formattedCell(const Value& value, std::string_view code, bool from1904 = false);
 
 /// The colour that a code gives to a number ("#,##0;[Red]-#,##0"); nothing if it gives none, and to whatever

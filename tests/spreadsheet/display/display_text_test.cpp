@@ -246,6 +246,7 @@ TEST(DisplayText, NumberFormatCodesGoBeforeTheType)
         {Value::boolean(true), "0.00", "TRUE"},
         {CellError::na, "0.00", "#N/A"},
         {Value(), "0.00", ""},
+        {Value(Text::countedAs("-1234.50", -1234.5)), "#,##0.0", "-1,234.5"}, // of another report
         // Figures of a statement: a cell that shows nothing but zeros has none.
         {-0.004, "#,##0.00_ ;-#,##0.00_ ;_ ", " "},
         {-0.004, "0.00", "0.00"},
