@@ -129,6 +129,9 @@ void frmNumberFormat::buildChoices(QFormLayout& form)
     form.addRow(QStringLiteral("示例："), m_preview);
     m_preview->setTextFormat(Qt::RichText);
     m_preview->setMinimumWidth(34 * m_preview->fontMetrics().averageCharWidth());
+    m_preview->setWordWrap(true); // amounts in words are long
+    m_preview->setMinimumHeight(2 * m_preview->fontMetrics().lineSpacing());
+    m_preview->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     m_note->setWordWrap(true);
     m_note->setMinimumHeight(2 * m_note->fontMetrics().lineSpacing());
     for (QCheckBox* box : {m_grouped, m_apart})
