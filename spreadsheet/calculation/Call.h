@@ -24,20 +24,31 @@ struct EvaluationPlace {
     LookupIndexes* indexes = nullptr; ///< of this recalculation; null outside of one
     Effort* effort = nullptr; ///< of this recalculation; null outside of one, where nothing is bounded
     int textDepth = 0;        ///< how many INDIRECT lie around it, through names whose formulas use it
+    int rows = 1;             ///< of the array formula that begins in the cell
+    int columns = 1;
 
     /// See Effort; false: the cell is given up.
     bool spend(std::size_t elements) const { return !effort || effort->spend(elements); }
     bool goesOn() const { return !effort || effort->goesOn(); }
 };
 
+/// Numbers of an argument in ascending order, kept between the calls of a function for the elements of an
+/// array, to all of which the argument is the same.
+struct KeptNumbers {
+    bool filled = false;
+    std::vector<double> sorted;
+};
+
 /// The arguments of one function call, read by number from 0. Reading sticks at the first error:
 /// after it everything reads as zero, `failed()` is true and the function returns `error()`.
 class Call {
 public:
-    Call(const EvaluationPlace& place, std::span<const Operand> arguments, bool wantsArray = false)
+    Call(const EvaluationPlace& place, std::span<const Operand> arguments, bool wantsArray = false,
+         KeptNumbers* kept = nullptr)
         : m_place(place)
         , m_arguments(arguments)
         , m_wantsArray(wantsArray)
+        , m_kept(kept)
     {
     }
 
@@ -47,6 +58,8 @@ public:
     /// True where the result is gone through element by element: ROW of a range gives all its rows there
     /// and the first one elsewhere.
     bool wantsArray() const { return m_wantsArray; }
+    /// Null where a function is called once.
+    KeptNumbers* kept() const { return m_kept; }
     /// Handed over and not left empty between two commas.
     bool given(std::size_t argument) const
     {
@@ -95,6 +108,8 @@ public:
     void eachNumber(std::size_t argument, Use&& use);
     /// All numbers of all arguments from `first` on, in order.
     std::vector<double> numbers(std::size_t first = 0);
+    /// The numbers of one argument in the order of rows, as series in time are read.
+    std::vector<double> numbersByRows(std::size_t argument);
     /// Calls `use(const Value&)` for every value of an argument in the order of rows, empty cells of
     /// the sheet's used part included; beyond it everything is empty and is not gone through.
     template <typename Use>
@@ -116,12 +131,19 @@ private:
     const EvaluationPlace& m_place;
     std::span<const Operand> m_arguments;
     bool m_wantsArray;
+    KeptNumbers* m_kept;
     std::optional<CellError> m_error;
 };
 
 /// What a call comes to, evaluated here and nowhere else: #NUM! where something in it throws, #VALUE!
 /// where memory does not suffice. What else is no std::exception, such as a cancellation, goes on.
 Operand answer(const FunctionDescriptor& function, Call& call);
+
+/// The single value of an operand as operators and cells need it, see Call::value.
+inline Value singleValue(const Operand& operand, const EvaluationPlace& place)
+{
+    return operand.isValue() ? operand.value() : Call(place, std::span(&operand, 1)).value(0);
+}
 
 /// One cell of a book; nothing there reads as empty.
 Value cellValue(const Book& book, int sheet, CellAddress cell);

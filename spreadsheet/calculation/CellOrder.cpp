@@ -33,7 +33,7 @@ CellOrder::Node CellOrder::nodeAt(std::size_t node) const
     return {part.run, run.cells.top + static_cast<int>(node - part.firstNode)};
 }
 
-void CellOrder::run(const std::vector<RowSet>& rows, const Visit& evaluate, const Visit& circular)
+void CellOrder::run(const std::vector<RowSet>& rows, const Visit& evaluate, const VisitAll& circular)
 {
     for (const Part& part : m_parts) {
         const Run& run = m_graph.runs()[static_cast<std::size_t>(part.run)];
@@ -60,7 +60,7 @@ void CellOrder::open(std::size_t node)
     m_frames.push_back(frame);
 }
 
-void CellOrder::visit(std::size_t start, const Visit& evaluate, const Visit& circular)
+void CellOrder::visit(std::size_t start, const Visit& evaluate, const VisitAll& circular)
 {
     open(start);
     while (!m_frames.empty()) {
@@ -127,23 +127,25 @@ std::size_t CellOrder::nextRead(Frame& frame) const
     }
 }
 
-void CellOrder::close(const Frame& frame, const Visit& evaluate, const Visit& circular)
+void CellOrder::close(const Frame& frame, const Visit& evaluate, const VisitAll& circular)
 {
     if (!m_frames.empty())
         m_low[m_frames.back().node] = std::min(m_low[m_frames.back().node], m_low[frame.node]);
     if (m_low[frame.node] != m_index[frame.node])
         return;
     const bool alone = m_stack.back() == frame.node;
+    std::vector<Node> members;
     std::size_t member;
     do {
         member = m_stack.back();
         m_stack.pop_back();
         m_done[member] = true;
-        if (alone && !frame.readsItself)
-            evaluate(nodeAt(member));
-        else
-            circular(nodeAt(member));
+        members.push_back(nodeAt(member));
     } while (member != frame.node);
+    if (alone && !frame.readsItself)
+        evaluate(members.front());
+    else
+        circular(members);
 }
 
 } // namespace spreadsheet

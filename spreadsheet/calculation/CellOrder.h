@@ -10,7 +10,7 @@
 
 namespace spreadsheet {
 
-/// Puts the cells of runs that cross each other in order, cell by cell, and finds those that depend
+/// Puts the cells of runs that cross each other in order, cell by cell, and finds those that may depend
 /// on themselves: Tarjan's algorithm on cells, without recursion.
 class CellOrder {
 public:
@@ -20,11 +20,13 @@ public:
         int row;
     };
     using Visit = std::function<void(Node)>;
+    using VisitAll = std::function<void(std::span<const Node>)>;
 
     CellOrder(const DependencyGraph& graph, const Component& component);
 
-    /// Reports every cell of the given rows, each after what it reads; cells in a circle to `circular`.
-    void run(const std::vector<RowSet>& rows, const Visit& evaluate, const Visit& circular);
+    /// Reports every cell of the given rows, each after what it reads; cells that may read each other
+    /// together, to `circular`.
+    void run(const std::vector<RowSet>& rows, const Visit& evaluate, const VisitAll& circular);
 
 private:
     struct Part { ///< one run of the component
@@ -42,10 +44,10 @@ private:
     };
 
     Node nodeAt(std::size_t node) const;
-    void visit(std::size_t start, const Visit& evaluate, const Visit& circular);
+    void visit(std::size_t start, const Visit& evaluate, const VisitAll& circular);
     std::size_t nextRead(Frame& frame) const;
     void openPart(Frame& frame, const Reading& reading) const;
-    void close(const Frame& frame, const Visit& evaluate, const Visit& circular);
+    void close(const Frame& frame, const Visit& evaluate, const VisitAll& circular);
     void open(std::size_t node);
 
     const DependencyGraph& m_graph;

@@ -8,6 +8,7 @@
 #include "spreadsheet/values/coercion.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace spreadsheet {
 
@@ -20,26 +21,68 @@ namespace {
 /// Calls for the elements of an array, each of which may itself go through a large one.
 constexpr std::size_t callsBetweenQuestions = 64;
 
-/// The single value of an operand as operators and cells need it.
-Value singleValue(const Operand& operand, const EvaluationPlace& place)
-{
-    if (operand.isValue())
-        return operand.value();
-    return Call(place, std::span(&operand, 1)).value(0);
-}
-
 /// Outside array mode arrays still go through element by element, ranges beside them do not.
 Operand intersected(const Operand& operand, const EvaluationPlace& place)
 {
     return operand.isReference() ? Operand(singleValue(operand, place)) : operand;
 }
 
-/// In array mode: whether a range or array is gone through element by element. The branches of IF and
-/// its like are, although they take whole ranges elsewhere.
-bool goesElementwise(const FunctionDescriptor& function, std::size_t argument)
+/// Whether an operand is gone through element by element where a single value is asked for. A single cell
+/// is a value like any other, also in array mode: INDEX(A1:B9,0,C1) gives a column there, too.
+bool holdsSeveral(const Operand& operand, bool arrayMode)
+{
+    if (operand.isArray())
+        return operand.array().rows() > 1 || operand.array().columns() > 1;
+    if (operand.isArea())
+        return arrayMode && !operand.area().cells.isOneCell();
+    return operand.isReferenceArray() || (arrayMode && operand.isAreas());
+}
+
+/// Whether a function asks for a single value. IF and its like do, although what they choose from may be
+/// whole ranges.
+bool takesValue(const FunctionDescriptor& function, std::size_t argument)
 {
     return function.kind(argument) == 'v' || function.has(branches);
 }
+
+/// The same, or for a reference of its own.
+bool takesEach(const FunctionDescriptor& function, std::size_t argument, const Operand& operand)
+{
+    return takesValue(function, argument) || (operand.isReferenceArray() && function.kind(argument) == 'c');
+}
+
+/// What references in an array stand for where nobody asks for them themselves.
+Operand withoutReferences(Operand operand, const EvaluationPlace& place)
+{
+    if (operand.isReferenceArray())
+        return toArray(operand, place);
+    return operand;
+}
+
+/// Element by element, references as such if `keepsReferences`.
+class Elements {
+public:
+    Elements(const Operand& operand, bool keepsReferences, const EvaluationPlace& place)
+        : m_operand(operand)
+        , m_array(keepsReferences && operand.isReferenceArray() ? nullptr : toArray(operand, place))
+    {
+    }
+    int rows() const { return m_array ? m_array->rows() : m_operand.referenceArray().rows(); }
+    int columns() const { return m_array ? m_array->columns() : m_operand.referenceArray().columns(); }
+    Operand at(int row, int column) const
+    {
+        if (m_array)
+            return m_array->spread(row, column);
+        row = rows() == 1 ? 0 : row;
+        column = columns() == 1 ? 0 : column;
+        const bool inside = row < rows() && column < columns();
+        return inside ? m_operand.referenceArray().at(row, column) : Operand(CellError::na);
+    }
+
+private:
+    Operand m_operand;
+    std::shared_ptr<const Array> m_array;
+};
 
 /// What one of many calls costs that are handed the same long texts.
 std::size_t costOfTexts(std::span<const Operand> arguments)
@@ -82,7 +125,7 @@ std::optional<Value> Evaluator::cellValueOf(const Formula& formula, const Evalua
 {
     m_keep = false;
     const Operand result = run(formula, place);
-    if (m_keep)
+    if (m_keep || result.isUnknown())
         return std::nullopt;
     Value value = singleValue(result, place);
     if (value.isEmpty())
@@ -94,22 +137,18 @@ std::shared_ptr<const Array> Evaluator::arrayOf(const Formula& formula, const Ev
 {
     m_keep = false;
     const Operand result = run(formula, place);
-    return m_keep ? nullptr : toArray(result, place);
-}
-
-void Evaluator::gatherCalls(const Formula& formula, const EvaluationPlace& place,
-                            std::vector<PreparedCall>& known)
-{
-    m_gathered = &known;
-    run(formula, place);
-    m_gathered = nullptr;
+    return m_keep || result.isUnknown() ? nullptr : toArray(result, place);
 }
 
 Operand Evaluator::run(const Formula& formula, const EvaluationPlace& place)
 {
+    return runPart(formula, 0, static_cast<int>(formula.code.size()), place);
+}
+
+Operand Evaluator::runPart(const Formula& formula, int first, int end, const EvaluationPlace& place)
+{
     const std::size_t base = m_stack.size();
-    const int end = static_cast<int>(formula.code.size());
-    for (int position = 0; position < end;)
+    for (int position = first; position < end;)
         position = step(formula, formula.code[static_cast<std::size_t>(position)], position, place);
     Operand result = m_stack.size() > base ? pop() : Operand();
     m_stack.resize(base);
@@ -143,10 +182,12 @@ int Evaluator::step(const Formula& formula, const Instruction& instruction, int 
         push(formula.arrays[index]);
         break;
     case Op::reference:
-        push(reference(formula.slots[index], place));
+        push(m_guard && instruction.other == 0 ? guarded(formula, instruction.index, place)
+                                               : reference(formula.slots[index], place));
         break;
     case Op::name:
-        push(named(formula.names[index], place));
+        push(instruction.other == 0 ? named(formula.names[index], place)
+                                    : namedPlace(formula.names[index], place));
         if (m_keep)
             return static_cast<int>(formula.code.size());
         break;
@@ -167,7 +208,13 @@ int Evaluator::step(const Formula& formula, const Instruction& instruction, int 
     case Op::jump:
     case Op::choose:
     case Op::jumpIfOk:
+    case Op::jumpIfUnequal:
         return branch(formula, instruction, position, place);
+    case Op::dropBelow: {
+        Operand top = pop();
+        m_stack.back() = std::move(top);
+        break;
+    }
     default:
         binary(instruction, place);
         break;
@@ -177,8 +224,8 @@ int Evaluator::step(const Formula& formula, const Instruction& instruction, int 
 
 void Evaluator::binary(const Instruction& instruction, const EvaluationPlace& place)
 {
-    const Operand right = pop();
-    const Operand left = pop();
+    const Operand right = withoutReferences(pop(), place);
+    const Operand left = withoutReferences(pop(), place);
     if (left.isUnknown() || right.isUnknown())
         push(Operand::unknown());
     else if (instruction.op == Op::range || instruction.op == Op::intersect || instruction.op == Op::unite)
@@ -194,7 +241,7 @@ void Evaluator::binary(const Instruction& instruction, const EvaluationPlace& pl
 
 void Evaluator::sign(const Instruction& instruction, const EvaluationPlace& place)
 {
-    const Operand operand = pop();
+    const Operand operand = withoutReferences(pop(), place);
     if (instruction.op == Op::plus || operand.isUnknown())
         push(operand); // a plus keeps even a reference
     else if (instruction.arrayMode || operand.isArray())
@@ -203,11 +250,21 @@ void Evaluator::sign(const Instruction& instruction, const EvaluationPlace& plac
         push(applySign(instruction.op, singleValue(operand, place), m_book.countsFrom1904));
 }
 
+/// Whether a condition is one for each element.
+bool Evaluator::chooses(const Operand& operand, const Instruction& instruction) const
+{
+    return holdsSeveral(operand, instruction.arrayMode);
+}
+
 int Evaluator::branch(const Formula& formula, const Instruction& instruction, int position,
                       const EvaluationPlace& place)
 {
     if (instruction.op == Op::jump)
         return instruction.index;
+    if (instruction.op == Op::jumpIfUnequal)
+        return branchOnEquality(formula, instruction, position, place);
+    if (chooses(m_stack.back(), instruction))
+        return everyBranch(formula, instruction, position, place);
     if (instruction.op == Op::jumpIfOk) {
         const Operand& top = m_stack.back();
         if (top.isUnknown())
@@ -238,6 +295,80 @@ int Evaluator::branch(const Formula& formula, const Instruction& instruction, in
     return instruction.other;
 }
 
+int Evaluator::branchOnEquality(const Formula& formula, const Instruction& instruction, int position,
+                                const EvaluationPlace& place)
+{
+    const Operand candidate = pop();
+    const Operand wanted = m_stack.back();
+    if (wanted.isUnknown() || candidate.isUnknown()) {
+        m_stack.back() = Operand::unknown();
+        return instruction.other;
+    }
+    if (chooses(candidate, instruction) || chooses(wanted, instruction)) {
+        m_stack.back() = instruction.arrayMode ? applyToArrays(Op::equal, wanted, candidate, place)
+                                               : applyToArrays(Op::equal, intersected(wanted, place),
+                                                               intersected(candidate, place), place);
+        push(wanted); // for the cases that follow
+        return everyBranch(formula, instruction, position, place);
+    }
+    const Value equal = applyOperator(Op::equal, singleValue(wanted, place), singleValue(candidate, place),
+                                      m_book.countsFrom1904);
+    if (equal.isError()) {
+        m_stack.back() = equal;
+        return instruction.other;
+    }
+    if (!equal.boolean())
+        return instruction.index;
+    pop();
+    return position + 1;
+}
+
+/// Where the condition is an array, any branch may be wanted by some element. They are run one after the
+/// other on top of it, and then the function is called with all of them.
+int Evaluator::everyBranch(const Formula& formula, const Instruction& instruction, int position,
+                           const EvaluationPlace& place)
+{
+    const std::size_t base = m_stack.size() - (instruction.op == Op::jumpIfUnequal ? 2 : 1);
+    int function = instruction.count;
+    int end = instruction.other;
+    if (instruction.op == Op::choose) {
+        function = instruction.index;
+        everyCase(formula, instruction, position, place);
+    } else if (instruction.op == Op::jumpIfOk) {
+        function = instruction.other;
+        end = instruction.index;
+        push(runPart(formula, position + 1, end, place));
+    } else {
+        Operand wanted = instruction.op == Op::jumpIfUnequal ? pop() : Operand();
+        push(runPart(formula, position + 1, instruction.index - 1, place));
+        if (instruction.op == Op::jumpIfFalse) {
+            push(runPart(formula, instruction.index, end, place));
+        } else { // the cases that follow stand on the value, and leave theirs in its place
+            push(std::move(wanted));
+            for (int next = instruction.index; next < end;)
+                next = step(formula, formula.code[static_cast<std::size_t>(next)], next, place);
+        }
+    }
+    if (m_keep) {
+        m_stack.resize(base);
+        return static_cast<int>(formula.code.size());
+    }
+    call(*formula.functions[static_cast<std::size_t>(function)], m_stack.size() - base, true, place);
+    return end;
+}
+
+/// Each case ends with its jump, right before the next one or the table.
+void Evaluator::everyCase(const Formula& formula, const Instruction& instruction, int position,
+                          const EvaluationPlace& place)
+{
+    const auto start = [&](int number) {
+        return number > instruction.count ? position
+                                          : formula.code[static_cast<std::size_t>(position + number)].index;
+    };
+    for (int number = 1; number <= instruction.count && !m_keep; ++number)
+        push(runPart(formula, start(number), start(number + 1) - 1, place));
+}
+
 Operand Evaluator::reference(const ReferenceSlot& slot, const EvaluationPlace& place) const
 {
     const auto cells = slot.range(place.cell);
@@ -257,6 +388,37 @@ Operand Evaluator::reference(const ReferenceSlot& slot, const EvaluationPlace& p
     return std::shared_ptr<const Areas>(std::move(areas));
 }
 
+/// A reference whose cells are to be read, in cells whose order shows only now.
+Operand Evaluator::guarded(const Formula& formula, int slot, const EvaluationPlace& place)
+{
+    Operand operand = reference(formula.slots[static_cast<std::size_t>(slot)], place);
+    ReadGuard::Answer worst = ReadGuard::Answer::read;
+    for (Area area : operand.areas()) {
+        for (const Formula::Widened& widened : formula.widened) {
+            const auto like = formula.slots[static_cast<std::size_t>(widened.like)].range(place.cell);
+            if (widened.slot != slot || !like)
+                continue;
+            area.cells.right = std::max(area.cells.right, area.cells.left + like->columns() - 1);
+            area.cells.bottom = std::max(area.cells.bottom, area.cells.top + like->rows() - 1);
+        }
+        const ReadGuard::Answer answer = m_guard->beforeReading(area);
+        if (worst != ReadGuard::Answer::wait && answer != ReadGuard::Answer::read)
+            worst = answer;
+    }
+    if (worst == ReadGuard::Answer::wait)
+        return Operand::unknown();
+    return worst == ReadGuard::Answer::circle ? Operand(CellError::ref) : operand;
+}
+
+/// A name that is asked where its cells are.
+Operand Evaluator::namedPlace(int name, const EvaluationPlace& place)
+{
+    ReadGuard* const guard = std::exchange(m_guard, nullptr);
+    Operand result = named(name, place);
+    m_guard = guard;
+    return result;
+}
+
 Operand Evaluator::named(int name, const EvaluationPlace& place)
 {
     const std::uint32_t formula = m_book.formulas.names()[name].formula;
@@ -273,8 +435,8 @@ void Evaluator::call(const FunctionDescriptor& function, std::size_t count, bool
 {
     const std::span<const Operand> arguments(m_stack.data() + (m_stack.size() - count), count);
     // A volatile function would not give the same value again.
-    const bool unknown =
-        m_gathered && (function.has(isVolatile) || std::ranges::any_of(arguments, &Operand::isUnknown));
+    const bool unknown = (m_gathered && function.has(isVolatile)) ||
+                         ((m_gathered || m_guard) && std::ranges::any_of(arguments, &Operand::isUnknown));
     Operand result = unknown ? Operand::unknown() : applied(function, arguments, arrayMode, place);
     m_stack.resize(m_stack.size() - count);
     push(std::move(result));
@@ -283,10 +445,18 @@ void Evaluator::call(const FunctionDescriptor& function, std::size_t count, bool
 Operand Evaluator::applied(const FunctionDescriptor& function, std::span<const Operand> arguments,
                            bool arrayMode, const EvaluationPlace& place)
 {
+    bool referenceArrays = false;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        if (goesElementwise(function, i) &&
-            (arguments[i].isArray() || (arrayMode && arguments[i].isReference())))
+        if (holdsSeveral(arguments[i], arrayMode) && takesEach(function, i, arguments[i]))
             return callElementwise(function, arguments, arrayMode, place);
+        referenceArrays = referenceArrays || arguments[i].isReferenceArray();
+    }
+    if (referenceArrays) {
+        std::vector<Operand> plain(arguments.begin(), arguments.end());
+        for (Operand& argument : plain)
+            argument = withoutReferences(std::move(argument), place);
+        Call made(place, plain, arrayMode);
+        return answered(function, made);
     }
     Call made(place, arguments, arrayMode);
     return answered(function, made);
@@ -295,80 +465,51 @@ Operand Evaluator::applied(const FunctionDescriptor& function, std::span<const O
 Operand Evaluator::callElementwise(const FunctionDescriptor& function, std::span<const Operand> arguments,
                                    bool arrayMode, const EvaluationPlace& place)
 {
-    std::vector<std::shared_ptr<const Array>> elements(arguments.size());
+    std::vector<std::optional<Elements>> elements(arguments.size());
+    std::vector<Operand> single(arguments.begin(), arguments.end());
     int rows = 1;
     int columns = 1;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        if (!goesElementwise(function, i) || arguments[i].isMissing())
+        if (arguments[i].isMissing())
             continue;
-        elements[i] = toArray(arrayMode ? arguments[i] : intersected(arguments[i], place), place);
+        if (!takesEach(function, i, arguments[i])) {
+            single[i] = withoutReferences(std::move(single[i]), place);
+            continue;
+        }
+        elements[i].emplace(arrayMode ? arguments[i] : intersected(arguments[i], place),
+                            function.kind(i) == 'c', place);
         rows = std::max(rows, elements[i]->rows());
         columns = std::max(columns, elements[i]->columns());
     }
     if (!isArraySize(rows, columns))
         return CellError::value;
-    auto result = std::make_shared<Array>(rows, columns);
-    std::vector<Operand> single(arguments.begin(), arguments.end());
+    // What OFFSET and INDIRECT find may be asked for as a reference.
+    const auto references =
+        function.has(readsUnlisted) ? std::make_shared<ReferenceArray>(rows, columns) : nullptr;
+    auto result = std::make_shared<Array>(references ? 0 : rows, references ? 0 : columns);
+    KeptNumbers kept;
     std::size_t calls = 0;
     for (int row = 0; row < rows; ++row) {
         for (int column = 0; column < columns; ++column) {
             for (std::size_t i = 0; i < single.size(); ++i) {
                 if (elements[i])
-                    single[i] = elements[i]->spread(row, column);
+                    single[i] = elements[i]->at(row, column);
             }
-            Call made(place, single);
-            Value& element = result->at(row, column);
-            element = singleValue(answered(function, made), place);
+            Call made(place, single, false, &kept);
+            Operand answer = answered(function, made);
+            std::size_t effort = 1;
+            if (references)
+                references->at(row, column) = std::move(answer);
+            else
+                effort = effortOf(result->at(row, column) = singleValue(answer, place));
             const bool asks = ++calls % callsBetweenQuestions == 0;
-            if (!place.spend(effortOf(element) + costOfTexts(single)) || (asks && !place.goesOn()))
+            if (!place.spend(effort + costOfTexts(single)) || (asks && !place.goesOn()))
                 return CellError::value;
         }
     }
+    if (references)
+        return std::shared_ptr<const ReferenceArray>(references);
     return std::shared_ptr<const Array>(std::move(result));
-}
-
-Operand Evaluator::callCustom(int custom, std::size_t count, const EvaluationPlace& place)
-{
-    std::vector<Value> parameters;
-    parameters.reserve(count);
-    bool unknown = false;
-    for (std::size_t i = m_stack.size() - count; i < m_stack.size(); ++i) {
-        unknown = unknown || m_stack[i].isUnknown();
-        parameters.push_back(unknown ? Value() : singleValue(m_stack[i], place));
-    }
-    m_stack.resize(m_stack.size() - count);
-    if (unknown)
-        return Operand::unknown();
-
-    const CustomFunctions::Entry& function = m_book.formulas.customs()[custom];
-    if (!function.handler)
-        return CellError::name;
-    if (m_gathered)
-        return gatheredCall(function.name, std::move(parameters), place);
-    FunctionCall made(function.name, {place.sheet, place.cell.column, place.cell.row}, parameters);
-    const FunctionHandler handler = function.handler; // it may register functions itself
-    handler(made);
-    if (made.requestedDecimals())
-        m_queue.push_back({made.place(), *made.requestedDecimals()});
-    if (made.result())
-        return *made.result();
-    if (made.declined() || m_book.formulasShown)
-        m_keep = true;
-    return CellError::value;
-}
-
-Operand Evaluator::gatheredCall(std::string_view name, std::vector<Value> parameters,
-                                const EvaluationPlace& place)
-{
-    const auto same = [&](const PreparedCall& call) {
-        return call.name == name && call.parameters == parameters;
-    };
-    const auto known = std::ranges::find_if(*m_gathered, same);
-    if (known != m_gathered->end())
-        return known->expected ? Operand(*known->expected) : Operand::unknown();
-    m_gathered->push_back(
-        {name, {place.sheet, place.cell.column, place.cell.row}, std::move(parameters), std::nullopt});
-    return Operand::unknown();
 }
 
 } // namespace spreadsheet

@@ -15,13 +15,35 @@ struct QueuedCellChange {
     int decimals = 0;
 };
 
+/// A call of a registered function and what it came to.
+struct MadeCall {
+    int custom;
+    std::vector<Value> parameters;
+    Value result;
+};
+
+/// Asked while cells are computed whose order shows only as they run.
+class ReadGuard {
+public:
+    enum class Answer : std::uint8_t {
+        read,
+        wait,   ///< some of the cells are not computed yet: the formula comes to nothing
+        circle, ///< some of them wait for this one: #REF! in their place
+    };
+    virtual ~ReadGuard() = default;
+    /// A formula is about to use the values of cells.
+    virtual Answer beforeReading(const Area& area) = 0;
+    /// The calls that the cell has made: when it runs once more they are not made again.
+    virtual std::vector<MadeCall>& calls() = 0;
+};
+
 /// The stack machine that runs formulas, one cell at a time.
 class Evaluator {
 public:
     explicit Evaluator(const Book& book);
 
     /// The value of a formula in one cell. Nothing if the cell keeps what it has (a custom function
-    /// declined, or handed back nothing while formulas are shown).
+    /// declined, or handed back nothing while formulas are shown), or has to wait.
     std::optional<Value> cellValueOf(const Formula& formula, const EvaluationPlace& place);
     /// The elements of an array formula; nothing as above.
     std::shared_ptr<const Array> arrayOf(const Formula& formula, const EvaluationPlace& place);
@@ -34,18 +56,31 @@ public:
     /// calls of this formula found so far, and new ones are appended.
     void gatherCalls(const Formula& formula, const EvaluationPlace& place, std::vector<PreparedCall>& known);
 
+    /// Null: cells come in an order in which everything that they read is there.
+    void setGuard(ReadGuard* guard) { m_guard = guard; }
+
     std::vector<QueuedCellChange>& queue() { return m_queue; }
 
 private:
     Operand run(const Formula& formula, const EvaluationPlace& place);
+    Operand runPart(const Formula& formula, int first, int end, const EvaluationPlace& place);
     int step(const Formula& formula, const Instruction& instruction, int position,
              const EvaluationPlace& place);
     void binary(const Instruction& instruction, const EvaluationPlace& place);
     void sign(const Instruction& instruction, const EvaluationPlace& place);
     int branch(const Formula& formula, const Instruction& instruction, int position,
                const EvaluationPlace& place);
+    int branchOnEquality(const Formula& formula, const Instruction& instruction, int position,
+                         const EvaluationPlace& place);
+    bool chooses(const Operand& operand, const Instruction& instruction) const;
+    int everyBranch(const Formula& formula, const Instruction& instruction, int position,
+                    const EvaluationPlace& place);
+    void everyCase(const Formula& formula, const Instruction& instruction, int position,
+                   const EvaluationPlace& place);
     Operand reference(const ReferenceSlot& slot, const EvaluationPlace& place) const;
+    Operand guarded(const Formula& formula, int slot, const EvaluationPlace& place);
     Operand named(int name, const EvaluationPlace& place);
+    Operand namedPlace(int name, const EvaluationPlace& place);
     void call(const FunctionDescriptor& function, std::size_t count, bool arrayMode,
               const EvaluationPlace& place);
     Operand applied(const FunctionDescriptor& function, std::span<const Operand> arguments, bool arrayMode,
@@ -53,6 +88,8 @@ private:
     Operand callElementwise(const FunctionDescriptor& function, std::span<const Operand> arguments,
                             bool arrayMode, const EvaluationPlace& place);
     Operand callCustom(int custom, std::size_t count, const EvaluationPlace& place);
+    Operand callOnce(int custom, std::vector<Value> parameters, const EvaluationPlace& place);
+    Value handled(int custom, std::span<const Value> parameters, const EvaluationPlace& place);
     Operand gatheredCall(std::string_view name, std::vector<Value> parameters, const EvaluationPlace& place);
     Operand pop();
     void push(Operand operand) { m_stack.push_back(std::move(operand)); }
@@ -61,7 +98,8 @@ private:
     std::vector<Operand> m_stack;
     std::vector<QueuedCellChange> m_queue;
     std::vector<PreparedCall>* m_gathered = nullptr; ///< set while calls are gathered
-    bool m_keep = false;                             ///< the cell keeps what it has
+    ReadGuard* m_guard = nullptr;
+    bool m_keep = false; ///< the cell keeps what it has
     int m_nameDepth = 0;
 };
 

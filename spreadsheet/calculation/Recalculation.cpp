@@ -1,6 +1,5 @@
 #include "spreadsheet/calculation/Recalculation.h"
 
-#include "spreadsheet/calculation/CellOrder.h"
 #include "spreadsheet/calculation/LookupIndexes.h"
 #include "spreadsheet/formula/FormulaPool.h"
 
@@ -324,7 +323,12 @@ EvaluationPlace Recalculation::beginCell(const Run& run, int row)
     m_effort.beginCell();
     // What a formula finds by text may not be computed yet, and must not be kept for others.
     LookupIndexes* const indexes = run.readsUnlisted ? nullptr : m_indexes.get();
-    return {m_book, run.sheet, {run.column(), row}, indexes, &m_effort};
+    EvaluationPlace place{m_book, run.sheet, {run.column(), row}, indexes, &m_effort};
+    if (run.isArray) {
+        place.rows = run.cells.rows();
+        place.columns = run.cells.columns();
+    }
+    return place;
 }
 
 void Recalculation::tellCaller(const Run& run, int row) const
@@ -455,32 +459,6 @@ void Recalculation::evaluateRows(const Component& component, int direction)
                 evaluateCell(*member.run, *member.formula, block, index, row);
             dropShown(block, index, 1);
             ++m_report.evaluatedCells;
-        }
-    }
-}
-
-void Recalculation::evaluateCells(const Component& component)
-{
-    const auto runs = m_graph.runs();
-    CellOrder(m_graph, component)
-        .run(
-            m_marked,
-            [&](CellOrder::Node node) {
-                if (!shouldStop())
-                    evaluateRun(runs[static_cast<std::size_t>(node.run)], {node.row, node.row});
-            },
-            [&](CellOrder::Node node) { setCircular(runs[static_cast<std::size_t>(node.run)], node.row); });
-}
-
-void Recalculation::setCircular(const Run& run, int row)
-{
-    const int lastRow = run.isArray ? run.cells.bottom : row;
-    for (int column = run.cells.left; column <= run.cells.right; ++column) {
-        Column& cells = m_book.sheet(run.sheet).writableColumn(column);
-        for (int at = row; at <= lastRow; ++at) {
-            const std::size_t slot = cells.lowerSlot(at);
-            cells.computedBlock(slot).setValue(at - cells.slots()[slot].firstRow, CellError::ref);
-            m_report.circular.push_back({run.sheet, column, at});
         }
     }
 }

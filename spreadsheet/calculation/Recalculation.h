@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/calculation/BlockEvaluator.h"
+#include "spreadsheet/calculation/CellOrder.h"
 #include "spreadsheet/calculation/DependencyGraph.h"
 #include "spreadsheet/calculation/Evaluator.h"
 #include "spreadsheet/calculation/RecalculationReport.h"
@@ -82,6 +83,8 @@ private:
     void evaluateComponent(const Component& component);
     void evaluateRows(const Component& component, int direction);
     void evaluateCells(const Component& component);
+    void evaluateAsRead(std::span<const CellOrder::Node> cells);
+    void evaluateAlone(const Run& run, int row);
     void evaluateRun(const Run& run, RowInterval rows);
     void evaluateStretch(const Run& run, const Formula& formula, std::size_t slot, RowInterval rows);
     void evaluateCell(const Run& run, const Formula& formula, CellBlock& block, int index, int row);

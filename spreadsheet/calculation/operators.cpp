@@ -143,10 +143,40 @@ void cutToUsed(const Book& book, CellRange& cells)
 
 } // namespace
 
+namespace {
+
+/// The value of an operand that has just one, array or not; else the operand.
+Operand reduced(const Operand& operand, const EvaluationPlace& place)
+{
+    if (operand.isArray() && elementsOf(operand.array().rows(), operand.array().columns()) == 1)
+        return operand.array().at(0, 0);
+    if (!operand.isArea() || !operand.area().cells.isOneCell())
+        return operand;
+    const Area& area = operand.area();
+    return cellValue(place.book, area.sheet, {area.cells.left, area.cells.top});
+}
+
+/// A reference in an array means its cell; several cells have no single value.
+std::shared_ptr<const Array> valuesOf(const ReferenceArray& references, const EvaluationPlace& place)
+{
+    auto values = std::make_shared<Array>(references.rows(), references.columns());
+    for (int row = 0; row < references.rows(); ++row) {
+        for (int column = 0; column < references.columns(); ++column) {
+            const Operand value = reduced(references.at(row, column), place);
+            values->at(row, column) = value.isValue() ? value.value() : Value(CellError::value);
+        }
+    }
+    return values;
+}
+
+} // namespace
+
 std::shared_ptr<const Array> toArray(const Operand& operand, const EvaluationPlace& place)
 {
     if (operand.isArray())
         return operand.sharedArray();
+    if (operand.isReferenceArray())
+        return valuesOf(operand.referenceArray(), place);
     auto single = std::make_shared<Array>(1, 1);
     if (operand.isArea()) {
         Area area = operand.area();
@@ -170,10 +200,12 @@ std::shared_ptr<const Array> toArray(const Operand& operand, const EvaluationPla
 
 Operand applyToArrays(Op op, const Operand& left, const Operand& right, const EvaluationPlace& place)
 {
-    if (left.isValue() && right.isValue())
-        return applyOperator(op, left.value(), right.value(), place.book.countsFrom1904);
-    const auto a = toArray(left, place);
-    const auto b = toArray(right, place);
+    const Operand first = reduced(left, place);
+    const Operand second = reduced(right, place);
+    if (first.isValue() && second.isValue())
+        return applyOperator(op, first.value(), second.value(), place.book.countsFrom1904);
+    const auto a = toArray(first, place);
+    const auto b = toArray(second, place);
     const int rows = std::max(a->rows(), b->rows());
     const int columns = std::max(a->columns(), b->columns());
     if (!isArraySize(rows, columns))
@@ -193,8 +225,9 @@ Operand applyToArrays(Op op, const Operand& left, const Operand& right, const Ev
     return std::shared_ptr<const Array>(std::move(result));
 }
 
-Operand applyToArray(Op op, const Operand& operand, const EvaluationPlace& place)
+Operand applyToArray(Op op, const Operand& whole, const EvaluationPlace& place)
 {
+    const Operand operand = reduced(whole, place);
     if (operand.isValue())
         return applySign(op, operand.value(), place.book.countsFrom1904);
     auto result = std::make_shared<Array>(*toArray(operand, place));

@@ -4,8 +4,10 @@
 #include "spreadsheet/formula/operator_table.h"
 #include "spreadsheet/formula/Vocabulary.h"
 #include "spreadsheet/values/Array.h"
+#include "text/ascii.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace spreadsheet {
 
@@ -15,22 +17,45 @@ namespace spreadsheet {
 
 namespace {
 
+/// The functions that are compiled into jumps.
+enum class Branching : std::uint8_t { none, condition, conditions, choice, unlessError, equality };
+
+Branching branchingOf(const FunctionDescriptor& function)
+{
+    if (!function.has(branches))
+        return Branching::none;
+    return function.name == "IF"       ? Branching::condition
+           : function.name == "IFS"    ? Branching::conditions
+           : function.name == "CHOOSE" ? Branching::choice
+           : function.name == "SWITCH" ? Branching::equality
+                                       : Branching::unlessError;
+}
+
 /// An open call. The first one is the whole formula, which is none.
 struct Frame {
     const FunctionDescriptor* function = nullptr;
-    int custom = -1;         ///< number of a function that the program registers
-    bool isCorner = false;   ///< the call stands behind ":"
-    bool byElements = false; ///< branches chosen element by element: the condition may be an array
-    bool arrayMode = false;  ///< of the operators inside the present argument
+    Branching branching = Branching::none;
+    int custom = -1;        ///< number of a function that the program registers
+    bool isCorner = false;  ///< the call stands behind ":"
+    bool arrayMode = false; ///< of the operators inside the present argument
     bool outerArrayMode = false;
-    int arguments = 0;      ///< finished ones
-    int argumentStart = 0;  ///< position in the code of the present argument
-    int firstSlot = -1;     ///< slot of the first argument if that is a plain reference
-    int depth = 0;          ///< operands below
-    int pendingJump = -1;   ///< a jump whose target is the next argument
-    int condition = -1;     ///< the jump behind IF's condition
-    std::vector<int> exits; ///< jumps whose target is the end of the call
+    bool wantsValues = true;  ///< of the cells that its second argument names
+    int arguments = 0;        ///< finished ones
+    int start = 0;            ///< position in the code
+    int argumentStart = 0;    ///< the same of the present argument
+    int firstSlot = -1;       ///< slot of the first argument if that is a plain reference
+    int depth = 0;            ///< operands below
+    int pendingJump = -1;     ///< a jump whose target is the next argument
+    std::vector<int> tests;   ///< jumps on a condition: an error in it leaves the call at once
+    std::vector<int> choices; ///< where each of them begins
+    std::vector<int> exits;   ///< jumps whose target is the end of the call
 };
+
+/// Steps of an argument that is a reference, however put together.
+bool isReferenceStep(Op op)
+{
+    return op == Op::reference || op == Op::name || op == Op::range || op == Op::intersect || op == Op::unite;
+}
 
 class Compiler final : public FormulaListener {
 public:
@@ -93,8 +118,10 @@ public:
         opened.function = m_vocabulary.findFunction(token(at).text);
         if (!opened.function)
             opened.custom = m_vocabulary.customs.number(token(at).text);
+        else
+            opened.branching = branchingOf(*opened.function);
         opened.depth = m_depth;
-        opened.argumentStart = here();
+        opened.start = opened.argumentStart = here();
         opened.arrayMode = opened.outerArrayMode = frame().arrayMode;
         m_frames.push_back(std::move(opened));
         setArgumentMode();
@@ -103,16 +130,14 @@ public:
     void argument() override
     {
         ++frame().arguments;
-        noteArrayCondition();
-        notePlainReference();
-        if (branching())
+        noteReferences();
+        if (frame().branching != Branching::none)
             branchAfterArgument();
         setArgumentMode();
     }
 
     Refusal closeCall(std::size_t at, int arguments) override
     {
-        const bool jumps = branching();
         Frame closed = std::move(m_frames.back());
         if (closed.function &&
             (arguments < closed.function->minArguments || arguments > closed.function->maxArguments))
@@ -120,10 +145,10 @@ public:
         m_frames.pop_back();
         m_depth = closed.depth + 1;
         m_formula.stackDepth = std::max(m_formula.stackDepth, m_depth);
-        if (jumps)
+        if (closed.branching != Branching::none)
             finishBranches(closed);
         else if (closed.function)
-            emitCall(*closed.function, arguments, closed.byElements);
+            emitCall(*closed.function, arguments);
         else
             emit(Op::callCustom, customIndex(closed.custom), arguments);
         return {};
@@ -169,38 +194,43 @@ private:
                 open.outerArrayMode || open.function->kind(static_cast<std::size_t>(open.arguments)) == 'a';
     }
 
-    /// True while the innermost call is compiled into jumps.
-    bool branching() const
-    {
-        const Frame& open = m_frames.back();
-        return open.function && open.function->has(branches) && !open.outerArrayMode && !open.byElements;
-    }
-
-    /// IF({1,0},…) gives an array of both branches, so none of them may be jumped over.
-    void noteArrayCondition()
+    /// What an argument that is a reference is read for.
+    void noteReferences()
     {
         Frame& open = frame();
-        if (open.arguments == 1 && branching())
-            open.byElements = std::any_of(m_formula.code.begin() + open.argumentStart, m_formula.code.end(),
-                                          [](const Instruction& step) { return step.op == Op::array; });
-    }
-
-    void notePlainReference()
-    {
-        Frame& open = frame();
-        const bool plain = here() - open.argumentStart == 1 && m_formula.code.back().op == Op::reference;
-        open.argumentStart = here();
-        if (!plain || !open.function)
+        const auto first = m_formula.code.begin() + std::exchange(open.argumentStart, here());
+        const auto end = m_formula.code.end();
+        const bool plain = end - first == 1 && first->op == Op::reference;
+        if (!open.function)
             return;
-        const int slot = m_formula.code.back().index;
-        if (open.function->has(sumsBeside))
-            noteWidened(open, slot);
+        if (plain && open.function->has(sumsBeside))
+            noteWidened(open, first->index);
+        if (open.arguments == 1)
+            noteAskedFor(open, first, end);
         const bool asPlace =
             open.function->has(placesOnly) || (open.isCorner && open.function->has(placesAsCorner));
-        if (asPlace && open.function->kind(static_cast<std::size_t>(open.arguments - 1)) != 'v') {
-            m_formula.placesOnly.push_back(slot);
-            m_formula.dependsOnPlace = true;
+        const bool unread = asPlace || (open.function->has(asksNoValues) && !open.wantsValues);
+        if (!unread || open.function->kind(static_cast<std::size_t>(open.arguments - 1)) == 'v' ||
+            !std::all_of(first, end, [](const Instruction& step) { return isReferenceStep(step.op); }))
+            return;
+        for (auto step = first; step != end; ++step) {
+            step->other = 1;
+            if (asPlace && step->op == Op::reference)
+                m_formula.placesOnly.push_back(step->index);
         }
+        m_formula.dependsOnPlace = m_formula.dependsOnPlace || asPlace;
+    }
+
+    /// CELL reads a value for some of the words that may stand in front of the reference, and who knows for
+    /// what a formula comes to; ISFORMULA and its like, whose only argument is the reference, never do.
+    template <typename Step>
+    void noteAskedFor(Frame& open, Step first, Step end)
+    {
+        open.wantsValues = open.function->kind(0) == 'v';
+        if (!open.wantsValues || end - first != 1 || first->op != Op::text)
+            return;
+        const std::string word = ascii::lower(m_formula.texts[static_cast<std::size_t>(first->index)].view());
+        open.wantsValues = word == "contents" || word == "type" || word == "prefix";
     }
 
     /// The third argument of SUMIF and its like is read as far as the first one reaches.
@@ -212,11 +242,17 @@ private:
             m_formula.widened.push_back({slot, open.firstSlot});
     }
 
-    void emitCall(const FunctionDescriptor& function, int arguments, bool byElements)
+    int functionIndex(const FunctionDescriptor* function)
     {
-        const int step = emit(Op::call, keep(m_formula.functions, &function), arguments);
-        if (byElements)
-            m_formula.code[static_cast<std::size_t>(step)].arrayMode = true;
+        const auto found = std::ranges::find(m_formula.functions, function);
+        if (found != m_formula.functions.end())
+            return static_cast<int>(found - m_formula.functions.begin());
+        return keep(m_formula.functions, function);
+    }
+
+    void emitCall(const FunctionDescriptor& function, int arguments)
+    {
+        emit(Op::call, functionIndex(&function), arguments);
         m_formula.isVolatile = m_formula.isVolatile || function.has(isVolatile);
         m_formula.readsUnlisted = m_formula.readsUnlisted || function.has(readsUnlisted);
         m_formula.changesByItself =
@@ -233,67 +269,116 @@ private:
         return keep(m_formula.customs, custom);
     }
 
-    // IF, CHOOSE, IFERROR and IFNA as jumps. Each branch leaves one operand, so only one counts.
+    // Branches as jumps. Each branch leaves one operand, so only one counts.
 
     void branchAfterArgument()
     {
         Frame& open = frame();
-        const std::string_view name = open.function->name;
-        if (name == "IFERROR" || name == "IFNA") {
-            if (open.arguments == 1)
-                open.exits.push_back(emit(Op::jumpIfOk, 0, name == "IFNA"));
-        } else if (open.arguments == 1) {
-            if (name == "IF")
-                open.condition = open.pendingJump = emit(Op::jumpIfFalse);
-            else
-                openChoice();
-        } else {
-            open.exits.push_back(emit(Op::jump));
-            if (name == "IF" && open.arguments == 2) {
-                aim(open.pendingJump, here());
-                open.pendingJump = -1;
-            } else if (name == "CHOOSE") {
-                m_choiceStarts.back().push_back(here());
-            }
-        }
+        const bool isFirst = open.arguments == 1;
+        const bool isOdd = open.arguments % 2 == 1;
         m_depth = open.depth;
+        switch (open.branching) {
+        case Branching::condition:
+            return isFirst ? test(Op::jumpIfFalse) : leave(open.arguments == 2);
+        case Branching::conditions:
+            return isOdd ? test(Op::jumpIfFalse) : leave(true);
+        case Branching::equality:
+            if (!isOdd)
+                return test(Op::jumpIfUnequal);
+            if (!isFirst)
+                leave(true);
+            ++m_depth; // the value that the next ones are compared with
+            return;
+        case Branching::choice:
+            if (isFirst) // the table's length is known only at the end, so the choices stand before it
+                open.pendingJump = emit(Op::jump);
+            else
+                leave(false);
+            open.choices.push_back(here());
+            return;
+        case Branching::unlessError:
+            if (isFirst) {
+                open.exits.push_back(emit(Op::jumpIfOk, 0, open.function->name == "IFNA"));
+                m_formula.code.back().other = functionIndex(open.function);
+            }
+            return;
+        case Branching::none:
+            return;
+        }
     }
 
-    void openChoice()
+    /// Goes on with the next argument, or behind the one after it.
+    void test(Op op)
     {
-        // The table's length is known only at the end, so the choices stand before it: jump there first.
-        frame().pendingJump = emit(Op::jump);
-        m_choiceStarts.push_back({here()});
+        const int condition = functionIndex(m_vocabulary.findFunction("IF"));
+        frame().pendingJump = emit(op, 0, condition);
+        frame().tests.push_back(frame().pendingJump);
+    }
+
+    /// Ends a branch; `isTested` if the last test jumps behind it.
+    void leave(bool isTested)
+    {
+        frame().exits.push_back(emit(Op::jump));
+        if (isTested)
+            aim(std::exchange(frame().pendingJump, -1), here());
     }
 
     void finishBranches(Frame& closed)
     {
-        const std::string_view name = closed.function->name;
-        if (name == "CHOOSE")
+        switch (closed.branching) {
+        case Branching::condition:
+            if (closed.arguments == 2)
+                emit(Op::boolean, 0);
+            else
+                dropExit(closed);
+            break;
+        case Branching::conditions:
+            if (closed.arguments % 2 != 0)
+                return refuse(closed);
+            emit(Op::error, static_cast<int>(CellError::na));
+            break;
+        case Branching::equality:
+            if (closed.arguments % 2 == 0) { // the last one is for all other values
+                m_formula.code.pop_back();
+                closed.tests.pop_back();
+            } else {
+                emit(Op::error, static_cast<int>(CellError::na));
+            }
+            emit(Op::dropBelow);
+            break;
+        case Branching::choice:
             finishChoice(closed);
-        else if (closed.pendingJump >= 0)
-            aim(closed.pendingJump, here());
-        if (name == "IF" && closed.arguments == 2) {
-            emit(Op::boolean, 0);
-        } else if (name == "IF" && closed.arguments == 3) { // the last branch falls through
-            closed.exits.pop_back();
-            m_formula.code.pop_back();
+            break;
+        default:
+            break;
         }
         for (const int exit : closed.exits)
             aim(exit, here());
-        if (closed.condition >= 0) // an error in the condition leaves the call at once
-            m_formula.code[static_cast<std::size_t>(closed.condition)].other = here();
+        for (const int test : closed.tests)
+            m_formula.code[static_cast<std::size_t>(test)].other = here();
+    }
+
+    /// The last branch falls through to the end.
+    void dropExit(Frame& closed)
+    {
+        closed.exits.pop_back();
+        m_formula.code.pop_back();
+    }
+
+    /// A condition without its value.
+    void refuse(const Frame& closed)
+    {
+        m_formula.code.resize(static_cast<std::size_t>(closed.start));
+        emit(Op::error, static_cast<int>(CellError::value));
     }
 
     void finishChoice(const Frame& closed)
     {
-        const std::vector<int> starts = std::move(m_choiceStarts.back());
-        m_choiceStarts.pop_back();
         aim(closed.pendingJump, here());
         const int choices = closed.arguments - 1;
-        emit(Op::choose, 0, choices);
+        emit(Op::choose, functionIndex(closed.function), choices);
         for (int i = 0; i < choices; ++i)
-            emit(Op::jump, starts[static_cast<std::size_t>(i)]);
+            emit(Op::jump, closed.choices[static_cast<std::size_t>(i)]);
         m_formula.code[static_cast<std::size_t>(here() - choices - 1)].other = here();
     }
 
@@ -301,16 +386,16 @@ private:
     Vocabulary& m_vocabulary;
     Formula& m_formula;
     std::vector<Frame> m_frames;
-    std::vector<std::vector<int>> m_choiceStarts;
     int m_depth = 0;
 };
 
 } // namespace
 
-Refusal compileFormula(LexedFormula& lexed, Vocabulary& vocabulary, bool asArray, Formula& formula)
+Refusal compileFormula(LexedFormula& lexed, Vocabulary& vocabulary, bool asArray, Unions unions,
+                       Formula& formula)
 {
     Compiler compiler(lexed, vocabulary, asArray, formula);
-    if (auto problem = parseFormula(lexed.tokens, compiler))
+    if (auto problem = parseFormula(lexed.tokens, compiler, unions))
         return problem;
     formula.pieces = std::move(lexed.pieces);
     formula.slots = std::move(lexed.slots);

@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/formula/Formula.h"
+#include "spreadsheet/formula/formula_grammar.h"
 #include "spreadsheet/formula/Lexer.h"
 #include "spreadsheet/values/Refusal.h"
 
@@ -10,6 +11,7 @@ namespace spreadsheet {
 struct Vocabulary;
 
 /// Compiles tokens into `formula` (pieces and slots are moved over).
-Refusal compileFormula(LexedFormula& lexed, Vocabulary& vocabulary, bool asArray, Formula& formula);
+Refusal compileFormula(LexedFormula& lexed, Vocabulary& vocabulary, bool asArray, Unions unions,
+                       Formula& formula);
 
 } // namespace spreadsheet

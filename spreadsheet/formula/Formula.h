@@ -45,11 +45,16 @@ enum class Op : std::uint8_t {
     // Calls; `count` arguments lie on the stack.
     call,       ///< a function of the table
     callCustom, ///< index of the custom function's name
-    // Branches that are not taken are not evaluated; targets are positions in the code.
+    // Branches that are not taken are not evaluated; targets are positions in the code. A branch of an IF
+    // ends with its jump to the end. Where the condition is an array every branch is evaluated, and then
+    // the function called that the condition's step names among `functions`: `count` of the jumps on a
+    // condition, `index` of choose, `other` of jumpIfOk.
     jumpIfFalse, ///< takes the condition; to `index` if false, to `other` with an error
     jump,
-    choose,   ///< takes the number; table of targets follows as `jump` steps, `count` of them
-    jumpIfOk, ///< keeps a value that is no error and jumps; else takes it (count 1: only #N/A)
+    choose,        ///< takes the number; table of targets follows as `jump` steps, `count` of them
+    jumpIfOk,      ///< keeps a value that is no error and jumps; else takes it (count 1: only #N/A)
+    jumpIfUnequal, ///< takes a value, to `index` if the one below is another; else takes that too
+    dropBelow,     ///< takes the operand below the topmost one
 };
 
 struct Instruction {
@@ -57,7 +62,7 @@ struct Instruction {
     bool arrayMode = false; ///< elements one by one instead of implicit intersection
     std::uint16_t count = 0;
     std::int32_t index = 0;
-    std::int32_t other = 0;
+    std::int32_t other = 0; ///< of a reference or name: 1 if its cells' values are not read
 };
 
 /// A formula in relative form: text template, references and compiled code. All cells filled down

@@ -54,7 +54,7 @@ std::string FormulaPool::key(const std::vector<std::string>& pieces, const std::
 
 std::variant<std::uint32_t, Refusal> FormulaPool::intern(std::string_view text, CellAddress base,
                                                          const SheetResolver& sheetId, bool asArray,
-                                                         std::size_t maxText)
+                                                         std::size_t maxText, Unions unions)
 {
     if (text.size() > maxText)
         return Refusal("公式太长", maxText);
@@ -65,7 +65,7 @@ std::variant<std::uint32_t, Refusal> FormulaPool::intern(std::string_view text, 
     if (const auto known = m_byKey.find(formulaKey); known != m_byKey.end())
         return known->second;
     Formula formula;
-    if (auto problem = compileFormula(lexed, m_vocabulary, asArray, formula))
+    if (auto problem = compileFormula(lexed, m_vocabulary, asArray, unions, formula))
         return problem;
     return add(std::move(formulaKey), std::move(formula));
 }

@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/formula/Formula.h"
+#include "spreadsheet/formula/formula_grammar.h"
 #include "spreadsheet/formula/Lexer.h"
 #include "spreadsheet/formula/Vocabulary.h"
 #include "spreadsheet/values/Refusal.h"
@@ -32,7 +33,8 @@ public:
     /// The number of a formula as the cell `base` holds it. The text stands without "=".
     std::variant<std::uint32_t, Refusal> intern(std::string_view text, CellAddress base,
                                                 const SheetResolver& sheetId, bool asArray = false,
-                                                std::size_t maxText = maxFormulaText);
+                                                std::size_t maxText = maxFormulaText,
+                                                Unions unions = Unions::inBrackets);
     const Formula& operator[](std::uint32_t number) const { return m_formulas[number - 1]; }
     std::uint32_t size() const { return static_cast<std::uint32_t>(m_formulas.size()); }
     /// The text letter by letter as the cell `base` shows it, without "=".

@@ -33,6 +33,7 @@ enum FunctionTrait : std::uint8_t {
     sumsBeside = 16,     ///< its third argument is read as far as its first one reaches
     placesOnly = 32,     ///< of its "r" and "a" arguments that are references it reads only where they are
     placesAsCorner = 64, ///< the same where the call is the second corner of a range (A1:INDEX(A:A,9))
+    asksNoValues = 128,  ///< of such arguments it reads formulas and formats, but no values
 };
 
 inline constexpr int manyArguments = 255;
@@ -40,8 +41,9 @@ inline constexpr int manyArguments = 255;
 /// One function of the language.
 ///
 /// `kinds` has a letter per argument: "v" a single value (a range is intersected, an array is gone
-/// through element by element), "r" anything, ranges as such, "a" anything, and operators inside work
-/// element by element. Arguments beyond the text repeat its last `repeat` letters.
+/// through element by element), "r" anything, ranges as such, "c" the same, but of an array of references
+/// each one by itself, "a" anything, and operators inside work element by element. Arguments beyond the text
+/// repeat its last `repeat` letters.
 struct FunctionDescriptor {
     std::string_view name; ///< in capitals
     int minArguments;
@@ -50,6 +52,7 @@ struct FunctionDescriptor {
     FunctionFamily family;
     std::string_view arguments; ///< argument names separated by ","; "[…]" may be left out, "…" repeats
     std::string_view help;      ///< one line in Chinese
+    /// Null for those of the `branches` that come down to IF.
     Operand (*evaluate)(Call& call);
     std::uint8_t traits = pure;
     int repeat = 1;

@@ -19,13 +19,19 @@ struct Area {
 /// Several areas: a union, or one range on several sheets.
 using Areas = std::vector<Area>;
 
+class Operand;
+
+/// References in rows and columns: what OFFSET and INDIRECT give for arrays.
+class ReferenceArray;
+
 /// An argument left out between two commas.
 struct Missing {};
 
 /// A value that is not known yet while custom calls are gathered.
 struct Unknown {};
 
-/// What lies on the stack of the formula machine: a value, cells, an array, or nothing.
+/// What lies on the stack of the formula machine: a value, cells, an array, references in an array, or
+/// nothing.
 class Operand {
 public:
     Operand() = default;
@@ -53,6 +59,10 @@ public:
         : m_content(std::move(array))
     {
     }
+    Operand(std::shared_ptr<const ReferenceArray> references)
+        : m_content(std::move(references))
+    {
+    }
     static Operand missing()
     {
         Operand operand;
@@ -74,6 +84,7 @@ public:
     bool isReference() const { return isArea() || isAreas(); }
     bool isArray() const { return m_content.index() == 4; }
     bool isUnknown() const { return m_content.index() == 5; }
+    bool isReferenceArray() const { return m_content.index() == 6; }
 
     const Value& value() const { return *std::get_if<Value>(&m_content); }
     Value& value() { return *std::get_if<Value>(&m_content); }
@@ -85,9 +96,14 @@ public:
     {
         return *std::get_if<std::shared_ptr<const Array>>(&m_content);
     }
+    const ReferenceArray& referenceArray() const
+    {
+        return **std::get_if<std::shared_ptr<const ReferenceArray>>(&m_content);
+    }
 
 private:
-    std::variant<Value, Missing, Area, std::shared_ptr<const Areas>, std::shared_ptr<const Array>, Unknown>
+    std::variant<Value, Missing, Area, std::shared_ptr<const Areas>, std::shared_ptr<const Array>, Unknown,
+                 std::shared_ptr<const ReferenceArray>>
         m_content;
 };
 
@@ -97,5 +113,31 @@ inline Areas Operand::areas() const
         return {area()};
     return isAreas() ? **std::get_if<std::shared_ptr<const Areas>>(&m_content) : Areas{};
 }
+
+class ReferenceArray {
+public:
+    ReferenceArray(int rows, int columns)
+        : m_rows(rows)
+        , m_columns(columns)
+        , m_elements(elementsOf(rows, columns))
+    {
+    }
+
+    int rows() const { return m_rows; }
+    int columns() const { return m_columns; }
+    /// A reference, or the error that stands in its place.
+    const Operand& at(int row, int column) const { return m_elements[position(row, column)]; }
+    Operand& at(int row, int column) { return m_elements[position(row, column)]; }
+
+private:
+    std::size_t position(int row, int column) const
+    {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columns) +
+               static_cast<std::size_t>(column);
+    }
+    int m_rows;
+    int m_columns;
+    std::vector<Operand> m_elements; ///< row by row
+};
 
 } // namespace spreadsheet

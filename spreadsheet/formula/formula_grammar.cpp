@@ -55,9 +55,10 @@ std::optional<Value> constantValue(const Token& token)
 
 class FormulaParser {
 public:
-    FormulaParser(const std::vector<Token>& tokens, FormulaListener& listener)
+    FormulaParser(const std::vector<Token>& tokens, FormulaListener& listener, Unions unions)
         : m_tokens(tokens)
         , m_listener(listener)
+        , m_unions(unions)
         , m_open(1)
     {
     }
@@ -286,7 +287,7 @@ private:
             finishArgument();
             if (bracket().arguments > manyArguments)
                 return fail("参数太多");
-        } else if (m_open.size() > 1) {
+        } else if (m_open.size() > 1 || m_unions == Unions::everywhere) {
             between(",");
         } else {
             return fail("此处不能用逗号");
@@ -309,6 +310,7 @@ private:
 
     const std::vector<Token>& m_tokens;
     FormulaListener& m_listener;
+    Unions m_unions;
     std::vector<OpenBracket> m_open;
     std::vector<WaitingOperator> m_operators;
     Refusal m_problem;
@@ -318,9 +320,9 @@ private:
 
 } // namespace
 
-Refusal parseFormula(const std::vector<Token>& tokens, FormulaListener& listener)
+Refusal parseFormula(const std::vector<Token>& tokens, FormulaListener& listener, Unions unions)
 {
-    return FormulaParser(tokens, listener).run();
+    return FormulaParser(tokens, listener, unions).run();
 }
 
 } // namespace spreadsheet

@@ -4,6 +4,7 @@
 #include "spreadsheet/values/Value.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace spreadsheet {
@@ -13,6 +14,9 @@ struct OperatorRow;
 
 /// Brackets and calls may be nested this deep.
 inline constexpr std::size_t maxNesting = 256;
+
+/// Where references may be joined by commas: behind a cell's "=" one is a slip, in a name it is a union.
+enum class Unions : std::uint8_t { inBrackets, everywhere };
 
 /// Is told what a formula consists of, in the order of a stack machine: operands before their operator,
 /// arguments before their call. `at` is the position of a token among the formula's tokens.
@@ -44,6 +48,7 @@ public:
 /// brackets, sign, "%", "^", "*" "/", "+" "-", "&", comparisons; equal ones group from the left, so -2^2 is 4
 /// and 2^3^2 is 64.
 /// @return  the first mistake, or the listener's refusal, behind which it is told nothing more
-Refusal parseFormula(const std::vector<Token>& tokens, FormulaListener& listener);
+Refusal parseFormula(const std::vector<Token>& tokens, FormulaListener& listener,
+                     Unions unions = Unions::inBrackets);
 
 } // namespace spreadsheet

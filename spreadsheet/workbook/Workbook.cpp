@@ -251,7 +251,8 @@ Refusal Workbook::defineName(std::string_view name, std::string_view formula)
             const int index = sheetIndex(sheetName);
             return index == 0 ? 0 : sheet(index).id();
         };
-        const auto parsed = m_book->formulas.intern(formula, {1, 1}, sheetId);
+        const auto parsed =
+            m_book->formulas.intern(formula, {1, 1}, sheetId, false, maxFormulaText, Unions::everywhere);
         if (const auto* problem = std::get_if<Refusal>(&parsed))
             return *problem;
         meaning = std::get<std::uint32_t>(parsed);

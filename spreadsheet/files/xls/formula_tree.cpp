@@ -109,7 +109,8 @@ private:
 std::optional<FormulaTree> formulaTree(const LexedFormula& lexed)
 {
     TreeBuilder builder(lexed.tokens);
-    const bool isFormula = !parseFormula(lexed.tokens, builder); // the writer has a sentence of its own
+    // The writer has a sentence of its own for what is none.
+    const bool isFormula = !parseFormula(lexed.tokens, builder, Unions::everywhere);
     if (!isFormula || !builder.isKnownEverywhere())
         return std::nullopt;
     return builder.take();

@@ -188,10 +188,11 @@ constexpr auto cellInformationFamily = FunctionFamily::information;
 
 const FunctionDescriptor cellInformationTable[] = {
     {"CELL", 1, 2, "vr", cellInformationFamily, "信息类型,[引用]", "返回单元格的地址、内容、格式等信息",
-     cellInformation, isVolatile | dependsOnPlace},
+     cellInformation, isVolatile | dependsOnPlace | asksNoValues},
     {"INFO", 1, 1, "v", cellInformationFamily, "信息类型", "返回当前运行环境的信息", programInformation,
      isVolatile},
-    {"ISFORMULA", 1, 1, "r", cellInformationFamily, "引用", "单元格含公式时返回 TRUE", isFormula},
+    {"ISFORMULA", 1, 1, "r", cellInformationFamily, "引用", "单元格含公式时返回 TRUE", isFormula,
+     asksNoValues},
     {"SHEET", 0, 1, "r", cellInformationFamily, "[引用或表名]", "返回工作表的序号", sheetNumber,
      isVolatile | dependsOnPlace | placesOnly},
     {"SHEETS", 0, 1, "r", cellInformationFamily, "[引用]", "返回工作表的个数", sheetCount,

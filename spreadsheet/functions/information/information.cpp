@@ -91,7 +91,7 @@ const FunctionDescriptor informationTable[] = {
     {"ISEVEN", 1, 1, "v", informationFamily, "数值", "数值为偶数时返回 TRUE", parity<0>},
     {"ISODD", 1, 1, "v", informationFamily, "数值", "数值为奇数时返回 TRUE", parity<1>},
     {"NA", 0, 0, "", informationFamily, "", "返回错误值 #N/A", notAvailable},
-    {"N", 1, 1, "r", informationFamily, "值", "将值转换为数字，文本为0", asNumber},
+    {"N", 1, 1, "c", informationFamily, "值", "将值转换为数字，文本为0", asNumber},
     {"ERROR.TYPE", 1, 1, "v", informationFamily, "错误值", "返回错误类型的编号", errorNumber},
     {"TYPE", 1, 1, "r", informationFamily, "值", "返回值的数据类型编号", typeNumber},
 };

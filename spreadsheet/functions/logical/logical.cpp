@@ -28,39 +28,8 @@ Operand otherwiseIfNotAvailable(Call& call)
     return passedOn(call, value.isError() && value.error() == CellError::na ? 1 : 0);
 }
 
-/// The value of the first pair whose condition holds; what comes after it does not count.
-Operand firstTrue(Call& call)
-{
-    if (call.count() % 2 != 0)
-        return CellError::value;
-    for (std::size_t pair = 0; pair < call.count(); pair += 2) {
-        const bool condition = call.logical(pair);
-        if (call.failed())
-            return call.error();
-        if (condition)
-            return passedOn(call, pair + 1);
-    }
-    return CellError::na;
-}
-
-Operand firstEqual(Call& call)
-{
-    const Value wanted = call.value(0);
-    if (wanted.isError())
-        return wanted;
-    const std::size_t pairs = (call.count() - 1) / 2;
-    for (std::size_t pair = 0; pair < pairs; ++pair) {
-        const Value candidate = call.value(1 + 2 * pair);
-        if (candidate.isError())
-            return candidate;
-        if (compareValues(wanted, candidate) == 0)
-            return passedOn(call, 2 + 2 * pair);
-    }
-    return call.count() % 2 == 0 ? passedOn(call, call.count() - 1) : Operand(CellError::na);
-}
-
-/// How many truth values the arguments hold and how many of them are true. In ranges texts and empty
-/// cells are passed over.
+/// How many truth values the arguments hold and how many of them are true. Texts that say neither are passed
+/// over wherever they stand, in ranges empty cells and the words for truth values as well.
 struct Truths {
     std::size_t all = 0;
     std::size_t held = 0;
@@ -79,7 +48,9 @@ Truths truths(Call& call)
     for (std::size_t argument = 0; argument < call.count(); ++argument) {
         const bool inRange = call[argument].isReference() || call[argument].isArray();
         call.eachValue(argument, [&](const Value& value) {
-            if (!inRange || !(value.isEmpty() || (value.isText() && !countedNumber(value))))
+            const bool saysNothing = inRange ? value.isEmpty() || (value.isText() && !countedNumber(value))
+                                             : value.isText() && toBoolean(value).isError();
+            if (!saysNothing)
                 take(value);
         });
     }
@@ -106,10 +77,10 @@ constexpr auto logicalFamily = FunctionFamily::logical;
 const FunctionDescriptor logicalTable[] = {
     {"IF", 2, 3, "vvv", logicalFamily, "条件,真值,[假值]",
      "判断条件是否成立，成立返回一个值，否则返回另一个值", chooseByCondition, branches},
-    {"IFS", 2, manyArguments, "vv", logicalFamily, "条件1,值1,[…]", "返回第一个成立的条件所对应的值",
-     firstTrue, pure, 2},
+    {"IFS", 2, manyArguments, "vv", logicalFamily, "条件1,值1,[…]", "返回第一个成立的条件所对应的值", nullptr,
+     branches, 2},
     {"SWITCH", 3, manyArguments, "vvv", logicalFamily, "表达式,值1,结果1,[…],[默认值]",
-     "返回与表达式相等的第一个值所对应的结果", firstEqual, pure, 2},
+     "返回与表达式相等的第一个值所对应的结果", nullptr, branches, 2},
     {"IFERROR", 2, 2, "vv", logicalFamily, "值,错误时的值", "如果值是错误则返回另一个值，否则返回该值",
      otherwiseIfError, branches},
     {"IFNA", 2, 2, "vv", logicalFamily, "值,无结果时的值", "如果值是 #N/A 则返回另一个值，否则返回该值",

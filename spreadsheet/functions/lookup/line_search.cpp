@@ -2,6 +2,7 @@
 
 #include "spreadsheet/calculation/LookupIndexes.h"
 #include "spreadsheet/calculation/wildcards.h"
+#include "spreadsheet/values/cancellation.h"
 #include "spreadsheet/values/coercion.h"
 #include "spreadsheet/values/folding.h"
 
@@ -98,7 +99,10 @@ std::optional<int> Line::lastNotGreater(const Value& wanted) const
         Value value = at(comparable);
         while (comparable < high && value.kind() != wanted.kind())
             value = at(++comparable);
-        if (value.kind() == wanted.kind() && compareValues(value, wanted) <= 0) {
+        const int order = value.kind() == wanted.kind() ? compareValues(value, wanted) : 1;
+        if (order == 0)
+            return lastEqual(comparable, wanted);
+        if (order < 0) {
             found = comparable;
             low = comparable + 1;
         } else {
@@ -106,6 +110,44 @@ std::optional<int> Line::lastNotGreater(const Value& wanted) const
         }
     }
     return found;
+}
+
+/// Values of other kinds between equal ones are passed over.
+int Line::lastEqual(int from, const Value& wanted) const
+{
+    if (wanted.isNumber() && m_down && m_call[m_argument].isArea())
+        return lastEqualNumber(from, wanted.number());
+    int last = from;
+    for (int place = from + 1; place < m_size && !m_call.failed(); ++place) {
+        const Value value = at(place);
+        if (value.kind() != wanted.kind())
+            continue;
+        if (compareValues(value, wanted) != 0)
+            break;
+        last = place;
+    }
+    return last;
+}
+
+/// The same, straight through the column: there may be very many equal numbers.
+int Line::lastEqualNumber(int from, double wanted) const
+{
+    const Area& area = m_call[m_argument].area();
+    const CellRange& cells = area.cells;
+    int last = from;
+    const Area rest{area.sheet, {cells.left, cells.top + from + 1, cells.left, cells.top + m_size - 1}};
+    forEachStretch(m_call.place().book, rest, [&](const CellStretch& stretch) {
+        m_call.pay(stretch.count);
+        for (int i = 0; i < stretch.count; ++i) {
+            if (stretch.kinds[i] != ValueKind::number)
+                continue;
+            if (!sameNumber(stretch.payloads[i].number, wanted))
+                return false;
+            last = stretch.firstRow + i - cells.top;
+        }
+        return !m_call.failed();
+    });
+    return last;
 }
 
 std::optional<int> Line::lastNotLess(const Value& wanted) const

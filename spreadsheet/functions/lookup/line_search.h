@@ -23,7 +23,9 @@ public:
 
     /// The first equal one; a text may hold wildcards.
     std::optional<int> equal(const Value& wanted) const;
-    /// In ascending order: the last one that is not greater. Values of other kinds are passed over.
+    /// In ascending order: the last one that is not greater. Values of other kinds are passed over. The line
+    /// is halved again and again; where an equal one is met on the way, it is the last one of those that
+    /// follow it, so that lines out of order answer as elsewhere.
     std::optional<int> lastNotGreater(const Value& wanted) const;
     /// In descending order: the last one that is not less.
     std::optional<int> lastNotLess(const Value& wanted) const;
@@ -37,6 +39,8 @@ private:
     {
     }
     std::optional<int> indexed(const Value& wanted) const;
+    int lastEqual(int from, const Value& wanted) const;
+    int lastEqualNumber(int from, double wanted) const;
 
     Call& m_call;
     std::size_t m_argument;

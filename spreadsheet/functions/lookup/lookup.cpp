@@ -12,17 +12,23 @@ namespace spreadsheet {
 
 namespace {
 
-/// The value to look for: an empty cell counts as 0. Sticks at errors, also of the range.
-Value wantedValue(Call& call, std::size_t range)
+/// Sticks where the second argument is an error or nothing to search in.
+void checkCells(Call& call)
 {
-    Value wanted = call.value(0);
-    if (wanted.isError())
-        call.fail(wanted.error());
-    const Operand& cells = call[range];
+    const Operand& cells = call[1];
     if (cells.isValue() && cells.value().isError())
         call.fail(cells.value().error());
     if (cells.isAreas() || cells.isMissing())
         call.fail(CellError::value);
+}
+
+/// The value to look for: an empty cell counts as 0. Sticks at errors, also of the range.
+Value wantedValue(Call& call)
+{
+    Value wanted = call.value(0);
+    if (wanted.isError())
+        call.fail(wanted.error());
+    checkCells(call);
     return wanted.isEmpty() ? Value(0.0) : wanted;
 }
 
@@ -36,19 +42,20 @@ Operand elementOf(const Call& call, std::size_t argument, int row, int column)
     return Area{area.sheet, {cell.column, cell.row, cell.column, cell.row}};
 }
 
-/// VLOOKUP and HLOOKUP.
+/// VLOOKUP and HLOOKUP. Where several arguments are wrong, the number of the column or row tells first.
 template <bool down>
 Operand lookUpInTable(Call& call)
 {
-    const Value wanted = wantedValue(call, 1);
     const int line = call.integer(2);
+    checkCells(call);
+    if (!call.failed() && line < 1)
+        return CellError::value;
+    if (!call.failed() && line > (down ? call.columns(1) : call.rows(1)))
+        return CellError::ref;
+    const Value wanted = wantedValue(call);
     const bool approximate = call.logical(3, true);
     if (call.failed())
         return call.error();
-    if (line < 1)
-        return CellError::value;
-    if (line > (down ? call.columns(1) : call.rows(1)))
-        return CellError::ref;
     const Line keys = down ? Line::firstColumn(call, 1) : Line::firstRow(call, 1);
     const auto place = approximate ? keys.lastNotGreater(wanted) : keys.equal(wanted);
     if (!place || call.failed())
@@ -59,7 +66,7 @@ Operand lookUpInTable(Call& call)
 /// The result stands at the same place of the result vector, or in the last row or column of the array.
 Operand lookUp(Call& call)
 {
-    const Value wanted = wantedValue(call, 1);
+    const Value wanted = wantedValue(call);
     if (call.failed())
         return call.error();
     const auto place = Line::longerSide(call, 1).lastNotGreater(wanted);
@@ -77,13 +84,15 @@ Operand lookUp(Call& call)
     return resultAlongRow ? elementOf(call, 2, 0, *place) : elementOf(call, 2, *place, 0);
 }
 
+/// An empty cell is nothing that could be found.
 Operand match(Call& call)
 {
-    const Value wanted = wantedValue(call, 1);
+    const Value wanted = wantedValue(call);
     const double kind = call.number(2, 1);
     if (call.failed())
         return call.error();
-    if (call.rows(1) > 1 && call.columns(1) > 1)
+    const bool isEmptyCell = !call[0].isMissing() && call.value(0).isEmpty();
+    if (isEmptyCell || (call.rows(1) > 1 && call.columns(1) > 1))
         return CellError::na;
     const Line line = Line::longerSide(call, 1);
     const auto place = kind == 0  ? line.equal(wanted)
@@ -104,15 +113,19 @@ Operand chooseByNumber(Call& call)
     return passedOn(call, static_cast<std::size_t>(number));
 }
 
-/// ROW and COLUMN: a single number, or one for each row or column of a range.
+/// ROW and COLUMN: a single number, or one for each row or column of a range; without one, of the cells
+/// that the formula stands in.
 template <bool rows>
 Operand positions(Call& call)
 {
-    if (!call.given(0))
-        return static_cast<double>(rows ? call.place().cell.row : call.place().cell.column);
-    if (!call[0].isArea())
-        return call[0].isValue() && call[0].value().isError() ? call[0] : Operand(CellError::value);
-    const CellRange& cells = call[0].area().cells;
+    const EvaluationPlace& place = call.place();
+    CellRange cells{place.cell.column, place.cell.row, place.cell.column + place.columns - 1,
+                    place.cell.row + place.rows - 1};
+    if (call.given(0)) {
+        if (!call[0].isArea())
+            return call[0].isValue() && call[0].value().isError() ? call[0] : Operand(CellError::value);
+        cells = call[0].area().cells;
+    }
     const int first = rows ? cells.top : cells.left;
     const int count = rows ? cells.rows() : cells.columns();
     if (count == 1 || !call.wantsArray())
@@ -199,9 +212,9 @@ const FunctionDescriptor lookupTable[] = {
      match},
     {"CHOOSE", 2, manyArguments, "vv", lookupFamily, "序号,值1,[值2,…]", "按序号从各参数中选取一个值",
      chooseByNumber, branches},
-    {"ROW", 0, 1, "r", lookupFamily, "[引用]", "返回引用的行号", positions<true>,
+    {"ROW", 0, 1, "c", lookupFamily, "[引用]", "返回引用的行号", positions<true>,
      dependsOnPlace | placesOnly},
-    {"COLUMN", 0, 1, "r", lookupFamily, "[引用]", "返回引用的列号", positions<false>,
+    {"COLUMN", 0, 1, "c", lookupFamily, "[引用]", "返回引用的列号", positions<false>,
      dependsOnPlace | placesOnly},
     {"ROWS", 1, 1, "a", lookupFamily, "区域", "返回区域或数组的行数", size<true>, placesOnly},
     {"COLUMNS", 1, 1, "a", lookupFamily, "区域", "返回区域或数组的列数", size<false>, placesOnly},
@@ -213,7 +226,8 @@ const FunctionDescriptor lookupTable[] = {
     {"ADDRESS", 2, 5, "vvvvv", lookupFamily, "行号,列号,[引用类型],[A1样式],[工作表名]",
      "按行号和列号返回单元格地址文本", addressText},
     {"HYPERLINK", 1, 2, "vr", lookupFamily, "链接地址,[显示文本]", "返回链接的显示文本", hyperlink},
-    {"FORMULATEXT", 1, 1, "r", lookupFamily, "引用", "返回单元格中公式的文本", formulaText, isVolatile},
+    {"FORMULATEXT", 1, 1, "r", lookupFamily, "引用", "返回单元格中公式的文本", formulaText,
+     isVolatile | asksNoValues},
     {"GETPIVOTDATA", 2, manyArguments, "rr", lookupFamily, "数据字段,数据透视表,[字段和项,…]",
      "返回数据透视表中的数据；本系统没有数据透视表，返回 #REF!", withoutSource<CellError::ref>},
     {"RTD", 3, manyArguments, "v", lookupFamily, "程序标识,服务器,主题,[…]",

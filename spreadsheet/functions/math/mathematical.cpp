@@ -73,43 +73,6 @@ Operand powerSeries(Call& call)
     return checked(sum.total());
 }
 
-/// Rows and columns of an argument up to the last cell that is used.
-CellAddress usedExtent(const Call& call, std::size_t argument)
-{
-    if (!call[argument].isArea())
-        return {call.columns(argument), call.rows(argument)};
-    const CellRange used = usedPart(call.place().book, call[argument].area());
-    return {used.columns(), used.rows()};
-}
-
-/// Sums over pairs of numbers that stand at the same place; pairs with anything else are passed over.
-template <auto term>
-Operand pairedSum(Call& call)
-{
-    for (const std::size_t argument : {0u, 1u}) {
-        if (call[argument].isValue() && call[argument].value().isError())
-            return call[argument];
-    }
-    if (call.rows(0) != call.rows(1) || call.columns(0) != call.columns(1))
-        return CellError::na;
-    const CellAddress first = usedExtent(call, 0);
-    const CellAddress second = usedExtent(call, 1);
-    CompensatedSum sum;
-    for (int row = 0; row < std::min(first.row, second.row); ++row) {
-        for (int column = 0; column < std::min(first.column, second.column); ++column) {
-            const Value left = call.element(0, row, column);
-            const Value right = call.element(1, row, column);
-            if (left.isError() || right.isError())
-                return left.isError() ? left : right;
-            const auto x = countedNumber(left);
-            const auto y = countedNumber(right);
-            if (x && y)
-                sum.add(term(*x, *y));
-        }
-    }
-    return checked(sum.total());
-}
-
 std::mt19937_64& randomness()
 {
     static std::mt19937_64 generator{std::random_device{}()};
@@ -140,11 +103,11 @@ const FunctionDescriptor mathematicalTable[] = {
      sumOfSquares},
     {"SUMPRODUCT", 1, manyArguments, "a", mathematicalFamily, "数组1,[数组2,…]",
      "把各数组中对应的元素相乘，返回乘积之和", sumProduct},
-    {"SUMIF", 2, 3, "rvr", mathematicalFamily, "区域,条件,[求和区域]", "对满足条件的单元格求和", sumIf,
+    {"SUMIF", 2, 3, "cvc", mathematicalFamily, "区域,条件,[求和区域]", "对满足条件的单元格求和", sumIf,
      sumsBeside},
-    {"SUMIFS", 3, manyArguments, "rrv", mathematicalFamily, "求和区域,条件区域1,条件1,[…]",
+    {"SUMIFS", 3, manyArguments, "ccv", mathematicalFamily, "求和区域,条件区域1,条件1,[…]",
      "对满足多个条件的单元格求和", sumIfs, pure, 2},
-    {"SUBTOTAL", 2, manyArguments, "vr", mathematicalFamily, "功能代码,引用1,[引用2,…]",
+    {"SUBTOTAL", 2, manyArguments, "vc", mathematicalFamily, "功能代码,引用1,[引用2,…]",
      "返回列表的分类汇总，其中已有的分类汇总不重复计算", subtotal},
     {"ABS", 1, 1, "v", mathematicalFamily, "数值", "返回数值的绝对值",
      ofNumber<[](double x) { return std::fabs(x); }>},
@@ -172,12 +135,6 @@ const FunctionDescriptor mathematicalTable[] = {
     {"SQRTPI", 1, 1, "v", mathematicalFamily, "数值", "返回数值与 π 的乘积的平方根", rootOfPi},
     {"SERIESSUM", 4, 4, "vvvr", mathematicalFamily, "x,首项乘幂,乘幂增量,系数", "返回幂级数的和",
      powerSeries},
-    {"SUMX2MY2", 2, 2, "aa", mathematicalFamily, "数组x,数组y", "返回两数组中对应数值的平方差之和",
-     pairedSum<[](double x, double y) { return x * x - y * y; }>},
-    {"SUMX2PY2", 2, 2, "aa", mathematicalFamily, "数组x,数组y", "返回两数组中对应数值的平方和之和",
-     pairedSum<[](double x, double y) { return x * x + y * y; }>},
-    {"SUMXMY2", 2, 2, "aa", mathematicalFamily, "数组x,数组y", "返回两数组中对应数值之差的平方和",
-     pairedSum<[](double x, double y) { return (x - y) * (x - y); }>},
     {"AGGREGATE", 3, manyArguments, "vva", mathematicalFamily, "功能代码,选项,数组,[k或引用,…]",
      "返回列表的汇总，可忽略隐藏行、错误值和已有的汇总", aggregate},
 };

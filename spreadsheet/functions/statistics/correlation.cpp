@@ -18,6 +18,16 @@ Operand ofPairs(Call& call)
     return sample.size() < fewest ? Operand(CellError::div0) : function(sample);
 }
 
+/// The sum of a term of each pair.
+template <auto term>
+Operand sumOver(const PairedSample& sample)
+{
+    CompensatedSum sum;
+    for (std::size_t i = 0; i < sample.first.size(); ++i)
+        sum.add(term(sample.first[i], sample.second[i]));
+    return checked(sum.total());
+}
+
 Operand quotient(double above, double below)
 {
     return below == 0 ? Operand(CellError::div0) : checked(above / below);
@@ -112,6 +122,12 @@ Operand probability(Call& call)
 constexpr auto correlationFamily = FunctionFamily::statistical;
 
 const FunctionDescriptor correlationTable[] = {
+    {"SUMX2MY2", 2, 2, "aa", FunctionFamily::mathematical, "数组x,数组y", "返回两数组中对应数值的平方差之和",
+     ofPairs<sumOver<[](double x, double y) { return x * x - y * y; }>, 1>},
+    {"SUMX2PY2", 2, 2, "aa", FunctionFamily::mathematical, "数组x,数组y", "返回两数组中对应数值的平方和之和",
+     ofPairs<sumOver<[](double x, double y) { return x * x + y * y; }>, 1>},
+    {"SUMXMY2", 2, 2, "aa", FunctionFamily::mathematical, "数组x,数组y", "返回两数组中对应数值之差的平方和",
+     ofPairs<sumOver<[](double x, double y) { return (x - y) * (x - y); }>, 1>},
     {"CORREL", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回两组数值的相关系数",
      ofPairs<correlation, 1>},
     {"PEARSON", 2, 2, "aa", correlationFamily, "数组1,数组2", "返回皮尔逊积矩相关系数",

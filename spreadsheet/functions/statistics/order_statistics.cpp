@@ -33,13 +33,39 @@ double sortedAt(std::vector<double>& numbers, std::size_t place)
     return *found;
 }
 
+/// The numbers of the first argument by their order. Where a function is called for each element of an array
+/// of ranks they are sorted once for all of them.
+class NumbersInOrder {
+public:
+    explicit NumbersInOrder(Call& call)
+        : m_kept(call.kept())
+    {
+        if (m_kept && m_kept->filled)
+            return;
+        m_own = numbersOf(call, 0);
+        if (!m_kept || call.failed())
+            return;
+        std::ranges::sort(m_own);
+        m_kept->sorted = std::move(m_own);
+        m_kept->filled = true;
+    }
+    std::size_t size() const { return isSorted() ? m_kept->sorted.size() : m_own.size(); }
+    double at(std::size_t place) { return isSorted() ? m_kept->sorted[place] : sortedAt(m_own, place); }
+
+private:
+    bool isSorted() const { return m_kept && m_kept->filled; }
+
+    KeptNumbers* m_kept;
+    std::vector<double> m_own;
+};
+
 /// The same for a place between two numbers, in proportion.
-double interpolatedAt(std::vector<double>& numbers, double place)
+double interpolatedAt(NumbersInOrder& numbers, double place)
 {
     const auto below = static_cast<std::size_t>(place);
-    const double lower = sortedAt(numbers, below);
+    const double lower = numbers.at(below);
     const double part = place - std::floor(place);
-    return part == 0 ? lower : lower + part * (sortedAt(numbers, below + 1) - lower);
+    return part == 0 ? lower : lower + part * (numbers.at(below + 1) - lower);
 }
 
 Operand median(Call& call)
@@ -73,9 +99,19 @@ std::vector<double> modes(const std::vector<double>& numbers)
     return found;
 }
 
+/// The numbers of all arguments; texts that are handed over themselves are none, whatever they read as.
+std::vector<double> countedNumbers(Call& call)
+{
+    for (std::size_t argument = 0; argument < call.count(); ++argument) {
+        if (call[argument].isValue() && call[argument].value().isText())
+            call.fail(CellError::value);
+    }
+    return call.failed() ? std::vector<double>() : call.numbers();
+}
+
 Operand mode(Call& call)
 {
-    const std::vector<double> found = modes(call.numbers());
+    const std::vector<double> found = modes(countedNumbers(call));
     if (call.failed())
         return call.error();
     return found.empty() ? Operand(CellError::na) : Operand(found.front());
@@ -91,7 +127,7 @@ Operand columnOf(const std::vector<double>& numbers)
 
 Operand allModes(Call& call)
 {
-    const std::vector<double> found = modes(call.numbers());
+    const std::vector<double> found = modes(countedNumbers(call));
     if (call.failed())
         return call.error();
     return found.empty() ? Operand(CellError::na) : columnOf(found);
@@ -101,14 +137,15 @@ Operand allModes(Call& call)
 template <bool fromLargest>
 Operand orderStatistic(Call& call)
 {
-    std::vector<double> numbers = numbersOf(call, 0);
-    const double place = fromLargest ? std::ceil(call.number(1)) : std::trunc(call.number(1));
+    NumbersInOrder numbers(call);
+    const double place = call.number(1);
     if (call.failed())
         return call.error();
-    if (place < 1 || place > static_cast<double>(numbers.size()))
+    const double whole = fromLargest ? std::ceil(place) : std::trunc(place);
+    if (place < 1 || whole > static_cast<double>(numbers.size()))
         return CellError::num;
-    const auto from = static_cast<std::size_t>(place);
-    return sortedAt(numbers, fromLargest ? numbers.size() - from : from - 1);
+    const auto from = static_cast<std::size_t>(whole);
+    return numbers.at(fromLargest ? numbers.size() - from : from - 1);
 }
 
 /// RANK.AVG gives equal numbers the mean of their places, RANK the first of them.
@@ -116,6 +153,8 @@ template <bool averaged>
 Operand rankOf(Call& call)
 {
     const double number = call.number(0);
+    if (call[1].isValue() && call[1].value().isError())
+        call.fail(call[1].value().error());
     const bool ascending = call.logical(2, false);
     if (!call.failed() && !call[1].isReference())
         return CellError::value;
@@ -134,10 +173,10 @@ Operand rankOf(Call& call)
 
 /// A share of the way from the smallest to the largest. Counted without the ends, the smallest of n
 /// numbers stands at 1/(n+1) and shares before it and behind the largest have no number.
-Operand percentile(std::vector<double>& numbers, double share, bool withEnds)
+Operand percentile(NumbersInOrder& numbers, double share, bool withEnds)
 {
     const auto count = static_cast<double>(numbers.size());
-    if (numbers.empty() || !(share >= 0 && share <= 1))
+    if (count == 0 || !(share >= 0 && share <= 1))
         return CellError::num;
     constexpr double noise = 1e-12; // a share such as 1/3 is not exact
     const double place = withEnds ? share * (count - 1) : share * (count + 1) - 1;
@@ -149,7 +188,7 @@ Operand percentile(std::vector<double>& numbers, double share, bool withEnds)
 template <bool withEnds>
 Operand percentileOf(Call& call)
 {
-    std::vector<double> numbers = numbersOf(call, 0);
+    NumbersInOrder numbers(call);
     const double share = call.number(1);
     if (call.failed())
         return call.error();
@@ -161,13 +200,14 @@ Operand percentileOf(Call& call)
 template <bool withEnds>
 Operand quartileOf(Call& call)
 {
-    std::vector<double> numbers = numbersOf(call, 0);
-    const double quarter = std::trunc(call.number(1));
+    NumbersInOrder numbers(call);
+    const double quarter = call.number(1);
     if (call.failed())
         return call.error();
-    if (!withEnds && !(quarter > 0 && quarter < 4))
+    const bool inRange = withEnds ? quarter >= 0 && quarter < 5 : quarter >= 1 && quarter < 4;
+    if (!inRange)
         return CellError::num;
-    return percentile(numbers, quarter / 4, withEnds);
+    return percentile(numbers, std::trunc(quarter) / 4, withEnds);
 }
 
 /// Where x stands among numbers.
@@ -269,10 +309,10 @@ const FunctionDescriptor orderTable[] = {
      "以一列数组返回出现次数最多的各个数值", allModes},
     {"LARGE", 2, 2, "rv", orderFamily, "数组,k", "返回数组中第 k 个最大值", orderStatistic<true>},
     {"SMALL", 2, 2, "rv", orderFamily, "数组,k", "返回数组中第 k 个最小值", orderStatistic<false>},
-    {"RANK", 2, 3, "vrv", orderFamily, "数值,引用,[排位方式]", "返回数值在一列数值中的排位", rankOf<false>},
-    {"RANK.EQ", 2, 3, "vrv", orderFamily, "数值,引用,[排位方式]", "返回数值在一列数值中的排位",
+    {"RANK", 2, 3, "vcv", orderFamily, "数值,引用,[排位方式]", "返回数值在一列数值中的排位", rankOf<false>},
+    {"RANK.EQ", 2, 3, "vcv", orderFamily, "数值,引用,[排位方式]", "返回数值在一列数值中的排位",
      rankOf<false>},
-    {"RANK.AVG", 2, 3, "vrv", orderFamily, "数值,引用,[排位方式]", "返回数值的排位，相同的数值取平均排位",
+    {"RANK.AVG", 2, 3, "vcv", orderFamily, "数值,引用,[排位方式]", "返回数值的排位，相同的数值取平均排位",
      rankOf<true>},
     {"PERCENTILE", 2, 2, "rv", orderFamily, "数组,k", "返回第 k 个百分点的值，k 从 0 到 1",
      percentileOf<true>},

@@ -404,7 +404,7 @@ const FunctionDescriptor textTable[] = {
     {"TEXT", 2, 2, "vv", textFamily, "值,格式", "按指定的数字格式将值转换为文本", formatted},
     {"VALUE", 1, 1, "v", textFamily, "文本", "将表示数字的文本转换为数字", numberValue},
     {"FIXED", 1, 3, "vvv", textFamily, "数值,[小数位数],[不分节]", "将数值舍入到指定位数并返回文本", fixed},
-    {"T", 1, 1, "r", textFamily, "值", "值为文本时返回该文本，否则返回空文本", asText},
+    {"T", 1, 1, "c", textFamily, "值", "值为文本时返回该文本，否则返回空文本", asText},
     {"CHAR", 1, 1, "v", textFamily, "代码", "返回代码所对应的字符", characterOfCode},
     {"CODE", 1, 1, "v", textFamily, "文本", "返回文本首字符的代码", codeOfCharacter},
     {"PHONETIC", 1, 1, "r", textFamily, "引用", "返回文本的拼音字符；单元格没有拼音时返回文本本身", reading},

@@ -77,7 +77,7 @@ TEST(RunOrders, CirclesAreReportedAndBrokenOnesComputed)
         {"through a range", {{"A1", "SUM(A1:B3)"}}, 1},
         {"through a longer way", {{"A1", "B9"}, {"B9", "C3+1"}, {"C3", "SUM(A1:A5)"}}, 3},
         {"beside what its text names", {{"A1", "INDIRECT(\"B1\")+SUM(A1:A2)*0"}, {"B1", "1"}}, 1},
-        {"a branch that is not taken", {{"A1", "IF(FALSE,A1,1)"}}, 1},
+        {"a branch that is taken", {{"A1", "IF(B1=0,A1,1)"}}, 1},
         {"crossing runs without a circle", {{"A1", "B2"}, {"A2", "1"}, {"B1", "A2"}, {"B2", "B1"}}, 0},
     };
     for (const Case& c : cases) {
@@ -96,6 +96,96 @@ TEST(RunOrders, CirclesAreReportedAndBrokenOnesComputed)
         EXPECT_TRUE(workbook.recalculateChanged().circular.empty()) << c.what;
         EXPECT_EQ(shown(sheet, "E1"), "6") << c.what;
     }
+}
+
+TEST(RunOrders, CirclesAreOnlyWhereSomethingIsRead)
+{
+    struct Case {
+        const char* formula; ///< in A1
+        const char* value;   ///< "" for a circle
+    };
+    const Case cases[] = {
+        {"IF(B1=0,5,A1+1)", "5"},
+        {"IF(B1=1,5,A1+1)", ""},
+        {"IF(B1=0,IF(B1=1,A1,6),A1)", "6"},
+        {"IFERROR(7,A1)", "7"},
+        {"IFERROR(1/B1,A1)", ""},
+        {"CHOOSE(2,A1,8)", "8"},
+        {"IFS(B1=1,A1,TRUE,9)", "9"},
+        {"IFS(TRUE,3,A1=0,4)", "3"},
+        {"SWITCH(B1,1,A1,0,4,A1)", "4"},
+        {"SWITCH(5,1,2,SUM(A1:A3))", ""},
+        {"SUMPRODUCT(IF(B1:B3=0,1,A1))", ""}, // each element may choose
+        {"AREAS((A1:A3,B1))+AREAS(A1)", "3"},
+        {"IF(ISFORMULA(A1),2,3)", "2"},
+        {"CELL(\"row\",A1)+CELL(\"col\",A1:B2)", "2"},
+        {"CELL(\"contents\",A1)", ""},
+        {"CELL(IF(B1=0,\"row\",\"\"),A1)", ""}, // who knows what it tells
+        {"ROW(A1:A3)+COLUMN(A1)+ROWS(A1:A3)+COLUMNS(A1:B3)", "7"},
+        {"IF(ISREF(A1),SHEET(A1),9)", "1"},
+        {"LEN(FORMULATEXT(A1))", "21"},
+        {"SUM(OFFSET(A1,1,1))+COLUMNS(OFFSET(A1,0,0,1,3))", "23"},
+        {"ROWS(Own)+AREAS(Own)", "3"},
+        {"SUM(Own)", ""},
+        {"SUMIF(B1:B2,20,A1)", ""}, // as far as B1:B2 reaches
+        {"SUMIF(B3:B4,20,C1)", "0"},
+    };
+    for (const Case& c : cases) {
+        Workbook workbook;
+        Sheet& sheet = workbook.sheet(1);
+        demand(workbook.defineName("Own", "=Sheet1!$A$1:$A$2"));
+        sheet.setNumber({2, 2}, 20);
+        type(sheet, "A1", c.formula);
+        const RecalculationReport report = workbook.recalculate();
+        EXPECT_EQ(report.circular.size(), *c.value ? 0U : 1U) << c.formula;
+        EXPECT_EQ(shown(sheet, "A1"), *c.value ? c.value : "#REF!") << c.formula;
+    }
+}
+
+/// Two columns that read each other in every row, one way or the other as a switch says.
+TEST(RunOrders, WhatReadsWhomMayChange)
+{
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+    type(sheet, "A1", "IF(C$1=1,B1,ROW())");
+    type(sheet, "B1", "IF(C$1=0,A1*10,IF(C$1=1,7,A1))");
+    type(sheet, "D1", "IF(C$1<2,SUM(A1:B1),SUM(D2:D3))");
+    demand(sheet.fillDown({1, 1, 2, 300}));
+    demand(sheet.fillDown({4, 1, 4, 300}));
+    const struct {
+        double choice;
+        const char* row3; ///< A3 B3 D3
+        std::size_t circular;
+    } steps[] = {{0, "3 30 33", 0}, {3, "3 3 0", 0}, {0, "3 30 33", 0}, {1, "7 7 14", 0}};
+    for (const auto& step : steps) {
+        sheet.setNumber({3, 1}, step.choice);
+        const RecalculationReport report = workbook.recalculateChanged();
+        EXPECT_EQ(report.circular.size(), step.circular) << step.choice;
+        EXPECT_EQ(shown(sheet, "A3") + " " + shown(sheet, "B3") + " " + shown(sheet, "D3"), step.row3)
+            << step.choice;
+    }
+    type(sheet, "A3", "IF(C1=9,0,B3)");
+    EXPECT_TRUE(workbook.recalculateChanged().circular.empty());
+    sheet.setNumber({3, 1}, 3);
+    EXPECT_EQ(workbook.recalculateChanged().circular.size(), 2U); // only the third row
+    EXPECT_EQ(shown(sheet, "A3") + shown(sheet, "B3") + shown(sheet, "B4"), "#REF!#REF!4");
+}
+
+TEST(RunOrders, ACallIsMadeOnceThoughItsCellWaits)
+{
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+    int calls = 0;
+    workbook.registerFunction("Amount", 1, [&](FunctionCall& call) {
+        ++calls;
+        call.setResult(static_cast<double>(call.parameterInteger(1)) * 100);
+    });
+    type(sheet, "A1", "Amount(2)+IF(B1>0,C1,A1)");
+    type(sheet, "B1", "IF(TRUE,3,A1)");
+    type(sheet, "C1", "IF(FALSE,A1,4)");
+    EXPECT_TRUE(workbook.recalculate().circular.empty());
+    EXPECT_EQ(shown(sheet, "A1"), "204");
+    EXPECT_EQ(calls, 1);
 }
 
 TEST(RunOrders, RangesHearOfChangesAtTheirEdges)

@@ -19,6 +19,8 @@ TEST(Trigonometry, ReciprocalsAndHyperbolics)
         {"ACOTH(0.5)", "#NUM!"},
         {"COTH(2)", "1.03731472073"},
         {"COTH(0)", "#DIV/0!"},
+        {"COTH(-2E9)&CSCH(1E10)&SECH(-1E300)", "\"-100\""}, // no angles: no circle to get lost on
+        {"COT(1E10)", "#NUM!"},
         {"SECH(2)*COSH(2)", "1"},
         {"CSCH(1.5)*SINH(1.5)", "1"},
         {"ACOSH(0.9)", "#NUM!"},
@@ -49,13 +51,17 @@ TEST(Combinatorics, FactorialsAndChoices)
     sheet.expect({
         {"FACTDOUBLE(7)&\"/\"&FACTDOUBLE(8.9)&\"/\"&FACTDOUBLE(-1)", "\"105/384/1\""},
         {"FACTDOUBLE(-2)", "#NUM!"},
+        {"FACTDOUBLE(-1.5)", "#NUM!"},
         {"FACTDOUBLE(1E300)", "#NUM!"},
         {"COMBINA(4,3)&\"/\"&COMBINA(0,0)", "\"20/1\""},
         {"COMBINA(0,1)", "#NUM!"},
+        {"COMBINA(-0.5,0)", "#NUM!"}, // less than 0 before it is cut off
         {"PERMUT(100,3)", "970200"},
         {"PERMUT(2,3)", "#NUM!"},
+        {"PERMUT(2,-0.1)", "#NUM!"},
         {"PERMUT(1E15,1E14)", "#NUM!"}, // beyond the range of numbers, and soon
         {"PERMUTATIONA(3,2)", "9"},
+        {"PERMUTATIONA(-0.3,2)", "#NUM!"},
         {"MULTINOMIAL(2,3,4)", "1260"},
         {"MULTINOMIAL(A2:A4)=COMBIN(60,24)", "TRUE"},
         {"MULTINOMIAL(1,-1)", "#NUM!"},
@@ -68,8 +74,10 @@ TEST(Combinatorics, FactorialsAndChoices)
         {"SERIESSUM(2,1,2,{1;-3;0.5})", "-6"},
         {"SUMX2MY2({2,3,9},{6,5,11})", "-88"},
         {"SUMX2PY2({2,\"x\",9},{6,5,11})", "242"}, // a pair with a text is passed over
-        {"SUMXMY2(A2:A4,A1:A3)", "0"},             // no pair at all
+        {"SUMXMY2(A2:A4,A1:A3)", "#DIV/0!"},       // no pair at all
         {"SUMXMY2({1,2},{1})", "#N/A"},
+        {"SUMXMY2({1,2,5,7},{0,1;2,3})", "27"}, // by their order, whatever the shapes
+        {"SUMX2MY2({1;2;3},{6,5,4})", "-63"},
         {"SUMXMY2(A:ZY,A:ZY)", "0"},
     });
     sheet.put("A1", "1");
