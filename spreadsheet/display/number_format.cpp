@@ -39,6 +39,12 @@ public:
         m_placesLeft = section.integerDigits;
     }
 
+    /// Nothing but zeros is left of it.
+    bool isZero() const
+    {
+        return m_number.coefficient == 0 && m_section.integerDigits + m_section.decimals > 0;
+    }
+
     std::string text()
     {
         std::string result;
@@ -56,7 +62,7 @@ public:
                 result += '.';
                 break;
             case Kind::exponent:
-                startExponent(part.text[1], result);
+                startExponent(part.text, result);
                 break;
             default:
                 result += part.text;
@@ -91,11 +97,11 @@ private:
         }
     }
 
-    void startExponent(char sign, std::string& result)
+    void startExponent(std::string_view letterAndSign, std::string& result)
     {
         m_behindExponent = true;
-        result += 'E';
-        if (m_exponent < 0 || sign == '+')
+        result += letterAndSign[0];
+        if (m_exponent < 0 || letterAndSign[1] == '+')
             result += m_exponent < 0 ? '-' : '+';
     }
 
@@ -239,8 +245,14 @@ std::string inPlaces(double number, std::string_view places, bool above)
     return text;
 }
 
+/// A number without its sign, and whether a sign would stand before nothing but zeros.
+struct UnsignedText {
+    std::string text;
+    bool isZero = false;
+};
+
 /// A section such as "# ??/??": the whole part in its places, the rest as a fraction.
-std::string numberWithFraction(FormatSection section, double size)
+UnsignedText numberWithFraction(FormatSection section, double size)
 {
     const auto part = std::ranges::find(section.parts, Kind::fraction, &FormatPart::kind);
     const std::size_t slash = part->text.find('/');
@@ -263,22 +275,26 @@ std::string numberWithFraction(FormatSection section, double size)
         part->text = inPlaces(ratio.above, above, true) + "/" + inPlaces(ratio.below, below, false);
     }
     part->kind = Kind::literal;
-    return NumberLayout(section, whole).text();
+    return {NumberLayout(section, whole).text(), whole == 0 && ratio.above == 0};
 }
 
-std::string numberByParts(const FormatSection& section, double size)
+UnsignedText numberByParts(const FormatSection& section, double size)
 {
     const auto isGeneral = [](const FormatPart& part) {
         return part.kind == Kind::general || part.kind == Kind::text;
     };
-    if (std::ranges::find(section.parts, Kind::fraction, &FormatPart::kind) != section.parts.end())
-        return numeralDigits(numberWithFraction(section, size), section.numerals);
-    if (std::ranges::none_of(section.parts, isGeneral))
-        return numeralDigits(NumberLayout(section, size).text(), section.numerals);
+    if (std::ranges::find(section.parts, Kind::fraction, &FormatPart::kind) != section.parts.end()) {
+        const UnsignedText plain = numberWithFraction(section, size);
+        return {numeralDigits(plain.text, section.numerals), plain.isZero};
+    }
+    if (std::ranges::none_of(section.parts, isGeneral)) {
+        NumberLayout layout(section, size);
+        return {numeralDigits(layout.text(), section.numerals), layout.isZero()};
+    }
     std::string result;
     for (const FormatPart& part : section.parts)
         result += isGeneral(part) ? generalText(section, size) : part.text;
-    return result;
+    return {result};
 }
 
 bool showsDay(const FormatSection& section)
@@ -324,11 +340,11 @@ std::optional<std::string> numberBySection(const FormatSection& section, double 
         return std::nullopt;
     if (section.isDate)
         return dateText(section, from1904 && showsDay(section) ? number + daysFrom1900To1904 : number);
-    const double shown = inUnit(section, number);
+    const double figure = inUnit(section, number);
     if (showsCapitals(section))
-        return amountInWords(section, withSign ? shown : std::fabs(shown));
-    const std::string text = numberByParts(section, std::fabs(shown));
-    return withSign && number < 0 && !text.empty() ? "-" + text : text;
+        return amountInWords(section, withSign ? figure : std::fabs(figure));
+    const UnsignedText shown = numberByParts(section, std::fabs(figure));
+    return withSign && number < 0 && !shown.isZero && !shown.text.empty() ? "-" + shown.text : shown.text;
 }
 
 /// Such a section says itself how a negative number looks, like the second one without conditions.
@@ -387,8 +403,11 @@ std::optional<std::string> numberText(const std::vector<FormatSection>& sections
                                       bool from1904)
 {
     const ChosenSection chosen = sectionFor(sections, number);
-    return chosen.section ? numberBySection(*chosen.section, number, chosen.withSign, from1904)
-                          : std::string("#");
+    if (chosen.section)
+        return numberBySection(*chosen.section, number, chosen.withSign, from1904);
+    // A condition alone says nothing of the other numbers; several leave no room for them.
+    return sections.size() == 1 ? (number < 0 ? "-" : "") + shortGeneralText(std::fabs(number))
+                                : std::string("#");
 }
 
 std::string textBySections(const std::vector<FormatSection>& sections, std::string_view text)

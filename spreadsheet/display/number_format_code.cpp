@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace spreadsheet {
 
@@ -167,6 +168,7 @@ private:
         if (m_point)
             return literalCharacter();
         m_point = true;
+        m_scaling += std::exchange(m_section.thousands, 0);
         add(Kind::point, 1);
     }
 
@@ -316,12 +318,14 @@ private:
         add(kind, count, letter == 'e' ? 4 : static_cast<int>(count));
     }
 
-    /// An "m" behind hours or before seconds means minutes.
+    static bool isDateOrTime(Kind kind) { return kind >= Kind::year && kind != Kind::halfDay; }
+
+    /// An "m" behind hours or before seconds means minutes, whatever stands between them.
     void tellMinutesFromMonths()
     {
         FormatPart* former = nullptr; // the last part of date or time
         for (FormatPart& part : m_section.parts) {
-            if (part.kind == Kind::literal || part.kind == Kind::halfDay)
+            if (!isDateOrTime(part.kind))
                 continue;
             const bool hours = former && (former->kind == Kind::hour || former->kind == Kind::elapsedHours);
             if (part.kind == Kind::month && part.count <= 2 && hours)
@@ -337,6 +341,7 @@ private:
         tellMinutesFromMonths();
         if (m_bracketed && m_section.parts.empty()) // "[DBNum2]" alone
             m_section.parts.push_back({Kind::general, "", 1});
+        m_section.thousands += std::exchange(m_scaling, 0);
         m_sections.push_back(std::move(m_section));
         m_section = FormatSection();
         m_point = m_exponent = m_bracketed = false;
@@ -345,6 +350,7 @@ private:
     std::string_view m_rest;
     std::vector<FormatSection> m_sections;
     FormatSection m_section;
+    int m_scaling = 0;        ///< commas before the decimal point
     bool m_point = false;     ///< behind the decimal point
     bool m_exponent = false;  ///< behind the "E"
     bool m_bracketed = false; ///< the section holds something in brackets

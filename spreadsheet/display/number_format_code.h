@@ -16,7 +16,7 @@ struct FormatPart {
         digit,    ///< "0", "#" or "?" in `text`
         point,    ///< the decimal point
         percent,  ///< shown as it stands
-        exponent, ///< "E+" or "E-" in `text`; the digits behind it follow
+        exponent, ///< "E+", "E-", "e+" or "e-" in `text`; the digits behind it follow
         fraction, ///< "??/??" or "?/8" in `text`
         general,  ///< the number in its general form
         capitals, ///< "[人民币大写]": the amount written out
@@ -52,7 +52,7 @@ struct FormatSection {
     int integerDigits = 0;
     int decimals = 0;
     bool grouped = false;
-    int thousands = 0;            ///< commas behind the last digit: each divides by 1,000
+    int thousands = 0;            ///< commas behind the last digit or before the point: each divides by 1,000
     int percents = 0;             ///< each multiplies by 100
     int tenThousands = 0;         ///< "[万元]", which no other program knows: each divides by 10,000
     std::optional<Colour> colour; ///< "[Red]", "[红色]"
