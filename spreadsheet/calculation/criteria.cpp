@@ -1,6 +1,7 @@
 #include "spreadsheet/calculation/criteria.h"
 
 #include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/values/chinese_order.h"
 #include "spreadsheet/values/folding.h"
 #include "text/ascii.h"
 
@@ -125,7 +126,7 @@ bool Criterion::matches(ValueKind kind, const Payload& payload) const
     if (m_comparison == Comparison::equal)
         return equals(kind, payload);
     if (m_comparison == Comparison::notEqual)
-        return !equals(kind, payload);
+        return m_kind == Kind::number ? countedNumber(kind, payload) != m_number : !equals(kind, payload);
     const auto found = order(kind, payload);
     if (!found)
         return false;
@@ -196,7 +197,7 @@ std::optional<int> Criterion::order(ValueKind kind, const Payload& payload) cons
         return number ? std::optional(sign(*number - m_number)) : std::nullopt;
     }
     if (m_kind == Kind::text && kind == ValueKind::text)
-        return foldedText(viewOf(payload)).compare(m_text);
+        return compareTexts(viewOf(payload), m_text);
     if (m_kind == Kind::boolean && kind == ValueKind::boolean)
         return payload.boolean - boolean();
     if (m_kind == Kind::error && kind == ValueKind::error && payload.error == m_error)

@@ -15,7 +15,7 @@ class Criterion {
 public:
     enum class Comparison : std::uint8_t { equal, notEqual, less, lessEqual, greater, greaterEqual };
     enum class Kind : std::uint8_t {
-        number, ///< equal to numbers, and to texts that read as that number
+        number, ///< equal to numbers, and to texts that read as that number; unequal to all but numbers
         text,
         pattern, ///< text with wildcards
         boolean,

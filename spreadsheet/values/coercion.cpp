@@ -1,6 +1,7 @@
 #include "spreadsheet/values/coercion.h"
 
 #include "spreadsheet/values/cancellation.h"
+#include "spreadsheet/values/chinese_order.h"
 #include "spreadsheet/values/date_serial.h"
 #include "spreadsheet/values/date_text.h"
 #include "spreadsheet/values/decimal_text.h"
@@ -101,11 +102,6 @@ Value neutral(const Value& other)
     return other.isBoolean() ? Value::boolean(false) : Value(0.0);
 }
 
-int sign(int order)
-{
-    return (order > 0) - (order < 0);
-}
-
 } // namespace
 
 std::optional<double> figureOfText(std::string_view text)
@@ -117,12 +113,12 @@ std::optional<double> figureOfText(std::string_view text)
 
 std::optional<double> numberOfText(std::string_view text)
 {
-    text = trimmedBlanks(text);
-    if (const auto figure = figureOfText(text))
+    const std::string_view trimmed = trimmedBlanks(text);
+    if (const auto figure = figureOfText(trimmed))
         return figure;
-    if (const auto fraction = mixedFraction(text))
+    if (const auto fraction = mixedFraction(trimmed))
         return fraction;
-    return parseDateTime(text);
+    return trimmed.size() == text.size() ? parseDateTime(text) : std::nullopt;
 }
 
 Value toNumber(const Value& value)
@@ -213,9 +209,7 @@ int compareValues(const Value& a, const Value& b)
         return sameNumber(a.number(), b.number()) ? 0 : a.number() < b.number() ? -1 : 1;
     if (a.isBoolean())
         return a.boolean() - b.boolean();
-    if (a.textView() == b.textView())
-        return 0;
-    return sign(foldedText(a.textView()).compare(foldedText(b.textView())));
+    return a.textView() == b.textView() ? 0 : compareTexts(a.textView(), b.textView());
 }
 
 } // namespace spreadsheet

@@ -22,13 +22,13 @@ Value toBoolean(const Value& value);
 /// A text as a figure: plain or grouped digits, currency sign, brackets for minus, percentage; nothing if it
 /// reads as none of them.
 std::optional<double> figureOfText(std::string_view text);
-/// A text as a number: a figure, a fraction, date or time.
+/// A text as a number: a figure or a fraction, blanks around them or not; a date or time without.
 std::optional<double> numberOfText(std::string_view text);
 
 /// The number that a value is where ranges are summed: a number, or a text that counts as one.
 std::optional<double> countedNumber(const Value& value);
 
-/// Less than 0, 0 or more than 0, in the order numbers, texts (letter case ignored), FALSE, TRUE.
+/// Less than 0, 0 or more than 0, in the order numbers, texts (as compareTexts has them), FALSE, TRUE.
 /// Numbers are equal but for noise in the last binary places. Empty equals 0, "" and FALSE. Not for errors.
 int compareValues(const Value& a, const Value& b);
 

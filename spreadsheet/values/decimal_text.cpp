@@ -53,11 +53,11 @@ std::string fixedNumberText(double number, int decimals, bool grouped)
 
 std::string generalNumberText(double number)
 {
-    constexpr int widest = 20; // "0." and what follows it
+    constexpr int widest = 20; // whole digits, or "0." and what follows it
     const Decimal shown = shownDecimal(number);
     const int whole = shown.wholeDigits();
     const int width = whole > 0 ? 0 : 2 - whole + static_cast<int>(shown.digits().size());
-    if (whole > widest + 1 || width > widest)
+    if (whole > widest || width > widest)
         return scientificText(shown, -1);
     return plainText(shown, 0, false);
 }

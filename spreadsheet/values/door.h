@@ -8,6 +8,7 @@
 #include "spreadsheet/values/CellAddress.h"
 #include "spreadsheet/values/CellError.h"
 #include "spreadsheet/values/characters.h"
+#include "spreadsheet/values/chinese_order.h"
 #include "spreadsheet/values/clock.h"
 #include "spreadsheet/values/coercion.h"
 #include "spreadsheet/values/CompensatedSum.h"

@@ -1,4 +1,6 @@
 #pragma once
+#include "spreadsheet/values/chinese_order.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -6,15 +8,13 @@
 namespace selfreport {
 
 /// Compares two UTF-8 texts like the suite's server under its Chinese collation: letter case, full or half
-/// width and trailing blanks make no difference. Order: blank, symbols, digits, letters, Chinese characters
-/// by their GBK code (so the common ones by pinyin), the rest. The order depends on nothing outside this
-/// program but the GBK table, because indexes are kept in it.
+/// width and trailing blanks make no difference. Indexes are kept in this order, so it must stay what it is.
 int compareChinese(std::string_view left, std::string_view right);
 
 /// Weight of the character at byte `at`, which moves behind it; 0 at the end. Characters that compare equal
 /// have equal weights, others the order of theirs. Blanks, full-width ones too, weigh `blankWeight`.
 std::uint32_t nextWeight(std::string_view text, std::size_t& at);
-inline constexpr std::uint32_t blankWeight = 1;
+using spreadsheet::blankWeight;
 
 /// Whether nothing but blanks stands from byte `at` to the end.
 bool onlyBlanksFrom(std::string_view text, std::size_t at);

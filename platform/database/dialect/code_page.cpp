@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <iconv.h>
 #include <iterator>
-#include <memory>
 
 namespace selfreport {
 
@@ -67,25 +66,6 @@ std::size_t codePageLength(std::string_view text)
         }
     }
     return length;
-}
-
-std::uint16_t gbkCode(char32_t character)
-{
-    static const auto table = [] {
-        auto codes = std::make_unique<std::array<std::uint16_t, 0x10000>>();
-        ToGb18030 converter("UTF-32LE");
-        for (char32_t at = 0x80; converter.isOpen() && at < 0x10000; ++at) {
-            if (at >= 0xD800 && at < 0xE000)
-                continue; // surrogates are no characters
-            const char bytes[] = {static_cast<char>(at & 0xFF), static_cast<char>(at >> 8), 0, 0};
-            std::string_view input(bytes, sizeof bytes);
-            unsigned char output[4];
-            if (converter.convert(input, reinterpret_cast<char*>(output), sizeof output) == 2)
-                (*codes)[at] = static_cast<std::uint16_t>(output[0] << 8 | output[1]);
-        }
-        return codes;
-    }();
-    return character < table->size() ? (*table)[character] : std::uint16_t{0};
 }
 
 } // namespace selfreport

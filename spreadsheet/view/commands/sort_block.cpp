@@ -1,9 +1,7 @@
 #include "spreadsheet/view/commands/sort_block.h"
 
+#include "spreadsheet/values/coercion.h"
 #include "spreadsheet/workbook/Workbook.h"
-
-#include <QCollator>
-#include <QLocale>
 
 #include <algorithm>
 #include <map>
@@ -14,82 +12,53 @@ namespace spreadsheet {
 
 namespace {
 
-/// What a key cell is compared by.
-struct SortValue {
-    int rank = 0; ///< number, text, Chinese text, truth value, error, empty
-    double number = 0;
-    std::optional<QCollatorSortKey> text = {};
-};
-
-constexpr int emptyRank = 5;
-
-/// Chinese words come behind others, which the collation of the locale has the other way round.
-int rankOfText(const QString& text)
+/// Numbers, texts, truth values, errors, empty cells.
+int rankOf(const Value& value)
 {
-    return !text.isEmpty() && text[0].unicode() >= 0x2E80 ? 2 : 1;
+    switch (value.kind()) {
+    case ValueKind::number:
+        return 0;
+    case ValueKind::text:
+        return 1;
+    case ValueKind::boolean:
+        return 2;
+    case ValueKind::error:
+        return 3;
+    case ValueKind::empty:
+        break;
+    }
+    return 4;
 }
 
-class SortValues {
-public:
-    SortValues()
-        : m_collator(QLocale(QLocale::Chinese, QLocale::China))
-    {
-        m_collator.setCaseSensitivity(Qt::CaseInsensitive);
-    }
-
-    SortValue operator()(const Value& value) const
-    {
-        switch (value.kind()) {
-        case ValueKind::number:
-            return {0, value.number()};
-        case ValueKind::text: {
-            const std::string_view bytes = value.textView();
-            const QString text = QString::fromUtf8(bytes);
-            return {rankOfText(text), 0, m_collator.sortKey(text)};
-        }
-        case ValueKind::boolean:
-            return {3, value.boolean() ? 1.0 : 0.0};
-        case ValueKind::error:
-            return {4, double(value.error())};
-        case ValueKind::empty:
-            break;
-        }
-        return {emptyRank};
-    }
-
-private:
-    QCollator m_collator;
-};
-
-int compared(const SortValue& a, const SortValue& b)
+int compared(const Value& a, const Value& b)
 {
-    if (a.rank != b.rank)
-        return a.rank < b.rank ? -1 : 1;
-    if (a.text)
-        return a.text->compare(*b.text);
-    return a.number < b.number ? -1 : a.number > b.number;
+    const int rank = rankOf(a);
+    if (rank != rankOf(b))
+        return rank < rankOf(b) ? -1 : 1;
+    if (a.isError())
+        return static_cast<int>(a.error()) - static_cast<int>(b.error());
+    return compareValues(a, b);
 }
 
 /// The rows of a block (from 0) in their new order.
 std::vector<int> sortedRows(const Sheet& sheet, const CellRange& rows, const std::vector<SortKey>& keys)
 {
-    const SortValues sortValue;
-    std::vector<std::vector<SortValue>> values;
+    std::vector<std::vector<Value>> values;
     for (const SortKey& key : keys) {
         values.emplace_back();
         for (int row = rows.top; row <= rows.bottom; ++row)
-            values.back().push_back(sortValue(sheet.value({key.column, row})));
+            values.back().push_back(sheet.value({key.column, row}));
     }
     std::vector<int> order(static_cast<std::size_t>(rows.rows()));
     std::iota(order.begin(), order.end(), 0);
     std::ranges::stable_sort(order, [&](int a, int b) {
         for (std::size_t key = 0; key < keys.size(); ++key) {
-            const SortValue& first = values[key][static_cast<std::size_t>(a)];
-            const SortValue& second = values[key][static_cast<std::size_t>(b)];
+            const Value& first = values[key][static_cast<std::size_t>(a)];
+            const Value& second = values[key][static_cast<std::size_t>(b)];
             const int result = compared(first, second);
             if (result == 0)
                 continue;
-            const bool eitherEmpty = first.rank == emptyRank || second.rank == emptyRank;
+            const bool eitherEmpty = first.isEmpty() || second.isEmpty();
             return keys[key].descending && !eitherEmpty ? result > 0 : result < 0;
         }
         return false;

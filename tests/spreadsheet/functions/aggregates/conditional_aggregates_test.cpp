@@ -11,8 +11,9 @@ TEST(ConditionalSums, Criteria)
         {"COUNTIF(A1:A12,5)", "2"}, // the number and the text that reads as it
         {"COUNTIF(A1:A12,\"5\")", "2"},
         {"COUNTIF(A1:A12,\"=5\")", "2"},
-        {"COUNTIF(A1:A12,\">=5\")", "2"}, // numbers only
-        {"COUNTIF(A1:A12,\"<>5\")", "10"},
+        {"COUNTIF(A1:A12,\">=5\")", "2"},  // numbers only
+        {"COUNTIF(A1:A12,\"<>5\")", "11"}, // all but the number
+        {"COUNTIF(A1:A12,\"<>-3\")", "11"},
         {"COUNTIF(A1:A12,\"APPLE\")", "1"},
         {"COUNTIF(A1:A12,\"app*\")", "2"},
         {"COUNTIF(A1:A12,\"?????\")", "1"},
