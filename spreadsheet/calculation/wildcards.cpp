@@ -57,10 +57,8 @@ WildcardPattern::WildcardPattern(std::string_view pattern)
 {
     for (std::size_t at = 0; at < pattern.size();) {
         const char c = pattern[at];
-        if (c == '~' && at + 1 < pattern.size() &&
-            std::string_view("?*~").find(pattern[at + 1]) != std::string_view::npos) {
-            m_pattern.push_back(static_cast<unsigned char>(pattern[at + 1]));
-            at += 2;
+        if (c == '~' && at + 1 < pattern.size()) { // what follows stands for itself
+            m_pattern.push_back(foldedCharacter(takeCharacter(pattern, ++at)));
         } else if (c == '?' || c == '*') {
             m_hasWildcards = true;
             if (c == '?' || m_pattern.empty() || m_pattern.back() != anyText)

@@ -34,9 +34,9 @@ std::optional<Total> totalIf(Call& call)
 template <typename Use>
 Operand ofConditions(Call& call, Use&& use)
 {
-    const ConditionalCells cells(call, 1, allPairs);
     if (call[0].isValue() && call[0].value().isError())
         call.fail(call[0].value().error());
+    const ConditionalCells cells(call, 1, allPairs);
     if (call.count() % 2 == 0 || !call[0].isArea())
         call.fail(CellError::value);
     if (call.failed())

@@ -36,6 +36,8 @@ DatabaseList::DatabaseList(Call& call, std::size_t argument)
         return;
     }
     m_area = call[argument].area();
+    if (m_area.cells.rows() < 2)
+        call.fail(CellError::value);
     m_records = std::max(usedPart(m_book, m_area).bottom - m_area.cells.top, 0);
     call.pay(4.0 * m_records);
 }

@@ -9,7 +9,7 @@ namespace spreadsheet {
 /// A list with field names in its first row, the first argument of a database function.
 class DatabaseList {
 public:
-    /// The call fails with #VALUE! if the argument is no range.
+    /// The call fails with #VALUE! if the argument is no range, or one that has no room for records.
     DatabaseList(Call& call, std::size_t argument);
 
     const Area& area() const { return m_area; }

@@ -21,6 +21,8 @@ ComplexNumber readComplex(Call& call, const Value& value)
     }
     if (value.isNumber())
         return {value.number(), 0};
+    if (value.isEmpty())
+        return {};
     const auto number = parseComplex(text.textView());
     if (!number)
         call.fail(CellError::num);

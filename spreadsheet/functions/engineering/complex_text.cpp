@@ -36,12 +36,28 @@ std::optional<double> parsePart(std::string_view text, bool signAlone)
     return parseNumber(text);
 }
 
+/// Without the blanks around signs and around the whole; those between digits stay.
+std::string withoutBlanks(std::string_view text)
+{
+    text = trimmedBlanks(text);
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const std::size_t next = text.find_first_not_of(' ', i);
+        const bool besideSign = text[i] == ' ' && (isSign(plain.back()) || isSign(text[next]));
+        if (!besideSign)
+            plain += text[i];
+    }
+    return plain;
+}
+
 } // namespace
 
-std::optional<ComplexNumber> parseComplex(std::string_view text)
+std::optional<ComplexNumber> parseComplex(std::string_view spaced)
 {
+    const std::string plain = withoutBlanks(spaced);
+    std::string_view text = plain;
     if (text.empty())
-        return ComplexNumber{};
+        return std::nullopt;
     const char last = text.back();
     if (last != 'i' && last != 'j') {
         const auto real = parsePart(text, false);

@@ -12,7 +12,7 @@ struct ComplexNumber {
     char unit = 0; ///< 0: none was written
 };
 
-/// Reads "3+4i", "-j", "2.5", "1E-3-i"; an empty text is 0. Nothing if it reads as none.
+/// Reads "3+4i", "-j", "2.5", "1E-3-i", " 3 - i "; nothing if it reads as none, as an empty text.
 std::optional<ComplexNumber> parseComplex(std::string_view text);
 
 /// The shortest form with up to 15 digits a part: "3+4i", "-i", "2".

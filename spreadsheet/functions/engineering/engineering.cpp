@@ -14,12 +14,18 @@ template <auto function, bool rightOfZero>
 Operand bessel(Call& call)
 {
     const double x = plainNumber(call, 0);
-    const int order = plainInteger(call, 1);
+    const double order = plainNumber(call, 1);
     constexpr double farOut = 1e6; // beyond it every method is slow and the result is noise
-    const bool inRange = order >= 0 && order <= farOut && std::fabs(x) <= farOut && (!rightOfZero || x > 0);
-    if (inRange)
-        call.pay(2 * (order + std::fabs(x)));
-    return inRangeOrNum(call, inRange, [&] { return checked(function(order, x)); });
+    const double size = std::fabs(x);
+    const bool inRange = order >= 0 && size <= farOut && (!rightOfZero || x > 0);
+    // J and I of an order that x comes nowhere near are less than any number.
+    const bool vanishes = !rightOfZero && order > farOut && order > 2 * size;
+    if (call.failed() || !inRange || (order > farOut && !vanishes))
+        return call.failed() ? call.error() : CellError::num;
+    if (vanishes)
+        return 0.0;
+    call.pay(2 * (order + size));
+    return call.failed() ? call.error() : checked(function(static_cast<int>(order), x));
 }
 
 double besselI(int order, double x)

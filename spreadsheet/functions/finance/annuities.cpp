@@ -47,7 +47,11 @@ Operand futureValue(Call& call)
     Annuity annuity{call.number(0), call.number(1), call.number(2)};
     annuity.present = call.number(3, 0);
     annuity.atBeginning = call.number(4, 0) != 0;
-    return call.failed() ? call.error() : checked(annuity.futureValue());
+    if (call.failed())
+        return call.error();
+    if (annuity.rate == -1 && annuity.periods < 0) // a negative power of 0
+        return CellError::div0;
+    return checked(annuity.futureValue());
 }
 
 /// Arguments from `first` on: periods, present value, [future value], [type].
@@ -154,7 +158,7 @@ Operand cumulated(Call& call)
     loan.present = plainNumber(call, 2);
     const int first = plainInteger(call, 3);
     const int last = plainInteger(call, 4);
-    const int type = plainInteger(call, 5);
+    const double type = plainNumber(call, 5);
     loan.atBeginning = type == 1;
     const bool inRange = loan.rate > 0 && loan.periods > 0 && loan.present > 0 && first >= 1 &&
                          last >= first && last <= loan.periods && (type == 0 || type == 1);
@@ -215,11 +219,12 @@ template <bool toDecimal>
 Operand fractionalPrice(Call& call)
 {
     const double price = plainNumber(call, 0);
-    const double fraction = std::trunc(plainNumber(call, 1));
+    const double given = plainNumber(call, 1);
+    const double fraction = std::trunc(given);
     if (call.failed())
         return call.error();
-    if (fraction < 1)
-        return fraction < 0 ? CellError::num : CellError::div0;
+    if (given < 1)
+        return given < 0 ? CellError::num : CellError::div0;
     double whole = 0;
     const double rest = std::modf(price, &whole);
     const double digits = std::pow(10, std::ceil(std::log10(fraction)));

@@ -30,7 +30,11 @@ bool goBothWays(std::span<const double> flows)
 Operand netPresentValue(Call& call)
 {
     const double rate = call.number(0);
-    const std::vector<double> flows = call.numbers(1);
+    std::vector<double> flows;
+    for (std::size_t argument = 1; argument < call.count(); ++argument) {
+        const std::vector<double> part = call.numbersByRows(argument);
+        flows.insert(flows.end(), part.begin(), part.end());
+    }
     if (call.failed())
         return call.error();
     return rate == -1 ? Operand(CellError::div0) : checked(worthBefore(flows, rate));
@@ -39,8 +43,7 @@ Operand netPresentValue(Call& call)
 /// The numbers of the first argument alone.
 std::vector<double> flowsArgument(Call& call)
 {
-    std::vector<double> flows;
-    call.eachNumber(0, [&](double flow) { flows.push_back(flow); });
+    std::vector<double> flows = call.numbersByRows(0);
     call.pay(4 * static_cast<double>(flows.size())); // each is discounted more than once
     return flows;
 }
@@ -65,7 +68,8 @@ Operand modifiedInternalRate(Call& call)
     const double reinvesting = call.number(2);
     if (call.failed())
         return call.error();
-    if (!goBothWays(flows) || financing == -1 || reinvesting == -1)
+    const bool anyPaid = std::ranges::any_of(flows, [](double flow) { return flow < 0; });
+    if (!anyPaid || flows.size() < 2 || financing == -1 || reinvesting == -1)
         return CellError::div0;
     std::vector<double> paid = flows;
     std::vector<double> received = flows;

@@ -133,12 +133,11 @@ public:
     {
     }
 
-    /// With `fromIssue` everything since issue counts, else only the period that settlement lies in.
-    double count(int issue, int settlement, bool fromIssue) const
+    double count(int issue, int settlement) const
     {
         const int step = 12 / m_frequency;
         int months = -step;
-        while (fromIssue && couponDay(m_firstInterest, months + step) >= 0 &&
+        while (couponDay(m_firstInterest, months + step) >= 0 &&
                couponDay(m_firstInterest, months + step) < settlement)
             months += step;
         int start = couponDay(m_firstInterest, months);
@@ -148,10 +147,7 @@ public:
             end = start;
             months -= step;
             start = couponDay(m_firstInterest, months);
-            if (start <= issue)
-                periods += partBefore(issue, start, end);
-            else
-                periods += fromIssue ? 1 : 0;
+            periods += start <= issue ? partBefore(issue, start, end) : 1;
         }
         return periods;
     }
@@ -179,10 +175,11 @@ Operand accrued(Call& call)
     const double nominal = call.given(4) ? plainNumber(call, 4) : 1000;
     const int frequency = frequencyArgument(call, 5);
     const BondDays days(basisArgument(call, 6));
-    const bool fromIssue = call.logical(7, true); // a truth value is at its place here
+    const bool sinceIssue = !call.given(7) || call.logical(7); // a truth value is at its place here
     return inRangeOrNum(call, rate > 0 && nominal > 0 && issue < settlement, [&] {
         const AccrualPeriods periods(firstInterest, frequency, days);
-        return checked(nominal * rate / frequency * periods.count(issue, settlement, fromIssue));
+        const int from = sinceIssue || settlement <= firstInterest ? issue : firstInterest;
+        return checked(nominal * rate / frequency * periods.count(from, settlement));
     });
 }
 

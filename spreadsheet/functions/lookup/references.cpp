@@ -141,6 +141,8 @@ Operand referenceOfName(const EvaluationPlace& place, std::string_view name)
 
 Operand indexed(Call& call)
 {
+    if (call[0].isValue() && call[0].value().isError())
+        return call[0];
     const int row = call.integer(1, 0);
     const int column = call.integer(2, 0);
     const int part = call.integer(3, 1);
@@ -148,17 +150,20 @@ Operand indexed(Call& call)
         return call.error();
     if (row < 0 || column < 0 || part < 1)
         return CellError::value;
+    const bool oneNumber = call.count() == 2;
     if (!call[0].isReference()) {
-        if (call[0].isValue() && call[0].value().isError())
-            return call[0];
-        const bool alongRow = call.count() == 2 && call.rows(0) == 1;
+        if (oneNumber && row > 0 && call.rows(0) > 1 && call.columns(0) > 1)
+            return CellError::ref;
+        const bool alongRow = oneNumber && call.rows(0) == 1;
         return alongRow ? partOfArray(call, 0, row) : partOfArray(call, row, column);
     }
     const Areas areas = call[0].areas();
     if (part > static_cast<int>(areas.size()))
         return CellError::ref;
     const Area& area = areas[static_cast<std::size_t>(part - 1)];
-    if (call.count() == 2 && area.cells.rows() == 1) // a single number counts along the only row
+    if (oneNumber && row > 0 && area.cells.rows() > 1 && area.cells.columns() > 1)
+        return CellError::ref;               // of a block it names neither row nor column
+    if (oneNumber && area.cells.rows() == 1) // it counts along the only row
         return partOfArea(area, 0, row);
     return partOfArea(area, row, column);
 }
@@ -208,13 +213,14 @@ Operand addressText(Call& call)
 {
     const int row = call.integer(0);
     const int column = call.integer(1);
-    const int style = call.given(2) ? call.integer(2) : 1; // 1 both fixed, 2 row, 3 column, 4 neither
+    const int kind = call.given(2) ? call.integer(2) : 1; // 5 to 8 are 1 to 4 once more
     const bool letters = call.given(3) ? call.logical(3) : true;
     const std::string sheet = call.text(4, "");
     if (call.failed())
         return call.error();
-    if (row < 1 || row > maxRows || column < 1 || column > maxColumns || style < 1 || style > 4)
+    if (row < 1 || row > maxRows || column < 1 || column > maxColumns || kind < 1 || kind > 8)
         return CellError::value;
+    const int style = (kind - 1) % 4 + 1; // 1 both fixed, 2 row, 3 column, 4 neither
     const bool fixedRow = style <= 2;
     const bool fixedColumn = style == 1 || style == 3;
     std::string text = call.count() > 4 ? sheet.empty() ? "!" : sheetPrefix(sheet) : "";

@@ -8,6 +8,8 @@
 
 namespace spreadsheet {
 
+// Numbers are cut off to whole ones, but only if they are not negative: -0.5 is less than 0.
+
 namespace {
 
 double factorial(double number)
@@ -22,10 +24,10 @@ double factorial(double number)
 
 Operand combinations(double all, double chosen)
 {
+    if (all < 0 || chosen < 0 || std::trunc(chosen) > std::trunc(all))
+        return CellError::num;
     all = std::trunc(all);
     chosen = std::trunc(chosen);
-    if (all < 0 || chosen < 0 || chosen > all)
-        return CellError::num;
     chosen = std::min(chosen, all - chosen);
     double product = 1;
     for (double i = 1; i <= chosen && std::isfinite(product); ++i)
@@ -67,10 +69,10 @@ Operand ofWholeNumbers(Call& call)
 /// The product of every second number down to 1 or 2.
 Operand doubleFactorial(Call& call)
 {
-    const double number = std::trunc(plainNumber(call, 0));
+    const double number = plainNumber(call, 0);
     return inRangeOrNum(call, number >= -1, [&] {
         double product = 1;
-        for (double factor = number; factor > 1 && std::isfinite(product); factor -= 2)
+        for (double factor = std::trunc(number); factor > 1 && std::isfinite(product); factor -= 2)
             product *= factor;
         return checked(product);
     });
@@ -78,19 +80,21 @@ Operand doubleFactorial(Call& call)
 
 Operand combinationsWithRepetition(double all, double chosen)
 {
+    if (all < 0 || chosen < 0)
+        return CellError::num;
     all = std::trunc(all);
     chosen = std::trunc(chosen);
-    if (all < 0 || chosen < 0 || (all == 0 && chosen > 0))
+    if (all == 0 && chosen > 0)
         return CellError::num;
     return chosen == 0 ? Operand(1.0) : combinations(all + chosen - 1, chosen);
 }
 
 Operand permutations(double all, double chosen)
 {
+    if (all < 0 || chosen < 0 || std::trunc(chosen) > std::trunc(all))
+        return CellError::num;
     all = std::trunc(all);
     chosen = std::trunc(chosen);
-    if (all < 0 || chosen < 0 || chosen > all)
-        return CellError::num;
     double product = 1;
     for (double i = 0; i < chosen && std::isfinite(product); ++i)
         product *= all - i;
@@ -99,9 +103,8 @@ Operand permutations(double all, double chosen)
 
 Operand permutationsWithRepetition(double all, double chosen)
 {
-    all = std::trunc(all);
-    chosen = std::trunc(chosen);
-    return all < 0 || chosen < 0 ? Operand(CellError::num) : checked(std::pow(all, chosen));
+    return all < 0 || chosen < 0 ? Operand(CellError::num)
+                                 : checked(std::pow(std::trunc(all), std::trunc(chosen)));
 }
 
 /// The factorial of the sum over the product of the factorials: what each number adds is the count of

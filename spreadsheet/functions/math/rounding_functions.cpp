@@ -13,9 +13,9 @@ namespace {
 template <Rounding rounding>
 Operand toPlaces(Call& call)
 {
-    constexpr int farOut = 400; // beyond every digit of a number
+    constexpr double farOut = 400; // beyond every digit of a number
     const double number = call.number(0);
-    const int places = std::clamp(call.integer(1, 0), -farOut, farOut);
+    const auto places = static_cast<int>(std::clamp(call.number(1, 0), -farOut, farOut));
     return call.failed() ? call.error() : checked(roundDecimal(number, places, rounding));
 }
 

@@ -20,13 +20,15 @@ Operand ofAngle(Call& call)
     return std::fabs(angle) < limit ? checked(function(angle)) : Operand(CellError::num);
 }
 
-/// The inverse of a function that is zero at zero.
-template <auto function>
-Operand inverseOfAngle(Call& call)
+/// The inverse of a function that is zero at zero, of an angle or of any number.
+template <auto function, bool ofAnAngle>
+Operand inverseOf(Call& call)
 {
-    if (!call.failed() && call.number(0) == 0 && !call.failed())
+    const double number = call.number(0);
+    if (!call.failed() && number == 0)
         return CellError::div0;
-    return ofAngle<[](double x) { return 1 / function(x); }>(call);
+    constexpr auto inverse = [](double x) { return 1 / function(x); };
+    return ofAnAngle ? ofAngle<inverse>(call) : ofNumber<inverse>(call);
 }
 
 double sine(double x)
@@ -63,10 +65,10 @@ const FunctionDescriptor trigonometricTable[] = {
     {"SIN", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的正弦值", ofAngle<sine>},
     {"COS", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的余弦值", ofAngle<cosine>},
     {"TAN", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的正切值", ofAngle<tangent>},
-    {"COT", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的余切值", inverseOfAngle<tangent>},
+    {"COT", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的余切值", inverseOf<tangent, true>},
     {"SEC", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的正割值",
      ofAngle<[](double x) { return 1 / std::cos(x); }>},
-    {"CSC", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的余割值", inverseOfAngle<sine>},
+    {"CSC", 1, 1, "v", trigonometricFamily, "弧度", "返回角度的余割值", inverseOf<sine, true>},
     {"ASIN", 1, 1, "v", trigonometricFamily, "数值", "返回反正弦值（弧度）",
      ofNumber<[](double x) { return std::asin(x); }>},
     {"ACOS", 1, 1, "v", trigonometricFamily, "数值", "返回反余弦值（弧度）",
@@ -81,10 +83,10 @@ const FunctionDescriptor trigonometricTable[] = {
     {"COSH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲余弦值",
      ofNumber<[](double x) { return std::cosh(x); }>},
     {"TANH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲正切值", ofNumber<hyperbolicTangent>},
-    {"COTH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲余切值", inverseOfAngle<hyperbolicTangent>},
+    {"COTH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲余切值", inverseOf<hyperbolicTangent, false>},
     {"SECH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲正割值",
-     ofAngle<[](double x) { return 1 / std::cosh(x); }>},
-    {"CSCH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲余割值", inverseOfAngle<hyperbolicSine>},
+     ofNumber<[](double x) { return 1 / std::cosh(x); }>},
+    {"CSCH", 1, 1, "v", trigonometricFamily, "数值", "返回双曲余割值", inverseOf<hyperbolicSine, false>},
     {"ASINH", 1, 1, "v", trigonometricFamily, "数值", "返回反双曲正弦值",
      ofNumber<[](double x) { return std::asinh(x); }>},
     {"ACOSH", 1, 1, "v", trigonometricFamily, "数值", "返回反双曲余弦值",

@@ -1,13 +1,13 @@
-// Distributions of whole numbers. Arguments that count something are cut off to whole numbers.
+// Distributions of whole numbers. Arguments that count something are cut off to whole numbers, but whether
+// they are in range is asked before: -0.25 is less than 0.
 #include "spreadsheet/functions/function_families.h"
 #include "spreadsheet/functions/plain_arguments.h"
 #include "spreadsheet/functions/statistics/distributions.h"
 
 namespace spreadsheet {
 
-// Counts are cut off to whole numbers first, as the functions have it, and sums over many counts are taken
-// from the library's cumulative forms. Only where it would count too long or in vain, draws from very many
-// elements, is the sum our own, over the end with fewer and smaller terms.
+// Sums over many counts are taken from the library's cumulative forms. Only where it would count too long or
+// in vain, draws from very many elements, is the sum our own, over the end with fewer and smaller terms.
 
 namespace {
 
@@ -23,44 +23,50 @@ bool isCount(double count)
 
 Operand binomialDistribution(Call& call)
 {
-    const double successes = wholeParameter(call, 0);
-    const double trials = wholeParameter(call, 1);
+    const double successes = parameter(call, 0);
+    const double trials = parameter(call, 1);
     const double p = call.number(2);
     const bool cumulative = call.logical(3);
-    return inRangeOrNum(call, isCount(trials) && successes >= 0 && successes <= trials && isProbability(p),
+    return inRangeOrNum(call,
+                        isCount(trials) && successes >= 0 && std::trunc(successes) <= std::trunc(trials) &&
+                            isProbability(p),
                         [&] {
-                            const Binomial binomial(trials, p);
-                            return checked(cumulative ? cdf(binomial, successes) : pdf(binomial, successes));
+                            const Binomial binomial(std::trunc(trials), p);
+                            const double count = std::trunc(successes);
+                            return checked(cumulative ? cdf(binomial, count) : pdf(binomial, count));
                         });
 }
 
 /// The probability of a count from one number to another.
 Operand binomialRange(Call& call)
 {
-    const double trials = wholeParameter(call, 0);
+    const double trials = parameter(call, 0);
     const double p = call.number(1);
-    const double from = wholeParameter(call, 2);
-    const double to = call.given(3) ? wholeParameter(call, 3) : from;
-    return inRangeOrNum(call, isCount(trials) && isProbability(p) && from >= 0 && from <= to && to <= trials,
-                        [&] {
-                            const Binomial binomial(trials, p);
-                            if (from == to)
-                                return checked(pdf(binomial, from));
-                            return checked(cdf(binomial, to) - (from > 0 ? cdf(binomial, from - 1) : 0));
-                        });
+    const double least = parameter(call, 2);
+    const double most = call.given(3) ? parameter(call, 3) : least;
+    const bool inRange = isCount(trials) && isProbability(p) && least >= 0 &&
+                         std::trunc(least) <= std::trunc(most) && std::trunc(most) <= std::trunc(trials);
+    return inRangeOrNum(call, inRange, [&] {
+        const Binomial binomial(std::trunc(trials), p);
+        const double from = std::trunc(least);
+        const double to = std::trunc(most);
+        if (from == to)
+            return checked(pdf(binomial, from));
+        return checked(cdf(binomial, to) - (from > 0 ? cdf(binomial, from - 1) : 0));
+    });
 }
 
 /// The smallest count whose cumulative probability is not below alpha.
 Operand binomialQuantile(Call& call)
 {
-    const double trials = wholeParameter(call, 0);
+    const double trials = parameter(call, 0);
     const double p = call.number(1);
     const double alpha = call.number(2);
     return inRangeOrNum(call, isCount(trials) && isProbability(p) && alpha > 0 && alpha < 1, [&] {
         constexpr double noise = 1e-14; // so that a probability that reads the same is not below
-        const Binomial binomial(trials, p);
+        const Binomial binomial(std::trunc(trials), p);
         double below = -1;
-        double found = trials;
+        double found = std::trunc(trials);
         while (found - below > 1) {
             const double middle = std::floor((below + found) / 2);
             (cdf(binomial, middle) >= alpha * (1 - noise) ? found : below) = middle;
@@ -73,25 +79,27 @@ Operand binomialQuantile(Call& call)
 template <bool saysWhich>
 Operand negativeBinomialDistribution(Call& call)
 {
-    const double failures = wholeParameter(call, 0);
-    const double successes = wholeParameter(call, 1);
+    const double failures = parameter(call, 0);
+    const double successes = parameter(call, 1);
     const double p = call.number(2);
     const bool cumulative = saysWhich && call.logical(3);
-    return inRangeOrNum(
-        call, isCount(failures) && isCount(successes) && successes >= 1 && isProbability(p), [&] {
-            if (p == 0 || p == 1)
-                return checked(p == 1 && (failures == 0 || cumulative) ? 1.0 : 0.0);
-            const NegativeBinomial distribution(successes, p);
-            return checked(cumulative ? cdf(distribution, failures) : pdf(distribution, failures));
-        });
+    return inRangeOrNum(call, isCount(failures) && isCount(successes) && successes >= 1 && isProbability(p),
+                        [&] {
+                            const double count = std::trunc(failures);
+                            if (p == 0 || p == 1)
+                                return checked(p == 1 && (count == 0 || cumulative) ? 1.0 : 0.0);
+                            const NegativeBinomial distribution(std::trunc(successes), p);
+                            return checked(cumulative ? cdf(distribution, count) : pdf(distribution, count));
+                        });
 }
 
 Operand poissonDistribution(Call& call)
 {
-    const double count = wholeParameter(call, 0);
+    const double events = parameter(call, 0);
     const double mean = parameter(call, 1);
     const bool cumulative = call.logical(2);
-    return inRangeOrNum(call, isCount(count) && isCount(mean), [&] {
+    return inRangeOrNum(call, isCount(events) && isCount(mean), [&] {
+        const double count = std::trunc(events);
         if (mean == 0)
             return checked(count == 0 || cumulative ? 1.0 : 0.0);
         const Poisson poisson(mean);
@@ -146,6 +154,7 @@ private:
 template <bool saysWhich>
 Operand hypergeometricDistribution(Call& call)
 {
+    const double given = call.number(0);
     const int successes = call.integer(0);
     const int sample = call.integer(1);
     const int marked = call.integer(2);
@@ -153,7 +162,7 @@ Operand hypergeometricDistribution(Call& call)
     const bool cumulative = saysWhich && call.logical(4);
     const bool sizes = all > 0 && sample > 0 && sample <= all && marked > 0 && marked <= all;
     const int fewest = sizes ? std::max(0, sample - (all - marked)) : 0;
-    const bool inRange = sizes && successes >= fewest && successes <= std::min(sample, marked);
+    const bool inRange = sizes && given >= 0 && successes >= fewest && successes <= std::min(sample, marked);
     constexpr int mostCounted = 100'000;
     call.pay(all > mostCounted ? 16 * std::sqrt(all) : 24.0 * all);
     return inRangeOrNum(call, inRange, [&] {

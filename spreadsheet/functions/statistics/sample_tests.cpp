@@ -21,8 +21,6 @@ Operand chiSquaredTest(Call& call)
 {
     const int rows = call.rows(0);
     const int columns = call.columns(0);
-    if (rows != call.rows(1) || columns != call.columns(1))
-        return CellError::na;
     const PairedSample sample = pairedSample(call, 0, 1);
     if (call.failed())
         return call.error();
@@ -108,6 +106,10 @@ StudentRatio independentRatio(const std::vector<double>& first, const std::vecto
 /// Kinds: 1 pairs, 2 independent samples of the same variance, 3 of different variances.
 Operand studentTest(Call& call)
 {
+    for (const std::size_t sample : {0, 1}) {
+        if (call[sample].isValue() && call[sample].value().isError())
+            return call[sample];
+    }
     const double tails = std::trunc(call.number(2));
     const double kind = std::trunc(call.number(3));
     const bool known = (tails == 1 || tails == 2) && kind >= 1 && kind <= 3;

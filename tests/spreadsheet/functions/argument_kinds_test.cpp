@@ -60,10 +60,11 @@ TEST(ArgumentKinds, EveryFunctionAnswersWhateverItIsHanded)
 
 TEST(ArgumentKinds, AnErrorAsFirstValueIsHandedOn)
 {
-    // Those whose answer is about the error, or about the place where it stands.
-    const std::vector<std::string_view> aboutErrors{"ERROR.TYPE", "IFERROR",   "IFNA", "ISBLANK",
-                                                    "ISERR",      "ISERROR",   "ISNA", "ISTEXT",
-                                                    "ISNUMBER",   "ISNONTEXT", "RTD",  "ISLOGICAL"};
+    // Those whose answer is about the error, or about the place where it stands, or about a column that there
+    // is not.
+    const std::vector<std::string_view> aboutErrors{
+        "ERROR.TYPE", "IFERROR",  "IFNA",      "ISBLANK", "ISERR",     "ISERROR", "ISNA",
+        "ISTEXT",     "ISNUMBER", "ISNONTEXT", "RTD",     "ISLOGICAL", "VLOOKUP", "HLOOKUP"};
     FormulaSheet sheet = mixedCells();
     for (const FunctionDescriptor* function : allFunctions()) {
         if (function->minArguments == 0 || function->kind(0) != 'v' ||

@@ -8,6 +8,11 @@ TEST(LookupEdges, PlacesAmongMixedKinds)
     sheet.expect({
         {"MATCH(2,{1,2,2,2,3},0)", "2"},
         {"MATCH(2,{1,2,2,2,3},1)", "4"},
+        {"MATCH(6,{8,6,6,9,1},1)", "3"}, // halving meets an equal one: its equal neighbours, and no further
+        {"MATCH(\"m\",{\"x\",\"b\",\"m\",\"a\",\"b\"})", "3"},
+        {"LOOKUP(4,{9,1,4,2,3},{1,2,3,4,5})", "3"},
+        {"HLOOKUP(4,{9,1,4,2,3;1,2,3,4,5},2)", "3"},
+        {"MATCH(6,{5,6,\"x\",6,7})", "4"}, // in order but for the text
         {"MATCH(2,{3,2,2,1},-1)", "2"},
         {"MATCH(2.5,{1,\"x\",2,3})", "3"}, // texts do not count among numbers
         {"MATCH(\"b\",{1,\"a\",2,\"c\"})", "2"},
@@ -15,14 +20,23 @@ TEST(LookupEdges, PlacesAmongMixedKinds)
         {"MATCH(TRUE,{1,\"a\",FALSE,TRUE})", "4"},
         {"MATCH(\"x\",{1,2,3})", "#N/A"},
         {"MATCH(1,{\"1\",TRUE,1},0)", "3"},
-        {"MATCH(0,D1:D9,0)", "#N/A"}, // an empty cell is no 0
+        {"MATCH(0,D1:D9,0)", "#N/A"},                  // an empty cell is no 0
+        {"MATCH(D1,{1,0},0)&MATCH(,{1,0},0)", "#N/A"}, // nor anything to look for
+        {"MATCH(,{1,0},0)", "2"},
+        {"VLOOKUP(D1,{0,\"zero\"},2,0)", "\"zero\""},
+        {"VLOOKUP(1/0,A1:B3,3)", "#REF!"}, // the number of the column is looked at first
+        {"VLOOKUP(NA(),A1:B3,0)", "#VALUE!"},
+        {"HLOOKUP(NA(),A1:B3,1/0)", "#DIV/0!"},
+        {"VLOOKUP(NA(),A1:B3,2)", "#N/A"},
         {"MATCH(\"\",D1:D9,0)", "#N/A"},
         {"MATCH(\"a*\",{\"b\",\"AB\",\"a\"},0)", "2"},
         {"MATCH(\"a~*\",{\"ab\",\"a*\"},0)", "2"},
         {"MATCH(\"?\",{\"\",\"ab\",\"x\"},0)", "3"},
         {"MATCH(\"*\",{1,\"t\"},0)", "2"},
         {"MATCH(\"~?\",{\"x\",\"?\"},0)", "2"},
-        {"MATCH(\"a~b\",{\"ab\",\"a~b\"},0)", "2"}, // "~" before an ordinary character is itself
+        {"MATCH(\"a~b\",{\"a~b\",\"ab\"},0)", "2"}, // "~" lets any character stand for itself
+        {"MATCH(\"a~~b\",{\"ab\",\"a~b\"},0)", "2"},
+        {"MATCH(\"a~\",{\"a\",\"a~\"},0)", "2"},
         {"MATCH(\"*c\",{\"abcd\",\"abc\"},0)", "2"},
         {"VLOOKUP(4,A1:B3,2)", "\"a\""}, // halving meets the 5 first
         {"VLOOKUP(9,A1:B3,2)", "\"c\""},
@@ -89,7 +103,9 @@ TEST(LookupEdges, AddressesAsText)
         {"ADDRESS(1,16384)", "\"$XFD$1\""},
         {"ADDRESS(1,16385)", "#VALUE!"},
         {"ADDRESS(1048577,1)", "#VALUE!"},
-        {"ADDRESS(1,1,5)", "#VALUE!"},
+        {"ADDRESS(5,2,5)&ADDRESS(5,2,7)&ADDRESS(5,2,8)", "\"$B$5$B5B5\""}, // 1 to 4 once more
+        {"ADDRESS(1,1,9)", "#VALUE!"},
+        {"ADDRESS(5,2,6,FALSE)", "\"R5C[2]\""},
         {"ADDRESS(3,2,1,FALSE)", "\"R3C2\""},
         {"ADDRESS(3,2,3,FALSE)", "\"R[3]C2\""},
         {"ADDRESS(3,2,4,FALSE)", "\"R[3]C[2]\""},

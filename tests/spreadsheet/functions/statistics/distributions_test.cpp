@@ -125,6 +125,8 @@ TEST(Distributions, WholeNumbers)
         {"BINOM.DIST(6.9,10.9,0.5,TRUE)", "0.828125"},
         {"BINOMDIST(0,0,0.5,TRUE)", "1"},
         {"BINOMDIST(11,10,0.5,FALSE)", "#NUM!"},
+        {"BINOMDIST(-0.5,10,0.5,FALSE)", "#NUM!"},
+        {"BINOM.DIST.RANGE(10,0.5,-0.5,3)", "#NUM!"},
         {"BINOMDIST(3,10,1.1,FALSE)", "#NUM!"},
         {"BINOMDIST(10,10,1,FALSE)", "1"},
         {"BINOM.DIST.RANGE(60,0.75,45,50)", "0.523629793472"},
@@ -138,10 +140,13 @@ TEST(Distributions, WholeNumbers)
         {"NEGBINOM.DIST(10,5,0.25,TRUE)", "0.313514058478"},
         {"NEGBINOMDIST(0,0,0.25)", "#NUM!"},
         {"NEGBINOMDIST(0,3,1)", "1"},
+        {"NEGBINOMDIST(-0.5,3,1)", "#NUM!"},
         {"POISSON(2,5,FALSE)", "0.0842243374886"},
         {"POISSON.DIST(2,5,TRUE)", "0.124652019483"},
         {"POISSON(0,0,FALSE)", "1"},
         {"POISSON(-1,5,FALSE)", "#NUM!"},
+        {"POISSON(-0.1,5,TRUE)", "#NUM!"}, // less than 0 before it is cut off
+        {"POISSON(2.9,5,FALSE)", "0.0842243374886"},
         {"HYPGEOMDIST(1,4,8,20)*4845", "1760"}, // 8 · C(12,3) of C(20,4)
         {"HYPGEOM.DIST(1,4,8,20,TRUE)*4845", "2255"},
         {"HYPGEOM.DIST(0,2,1,9E8,FALSE)*9E8-9E8", "-2"}, // (N - n)/N
@@ -150,6 +155,7 @@ TEST(Distributions, WholeNumbers)
         {"HYPGEOM.DIST(30,5000,1000,200000,TRUE)", "0.866757672963"},
         {"HYPGEOM.DIST(100001,100001,100001,100001,TRUE)", "1"},
         {"HYPGEOMDIST(5,4,8,20)", "#NUM!"},
+        {"HYPGEOMDIST(-0.5,4,8,20)", "#NUM!"},
         {"HYPGEOMDIST(1,4,18,20)", "#NUM!"}, // at least two must be among them
     });
 }
