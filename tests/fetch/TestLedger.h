@@ -55,10 +55,7 @@ public:
     std::string file() const { return m_file.string(); }
 
     void run(const std::string& sql) const { database().run(sql); }
-    Recordset query(const std::string& sql) const
-    {
-        return openConnection(connectionString())->query(sql, BinaryColumns::fetched);
-    }
+    Recordset query(const std::string& sql) const { return database().query(sql); }
     /// For what a test does to tables and not to their rows.
     const tds::TestedDatabase& database() const { return m_database; }
 

@@ -76,8 +76,8 @@ Connection& RealServer::direct()
 
 void RealServer::install()
 {
-    for (const char* script : {"tables.sql", "sp_GS_SelfReportAmount.sql", "sp_GS_SelfReportAmounts.sql",
-                               "sp_GS_AcctProc.sql", "field_keys.sql"})
+    for (const char* script : {"tables.sql", "indexes.sql", "sp_GS_SelfReportAmount.sql",
+                               "sp_GS_SelfReportAmounts.sql", "sp_GS_AcctProc.sql", "field_keys.sql"})
         runServerScript(direct(), script);
     m_objects = objects();
 }
@@ -132,7 +132,11 @@ void RealServer::endOtherSessions()
     const Recordset sessions = direct().query("exec sp_who");
     for (std::size_t row = 0; row < sessions.rowCount(); ++row)
         if (sessions.text(row, "dbname") == m_name && sessions.text(row, "spid") != own)
-            direct().execute("kill " + sessions.text(row, "spid"));
+            try {
+                direct().execute("kill " + sessions.text(row, "spid"));
+            } catch (const DatabaseError&) {
+                // It has ended by itself meanwhile.
+            }
 }
 
 void RealServer::restoreUnlessLocked()

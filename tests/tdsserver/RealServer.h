@@ -33,6 +33,9 @@ public:
     /// Makes it as it was installed, whatever a test has done to it.
     void restore();
 
+    /// Ends all sessions in it but that of direct(), as an administrator does.
+    void endOtherSessions();
+
 private:
     struct Object {
         std::string name, type, id, parent; ///< a table that was dropped and made again has another id
@@ -42,7 +45,6 @@ private:
     void dropChanged(const std::vector<Object>& now);
     void install();
     void restoreUnlessLocked();
-    void endOtherSessions();
 
     std::string m_name;
     std::vector<Object> m_objects; ///< as they were installed

@@ -42,13 +42,31 @@ int Socket::port() const
     return ntohs(address.sin_port);
 }
 
+/// Replies are short: waiting for more to send would only add latency.
+void Socket::sendAtOnce() const
+{
+    const int on = 1;
+    ::setsockopt(m_descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+}
+
 Socket Socket::accept() const
 {
     Socket accepted(::accept4(m_descriptor, nullptr, nullptr, SOCK_CLOEXEC));
-    const int on = 1; // replies are short: waiting for more to send would only add latency
-    if (accepted.isValid())
-        ::setsockopt(accepted.m_descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    accepted.sendAtOnce();
     return accepted;
+}
+
+Socket Socket::connect(int port)
+{
+    Socket socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (::connect(socket.m_descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
+        socket.close();
+    socket.sendAtOnce();
+    return socket;
 }
 
 std::size_t Socket::receive(char* buffer, std::size_t room) const

@@ -19,6 +19,8 @@ public:
     /// Listens on a free port of this machine only.
     static Socket listen();
     int port() const;
+    /// Reaches a port of this machine; an invalid socket if nobody listens there.
+    static Socket connect(int port);
     /// Waits for a connection; an invalid socket once stop() was called.
     Socket accept() const;
     bool isValid() const { return m_descriptor >= 0; }
@@ -36,6 +38,7 @@ public:
     void reset() const;
 
 private:
+    void sendAtOnce() const;
     void close();
 
     int m_descriptor = -1;

@@ -46,6 +46,12 @@ void TestedDatabase::run(const std::string& sql, std::span<const SqlValue> value
     m_real->direct().execute(std::regex_replace(sql, bytes, "0x$1"), values);
 }
 
+Recordset TestedDatabase::query(const std::string& sql) const
+{
+    return m_real ? m_real->direct().query(sql, BinaryColumns::fetched)
+                  : openConnection(connectionString())->query(sql, BinaryColumns::fetched);
+}
+
 void TestedDatabase::rename(const std::string& table, const std::string& name) const
 {
     run(m_real ? "exec sp_rename '" + table + "','" + name + "','OBJECT'"
@@ -96,8 +102,6 @@ std::string_view endlessQuery()
 
 void TestedDatabase::makeEndless(const std::string& table) const
 {
-    closeIdleSessions(); // not every server heeds the first cancellation in a session that has done much
-                         // before
     rename(table, table + "Kept");
     run("create view " + table + " as select * from " + table + "Kept where (" + std::string(endlessQuery()) +
         ")>0");
@@ -105,6 +109,8 @@ void TestedDatabase::makeEndless(const std::string& table) const
 
 void TestedDatabase::makeQuick(const std::string& table) const
 {
+    if (m_real) // which need not have noticed yet that nobody waits any more
+        m_real->endOtherSessions();
     run("drop view " + table);
     rename(table + "Kept", table);
 }

@@ -33,6 +33,8 @@ public:
 
     /// Runs a statement in words that all understand; of the embedded database's own, x'00' is one for bytes.
     void run(const std::string& sql, std::span<const SqlValue> values = {}) const;
+    /// What stands in it, binary columns too.
+    Recordset query(const std::string& sql) const;
 
     void rename(const std::string& table, const std::string& name) const;
     /// From now on each insert or delete fails with a text, until it is allowed again.

@@ -41,19 +41,22 @@ SavedReports::SavedReports()
 
 void SavedReports::goThrough(const std::string& connectionString)
 {
+    loadThrough(connectionString);
+    closeIdleSessions();
+}
+
+void SavedReports::loadThrough(const std::string& connectionString)
+{
     gConnString = connectionString;
     std::string name;
     spreadsheet::Workbook workbook;
     EXPECT_TRUE(loadReport(sharedContext, name, workbook, &remembered));
-    closeIdleSessions();
 }
 
 std::string SavedReports::stored() const
 {
-    const auto fresh = openConnection(m_ledger.embeddedConnectionString());
-    const Recordset rows =
-        fresh->query("select * from tblCWSelfReport order by noid", BinaryColumns::fetched);
-    const Recordset items = fresh->query("select * from tblsystemprivillenge order by fitemid");
+    const Recordset rows = m_ledger.query("select * from tblCWSelfReport order by noid");
+    const Recordset items = m_ledger.query("select * from tblsystemprivillenge order by fitemid");
     std::string all;
     for (std::size_t row = 0; row < rows.rowCount(); ++row)
         all += rows.text(row, "noid") + rows.text(row, "fname") + ":" + firstCell(rows, row) + " ";

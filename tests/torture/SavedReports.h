@@ -15,6 +15,8 @@ struct SavedReports {
 
     /// Goes on through a server: the report is remembered as that gives it.
     void goThrough(const std::string& connectionString);
+    /// The same, and the session lies in the pool.
+    void loadThrough(const std::string& connectionString);
 
     /// Every row with its first cell and its menu item: "1甲表:旧=RSelf1甲表 2…".
     std::string stored() const;

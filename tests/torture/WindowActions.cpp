@@ -151,8 +151,7 @@ const std::vector<WindowAction>& windowActions()
 
 std::string OpenedReport::everything() const
 {
-    const auto fresh = openConnection(ledger().embeddedConnectionString());
-    const Recordset rows = fresh->query("select noid,fHeader,fTop from tblCWSelfReport order by noid");
+    const Recordset rows = ledger().query("select noid,fHeader,fTop from tblCWSelfReport order by noid");
     std::string all = stored();
     for (std::size_t row = 0; row < rows.rowCount(); ++row)
         if (!rows.isNull(row, "fHeader") || !rows.isNull(row, "fTop"))

@@ -1,5 +1,6 @@
 #include "tests/windows/designer/DesignerTest.h"
 
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QPushButton>
 #include <QStatusBar>
@@ -30,12 +31,14 @@ protected:
         if (!dialog || ++ticks < 10)
             return;
         looking.stop();
+        sinceCancelled.start();
         control<QPushButton>(*dialog, "cmdCancel").click();
     }
     QString mode() { return control<QLabel>(*window, "lblStatusMode").text(); }
     QString message() { return control<QStatusBar>(*window, "statusBar").currentMessage(); }
     void expectToldAndKept(const char* what)
     {
+        EXPECT_LT(sinceCancelled.elapsed(), 500) << what;
         EXPECT_EQ(message(), "重算已取消,各单元格保留原来的数值") << what;
         EXPECT_TRUE(mode().endsWith("数值未更新")) << what;
         EXPECT_EQ(grid().cells().text(1, 1), "100.25") << what;
@@ -45,6 +48,7 @@ protected:
 
     QTimer looking;
     int ticks = 0; ///< of the event loop while the dialog was open
+    QElapsedTimer sinceCancelled;
 };
 
 TEST_F(CancelledRecalculation, KeepsAllValuesAndSaysSo)
