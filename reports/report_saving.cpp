@@ -17,6 +17,21 @@ namespace selfreport {
 
 namespace {
 
+/// Makes those who store new reports wait for each other. Without a row, or when whoever held it has put
+/// another in its place, they wait by a name, and then for a row that has come. The embedded database knows
+/// no locks of names; there nobody writes beside a transaction.
+void queueForNewReport(Connection& connection)
+{
+    if (connection.execute(queueForNewReportStatement) > 0)
+        return;
+    ProcedureCall lock{"sp_getapplock", {}};
+    lock.append("Resource", 255, "selfreport: new report")
+        .append("LockMode", 32, "Exclusive")
+        .append("LockOwner", 32, "Transaction");
+    connection.call(lock);
+    connection.execute(queueForNewReportStatement);
+}
+
 /// The number behind the highest one.
 std::int64_t nextNumber(Connection& connection, std::string_view statement, std::int64_t step)
 {
@@ -145,7 +160,7 @@ void storeReport(Connection& connection, RememberedReport& remembered, const Rep
 {
     requireFit(connection, report);
     Transaction transaction(connection);
-    connection.execute(queueForNewReportStatement);
+    queueForNewReport(connection);
     const std::int64_t id = nextNumber(connection, lastReportIdStatement, 1);
     insertRow(connection, id, report, localNow(), pageSetup);
     insertMenuItem(connection, id, report.name);
@@ -173,7 +188,7 @@ std::optional<SaveConflict> restoreReport(Connection& connection, RememberedRepo
 {
     requireFit(connection, report);
     Transaction transaction(connection);
-    connection.execute(queueForNewReportStatement);
+    queueForNewReport(connection);
     Found found = lookUnderLock(connection, remembered);
     if (found.version && !found.conflict) // it is back as it was
         return SaveConflict{SaveConflict::Kind::savedMeanwhile, found.version,
