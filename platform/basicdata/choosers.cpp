@@ -4,10 +4,10 @@
 #include "platform/basicdata/clsAccountChooser.h"
 #include "platform/basicdata/clsItemChooser.h"
 #include "platform/services/Dialogs.h"
+#include "platform/windows/front_window.h"
 
 #include <functional>
 #include <optional>
-#include <QApplication>
 #include <QLineEdit>
 #include <string_view>
 #include <utility>
@@ -36,8 +36,7 @@ std::optional<std::string> codeChosen(const std::string& connectionString, const
     std::optional<Offer> offer = database.read<Offer>(Icon::critical, std::move(read));
     if (!offer)
         return std::nullopt;
-    ChooserWindow window(offer->title, offer->headings, std::move(offer->entries),
-                         QApplication::activeWindow());
+    ChooserWindow window(offer->title, offer->headings, std::move(offer->entries), frontWindow());
     window.setObjectName(offer->objectName);
     window.findChild<QLineEdit*>("txtSearch")->setText(QString::fromStdString(searchText));
     window.exec();

@@ -9,6 +9,8 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
+#include <QTreeView>
 
 #include <memory>
 
@@ -21,6 +23,16 @@ bool isPattern(const QString& name)
     return name.contains('*') || name.contains('?');
 }
 
+/// Names take the room that the other columns leave, and no time is cut.
+void showWholeColumns(const QFileDialog& dialog)
+{
+    auto* const rows = dialog.findChild<QTreeView*>();
+    if (!rows)
+        return;
+    rows->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    rows->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
 /// The toolkit's own dialog: that of the desktop speaks the desktop's language.
 std::unique_ptr<QFileDialog> prepared(QFileDialog::AcceptMode mode, QFileDialog::FileMode files,
                                       const FileDialogSettings& settings)
@@ -31,6 +43,7 @@ std::unique_ptr<QFileDialog> prepared(QFileDialog::AcceptMode mode, QFileDialog:
     dialog.setObjectName("fileDialog");
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setProxyModel(new FileRows(made.get()));
+    showWholeColumns(dialog);
     dialog.setAcceptMode(mode);
     dialog.setFileMode(files);
     if (!settings.title.empty())

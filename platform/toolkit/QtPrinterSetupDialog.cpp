@@ -4,8 +4,8 @@
 #include "platform/services/FileDialog.h"
 #include "platform/services/PrintService.h"
 #include "platform/windows/background_work.h"
+#include "platform/windows/front_window.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
@@ -53,7 +53,7 @@ constexpr struct {
 class SetupWindow : public QDialog {
 public:
     SetupWindow(const FoundPrinters& found, const PrinterSetup& first)
-        : QDialog(QApplication::activeWindow())
+        : QDialog(frontWindow())
         , m_setup(first)
     {
         setObjectName(QStringLiteral("printerSetupDialog"));
