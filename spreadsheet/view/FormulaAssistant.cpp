@@ -143,7 +143,7 @@ void FormulaAssistant::textChanged()
     refresh();
     m_names->hide();
     if (typed)
-        offerNames(FormulaText(text, m_entry.context()));
+        offer(FormulaText(text, m_entry.context()));
 }
 
 void FormulaAssistant::refresh()
@@ -182,7 +182,7 @@ void FormulaAssistant::showHint(const FormulaText& formula)
     const auto hint = call ? m_hints.hint(call->function, *m_entry.context().workbook) : std::nullopt;
     if (!call || call->function != m_closedHint)
         m_closedHint.clear();
-    if (!hint || !m_port->widget().isVisible() || m_mistake || !m_closedHint.isEmpty()) {
+    if (!hint || !m_port->widget().hasFocus() || m_mistake || !m_closedHint.isEmpty()) {
         m_hint->hide();
         return;
     }
@@ -192,10 +192,40 @@ void FormulaAssistant::showHint(const FormulaText& formula)
     m_hint->show();
 }
 
+void FormulaAssistant::offer(const FormulaText& formula)
+{
+    if (m_entry.context().workbook && !offerChoices(formula))
+        offerNames(formula);
+}
+
+/// False if the argument at the cursor is none to choose, or something else is being written for it.
+bool FormulaAssistant::offerChoices(const FormulaText& formula)
+{
+    const int cursor = m_port->edited().cursor;
+    const auto call = formula.callAt(cursor);
+    if (!call)
+        return false;
+    QString typed = formula.text().mid(call->begin, cursor - call->begin).trimmed();
+    if (typed.startsWith('"'))
+        typed.remove(0, 1);
+    if (typed.contains('"'))
+        return false; // it is closed
+    const auto choices = m_hints.choices(call->function, call->argument, typed);
+    m_names->clear();
+    for (const ArgumentChoice& choice : choices) {
+        auto* item = new QListWidgetItem(
+            choice.meaning.isEmpty() ? choice.text : choice.text + "  " + choice.meaning, m_names);
+        item->setData(Qt::UserRole, choice.text);
+    }
+    if (!choices.empty())
+        showOffer();
+    return !choices.empty();
+}
+
 void FormulaAssistant::offerNames(const FormulaText& formula)
 {
     const auto word = formula.wordBefore(m_port->edited().cursor);
-    if (!word || !m_entry.context().workbook)
+    if (!word)
         return;
     const QString beginning = formula.text().mid(word->begin, word->length);
     const QStringList names = m_hints.namesBeginning(beginning, *m_entry.context().workbook);
@@ -207,9 +237,14 @@ void FormulaAssistant::offerNames(const FormulaText& formula)
         if (const auto hint = m_hints.hint(name, *m_entry.context().workbook))
             item->setToolTip(hint->help);
     }
+    showOffer();
+}
+
+void FormulaAssistant::showOffer()
+{
     m_names->setCurrentRow(0);
     m_chosen = false;
-    const int rows = std::min(shownNames, static_cast<int>(names.size()));
+    const int rows = std::min(shownNames, m_names->count());
     const int width = m_names->sizeHintForColumn(0) + 2 * m_names->frameWidth() + 24;
     m_names->resize(std::max(140, width), rows * m_names->sizeHintForRow(0) + 2 * m_names->frameWidth());
     const int below = m_hint->isVisible() ? m_hint->height() + 8 : 2;
@@ -220,9 +255,11 @@ void FormulaAssistant::offerNames(const FormulaText& formula)
 void FormulaAssistant::complete()
 {
     if (const QListWidgetItem* item = m_names->currentItem()) {
+        const QVariant argument = item->data(Qt::UserRole);
         const QString name = item->text();
         m_names->hide();
-        m_port->setEdited(m_entry.complete(m_port->edited(), name));
+        m_port->setEdited(argument.isValid() ? m_entry.completeArgument(m_port->edited(), argument.toString())
+                                             : m_entry.complete(m_port->edited(), name));
         m_names->hide(); // the new text would offer names again
     }
 }
@@ -271,6 +308,8 @@ bool FormulaAssistant::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::FocusOut || event->type() == QEvent::Hide)
         hidePopups();
+    if (event->type() == QEvent::FocusIn)
+        refresh(); // an edit without it shows no hint
     if (event->type() != QEvent::KeyPress)
         return QObject::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent*>(event)->key();

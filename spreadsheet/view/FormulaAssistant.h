@@ -24,7 +24,8 @@ struct ColouredCells {
 };
 
 /// Helps with writing a formula in a text edit: colours references and marks the place of a mistake, offers
-/// function names ("formulaCompletions": arrow keys, Tab or a click take one) and the arguments of the call
+/// function names and what an argument may be ("formulaCompletions": arrow keys, Tab or a click take one) and
+/// the arguments of the call
 /// at the cursor ("formulaHint"), of which Esc closes the hint first and then the names, cycles "$" with F4,
 /// and puts references that somebody points at. It lives with the edit. Texts that are no formulas are left
 /// alone.
@@ -64,7 +65,10 @@ private:
     void refresh();
     void colour(const FormulaText& formula);
     void showHint(const FormulaText& formula);
+    void offer(const FormulaText& formula);
+    bool offerChoices(const FormulaText& formula);
     void offerNames(const FormulaText& formula);
+    void showOffer();
     void complete();
     bool popupKey(int key);
     bool closePopup();

@@ -81,4 +81,20 @@ EditedText FormulaEntry::complete(const EditedText& edited, const QString& funct
     return result;
 }
 
+EditedText FormulaEntry::completeArgument(const EditedText& edited, const QString& argument) const
+{
+    const auto call = FormulaText(edited.text, m_context).callAt(edited.cursor);
+    if (!call)
+        return edited;
+    int begin = call->begin;
+    while (begin < edited.cursor && edited.text[begin].isSpace())
+        ++begin;
+    const bool quoteThere = edited.text.mid(edited.cursor).startsWith('"');
+    const QString quoted = '"' + QString(argument).replace('"', QStringLiteral("\"\"")) + '"';
+    EditedText result = edited;
+    result.text.replace(begin, edited.cursor - begin + quoteThere, quoted);
+    result.cursor = result.anchor = begin + static_cast<int>(quoted.size());
+    return result;
+}
+
 } // namespace spreadsheet

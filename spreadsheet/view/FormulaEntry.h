@@ -51,6 +51,8 @@ public:
     EditedText cycle(const EditedText& edited) const;
     /// Puts a function's name with its bracket in place of the word before the cursor.
     EditedText complete(const EditedText& edited, const QString& function) const;
+    /// Puts a text in quotation marks in place of what stands of the argument before the cursor.
+    EditedText completeArgument(const EditedText& edited, const QString& argument) const;
 
 private:
     struct Put {

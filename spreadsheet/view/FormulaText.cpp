@@ -220,15 +220,16 @@ std::optional<CallAtCursor> FormulaText::callAt(int cursor) const
             break;
         const QStringView text = textOf(token);
         if (token.part == FormulaPart::sign && isOpening(text))
-            open.push_back(function ? std::optional(CallAtCursor{textOf(*function).toString(), 0})
-                                    : std::nullopt);
+            open.push_back(function
+                               ? std::optional(CallAtCursor{textOf(*function).toString(), 0, token.end()})
+                               : std::nullopt);
         else if (token.part == FormulaPart::sign && isOneOf(text, u")）") && !open.empty())
             open.pop_back();
         else if (token.part == FormulaPart::sign && isOneOf(text, u"{}"))
             braces += text == u"{" ? 1 : -1;
         else if (token.part == FormulaPart::sign && isOneOf(text, u",，") && braces == 0 && !open.empty() &&
                  open.back())
-            ++open.back()->argument;
+            *open.back() = {open.back()->function, open.back()->argument + 1, token.end()};
         function = token.part == FormulaPart::function ? &token : nullptr;
     }
     const auto innermost =

@@ -38,6 +38,7 @@ struct FormulaToken {
 struct CallAtCursor {
     QString function; ///< as it is written
     int argument = 0; ///< from 0
+    int begin = 0;    ///< of the argument's text, blanks included
 };
 
 /// A formula text while it is being written, however unfinished: what stands where, and what may come next.

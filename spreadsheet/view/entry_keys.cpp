@@ -15,7 +15,8 @@ Qt::KeyboardModifiers chord(Qt::KeyboardModifiers modifiers)
 
 bool belongsToWindow(const QKeyEvent& event)
 {
-    static constexpr std::array keys{Qt::Key_G, Qt::Key_J, Qt::Key_N, Qt::Key_O, Qt::Key_S};
+    static constexpr std::array keys{Qt::Key_B, Qt::Key_G, Qt::Key_I, Qt::Key_J, Qt::Key_N,
+                                     Qt::Key_O, Qt::Key_P, Qt::Key_S, Qt::Key_U};
     return event.modifiers() == Qt::ControlModifier && std::ranges::count(keys, event.key()) > 0;
 }
 

@@ -62,6 +62,28 @@ void FunctionHints::describe(const QString& name, const QString& arguments, cons
     m_described[name.toUpper()] = {name, argumentNames(arguments), help};
 }
 
+void FunctionHints::offer(const QString& function, int argument, Choices choices)
+{
+    m_offered[{function.toUpper(), argument}] = std::move(choices);
+}
+
+std::vector<ArgumentChoice> FunctionHints::choices(const QString& function, int argument,
+                                                   const QString& typed) const
+{
+    const auto offered = m_offered.find({function.toUpper(), argument});
+    if (offered == m_offered.end())
+        return {};
+    std::vector<ArgumentChoice> fitting = offered->second();
+    std::erase_if(fitting, [&](const ArgumentChoice& choice) {
+        return !choice.text.contains(typed, Qt::CaseInsensitive) &&
+               !choice.meaning.contains(typed, Qt::CaseInsensitive);
+    });
+    std::ranges::stable_partition(fitting, [&](const ArgumentChoice& choice) {
+        return choice.text.startsWith(typed, Qt::CaseInsensitive);
+    });
+    return fitting;
+}
+
 QStringList FunctionHints::namesBeginning(const QString& beginning, const Workbook& workbook) const
 {
     QStringList names;

@@ -1,6 +1,8 @@
 #include "windows/pickers/frmFilelList.h"
 
+#include "fetch/fetch_types.h"
 #include "platform/list_grid/ListGrid.h"
+#include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
 #include "windows/pickers/code_picker.h"
 
@@ -18,15 +20,15 @@ frmFilelList::frmFilelList(ReportContext& context, std::function<void(const QStr
     m_vsf1 = buildCodePicker(
         *this, "取数类型", [this] { cmdXPOK_Click(); }, [this] { cmdXPClose_Click(); });
     getFieldKeys();
+    settle(*this);
 }
 
 void frmFilelList::getFieldKeys()
 {
     m_context.database.done(Icon::critical, [this] {
-        const auto rows = m_context.database.asked<Recordset>(
-            [](Connection& open) { return open.query("select * from tblSelfReportFieldKey order by noid"); });
-        for (std::size_t row = 0; row < rows.rowCount(); ++row)
-            m_vsf1->addRow(codeRow("", rows.text(row, "fKey"), rows.text(row, "fKeyName")));
+        const auto types = m_context.database.asked<std::vector<FetchType>>(fetchTypes);
+        for (const FetchType& type : types)
+            m_vsf1->addRow(codeRow("", type.key, type.name));
     });
 }
 

@@ -34,8 +34,11 @@ void addBlock(const CellBlock& block, int first, int last, SelectionFigures& fig
         figures.filled += kinds[index] != ValueKind::empty;
         if (kinds[index] != ValueKind::number)
             continue;
-        ++figures.numbers;
-        sum.add(payloads[index].number);
+        const double number = payloads[index].number;
+        const bool isFirst = figures.numbers++ == 0;
+        figures.smallest = isFirst ? number : std::min(figures.smallest, number);
+        figures.largest = isFirst ? number : std::max(figures.largest, number);
+        sum.add(number);
     }
 }
 

@@ -13,6 +13,8 @@ struct SelectionFigures {
     long long filled = 0;  ///< cells that are not empty
     long long numbers = 0; ///< cells that hold a number
     double sum = 0;        ///< of the numbers; amounts that cancel end in 0
+    double smallest = 0;   ///< 0 without numbers
+    double largest = 0;
     std::optional<double> average() const
     {
         return numbers > 0 ? std::optional(sum / static_cast<double>(numbers)) : std::nullopt;

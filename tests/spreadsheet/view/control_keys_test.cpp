@@ -18,16 +18,17 @@ TEST_F(ControlTest, KeysOfTheWindowReachItFromCellsAndEditor)
 {
     std::string reached;
     for (const char* keys : {"Ctrl+G", "Ctrl+J", "Ctrl+N", "Ctrl+O", "Ctrl+S", "Ctrl+1", "Ctrl+B", "Ctrl+F",
-                             "Ctrl+H", "Ctrl+P", "F5", "F7"}) {
+                             "Ctrl+H", "Ctrl+I", "Ctrl+P", "Ctrl+U", "F5", "F7"}) {
         auto* shortcut = new QShortcut(QKeySequence(QString::fromLatin1(keys)), &window);
         QObject::connect(shortcut, &QShortcut::activated,
                          [&reached, keys] { reached += std::string(keys) + " "; });
     }
     const std::pair<int, Qt::KeyboardModifiers> keys[] = {
-        {Qt::Key_G, ctrl}, {Qt::Key_J, ctrl}, {Qt::Key_N, ctrl}, {Qt::Key_O, ctrl},
-        {Qt::Key_S, ctrl}, {Qt::Key_1, ctrl}, {Qt::Key_B, ctrl}, {Qt::Key_F, ctrl},
-        {Qt::Key_H, ctrl}, {Qt::Key_P, ctrl}, {Qt::Key_F5, {}},  {Qt::Key_F7, {}}};
-    const std::string all = "Ctrl+G Ctrl+J Ctrl+N Ctrl+O Ctrl+S Ctrl+1 Ctrl+B Ctrl+F Ctrl+H Ctrl+P F5 F7 ";
+        {Qt::Key_G, ctrl}, {Qt::Key_J, ctrl}, {Qt::Key_N, ctrl}, {Qt::Key_O, ctrl}, {Qt::Key_S, ctrl},
+        {Qt::Key_1, ctrl}, {Qt::Key_B, ctrl}, {Qt::Key_F, ctrl}, {Qt::Key_H, ctrl}, {Qt::Key_I, ctrl},
+        {Qt::Key_P, ctrl}, {Qt::Key_U, ctrl}, {Qt::Key_F5, {}},  {Qt::Key_F7, {}}};
+    const std::string all =
+        "Ctrl+G Ctrl+J Ctrl+N Ctrl+O Ctrl+S Ctrl+1 Ctrl+B Ctrl+F Ctrl+H Ctrl+I Ctrl+P Ctrl+U F5 F7 ";
     for (const auto& [pressed, modifiers] : keys)
         key(pressed, modifiers);
     EXPECT_EQ(reached, all);
@@ -41,7 +42,8 @@ TEST_F(ControlTest, KeysOfTheWindowReachItFromCellsAndEditor)
     // Without a shortcut of the window they still do nothing.
     for (auto* shortcut : window.findChildren<QShortcut*>())
         delete shortcut;
-    for (const int pressed : {Qt::Key_G, Qt::Key_J, Qt::Key_N, Qt::Key_O, Qt::Key_S})
+    for (const int pressed :
+         {Qt::Key_B, Qt::Key_G, Qt::Key_I, Qt::Key_J, Qt::Key_N, Qt::Key_O, Qt::Key_P, Qt::Key_S, Qt::Key_U})
         key(pressed, ctrl);
     EXPECT_EQ(edited(), "=1+2");
 }
