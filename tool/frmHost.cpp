@@ -1,6 +1,7 @@
 #include "tool/frmHost.h"
 
 #include "platform/list_grid/ListGrid.h"
+#include "platform/windows/settle.h"
 #include "reports/report_list.h"
 #include "state/shared_state.h"
 #include "tool/frmRunParameters.h"
@@ -42,6 +43,7 @@ frmHost::frmHost(Operations operations, QWidget* parent)
     resize(560, 420);
     fillMenu();
     m_vsf1->setFocus();
+    settle(*this);
 }
 
 void frmHost::fillMenu()

@@ -2,6 +2,7 @@
 
 #include "platform/toolkit/QtSettings.h"
 #include "platform/windows/buttons.h"
+#include "platform/windows/settle.h"
 
 #include <QFormLayout>
 #include <QLineEdit>
@@ -37,6 +38,7 @@ frmRunParameters::frmRunParameters(QWidget* parent)
     form->addRow(okAndClose(
         "确定(&O)", [this] { cmdXPOK_Click(); }, "关闭(&C)", [this] { close(); }));
     resize(420, sizeHint().height());
+    settle(*this);
 }
 
 void frmRunParameters::cmdXPOK_Click()

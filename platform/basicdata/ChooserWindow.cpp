@@ -2,6 +2,7 @@
 
 #include "platform/basicdata/EntryTree.h"
 #include "platform/windows/buttons.h"
+#include "platform/windows/settle.h"
 
 #include <QCoreApplication>
 #include <QHeaderView>
@@ -40,6 +41,7 @@ ChooserWindow::ChooserWindow(const QString& title, const QStringList& headings,
     resize(520, 560);
     m_txtSearch->setFocus();
     txtSearch_Change({});
+    settle(*this);
 }
 
 void ChooserWindow::buildTree()

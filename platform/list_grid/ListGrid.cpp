@@ -1,11 +1,14 @@
 #include "platform/list_grid/ListGrid.h"
 
 #include "platform/list_grid/ListRows.h"
+#include "platform/pinyin/pinyin_initials.h"
 #include "platform/windows/twips.h"
 
 #include <QHeaderView>
+#include <QScopedValueRollback>
 
 #include <algorithm>
+#include <numeric>
 
 namespace selfreport {
 
@@ -27,7 +30,12 @@ ListGrid::ListGrid(QWidget* parent)
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsClickable(true);
     connect(horizontalHeader(), &QHeaderView::sectionClicked, this, &ListGrid::sortByHeading);
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int, int, int) {
+        for (int column = 0; !m_isStretching && column < static_cast<int>(m_widths.size()); ++column)
+            m_widths[static_cast<std::size_t>(column)] = columnWidth(column);
+    });
     connect(this, &QAbstractItemView::doubleClicked, this, &ListGrid::dblClick);
+    setAttribute(Qt::WA_InputMethodEnabled); // Chinese is searched too
 }
 
 void ListGrid::setColumns(const std::vector<ListColumn>& columns)
@@ -39,8 +47,39 @@ void ListGrid::setColumns(const std::vector<ListColumn>& columns)
         alignments.push_back(column.alignment);
     }
     m_rows->setHeadings(headings, alignments);
-    for (std::size_t index = 0; index < columns.size(); ++index)
-        setColumnWidth(static_cast<int>(index), pixelsOf(columns[index].width, *this));
+    m_widths.clear();
+    for (const ListColumn& column : columns)
+        m_widths.push_back(pixelsOf(column.width, *this));
+    stretchColumns();
+}
+
+/// By as much as each is wide.
+void ListGrid::stretchColumns()
+{
+    const QScopedValueRollback stretching(m_isStretching, true);
+    const int natural = std::accumulate(m_widths.begin(), m_widths.end(), 0);
+    const int room = viewport()->width();
+    const bool isWider = m_opened > 0 && room > std::max(natural, m_opened);
+    int done = 0, edge = 0; // natural ones before the column, and where it begins
+    for (std::size_t column = 0; column < m_widths.size(); ++column) {
+        done += m_widths[column];
+        const int next = isWider ? static_cast<int>(static_cast<long long>(room) * done / natural) : done;
+        setColumnWidth(static_cast<int>(column), next - edge);
+        edge = next;
+    }
+}
+
+void ListGrid::showEvent(QShowEvent* event)
+{
+    QTableView::showEvent(event);
+    if (m_opened == 0)
+        m_opened = viewport()->width();
+}
+
+void ListGrid::resizeEvent(QResizeEvent* event)
+{
+    QTableView::resizeEvent(event);
+    stretchColumns();
 }
 
 void ListGrid::addRow(const QString& text, const QString& sortText)
@@ -112,6 +151,45 @@ QModelIndex ListGrid::moveCursor(CursorAction action, Qt::KeyboardModifiers modi
 {
     const bool home = action == MoveHome || action == MoveEnd;
     return QTableView::moveCursor(action, home ? modifiers | Qt::ControlModifier : modifiers);
+}
+
+namespace {
+
+/// How well a row's texts fit what is typed: 2 begins so, 1 holds it, 0 neither.
+int fit(const QStringList& texts, const QString& typed)
+{
+    int best = 0;
+    for (const QString& text : texts)
+        for (const QString& spelling : QStringList(text) + pinyinInitials(text).split('\n')) {
+            if (spelling.startsWith(typed, Qt::CaseInsensitive))
+                return 2;
+            best = std::max(best, static_cast<int>(spelling.contains(typed, Qt::CaseInsensitive)));
+        }
+    return best;
+}
+
+} // namespace
+
+/// Letters that follow soon go on with what was typed; after a pause a search begins behind the current row.
+void ListGrid::keyboardSearch(const QString& typed)
+{
+    constexpr qint64 pause = 1500; // milliseconds; input methods need some
+    const bool goesOn = m_sinceTyped.isValid() && m_sinceTyped.elapsed() < pause;
+    m_searched = goesOn ? m_searched + typed : typed;
+    m_sinceTyped.start();
+    const int rows = m_rows->rowCount();
+    const int current = currentIndex().isValid() ? currentIndex().row() : rows - 1;
+    int found = -1, best = 0;
+    for (int step = goesOn ? 0 : 1; step < rows + (goesOn ? 0 : 1) && best < 2; ++step) {
+        const int shown = (current + step) % rows;
+        const int fits = fit(m_rows->textsOf(m_rows->rowShown(shown)), m_searched);
+        if (fits > best) {
+            best = fits;
+            found = shown;
+        }
+    }
+    if (found >= 0)
+        setRow(m_rows->rowShown(found) + 1);
 }
 
 void ListGrid::sortByHeading(int column)

@@ -1,4 +1,5 @@
 #pragma once
+#include <QElapsedTimer>
 #include <QTableView>
 
 #include <vector>
@@ -17,7 +18,9 @@ struct ListColumn {
 /// which they were added, however the user sorts what is shown. Columns count from 0.
 ///
 /// One row is current; the first row that is added becomes it. A click on a heading sorts by that column,
-/// a second one downwards, a third one takes the rows' own order.
+/// a second one downwards, a third one takes the rows' own order. What is typed searches: the beginning of a
+/// text or of its pinyin initials, else what stands within. Columns have their widths while the list is as
+/// wide as it opened, and fill it once it is wider.
 class ListGrid : public QTableView {
     Q_OBJECT
 
@@ -46,20 +49,30 @@ public:
 
     int columnTwips(int column) const;
 
+    void keyboardSearch(const QString& typed) override;
+
 Q_SIGNALS:
     /// A data row, now current, was double-clicked.
     void dblClick();
 
 protected:
     void focusInEvent(QFocusEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
 private:
     void sortByHeading(int column);
+    void stretchColumns();
 
     ListRows* m_rows;
     int m_sortColumn = -1; ///< -1: the rows' own order
     bool m_sortsDown = false;
+    std::vector<int> m_widths; ///< pixels: those of the columns where they are not stretched
+    int m_opened = 0;          ///< width in which the list opened; 0: it has not yet
+    bool m_isStretching = false;
+    QString m_searched; ///< typed so far
+    QElapsedTimer m_sinceTyped;
 };
 
 } // namespace selfreport

@@ -22,6 +22,7 @@ public:
     void sortBy(int column, Qt::SortOrder order);
 
     QString text(int row, int column) const;
+    const QStringList& textsOf(int row) const { return m_rows[static_cast<std::size_t>(row)].texts; }
     int shownAt(int row) const; ///< where a row is shown
     int rowShown(int shown) const { return m_shown[static_cast<std::size_t>(shown)]; }
 

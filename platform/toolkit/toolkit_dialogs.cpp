@@ -4,6 +4,7 @@
 #include "platform/toolkit/QtColourDialog.h"
 #include "platform/toolkit/QtFileDialog.h"
 #include "platform/toolkit/QtFontDialog.h"
+#include "platform/toolkit/QtPreferences.h"
 #include "platform/toolkit/QtPrinterSetupDialog.h"
 
 namespace selfreport {
@@ -14,10 +15,12 @@ void useToolkitDialogs()
     static QtFontDialog fonts;
     static QtPrinterSetupDialog printers;
     static QtFileDialog files;
+    static QtPreferences chosen;
     ColourDialog::usual() = &colours;
     FontDialog::usual() = &fonts;
     PrinterSetupDialog::usual() = &printers;
     FileDialog::usual() = &files;
+    Preferences::usual() = &chosen;
     useSystemPrintService();
 }
 

@@ -1,5 +1,6 @@
 #include "windows/designer/frmFind.h"
 
+#include "platform/windows/settle.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <QCheckBox>
@@ -42,6 +43,7 @@ frmFind::frmFind(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
     buildOptions(*rows);
     buildButtons(*rows);
     connect(&m_grid, &spreadsheet::SpreadsheetControl::refused, m_result, &QLabel::setText);
+    settle(*this);
 }
 
 void frmFind::buildOptions(QGridLayout& rows)

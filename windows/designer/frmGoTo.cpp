@@ -1,6 +1,7 @@
 #include "windows/designer/frmGoTo.h"
 
 #include "platform/windows/buttons.h"
+#include "platform/windows/settle.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <QFormLayout>
@@ -24,6 +25,7 @@ frmGoTo::frmGoTo(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
     form->addRow(m_hint);
     form->addRow(okAndClose(
         "确定(&O)", [this] { cmdXPOK_Click(); }, "关闭(&C)", [this] { close(); }));
+    settle(*this);
 }
 
 void frmGoTo::cmdXPOK_Click()

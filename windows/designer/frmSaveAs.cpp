@@ -1,6 +1,7 @@
 #include "windows/designer/frmSaveAs.h"
 
 #include "platform/windows/buttons.h"
+#include "platform/windows/settle.h"
 #include "reports/report_texts.h"
 #include "state/report_procedures.h"
 
@@ -23,6 +24,7 @@ frmSaveAs::frmSaveAs(ReportContext& context, const QString& name, QWidget* paren
     form->addRow(QStringLiteral("报表名称(&N)："), m_txtName);
     form->addRow(okAndClose(
         "确定(&O)", [this] { cmdXPOK_Click(); }, "取消(&C)", [this] { close(); }));
+    settle(*this);
 }
 
 QString frmSaveAs::name() const

@@ -1,5 +1,7 @@
 #include "windows/designer/frmTableInfo.h"
 
+#include "platform/windows/buttons.h"
+#include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/CellOperations.h"
 
@@ -13,9 +15,10 @@ namespace {
 
 constexpr const char* labels[] = {"总行数：", "总列数：", "标签页：", "标签页："};
 
-QPushButton* button(const char* name, const char* caption)
+template <class Button>
+Button* button(const char* name, const char* caption)
 {
-    auto* made = new QPushButton(QString::fromUtf8(caption));
+    auto* made = new Button(QString::fromUtf8(caption));
     made->setObjectName(name);
     return made;
 }
@@ -36,9 +39,8 @@ frmTableInfo::frmTableInfo(ReportContext& context, spreadsheet::CellOperations& 
         form->addRow(QString::fromUtf8(labels[box]), m_txt[box]);
     }
     auto* buttons = new QHBoxLayout;
-    auto* ok = button("cmdOK", "确定(&O)");
-    auto* close = button("cmdClose", "关闭(&C)");
-    ok->setDefault(true);
+    auto* ok = button<DefaultButton>("cmdOK", "确定(&O)");
+    auto* close = button<QPushButton>("cmdClose", "关闭(&C)");
     close->setAutoDefault(false);
     connect(ok, &QPushButton::clicked, this, &frmTableInfo::cmdOK_Click);
     connect(close, &QPushButton::clicked, this, &frmTableInfo::cmdClose_Click);
@@ -49,6 +51,7 @@ frmTableInfo::frmTableInfo(ReportContext& context, spreadsheet::CellOperations& 
     getEditInfo();
     m_txt[0]->setFocus();
     m_txt[0]->selectAll();
+    settle(*this);
 }
 
 void frmTableInfo::getEditInfo()

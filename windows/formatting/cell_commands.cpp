@@ -100,6 +100,19 @@ void resizeSelected(SpreadsheetControl& grid, spreadsheet::Axis axis, int twips)
     grid.afterEdit();
 }
 
+/// Whether more than one cell of a range holds something, of which a span shows but one.
+bool hidesContents(const spreadsheet::Sheet& sheet, const CellRange& range)
+{
+    int filled = 0;
+    for (int column = range.left; column <= std::min(range.right, sheet.lastDataColumn()); ++column)
+        for (int row = range.top; row <= std::min(range.bottom, sheet.lastDataRow()); ++row) {
+            filled += sheet.hasFormula({column, row}) || !sheet.value({column, row}).isEmpty();
+            if (filled > 1)
+                return true;
+        }
+    return false;
+}
+
 /// What a command changed is shown, and the formulas that read it are computed.
 void structureChanged(SpreadsheetControl& grid)
 {
@@ -229,6 +242,10 @@ Refusal mergeCells(SpreadsheetControl& grid)
         return spreadsheet::inRunMode;
     if (std::ranges::any_of(grid.cells().sheet().settings().spans, meets))
         return "选定的区域中已有合并单元格，请先取消合并";
+    if (hidesContents(grid.cells().sheet(), range) &&
+        !(grid.ask &&
+          grid.ask(QStringLiteral("选定的单元格中有多个含有内容，合并后只显示其中左上角的一个。要继续吗?"))))
+        return {}; // as the user wishes
     grid.cells().addSpan(range);
     structureChanged(grid);
     return {};

@@ -52,7 +52,7 @@ void chooseBackColour(spreadsheet::SpreadsheetControl& grid);
 /// Looks of a fresh cell, without lines around it; contents and types stay.
 void clearFormats(spreadsheet::SpreadsheetControl& grid);
 
-/// Refused if one of the cells belongs to a span already.
+/// Refused if one of the cells belongs to a span already. Asks before it hides contents.
 spreadsheet::Refusal mergeCells(spreadsheet::SpreadsheetControl& grid);
 /// Takes every span away that has a cell in the range, even where it reaches outside.
 void unmergeCells(spreadsheet::SpreadsheetControl& grid);

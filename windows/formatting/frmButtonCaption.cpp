@@ -1,6 +1,7 @@
 #include "windows/formatting/frmButtonCaption.h"
 
 #include "platform/windows/buttons.h"
+#include "platform/windows/settle.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/formatting/cell_commands.h"
 
@@ -27,6 +28,7 @@ frmButtonCaption::frmButtonCaption(spreadsheet::SpreadsheetControl& grid, QWidge
     m_caption->setText(grid.cells().buttonCaption());
     m_caption->setFocus();
     resize(320, sizeHint().height());
+    settle(*this);
 }
 
 void frmButtonCaption::cmdXPOK_Click()

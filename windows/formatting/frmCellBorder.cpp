@@ -2,6 +2,7 @@
 
 #include "platform/windows/buttons.h"
 #include "platform/windows/named_list.h"
+#include "platform/windows/settle.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/formatting/cell_commands.h"
 
@@ -58,6 +59,7 @@ frmCellBorder::frmCellBorder(spreadsheet::SpreadsheetControl& grid, spreadsheet:
         "确定(&Q)", [this] { cmdXPOK_Click(); }, "取消(&E)", [this] { close(); }));
     Form_Load();
     m_PC[1]->setFocus();
+    settle(*this);
 }
 
 void frmCellBorder::Form_Load()

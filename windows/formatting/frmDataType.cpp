@@ -2,6 +2,7 @@
 
 #include "platform/windows/buttons.h"
 #include "platform/windows/named_list.h"
+#include "platform/windows/settle.h"
 #include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/formatting/cell_commands.h"
@@ -38,6 +39,7 @@ frmDataType::frmDataType(spreadsheet::SpreadsheetControl& grid, spreadsheet::Cel
         connect(m_PC[element], &QComboBox::currentIndexChanged, this, [=, this] { PC_SelChange(element); });
     Form_Load();
     m_PC[1]->setFocus();
+    settle(*this);
 }
 
 void frmDataType::Form_Load()

@@ -1,6 +1,7 @@
 #include "windows/formatting/frmDropDownEntries.h"
 
 #include "platform/windows/buttons.h"
+#include "platform/windows/settle.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/formatting/cell_commands.h"
 
@@ -31,6 +32,7 @@ frmDropDownEntries::frmDropDownEntries(spreadsheet::SpreadsheetControl& grid, QW
     m_entries->setPlainText(grid.cells().dropDown().join('\n'));
     m_entries->setFocus();
     resize(320, 280);
+    settle(*this);
 }
 
 void frmDropDownEntries::cmdXPOK_Click()

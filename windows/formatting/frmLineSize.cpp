@@ -1,6 +1,7 @@
 #include "windows/formatting/frmLineSize.h"
 
 #include "platform/windows/buttons.h"
+#include "platform/windows/settle.h"
 #include "spreadsheet/cells/SheetSettings.h"
 #include "spreadsheet/view/needed_size.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -41,6 +42,7 @@ frmLineSize::frmLineSize(spreadsheet::SpreadsheetControl& grid, Lines lines, QWi
         "确定(&Q)", [this] { cmdXPOK_Click(); }, "取消(&E)", [this] { close(); }));
     m_size->setFocus();
     m_size->selectAll();
+    settle(*this);
 }
 
 void frmLineSize::cmdXPOK_Click()

@@ -7,6 +7,7 @@
 #include "platform/windows/buttons.h"
 #include "platform/windows/CancellableWait.h"
 #include "platform/windows/own_file.h"
+#include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "text/amount_text.h"
@@ -86,6 +87,7 @@ frmCoverage::frmCoverage(ReportContext& context, spreadsheet::SpreadsheetControl
     connect(m_vsf1, &QAbstractItemView::clicked, this, &frmCoverage::goToCells);
     connect(m_vsf1, &QAbstractItemView::activated, this, &frmCoverage::goToCells); // Enter
     resize(840, 560);
+    settle(*this);
 }
 
 void frmCoverage::buildLayout(QGridLayout* rows)

@@ -2,6 +2,7 @@
 
 #include "platform/list_grid/ListGrid.h"
 #include "platform/windows/buttons.h"
+#include "platform/windows/settle.h"
 #include "windows/formulas/frmFunctionInput.h"
 #include "windows/formulas/frmFunctionInput1.h"
 
@@ -31,6 +32,7 @@ frmFunction::frmFunction(FormulaCell& cell, QWidget* parent)
         "打开(&O)", [this] { cmdXPOK_Click(); }, "关闭(&E)", [this] { cmdXPClose_Click(); }));
     resize(400, 240);
     m_vsf1->setFocus();
+    settle(*this);
 }
 
 void frmFunction::cmdXPOK_Click()

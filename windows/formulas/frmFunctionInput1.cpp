@@ -2,6 +2,7 @@
 
 #include "fetch/formula_text.h"
 #include "platform/windows/buttons.h"
+#include "platform/windows/settle.h"
 #include "windows/formulas/write_formula.h"
 #include "windows/pickers/ArgumentBoxes.h"
 
@@ -31,6 +32,7 @@ frmFunctionInput1::frmFunctionInput1(FormulaCell& cell, QWidget* parent)
     layout->addWidget(okAndClose(
         "确定(&Q)", [this] { cmdXPOK_Click(); }, "取消(&E)", [this] { cmdXPClose_Click(); }));
     resize(420, sizeHint().height());
+    settle(*this);
 }
 
 void frmFunctionInput1::setArguments(const std::array<std::string, 3>& arguments)

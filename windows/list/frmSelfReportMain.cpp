@@ -3,6 +3,7 @@
 #include "platform/list_grid/ListGrid.h"
 #include "platform/windows/CancellableWait.h"
 #include "platform/windows/ProportionalLayout.h"
+#include "platform/windows/settle.h"
 #include "reports/report_list.h"
 #include "reports/report_texts.h"
 #include "state/report_procedures.h"
@@ -40,6 +41,7 @@ frmSelfReportMain::frmSelfReportMain(ReportContext& context, std::function<void(
     resize(sizeHint()); // the toolkit would open it smaller on small screens
     m_vsf1->setFocus();
     getReport();
+    settle(*this);
 }
 
 void frmSelfReportMain::buildList()

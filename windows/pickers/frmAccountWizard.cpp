@@ -4,6 +4,7 @@
 #include "platform/basicdata/clsItemChooser.h"
 #include "platform/windows/buttons.h"
 #include "platform/windows/own_file.h"
+#include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "spreadsheet/workbook/typed_text.h"
@@ -54,6 +55,7 @@ frmAccountWizard::frmAccountWizard(ReportContext& context, std::function<void(co
     buildGrid();
     buildLayout(accountRows);
     resize(620, 480);
+    settle(*this);
 }
 
 void frmAccountWizard::buildGrid()

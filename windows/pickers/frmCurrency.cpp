@@ -1,6 +1,7 @@
 #include "windows/pickers/frmCurrency.h"
 
 #include "platform/list_grid/ListGrid.h"
+#include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
 #include "windows/pickers/code_picker.h"
 
@@ -18,6 +19,7 @@ frmCurrency::frmCurrency(ReportContext& context, std::function<void(const QStrin
     m_vsf1 = buildCodePicker(
         *this, "币别", [this] { cmdXPOK_Click(); }, [this] { cmdXPClose_Click(); });
     getCurrency();
+    settle(*this);
 }
 
 void frmCurrency::getCurrency()

@@ -1,6 +1,7 @@
 #include "windows/printing/PrintDlg.h"
 
 #include "platform/services/Dialogs.h"
+#include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/print/PreviewWidget.h"
 #include "spreadsheet/workbook/Workbook.h"
@@ -57,6 +58,7 @@ PrintDlg::PrintDlg(PrintedGrid& grid, QWidget* parent)
     frames->addWidget(rangeFrame());
     (new QVBoxLayout(this))->addLayout(frames);
     buildButtons();
+    settle(*this);
 }
 
 QGroupBox* PrintDlg::optionFrame()

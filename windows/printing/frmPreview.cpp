@@ -1,6 +1,7 @@
 #include "windows/printing/frmPreview.h"
 
 #include "platform/windows/ProportionalLayout.h"
+#include "platform/windows/settle.h"
 #include "spreadsheet/print/PreviewWidget.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "windows/printing/pagesetup.h"
@@ -83,6 +84,7 @@ frmPreview::frmPreview(PrintedGrid& grid)
         UpdatePageCount();
     });
     m_fpsp1->setFocus();
+    openOnScreen(*this);
 }
 
 void frmPreview::buildButtons()

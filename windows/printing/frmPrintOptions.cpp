@@ -1,6 +1,7 @@
 #include "windows/printing/frmPrintOptions.h"
 
 #include "platform/services/Dialogs.h"
+#include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "windows/printing/print_settings.h"
@@ -81,6 +82,7 @@ frmPrintOptions::frmPrintOptions(PrintedGrid& grid, QWidget* parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &frmPrintOptions::cmdXPOK_Click);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     form->addRow(buttons);
+    settle(*this);
 }
 
 void frmPrintOptions::cmdXPOK_Click()

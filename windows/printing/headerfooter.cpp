@@ -1,6 +1,7 @@
 #include "windows/printing/headerfooter.h"
 
 #include "platform/services/FontDialog.h"
+#include "platform/windows/settle.h"
 #include "reports/report_texts.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/needed_size.h"
@@ -95,6 +96,7 @@ headerfooter::headerfooter(PrintedGrid& grid, QWidget* parent)
     InitSpread();
     Option3_Click();
     fpSpread1->setFocus();
+    openOnScreen(*this);
 }
 
 void headerfooter::InitSpread()

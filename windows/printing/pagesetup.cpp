@@ -1,5 +1,6 @@
 #include "windows/printing/pagesetup.h"
 
+#include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
 #include "windows/printing/GetZoom.h"
 #include "windows/printing/headerfooter.h"
@@ -48,6 +49,7 @@ pagesetup::pagesetup(PrintedGrid& grid, QWidget* parent)
         zoom = firstZoomIndex;
     Combo1->setCurrentIndex(zoom);
     pagemargin[0]->setFocus();
+    openOnScreen(*this);
 }
 
 void pagesetup::buildMargins()

@@ -191,6 +191,53 @@ TEST_F(ListGridTest, KeysAndMouseFollowWhatIsShownAndTellTheRowsOwnPlace)
     EXPECT_GT(grid.columnTwips(0), 1200);
 }
 
+TEST_F(ListGridTest, ColumnsFillAListThatIsWiderThanItOpened)
+{
+    add({"1\t甲\t早"});
+    grid.resize(500, 200);
+    show(grid);
+    const auto widths = [this] {
+        return std::vector{grid.columnWidth(0), grid.columnWidth(1), grid.columnWidth(2),
+                           grid.columnWidth(3)};
+    };
+    const auto first = widths();
+    const int natural = grid.horizontalHeader()->length();
+    ASSERT_LT(natural, 500);
+    for (const int width : {600, 1234, 501}) {
+        grid.resize(width, 200);
+        EXPECT_EQ(grid.horizontalHeader()->length(), grid.viewport()->width()) << width;
+        for (int column = 0; column < 4; ++column)
+            EXPECT_NEAR(double(grid.columnWidth(column)) / grid.viewport()->width(),
+                        double(first[static_cast<std::size_t>(column)]) / natural, 0.01);
+    }
+    for (const int width : {500, 200}) {
+        grid.resize(width, 200);
+        EXPECT_EQ(widths(), first) << width;
+    }
+}
+
+TEST_F(ListGridTest, TypingSearchesTextsAndTheirInitials)
+{
+    add({"1\t资产负债表\t王", "2\t利润表\t李", "3\t利润分配\t王", "12\t应收账款分析\t赵"});
+    show(grid);
+    const struct {
+        const char* typed; ///< after a pause
+        int row;
+    } cases[] = {
+        {"lr", 2}, {"lrf", 3}, {"lr", 2},  {"yszk", 4}, {"利润", 2},
+        {"fz", 1}, {"12", 4},  {"xyz", 4}, {"LRFP", 3},
+    };
+    for (const auto& c : cases) {
+        QTest::qWait(1600);
+        for (const QChar letter : QString(c.typed)) // ideographs come from an input method
+            if (letter.unicode() < 0x80)
+                QTest::keyClick(&grid, letter.toLatin1());
+            else
+                grid.keyboardSearch(letter);
+        EXPECT_EQ(grid.row(), c.row) << c.typed;
+    }
+}
+
 TEST_F(ListGridTest, DoubleClickOnRowsOnly)
 {
     add({"1\t甲", "2\t乙"});

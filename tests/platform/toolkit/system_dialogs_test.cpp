@@ -41,6 +41,21 @@ TEST_F(SystemDialogs, ColourComesBackWithoutOpacity)
     EXPECT_EQ(colours.choose(0), std::nullopt);
 }
 
+TEST_F(SystemDialogs, ColoursOpenFreshAndLeaveTheHostsAlone)
+{
+    QColorDialog::setCustomColor(3, Qt::red);
+    for (int opening = 0; opening < 2; ++opening) {
+        whenModal("colourDialog", [](QWidget& window) {
+            EXPECT_EQ(QColorDialog::customColor(3), QColor(Qt::black));
+            QColorDialog::setCustomColor(3, Qt::green);
+            dynamic_cast<QColorDialog&>(window).setCurrentColor(Qt::blue);
+            dynamic_cast<QDialog&>(window).accept();
+        });
+        QtColourDialog().choose(0);
+        EXPECT_EQ(QColorDialog::customColor(3), QColor(Qt::red));
+    }
+}
+
 TEST_F(SystemDialogs, FontKeepsWhatTheUserLeaves)
 {
     QtFontDialog fonts;

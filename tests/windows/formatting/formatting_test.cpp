@@ -201,6 +201,35 @@ TEST_F(Formatting, MergingAndUnmerging)
     EXPECT_FALSE(grid.cells().spanAt(1, 1));
 }
 
+TEST_F(Formatting, MergingAsksBeforeItHidesContents)
+{
+    QStringList asked;
+    bool answer = false;
+    grid.ask = [&](const QString& question) {
+        asked << question;
+        return answer;
+    };
+    const struct {
+        const char* filled[2];
+        int questions;
+    } cases[] = {
+        {{"A1", nullptr}, 0}, {{"B2", nullptr}, 0}, {{"A1", "B2"}, 1}, {{"A2", "B1"}, 1}, {{"A1", "C3"}, 0}};
+    for (const auto& c : cases)
+        for (const bool willing : {false, true}) {
+            answer = willing;
+            asked.clear();
+            grid.cells().sheet().removeSpans({1, 1, 9, 9});
+            grid.cells().sheet().clearContents({1, 1, 9, 9});
+            for (const char* name : c.filled)
+                if (name)
+                    demand(grid.cells().sheet().setFormula(*spreadsheet::parseCellName(name), "\"\""));
+            grid.cursor().select({1, 1, 2, 2});
+            EXPECT_FALSE(mergeCells(grid)) << "nothing is told besides";
+            EXPECT_EQ(asked.size(), c.questions) << c.filled[0];
+            EXPECT_EQ(grid.cells().spanAt(1, 1).has_value(), willing || c.questions == 0) << c.filled[0];
+        }
+}
+
 TEST_F(Formatting, ACellMergedAloneIsASpan)
 {
     grid.cursor().setActiveCell(3, 3);

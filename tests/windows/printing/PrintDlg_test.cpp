@@ -142,6 +142,8 @@ TEST_F(PrintDialog, PageFieldsHoldNumbers)
     control<QRadioButton>(window, "Option1_3").click();
     auto& first = control<QLineEdit>(window, "Text1_0");
     EXPECT_TRUE(first.hasFocus() && first.isEnabled());
+    QTest::keyClicks(&first, "42");
+    EXPECT_EQ(first.text(), "42") << "what is typed takes the place of what stood there";
     first.selectAll();
     QTest::keyClicks(&first, "x");
     EXPECT_EQ(first.text(), "1");

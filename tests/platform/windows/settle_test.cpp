@@ -1,0 +1,49 @@
+// Also run under a window manager, whose titles stand outside the windows.
+#include "platform/windows/settle.h"
+
+#include "tests/platform/WindowTest.h"
+
+#include <QDialog>
+#include <QScreen>
+
+namespace selfreport {
+namespace {
+
+using OnScreen = test::WindowTest;
+
+TEST_F(OnScreen, WindowsOpenWithTheirTitlesInSight)
+{
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    QDialog parent;
+    parent.setGeometry(screen.right() - 200, 0, 200, 100);
+    show(parent);
+    const struct {
+        const char* name;
+        QSize size;
+        QPoint place;
+        bool isChild;
+    } cases[] = {
+        {"small", {300, 200}, screen.center(), false},
+        {"above and left", {300, 200}, {-80, -70}, false},
+        {"below and right", {300, 200}, screen.bottomRight() - QPoint(20, 20), false},
+        {"taller than the screen", {300, screen.height() + 200}, {40, -90}, false},
+        {"wider than the screen", {screen.width() + 200, 200}, {-90, 40}, false},
+        {"over its parent", {screen.width() / 2, screen.height()}, {}, true},
+    };
+    for (const auto& c : cases) {
+        QDialog dialog(c.isChild ? &parent : nullptr);
+        dialog.resize(c.size);
+        if (!c.isChild)
+            dialog.move(c.place);
+        openOnScreen(dialog);
+        show(dialog);
+        QTest::qWait(600); // the manager's answers
+        EXPECT_TRUE(screen.contains(dialog.frameGeometry()))
+            << c.name << ": " << dialog.frameGeometry().x() << ' ' << dialog.frameGeometry().y() << ' '
+            << dialog.frameGeometry().width() << ' ' << dialog.frameGeometry().height();
+        EXPECT_TRUE(QString(c.name) != "small" || dialog.size() == c.size);
+    }
+}
+
+} // namespace
+} // namespace selfreport
