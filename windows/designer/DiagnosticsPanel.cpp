@@ -4,6 +4,9 @@
 #include "spreadsheet/values/CellAddress.h"
 #include "spreadsheet/workbook/Workbook.h"
 
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace selfreport {
@@ -26,12 +29,28 @@ QString oneField(const std::string& text)
 
 DiagnosticsPanel::DiagnosticsPanel(QWidget* parent)
     : QWidget(parent)
+    , m_heading(new QLabel)
     , m_list(new ListGrid)
 {
     setObjectName("panelDiagnostics");
+    m_heading->setObjectName("lblDiagnostics");
     m_list->setObjectName("listDiagnostics");
+    auto* close = new QToolButton;
+    close->setObjectName("cmdCloseDiagnostics");
+    close->setText(QStringLiteral("关闭"));
+    close->setAutoRaise(true);
+    connect(close, &QToolButton::clicked, this, [this] {
+        m_isClosed = true;
+        hide();
+    });
+    auto* top = new QHBoxLayout;
+    top->setContentsMargins(6, 0, 0, 0);
+    top->addWidget(m_heading, 1);
+    top->addWidget(close);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(top);
     layout->addWidget(m_list);
     connect(m_list, &ListGrid::dblClick, this, [this] {
         const auto line = static_cast<std::size_t>(m_list->row() - 1);
@@ -53,7 +72,19 @@ void DiagnosticsPanel::setDiagnostics(const std::vector<CellDiagnostic>& diagnos
     for (const CellDiagnostic& diagnostic : diagnostics)
         m_list->addRow(placeName(diagnostic.place, workbook) + '\t' + oneField(diagnostic.function) + '\t' +
                        oneField(diagnostic.reason));
-    setVisible(!diagnostics.empty());
+    showHeading(QStringLiteral("取数诊断"), diagnostics.size());
+    setVisible(!diagnostics.empty() && !m_isClosed);
+}
+
+void DiagnosticsPanel::open()
+{
+    m_isClosed = false;
+    show();
+}
+
+void DiagnosticsPanel::showHeading(const QString& about, std::size_t count)
+{
+    m_heading->setText(QStringLiteral("%1：%2 处").arg(about).arg(count));
 }
 
 void DiagnosticsPanel::showNotices(const QString& heading, const std::vector<std::string>& notices)
@@ -64,6 +95,7 @@ void DiagnosticsPanel::showNotices(const QString& heading, const std::vector<std
     m_list->clearRows();
     for (const std::string& notice : notices)
         m_list->addRow(oneField(notice));
+    showHeading(heading, notices.size());
     setVisible(!notices.empty());
 }
 

@@ -3,8 +3,11 @@
 
 #include <QWidget>
 
+#include <cstddef>
 #include <functional>
 #include <vector>
+
+class QLabel;
 
 namespace spreadsheet {
 class Workbook;
@@ -15,16 +18,20 @@ namespace selfreport {
 class ListGrid;
 
 /// The list below the grid: cells whose fetch failed or found nothing ("取数诊断"), or what an import or
-/// export could not carry over. Hidden until there is something to read.
+/// export could not carry over, under a heading that says how many, with a button that closes it. Hidden
+/// until there is something to read.
 class DiagnosticsPanel : public QWidget {
     Q_OBJECT
 
 public:
     explicit DiagnosticsPanel(QWidget* parent = nullptr);
 
-    /// Takes over what a recalculation found; an empty list hides the panel unless it was opened by hand.
+    /// Takes over what a recalculation found. An empty list hides the panel; others show it until the user
+    /// has closed it once.
     void setDiagnostics(const std::vector<CellDiagnostic>& diagnostics,
                         const spreadsheet::Workbook& workbook);
+
+    void open(); ///< by hand: also what was closed
 
     /// Shows sentences instead, until the next recalculation.
     void showNotices(const QString& heading, const std::vector<std::string>& notices);
@@ -34,9 +41,13 @@ Q_SIGNALS:
     void chosen(const selfreport::CellDiagnostic& diagnostic);
 
 private:
+    void showHeading(const QString& about, std::size_t count);
+
+    QLabel* m_heading;
     ListGrid* m_list;
     std::vector<CellDiagnostic> m_diagnostics; ///< the lines on show
     bool m_showsDiagnostics = true;
+    bool m_isClosed = false; ///< by the user
 };
 
 } // namespace selfreport

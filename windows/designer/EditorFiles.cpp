@@ -1,6 +1,7 @@
 #include "windows/designer/EditorFiles.h"
 
 #include "failures/failure_text.h"
+#include "platform/services/Preferences.h"
 #include "platform/windows/CancellableWait.h"
 #include "reports/report_texts.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -55,24 +56,41 @@ bool EditorFiles::endEntry()
 
 void EditorFiles::MenuFileSave_Click()
 {
+    save();
+}
+
+/// False after telling why it was not.
+bool EditorFiles::save()
+{
     if (m_context.report.isRun) {
         m_context.database.tell(Icon::exclamation, "请在报表编辑状态下进行保存,保存不成功!");
-        return;
+        return false;
     }
     if (!endEntry())
-        return;
+        return false;
     std::string name = m_name.text().toStdString();
     if (isBlankName(name)) {
         m_context.database.tell(Icon::exclamation, "报表名称不能为空！");
         m_name.setFocus();
-        return;
+        return false;
     }
     const auto told = m_report.save(name, m_grid.cells().workbook(), m_grid.window());
     if (!told)
-        return;
+        return false;
     m_name.setText(QString::fromStdString(name)); // another one if it was stored as a new report
     m_recovery->saved(m_context.report.id);
+    Q_EMIT stored();
     m_context.database.tell(Icon::information, *told);
+    return true;
+}
+
+bool EditorFiles::askToSave()
+{
+    if (!isChanged() || !preferences().isOn(asksAtClosing))
+        return true;
+    const auto chosen = dialogs().choose(Icon::question, m_context.title,
+                                         "报表设计已经更改，尚未保存。关闭前是否保存？", {"保存", "不保存"});
+    return chosen && (*chosen == 1 || save());
 }
 
 // Recovery
@@ -136,6 +154,7 @@ void EditorFiles::restoreDesign()
             m_report.setVersion(restored.madeFrom); // saving asks if the stored report is another by now
         m_grid.cells().setWorkbook(&workbook);      // another content: shown from its first cell
         m_formulas.tellFetches();
+        unlockCurrentCell();
         hookUpAgain();
     } catch (const std::exception& error) {
         m_context.database.tell(Icon::exclamation, "未保存的设计不能恢复: " + failures::sentenceOf(error));

@@ -25,6 +25,9 @@ class EditorStatus;
 class FormulaBox;
 struct ReportContext;
 
+/// Whether closing asks about a changed design, among the user's preferences.
+inline constexpr const char* asksAtClosing = "AskAtClosing";
+
 /// An entry of the menu that a table of formats gives.
 struct FileCommand {
     std::string name; ///< object name of the action
@@ -55,6 +58,11 @@ public:
     /// For the formats of files that have no command of their own above.
     std::vector<FileCommand> formatCommands();
 
+    bool isChanged() const { return m_recovery && m_recovery->isChanged(); } ///< since it was saved
+    /// Asks, if the user wishes to be asked, whether a changed design is to be saved as the window closes.
+    /// False if the window is to stay.
+    bool askToSave();
+
     // Copies of unsaved designs
     void keepForRecovery(); ///< from now on, and offers what earlier windows left
     /// Keeps the design as the window closes. False after telling, once, that it cannot be kept.
@@ -63,19 +71,24 @@ public:
 
 Q_SIGNALS:
     void shown(); ///< the grid holds another content
+    void stored();
 
 private:
+    bool save();
     void offerRecovery();
     void restoreDesign();
     void discardDesign();
     std::optional<std::int32_t> storedReport() const;
     [[nodiscard]] bool endEntry();
     void importIntoReport();
-    void importFile(const FileDialogSettings& settings);
+    bool importFile(FileDialogSettings& settings);
     void importOtherFormats();
-    bool exportFile(FileDialogSettings& settings, const spreadsheet::FileFormat& format);
+    void exportWithCd1(const spreadsheet::FileFormat& format, const std::function<void()>& afterwards);
+    bool exportFile(FileDialogSettings& settings, const spreadsheet::FileFormat& format,
+                    const std::function<void()>& afterwards);
     void exportUnderReportName(const spreadsheet::FileFormat& format);
-    bool transfer(const std::string& file, const std::function<std::vector<std::string>()>& work);
+    void transfer(const std::string& file, const std::function<std::vector<std::string>()>& work);
+    void unlockCurrentCell();
     void hookUpAgain();
 
     ReportContext& m_context;
@@ -86,6 +99,7 @@ private:
     EditorFormulas& m_formulas;
     FormulaBox& m_formulaBox;
     FileDialogSettings m_cd1; ///< keeps what a command does not set
+    std::string m_chosenFile; ///< with it, for import or export; "": none yet
     EditedReport m_report;
     std::unique_ptr<Recovery> m_recovery;
     bool m_unkeptAtClosing = false; ///< a design that cannot be kept has held up closing once

@@ -12,6 +12,7 @@
 #include <QLineEdit>
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 
 namespace selfreport {
@@ -31,6 +32,15 @@ const FileFormat& formatFor(const std::string& file, const FileFormat& asked)
 {
     const FileFormat* const named = spreadsheet::fileFormatOfName(file);
     return named && named->isStrict && asked.isStrict ? *named : asked;
+}
+
+/// A name to propose: no file of another format is to be replaced by what goes out.
+std::string withFittingEnding(const std::string& file, const FileFormat& format)
+{
+    const FileFormat* const named = spreadsheet::fileFormatOfName(file);
+    if (!named || named == &formatFor(file, format))
+        return file;
+    return std::filesystem::path(file).replace_extension(format.ending()).string();
 }
 
 std::string withEnding(const FileFormat& format)
@@ -104,17 +114,24 @@ void EditorFiles::MenuImportExcelFile_Click()
 
 void EditorFiles::MenuEmportSpreadFile_Click()
 {
-    const FileFormat& format = spreadsheet::fileFormat(".ss7");
-    m_cd1.filter = dialogFilter(format, 1);
-    if (exportFile(m_cd1, format))
+    exportWithCd1(spreadsheet::fileFormat(".ss7"), [this] {
+        unlockCurrentCell();
         hookUpAgain();
+    });
 }
 
 void EditorFiles::MenuExportExcel_Click()
 {
-    const FileFormat& format = spreadsheet::fileFormat(".xls");
+    exportWithCd1(spreadsheet::fileFormat(".xls"), [] {});
+}
+
+void EditorFiles::exportWithCd1(const FileFormat& format, const std::function<void()>& afterwards)
+{
     m_cd1.filter = dialogFilter(format, 1);
-    exportFile(m_cd1, format);
+    if (!m_chosenFile.empty())
+        m_cd1.fileName = withFittingEnding(m_chosenFile, format);
+    if (exportFile(m_cd1, format, afterwards))
+        m_chosenFile = m_cd1.fileName;
 }
 
 void EditorFiles::importOtherFormats()
@@ -125,8 +142,9 @@ void EditorFiles::importOtherFormats()
         captions.emplace_back(format->caption);
         filter += dialogFilter(*format, format->endings.size()) + '|';
     }
-    importFile({"*.xlsx", "选择" + alternatives(captions), filter + "所有文件(*)|*", "",
-                FileDialogSettings::hideReadOnly});
+    FileDialogSettings settings{"*.xlsx", "选择" + alternatives(captions), filter + "所有文件(*)|*", "",
+                                FileDialogSettings::hideReadOnly};
+    importFile(settings);
 }
 
 /// With a dialog that stands apart from `m_cd1`, whose title and name belong to the commands that share it.
@@ -138,75 +156,88 @@ void EditorFiles::exportUnderReportName(const FileFormat& format)
     if (!name.empty())
         name += format.ending();
     FileDialogSettings settings{name, "引出为" + std::string(format.caption), dialogFilter(format, 1), "", 0};
-    exportFile(settings, format);
+    exportFile(settings, format, [] {});
 }
 
 void EditorFiles::importIntoReport()
 {
     m_cd1.folder = componentFolder().toStdString();
     m_cd1.flags = FileDialogSettings::hideReadOnly;
-    importFile(m_cd1);
+    if (importFile(m_cd1))
+        m_chosenFile = m_cd1.fileName;
 }
 
-void EditorFiles::importFile(const FileDialogSettings& settings)
+/// The chosen name stays in the settings, even if nothing comes of it. False without one.
+bool EditorFiles::importFile(FileDialogSettings& settings)
 {
     if (m_context.report.isRun) {
         m_context.database.tell(Icon::exclamation, "报表在运行状态，不能引入文件。");
-        return;
+        return false;
     }
     const auto file = FileDialogInUse::current().chooseToOpen(settings);
     if (!file || !m_grid.entry().commit())
-        return;
+        return false;
+    settings.fileName = *file;
     transfer(*file, [&] {
-        auto warnings = spreadsheet::loadWorkbook(m_grid.cells().workbook(), *file);
-        m_grid.cells().setWorkbook(&m_grid.cells().workbook());
+        spreadsheet::Workbook& workbook = m_grid.cells().workbook();
+        std::vector<std::string> warnings;
+        {
+            const spreadsheet::UndoStep step(workbook, "引入");
+            warnings = spreadsheet::loadWorkbook(workbook, *file);
+            m_grid.cells().setWorkbook(&workbook);
+            unlockCurrentCell();
+        }
         m_formulas.tellFetches();
         hookUpAgain();
         return warnings;
     });
+    return true;
 }
 
-/// The chosen name stays in the settings, even if the export fails.
-bool EditorFiles::exportFile(FileDialogSettings& settings, const FileFormat& format)
+/// Likewise.
+bool EditorFiles::exportFile(FileDialogSettings& settings, const FileFormat& format,
+                             const std::function<void()>& afterwards)
 {
     settings.flags = exportFlags;
     const auto file = FileDialogInUse::current().chooseToSave(settings);
     if (!file || !m_grid.entry().commit())
         return false;
     settings.fileName = *file;
-    return transfer(*file, [&] {
+    transfer(*file, [&] {
         auto warnings = spreadsheet::saveWorkbook(m_grid.cells().workbook(), *file, formatFor(*file, format));
         if (std::string failed = m_formulas.failedFetches(); !failed.empty())
             warnings.push_back(std::move(failed));
+        afterwards();
         return warnings;
     });
+    return true;
 }
 
 /// Runs an import or export. What it could not carry over, or why it failed, goes to the status bar and the
 /// list below the grid.
-bool EditorFiles::transfer(const std::string& file, const std::function<std::vector<std::string>()>& work)
+void EditorFiles::transfer(const std::string& file, const std::function<std::vector<std::string>()>& work)
 {
     try {
         const std::vector<std::string> warnings = work();
         m_diagnostics.showNotices(QStringLiteral("未能完全转换的内容"), warnings);
         m_status.showMessage(QStringLiteral("完成: %1").arg(QString::fromStdString(file)));
-        return true;
     } catch (const std::exception& error) {
         const std::string reason = failures::sentenceOf(error);
         m_diagnostics.showNotices(QStringLiteral("操作没有完成"), {reason});
         m_status.showMessage(QString::fromStdString(reason));
-        return false;
     }
 }
 
-/// What import and export of workbooks end with: the current cell is unlocked and the report functions are
-/// known to the grid, whatever it holds now.
+/// As import and export of workbooks do.
+void EditorFiles::unlockCurrentCell()
+{
+    const spreadsheet::DisplayOnly noEdit(m_grid.cells().workbook()); // exporting changes no design
+    m_grid.cells().changeStyle([](spreadsheet::CellStyle& style) { style.locked = false; });
+}
+
+/// The report functions are known to the grid, whatever it holds now.
 void EditorFiles::hookUpAgain()
 {
-    {
-        const spreadsheet::DisplayOnly noEdit(m_grid.cells().workbook()); // exporting changes no design
-        m_grid.cells().changeStyle([](spreadsheet::CellStyle& style) { style.locked = false; });
-    }
     m_formulas.addSelfFunction();
     m_grid.showChanges();
     Q_EMIT shown();

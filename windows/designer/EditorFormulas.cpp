@@ -30,6 +30,7 @@ EditorFormulas::EditorFormulas(ReportContext& context, spreadsheet::SpreadsheetC
     });
     connect(&failedFetches, &FailedFetchBar::clicked, this, &EditorFormulas::goToFailedFetch);
     connect(&diagnostics, &DiagnosticsPanel::chosen, this, &EditorFormulas::goTo);
+    connect(&status, &EditorStatus::diagnosticsWanted, this, &EditorFormulas::showDiagnostics);
 }
 
 void EditorFormulas::stop()
@@ -83,13 +84,14 @@ void EditorFormulas::MenuShowFormula_Click()
 void EditorFormulas::tellFetches()
 {
     m_diagnostics.setDiagnostics(m_evaluation.diagnostics(), m_grid.cells().workbook());
+    m_status.showDiagnostics(static_cast<int>(m_evaluation.diagnostics().size()));
     m_failedFetches.tell(failedFetches());
 }
 
 void EditorFormulas::showDiagnostics()
 {
     tellFetches();
-    m_diagnostics.setVisible(true);
+    m_diagnostics.open();
 }
 
 void EditorFormulas::goTo(const CellDiagnostic& diagnostic)

@@ -57,6 +57,8 @@ public:
 
     /// The design was saved as the report with this id, and counts as saved.
     void saved(std::int32_t report);
+    /// The design is not the saved one.
+    bool isChanged() const;
     /// Writes the copy if the design is not the saved one, and not the one that was kept last.
     /// @param closing  the window closes: it is no crash that leaves the copy behind
     /// @return  false if it could not be written, which was told
@@ -66,7 +68,6 @@ private:
     std::filesystem::path freshFile() const;
     void findLeftBehind();
     void noteSaved();
-    bool isChanged() const;
     void write(RecoveryNote::Left left);
 
     const spreadsheet::Workbook& m_workbook;

@@ -79,7 +79,7 @@ constexpr EditorCommand fileCommands[] = {
     {"MenuEmportSpreadFile", "引出为Spread文件", [](Window w) { w.files().MenuEmportSpreadFile_Click(); }},
     separator,
     {"MenuPreview", "打印预览", [](Window w) { w.MenuPreview_Click(); }},
-    {"MenuPrint", "打印", [](Window w) { w.MenuPrint_Click(); }},
+    {"MenuPrint", "打印", [](Window w) { w.MenuPrint_Click(); }, "Ctrl+P"},
     separator,
     {.name = "MenuFileExit", .caption = "退出", .run = [](Window w) { w.close(); }, .whileTyping = true},
     separator,
@@ -98,7 +98,6 @@ constexpr EditorCommand fillCommands[] = {
 };
 
 constexpr EditorCommand lookCommands[] = {
-    {"MenuUnderline", "下划线", onGrid<toggleUnderline>},
     {"MenuStrikeOut", "删除线", onGrid<toggleStrikeOut>},
     {"MenuWrap", "自动换行", onGrid<toggleWrap>},
     {"MenuBorders", "边框…", dialog<frmBorders>},
@@ -140,8 +139,8 @@ constexpr EditorCommand editCommands[] = {
     {"MenuInsertRow", "整行插入", [](Window w) { w.MenuInsertRow_Click(); }},
     {"MenuInsertCol", "整列插入", [](Window w) { w.MenuInsertCol_Click(); }},
     groupOf("字形"),
-    {"MenuBold", "粗体", onGrid<toggleBold>},
-    {"MenuItalic", "斜体", onGrid<toggleItalic>},
+    {"MenuBold", "粗体", onGrid<toggleBold>, "Ctrl+B"},
+    {"MenuItalic", "斜体", onGrid<toggleItalic>, "Ctrl+I"},
     groupOf("对齐"),
     {"MenuLeft", "左对齐", align<Horizontal::left>},
     {"MenuMiddle", "居中", align<Horizontal::centre>},
@@ -176,6 +175,7 @@ constexpr EditorCommand editCommands[] = {
     {"MenuNumberFormat", "数字格式…", dialog<frmNumberFormat>, "Ctrl+1"},
     {"MenuThousands", "千分位", onGrid<toggleThousands>},
     separator,
+    {"MenuUnderline", "下划线", onGrid<toggleUnderline>, "Ctrl+U"},
     {.submenu = &fillMenu},
     {.submenu = &lookMenu},
     {.submenu = &lineMenu},
@@ -185,6 +185,11 @@ constexpr EditorCommand insertCommands[] = {
     {"MenuFormula", "公式", [](Window w) { w.MenuFormula_Click(); }, "Ctrl+G"},
     separator,
     {"MenuEditFormula", "修改取数公式", [](Window w) { w.editCallInCell(); }},
+    {.name = "MenuFormulaBox",
+     .caption = "公式栏",
+     .run = [](Window w) { w.MenuFormulaBox_Click(); },
+     .shortcut = "Ctrl+F2",
+     .whileTyping = true},
 };
 
 constexpr EditorCommand optionCommands[] = {
@@ -194,6 +199,8 @@ constexpr EditorCommand optionCommands[] = {
     separator,
     {"MenuDiagnostics", "取数诊断", [](Window w) { w.formulas().showDiagnostics(); }},
     {"MenuCoverage", "覆盖检查", [](Window w) { w.showCoverage(); }},
+    separator,
+    {.addsMore = [](Window w, QMenu& menu) { w.addPreferences(menu); }},
 };
 
 constexpr EditorMenu menus[] = {
@@ -215,7 +222,7 @@ constexpr EditorButton buttons[] = {
     {"Preview", "打印预览", "preview", "MenuPreview"},
     gap,
     {"Copy", "复制", "copy", nullptr, [](Window w) { w.copyActiveText(); }},
-    {"Paste", "粘贴", "paste", nullptr, [](Window w) { w.pasteIntoActiveCell(); }},
+    {"Paste", "粘贴", "paste", nullptr, [](Window w) { w.fps1().commands().pasteText(); }},
     gap,
     {"Bold", "粗体", "bold", "MenuBold", nullptr, true},
     {"Italic", "斜体", "italic", "MenuItalic", nullptr, true},

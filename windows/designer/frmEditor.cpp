@@ -1,5 +1,6 @@
 #include "windows/designer/frmEditor.h"
 
+#include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/designer/DiagnosticsPanel.h"
@@ -26,7 +27,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMimeData>
 #include <QTimer>
 
 #include <algorithm>
@@ -41,13 +41,19 @@ namespace selfreport {
 using spreadsheet::CellAddress;
 using spreadsheet::GridMode;
 
+namespace {
+
+constexpr const char* caption = "报表系统";
+
+} // namespace
+
 frmEditor::frmEditor(ReportContext& context, QWidget* parent)
     : QDialog(parent)
     , m_context(context)
     , m_fps1(new spreadsheet::SpreadsheetControl)
 {
     setObjectName("frmEditor");
-    setWindowTitle(QStringLiteral("报表系统"));
+    setWindowTitle(QString::fromUtf8(caption));
     setWindowFlags(Qt::Window | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
                    Qt::WindowCloseButtonHint);
     buildControls();
@@ -56,6 +62,7 @@ frmEditor::frmEditor(ReportContext& context, QWidget* parent)
     initForm();
     openReport();
     m_fps1->setFocus();
+    openOnScreen(*this);
 }
 
 /// The end of the host's event loop, and of the window's parent, close nothing.
@@ -78,7 +85,6 @@ void frmEditor::openReport()
     m_files->open();
     m_formulas->addSelfFunction();
     m_fps1->setMode(m_context.report.isRun ? GridMode::run : GridMode::edit);
-    m_txtFormula->setReadOnly(m_context.report.isRun);
     if (m_context.report.isRun) {
         m_formulas->evaluation().showStoredData();
         m_opensForUse = true;
@@ -113,7 +119,7 @@ int frmEditor::exec()
 
 void frmEditor::done(int result)
 {
-    if (!endEntry() || !m_files->keepDesign())
+    if (!endEntry() || !m_files->askToSave() || !m_files->keepDesign())
         return;
     m_left = true;
     frmPreview::discard();
@@ -184,6 +190,11 @@ void frmEditor::MenuFormula_Click()
     frmFunction(*m_grid, this).exec();
 }
 
+void frmEditor::MenuFormulaBox_Click()
+{
+    m_formulaBox->switchOver();
+}
+
 void frmEditor::editCallInCell()
 {
     keepCell();
@@ -206,6 +217,12 @@ void frmEditor::showCoverage()
 }
 
 // Cells
+
+/// A changed design has a mark.
+void frmEditor::showTitle()
+{
+    setWindowTitle(QString::fromUtf8(caption) + (m_files->isChanged() ? " *" : ""));
+}
 
 void frmEditor::tell(const spreadsheet::Refusal& refusal)
 {
@@ -298,24 +315,6 @@ void frmEditor::copyActiveText()
     const bool showsFormula = !sheet.shownText(cell).empty();
     const std::string text = showsFormula ? sheet.displayText(cell) : sheet.textByType(cell);
     QApplication::clipboard()->setText(QString::fromStdString(text));
-}
-
-void frmEditor::pasteIntoActiveCell()
-{
-    const CellAddress cell = m_fps1->cursor().activeCell();
-    const spreadsheet::CellRange range{cell.column, cell.row, cell.column, cell.row};
-    const QMimeData nothing;
-    const QMimeData* const offer = QApplication::clipboard()->mimeData();
-    const auto text = spreadsheet::clipboardText(offer ? *offer : nothing, spreadsheet::longestCellText);
-    if (m_fps1->refuseEdit({range}) ||
-        m_fps1->refuse(overlapRefusal(m_fps1->cells().sheet(), range, std::nullopt, false)))
-        return;
-    if (const auto* why = std::get_if<spreadsheet::Refusal>(&text)) {
-        m_fps1->refuse(*why);
-        return;
-    }
-    m_fps1->cells().setText(cell.column, cell.row, std::get<QString>(text));
-    m_fps1->afterEdit(cell);
 }
 
 } // namespace selfreport

@@ -45,6 +45,8 @@ public:
     EditorFiles& files() { return *m_files; }
     /// Entries for the formats of files that have none of their own.
     void addFileFormats(QMenu& menu);
+    /// What the user may choose for the window itself.
+    void addPreferences(QMenu& menu);
     EditorFormulas& formulas() { return *m_formulas; }
     /// As printing windows see it.
     PrintedGrid& printedGrid();
@@ -52,6 +54,7 @@ public:
     // The commands behind menus and toolbar; each works alike from both.
     void MenuSetTableInfo_Click();
     void MenuFormula_Click();
+    void MenuFormulaBox_Click();
     void MenuPreview_Click();
     void MenuPrint_Click();
     void MenuInsertRow_Click();
@@ -61,7 +64,6 @@ public:
     void exportPdf();
     void editCallInCell();
     void copyActiveText();
-    void pasteIntoActiveCell();
     void find(bool replacing);
     void sortSelection(bool descending); ///< by the active cell's column
     void showCoverage();
@@ -112,6 +114,7 @@ private:
     void fps1_LeaveCell(int column, int row, int newColumn, int newRow, bool& cancel);
     void keepCell();
     spreadsheet::CellAddress keptCell() const;
+    void showTitle();
 
     ReportContext& m_context;
     spreadsheet::SpreadsheetControl* m_fps1;

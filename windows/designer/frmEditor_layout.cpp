@@ -2,6 +2,7 @@
 #include "windows/designer/frmEditor.h"
 
 #include "platform/services/Dialogs.h"
+#include "platform/services/Preferences.h"
 #include "platform/windows/ProportionalLayout.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -12,6 +13,7 @@
 #include "windows/designer/EditorStatus.h"
 #include "windows/designer/FailedFetchBar.h"
 #include "windows/designer/FormulaBox.h"
+#include "windows/designer/report_function_hints.h"
 #include "windows/formatting/cell_commands.h"
 #include "windows/formatting/number_format_choice.h"
 #include "windows/icons/own_icon.h"
@@ -49,8 +51,9 @@ constexpr QRect list1Place(60, 630, 1920, 480);
 constexpr QRect list2Place(2040, 630, 1080, 480);
 constexpr QRect nameLabelPlace(3150, 630, 1050, 480);
 constexpr QRect namePlace(4260, 630, 2640, 480);
-constexpr QRect formulaLabelPlace(6900, 630, 2460, 480);
-constexpr QRect formulaPlace(9420, 630, 4920, 480);
+constexpr QRect formulaLabelPlace(6900, 630, 2400, 480);
+constexpr QRect equalsPlace(9300, 630, 240, 480);
+constexpr QRect formulaPlace(9540, 630, 4800, 480);
 constexpr QRect sheetPlace(0, 1170, 14400, 7680);
 constexpr QRect statusPlace(0, 8880, 14400, 420);
 
@@ -112,13 +115,17 @@ void frmEditor::buildLabels(ProportionalLayout& layout)
     m_label1->setSizePolicy(QSizePolicy::Ignored,
                             QSizePolicy::Preferred); // the caption never widens the window
     m_txtFormula = put(new QLineEdit, "txtFormula", formulaPlace);
-    for (QLabel* label : {nameLabel, m_label1})
+    auto* equals = put(new QLabel(QStringLiteral("=")), "lblEquals", equalsPlace);
+    equals->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    equals->hide();
+    for (QLabel* label : {nameLabel, m_label1, equals})
         label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     for (const auto& [list, letters] : {std::pair(m_list1, 6), std::pair(m_list2, 2)}) {
         list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon); // font names may be long
         list->setMinimumContentsLength(letters);
     }
-    m_formulaBox = new FormulaBox(*m_txtFormula, *m_fps1);
+    m_formulaBox = new FormulaBox(*m_txtFormula, *equals, *m_fps1);
+    connect(m_txtReportName, &QLineEdit::returnPressed, m_fps1, qOverload<>(&QWidget::setFocus));
 }
 
 QAction* frmEditor::newAction(const QString& name, const QString& caption, std::function<void()> run,
@@ -140,6 +147,16 @@ void frmEditor::addFileFormats(QMenu& menu)
     for (FileCommand& command : m_files->formatCommands())
         menu.addAction(newAction(QString::fromStdString(command.name),
                                  QString::fromStdString(command.caption), std::move(command.run)));
+}
+
+void frmEditor::addPreferences(QMenu& menu)
+{
+    m_status->addFigureChoices(menu);
+    QAction* const asks = menu.addAction(QStringLiteral("关闭时询问是否保存"));
+    asks->setObjectName("MenuAskAtClosing");
+    asks->setCheckable(true);
+    asks->setChecked(preferences().isOn(asksAtClosing));
+    connect(asks, &QAction::toggled, this, [](bool on) { preferences().keepOn(asksAtClosing, on); });
 }
 
 QAction* frmEditor::actionOf(const EditorCommand& command)
@@ -245,8 +262,9 @@ void frmEditor::showCellLooks()
 {
     const spreadsheet::CellStyle& style = m_fps1->cells().sheet().style(m_fps1->cursor().activeCell());
     const spreadsheet::CellFont& font = style.font;
-    m_list1->setCurrentIndex(
-        m_list1->findText(m_fps1->screenFont(font).family(), Qt::MatchExactly | Qt::MatchCaseSensitive));
+    const QString family = QString::fromUtf8(font.family.view());
+    m_list1->setCurrentIndex(m_list1->findText(family.isEmpty() ? m_fps1->screenFont(font).family() : family,
+                                               Qt::MatchExactly | Qt::MatchCaseSensitive));
     m_list2->setCurrentIndex(m_list2->findText(QString::number(std::lround(font.points))));
     const auto press = [this](const char* key, bool pressed) {
         m_toolbar1->findChild<QAction*>(key)->setChecked(pressed);
@@ -268,10 +286,7 @@ void frmEditor::connectGrid()
     m_formulaBox->refused = [this](const std::string& reason) {
         m_context.database.tell(Icon::critical, reason);
     };
-    m_fps1->entry().functionHints().describe(
-        "Acct", QStringLiteral("科目,取数类型,货币,年度,起始期间,截目期间"), QStringLiteral("总账取数公式"));
-    m_fps1->entry().functionHints().describe("REF_F", QStringLiteral("表名,单元格名称,标签"),
-                                             QStringLiteral("表间取数公式"));
+    describeReportFunctions(m_fps1->entry().functionHints(), m_context);
     m_fps1->ask = [this](const QString& question) {
         return dialogs().question(m_context.title, question.toStdString());
     };
@@ -286,6 +301,9 @@ void frmEditor::connectGrid()
             [this](const QPoint& place) { m_popup->popup(place); });
     m_fps1->setMovesByRightButton(true);
     connect(m_fps1, &SpreadsheetControl::editModeChanged, this, [this] { m_refusedAtClosing.clear(); });
+    connect(m_fps1, &SpreadsheetControl::undoChanged, this, &frmEditor::showTitle); // with every change
+    connect(m_files.get(), &EditorFiles::stored, this, &frmEditor::showTitle);
+    connect(m_txtReportName, &QLineEdit::textChanged, this, &frmEditor::showTitle);
 }
 
 } // namespace selfreport

@@ -236,7 +236,7 @@ TEST_F(DesignerRefusals, TheToolbarsPasteSaysWhyAndKeepsTheCell)
             QApplication::clipboard()->setImage(QImage(4, 4, QImage::Format_RGB32));
         moveTo(c.cell.column, c.cell.row);
         const std::string before = grid().cells().sheet().displayText(c.cell);
-        window->pasteIntoActiveCell();
+        trigger("Paste");
         EXPECT_EQ(status(), c.why);
         EXPECT_EQ(grid().cells().sheet().displayText(c.cell), before) << c.why;
         EXPECT_EQ(grid().cells().sheet().settings().arrays.size(), 2U) << c.why;
@@ -256,7 +256,7 @@ TEST_F(DesignerRefusals, WhatIsCopiedMayBeReadAsANumberAgain)
     window->copyActiveText();
     EXPECT_EQ(QApplication::clipboard()->text(), "-1234567.89");
     moveTo(1, 2);
-    window->pasteIntoActiveCell();
+    trigger("Paste");
     EXPECT_EQ(grid().cells().sheet().value({1, 2}), spreadsheet::Value(-1234567.89));
     grid().cells().sheet().setStyle({2, 10}, style); // shows its formula
     moveTo(2, 10);

@@ -5,6 +5,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QPushButton>
 
 namespace selfreport {
 namespace {
@@ -37,6 +38,70 @@ TEST_F(DialogKeys, TableProperties)
         trigger("MenuSetTableInfo");
         EXPECT_EQ(grid().cells().rowCount(), rows);
     }
+}
+
+/// Every button has had the focus, and a box has it again.
+TEST_F(DialogKeys, EnterPressesTheDefaultButtonAfterAWholeRoundOfTabs)
+{
+    open();
+    const struct {
+        const char *command, *dialog, *box, *button;
+    } cases[] = {
+        {"MenuSetTableInfo", "frmTableInfo", "txt_1", "cmdOK"},
+        {"MenuGoTo", "frmGoTo", "txtPlace", "cmdXPOK"},
+        {"MenuDataType", "frmDataType", "PC_1", "cmdXPOK"},
+        {"MenuCellBorder", "frmCellBorder", "PC_0", "cmdXPOK"},
+        {"MenuRowHeight", "frmLineSize", "size", "cmdXPOK"},
+        {"MenuButtonCaption", "frmButtonCaption", "", "cmdXPOK"},
+        {"MenuPrintOptions", "frmPrintOptions", "", "cmdXPOK"},
+        {"MenuFormula", "frmFunction", "vsf1", "cmdXPOK"},
+    };
+    for (const auto& c : cases) {
+        int presses = 0;
+        whenModal(c.dialog, [&](QWidget& dialog) {
+            show(dialog);
+            auto& button = control<QPushButton>(dialog, c.button);
+            button.disconnect(); // what it does is another matter
+            QObject::connect(&button, &QPushButton::clicked, &dialog, [&] { ++presses; });
+            QWidget* const first = *c.box ? &control<QWidget>(dialog, c.box) : QApplication::focusWidget();
+            first->setFocus();
+            int round = 0;
+            do {
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            } while (++round < 30 && QApplication::focusWidget() != first &&
+                     !first->isAncestorOf(QApplication::focusWidget()));
+            EXPECT_LT(round, 30) << c.dialog;
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+            dialog.close();
+        });
+        trigger(c.command);
+        EXPECT_EQ(presses, 1) << c.dialog;
+    }
+}
+
+TEST_F(DialogKeys, BoxesSelectTheirTextOnFocus)
+{
+    open();
+    whenModal("frmTableInfo", [](QWidget& dialog) {
+        show(dialog);
+        const auto type = [&](const char* name, const QString& text) {
+            QTest::qWait(1);
+            QTest::keyClicks(QApplication::focusWidget(), text);
+            EXPECT_EQ(control<QLineEdit>(dialog, name).text(), text) << name;
+        };
+        QTest::mouseClick(&control<QLineEdit>(dialog, "txt_1"), Qt::LeftButton);
+        type("txt_1", "12");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        type("txt_2", "3");
+        control<QLineEdit>(dialog, "txt_0").setFocus();
+        type("txt_0", "77");
+        QTest::mouseClick(&control<QLineEdit>(dialog, "txt_0"), Qt::LeftButton, {}, QPoint(3, 5));
+        QTest::keyClicks(QApplication::focusWidget(), "5");
+        EXPECT_EQ(control<QLineEdit>(dialog, "txt_0").text(), "577")
+            << "where it had the focus, a click places the cursor";
+        dialog.close();
+    });
+    trigger("MenuSetTableInfo");
 }
 
 TEST_F(DialogKeys, FindAndReplace)

@@ -1,5 +1,6 @@
 #include "platform/list_grid/ListGrid.h"
 #include "platform/services/ScriptedDialogs.h"
+#include "spreadsheet/files/content/content.h"
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/fetch/TestLedger.h"
@@ -11,6 +12,8 @@
 #include <QLineEdit>
 #include <QStatusBar>
 #include <QTemporaryDir>
+
+#include <tuple>
 
 namespace selfreport {
 namespace {
@@ -124,6 +127,7 @@ TEST_F(Exchange, ATypedNameIsReadByItsContentAndWrittenByItsEnding)
     for (const auto& c : exports) {
         run(c.command, c.name);
         EXPECT_TRUE(contentOf(c.name).startsWith(c.start)) << c.name;
+        EXPECT_EQ(status(), "完成: " + QString::fromStdString(file(c.name)));
         grid().cells().sheet().setText({1, 1}, "别的");
         run("MenuImportExcelFile", c.name);
         EXPECT_EQ(grid().cells().text(1, 1), "合计") << c.name;
@@ -140,13 +144,75 @@ TEST_F(Exchange, TheSharedDialogKeepsTitleFolderAndName)
     EXPECT_EQ(imported.fileName, "*.xls");
     EXPECT_EQ(imported.filter, "Excel files|(*.xls)");
     run("MenuExportXlsx", "g.xlsx"); // has a dialog of its own
-    FileDialogSettings exported = run("MenuExportExcel", "g.xls");
-    EXPECT_EQ(exported.fileName, "*.xls");
-    EXPECT_EQ(exported.title, "选择Excel文件");
+    files.answers = {std::nullopt};
+    control<QAction>(*window, "MenuImpoertSpreadFile").trigger(); // given up, it leaves no name
+    const FileDialogSettings exported = run("MenuExportExcel", "g.xls");
+    EXPECT_EQ(exported.title, "选择报表文件");
     EXPECT_EQ(exported.folder, imported.folder);
-    exported = run("MenuExportExcel", "h.xls");
-    EXPECT_EQ(exported.fileName, file("g.xls"));
     EXPECT_EQ(exported.filter, "Excel文件(*.xls)|*.xls");
+    const struct {
+        const char *before, *command, *preset;
+    } cases[] = {
+        {"f.xls", "MenuExportExcel", "f.xls"},
+        {"g.xls", "MenuEmportSpreadFile", "g.ss7"}, // a workbook is not replaced by another format
+        {"h.ss7", "MenuExportExcel", "h.xls"},
+        {"i.xlsx", "MenuExportExcel", "i.xlsx"}, // which is written as its name says
+        {"j", "MenuEmportSpreadFile", "j"},
+    };
+    put("j", "a,b");
+    for (const auto& c : cases) {
+        files.answers = {file(c.before)};
+        control<QAction>(*window, "MenuImportExcelFile").trigger();
+        EXPECT_EQ(run(c.command, "k.ss7").fileName, file(c.preset)) << c.before;
+    }
+}
+
+TEST_F(Exchange, AnImportIsOneUndoStep)
+{
+    spreadsheet::Workbook& workbook = grid().cells().workbook();
+    const auto now = [&] { return spreadsheet::saveContent(workbook); };
+    const auto press = [this](Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(&grid(), Qt::Key_Z, modifiers);
+    };
+    Workbook other;
+    other.sheet(1).setText({1, 1}, "别的");
+    demand(other.sheet(1).setFormula({1, 2}, "1+1"));
+    demand(other.addSheet("另一张"));
+    for (const char* name : {"o.ss7", "o.xls", "o.xlsx", "o.csv"})
+        std::ignore = spreadsheet::saveWorkbook(other, file(name), *spreadsheet::fileFormatOfName(name));
+
+    grid().cells().sheet().setText({3, 3}, "第一步");
+    demand(grid().cells().sheet().setFormula({1, 1}, R"(Acct("9999","2","","2025","1","2"))"));
+    grid().cells().changeStyle([](spreadsheet::CellStyle& style) { style.locked = true; });
+    demand(workbook.addSheet("二月"));
+    control<QAction>(*window, "MenuRecalculate").trigger();
+    const QStringList reasons = notices();
+    EXPECT_EQ(reasons.size(), 1);
+    const auto before = now();
+    for (const bool formulasShown : {false, true})
+        for (const char* name : {"o.ss7", "o.xls", "o.xlsx", "o.csv"}) {
+            if (formulasShown)
+                control<QAction>(*window, "MenuShowFormula").trigger();
+            const auto asShown = now();
+            run("MenuImportXlsx", name);
+            EXPECT_EQ(grid().cells().text(1, 1), "别的") << name;
+            EXPECT_EQ(notices(), QStringList()) << name;
+            const auto imported = now();
+            press(Qt::ControlModifier);
+            EXPECT_TRUE(now() == asShown) << name << formulasShown;
+            EXPECT_EQ(notices(), reasons) << name;
+            press(Qt::ControlModifier | Qt::ShiftModifier);
+            EXPECT_TRUE(now() == imported) << name << formulasShown;
+            EXPECT_EQ(notices(), QStringList()) << name;
+            press(Qt::ControlModifier);
+            EXPECT_EQ(grid().cells().sheet().formula({1, 1}), R"(Acct("9999","2","","2025","1","2"))");
+            if (formulasShown)
+                press(Qt::ControlModifier);
+            EXPECT_TRUE(now() == before) << name << formulasShown;
+        }
+    demand(grid().cells().sheet().setFormula({1, 1}, closingBalance));
+    control<QAction>(*window, "MenuRecalculate").trigger();
+    EXPECT_EQ(grid().cells().text(1, 1), "100.25") << "the content that came back is the one that works";
 }
 
 TEST_F(Exchange, ReasonsAndWarningsAreListedBelowTheGrid)

@@ -60,7 +60,7 @@ TEST_F(Designer, MenusInTheirOrder)
         {"MenuFile",
          "文件(&F)",
          {"新建|Ctrl+N", "打开|Ctrl+O", "保存|Ctrl+S", "关闭|", "-", "引入Excel文件|", "引出为Excel文件|",
-          "-", "引入Spread文件|", "引出为Spread文件|", "-", "打印预览|", "打印|", "-", "退出|"}},
+          "-", "引入Spread文件|", "引出为Spread文件|", "-", "打印预览|", "打印|Ctrl+P", "-", "退出|"}},
         {"MenuEdit",
          "编辑(&E)",
          {"模向插入单元格|",
@@ -72,8 +72,8 @@ TEST_F(Designer, MenusInTheirOrder)
           "整行插入|",
           "整列插入|",
           "-",
-          "粗体|",
-          "斜体|",
+          "粗体|Ctrl+B",
+          "斜体|Ctrl+I",
           "-",
           "左对齐|",
           "居中|",
@@ -392,6 +392,44 @@ TEST_F(Designer, ToolbarCopiesTheActiveCellsTextOnly)
     moveTo(2, 5);
     trigger("Paste");
     EXPECT_EQ(grid().cells().text(2, 5), "合计");
+}
+
+TEST_F(Designer, ToolbarPastesTextAsTheKeyDoes)
+{
+    storeReport();
+    open();
+    demand(grid().cells().sheet().setFormula({5, 1}, "SUM(D1:D9)"));
+    const struct {
+        const char* text;
+        double sum;
+        const char* second; ///< in the cell below
+    } cases[] = {
+        {"5,678.00", 5678, ""},      {"5678\r\n", 5678, ""}, {"0101", 0, ""},     {"0.25", 0.25, ""},
+        {"9876543210987654", 0, ""}, {"=1+2", 3, ""},        {"7\n8\n", 15, "8"}, {"\"一\n二\"", 0, ""},
+    };
+    for (const auto& c : cases) {
+        QString held[2];
+        for (const bool byKey : {false, true}) {
+            grid().cells().sheet().clearContents({4, 1, 4, 9});
+            moveTo(4, 1);
+            QApplication::clipboard()->setText(c.text);
+            if (byKey)
+                QTest::keyClick(&grid(), Qt::Key_V, Qt::ControlModifier);
+            else
+                trigger("Paste");
+            EXPECT_EQ(grid().cells().sheet().value({5, 1}), spreadsheet::Value(c.sum)) << c.text << byKey;
+            EXPECT_EQ(grid().cells().text(4, 2), c.second) << c.text << byKey;
+            held[byKey] = grid().cells().text(4, 1);
+        }
+        EXPECT_EQ(held[0], held[1]) << c.text;
+    }
+    grid().cursor().select({1, 1, 2, 1}); // cells of ours come as their text
+    trigger("MenuCopy");
+    grid().cursor().select({3, 5, 3, 9});
+    trigger("Paste");
+    EXPECT_EQ(formula(3, 5), "");
+    EXPECT_EQ(grid().cells().text(4, 5), "合计");
+    EXPECT_EQ(grid().cells().text(3, 6), "") << "at the active cell, once";
 }
 
 TEST_F(Designer, BothRoadsThroughTheWindows)
