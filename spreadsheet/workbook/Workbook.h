@@ -85,7 +85,8 @@ public:
     void markCalculated();
 
     /// Takes over everything that another workbook holds. Registered functions, the prepare hook and
-    /// the undo setting stay, the undo history goes. Nothing is recalculated.
+    /// the undo setting stay. Nothing is recalculated. Within an undo step it is part of the step, so that
+    /// undo brings the former content back; otherwise the undo history goes.
     void replaceContent(Workbook&& fresh);
 
     // Undo. Off at first, so that filling a workbook by program costs nothing.
