@@ -6,6 +6,7 @@
 
 #include <QHeaderView>
 #include <QScopedValueRollback>
+#include <QTimer>
 
 #include <algorithm>
 #include <numeric>
@@ -73,7 +74,7 @@ void ListGrid::showEvent(QShowEvent* event)
 {
     QTableView::showEvent(event);
     if (m_opened == 0)
-        m_opened = viewport()->width();
+        QTimer::singleShot(0, this, [this] { m_opened = viewport()->width(); }); // once it is laid out
 }
 
 void ListGrid::resizeEvent(QResizeEvent* event)
