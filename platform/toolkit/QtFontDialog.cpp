@@ -59,7 +59,7 @@ public:
         setWindowTitle(QStringLiteral("字体"));
         fillLists();
         layOut();
-        connect(&m_family, &QListWidget::currentRowChanged, this, &FontWindow::showSample);
+        connect(&m_family, &QListWidget::itemSelectionChanged, this, &FontWindow::showSample);
         connect(&m_style, &QListWidget::currentRowChanged, this, &FontWindow::showSample);
         connect(&m_size, &QComboBox::currentTextChanged, this, &FontWindow::showSample);
         connect(&m_colour, &QComboBox::currentIndexChanged, this, &FontWindow::showSample);
@@ -72,8 +72,9 @@ public:
     FontChoice choice() const
     {
         FontChoice choice = m_first;
-        if (const QListWidgetItem* const family = m_family.currentItem())
-            choice.family = family->text().toStdString();
+        // The list makes its first row the current one when it gets the focus, but selects nothing.
+        if (const auto families = m_family.selectedItems(); !families.isEmpty())
+            choice.family = families.constFirst()->text().toStdString();
         const double points = m_size.currentText().toDouble();
         if (points >= smallest && points <= largest)
             choice.points = points;

@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 constexpr auto sameAction = 20ms;
 constexpr auto unpainted = 100ms;  // the eye does not see it, and most calls end within
-constexpr auto activation = 250ms; // that a window manager may take
+constexpr auto activation = 400ms; // that a window manager may take
 constexpr auto pollInterval = 5ms;
 
 bool isReady(const std::future<void>& work)
