@@ -100,15 +100,15 @@ TEST_F(Tabs, AClickShowsASheetAndIsALeave)
     clickTab(2);
     EXPECT_EQ(logged(), "changed 3,3 leave 3,3>-1,-1 sheet 2") << "what was typed is entered first";
     clickTab(1);
-    type("=1+(2"); // no formula, and no place for a reference
+    type("=1+2)"); // no formula, and no place for a reference
     clickTab(2);
     EXPECT_EQ(names(), "*Sheet1 Sheet2 Sheet3");
-    EXPECT_EQ(edited(), "=1+(2");
+    EXPECT_EQ(edited(), "=1+2)");
     QTest::mouseDClick(&bar(), Qt::LeftButton, {}, tab(1));
     EXPECT_FALSE(nameField().isVisible());
     chooseInMenu(1, 3);
     EXPECT_EQ(control.cells().sheetCount(), 3) << "first the formula is to be mended";
-    EXPECT_EQ(edited(), "=1+(2");
+    EXPECT_EQ(edited(), "=1+2)");
     key(Qt::Key_Escape);
     EXPECT_EQ(shown("C3"), "12");
 }

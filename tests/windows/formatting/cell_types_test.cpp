@@ -110,7 +110,8 @@ TEST_F(CellTypes, ActByTypingPastingPrintingAndSaving)
         grid.cursor().setActiveCell(2, 6);
         choose(c.shown);
         key(Qt::Key_V, Qt::ControlModifier);
-        EXPECT_EQ(grid.cells().text(2, 6).toStdString(), c.text) << "a text pasted";
+        const bool isCode = std::string_view(c.typed).starts_with("00"); // keeps its zeros
+        EXPECT_EQ(grid.cells().text(2, 6).toStdString(), isCode ? c.typed : c.text) << "a text pasted";
         EXPECT_EQ(grid.cells().sheet().style({2, 6}).type, c.type);
     }
 }

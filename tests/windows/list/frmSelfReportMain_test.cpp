@@ -70,7 +70,7 @@ TEST_F(ReportListWindow, ListsReportsInTheOrderOfTheirIds)
         EXPECT_EQ(list().text(0, column), columns[column].first);
         EXPECT_NEAR(list().columnTwips(column), columns[column].second, 8);
     }
-    const QString time = QLocale::system().toString(QDateTime({2026, 3, 5}, {8, 5, 9}), QLocale::ShortFormat);
+    const QString time = "2026-03-05 08:05";
     const QStringList rows[] = {{"2", "利润'表", "", time, "不显示"},
                                 {"7", "资产负债表", "王会计", time, "显示"},
                                 {"11", "附表", "王会计", time, "不显示"}};

@@ -191,7 +191,7 @@ TEST_F(Paste, OwnHtmlAndTextComeBackAsTheyWere)
     for (const QMimeData* data : {&html, &plain}) {
         EXPECT_EQ(pasteInto(other, *data, {1, 1, 1, 1}), "");
         EXPECT_EQ(other.sheet(1).displayText({2, 1}), "a\t\"b\"\n<c>");
-        EXPECT_EQ(other.sheet(1).value({1, 1}).isText(), data == &html) << "plain text cannot tell";
+        EXPECT_TRUE(other.sheet(1).value({1, 1}).isText()) << "a code, not the number 7";
     }
     EXPECT_EQ(pasteInto(other, html, {1, 1, 1, 1}), "");
     EXPECT_EQ(other.sheet(1).value({1, 2}).number(), 1.0 / 3);
