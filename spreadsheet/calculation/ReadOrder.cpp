@@ -5,8 +5,7 @@
 namespace spreadsheet {
 
 ReadOrder::ReadOrder(const DependencyGraph& graph, std::span<const Node> nodes)
-    : m_graph(graph)
-    , m_nodes(nodes.begin(), nodes.end())
+    : m_nodes(nodes.begin(), nodes.end())
     , m_index(nodes.size(), -1)
     , m_low(nodes.size(), 0)
     , m_done(nodes.size(), false)

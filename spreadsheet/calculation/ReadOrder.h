@@ -48,7 +48,6 @@ private:
     void visit(std::size_t start, const Visit& evaluate, const Visit& circular);
     void close(const Visit& circular);
 
-    const DependencyGraph& m_graph;
     std::vector<Node> m_nodes;
     std::map<std::pair<int, int>, std::vector<Rows>> m_columns; ///< by sheet and column; ascending rows
     std::vector<std::int32_t> m_index;                          ///< by node; -1: not begun
