@@ -133,7 +133,7 @@ constexpr Words files[] = {
      "<b>不能使用名称“%1”。</b><p>请换一个短一些、没有标点的名称。"},
 };
 
-constexpr Words colours[] = {
+constexpr Words colourDialog[] = {
     {"Select Color", "选择颜色"},
     {"&Basic colors", "基本颜色(&B)"},
     {"&Custom colors", "自定义颜色(&C)"},
@@ -160,7 +160,7 @@ QHash<QLatin1String, QString> allWords()
     add(buttons);
     add(contextMenus);
     add(files);
-    add(colours);
+    add(colourDialog);
     return words;
 }
 

@@ -24,7 +24,6 @@ using spreadsheet::Value;
 
 namespace {
 
-constexpr int mostDecimals = 15;
 constexpr double exampleOfEmptyCell = 1234567.89;
 
 constexpr struct {

@@ -19,7 +19,6 @@ using spreadsheet::Text;
 namespace {
 
 constexpr std::string_view capitalsCode = "[人民币大写]";
-constexpr int mostDecimals = 15;
 
 /// A figure without its sign.
 std::string figureCode(const Choice& choice)

@@ -7,6 +7,8 @@
 
 namespace selfreport {
 
+inline constexpr int mostDecimals = 15;
+
 /// How a cell's figures are shown, as users choose it; a number format code says the same.
 struct NumberFormatChoice {
     enum class Kind {
@@ -23,7 +25,7 @@ struct NumberFormatChoice {
 
     Kind kind = Kind::number;
     bool isGrouped = true;
-    int decimals = 2; ///< 0 to 15
+    int decimals = 2; ///< 0 to mostDecimals
     Negative negative = Negative::minus;
     Zero zero = Zero::digits;
     Unit unit = Unit::yuan;
