@@ -7,6 +7,7 @@
 #include "spreadsheet/calculation/criteria.h"
 #include "spreadsheet/calculation/Effort.h"
 #include "spreadsheet/calculation/Evaluator.h"
+#include "spreadsheet/calculation/linear_form.h"
 #include "spreadsheet/calculation/LookupIndexes.h"
 #include "spreadsheet/calculation/operators.h"
 #include "spreadsheet/calculation/Recalculation.h"
