@@ -15,20 +15,52 @@ namespace {
 
 constexpr int titleTime = 300; // milliseconds in which a window manager has put its title round a window
 
-void bringOntoScreen(QWidget& window)
+QSize borderOf(const QWidget& window)
+{
+    return window.frameGeometry().size() - window.size();
+}
+
+/// Makes a window as large as the screen allows. @return where its frame stands within the screen.
+QPoint fitted(QWidget& window, QRect frame)
 {
     const QRect screen = window.screen()->availableGeometry();
-    const QSize border = window.frameGeometry().size() - window.size();
-    if (!window.isVisible() || window.windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen))
-        return;
+    const QSize border = frame.size() - window.size();
     const QSize fitting = window.size().boundedTo(screen.size() - border);
     if (fitting != window.size())
         window.resize(fitting);
-    const QRect frame = window.frameGeometry();
-    const QPoint place(std::max(screen.left(), std::min(frame.left(), screen.right() + 1 - frame.width())),
-                       std::max(screen.top(), std::min(frame.top(), screen.bottom() + 1 - frame.height())));
-    if (place != frame.topLeft())
-        window.move(place);
+    frame.setSize(fitting + border);
+    return {std::max(screen.left(), std::min(frame.left(), screen.right() + 1 - frame.width())),
+            std::max(screen.top(), std::min(frame.top(), screen.bottom() + 1 - frame.height()))};
+}
+
+void bringOntoScreen(QWidget& window)
+{
+    const QPoint corner = fitted(window, window.frameGeometry());
+    if (corner != window.frameGeometry().topLeft())
+        window.move(corner);
+}
+
+/// A window that has no title yet gets one like that of the window that it opens over. The toolkit would
+/// centre it without one, and it would jump when it has it.
+void openOver(QWidget& window, const QWidget& parent)
+{
+    QRect frame({}, window.size() + borderOf(parent));
+    frame.moveCenter(parent.frameGeometry().center());
+    window.move(fitted(window, frame) + parent.geometry().topLeft() - parent.frameGeometry().topLeft());
+}
+
+void open(QWidget& window)
+{
+    const QWidget* const parent = window.parentWidget() ? window.parentWidget()->window() : nullptr;
+    if (parent && parent->isVisible() && !window.testAttribute(Qt::WA_Moved))
+        openOver(window, *parent);
+    else
+        bringOntoScreen(window);
+}
+
+bool fillsTheScreen(const QWidget& window)
+{
+    return window.windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen);
 }
 
 class WithinScreen : public QObject {
@@ -39,10 +71,11 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         auto& window = static_cast<QWidget&>(*watched);
-        if (event->type() == QEvent::Show && !event->spontaneous()) {
-            bringOntoScreen(window);
+        if (event->type() == QEvent::Show && !event->spontaneous() && !fillsTheScreen(window)) {
+            open(window);
             QTimer::singleShot(titleTime, &window, [&window, opened = window.size()] {
-                if (window.size() == opened) // else somebody wants it otherwise
+                const bool isWantedOtherwise = window.size() != opened || !window.isVisible();
+                if (!isWantedOtherwise && !fillsTheScreen(window))
                     bringOntoScreen(window);
             });
         }

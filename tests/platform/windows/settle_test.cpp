@@ -37,7 +37,9 @@ TEST_F(OnScreen, WindowsOpenWithTheirTitlesInSight)
             dialog.move(c.place);
         openOnScreen(dialog);
         show(dialog);
+        const QRect opened = dialog.geometry();
         QTest::qWait(600); // the manager's answers
+        EXPECT_TRUE(!c.isChild || dialog.geometry() == opened) << c.name << " jumps";
         EXPECT_TRUE(screen.contains(dialog.frameGeometry()))
             << c.name << ": " << dialog.frameGeometry().x() << ' ' << dialog.frameGeometry().y() << ' '
             << dialog.frameGeometry().width() << ' ' << dialog.frameGeometry().height();
