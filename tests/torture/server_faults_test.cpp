@@ -179,14 +179,14 @@ protected:
 
 TEST_F(ServerFaults, ASessionEndedByTheAdministrator)
 {
-    disturbActions(8, {[](RelayedAction&) { RealServer::ofProgram().endOtherSessions(); },
-                       [](RelayedAction&) {},
-                       {"与数据库的连接已断开，请再试一次", "会话已被数据库管理员结束，请再试一次"}});
+    disturbActions(16, {[](RelayedAction&) { RealServer::ofProgram().endOtherSessions(); },
+                        [](RelayedAction&) {},
+                        {"与数据库的连接已断开，请再试一次", "会话已被数据库管理员结束，请再试一次"}});
 }
 
 TEST_F(ServerFaults, AServerThatIsKilled)
 {
-    disturbActions(12, {[](RelayedAction&) { tds::killServer(); },
+    disturbActions(32, {[](RelayedAction&) { tds::killServer(); },
                         [](RelayedAction&) { tds::startServerAgain(); },
                         {"与数据库的连接已断开，请再试一次", "数据库文件不存在或读取错误!"}});
 }
@@ -194,12 +194,12 @@ TEST_F(ServerFaults, AServerThatIsKilled)
 /// Of what the server answers to a request nothing comes through; the user cancels.
 TEST_F(ServerFaults, AServerThatFallsSilent)
 {
-    disturbActions(9, {[](RelayedAction& on) { on.user.isSilent = on.relay.isSilent = true; },
-                       [](RelayedAction& on) { on.user.isSilent = on.relay.isSilent = false; },
-                       {"", "操作已取消，报表没有保存。", "操作已取消，报表没有读出。",
-                        "操作已取消，报表没有删除。", "操作已取消，页面设置和页眉页脚没有存入数据库。",
-                        "操作已取消，数据库没有答复，无法确定更改是否已保存。",
-                        "操作已取消，数据库没有答复，无法确定报表是否已删除。"}});
+    disturbActions(19, {[](RelayedAction& on) { on.user.isSilent = on.relay.isSilent = true; },
+                        [](RelayedAction& on) { on.user.isSilent = on.relay.isSilent = false; },
+                        {"", "操作已取消，报表没有保存。", "操作已取消，报表没有读出。",
+                         "操作已取消，报表没有删除。", "操作已取消，页面设置和页眉页脚没有存入数据库。",
+                         "操作已取消，数据库没有答复，无法确定更改是否已保存。",
+                         "操作已取消，数据库没有答复，无法确定报表是否已删除。"}});
 }
 
 /// Whether the server ends the wait for a lock or not, the user goes on.

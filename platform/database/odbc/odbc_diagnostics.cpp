@@ -94,7 +94,7 @@ std::string textsBehind(const std::string& ours, std::span<const OdbcRecord> rec
             continue;
         text += (text.empty() ? "" : "\n") + record.text;
     }
-    return text.empty() ? "与数据库的连接已断开, 或数据库没有说明原因" : ours + "：" + text;
+    return text.empty() ? ours : ours + "：" + text;
 }
 
 std::string joinedTexts(std::span<const OdbcRecord> records, const char* otherwise = "数据库报告了错误")
@@ -185,8 +185,11 @@ DatabaseError workError(std::span<const OdbcRecord> records)
 
 void throwWorkError(std::span<const OdbcRecord> records, bool isDead)
 {
+    // A driver whose server went away in the middle of a reply may give no reason at all.
+    const bool tellsNothing =
+        std::ranges::all_of(records, [](const OdbcRecord& record) { return record.text.empty(); });
     DatabaseError error = workError(records);
-    if (isDead || saysLost(records)) {
+    if (isDead || tellsNothing || saysLost(records)) {
         error.description = joinedTexts(records, connectionIsLost);
         throw errorAs<ConnectionLost>(error);
     }
