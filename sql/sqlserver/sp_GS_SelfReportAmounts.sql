@@ -160,8 +160,9 @@ begin -- self-report ledger procedure, version 2
     exec sp_executesql @sql, N'@itemTable varchar(200)', @itemTable=@itemTable
     select @itemTable=min(itemTable) from #part where isAccount=0 and itemTable>@itemTable
   end
-  select h.textId, h.detail into #detail from #held as h group by h.textId, h.detail
-    having count(*)=(select count(*) from #part as p where p.textId=h.textId and p.isAccount=0)
+  select h.textId, h.detail into #detail from #held as h
+    join (select textId, count(*) as parts from #part where isAccount=0 group by textId) as p on p.textId=h.textId
+    group by h.textId, h.detail, p.parts having count(*)=p.parts
 
   -- The rows that count, summed by account, and by combination where one side of each is asked for.
   select cast(0 as int) as ordinal, cast(0 as int) as account, cast(0 as int) as detail, cast(0 as int) as side,
@@ -173,7 +174,7 @@ begin -- self-report ledger procedure, version 2
   set @amount=N'case c.original when 1 then '+replace(@amount, N'?', N'For')+N' else '+replace(@amount, N'?', N'')+N' end'
   set @sql=N'insert into #row select c.ordinal,m.account,case c.side when 0 then 0 else a.fDetailId end,c.side,sum(case when '
     +N'c.kind in (1,2,9,10) and m.direction<0 then -('+@amount+N') else '+@amount+N' end),count('+@amount+N') from #call as c '
-    +N'join #text as t on t.id=c.textId join #account as m on m.textId=c.textId join tblAccountBal as a on '
+    +N'join #text as t on t.id=c.textId join #account as m on m.textId=c.textId ! join tblAccountBal as a on '
     +N'a.faccountid=m.account and a.fYear=c.fYear and a.fPeriod>=c.firstPeriod and a.fPeriod<=c.lastPeriod and ? '
     +N'left join tblQtyBalance as d on c.kind in (9,10,11,12) and d.fAccountId=a.faccountid and d.fYear=a.fYear and '
     +N'd.fPeriod=a.fPeriod and d.fDetailid=a.fDetailId and d.fCurrencyid=a.fCurrencyid left join tblProfitAndLoss as e '
@@ -181,16 +182,17 @@ begin -- self-report ledger procedure, version 2
     +N'e.fDetailid=a.fDetailId and e.fCurrencyid=a.fCurrencyid where c.returned=1 and (c.original=0 or '
     +N'a.fCurrencyid=c.currencyId) and t.joins=~ group by c.ordinal,m.account,case c.side when 0 then 0 else a.fDetailId end,'
     +N'c.side'
-  set @rows=replace(replace(@sql, N'?', N'a.fDetailId=0'), N'~', N'0')
+  set @rows=replace(replace(replace(@sql, N'?', N'a.fDetailId=0'), N'~', N'0'), N'!', N'')
   exec sp_executesql @rows
   if exists(select 1 from #part where isAccount=0)
   begin
-    set @rows=replace(replace(@sql, N'?', N'a.fDetailId in (select k.detail from #detail as k where k.textId=c.textId)'), N'~', N'2')
+    set @rows=replace(replace(replace(@sql, N'?', N'a.fDetailId=k.detail'), N'~', N'2'),
+      N'!', N'join #detail as k on k.textId=c.textId')
     exec sp_executesql @rows
   end
   if exists(select 1 from #text where joins=1)
   begin
-    set @rows=replace(replace(@sql, N'?', N'a.fDetailId<>0'), N'~', N'1')
+    set @rows=replace(replace(replace(@sql, N'?', N'a.fDetailId<>0'), N'~', N'1'), N'!', N'')
     exec sp_executesql @rows
   end
 
