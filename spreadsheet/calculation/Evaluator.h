@@ -61,7 +61,7 @@ public:
 
     std::vector<QueuedCellChange>& queue() { return m_queue; }
 
-private:
+protected: // for the machine that goes the same steps with its eye on what they make of calls
     Operand run(const Formula& formula, const EvaluationPlace& place);
     Operand runPart(const Formula& formula, int first, int end, const EvaluationPlace& place);
     int step(const Formula& formula, const Instruction& instruction, int position,

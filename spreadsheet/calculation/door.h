@@ -10,6 +10,7 @@
 #include "spreadsheet/calculation/linear_form.h"
 #include "spreadsheet/calculation/LookupIndexes.h"
 #include "spreadsheet/calculation/operators.h"
+#include "spreadsheet/calculation/PerturbedBook.h"
 #include "spreadsheet/calculation/Recalculation.h"
 #include "spreadsheet/calculation/RecalculationReport.h"
 #include "spreadsheet/calculation/wildcards.h"

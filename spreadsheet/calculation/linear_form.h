@@ -55,4 +55,17 @@ struct LinearForm {
 /// @param cell  that lies on a sheet of the book
 LinearForm linearForm(const Book& book, const CallPlace& cell, const CallAnswers& answers);
 
+/// How much is wrong with a call: 0 nothing, more is worse.
+using CallSeverity = std::function<int(const CallPlace& cell, int call)>;
+
+struct CarriedSeverity {
+    CallPlace cell;
+    int severity; ///< the worst among the calls of its form; more than 0
+};
+
+/// The cells of the book with something wrong among the calls of their form, also where these cancel. A
+/// branch that is not taken, and what only decides which one is, leaves a cell clean.
+std::vector<CarriedSeverity> carriedSeverities(const Book& book, const CallAnswers& answers,
+                                               const CallSeverity& severity);
+
 } // namespace spreadsheet

@@ -1,0 +1,251 @@
+// Linear forms of formulas drawn by chance against a copy of the workbook in which one answer is another.
+#include "tests/spreadsheet/calculation/CalledBook.h"
+
+#include "spreadsheet/calculation/PerturbedBook.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <random>
+
+using namespace spreadsheet;
+
+namespace {
+
+/// Formulas over A1:A12 (calls), B1:B12 (plain numbers), C1:C12 (keys) and the formulas above them.
+class FormulaDraw {
+public:
+    explicit FormulaDraw(unsigned seed)
+        : m_random(seed)
+    {
+    }
+
+    std::size_t choose(std::size_t below) { return m_random() % below; }
+    std::string cell(const char* column) { return column + std::to_string(1 + choose(12)); }
+    std::string range(const char* column)
+    {
+        const std::size_t first = 1 + choose(12);
+        const std::size_t last = first + choose(13 - first);
+        return column + std::to_string(first) + ":" + column + std::to_string(last);
+    }
+    /// @param above  how many formulas stand in F above this one
+    std::string formula(int depth, std::size_t above)
+    {
+        const auto inner = [&] { return formula(depth - 1, above); };
+        if (depth == 0)
+            return leaf(above);
+        switch (choose(28)) {
+        case 0:
+        case 1:
+        case 2:
+            return "(" + inner() + "+" + inner() + ")";
+        case 3:
+        case 4:
+            return "(" + inner() + "-" + inner() + ")";
+        case 5:
+        case 6:
+            return "(" + inner() + "*" + cell("B") + ")";
+        case 7:
+            return "(" + inner() + "/" + cell("B") + ")";
+        case 8:
+            return "-" + inner() + "%";
+        case 9:
+            return "(" + inner() + "*" + inner() + ")";
+        case 10:
+            return "IF(" + inner() + ">" + leaf(above) + "," + inner() + "," + inner() + ")";
+        case 11:
+            return "IF(" + cell("B") + ">5," + inner() + "," + inner() + ")";
+        case 12:
+            return "CHOOSE(1+MOD(ROW(" + cell("B") + "),2)," + inner() + "," + inner() + ")";
+        case 13:
+            return "IFERROR(" + inner() + "/(" + cell("B") + "-" + cell("B") + ")," + inner() + ")";
+        case 14:
+            return (choose(2) == 0 ? "MAX(" : "MIN(") + inner() + "," + range("A") + ")";
+        case 15:
+            return "ABS(" + inner() + ")";
+        case 16:
+            return (choose(2) == 0 ? "ROUND(" : "ROUNDDOWN(") + inner() + "," + std::to_string(choose(4)) +
+                   ")";
+        case 17:
+            return "MROUND(ABS(" + inner() + "),0.05)";
+        case 18:
+            return "SQRT(ABS(" + inner() + "))";
+        case 19:
+            return "SUM(" + inner() + "," + range("A") + "," + range("B") + ")";
+        default:
+            return ofRanges(above);
+        }
+    }
+
+private:
+    std::string leaf(std::size_t above)
+    {
+        if (above > 0 && choose(4) == 0)
+            return "F" + std::to_string(1 + choose(above));
+        switch (choose(5)) {
+        case 0:
+            return std::to_string(1 + choose(40)) + ".5";
+        case 1:
+            return cell("B");
+        case 2:
+            return "Fetch(" + std::to_string(100 + choose(900)) + ".25)";
+        default:
+            return cell("A");
+        }
+    }
+    std::string ofRanges(std::size_t above)
+    {
+        const std::string a = "A1:A12";
+        switch (choose(9)) {
+        case 0:
+            return "AVERAGE(" + range("A") + "," + cell("B") + ")";
+        case 1:
+            return "SUMPRODUCT(" + a + ",B1:B12)";
+        case 2:
+            return "SUMPRODUCT((C1:C12=\"甲\")*" + a + ")";
+        case 3:
+            return "SUMIF(C1:C12,\"乙\"," + a + ")";
+        case 4:
+            return "SUMIFS(" + a + ",C1:C12,\"甲\",B1:B12,\">4\")";
+        case 5:
+            return "INDEX(A1:B12," + std::to_string(1 + choose(12)) + "," + std::to_string(1 + choose(2)) +
+                   ")";
+        case 6:
+            return "VLOOKUP(" + std::to_string(1 + choose(12)) + ",D1:E12,2,FALSE)";
+        case 7:
+            return "SUBTOTAL(" + std::string(choose(2) == 0 ? "9" : "101") + "," + range("A") + ")";
+        default:
+            return above == 0 ? "SUM(" + range("A") + ")"
+                              : "SUM(F1:F" + std::to_string(1 + choose(above)) + ")";
+        }
+    }
+
+    std::mt19937 m_random;
+};
+
+constexpr int formulasPerBook = 50;
+
+void fill(CalledBook& book, FormulaDraw& draw)
+{
+    for (int row = 1; row <= 12; ++row) {
+        const std::string number = std::to_string(row);
+        book.type("A" + number, std::string(draw.choose(3) == 0 ? "-" : "") + "Fetch(" +
+                                    std::to_string(1000 + draw.choose(90'000)) + "." +
+                                    std::to_string(10 + draw.choose(90)) + ")");
+        book.sheet().setNumber({2, row}, 1 + static_cast<double>(draw.choose(9)));
+        book.sheet().setText({3, row}, draw.choose(2) == 0 ? "甲" : "乙");
+        book.sheet().setNumber({4, row}, row);
+        book.type("E" + number, "A" + number + "*2");
+    }
+    for (std::size_t row = 1; row <= formulasPerBook; ++row)
+        book.type("F" + std::to_string(row), draw.formula(static_cast<int>(draw.choose(4)), row - 1));
+    book.workbook.recalculate();
+}
+
+/// How much a figure may be off: amounts of the size that its summands have leave no more.
+double toleranceOf(const LinearForm& form, const CalledBook& book)
+{
+    double size = std::abs(form.constant) + 1;
+    for (const LinearTerm& term : form.terms)
+        size += std::abs(term.coefficient * book.answer(term.cell, term.call).number());
+    for (const LinearRounding& rounding : form.roundings)
+        size += std::abs(rounding.amount);
+    return 1e-9 * size;
+}
+
+/// The changes of an answer that are tried. A small one turns no condition; a large one makes little of what
+/// is rounded.
+constexpr double changes[] = {0.01, -0.01, 1, -1, 100, -100, 1000, -1000, 1e4, -1e4, 1e5, -1e5, 1e9, -1e9};
+
+/// How much what is rounded may turn a change into another.
+double roundingOf(const LinearForm& form)
+{
+    constexpr double mostTimes = 100; // that a rounded figure is counted
+    double steps = 0;
+    for (const LinearRounding& rounding : form.roundings)
+        steps += mostTimes * rounding.step;
+    return steps;
+}
+
+struct Figures {
+    std::vector<LinearForm> forms;
+    std::vector<double> values;
+    /// By formula: whether a change has agreed with the coefficient of the call in question, or, of one that
+    /// is not linear, with what it says it is made of.
+    std::vector<bool> agreed;
+};
+
+void compare(const CalledBook& book, const PerturbedBook& copy, const PerturbedBook::Made& call,
+             double change, Figures& figures)
+{
+    for (int row = 1; row <= formulasPerBook; ++row) {
+        const auto at = static_cast<std::size_t>(row) - 1;
+        const LinearForm& form = figures.forms[at];
+        const auto term = std::ranges::find_if(form.terms, [&](const LinearTerm& each) {
+            return each.cell == call.cell && each.call == call.call;
+        });
+        const double coefficient = term == form.terms.end() ? 0 : term->coefficient;
+        const Value value = copy.value({1, 6, row});
+        const double moved = value.isNumber() ? value.number() - figures.values[at] : NAN;
+        const double size = std::abs(change);
+        const double rounded = size < 1e3 * roundingOf(form) ? 1e-6 * size : roundingOf(form);
+        const double tolerance = 1e-3 * toleranceOf(form, book) + 1e-6 * std::abs(coefficient * change) +
+                                 (form.roundings.empty() ? 0 : std::max(rounded, 1e-6 * size));
+        const bool isListed = term != form.terms.end() || std::abs(moved) <= tolerance;
+        if (form.isLinear ? std::abs(moved - coefficient * change) <= tolerance : isListed)
+            figures.agreed[at] = true;
+    }
+}
+
+void checkSum(const CalledBook& book, const LinearForm& form, double value, const std::string& what)
+{
+    double sum = form.constant;
+    for (const LinearTerm& term : form.terms)
+        sum += term.coefficient * book.answer(term.cell, term.call).number();
+    for (const LinearRounding& rounding : form.roundings)
+        sum += rounding.amount;
+    EXPECT_NEAR(sum, value, toleranceOf(form, book)) << what;
+}
+
+} // namespace
+
+TEST(LinearFormOracle, CoefficientsAreWhatAChangedAnswerShows)
+{
+    const char* const asked = std::getenv("SELFREPORT_FORMULAS"); // 20000 takes some ten seconds
+    const int books = (asked ? std::atoi(asked) : 1'000) / formulasPerBook;
+    int linear = 0, compared = 0;
+    for (int number = 0; number < books; ++number) {
+        FormulaDraw draw(static_cast<unsigned>(number) + 1);
+        CalledBook book;
+        fill(book, draw);
+        Figures figures;
+        for (int row = 1; row <= formulasPerBook; ++row) {
+            const CallPlace cell{1, 6, row};
+            const Value value = book.sheet().value({6, row});
+            figures.forms.push_back(book.form(cell));
+            figures.values.push_back(value.isNumber() ? value.number() : 0);
+            if (!figures.forms.back().isLinear)
+                continue;
+            ++linear;
+            checkSum(book, figures.forms.back(), figures.values.back(), book.sheet().formula({6, row}));
+        }
+        PerturbedBook copy(book.workbook.book(),
+                           [&book](const CallPlace& cell, int call) { return book.answer(cell, call); });
+        for (const PerturbedBook::Made& call : copy.calls()) {
+            figures.agreed.assign(formulasPerBook, false);
+            for (const double change : changes) {
+                copy.compute(call.cell, call.call, call.answer.number() + change);
+                compare(book, copy, call, change, figures);
+            }
+            for (std::size_t at = 0; at < formulasPerBook; ++at) {
+                compared += figures.forms[at].isLinear ? 1 : 0;
+                EXPECT_TRUE(figures.agreed[at])
+                    << "book " << number << " F" << at + 1 << " " << book.sheet().formula({6, int(at) + 1})
+                    << " by " << cellName({call.cell.column, call.cell.row}) << "#" << call.call;
+            }
+        }
+    }
+    std::cout << books * formulasPerBook << " formulas, " << linear << " linear, " << compared
+              << " coefficients compared\n";
+    EXPECT_GE(2 * linear, books * formulasPerBook);
+}
