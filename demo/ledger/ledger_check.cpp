@@ -170,8 +170,15 @@ std::vector<Identity> profitIdentities()
                "round(sum(-b.fDirection*e.fAmount)-(select sum(r.fCredit-r.fDebit) from tblVoucherEntry as r "
                "inner "
                "join tblVoucher as v on v.fvoucherid=r.fvoucherid inner join tblAccount as p on "
-               "p.fitemid=r.faccountid where p.fNumber='4103' and v.fexplanation='结转本期损益' and "
+               "p.fitemid=r.faccountid where p.fNumber='4103' and v.fcarryover=1 and "
                "v.fYear=e.fYear and v.fPeriod=e.fPeriod),2)<>0) as x")},
+        {"profit and loss amounts = vouchers that carry nothing over",
+         count("(select e.faccountid,e.fDetailId,v.fYear,v.fPeriod,e.fCurrencyid,sum(e.fDebit-e.fCredit) as "
+               "f from tblVoucherEntry as e inner join tblVoucher as v on v.fvoucherid=e.fvoucherid where "
+               "v.fcarryover=0 group by e.faccountid,e.fDetailId,v.fYear,v.fPeriod,e.fCurrencyid) as s inner "
+               "join tblAccount as b on b.fitemid=s.faccountid left outer join tblProfitAndLoss as p on " +
+               sameKey("s", "p", true) +
+               " where b.fNumber like '6%' and round(isnull(p.fAmount,0)-b.fDirection*s.f,2)<>0")},
         {"profit and loss to date = earlier + amount",
          count("tblProfitAndLoss as a left outer join tblProfitAndLoss as p on " + sameKey("a", "p", false) +
                " and p.fYear=a.fYear and p.fPeriod=a.fPeriod-1 where "

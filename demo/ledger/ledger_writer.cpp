@@ -3,6 +3,7 @@
 #include "platform/database/Connection.h"
 
 #include <array>
+#include <utility>
 
 namespace selfreport::demo {
 
@@ -121,23 +122,16 @@ private:
 
 void writeVouchers(Connection& connection, const std::vector<Voucher>& vouchers, int firstYear)
 {
-    connection.execute(
-        "create table tblVoucher(fvoucherid integer not null primary key, fYear integer not null, "
-        "fPeriod integer not null, fdate datetime not null, fexplanation varchar(100))");
-    connection.execute(
-        "create table tblVoucherEntry(fvoucherid integer not null, fentryid integer not null, "
-        "faccountid integer not null, fDetailId integer not null, fCurrencyid integer not null, "
-        "fDebitFor decimal(18,2) not null, fDebit decimal(18,2) not null, fCreditFor decimal(18,2) not null, "
-        "fCredit decimal(18,2) not null, fDebitQty decimal(18,4) not null, fCreditQty decimal(18,4) not "
-        "null, "
-        "primary key(fvoucherid,fentryid))");
-    const std::string voucherSql = insertInto("tblVoucher", 5);
+    const std::string voucherSql = insertInto("tblVoucher", 7);
     const std::string entrySql = insertInto("tblVoucherEntry", 11);
-    std::int64_t id = 0;
+    std::int64_t id = 0, number = 0;
+    int period = -1;
     for (const Voucher& voucher : vouchers) {
         const SqlDateTime day = dayOf(voucher, firstYear);
+        number = std::exchange(period, voucher.period) == voucher.period ? number + 1 : 1;
         connection.execute(voucherSql, {integer(++id), integer(day.year), integer(day.month), day,
-                                        std::string(voucher.explanation)});
+                                        "记-" + std::to_string(number), std::string(voucher.explanation),
+                                        integer(voucher.carriesOver ? 1 : 0)});
         std::int64_t line = 0;
         for (const VoucherEntry& entry : voucher.entries)
             connection.execute(entrySql,

@@ -20,7 +20,7 @@ inline SqlValue integer(std::int64_t value)
 /// Chart of accounts, currencies, item classes, items and combinations, users, menu nodes.
 void writeBasicData(Connection& connection, const LedgerBook& book, const DemoItems& items);
 
-/// Creates the voucher tables and fills them.
+/// Numbered anew in each period.
 void writeVouchers(Connection& connection, const std::vector<Voucher>& vouchers, int firstYear);
 
 /// Balances, quantities and profit and loss of all periods. A line has rows from its first movement of a year

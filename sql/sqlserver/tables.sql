@@ -106,6 +106,31 @@ if object_id('tblGoods') is null
     fNumber varchar(50) collate Chinese_PRC_CI_AS not null unique,
     fName varchar(100) collate Chinese_PRC_CI_AS not null)
 go
+if object_id('tblVoucher') is null
+begin
+  create table tblVoucher(
+    fvoucherid int not null primary key, fYear int not null, fPeriod int not null, fdate datetime not null,
+    fnumber varchar(50) collate Chinese_PRC_CI_AS not null,
+    fexplanation varchar(200) collate Chinese_PRC_CI_AS,
+    fcarryover int not null default 0); -- 1: carries profit and loss over, so its amounts are no income or cost
+  create index ixVoucherPeriod on tblVoucher(fYear,fPeriod);
+end
+go
+if object_id('tblVoucherEntry') is null
+begin
+  create table tblVoucherEntry(
+    fvoucherid int not null, fentryid int not null, faccountid int not null, fDetailId int not null default 0,
+    fCurrencyid int not null,
+    fDebitFor decimal(18,2) not null default 0,
+    fDebit decimal(18,2) not null default 0,
+    fCreditFor decimal(18,2) not null default 0,
+    fCredit decimal(18,2) not null default 0,
+    fDebitQty decimal(18,4) not null default 0,
+    fCreditQty decimal(18,4) not null default 0,
+    primary key(fvoucherid,fentryid));
+  create index ixVoucherEntryAccount on tblVoucherEntry(faccountid,fvoucherid);
+end
+go
 if object_id('tbluser') is null
   create table tbluser(
     fuserid varchar(50) collate Chinese_PRC_CI_AS not null primary key,

@@ -35,8 +35,9 @@ TEST_F(ServerInstallation, AgainKeepsRowsAndRights)
     m_connection->execute("insert into tblSelfReportFieldKey values(3,'98','自定义')");
     m_connection->execute("insert into tblCurrency values(1,'RMB','人民币')");
     const std::string object = text("select object_id('sp_GS_AcctProc') as f"); // rights hang on the object
-    for (const char* script : {"tables.sql", "indexes.sql", "sp_GS_SelfReportAmount.sql",
-                               "sp_GS_SelfReportAmounts.sql", "sp_GS_AcctProc.sql", "field_keys.sql"})
+    for (const char* script :
+         {"tables.sql", "indexes.sql", "sp_GS_SelfReportAmount.sql", "sp_GS_SelfReportAmounts.sql",
+          "sp_GS_AcctProc.sql", "sp_GS_VoucherProc.sql", "field_keys.sql"})
         EXPECT_NO_THROW(tds::runServerScript(*m_connection, script)) << script;
     EXPECT_EQ(text("select object_id('sp_GS_AcctProc') as f"), object);
     EXPECT_EQ(text("select count(*) as f from tblSelfReportFieldKey"), "15");

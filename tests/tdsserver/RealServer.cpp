@@ -76,8 +76,9 @@ Connection& RealServer::direct()
 
 void RealServer::install()
 {
-    for (const char* script : {"tables.sql", "indexes.sql", "sp_GS_SelfReportAmount.sql",
-                               "sp_GS_SelfReportAmounts.sql", "sp_GS_AcctProc.sql", "field_keys.sql"})
+    for (const char* script :
+         {"tables.sql", "indexes.sql", "sp_GS_SelfReportAmount.sql", "sp_GS_SelfReportAmounts.sql",
+          "sp_GS_AcctProc.sql", "sp_GS_VoucherProc.sql", "field_keys.sql"})
         runServerScript(direct(), script);
     m_objects = objects();
 }
@@ -149,7 +150,8 @@ void RealServer::restoreUnlessLocked()
     for (const char* table :
          {"tblAccountBal", "tblQtyBalance", "tblProfitAndLoss", "tblAccount", "tblAccountHSDetail",
           "tblCurrency", "tblItemClass", "tblItemDetailV", "tblDepartment", "tblCustomer", "tblSupplier",
-          "tblGoods", "tbluser", "tblsystemprivillenge", "tblCWSelfReport", "tblSelfReportFieldKey"})
+          "tblGoods", "tblVoucher", "tblVoucherEntry", "tbluser", "tblsystemprivillenge", "tblCWSelfReport",
+          "tblSelfReportFieldKey"})
         emptied += std::string("delete from ") + table + " ";
     direct().execute(emptied);
     runServerScript(direct(), "field_keys.sql");

@@ -221,7 +221,10 @@ ProcedureResult OdbcSession::callAlone(const ProcedureCall& call)
     try {
         running.statement.run("{?=call " + call.procedure + (marks.empty() ? "" : "(" + marks + ")") + "}");
         do {
-            if (auto rows = running.statement.rows(BinaryColumns::left); rows && !result.rows)
+            auto rows = running.statement.rows(BinaryColumns::left);
+            if (rows && result.rows)
+                result.moreRows.push_back(std::move(*rows));
+            else if (rows)
                 result.rows = std::move(rows);
         } while (running.statement.nextResult());
         running.throwIfCancelled();
@@ -232,6 +235,7 @@ ProcedureResult OdbcSession::callAlone(const ProcedureCall& call)
     } catch (const DatabaseError& error) {
         running.throwIfCancelled(); // the calls that follow are not wanted either
         result.rows.reset();
+        result.moreRows.clear();
         result.error = error;
     }
     return result;

@@ -11,6 +11,10 @@ inline constexpr std::int32_t loginRejected = -2147217843;
 /// Number of every other failure on opening, and of failures that carry no number of their own.
 inline constexpr std::int32_t unspecifiedError = -2147467259;
 
+/// Numbers of calls that cannot be made: there is no such procedure, or the user may not run it.
+inline constexpr std::int32_t procedureMissing = 2812;
+inline constexpr std::int32_t permissionDenied = 229;
+
 /// The database refused or is out of reach. Descriptions are UTF-8 and never hold a password.
 struct DatabaseError : std::runtime_error {
     DatabaseError(std::int32_t code, const std::string& text)

@@ -31,8 +31,9 @@ struct ProcedureCall {
 
 /// What one call gave. Without an error the rows are whole and the return value is the procedure's own.
 struct ProcedureResult {
-    std::int64_t returnValue = -1;   ///< stays -1 if the call failed
-    std::optional<Recordset> rows{}; ///< none if the procedure opened no row set
+    std::int64_t returnValue = -1;     ///< stays -1 if the call failed
+    std::optional<Recordset> rows{};   ///< none if the procedure opened no row set
+    std::vector<Recordset> moreRows{}; ///< behind the first row set, of a call that goes out alone
     std::optional<DatabaseError> error{};
 };
 

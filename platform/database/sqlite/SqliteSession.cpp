@@ -18,6 +18,7 @@ SqliteSession::SqliteSession(const std::string& file)
     , m_lists(m_database,
               [this](std::string_view sql) { return withoutBinaryColumns(m_database, toEmbeddedSql(sql)); })
     , m_acctProcedure(m_database)
+    , m_voucherProcedure(m_database)
 {
 }
 
@@ -58,9 +59,12 @@ std::vector<ProcedureResult> SqliteSession::callProcedures(std::span<const Proce
     for (const ProcedureCall& call : calls) {
         ProcedureResult& result = results.emplace_back();
         try {
-            if (!sameName(call.procedure, AcctProcedure::name))
-                throw DatabaseError(unspecifiedError, "找不到存储过程 " + call.procedure);
-            result = m_acctProcedure.run(call);
+            if (sameName(call.procedure, AcctProcedure::name))
+                result = m_acctProcedure.run(call);
+            else if (sameName(call.procedure, VoucherProcedure::name))
+                result = m_voucherProcedure.run(call);
+            else
+                throw DatabaseError(procedureMissing, "找不到存储过程 " + call.procedure);
         } catch (const DatabaseError& error) {
             result.error = error;
         }

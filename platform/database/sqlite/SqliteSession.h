@@ -3,12 +3,13 @@
 #include "platform/database/sqlite/AcctProcedure.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "platform/database/sqlite/StatementCache.h"
+#include "platform/database/sqlite/VoucherProcedure.h"
 
 #include <string>
 
 namespace selfreport {
 
-/// A session on the embedded database; runs the stored procedure itself.
+/// A session on the embedded database; runs the stored procedures itself.
 class SqliteSession final : public Session {
 public:
     /// @throws DatabaseError
@@ -42,6 +43,7 @@ private:
     StatementCache m_statements;
     StatementCache m_lists; ///< queries without their binary columns
     AcctProcedure m_acctProcedure;
+    VoucherProcedure m_voucherProcedure;
 };
 
 } // namespace selfreport

@@ -68,6 +68,23 @@ create table tblItemDetailV(
 create index ixItemDetailItem on tblItemDetailV(fitemid,fdetailId);
 )sql";
 
+// Lines are found by their account, in the order in which they were posted.
+constexpr const char* voucherTables = R"sql(
+create table tblVoucher(
+  fvoucherid integer primary key, fYear integer not null, fPeriod integer not null, fdate datetime not null,
+  fnumber varchar(50) not null collate chinese, fexplanation varchar(200) collate chinese,
+  fcarryover integer not null default 0);
+create index ixVoucherPeriod on tblVoucher(fYear,fPeriod);
+create table tblVoucherEntry(
+  fvoucherid integer not null, fentryid integer not null, faccountid integer not null,
+  fDetailId integer not null default 0, fCurrencyid integer not null,
+  fDebitFor decimal(18,2) not null default 0, fDebit decimal(18,2) not null default 0,
+  fCreditFor decimal(18,2) not null default 0, fCredit decimal(18,2) not null default 0,
+  fDebitQty decimal(18,4) not null default 0, fCreditQty decimal(18,4) not null default 0,
+  primary key(fvoucherid,fentryid)) without rowid;
+create index ixVoucherEntryAccount on tblVoucherEntry(faccountid,fvoucherid);
+)sql";
+
 std::string itemTable(const std::string& name)
 {
     return "create table " + name +
@@ -112,7 +129,8 @@ std::string fieldKeyRows()
 
 std::string ledgerSchemaScript()
 {
-    std::string script = std::string(balanceTables) + accountTables + itemTables + suiteTables;
+    std::string script =
+        std::string(balanceTables) + accountTables + itemTables + voucherTables + suiteTables;
     for (const char* name : {"tblDepartment", "tblCustomer", "tblSupplier", "tblGoods"})
         script += itemTable(name);
     return script + fieldKeyRows();
