@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/database/sqlite/acct_kinds.h"
+#include "platform/database/dialect/acct_kinds.h"
 
 #include <string>
 #include <string_view>

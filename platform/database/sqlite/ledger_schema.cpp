@@ -1,6 +1,6 @@
 #include "platform/database/sqlite/ledger_schema.h"
 
-#include "platform/database/sqlite/acct_kinds.h"
+#include "platform/database/dialect/acct_kinds.h"
 
 namespace selfreport {
 

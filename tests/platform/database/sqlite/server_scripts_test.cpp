@@ -1,4 +1,4 @@
-#include "platform/database/sqlite/acct_kinds.h"
+#include "platform/database/dialect/acct_kinds.h"
 
 #include "platform/database/dialect/sql_tokens.h"
 #include "tests/platform/database/database_folder.h"
