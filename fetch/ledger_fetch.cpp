@@ -112,26 +112,6 @@ void takeResult(LedgerAnswer& answer, const ProcedureResult& result)
         answer.failure = unreadableRow(*result.rows);
 }
 
-LedgerAnswer singleFetch(Connection& connection, const LedgerArguments& arguments)
-{
-    LedgerAnswer answer;
-    std::string failedLookup;
-    try {
-        const AccountExpression expression = parseAccountExpression(arguments.account);
-        std::vector<std::optional<std::string>> itemTables;
-        for (const ItemQualifier& qualifier : expression.qualifiers)
-            itemTables.push_back(itemTableIfFound(connection, qualifier.className, failedLookup));
-        fillAnswer(answer, expression, itemTables);
-        takeResult(answer,
-                   connection.call(ledgerProcedureCall(arguments, ledgerQuery(expression, itemTables))));
-    } catch (const std::exception& error) {
-        answer.failure = failures::sentenceOf(error);
-    }
-    if (!failedLookup.empty())
-        answer.failure = failedLookup;
-    return answer;
-}
-
 } // namespace
 
 std::optional<std::string> plainTable(const std::string& table)
@@ -172,6 +152,26 @@ std::optional<double> ledgerAmount(const ProcedureResult& result)
     return sum;
 }
 
+LedgerAnswer fetchLedgerAlone(Connection& connection, const LedgerArguments& arguments)
+{
+    LedgerAnswer answer;
+    std::string failedLookup;
+    try {
+        const AccountExpression expression = parseAccountExpression(arguments.account);
+        std::vector<std::optional<std::string>> itemTables;
+        for (const ItemQualifier& qualifier : expression.qualifiers)
+            itemTables.push_back(itemTableIfFound(connection, qualifier.className, failedLookup));
+        fillAnswer(answer, expression, itemTables);
+        takeResult(answer,
+                   connection.call(ledgerProcedureCall(arguments, ledgerQuery(expression, itemTables))));
+    } catch (const std::exception& error) {
+        answer.failure = failures::sentenceOf(error);
+    }
+    if (!failedLookup.empty())
+        answer.failure = failedLookup;
+    return answer;
+}
+
 LedgerAnswer fetchFromLedger(DatabaseAccess& database, const LedgerArguments& arguments)
 {
     LedgerAnswer answer;
@@ -180,7 +180,7 @@ LedgerAnswer fetchFromLedger(DatabaseAccess& database, const LedgerArguments& ar
     if (!database.connection || arguments.account.empty())
         return answer;
     answer = driverCall<LedgerAnswer>(database.connection, [arguments](Connection& connection) {
-        return singleFetch(connection, arguments);
+        return fetchLedgerAlone(connection, arguments);
     });
     database.close();
     return answer;

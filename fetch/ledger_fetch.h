@@ -61,6 +61,9 @@ ProcedureCall ledgerProcedureCall(const LedgerArguments& arguments, std::string 
 /// amount is null or no text adds nothing.
 std::optional<double> ledgerAmount(const ProcedureResult& result);
 
+/// The same on an open connection, by itself. Nothing is thrown: a step that fails is the answer's failure.
+LedgerAnswer fetchLedgerAlone(Connection& connection, const LedgerArguments& arguments);
+
 /// Fetches many at once: the item classes with one statement, the procedure calls as batches. One answer for
 /// each; nothing for a call that failed, which is then to be fetched alone. A round trip that ran out of time
 /// is the answer of all its calls. @throws DatabaseError

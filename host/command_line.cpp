@@ -54,6 +54,13 @@ constexpr auto checkHelp = R"(每行: 报表中的数、另行查询的数、是
 示例:
   selfreport check --db demo.db)";
 
+constexpr auto proveHelp =
+    R"(只读: 余额、发生额、累计、上下级科目、核算项目、试算平衡、损益、数量、档案、凭证,
+以及取数本身 (区间、成批、联查)。每项一行; 不符的列出差额、前十行和查全部的语句,退出码为 1。
+示例:
+  selfreport prove --db demo.db
+  selfreport prove --db demo.db --year 2025 --json > 自检.json)";
+
 constexpr auto convertHelp = R"(
 不能保留的内容逐条列在标准错误上。已有的文件在全部写好之后才被替换; 失败时原样保留。
 示例:
@@ -217,6 +224,12 @@ Command readCommandLine(int count, const char* const* arguments)
     CLI::App* checkCommand = addCommand(app, "check", "将演示报表的数据与另行查询的结果核对", checkHelp);
     addDatabase(checkCommand, check.database);
 
+    ProveCommand prove;
+    CLI::App* proveCommand = addCommand(app, "prove", "账套自检: 账簿各数之间应有的关系是否成立", proveHelp);
+    addDatabase(proveCommand, prove.database);
+    proveCommand->add_option("--year", prove.year, "只查一年")->type_name("Y");
+    proveCommand->add_flag("--json", prove.asJson, "写成 JSON");
+
     ConvertCommand convert;
     const CLI::App* convertCommand = addConvertCommand(app, convert);
 
@@ -237,6 +250,8 @@ Command readCommandLine(int count, const char* const* arguments)
         return run;
     if (checkCommand->parsed())
         return check;
+    if (proveCommand->parsed())
+        return prove;
     if (convertCommand->parsed())
         return convert;
     if (functionsCommand->parsed())

@@ -22,6 +22,11 @@ struct RunCommand {
 struct CheckCommand {
     std::string database;
 };
+struct ProveCommand {
+    std::string database;
+    int year = 0; ///< 0: all
+    bool asJson = false;
+};
 struct ConvertCommand {
     std::string input, output;
     bool recalculates = false;
@@ -37,7 +42,7 @@ struct Finished {
 };
 
 using Command = std::variant<Finished, WindowCommand, DemoCommand, ListCommand, RunCommand, CheckCommand,
-                             ConvertCommand, FunctionsCommand>;
+                             ProveCommand, ConvertCommand, FunctionsCommand>;
 
 /// Reads the command line. Prints help to standard output and refusals to standard error.
 Command readCommandLine(int count, const char* const* arguments);

@@ -19,6 +19,10 @@ struct Carry {
         return toolRun(run.database, run.reportId, {run.pdf, run.csv, run.allowFailed}, streams);
     }
     int operator()(const CheckCommand& check) const { return toolCheck(check.database, streams); }
+    int operator()(const ProveCommand& prove) const
+    {
+        return toolProve(prove.database, prove.year, prove.asJson, streams);
+    }
     int operator()(const FunctionsCommand&) const { return toolFunctions(streams); }
     int operator()(const ConvertCommand& convert) const
     {

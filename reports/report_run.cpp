@@ -25,17 +25,6 @@ std::string databaseName(const std::string& connectionString)
     }
 }
 
-/// Opens the database once, so that what is wrong with it is told by name.
-std::unique_ptr<Connection> provenConnection(const std::string& connectionString)
-{
-    try {
-        return openConnection(connectionString);
-    } catch (const std::exception& error) {
-        throw ReportRunError("无法打开数据库“" + databaseName(connectionString) + "”：" +
-                             failures::sentenceOf(error));
-    }
-}
-
 void load(ReportRun& run, std::int32_t id, DatabaseAccess& database)
 {
     try {
@@ -50,6 +39,16 @@ void load(ReportRun& run, std::int32_t id, DatabaseAccess& database)
 }
 
 } // namespace
+
+std::unique_ptr<Connection> provenConnection(const std::string& connectionString)
+{
+    try {
+        return openConnection(connectionString);
+    } catch (const std::exception& error) {
+        throw ReportRunError("无法打开数据库“" + databaseName(connectionString) + "”：" +
+                             failures::sentenceOf(error));
+    }
+}
 
 std::vector<ListedReport> listReports(const std::string& connectionString)
 {

@@ -13,6 +13,8 @@
 
 namespace selfreport {
 
+class Connection;
+
 /// A report cannot be listed or run; what() is one Chinese sentence that names the thing (the database, the
 /// report's id, what is damaged). It never holds a password.
 struct ReportRunError : std::runtime_error {
@@ -31,8 +33,11 @@ struct RunOptions {
     /// Fetches of one recalculation are shared and sent in batches; off: one call for each cell.
     bool fetchesShared = true;
     /// Told what goes on, in Chinese, before each longer step.
-    std::function<void(std::string_view)> progress;
+    std::function<void(std::string_view)> progress{};
 };
+
+/// Opens a database, so that what is wrong with it is told by name. @throws ReportRunError
+std::unique_ptr<Connection> provenConnection(const std::string& connectionString);
 
 /// All stored reports in the order of their ids.
 /// @throws ReportRunError

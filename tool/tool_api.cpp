@@ -5,6 +5,8 @@
 #include "demo/demo_check.h"
 #include "demo/demo_reports.h"
 #include "demo/ledger/demo_ledger.h"
+#include "explain/ledger_proof.h"
+#include "explain/proof_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/sqlite/sqlite_provider.h"
 #include "platform/services/FileDialog.h"
@@ -188,6 +190,18 @@ int toolCheck(const std::string& database, const ToolStreams& streams) noexcept
         }
         if (wrong > 0)
             throw ReportRunError(std::to_string(wrong) + " 个数据与另行查询的结果不一致");
+    });
+}
+
+int toolProve(const std::string& database, int year, bool asJson, const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        const auto connection = provenConnection(connectionString(database));
+        const LedgerProof proof = proveLedger(
+            *connection, year, [&](std::string_view name) { streams.notes << name << " …" << std::endl; });
+        streams.results << (asJson ? proofJson(proof) : proofText(proof));
+        if (proof.faults() > 0)
+            throw ReportRunError(proofSummary(proof));
     });
 }
 

@@ -42,6 +42,12 @@ int toolRun(const std::string& database, std::int32_t reportId, const ReportFile
 /// Sets figures of the demo reports beside the results of separate queries; 1 also if any two differ.
 int toolCheck(const std::string& database, const ToolStreams& streams) noexcept;
 
+/// Checks whether everything holds in a ledger that holds in a sound one, and whether reports read it as it
+/// is written. Reads only. 1 also if anything does not hold or could not be asked.
+/// @param year  only that one; 0: all
+/// @param asJson  one JSON object instead of lines
+int toolProve(const std::string& database, int year, bool asJson, const ToolStreams& streams) noexcept;
+
 /// Opens the program's window on a database and returns when it is closed.
 /// @param database  "": the user is asked for the file of an embedded database
 int toolWindow(const std::string& database, const ToolStreams& streams) noexcept;

@@ -42,6 +42,11 @@ bool gaveRows(const Recordset& rows)
     return rows.columnCount() > 0;
 }
 
+bool gaveRows(bool)
+{
+    return true;
+}
+
 bool gaveRows(const std::vector<ProcedureResult>& results)
 {
     return results.empty() || results[0].error || results[0].rows || results[0].returnValue != -1;
@@ -244,6 +249,16 @@ bool Connection::inTransaction() const
     return m_session->inTransaction();
 }
 
+bool Connection::beginReading()
+{
+    return reading([&] { return m_session->beginReading(); });
+}
+
+void Connection::endReading()
+{
+    guarded([&] { m_session->endReading(); });
+}
+
 void Connection::cancel()
 {
     const std::lock_guard lock(m_mutex);
@@ -270,6 +285,15 @@ std::unique_ptr<Connection> Connection::another() const
     connection->m_longestWait = std::chrono::seconds(10);
     connection->m_session->limitWaits(connection->m_longestWait);
     return connection;
+}
+
+ReadingOfOneMoment::~ReadingOfOneMoment()
+{
+    try {
+        m_connection.endReading();
+    } catch (const std::exception&) {
+        // The session is gone, or is thrown away for it.
+    }
 }
 
 Transaction::Transaction(Connection& connection)

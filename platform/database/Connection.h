@@ -58,6 +58,10 @@ public:
     void rollBack();
     bool inTransaction() const;
 
+    /// See Session: one moment for all that is read from here on.
+    bool beginReading();
+    void endReading();
+
     /// Stops the statement under way, from any thread; it fails with DatabaseError.
     void cancel();
 
@@ -113,6 +117,26 @@ public:
 private:
     Connection& m_connection;
     bool m_isOpen = true;
+};
+
+/// Reads of one moment, to the end of its scope.
+class ReadingOfOneMoment {
+public:
+    explicit ReadingOfOneMoment(Connection& connection)
+        : m_connection(connection)
+        , m_isOne(connection.beginReading())
+    {
+    }
+    ~ReadingOfOneMoment();
+    ReadingOfOneMoment(const ReadingOfOneMoment&) = delete;
+    ReadingOfOneMoment& operator=(const ReadingOfOneMoment&) = delete;
+
+    /// False: the database does not offer it, each statement sees what stands when it runs.
+    bool isOne() const { return m_isOne; }
+
+private:
+    Connection& m_connection;
+    bool m_isOne;
 };
 
 /// What this process did so far.

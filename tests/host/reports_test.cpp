@@ -76,6 +76,27 @@ TEST_F(Reports, FiguresAgreeWithSeparateQueriesUntilTheLedgerChanges)
     EXPECT_THAT(wrong.output, HasSubstr("不一致"));
 }
 
+TEST_F(Reports, TheLedgerIsProvedAndWhatIsWrongIsPlaced)
+{
+    const ProgramRun sound("prove --db " + demo());
+    EXPECT_EQ(sound.exitCode, 0) << sound.output << sound.errors;
+    EXPECT_THAT(sound.output, HasSubstr("通过\t凭证 = 发生额\n"));
+
+    const TestFolder folder;
+    std::filesystem::copy_file(demo(), folder.file("wrong.db"));
+    change(folder.file("wrong.db"),
+           "update tblAccountBal set fEndBal=fEndBal+0.01 where fYear=2025 and fPeriod=12 "
+           "and fDetailId=0 and fCurrencyid=1 and faccountid=(select fitemid from "
+           "tblAccount where fNumber='100101')");
+    const ProgramRun wrong("prove --db " + folder.file("wrong.db"));
+    EXPECT_EQ(wrong.exitCode, 1);
+    EXPECT_THAT(wrong.output, AllOf(HasSubstr("不符\t期初 + 借方 − 贷方 = 期末\t1 行，差额合计 0.01"),
+                                    HasSubstr("2025\t12\t100101"), HasSubstr("查询: select")));
+    const ProgramRun other("prove --json --year 2024 --db " + folder.file("wrong.db"));
+    EXPECT_EQ(other.exitCode, 0) << "another year\n" << other.errors;
+    EXPECT_THAT(other.output, StartsWith("{\"faults\":0,"));
+}
+
 TEST_F(Reports, WithoutFilesTheCellsGoToStandardOutput)
 {
     const TestFolder folder;

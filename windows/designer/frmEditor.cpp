@@ -12,6 +12,7 @@
 #include "windows/designer/FormulaBox.h"
 #include "windows/designer/frmFind.h"
 #include "windows/designer/frmTableInfo.h"
+#include "windows/explain/frmProve.h"
 #include "windows/formatting/cell_commands.h"
 #include "windows/formatting/FormatPainter.h"
 #include "windows/formatting/frmCellBorder.h"
@@ -214,6 +215,11 @@ void frmEditor::showCoverage()
     window->show();
     window->activateWindow();
     window->check();
+}
+
+void frmEditor::showProof()
+{
+    frmProve(m_context, this).exec();
 }
 
 // Cells

@@ -67,6 +67,7 @@ public:
     void find(bool replacing);
     void sortSelection(bool descending); ///< by the active cell's column
     void showCoverage();
+    void showProof(); ///< whether the ledger is sound
 
     /// What opening for use ends with, once the window is seen: the recalculation. Commands that come earlier
     /// call it first.

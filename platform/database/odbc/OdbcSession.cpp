@@ -1,6 +1,7 @@
 #include "platform/database/odbc/OdbcSession.h"
 
 #include "platform/database/dialect/ledger_companion.h"
+#include "platform/database/dialect/reading_isolation.h"
 #include "platform/database/odbc/odbc_diagnostics.h"
 #include "platform/database/odbc/odbc_text.h"
 #include "platform/database/odbc/procedure_batch.h"
@@ -422,6 +423,28 @@ void OdbcSession::endTransaction(SQLSMALLINT how)
         throwWorkError(records, !looksAlive());
     }
     setAutocommit(true); // until then the driver keeps the next transaction open
+    m_isSpoiled = false;
+}
+
+bool OdbcSession::beginReading()
+{
+    if (rowsUnlessRefused(snapshotQuestion()).isEmpty())
+        return false;
+    m_isSpoiled = true; // a session that goes on with it would read what is long past
+    execute(snapshotIsolation(), {});
+    m_readsSnapshot = true;
+    begin();
+    m_isSpoiled = false;
+    return true;
+}
+
+void OdbcSession::endReading()
+{
+    if (!std::exchange(m_readsSnapshot, false))
+        return;
+    rollBack();
+    m_isSpoiled = true;
+    execute(usualIsolation(), {});
     m_isSpoiled = false;
 }
 

@@ -28,6 +28,8 @@ public:
     void commit() override { endTransaction(SQL_COMMIT); }
     void rollBack() override { endTransaction(SQL_ROLLBACK); }
     bool inTransaction() const override { return m_inTransaction; }
+    bool beginReading() override;
+    void endReading() override;
     bool looksAlive() override;
     bool answers() override;
     bool resetForReuse() override;
@@ -63,6 +65,7 @@ private:
     std::optional<ino_t> m_socketIdentity;
     std::int64_t m_signsOfLife = 0;
     bool m_inTransaction = false;
+    bool m_readsSnapshot = false;             ///< the isolation is to be set back
     std::optional<TextColumns> m_textColumns; ///< once they were asked for
     std::optional<Companion> m_companion;     ///< once it was looked for
     std::size_t m_callsSoFar = 0;             ///< of the ledger's procedure, or any other

@@ -39,6 +39,11 @@ public:
     virtual void rollBack() = 0;
     virtual bool inTransaction() const = 0;
 
+    /// From here to endReading() whatever is read is of one moment, whoever writes meanwhile. False if the
+    /// database does not offer that: each statement sees what stands when it runs.
+    virtual bool beginReading() = 0;
+    virtual void endReading() = 0;
+
     /// Cheap look whether the session is still good, without a round trip.
     virtual bool looksAlive() = 0;
 

@@ -101,6 +101,13 @@ bool SqliteSession::inTransaction() const
     return sqlite3_get_autocommit(m_database.handle()) == 0;
 }
 
+/// The file's lock is shared with who reads; who writes waits for it.
+bool SqliteSession::beginReading()
+{
+    m_database.run("begin");
+    return true;
+}
+
 /// A file that was removed or replaced since is another database.
 bool SqliteSession::looksAlive()
 {

@@ -23,6 +23,8 @@ public:
     void commit() override;
     void rollBack() override;
     bool inTransaction() const override;
+    bool beginReading() override;
+    void endReading() override { rollBack(); }
     bool looksAlive() override;
     bool answers() override { return looksAlive(); }
     bool resetForReuse() override;

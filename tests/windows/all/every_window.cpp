@@ -13,6 +13,7 @@
 #include "windows/designer/frmFind.h"
 #include "windows/designer/frmGoTo.h"
 #include "windows/designer/frmTableInfo.h"
+#include "windows/explain/frmProve.h"
 #include "windows/formatting/frmBorders.h"
 #include "windows/formatting/frmButtonCaption.h"
 #include "windows/formatting/frmCellBorder.h"
@@ -172,6 +173,7 @@ std::vector<ShownWindow> EveryWindow::windows()
         {"clsAccountChooser-search", [] { return accountChooser("yh"); }},
         {"clsItemChooser", [] { return itemChooser(); }},
         {"frmCoverage", [&on] { return on.coverage(); }},
+        {"frmProve", [] { return std::make_unique<frmProve>(sharedContext); }},
         {"frmPreview", [&on] { return on.overReport<frmPreview>(); }},
         {"PrintDlg", [&on] { return on.overReport<PrintDlg>(); }},
         {"pagesetup", [&on] { return on.overReport<pagesetup>(); }},
