@@ -2,6 +2,7 @@
 
 #include "fetch/ledger_blanks.h"
 #include "spreadsheet/calculation/Recalculation.h"
+#include "spreadsheet/values/coercion.h"
 #include "spreadsheet/workbook/UndoJournal.h"
 #include "spreadsheet/workbook/Workbook.h"
 
@@ -36,6 +37,23 @@ std::shared_ptr<const LedgerFetch> RecordedCall::doubtful() const
         reference && reference->answer.doubtful &&
         (reference->answer.reason.empty() || !reference->answer.doubtful->answer.failure.empty());
     return counts ? reference->answer.doubtful : nullptr;
+}
+
+CallState RecordedCall::state() const
+{
+    if (!ledger && !reference)
+        return CallState::missing;
+    const CallState own = reference ? reference->answer.state : CallState::value;
+    if (isExplained)
+        return std::max(own, explained);
+    return ledger ? stateOfAnswer(*ledger) : own;
+}
+
+std::string RecordedCall::subject() const
+{
+    if (ledger)
+        return ledger->arguments.account;
+    return reference ? reference->reference.report + "!" + reference->reference.cell : std::string();
 }
 
 RunRecord::RunRecord(spreadsheet::Workbook& workbook)
@@ -73,12 +91,14 @@ void RunRecord::add(const CallPlace& place, RecordedCall call)
 
 void RunRecord::takeAll()
 {
+    m_states.reset();
     m_cells = std::exchange(m_fresh, {});
     std::erase_if(m_cells, [](const auto& entry) { return entry.second.empty(); });
 }
 
 void RunRecord::takeChanged()
 {
+    m_states.reset();
     const auto callsNothing = [this](const SheetCell& cell) {
         const int sheet = m_workbook.sheetIndexOfId(cell.sheetId);
         return sheet != 0 && !m_workbook.recalculation().mayCall({sheet, cell.cell.column, cell.cell.row});
@@ -112,6 +132,7 @@ void RunRecord::followContent(const spreadsheet::CellMove::Contents& contents)
 
 void RunRecord::follow(const spreadsheet::CellMove& move)
 {
+    m_states.reset();
     if (const auto contents = move.replaced())
         return followContent(*contents);
     Cells moved;
@@ -157,6 +178,7 @@ public:
                 remark.reason = "被引用的单元格：" + remark.reason;
             call->remarks.push_back(std::move(remark));
             call->isExplained = true;
+            call->explained = call->remarks.back().state;
         }
         std::vector<std::shared_ptr<const LedgerArguments>> shared;
         for (LedgerArguments& arguments : found.filled)
@@ -179,6 +201,7 @@ private:
 
 void RunRecord::explain(const Explain& explain)
 {
+    m_states.reset();
     Asking asking;
     for (auto& [cell, calls] : m_cells)
         for (RecordedCall& call : calls)
@@ -200,12 +223,96 @@ void RunRecord::eachCall(const std::function<void(const SheetCell&, const Record
             report(cell, call);
 }
 
+spreadsheet::CallAnswers RunRecord::answers() const
+{
+    return [this](const CallPlace& cell, int call) -> spreadsheet::Value {
+        const auto calls = callsOf(cellAt(cell));
+        const auto number = static_cast<std::size_t>(call);
+        return number < calls.size() ? calls[number].value : spreadsheet::CellError::na;
+    };
+}
+
 std::string RunRecord::remarkOn(const SheetCell& cell) const
 {
     for (const RecordedCall& call : callsOf(cell))
         if (!call.remarks.empty())
             return call.remarks.front().reason;
     return {};
+}
+
+CallState RunRecord::stateOf(const CallPlace& cell, int call) const
+{
+    const auto calls = callsOf(cellAt(cell));
+    const auto number = static_cast<std::size_t>(call);
+    return number < calls.size() ? calls[number].state() : CallState::value;
+}
+
+/// Most reports have nothing to mark, and their formulas are not looked at.
+const RunRecord::States& RunRecord::markedStates() const
+{
+    if (m_states)
+        return *m_states;
+    States& states = m_states.emplace();
+    bool any = false;
+    eachCall([&](const SheetCell&, const RecordedCall& call) { any = any || isMarked(call.state()); });
+    if (!any)
+        return states;
+    const auto severity = [this](const CallPlace& cell, int call) {
+        const CallState state = stateOf(cell, call);
+        return isMarked(state) ? static_cast<int>(state) : 0;
+    };
+    for (const auto& [cell, worst] : spreadsheet::carriedSeverities(m_workbook.book(), answers(), severity))
+        states.emplace(cellAt(cell), static_cast<CallState>(worst));
+    eachCall([&](const SheetCell& cell, const RecordedCall& call) { // whatever its formula makes of it
+        if (!isMarked(call.state()))
+            return;
+        CallState& state = states.try_emplace(cell, call.state()).first->second;
+        state = std::max(state, call.state());
+    });
+    return states;
+}
+
+CallState RunRecord::markedState(const SheetCell& cell) const
+{
+    const auto found = markedStates().find(cell);
+    return found == markedStates().end() ? CallState::value : found->second;
+}
+
+CallState RunRecord::nothingIn(const SheetCell& cell, const spreadsheet::Value& value) const
+{
+    if (!value.isEmpty() && spreadsheet::countedNumber(value).value_or(0) != 0)
+        return CallState::value;
+    CallState worst = CallState::value;
+    for (const RecordedCall& call : callsOf(cell)) {
+        if (call.state() == CallState::value)
+            return CallState::value;
+        worst = std::max(worst, call.state());
+    }
+    return worst;
+}
+
+std::string RunRecord::carriedNote(const SheetCell& cell, CallState state) const
+{
+    constexpr int mostNamed = 3;
+    const CallPlace place{m_workbook.sheetIndexOfId(cell.sheetId), cell.cell.column, cell.cell.row};
+    int count = 0;
+    std::string named;
+    for (const spreadsheet::LinearTerm& term :
+         spreadsheet::linearForm(m_workbook.book(), place, answers()).terms) {
+        if (stateOf(term.cell, term.call) != state || ++count > mostNamed)
+            continue;
+        const auto calls = callsOf(cellAt(term.cell));
+        named += (named.empty() ? "" : "、") + calls[static_cast<std::size_t>(term.call)].subject();
+    }
+    return "含" + std::to_string(count) + "项" + std::string(stateName(state)) + "：" + named +
+           (count > mostNamed ? "……" : "");
+}
+
+std::string RunRecord::noteOn(const SheetCell& cell) const
+{
+    std::string remark = remarkOn(cell);
+    const CallState state = remark.empty() ? markedState(cell) : CallState::value;
+    return isMarked(state) ? carriedNote(cell, state) : remark;
 }
 
 std::vector<CellDiagnostic> RunRecord::diagnostics() const
@@ -218,7 +325,8 @@ std::vector<CellDiagnostic> RunRecord::diagnostics() const
                 found.push_back({{sheet, cell.cell.column, cell.cell.row},
                                  std::string(call.function),
                                  remark.reason,
-                                 remark.outcome});
+                                 remark.outcome,
+                                 remark.state});
     });
     std::ranges::stable_sort(found, {}, &CellDiagnostic::place);
     const auto repeated = std::ranges::unique(found);

@@ -3,13 +3,17 @@
 #include "fetch/inter_report_fetch.h"
 #include "fetch/ledger_explanation.h"
 #include "fetch/ledger_fetch.h"
+#include "spreadsheet/calculation/linear_form.h"
+#include "spreadsheet/values/Value.h"
 #include "spreadsheet/workbook/CellMove.h"
 
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -26,12 +30,19 @@ struct RecordedCall {
     std::shared_ptr<const ReferenceFetch> reference; ///< of `REF_F`, likewise
     std::vector<Explanation> remarks;                ///< none: it gave what was asked for
     bool isExplained = false;                        ///< the remark on its doubtful fetch is among them
+    CallState explained = CallState::value;          ///< what was found out about that fetch
     /// Of `Acct` with a blank year or period: the arguments as the procedure takes them. Null: not known.
     std::shared_ptr<const LedgerArguments> filled = nullptr;
+    spreadsheet::Value value = spreadsheet::CellError::na; ///< what the call handed back to its formula
 
     /// The ledger fetch that puts the call's figure in doubt, of `REF_F` the one behind the cell that it
     /// reads. Null if none does.
     std::shared_ptr<const LedgerFetch> doubtful() const;
+
+    /// Which kind of figure or of nothing the call gave.
+    CallState state() const;
+    /// "1123|客户|K009", "资产负债表!B7": what it asks for. "" if its arguments were not usable.
+    std::string subject() const;
 
     /// What was really asked for: blank years and periods are those that the ledger has for them, and blank
     /// only where it could not be asked. Of `Acct` with usable arguments only.
@@ -64,22 +75,36 @@ public:
     std::span<const RecordedCall> callsOf(const spreadsheet::SheetCell& cell) const;
     void
     eachCall(const std::function<void(const spreadsheet::SheetCell&, const RecordedCall&)>& report) const;
+    /// What its calls handed back, for linear forms. The record must outlive it.
+    spreadsheet::CallAnswers answers() const;
     /// The first remark on a cell; "" without one.
     std::string remarkOn(const spreadsheet::SheetCell& cell) const;
+    /// The worst state among the calls of a cell's linear form, so that totals carry it; `value` unless that
+    /// is one that is marked.
+    CallState markedState(const spreadsheet::SheetCell& cell) const;
+    /// Of a cell that shows nothing and whose own calls all came to some kind of it, the worst; else `value`.
+    CallState nothingIn(const spreadsheet::SheetCell& cell, const spreadsheet::Value& value) const;
+    /// Why a cell is marked: the first remark on it, else "含1项不存在：1123|客户|K009". "" if it is not.
+    std::string noteOn(const spreadsheet::SheetCell& cell) const;
     /// All remarks, in the order of sheets, columns and rows; of a cell each once.
     std::vector<CellDiagnostic> diagnostics() const;
 
 private:
     using Cells = std::map<spreadsheet::SheetCell, std::vector<RecordedCall>>;
+    using States = std::map<spreadsheet::SheetCell, CallState>;
 
     spreadsheet::SheetCell cellAt(const spreadsheet::CallPlace& place) const;
     void begin(const spreadsheet::CallPlace& place);
     void follow(const spreadsheet::CellMove& move);
+    const States& markedStates() const;
+    CallState stateOf(const spreadsheet::CallPlace& cell, int call) const;
+    std::string carriedNote(const spreadsheet::SheetCell& cell, CallState state) const;
     void followContent(const spreadsheet::CellMove::Contents& contents);
 
     spreadsheet::Workbook& m_workbook;
     Cells m_cells;                           ///< of the last calculation
     std::map<std::uint64_t, Cells> m_parked; ///< by number: of contents that undo or redo may bring back
+    mutable std::optional<States> m_states;  ///< once somebody has asked
     Cells m_fresh;                           ///< of the one under way, also cells that made no call
     Cells::iterator m_caller;                ///< the cell of `m_fresh` that makes calls now, if there is any
     spreadsheet::CallPlace m_callerPlace;

@@ -1,4 +1,5 @@
 #pragma once
+#include "fetch/CallState.h"
 #include "spreadsheet/formula/CustomFunction.h"
 
 #include <optional>
@@ -18,6 +19,7 @@ struct CellDiagnostic {
     std::string function; ///< "Acct" or "REF_F"
     std::string reason;   ///< one Chinese sentence for the user
     FetchOutcome outcome = FetchOutcome::doubtful;
+    CallState state = CallState::missing;
 
     bool hasFailed() const { return outcome == FetchOutcome::failed; }
     friend bool operator==(const CellDiagnostic&, const CellDiagnostic&) = default;
@@ -29,5 +31,9 @@ std::optional<CellDiagnostic> firstFailed(std::span<const CellDiagnostic> diagno
 /// "3 处取数失败，数字不可用" by the number of cells with a failed fetch; "" without any.
 /// @param diagnostics  in the order of their places
 std::string failedFetchesText(std::span<const CellDiagnostic> diagnostics);
+
+/// "3 处未取到数据" by the number of cells that a strict run does not hand out; "" without any.
+/// @param diagnostics  in the order of their places
+std::string strictRefusalText(std::span<const CellDiagnostic> diagnostics);
 
 } // namespace selfreport

@@ -63,10 +63,12 @@ std::shared_ptr<const LedgerFetch> frmEditor1::doubtfulBehind(spreadsheet::CallP
 {
     const spreadsheet::SheetCell asked{fps1.sheet(cell.sheet).id(), {cell.column, cell.row}};
     std::shared_ptr<const LedgerFetch> failed, own, declined;
+    bool any = false;
     record.eachCall([&](const spreadsheet::SheetCell& caller, const RecordedCall& call) {
         const auto doubtful = call.doubtful();
         if (!doubtful)
             return;
+        any = true;
         if (caller == asked && !own)
             own = doubtful;
         const bool hasFailed = !doubtful->answer.failure.empty();
@@ -74,7 +76,36 @@ std::shared_ptr<const LedgerFetch> frmEditor1::doubtfulBehind(spreadsheet::CallP
         if (!first && (hasFailed || doubtful->answer.isDeclined()) && isBehind(caller, cell))
             first = doubtful;
     });
-    return failed ? failed : own ? own : declined;
+    if (failed || own || !any)
+        return failed ? failed : own;
+    const auto carried = doubtfulInForm(cell);
+    return carried ? carried : declined;
+}
+
+std::shared_ptr<const LedgerFetch> frmEditor1::doubtfulInForm(const spreadsheet::CallPlace& cell) const
+{
+    for (const spreadsheet::LinearTerm& term :
+         spreadsheet::linearForm(fps1.book(), cell, record.answers()).terms) {
+        const spreadsheet::SheetCell caller{fps1.sheet(term.cell.sheet).id(),
+                                            {term.cell.column, term.cell.row}};
+        const auto calls = record.callsOf(caller);
+        const auto number = static_cast<std::size_t>(term.call);
+        if (const auto doubtful = number < calls.size() ? calls[number].doubtful() : nullptr)
+            return doubtful;
+    }
+    return nullptr;
+}
+
+CallState frmEditor1::plainStateOf(spreadsheet::CallPlace cell) const
+{
+    CallState worst = CallState::value;
+    for (const RecordedCall& call : record.callsOf({fps1.sheet(cell.sheet).id(), {cell.column, cell.row}})) {
+        const CallState state = call.state();
+        if (state == CallState::value || isMarked(state))
+            return CallState::value;
+        worst = std::max(worst, state);
+    }
+    return worst;
 }
 
 /// Whether the caller is the cell, or one that it is computed from.

@@ -33,14 +33,19 @@ public:
     void compute();
 
     /// The fetch that makes a cell's figure doubtful: a failed one that it holds or is computed from, else
-    /// its own, else one that the procedure declined and that it is computed from. Null if there is none.
+    /// its own, else one that its linear form holds, else one that the procedure declined and that it is
+    /// computed from. Null if there is none.
     std::shared_ptr<const LedgerFetch> doubtfulBehind(spreadsheet::CallPlace cell);
+    /// Of a cell all of whose own calls came to nothing without doubt the worst of their states, else
+    /// `value`.
+    CallState plainStateOf(spreadsheet::CallPlace cell) const;
 
     spreadsheet::Workbook fps1;
     std::int16_t isShowFormula = 0; ///< never set to 1: the callback always evaluates
     RunRecord record{fps1};
 
 private:
+    std::shared_ptr<const LedgerFetch> doubtfulInForm(const spreadsheet::CallPlace& cell) const;
     bool isBehind(const spreadsheet::SheetCell& caller, const spreadsheet::CallPlace& cell);
     void fps1_CustomFunction(spreadsheet::FunctionCall& call);
     void prepare(std::span<spreadsheet::PreparedCall> calls);

@@ -104,10 +104,13 @@ ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& re
     ReferenceAnswer answer;
     answer.reason = problem.reason;
     answer.outcome = problem.outcome;
+    if (!answer.reason.empty())
+        answer.state = problem.outcome == FetchOutcome::failed ? CallState::failed : CallState::missing;
     const bool isSilent = answer.reason.empty();
     if (!cell.row) {
         if (isSilent)
             answer.reason = "单元格名称" + quoted(reference.cell) + "没有行号";
+        answer.state = std::max(answer.state, CallState::missing);
         return answer;
     }
     const spreadsheet::Workbook& workbook = hidden.fps1;
@@ -119,6 +122,7 @@ ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& re
         const int row = static_cast<int>(*cell.row);
         answer.text = sheet.textByType({cell.column, row});
         answer.doubtful = hidden.doubtfulBehind({index, cell.column, row});
+        answer.state = std::max(answer.state, hidden.plainStateOf({index, cell.column, row}));
     }
     if (!isSilent)
         return answer;
@@ -128,13 +132,16 @@ ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& re
         answer.reason = "报表" + quoted(reference.report) + "没有第" + quoted(reference.sheetTab) + "个标签";
     else if (answer.text.empty())
         answer.reason = "报表" + quoted(reference.report) + "的单元格" + reference.cell + "为空";
+    const bool isElsewhere = !cell.columnIsNamed || (!named && !reference.sheetTab.empty());
+    if (isElsewhere)
+        answer.state = std::max(answer.state, CallState::missing);
     return answer;
 }
 
 ReferenceAnswer fetchFromReport(DatabaseAccess& database, const ReportReference& reference)
 {
     if (!database.open())
-        return {{}, databaseNotOpen, {}, FetchOutcome::failed};
+        return {{}, databaseNotOpen, {}, FetchOutcome::failed, CallState::failed};
     frmEditor1 hidden(database);
     ReportProblem problem;
     try {

@@ -1,4 +1,5 @@
 #pragma once
+#include "fetch/CallState.h"
 #include "fetch/diagnostics.h"
 #include "fetch/ledger_fetch.h"
 
@@ -32,6 +33,8 @@ struct ReferenceAnswer {
     std::string reason;                            ///< why there is no text; empty otherwise
     std::shared_ptr<const LedgerFetch> doubtful;   ///< one that puts the referenced cell in doubt
     FetchOutcome outcome = FetchOutcome::doubtful; ///< of the fetch itself, where there is a reason
+    CallState state =
+        CallState::value; ///< of the fetch itself, or that the referenced cell has without doubt
 };
 
 /// A call's arguments and what it gave for them.

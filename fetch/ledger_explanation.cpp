@@ -81,6 +81,37 @@ bool isOpen(const LedgerFetch& fetch)
     return fetch.answer.failure.empty() && !fetch.answer.amount && !fetch.arguments.account.empty();
 }
 
+std::string quantityRows(const AccountExpression& expression)
+{
+    return "tblQtyBalance as q inner join tblAccount as b on b.fitemid=q.fAccountId where 1=1" +
+           codeCondition("b.fNumber", expression.codes);
+}
+
+std::string profitRows(const AccountExpression& expression)
+{
+    return "tblProfitAndLoss as p inner join tblAccount as b on b.fitemid=p.fAccountId where 1=1" +
+           codeCondition("b.fNumber", expression.codes);
+}
+
+/// The last period in which an account has a row of its own, as 202607.
+std::string lastPeriod(const AccountExpression& expression)
+{
+    return "max(a.fYear*100+a.fPeriod) as f from tblAccountBal as a inner join tblAccount as b"
+           " on b.fitemid=a.faccountid where a.fDetailId=0" +
+           codeCondition("b.fNumber", expression.codes);
+}
+
+/// What tells kinds of nothing apart where all names are known.
+void addReach(LedgerQuestions& questions, const LedgerArguments& arguments)
+{
+    const AccountExpression expression = parseAccountExpression(arguments.account);
+    questions.addNumber(lastPeriod(expression));
+    if (asksQuantities(arguments.fetchType))
+        questions.addRow(quantityRows(expression));
+    if (asksProfitAndLoss(arguments.fetchType))
+        questions.addRow(profitRows(expression));
+}
+
 /// What a fetch that found nothing may have named in vain.
 void addNames(LedgerQuestions& questions, const LedgerArguments& arguments)
 {
@@ -140,19 +171,49 @@ FetchOutcome outcomeUnexplained(const LedgerAnswer& answer)
     return answer.isDeclined() ? FetchOutcome::failed : FetchOutcome::doubtful;
 }
 
+/// A table that the ledger does not let one read tells nothing.
+bool hasNoRow(const LedgerQuestions& answers, const std::string& rows)
+{
+    try {
+        return !answers.hasRow(rows);
+    } catch (const DatabaseError&) {
+        return false;
+    }
+}
+
+/// Of a fetch that names nothing but what there is.
+Explanation kindOfNothing(const LedgerQuestions& answers, const LedgerArguments& arguments)
+{
+    const AccountExpression expression = parseAccountExpression(arguments.account);
+    const std::string account = "科目" + quoted(arguments.account);
+    const std::string last = answers.number(lastPeriod(expression)).value_or("");
+    std::string reason = "总账在" + periodText(arguments) + "没有" + account + "的数据";
+    constexpr std::size_t yearDigits = 4;
+    if (last.size() <= yearDigits) // an account that was never used may keep anything
+        return {std::move(reason), FetchOutcome::doubtful, CallState::noData};
+    if (asksQuantities(arguments.fetchType) && hasNoRow(answers, quantityRows(expression)))
+        return {account + "没有数量账", FetchOutcome::doubtful, CallState::notApplicable};
+    if (asksProfitAndLoss(arguments.fetchType) && hasNoRow(answers, profitRows(expression)))
+        return {account + "没有损益数据", FetchOutcome::doubtful, CallState::notApplicable};
+    if (expression.qualifiers.empty()) // an account's rows say nothing of its items
+        reason += "，最近有数据的是" + last.substr(0, yearDigits) + "年" +
+                  std::to_string(std::stoi(last.substr(yearDigits))) + "期";
+    return {std::move(reason), FetchOutcome::doubtful, CallState::noData};
+}
+
 /// Why nothing was found although the call itself went well.
 Explanation causeOfNoData(const LedgerQuestions& answers, const LedgerFetch& fetch)
 {
     const auto& [arguments, answer] = fetch;
     try {
         if (std::string cause = nameWithoutMeaning(answers, arguments); !cause.empty())
-            return {std::move(cause)};
+            return {std::move(cause), FetchOutcome::doubtful, CallState::missing};
     } catch (const DatabaseError& error) {
-        return {notFound + error.description, outcomeUnexplained(answer)};
+        return {notFound + error.description, outcomeUnexplained(answer), CallState::failed};
     }
     if (answer.isDeclined())
-        return {declined, FetchOutcome::failed};
-    return {"总账在" + periodText(arguments) + "没有科目" + quoted(arguments.account) + "的数据"};
+        return {declined, FetchOutcome::failed, CallState::failed};
+    return kindOfNothing(answers, arguments);
 }
 
 /// @param cause  of one that found nothing
@@ -160,7 +221,7 @@ Explanation explained(const LedgerFetch& fetch, const std::function<Explanation(
 {
     const auto& [arguments, answer] = fetch;
     if (!answer.failure.empty())
-        return {answer.failure, FetchOutcome::failed};
+        return {answer.failure, FetchOutcome::failed, CallState::failed};
     if (arguments.account.empty())
         return {"没有给出科目"};
     std::string reason;
@@ -169,8 +230,10 @@ Explanation explained(const LedgerFetch& fetch, const std::function<Explanation(
     if (answer.amount)
         return {std::move(reason)};
     Explanation found = cause();
-    if (!reason.empty())
+    if (!reason.empty()) {
         found.reason = reason + "；" + found.reason;
+        found.state = std::max(found.state, CallState::missing);
+    }
     return found;
 }
 
@@ -182,8 +245,10 @@ LedgerQuestions answersFor(Connection& connection, std::span<const LedgerFetch> 
     for (const LedgerArguments& arguments : withBlanks)
         addBlanks(questions, arguments);
     for (const LedgerFetch& fetch : fetches)
-        if (isOpen(fetch))
+        if (isOpen(fetch)) {
             addNames(questions, fetch.arguments);
+            addReach(questions, fetch.arguments);
+        }
     questions.ask(connection);
     for (const LedgerFetch& fetch : fetches)
         if (isOpen(fetch))
@@ -247,7 +312,7 @@ FetchExplanations explainFetches(const FetchesToExplain& fetches, const Database
     for (const LedgerFetch& fetch : fetches.doubtful)
         found.explanations.push_back(explained(fetch, [&] {
             return answers ? causeOfNoData(*answers, fetch)
-                           : Explanation{unanswered, outcomeUnexplained(fetch.answer)};
+                           : Explanation{unanswered, outcomeUnexplained(fetch.answer), CallState::failed};
         }));
     if (answers)
         for (const LedgerArguments& arguments : fetches.withBlanks)

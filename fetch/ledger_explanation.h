@@ -1,4 +1,5 @@
 #pragma once
+#include "fetch/CallState.h"
 #include "fetch/diagnostics.h"
 #include "fetch/ledger_fetch.h"
 
@@ -15,6 +16,7 @@ class DatabaseAccess;
 struct Explanation {
     std::string reason; ///< one Chinese sentence; "" if it gave what was asked for
     FetchOutcome outcome = FetchOutcome::doubtful;
+    CallState state = CallState::missing;
 };
 
 /// Why a ledger fetch gave no amount, or that a condition was left out. The causes are looked for in this

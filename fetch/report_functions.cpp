@@ -57,6 +57,12 @@ std::string numberIfGiven(const FunctionCall& call, int parameter)
     return number == 0 ? std::string() : std::to_string(number);
 }
 
+/// What the engine takes for what a call handed back.
+spreadsheet::Value valueOf(const FunctionCall& call)
+{
+    return call.result().value_or(spreadsheet::CellError::value);
+}
+
 /// The remark on the arguments of a call: one that cannot be used, or more of them than are read.
 std::vector<Explanation> remarksOn(const FunctionCall& call, int parameters, int texts)
 {
@@ -64,7 +70,8 @@ std::vector<Explanation> remarksOn(const FunctionCall& call, int parameters, int
         return {{unusableReason(call, unusable, texts)}};
     if (call.parameterCount() > parameters)
         return {{"给了" + std::to_string(call.parameterCount()) + "个参数，只用前" +
-                 std::to_string(parameters) + "个"}};
+                     std::to_string(parameters) + "个",
+                 FetchOutcome::doubtful, CallState::value}};
     return {};
 }
 
@@ -72,10 +79,11 @@ RecordedCall failedCall(bool isLedgerCall, const std::string& reason)
 {
     if (isLedgerCall)
         return {acctName, std::make_shared<const LedgerFetch>(LedgerFetch{{}, {{}, {}, reason, {}}}), {}, {}};
-    const Explanation remark{reason, FetchOutcome::failed};
+    const Explanation remark{reason, FetchOutcome::failed, CallState::failed};
     return {referenceName,
             {},
-            std::make_shared<const ReferenceFetch>(ReferenceFetch{{}, {{}, reason, {}, remark.outcome}}),
+            std::make_shared<const ReferenceFetch>(
+                ReferenceFetch{{}, {{}, reason, {}, remark.outcome, remark.state}}),
             {remark}};
 }
 
@@ -127,6 +135,7 @@ void evaluateAcct(FunctionCall& call, DatabaseAccess& database, SharedFetches* s
         call.requestNumberType(2);
         call.setResult(made.ledger->answer.amount.value_or(0));
     }
+    made.value = valueOf(call);
     record.add(call.place(), std::move(made));
 }
 
@@ -146,8 +155,9 @@ void evaluateREF_F(FunctionCall& call, DatabaseAccess& database, SharedFetches* 
         call.setStatus(0);
         call.setResult(answer.text);
         if (!answer.reason.empty())
-            made.remarks.push_back({answer.reason, answer.outcome});
+            made.remarks.push_back({answer.reason, answer.outcome, answer.state});
     }
+    made.value = valueOf(call);
     record.add(call.place(), std::move(made));
 }
 
@@ -167,8 +177,12 @@ std::string guardedEvaluation(DatabaseAccess& database, const std::function<void
 void guardedCall(const FunctionCall& call, DatabaseAccess& database, RunRecord& record,
                  const std::function<void()>& work)
 {
-    if (const std::string failure = guardedEvaluation(database, work); !failure.empty())
-        record.add(call.place(), failedCall(isFunction(call, acctName), failure));
+    const std::string failure = guardedEvaluation(database, work);
+    if (failure.empty())
+        return;
+    RecordedCall failed = failedCall(isFunction(call, acctName), failure);
+    failed.value = valueOf(call);
+    record.add(call.place(), std::move(failed));
 }
 
 } // namespace selfreport

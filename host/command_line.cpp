@@ -29,7 +29,7 @@ constexpr auto overview = R"(不给命令时打开报表窗口。
       显示一个命令的详细用法。
 
 结果写到标准输出; 进度、取数诊断和错误写到标准错误。
-退出码: 0 成功; 1 失败,标准错误说明原因; 2 命令行有误。)";
+退出码: 0 成功; 1 失败,标准错误说明原因; 2 命令行有误; 4 严格输出 (--strict) 不放行。)";
 
 constexpr auto demoHelp = R"(示例:
   selfreport demo demo.db
@@ -44,6 +44,8 @@ constexpr auto listHelp = R"(每张报表一行,各列以制表符分隔。
 constexpr auto runHelp = R"(不给 --pdf 和 --csv 时,CSV 写到标准输出。已有的文件在全部写好之后才被替换;
 失败时原样保留。取不到数的单元格逐个列在标准错误上。有取数失败时 (不是没有数据,而是读不到账)
 退出码为 1,什么也不写; 加 --allow-failed 则照写,PDF 每页第一行、CSV 最后一行注明有几处失败。
+加 --strict 时,有单元格用到不存在的科目、项目、类别、货币、报表等,什么也不写出,退出码为 4;
+有取数失败则为 1,不管有没有 --allow-failed。
 管道、设备和套接字直接写入,不会被替换; 符号链接写到它指向的文件。
 示例:
   selfreport run 1 --db demo.db --pdf 资产负债表.pdf --csv 资产负债表.csv
@@ -168,6 +170,7 @@ const CLI::App* addRunCommand(CLI::App& app, RunCommand& run)
     command->add_option("--pdf", run.pdf, "写出 PDF (全部表页)")->type_name("FILE");
     command->add_option("--csv", run.csv, "写出 CSV (全部表页,UTF-8)")->type_name("FILE");
     command->add_flag("--allow-failed", run.allowFailed, "有取数失败时也写出,并加注");
+    command->add_flag("--strict", run.isStrict, "有取数失败或不存在的科目、项目、货币时什么也不写出");
     return command;
 }
 

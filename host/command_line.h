@@ -18,6 +18,7 @@ struct RunCommand {
     std::int32_t reportId = 0;
     std::string pdf, csv; ///< "" for one that is not wanted
     bool allowFailed = false;
+    bool isStrict = false;
 };
 struct CheckCommand {
     std::string database;

@@ -96,10 +96,20 @@ void tellDiagnostics(const ReportRun& run, std::ostream& notes)
     }
 }
 
-/// @throws ReportRunError if fetches failed, unless they may have
+/// A strict run found what must not be handed out.
+struct StrictRefusal : ReportRunError {
+    using ReportRunError::ReportRunError;
+};
+
+/// @throws ReportRunError if fetches failed, unless they may have; StrictRefusal
 void requireFigures(const ReportRun& run, const ReportFiles& files, std::ostream& notes)
 {
     const std::string failed = failedFetchesText(run.diagnostics);
+    if (!failed.empty() && files.isStrict)
+        throw ReportRunError(failed + "，没有写出");
+    if (files.isStrict)
+        if (const std::string refused = strictRefusalText(run.diagnostics); !refused.empty())
+            throw StrictRefusal(refused + "，严格输出，没有写出");
     if (failed.empty())
         return;
     if (!files.allowFailed)
@@ -175,7 +185,17 @@ int toolList(const std::string& database, const ToolStreams& streams) noexcept
 int toolRun(const std::string& database, std::int32_t reportId, const ReportFiles& files,
             const ToolStreams& streams) noexcept
 {
-    return command(streams, [&] { writeReport(database, reportId, files, streams); });
+    constexpr int strictlyRefused = 4;
+    bool isRefused = false;
+    const int code = command(streams, [&] {
+        try {
+            writeReport(database, reportId, files, streams);
+        } catch (const StrictRefusal&) {
+            isRefused = true;
+            throw;
+        }
+    });
+    return isRefused ? strictlyRefused : code;
 }
 
 int toolCheck(const std::string& database, const ToolStreams& streams) noexcept

@@ -20,6 +20,9 @@ struct ReportFiles {
     /// Whether they are written although fetches of cells failed. Then every page begins with a line that
     /// says how many, and the CSV ends with one, behind an empty line, so that all cells keep their places.
     bool allowFailed = false;
+    /// Whether nothing is written while a call names what there is not, or its fetch failed: the second
+    /// whatever `allowFailed` says.
+    bool isStrict = false;
 };
 
 // The commands of the program. Each returns its exit code: 0, or 1 after a line on `notes` that says why it
@@ -35,7 +38,7 @@ int toolList(const std::string& database, const ToolStreams& streams) noexcept;
 
 /// Evaluates a stored report and writes it; without files as CSV to `results`. Cells whose fetch failed or
 /// found nothing are listed on `notes`. A fetch that failed makes the figures worthless: nothing is written
-/// and 1 returned, unless it is allowed.
+/// and 1 returned, unless it is allowed. A strict run that is refused for names returns 4.
 int toolRun(const std::string& database, std::int32_t reportId, const ReportFiles& files,
             const ToolStreams& streams) noexcept;
 

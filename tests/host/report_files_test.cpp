@@ -75,6 +75,10 @@ TEST_F(ReportFiles, StayWhenTheLedgerCannotBeRead)
     EXPECT_EQ(toOutput.exitCode, 1);
     EXPECT_EQ(toOutput.output, "");
 
+    const ProgramRun strict(both(broken) + " --strict --allow-failed");
+    EXPECT_EQ(strict.exitCode, 1);
+    EXPECT_EQ(folder.content(), before);
+
     const ProgramRun allowed(both(broken) + " --allow-failed");
     EXPECT_EQ(allowed.exitCode, 0) << allowed.errors;
     EXPECT_THAT(allowed.errors, HasSubstr("注意: "));
@@ -82,6 +86,33 @@ TEST_F(ReportFiles, StayWhenTheLedgerCannotBeRead)
     EXPECT_THAT(contentOf(folder.file("a.csv")), HasSubstr("处取数失败，数字不可用"));
     EXPECT_EQ(ProgramRun(both()).exitCode, 0);
     EXPECT_THAT(pdfText(folder.file("a.pdf")), Not(HasSubstr("取数失败")));
+}
+
+/// Accounts that the balance sheet names are gone: its zeros may be shown, but a strict run hands out none.
+TEST_F(ReportFiles, StayWhenAStrictRunFindsNamesWithoutMeaning)
+{
+    EXPECT_EQ(ProgramRun(both() + " --strict").exitCode, 0); // zeros and periods without rows are figures
+    std::ofstream(folder.file("a.pdf")) << "old pdf";
+    std::ofstream(folder.file("a.csv")) << "old csv";
+    const std::string changed = folder.file("changed.db");
+    std::filesystem::copy_file(demo(), changed);
+    sqlite3* connection = nullptr;
+    ASSERT_EQ(sqlite3_open(changed.c_str(), &connection), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(connection,
+                           "update tblAccount set fNumber='x'||fNumber where fNumber like '1122%'", nullptr,
+                           nullptr, nullptr),
+              SQLITE_OK);
+    sqlite3_close(connection);
+    const std::string before = folder.content();
+
+    const ProgramRun run(both(changed) + " --strict");
+    EXPECT_EQ(run.exitCode, 4) << run.errors;
+    EXPECT_THAT(run.errors, AllOf(HasSubstr("科目“1122”不存在"), HasSubstr("处未取到数据")));
+    EXPECT_EQ(folder.content(), before);
+    const ProgramRun toOutput("run 1 --db " + changed + " --strict");
+    EXPECT_EQ(toOutput.exitCode, 4);
+    EXPECT_EQ(toOutput.output, "");
+    EXPECT_EQ(ProgramRun(both(changed)).exitCode, 0);
 }
 
 TEST_F(ReportFiles, AreRefusedTogether)
