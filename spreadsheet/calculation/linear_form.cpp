@@ -34,6 +34,7 @@ private:
         CallPlace cell;
         CallPlace caller; ///< the first cell of its array formula
         FigureParts parts;
+        bool isCounted; ///< in sums
         double weight = 0;
         bool isReached = false;
         bool isByCondition = false;
@@ -103,17 +104,17 @@ void Cone::keep(const CallPlace& cell, const CallPlace& caller, const FigurePart
     if (!parts || !parts->dependsOnCalls())
         return m_cells.settle(cell, -1);
     m_cells.settle(cell, static_cast<int>(m_nodes.size()));
-    m_nodes.push_back({cell, caller, *parts});
+    const Value value = cellValue(m_book, cell.sheet, {cell.column, cell.row});
+    m_nodes.push_back({cell, caller, *parts, countedNumber(value).has_value()});
 }
 
 void Cone::handOnCells(const Node& node, const FigurePart& part)
 {
     m_cells.eachIn(part.cells, [&](CellAddress, int number) {
         Node& read = m_nodes[static_cast<std::size_t>(number)];
-        const Value value = cellValue(m_book, read.cell.sheet, {read.cell.column, read.cell.row});
         read.isReached = true;
         read.isByCondition = read.isByCondition || node.isByCondition || part.isByCondition;
-        if (!part.isSummed || countedNumber(value))
+        if (!part.isSummed || read.isCounted)
             read.weight += node.weight * part.coefficient;
     });
 }

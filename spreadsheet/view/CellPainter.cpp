@@ -30,6 +30,23 @@ void eachBox(const PageCells& cells, const auto& visit)
         visit(span.anchor, rectOf(span.whole));
 }
 
+void drawMark(QPainter& painter, CornerMark mark, const QRectF& place)
+{
+    const double line = place.width() / 4;
+    if (mark == CornerMark::square)
+        return painter.fillRect(place, noteMark);
+    if (mark == CornerMark::bar)
+        return painter.fillRect(QRectF(place.left(), place.top() + line, place.width(), 2 * line), noteMark);
+    QPainterPath corner(place.topLeft());
+    corner.lineTo(place.topRight());
+    corner.lineTo(place.bottomRight());
+    corner.closeSubpath();
+    if (mark == CornerMark::triangle)
+        painter.fillPath(corner, noteMark);
+    else
+        painter.strokePath(corner, QPen(noteMark, 1));
+}
+
 /// The tracks that meet first..last (pixels) with one more on either side, whose borders reach there.
 std::vector<PageTrack> tracksIn(const std::vector<PageTrack>& tracks, int first, int last)
 {
@@ -67,7 +84,7 @@ void CellPainter::paint(QPainter& painter, const Sheet& sheet, const CellGeometr
     painter.translate(-1, -1); // a line lies on the last pixel of its cell
     CellLines(cells, gridLines ? screenGridLine : BorderLine{}, overflows).draw(painter, true, m_text.twip());
     painter.translate(1, 1);
-    if (hasNote)
+    if (markOf)
         paintMarks(painter, cells);
 }
 
@@ -85,13 +102,8 @@ void CellPainter::paintMarks(QPainter& painter, const PageCells& cells)
 {
     const int size = pixelsAtLeast(5, 90, m_text.twip());
     eachBox(cells, [&](const PageCell& cell, const QRect& rect) {
-        if (!hasNote(cell.address))
-            return;
-        QPainterPath corner(QPointF(rect.right() - size, rect.top()));
-        corner.lineTo(rect.right(), rect.top());
-        corner.lineTo(rect.right(), rect.top() + size);
-        corner.closeSubpath();
-        painter.fillPath(corner, noteMark);
+        if (const CornerMark mark = markOf(cell.address); mark != CornerMark::none)
+            drawMark(painter, mark, QRectF(rect.right() - size, rect.top(), size, size));
     });
 }
 

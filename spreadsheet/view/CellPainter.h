@@ -1,6 +1,7 @@
 #pragma once
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/view/CellGeometry.h"
+#include "spreadsheet/view/CornerMark.h"
 
 #include <cstdint>
 #include <functional>
@@ -24,8 +25,8 @@ public:
                const QRect& part);
 
     bool gridLines = true;
-    std::function<bool(CellAddress)> hasNote; ///< empty: no marks
-    std::optional<CellAddress> pressed;       ///< that is held down
+    std::function<CornerMark(CellAddress)> markOf; ///< empty: no marks
+    std::optional<CellAddress> pressed;            ///< that is held down
 
     PageText& text() { return m_text; }
     /// Cells in all parts that it has painted so far.

@@ -119,9 +119,11 @@ void SheetView::setGridLines(bool shown)
     repaintAll();
 }
 
-void SheetView::setNotes(std::function<QString(int, CellAddress)> notes)
+void SheetView::setNotes(std::function<QString(int, CellAddress)> notes,
+                         std::function<CornerMark(int, CellAddress)> marks)
 {
     m_notes = std::move(notes);
+    m_marks = std::move(marks);
     repaintAll();
 }
 
@@ -131,11 +133,15 @@ QString SheetView::noteAt(CellAddress cell) const
     return m_notes ? m_notes(m_sheetId, {extent.left, extent.top}) : QString();
 }
 
-std::function<bool(CellAddress)> SheetView::noteMarks() const
+std::function<CornerMark(CellAddress)> SheetView::noteMarks() const
 {
+    if (m_marks)
+        return [this](CellAddress cell) { return m_marks(m_sheetId, cell); };
     if (!m_notes)
         return {};
-    return [this](CellAddress cell) { return !m_notes(m_sheetId, cell).isEmpty(); };
+    return [this](CellAddress cell) {
+        return m_notes(m_sheetId, cell).isEmpty() ? CornerMark::none : CornerMark::triangle;
+    };
 }
 
 void SheetView::setPressed(std::optional<CellAddress> cell)
@@ -292,7 +298,7 @@ void SheetView::refreshPlaces()
 void SheetView::freshenStore()
 {
     m_cells.gridLines = m_gridLines;
-    m_cells.hasNote = noteMarks();
+    m_cells.markOf = noteMarks();
     const std::vector<Pane> panes = m_geometry.panes();
     m_store.freshen([&](QPainter& painter, const QRect& part) {
         paintSurroundings(painter, part);

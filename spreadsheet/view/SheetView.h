@@ -38,7 +38,8 @@ public:
     void setHeadings(bool columns, bool rows);
     void setColumnTexts(const QStringList& texts); ///< shown instead of the first columns' letters
     void setGridLines(bool shown);
-    void setNotes(std::function<QString(int, CellAddress)> notes);
+    void setNotes(std::function<QString(int, CellAddress)> notes,
+                  std::function<CornerMark(int, CellAddress)> marks);
     QString noteAt(CellAddress cell) const;
     void setPressed(std::optional<CellAddress> cell);
     /// True if the view moved.
@@ -68,7 +69,7 @@ public:
 
 private:
     SelectionPainter painter() const { return {sheet(), m_geometry, m_selection}; }
-    std::function<bool(CellAddress)> noteMarks() const;
+    std::function<CornerMark(CellAddress)> noteMarks() const;
     void measure();
     bool fitRows();
     void keepSheetState();
@@ -96,6 +97,7 @@ private:
     HeadingPainter m_headings;
     QStringList m_columnTexts;
     std::function<QString(int, CellAddress)> m_notes;
+    std::function<CornerMark(int, CellAddress)> m_marks;
     double m_zoom = 1;
     bool m_gridLines = true;
 

@@ -18,7 +18,7 @@ bool meets(const std::vector<int>& lines, int first, int last)
 } // namespace
 
 void ShownCells::take(const Sheet& sheet, const CellGeometry& geometry,
-                      const std::function<bool(CellAddress)>& hasNote)
+                      const std::function<CornerMark(CellAddress)>& markOf)
 {
     constexpr int overflowColumns = 12; // beside what is in sight: their texts run into it
     m_rows.clear();
@@ -39,7 +39,7 @@ void ShownCells::take(const Sheet& sheet, const CellGeometry& geometry,
         m_columns.push_back(column);
     const auto look = [&](CellAddress cell) {
         return Look{sheet.value(cell), sheet.shownText(cell), sheet.styleNumber(cell),
-                    hasNote && hasNote(cell)};
+                    markOf ? markOf(cell) : CornerMark::none};
     };
     m_looks.reserve(m_rows.size() * m_columns.size());
     for (const int row : m_rows)
@@ -51,10 +51,10 @@ void ShownCells::take(const Sheet& sheet, const CellGeometry& geometry,
 }
 
 std::vector<int> ShownCells::changedRows(const Sheet& sheet, const CellGeometry& geometry,
-                                         const std::function<bool(CellAddress)>& hasNote)
+                                         const std::function<CornerMark(CellAddress)>& markOf)
 {
     const ShownCells before = std::exchange(*this, {});
-    take(sheet, geometry, hasNote);
+    take(sheet, geometry, markOf);
     std::vector<int> changed;
     const auto width = static_cast<std::ptrdiff_t>(m_columns.size());
     for (std::size_t place = 0; place < m_rows.size(); ++place) {

@@ -1,6 +1,7 @@
 #pragma once
 #include "spreadsheet/values/Value.h"
 #include "spreadsheet/view/CellGeometry.h"
+#include "spreadsheet/view/CornerMark.h"
 
 #include <cstdint>
 #include <functional>
@@ -15,20 +16,20 @@ class Sheet;
 class ShownCells {
 public:
     /// Remembers the cells as they are now.
-    /// @param hasNote  empty: no cell has one
+    /// @param markOf  empty: no cell has one
     void take(const Sheet& sheet, const CellGeometry& geometry,
-              const std::function<bool(CellAddress)>& hasNote);
+              const std::function<CornerMark(CellAddress)>& markOf);
     /// Rows in sight whose cells have changed since, some perhaps twice; cells that were out of sight then
     /// count as changed. Takes the cells anew.
     std::vector<int> changedRows(const Sheet& sheet, const CellGeometry& geometry,
-                                 const std::function<bool(CellAddress)>& hasNote);
+                                 const std::function<CornerMark(CellAddress)>& markOf);
 
 private:
     struct Look {
         Value value;
         Text shown;
         std::uint32_t style = 0;
-        bool hasNote = false;
+        CornerMark mark = CornerMark::none;
         friend bool operator==(const Look&, const Look&) = default;
     };
     struct SpanLook {

@@ -248,9 +248,10 @@ std::optional<CellAddress> SpreadsheetControl::cellAt(QPoint place) const
     return m_view->geometry().nearestCell(place);
 }
 
-void SpreadsheetControl::setCellNotes(std::function<QString(int, CellAddress)> notes)
+void SpreadsheetControl::setCellNotes(std::function<QString(int, CellAddress)> notes,
+                                      std::function<CornerMark(int, CellAddress)> marks)
 {
-    m_view->setNotes(std::move(notes));
+    m_view->setNotes(std::move(notes), std::move(marks));
 }
 
 void SpreadsheetControl::setHeadingsShown(bool columns, bool rows)

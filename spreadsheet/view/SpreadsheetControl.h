@@ -1,6 +1,7 @@
 #pragma once
 #include "spreadsheet/view/CellActions.h"
 #include "spreadsheet/view/CellOperations.h"
+#include "spreadsheet/view/CornerMark.h"
 #include "spreadsheet/view/GridCommands.h"
 #include "spreadsheet/view/GridCursor.h"
 #include "spreadsheet/view/GridEntry.h"
@@ -83,7 +84,9 @@ public:
     void showChanges();        ///< at once, and paints nothing else
     /// Why a cell of a sheet (by id) shows a mark in its corner, as tooltip; an empty text: it has none.
     /// The provider is asked for visible cells only, again whenever changes are shown.
-    void setCellNotes(std::function<QString(int sheetId, CellAddress cell)> notes);
+    /// @param marks  which mark, asked with every painting; empty: a triangle where there is a note
+    void setCellNotes(std::function<QString(int sheetId, CellAddress cell)> notes,
+                      std::function<CornerMark(int sheetId, CellAddress cell)> marks = {});
     void setHeadingsShown(bool columns, bool rows);
     /// Texts in the headings of the first columns instead of their letters.
     void setColumnHeadings(const QStringList& texts);

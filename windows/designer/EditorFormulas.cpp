@@ -11,6 +11,28 @@
 
 namespace selfreport {
 
+namespace {
+
+/// What is only told, as too many parameters, has the mark of a doubtful figure.
+spreadsheet::CornerMark markOn(const RunRecord& record, const spreadsheet::SheetCell& cell)
+{
+    using spreadsheet::CornerMark;
+    switch (record.markedState(cell)) {
+    case CallState::failed:
+        return CornerMark::square;
+    case CallState::missing:
+        return CornerMark::triangle;
+    case CallState::notApplicable:
+        return CornerMark::bar;
+    case CallState::noData:
+        return CornerMark::hollowTriangle;
+    default:
+        return record.remarkOn(cell).empty() ? CornerMark::none : CornerMark::triangle;
+    }
+}
+
+} // namespace
+
 EditorFormulas::EditorFormulas(ReportContext& context, spreadsheet::SpreadsheetControl& grid,
                                EditorStatus& status, DiagnosticsPanel& diagnostics,
                                FailedFetchBar& failedFetches)
@@ -25,9 +47,13 @@ EditorFormulas::EditorFormulas(ReportContext& context, spreadsheet::SpreadsheetC
     grid.cells().recalculateChanged = [this] {
         compute(Extent::changes, [this] { return m_evaluation.recalculateChanged(); });
     };
-    grid.setCellNotes([this](int sheetId, spreadsheet::CellAddress cell) {
-        return QString::fromStdString(m_evaluation.record().remarkOn({sheetId, cell}));
-    });
+    grid.setCellNotes(
+        [this](int sheetId, spreadsheet::CellAddress cell) {
+            return QString::fromStdString(m_evaluation.record().noteOn({sheetId, cell}));
+        },
+        [this](int sheetId, spreadsheet::CellAddress cell) {
+            return markOn(m_evaluation.record(), {sheetId, cell});
+        });
     connect(&failedFetches, &FailedFetchBar::clicked, this, &EditorFormulas::goToFailedFetch);
     connect(&diagnostics, &DiagnosticsPanel::chosen, this, &EditorFormulas::goTo);
     connect(&status, &EditorStatus::diagnosticsWanted, this, &EditorFormulas::showDiagnostics);
@@ -121,7 +147,7 @@ void EditorFormulas::tellCell() const
 {
     const spreadsheet::CellAddress cell = m_grid.cursor().activeCell();
     const int sheetId = m_grid.cells().workbook().sheet(m_grid.cells().activeSheet()).id();
-    const QString reason = QString::fromStdString(m_evaluation.record().remarkOn({sheetId, cell}));
+    const QString reason = QString::fromStdString(m_evaluation.record().noteOn({sheetId, cell}));
     if (!reason.isEmpty())
         m_status.showMessage(reason);
     else if (m_cancelled != Extent::none)

@@ -264,6 +264,23 @@ TEST_F(ControlTest, NotesMarkTheirCellAndTellWhy)
     QToolTip::hideText();
 }
 
+/// In black and white.
+TEST_F(ControlTest, MarksDifferInShape)
+{
+    const CornerMark marks[] = {CornerMark::none, CornerMark::triangle, CornerMark::hollowTriangle,
+                                CornerMark::bar, CornerMark::square};
+    control.setCellNotes(
+        {}, [&](int, CellAddress cell) { return cell.column == 3 ? marks[cell.row - 1] : marks[0]; });
+    control.showChanges();
+    std::vector<QImage> pictures;
+    for (const char* cell : {"C1", "C2", "C3", "C4", "C5"}) {
+        const QImage picture =
+            pictureOf(control, cell).convertToFormat(QImage::Format_Mono, Qt::ThresholdDither);
+        EXPECT_EQ(std::ranges::count(pictures, picture), 0) << cell;
+        pictures.push_back(picture);
+    }
+}
+
 TEST_F(ControlTest, TheSheetMayVanishUnderTheView)
 {
     demand(control.cells().setSheetCount(2));
