@@ -38,9 +38,10 @@ public:
             return m_period.next - m_settlement;
         return m_days.ofWholePeriod(m_period.previous, m_period.next) - daysPassed();
     }
-    /// Parts of the period before and after settlement, which add up to 1.
+    /// Parts of the period before and after settlement. They add up to 1 but where the days pass by the
+    /// calendar and the period is a part of 360 or 365 days.
     double passed() const { return daysPassed() / periodDays(); }
-    double toNext() const { return 1 - passed(); }
+    double toNext() const { return daysToNext() / periodDays(); }
 
     /// Per 100 of nominal value, without accrued interest.
     double price(double rate, double yield, double redemption) const

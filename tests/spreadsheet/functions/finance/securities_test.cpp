@@ -37,6 +37,10 @@ TEST(SecurityFunctions, PricesAndYields)
     FormulaSheet sheet{{"A1", "=DATE(2008,2,15)"}, {"A2", "=DATE(2017,11,15)"}, {"A3", "=DATE(2008,5,15)"}};
     sheet.expect({
         {"PRICE(A1,A2,0.0575,0.065,100,2)", "94.6343616213"},
+        // Calendar days beside a period of 360 or 365 by the coupons: the published formula, summed
+        // elsewhere.
+        {"PRICE(37197,38431,0.0934,0.1664,32.79,1,2)", "41.9639092982"},
+        {"PRICE(36600,41000,0.05,0.04,100,4,3)", "109.524689525"},
         {"YIELD(A1,A2,0.0575,PRICE(A1,A2,0.0575,0.065,100,2),100,2)", "0.065"},
         {"YIELD(A1,A2,0,PRICE(A1,A2,0,0.9,100,4,3),100,4,3)", "0.9"},
         {"YIELD(A1,A3,0.05,PRICE(A1,A3,0.05,0.07,100,2,1),100,2,1)", "0.07"}, // the last period
