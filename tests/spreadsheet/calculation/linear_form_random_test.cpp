@@ -249,3 +249,52 @@ TEST(LinearFormOracle, CoefficientsAreWhatAChangedAnswerShows)
               << " coefficients compared\n";
     EXPECT_GE(2 * linear, books * formulasPerBook);
 }
+
+/// A mark stands where some bad call is in the form, and nowhere else; and it stands at each figure that a
+/// small change of a bad call moves.
+TEST(LinearFormOracle, MarksAreThoseOfTheCallsInTheForm)
+{
+    constexpr int books = 2'000 / formulasPerBook;
+    int marked = 0;
+    for (int number = 0; number < books; ++number) {
+        FormulaDraw draw(static_cast<unsigned>(number) + 5'000);
+        CalledBook book;
+        fill(book, draw);
+        const auto answers = [&book](const CallPlace& cell, int call) { return book.answer(cell, call); };
+        PerturbedBook copy(book.workbook.book(), answers);
+        std::map<std::pair<CallPlace, int>, int> bad;
+        for (const PerturbedBook::Made& call : copy.calls())
+            if (draw.choose(8) == 0)
+                bad[{call.cell, call.call}] = 1 + static_cast<int>(draw.choose(3));
+        const auto severity = [&bad](const CallPlace& cell, int call) {
+            const auto found = bad.find({cell, call});
+            return found == bad.end() ? 0 : found->second;
+        };
+        std::map<CallPlace, int> carried;
+        for (const CarriedSeverity& each : carriedSeverities(book.workbook.book(), answers, severity))
+            carried[each.cell] = each.severity;
+        for (int row = 1; row <= formulasPerBook; ++row) {
+            int worst = 0;
+            for (const LinearTerm& term : book.form({1, 6, row}).terms)
+                worst = std::max(worst, severity(term.cell, term.call));
+            const auto mark = carried.find(CallPlace{1, 6, row});
+            EXPECT_EQ(mark == carried.end() ? 0 : mark->second, worst) << "book " << number << " F" << row;
+            marked += worst > 0 ? 1 : 0;
+        }
+        for (const PerturbedBook::Made& call : copy.calls()) {
+            if (severity(call.cell, call.call) == 0)
+                continue;
+            copy.compute(call.cell, call.call, call.answer.number() + 1e-3);
+            for (int row = 1; row <= formulasPerBook; ++row) {
+                const Value before = book.sheet().value({6, row});
+                const Value after = copy.value({1, 6, row});
+                if (before.isNumber() && after.isNumber() &&
+                    std::abs(after.number() - before.number()) > 1e-6 * (1 + std::abs(before.number()))) {
+                    EXPECT_TRUE(carried.contains(CallPlace{1, 6, row})) << "book " << number << " F" << row;
+                }
+            }
+        }
+    }
+    EXPECT_GT(marked, books * formulasPerBook / 10);
+    EXPECT_LT(marked, books * formulasPerBook * 9 / 10);
+}

@@ -41,6 +41,9 @@ void fill(CalledBook& book)
     book.type("A5", "A1*A2");
     book.type("A6", "Label(\"1,234.50\")");
     book.type("A7", "Label(\"现金\")");
+    book.type("A9", "Fetch(9)");
+    book.type("F1", "SUBTOTAL(9,A1:A2)");
+    book.sheet().changeSettings([](SheetSettings& settings) { settings.rows.hidden[9] = true; });
     book.sheet().setNumber({2, 1}, 5);
     book.sheet().setNumber({2, 2}, 2);
     book.sheet().setText({2, 3}, "x");
@@ -100,6 +103,8 @@ TEST(LinearForm, FunctionsOfRanges)
         {"SUM(A6:A7)", "A6*1 A7*0"},
         {"AVERAGE(A1:A3,B1)", "A1*0.25 A2*-0.25 A3*0.25 =1.25"},
         {"SUBTOTAL(9,A1:A3)", "A1*1 A2*-1 A3*1"},
+        {"SUBTOTAL(9,A9,F1)", "A9*1"}, // hidden rows count, other subtotals do not
+        {"SUBTOTAL(109,A9,A1)", "A1*1"},
         {"SUBTOTAL(1,A1:A3,B1)*4", "A1*1 A2*-1 A3*1 =5"},
         {"SUMPRODUCT(A1:A3,B1:B3)", "A1*5 A2*-2 A3*0"},
         {"SUMPRODUCT((C1:C3=\"现金\")*A1:A3)", "A1*1 A2*0 A3*1"},
