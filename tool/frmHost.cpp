@@ -2,6 +2,7 @@
 
 #include "platform/list_grid/ListGrid.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 #include "reports/report_list.h"
 #include "state/shared_state.h"
 #include "tool/frmRunParameters.h"
@@ -40,7 +41,7 @@ frmHost::frmHost(Operations operations, QWidget* parent)
     add("cmdParameters", "运行参数(&P)", &frmHost::cmdParameters_Click);
     row->addStretch();
     layout->addLayout(row);
-    resize(560, 420);
+    resize(textRoom(*this, 75, 22));
     fillMenu();
     m_vsf1->setFocus();
     settle(*this);

@@ -3,6 +3,7 @@
 #include "platform/toolkit/QtSettings.h"
 #include "platform/windows/buttons.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 
 #include <QFormLayout>
 #include <QLineEdit>
@@ -37,7 +38,7 @@ frmRunParameters::frmRunParameters(QWidget* parent)
     }
     form->addRow(okAndClose(
         "确定(&O)", [this] { cmdXPOK_Click(); }, "关闭(&C)", [this] { close(); }));
-    resize(420, sizeHint().height());
+    resize(textRoom(*this, 56, 1).width(), sizeHint().height());
     settle(*this);
 }
 

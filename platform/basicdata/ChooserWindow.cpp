@@ -3,6 +3,7 @@
 #include "platform/basicdata/EntryTree.h"
 #include "platform/windows/buttons.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 
 #include <QCoreApplication>
 #include <QHeaderView>
@@ -28,6 +29,7 @@ ChooserWindow::ChooserWindow(const QString& title, const QStringList& headings,
     m_txtSearch->setObjectName("txtSearch");
     m_txtSearch->setPlaceholderText(QStringLiteral("代码、名称或拼音首字母"));
     m_txtSearch->setClearButtonEnabled(true);
+    m_txtSearch->setMinimumWidth(textRoom(*m_txtSearch, 30, 1).width());
     m_txtSearch->installEventFilter(this);
     m_found->setObjectName("lblFound");
     buildTree();
@@ -38,7 +40,7 @@ ChooserWindow::ChooserWindow(const QString& title, const QStringList& headings,
     layout->addWidget(okAndClose(
         "确定(&O)", [this] { cmdXPOK_Click(); }, "取消(&E)", [this] { reject(); }));
     connect(m_txtSearch, &QLineEdit::textChanged, this, &ChooserWindow::txtSearch_Change);
-    resize(520, 560);
+    resize(textRoom(*this, 70, 30));
     m_txtSearch->setFocus();
     txtSearch_Change({});
     settle(*this);
@@ -53,8 +55,8 @@ void ChooserWindow::buildTree()
     m_tree->setRootIsDecorated(m_entries->hasLevels());
     m_tree->setFocusPolicy(Qt::NoFocus); // keys come from the search box
     m_tree->header()->setStretchLastSection(true);
-    m_tree->setColumnWidth(0, 170);
-    m_tree->setColumnWidth(1, 200); // the third one fits beside it
+    m_tree->setColumnWidth(0, textRoom(*m_tree, 23, 1).width());
+    m_tree->setColumnWidth(1, textRoom(*m_tree, 27, 1).width()); // the third one fits beside it
     connect(m_tree, &QTreeView::doubleClicked, this, &ChooserWindow::cmdXPOK_Click);
 }
 

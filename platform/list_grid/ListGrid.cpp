@@ -49,8 +49,11 @@ void ListGrid::setColumns(const std::vector<ListColumn>& columns)
     }
     m_rows->setHeadings(headings, alignments);
     m_widths.clear();
-    for (const ListColumn& column : columns)
-        m_widths.push_back(pixelsOf(column.width, *this));
+    for (const ListColumn& column : columns) {
+        const int width = pixelsOf(column.width, *this);
+        const int heading = horizontalHeader()->sectionSizeHint(static_cast<int>(m_widths.size()));
+        m_widths.push_back(width == 0 || !*column.heading ? width : std::max(width, heading));
+    }
     stretchColumns();
 }
 

@@ -1,6 +1,9 @@
 #include "platform/toolkit/QtDialogs.h"
 
+#include "platform/windows/text_room.h"
+
 #include <QApplication>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QString>
@@ -56,6 +59,16 @@ struct Box : QMessageBox {
         for (const auto& [standard, caption] : captions)
             if (QAbstractButton* const shown = button(standard))
                 shown->setText(QString::fromUtf8(caption));
+        makeRoomForTitle();
+    }
+
+private:
+    /// The toolkit makes it as wide as its layout asks for, and nothing else counts.
+    void makeRoomForTitle()
+    {
+        auto& grid = dynamic_cast<QGridLayout&>(*layout());
+        grid.addItem(new QSpacerItem(titleRoom(*this), 0, QSizePolicy::Minimum, QSizePolicy::Fixed),
+                     grid.rowCount(), 0, 1, grid.columnCount());
     }
 };
 

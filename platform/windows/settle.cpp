@@ -1,5 +1,7 @@
 #include "platform/windows/settle.h"
 
+#include "platform/windows/text_room.h"
+
 #include <QEvent>
 #include <QFocusEvent>
 #include <QLineEdit>
@@ -8,6 +10,7 @@
 #include <QWidget>
 
 #include <algorithm>
+#include <utility>
 
 namespace selfreport {
 
@@ -51,6 +54,8 @@ void openOver(QWidget& window, const QWidget& parent)
 
 void open(QWidget& window)
 {
+    if (const int needed = titleRoom(window); window.width() < needed)
+        window.resize(needed, window.height());
     const QWidget* const parent = window.parentWidget() ? window.parentWidget()->window() : nullptr;
     if (parent && parent->isVisible() && !window.testAttribute(Qt::WA_Moved))
         openOver(window, *parent);
@@ -93,8 +98,9 @@ protected:
         if (event->type() != QEvent::FocusIn)
             return false;
         const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason)
-            return false; // it comes back to what was being typed
+        const bool returns = reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
+        if (!std::exchange(m_isFresh, false) && returns)
+            return false; // to what was being typed
         auto* const box = static_cast<QLineEdit*>(watched);
         if (reason != Qt::MouseFocusReason)
             box->selectAll();
@@ -105,6 +111,9 @@ protected:
             });
         return false;
     }
+
+private:
+    bool m_isFresh = true; ///< none of the window's boxes has had the focus
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "windows/designer/frmFind.h"
 
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
 #include <QCheckBox>
@@ -38,7 +39,7 @@ frmFind::frmFind(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
         rows->addWidget(label, box, 0);
         rows->addWidget(m_txt[box], box, 1);
     }
-    rows->setColumnMinimumWidth(1, 240);
+    rows->setColumnMinimumWidth(1, textRoom(*this, 32, 1).width());
     m_txt[1]->setEnabled(m_grid.mode() == GridMode::edit);
     buildOptions(*rows);
     buildButtons(*rows);

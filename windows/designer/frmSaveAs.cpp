@@ -2,6 +2,7 @@
 
 #include "platform/windows/buttons.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 #include "reports/report_texts.h"
 #include "state/report_procedures.h"
 
@@ -18,7 +19,7 @@ frmSaveAs::frmSaveAs(ReportContext& context, const QString& name, QWidget* paren
     setObjectName("frmSaveAs");
     setWindowTitle(QStringLiteral("另存为新报表"));
     m_txtName->setObjectName("txtName");
-    m_txtName->setMinimumWidth(300);
+    m_txtName->setMinimumWidth(textRoom(*this, 40, 1).width());
     m_txtName->selectAll();
     auto* form = new QFormLayout(this);
     form->addRow(QStringLiteral("报表名称(&N)："), m_txtName);

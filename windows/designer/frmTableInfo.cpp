@@ -50,7 +50,6 @@ frmTableInfo::frmTableInfo(ReportContext& context, spreadsheet::CellOperations& 
     form->addRow(buttons);
     getEditInfo();
     m_txt[0]->setFocus();
-    m_txt[0]->selectAll();
     settle(*this);
 }
 

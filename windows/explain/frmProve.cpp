@@ -5,6 +5,7 @@
 #include "platform/windows/buttons.h"
 #include "platform/windows/CancellableWait.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 #include "reports/ReportContext.h"
 #include "text/amount_text.h"
 
@@ -29,7 +30,7 @@ frmProve::frmProve(ReportContext& context, QWidget* parent)
     setWindowTitle(QStringLiteral("账套自检"));
     buildLayout();
     connect(m_vsf1->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &frmProve::showIdentity);
-    resize(860, 620);
+    resize(textRoom(*this, 115, 33));
     settle(*this);
 }
 
@@ -38,7 +39,7 @@ void frmProve::buildLayout()
     m_txtYear->setObjectName("txtYear");
     m_txtYear->setValidator(new QIntValidator(1, 9999, m_txtYear));
     m_txtYear->setPlaceholderText(QStringLiteral("空：全部年度"));
-    m_txtYear->setMaximumWidth(160);
+    m_txtYear->setFixedWidth(textRoom(*m_txtYear, 20, 1).width());
     auto* caption = new QLabel(QStringLiteral("年度(&Y)："));
     caption->setBuddy(m_txtYear);
     auto* year = new QHBoxLayout;

@@ -3,6 +3,7 @@
 #include "platform/services/ColourDialog.h"
 #include "platform/windows/buttons.h"
 #include "platform/windows/named_list.h"
+#include "platform/windows/settle.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/formatting/cell_commands.h"
 
@@ -67,6 +68,7 @@ frmBorders::frmBorders(spreadsheet::SpreadsheetControl& grid, QWidget* parent)
     connect(m_edges, &QComboBox::currentIndexChanged, this, &frmBorders::edgesChosen);
     connect(m_colour, &QPushButton::clicked, this, &frmBorders::chooseColour);
     m_edges->setFocus();
+    settle(*this);
 }
 
 void frmBorders::edgesChosen()

@@ -2,6 +2,7 @@
 
 #include "platform/windows/buttons.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/formatting/cell_commands.h"
 
@@ -27,7 +28,7 @@ frmButtonCaption::frmButtonCaption(spreadsheet::SpreadsheetControl& grid, QWidge
     grid.cells().setCurrent(cell.column, cell.row);
     m_caption->setText(grid.cells().buttonCaption());
     m_caption->setFocus();
-    resize(320, sizeHint().height());
+    resize(textRoom(*this, 43, 1).width(), sizeHint().height());
     settle(*this);
 }
 

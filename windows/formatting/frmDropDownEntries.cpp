@@ -2,6 +2,7 @@
 
 #include "platform/windows/buttons.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/formatting/cell_commands.h"
 
@@ -31,7 +32,7 @@ frmDropDownEntries::frmDropDownEntries(spreadsheet::SpreadsheetControl& grid, QW
     grid.cells().setCurrent(cell.column, cell.row);
     m_entries->setPlainText(grid.cells().dropDown().join('\n'));
     m_entries->setFocus();
-    resize(320, 280);
+    resize(textRoom(*this, 43, 15));
     settle(*this);
 }
 

@@ -8,6 +8,7 @@
 #include "platform/windows/CancellableWait.h"
 #include "platform/windows/own_file.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "text/amount_text.h"
@@ -86,7 +87,7 @@ frmCoverage::frmCoverage(ReportContext& context, spreadsheet::SpreadsheetControl
     connect(m_chkFaults, &QCheckBox::toggled, this, &frmCoverage::listAccounts);
     connect(m_vsf1, &QAbstractItemView::clicked, this, &frmCoverage::goToCells);
     connect(m_vsf1, &QAbstractItemView::activated, this, &frmCoverage::goToCells); // Enter
-    resize(840, 560);
+    resize(textRoom(*this, 112, 30));
     settle(*this);
 }
 

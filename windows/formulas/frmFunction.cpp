@@ -3,6 +3,7 @@
 #include "platform/list_grid/ListGrid.h"
 #include "platform/windows/buttons.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 #include "windows/formulas/frmFunctionInput.h"
 #include "windows/formulas/frmFunctionInput1.h"
 
@@ -30,7 +31,7 @@ frmFunction::frmFunction(FormulaCell& cell, QWidget* parent)
     layout->addWidget(tabs);
     layout->addWidget(okAndClose(
         "打开(&O)", [this] { cmdXPOK_Click(); }, "关闭(&E)", [this] { cmdXPClose_Click(); }));
-    resize(400, 240);
+    resize(textRoom(*this, 54, 13));
     m_vsf1->setFocus();
     settle(*this);
 }

@@ -3,6 +3,7 @@
 #include "fetch/formula_text.h"
 #include "platform/windows/buttons.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 #include "windows/formulas/CallPreview.h"
 #include "windows/formulas/FormulaCell.h"
 #include "windows/formulas/write_formula.h"
@@ -43,7 +44,7 @@ frmFunctionInput::frmFunctionInput(FormulaCell& cell, QWidget* parent)
     layout->addWidget(preview, 1);
     layout->addWidget(okAndClose(
         "确定(&Q)", [this] { cmdXPOK_Click(); }, "取消(&E)", [this] { cmdXPClose_Click(); }));
-    resize(460, 460);
+    resize(textRoom(*this, 62, 24));
     settle(*this);
 }
 

@@ -3,6 +3,7 @@
 #include "fetch/formula_text.h"
 #include "platform/windows/buttons.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 #include "windows/formulas/write_formula.h"
 #include "windows/pickers/ArgumentBoxes.h"
 
@@ -31,7 +32,7 @@ frmFunctionInput1::frmFunctionInput1(FormulaCell& cell, QWidget* parent)
     layout->addStretch();
     layout->addWidget(okAndClose(
         "确定(&Q)", [this] { cmdXPOK_Click(); }, "取消(&E)", [this] { cmdXPClose_Click(); }));
-    resize(420, sizeHint().height());
+    resize(textRoom(*this, 56, 1).width(), sizeHint().height());
     settle(*this);
 }
 

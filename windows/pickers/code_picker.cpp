@@ -2,6 +2,7 @@
 
 #include "platform/list_grid/ListGrid.h"
 #include "platform/windows/buttons.h"
+#include "platform/windows/text_room.h"
 
 #include <QDialog>
 #include <QTabWidget>
@@ -23,7 +24,7 @@ ListGrid* buildCodePicker(QDialog& dialog, const char* caption, std::function<vo
     auto* layout = new QVBoxLayout(&dialog);
     layout->addWidget(tabs);
     layout->addWidget(okAndClose("确定(&O)", std::move(ok), "关闭(&E)", std::move(close)));
-    dialog.resize(400, 420);
+    dialog.resize(textRoom(dialog, 54, 22));
     list->setFocus();
     return list;
 }

@@ -5,6 +5,7 @@
 #include "platform/windows/buttons.h"
 #include "platform/windows/own_file.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/text_room.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "spreadsheet/workbook/typed_text.h"
@@ -54,7 +55,7 @@ frmAccountWizard::frmAccountWizard(ReportContext& context, std::function<void(co
         m_txt->box(index).installEventFilter(this);
     buildGrid();
     buildLayout(accountRows);
-    resize(620, 480);
+    resize(textRoom(*this, 83, 25));
     settle(*this);
 }
 

@@ -1,5 +1,7 @@
 #include "platform/toolkit/QtDialogs.h"
 
+#include "platform/windows/text_room.h"
+
 #include <gtest/gtest.h>
 #include <QApplication>
 #include <QMessageBox>
@@ -16,6 +18,7 @@ namespace {
 struct SeenBox {
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     QString title, text;
+    bool showsTitle = false; ///< whole, beside a window manager's buttons
     QMessageBox::StandardButtons buttons;
 };
 
@@ -25,7 +28,8 @@ void pressWhenShown(SeenBox& seen, QMessageBox::StandardButton button)
     QTimer::singleShot(0, qApp, [&seen, button] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         ASSERT_TRUE(box != nullptr && box->objectName() == "messageBox");
-        seen = {box->icon(), box->windowTitle(), box->text(), box->standardButtons()};
+        seen = {box->icon(), box->windowTitle(), box->text(), box->width() >= titleRoom(*box),
+                box->standardButtons()};
         box->button(button)->click();
     });
 }
@@ -53,6 +57,7 @@ TEST(QtDialogs, ShowNothingWithoutAnApplicationAndTheBoxWithOne)
         boxes.message(icon, "账套", "<b>不是标记</b>!");
         EXPECT_EQ(seen.icon, shown);
         EXPECT_EQ(seen.title, "账套");
+        EXPECT_TRUE(seen.showsTitle);
         EXPECT_EQ(seen.text, "<b>不是标记</b>!");
         EXPECT_EQ(seen.buttons, QMessageBox::Ok);
     }

@@ -89,6 +89,7 @@ TEST_F(DialogKeys, BoxesSelectTheirTextOnFocus)
             QTest::keyClicks(QApplication::focusWidget(), text);
             EXPECT_EQ(control<QLineEdit>(dialog, name).text(), text) << name;
         };
+        type("txt_0", "66"); // as the window opened
         QTest::mouseClick(&control<QLineEdit>(dialog, "txt_1"), Qt::LeftButton);
         type("txt_1", "12");
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
