@@ -87,6 +87,71 @@ private:
     int m_count = 0;
 };
 
+/// The whole row or column before others, or behind them.
+CellRange lineBefore(CellRange lines, bool areRows)
+{
+    int& first = areRows ? lines.top : lines.left;
+    (areRows ? lines.bottom : lines.right) = --first;
+    return lines;
+}
+
+CellRange lineBehind(CellRange lines, bool areRows)
+{
+    int& last = areRows ? lines.bottom : lines.right;
+    (areRows ? lines.top : lines.left) = ++last;
+    return lines;
+}
+
+bool isWithin(const Sheet& sheet, const CellRange& line)
+{
+    const SheetSettings& settings = sheet.settings();
+    return line.left >= 1 && line.top >= 1 && line.left <= settings.columnCount &&
+           line.top <= settings.rowCount;
+}
+
+/// The edge of rows or columns and others that lie beside them, or did before some came between.
+class SharedEdge {
+public:
+    enum class Owner { before, behind, both };
+
+    SharedEdge(const Sheet& sheet, const CellRange& before, const CellRange& behind, bool areRows)
+        : m_farBefore(sheet, before, sides[areRows ? 2 : 0])
+        , m_nearBefore(sheet, before, sides[areRows ? 3 : 1])
+        , m_nearBehind(sheet, behind, sides[areRows ? 2 : 0])
+        , m_farBehind(sheet, behind, sides[areRows ? 3 : 1])
+    {
+    }
+
+    /// The cells that have a line of one which is the other's.
+    std::vector<CellRange> losses(Owner owner) const
+    {
+        const Strip& losing = owner == Owner::before ? m_nearBehind : m_nearBefore;
+        std::vector<CellRange> cells;
+        losing.eachRun([&](int place) { return ownerAt(place) == owner; },
+                       [&](int first, int last) { cells.push_back(losing.part(first, last)); });
+        return cells;
+    }
+
+private:
+    /// How much of a sign there is that the edge belongs to a line: 2 the like, 1 another on its other side.
+    static int signOf(const BorderLine& other, const BorderLine& shared)
+    {
+        return isSameLine(other, shared) ? 2 : other.style != LineStyle::none ? 1 : 0;
+    }
+
+    Owner ownerAt(int place) const
+    {
+        const BorderLine shared = m_nearBefore.own(place);
+        if (shared.style == LineStyle::none || !isSameLine(shared, m_nearBehind.own(place)))
+            return Owner::both;
+        const int forBefore = signOf(m_farBefore.own(place), shared),
+                  forBehind = signOf(m_farBehind.own(place), shared);
+        return forBefore == forBehind ? Owner::both : forBefore > forBehind ? Owner::before : Owner::behind;
+    }
+
+    Strip m_farBefore, m_nearBefore, m_nearBehind, m_farBehind;
+};
+
 void drawAt(Workbook& workbook, Sheet& sheet, const CellRange& cells, const Side& side,
             const BorderLine& line)
 {
@@ -134,44 +199,36 @@ void bringSides(Workbook& workbook, Sheet& sheet, const CellRange& range,
 void partSharedEdge(Workbook& workbook, Sheet& sheet, const CellRange& inserted)
 {
     const bool areRows = coversRows(sheet, inserted);
-    const Side& back = sides[areRows ? 2 : 0]; // of the inserted lines, towards those before them
-    const Side& on = sides[areRows ? 3 : 1];
-    const Strip before(sheet, inserted, back), behind(sheet, inserted, on);
-    if (before.count() == 0 || behind.count() == 0 || !anyLines(workbook))
+    const CellRange before = lineBefore(inserted, areRows), behind = lineBehind(inserted, areRows);
+    if (!isWithin(sheet, before) || !isWithin(sheet, behind) || !anyLines(workbook))
         return;
-    const CellRange lineBefore{before.neighbour(0).column, before.neighbour(0).row,
-                               before.neighbour(before.count() - 1).column,
-                               before.neighbour(before.count() - 1).row};
-    const CellRange lineBehind{behind.neighbour(0).column, behind.neighbour(0).row,
-                               behind.neighbour(behind.count() - 1).column,
-                               behind.neighbour(behind.count() - 1).row};
-    const Strip farBefore(sheet, lineBefore, back), nearBefore(sheet, lineBefore, on);
-    const Strip nearBehind(sheet, lineBehind, back), farBehind(sheet, lineBehind, on);
-    // How much of a sign there is that the edge belongs to a line: 2 the like, 1 another on its other side.
-    const auto signOf = [](const BorderLine& other, const BorderLine& shared) {
-        return isSameLine(other, shared) ? 2 : other.style != LineStyle::none ? 1 : 0;
-    };
-    const auto winner = [&](int place) { // -1: the line before, 1: the one behind, 0: both
-        const BorderLine shared = nearBefore.own(place);
-        if (shared.style == LineStyle::none || !isSameLine(shared, nearBehind.own(place)))
-            return 0;
-        const int forBefore = signOf(farBefore.own(place), shared),
-                  forBehind = signOf(farBehind.own(place), shared);
-        return forBefore == forBehind ? 0 : forBefore > forBehind ? -1 : 1;
-    };
-    const auto drop = [&](const Strip& near, const Side& side, int whose) {
-        std::vector<CellRange> losers;
-        near.eachRun([&](int place) { return winner(place) == whose; },
-                     [&](int first, int last) { losers.push_back(near.part(first, last)); });
-        return [&workbook, &sheet, &side, losers] {
-            for (const CellRange& cells : losers)
-                drawAt(workbook, sheet, cells, side, {});
-        };
-    };
+    const SharedEdge edge(sheet, before, behind, areRows);
     const UndoStep step(workbook, "边框");
-    const auto dropBehind = drop(nearBehind, back, -1), dropBefore = drop(nearBefore, on, 1);
-    dropBehind();
-    dropBefore();
+    const auto dropBehind = edge.losses(SharedEdge::Owner::before),
+               dropBefore = edge.losses(SharedEdge::Owner::behind);
+    for (const CellRange& cells : dropBehind)
+        drawAt(workbook, sheet, cells, sides[areRows ? 2 : 0], {});
+    for (const CellRange& cells : dropBefore)
+        drawAt(workbook, sheet, cells, sides[areRows ? 3 : 1], {});
+}
+
+void takeSharedEdges(Workbook& workbook, Sheet& sheet, const CellRange& leaving)
+{
+    using Owner = SharedEdge::Owner;
+    const bool areRows = coversRows(sheet, leaving);
+    const CellRange before = lineBefore(leaving, areRows), behind = lineBehind(leaving, areRows);
+    if (!anyLines(workbook))
+        return;
+    std::vector<CellRange> ofBefore, ofBehind;
+    if (isWithin(sheet, before))
+        ofBefore = SharedEdge(sheet, before, leaving, areRows).losses(Owner::behind);
+    if (isWithin(sheet, behind))
+        ofBehind = SharedEdge(sheet, leaving, behind, areRows).losses(Owner::before);
+    const UndoStep step(workbook, "边框");
+    for (const CellRange& cells : ofBefore)
+        drawAt(workbook, sheet, cells, sides[areRows ? 3 : 1], {});
+    for (const CellRange& cells : ofBehind)
+        drawAt(workbook, sheet, cells, sides[areRows ? 2 : 0], {});
 }
 
 SharedLines::SharedLines(const Workbook& workbook, const Sheet& sheet, const CellRange& leaving)

@@ -37,6 +37,10 @@ void bringSides(Workbook& workbook, Sheet& sheet, const CellRange& range,
 /// @param inserted  whole rows or columns
 void partSharedEdge(Workbook& workbook, Sheet& sheet, const CellRange& inserted);
 
+/// Rows or columns are about to be deleted: lines that are theirs by the same signs go with them.
+/// @param leaving  whole rows or columns
+void takeSharedEdges(Workbook& workbook, Sheet& sheet, const CellRange& leaving);
+
 /// Lines that cells share with those beside them, and take along when they go elsewhere.
 class SharedLines {
 public:

@@ -52,6 +52,13 @@ Refusal arrayRefusal(const Sheet& sheet, Axis axis, const std::vector<LineRange>
     return {};
 }
 
+CellRange wholeLines(const Sheet& sheet, Axis axis, const LineRange& lines)
+{
+    const SheetSettings& settings = sheet.settings();
+    return axis == Axis::rows ? CellRange{1, lines.first, settings.columnCount, lines.last}
+                              : CellRange{lines.first, 1, lines.last, settings.rowCount};
+}
+
 int countOf(const std::vector<LineRange>& lines)
 {
     int count = 0;
@@ -92,10 +99,7 @@ Refusal insertLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vect
         if (auto problem = axis == Axis::rows ? sheet.insertRows(line.first, line.count())
                                               : sheet.insertColumns(line.first, line.count()))
             return problem;
-        const SheetSettings& settings = sheet.settings();
-        partSharedEdge(workbook, sheet,
-                       axis == Axis::rows ? CellRange{1, line.first, settings.columnCount, line.last}
-                                          : CellRange{line.first, 1, line.last, settings.rowCount});
+        partSharedEdge(workbook, sheet, wholeLines(sheet, axis, line));
     }
     return {};
 }
@@ -106,11 +110,14 @@ Refusal deleteLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vect
         return axis == Axis::rows ? "不能删除所有的行" : "不能删除所有的列";
     if (auto problem = arrayRefusal(sheet, axis, lines, false))
         return problem;
-    const UndoStep step(workbook, axis == Axis::rows ? "删除行" : "删除列");
+    UndoStep step(workbook, axis == Axis::rows ? "删除行" : "删除列");
     for (const LineRange& line : std::views::reverse(lines)) {
+        takeSharedEdges(workbook, sheet, wholeLines(sheet, axis, line));
         if (auto problem = axis == Axis::rows ? sheet.deleteRows(line.first, line.count())
-                                              : sheet.deleteColumns(line.first, line.count()))
+                                              : sheet.deleteColumns(line.first, line.count())) {
+            step.takeBack();
             return problem;
+        }
     }
     return {};
 }

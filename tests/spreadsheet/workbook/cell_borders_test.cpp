@@ -25,6 +25,27 @@ struct CellBorders : testing::Test {
             text += side.style == LineStyle::none ? '-' : letter;
         return text;
     }
+    /// Lines above B2, B3 and so on, "a" for `line` and "b" for `other`.
+    void drawEdges(std::string_view edges)
+    {
+        int row = 2;
+        for (const char edge : edges) {
+            if (edge != '-')
+                drawBorders(workbook, sheet, {2, row, 2, row},
+                            {{}, {}, edge == 'a' ? line : other, {}, {}, {}});
+            ++row;
+        }
+        ASSERT_EQ(this->edges(static_cast<int>(edges.size())), edges);
+    }
+    std::string edges(int count)
+    {
+        std::string text;
+        for (int row = 2; row <= count + 1; ++row) {
+            const BorderLine &above = sheet.style({2, row - 1}).bottom, &below = sheet.style({2, row}).top;
+            text += below == line || above == line ? 'a' : below == other || above == other ? 'b' : '-';
+        }
+        return text;
+    }
     std::size_t storedCells()
     {
         std::size_t count = 0;
@@ -126,23 +147,37 @@ TEST_F(CellBorders, AnEdgeStaysWithItsLineWhenRowsComeBetween)
         {"nobody's", "--a--", "--aa--"},
         {"none", "aa-aa", "aa--aa"},
     };
-    const auto edges = [this](int count) {
-        std::string text;
-        for (int row = 2; row <= count + 1; ++row) {
-            const BorderLine &above = sheet.style({2, row - 1}).bottom, &below = sheet.style({2, row}).top;
-            text += below == line || above == line ? 'a' : below == other || above == other ? 'b' : '-';
-        }
-        return text;
-    };
     for (const auto& [what, before, after] : cases) {
-        for (int place = 0; place < 5; ++place)
-            if (before[place] != '-')
-                drawBorders(workbook, sheet, {2, place + 2, 2, place + 2},
-                            {{}, {}, before[place] == 'a' ? line : other, {}, {}, {}});
-        ASSERT_EQ(edges(5), before);
+        drawEdges(before);
         ASSERT_FALSE(sheet.insertRows(4, 1));
         partSharedEdge(workbook, sheet, {1, 4, 50, 4});
         EXPECT_EQ(edges(6), after) << what;
+        while (workbook.canUndo())
+            workbook.undo();
+    }
+}
+
+/// Likewise, before the third row and the fourth are deleted.
+TEST_F(CellBorders, LinesOfDeletedRowsGoWithThem)
+{
+    const struct {
+        const char *what, *before, *after; ///< from above B2 to below B6 (B4)
+    } cases[] = {
+        {"all ruled", "aaaaaa", "aaaa"},
+        {"with a frame of their own", "-a-a--", "----"},
+        {"a total with two lines", "-a-b--", "----"},
+        {"the last of a table", "aaaa--", "aa--"},
+        {"the first of a table", "-aaaaa", "-aaa"},
+        {"below a heading with a frame", "aa----", "aa--"},
+        {"above one", "---aa-", "-aa-"},
+        {"nobody's", "-a----", "-a--"},
+        {"lines within them alone", "--a---", "----"},
+    };
+    for (const auto& [what, before, after] : cases) {
+        drawEdges(before);
+        takeSharedEdges(workbook, sheet, {1, 3, sheet.settings().columnCount, 4});
+        ASSERT_FALSE(sheet.deleteRows(3, 2));
+        EXPECT_EQ(edges(4), after) << what;
         while (workbook.canUndo())
             workbook.undo();
     }
