@@ -115,8 +115,7 @@ void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const R
         room = {left < box.left ? neighbours->left : box.left,
                 left + width > box.right() ? neighbours->right : box.right(), neighbours->firstColumn,
                 neighbours->lastColumn};
-        m_overflows.push_back({m_row, left < box.left ? room.firstColumn : m_column,
-                               left + width > box.right() ? room.lastColumn : m_column});
+        m_overflows.push_back(reached(left, left + width, room));
     }
     const double textHeight = height - em * (lineDistance - 1); // the air above the first line may be cut
     const bool cut = left < room.left || left + width > room.right || textHeight > box.height;
@@ -176,6 +175,17 @@ void CellTextPainter::drawTextFromPageBehind()
         return;
     const Room room = roomOf(m_row, m_column);
     drawText(behind->cell, box, &room);
+}
+
+/// The places of a room into which a text runs from the cell's.
+TextOverflow CellTextPainter::reached(double left, double right, const Room& room) const
+{
+    TextOverflow overflow{m_row, m_column, m_column};
+    while (overflow.first > room.firstColumn && m_cells.column(overflow.first).start > left)
+        --overflow.first;
+    while (overflow.last < room.lastColumn && m_cells.column(overflow.last).end() < right)
+        ++overflow.last;
+    return overflow;
 }
 
 /// The cell with its blank neighbours.

@@ -51,6 +51,7 @@ private:
     void drawText(const PageCell& cell, const PageBox& box, const Room* neighbours);
     void drawTextFromPageBefore();
     void drawTextFromPageBehind();
+    TextOverflow reached(double left, double right, const Room& room) const;
     Room roomOf(int row, int column) const;
 
     QPainter& m_painter;

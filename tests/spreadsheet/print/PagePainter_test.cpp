@@ -132,6 +132,33 @@ TEST_F(PagePainterTest, LongTextsRunIntoBlankNeighboursOnly)
     EXPECT_FALSE(blank(1, 6));
 }
 
+/// It covers grid lines as far as it goes, and no farther.
+TEST_F(PagePainterTest, LongTextsHideTheGridLinesThatTheyCross)
+{
+    sheet.changeSettings([](SheetSettings& settings) { settings.print.gridLines = true; });
+    sheet.setText({1, 1}, longText); // into C1
+    sheet.setText({4, 3}, longText);
+    style({4, 3, 4, 3}, [](CellStyle& s) { s.horizontal = HorizontalAlignment::right; });
+    draw();
+    const auto isDrawnAt = [this](int column, int row) { // grid lines are light
+        for (int x = column * 100 - 1; x <= column * 100 + 1; ++x) {
+            int drawn = 0;
+            for (int y = 75 + row * 30; y < 95 + row * 30; ++y)
+                drawn += qGray(image.pixel(x, y)) < 250;
+            if (drawn == 20)
+                return true;
+        }
+        return false;
+    };
+    const struct {
+        int column, row;
+        bool isDrawn;
+    } edges[] = {{2, 1, false}, {3, 1, false}, {4, 1, true},  {5, 1, true}, {6, 1, true}, {2, 2, true},
+                 {2, 3, true},  {3, 3, false}, {4, 3, false}, {5, 3, true}, {6, 3, true}};
+    for (const auto& [column, row, isDrawn] : edges)
+        EXPECT_EQ(isDrawnAt(column, row), isDrawn) << column << ' ' << row;
+}
+
 TEST_F(PagePainterTest, TextGoesOnOverThePageEdge)
 {
     sheet.setText({6, 1}, longText);
