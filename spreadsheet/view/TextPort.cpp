@@ -7,18 +7,30 @@
 #include <QTextBlock>
 #include <QTextCursor>
 
+#include <algorithm>
+
 namespace spreadsheet {
 
 namespace {
 
-QTextCharFormat formatOf(const ColouredText& piece)
+/// The colours of references are dark, for the white of cells.
+QColor readableOn(const QColor& ground, const QColor& colour)
 {
+    constexpr int middle = 128, light = 185; // of 255
+    if (ground.lightness() >= middle)
+        return colour;
+    return QColor::fromHsl(colour.hslHue(), colour.hslSaturation(), std::max(colour.lightness(), light));
+}
+
+QTextCharFormat formatOf(const ColouredText& piece, const QWidget& edit)
+{
+    const QColor colour = readableOn(edit.palette().color(QPalette::Base), piece.colour);
     QTextCharFormat format;
     if (piece.isMistake) {
         format.setUnderlineStyle(QTextCharFormat::WaveUnderline);
-        format.setUnderlineColor(piece.colour);
+        format.setUnderlineColor(colour);
     } else {
-        format.setForeground(piece.colour);
+        format.setForeground(colour);
     }
     return format;
 }
@@ -58,7 +70,7 @@ public:
         QList<QInputMethodEvent::Attribute> attributes;
         for (const ColouredText& piece : colours)
             attributes.append({QInputMethodEvent::TextFormat, piece.begin - m_edit.cursorPosition(),
-                               piece.length, formatOf(piece)});
+                               piece.length, formatOf(piece, m_edit)});
         QInputMethodEvent event(QString(), attributes);
         QCoreApplication::sendEvent(&m_edit, &event);
     }
@@ -98,7 +110,7 @@ public:
         QList<QTextEdit::ExtraSelection> selections;
         for (const ColouredText& piece : colours) {
             QTextEdit::ExtraSelection selection;
-            selection.format = formatOf(piece);
+            selection.format = formatOf(piece, m_edit);
             selection.cursor = QTextCursor(m_edit.document());
             selection.cursor.setPosition(piece.begin);
             selection.cursor.setPosition(piece.begin + piece.length, QTextCursor::KeepAnchor);

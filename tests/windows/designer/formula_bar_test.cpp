@@ -9,6 +9,9 @@
 #include <QStatusBar>
 #include <QTextFormat>
 
+#include <algorithm>
+#include <cmath>
+
 namespace selfreport {
 namespace {
 
@@ -221,6 +224,50 @@ TEST_F(FormulaBar, TheMistakeIsMarkedWhereItStands)
         typeInBox(QString(blanks, ' ') + "=1+*2", Qt::Key_Return);
         EXPECT_EQ(marks.place, blanks + 3);
         typeInBox("", Qt::Key_Escape);
+    }
+}
+
+/// How well a colour can be told from its ground: 1 not at all, 21 at best, 4.5 for texts to be read.
+static double contrast(const QColor& a, const QColor& b)
+{
+    const auto luminance = [](const QColor& colour) {
+        const auto part = [](double value) {
+            return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
+    };
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+TEST_F(FormulaBar, ReferencesCanBeReadInADarkPaletteToo)
+{
+    open();
+    struct Colours : QObject {
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            if (event->type() != QEvent::InputMethod)
+                return false;
+            for (const auto& attribute : static_cast<QInputMethodEvent*>(event)->attributes())
+                if (const auto format = qvariant_cast<QTextFormat>(attribute.value).toCharFormat();
+                    format.hasProperty(QTextFormat::ForegroundBrush))
+                    seen << format.foreground().color();
+            return false;
+        }
+        QList<QColor> seen;
+    } colours;
+    QLineEdit& box = edit("txtFormula");
+    box.installEventFilter(&colours);
+    for (const QColor& ground : {QColor(255, 255, 255), QColor(27, 30, 32)}) {
+        QPalette palette = box.palette();
+        palette.setColor(QPalette::Base, ground);
+        box.setPalette(palette);
+        colours.seen.clear();
+        typeInBox("=A1+A2+A3+A4+A5+A6+A7+A8", Qt::Key_Escape);
+        EXPECT_GE(colours.seen.size(), 8);
+        for (const QColor& colour : colours.seen)
+            EXPECT_GE(contrast(colour, ground), ground.lightness() > 128 ? 3 : 4.5)
+                << colour.name().toStdString();
     }
 }
 
