@@ -5,9 +5,15 @@
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QLabel>
+#include <QSplitter>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
 
 namespace selfreport {
 
@@ -80,6 +86,27 @@ void DiagnosticsPanel::open()
 {
     m_isClosed = false;
     show();
+}
+
+void DiagnosticsPanel::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    if (std::exchange(m_hasOpened, true))
+        return;
+    QTimer::singleShot(0, this, [this] { // once all is laid out
+        if (auto* const splitter = qobject_cast<QSplitter*>(parentWidget())) {
+            const int own = heightAtFirst();
+            splitter->setSizes({splitter->height() - own, own});
+        }
+    });
+}
+
+int DiagnosticsPanel::heightAtFirst() const
+{
+    constexpr int fewest = 2, most = 5; // lines
+    const int lines = std::clamp(m_list->rowCount() - 1, fewest, most);
+    return layout()->itemAt(0)->sizeHint().height() + m_list->horizontalHeader()->height() +
+           lines * m_list->verticalHeader()->defaultSectionSize() + 2 * m_list->frameWidth();
 }
 
 void DiagnosticsPanel::showHeading(const QString& about, std::size_t count)

@@ -19,7 +19,8 @@ class ListGrid;
 
 /// The list below the grid: cells whose fetch failed or found nothing ("取数诊断"), or what an import or
 /// export could not carry over, under a heading that says how many, with a button that closes it. Hidden
-/// until there is something to read.
+/// until there is something to read; in a splitter it opens a few lines high, as the statement is what is
+/// read.
 class DiagnosticsPanel : public QWidget {
     Q_OBJECT
 
@@ -40,14 +41,19 @@ Q_SIGNALS:
     /// A line was double-clicked.
     void chosen(const selfreport::CellDiagnostic& diagnostic);
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
+    int heightAtFirst() const;
     void showHeading(const QString& about, std::size_t count);
 
     QLabel* m_heading;
     ListGrid* m_list;
     std::vector<CellDiagnostic> m_diagnostics; ///< the lines on show
     bool m_showsDiagnostics = true;
-    bool m_isClosed = false; ///< by the user
+    bool m_isClosed = false;  ///< by the user
+    bool m_hasOpened = false; ///< from then on its height is the user's matter
 };
 
 } // namespace selfreport

@@ -91,6 +91,22 @@ TEST_F(DesignerStatus, DiagnosticsOpenOnceAndSayHowMany)
     EXPECT_FALSE(panel.isVisible() || button.isVisible());
 }
 
+/// The statement is what is looked at.
+TEST_F(DesignerStatus, DiagnosticsTakeLittleOfTheWindow)
+{
+    open();
+    window->resize(1100, 750);
+    for (int row = 1; row <= 12; ++row)
+        demand(grid().cells().sheet().setFormula({1, row}, R"(Acct("9999","2","","2025","1","2"))"));
+    trigger("MenuRecalculate");
+    auto& panel = control<QWidget>(*window, "panelDiagnostics");
+    const int line = grid().fontMetrics().height();
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return panel.height() > 5 * line && panel.height() < grid().height() / 2;
+    })) << panel.height()
+        << " beside " << grid().height();
+}
+
 TEST_F(DesignerStatus, AChangedDesignHasAMarkInTheTitle)
 {
     storeReport();
