@@ -185,8 +185,16 @@ CellAddress frmEditor::keptCell() const
     return {m_context.cellCol, m_context.cellRow};
 }
 
+/// Told before anything is filled in for the active cell.
+static bool mayTakeFormula(spreadsheet::SpreadsheetControl& grid)
+{
+    return !grid.refuse(grid.editRefusal(grid.cells().shownSheet().extent(grid.cursor().activeCell())));
+}
+
 void frmEditor::MenuFormula_Click()
 {
+    if (!mayTakeFormula(*m_fps1))
+        return;
     keepCell();
     frmFunction(*m_grid, this).exec();
 }
@@ -198,6 +206,8 @@ void frmEditor::MenuFormulaBox_Click()
 
 void frmEditor::editCallInCell()
 {
+    if (!mayTakeFormula(*m_fps1))
+        return;
     keepCell();
     const std::string formula = m_fps1->cells().sheet().formula(m_fps1->cursor().activeCell());
     if (!editCall(*m_grid, formula, this))

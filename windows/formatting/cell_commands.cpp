@@ -100,14 +100,14 @@ void resizeSelected(SpreadsheetControl& grid, spreadsheet::Axis axis, int twips)
     grid.afterEdit();
 }
 
-/// Whether more than one cell of a range holds something, of which a span shows but one.
+/// Whether a cell of a range besides the first, which a span shows, holds something.
 bool hidesContents(const spreadsheet::Sheet& sheet, const CellRange& range)
 {
-    int filled = 0;
+    const CellAddress first{range.left, range.top};
     for (int column = range.left; column <= std::min(range.right, sheet.lastDataColumn()); ++column)
         for (int row = range.top; row <= std::min(range.bottom, sheet.lastDataRow()); ++row) {
-            filled += sheet.hasFormula({column, row}) || !sheet.value({column, row}).isEmpty();
-            if (filled > 1)
+            const CellAddress cell{column, row};
+            if (cell != first && (sheet.hasFormula(cell) || !sheet.value(cell).isEmpty()))
                 return true;
         }
     return false;
@@ -244,7 +244,7 @@ Refusal mergeCells(SpreadsheetControl& grid)
         return "选定的区域中已有合并单元格，请先取消合并";
     if (hidesContents(grid.cells().sheet(), range) &&
         !(grid.ask &&
-          grid.ask(QStringLiteral("选定的单元格中有多个含有内容，合并后只显示其中左上角的一个。要继续吗?"))))
+          grid.ask(QStringLiteral("合并后只显示左上角单元格的内容，其余单元格的内容不再显示。要继续吗?"))))
         return {}; // as the user wishes
     grid.cells().addSpan(range);
     structureChanged(grid);

@@ -2,6 +2,7 @@
 
 #include "platform/windows/buttons.h"
 #include "platform/windows/named_list.h"
+#include "platform/windows/settle.h"
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/display/number_format_code.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -98,6 +99,7 @@ frmNumberFormat::frmNumberFormat(spreadsheet::SpreadsheetControl& grid, QWidget*
     fillFrom(choice);
     choiceChanged();
     m_kinds->setFocus();
+    settle(*this);
 }
 
 void frmNumberFormat::buildKinds()
@@ -209,7 +211,8 @@ QString frmNumberFormat::shownBy(const std::string& code, const Value& value) co
 void frmNumberFormat::showPreviews(const Choice& choice)
 {
     const QSignalBlocker negatives(m_negative), zeros(m_zero), dates(m_date);
-    const double size = m_value.isNumber() ? std::fabs(m_value.number()) : exampleOfEmptyCell;
+    const bool hasSize = m_value.isNumber() && m_value.number() != 0;
+    const double size = hasSize ? std::fabs(m_value.number()) : exampleOfEmptyCell; // zero has no sign
     Choice number = choice;
     if (number.kind != Choice::Kind::percent)
         number.kind = Choice::Kind::number;

@@ -124,6 +124,24 @@ TEST_F(DesignerControls, ListsActOnTheUsersChoiceOnly)
     EXPECT_EQ(grid().cells().sheet().style({1, 1}).font.points, 11.f);
 }
 
+/// The list must not say that a cell has another font than it has.
+TEST_F(DesignerControls, AFontThatIsNotInstalledSelectsNothing)
+{
+    open();
+    grid().cells().changeStyle({1, 1, 1, 1}, [](spreadsheet::CellStyle& style) {
+        style.font.family = spreadsheet::Text("不存在的字体");
+    });
+    auto& fonts = control<QComboBox>(*window, "list1");
+    moveTo(1, 2);
+    const QString usual = fonts.currentText();
+    EXPECT_NE(usual, "");
+    moveTo(1, 1);
+    EXPECT_EQ(fonts.currentText(), "");
+    moveTo(1, 2);
+    EXPECT_EQ(fonts.currentText(), usual);
+    EXPECT_EQ(grid().cells().sheet().style({1, 1}).font.family.view(), "不存在的字体");
+}
+
 TEST_F(DesignerControls, AnEqualTextAsksTheLedgerNothing)
 {
     open();
@@ -258,7 +276,7 @@ TEST_F(DesignerControls, GoesToAPlaceAndSorts)
     go("哪里");
     EXPECT_EQ(grid().cursor().activeCell(), (CellAddress{1, 1}));
     go("B3:B5");
-    EXPECT_EQ(grid().cursor().selectedBlock(), (spreadsheet::CellRange{2, 3, 2, 5}));
+    EXPECT_EQ(grid().cursor().firstRange(), (spreadsheet::CellRange{2, 3, 2, 5}));
     for (int row = 3; row <= 5; ++row)
         grid().cells().sheet().setNumber({2, row}, row * 7 % 5);
     trigger("MenuSortDown");

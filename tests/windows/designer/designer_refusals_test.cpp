@@ -90,7 +90,11 @@ TEST_F(DesignerRefusals, MenusSayWhyInTheStatusBar)
         {"MenuDeleteRows", {1, 11, 1, 11}, "不能更改数组公式的一部分"},
         {"MenuFillDown", {2, 9, 2, 10}, "不能更改数组公式的一部分"},
         {"MenuCellSpan", {6, 1, 7, 1}, "选定的区域中已有合并单元格，请先取消合并"},
+        {"MenuFormula", {9, 9, 9, 9}, "单元格已锁定，不能更改"}, // before anything is filled in
+        {"MenuEditFormula", {9, 9, 9, 9}, "单元格已锁定，不能更改"},
+        {"MenuClear", {8, 8, 9, 9}, "区域中有锁定的单元格，不能更改"},
     };
+    grid().cells().changeStyle({9, 9, 9, 9}, [](spreadsheet::CellStyle& style) { style.locked = true; });
     for (const auto& c : cases) {
         grid().cursor().select(c.at);
         const auto before = grid().cells().workbook().revision();
@@ -98,6 +102,25 @@ TEST_F(DesignerRefusals, MenusSayWhyInTheStatusBar)
         EXPECT_EQ(status(), c.why) << c.action;
         EXPECT_EQ(grid().cells().workbook().revision(), before) << c.action;
     }
+}
+
+/// A lock keeps what a cell holds, not how it looks.
+TEST_F(DesignerRefusals, LockedCellsTakeFormatsAllTheSame)
+{
+    grid().cells().sheet().setText({9, 9}, "合计");
+    grid().cells().changeStyle({9, 9, 9, 9}, [](spreadsheet::CellStyle& style) { style.locked = true; });
+    moveTo(9, 9);
+    for (const char* command : {"MenuBold", "MenuThousands", "MenuMiddle", "MenuCellSpan"})
+        trigger(command);
+    const spreadsheet::CellStyle& style = grid().cells().sheet().style({9, 9});
+    EXPECT_TRUE(style.font.bold && style.locked);
+    EXPECT_EQ(style.horizontal, spreadsheet::HorizontalAlignment::centre);
+    trigger("MenuClearFormats");
+    EXPECT_FALSE(grid().cells().sheet().style({9, 9}).font.bold);
+    EXPECT_TRUE(grid().cells().sheet().style({9, 9}).locked);
+    EXPECT_EQ(grid().cells().text(9, 9), "合计");
+    trigger("MenuLock");
+    EXPECT_FALSE(grid().cells().sheet().style({9, 9}).locked);
 }
 
 TEST_F(DesignerRefusals, WhatWasDoneInPartIsStillToldWhenAllIsRecalculated)

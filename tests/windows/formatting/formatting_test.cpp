@@ -213,7 +213,7 @@ TEST_F(Formatting, MergingAsksBeforeItHidesContents)
         const char* filled[2];
         int questions;
     } cases[] = {
-        {{"A1", nullptr}, 0}, {{"B2", nullptr}, 0}, {{"A1", "B2"}, 1}, {{"A2", "B1"}, 1}, {{"A1", "C3"}, 0}};
+        {{"A1", nullptr}, 0}, {{"B2", nullptr}, 1}, {{"A1", "B2"}, 1}, {{"A2", "B1"}, 1}, {{"A1", "C3"}, 0}};
     for (const auto& c : cases)
         for (const bool willing : {false, true}) {
             answer = willing;

@@ -157,6 +157,21 @@ TEST_F(NumberFormats, EachChoiceIsShownOnTheCellsOwnValue)
     EXPECT_FALSE(control<QComboBox>(dialog, "cboUnit").isEnabled());
 }
 
+/// A zero says nothing of negative figures.
+TEST_F(NumberFormats, NegativesOfAZeroAreShownOnAnExample)
+{
+    sheet().setNumber({1, 1}, 0);
+    frmNumberFormat dialog(grid);
+    show(dialog);
+    control<QListWidget>(dialog, "lstKind").setCurrentRow(1);
+    control<QComboBox>(dialog, "cboZero").setCurrentIndex(2); // blank
+    QStringList shown;
+    for (int i = 0; i < 3; ++i)
+        shown << control<QComboBox>(dialog, "cboNegative").itemText(i);
+    EXPECT_EQ(shown, (QStringList{"-1,234,567.89", "-1,234,567.89  红字", "(1,234,567.89)"}));
+    EXPECT_EQ(control<QLabel>(dialog, "lblPreview").text(), "");
+}
+
 /// With keys alone; the code that is typed is the one that counts.
 TEST_F(NumberFormats, CodesByHandAreTypedTriedAndTakenAtOnce)
 {
