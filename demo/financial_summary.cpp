@@ -20,18 +20,20 @@ void fillIndicators(StatementSheet& sheet, int year, const DemoReport& balance, 
     sheet.title("财务摘要");
     sheet.underTitle("主要指标", std::to_string(year) + "年度", "单位：元");
     sheet.headings({"指标", "行次", "年初数", "期末数"});
-    for (const char* label : {"流动资产合计", "流动负债合计", "资产总计", "负债合计", "所有者权益合计"}) {
-        const int row = sheet.beginRow();
+    int number = 0;
+    const auto beginNumbered = [&](std::string_view label) {
+        sheet.beginRow();
         sheet.text(1, label);
-        sheet.centred(2, std::to_string(row - 3));
+        sheet.centred(2, std::to_string(++number));
+    };
+    for (const char* label : {"流动资产合计", "流动负债合计", "资产总计", "负债合计", "所有者权益合计"}) {
+        beginNumbered(label);
         sheet.formula(3, referenceTo(balance, label, 2));
         sheet.formula(4, referenceTo(balance, label, 3));
     }
     const int first = sheet.row() - 4;
     const auto ratio = [&](std::string_view label, int over, int under) {
-        const int row = sheet.beginRow();
-        sheet.text(1, label);
-        sheet.centred(2, std::to_string(row - 3));
+        beginNumbered(label);
         for (const char* column : {"C", "D"})
             sheet.percentage(column[0] - 'A' + 1,
                              column + std::to_string(over) + "/" + column + std::to_string(under));
@@ -44,9 +46,7 @@ void fillIndicators(StatementSheet& sheet, int year, const DemoReport& balance, 
     sheet.centred(4, "本年累计数");
     sheet.emphasize();
     for (const char* label : {"一、营业收入", "二、营业利润", "三、利润总额", "四、净利润"}) {
-        const int row = sheet.beginRow();
-        sheet.text(1, label);
-        sheet.centred(2, std::to_string(row - 4));
+        beginNumbered(label);
         sheet.formula(3, referenceTo(income, label, 2));
         sheet.formula(4, referenceTo(income, label, 3));
     }

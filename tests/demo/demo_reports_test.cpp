@@ -64,6 +64,36 @@ TEST_F(DemoReports, StoredInOrderAndWithoutErrors)
     }
 }
 
+/// From column to column, as a statement is read. Lines without a number may be counted or not.
+TEST_F(DemoReports, LinesAreNumberedWithoutGaps)
+{
+    int numbered = 0;
+    for (const ListedReport& report : listReports(connectionString())) {
+        const ReportRun run = runReport(connectionString(), report.id);
+        const spreadsheet::Sheet& sheet = run.workbook->sheet(1);
+        int last = 0, without = 0;
+        for (int column = 1; column <= sheet.lastDataColumn(); ++column) {
+            bool isNumbers = false;
+            for (int row = 1; row <= sheet.lastDataRow(); ++row) {
+                const spreadsheet::CellAddress cell{column, row};
+                if (const std::string text = sheet.displayText(cell); isNumbers && !text.empty()) {
+                    const int number = std::stoi(text);
+                    EXPECT_GT(number, last) << report.name << ' ' << spreadsheet::cellName(cell);
+                    EXPECT_LE(number, last + 1 + without)
+                        << report.name << ' ' << spreadsheet::cellName(cell);
+                    last = number;
+                    without = 0;
+                } else {
+                    without += isNumbers;
+                    isNumbers = isNumbers || text == "行次";
+                }
+            }
+        }
+        numbered += last > 5;
+    }
+    EXPECT_EQ(numbered, 3);
+}
+
 TEST_F(DemoReports, BalanceSheetBalancesAndSharingChangesNothing)
 {
     const ReportRun shared = runReport(connectionString(), 1);
