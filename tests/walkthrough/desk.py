@@ -13,6 +13,9 @@ from waiting import until
 
 HOST, LIST, DESIGNER = "财务报表", "自定义报表", "报表系统"  # the titles of the windows; boxes have the first one's
 
+MENUS = [["alt+f"], ["alt+e"], ["alt+i"], ["alt+i", "alt+i"]]  # the last two have the same letter
+FRAME = (48, 140, 198)  # red, green, blue of the line around what is selected
+
 # What a desktop tells programs. A cursor that does not blink lets pictures stand still.
 SETTINGS = "[KDE]\nCursorBlinkRate=0\nSingleClick=false\n"
 
@@ -117,9 +120,39 @@ class Desk:
         self.user.presses("Return")
         self.user.sees_gone()
 
+    def frame(self):
+        """Left, top, right, bottom of the line around what is selected, with the small square at its corner."""
+        return self.display.still_picture().box_of(FRAME)
+
+    def place_of(self, cell):
+        """The middle of a cell on the screen; the cursor goes there."""
+        self.goes_to(cell)
+        left, top, right, bottom = self.frame()
+        return (left + right) // 2, (top + bottom) // 2
+
+    def selects_by_mouse(self, first, last):
+        start, end = (self.place_of(cell) for cell in (first, last))
+        self.user.drags(start, end)
+
+    def fills_by_mouse(self, columns):
+        """Drags the small square so many cells to the right, all about as wide as what is selected."""
+        left, _, right, bottom = self.frame()
+        self.user.drags((right - 3, bottom - 3), (right + (2 * columns - 1) * (right - left) // 2 - 10, bottom - 8))
+
+    def widens_first_column(self, pixels):
+        """By the edge of its heading."""
+        self.goes_to("A1")
+        _, top, right, _ = self.frame()
+        self.user.drags((right - 2, top - 8), (right - 2 + pixels, top - 8))
+
+    def chooses_from_popup(self, place, entry):
+        """Of what the right button offers at a place, counted from 1."""
+        self.user.opens_popup(place)
+        self.user.presses(*["Down"] * entry, "Return")
+
     def menu(self, menu, entry):
-        """An entry of the menu bar by arrow keys: both count from 1, lines between entries do not."""
-        self.user.presses("alt+f", *["Right"] * (menu - 1), *["Down"] * (entry - 1), "Return")
+        """An entry of the menu bar by keys: both count from 1, lines between entries do not."""
+        self.user.presses(*MENUS[menu - 1], *["Down"] * (entry - 1), "Return")
 
     def prints_to(self, file):
         """Prints at once; without a printer the program offers a PDF file."""

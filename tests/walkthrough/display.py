@@ -17,9 +17,13 @@ class Display:
         self.log = open(self.folder / "display.log", "w")
         self.server = self.start_server(width, height)
         self.environment = {**os.environ, "DISPLAY": f":{self.number}", "HOME": str(self.folder)}
-        self.manager = subprocess.Popen(["openbox"], env=self.environment, stdout=self.log, stderr=self.log)
-        self.memory = self.map_memory()
-        until("窗口管理器", lambda: self.xdotool("get_num_desktops").isdigit())
+        self.manager = self.start_manager()
+        try:
+            self.memory = self.map_memory()
+            until("窗口管理器", self.is_managed)
+        except Exception:
+            self.close()
+            raise
 
     def start_server(self, width, height):
         reading, writing = os.pipe()
@@ -31,6 +35,15 @@ class Display:
         with os.fdopen(reading) as answer:
             self.number = answer.readline().strip()
         return server
+
+    def start_manager(self):
+        return subprocess.Popen(["openbox"], env=self.environment, stdout=self.log, stderr=self.log)
+
+    def is_managed(self):
+        """A manager that gave up, on a server that was too slow for it, is started once more."""
+        if self.manager.poll() is not None:
+            self.manager = self.start_manager()
+        return self.xdotool("get_num_desktops").isdigit()
 
     def map_memory(self):
         with open(self.folder / "Xvfb_screen0", "rb") as file:
@@ -44,13 +57,14 @@ class Display:
         size = self.line * self.height
         return Picture(self.width, self.height, self.memory[self.start:self.start + size])
 
-    def still_picture(self):
-        """The picture once it has stopped changing."""
+    def still_picture(self, look=None):
+        """The picture, or what a look at it gives, once it has stopped changing."""
+        look = look or self.picture
         before, since = None, 0
 
         def is_still():
             nonlocal before, since
-            now = self.picture()
+            now = look()
             if before is None or now.pixels != before.pixels:
                 before, since = now, time.monotonic()
                 return None

@@ -71,7 +71,9 @@ def takes_over_an_old_workbook(desk):
     user.keeps("引入之后")
     desk.goes_to("B5")
     user.enters("=SUM(B2:B4)")
-    user.presses("Up", "shift+Right", "ctrl+r")  # fills the column beside it
+    user.presses("Up")
+    desk.fills_by_mouse(1)  # the column beside it
+    user.keeps("用鼠标向右填充")
     desk.goes_to("B2")
     user.enters("1300.5")  # a hundred more
     desk.saves()
@@ -105,11 +107,12 @@ def formats_a_statement_for_the_board(desk):
     desk.goes_to("B6")
     user.enters("=B4+B5")
     user.presses("Up", "shift+Right", "ctrl+r")
+    desk.widens_first_column(60)
     selects(desk, "A1", right=2)
     desk.menu(2, 15)  # merged
     desk.menu(2, 10)  # centred
     desk.menu(2, 7)  # bold
-    selects(desk, "A3", right=2)
+    desk.selects_by_mouse("A3", "C3")
     chooses_colour(desk, 18, "#FFF2CC")
     selects(desk, "A3", right=2, down=3)
     desk.menu(2, 22)
@@ -129,6 +132,8 @@ def formats_a_statement_for_the_board(desk):
     design = books.design("董事会报表").worksheets[0]
     assert [str(area) for area in design.merged_cells.ranges] == ["A1:C1"]
     assert design["A1"].font.bold and design["A1"].alignment.horizontal == "center"
+    widths = [design.column_dimensions[column].width for column in "AB"]
+    assert widths[0] > widths[1] + 5, widths
     for cell in ("A3", "B3", "C3"):
         assert design[cell].fill.fgColor.rgb == "FFFFF2CC", (cell, design[cell].fill.fgColor.rgb)
     for cell in ("A3", "C6", "B4"):
@@ -162,10 +167,13 @@ def works_on_two_sheets(desk):
     user, books = desk.user, desk.books
     desk.begins_report("两页报表")
     user.enters("100", "200", "=A1+A2")
+    total = desk.place_of("A3")
     user.presses("shift+F11")  # a second sheet, shown at once
     user.enters("5")
     user.types("=A1*")
-    user.presses("ctrl+Prior", "ctrl+Home", "Down", "Down", "Return")  # points at A3 of the first sheet
+    user.presses("ctrl+Prior")
+    user.clicks(*total)  # points at A3 of the first sheet
+    user.presses("Return")
     user.keeps("第二页指向第一页")
     desk.saves()
 
@@ -201,6 +209,7 @@ def takes_chinese_from_elsewhere(desk):
     pdf = desk.prints_to("chinese.pdf")
 
     rows = [row[:3] for row in books.figures("部门预算（修订）")]
+    assert [row[0] for row in rows[1:3]] == ["0101", "0102"], rows
     assert [row[1] for row in rows[1:3]] == ["财务部", "龘靐齉　市场部—北区"], rows
     assert amount(rows[3][2]) == 6678.5, rows
     printed = paper(pdf)

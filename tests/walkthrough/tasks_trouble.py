@@ -5,6 +5,8 @@ from waiting import until
 
 from desk import DESIGNER, HOST, LIST
 
+COPY, PASTE = 2, 3  # in what the right button offers
+
 
 def mends_what_somebody_broke(desk):
     """Somebody typed a number over a formula of the income statement; another user finds and mends it."""
@@ -21,12 +23,14 @@ def mends_what_somebody_broke(desk):
 
     desk.display.environment["USER"] = "wang"
     desk.opens_for_design(2)
+    broken, right_one = desk.place_of("C16"), desk.place_of("D16")  # formulas of the same kind
     desk.menu(4, 3)  # formulas instead of figures
     user.keeps("显示公式: 一个数字露了出来")
     desk.menu(4, 2)
-    desk.goes_to("D16")
-    user.presses("ctrl+c", "Left", "ctrl+v", "Escape")  # the formula beside it is of the same kind
-    user.presses("ctrl+j")
+    desk.chooses_from_popup(right_one, COPY)
+    user.clicks(*broken)
+    desk.chooses_from_popup(broken, PASTE)
+    user.presses("Escape", "ctrl+j")
     desk.saves()
     assert books.figures("利润表") == right
     assert books.asks("select fbillerid from tblCWSelfReport where noid=2") == [("wang",)]

@@ -110,6 +110,16 @@ class User:
         self.album.add(picture, caption)
         return picture
 
+    def opens_popup(self, place):
+        """Opens the menu of the right button, below a place or above. Lines may march elsewhere."""
+        def around():
+            return self.display.picture().part(place[0] + 5, place[1] - 60, 60, 120)
+
+        before = around()
+        self.clicks(*place, button=3)
+        until("菜单", lambda: around().pixels != before.pixels)
+        self.display.still_picture(around)
+
     def sees_change(self, since):
         """Waits until the screen shows something else than a picture, and stands still."""
         until("画面变化", lambda: self.display.picture().pixels != since.pixels)
