@@ -27,7 +27,7 @@ FigureTrace shared(FigureElements elements)
 }
 
 /// An operand with a trace, or the cells of a reference, element by element.
-FigureElements elementsOf(const TracedCall& call, std::size_t argument)
+FigureElements tracedElements(const TracedCall& call, std::size_t argument)
 {
     if (call.trace(argument))
         return *call.trace(argument);
@@ -61,7 +61,7 @@ FigureTrace TracingMachine::trace(const Formula& formula, const EvaluationPlace&
     const TracedCall call = traced({}, 1, m_stack.back(), bounded);
     FigureTrace found;
     if (formula.isArrayFormula)
-        found = call.dependsOnCalls(0) ? shared(elementsOf(call, 0)) : nullptr;
+        found = call.dependsOnCalls(0) ? shared(tracedElements(call, 0)) : nullptr;
     else
         found = shared(FigureElements(call.single(0).parts));
     dropTraced(1);
@@ -339,7 +339,7 @@ void TracingMachine::markTop(const EvaluationPlace& place)
     const TracedCall call = traced({}, 1, m_stack.back(), place);
     if (!call.dependsOnCalls(0))
         return;
-    FigureElements elements = elementsOf(call, 0);
+    FigureElements elements = tracedElements(call, 0);
     for (FigureParts& parts : elements.parts)
         parts.setByCondition();
     m_traces.back() = shared(std::move(elements));
