@@ -169,8 +169,6 @@ bool SheetView::scrollTo(CellAddress topLeft)
         repaintAll();
         return true;
     }
-    const QRect area = m_geometry.cellArea();
-    const QRect scrolled = m_geometry.scrolledArea();
     const auto step = [](const AxisPositions& axis, int from, int to) {
         constexpr std::int64_t far = 100'000; // pixels; more than any view shows
         return static_cast<int>(std::clamp(axis.start(from) - axis.start(to), -far, far));
@@ -179,10 +177,18 @@ bool SheetView::scrollTo(CellAddress topLeft)
     if (m_geometry.topLeft().column != before.topLeft().column)
         m_store.spoilAll(); // texts run in from columns that were out of sight
     else
-        m_store.scroll({area.left(), scrolled.top(), area.width(), scrolled.height()}, down);
+        scrollStore(down);
     m_shown.take(sheet(), m_geometry, noteMarks());
     updateArea();
     return true;
+}
+
+/// With the line of the headings, where borders of the first column and of the first row in sight lie.
+void SheetView::scrollStore(int down)
+{
+    const QRect all = m_store.area(), scrolled = m_geometry.scrolledArea();
+    m_store.scroll({all.left(), scrolled.top(), all.width(), scrolled.height()}, down);
+    m_store.spoil({all.left(), scrolled.top() - 1, all.width(), 1});
 }
 
 void SheetView::changeSelection(const std::function<void(Selection&, const Sheet&)>& change)

@@ -79,6 +79,7 @@ private:
     void paintPane(QPainter& painter, const Pane& pane, const QRect& part);
     void paintFreezeLines(QPainter& painter) const;
     void spoilRow(int row);
+    void scrollStore(int down);
     void updateArea();
 
     QWidget& m_widget;

@@ -106,6 +106,22 @@ TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
     }
 }
 
+/// They lie on the line of the headings.
+TEST_F(ControlTest, BordersOfTheFirstLinesScrollWithThem)
+{
+    control.cells().setBorder({1, 2, 1, 6}, allSides, 0xFF, LineStyle::thick);
+    control.showChanges();
+    QApplication::processEvents();
+    pictureOf(control);
+    for (const int top : {2, 4, 9, 3, 1}) {
+        control.cursor().setTopLeftCell({1, top});
+        QApplication::processEvents();
+        const QImage scrolled = pictureOf(control);
+        control.setGridLinesShown(true); // which paints all anew
+        EXPECT_EQ(scrolled, pictureOf(control)) << top;
+    }
+}
+
 TEST_F(ControlTest, EveryLookIsPainted)
 {
     using Change = std::function<void(CellStyle&)>;
