@@ -152,7 +152,10 @@ class Desk:
 
     def menu(self, menu, entry):
         """An entry of the menu bar by keys: both count from 1, lines between entries do not."""
-        self.user.presses(*MENUS[menu - 1], *["Down"] * (entry - 1), "Return")
+        before = self.display.picture()
+        self.user.presses(*MENUS[menu - 1])
+        self.user.sees_change(before)
+        self.user.presses(*["Down"] * (entry - 1), "Return")
 
     def prints_to(self, file):
         """Prints at once; without a printer the program offers a PDF file."""

@@ -27,6 +27,7 @@ def mends_what_somebody_broke(desk):
     desk.menu(4, 3)  # formulas instead of figures
     user.keeps("显示公式: 一个数字露了出来")
     desk.menu(4, 2)
+    user.keeps("显示数据")
     desk.chooses_from_popup(right_one, COPY)
     user.clicks(*broken)
     desk.chooses_from_popup(broken, PASTE)
