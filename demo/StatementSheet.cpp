@@ -201,7 +201,7 @@ void StatementSheet::finish()
         settings.frozenRows = m_headingRow;
         settings.print.titleTop = 1;
         settings.print.titleBottom = m_headingRow;
-        settings.print.fitWidth = true;
+        settings.print.fitAcross = 1;
     });
 }
 

@@ -9,11 +9,11 @@ namespace selfreport {
 
 /// The report that is open, as its window and the windows over it see it.
 struct OpenReport {
-    std::int32_t id = 0;        ///< under which it is loaded, saved or deleted
-    std::int16_t editFlag = 0;  ///< 0: a new one, saving inserts it; 1: a stored one, saving replaces it
-    bool isRun = false;         ///< shown for use, not for design
-    std::int16_t zoomIndex = 0; ///< chosen in the page setup for the preview; -1: none chosen
-    std::string header, footer; ///< code strings as they are stored, placeholders unfilled
+    std::int32_t id = 0;         ///< under which it is loaded, saved or deleted
+    std::int16_t editFlag = 0;   ///< 0: a new one, saving inserts it; 1: a stored one, saving replaces it
+    bool isRun = false;          ///< shown for use, not for design
+    std::int16_t zoomIndex = -1; ///< chosen in the page setup for the preview; -1: none chosen
+    std::string header, footer;  ///< code strings as they are stored, placeholders unfilled
 };
 
 /// Who works with which database on which report: what all windows share, or one run of a report has for

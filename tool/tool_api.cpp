@@ -78,6 +78,8 @@ void writeReportPdf(const ReportRun& run, PendingFile& file)
     startToolkit(Display::none);
     spreadsheet::PrintDocument document;
     document.title = QString::fromStdString(run.name);
+    document.author = QString::fromStdString(operatorName({}));
+    document.page.report = run.name;
     document.page.notice = failedFetchesText(run.diagnostics);
     document.page.stamp = stampText(stampNow({}, {}, static_cast<int>(run.diagnostics.size())));
     const spreadsheet::Pdf pdf = spreadsheet::pdfOf(*run.workbook, document);

@@ -35,7 +35,7 @@ Server connectServer()
     return server;
 }
 
-/// What the service said last, behind our words for it.
+/// What the service said last, in our words: its own are of another language, and some say "Success".
 std::string lastReason()
 {
     struct Known {
@@ -58,9 +58,8 @@ std::string lastReason()
     if (status <= IPP_STATUS_OK_EVENTS_COMPLETE)
         return "打印服务没有说明原因";
     const auto found = std::ranges::find(known, status, &Known::status);
-    const char* const said = cupsLastErrorString();
-    return (found == known.end() ? std::string("打印服务出错") : std::string(found->text)) +
-           (said && *said ? "（" + std::string(said) + "）" : std::string());
+    return found == known.end() ? "打印服务出错（代码 " + std::to_string(status) + "）"
+                                : std::string(found->text);
 }
 
 [[noreturn]] void failWith(const std::string& what)

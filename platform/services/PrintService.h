@@ -2,6 +2,7 @@
 #include "platform/services/InUse.h"
 #include "platform/services/PrinterSetupDialog.h"
 
+#include <chrono>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -13,6 +14,10 @@ namespace selfreport {
 struct PrintServiceError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
+
+/// A service that has not answered by then counts as silent; with the half second that giving up may take
+/// the user knows after 2 seconds.
+inline constexpr std::chrono::milliseconds printServicePatience{1300};
 
 struct Printer {
     std::string name;        ///< by which jobs name it

@@ -34,8 +34,10 @@ FoundPrinters findPrinters()
         if (!runInBackground(
                 QStringLiteral("正在查找打印机"),
                 [found, &service](WorkProgress&) { found->printers = service.printers(); },
-                Waiting::untilCancelled))
+                Waiting::untilCancelled, printServicePatience))
             return {{}, QStringLiteral("打印服务没有回答。")};
+    } catch (const OutOfTime&) {
+        return {{}, QStringLiteral("打印服务没有回答。")};
     } catch (const std::exception& error) {
         return {{}, QString::fromStdString(failures::sentenceOf(error))};
     }

@@ -13,6 +13,12 @@ namespace spreadsheet {
 inline constexpr int defaultColumnWidth = 1080; ///< twips (1/1440 inch)
 inline constexpr int defaultRowHeight = 285;    ///< twips
 
+inline constexpr int usualTextDistance = 40;  ///< twips between a cell's edge and its text
+inline constexpr int smallestPrintScale = 10; ///< percent
+inline constexpr int largestPrintScale = 400;
+inline constexpr int mostFittedPages = 999;
+inline constexpr int largestFirstPage = 30'000;
+
 /// Page set-up of one sheet.
 struct PrintSettings {
     int marginTop = 864; ///< twips; 0.6 inch
@@ -30,13 +36,25 @@ struct PrintSettings {
     bool shadows = false;
     int titleTop = 0; ///< rows repeated on each page; 0: none
     int titleBottom = 0;
-    bool usedAreaOnly = true;   ///< up to the last row and column that hold data
-    bool fitWidth = false;      ///< made smaller until all columns stand side by side on a page
-    bool centredAcross = false; ///< cells stand in the middle of the page
+    int titleLeft = 0; ///< columns repeated on each page; 0: none
+    int titleRight = 0;
+    std::vector<CellRange> area; ///< only these cells are printed, each range on pages of its own; empty: all
+    bool usedAreaOnly = true;    ///< up to the last row and column that show something
+    int scale = 100;             ///< percent; counts while nothing is fitted
+    /// Made smaller until so many pages side by side hold all columns; 0: as many as it takes.
+    int fitAcross = 0;
+    int fitDown = 0;        ///< … all rows
+    bool downFirst = false; ///< pages go down, then across; else across, then down
+    int firstPage = 1;      ///< number that the first page shows
+    int paperWidth = 0;     ///< twips of the upright sheet of paper; 0: whatever the printer has
+    int paperHeight = 0;
+    int textDistance = usualTextDistance; ///< twips between a cell's edges left and right and its text
+    bool centredAcross = false;           ///< cells stand in the middle of the page
     bool centredDown = false;
     bool stamp = false;               ///< a last line under the footer says when and by whom it was printed
     std::map<int, bool> rowBreaks;    ///< rows that begin a page; only entries that are true
     std::map<int, bool> columnBreaks; ///< columns that begin a page
+    bool isFitted() const { return fitAcross > 0 || fitDown > 0; }
     friend bool operator==(const PrintSettings&, const PrintSettings&) = default;
 };
 

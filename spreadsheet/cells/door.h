@@ -8,6 +8,7 @@
 #include "spreadsheet/cells/changed_cells.h"
 #include "spreadsheet/cells/Column.h"
 #include "spreadsheet/cells/LiftedCells.h"
+#include "spreadsheet/cells/papers.h"
 #include "spreadsheet/cells/SheetSettings.h"
 #include "spreadsheet/cells/stored_value.h"
 #include "spreadsheet/cells/StylePool.h"

@@ -4,6 +4,7 @@
 #include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/display/CellStyle.h"
 #include "spreadsheet/display/display_text.h"
+#include "spreadsheet/display/header_fields.h"
 #include "spreadsheet/display/header_footer.h"
 #include "spreadsheet/display/number_format.h"
 #include "spreadsheet/display/number_format_code.h"

@@ -9,6 +9,13 @@ void GlyphRecord::name(const QRawFont& font, quint32 glyph, const QString& text)
     faceOf(font).texts.try_emplace(glyph, text);
 }
 
+void GlyphRecord::name(const QRawFont& font, const QList<quint32>& glyphs, const QString& text)
+{
+    Face& face = faceOf(font);
+    for (qsizetype i = 0; i < glyphs.size(); ++i)
+        face.texts.try_emplace(glyphs[i], text[i]);
+}
+
 void GlyphRecord::draw(const QGlyphRun& run)
 {
     Face& face = faceOf(run.rawFont());

@@ -26,6 +26,8 @@ public:
 
     /// The glyph stands for this text, unless it is known to stand for another.
     void name(const QRawFont& font, quint32 glyph, const QString& text);
+    /// The glyphs stand for the characters of a text, one each.
+    void name(const QRawFont& font, const QList<quint32>& glyphs, const QString& text);
     /// The run is drawn next.
     void draw(const QGlyphRun& run);
 

@@ -59,6 +59,8 @@ public:
     }
     const std::vector<PageSpan>& spans() const { return m_spans; }
     PageBox boxOf(int row, int column) const;
+    /// Repeated columns end before this one, so that texts do not run over into it.
+    bool isBehindRepeated(int column) const { return column > 0 && column == m_page.repeatedColumns; }
     /// A text beside the page's columns, with its place beyond the page's edge.
     struct TextBeyond {
         PageCell cell;

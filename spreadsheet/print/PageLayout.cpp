@@ -2,7 +2,9 @@
 
 #include "spreadsheet/print/grown_rows.h"
 #include "spreadsheet/print/PageText.h"
-#include "spreadsheet/workbook/Sheet.h"
+#include "spreadsheet/print/printed_ranges.h"
+
+#include <QDateTime>
 
 #include <algorithm>
 #include <numeric>
@@ -16,7 +18,8 @@ namespace {
 constexpr int smallestBody = 720;      // twips; less than half an inch shows no cell worth printing
 constexpr int headingDigitWidth = 110; // twips of one digit of a row heading
 constexpr int headingPadding = 160;
-constexpr double smallestScale = 0.1; // smaller prints cannot be read
+constexpr double smallestScale = smallestPrintScale / 100.0; // smaller prints cannot be read
+constexpr double largestScale = largestPrintScale / 100.0;
 constexpr double stampPoints = 7;
 constexpr double noticePoints = 10;
 
@@ -42,32 +45,16 @@ std::vector<int> rowSizesOf(const Sheet& sheet, int first, int last)
     return sizes;
 }
 
-/// A span that begins in the used area is used as a whole.
-CellRange withSpans(CellRange area, const std::vector<CellRange>& spans)
+/// Of a track that is one of sizes.size() from `first` on.
+std::optional<int> sizeAmong(const std::vector<int>& sizes, int first, int index)
 {
-    CellRange whole = area;
-    for (const CellRange& span : spans) {
-        if (!area.contains(CellAddress{span.left, span.top}))
-            continue;
-        whole.right = std::max(whole.right, span.right);
-        whole.bottom = std::max(whole.bottom, span.bottom);
-    }
-    return whole;
+    const bool isThere = index >= first && index - first < static_cast<int>(sizes.size());
+    return isThere ? std::optional(sizes[static_cast<std::size_t>(index - first)]) : std::nullopt;
 }
 
-std::optional<CellRange> rangeToPrint(const Sheet& sheet, const PageRequest& request)
+std::string textOr(const std::string& text, const QDateTime& now, const char* format)
 {
-    const SheetSettings& settings = sheet.settings();
-    CellRange range{1, 1, settings.columnCount, settings.rowCount};
-    if (request.range) {
-        range = {std::max(request.range->left, 1), std::max(request.range->top, 1),
-                 std::min(request.range->right, range.right), std::min(request.range->bottom, range.bottom)};
-    } else if (settings.print.usedAreaOnly) {
-        range = withSpans({1, 1, sheet.lastDataColumn(), sheet.lastDataRow()}, settings.spans);
-    }
-    if (range.columns() <= 0 || range.rows() <= 0)
-        return std::nullopt;
-    return range;
+    return text.empty() ? now.toString(QLatin1String(format)).toStdString() : text;
 }
 
 /// A line of its own at the left margin.
@@ -98,97 +85,177 @@ int addTracks(std::vector<PageTrack>& tracks, std::span<const int> sizes, int si
 } // namespace
 
 PageLayout::PageLayout(const Sheet& sheet, const PageRequest& request)
-    : m_range(rangeToPrint(sheet, request))
+    : m_print(request.print.value_or(sheet.settings().print))
 {
-    measurePaper(sheet, request);
-    if (m_range)
-        dealOut(sheet);
+    const std::vector<CellRange> ranges = printedRanges(sheet, m_print, request.ranges);
+    if (m_print.rowHeadings && !ranges.empty()) {
+        const int lastRow = std::ranges::max(ranges, {}, &CellRange::bottom).bottom;
+        m_rowHeadingWidth =
+            headingPadding + headingDigitWidth * static_cast<int>(std::to_string(lastRow).size());
+    }
+    const QDateTime now = QDateTime::currentDateTime();
+    const auto value = [&](HeaderField field) -> std::string& {
+        return m_fields[static_cast<std::size_t>(field)];
+    };
+    value(HeaderField::date) = textOr(request.date, now, "yyyy-MM-dd");
+    value(HeaderField::time) = textOr(request.time, now, "HH:mm");
+    value(HeaderField::sheet) = sheet.name();
+    value(HeaderField::report) = request.report;
+    measurePaper(request);
+    if (ranges.empty())
+        return;
+    measureCells(sheet, ranges);
+    dealOut();
 }
 
-void PageLayout::measurePaper(const Sheet& sheet, const PageRequest& request)
+void PageLayout::measurePaper(const PageRequest& request)
 {
-    const PrintSettings& print = sheet.settings().print;
-    m_paperWidth = request.paperWidth;
-    m_paperHeight = request.paperHeight;
-    if (print.landscape)
+    const bool ownPaper = m_print.paperWidth > 0 && m_print.paperHeight > 0;
+    m_paperWidth = ownPaper ? m_print.paperWidth : request.paperWidth;
+    m_paperHeight = ownPaper ? m_print.paperHeight : request.paperHeight;
+    if (m_print.landscape)
         std::swap(m_paperWidth, m_paperHeight);
-    m_printable = {print.marginLeft, print.marginTop, m_paperWidth - print.marginLeft - print.marginRight,
-                   m_paperHeight - print.marginTop - print.marginBottom};
-    m_header = readHeaderFooter(print.header);
-    m_footer = readHeaderFooter(print.footer);
+    const auto margin = [](int twips, int paper) { return std::clamp(twips, 0, paper); };
+    m_printable.left = margin(m_print.marginLeft, m_paperWidth);
+    m_printable.top = margin(m_print.marginTop, m_paperHeight);
+    m_printable.width = m_paperWidth - m_printable.left - margin(m_print.marginRight, m_paperWidth);
+    m_printable.height = m_paperHeight - m_printable.top - margin(m_print.marginBottom, m_paperHeight);
+    m_header = readHeaderFooter(m_print.header);
+    m_footer = readHeaderFooter(m_print.footer);
     if (!request.notice.empty())
         m_header.insert(m_header.begin(), lineOf(request.notice, noticePoints, true));
-    if (print.stamp && !request.stamp.empty())
+    if (m_print.stamp && !request.stamp.empty())
         m_footer.push_back(lineOf(request.stamp, stampPoints, false));
-    if (print.columnHeadings)
+    if (m_print.columnHeadings)
         m_columnHeadingHeight = defaultRowHeight;
-    if (print.rowHeadings && m_range)
-        m_rowHeadingWidth =
-            headingPadding + headingDigitWidth * static_cast<int>(std::to_string(m_range->bottom).size());
     const int above = headerHeight(m_header);
-    m_body = {m_printable.left, m_printable.top + above, m_printable.width,
-              m_printable.height - above - headerHeight(m_footer)};
+    m_wholeBody = {m_printable.left, m_printable.top + above, m_printable.width,
+                   m_printable.height - above - headerHeight(m_footer)};
+    m_scale = m_print.isFitted() ? 1 : std::clamp(m_print.scale / 100.0, smallestScale, largestScale);
+    m_body = bodyAt(m_scale);
     if (m_body.width - m_rowHeadingWidth < smallestBody ||
         m_body.height - m_columnHeadingHeight < smallestBody)
         throw PageLayoutError("页边距、页眉和页脚占满了纸张，没有打印表格的地方。");
 }
 
-void PageLayout::dealOut(const Sheet& sheet)
+/// In the twips of cells.
+PageBox PageLayout::bodyAt(double scale) const
 {
-    const SheetSettings& settings = sheet.settings();
-    m_rowSizes = rowSizesOf(sheet, m_range->top, m_range->bottom);
-    m_columnSizes = sizesOf(settings.columns, m_range->left, m_range->right);
-    m_centredAcross = settings.print.centredAcross;
-    m_centredDown = settings.print.centredDown;
-    if (settings.print.fitWidth)
-        fitWidth();
-    RepeatedRows repeated;
-    if (settings.print.titleTop > 0) {
-        m_titleTop = settings.print.titleTop;
-        m_titleSizes = rowSizesOf(sheet, m_titleTop, settings.print.titleBottom);
-        repeated = {settings.print.titleBottom, std::accumulate(m_titleSizes.begin(), m_titleSizes.end(), 0)};
-    }
-    m_rowBands = pageBands(m_rowSizes, m_range->top, m_body.height - m_columnHeadingHeight, repeated,
-                           settings.print.rowBreaks);
-    m_columnBands = pageBands(m_columnSizes, m_range->left, m_body.width - m_rowHeadingWidth, {},
-                              settings.print.fitWidth ? PageBreaks() : settings.print.columnBreaks);
+    PageBox body = m_wholeBody;
+    constexpr double slack = 1e-6; // 2880 / 0.72 is 4000
+    body.width = static_cast<int>(body.width / scale + slack);
+    body.height = static_cast<int>(body.height / scale + slack);
+    return body;
 }
 
-/// Makes the body as many twips wide as the columns take, and as much higher.
-void PageLayout::fitWidth()
+void PageLayout::measureCells(const Sheet& sheet, const std::vector<CellRange>& ranges)
 {
-    const long long needed =
-        std::accumulate(m_columnSizes.begin(), m_columnSizes.end(), 0LL) + m_rowHeadingWidth;
-    if (needed <= m_body.width)
-        return;
-    m_scale = std::max(static_cast<double>(m_body.width) / static_cast<double>(needed), smallestScale);
-    m_body.width =
-        m_scale > smallestScale ? static_cast<int>(needed) : static_cast<int>(m_body.width / smallestScale);
-    m_body.height = static_cast<int>(m_body.height / m_scale);
+    const AxisSizes& columns = sheet.settings().columns;
+    for (const CellRange& range : ranges)
+        m_parts.push_back({range,
+                           rowSizesOf(sheet, range.top, range.bottom),
+                           sizesOf(columns, range.left, range.right),
+                           {},
+                           {}});
+    if (m_print.titleTop > 0)
+        m_titleRows = {m_print.titleTop, rowSizesOf(sheet, m_print.titleTop, m_print.titleBottom)};
+    if (m_print.titleLeft > 0)
+        m_titleColumns = {m_print.titleLeft, sizesOf(columns, m_print.titleLeft, m_print.titleRight)};
+    if (m_print.isFitted())
+        fit();
+}
+
+/// Deals the cells out at the scale and body in force. What is fitted knows no breaks by hand.
+void PageLayout::dealOut()
+{
+    for (Part& part : m_parts) {
+        part.rowBands = rowBands(part, m_body);
+        part.columnBands = columnBands(part, m_body);
+    }
+}
+
+std::vector<PageBand> PageLayout::rowBands(const Part& part, const PageBox& body) const
+{
+    return pageBands(part.rowSizes, part.range.top, body.height - m_columnHeadingHeight,
+                     m_titleRows.repeated(), m_print.fitDown > 0 ? PageBreaks() : m_print.rowBreaks);
+}
+
+std::vector<PageBand> PageLayout::columnBands(const Part& part, const PageBox& body) const
+{
+    return pageBands(part.columnSizes, part.range.left, body.width - m_rowHeadingWidth,
+                     m_titleColumns.repeated(), m_print.fitAcross > 0 ? PageBreaks() : m_print.columnBreaks);
+}
+
+bool PageLayout::fits(double scale) const
+{
+    const PageBox body = bodyAt(scale);
+    return std::ranges::all_of(m_parts, [&](const Part& part) {
+        return (m_print.fitAcross == 0 || std::ssize(columnBands(part, body)) <= m_print.fitAcross) &&
+               (m_print.fitDown == 0 || std::ssize(rowBands(part, body)) <= m_print.fitDown);
+    });
+}
+
+/// Finds the largest scale, in thousandths, at which the pages suffice; each range is fitted by itself, all
+/// at the same scale.
+void PageLayout::fit()
+{
+    constexpr int steps = 1000;
+    int fitting = static_cast<int>(smallestScale * steps), tooLarge = steps + 1;
+    while (tooLarge - fitting > 1) {
+        const int middle = (fitting + tooLarge) / 2;
+        (fits(static_cast<double>(middle) / steps) ? fitting : tooLarge) = middle;
+    }
+    m_scale = static_cast<double>(fitting) / steps;
+    m_body = bodyAt(m_scale);
+}
+
+int PageLayout::Titles::length() const
+{
+    return std::accumulate(sizes.begin(), sizes.end(), 0);
+}
+
+RepeatedRows PageLayout::Titles::repeated() const
+{
+    return {first + static_cast<int>(sizes.size()) - 1, length()};
+}
+
+std::optional<int> PageLayout::Titles::size(int index) const
+{
+    return sizeAmong(sizes, first, index);
 }
 
 std::optional<int> PageLayout::rowSize(int row) const
 {
-    const auto among = [row](const std::vector<int>& sizes, int first) {
-        const bool isThere = row >= first && row - first < static_cast<int>(sizes.size());
-        return isThere ? std::optional(sizes[static_cast<std::size_t>(row - first)]) : std::nullopt;
-    };
-    const std::optional<int> printed = m_range ? among(m_rowSizes, m_range->top) : std::nullopt;
-    return printed ? printed : among(m_titleSizes, m_titleTop);
+    for (const Part& part : m_parts)
+        if (const auto size = sizeAmong(part.rowSizes, part.range.top, row))
+            return size;
+    return m_titleRows.size(row);
+}
+
+HeaderFieldValues PageLayout::fieldValues(int number) const
+{
+    HeaderFieldValues values = m_fields;
+    values[static_cast<std::size_t>(HeaderField::page)] = std::to_string(shownNumber(number));
+    values[static_cast<std::size_t>(HeaderField::pages)] = std::to_string(pageCount());
+    return values;
 }
 
 int PageLayout::pageCount() const
 {
-    return std::max(1, static_cast<int>(m_rowBands.size() * m_columnBands.size()));
+    std::size_t pages = 0;
+    for (const Part& part : m_parts)
+        pages += part.pages();
+    return std::max(1, static_cast<int>(pages));
 }
 
 void PageLayout::centre(PrintedPage& page) const
 {
-    const int repeated = page.rows.repeats ? std::accumulate(m_titleSizes.begin(), m_titleSizes.end(), 0) : 0;
-    if (m_centredAcross)
-        page.cells.left += (m_body.width - m_rowHeadingWidth - page.columns.length) / 2;
-    if (m_centredDown)
-        page.cells.top += (m_body.height - m_columnHeadingHeight - repeated - page.rows.length) / 2;
+    const int titleWidth = page.columns.repeats ? m_titleColumns.length() : 0;
+    const int titleHeight = page.rows.repeats ? m_titleRows.length() : 0;
+    if (m_print.centredAcross)
+        page.cells.left += (m_body.width - m_rowHeadingWidth - titleWidth - page.columns.length) / 2;
+    if (m_print.centredDown)
+        page.cells.top += (m_body.height - m_columnHeadingHeight - titleHeight - page.rows.length) / 2;
 }
 
 PrintedPage PageLayout::page(int number) const
@@ -198,24 +265,39 @@ PrintedPage PageLayout::page(int number) const
     PrintedPage page;
     page.number = number;
     page.cells = {m_body.left + m_rowHeadingWidth, m_body.top + m_columnHeadingHeight, 0, 0};
-    if (m_rowBands.empty() || m_columnBands.empty())
-        return page;
-    const std::size_t place = static_cast<std::size_t>(number - 1);
-    page.rows = m_rowBands[place / m_columnBands.size()];
-    page.columns = m_columnBands[place % m_columnBands.size()];
-
-    centre(page);
-    int top = page.cells.top;
-    if (page.rows.repeats)
-        top = addTracks(page.rowTracks, m_titleSizes, m_titleTop, m_titleTop,
-                        m_titleTop + static_cast<int>(m_titleSizes.size()) - 1, top);
-    addTracks(page.rowTracks, m_rowSizes, m_range->top, page.rows.first, page.rows.last,
-              top - page.rows.skipped);
-    addTracks(page.columnTracks, m_columnSizes, m_range->left, page.columns.first, page.columns.last,
-              page.cells.left - page.columns.skipped);
-    page.cells.height = top - page.cells.top + page.rows.length;
-    page.cells.width = page.columns.length;
+    std::size_t place = static_cast<std::size_t>(number - 1);
+    for (const Part& part : m_parts) {
+        if (place >= part.pages()) {
+            place -= part.pages();
+            continue;
+        }
+        const std::size_t down = part.rowBands.size(), across = part.columnBands.size();
+        page.range = part.range;
+        page.rows = part.rowBands[m_print.downFirst ? place % down : place / across];
+        page.columns = part.columnBands[m_print.downFirst ? place / down : place % across];
+        placeTracks(page, part);
+        break;
+    }
     return page;
+}
+
+void PageLayout::placeTracks(PrintedPage& page, const Part& part) const
+{
+    centre(page);
+    int top = page.cells.top, left = page.cells.left;
+    if (page.rows.repeats)
+        top = addTracks(page.rowTracks, m_titleRows.sizes, m_titleRows.first, m_titleRows.first,
+                        m_titleRows.repeated().last, top);
+    if (page.columns.repeats)
+        left = addTracks(page.columnTracks, m_titleColumns.sizes, m_titleColumns.first, m_titleColumns.first,
+                         m_titleColumns.repeated().last, left);
+    page.repeatedColumns = static_cast<int>(page.columnTracks.size());
+    addTracks(page.rowTracks, part.rowSizes, part.range.top, page.rows.first, page.rows.last,
+              top - page.rows.skipped);
+    addTracks(page.columnTracks, part.columnSizes, part.range.left, page.columns.first, page.columns.last,
+              left - page.columns.skipped);
+    page.cells.height = top - page.cells.top + page.rows.length;
+    page.cells.width = left - page.cells.left + page.columns.length;
 }
 
 } // namespace spreadsheet

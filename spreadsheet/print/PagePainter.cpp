@@ -30,11 +30,12 @@ void PagePainter::paint(QPainter& painter, int number)
     painter.save();
     if (!page.rowTracks.empty())
         paintTable(painter, page);
-    paintHeaderLines(painter, m_layout.header(), m_layout.printable().top, number);
+    m_fields = m_layout.fieldValues(number);
+    paintHeaderLines(painter, m_layout.header(), m_layout.printable().top);
     int footerTop = m_layout.printable().bottom();
     for (const HeaderLine& line : m_layout.footer())
         footerTop -= headerLineHeight(line);
-    paintHeaderLines(painter, m_layout.footer(), footerTop, number);
+    paintHeaderLines(painter, m_layout.footer(), footerTop);
     painter.restore();
 }
 
@@ -47,15 +48,15 @@ void PagePainter::paintTable(QPainter& painter, const PrintedPage& page)
     painter.translate(-body.left, -body.top);
     paintCells(painter, page);
     paintHeadings(painter, page);
-    if (m_sheet.settings().print.border)
+    if (m_layout.print().border)
         paintBorder(painter, page);
     painter.restore();
 }
 
 void PagePainter::paintCells(QPainter& painter, const PrintedPage& page)
 {
-    const PrintSettings& print = m_sheet.settings().print;
-    const bool lastAcross = page.columns.last == m_layout.range()->right;
+    const PrintSettings& print = m_layout.print();
+    const bool lastAcross = page.columns.last == page.range.right;
     const int rightLimit = lastAcross ? m_layout.body().right() : page.cells.right();
     painter.save();
     painter.setClipRect(QRect(page.cells.left - lineRoom, page.cells.top - lineRoom,
@@ -98,7 +99,7 @@ void PagePainter::paintHeadings(QPainter& painter, const PrintedPage& page)
 
 void PagePainter::paintHeading(QPainter& painter, const PageBox& box, const QString& text)
 {
-    const PrintSettings& print = m_sheet.settings().print;
+    const PrintSettings& print = m_layout.print();
     if (print.shadows)
         painter.fillRect(rectOf(box), printColour(headingShadow, 0xFFFFFF, print.colour));
     painter.setPen(borderPen(headingLine, painter.deviceTransform().m11(), print.colour));
@@ -124,26 +125,25 @@ void PagePainter::paintBorder(QPainter& painter, const PrintedPage& page)
                            page.cells.height + height));
 }
 
-void PagePainter::paintHeaderLines(QPainter& painter, const std::vector<HeaderLine>& lines, int top,
-                                   int pageNumber)
+void PagePainter::paintHeaderLines(QPainter& painter, const std::vector<HeaderLine>& lines, int top)
 {
     double lineTop = top;
     for (const HeaderLine& line : lines) {
         const double em = line.points * twipsPerPoint;
         const double baseline =
             lineTop + (headerLineHeight(line) - em * lineDistance) / 2 + baselineInLine * em;
-        paintHeaderLine(painter, line, baseline, pageNumber);
+        paintHeaderLine(painter, line, baseline);
         lineTop += headerLineHeight(line);
     }
 }
 
-void PagePainter::paintHeaderLine(QPainter& painter, const HeaderLine& line, double baseline, int pageNumber)
+void PagePainter::paintHeaderLine(QPainter& painter, const HeaderLine& line, double baseline)
 {
     std::array<std::vector<TextLine>, 3> pieces;
     std::array<double, 3> widths{};
     for (std::size_t part = 0; part < pieces.size(); ++part)
         for (const HeaderRun& run : line.parts[part]) {
-            pieces[part].push_back(pieceOf(run, pageNumber));
+            pieces[part].push_back(pieceOf(run));
             widths[part] += pieces[part].back().width;
         }
     const HeaderPlaces places = placeHeaderParts(widths, m_layout.printable().width, partGap);
@@ -163,10 +163,11 @@ void PagePainter::paintHeaderLine(QPainter& painter, const HeaderLine& line, dou
     painter.restore();
 }
 
-TextLine PagePainter::pieceOf(const HeaderRun& run, int pageNumber)
+TextLine PagePainter::pieceOf(const HeaderRun& run)
 {
-    const QString text =
-        run.pageNumber ? QString::number(pageNumber) : QString::fromUtf8(run.text).replace('\n', ' ');
+    const std::string filled = run.pageNumber ? m_fields[static_cast<std::size_t>(HeaderField::page)]
+                                              : withFields(run.text, m_fields);
+    const QString text = QString::fromUtf8(filled).replace('\n', ' ');
     const HeaderFont& font = run.font;
     return m_text.lines(text, m_text.font({font.family, font.points, font.bold, font.italic})).front();
 }

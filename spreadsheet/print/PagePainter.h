@@ -32,13 +32,14 @@ private:
     void paintHeadings(QPainter& painter, const PrintedPage& page);
     void paintHeading(QPainter& painter, const PageBox& box, const QString& text);
     void paintBorder(QPainter& painter, const PrintedPage& page);
-    void paintHeaderLines(QPainter& painter, const std::vector<HeaderLine>& lines, int top, int pageNumber);
-    void paintHeaderLine(QPainter& painter, const HeaderLine& line, double baseline, int pageNumber);
-    TextLine pieceOf(const HeaderRun& run, int pageNumber);
+    void paintHeaderLines(QPainter& painter, const std::vector<HeaderLine>& lines, int top);
+    void paintHeaderLine(QPainter& painter, const HeaderLine& line, double baseline);
+    TextLine pieceOf(const HeaderRun& run);
 
     const Sheet& m_sheet;
     const PageLayout& m_layout;
     PageText& m_text;
+    HeaderFieldValues m_fields; ///< of the page being painted
 };
 
 } // namespace spreadsheet

@@ -97,6 +97,8 @@ std::optional<TextLine> PageText::quickLine(const QString& text, const QFont& fo
         places[i] = place;
         place += advances[i];
     }
+    if (m_record)
+        m_record->name(face, glyphs, text);
     QGlyphRun run;
     run.setRawFont(face);
     run.setGlyphIndexes(glyphs);
@@ -107,9 +109,9 @@ std::optional<TextLine> PageText::quickLine(const QString& text, const QFont& fo
 std::vector<TextLine> PageText::laidOut(const QString& text, const QFont& font,
                                         std::optional<double> wrapWidth)
 {
-    if (!m_record && !wrapWidth)
-        if (auto line = quickLine(text, font))
-            return {std::move(*line)};
+    if (auto line = quickLine(text, font);
+        line && (!wrapWidth || (line->width <= *wrapWidth && !text.endsWith(' '))))
+        return {std::move(*line)};
     QTextLayout layout(withLineSeparators(text), font);
     QTextOption option;
     option.setWrapMode(wrapWidth ? QTextOption::WrapAtWordBoundaryOrAnywhere : QTextOption::ManualWrap);

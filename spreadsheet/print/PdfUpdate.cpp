@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <vector>
 
 namespace spreadsheet {
 
@@ -48,6 +47,9 @@ bool PdfUpdate::readTable()
     m_size = static_cast<int>(numberAfter(trailer, "/Size"));
     m_root = reference(trailer, "Root");
     m_info = reference(trailer, "Info");
+    if (const qsizetype id = trailer.indexOf("/ID"), end = trailer.indexOf(']', std::max<qsizetype>(id, 0));
+        id >= 0 && end > id)
+        m_id = trailer.sliced(id, end - id + 1).toByteArray() + '\n';
     constexpr qsizetype lineSize = 20;
     const qsizetype lines = file.indexOf('\n', m_table + 5) + 1;
     if (m_root <= 0 || m_info <= 0 || lines <= 0 || lines + m_size * lineSize > file.size())
@@ -59,6 +61,9 @@ bool PdfUpdate::readTable()
         if (line[17] == 'n' && offset > 0 && offset < file.size())
             m_offsets[number] = offset;
     }
+    for (const auto& [number, offset] : m_offsets)
+        m_starts.push_back(offset);
+    std::ranges::sort(m_starts);
     return m_offsets.contains(m_root);
 }
 
@@ -68,10 +73,8 @@ QByteArrayView PdfUpdate::object(int number) const
     if (found == m_offsets.end())
         return {};
     // Objects do not stand in the order of their numbers, and a stream may hold the word "endobj".
-    qsizetype end = m_table;
-    for (const auto& [other, offset] : m_offsets)
-        if (offset > found->second)
-            end = std::min(end, offset);
+    const auto next = std::ranges::upper_bound(m_starts, found->second);
+    const qsizetype end = next == m_starts.end() ? m_table : std::min(*next, m_table);
     const QByteArrayView whole = QByteArrayView(m_pdf).sliced(found->second, end - found->second);
     const qsizetype body = whole.indexOf("obj");
     const qsizetype close = whole.lastIndexOf("endobj");
@@ -96,8 +99,9 @@ QByteArray PdfUpdate::result() const
     }
     const QByteArray tableAt = QByteArray::number(static_cast<qlonglong>(file.size()));
     file += table + "trailer\n<<\n/Size " + QByteArray::number(m_size) + "\n/Info " +
-            QByteArray::number(m_info) + " 0 R\n/Root " + QByteArray::number(m_root) + " 0 R\n/Prev " +
-            QByteArray::number(static_cast<qlonglong>(m_table)) + "\n>>\nstartxref\n" + tableAt + "\n%%EOF\n";
+            QByteArray::number(m_info) + " 0 R\n/Root " + QByteArray::number(m_root) + " 0 R\n" + m_id +
+            "/Prev " + QByteArray::number(static_cast<qlonglong>(m_table)) + "\n>>\nstartxref\n" + tableAt +
+            "\n%%EOF\n";
     return file;
 }
 

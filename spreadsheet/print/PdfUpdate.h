@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace spreadsheet {
 
@@ -21,9 +22,12 @@ public:
     /// What stands between "n 0 obj" and the next object; empty if there is no such object.
     QByteArrayView object(int number) const;
     int root() const { return m_root; }
+    int info() const { return m_info; } ///< the dictionary of properties
 
     /// @param body  without "obj" and "endobj"
     void replace(int number, const QByteArray& body) { m_replaced[number] = body; }
+    /// Number for an object that is new; it must be given a body by `replace`.
+    int add() { return m_size++; }
 
     /// The file with its update; the file as it was if nothing is replaced.
     QByteArray result() const;
@@ -39,7 +43,9 @@ private:
     int m_size = 0;
     int m_root = 0;
     int m_info = 0;
+    QByteArray m_id; ///< the trailer's entry that identifies the file, where it has one
     std::map<int, qsizetype> m_offsets;
+    std::vector<qsizetype> m_starts; ///< of all objects, ascending
     std::map<int, QByteArray> m_replaced;
 };
 

@@ -1,5 +1,6 @@
 #include "spreadsheet/print/PreviewWidget.h"
 
+#include "spreadsheet/print/page_words.h"
 #include "spreadsheet/print/PagePainter.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/workbook/Workbook.h"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace spreadsheet {
 
@@ -49,6 +51,7 @@ void PreviewWidget::attach(const Workbook& workbook, int sheet, PageRequest requ
     m_revision.reset();
     m_pictures.clear();
     m_currentPage = 1;
+    m_toldPages = pageCount();
     arrange();
 }
 
@@ -58,6 +61,12 @@ void PreviewWidget::setRequest(PageRequest request)
     m_revision.reset();
     m_pictures.clear();
     arrange();
+}
+
+void PreviewWidget::refresh()
+{
+    if (m_workbook && m_revision != m_workbook->revision())
+        arrange();
 }
 
 const PageLayout* PreviewWidget::layout() const
@@ -97,6 +106,21 @@ void PreviewWidget::setCurrentPage(int page)
     arrange();
     verticalScrollBar()->setValue(0);
     Q_EMIT pageChanged(page);
+}
+
+bool PreviewWidget::find(const QString& text)
+{
+    const PageLayout* const pages = layout();
+    const auto page =
+        pages ? pageShowing(m_workbook->sheet(m_sheet), *pages, text, m_currentPage) : std::nullopt;
+    if (page)
+        setCurrentPage(*page);
+    return page.has_value();
+}
+
+QString PreviewWidget::words() const
+{
+    return layout() ? pageWords(m_workbook->sheet(m_sheet), *layout(), m_currentPage) : QString();
 }
 
 int PreviewWidget::pageStep() const
@@ -161,6 +185,7 @@ void PreviewWidget::changeLook(const Look& look)
 /// Scroll ranges for the pages in sight; the current page stays within the report.
 void PreviewWidget::arrange()
 {
+    const int pageBefore = m_currentPage;
     m_currentPage = std::clamp(m_currentPage, 1, pageCount());
     const QRect last = pageRect(pageStep() - 1);
     const QSize area = viewport()->size();
@@ -170,6 +195,16 @@ void PreviewWidget::arrange()
     verticalScrollBar()->setPageStep(area.height());
     verticalScrollBar()->setSingleStep(fontMetrics().height() * 2);
     viewport()->update();
+    tellPages(pageBefore);
+}
+
+void PreviewWidget::tellPages(int pageBefore)
+{
+    const int pages = pageCount();
+    if (std::exchange(m_toldPages, pages) != pages)
+        Q_EMIT pageCountChanged(pages);
+    if (m_currentPage != pageBefore)
+        Q_EMIT pageChanged(m_currentPage);
 }
 
 /// Pixels per twip. Fitting views use the size without scroll bars that would come and go.

@@ -40,6 +40,8 @@ public:
 
     /// Other paper, cells or stamp; the current page stays where there is one.
     void setRequest(PageRequest request);
+    /// Finds out whether the workbook has changed, if no painting will.
+    void refresh();
 
     /// Pages of the sheet with its print settings of now; at least 1.
     int pageCount() const;
@@ -47,6 +49,10 @@ public:
     int currentPage() const { return m_currentPage; }
     /// A page outside the report becomes its first or last.
     void setCurrentPage(int page);
+    /// Goes to the next page, at last the current one, whose cells show a text. False if none does.
+    bool find(const QString& text);
+    /// What the cells of the current page show, for a clipboard.
+    QString words() const;
     /// How many pages are shown at once.
     int pageStep() const;
 
@@ -66,6 +72,7 @@ public:
 
 Q_SIGNALS:
     void pageChanged(int page);
+    void pageCountChanged(int pages);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -85,6 +92,7 @@ private:
     const PageLayout* layout() const;
     void changeLook(const Look& look);
     void arrange();
+    void tellPages(int pageBefore);
     double scale() const;
     QRect pageRect(int place) const;
     const QPixmap& picture(int page, QSize size);
@@ -97,6 +105,7 @@ private:
     Look m_look;
     std::optional<Look> m_lookBefore; ///< set while the zoom is toggled
     int m_currentPage = 1;
+    int m_toldPages = 1;
     int m_wheel = 0; ///< eighths of a degree not yet acted on
 
     mutable std::unique_ptr<PageLayout> m_layout; ///< of m_revision; none if the margins leave no room

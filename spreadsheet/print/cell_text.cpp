@@ -15,9 +15,8 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr int paddingAcross = 40; // twips between a cell's edge and its text
-constexpr int paddingDown = 20;
-constexpr double figureSlack = 60; // a figure may use most of its padding before it turns into "####"
+constexpr int paddingDown = 20;     // twips between a cell's edge and its text
+constexpr double figureSlack = 1.5; // of 2 paddings that a figure may use before it turns into "####"
 
 const QFont& fontOf(PageText& text, const CellFont& font)
 {
@@ -98,12 +97,12 @@ void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const R
     const CellStyle& style = *cell.style;
     const QFont& font = fontOf(m_text, style.font);
     const double twip = m_text.twip();
-    const double padding = paddingAcross * twip;
+    const double padding = paddingAcross();
     const double inner = box.width - 2 * padding;
     const bool wraps = style.wrap && !cell.isFigure;
     std::vector<TextLine> lines =
         m_text.lines(cell.text, font, wraps ? std::optional<double>(inner) : std::nullopt);
-    if (cell.isFigure && widest(lines) > inner + figureSlack * twip)
+    if (cell.isFigure && widest(lines) > inner + figureSlack * padding)
         lines = m_text.lines(numberSigns(m_text, font, inner), font);
 
     const double em = style.font.points * twipsPerPoint * twip;
@@ -138,6 +137,11 @@ void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const R
         m_painter.restore();
 }
 
+double CellTextPainter::paddingAcross() const
+{
+    return m_cells.sheet().settings().print.textDistance * m_text.twip();
+}
+
 /// Draws the rest of a text that began on the page to the left.
 void CellTextPainter::drawTextFromPageBefore()
 {
@@ -149,7 +153,7 @@ void CellTextPainter::drawTextFromPageBefore()
         return;
     const double width = widest(m_text.lines(before->cell.text, fontOf(m_text, before->cell.style->font)));
     const PageBox& box = before->box;
-    const double padding = paddingAcross * m_text.twip();
+    const double padding = paddingAcross();
     if (leftOf(before->cell.alignment, box.left + padding, box.right() - padding, width) + width <=
         m_cells.column(0).start)
         return;
@@ -169,7 +173,7 @@ void CellTextPainter::drawTextFromPageBehind()
         return;
     const double width = widest(m_text.lines(behind->cell.text, fontOf(m_text, behind->cell.style->font)));
     const PageBox& box = behind->box;
-    const double padding = paddingAcross * m_text.twip();
+    const double padding = paddingAcross();
     if (leftOf(behind->cell.alignment, box.left + padding, box.right() - padding, width) >=
         m_cells.column(m_column).end())
         return;
@@ -192,10 +196,11 @@ TextOverflow CellTextPainter::reached(double left, double right, const Room& roo
 CellTextPainter::Room CellTextPainter::roomOf(int row, int column) const
 {
     int first = column;
-    while (first > 0 && m_cells.isBlank(row, first - 1))
+    while (first > 0 && m_cells.isBlank(row, first - 1) && !m_cells.isBehindRepeated(first))
         --first;
     int last = column;
-    while (last + 1 < m_cells.columns() && m_cells.isBlank(row, last + 1))
+    while (last + 1 < m_cells.columns() && m_cells.isBlank(row, last + 1) &&
+           !m_cells.isBehindRepeated(last + 1))
         ++last;
     const bool reachesEnd = last + 1 == m_cells.columns();
     return {m_cells.column(first).start, std::max(m_cells.column(last).end(), reachesEnd ? m_rightLimit : 0),

@@ -53,6 +53,7 @@ private:
     void drawTextFromPageBehind();
     TextOverflow reached(double left, double right, const Room& room) const;
     Room roomOf(int row, int column) const;
+    double paddingAcross() const;
 
     QPainter& m_painter;
     PageText& m_text;

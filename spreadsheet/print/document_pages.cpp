@@ -17,7 +17,7 @@ PageRequest requestOf(const PrintDocument& document)
 {
     PageRequest request = document.page;
     if (document.range.kind == PrintRangeKind::cells)
-        request.range = document.range.cells;
+        request.ranges = document.range.cells;
     return request;
 }
 

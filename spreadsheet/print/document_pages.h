@@ -19,8 +19,10 @@ class Workbook;
 /// What is printed, on paper or into a file.
 struct PrintDocument {
     QString title;            ///< of the document; empty: the name of its first sheet
+    QString author, subject;  ///< properties of a PDF; empty: none
+    bool isArchive = false;   ///< a PDF keeps to PDF/A-1b
     std::optional<int> sheet; ///< from 1; without it all sheets
-    PageRequest page;         ///< its range is taken from `range`
+    PageRequest page;         ///< its ranges are taken from `range`
     PrintRange range;         ///< of every sheet
     /// Asked before each page, with pages done and pages in all; false ends the work. May be empty.
     std::function<bool(int done, int pages)> goesOn;

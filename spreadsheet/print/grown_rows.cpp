@@ -15,8 +15,7 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double paddingAcross = 80; // twips, as texts are drawn
-constexpr double paddingDown = 50;   // of a row that grows
+constexpr double paddingDown = 50; // of a row that grows
 constexpr int tallestRow = 31'680;
 
 int widthOf(const Sheet& sheet, const CellRange& extent)
@@ -50,7 +49,7 @@ NeededLines neededLines(const Sheet& sheet, CellAddress cell, PageText& text)
     const CellStyle& style = sheet.style(cell);
     const bool wraps = style.wrap && !isFigure(sheet.value(cell));
     const double em = style.font.points * twipsPerPoint;
-    const double width = std::max(widthOf(sheet, extent) - paddingAcross, 1.0);
+    const double width = std::max(widthOf(sheet, extent) - 2.0 * sheet.settings().print.textDistance, 1.0);
     // Laying out takes long. No character is wider than the font is high, and none has more units than bytes.
     const bool fits = static_cast<double>(shown.size()) * em * 1.1 <= width;
     if ((!wraps || fits) && shown.find('\n') == shown.npos)

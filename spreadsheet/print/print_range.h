@@ -2,6 +2,7 @@
 #include "spreadsheet/values/CellAddress.h"
 
 #include <optional>
+#include <vector>
 
 namespace spreadsheet {
 
@@ -10,8 +11,8 @@ enum class PrintRangeKind { all = 0, cells = 1, currentPage = 2, pages = 3 };
 /// What of a sheet is printed.
 struct PrintRange {
     PrintRangeKind kind = PrintRangeKind::all;
-    CellRange cells{1, 1, 1, 1}; ///< of kind `cells`
-    int firstPage = 1;           ///< of kind `pages`
+    std::vector<CellRange> cells; ///< of kind `cells`; each range on pages of its own
+    int firstPage = 1;            ///< of kind `pages`
     int lastPage = 1;
     int currentPage = 1; ///< of kind `currentPage`
     friend bool operator==(const PrintRange&, const PrintRange&) = default;

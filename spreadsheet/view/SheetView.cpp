@@ -310,6 +310,7 @@ void SheetView::freshenStore()
         paintSurroundings(painter, part);
         for (const Pane& pane : panes)
             paintPane(painter, pane, part);
+        paintPageBreaks(painter);
         paintFreezeLines(painter);
     });
 }
@@ -338,6 +339,23 @@ void SheetView::paintPane(QPainter& painter, const Pane& pane, const QRect& part
     painter.save();
     painter.setClipRect(clip);
     m_cells.paint(painter, sheet(), m_geometry, pane, clip);
+    painter.restore();
+}
+
+/// Where pages begin by hand.
+void SheetView::paintPageBreaks(QPainter& painter) const
+{
+    const PrintSettings& print = sheet().settings().print;
+    painter.save();
+    painter.setPen(QPen(QColor(0x20, 0x60, 0xC0), 1, Qt::DashLine));
+    for (const auto& [row, marked] : print.rowBreaks)
+        if (const QRect rect = m_geometry.visibleRect({1, row, sheet().settings().columnCount, row});
+            !rect.isEmpty())
+            painter.drawLine(rect.left(), rect.top() - 1, rect.right(), rect.top() - 1);
+    for (const auto& [column, marked] : print.columnBreaks)
+        if (const QRect rect = m_geometry.visibleRect({column, 1, column, sheet().settings().rowCount});
+            !rect.isEmpty())
+            painter.drawLine(rect.left() - 1, rect.top(), rect.left() - 1, rect.bottom());
     painter.restore();
 }
 

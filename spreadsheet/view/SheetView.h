@@ -78,6 +78,7 @@ private:
     void paintSurroundings(QPainter& painter, const QRect& part) const;
     void paintPane(QPainter& painter, const Pane& pane, const QRect& part);
     void paintFreezeLines(QPainter& painter) const;
+    void paintPageBreaks(QPainter& painter) const;
     void spoilRow(int row);
     void scrollStore(int down);
     void updateArea();

@@ -333,10 +333,13 @@ void SheetStructure::shiftSettings(Sheet& sheet, const AxisShift& shift)
         const bool wasOneCell = range.isOneCell();
         return !shiftRange(shift, range) || (!wasOneCell && range.isOneCell());
     });
-    if (shift.rows && settings.print.titleTop > 0 &&
-        !shiftEnds(shift, settings.print.titleTop, settings.print.titleBottom))
-        settings.print.titleTop = settings.print.titleBottom = 0;
-    auto& breaks = shift.rows ? settings.print.rowBreaks : settings.print.columnBreaks;
+    PrintSettings& print = settings.print;
+    int& firstTitle = shift.rows ? print.titleTop : print.titleLeft;
+    int& lastTitle = shift.rows ? print.titleBottom : print.titleRight;
+    if (firstTitle > 0 && !shiftEnds(shift, firstTitle, lastTitle))
+        firstTitle = lastTitle = 0;
+    std::erase_if(print.area, [&](CellRange& range) { return !shiftRange(shift, range); });
+    auto& breaks = shift.rows ? print.rowBreaks : print.columnBreaks;
     breaks = shiftedKeys(breaks, shift);
     int& count = shift.rows ? settings.rowCount : settings.columnCount;
     const int removed = std::clamp(count - (shift.at - 1), 0, shift.removed);

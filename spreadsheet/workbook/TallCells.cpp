@@ -12,17 +12,17 @@ bool TallCells::mayBeTall(const CellBlock& block, int index, CellAddress cell)
     const bool showsOther = block.hasShown() && !block.shown(index).empty();
     if (block.kinds()[index] == ValueKind::empty && !showsOther)
         return false;
-    if (hasTallStyle(cell))
+    const std::uint32_t own = block.hasStyles() ? block.style(index) : 0;
+    if (hasTallStyle(own != 0 ? own : m_sheet.styleNumber(cell), cell))
         return true;
     return showsOther
                ? isSeveralLines(block.shown(index).view())
                : block.kinds()[index] == ValueKind::text && isSeveralLines(block.value(index).textView());
 }
 
-bool TallCells::hasTallStyle(CellAddress cell)
+bool TallCells::hasTallStyle(std::uint32_t number, CellAddress cell)
 {
     enum : std::uint8_t { unknown, plain, tall };
-    const std::uint32_t number = m_sheet.styleNumber(cell);
     if (number >= m_styles.size())
         m_styles.resize(number + 1, unknown);
     if (m_styles[number] == unknown) {

@@ -21,7 +21,7 @@ public:
     bool mayBeTall(const CellBlock& block, int index, CellAddress cell);
 
 private:
-    bool hasTallStyle(CellAddress cell);
+    bool hasTallStyle(std::uint32_t number, CellAddress cell);
 
     const Sheet& m_sheet;
     int m_usual;                        ///< twips

@@ -152,7 +152,7 @@ void fill(SpreadsheetControl& grid)
     spans(grid);
     grid.cells().changePrintSettings([](PrintSettings& print) {
         print.landscape = print.gridLines = true;
-        print.fitWidth = true;
+        print.fitAcross = 1;
     });
 }
 

@@ -162,7 +162,7 @@ class Desk:
         pdf = self.folder / file
         self.menu(1, 10)
         self.user.answers(HOST, "y")
-        self.user.sees("引出为PDF文件")
+        self.user.sees("另存为PDF")
         self.user.presses("ctrl+a")
         self.user.types(str(pdf))
         self.user.presses("Return")

@@ -21,6 +21,11 @@ spreadsheet::CellRange frmEditor::EditorGrid::selectedBlock() const
     return m_window.m_fps1->cursor().firstRange();
 }
 
+std::vector<spreadsheet::CellRange> frmEditor::EditorGrid::selectedRanges() const
+{
+    return m_window.m_fps1->cursor().selection();
+}
+
 std::string frmEditor::EditorGrid::reportName() const
 {
     return m_window.m_txtReportName->text().toStdString();

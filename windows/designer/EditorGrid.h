@@ -17,6 +17,7 @@ public:
 
     spreadsheet::Workbook& workbook() override;
     spreadsheet::CellRange selectedBlock() const override;
+    std::vector<spreadsheet::CellRange> selectedRanges() const override;
     std::string reportName() const override;
     int diagnosticsCount() const override;
     std::string failedFetches() const override;

@@ -13,6 +13,7 @@
 #include "windows/formatting/frmLineSize.h"
 #include "windows/formatting/frmNumberFormat.h"
 #include "windows/printing/frmPrintOptions.h"
+#include "windows/printing/print_sheet.h"
 
 namespace selfreport {
 
@@ -84,7 +85,9 @@ constexpr EditorCommand fileCommands[] = {
     {.name = "MenuFileExit", .caption = "退出", .run = [](Window w) { w.close(); }, .whileTyping = true},
     separator,
     {.addsMore = [](Window w, QMenu& menu) { w.addFileFormats(menu); }},
-    {"MenuExportPdf", "引出为PDF文件", [](Window w) { w.exportPdf(); }},
+    {"MenuPrintAll", "打印全部表页", [](Window w) { printAllSheets(w.printedGrid()); }},
+    {"MenuExportPdf", "另存为PDF", [](Window w) { w.exportPdf(); }},
+    {"MenuExportPdfA", "另存为PDF/A存档文件", [](Window w) { exportPdf(w.printedGrid(), true); }},
     {"MenuPrintOptions", "打印选项", [](Window w) { frmPrintOptions(w.printedGrid(), &w).exec(); }},
     {"MenuPageBreak", "插入/取消分页符", [](Window w) { togglePageBreaksAtSelection(w.printedGrid()); }},
 };

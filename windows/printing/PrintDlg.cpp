@@ -22,9 +22,8 @@
 
 namespace selfreport {
 
-// The dialog's check boxes are choices for a printing, not a part of the design: they go to the sheet as a
-// change of its display. The range is put back unless it was printed, so that a refused or cancelled printing
-// leaves none behind.
+// The dialog's choices are those of a printing, not a part of the design: they are handed to preview and
+// printing beside the sheet, which gets them, as a change of its display, once they are printed.
 
 namespace {
 
@@ -59,6 +58,9 @@ PrintDlg::PrintDlg(PrintedGrid& grid, QWidget* parent)
     (new QVBoxLayout(this))->addLayout(frames);
     buildButtons();
     settle(*this);
+    if (frmPreview::exists())
+        m_page = frmPreview::shared(grid).fpsp1().currentPage();
+    showChoice();
 }
 
 QGroupBox* PrintDlg::optionFrame()
@@ -69,6 +71,7 @@ QGroupBox* PrintDlg::optionFrame()
         Check1[i] = new QCheckBox(QString::fromUtf8(options[i].caption));
         Check1[i]->setObjectName(QStringLiteral("Check1_%1").arg(i));
         Check1[i]->setChecked(true);
+        connect(Check1[i], &QCheckBox::toggled, this, &PrintDlg::showChoice);
         rows->addWidget(Check1[i]);
     }
     return frame;
@@ -93,6 +96,7 @@ QGroupBox* PrintDlg::rangeFrame()
         Text1[i]->setObjectName(QStringLiteral("Text1_%1").arg(i));
         Text1[i]->setEnabled(false);
         Text1[i]->installEventFilter(this);
+        connect(Text1[i], &QLineEdit::textChanged, this, &PrintDlg::showChoice);
         pages->addWidget(Text1[i]);
     }
     rows->addLayout(pages);
@@ -106,7 +110,7 @@ void PrintDlg::buildButtons()
         const char *name, *caption;
         void (*clicked)(PrintDlg&);
     } buttons[] = {
-        {"Command1", "设置", [](auto& window) { pagesetup(window.m_grid, &window).exec(); }},
+        {"Command1", "设置", [](auto& window) { window.Command1_Click(); }},
         {"Command4", "打印机设置", [](auto& window) { window.Command4_Click(); }},
         {"Command2", "打印", [](auto& window) { window.Command2_Click(); }},
         {"Command3", "取消", [](auto& window) { window.close(); }},
@@ -129,6 +133,13 @@ void PrintDlg::Option1_Click(int index)
         field->setEnabled(index == pageRange);
     if (index == pageRange)
         Text1[0]->setFocus();
+    showChoice();
+}
+
+void PrintDlg::Command1_Click()
+{
+    pagesetup(m_grid, this).exec();
+    showChoice();
 }
 
 bool PrintDlg::eventFilter(QObject* object, QEvent* event)
@@ -140,13 +151,13 @@ bool PrintDlg::eventFilter(QObject* object, QEvent* event)
     return QDialog::eventFilter(object, event);
 }
 
-bool PrintDlg::takeRange()
+std::optional<spreadsheet::PrintRange> PrintDlg::range()
 {
-    spreadsheet::PrintRange& range = m_grid.printRange;
+    spreadsheet::PrintRange range = m_grid.printRange;
     if (Option1[0]->isChecked()) {
         range.kind = spreadsheet::PrintRangeKind::all;
     } else if (Option1[1]->isChecked()) {
-        range.cells = m_grid.selectedBlock();
+        range.cells = m_grid.selectedRanges();
         range.kind = spreadsheet::PrintRangeKind::cells;
     } else if (Option1[2]->isChecked()) {
         range.currentPage = frmPreview::exists() ? frmPreview::shared(m_grid).fpsp1().currentPage() : 1;
@@ -157,38 +168,58 @@ bool PrintDlg::takeRange()
         if (!first || !last) {
             dialogs().message(Icon::exclamation, m_grid.context.title, "页码不能大于32767!");
             (first ? Text1[1] : Text1[0])->setFocus();
-            return false;
+            return std::nullopt;
         }
         range.firstPage = *first;
         range.lastPage = *last;
         range.kind = spreadsheet::PrintRangeKind::pages;
     }
-    return true;
+    return range;
+}
+
+PrintSettings PrintDlg::settings() const
+{
+    PrintSettings print = activeSheetsPrint(m_grid.workbook());
+    for (std::size_t i = 0; i < Check1.size(); ++i)
+        print.*options[i].setting = Check1[i]->isChecked();
+    return print;
+}
+
+/// The preview behind the dialog shows what would be printed; of a range of pages it shows the first.
+void PrintDlg::showChoice()
+{
+    if (!frmPreview::exists())
+        return;
+    spreadsheet::PreviewWidget& pages = frmPreview::shared(m_grid).fpsp1();
+    spreadsheet::PageRequest request = previewRequest(m_grid);
+    request.print = settings();
+    if (Option1[1]->isChecked())
+        request.ranges = m_grid.selectedRanges();
+    pages.setRequest(std::move(request));
+    const auto first = pageNumber(Text1[0]->text().toStdString());
+    pages.setCurrentPage(Option1[pageRange]->isChecked() && first ? *first : m_page);
 }
 
 PrintOutcome PrintDlg::PrintSpread()
 {
-    static constexpr std::size_t order[] = {0, 1, 3, 5, 2, 6, 4};
-    const spreadsheet::PrintRange before = m_grid.printRange;
-    if (!takeRange())
+    const auto chosen = range();
+    if (!chosen)
         return PrintOutcome::failed;
-    {
-        const spreadsheet::DisplayOnly display(m_grid.workbook());
-        changeActiveSheetsPrint(m_grid.workbook(), [&](PrintSettings& print) {
-            for (const std::size_t i : order)
-                print.*options[i].setting = Check1[i]->isChecked();
-        });
-    }
-    const PrintOutcome outcome = printSheet(m_grid);
+    const PrintSettings print = settings();
+    const PrintOutcome outcome = printSheet(m_grid, PrintChoice{print, *chosen});
     if (outcome != PrintOutcome::printed)
-        m_grid.printRange = before;
+        return outcome;
+    const spreadsheet::DisplayOnly display(m_grid.workbook());
+    changeActiveSheetsPrint(m_grid.workbook(), [&](PrintSettings& kept) { kept = print; });
+    m_grid.printRange = *chosen;
     return outcome;
 }
 
 void PrintDlg::Command2_Click()
 {
     const PrintOutcome outcome = PrintSpread();
-    if (outcome == PrintOutcome::printed)
+    m_isPrinted = outcome == PrintOutcome::printed;
+    if (m_isPrinted)
         m_grid.closeDesigner();
     else if (outcome == PrintOutcome::left)
         frmPreview::discard();
@@ -199,12 +230,26 @@ void PrintDlg::Command2_Click()
 
 void PrintDlg::Command4_Click()
 {
-    const auto chosen = PrinterSetupDialogInUse::current().choose(printerSetup());
+    PrinterSetup first = printerSetup();
+    first.paper = paperName(m_grid);
+    const auto chosen = PrinterSetupDialogInUse::current().choose(first);
     if (!chosen)
         return;
+    if (chosen->paper != first.paper)
+        setPaper(m_grid, chosen->paper);
     printerSetup() = *chosen;
-    if (frmPreview::exists())
-        frmPreview::shared(m_grid).fpsp1().setRequest(previewRequest(m_grid));
+    printerSetup().paper.clear(); // it belongs to the report
+    showChoice();
+}
+
+void PrintDlg::done(int result)
+{
+    if (!m_isPrinted && frmPreview::exists()) {
+        spreadsheet::PreviewWidget& pages = frmPreview::shared(m_grid).fpsp1();
+        pages.setRequest(previewRequest(m_grid));
+        pages.setCurrentPage(m_page);
+    }
+    QDialog::done(result);
 }
 
 } // namespace selfreport

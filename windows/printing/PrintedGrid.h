@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace spreadsheet {
 class Workbook;
@@ -27,6 +28,8 @@ public:
     virtual spreadsheet::Workbook& workbook() = 0;
     /// The block that is selected, else the active cell.
     virtual spreadsheet::CellRange selectedBlock() const = 0;
+    /// All ranges that are selected, in the order in which they were; else the active cell.
+    virtual std::vector<spreadsheet::CellRange> selectedRanges() const { return {selectedBlock()}; }
     virtual std::string reportName() const = 0;
     /// Cells whose fetch failed or found nothing.
     virtual int diagnosticsCount() const = 0;

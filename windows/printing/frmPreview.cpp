@@ -1,7 +1,10 @@
 #include "windows/printing/frmPreview.h"
 
+#include "platform/services/Dialogs.h"
 #include "platform/windows/ProportionalLayout.h"
 #include "platform/windows/settle.h"
+#include "platform/windows/WaitCursor.h"
+#include "reports/ReportContext.h"
 #include "spreadsheet/print/PreviewWidget.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "windows/printing/pagesetup.h"
@@ -9,7 +12,11 @@
 #include "windows/printing/PrintDlg.h"
 #include "windows/printing/PrintedGrid.h"
 
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 
 #include <memory>
@@ -49,6 +56,14 @@ void frmPreview::discard()
         instance().reset();
 }
 
+void frmPreview::refresh()
+{
+    if (!instance())
+        return;
+    instance()->m_fpsp1->refresh();
+    instance()->UpdatePageCount();
+}
+
 void frmPreview::showModally(PrintedGrid& grid)
 {
     frmPreview& window = shared(grid);
@@ -69,20 +84,17 @@ frmPreview::frmPreview(PrintedGrid& grid)
     auto* const places = new ProportionalLayout(this, board);
     setLayout(places);
     m_fpsp1->setObjectName("fpsp1");
-    places->place(m_fpsp1, {60, 60, 11880, 7860});
+    places->place(m_fpsp1, {60, 60, 11880, 7380});
     lblPage->setObjectName("lblPage");
     places->place(lblPage, {120, 8100, 2800, 420});
+    buildSearch();
     buildButtons();
     resize(sizeHint());
 
     m_fpsp1->attach(grid.workbook(), grid.workbook().activeSheet(), previewRequest(grid));
-    cmdPrevious->setEnabled(false);
     UpdatePageCount();
-    connect(m_fpsp1, &spreadsheet::PreviewWidget::pageChanged, this, [this](int page) {
-        if (page < m_fpsp1->pageCount())
-            cmdNext->setEnabled(true); // keys may jump from the last page to the first
-        UpdatePageCount();
-    });
+    connect(m_fpsp1, &spreadsheet::PreviewWidget::pageChanged, this, &frmPreview::UpdatePageCount);
+    connect(m_fpsp1, &spreadsheet::PreviewWidget::pageCountChanged, this, &frmPreview::UpdatePageCount);
     m_fpsp1->setFocus();
     openOnScreen(*this);
 }
@@ -109,8 +121,54 @@ void frmPreview::buildButtons()
         static_cast<ProportionalLayout*>(layout())->place(button, {left, 8100, 1350, 450});
         left += 1480;
     }
+    findChild<QPushButton*>("cmdHelp")->setShortcut(QKeySequence::Print);
     cmdPrevious = findChild<QPushButton*>("cmdPrevious");
     cmdNext = findChild<QPushButton*>("cmdNext");
+}
+
+void frmPreview::buildSearch()
+{
+    auto* const places = static_cast<ProportionalLayout*>(layout());
+    txtFind = new QLineEdit;
+    txtFind->setObjectName("txtFind");
+    txtFind->setPlaceholderText(QStringLiteral("在各页中查找"));
+    places->place(txtFind, {120, 7540, 2800, 450});
+    connect(txtFind, &QLineEdit::returnPressed, this, &frmPreview::cmdFind_Click);
+    const auto button = [&](const char* name, const char* caption, int left, QKeySequence key, auto clicked) {
+        auto* const made = new QPushButton(QString::fromUtf8(caption));
+        made->setObjectName(QLatin1String(name));
+        made->setAutoDefault(false);
+        made->setShortcut(key);
+        places->place(made, {left, 7540, 1350, 450});
+        connect(made, &QPushButton::clicked, this, clicked);
+    };
+    button("cmdFind", "查找下一个", 3000, QKeySequence::FindNext, &frmPreview::cmdFind_Click);
+    button("cmdCopy", "复制文字", 4480, {}, &frmPreview::cmdCopy_Click);
+    const auto shortcut = [this](QKeySequence::StandardKey key, QWidget* of, auto act) {
+        auto* const action = new QAction(of);
+        action->setShortcut(key);
+        action->setShortcutContext(Qt::WidgetShortcut);
+        connect(action, &QAction::triggered, this, act);
+        of->addAction(action);
+    };
+    shortcut(QKeySequence::Find, m_fpsp1, [this] { txtFind->setFocus(Qt::ShortcutFocusReason); });
+    shortcut(QKeySequence::Copy, m_fpsp1, [this] { cmdCopy_Click(); });
+}
+
+/// Goes to the next page that shows the text.
+void frmPreview::cmdFind_Click()
+{
+    if (txtFind->text().isEmpty())
+        return txtFind->setFocus();
+    const WaitCursor waiting;
+    if (!m_fpsp1->find(txtFind->text()))
+        dialogs().message(Icon::information, m_grid.context.title,
+                          "没有找到“" + txtFind->text().toStdString() + "”。");
+}
+
+void frmPreview::cmdCopy_Click()
+{
+    QGuiApplication::clipboard()->setText(m_fpsp1->words());
 }
 
 void frmPreview::UpdatePageCount()
@@ -118,36 +176,18 @@ void frmPreview::UpdatePageCount()
     const int page = m_fpsp1->currentPage();
     const int pages = m_fpsp1->pageCount();
     lblPage->setText(QStringLiteral("第 %1 页,共 %2 页").arg(page).arg(pages));
-    if (page == 1)
-        cmdPrevious->setEnabled(false);
-    if (page >= 2 && page < pages) {
-        cmdPrevious->setEnabled(true);
-        cmdNext->setEnabled(true);
-    }
-    if (page == pages)
-        cmdNext->setEnabled(false);
+    cmdPrevious->setEnabled(page > 1);
+    cmdNext->setEnabled(page < pages);
 }
 
 void frmPreview::cmdNext_Click()
 {
-    if (m_fpsp1->currentPage() < m_fpsp1->pageCount()) {
-        m_fpsp1->setCurrentPage(m_fpsp1->currentPage() + m_fpsp1->pageStep());
-        cmdPrevious->setEnabled(true);
-        cmdNext->setEnabled(true);
-    }
-    if (m_fpsp1->currentPage() >= m_fpsp1->pageCount())
-        cmdNext->setEnabled(false);
+    m_fpsp1->setCurrentPage(m_fpsp1->currentPage() + m_fpsp1->pageStep());
 }
 
 void frmPreview::cmdPrevious_Click()
 {
-    if (m_fpsp1->currentPage() >= 2) {
-        m_fpsp1->setCurrentPage(m_fpsp1->currentPage() - m_fpsp1->pageStep());
-        cmdPrevious->setEnabled(true);
-        cmdNext->setEnabled(true);
-    }
-    if (m_fpsp1->currentPage() == 1)
-        cmdPrevious->setEnabled(false);
+    m_fpsp1->setCurrentPage(m_fpsp1->currentPage() - m_fpsp1->pageStep());
 }
 
 void frmPreview::cmdHome_Click()

@@ -2,6 +2,7 @@
 #include <QDialog>
 
 class QLabel;
+class QLineEdit;
 class QPushButton;
 
 namespace spreadsheet {
@@ -24,6 +25,8 @@ public:
     /// Closes the instance, if there is one. It is gone at once or, while it is shown modally, when its loop
     /// has ended.
     static void discard();
+    /// Brings pages, label and buttons of the instance up to date with the workbook, if there is one.
+    static void refresh();
     /// Shows the instance modally and discards it after that.
     static void showModally(PrintedGrid& grid);
 
@@ -40,10 +43,14 @@ private:
     void cmdHome_Click();
     void cmdSupport_Click();
     void cmdHelp_Click();
+    void buildSearch();
+    void cmdFind_Click();
+    void cmdCopy_Click();
 
     PrintedGrid& m_grid;
     spreadsheet::PreviewWidget* m_fpsp1;
     QLabel* lblPage;
+    QLineEdit* txtFind = nullptr;
     QPushButton* cmdPrevious = nullptr;
     QPushButton* cmdNext = nullptr;
     bool m_shownModally = false;

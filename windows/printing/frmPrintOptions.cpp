@@ -3,15 +3,27 @@
 #include "platform/services/Dialogs.h"
 #include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
+#include "spreadsheet/cells/papers.h"
 #include "spreadsheet/workbook/Workbook.h"
+#include "windows/printing/frmPreview.h"
+#include "windows/printing/print_area_text.h"
 #include "windows/printing/print_settings.h"
+#include "windows/printing/print_sheet.h"
 #include "windows/printing/PrintedGrid.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
+#include <QDoubleSpinBox>
 #include <QFormLayout>
+#include <QGroupBox>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSpinBox>
+
+#include <cmath>
+#include <tuple>
 
 namespace selfreport {
 
@@ -19,28 +31,52 @@ namespace {
 
 using spreadsheet::PrintSettings;
 
-const spreadsheet::Sheet& activeSheet(PrintedGrid& grid)
-{
-    spreadsheet::Workbook& workbook = grid.workbook();
-    return workbook.sheet(workbook.activeSheet());
-}
+constexpr double millimetresPerTwip = 25.4 / spreadsheet::twipsPerInch;
+constexpr int printersPaper = -1; // data of the entry; that of the other entries is an index into papers()
+constexpr int ownPaper = -2;
 
-QSpinBox* rowField(const char* name, int row, int rowCount)
+/// @param zero  what is shown for 0; empty: nothing else
+QSpinBox* numberField(const char* name, int value, int least, int most, const char* zero = "")
 {
     auto* const field = new QSpinBox;
     field->setObjectName(QLatin1String(name));
-    field->setRange(0, rowCount);
-    field->setSpecialValueText(QStringLiteral("无"));
-    field->setValue(row);
+    field->setRange(least, most);
+    field->setSpecialValueText(QString::fromUtf8(zero));
+    field->setValue(value);
     return field;
+}
+
+QDoubleSpinBox* millimetreField(const char* name, int twips, double least, double most)
+{
+    auto* const field = new QDoubleSpinBox;
+    field->setObjectName(QLatin1String(name));
+    field->setDecimals(1);
+    field->setRange(least, most);
+    field->setSuffix(QStringLiteral(" 毫米"));
+    field->setValue(twips * millimetresPerTwip);
+    return field;
+}
+
+template <class Widget>
+Widget* named(const char* name, const QString& text)
+{
+    auto* const widget = new Widget(text);
+    widget->setObjectName(QLatin1String(name));
+    return widget;
 }
 
 QCheckBox* checkBox(const char* name, const char* caption, bool on)
 {
-    auto* const box = new QCheckBox(QString::fromUtf8(caption));
-    box->setObjectName(QLatin1String(name));
+    auto* const box = named<QCheckBox>(name, QString::fromUtf8(caption));
     box->setChecked(on);
     return box;
+}
+
+QFormLayout* frameAt(QGridLayout& places, int row, int column, const char* caption)
+{
+    auto* const frame = new QGroupBox(QString::fromUtf8(caption));
+    places.addWidget(frame, row, column);
+    return new QFormLayout(frame);
 }
 
 void toggle(spreadsheet::PrintSettings& print, int column, int row)
@@ -62,46 +98,197 @@ frmPrintOptions::frmPrintOptions(PrintedGrid& grid, QWidget* parent)
 {
     setObjectName("frmPrintOptions");
     setWindowTitle(QStringLiteral("打印选项"));
-    const spreadsheet::SheetSettings& sheet = activeSheet(grid).settings();
-    const PrintSettings& print = sheet.print;
-    txtTitleTop = rowField("txtTitleTop", print.titleTop, sheet.rowCount);
-    txtTitleBottom = rowField("txtTitleBottom", print.titleBottom, sheet.rowCount);
-    chkFitWidth = checkBox("chkFitWidth", "缩小到一页宽", print.fitWidth);
+    const spreadsheet::Workbook& workbook = grid.workbook();
+    const spreadsheet::SheetSettings& sheet = workbook.sheet(workbook.activeSheet()).settings();
+    auto* const places = new QGridLayout(this);
+    buildScale(sheet.print, *places);
+    buildArea(sheet.print, sheet.rowCount, *places);
+    buildPaper(sheet.print, *places);
+    buildPages(sheet.print, *places);
+    buildButtons(*places);
+    settle(*this);
+}
+
+void frmPrintOptions::buildScale(const PrintSettings& print, QGridLayout& places)
+{
+    QFormLayout* const form = frameAt(places, 0, 0, "缩放");
+    optScale = named<QRadioButton>("optScale", QStringLiteral("缩放比例(%):"));
+    optFit = named<QRadioButton>("optFit", QStringLiteral("缩小到,页宽:"));
+    txtScale =
+        numberField("txtScale", print.scale, spreadsheet::smallestPrintScale, spreadsheet::largestPrintScale);
+    const bool fits = print.isFitted();
+    const int most = spreadsheet::mostFittedPages;
+    txtFitAcross = numberField("txtFitAcross", fits ? print.fitAcross : 1, 0, most, "不限");
+    txtFitDown = numberField("txtFitDown", print.fitDown, 0, most, "不限");
+    form->addRow(optScale, txtScale);
+    form->addRow(optFit, txtFitAcross);
+    form->addRow(QStringLiteral("页高:"), txtFitDown);
+    (fits ? optFit : optScale)->setChecked(true);
+    const auto choose = [this] {
+        txtScale->setEnabled(optScale->isChecked());
+        txtFitAcross->setEnabled(optFit->isChecked());
+        txtFitDown->setEnabled(optFit->isChecked());
+    };
+    connect(optFit, &QRadioButton::toggled, this, choose);
+    choose();
+}
+
+void frmPrintOptions::buildArea(const PrintSettings& print, int rowCount, QGridLayout& places)
+{
+    QFormLayout* const form = frameAt(places, 0, 1, "打印区域和标题");
+    txtPrintArea = named<QLineEdit>("txtPrintArea", QString::fromStdString(areaText(print.area)));
+    txtPrintArea->setPlaceholderText(QStringLiteral("全部"));
+    auto* const fromSelection = named<QPushButton>("cmdArea", QStringLiteral("用选定单元格"));
+    fromSelection->setAutoDefault(false);
+    connect(fromSelection, &QPushButton::clicked, this, &frmPrintOptions::cmdArea_Click);
+    auto* const area = new QHBoxLayout;
+    area->addWidget(txtPrintArea, 1);
+    area->addWidget(fromSelection);
+    form->addRow(QStringLiteral("打印区域:"), area);
+    txtTitleTop = numberField("txtTitleTop", print.titleTop, 0, rowCount, "无");
+    txtTitleBottom = numberField("txtTitleBottom", print.titleBottom, 0, rowCount, "无");
+    txtTitleColumns = named<QLineEdit>(
+        "txtTitleColumns", QString::fromStdString(columnsText(print.titleLeft, print.titleRight)));
+    txtTitleColumns->setPlaceholderText(QStringLiteral("无"));
+    form->addRow(QStringLiteral("每页重复的首行:"), txtTitleTop);
+    form->addRow(QStringLiteral("每页重复的末行:"), txtTitleBottom);
+    form->addRow(QStringLiteral("每页重复的列:"), txtTitleColumns);
+}
+
+void frmPrintOptions::buildPaper(const PrintSettings& print, QGridLayout& places)
+{
+    QFormLayout* const form = frameAt(places, 1, 0, "整张报表的纸张");
+    cboPaper = new QComboBox;
+    cboPaper->setObjectName("cboPaper");
+    cboPaper->addItem(QStringLiteral("打印机的纸张"), printersPaper);
+    const auto all = spreadsheet::papers();
+    for (std::size_t i = 0; i < all.size(); ++i)
+        cboPaper->addItem(QString::fromUtf8(all[i].caption), static_cast<int>(i));
+    cboPaper->addItem(QStringLiteral("自定义"), ownPaper);
+    constexpr double least = 20, most = 2000;
+    txtPaperWidth = millimetreField("txtPaperWidth", print.paperWidth, least, most);
+    txtPaperHeight = millimetreField("txtPaperHeight", print.paperHeight, least, most);
+    form->addRow(QStringLiteral("纸张:"), cboPaper);
+    form->addRow(QStringLiteral("宽:"), txtPaperWidth);
+    form->addRow(QStringLiteral("高:"), txtPaperHeight);
+    const spreadsheet::Paper* const paper = spreadsheet::paperOfSize(print.paperWidth, print.paperHeight);
+    cboPaper->setCurrentIndex(cboPaper->findData(print.paperWidth == 0 ? printersPaper
+                                                 : paper               ? static_cast<int>(paper - all.data())
+                                                                       : ownPaper));
+    connect(cboPaper, &QComboBox::currentIndexChanged, this, &frmPrintOptions::cboPaper_Change);
+    cboPaper_Change();
+}
+
+/// The fields show the chosen paper's size; that of an own one is typed.
+void frmPrintOptions::cboPaper_Change()
+{
+    const int chosen = cboPaper->currentData().toInt();
+    txtPaperWidth->setEnabled(chosen == ownPaper);
+    txtPaperHeight->setEnabled(chosen == ownPaper);
+    if (chosen < 0)
+        return;
+    const spreadsheet::Paper& paper = spreadsheet::papers()[static_cast<std::size_t>(chosen)];
+    txtPaperWidth->setValue(paper.millimetresWide);
+    txtPaperHeight->setValue(paper.millimetresHigh);
+}
+
+void frmPrintOptions::buildPages(const PrintSettings& print, QGridLayout& places)
+{
+    QFormLayout* const form = frameAt(places, 1, 1, "页");
+    cboOrder = new QComboBox;
+    cboOrder->setObjectName("cboOrder");
+    cboOrder->addItems({QStringLiteral("先行后列"), QStringLiteral("先列后行")});
+    cboOrder->setCurrentIndex(print.downFirst ? 1 : 0);
+    txtFirstPage = numberField("txtFirstPage", print.firstPage, 1, spreadsheet::largestFirstPage);
+    constexpr double farthest = 5;
+    txtTextDistance = millimetreField("txtTextDistance", print.textDistance, 0, farthest);
+    txtTextDistance->setSingleStep(0.1);
     chkCentredAcross = checkBox("chkCentredAcross", "水平居中", print.centredAcross);
     chkCentredDown = checkBox("chkCentredDown", "垂直居中", print.centredDown);
     chkStamp = checkBox("chkStamp", "打印戳记(时间、操作员、账套、取数诊断)", print.stamp);
+    form->addRow(QStringLiteral("打印顺序:"), cboOrder);
+    form->addRow(QStringLiteral("起始页码:"), txtFirstPage);
+    form->addRow(QStringLiteral("文字与表线的距离:"), txtTextDistance);
+    auto* const centred = new QHBoxLayout;
+    centred->addWidget(chkCentredAcross);
+    centred->addWidget(chkCentredDown);
+    form->addRow(centred);
+    form->addRow(chkStamp);
+}
 
-    auto* const form = new QFormLayout(this);
-    form->addRow(QStringLiteral("每页重复的首行:"), txtTitleTop);
-    form->addRow(QStringLiteral("每页重复的末行:"), txtTitleBottom);
-    for (QCheckBox* const box : {chkFitWidth, chkCentredAcross, chkCentredDown, chkStamp})
-        form->addRow(box);
+void frmPrintOptions::buildButtons(QGridLayout& places)
+{
     auto* const buttons = new QDialogButtonBox;
     buttons->addButton(QStringLiteral("确定(&Q)"), QDialogButtonBox::AcceptRole)->setObjectName("cmdXPOK");
     buttons->addButton(QStringLiteral("取消(&E)"), QDialogButtonBox::RejectRole)->setObjectName("cmdXPClose");
     connect(buttons, &QDialogButtonBox::accepted, this, &frmPrintOptions::cmdXPOK_Click);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    form->addRow(buttons);
-    settle(*this);
+    places.addWidget(buttons, 2, 0, 1, 2);
+}
+
+void frmPrintOptions::cmdArea_Click()
+{
+    txtPrintArea->setText(QString::fromStdString(areaText(m_grid.selectedRanges())));
+}
+
+bool frmPrintOptions::refuse(const char* reason, QWidget& field)
+{
+    dialogs().message(Icon::exclamation, m_grid.context.title, reason);
+    field.setFocus();
+    return false;
+}
+
+bool frmPrintOptions::takeTitles(PrintSettings& print)
+{
+    print.titleTop = txtTitleTop->value();
+    print.titleBottom = txtTitleBottom->value();
+    if ((print.titleTop == 0) != (print.titleBottom == 0) || print.titleTop > print.titleBottom)
+        return refuse("重复的末行不能在首行之前!", *txtTitleBottom);
+    const auto columns = readColumns(txtTitleColumns->text().toStdString());
+    if (!columns)
+        return refuse("重复的列写作 A 或 A:B!", *txtTitleColumns);
+    std::tie(print.titleLeft, print.titleRight) = *columns;
+    return true;
+}
+
+bool frmPrintOptions::take(PrintSettings& print)
+{
+    const auto area = readArea(txtPrintArea->text().toStdString());
+    if (!area)
+        return refuse("打印区域写作 A1:F20,几块之间用逗号分开!", *txtPrintArea);
+    print.area = *area;
+    if (!takeTitles(print))
+        return false;
+    print.scale = txtScale->value();
+    print.fitAcross = optFit->isChecked() ? txtFitAcross->value() : 0;
+    print.fitDown = optFit->isChecked() ? txtFitDown->value() : 0;
+    print.downFirst = cboOrder->currentIndex() == 1;
+    print.firstPage = txtFirstPage->value();
+    const int shown = static_cast<int>(std::lround(txtTextDistance->value() * 10));
+    if (shown != std::lround(print.textDistance * millimetresPerTwip * 10)) // the field rounds
+        print.textDistance = spreadsheet::twipsOfMillimetres(txtTextDistance->value());
+    const bool own = cboPaper->currentData().toInt() != printersPaper;
+    print.paperWidth = own ? spreadsheet::twipsOfMillimetres(txtPaperWidth->value()) : 0;
+    print.paperHeight = own ? spreadsheet::twipsOfMillimetres(txtPaperHeight->value()) : 0;
+    print.centredAcross = chkCentredAcross->isChecked();
+    print.centredDown = chkCentredDown->isChecked();
+    print.stamp = chkStamp->isChecked();
+    const std::string problem = layoutProblem(m_grid, print);
+    return problem.empty() || refuse(problem.c_str(), *cboPaper);
 }
 
 void frmPrintOptions::cmdXPOK_Click()
 {
-    const int top = txtTitleTop->value();
-    const int bottom = txtTitleBottom->value();
-    if ((top == 0) != (bottom == 0) || top > bottom) {
-        dialogs().message(Icon::exclamation, m_grid.context.title, "重复的末行不能在首行之前!");
-        txtTitleBottom->setFocus();
+    PrintSettings changed = activeSheetsPrint(m_grid.workbook());
+    if (!take(changed))
         return;
-    }
-    changeActiveSheetsPrint(m_grid.workbook(), [&](PrintSettings& print) {
-        print.titleTop = top;
-        print.titleBottom = bottom;
-        print.fitWidth = chkFitWidth->isChecked();
-        print.centredAcross = chkCentredAcross->isChecked();
-        print.centredDown = chkCentredDown->isChecked();
-        print.stamp = chkStamp->isChecked();
+    const spreadsheet::UndoStep step(m_grid.workbook(), "打印选项");
+    changeActiveSheetsPrint(m_grid.workbook(), [&](PrintSettings& print) { print = changed; });
+    changeReportsPrint(m_grid.workbook(), [&](PrintSettings& print) {
+        print.paperWidth = changed.paperWidth;
+        print.paperHeight = changed.paperHeight;
     });
+    frmPreview::refresh();
     accept();
 }
 

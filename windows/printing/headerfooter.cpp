@@ -4,8 +4,10 @@
 #include "platform/windows/settle.h"
 #include "reports/report_texts.h"
 #include "reports/ReportContext.h"
+#include "spreadsheet/display/header_fields.h"
 #include "spreadsheet/view/needed_size.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "windows/printing/frmPreview.h"
 #include "windows/printing/header_sheet.h"
 #include "windows/printing/LineNames.h"
 #include "windows/printing/page_setup_statements.h"
@@ -15,6 +17,7 @@
 
 #include <QGroupBox>
 #include <QLabel>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
@@ -32,6 +35,7 @@ namespace selfreport {
 namespace {
 
 using spreadsheet::CellStyle;
+using spreadsheet::headerFieldNames;
 using spreadsheet::PrintSettings;
 
 /// The report's header or footer as it is stored. A report that was never saved has none: the context's texts
@@ -49,6 +53,7 @@ void setOnGrid(PrintedGrid& grid, bool footer, const std::string& codes)
 {
     changePrintSettings(grid.workbook(),
                         [&](PrintSettings& print) { (footer ? print.footer : print.header) = codes; });
+    frmPreview::refresh();
 }
 
 void storeCodes(PrintedGrid& grid, bool footer, const std::string& codes)
@@ -81,10 +86,7 @@ headerfooter::headerfooter(PrintedGrid& grid, QWidget* parent)
     lines->addWidget(new LineNames(*fpSpread1));
     lines->addWidget(fpSpread1, 1);
     rows->addLayout(lines, 1);
-    auto* const hint = new QHBoxLayout;
-    hint->addWidget(new QLabel(QStringLiteral("插入页数:")));
-    hint->addWidget(new QLabel(QStringLiteral("点鼠标右键来插入或清除页数显示")), 1);
-    rows->addLayout(hint);
+    buildHints();
     buildApplyFrame();
     buildButtons();
     connect(fpSpread1, &spreadsheet::SpreadsheetControl::editModeChanged, this, [this](bool on, bool) {
@@ -107,6 +109,23 @@ void headerfooter::InitSpread()
     fpSpread1->setHeadingsShown(true, false); // the lines have names of their own
     fpSpread1->setColumnHeadings({"Left Justify", "", "Center", "", "Right Justify", ""});
     fpSpread1->showChanges();
+}
+
+void headerfooter::buildHints()
+{
+    auto* const hint = new QHBoxLayout;
+    hint->addWidget(new QLabel(QStringLiteral("插入页数:")));
+    hint->addWidget(new QLabel(QStringLiteral("点鼠标右键来插入或清除页数显示")), 1);
+    auto* const field = new QPushButton(QStringLiteral("插入字段"));
+    field->setObjectName("cmdField");
+    field->setAutoDefault(false);
+    auto* const menu = new QMenu(field);
+    for (const auto& [number, text] : spreadsheet::headerFieldNames)
+        menu->addAction(QString::fromUtf8(text).replace('&', QStringLiteral("&&")), this,
+                        [this, name = text] { cmdField_Click(name); });
+    field->setMenu(menu);
+    hint->addWidget(field);
+    static_cast<QVBoxLayout*>(layout())->addLayout(hint);
 }
 
 void headerfooter::buildApplyFrame()
@@ -260,6 +279,24 @@ void headerfooter::fpSpread1_RightButton()
         !dialogs().question("替换现有文本", "插入页数将会替换当前的文本,确定吗?"))
         return;
     setPageNumber(fpSpread1->cells().sheet(), column, row, !takesOut);
+    fpSpread1->showChanges();
+}
+
+/// Puts a field behind the active cell's text. A page number that stands alone becomes a field too, as texts
+/// cannot stand beside it.
+void headerfooter::cmdField_Click(std::string_view field)
+{
+    const auto [column, row] = fpSpread1->cursor().activeCell();
+    if (!isHeaderTextColumn(column) || !fpSpread1->entry().commit())
+        return;
+    spreadsheet::Sheet& sheet = fpSpread1->cells().sheet();
+    std::string text = sheet.displayText({column, row});
+    if (text == pageNumberText) {
+        setPageNumber(sheet, column, row, false);
+        text = headerFieldNames[static_cast<std::size_t>(spreadsheet::HeaderField::page)].text;
+    }
+    sheet.setText({column, row}, text.append(field));
+    Command3->setEnabled(true);
     fpSpread1->showChanges();
 }
 

@@ -40,6 +40,7 @@ protected:
 
 private:
     bool isFooter() const;
+    void buildHints();
     void buildApplyFrame();
     void buildButtons();
     void Option3_Click();
@@ -48,6 +49,7 @@ private:
     void Command4_Click();
     void cmdXPOK_Click();
     void fpSpread1_RightButton();
+    void cmdField_Click(std::string_view field);
     void fpSpread1_ButtonClicked(int column, int row);
 
     PrintedGrid& m_grid;

@@ -2,12 +2,14 @@
 
 #include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
+#include "windows/printing/frmPreview.h"
 #include "windows/printing/GetZoom.h"
 #include "windows/printing/headerfooter.h"
 #include "windows/printing/margin_text.h"
 #include "windows/printing/MarginField.h"
 #include "windows/printing/page_setup_statements.h"
 #include "windows/printing/print_settings.h"
+#include "windows/printing/print_sheet.h"
 #include "windows/printing/PrintedGrid.h"
 #include "windows/printing/stored_page_setup.h"
 #include "windows/printing/zoom_entries.h"
@@ -45,7 +47,8 @@ pagesetup::pagesetup(PrintedGrid& grid, QWidget* parent)
     buildButtons();
     getReportInfo();
     std::int16_t& zoom = m_grid.context.report.zoomIndex;
-    if (zoom == -1)
+    m_zoomWasChosen = zoom != -1;
+    if (!m_zoomWasChosen)
         zoom = firstZoomIndex;
     Combo1->setCurrentIndex(zoom);
     pagemargin[0]->setFocus();
@@ -166,19 +169,37 @@ std::array<double, 4> pagesetup::inches() const
     return values;
 }
 
+void pagesetup::apply(spreadsheet::PrintSettings& print) const
+{
+    const std::array<double, 4> margins = inches();
+    print.marginTop = marginTwips(margins[2]);
+    print.marginBottom = marginTwips(margins[3]);
+    print.marginLeft = marginTwips(margins[0]);
+    print.marginRight = marginTwips(margins[1]);
+    print.landscape = !porientation[0]->isChecked();
+}
+
+/// Tells why if the active sheet could not be printed so.
+bool pagesetup::marginsLeaveRoom()
+{
+    spreadsheet::PrintSettings print = activeSheetsPrint(m_grid.workbook());
+    apply(print);
+    const std::string problem = layoutProblem(m_grid, print);
+    if (problem.empty())
+        return true;
+    m_grid.context.database.tell(Icon::exclamation, problem);
+    pagemargin[0]->setFocus();
+    return false;
+}
+
 void pagesetup::cmdXPOK_Click()
 {
-    if (!marginsAreComplete())
+    if (!marginsAreComplete() || !marginsLeaveRoom())
         return;
-    GetZoom(m_grid, static_cast<std::int16_t>(Combo1->currentIndex()));
-    const std::array<double, 4> margins = inches();
-    changePrintSettings(m_grid.workbook(), [&](spreadsheet::PrintSettings& print) {
-        print.marginTop = marginTwips(margins[2]);
-        print.marginBottom = marginTwips(margins[3]);
-        print.marginLeft = marginTwips(margins[0]);
-        print.marginRight = marginTwips(margins[1]);
-        print.landscape = !porientation[0]->isChecked();
-    });
+    if (m_zoomWasChosen || Combo1->currentIndex() != firstZoomIndex) // else the preview keeps its own
+        GetZoom(m_grid, static_cast<std::int16_t>(Combo1->currentIndex()));
+    changePrintSettings(m_grid.workbook(), [&](spreadsheet::PrintSettings& print) { apply(print); });
+    frmPreview::refresh();
     m_grid.context.report.zoomIndex = static_cast<std::int16_t>(Combo1->currentIndex());
     saveToDB();
     accept();

@@ -5,6 +5,10 @@
 class QComboBox;
 class QRadioButton;
 
+namespace spreadsheet {
+struct PrintSettings;
+}
+
 namespace selfreport {
 
 class MarginField;
@@ -35,7 +39,10 @@ private:
     void buildButtons();
     void showMargin(int index, double inches);
     [[nodiscard]] bool marginsAreComplete();
+    [[nodiscard]] bool marginsLeaveRoom();
+    void apply(spreadsheet::PrintSettings& print) const;
     PrintedGrid& m_grid;
+    bool m_zoomWasChosen = true; ///< before this opening
     std::array<double, 4> inches() const;
     void cmdXPOK_Click();
     void Command1_Click();

@@ -6,6 +6,18 @@
 
 namespace selfreport {
 
+namespace {
+
+void changeIfOther(spreadsheet::Sheet& sheet, const std::function<void(spreadsheet::PrintSettings&)>& change)
+{
+    spreadsheet::PrintSettings changed = sheet.settings().print;
+    change(changed);
+    if (changed != sheet.settings().print)
+        sheet.changeSettings([&](spreadsheet::SheetSettings& settings) { settings.print = changed; });
+}
+
+} // namespace
+
 void changePrintSettings(spreadsheet::Workbook& workbook,
                          const std::function<void(spreadsheet::PrintSettings&)>& change)
 {
@@ -16,14 +28,23 @@ void changePrintSettings(spreadsheet::Workbook& workbook,
             [&](spreadsheet::SheetSettings& settings) { change(settings.print); });
 }
 
+void changeReportsPrint(spreadsheet::Workbook& workbook,
+                        const std::function<void(spreadsheet::PrintSettings&)>& change)
+{
+    const spreadsheet::UndoStep step(workbook, "打印选项");
+    for (int index = 1; index <= workbook.sheetCount(); ++index)
+        changeIfOther(workbook.sheet(index), change);
+}
+
 void changeActiveSheetsPrint(spreadsheet::Workbook& workbook,
                              const std::function<void(spreadsheet::PrintSettings&)>& change)
 {
-    spreadsheet::Sheet& sheet = workbook.sheet(workbook.activeSheet());
-    spreadsheet::PrintSettings changed = sheet.settings().print;
-    change(changed);
-    if (changed != sheet.settings().print)
-        sheet.changeSettings([&](spreadsheet::SheetSettings& settings) { settings.print = changed; });
+    changeIfOther(workbook.sheet(workbook.activeSheet()), change);
+}
+
+const spreadsheet::PrintSettings& activeSheetsPrint(const spreadsheet::Workbook& workbook)
+{
+    return workbook.sheet(workbook.activeSheet()).settings().print;
 }
 
 int marginTwips(double inches)

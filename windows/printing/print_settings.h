@@ -14,9 +14,15 @@ namespace selfreport {
 void changePrintSettings(spreadsheet::Workbook& workbook,
                          const std::function<void(spreadsheet::PrintSettings&)>& change);
 
+/// Changes those of every sheet that are stored in them, as one undo step, if it makes a difference.
+void changeReportsPrint(spreadsheet::Workbook& workbook,
+                        const std::function<void(spreadsheet::PrintSettings&)>& change);
+
 /// Changes those of the active sheet, if the change makes a difference.
 void changeActiveSheetsPrint(spreadsheet::Workbook& workbook,
                              const std::function<void(spreadsheet::PrintSettings&)>& change);
+
+const spreadsheet::PrintSettings& activeSheetsPrint(const spreadsheet::Workbook& workbook);
 
 /// Inches as the whole number of twips that the grid takes.
 int marginTwips(double inches);

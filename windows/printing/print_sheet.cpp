@@ -4,12 +4,15 @@
 #include "platform/services/Dialogs.h"
 #include "platform/services/FileDialog.h"
 #include "platform/services/PrintService.h"
+#include "platform/services/SettingsStore.h"
 #include "platform/windows/background_work.h"
 #include "platform/windows/WaitCursor.h"
 #include "reports/ReportContext.h"
+#include "spreadsheet/cells/papers.h"
 #include "spreadsheet/files/placing/PendingFile.h"
 #include "spreadsheet/print/pdf.h"
 #include "spreadsheet/workbook/Workbook.h"
+#include "windows/printing/print_settings.h"
 #include "windows/printing/print_stamp.h"
 #include "windows/printing/PrintedGrid.h"
 
@@ -33,6 +36,8 @@ namespace {
 struct Cancelled {};
 /// … who wants to see the cell instead whose fetch failed.
 struct GoesToCell {};
+/// … who has been told why nothing is printed, and does not want a file instead.
+struct Told {};
 
 PrintOutcome refused(const PrintedGrid& grid, const std::string& reason)
 {
@@ -66,6 +71,8 @@ PrintOutcome outcomeOf(PrintedGrid& grid, const Work& work)
         return PrintOutcome::cancelled;
     } catch (const spreadsheet::PrintCancelled&) {
         return PrintOutcome::cancelled;
+    } catch (const Told&) {
+        return PrintOutcome::failed;
     } catch (const GoesToCell&) {
         grid.goToFailedFetch();
         return PrintOutcome::left;
@@ -91,7 +98,7 @@ Answer askService(const PrinterSetup& setup)
             if (progress.cancelled())
                 throw Cancelled();
         },
-        Waiting::untilCancelled);
+        Waiting::untilCancelled, printServicePatience);
     if (!answered)
         throw Cancelled();
     return *answer;
@@ -102,6 +109,8 @@ Answer askUsualService(const PrinterSetup& setup)
 {
     try {
         return askService(setup);
+    } catch (const OutOfTime&) {
+        throw PrintServiceError("打印服务没有回答。");
     } catch (const PrintServiceError&) {
         if (!setup.printer.empty())
             throw;
@@ -112,22 +121,32 @@ Answer askUsualService(const PrinterSetup& setup)
 spreadsheet::PageRequest requestFor(const std::string& paper, PrintedGrid& grid)
 {
     spreadsheet::PageRequest request;
-    if (const auto size = paperSize(paper)) {
+    if (const auto size = paperSize(paper)) { // counts where the sheets have none
         request.paperWidth = size->width;
         request.paperHeight = size->height;
     }
     request.notice = grid.failedFetches();
+    request.report = grid.reportName();
     request.stamp = stampText(stampNow(grid.context.user, grid.context.title, grid.diagnosticsCount()));
     return request;
 }
 
-spreadsheet::PrintDocument documentOf(PrintedGrid& grid, const std::string& paper)
+/// The active sheet, or all of them.
+spreadsheet::PrintDocument documentOf(PrintedGrid& grid, const std::string& paper,
+                                      const std::optional<PrintChoice>& choice, bool allSheets)
 {
     spreadsheet::PrintDocument document;
     document.title = QString::fromStdString(grid.reportName());
-    document.sheet = grid.workbook().activeSheet();
+    document.author = QString::fromStdString(operatorName(grid.context.user));
+    if (const std::string date = settingsStore().value("ParamValue", "Value1"); !date.empty())
+        document.subject = QStringLiteral("截止日期 ") + QString::fromStdString(date);
     document.page = requestFor(paper, grid);
-    document.range = grid.printRange;
+    if (allSheets)
+        return document;
+    document.sheet = grid.workbook().activeSheet();
+    document.range = choice ? choice->range : grid.printRange;
+    if (choice)
+        document.page.print = choice->settings;
     return document;
 }
 
@@ -156,7 +175,7 @@ void drawWithProgress(const PrintedGrid& grid, spreadsheet::PrintDocument& docum
 std::optional<std::string> chosenPdf(const PrintedGrid& grid)
 {
     FileDialogSettings settings;
-    settings.title = "引出为PDF文件";
+    settings.title = "另存为PDF";
     settings.filter = "PDF文件(*.pdf)|*.pdf";
     settings.fileName = grid.reportName();
     settings.flags = FileDialogSettings::overwritePrompt;
@@ -173,23 +192,39 @@ void writeFile(PrintedGrid& grid, spreadsheet::PrintDocument document, const std
     file.putInPlace();
 }
 
-void offerPdf(PrintedGrid& grid)
+/// A paper as print services take it.
+std::string serviceName(int width, int height)
 {
-    if (!dialogs().question(grid.context.title, "没有可用的打印机,是否打印到PDF文件?"))
-        throw Cancelled();
+    const spreadsheet::Paper* const paper = spreadsheet::paperOfSize(width, height);
+    if (paper && *paper->name)
+        return paper->name;
+    constexpr double millimetres = 25.4 / spreadsheet::twipsPerInch;
+    const auto rounded = [](int twips) { return QString::number(std::round(twips * millimetres * 10) / 10); };
+    return ("Custom." + rounded(width) + 'x' + rounded(height) + "mm").toStdString();
+}
+
+/// Asks whether to write a file instead, and writes it.
+void offerPdf(PrintedGrid& grid, const spreadsheet::PrintDocument& document, const std::string& question)
+{
+    if (!dialogs().question(grid.context.title, question))
+        throw Told();
     const auto path = chosenPdf(grid);
     if (!path)
         throw Cancelled();
-    writeFile(grid, documentOf(grid, printerSetup().paper), *path);
+    writeFile(grid, document, *path);
 }
 
-void sendToPrinter(PrintedGrid& grid, const std::string& paper)
+void sendToPrinter(PrintedGrid& grid, const std::string& paper, const std::optional<PrintChoice>& choice,
+                   bool allSheets)
 {
     PrinterSetup setup = printerSetup();
     if (!paper.empty())
         setup.paper = paper;
-    setup.landscape = grid.workbook().sheet(grid.workbook().activeSheet()).settings().print.landscape;
-    spreadsheet::PrintDocument document = documentOf(grid, setup.paper);
+    spreadsheet::PrintDocument document = documentOf(grid, setup.paper, choice, allSheets);
+    const spreadsheet::PrintSettings& print = choice ? choice->settings : activeSheetsPrint(grid.workbook());
+    setup.landscape = print.landscape;
+    if (print.paperWidth > 0 && print.paperHeight > 0)
+        setup.paper = serviceName(print.paperWidth, print.paperHeight);
     const auto pdf = std::make_shared<QByteArray>();
     drawWithProgress(grid, document, [&] { *pdf = spreadsheet::pdfOf(grid.workbook(), document).bytes; });
     const bool sent = runInBackground(
@@ -202,6 +237,24 @@ void sendToPrinter(PrintedGrid& grid, const std::string& paper)
         throw Cancelled();
 }
 
+PrintOutcome print(PrintedGrid& grid, const std::optional<PrintChoice>& choice, bool allSheets)
+{
+    return outcomeOf(grid, [&] {
+        const spreadsheet::PrintDocument document = documentOf(grid, printerSetup().paper, choice, allSheets);
+        if (!printerSetup().file.empty())
+            return writeFile(grid, document, printerSetup().file);
+        std::string question = "没有可用的打印机,是否打印到PDF文件?";
+        try {
+            const Answer answer = askUsualService(printerSetup());
+            if (answer.hasPrinters)
+                return sendToPrinter(grid, answer.paper, choice, allSheets);
+        } catch (const PrintServiceError& error) {
+            question = error.what() + std::string("\n是否打印到PDF文件?");
+        }
+        offerPdf(grid, document, question);
+    });
+}
+
 } // namespace
 
 PrinterSetup& printerSetup()
@@ -210,33 +263,58 @@ PrinterSetup& printerSetup()
     return setup;
 }
 
+std::string paperName(PrintedGrid& grid)
+{
+    const spreadsheet::PrintSettings& print = activeSheetsPrint(grid.workbook());
+    const spreadsheet::Paper* const paper = spreadsheet::paperOfSize(print.paperWidth, print.paperHeight);
+    return paper ? paper->name : std::string();
+}
+
+void setPaper(PrintedGrid& grid, const std::string& name)
+{
+    const PaperSize size = paperSize(name).value_or(PaperSize{0, 0});
+    changeReportsPrint(grid.workbook(), [&](spreadsheet::PrintSettings& print) {
+        print.paperWidth = size.width;
+        print.paperHeight = size.height;
+    });
+}
+
 spreadsheet::PageRequest previewRequest(PrintedGrid& grid)
 {
     return requestFor(printerSetup().paper, grid);
 }
 
-PrintOutcome printSheet(PrintedGrid& grid)
+std::string layoutProblem(PrintedGrid& grid, const spreadsheet::PrintSettings& print)
 {
-    return outcomeOf(grid, [&] {
-        if (!printerSetup().file.empty())
-            return writeFile(grid, documentOf(grid, printerSetup().paper), printerSetup().file);
-        const Answer answer = askUsualService(printerSetup());
-        if (answer.hasPrinters)
-            sendToPrinter(grid, answer.paper);
-        else
-            offerPdf(grid);
-    });
+    spreadsheet::PageRequest request = previewRequest(grid);
+    request.ranges = {{1, 1, 1, 1}};
+    request.print = print;
+    try {
+        const spreadsheet::PageLayout layout(grid.workbook().sheet(grid.workbook().activeSheet()), request);
+        return {};
+    } catch (const spreadsheet::PageLayoutError& error) {
+        return error.what();
+    }
 }
 
-PrintOutcome exportPdf(PrintedGrid& grid)
+PrintOutcome printSheet(PrintedGrid& grid, const std::optional<PrintChoice>& choice)
+{
+    return print(grid, choice, false);
+}
+
+PrintOutcome printAllSheets(PrintedGrid& grid)
+{
+    return print(grid, std::nullopt, true);
+}
+
+PrintOutcome exportPdf(PrintedGrid& grid, bool isArchive)
 {
     return outcomeOf(grid, [&] {
         const auto path = chosenPdf(grid);
         if (!path)
             throw Cancelled();
-        spreadsheet::PrintDocument document = documentOf(grid, printerSetup().paper);
-        document.sheet.reset();
-        document.range = {};
+        spreadsheet::PrintDocument document = documentOf(grid, printerSetup().paper, std::nullopt, true);
+        document.isArchive = isArchive;
         writeFile(grid, document, *path);
     });
 }

@@ -1,6 +1,7 @@
 #pragma once
 #include "platform/services/PrinterSetupDialog.h"
 #include "spreadsheet/print/PageLayout.h"
+#include "spreadsheet/print/print_range.h"
 
 #include <functional>
 #include <optional>
@@ -17,22 +18,42 @@ enum class PrintOutcome {
     left,      ///< the user goes to a cell whose fetch failed
 };
 
-/// The printer and its settings as they were chosen last; at first the system's own.
+/// The printer and its settings as they were chosen last; at first the system's own. Its paper counts only
+/// for reports that have none of their own.
 PrinterSetup& printerSetup();
 
-/// What the preview lays out: paper as chosen for the printer, A4 before that (no printer is asked), and the
-/// stamp of now.
+/// The paper of the active sheet as print services name it; "" for the printer's own.
+std::string paperName(PrintedGrid& grid);
+/// Gives the report a paper by name, stored with it; "" takes it away. One undo step.
+void setPaper(PrintedGrid& grid, const std::string& name);
+
+/// What a printing prints in place of what sheet and grid hold.
+struct PrintChoice {
+    spreadsheet::PrintSettings settings;
+    spreadsheet::PrintRange range;
+};
+
+/// What the preview lays out: the report's paper, else the one chosen for the printer, A4 before that (no
+/// printer is asked), and the stamp of now.
 spreadsheet::PageRequest previewRequest(PrintedGrid& grid);
+
+/// Why the active sheet cannot be printed with other settings, as one sentence; "" if it can.
+std::string layoutProblem(PrintedGrid& grid, const spreadsheet::PrintSettings& print);
 
 // Where fetches of cells stand failed, both ask first, and what is printed all the same says so on every
 // page.
 
 /// Prints the active sheet: its print settings, the grid's print range, the chosen printer. The print
-/// service is asked in the background; without a printer it offers a PDF file instead.
-PrintOutcome printSheet(PrintedGrid& grid);
+/// service is asked in the background; without a printer, or when it refuses, a PDF file is offered instead.
+PrintOutcome printSheet(PrintedGrid& grid, const std::optional<PrintChoice>& choice = std::nullopt);
 
-/// Asks for a file and writes all sheets into it as one PDF.
-PrintOutcome exportPdf(PrintedGrid& grid);
+/// Prints all sheets of the report, one after the other, as one job.
+PrintOutcome printAllSheets(PrintedGrid& grid);
+
+/// Asks for a file and writes all sheets into it as one PDF, whose properties name the report, the operator
+/// and the closing date of the run parameters.
+/// @param isArchive  the file keeps to PDF/A-1b
+PrintOutcome exportPdf(PrintedGrid& grid, bool isArchive = false);
 
 /// Twips of a paper by its name; nothing if it is not known.
 struct PaperSize {

@@ -18,6 +18,12 @@ std::string stampText(const PrintStamp& stamp)
                                          : "　取数无诊断");
 }
 
+std::string operatorName(const std::string& user)
+{
+    const std::string named = settingsStore().value("ParamValue", "Value3");
+    return named.empty() ? user : named;
+}
+
 PrintStamp stampNow(const std::string& user, const std::string& ledger, int diagnostics)
 {
     const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
@@ -25,8 +31,7 @@ PrintStamp stampNow(const std::string& user, const std::string& ledger, int diag
     localtime_r(&now, &local);
     char time[32];
     std::strftime(time, sizeof time, "%Y-%m-%d %H:%M:%S", &local);
-    const std::string named = settingsStore().value("ParamValue", "Value3");
-    return {time, named.empty() ? user : named, ledger, diagnostics};
+    return {time, operatorName(user), ledger, diagnostics};
 }
 
 } // namespace selfreport

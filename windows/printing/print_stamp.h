@@ -14,6 +14,9 @@ struct PrintStamp {
 /// One line; parts that are not known are left out.
 std::string stampText(const PrintStamp& stamp);
 
+/// The operator of the run parameters, else the user.
+std::string operatorName(const std::string& user);
+
 /// The stamp of a printing now.
 /// @param user    the operator, if the run parameters name none
 /// @param ledger  what the windows are titled with

@@ -1,5 +1,6 @@
 #include "spreadsheet/files/content/content_versions.h"
 
+#include "spreadsheet/cells/SheetSettings.h"
 #include "spreadsheet/display/CellStyle.h"
 #include "spreadsheet/display/number_format_code.h"
 
@@ -54,6 +55,18 @@ bool hasTenThousands(const stored::Content& content)
     });
 }
 
+/// Version 1 knows repeated rows and fitting to one page's width, and drops the rest.
+bool hasPrintSetup(const stored::Content& content)
+{
+    return std::ranges::any_of(*content.sheets(), [](const stored::Sheet* sheet) {
+        const stored::Print* const print = sheet->print();
+        return print && (print->title_left() > 0 || print->area() || print->scale() != 100 ||
+                         print->fit_across() > 0 || print->fit_down() > 0 || print->down_first() ||
+                         print->first_page() != 1 || print->paper_width() > 0 || print->paper_height() > 0 ||
+                         print->text_distance() != usualTextDistance);
+    });
+}
+
 /// What asks for a version beyond the first.
 constexpr struct {
     std::uint32_t since;
@@ -61,6 +74,7 @@ constexpr struct {
 } laterThings[] = {
     {2, hasLaterLines},
     {2, hasTenThousands},
+    {2, hasPrintSetup},
 };
 
 } // namespace

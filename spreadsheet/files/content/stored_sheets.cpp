@@ -151,6 +151,13 @@ std::vector<CellRange> readRanges(const flatbuffers::Vector<const stored::Range*
         result.push_back({range->left(), static_cast<int>(range->top()), range->right(),
                           static_cast<int>(range->bottom())});
     }
+    return result;
+}
+
+std::vector<CellRange> readApartRanges(const flatbuffers::Vector<const stored::Range*>* ranges,
+                                       const char* what)
+{
+    std::vector<CellRange> result = readRanges(ranges, what);
     requireContent(!anyOverlap(result), what);
     return result;
 }
@@ -190,13 +197,20 @@ flatbuffers::Offset<stored::Print> writePrint(flatbuffers::FlatBufferBuilder& bu
     const auto footer = builder.CreateString(print.footer);
     const auto rowBreaks = writeMarks(builder, print.rowBreaks, rowAxis);
     const auto columnBreaks = writeMarks(builder, print.columnBreaks, columnAxis);
-    return stored::CreatePrint(builder, limited(print.marginTop, maxTwips),
-                               limited(print.marginBottom, maxTwips), limited(print.marginLeft, maxTwips),
-                               limited(print.marginRight, maxTwips), print.landscape, header, footer,
-                               print.columnHeadings, print.rowHeadings, print.gridLines, print.border,
-                               print.colour, print.shadows, limited(print.titleTop, maxRows),
-                               limited(print.titleBottom, maxRows), 0, 0, !print.usedAreaOnly, print.fitWidth,
-                               print.centredAcross, print.centredDown, print.stamp, rowBreaks, columnBreaks);
+    const auto area = print.area.empty() ? flatbuffers::Offset<flatbuffers::Vector<const stored::Range*>>()
+                                         : writeRanges(builder, print.area);
+    const bool fitsWidth = print.fitAcross == 1 && print.fitDown == 0;
+    return stored::CreatePrint(
+        builder, limited(print.marginTop, maxTwips), limited(print.marginBottom, maxTwips),
+        limited(print.marginLeft, maxTwips), limited(print.marginRight, maxTwips), print.landscape, header,
+        footer, print.columnHeadings, print.rowHeadings, print.gridLines, print.border, print.colour,
+        print.shadows, limited(print.titleTop, maxRows), limited(print.titleBottom, maxRows),
+        limited(print.titleLeft, maxColumns), limited(print.titleRight, maxColumns), !print.usedAreaOnly,
+        fitsWidth, print.centredAcross, print.centredDown, print.stamp, rowBreaks, columnBreaks, area,
+        limited(print.scale, largestPrintScale), fitsWidth ? 0 : limited(print.fitAcross, mostFittedPages),
+        limited(print.fitDown, mostFittedPages), print.downFirst, limited(print.firstPage, largestFirstPage),
+        limited(print.paperWidth, maxTwips), limited(print.paperHeight, maxTwips),
+        limited(print.textDistance, maxTwips));
 }
 
 PrintSettings readPrint(const stored::Print* stored)
@@ -220,8 +234,18 @@ PrintSettings readPrint(const stored::Print* stored)
     print.shadows = stored->shadows();
     print.titleTop = checked(stored->title_top(), maxRows, what);
     print.titleBottom = checked(stored->title_bottom(), maxRows, what);
+    print.titleLeft = checked(stored->title_left(), maxColumns, what);
+    print.titleRight = checked(stored->title_right(), maxColumns, what);
     print.usedAreaOnly = !stored->whole_sheet();
-    print.fitWidth = stored->fit_width();
+    print.area = readRanges(stored->area(), what);
+    print.scale = std::max(checked(stored->scale(), largestPrintScale, what), smallestPrintScale);
+    print.fitAcross = stored->fit_width() ? 1 : checked(stored->fit_across(), mostFittedPages, what);
+    print.fitDown = checked(stored->fit_down(), mostFittedPages, what);
+    print.downFirst = stored->down_first();
+    print.firstPage = checked(stored->first_page(), largestFirstPage, what);
+    print.paperWidth = checked(stored->paper_width(), maxTwips, what);
+    print.paperHeight = checked(stored->paper_height(), maxTwips, what);
+    print.textDistance = checked(stored->text_distance(), maxTwips, what);
     print.centredAcross = stored->centred_across();
     print.centredDown = stored->centred_down();
     print.stamp = stored->stamp();
@@ -357,8 +381,8 @@ void readSheet(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& me
         readSizes(stored.default_column_width(), stored.column_widths(), stored.hidden_columns(), columnAxis);
     settings.rowStyles = readStyles(stored.row_styles(), meanings.styles, rowAxis);
     settings.columnStyles = readStyles(stored.column_styles(), meanings.styles, columnAxis);
-    settings.spans = readRanges(stored.spans(), "合并单元格的范围不对");
-    settings.arrays = readRanges(stored.arrays(), "数组公式的范围不对");
+    settings.spans = readApartRanges(stored.spans(), "合并单元格的范围不对");
+    settings.arrays = readApartRanges(stored.arrays(), "数组公式的范围不对");
     settings.frozenRows = checked(stored.frozen_rows(), maxRows, "冻结的行数不对");
     settings.frozenColumns = checked(stored.frozen_columns(), maxColumns, "冻结的列数不对");
     settings.print = readPrint(stored.print());

@@ -1,5 +1,6 @@
 #include "spreadsheet/files/exchange/header_codes.h"
 
+#include "spreadsheet/display/header_fields.h"
 #include "spreadsheet/display/header_footer.h"
 #include "text/ascii.h"
 
@@ -15,6 +16,15 @@ namespace spreadsheet {
 // changes. A section begins with the font of the surroundings, which is why entering one resets it.
 
 namespace {
+
+/// Fields with the letters of workbook files, in the order of `headerFieldNames`. A report's name becomes its
+/// file's.
+constexpr std::array<std::pair<HeaderField, char>, 6> fieldLetters{{{HeaderField::page, 'P'},
+                                                                    {HeaderField::pages, 'N'},
+                                                                    {HeaderField::date, 'D'},
+                                                                    {HeaderField::time, 'T'},
+                                                                    {HeaderField::sheet, 'A'},
+                                                                    {HeaderField::report, 'F'}}};
 
 /// A part of one section: its lines, each a list of runs.
 using Section = std::vector<std::vector<HeaderRun>>;
@@ -80,10 +90,8 @@ private:
         case 'P':
             lines().back().push_back({m_font, {}, true});
             return skipOffset();
-        case 'A':
-            return append(m_surroundings.sheetName);
         case '&':
-            return append("&");
+            return append(headerFieldAt("&" + std::string(m_rest)) ? "＆" : "&");
         case '"':
             return family();
         case 'B':
@@ -103,7 +111,7 @@ private:
             m_rest.remove_prefix(std::min<std::size_t>(6, m_rest.size()));
             return;
         default:
-            return leaveOut(c);
+            return field(c);
         }
     }
 
@@ -146,10 +154,13 @@ private:
         m_font.italic = names("Italic") || names("倾斜") || names("斜体");
     }
 
-    void leaveOut(char code)
+    void field(char code)
     {
-        static constexpr std::array<std::pair<char, std::string_view>, 6> known{
-            {{'N', "总页数"}, {'D', "日期"}, {'T', "时间"}, {'F', "文件名"}, {'Z', "路径"}, {'G', "图片"}}};
+        for (const auto& [own, letter] : fieldLetters)
+            if (letter == code)
+                return append(headerFieldNames[static_cast<std::size_t>(own)].text);
+        static constexpr std::array<std::pair<char, std::string_view>, 2> known{
+            {{'Z', "路径"}, {'G', "图片"}}};
         for (const auto& [letter, what] : known) {
             if (letter == code)
                 m_warnings.add("页眉页脚中的" + std::string(what) + "没有对应的代码,已去掉");
@@ -198,13 +209,18 @@ void appendOwn(const std::vector<HeaderRun>& runs, char part, std::string& codes
     }
 }
 
-std::string foreignText(const std::string& text)
+std::string foreignText(std::string_view text)
 {
     std::string escaped;
-    for (const char c : text) {
-        escaped += c;
-        if (c == '&')
-            escaped += c;
+    while (!text.empty()) {
+        const HeaderFieldName* const field = headerFieldAt(text);
+        if (field)
+            escaped += {'&', fieldLetters[static_cast<std::size_t>(field->field)].second};
+        else if (escaped.ends_with("&P") && (text.front() == '+' || text.front() == '-'))
+            escaped += {' ', text.front()}; // else it would be added to the number
+        else
+            escaped += text.front() == '&' ? "&&" : std::string(1, text.front());
+        text.remove_prefix(field ? field->text.size() : 1);
     }
     return escaped;
 }

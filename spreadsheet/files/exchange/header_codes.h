@@ -6,15 +6,14 @@
 
 namespace spreadsheet {
 
-/// What stands for things that a header names and ours do not know.
+/// What holds where a header says nothing.
 struct HeaderSurroundings {
-    std::string sheetName;
     std::string family = "宋体"; ///< font of a run that names none
     double points = 10;
 };
 
 /// Our code string ("/fn…/l…/n") for a header or footer of a workbook file ("&L&\"宋体\"&10…&C&P").
-/// Page counts, dates, times and file names have no code of ours and are left out with a warning.
+/// Paths and pictures have no code of ours and are left out with a warning.
 std::string readForeignHeader(std::string_view foreign, const HeaderSurroundings& surroundings,
                               Warnings& warnings);
 

@@ -171,7 +171,8 @@ void SheetReader::finish()
         m_lastColumn = std::max(m_lastColumn, place.column);
     }
     PrintSettings& print = m_settings.print;
-    print.fitWidth = m_fitsPage && m_fitsOneWide;
+    if (!m_fitsPage) // else numbers of pages are kept that do not count
+        print.fitAcross = print.fitDown = 0;
     print.marginTop = ownMargin(print.marginTop, print.header);
     print.marginBottom = ownMargin(print.marginBottom, print.footer);
     m_settings.rowCount = std::max(m_settings.rowCount, m_lastRow);

@@ -98,7 +98,6 @@ private:
     bool m_isProtected = false;
     bool m_isFrozen = false;
     bool m_fitsPage = false;
-    bool m_fitsOneWide = false;
     int m_lastRow = 0; ///< from 1, of what the file holds
     int m_lastColumn = 0;
     Column* m_column = nullptr; ///< the column of the last cell

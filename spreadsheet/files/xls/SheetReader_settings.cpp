@@ -1,3 +1,4 @@
+#include "spreadsheet/cells/papers.h"
 #include "spreadsheet/files/exchange/column_widths.h"
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/xls/records.h"
@@ -94,8 +95,7 @@ std::string SheetReader::headerText(const XlsRecord& record)
                                     ? cursor.longText()
                                     : m_globals.codePage.decoded(cursor.bytes(cursor.take<std::uint8_t>()));
     const CellFont font = m_globals.styles.defaultFont();
-    return readForeignHeader(foreign, {m_sheet.name(), std::string(font.family.view()), font.points},
-                             m_globals.warnings);
+    return readForeignHeader(foreign, {std::string(font.family.view()), font.points}, m_globals.warnings);
 }
 
 bool SheetReader::printRecord(RecordStream& stream)
@@ -152,12 +152,28 @@ bool SheetReader::printRecord(RecordStream& stream)
 
 void SheetReader::setup(const XlsRecord& record)
 {
-    constexpr std::uint16_t isPortrait = 0x02, isUnset = 0x04, isMonochrome = 0x08, noOrientation = 0x40;
+    constexpr std::uint16_t acrossFirst = 0x01, isPortrait = 0x02, isUnset = 0x04, isMonochrome = 0x08,
+                            noOrientation = 0x40, hasFirstPage = 0x80;
     const std::uint16_t flags = record.wordAt(10);
+    PrintSettings& print = m_settings.print;
     if (!(flags & (isUnset | noOrientation)))
-        m_settings.print.landscape = !(flags & isPortrait);
-    m_settings.print.colour = !(flags & isMonochrome);
-    m_fitsOneWide = record.wordAt(6) == 1;
+        print.landscape = !(flags & isPortrait);
+    print.colour = !(flags & isMonochrome);
+    print.downFirst = !(flags & acrossFirst);
+    print.fitAcross = std::min<int>(record.wordAt(6), mostFittedPages);
+    print.fitDown = std::min<int>(record.wordAt(8), mostFittedPages);
+    if (flags & hasFirstPage)
+        print.firstPage = std::clamp<int>(record.wordAt(4), 1, largestFirstPage);
+    if (flags & isUnset)
+        return;
+    print.scale = std::clamp<int>(record.wordAt(2), smallestPrintScale, largestPrintScale);
+    if (const Paper* const paper = paperOfNumber(record.wordAt(0))) {
+        print.paperWidth = paper->width();
+        print.paperHeight = paper->height();
+    } else if (record.wordAt(0) > 0) {
+        m_globals.warnings.add("表“" + m_sheet.name() + "”的纸张 (编号 " + std::to_string(record.wordAt(0)) +
+                               ") 没有引入,用打印机的纸张");
+    }
 }
 
 /// A break stands before the row or column that the record names, counted from 0.

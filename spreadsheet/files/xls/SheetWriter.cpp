@@ -4,6 +4,7 @@
 #include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/exchange/page_margins.h"
+#include "spreadsheet/files/exchange/print_paper.h"
 #include "spreadsheet/files/xls/list_checks.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/write_notes.h"
@@ -73,6 +74,7 @@ void SheetWriter::begin()
 void SheetWriter::printSettings()
 {
     const PrintSettings& print = m_settings.print;
+    warnOfPrintSetup(print, m_sheet.name(), m_parts.warnings);
     m_writer.record16(xls::printHeaders, print.columnHeadings || print.rowHeadings);
     m_writer.record16(xls::printGridLines, print.gridLines);
     m_writer.record16(xls::gridSet, 1);
@@ -83,7 +85,7 @@ void SheetWriter::printSettings()
     m_writer.put16(1); // not what the font would make it
     m_writer.put16(static_cast<unsigned>(m_settings.rows.defaultSize));
     m_writer.end();
-    m_writer.record16(xls::sheetFlags, 0x04C1 | (print.fitWidth ? 0x100u : 0u));
+    m_writer.record16(xls::sheetFlags, 0x04C1 | (print.isFitted() ? 0x100u : 0u));
     pageBreaks();
     for (const auto& [id, codes] :
          {std::pair(xls::header, &print.header), std::pair(xls::footer, &print.footer)}) {
@@ -138,15 +140,16 @@ void SheetWriter::margins()
 
 void SheetWriter::setup()
 {
-    constexpr unsigned a4 = 9, isPortrait = 2, isMonochrome = 8;
+    constexpr unsigned acrossFirst = 1, isPortrait = 2, isMonochrome = 8, hasFirstPage = 0x80;
     const PrintSettings& print = m_settings.print;
     m_writer.begin(xls::setup);
-    m_writer.put16(a4);
-    m_writer.put16(100); // percent
-    m_writer.put16(1);   // number of the first page
-    m_writer.put16(1);   // pages across, if they are fitted
-    m_writer.put16(print.fitWidth ? 0 : 1);
-    m_writer.put16((print.landscape ? 0 : isPortrait) | (print.colour ? 0 : isMonochrome));
+    m_writer.put16(paperNumber(print, m_sheet.name(), m_parts.warnings));
+    m_writer.put16(static_cast<unsigned>(print.scale));
+    m_writer.put16(static_cast<unsigned>(print.firstPage));
+    m_writer.put16(static_cast<unsigned>(print.fitAcross)); // 0: as many as it takes
+    m_writer.put16(static_cast<unsigned>(print.fitDown));
+    m_writer.put16((print.downFirst ? 0 : acrossFirst) | (print.landscape ? 0 : isPortrait) |
+                   (print.colour ? 0 : isMonochrome) | (print.firstPage != 1 ? hasFirstPage : 0));
     m_writer.put16(600);
     m_writer.put16(600);
     m_writer.put(fileMargin(print.marginTop, print.header).toHeader);

@@ -1,31 +1,16 @@
 #include "spreadsheet/files/xls/defined_names.h"
 
+#include "spreadsheet/files/exchange/print_names.h"
 #include "spreadsheet/files/xls/FormulaReader.h"
 #include "spreadsheet/formula/NameTable.h"
 
 #include <algorithm>
-#include <charconv>
 
 namespace spreadsheet {
 
 namespace {
 
 constexpr std::size_t head = 14;
-
-/// Rows of a text such as "Sheet1!$1:$3" or "(Sheet1!$A:$B,Sheet1!$1:$3)"; nothing if it names none.
-std::optional<std::pair<int, int>> rowsOf(std::string_view text)
-{
-    for (std::size_t at = text.find("!$"); at != std::string_view::npos; at = text.find("!$", at + 1)) {
-        int first = 0, last = 0;
-        const char* const end = text.data() + text.size();
-        const auto [colon, error] = std::from_chars(text.data() + at + 2, end, first);
-        if (error != std::errc() || end - colon < 3 || colon[0] != ':' || colon[1] != '$')
-            continue;
-        if (std::from_chars(colon + 2, end, last).ec == std::errc() && first >= 1 && first <= last)
-            return std::pair(first, last);
-    }
-    return std::nullopt;
-}
 
 } // namespace
 
@@ -57,8 +42,6 @@ void defineNames(const std::vector<DefinedName>& names, const XlsLinks& links, W
     FormulaReader reader(links);
     std::size_t defined = 0;
     for (const DefinedName& name : names) {
-        if (name.builtIn == DefinedName::printArea)
-            warnings.add("打印区域没有引入,按已用区域打印");
         if (name.builtIn != DefinedName::none || name.isMacro || name.tokens.empty())
             continue;
         std::string problem = "只在一张表内有效的同名名称";
@@ -75,22 +58,22 @@ void defineNames(const std::vector<DefinedName>& names, const XlsLinks& links, W
     }
 }
 
-void applyPrintTitles(const std::vector<DefinedName>& names, const XlsLinks& links, Workbook& workbook)
+void applyPrintNames(const std::vector<DefinedName>& names, const XlsLinks& links, Workbook& workbook,
+                     Warnings& warnings)
 {
     FormulaReader reader(links);
     for (const DefinedName& name : names) {
         const std::string* tab = name.tab > 0 ? links.tab(static_cast<std::size_t>(name.tab) - 1) : nullptr;
-        if (name.builtIn != DefinedName::printTitles || !tab)
+        const bool isArea = name.builtIn == DefinedName::printArea;
+        if ((!isArea && name.builtIn != DefinedName::printTitles) || !tab)
             continue;
-        const auto text = reader.read(name.tokens, name.extra, {1, 1});
-        const auto rows = text ? rowsOf(*text) : std::nullopt;
-        if (!rows)
-            continue;
+        const std::string text = reader.read(name.tokens, name.extra, {1, 1}).value_or("");
+        bool applied = false;
         workbook.sheet(workbook.sheetIndex(*tab)).changeSettings([&](SheetSettings& settings) {
-            settings.print.titleTop = rows->first;
-            settings.print.titleBottom = rows->second;
-            settings.rowCount = std::max(settings.rowCount, rows->second);
+            applied = isArea ? applyPrintArea(text, settings) : applyPrintTitles(text, settings);
         });
+        if (!applied && isArea)
+            warnings.add("打印区域没有引入,按已用区域打印");
     }
 }
 

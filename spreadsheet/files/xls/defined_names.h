@@ -25,7 +25,8 @@ DefinedName readDefinedName(const XlsRecord& record);
 void defineNames(const std::vector<DefinedName>& names, const XlsLinks& links, Workbook& workbook,
                  Warnings& warnings);
 
-/// Rows that are repeated on each page.
-void applyPrintTitles(const std::vector<DefinedName>& names, const XlsLinks& links, Workbook& workbook);
+/// Print areas, and rows and columns that are repeated on each page.
+void applyPrintNames(const std::vector<DefinedName>& names, const XlsLinks& links, Workbook& workbook,
+                     Warnings& warnings);
 
 } // namespace spreadsheet

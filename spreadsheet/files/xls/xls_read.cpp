@@ -37,7 +37,7 @@ public:
             if (tab.sheet != 0)
                 readSheet(tab);
         }
-        applyPrintTitles(m_names, m_globals.links, m_workbook);
+        applyPrintNames(m_names, m_globals.links, m_workbook, m_globals.warnings);
         activate();
         m_workbook.markCalculated();
     }

@@ -173,22 +173,48 @@ private:
                        problem.empty() ? formula.extra : std::vector<std::byte>());
         }
         for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet)
-            printTitles(writer, sheet);
+            printNames(writer, sheet);
     }
 
-    void printTitles(RecordWriter& writer, int sheet)
+    void printNames(RecordWriter& writer, int sheet)
     {
         const PrintSettings& print = m_parts.workbook.sheet(sheet).settings().print;
-        if (print.titleTop < 1 || print.titleBottom < print.titleTop || print.titleBottom > xls::maxRows)
-            return;
+        constexpr char16_t area = 6, titles = 7;
+        std::vector<CellRange> repeated;
+        if (print.titleLeft >= 1 && print.titleRight >= print.titleLeft)
+            repeated.push_back({print.titleLeft, 1, print.titleRight, maxRows});
+        if (print.titleTop >= 1 && print.titleBottom >= print.titleTop)
+            repeated.push_back({1, print.titleTop, maxColumns, print.titleBottom});
+        builtInName(writer, area, sheet, print.area);
+        builtInName(writer, titles, sheet, repeated);
+    }
+
+    /// Ranges of one sheet under a name of the format's own; what lies beyond its sheets is cut off.
+    void builtInName(RecordWriter& writer, char16_t name, int sheet, const std::vector<CellRange>& ranges)
+    {
         const int id = m_parts.workbook.sheet(sheet).id();
-        std::vector<std::byte> tokens{std::byte(xls::tokenArea3d)};
-        for (const int number :
-             {m_parts.links.sheets(id, id), print.titleTop - 1, print.titleBottom - 1, 0, 255})
-            appendNumber(tokens, static_cast<std::uint16_t>(number));
+        constexpr std::byte unite{0x10}; // the operator ","
+        std::vector<std::byte> tokens;
+        int written = 0;
+        for (const CellRange& range : ranges) {
+            if (range.left > xls::maxColumns || range.top > xls::maxRows)
+                continue;
+            tokens.push_back(std::byte(xls::tokenArea3d));
+            for (const int number :
+                 {m_parts.links.sheets(id, id), range.top - 1, std::min(range.bottom, xls::maxRows) - 1,
+                  range.left - 1, std::min(range.right, xls::maxColumns) - 1})
+                appendNumber(tokens, static_cast<std::uint16_t>(number));
+            if (++written > 1)
+                tokens.push_back(unite);
+        }
+        if (written > 1) {
+            std::vector<std::byte> head{std::byte(xls::tokenMemoryFunction)};
+            appendNumber(head, static_cast<std::uint16_t>(tokens.size()));
+            tokens.insert(tokens.begin(), head.begin(), head.end());
+        }
         constexpr unsigned isBuiltIn = 0x20;
-        constexpr char16_t titles = 7;
-        nameRecord(writer, std::u16string(1, titles), isBuiltIn, static_cast<unsigned>(sheet), tokens, {});
+        if (written > 0)
+            nameRecord(writer, std::u16string(1, name), isBuiltIn, static_cast<unsigned>(sheet), tokens, {});
     }
 
     static void nameRecord(RecordWriter& writer, const std::u16string& name, unsigned flags, unsigned sheet,

@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xlsx/XlsxSheetReader.h"
 
+#include "spreadsheet/cells/papers.h"
 #include "spreadsheet/files/exchange/column_widths.h"
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/exchange/page_margins.h"
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 
 namespace spreadsheet {
@@ -51,6 +53,23 @@ std::optional<double> dateOf(std::string_view text)
         serialOfDay(static_cast<int>(parts[0]), static_cast<int>(parts[1]), static_cast<int>(parts[2]));
     return serial ? std::optional(*serial + (parts[3] * 3600 + parts[4] * 60 + parts[5]) / 86400.0)
                   : std::nullopt;
+}
+
+/// Twips of a length such as "184mm", "18.4cm" or "8.5in"; 0 if it is none.
+int lengthTwips(std::string_view text)
+{
+    constexpr double mostMillimetres = 2000;
+    static constexpr std::pair<std::string_view, double> units[]{
+        {"mm", 1}, {"cm", 10}, {"in", 25.4}, {"pt", 25.4 / 72}, {"pc", 25.4 / 6}};
+    double length = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
+    if (error != std::errc())
+        return 0;
+    const std::string_view unit(end, static_cast<std::size_t>(text.data() + text.size() - end));
+    for (const auto& [name, millimetres] : units)
+        if (unit == name && length > 0 && length * millimetres <= mostMillimetres)
+            return twipsOfMillimetres(length * millimetres);
+    return 0;
 }
 
 } // namespace
@@ -351,8 +370,7 @@ void XlsxSheetReader::lists(pugi::xml_node root)
 std::string XlsxSheetReader::headerText(pugi::xml_node node) const
 {
     const CellFont font = m_styles.defaultFont();
-    return readForeignHeader(textOf(node), {m_sheet.name(), std::string(font.family.view()), font.points},
-                             m_warnings);
+    return readForeignHeader(textOf(node), {std::string(font.family.view()), font.points}, m_warnings);
 }
 
 void XlsxSheetReader::breaks(pugi::xml_node node, std::map<int, bool>& starts, int last)
@@ -395,12 +413,37 @@ void XlsxSheetReader::print(pugi::xml_node root)
 void XlsxSheetReader::pageSetup(pugi::xml_node root)
 {
     const pugi::xml_node setup = childNamed(root, "pageSetup");
-    m_settings.print.landscape =
-        std::string_view(attributeNamed(setup, "orientation").value()) == "landscape";
-    m_settings.print.colour = !isTrue(attributeNamed(setup, "blackAndWhite"));
-    const pugi::xml_node fit = childNamed(childNamed(root, "sheetPr"), "pageSetUpPr");
-    m_settings.print.fitWidth =
-        isTrue(attributeNamed(fit, "fitToPage")) && attributeNamed(setup, "fitToWidth").as_int(1) == 1;
+    PrintSettings& print = m_settings.print;
+    print.landscape = std::string_view(attributeNamed(setup, "orientation").value()) == "landscape";
+    print.colour = !isTrue(attributeNamed(setup, "blackAndWhite"));
+    print.downFirst = std::string_view(attributeNamed(setup, "pageOrder").value()) != "overThenDown";
+    const auto number = [&](const char* name, int usual, int least, int most) {
+        return std::clamp(attributeNamed(setup, name).as_int(usual), least, most);
+    };
+    print.scale = number("scale", 100, smallestPrintScale, largestPrintScale);
+    if (isTrue(attributeNamed(setup, "useFirstPageNumber")))
+        print.firstPage = number("firstPageNumber", 1, 1, largestFirstPage);
+    if (isTrue(attributeNamed(childNamed(childNamed(root, "sheetPr"), "pageSetUpPr"), "fitToPage"))) {
+        print.fitAcross = number("fitToWidth", 1, 0, mostFittedPages);
+        print.fitDown = number("fitToHeight", 1, 0, mostFittedPages);
+    }
+    paper(setup);
+}
+
+void XlsxSheetReader::paper(pugi::xml_node setup)
+{
+    PrintSettings& print = m_settings.print;
+    print.paperWidth = lengthTwips(attributeNamed(setup, "paperWidth").value());
+    print.paperHeight = lengthTwips(attributeNamed(setup, "paperHeight").value());
+    const pugi::xml_attribute number = attributeNamed(setup, "paperSize");
+    const Paper* const known = paperOfNumber(number.as_int());
+    if (print.paperWidth > 0 && print.paperHeight > 0)
+        return;
+    print.paperWidth = known ? known->width() : 0;
+    print.paperHeight = known ? known->height() : 0;
+    if (number.as_int() > 0 && !known)
+        m_warnings.add("表“" + m_sheet.name() + "”的纸张 (编号 " + number.value() +
+                       ") 没有引入,用打印机的纸张");
 }
 
 void XlsxSheetReader::readComments(pugi::xml_node root)

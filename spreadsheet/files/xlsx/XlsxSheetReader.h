@@ -46,6 +46,7 @@ private:
     void lists(pugi::xml_node root);
     void print(pugi::xml_node root);
     void pageSetup(pugi::xml_node root);
+    void paper(pugi::xml_node setup);
     std::string headerText(pugi::xml_node node) const;
     static void breaks(pugi::xml_node node, std::map<int, bool>& starts, int last);
     void reach(const CellRange& range);

@@ -5,6 +5,7 @@
 #include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/exchange/page_margins.h"
+#include "spreadsheet/files/exchange/print_paper.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xlsx/xlsx_names.h"
 #include "spreadsheet/files/xlsx/XlsxCellWriter.h"
@@ -49,7 +50,7 @@ XlsxSheetWriter::XlsxSheetWriter(XlsxParts& parts, const Sheet& sheet, std::stri
 void XlsxSheetWriter::write()
 {
     m_xml.open("worksheet").attribute("xmlns", xlsx::mainSpace).attribute("xmlns:r", xlsx::relationSpace);
-    if (m_settings.print.fitWidth)
+    if (m_settings.print.isFitted())
         m_xml.open("sheetPr").open("pageSetUpPr").attribute("fitToPage", 1).close().close();
     m_xml.open("dimension")
         .attribute("ref", rangeName({1, 1, std::max(1, m_sheet.lastDataColumn()),
@@ -216,11 +217,19 @@ void XlsxSheetWriter::margins()
 
 void XlsxSheetWriter::pageSetup()
 {
-    constexpr int a4 = 9;
     const PrintSettings& print = m_settings.print;
-    m_xml.open("pageSetup").attribute("paperSize", a4);
-    if (print.fitWidth)
-        m_xml.attribute("fitToHeight", 0); // as many pages down as it takes
+    warnOfPrintSetup(print, m_sheet.name(), m_parts.warnings);
+    if (!print.area.empty() || print.titleLeft > 0)
+        m_parts.warnings.add("表“" + m_sheet.name() + "”的打印区域和每页重复的列没有写出");
+    m_xml.open("pageSetup").attribute("paperSize", paperNumber(print, m_sheet.name(), m_parts.warnings));
+    if (!print.isFitted() && print.scale != 100)
+        m_xml.attribute("scale", print.scale);
+    if (print.firstPage != 1)
+        m_xml.attribute("firstPageNumber", print.firstPage).attribute("useFirstPageNumber", 1);
+    if (!print.downFirst)
+        m_xml.attribute("pageOrder", "overThenDown");
+    if (print.isFitted()) // 0: as many pages as it takes
+        m_xml.attribute("fitToWidth", print.fitAcross).attribute("fitToHeight", print.fitDown);
     m_xml.attribute("orientation", print.landscape ? "landscape" : "portrait");
     if (!print.colour)
         m_xml.attribute("blackAndWhite", 1);

@@ -1,6 +1,7 @@
 #include "spreadsheet/files/xlsx/xlsx_read.h"
 
 #include "spreadsheet/files/exchange/imported_sheets.h"
+#include "spreadsheet/files/exchange/print_names.h"
 #include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/Archive.h"
 #include "spreadsheet/files/xlsx/Relations.h"
@@ -43,7 +44,7 @@ public:
         defineNames(childNamed(book->root(), "definedNames"));
         for (const Tab& tab : m_tabs)
             readSheet(tab, relations);
-        printTitles(childNamed(book->root(), "definedNames"));
+        printNames(childNamed(book->root(), "definedNames"));
         activate(book->root());
         m_workbook.markCalculated();
     }
@@ -103,8 +104,6 @@ private:
         int count = 0;
         eachChild(names, "definedName", [&](pugi::xml_node node) {
             const std::string name = textOf(attributeNamed(node, "name"));
-            if (name.starts_with("_xlnm.Print_Area"))
-                m_warnings.add("打印区域没有引入,按已用区域打印");
             if (name.starts_with("_xlnm.") || isTrue(attributeNamed(node, "function")) || ++count > mostNames)
                 return;
             if (const Refusal problem = m_workbook.defineName(name, plainFormula(textOf(node))))
@@ -135,31 +134,21 @@ private:
             sheet.changeSettings([](SheetSettings& settings) { settings.isHidden = true; });
     }
 
-    /// "Sheet1!$1:$3", perhaps with columns before it.
-    void printTitles(pugi::xml_node names)
+    void printNames(pugi::xml_node names)
     {
         eachChild(names, "definedName", [this](pugi::xml_node node) {
-            const std::string_view text = node.text().get();
+            const std::string_view name = attributeNamed(node, "name").value();
             const std::size_t tab = attributeNamed(node, "localSheetId").as_uint(maxSheets);
-            if (std::string_view(attributeNamed(node, "name").value()) != "_xlnm.Print_Titles" ||
-                tab >= m_tabs.size() || m_tabs[tab].sheet == 0)
+            const bool isArea = name == "_xlnm.Print_Area";
+            if ((!isArea && name != "_xlnm.Print_Titles") || tab >= m_tabs.size() || m_tabs[tab].sheet == 0)
                 return;
-            int first = 0, last = 0;
-            for (std::size_t at = text.find("!$"); at != std::string_view::npos;
-                 at = text.find("!$", at + 1)) {
-                const std::size_t colon = text.find(":$", at);
-                const char* const end = text.data() + text.size();
-                if (colon == std::string_view::npos ||
-                    std::from_chars(text.data() + at + 2, end, first).ec != std::errc() ||
-                    std::from_chars(text.data() + colon + 2, end, last).ec != std::errc() || first < 1 ||
-                    last < first || last > maxRows)
-                    continue;
-                m_workbook.sheet(m_tabs[tab].sheet).changeSettings([&](SheetSettings& settings) {
-                    settings.print.titleTop = first;
-                    settings.print.titleBottom = last;
-                });
-                return;
-            }
+            bool applied = false;
+            m_workbook.sheet(m_tabs[tab].sheet).changeSettings([&](SheetSettings& settings) {
+                const std::string text = textOf(node);
+                applied = isArea ? applyPrintArea(text, settings) : applyPrintTitles(text, settings);
+            });
+            if (!applied && isArea)
+                m_warnings.add("打印区域没有引入,按已用区域打印");
         });
     }
 

@@ -133,6 +133,11 @@ inline void fillSample(Workbook& workbook)
     demand(sheet.setArrayFormula({11, 1, 12, 2}, "A1:B2*2"));
     sheet.addSpan({2, 12, 4, 13});
     sheet.setText({2, 12}, "合并");
+    for (int number = 1; number <= workbook.sheetCount(); ++number)
+        workbook.sheet(number).changeSettings([](SheetSettings& settings) {
+            settings.print.paperWidth = 11906; // A4, which files name for sheets without a paper of their own
+            settings.print.paperHeight = 16838;
+        });
     sheet.changeSettings([&](SheetSettings& settings) {
         settings.rows.sizes = {{1, 600}, {5, 300}};
         settings.columns.sizes = {{1, 2400}, {3, 750}};
@@ -147,7 +152,10 @@ inline void fillSample(Workbook& workbook)
         settings.print.titleBottom = 2;
         settings.print.centredAcross = true;
         settings.print.gridLines = true;
-        settings.print.fitWidth = true;
+        settings.print.fitAcross = 1;
+        settings.print.fitDown = 3;
+        settings.print.downFirst = true;
+        settings.print.firstPage = 7;
         settings.print.rowBreaks = {{8, true}};
         settings.print.columnBreaks = {{4, true}};
         settings.print.header =

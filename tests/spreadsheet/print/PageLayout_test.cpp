@@ -1,16 +1,18 @@
 #include "spreadsheet/print/PageLayout.h"
+#include "spreadsheet/print/printed_ranges.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <limits>
 #include <sstream>
 
 namespace spreadsheet {
 namespace {
 
 /// Body of 2,880 × 5,760 twips; columns of 1,000, rows of 500: 2 columns and 11 rows a page.
-const PageRequest smallPaper{4320, 7200, std::nullopt, {}, {}};
+const PageRequest smallPaper{4320, 7200, {}, {}, {}, {}, {}, {}, {}};
 
 struct PageLayoutTest : testing::Test {
     PageLayoutTest()
@@ -59,9 +61,9 @@ TEST_F(PageLayoutTest, TheRangeIsWhatWasAskedFor)
     EXPECT_EQ(pages(), "1-2 1-4\n3-3 1-4\n") << "a span that begins in the used area belongs to it";
 
     PageRequest request = smallPaper;
-    request.range = CellRange{2, 2, 2, 3};
+    request.ranges = {{2, 2, 2, 3}};
     EXPECT_EQ(pages(request), "2-2 2-3\n");
-    request.range = CellRange{50, 500, 60, 600};
+    request.ranges = {{50, 500, 60, 600}};
     EXPECT_EQ(pages(request), "50-50 500-500\n") << "cut to the sheet";
 
     print([](PrintSettings& settings) { settings.usedAreaOnly = false; });
@@ -124,7 +126,8 @@ TEST_F(PageLayoutTest, FittedColumnsStandOnOnePageAcross)
 {
     fill(4, 50);
     print([](PrintSettings& settings) {
-        settings.fitWidth = settings.centredAcross = true;
+        settings.fitAcross = 1;
+        settings.centredAcross = true;
         settings.columnBreaks = {{2, true}};
     });
     const PageLayout fitted(sheet, smallPaper);
@@ -136,6 +139,149 @@ TEST_F(PageLayoutTest, FittedColumnsStandOnOnePageAcross)
     EXPECT_EQ(PageLayout(sheet, smallPaper).pageCount(), 5);
     sheet.changeSettings([](SheetSettings& settings) { settings.columns.hidden = {{3, true}, {4, true}}; });
     EXPECT_EQ(PageLayout(sheet, smallPaper).scale(), 1) << "never larger";
+}
+
+TEST_F(PageLayoutTest, PagesAreFittedAtTheLargestScaleThatDoes)
+{
+    fill(4, 50);
+    const struct {
+        int across, down;
+        double scale; ///< by hand: what the body of 2,880 × 5,760 must hold
+        int pages;
+    } cases[] = {
+        {2, 0, 1, 2 * 5},     // two columns of 1,000 a page fit as they are
+        {0, 1, 0.230, 1},     // 25,000 twips in 5,760, and the columns beside each other
+        {0, 2, 0.460, 2},     // 25 rows, 12,500 twips
+        {1, 1, 0.230, 1},     // the lesser of the two
+        {2, 2, 0.460, 2},     // … 6,260 twips wide: one page across is enough
+        {999, 999, 1, 2 * 5}, // never larger
+    };
+    for (const auto& [across, down, scale, count] : cases) {
+        print([&](PrintSettings& settings) {
+            settings.fitAcross = across;
+            settings.fitDown = down;
+        });
+        const PageLayout layout(sheet, smallPaper);
+        EXPECT_NEAR(layout.scale(), scale, 0.0011) << across << " x " << down;
+        EXPECT_EQ(layout.pageCount(), count) << across << " x " << down;
+    }
+}
+
+TEST_F(PageLayoutTest, AScaleMakesRoomOrTakesIt)
+{
+    fill(4, 24);
+    print([](PrintSettings& settings) { settings.scale = 50; }); // 5,760 × 11,520
+    EXPECT_EQ(pages(), "1-4 1-23\n1-4 24-24\n");
+    print([](PrintSettings& settings) { settings.scale = 200; }); // 1,440 × 2,880
+    EXPECT_EQ(PageLayout(sheet, smallPaper).pageCount(), 4 * 5);
+    print([](PrintSettings& settings) { settings.fitAcross = 1; });
+    EXPECT_DOUBLE_EQ(PageLayout(sheet, smallPaper).scale(), 0.72) << "what is fitted knows no other scale";
+}
+
+TEST_F(PageLayoutTest, RepeatedColumnsStandBeforeTheOthers)
+{
+    fill(4, 2);
+    print([](PrintSettings& settings) { settings.titleLeft = settings.titleRight = 1; });
+    EXPECT_EQ(pages(), "1-2 1-2\n3-3 1-2\n4-4 1-2\n");
+    const PrintedPage last = PageLayout(sheet, smallPaper).page(3);
+    EXPECT_EQ(last.columnTracks, (std::vector<PageTrack>{{1, 720, 1000}, {4, 1720, 1000}}));
+    EXPECT_EQ(last.cells.width, 2000);
+    EXPECT_EQ(last.repeatedColumns, 1);
+}
+
+TEST_F(PageLayoutTest, PagesGoDownThenAcrossIfThatIsAskedFor)
+{
+    fill(3, 12);
+    print([](PrintSettings& settings) { settings.downFirst = true; });
+    EXPECT_EQ(pages(), "1-2 1-11\n1-2 12-12\n3-3 1-11\n3-3 12-12\n");
+}
+
+TEST_F(PageLayoutTest, EachRangeBeginsAPageInTheOrderOfTheSheet)
+{
+    fill(6, 40);
+    const struct {
+        const char* what;
+        std::vector<CellRange> ranges;
+        const char* pages;
+    } cases[] = {
+        {"order", {{1, 20, 2, 22}, {3, 2, 3, 4}, {1, 2, 1, 3}}, "1-1 2-3\n3-3 2-4\n1-2 20-22\n"},
+        {"one in the other", {{1, 1, 2, 5}, {2, 3, 2, 4}}, "1-2 1-5\n"},
+        {"twice the same", {{1, 1, 2, 5}, {1, 1, 2, 5}}, "1-2 1-5\n"},
+        {"corners", {{1, 1, 2, 2}, {2, 2, 3, 3}}, "1-2 1-2\n3-3 2-2\n2-3 3-3\n"},
+        {"a cross", {{2, 1, 2, 3}, {1, 2, 3, 2}}, "2-2 1-3\n1-1 2-2\n3-3 2-2\n"},
+    };
+    for (const auto& [what, ranges, expected] : cases) {
+        PageRequest request = smallPaper;
+        request.ranges = ranges;
+        EXPECT_EQ(pages(request), expected) << what;
+        print([&, area = ranges](PrintSettings& settings) { settings.area = area; });
+        EXPECT_EQ(pages(), expected) << what << " as print area";
+        print([](PrintSettings& settings) { settings.area.clear(); });
+    }
+    print([](PrintSettings& settings) { settings.titleTop = settings.titleBottom = 1; });
+    PageRequest request = smallPaper;
+    request.ranges = {{1, 5, 1, 6}, {2, 8, 2, 9}};
+    for (const int number : {1, 2})
+        EXPECT_EQ(PageLayout(sheet, request).page(number).rowTracks.front().index, 1) << "the title";
+}
+
+/// Rule: what shows is printed. Cells are placed by hand, one look a case.
+TEST_F(PageLayoutTest, TheUsedAreaReachesToWhatShows)
+{
+    const BorderLine line{LineStyle::solid, 0};
+    const struct {
+        const char* what;
+        CellRange cells;
+        std::function<void(CellStyle&)> look;
+        CellAddress last;
+    } cases[] = {
+        {"a background", {3, 4, 3, 4}, [](CellStyle& s) { s.background = 0xC0C0C0; }, {3, 4}},
+        {"white", {3, 4, 3, 4}, [](CellStyle& s) { s.background = 0xFFFFFF; }, {1, 1}},
+        {"below", {3, 4, 3, 4}, [&](CellStyle& s) { s.bottom = line; }, {3, 4}},
+        {"right", {3, 4, 3, 4}, [&](CellStyle& s) { s.right = line; }, {3, 4}},
+        {"above: the edge of the row before", {3, 4, 3, 4}, [&](CellStyle& s) { s.top = line; }, {3, 3}},
+        {"left: the edge of the column before", {3, 4, 3, 4}, [&](CellStyle& s) { s.left = line; }, {2, 4}},
+        {"an erased line",
+         {3, 4, 3, 4},
+         [](CellStyle& s) {
+             s.right = {LineStyle::erase, 0};
+         },
+         {1, 1}},
+        {"a font", {3, 4, 3, 4}, [](CellStyle& s) { s.font.bold = true; }, {1, 1}},
+        {"a whole row", {1, 4, 50, 4}, [](CellStyle& s) { s.background = 0xC0C0C0; }, {1, 1}},
+        {"a whole column", {3, 1, 3, 500}, [](CellStyle& s) { s.background = 0xC0C0C0; }, {1, 1}},
+    };
+    for (const auto& [what, cells, look, last] : cases) {
+        Workbook other;
+        Sheet& page = other.sheet(1);
+        page.setNumber({1, 1}, 1);
+        page.restyle(cells, look);
+        EXPECT_EQ(lastShownCell(page), last) << what;
+    }
+}
+
+TEST_F(PageLayoutTest, ASheetHasItsOwnPaper)
+{
+    fill(3, 12);
+    print([](PrintSettings& settings) {
+        settings.paperWidth = 4320 + 1000;
+        settings.paperHeight = 7200;
+    });
+    EXPECT_EQ(pages(), "1-3 1-11\n1-3 12-12\n");
+    EXPECT_EQ(PageLayout(sheet, smallPaper).paperWidth(), 5320);
+}
+
+TEST_F(PageLayoutTest, FieldsAreThoseOfThePage)
+{
+    fill(1, 12);
+    print([](PrintSettings& settings) { settings.firstPage = 5; });
+    PageRequest request = smallPaper;
+    request.report = "利润表";
+    request.date = "2026-12-31";
+    request.time = "08:05";
+    const HeaderFieldValues values = PageLayout(sheet, request).fieldValues(2);
+    EXPECT_EQ(withFields("第&页数/&总页数页 &日期 &时间 &表名 &报表名 &页 &", values),
+              "第6/2页 2026-12-31 08:05 " + sheet.name() + " 利润表 &页 &");
 }
 
 TEST_F(PageLayoutTest, CellsStandInTheMiddleOfThePage)
@@ -169,6 +315,10 @@ TEST_F(PageLayoutTest, MarginsThatFillThePaperAreRefused)
     fill(1, 1);
     print([](PrintSettings& settings) { settings.marginLeft = 3000; });
     EXPECT_THROW(PageLayout(sheet, smallPaper), PageLayoutError);
+    print([](PrintSettings& settings) { settings.marginLeft = std::numeric_limits<int>::max(); });
+    EXPECT_THROW(PageLayout(sheet, smallPaper), PageLayoutError);
+    print([](PrintSettings& settings) { settings.marginLeft = -500; });
+    EXPECT_EQ(PageLayout(sheet, smallPaper).printable().left, 0);
     print([](PrintSettings& settings) {
         settings.marginLeft = 720;
         settings.header = "/fz\"400\"/cA/n";

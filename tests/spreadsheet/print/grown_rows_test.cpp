@@ -87,7 +87,7 @@ TEST_F(GrownRows, PagesBreakByTheHeightsThatArePrinted)
             settings.print.marginRight = 0;
         settings.print.titleTop = settings.print.titleBottom = 1;
     });
-    const PageRequest paper{5000, 1500, std::nullopt, {}, {}};
+    const PageRequest paper{5000, 1500, {}, {}, {}, {}, {}, {}, {}};
     const auto firstRows = [&] {
         const PageLayout layout(sheet, paper);
         std::vector<int> first;

@@ -342,6 +342,38 @@ TEST_F(PdfTest, APrinterDrawsTheSamePages)
     EXPECT_EQ(sizes("printer.pdf"), sizes("report.pdf"));
 }
 
+TEST_F(PdfTest, TellsItsOperatorAndLeadsToItsSheets)
+{
+    sheet.setText({1, 1}, "甲");
+    sheet.changeSettings([](SheetSettings& settings) { settings.print.rowBreaks[2] = true; });
+    sheet.setText({1, 2}, "乙");
+    demand(workbook.addSheet("附表"));
+    workbook.sheet(2).setText({1, 1}, "丙");
+    PrintDocument document;
+    document.title = "利润表";
+    document.author = "王会计";
+    document.subject = "截止日期 2026-12-31";
+    document.isArchive = true;
+    write(document, path("archive.pdf"));
+    EXPECT_EQ(run("qpdf", {"--check", path("archive.pdf")}).first, 0);
+    const QString metadata = run("pdfinfo", {"-meta", path("archive.pdf")}).second;
+    for (const char* said : {"利润表", "王会计", "截止日期 2026-12-31", "pdfaid:conformance=\"B\""})
+        EXPECT_TRUE(metadata.contains(QString::fromUtf8(said))) << said << metadata.toStdString();
+    document.isArchive = false;
+    write(document, path());
+    EXPECT_EQ(run("qpdf", {"--check", path()}).first, 0);
+    const QString info = run("pdfinfo", {path()}).second;
+    for (const char* said : {"利润表", "王会计", "截止日期 2026-12-31"})
+        EXPECT_TRUE(info.contains(QString::fromUtf8(said))) << said << info.toStdString();
+    const QString outline = run("qpdf", {"--json", "--json-key=outlines", path()}).second;
+    static const QRegularExpression target(R"re("destpageposfrom1": (\d+))re");
+    QStringList targets;
+    for (auto found = target.globalMatch(outline); found.hasNext();)
+        targets += found.next().captured(1);
+    EXPECT_EQ(targets.join(' ').toStdString(), "1 3") << outline.toStdString();
+    EXPECT_TRUE(outline.contains("附表"));
+}
+
 TEST_F(PdfTest, AFileThatCannotBeRedoneStays)
 {
     sheet.setText({1, 1}, "A");

@@ -26,7 +26,7 @@ TEST(PrintRange, GivesTheReportsPagesThatItMeets)
         {"zero", pages, 0, 0, 1, std::nullopt},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(pagesToPrint({c.kind, {1, 1, 1, 1}, c.first, c.last, c.current}, 5), c.pages) << c.what;
+        EXPECT_EQ(pagesToPrint({c.kind, {}, c.first, c.last, c.current}, 5), c.pages) << c.what;
 }
 
 } // namespace

@@ -56,6 +56,28 @@ void fillAtRandom(SpreadsheetControl& control, std::mt19937& random)
 
 } // namespace
 
+TEST_F(ControlTest, PageBreaksByHandAreSeen)
+{
+    const auto blueOnEdge = [&](const char* cell, bool above) {
+        const QImage picture = pictureOf(control);
+        const QRect rect = control.cellRect(*parseCellName(cell));
+        int count = 0;
+        for (int i = 1; i < (above ? rect.width() : rect.height()) - 1; ++i) {
+            const QColor pixel(above ? picture.pixel(rect.left() + i, rect.top() - 1)
+                                     : picture.pixel(rect.left() - 1, rect.top() + i));
+            count += pixel.blue() > pixel.red() + 80 ? 1 : 0;
+        }
+        return count > 0;
+    };
+    EXPECT_FALSE(blueOnEdge("B4", true));
+    control.cells().changePrintSettings([](PrintSettings& print) {
+        print.rowBreaks[4] = true;
+        print.columnBreaks[3] = true;
+    });
+    EXPECT_TRUE(blueOnEdge("B4", true) && blueOnEdge("C2", false));
+    EXPECT_FALSE(blueOnEdge("B5", true) || blueOnEdge("D2", false));
+}
+
 TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
 {
     std::mt19937 random(11);

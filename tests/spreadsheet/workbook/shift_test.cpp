@@ -107,6 +107,8 @@ TEST(Shift, SettingsMoveAlong)
         settings.print.titleTop = 2;
         settings.print.titleBottom = 3;
         settings.print.rowBreaks = {{2, true}, {5, true}};
+        settings.print.titleLeft = settings.print.titleRight = 2;
+        settings.print.area = {{1, 2, 4, 8}, {2, 10, 2, 12}};
     });
     ASSERT_FALSE(sheet.insertRows(3, 1));
     const SheetSettings& settings = sheet.settings();
@@ -118,10 +120,15 @@ TEST(Shift, SettingsMoveAlong)
     EXPECT_EQ(settings.rows.size(7), 0);
     EXPECT_FALSE(settings.rows.sizes.contains(maxRows + 1));
     EXPECT_EQ(settings.print.titleBottom, 4);
+    EXPECT_EQ(settings.print.titleLeft, 2) << "columns stay";
+    EXPECT_EQ(settings.print.area, (std::vector<CellRange>{{1, 2, 4, 9}, {2, 11, 2, 13}}));
     EXPECT_EQ(settings.print.rowBreaks, (std::map<int, bool>{{2, true}, {6, true}}));
     EXPECT_EQ(settings.rowCount, 501);
     demand(sheet.deleteRows(1000, 5));
     EXPECT_EQ(settings.rowCount, 501) << "nothing of the sheet was removed";
+    demand(sheet.deleteColumns(2, 1));
+    EXPECT_EQ(settings.print.titleLeft + settings.print.titleRight, 0);
+    EXPECT_EQ(settings.print.area, (std::vector<CellRange>{{1, 2, 3, 9}})) << "one went with its column";
 }
 
 TEST(Shift, RefusedEditsChangeNothing)

@@ -143,7 +143,7 @@ TEST_F(RecoveryTest, OnlyAnotherDesignIsKept)
          }},
         {"print options, which stand in the sheet", true,
          [this] {
-             changeActiveSheetsPrint(grid().cells().workbook(), [](auto& print) { print.fitWidth = true; });
+             changeActiveSheetsPrint(grid().cells().workbook(), [](auto& print) { print.fitAcross = 1; });
          }},
         {"redone", true, [this] { design("=1"), trigger("MenuUndo"), trigger("MenuRedo"); }},
         {"a cell, seen as formula", true, [this] { trigger("MenuShowFormula"), design("=1"); }},

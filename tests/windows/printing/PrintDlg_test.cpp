@@ -199,19 +199,58 @@ TEST_F(PrintDialog, WithoutAPrinterAPdfIsOffered)
 
 TEST_F(PrintDialog, FailuresAreToldAndCloseNothing)
 {
+    const spreadsheet::PrintSettings before = grid.print();
     int calls = 0;
     service.before = [&] {
         if (++calls == 3)
             throw PrintServiceError("找不到打印机“甲”。");
     };
     print([](PrintDlg&) {});
-    EXPECT_EQ(ledger.boxes.said, (std::vector<Said>{{Icon::exclamation, gTitle, "找不到打印机“甲”。"}}));
+    EXPECT_EQ(ledger.boxes.said,
+              (std::vector<Said>{{Icon::question, gTitle, "找不到打印机“甲”。\n是否打印到PDF文件?"}}));
+    EXPECT_EQ(grid.print(), before) << "its options are not the sheet's";
 
     grid.book.sheet(1).changeSettings([](spreadsheet::SheetSettings& s) { s.print.marginLeft = 20'000; });
     print([](PrintDlg&) {});
     EXPECT_EQ(ledger.boxes.said.size(), 2U) << "margins that leave no room";
     EXPECT_EQ(grid.closed, 0);
     EXPECT_TRUE(service.printed.empty());
+}
+
+TEST_F(PrintDialog, WhereAPrinterRefusesAPdfIsOffered)
+{
+    service.before = [] { throw PrintServiceError("打印机“甲”没有接受打印：没有权限。"); };
+    printerSetup().printer = "甲";
+    ledger.boxes.answer = true;
+    files.answers = {folder.filePath("甲.pdf").toStdString()};
+    print([](PrintDlg&) {});
+    EXPECT_TRUE(QFileInfo::exists(folder.filePath("甲.pdf")));
+    EXPECT_EQ(grid.closed, 1);
+}
+
+TEST_F(PrintDialog, APaperIsTheReportsOwn)
+{
+    demand(grid.book.addSheet("附表"));
+    setups.answers = {PrinterSetup{"甲", "A3", "", 1, true, false, true, false}};
+    PrintDlg window(grid);
+    show(window);
+    click(window, "Command4");
+    for (const int sheet : {1, 2})
+        EXPECT_EQ(std::pair(grid.print(sheet).paperWidth, grid.print(sheet).paperHeight),
+                  std::pair(16838, 23811)); // 297 × 420 mm
+    EXPECT_EQ(paperName(grid), "A3");
+
+    test::TestGrid next; // another report, later
+    EXPECT_EQ(paperName(next), "");
+    EXPECT_EQ(previewRequest(next).paperWidth, 11906);
+
+    grid.book.sheet(1).changeSettings([](spreadsheet::SheetSettings& s) {
+        s.print.paperWidth = 10431; // 184 × 260 mm
+        s.print.paperHeight = 14740;
+    });
+    EXPECT_EQ(printSheet(grid), PrintOutcome::printed);
+    EXPECT_EQ(service.printed.at(0).setup.paper, "Custom.184x260mm");
+    EXPECT_NE(service.printed[0].pdf.find("[0 0 522"), std::string::npos) << "points across";
 }
 
 TEST_F(PrintDialog, DirectPrintingUsesWhatTheGridHolds)

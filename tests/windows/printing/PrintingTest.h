@@ -22,6 +22,12 @@ struct TestGrid : PrintedGrid {
     }
     spreadsheet::Workbook& workbook() override { return book; }
     spreadsheet::CellRange selectedBlock() const override { return block; }
+    std::vector<spreadsheet::CellRange> selectedRanges() const override
+    {
+        std::vector<spreadsheet::CellRange> ranges = others;
+        ranges.push_back(block);
+        return ranges;
+    }
     std::string reportName() const override { return "资产负债表"; }
     int diagnosticsCount() const override { return 0; }
     std::string failedFetches() const override { return failed; }
@@ -51,6 +57,7 @@ struct TestGrid : PrintedGrid {
 
     spreadsheet::Workbook book;
     spreadsheet::CellRange block{1, 1, 1, 1};
+    std::vector<spreadsheet::CellRange> others; ///< selected besides
     spreadsheet::PrintSettings settings;
     std::string status;
     std::string failed; ///< "2 处取数失败，数字不可用"

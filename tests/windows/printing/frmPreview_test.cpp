@@ -3,10 +3,14 @@
 #include "spreadsheet/print/PreviewWidget.h"
 #include "tests/windows/printing/PrintingTest.h"
 #include "windows/printing/GetZoom.h"
+#include "windows/printing/PrintDlg.h"
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
 
 namespace selfreport {
 namespace {
@@ -34,10 +38,42 @@ TEST_F(Preview, PagesAreTurnedOneByOne)
         EXPECT_EQ(state(window), expected);
     }
     QTest::keyClick(&window.fpsp1(), Qt::Key_Home);
+    QTest::keyClick(&window.fpsp1(), Qt::Key_End);
+    EXPECT_EQ(state(window), "第 5 页,共 5 页 <") << "by a key";
+    QTest::keyClick(&window.fpsp1(), Qt::Key_Home);
     EXPECT_EQ(state(window), "第 1 页,共 5 页 >") << "turned in the pages themselves";
     window.fpsp1().setCurrentPage(2);
     click(window, "cmdPrevious");
     EXPECT_EQ(state(window), "第 1 页,共 5 页 >");
+}
+
+TEST_F(Preview, TextsAreFoundAndCopied)
+{
+    grid.setPages(5);
+    grid.book.sheet(1).setText({2, 4}, "Net 合计");
+    grid.book.sheet(1).addSpan({2, 4, 3, 4});
+    frmPreview& window = frmPreview::shared(grid);
+    show(window);
+    QTest::keyClick(&window.fpsp1(), Qt::Key_F, Qt::ControlModifier);
+    auto& text = control<QLineEdit>(window, "txtFind");
+    EXPECT_TRUE(text.hasFocus());
+    const struct {
+        const char *text, *page;
+    } cases[] = {{"net 合", "第 4 页"}, {"net 合", "第 4 页"}, {"行", "第 5 页"}, {"行", "第 1 页"}};
+    for (const auto& [sought, page] : cases) {
+        text.setText(sought);
+        QTest::keyClick(&text, Qt::Key_Return);
+        EXPECT_TRUE(state(window).starts_with(page)) << sought << ' ' << state(window);
+    }
+    text.setText("没有");
+    click(window, "cmdFind");
+    ASSERT_EQ(ledger.boxes.said.size(), 1U);
+    EXPECT_EQ(ledger.boxes.said[0].text, "没有找到“没有”。");
+    EXPECT_TRUE(state(window).starts_with("第 1 页"));
+    window.fpsp1().setCurrentPage(4);
+    window.fpsp1().setFocus();
+    QTest::keyClick(&window.fpsp1(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "第4行\tNet 合计\n");
 }
 
 TEST_F(Preview, OnePageTurnsNowhere)
@@ -86,9 +122,60 @@ TEST_F(Preview, PageSetupOverItChangesPagesAndZoom)
     EXPECT_EQ(window.fpsp1().pageStep(), 2);
     EXPECT_TRUE(grid.print().landscape);
     grid.book.sheet(1).changeSettings([](spreadsheet::SheetSettings& s) { s.print.rowBreaks.clear(); });
-    EXPECT_EQ(control<QLabel>(window, "lblPage").text(), "第 1 页,共 2 页") << "until the page changes";
-    window.UpdatePageCount();
+    frmPreview::refresh();
     EXPECT_EQ(control<QLabel>(window, "lblPage").text(), "第 1 页,共 1 页");
+}
+
+TEST_F(Preview, LabelAndButtonsFollowThePageSetup)
+{
+    for (int row = 1; row <= 30; ++row)
+        grid.book.sheet(1).setText({1, row}, "行");
+    frmPreview& window = frmPreview::shared(grid);
+    show(window);
+    EXPECT_EQ(state(window), "第 1 页,共 1 页");
+    whenModal("pagesetup", [](QWidget& setup) {
+        for (const char* margin : {"pagemargin_2", "pagemargin_3"}) {
+            auto& field = control<QLineEdit>(setup, margin);
+            field.setFocus();
+            field.selectAll();
+            QTest::keyClicks(&field, "3.50");
+        }
+        control<QPushButton>(setup, "cmdXPOK").click();
+    });
+    click(window, "cmdSupport");
+    EXPECT_TRUE(state(window).ends_with(" >")) << state(window);
+    EXPECT_FALSE(state(window).ends_with("共 1 页 >")) << state(window);
+    EXPECT_EQ(window.fpsp1().view(), spreadsheet::PreviewView::wholePage) << "no zoom was chosen";
+}
+
+/// What the dialog would print is what stands behind it; cancelled, it is as it was.
+TEST_F(Preview, ShowsWhatTheOpenPrintDialogWouldPrint)
+{
+    grid.setPages(5);
+    grid.block = {1, 2, 1, 2};
+    grid.others = {{1, 4, 1, 5}};
+    frmPreview& window = frmPreview::shared(grid);
+    show(window);
+    window.fpsp1().setCurrentPage(3);
+    const spreadsheet::PrintSettings before = grid.print();
+    {
+        PrintDlg dialog(grid);
+        show(dialog);
+        EXPECT_EQ(state(window), "第 3 页,共 5 页 < >");
+        control<QRadioButton>(dialog, "Option1_1").click();
+        EXPECT_EQ(state(window), "第 3 页,共 3 页 <") << "row 2, then rows 4 and 5 by their breaks";
+        control<QCheckBox>(dialog, "Check1_4").click();
+        control<QRadioButton>(dialog, "Option1_3").click();
+        auto& first = control<QLineEdit>(dialog, "Text1_0");
+        first.selectAll();
+        QTest::keyClicks(&first, "2");
+        EXPECT_TRUE(state(window).starts_with("第 2 页,共 ")) << state(window);
+        EXPECT_FALSE(state(window).starts_with("第 2 页,共 5 页")) << "the whole sheet: " << state(window);
+        EXPECT_EQ(grid.print(), before) << "the sheet is left alone";
+        click(dialog, "Command3");
+    }
+    EXPECT_EQ(state(window), "第 3 页,共 5 页 < >");
+    EXPECT_EQ(grid.print(), before);
 }
 
 TEST_F(Preview, AHiddenInstanceIsTheOneThatIsShownAndGoesWhenItIsClosed)

@@ -4,6 +4,10 @@
 #include "windows/printing/print_stamp.h"
 
 #include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QLineEdit>
+#include <QRadioButton>
 #include <QSpinBox>
 
 namespace selfreport {
@@ -23,13 +27,13 @@ TEST_F(PrintOptions, AreKeptWithTheActiveSheetAndPrinted)
         EXPECT_EQ(ledger.boxes.said.size(), 1U) << "a first row without a last one";
         EXPECT_TRUE(window.isVisible());
         control<QSpinBox>(window, "txtTitleBottom").setValue(1);
-        for (const char* box : {"chkFitWidth", "chkCentredAcross", "chkCentredDown", "chkStamp"})
+        for (const char* box : {"chkCentredAcross", "chkCentredDown", "chkStamp"})
             control<QCheckBox>(window, box).click();
         click(window, "cmdXPOK");
     }
     const spreadsheet::PrintSettings print = grid.print();
-    EXPECT_TRUE(print.titleTop == 1 && print.titleBottom == 1 && print.fitWidth && print.centredAcross &&
-                print.centredDown && print.stamp);
+    EXPECT_TRUE(print.titleTop == 1 && print.titleBottom == 1 && print.centredAcross && print.centredDown &&
+                print.stamp);
     EXPECT_EQ(grid.print(2), spreadsheet::PrintSettings());
     frmPrintOptions again(grid);
     EXPECT_TRUE(control<QCheckBox>(again, "chkStamp").isChecked());
@@ -38,6 +42,90 @@ TEST_F(PrintOptions, AreKeptWithTheActiveSheetAndPrinted)
     const std::string text = textOf(service.printed.at(0).pdf);
     EXPECT_NE(text.find("操作员 wang"), std::string::npos) << text;
     EXPECT_NE(text.rfind("第1行"), text.find("第1行")) << "the repeated row stands on both pages";
+}
+
+/// What is chosen comes back in the next opening, and only OK changes anything.
+TEST_F(PrintOptions, EverySetUpIsTakenAndShownAgain)
+{
+    demand(grid.book.addSheet("附表"));
+    grid.block = {2, 2, 3, 9};
+    const auto open = [&](const char* button, const std::function<void(frmPrintOptions&)>& act) {
+        frmPrintOptions window(grid);
+        show(window);
+        act(window);
+        click(window, button);
+        return !window.isVisible();
+    };
+    const auto choose = [&](frmPrintOptions& window) {
+        control<QRadioButton>(window, "optFit").click();
+        control<QSpinBox>(window, "txtFitAcross").setValue(2);
+        control<QSpinBox>(window, "txtFitDown").setValue(3);
+        control<QLineEdit>(window, "txtPrintArea").setText(" a1：c20，$E$1:F9 ");
+        control<QLineEdit>(window, "txtTitleColumns").setText("b:a");
+        control<QComboBox>(window, "cboOrder").setCurrentText("先列后行");
+        control<QSpinBox>(window, "txtFirstPage").setValue(5);
+        control<QComboBox>(window, "cboPaper").setCurrentText("16K");
+        control<QDoubleSpinBox>(window, "txtTextDistance").setValue(1.5);
+    };
+    EXPECT_TRUE(open("cmdXPClose", choose));
+    EXPECT_EQ(grid.print(), spreadsheet::PrintSettings());
+    EXPECT_TRUE(open("cmdXPOK", choose));
+    const spreadsheet::PrintSettings print = grid.print();
+    EXPECT_EQ(std::tuple(print.fitAcross, print.fitDown, print.downFirst, print.firstPage),
+              std::tuple(2, 3, true, 5));
+    EXPECT_EQ(print.area, (std::vector<spreadsheet::CellRange>{{1, 1, 3, 20}, {5, 1, 6, 9}}));
+    EXPECT_EQ(std::pair(print.titleLeft, print.titleRight), std::pair(1, 2));
+    EXPECT_EQ(print.textDistance, 85) << "1.5 mm";
+    for (const int sheet : {1, 2})
+        EXPECT_EQ(grid.print(sheet).paperWidth, 10431) << "the paper is the report's";
+    EXPECT_EQ(grid.print(2).firstPage, 1);
+    EXPECT_TRUE(open("cmdXPOK", [](frmPrintOptions& window) {
+        EXPECT_EQ(control<QLineEdit>(window, "txtPrintArea").text(), "A1:C20,E1:F9");
+        EXPECT_EQ(control<QLineEdit>(window, "txtTitleColumns").text(), "A:B");
+        EXPECT_EQ(control<QComboBox>(window, "cboPaper").currentText(), "16K");
+        EXPECT_FALSE(control<QSpinBox>(window, "txtScale").isEnabled());
+        EXPECT_FALSE(control<QDoubleSpinBox>(window, "txtPaperWidth").isEnabled());
+    }));
+    EXPECT_EQ(grid.print(), print) << "an OK without a change changes nothing";
+    EXPECT_TRUE(open("cmdXPOK", [](frmPrintOptions& window) {
+        click(window, "cmdArea");
+        control<QRadioButton>(window, "optScale").click();
+        control<QSpinBox>(window, "txtScale").setValue(70);
+        control<QComboBox>(window, "cboPaper").setCurrentText("自定义");
+        control<QDoubleSpinBox>(window, "txtPaperWidth").setValue(200);
+    }));
+    EXPECT_EQ(grid.print().area, (std::vector<spreadsheet::CellRange>{{2, 2, 3, 9}}));
+    EXPECT_FALSE(grid.print().isFitted());
+    EXPECT_EQ(grid.print().scale, 70);
+    EXPECT_EQ(grid.print().paperWidth, 11339) << "200 mm";
+    EXPECT_TRUE(ledger.boxes.said.empty());
+}
+
+TEST_F(PrintOptions, WhatCannotBeIsRefused)
+{
+    const struct {
+        const char *field, *text, *said;
+    } cases[] = {{"txtPrintArea", "A1:", "打印区域写作 A1:F20,几块之间用逗号分开!"},
+                 {"txtPrintArea", "A1,,B2", "打印区域写作 A1:F20,几块之间用逗号分开!"},
+                 {"txtTitleColumns", "1:2", "重复的列写作 A 或 A:B!"}};
+    for (const auto& [field, text, said] : cases) {
+        frmPrintOptions window(grid);
+        show(window);
+        control<QLineEdit>(window, field).setText(text);
+        ledger.boxes.said.clear();
+        click(window, "cmdXPOK");
+        EXPECT_EQ(ledger.boxes.said.size(), 1U) << text;
+        EXPECT_EQ(ledger.boxes.said.front().text, said);
+        EXPECT_TRUE(window.isVisible());
+    }
+    frmPrintOptions window(grid);
+    show(window);
+    control<QComboBox>(window, "cboPaper").setCurrentText("自定义");
+    control<QDoubleSpinBox>(window, "txtPaperWidth").setValue(30);
+    control<QDoubleSpinBox>(window, "txtPaperHeight").setValue(30);
+    click(window, "cmdXPOK");
+    EXPECT_TRUE(window.isVisible()) << "the margins leave nothing of it";
+    EXPECT_EQ(grid.print(), spreadsheet::PrintSettings());
 }
 
 TEST_F(PrintOptions, PageBreaksComeAndGo)

@@ -5,6 +5,7 @@
 #include "tests/windows/printing/PrintingTest.h"
 
 #include <QClipboard>
+#include <QMenu>
 #include <QRadioButton>
 
 namespace selfreport {
@@ -123,6 +124,35 @@ TEST_F(HeaderFooter, TheRightButtonPutsThePageNumberInAndOut)
     ledger.boxes.answer = true;
     rightButton(window, 3, 1);
     EXPECT_EQ(window.GetCellData(3, 1), plain + "/c/p");
+}
+
+TEST_F(HeaderFooter, FieldsAreInsertedAndPassAsTheyAre)
+{
+    const std::string codes =
+        plain + "/l&报表名 &表名" + plain + "/c第&页数页 共&总页数页" + plain + "/r&日期&时间&EndDate/n";
+    gHeaderText = codes;
+    headerfooter window(grid);
+    show(window);
+    EXPECT_EQ(text(window, 3, 1), "第&页数页 共&总页数页");
+    click(window, "cmdXPOK");
+    EXPECT_EQ(gHeaderText, codes) << "byte for byte";
+
+    headerfooter again(grid);
+    show(again);
+    const QList<QAction*> fields = control<QPushButton>(again, "cmdField").menu()->actions();
+    EXPECT_EQ(fields.size(), 6);
+    rightButton(again, 3, 2);
+    fields.at(1)->trigger();
+    EXPECT_EQ(text(again, 3, 2), "&页数&总页数") << "beside the page number";
+    EXPECT_TRUE(save(again).isEnabled());
+    spread(again).cursor().setActiveCell(1, 3);
+    fields.at(2)->trigger();
+    EXPECT_EQ(text(again, 1, 3), "&日期");
+    spread(again).cursor().setActiveCell(2, 3);
+    fields.at(2)->trigger();
+    EXPECT_EQ(text(again, 2, 3), "...") << "buttons take none";
+    click(again, "cmdXPOK");
+    EXPECT_EQ(gHeaderText, codes + plain + "/c&页数&总页数/n" + plain + "/l&日期/n");
 }
 
 TEST_F(HeaderFooter, TheFontButtonSetsTheCellToItsLeft)

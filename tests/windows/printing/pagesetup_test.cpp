@@ -98,6 +98,28 @@ TEST_F(PageSetup, EmptyMarginsStopOkAndOpenPlacesBecomeZero)
     EXPECT_EQ(stored().integer(0, "fDirection"), 0);
 }
 
+TEST_F(PageSetup, MarginsMustLeaveRoomForCells)
+{
+    ledger.run("update tblCWSelfReport set fTop=1,fBottom=1,fLeft=1,fRight=1,fDirection=1");
+    pagesetup window(grid);
+    show(window);
+    const spreadsheet::PrintSettings before = grid.print();
+    const struct {
+        const char *left, *right; // of a sheet that is 8.27 inches wide
+        bool fits;
+    } cases[] = {{"420", "420", false}, {"999", "000", false}, {"380", "390", true}};
+    for (const auto& [left, right, fits] : cases) {
+        ledger.boxes.said.clear();
+        type(window, "pagemargin_0", left);
+        type(window, "pagemargin_1", right);
+        click(window, "cmdXPOK");
+        EXPECT_EQ(window.isVisible(), !fits) << left;
+        EXPECT_EQ(ledger.boxes.said.size(), fits ? 0U : 1U) << left;
+        EXPECT_EQ(grid.print() == before, !fits) << left;
+        EXPECT_EQ(stored().number(0, "fLeft"), fits ? 3.8 : 1) << left;
+    }
+}
+
 TEST_F(PageSetup, FieldsRefuseWhatDoesNotFit)
 {
     pagesetup window(grid);

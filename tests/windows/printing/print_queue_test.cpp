@@ -110,12 +110,12 @@ TEST_F(PrintQueue, WhatIsNotThereIsTold)
         test::TestPrintServer server;
         printerSetup().printer = "不在了";
         EXPECT_EQ(printSheet(grid), PrintOutcome::failed);
-        EXPECT_EQ(said(), "找不到打印机“不在了”。");
+        EXPECT_EQ(said(), "找不到打印机“不在了”。\n是否打印到PDF文件?");
         server.stop();
         EXPECT_EQ(printSheet(grid), PrintOutcome::failed);
-        EXPECT_EQ(said(), "打印服务没有回答。");
+        EXPECT_EQ(said(), "打印服务没有回答。\n是否打印到PDF文件?");
         printerSetup().printer.clear(); // the usual one, if there is any
-        EXPECT_EQ(printSheet(grid), PrintOutcome::cancelled);
+        EXPECT_EQ(printSheet(grid), PrintOutcome::failed);
         EXPECT_EQ(said(), "没有可用的打印机,是否打印到PDF文件?");
         printerSetup().printer = "不在了";
     }
@@ -124,8 +124,8 @@ TEST_F(PrintQueue, WhatIsNotThereIsTold)
     QElapsedTimer timer;
     timer.start();
     EXPECT_EQ(printSheet(grid), PrintOutcome::failed);
-    EXPECT_LT(timer.elapsed(), 20'000);
-    EXPECT_NE(said(), "");
+    EXPECT_LT(timer.elapsed(), 2500) << "2 seconds and a slow machine";
+    EXPECT_EQ(said(), "打印服务没有回答。\n是否打印到PDF文件?");
     qunsetenv("CUPS_SERVER");
     EXPECT_EQ(grid.closed, 0);
 }

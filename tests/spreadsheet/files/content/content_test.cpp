@@ -86,7 +86,8 @@ void fillLaterFields(Workbook& workbook)
     workbook.setCountsFrom1904(true);
     workbook.sheet(1).changeSettings([](SheetSettings& settings) {
         settings.print.usedAreaOnly = false;
-        settings.print.fitWidth = settings.print.centredDown = settings.print.stamp = true;
+        settings.print.fitAcross = 1;
+        settings.print.centredDown = settings.print.stamp = true;
         settings.print.rowBreaks = {{4, true}, {9, true}};
         settings.print.columnBreaks = {{2, true}};
         const DropDownEntries kinds({"部门", "客户"});
@@ -333,6 +334,43 @@ static void fillVersion2(Workbook& workbook)
     style.left = {LineStyle::doubled, 0};
     style.top = {LineStyle::thick, 0};
     workbook.sheet(1).setStyle({7, 7}, style);
+}
+
+/// A print set-up that version 1 drops, one field a time and all together.
+const std::vector<std::pair<const char*, std::function<void(PrintSettings&)>>> printSetups{
+    {"repeated columns", [](PrintSettings& print) { print.titleLeft = 1, print.titleRight = 2; }},
+    {"a print area",
+     [](PrintSettings& print) {
+         print.area = {{1, 2, 3, 40}, {2, 30, 5, 60}};
+     }},
+    {"a scale", [](PrintSettings& print) { print.scale = 70; }},
+    {"pages across", [](PrintSettings& print) { print.fitAcross = 2; }},
+    {"one page", [](PrintSettings& print) { print.fitAcross = print.fitDown = 1; }},
+    {"pages down", [](PrintSettings& print) { print.fitDown = 3; }},
+    {"an order", [](PrintSettings& print) { print.downFirst = true; }},
+    {"a first page", [](PrintSettings& print) { print.firstPage = 12; }},
+    {"a paper", [](PrintSettings& print) { print.paperWidth = 10431, print.paperHeight = 14740; }},
+    {"a distance", [](PrintSettings& print) { print.textDistance = 0; }},
+};
+
+TEST(Content, PrintSetupsComeBackAndAskForVersion2)
+{
+    Workbook all;
+    const auto check = [](const Workbook& workbook, const char* what) {
+        const Bytes bytes = saveContent(workbook);
+        EXPECT_EQ(std::to_integer<int>(bytes[8]), 2) << what;
+        Workbook loaded;
+        loadContent(loaded, bytes);
+        EXPECT_EQ(loaded.sheet(1).settings().print, workbook.sheet(1).settings().print) << what;
+    };
+    for (const auto& [what, setUp] : printSetups) {
+        const auto change = [&, &setUp = setUp](SheetSettings& settings) { setUp(settings.print); };
+        Workbook workbook;
+        workbook.sheet(1).changeSettings(change);
+        all.sheet(1).changeSettings(change);
+        check(workbook, what);
+    }
+    check(all, "all");
 }
 
 TEST(Content, TheStoredSampleOfVersion2Opens)

@@ -89,7 +89,8 @@ TEST(HeaderCodes, ForeignTextsBecomeOurs)
         {"&C一\n二", plain + "/c一/n" + plain + "/c二/n", 0},
         {"&L&\"黑体,Bold Italic\"&14甲&U乙",
          "/fn\"黑体\"/fz\"14\"/fb1/fi1/fu0/fk0/l甲/fn\"黑体\"/fz\"14\"/fb1/fi1/fu1/fk0/l乙/n", 0},
-        {"&A && &D&N", plain + "/c表 & /n", 2},
+        {"&A && &D&N", plain + "/c&表名 & &日期&总页数/n", 0},
+        {"&&日期&Z", plain + "/c＆日期/n", 1},
         {"&CA/nB/", plain + "/cA／nB／/n", 0},
         {"&R&K01+000红", plain + "/r红/n", 0},
         {"&", plain + "/c&/n", 0},
@@ -97,7 +98,7 @@ TEST(HeaderCodes, ForeignTextsBecomeOurs)
     };
     for (const auto& c : cases) {
         Warnings warnings;
-        EXPECT_EQ(readForeignHeader(c.foreign, {"表", "宋体", 10}, warnings), c.own) << c.foreign;
+        EXPECT_EQ(readForeignHeader(c.foreign, {"宋体", 10}, warnings), c.own) << c.foreign;
         EXPECT_EQ(warnings.texts().size(), c.warnings) << c.foreign;
     }
 }
@@ -109,9 +110,10 @@ TEST(HeaderCodes, OursComeBack)
           "/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/l第/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/l/p/n",
           // "&P+1" would be the number of the next page
           "/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/c/p/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/c+1/n",
+          "/fn\"宋体\"/fz\"9\"/fb0/fi0/fu0/fk0/c共&总页数页 &日期&时间 &表名 &报表名/n",
           "/n/n/fn\"Arial\"/fz\"8\"/fb0/fi1/fu0/fk0/r2026/12/31/n"}) {
         Warnings warnings;
-        EXPECT_EQ(readForeignHeader(writeForeignHeader(codes), {"表", "宋体", 10}, warnings), codes);
+        EXPECT_EQ(readForeignHeader(writeForeignHeader(codes), {"宋体", 10}, warnings), codes);
     }
 }
 

@@ -41,6 +41,11 @@ TEST(Xls, RoundTripKeepsEverything)
 {
     Workbook workbook, found;
     fillSample(workbook);
+    workbook.sheet(2).changeSettings([](SheetSettings& settings) {
+        settings.print.titleLeft = 2;
+        settings.print.titleRight = 3;
+        settings.print.area = {{1, 1, 6, 20}, {8, 3, 9, 30}};
+    });
     Warnings warnings;
     const std::vector<std::byte> file = writeXls(workbook, warnings);
     EXPECT_THAT(warnings.texts(), testing::IsEmpty());

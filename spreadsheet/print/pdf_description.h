@@ -1,0 +1,12 @@
+#pragma once
+#include "spreadsheet/print/document_pages.h"
+#include "spreadsheet/print/PdfUpdate.h"
+
+namespace spreadsheet {
+
+/// Adds what a PDF says of itself: its properties, page labels and, with several sheets, an outline over
+/// them.
+/// @param sheets  in the order of the file's pages
+void describePdf(PdfUpdate& update, const PrintDocument& document, const std::vector<SheetPages>& sheets);
+
+} // namespace spreadsheet
