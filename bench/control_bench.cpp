@@ -113,7 +113,8 @@ Figures measure(Workbook& workbook)
         });
     int count = 0;
     figures.edit = milliseconds(settle, [&] {
-        workbook.sheet(1).setNumber({4, 20 + count % 5}, ++count);
+        ++count;
+        workbook.sheet(1).setNumber({4, 20 + count % 5}, count);
         control->afterEdit(CellAddress{4, 20});
         painted.wait();
     });

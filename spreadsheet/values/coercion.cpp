@@ -212,4 +212,12 @@ int compareValues(const Value& a, const Value& b)
     return a.textView() == b.textView() ? 0 : compareTexts(a.textView(), b.textView());
 }
 
+int compareSorted(const Value& a, const Value& b, bool descends)
+{
+    if (a.isEmpty() || b.isEmpty())
+        return a.isEmpty() - b.isEmpty();
+    const int order = a.isError() || b.isError() ? a.isError() - b.isError() : compareValues(a, b);
+    return descends ? -order : order;
+}
+
 } // namespace spreadsheet

@@ -32,4 +32,8 @@ std::optional<double> countedNumber(const Value& value);
 /// Numbers are equal but for noise in the last binary places. Empty equals 0, "" and FALSE. Not for errors.
 int compareValues(const Value& a, const Value& b);
 
+/// The same where lines are sorted: errors stand behind all values, alike among themselves, and empty cells
+/// last, whichever way it goes.
+int compareSorted(const Value& a, const Value& b, bool descends);
+
 } // namespace spreadsheet

@@ -186,9 +186,10 @@ TEST_F(ServerFaults, ASessionEndedByTheAdministrator)
 
 TEST_F(ServerFaults, AServerThatIsKilled)
 {
-    disturbActions(32, {[](RelayedAction&) { tds::killServer(); },
-                        [](RelayedAction&) { tds::startServerAgain(); },
-                        {"与数据库的连接已断开，请再试一次", "数据库文件不存在或读取错误!"}});
+    disturbActions(
+        32, {[](RelayedAction&) { tds::killServer(); },
+             [](RelayedAction&) { tds::startServerAgain(); },
+             {"与数据库的连接已断开，请再试一次", "数据库文件不存在或读取错误!", "项目类别“客户”没有查到"}});
 }
 
 /// Of what the server answers to a request nothing comes through; the user cancels.

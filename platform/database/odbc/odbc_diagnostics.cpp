@@ -94,6 +94,8 @@ std::string textsBehind(const std::string& ours, std::span<const OdbcRecord> rec
             continue;
         text += (text.empty() ? "" : "\n") + record.text;
     }
+    if (records.empty())
+        return connectionIsLost;
     return text.empty() ? ours : ours + "：" + text;
 }
 

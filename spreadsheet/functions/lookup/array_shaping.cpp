@@ -92,34 +92,6 @@ Operand filtered(Call& call)
     return call.given(2) ? call[2] : Operand(CellError::na);
 }
 
-/// Numbers, texts, truth values, errors; empty cells always come last.
-int sortRank(const Value& value)
-{
-    switch (value.kind()) {
-    case ValueKind::number:
-        return 0;
-    case ValueKind::text:
-        return 1;
-    case ValueKind::boolean:
-        return 2;
-    case ValueKind::error:
-        return 3;
-    case ValueKind::empty:
-        break;
-    }
-    return 4;
-}
-
-int sortOrder(const Value& a, const Value& b, bool descends)
-{
-    if (a.isEmpty() || b.isEmpty())
-        return a.isEmpty() - b.isEmpty();
-    int order = sortRank(a) - sortRank(b);
-    if (order == 0 && !a.isError())
-        order = compareValues(a, b);
-    return descends ? -order : order;
-}
-
 /// What lines are sorted by: a value for each line, and the direction.
 struct SortKey {
     std::vector<Value> values;
@@ -136,8 +108,8 @@ std::vector<int> sortedLines(Call& call, int count, const std::vector<SortKey>& 
     std::vector<int> order = countedFrom0(count);
     std::ranges::stable_sort(order, [&](int a, int b) {
         for (const SortKey& key : keys) {
-            const int compared = sortOrder(key.values[static_cast<std::size_t>(a)],
-                                           key.values[static_cast<std::size_t>(b)], key.descends);
+            const int compared = compareSorted(key.values[static_cast<std::size_t>(a)],
+                                               key.values[static_cast<std::size_t>(b)], key.descends);
             if (compared != 0)
                 return compared < 0;
         }
@@ -229,7 +201,7 @@ Operand unique(Call& call)
         for (int place = 0; place < lines.length(); ++place) {
             const Value& left = lines.at(a, place);
             const Value& right = lines.at(b, place);
-            if (sortOrder(left, right, false) != 0 || (left.isError() && !(left == right)))
+            if (compareSorted(left, right, false) != 0 || (left.isError() && !(left == right)))
                 return false;
         }
         return true;

@@ -12,34 +12,6 @@ namespace spreadsheet {
 
 namespace {
 
-/// Numbers, texts, truth values, errors, empty cells.
-int rankOf(const Value& value)
-{
-    switch (value.kind()) {
-    case ValueKind::number:
-        return 0;
-    case ValueKind::text:
-        return 1;
-    case ValueKind::boolean:
-        return 2;
-    case ValueKind::error:
-        return 3;
-    case ValueKind::empty:
-        break;
-    }
-    return 4;
-}
-
-int compared(const Value& a, const Value& b)
-{
-    const int rank = rankOf(a);
-    if (rank != rankOf(b))
-        return rank < rankOf(b) ? -1 : 1;
-    if (a.isError())
-        return static_cast<int>(a.error()) - static_cast<int>(b.error());
-    return compareValues(a, b);
-}
-
 /// The rows of a block (from 0) in their new order.
 std::vector<int> sortedRows(const Sheet& sheet, const CellRange& rows, const std::vector<SortKey>& keys)
 {
@@ -55,11 +27,8 @@ std::vector<int> sortedRows(const Sheet& sheet, const CellRange& rows, const std
         for (std::size_t key = 0; key < keys.size(); ++key) {
             const Value& first = values[key][static_cast<std::size_t>(a)];
             const Value& second = values[key][static_cast<std::size_t>(b)];
-            const int result = compared(first, second);
-            if (result == 0)
-                continue;
-            const bool eitherEmpty = first.isEmpty() || second.isEmpty();
-            return keys[key].descending && !eitherEmpty ? result > 0 : result < 0;
+            if (const int result = compareSorted(first, second, keys[key].descending))
+                return result < 0;
         }
         return false;
     });
