@@ -32,8 +32,6 @@ double factorOf(const AcctKind& kind, const Account& child, const Account& above
     return isSigned ? child.direction * above.direction : 1;
 }
 
-constexpr double leastDifference = 0.005;
-
 } // namespace
 
 std::string PartsWay::text() const

@@ -14,6 +14,8 @@ namespace selfreport {
 
 class Connection;
 
+inline constexpr double leastDifference = 0.005; ///< that is told: half a fen
+
 /// What an amount of the ledger can be taken apart by.
 enum class PartsBy {
     accounts,    ///< of a range or pattern: the topmost matched ones that have rows

@@ -6,6 +6,7 @@
 #include "fetch/frmEditor1.h"
 #include "fetch/ledger_query.h"
 #include "fetch/quoted_text.h"
+#include "fetch/referenced_place.h"
 #include "platform/database/dialect/sql_text.h"
 #include "spreadsheet/values/number_text.h"
 #include "text/ascii.h"
@@ -97,6 +98,17 @@ std::optional<std::vector<std::byte>> fetchedContent(std::unique_ptr<Connection>
         connection, [report](Connection& open) { return storedContent(open, report); });
 }
 
+std::optional<spreadsheet::CallPlace> referencedPlace(const spreadsheet::Workbook& workbook,
+                                                      const ReportReference& reference)
+{
+    const ReferencedCell cell = parseReferencedCell(reference.cell);
+    const int index = namedSheet(workbook, reference.sheetTab).value_or(workbook.activeSheet());
+    const spreadsheet::SheetSettings& settings = workbook.sheet(index).settings();
+    if (!cell.row || *cell.row < 1 || *cell.row > settings.rowCount || cell.column > settings.columnCount)
+        return std::nullopt;
+    return spreadsheet::CallPlace{index, cell.column, static_cast<int>(*cell.row)};
+}
+
 ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& reference,
                                    const ReportProblem& problem)
 {
@@ -114,18 +126,14 @@ ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& re
         return answer;
     }
     const spreadsheet::Workbook& workbook = hidden.fps1;
-    const std::optional<int> named = namedSheet(workbook, reference.sheetTab);
-    const int index = named.value_or(workbook.activeSheet());
-    const spreadsheet::Sheet& sheet = workbook.sheet(index);
-    if (*cell.row >= 1 && *cell.row <= sheet.settings().rowCount &&
-        cell.column <= sheet.settings().columnCount) {
-        const int row = static_cast<int>(*cell.row);
-        answer.text = sheet.textByType({cell.column, row});
-        answer.doubtful = hidden.doubtfulBehind({index, cell.column, row});
-        answer.state = std::max(answer.state, hidden.plainStateOf({index, cell.column, row}));
+    if (const auto place = referencedPlace(workbook, reference)) {
+        answer.text = workbook.sheet(place->sheet).textByType({place->column, place->row});
+        answer.doubtful = hidden.doubtfulBehind(*place);
+        answer.state = std::max(answer.state, hidden.plainStateOf(*place));
     }
     if (!isSilent)
         return answer;
+    const bool named = namedSheet(workbook, reference.sheetTab).has_value();
     if (!cell.columnIsNamed)
         answer.reason = "单元格名称" + quoted(reference.cell) + "读不出列，按第1列取数";
     else if (!named && !reference.sheetTab.empty())

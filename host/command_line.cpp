@@ -63,6 +63,13 @@ constexpr auto proveHelp =
   selfreport prove --db demo.db
   selfreport prove --db demo.db --year 2025 --json > 自检.json)";
 
+constexpr auto explainHelp = R"(把单元格的数拆成取数,再逐级拆成科目、核算项目、期间和凭证,每级都加回来核对:
+合计与上一级不等时列出差额,退出码为 1。
+示例:
+  selfreport explain 1 D5 --db demo.db
+  selfreport explain 1 '资产负债表!D5' --depth 1 --json --db demo.db
+      只列取数,写成 JSON。)";
+
 constexpr auto convertHelp = R"(
 不能保留的内容逐条列在标准错误上。已有的文件在全部写好之后才被替换; 失败时原样保留。
 示例:
@@ -136,6 +143,8 @@ std::string reasonOf(const CLI::ParseError& error)
         return "缺少 " + text.substr(0, text.find(" is required"));
     if (dynamic_cast<const CLI::ConversionError*>(&error))
         return "不是有效的值: " + named;
+    if (dynamic_cast<const CLI::ValidationError*>(&error))
+        return "不在允许的范围: " + text.substr(0, text.find(':'));
     if (dynamic_cast<const CLI::ExtrasError*>(&error))
         return "不认识: " + named;
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error))
@@ -233,6 +242,18 @@ Command readCommandLine(int count, const char* const* arguments)
     proveCommand->add_option("--year", prove.year, "只查一年")->type_name("Y");
     proveCommand->add_flag("--json", prove.asJson, "写成 JSON");
 
+    ExplainCommand explain;
+    CLI::App* explainCommand = addCommand(app, "explain", "联查: 一个数是由哪些数组成的", explainHelp);
+    explainCommand->add_option("ID", explain.reportId, "报表编号,见 list")->required()->type_name("");
+    explainCommand->add_option("CELL", explain.cell, "单元格: Sheet1!B7,或第一个表页的 B7")
+        ->required()
+        ->type_name("");
+    addDatabase(explainCommand, explain.database);
+    explainCommand->add_option("--depth", explain.depth, "展开几级 (1 到 9,不给时 3)")
+        ->check(CLI::Range(1, 9))
+        ->type_name("N");
+    explainCommand->add_flag("--json", explain.asJson, "写成 JSON");
+
     ConvertCommand convert;
     const CLI::App* convertCommand = addConvertCommand(app, convert);
 
@@ -255,6 +276,8 @@ Command readCommandLine(int count, const char* const* arguments)
         return check;
     if (proveCommand->parsed())
         return prove;
+    if (explainCommand->parsed())
+        return explain;
     if (convertCommand->parsed())
         return convert;
     if (functionsCommand->parsed())

@@ -28,6 +28,13 @@ struct ProveCommand {
     int year = 0; ///< 0: all
     bool asJson = false;
 };
+struct ExplainCommand {
+    std::string database;
+    std::int32_t reportId = 0;
+    std::string cell; ///< "Sheet1!B7"
+    int depth = 3;
+    bool asJson = false;
+};
 struct ConvertCommand {
     std::string input, output;
     bool recalculates = false;
@@ -43,7 +50,7 @@ struct Finished {
 };
 
 using Command = std::variant<Finished, WindowCommand, DemoCommand, ListCommand, RunCommand, CheckCommand,
-                             ProveCommand, ConvertCommand, FunctionsCommand>;
+                             ProveCommand, ExplainCommand, ConvertCommand, FunctionsCommand>;
 
 /// Reads the command line. Prints help to standard output and refusals to standard error.
 Command readCommandLine(int count, const char* const* arguments);

@@ -24,6 +24,11 @@ struct Carry {
     {
         return toolProve(prove.database, prove.year, prove.asJson, streams);
     }
+    int operator()(const ExplainCommand& explain) const
+    {
+        return toolExplain(explain.database, explain.reportId, explain.cell, explain.depth, explain.asJson,
+                           streams);
+    }
     int operator()(const FunctionsCommand&) const { return toolFunctions(streams); }
     int operator()(const ConvertCommand& convert) const
     {

@@ -83,6 +83,8 @@ ReportRun runReport(const std::string& connectionString, std::int32_t id, const 
     evaluation.setFetchesShared(options.fetchesShared);
     evaluation.startRun();
     run.diagnostics = evaluation.diagnostics();
+    if (options.computed)
+        options.computed(run, evaluation.record(), database);
     return run;
 }
 

@@ -14,6 +14,8 @@
 namespace selfreport {
 
 class Connection;
+class DatabaseAccess;
+class RunRecord;
 
 /// A report cannot be listed or run; what() is one Chinese sentence that names the thing (the database, the
 /// report's id, what is damaged). It never holds a password.
@@ -34,6 +36,8 @@ struct RunOptions {
     bool fetchesShared = true;
     /// Told what goes on, in Chinese, before each longer step.
     std::function<void(std::string_view)> progress{};
+    /// Told what the calculation fetched, at its end.
+    std::function<void(const ReportRun&, const RunRecord&, DatabaseAccess&)> computed{};
 };
 
 /// Opens a database, so that what is wrong with it is told by name. @throws ReportRunError

@@ -5,6 +5,8 @@
 #include "demo/demo_check.h"
 #include "demo/demo_reports.h"
 #include "demo/ledger/demo_ledger.h"
+#include "explain/drill_text.h"
+#include "explain/explain_figure.h"
 #include "explain/ledger_proof.h"
 #include "explain/proof_text.h"
 #include "platform/database/Connection.h"
@@ -224,6 +226,22 @@ int toolProve(const std::string& database, int year, bool asJson, const ToolStre
         streams.results << (asJson ? proofJson(proof) : proofText(proof));
         if (proof.faults() > 0)
             throw ReportRunError(proofSummary(proof));
+    });
+}
+
+int toolExplain(const std::string& database, std::int32_t reportId, const std::string& cell, int depth,
+                bool asJson, const ToolStreams& streams) noexcept
+{
+    return command(streams, [&] {
+        QtSettings settings;
+        const SettingsInUse settingsInUse(settings);
+        const Explained explained =
+            explainFigure(connectionString(database), reportId, cell, depth,
+                          [&](std::string_view what) { streams.notes << what << " …" << std::endl; });
+        streams.results << (asJson ? drillJson(explained.head, explained.root)
+                                   : drillText(explained.head, explained.root));
+        if (const std::string fault = firstFault(explained.root); !fault.empty())
+            throw ReportRunError(fault);
     });
 }
 

@@ -51,6 +51,14 @@ int toolCheck(const std::string& database, const ToolStreams& streams) noexcept;
 /// @param asJson  one JSON object instead of lines
 int toolProve(const std::string& database, int year, bool asJson, const ToolStreams& streams) noexcept;
 
+/// Takes a figure of a stored report apart, into the calls of its formula and what the ledger has behind
+/// them, and holds the sum of each level against the one above. 1 also if a sum differs or a part is not
+/// known.
+/// @param cell   "Sheet1!B7"; without a sheet one of the first
+/// @param depth  levels, from 1
+int toolExplain(const std::string& database, std::int32_t reportId, const std::string& cell, int depth,
+                bool asJson, const ToolStreams& streams) noexcept;
+
 /// Opens the program's window on a database and returns when it is closed.
 /// @param database  "": the user is asked for the file of an embedded database
 int toolWindow(const std::string& database, const ToolStreams& streams) noexcept;

@@ -11,7 +11,8 @@
 
 namespace selfreport::test {
 
-/// The demo company with its reports in a file of the test's own. It is made once; each test has a copy.
+/// A smaller demo company with its reports in a file of the test's own. It is made once; each test has a
+/// copy.
 class ExplainedDemo {
 public:
     ExplainedDemo()
@@ -43,7 +44,8 @@ private:
         Template()
             : file(freshFile())
         {
-            createDemoLedger(file.string());
+            createDemoLedger(file.string(),
+                             {.customers = 12, .suppliers = 6, .goods = 10, .salesPerPeriod = 60});
             storeDemoReports(fileConnectionString(file.string()));
             closeIdleSessions();
         }

@@ -97,6 +97,28 @@ TEST_F(Reports, TheLedgerIsProvedAndWhatIsWrongIsPlaced)
     EXPECT_THAT(other.output, StartsWith("{\"faults\":0,"));
 }
 
+TEST_F(Reports, AFigureIsExplainedAndACentThatIsTooMuchShows)
+{
+    const ProgramRun explained("explain 1 D5 --depth 4 --db " + demo()); // 货币资金
+    EXPECT_EQ(explained.exitCode, 0) << explained.output << explained.errors;
+    EXPECT_THAT(explained.output, AllOf(HasSubstr("1001:1012"), HasSubstr("1002 银行存款"),
+                                        HasSubstr("100201 "), HasSubstr("\n差额\t0.00\n")));
+    const TestFolder folder;
+    std::filesystem::copy_file(demo(), folder.file("wrong.db"));
+    change(folder.file("wrong.db"),
+           "update tblAccountBal set fEndBal=fEndBal+0.01 where fYear=2025 and fPeriod=12 "
+           "and fDetailId=0 and fCurrencyid=1 and faccountid=(select fitemid from "
+           "tblAccount where fNumber='100201')");
+    const ProgramRun wrong("explain 1 D5 --depth 4 --json --db " + folder.file("wrong.db"));
+    EXPECT_EQ(wrong.exitCode, 1);
+    EXPECT_THAT(wrong.output, HasSubstr("\"difference\":-0.01"));
+    EXPECT_THAT(wrong.errors, HasSubstr("差额"));
+    for (const char* arguments : {"explain 1 --db x", "explain 1 D5", "explain 1 D5 --depth 0 --db x",
+                                  "explain 1 D5 --depth x --db x", "prove", "prove --year x --db x"})
+        EXPECT_EQ(ProgramRun(arguments).exitCode, 2) << arguments;
+    EXPECT_EQ(ProgramRun("explain 1 D5000000 --db " + demo()).exitCode, 1);
+}
+
 TEST_F(Reports, WithoutFilesTheCellsGoToStandardOutput)
 {
     const TestFolder folder;

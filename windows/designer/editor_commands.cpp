@@ -202,6 +202,7 @@ constexpr EditorCommand optionCommands[] = {
     separator,
     {"MenuDiagnostics", "取数诊断", [](Window w) { w.formulas().showDiagnostics(); }},
     {"MenuCoverage", "覆盖检查", [](Window w) { w.showCoverage(); }},
+    {"MenuDrill", "联查", [](Window w) { w.showDrill(); }, "Ctrl+["},
     {"MenuProve", "账套自检…", [](Window w) { w.showProof(); }},
     separator,
     {.addsMore = [](Window w, QMenu& menu) { w.addPreferences(menu); }},

@@ -12,6 +12,7 @@
 #include "windows/designer/FormulaBox.h"
 #include "windows/designer/frmFind.h"
 #include "windows/designer/frmTableInfo.h"
+#include "windows/explain/frmDrill.h"
 #include "windows/explain/frmProve.h"
 #include "windows/formatting/cell_commands.h"
 #include "windows/formatting/FormatPainter.h"
@@ -28,6 +29,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QTimer>
 
 #include <algorithm>
@@ -62,6 +64,7 @@ frmEditor::frmEditor(ReportContext& context, QWidget* parent)
     connectGrid();
     initForm();
     openReport();
+    m_fps1->installEventFilter(this);
     m_fps1->setFocus();
     openOnScreen(*this);
 }
@@ -227,9 +230,37 @@ void frmEditor::showCoverage()
     window->check();
 }
 
+/// It stays open while cells are looked at.
+void frmEditor::showDrill()
+{
+    auto* window = findChild<frmDrill*>();
+    if (!window)
+        window = new frmDrill(m_context, *m_fps1, this);
+    window->explain(m_txtReportName->text().toStdString(), m_formulas->evaluation().record());
+    window->show();
+    window->activateWindow();
+}
+
 void frmEditor::showProof()
 {
     frmProve(m_context, this).exec();
+}
+
+/// In use there is nothing to type into a figure: a double click asks where it comes from.
+bool frmEditor::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::MouseButtonDblClick && m_context.report.isRun) {
+        const auto* click = static_cast<const QMouseEvent*>(event);
+        const auto cell = m_fps1->cellAt(click->position().toPoint());
+        const spreadsheet::Sheet& sheet = m_fps1->cells().shownSheet();
+        if (cell && click->button() == Qt::LeftButton && sheet.hasFormula(*cell) &&
+            m_fps1->editRefusal(sheet.extent(*cell))) {
+            finishOpening();
+            showDrill();
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 // Cells

@@ -67,6 +67,7 @@ public:
     void find(bool replacing);
     void sortSelection(bool descending); ///< by the active cell's column
     void showCoverage();
+    void showDrill(); ///< what the active cell's figure is made of
     void showProof(); ///< whether the ledger is sound
 
     /// What opening for use ends with, once the window is seen: the recalculation. Commands that come earlier
@@ -89,6 +90,7 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     class EditorGrid;

@@ -193,6 +193,7 @@ QMenu* frmEditor::newPopup(const EditorMenu& menu)
     popup->setObjectName("MenuPopup");
     for (const char* name : {"MenuCut", "MenuCopy", "MenuPaste"})
         popup->addAction(findChild<QAction*>(name));
+    popup->addAction(findChild<QAction*>("MenuDrill"));
     popup->addSeparator();
     QMenu* group = popup;
     for (const EditorCommand& command : menu.commands) {

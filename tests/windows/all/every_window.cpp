@@ -9,10 +9,12 @@
 #include "tests/windows/formulas/RecordingCell.h"
 #include "tool/frmHost.h"
 #include "tool/frmRunParameters.h"
+#include "windows/designer/EditorFormulas.h"
 #include "windows/designer/frmEditor.h"
 #include "windows/designer/frmFind.h"
 #include "windows/designer/frmGoTo.h"
 #include "windows/designer/frmTableInfo.h"
+#include "windows/explain/frmDrill.h"
 #include "windows/explain/frmProve.h"
 #include "windows/formatting/frmBorders.h"
 #include "windows/formatting/frmButtonCaption.h"
@@ -118,6 +120,17 @@ struct EveryWindow::Ground {
         return window;
     }
 
+    /// Of the first figure of the report.
+    std::unique_ptr<QWidget> drill()
+    {
+        frmEditor& editor = openReport();
+        editor.finishOpening();
+        editor.fps1().cursor().moveTo({4, 5});
+        auto window = std::make_unique<frmDrill>(sharedContext, editor.fps1());
+        window->explain("资产负债表", editor.formulas().evaluation().record());
+        return window;
+    }
+
     std::unique_ptr<QWidget> filledHeaders()
     {
         gHeaderText =
@@ -173,6 +186,7 @@ std::vector<ShownWindow> EveryWindow::windows()
         {"clsAccountChooser-search", [] { return accountChooser("yh"); }},
         {"clsItemChooser", [] { return itemChooser(); }},
         {"frmCoverage", [&on] { return on.coverage(); }},
+        {"frmDrill", [&on] { return on.drill(); }},
         {"frmProve", [] { return std::make_unique<frmProve>(sharedContext); }},
         {"frmPreview", [&on] { return on.overReport<frmPreview>(); }},
         {"PrintDlg", [&on] { return on.overReport<PrintDlg>(); }},

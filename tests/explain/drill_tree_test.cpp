@@ -1,0 +1,149 @@
+// Every figure of the demo reports opens into what it is made of, down to the ledger, with a difference of
+// 0.00.
+#include "explain/explain_figure.h"
+
+#include "access/DatabaseAccess.h"
+#include "explain/drill_text.h"
+#include "fetch/RunRecord.h"
+#include "reports/report_run.h"
+#include "spreadsheet/workbook/Workbook.h"
+#include "tests/explain/ExplainedDemo.h"
+
+#include <cmath>
+#include <gmock/gmock.h>
+
+namespace selfreport {
+namespace {
+
+using spreadsheet::CallPlace;
+using ::testing::HasSubstr;
+
+/// All cells with formulas that give numbers.
+std::vector<CallPlace> figuresOf(const spreadsheet::Workbook& workbook)
+{
+    std::vector<CallPlace> cells;
+    for (int index = 1; index <= workbook.sheetCount(); ++index) {
+        const spreadsheet::Sheet& sheet = workbook.sheet(index);
+        for (int column = 1; column <= sheet.lastDataColumn(); ++column)
+            for (int row = 1; row <= sheet.lastDataRow(); ++row)
+                if (sheet.hasFormula({column, row}) && sheet.value({column, row}).isNumber())
+                    cells.push_back({index, column, row});
+    }
+    return cells;
+}
+
+void withReport(const test::ExplainedDemo& demo, std::int32_t id,
+                const std::function<void(const ReportRun&, const RunRecord&, DatabaseAccess&)>& work)
+{
+    RunOptions options;
+    options.computed = work;
+    runReport(demo.connectionString(), id, options);
+}
+
+TEST(DrillTree, EveryFigureOfTheDemoReportsIsTheSumOfItsParts)
+{
+    const test::ExplainedDemo demo;
+    int figures = 0, sums = 0, opened = 0;
+    for (std::int32_t id = 1; id <= 6; ++id)
+        withReport(demo, id, [&](const ReportRun& run, const RunRecord& record, DatabaseAccess& database) {
+            for (const CallPlace& cell : figuresOf(*run.workbook)) {
+                DrillTree tree(run.name, *run.workbook, record, cell);
+                ++figures;
+                sums += tree.root().sum ? 1 : 0;
+                EXPECT_EQ(firstFault(tree.root()), "") << run.name << ' ' << tree.head().cell;
+                if (figures % 20 != 0)
+                    continue;
+                openLevels(tree, tree.root(), database, 3);
+                EXPECT_EQ(firstFault(tree.root()), "") << run.name << ' ' << tree.head().cell;
+                EXPECT_FALSE(tree.head().ledgerHasChanged) << run.name << ' ' << tree.head().cell;
+                opened += tree.root().parts.empty() || !tree.root().parts.front().isOpen ? 0 : 1;
+            }
+        });
+    EXPECT_GT(figures, 800);
+    EXPECT_GT(sums, figures * 9 / 10) << "of " << figures;
+    EXPECT_GT(opened, 20);
+    RecordProperty("figures", figures);
+    RecordProperty("sums", sums);
+}
+
+/// A reading of another report opens into that report's cell.
+TEST(DrillTree, AReadingOfAnotherReportOpensIntoItsCell)
+{
+    const test::ExplainedDemo demo;
+    int readings = 0;
+    for (std::int32_t id = 1; id <= 6; ++id)
+        withReport(demo, id, [&](const ReportRun& run, const RunRecord& record, DatabaseAccess& database) {
+            for (const CallPlace& cell : figuresOf(*run.workbook)) {
+                DrillTree tree(run.name, *run.workbook, record, cell);
+                const bool reads = !tree.root().parts.empty() && tree.root().parts.front().reference;
+                if (!reads || readings >= 10)
+                    continue;
+                ++readings;
+                DrillNode& reading = tree.root().parts.front();
+                tree.open(reading, database);
+                EXPECT_EQ(firstFault(reading), "") << tree.head().cell;
+                ASSERT_FALSE(reading.parts.empty());
+                EXPECT_EQ(reading.parts.front().report, reading.reference->report);
+                EXPECT_TRUE(reading.sum) << tree.head().cell;
+            }
+        });
+    EXPECT_GE(readings, 3);
+}
+
+class ExplainCommand : public ::testing::Test {
+protected:
+    void fault(const std::string& cell, const char* wanted)
+    {
+        try {
+            explainFigure(demo.connectionString(), 1, cell, 1);
+            ADD_FAILURE() << cell;
+        } catch (const ReportRunError& error) {
+            EXPECT_THAT(error.what(), HasSubstr(wanted));
+        }
+    }
+    test::ExplainedDemo demo;
+};
+
+TEST_F(ExplainCommand, RefusesWhatIsNoCell)
+{
+    fault("没有!B7", "没有名为“没有”的表页");
+    fault("Sheet1!", "没有");
+    fault("7B", "没有单元格");
+    fault("", "没有单元格");
+    fault("XFE1", "没有单元格");
+}
+
+TEST_F(ExplainCommand, WritesOneRowALineWhateverTheNames)
+{
+    demo.open()->execute("update tblAccount set fName='长\n名\t\"称\\' where fLevel=2");
+    const auto explained = [&] {
+        std::optional<Explained> found;
+        withReport(demo, 1, [&](const ReportRun& run, const RunRecord& record, DatabaseAccess& database) {
+            const CallPlace cell = figuresOf(*run.workbook).front();
+            DrillTree tree(run.name, *run.workbook, record, cell);
+            openLevels(tree, tree.root(), database, 3);
+            found = {tree.head(), tree.root()};
+        });
+        return std::move(*found);
+    }();
+    const std::string text = drillText(explained.head, explained.root);
+    EXPECT_THAT(text, HasSubstr("长 名 \"称\\"));
+    EXPECT_THAT(text, HasSubstr("\n差额\t0.00\n"));
+    EXPECT_THAT(drillJson(explained.head, explained.root), HasSubstr("长\\u000a名\\u0009\\\"称\\\\"));
+}
+
+TEST_F(ExplainCommand, TellsThatTheLedgerHasChangedSince)
+{
+    withReport(demo, 1, [&](const ReportRun& run, const RunRecord& record, DatabaseAccess& database) {
+        DrillTree tree(run.name, *run.workbook, record, figuresOf(*run.workbook).front());
+        demo.open()->execute(
+            "update tblAccountBal set fBeginBal=fBeginBal+1,fEndBal=fEndBal+1 where fDetailId=0");
+        openLevels(tree, tree.root(), database, 2);
+        EXPECT_TRUE(tree.head().ledgerHasChanged);
+        EXPECT_THAT(tree.root().parts.front().remark, HasSubstr("账已变动"));
+        EXPECT_THAT(drillText(tree.head(), tree.root()), HasSubstr("账已变动"));
+    });
+}
+
+} // namespace
+} // namespace selfreport

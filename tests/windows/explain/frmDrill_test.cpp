@@ -1,0 +1,170 @@
+// 联查 as a user drives it from the designer: by keys, by the mouse, by the menu.
+#include "windows/explain/frmDrill.h"
+
+#include "platform/services/FileDialog.h"
+#include "spreadsheet/files/FileFormats.h"
+#include "spreadsheet/view/SpreadsheetControl.h"
+#include "tests/windows/designer/DesignerTest.h"
+
+#include <gmock/gmock.h>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QTreeWidget>
+
+namespace selfreport {
+namespace {
+
+using ::testing::HasSubstr;
+
+class Drill : public test::DesignerTest {
+protected:
+    void openForUse()
+    {
+        storeReport();
+        gRunMode = true;
+        open();
+        QApplication::processEvents(); // the recalculation that follows the first frame
+        QApplication::processEvents();
+    }
+    frmDrill* drill() { return window->findChild<frmDrill*>(); }
+    QTreeWidget& tree() { return control<QTreeWidget>(*drill(), "tree"); }
+    std::string label(const char* name) { return control<QLabel>(*drill(), name).text().toStdString(); }
+    std::string current() { return tree().currentItem()->text(0).toStdString(); }
+    /// "项目 系数 金额" of the rows below one.
+    static std::vector<std::string> rowsOf(const QTreeWidgetItem& above)
+    {
+        std::vector<std::string> rows;
+        for (int at = 0; at < above.childCount(); ++at) {
+            const QTreeWidgetItem& row = *above.child(at);
+            rows.push_back((row.text(0) + " " + row.text(2) + " " + row.text(3)).toStdString());
+        }
+        return rows;
+    }
+};
+
+TEST_F(Drill, IsWalkedByKeysFromTheCellToTheMovementAndBack)
+{
+    openForUse();
+    moveTo(1, 2); // A1*2
+    QTest::keyClick(&grid(), Qt::Key_BracketLeft, Qt::ControlModifier);
+    ASSERT_TRUE(drill() && drill()->isVisible());
+    EXPECT_THAT(label("lblHead"),
+                ::testing::AllOf(HasSubstr("Sheet1!A2"), HasSubstr("=A1*2"), HasSubstr("200.5")));
+    EXPECT_EQ(label("lblFoot"), "合计：200.50    单元格：200.50    差额：0.00");
+    EXPECT_THAT(rowsOf(*tree().invisibleRootItem()), ::testing::ElementsAre("1001 2 100.25"));
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    EXPECT_THAT(rowsOf(*tree().topLevelItem(0)),
+                ::testing::ElementsAre("期初余额  75.25", "借方发生额  25.00", "贷方发生额 -1 0.00"));
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    EXPECT_EQ(current(), "期初余额");
+    QTest::keyClick(drill(), Qt::Key_Escape);
+    EXPECT_TRUE(drill()->isVisible()) << "Esc leads to the first level before it closes";
+    EXPECT_EQ(current(), "1001");
+    QTest::keyClick(&tree(), Qt::Key_Left);
+    EXPECT_FALSE(tree().topLevelItem(0)->isExpanded());
+    QTest::keyClick(&tree(), Qt::Key_Return);
+    EXPECT_EQ(grid().cursor().activeCell().row, 1) << "the call is written in A1";
+    QTest::keyClick(drill(), Qt::Key_Escape);
+    EXPECT_FALSE(drill()->isVisible());
+    EXPECT_TRUE(window->isVisible()) << "only this window is closed";
+    trigger("MenuDrill");
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    drill()->close();
+    EXPECT_FALSE(drill()->isVisible()) << "the close box closes from any row";
+}
+
+TEST_F(Drill, OpensByADoubleClickWhereTheCellWasOnlySaidToBeLocked)
+{
+    openForUse();
+    const QPoint place = grid().cellRect({1, 1}).center();
+    QTest::mouseClick(&grid(), Qt::LeftButton, {}, place);
+    QTest::mouseDClick(&grid(), Qt::LeftButton, {}, place);
+    ASSERT_TRUE(drill() && drill()->isVisible());
+    EXPECT_THAT(label("lblHead"), HasSubstr("Sheet1!A1"));
+    drill()->hide();
+    QTest::mouseDClick(&grid(), Qt::LeftButton, {}, grid().cellRect({2, 1}).center());
+    EXPECT_FALSE(drill()->isVisible()) << "a text is no figure";
+}
+
+TEST_F(Drill, ShowsWhatDoesNotAddUpInRedAndThatTheLedgerHasChanged)
+{
+    openForUse();
+    moveTo(1, 1);
+    ledger.run("update tblAccountBal set fEndBal=fEndBal+0.01 where faccountid=1 and fPeriod=2");
+    trigger("MenuDrill");
+    EXPECT_EQ(label("lblFoot"), "合计：100.25    单元格：100.25    差额：0.00") << "of the calculation";
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    const QTreeWidgetItem& call = *tree().topLevelItem(0);
+    ASSERT_EQ(call.childCount(), 4);
+    EXPECT_EQ(call.child(3)->text(0), "差额");
+    EXPECT_EQ(call.child(3)->text(3), "0.01");
+    EXPECT_EQ(call.child(3)->foreground(3).color(), QColor(Qt::red));
+    EXPECT_THAT(label("lblHead"), HasSubstr("账已变动"));
+    EXPECT_THAT(call.text(1).toStdString(), HasSubstr("现为 100.26"));
+}
+
+TEST_F(Drill, ABranchThatFailsSaysSoAndTheTreeStays)
+{
+    openForUse();
+    moveTo(1, 2);
+    trigger("MenuDrill");
+    ledger.run("alter table tblAccountBal rename to gone");
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    ASSERT_EQ(tree().topLevelItemCount(), 1);
+    ASSERT_EQ(tree().topLevelItem(0)->childCount(), 1);
+    EXPECT_EQ(tree().topLevelItem(0)->child(0)->foreground(0).color(), QColor(Qt::red));
+    ledger.run("alter table gone rename to tblAccountBal");
+}
+
+TEST_F(Drill, VouchersComeInPages)
+{
+    ledger.run("insert into tblVoucher values(1,2025,2,'2025-02-05','记-1','很多行',0)");
+    for (int line = 1; line <= 250; ++line)
+        ledger.run("insert into tblVoucherEntry values(1," + std::to_string(line) +
+                   ",1,0,1,0.1,0.1,0,0,0,0)");
+    openForUse();
+    moveTo(1, 1);
+    trigger("MenuDrill");
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    auto& ways = control<QComboBox>(*drill(), "cboWay");
+    ASSERT_EQ(ways.count(), 2);
+    ways.setCurrentIndex(1);
+    Q_EMIT ways.activated(1);
+    QTreeWidgetItem& call = *tree().topLevelItem(0);
+    ASSERT_EQ(call.childCount(), 202) << "opening, 200 lines, the next page";
+    EXPECT_EQ(call.child(201)->text(0), "下一页（第 2 页，共 2 页）");
+    tree().setCurrentItem(call.child(201));
+    QTest::keyClick(&tree(), Qt::Key_Return);
+    EXPECT_EQ(call.childCount(), 52) << "opening, 50 lines, the page before";
+}
+
+TEST_F(Drill, GoesOutAsAnExcelFile)
+{
+    openForUse();
+    moveTo(1, 2);
+    trigger("MenuDrill");
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    const std::string file = folder.filePath("联查.xlsx").toStdString();
+    struct Chosen : FileDialog {
+        explicit Chosen(std::string chosen)
+            : path(std::move(chosen))
+        {
+        }
+        std::optional<std::string> chooseToOpen(const FileDialogSettings&) override { return {}; }
+        std::optional<std::string> chooseToSave(const FileDialogSettings&) override { return path; }
+        std::string path;
+    } chosen(file);
+    const FileDialogInUse inUse(chosen);
+    control<QPushButton>(*drill(), "cmdExport").click();
+    spreadsheet::Workbook read;
+    spreadsheet::loadWorkbook(read, file);
+    std::string items;
+    for (int row = 1; row <= 12; ++row)
+        items += read.sheet(1).displayText({2, row}) + "|";
+    EXPECT_THAT(items, HasSubstr("1001|期初余额|借方发生额|贷方发生额|合计|单元格|差额|"));
+}
+
+} // namespace
+} // namespace selfreport
