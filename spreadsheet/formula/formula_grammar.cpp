@@ -201,9 +201,12 @@ private:
         m_expectOperand = true;
     }
 
+    /// An operator waits for its operand, so what is left out is not an argument.
+    bool isOperandDue() const { return m_operators.size() > m_open.back().operators; }
+
     void leftOut()
     {
-        if (!bracket().isCall)
+        if (!bracket().isCall || isOperandDue())
             return fail("此处缺少数值或引用");
         m_listener.missing();
         finishArgument();
@@ -214,6 +217,8 @@ private:
     {
         if (!bracket().isCall)
             return fail(m_open.size() > 1 ? "括号里是空的" : "多了一个右括号");
+        if (isOperandDue())
+            return fail("此处缺少数值或引用");
         if (bracket().arguments > 0) {
             m_listener.missing();
             finishArgument();
