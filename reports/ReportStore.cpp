@@ -165,7 +165,7 @@ std::string ReportStore::load(std::int32_t id, spreadsheet::Workbook& workbook, 
     const std::span<const std::byte> content = rows.binary(0, "fFileContent");
     remembered = {id, versionOf(rows, content.size()), pageSetupOf(rows)};
     remembered.isOfLaterProgram = spreadsheet::isOfLaterVersion(content);
-    spreadsheet::loadContent(workbook, content);
+    remembered.unreadable = spreadsheet::loadContent(workbook, content);
     applyPageSetup(workbook, remembered.pageSetup);
     return rows.text(0, "fname");
 }

@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace selfreport {
 
@@ -25,6 +26,8 @@ struct RememberedReport {
     std::optional<ReportVersion>
         uncertain{};               ///< of a save since then of which nobody knows whether it was done
     bool isOfLaterProgram = false; ///< its content could not be read because a later program saved it
+    std::vector<std::string>
+        unreadable{}; ///< formulas that were left out of what was loaded, a sentence each
 };
 
 /// What a designer puts into a row.

@@ -2,6 +2,7 @@
 
 #include "windows/designer/frmSaveAs.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -24,6 +25,17 @@ std::string savedBy(const SaveConflict& conflict)
     return "由 " + who + " 于 " + (when.empty() ? "未知时间" : when) + " 保存。";
 }
 
+/// Whoever saves now loses what was left out.
+std::string leftOutText(const std::vector<std::string>& unreadable)
+{
+    constexpr std::size_t shown = 5;
+    std::string text = "报表中有 " + std::to_string(unreadable.size()) +
+                       " 处内容没有能读出。单元格显示上次算出的值，保存报表后这些公式不再存在。\n";
+    for (std::size_t i = 0; i < std::min(shown, unreadable.size()); ++i)
+        text += "\n" + unreadable[i];
+    return unreadable.size() > shown ? text + "\n……" : text;
+}
+
 } // namespace
 
 void EditedReport::beginNew()
@@ -37,6 +49,8 @@ void EditedReport::beginNew()
 bool EditedReport::load(std::string& name, spreadsheet::Workbook& workbook)
 {
     m_isUnread = !loadReport(m_context, name, workbook, &m_stored);
+    if (!m_isUnread && !m_stored.unreadable.empty())
+        m_context.database.tell(Icon::exclamation, leftOutText(m_stored.unreadable));
     return !m_isUnread;
 }
 

@@ -96,27 +96,27 @@ void readSheetNames(const stored::Content& content, Workbook& workbook)
     }
 }
 
-void readNames(const stored::Content& content, Workbook& workbook)
+void readNames(const stored::Content& content, Workbook& workbook, std::vector<std::string>& unreadable)
 {
     if (!content.names())
         return;
     for (const stored::Name* name : *content.names()) {
         if (const auto problem = workbook.defineName(name->name()->str(), name->formula()->str()))
-            refuseContent("名称“" + name->name()->str() + "”不对(" + problem.reason() + ")");
+            unreadable.push_back("名称“" + name->name()->str() + "”无法识别(" + problem.reason() + ")");
     }
 }
 
-void readWorkbook(const stored::Content& content, Workbook& workbook)
+void readWorkbook(const stored::Content& content, Workbook& workbook, std::vector<std::string>& unreadable)
 {
     workbook.setCountsFrom1904(content.counts_from_1904());
     readSheetNames(content, workbook);
     const StoredTexts texts(content);
     const auto styles = readStyles(content, texts, workbook.styles());
-    const auto formulas = readFormulas(content, workbook);
+    const auto formulas = readFormulas(content, workbook, unreadable);
     for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet)
         readSheet(*content.sheets()->Get(static_cast<flatbuffers::uoffset_t>(sheet - 1)),
                   workbook.sheet(sheet), {texts, styles, formulas}, workbook.formulas());
-    readNames(content, workbook);
+    readNames(content, workbook, unreadable);
     requireContent(content.active_sheet() >= 1 &&
                        content.active_sheet() <= static_cast<std::uint32_t>(workbook.sheetCount()),
                    "当前表不对");
@@ -133,15 +133,17 @@ std::vector<std::byte> saveContent(const Workbook& workbook)
                        neededVersion(*stored::GetContent(builder.GetBufferPointer())));
 }
 
-void loadContent(Workbook& workbook, std::span<const std::byte> content)
+std::vector<std::string> loadContent(Workbook& workbook, std::span<const std::byte> content)
 {
     const ExpandedContent expanded = unpackContent(content);
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(expanded.bytes.get());
     flatbuffers::Verifier verifier(bytes, expanded.size, maxDepth, maxTables);
     requireContent(stored::VerifyContentBuffer(verifier), "数据结构不对");
     Workbook fresh;
-    readWorkbook(*stored::GetContent(bytes), fresh);
+    std::vector<std::string> unreadable;
+    readWorkbook(*stored::GetContent(bytes), fresh, unreadable);
     workbook.replaceContent(std::move(fresh));
+    return unreadable;
 }
 
 } // namespace spreadsheet

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace spreadsheet {
@@ -17,7 +18,8 @@ std::vector<std::byte> saveContent(const Workbook& workbook);
 /// Replaces everything that the workbook holds by the content of an .ss7 file. Registered functions,
 /// the prepare hook and the undo setting stay; the undo history goes. Nothing is recalculated: cells
 /// show the stored values.
+/// @return formulas and names that could not be read, one Chinese sentence each; cells keep their values
 /// @throws ContentError if the bytes are damaged or of a newer version; the workbook is as it was then
-void loadContent(Workbook& workbook, std::span<const std::byte> content);
+std::vector<std::string> loadContent(Workbook& workbook, std::span<const std::byte> content);
 
 } // namespace spreadsheet

@@ -169,7 +169,8 @@ void readCells(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& me
              });
     readRuns(stored.formulas(), sheet, meanings.formulas, "公式的位置或编号不对",
              [](CellBlock& block, int index, int count, std::uint32_t formula) {
-                 block.setFormulas(index, count, formula);
+                 if (formula != 0)
+                     block.setFormulas(index, count, formula);
              });
     readCellTexts(stored.tags(), sheet, meanings.texts, "标记的位置不对",
                   [](CellBlock& block, int index, const Text& text) { block.setTag(index, text); });

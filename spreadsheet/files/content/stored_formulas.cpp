@@ -54,7 +54,8 @@ void FormulaWriter::finish(flatbuffers::FlatBufferBuilder& builder)
     formulas = builder.CreateVectorOfStructs(written);
 }
 
-std::vector<std::uint32_t> readFormulas(const stored::Content& content, Workbook& workbook)
+std::vector<std::uint32_t> readFormulas(const stored::Content& content, Workbook& workbook,
+                                        std::vector<std::string>& unreadable)
 {
     std::vector<std::uint32_t> numbers{0};
     if (!content.formulas())
@@ -76,9 +77,13 @@ std::vector<std::uint32_t> readFormulas(const stored::Content& content, Workbook
         const std::string_view text(bytes + start, end - start);
         const auto parsed =
             workbook.formulas().intern(text, base, sheetId, formula->is_array(), maxExpandedContent);
-        if (const auto* problem = std::get_if<Refusal>(&parsed))
-            refuseContent(cellName(base) + " 的公式无法识别(" + problem->reason() + ")");
-        numbers.push_back(std::get<std::uint32_t>(parsed));
+        if (const auto* problem = std::get_if<Refusal>(&parsed)) {
+            unreadable.push_back(cellName(base) + " 的公式无法识别(" + problem->reason() +
+                                 "),保留了上次算出的值");
+            numbers.push_back(0);
+        } else {
+            numbers.push_back(std::get<std::uint32_t>(parsed));
+        }
         start = end;
     }
     return numbers;

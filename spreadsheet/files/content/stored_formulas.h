@@ -3,6 +3,8 @@
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <span>
+#include <string>
+#include <vector>
 
 namespace spreadsheet {
 
@@ -34,8 +36,10 @@ private:
     std::vector<Entry> m_entries;
 };
 
-/// Numbers in the workbook's pool by numbers in the file; 0 stays 0. The sheets must be there.
+/// Numbers in the workbook's pool by numbers in the file; 0 stays 0. The sheets must be there. A formula that
+/// cannot be read becomes 0, with a sentence in `unreadable`: its cells keep their values.
 /// @throws ContentError
-std::vector<std::uint32_t> readFormulas(const stored::Content& content, Workbook& workbook);
+std::vector<std::uint32_t> readFormulas(const stored::Content& content, Workbook& workbook,
+                                        std::vector<std::string>& unreadable);
 
 } // namespace spreadsheet

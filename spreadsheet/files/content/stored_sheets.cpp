@@ -390,6 +390,11 @@ void readSheet(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& me
     settings.dropDowns = readDropDowns(stored, meanings.texts);
     settings.captions = readCellTexts(stored.button_captions(), 0, meanings.texts, "按钮标题的位置不对");
     settings.isHidden = stored.is_hidden();
+    if (std::ranges::find(meanings.formulas.begin() + 1, meanings.formulas.end(), 0u) !=
+        meanings.formulas.end())
+        std::erase_if(settings.arrays, [&sheet](const CellRange& range) {
+            return !sheet.hasFormula({range.left, range.top}); // one that could not be read
+        });
     checkArrays(sheet, settings.arrays, formulas);
     sheet.changeSettings([&](SheetSettings& target) { target = std::move(settings); });
 }

@@ -387,6 +387,36 @@ TEST(Content, TheStoredSampleOfVersion2Opens)
     EXPECT_EQ(difference(expected, loaded), "");
 }
 
+/// A formula that this program cannot read leaves its cell the value; the rest opens.
+TEST(Content, AnUnreadableFormulaLeavesItsValue)
+{
+    Workbook stored;
+    demand(stored.sheet(1).setFormula({2, 3}, "SUM(1+9,2)"));
+    demand(stored.sheet(1).setFormula({2, 4}, "B3*2"));
+    demand(stored.sheet(1).setArrayFormula({4, 1, 4, 2}, "{1;2}+9"));
+    demand(stored.defineName("没用", "2+9"));
+    stored.recalculate();
+    const ExpandedContent good = unpackContent(saveContent(stored));
+    std::string content(reinterpret_cast<const char*>(good.view().data()), good.view().size());
+    for (const std::string_view damaged : {"1+9,2", "}+9", "2+9"}) {
+        const std::size_t place = content.find(damaged);
+        ASSERT_NE(place, std::string::npos) << damaged;
+        content[place + damaged.find('9')] = ' ';
+    }
+    Workbook loaded;
+    const auto unreadable = loadContent(loaded, packContent(std::as_bytes(std::span(content)), 1));
+    EXPECT_THAT(unreadable,
+                testing::UnorderedElementsAre(HasSubstr("B3"), HasSubstr("D1"), HasSubstr("没用")));
+    const Sheet& sheet = loaded.sheet(1);
+    EXPECT_FALSE(sheet.hasFormula({2, 3}));
+    EXPECT_EQ(sheet.value({2, 3}), Value(12.0));
+    EXPECT_EQ(sheet.value({4, 2}), Value(11.0));
+    EXPECT_FALSE(sheet.arrayRange({4, 1}));
+    EXPECT_EQ(sheet.formula({2, 4}), "B3*2");
+    loaded.recalculate();
+    EXPECT_EQ(sheet.value({2, 4}), Value(24.0));
+}
+
 /// A place with an older program goes on with all that it can keep, and refuses the rest.
 TEST(Content, TheVersionIsTheSmallestThatHoldsAll)
 {
