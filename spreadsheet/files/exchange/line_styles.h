@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/display/CellStyle.h"
+#include "spreadsheet/files/exchange/Warnings.h"
 
 #include <array>
 #include <string_view>
@@ -69,6 +70,17 @@ constexpr unsigned fileLineStyle(LineStyle style)
         return 6;
     }
     return 0;
+}
+
+/// Counts what a written look has of lines that no file knows.
+inline void countLostLines(const CellStyle& style, Warnings& warnings)
+{
+    for (const BorderLine* line : {&style.left, &style.right, &style.top, &style.bottom}) {
+        if (line->style == LineStyle::dot)
+            warnings.count("{} 处格式的点线写为虚线");
+        else if (line->style == LineStyle::erase)
+            warnings.count("{} 处格式的抹除线没有写出");
+    }
 }
 
 } // namespace spreadsheet

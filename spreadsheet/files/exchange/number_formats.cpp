@@ -80,6 +80,16 @@ constexpr std::array builtIns{
     BuiltIn{58, R"(m"月"d"日")"},
 };
 
+/// Those that mean another thing in an American file.
+constexpr std::array americanBuiltIns{
+    BuiltIn{14, "m/d/yyyy"},
+    BuiltIn{22, "m/d/yyyy h:mm"},
+    BuiltIn{37, "#,##0_);(#,##0)"},
+    BuiltIn{38, "#,##0_);[Red](#,##0)"},
+    BuiltIn{39, "#,##0.00_);(#,##0.00)"},
+    BuiltIn{40, "#,##0.00_);[Red](#,##0.00)"},
+};
+
 constexpr std::string_view general = "General";
 
 /// Spellings of one code that differ by program: "yyyy\-mm\-dd;@", "[$-804]yyyy-mm-dd".
@@ -195,8 +205,11 @@ std::string exportedBracket(const std::string& piece, const std::string& code, W
 
 } // namespace
 
-std::string_view builtInFormatCode(int number)
+std::string_view builtInFormatCode(int number, FileCountry country)
 {
+    const auto american = std::ranges::find(americanBuiltIns, number, &BuiltIn::number);
+    if (country == FileCountry::america && american != americanBuiltIns.end())
+        return american->code;
     const auto found = std::ranges::find(builtIns, number, &BuiltIn::number);
     return found == builtIns.end() ? general : found->code;
 }

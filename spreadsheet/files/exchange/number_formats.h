@@ -8,9 +8,12 @@
 
 namespace spreadsheet {
 
+/// For whose country a file was made, as far as formats named by number only depend on it.
+enum class FileCountry { china, america };
+
 /// The code of a number format that files name by number only (14 is "yyyy/m/d"); "General" for
 /// numbers that are not known.
-std::string_view builtInFormatCode(int number);
+std::string_view builtInFormatCode(int number, FileCountry country = FileCountry::china);
 
 /// The number of a code that files name by number only; nothing if there is none.
 std::optional<int> builtInFormatNumber(std::string_view code);

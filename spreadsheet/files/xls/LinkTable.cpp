@@ -49,6 +49,15 @@ int LinkTable::function(std::string_view name)
     return static_cast<int>(m_functions.size());
 }
 
+int LinkTable::laterFunction(std::string_view name)
+{
+    const std::string prefixed = "_xlfn." + std::string(name);
+    auto found = std::ranges::find(m_laterFunctions, prefixed);
+    if (found == m_laterFunctions.end())
+        found = m_laterFunctions.insert(found, prefixed);
+    return static_cast<int>(m_names.size() + static_cast<std::size_t>(found - m_laterFunctions.begin())) + 1;
+}
+
 int LinkTable::functionsBook()
 {
     return number({addInBook, noSheet, noSheet});

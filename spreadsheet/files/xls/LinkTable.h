@@ -17,6 +17,10 @@ public:
     int sheets(int firstId, int lastId);
     /// Number of a function that only has a name, counted from 1.
     int function(std::string_view name);
+    /// Number of the defined name that stands for a function newer than the format, counted from 1.
+    int laterFunction(std::string_view name);
+    /// The names of these, which follow those of the workbook.
+    const std::vector<std::string>& laterFunctions() const { return m_laterFunctions; }
     /// Number behind which functions by name stand.
     int functionsBook();
     /// Number of a defined name of the workbook, counted from 1; 0 if it is not defined.
@@ -35,7 +39,7 @@ private:
 
     const Workbook& m_workbook;
     std::vector<Pair> m_pairs;
-    std::vector<std::string> m_functions;
+    std::vector<std::string> m_functions, m_laterFunctions;
     std::vector<int> m_names;
 };
 

@@ -14,18 +14,23 @@ namespace {
 
 constexpr std::size_t headerSize = 4;
 
-[[noreturn]] void refuseRecord(const XlsRecord& record, const char* what)
+std::string nameOf(const XlsRecord& record)
 {
     std::array<char, 64> place;
     std::snprintf(place.data(), place.size(), "记录 0x%04X (位置 %zu) ", record.id, record.offset);
-    refuseFile(place.data() + std::string(what));
+    return place.data();
+}
+
+[[noreturn]] void refuseShortRecord(const XlsRecord& record)
+{
+    throw ShortRecord("文件无法读取: " + nameOf(record) + "太短");
 }
 
 } // namespace
 
 void XlsRecord::refuseShort() const
 {
-    refuseRecord(*this, "太短");
+    refuseShortRecord(*this);
 }
 
 Bytes XlsRecord::bytesAt(std::size_t place, std::size_t count) const
@@ -49,7 +54,7 @@ bool RecordStream::next()
     m_record = {numberAt<std::uint16_t>(m_stream, m_offset), {}, m_offset};
     const std::size_t size = numberAt<std::uint16_t>(m_stream, m_offset + 2);
     if (m_stream.size() - m_offset - headerSize < size)
-        refuseRecord(m_record, "超出文件末尾,文件可能被截断");
+        refuseFile(nameOf(m_record) + "超出文件末尾,文件可能被截断");
     m_record.data = m_stream.subspan(m_offset + headerSize, size);
     m_offset += headerSize + size;
     return true;
@@ -79,7 +84,7 @@ std::size_t RecordCursor::left() const
 void RecordCursor::enterNextPart()
 {
     if (++m_part == m_parts.size())
-        refuseRecord(m_record, "太短");
+        refuseShortRecord(m_record);
     m_at = 0;
 }
 
@@ -88,7 +93,7 @@ void RecordCursor::require(std::size_t count)
     while (m_at == m_parts[m_part].size())
         enterNextPart();
     if (m_parts[m_part].size() - m_at < count)
-        refuseRecord(m_record, "太短");
+        refuseShortRecord(m_record);
 }
 
 void RecordCursor::skip(std::size_t bytes)
@@ -139,7 +144,7 @@ std::string RecordCursor::characters(std::size_t count, bool wide)
         const Bytes from = rest();
         const std::size_t part = std::min(count, wide ? from.size() / 2 : from.size());
         if (part == 0 && !from.empty())
-            refuseRecord(m_record, "中的文本被截断");
+            refuseShortRecord(m_record);
         if (wide) {
             const std::size_t before = units.size();
             units.resize(before + part);

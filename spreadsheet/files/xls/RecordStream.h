@@ -1,10 +1,17 @@
 #pragma once
+#include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/ole2/little_endian.h"
+#include "spreadsheet/files/placing/ContentError.h"
 
 #include <string>
 #include <vector>
 
 namespace spreadsheet {
+
+/// A record that holds less than it should. Who can do without the rest goes on behind it.
+struct ShortRecord : ContentError {
+    using ContentError::ContentError;
+};
 
 /// One record of a workbook stream: a number, and at most 65,535 bytes.
 struct XlsRecord {
@@ -30,6 +37,20 @@ struct XlsRecord {
 private:
     [[noreturn]] void refuseShort() const;
 };
+
+/// Reads a record as far as it goes; that there is no more of it becomes a warning.
+void readAsFarAsItGoes(std::uint16_t id, Warnings& warnings, const auto& read)
+{
+    try {
+        read();
+    } catch (const ShortRecord&) {
+        constexpr std::string_view digits = "0123456789ABCDEF";
+        std::string name = "0x0000";
+        for (std::size_t i = 0; i < 4; ++i)
+            name[2 + i] = digits[id >> (12 - 4 * i) & 0xF];
+        warnings.count("{} 个 " + name + " 记录太短,只读取了前面的部分");
+    }
+}
 
 /// Goes through the records of a stream.
 class RecordStream {

@@ -5,6 +5,7 @@
 #include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xls/cell_codes.h"
 #include "spreadsheet/files/xls/list_checks.h"
+#include "spreadsheet/files/xls/lost_records.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/values/range_overlap.h"
 
@@ -39,13 +40,13 @@ void SheetReader::read(RecordStream& stream)
             refuseFile("表“" + m_sheet.name() + "”没有结尾,文件可能被截断");
         const std::uint16_t id = stream.record().id;
         if (id == xls::beginOfFile) {
-            m_globals.warnings.add("图表没有引入");
+            m_globals.warnings.count("{} 个图表没有引入");
             ++charts;
         } else if (id == xls::endOfFile) {
             if (charts-- == 0)
                 break;
         } else if (charts == 0) {
-            record(stream);
+            readAsFarAsItGoes(id, m_globals.warnings, [&] { record(stream); });
         }
     }
     finish();
@@ -53,8 +54,9 @@ void SheetReader::read(RecordStream& stream)
 
 void SheetReader::record(RecordStream& stream)
 {
-    if (!cellRecord(stream) && !settingRecord(stream))
-        printRecord(stream);
+    const std::uint16_t id = stream.record().id;
+    if (!cellRecord(stream) && !settingRecord(stream) && !printRecord(stream))
+        countLostRecord(id, m_globals.warnings);
 }
 
 bool SheetReader::cellRecord(RecordStream& stream)
@@ -127,12 +129,13 @@ bool SheetReader::settingRecord(RecordStream& stream)
         return true;
     case xls::object:
         m_notes.readObject(record);
+        countLostObject(record, m_globals.warnings);
         return true;
     case xls::textObject:
         m_notes.readTextObject(stream);
         return true;
     case xls::inputCheck:
-        readListCheck(stream, m_lists);
+        readListCheck(stream, m_lists, m_globals.warnings);
         return true;
     case xls::note:
         if (m_globals.version == xls::version8)

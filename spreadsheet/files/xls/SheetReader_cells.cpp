@@ -65,7 +65,7 @@ void SheetReader::sharedTextCell(const XlsRecord& record)
     const auto& texts = m_globals.texts;
     if (number >= texts.size())
         m_globals.warnings.add("有单元格的文本编号超出文本表,按空白引入");
-    putAt(record, number < texts.size() && !texts[number].empty() ? Value(texts[number]) : Value());
+    putAt(record, number < texts.size() ? Value(texts[number]) : Value());
 }
 
 void SheetReader::label(RecordStream& stream)
@@ -76,7 +76,7 @@ void SheetReader::label(RecordStream& stream)
     const std::string text = m_globals.version == xls::version8
                                  ? cursor.longText()
                                  : m_globals.codePage.decoded(cursor.bytes(cursor.take<std::uint16_t>()));
-    putAt(record, text.empty() ? Value() : Value(m_workbook.texts().intern(text)));
+    putAt(record, m_workbook.texts().intern(text));
 }
 
 void SheetReader::multipleRk(const XlsRecord& record)

@@ -1,3 +1,4 @@
+#include "spreadsheet/files/exchange/control_losses.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xls/cell_codes.h"
 #include "spreadsheet/files/xls/records.h"
@@ -74,6 +75,8 @@ void SheetWriter::rowRecord(int row, const std::vector<StoredCell>& cells)
 
 void SheetWriter::cells(int row, const std::vector<StoredCell>& cells)
 {
+    for (const StoredCell& cell : cells)
+        countLostControl(m_parts.workbook.styles()[cell.style].type, m_parts.warnings);
     for (std::size_t i = 0; i < cells.size();) {
         const StoredCell& cell = cells[i];
         if (cell.isBlank()) {

@@ -48,7 +48,7 @@ VerticalAlignment verticalOf(unsigned code)
 
 void StyleTable::readFont(const XlsRecord& record, const CodePage& codePage)
 {
-    Font font;
+    Font& font = m_fonts.emplace_back(); // a short one counts as well
     font.look.points = std::clamp(static_cast<float>(record.wordAt(0) / twipsPerPoint), 1.0f, 409.0f);
     const std::uint16_t flags = record.wordAt(2);
     font.look.italic = flags & 0x02;
@@ -61,7 +61,6 @@ void StyleTable::readFont(const XlsRecord& record, const CodePage& codePage)
     font.look.family =
         Text(m_version == xls::version8 ? cursor.shortText()
                                         : codePage.decoded(cursor.bytes(cursor.take<std::uint8_t>())));
-    m_fonts.push_back(std::move(font));
 }
 
 void StyleTable::readFormat(const XlsRecord& record, const CodePage& codePage)
@@ -93,6 +92,7 @@ StyleTable::CellFormat StyleTable::cellFormat8(const XlsRecord& record)
     const auto lines = record.at<std::uint32_t>(10), further = record.at<std::uint32_t>(14);
     for (unsigned side = 0; side < 4; ++side)
         format.lines[side] = lines >> 4 * side & 0xF;
+    format.isCrossed = lines >> 30 != 0 && (further >> 21 & 0xF) != 0;
     format.colours[0] = lines >> 16 & 0x7F;
     format.colours[1] = lines >> 23 & 0x7F;
     format.colours[2] = further & 0x7F;
@@ -128,11 +128,12 @@ StyleTable::CellFormat StyleTable::cellFormat5(const XlsRecord& record)
 
 void StyleTable::readCellFormat(const XlsRecord& record)
 {
+    m_cellFormats.emplace_back(); // a short one counts as well
     CellFormat format = m_version == xls::version8 ? cellFormat8(record) : cellFormat5(record);
     format.font = record.wordAt(0);
     format.format = record.wordAt(2);
     format.locked = record.wordAt(4) & 1;
-    m_cellFormats.push_back(format);
+    m_cellFormats.back() = format;
 }
 
 /// Number 4 never stands in a file.
@@ -151,6 +152,8 @@ void StyleTable::fill(const CellFormat& format, CellStyle& style) const
 {
     if (format.pattern == 0)
         return;
+    if (format.pattern > 1)
+        m_warnings.count("{} 种单元格格式的图案填充改为近似的单色");
     const Colour ink = m_palette[format.patternColour], paper = m_palette[format.paperColour];
     style.background = patternColour(format.pattern, ink, paper);
 }
@@ -159,7 +162,8 @@ CellStyle StyleTable::made(const CellFormat& format, bool isProtected) const
 {
     CellStyle style;
     const auto code = m_formats.find(format.format);
-    applyFormatCode(code == m_formats.end() ? builtInFormatCode(format.format) : code->second, style);
+    applyFormatCode(code == m_formats.end() ? builtInFormatCode(format.format, m_country) : code->second,
+                    style);
     if (const Font* found = font(format.font)) {
         style.font = found->look;
         if (found->colour != xls::automaticFontColour)
@@ -188,6 +192,8 @@ std::uint32_t StyleTable::style(std::size_t cellFormat, bool isProtected)
     std::uint32_t& number = format.styles[isProtected];
     if (number == 0) {
         number = m_pool.intern(made(format, isProtected));
+        if (format.isCrossed)
+            m_warnings.count("{} 种单元格格式的斜线没有引入");
         if (format.isTurned)
             m_warnings.add("旋转的文字按水平方向显示");
     }

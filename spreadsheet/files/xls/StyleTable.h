@@ -1,6 +1,7 @@
 #pragma once
 #include "spreadsheet/cells/StylePool.h"
 #include "spreadsheet/files/exchange/CodePage.h"
+#include "spreadsheet/files/exchange/number_formats.h"
 #include "spreadsheet/files/exchange/Palette.h"
 #include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/xls/RecordStream.h"
@@ -21,6 +22,7 @@ public:
     }
 
     void setVersion(std::uint16_t version) { m_version = version; }
+    void setCountry(FileCountry country) { m_country = country; }
     void readFont(const XlsRecord& record, const CodePage& codePage);
     void readFormat(const XlsRecord& record, const CodePage& codePage);
     void readPalette(const XlsRecord& record);
@@ -43,6 +45,7 @@ private:
         bool locked = false;
         unsigned horizontal = 0, vertical = 2;
         bool wrap = false;
+        bool isCrossed = false; ///< by a diagonal line
         bool isTurned = false;
         unsigned lines[4]{};   ///< left, right, top, bottom
         unsigned colours[4]{}; ///< of the lines
@@ -59,6 +62,7 @@ private:
     StylePool& m_pool;
     Warnings& m_warnings;
     std::uint16_t m_version = 0x0600;
+    FileCountry m_country = FileCountry::china;
     Palette m_palette;
     std::vector<Font> m_fonts;
     std::map<std::uint16_t, std::string> m_formats;

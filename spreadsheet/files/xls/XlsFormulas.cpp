@@ -256,12 +256,14 @@ private:
         const auto count = static_cast<int>(node.children.size());
         if (known && (count < known->minArguments || count > known->maxArguments))
             return fail(".xls 的函数 " + name + " 没有这么多参数");
-        const bool byName = !known && (!ours || isXlsAddInFunction(name));
-        if (!known && !byName)
-            return fail(".xls 没有函数 " + name);
+        const bool byName = !known, isLater = byName && ours && !isXlsAddInFunction(name);
         if (count > 29 && byName)
             return fail("函数 " + name + " 的参数超过 29 个");
-        if (byName) {
+        if (isLater) {
+            byte(tokenName);
+            word(static_cast<unsigned>(m_links.laterFunction(name)));
+            word(0);
+        } else if (byName) {
             byte(tokenExternName);
             word(static_cast<unsigned>(m_links.functionsBook()));
             word(static_cast<unsigned>(m_links.function(ours ? std::string_view(name) : node.text)));

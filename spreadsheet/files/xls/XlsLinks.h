@@ -12,6 +12,8 @@ class XlsLinks {
 public:
     void addTab(std::string name) { m_tabs.push_back(std::move(name)); }
     void addName(std::string name) { m_names.push_back(std::move(name)); }
+    /// @param number  from 1
+    void setName(std::size_t number, std::string name) { m_names[number - 1] = std::move(name); }
     void readBook(const XlsRecord& record);
     void readExternName(const XlsRecord& record);
     void readExternSheets(const XlsRecord& record, RecordStream& stream);

@@ -1,6 +1,5 @@
 #include "spreadsheet/files/xls/XlsStyles.h"
 
-#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
@@ -90,9 +89,8 @@ XlsStyles::CellFormat XlsStyles::made(const CellStyle& style)
         if (fileLineStyle(lines[side]->style) != 0)
             format.colours[side] = colour(lines[side]->colour, Palette::text);
     }
+    countLostLines(style, m_warnings);
     format.background = colour(style.background, 0);
-    if (cellTypeRow(style.type).isControl)
-        m_warnings.add("按钮和复选框单元格写为普通单元格");
     return format;
 }
 

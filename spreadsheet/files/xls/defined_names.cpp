@@ -1,8 +1,9 @@
 #include "spreadsheet/files/xls/defined_names.h"
 
+#include "spreadsheet/files/exchange/DistinctNames.h"
 #include "spreadsheet/files/exchange/print_names.h"
 #include "spreadsheet/files/xls/FormulaReader.h"
-#include "spreadsheet/formula/NameTable.h"
+#include "spreadsheet/files/xls/records.h"
 
 #include <algorithm>
 
@@ -35,6 +36,33 @@ DefinedName readDefinedName(const XlsRecord& record)
     return name;
 }
 
+std::string xlsName(const std::string& ours)
+{
+    const auto cell = ours.starts_with('_') ? parseCellName(ours.substr(1)) : std::nullopt;
+    const bool isName = cell && (cell->column > xls::maxColumns || cell->row > xls::maxRows);
+    return isName ? ours.substr(1) : ours;
+}
+
+std::string nameOfXls(const std::string& name)
+{
+    return parseCellName(name) ? "_" + name : name;
+}
+
+void takeNames(std::vector<DefinedName>& names, XlsLinks& links, Warnings& warnings)
+{
+    DistinctNames taken;
+    for (const bool isLocal : {false, true}) {
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            DefinedName& name = names[i];
+            if ((name.tab != 0) != isLocal || name.builtIn != DefinedName::none || name.isMacro ||
+                name.name.empty())
+                continue;
+            name.name = taken.taken(nameOfXls(name.name), name.tab, warnings);
+            links.setName(i + 1, name.name);
+        }
+    }
+}
+
 void defineNames(const std::vector<DefinedName>& names, const XlsLinks& links, Workbook& workbook,
                  Warnings& warnings)
 {
@@ -44,14 +72,10 @@ void defineNames(const std::vector<DefinedName>& names, const XlsLinks& links, W
     for (const DefinedName& name : names) {
         if (name.builtIn != DefinedName::none || name.isMacro || name.tokens.empty())
             continue;
-        std::string problem = "只在一张表内有效的同名名称";
-        const int number = workbook.names().find(name.name);
-        if (number < 0 || workbook.names()[number].formula == 0) {
-            const auto text = reader.read(name.tokens, name.extra, {1, 1});
-            problem = reader.problem();
-            if (text && ++defined <= mostNames) {
-                problem = workbook.defineName(name.name, *text).reason();
-            }
+        const auto text = reader.read(name.tokens, name.extra, {1, 1});
+        std::string problem = reader.problem();
+        if (text && ++defined <= mostNames) {
+            problem = workbook.defineName(name.name, *text).reason();
         }
         if (!problem.empty())
             warnings.add("名称“" + name.name + "”没有引入: " + problem);

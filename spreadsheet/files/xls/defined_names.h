@@ -21,6 +21,14 @@ struct DefinedName {
 
 DefinedName readDefinedName(const XlsRecord& record);
 
+/// A name of ours as such a file has it, and the reverse. Where sheets end at IV65536 "NOV8" is a name; here
+/// it is a cell, and "_NOV8" stands for it.
+std::string xlsName(const std::string& ours);
+std::string nameOfXls(const std::string& name);
+
+/// Gives each name, and what formulas find under its number, the name that it has here.
+void takeNames(std::vector<DefinedName>& names, XlsLinks& links, Warnings& warnings);
+
 /// Defines what the names stand for in the workbook, whose sheets must be there.
 void defineNames(const std::vector<DefinedName>& names, const XlsLinks& links, Workbook& workbook,
                  Warnings& warnings);

@@ -82,13 +82,17 @@ void writeLists(const std::vector<OfferedList>& lists, RecordWriter& writer)
         writeCheck(lists[i], writer);
 }
 
-void readListCheck(RecordStream& stream, std::vector<OfferedList>& lists)
+void readListCheck(RecordStream& stream, std::vector<OfferedList>& lists, Warnings& warnings)
 {
     const XlsRecord record = stream.record();
     RecordCursor cursor(record, stream);
     const auto flags = cursor.take<std::uint32_t>();
-    if ((flags & kindMask) != isList || !(flags & isLiteral))
+    if ((flags & kindMask) != isList || !(flags & isLiteral)) {
+        if ((flags & kindMask) != 0)
+            warnings.count((flags & kindMask) == isList ? "{} 条从单元格取项目的下拉列表没有引入"
+                                                        : "{} 条数据有效性没有引入");
         return;
+    }
     for (int i = 0; i < titlesAndTexts; ++i)
         cursor.longText();
     const DropDownEntries entries(takeEntries(cursor));

@@ -8,7 +8,7 @@ namespace spreadsheet {
 /// Writes lists as the records of a sheet's input checks; nothing if there are none.
 void writeLists(const std::vector<OfferedList>& lists, RecordWriter& writer);
 
-/// Reads one input check; one that is no list, or takes its entries from cells, is left out.
-void readListCheck(RecordStream& stream, std::vector<OfferedList>& lists);
+/// Reads one input check; one that is no list, or takes its entries from cells, is left out and counted.
+void readListCheck(RecordStream& stream, std::vector<OfferedList>& lists, Warnings& warnings);
 
 } // namespace spreadsheet

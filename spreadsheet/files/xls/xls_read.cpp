@@ -32,6 +32,7 @@ public:
     {
         readGlobals();
         nameSheets();
+        takeNames(m_names, m_globals.links, m_globals.warnings);
         defineNames(m_names, m_globals.links, m_workbook, m_globals.warnings);
         for (const Tab& tab : m_tabs) {
             if (tab.sheet != 0)
@@ -69,7 +70,12 @@ private:
             requireFile(stream.next(), "全局部分没有结尾,文件可能被截断");
             if (stream.record().id == xls::endOfFile)
                 return;
-            record(stream);
+            if (stream.record().id == xls::filePassword)
+                throw ContentError("文件有打开密码,请先在原来的程序中取消密码再引入");
+            if (stream.record().id == xls::boundSheet)
+                addTab(stream.record());
+            else
+                readAsFarAsItGoes(stream.record().id, m_globals.warnings, [&] { record(stream); });
         }
     }
 
@@ -77,14 +83,18 @@ private:
     {
         const XlsRecord& record = stream.record();
         switch (record.id) {
-        case xls::filePassword:
-            throw ContentError("文件有打开密码,请先在原来的程序中取消密码再引入");
         case xls::codePage:
             m_globals.codePage = CodePage(record.wordAt(0));
             return;
         case xls::dateMode:
             m_workbook.setCountsFrom1904(record.wordAt(0) == 1);
             return;
+        case xls::country: {
+            constexpr std::uint16_t america = 1; // as telephones count countries
+            if (record.wordAt(2) == america)
+                m_globals.styles.setCountry(FileCountry::america);
+            return;
+        }
         case xls::window1:
             m_activeTab = record.wordAt(10);
             return;
@@ -96,8 +106,6 @@ private:
             return m_globals.styles.readPalette(record);
         case xls::extendedFormat:
             return m_globals.styles.readCellFormat(record);
-        case xls::boundSheet:
-            return addTab(record);
         case xls::sharedTexts:
             return sharedTexts(stream);
         default:
@@ -117,7 +125,10 @@ private:
         case xls::externSheet:
             return m_globals.links.readExternSheets(record, stream);
         case xls::name:
-            m_names.push_back(readDefinedName(record));
+            // One that is short keeps its number.
+            m_names.emplace_back();
+            readAsFarAsItGoes(record.id, m_globals.warnings,
+                              [&] { m_names.back() = readDefinedName(record); });
             m_globals.links.addName(m_names.back().name);
             return;
         default:

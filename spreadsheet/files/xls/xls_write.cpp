@@ -4,6 +4,7 @@
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/ole2/CompoundFile.h"
 #include "spreadsheet/files/placing/ContentError.h"
+#include "spreadsheet/files/xls/defined_names.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/SheetWriter.h"
 #include "spreadsheet/files/xls/tokens.h"
@@ -169,9 +170,13 @@ private:
                 m_parts.warnings.add("名称“" + entry.name + "”写为 #REF!: " + problem);
                 tokens = {std::byte(xls::tokenError), std::byte(0x17)};
             }
-            nameRecord(writer, utf16Of(entry.name), 0, 0, tokens,
+            nameRecord(writer, utf16Of(xlsName(entry.name)), 0, 0, tokens,
                        problem.empty() ? formula.extra : std::vector<std::byte>());
         }
+        constexpr unsigned isHiddenFunction = 0x0F;
+        const std::vector<std::byte> unknownName{std::byte(xls::tokenError), std::byte(0x1D)};
+        for (const std::string& function : m_parts.links.laterFunctions())
+            nameRecord(writer, utf16Of(function), isHiddenFunction, 0, unknownName, {});
         for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet)
             printNames(writer, sheet);
     }

@@ -77,5 +77,19 @@ TEST(CompoundFile, LiesAreRefused)
     EXPECT_FALSE(isRefused(good));
 }
 
+/// Some programs leave room in the table for sectors that the file does not have.
+TEST(CompoundFile, ATableLongerThanTheFileIsTaken)
+{
+    constexpr std::size_t tablePlaces = 76;
+    const std::vector<std::byte> content = pattern(70'000);
+    std::vector<std::byte> file = compoundFile("Workbook", content);
+    const auto last = numberAt<std::uint32_t>(file, tablePlaces + 4); // two hold all of it
+    for (std::size_t place = 2; place < 6; ++place)
+        putNumber(file, tablePlaces + 4 * place, last);
+    const auto stream = CompoundFile(file).stream("Workbook");
+    ASSERT_TRUE(stream);
+    EXPECT_TRUE(std::ranges::equal(stream->bytes().first(content.size()), content));
+}
+
 } // namespace
 } // namespace spreadsheet
