@@ -72,9 +72,16 @@ void writeForeign(const Workbook& workbook, const std::string& /*title*/, Pendin
     file.write(written(workbook, warnings));
 }
 
-void readOwn(Bytes content, Workbook& workbook, Warnings& /*warnings*/)
+void writeStreamed(const Workbook& workbook, const std::string& /*title*/, PendingFile& file,
+                   Warnings& warnings)
 {
-    loadContent(workbook, content);
+    writeXlsx(workbook, warnings, [&file](std::size_t place, Bytes bytes) { file.writeAt(place, bytes); });
+}
+
+void readOwn(Bytes content, Workbook& workbook, Warnings& warnings)
+{
+    for (const std::string& unreadable : loadContent(workbook, content))
+        warnings.add(unreadable);
 }
 
 void writeOwn(const Workbook& workbook, const std::string& /*title*/, PendingFile& file,
@@ -107,7 +114,7 @@ constexpr FileFormat formats[] = {
      writeOwn},
     {"Excel文件", xlsEndings, true, looksLikeXls, readForeign<readXls>, writeForeign<writeXls>},
     {"Excel工作簿", xlsxEndings, true, [](Bytes content) { return beginsWith(content, "PK"); },
-     readForeign<readXlsx>, writeForeign<writeXlsx>},
+     readForeign<readXlsx>, writeStreamed},
     {"文本文件", textEndings, false, nullptr, readForeign<readText>, writeText},
     {"网页", pageEndings, false, nullptr, nullptr, writePage},
 };

@@ -76,6 +76,19 @@ void PendingFile::write(std::span<const std::byte> bytes)
     }
 }
 
+void PendingFile::writeAt(std::size_t place, std::span<const std::byte> bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written =
+            ::pwrite(m_temporary->handle(), bytes.data(), bytes.size(), static_cast<off_t>(place));
+        if (written < 0 && errno != EINTR)
+            refuseToWrite(m_target.named, errno);
+        const std::size_t done = written < 0 ? 0 : static_cast<std::size_t>(written);
+        bytes = bytes.subspan(done);
+        place += done;
+    }
+}
+
 /// Content and name must not reach the disk in the wrong order, or a power cut leaves an empty file. What was
 /// written by name may be another file than the one that was made here.
 void PendingFile::finish()

@@ -28,6 +28,8 @@ public:
     /// Appends to the content. @throws FileError
     void write(std::span<const std::byte> bytes);
     void write(std::string_view text) { write(std::as_bytes(std::span(text))); }
+    /// Writes at a place, over what stands there or behind the end. @throws FileError
+    void writeAt(std::size_t place, std::span<const std::byte> bytes);
 
     /// Gives the file its final name, once its content is on the disk. @throws FileError, and what stood
     /// there is as it was

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <libdeflate.h>
 #include <minizip/unzip.h>
+#include <new>
 
 namespace spreadsheet {
 
@@ -13,6 +15,7 @@ namespace {
 constexpr std::size_t mostExpanded = std::size_t(512) << 20;
 constexpr std::size_t usualExpanded = std::size_t(16) << 20;
 constexpr std::size_t mostRatio = 150; ///< sheets of equal rows reach 50
+constexpr const char* damaged = "压缩包的内容已损坏";
 
 } // namespace
 
@@ -47,8 +50,11 @@ struct Archive::Source {
 
 Archive::Archive(Bytes file)
     : m_source(std::make_unique<Source>(Source{file}))
+    , m_unpacker(libdeflate_alloc_decompressor(), libdeflate_free_decompressor)
     , m_room(std::min(mostExpanded, usualExpanded + file.size() * mostRatio))
 {
+    if (!m_unpacker)
+        throw std::bad_alloc();
     zlib_filefunc64_def functions{Source::open, Source::read,  Source::write, Source::tell,
                                   Source::seek, Source::close, Source::error, m_source.get()};
     m_archive = unzOpen2_64("", &functions);
@@ -60,28 +66,44 @@ Archive::~Archive()
     unzClose(m_archive);
 }
 
+/// The compressed bytes of the part that the library stands at.
+Bytes Archive::currentPart(std::uint64_t size)
+{
+    int method = 0, level = 0;
+    requireFile(unzOpenCurrentFile2(m_archive, &method, &level, 1) == UNZ_OK, damaged);
+    const std::uint64_t place = unzGetCurrentFileZStreamPos64(m_archive);
+    unzCloseCurrentFile(m_archive);
+    const Bytes file = m_source->file;
+    requireFile(place <= file.size() && size <= file.size() - place, damaged);
+    return file.subspan(static_cast<std::size_t>(place), static_cast<std::size_t>(size));
+}
+
 std::optional<std::vector<char>> Archive::part(std::string_view path)
 {
     constexpr int ignoringCase = 2;
     if (unzLocateFile(m_archive, std::string(path).c_str(), ignoringCase) != UNZ_OK)
         return std::nullopt;
-    requireFile(unzOpenCurrentFile(m_archive) == UNZ_OK, "压缩包的内容已损坏或加了密");
-    std::vector<char> content;
-    constexpr std::size_t step = 1 << 18;
-    for (;;) {
-        const std::size_t before = content.size();
-        content.resize(before + step);
-        const int count = unzReadCurrentFile(m_archive, content.data() + before, step);
-        content.resize(before + static_cast<std::size_t>(std::max(count, 0)));
-        if (count < 0 || content.size() > m_room) {
-            unzCloseCurrentFile(m_archive);
-            refuseFile(count < 0 ? "压缩包的内容已损坏" : "压缩包展开后大得不合常理");
-        }
-        if (count == 0)
-            break;
-    }
+    unz_file_info64 info{};
+    requireFile(unzGetCurrentFileInfo64(m_archive, &info, nullptr, 0, nullptr, 0, nullptr, 0) == UNZ_OK,
+                damaged);
+    constexpr unsigned isLocked = 1;
+    requireFile((info.flag & isLocked) == 0 &&
+                    (info.compression_method == 0 || info.compression_method == Z_DEFLATED),
+                "压缩包的内容已损坏或加了密");
+    requireFile(info.uncompressed_size <= m_room, "压缩包展开后大得不合常理");
+    const Bytes packed = currentPart(info.compressed_size);
+    std::vector<char> content(static_cast<std::size_t>(info.uncompressed_size));
     m_room -= content.size();
-    requireFile(unzCloseCurrentFile(m_archive) == UNZ_OK, "压缩包的校验和不对");
+    if (info.compression_method == 0) {
+        requireFile(packed.size() == content.size(), damaged);
+        std::memcpy(content.data(), packed.data(), packed.size());
+    } else {
+        requireFile(libdeflate_deflate_decompress(m_unpacker.get(), packed.data(), packed.size(),
+                                                  content.data(), content.size(),
+                                                  nullptr) == LIBDEFLATE_SUCCESS,
+                    damaged);
+    }
+    requireFile(libdeflate_crc32(0, content.data(), content.size()) == info.crc, "压缩包的校验和不对");
     return content;
 }
 

@@ -1,11 +1,14 @@
 #pragma once
 #include "spreadsheet/files/ole2/little_endian.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+struct libdeflate_decompressor;
 
 namespace spreadsheet {
 
@@ -23,8 +26,11 @@ public:
     std::optional<std::vector<char>> part(std::string_view path);
 
 private:
+    Bytes currentPart(std::uint64_t size);
+
     struct Source;
     std::unique_ptr<Source> m_source;
+    std::unique_ptr<libdeflate_decompressor, void (*)(libdeflate_decompressor*)> m_unpacker;
     void* m_archive = nullptr;
     std::size_t m_room; ///< bytes that may still be expanded
 };

@@ -1,12 +1,15 @@
 #include "spreadsheet/files/xlsx/ArchiveWriter.h"
 
+#include "spreadsheet/files/ole2/little_endian.h"
 #include "spreadsheet/files/placing/ContentError.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
+#include <exception>
 #include <limits>
 #include <minizip/zip.h>
 #include <utility>
+#include <vector>
 
 namespace spreadsheet {
 
@@ -14,36 +17,57 @@ namespace {
 
 constexpr int level = 5; ///< of 9: the next takes a quarter more time for a hundredth of the size
 
-void require(int result)
-{
-    if (result != ZIP_OK)
-        throw ContentError("无法写入 .xlsx 文件: 不能压缩");
-}
-
 } // namespace
 
-/// The file as the library writes it: it goes back to note the size of each part.
+/// The file as the library writes it: in many small pieces, and it goes back to note the size of each part.
+/// What writing throws must not pass through the library.
 struct ArchiveWriter::Target {
-    std::vector<std::byte> file;
-    std::size_t at = 0;
+    PutBytes put;
+    std::size_t at = 0, size = 0;
+    std::exception_ptr problem{};
+    std::size_t start = 0; ///< place of what waits
+    std::vector<std::byte> waiting{};
+
+    void flush()
+    {
+        if (!waiting.empty())
+            put(start, waiting);
+        waiting.clear();
+    }
+    void take(Bytes bytes)
+    {
+        constexpr std::size_t most = 1 << 17;
+        const bool goesOn = at >= start && at <= start + waiting.size() && at - start + bytes.size() <= most;
+        if (!goesOn) {
+            flush();
+            start = at;
+        }
+        const std::size_t place = at - start;
+        waiting.resize(std::max(waiting.size(), place + bytes.size()));
+        std::ranges::copy(bytes, waiting.begin() + static_cast<std::ptrdiff_t>(place));
+        at += bytes.size();
+        size = std::max(size, at);
+    }
 
     static void* open(void* opaque, const void*, int) { return opaque; }
     static uLong read(void*, void*, void*, uLong) { return 0; }
-    static uLong write(void* opaque, void*, const void* bytes, uLong size)
+    static uLong write(void* opaque, void*, const void* bytes, uLong count)
     {
         auto& target = *static_cast<Target*>(opaque);
-        if (target.file.size() - target.at < size)
-            target.file.resize(target.at + size);
-        std::memcpy(target.file.data() + target.at, bytes, size);
-        target.at += size;
-        return size;
+        try {
+            target.take({static_cast<const std::byte*>(bytes), count});
+        } catch (...) {
+            target.problem = std::current_exception();
+            return 0;
+        }
+        return count;
     }
     static ZPOS64_T tell(void* opaque, void*) { return static_cast<Target*>(opaque)->at; }
     static long seek(void* opaque, void*, ZPOS64_T offset, int origin)
     {
         auto& target = *static_cast<Target*>(opaque);
-        const std::size_t from = origin == SEEK_SET ? 0 : origin == SEEK_CUR ? target.at : target.file.size();
-        if (offset > target.file.size() - from)
+        const std::size_t from = origin == SEEK_SET ? 0 : origin == SEEK_CUR ? target.at : target.size;
+        if (offset > target.size - from)
             return -1;
         target.at = from + static_cast<std::size_t>(offset);
         return 0;
@@ -52,8 +76,8 @@ struct ArchiveWriter::Target {
     static int error(void*, void*) { return 0; }
 };
 
-ArchiveWriter::ArchiveWriter()
-    : m_target(std::make_unique<Target>())
+ArchiveWriter::ArchiveWriter(PutBytes put)
+    : m_target(std::make_unique<Target>(Target{std::move(put)}))
 {
     zlib_filefunc64_def functions{Target::open, Target::read,  Target::write, Target::tell,
                                   Target::seek, Target::close, Target::error, m_target.get()};
@@ -65,6 +89,14 @@ ArchiveWriter::~ArchiveWriter()
 {
     if (m_archive)
         zipClose(m_archive, nullptr);
+}
+
+void ArchiveWriter::require(int result) const
+{
+    if (m_target->problem)
+        std::rethrow_exception(m_target->problem);
+    if (result != ZIP_OK)
+        throw ContentError("无法写入 .xlsx 文件: 不能压缩");
 }
 
 void ArchiveWriter::part(const std::string& path, const std::function<void(XmlWriter&)>& fill)
@@ -86,10 +118,10 @@ void ArchiveWriter::part(const std::string& path, const std::function<void(XmlWr
     require(zipCloseFileInZip(m_archive));
 }
 
-std::vector<std::byte> ArchiveWriter::take()
+void ArchiveWriter::finish()
 {
     require(zipClose(std::exchange(m_archive, nullptr), nullptr));
-    return std::move(m_target->file);
+    m_target->flush();
 }
 
 } // namespace spreadsheet

@@ -46,13 +46,20 @@ std::optional<std::string> Relations::byId(std::string_view id) const
     return found == m_targets.end() ? std::nullopt : std::optional(found->second.path);
 }
 
-std::optional<std::string> Relations::byKind(std::string_view ending) const
+std::vector<std::string> Relations::allOfKind(std::string_view ending) const
 {
+    std::vector<std::string> paths;
     for (const auto& [id, target] : m_targets) {
         if (target.kind.ends_with(ending))
-            return target.path;
+            paths.push_back(target.path);
     }
-    return std::nullopt;
+    return paths;
+}
+
+std::optional<std::string> Relations::byKind(std::string_view ending) const
+{
+    const std::vector<std::string> paths = allOfKind(ending);
+    return paths.empty() ? std::nullopt : std::optional(paths.front());
 }
 
 } // namespace spreadsheet

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace spreadsheet {
 
@@ -18,6 +19,8 @@ public:
     std::optional<std::string> byId(std::string_view id) const;
     /// The first one whose kind ends so ("/styles").
     std::optional<std::string> byKind(std::string_view ending) const;
+    /// All of them.
+    std::vector<std::string> allOfKind(std::string_view ending) const;
 
 private:
     struct Target {

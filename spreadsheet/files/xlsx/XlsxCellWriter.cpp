@@ -1,6 +1,7 @@
 #include "spreadsheet/files/xlsx/XlsxCellWriter.h"
 
 #include "spreadsheet/cells/SheetSettings.h"
+#include "spreadsheet/files/exchange/control_losses.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/formula/FormulaPool.h"
@@ -113,7 +114,9 @@ void XlsxCellWriter::row(int row, const std::vector<StoredCell>& cells)
 
 void XlsxCellWriter::cell(CellAddress at, const StoredCell& cell)
 {
-    m_hasLocked |= m_parts.workbook.styles()[cell.style].locked;
+    const CellStyle& style = m_parts.workbook.styles()[cell.style];
+    m_hasLocked |= style.locked;
+    countLostControl(style.type, m_parts.warnings);
     m_xml.open("c").attribute("r", cellName(at));
     if (const std::uint32_t format = m_parts.styles.cellFormat(cell.style))
         m_xml.attribute("s", format);

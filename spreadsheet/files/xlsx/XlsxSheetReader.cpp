@@ -4,17 +4,10 @@
 #include "spreadsheet/files/exchange/column_widths.h"
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/exchange/page_margins.h"
-#include "spreadsheet/files/placing/ContentError.h"
-#include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/files/xlsx/xml.h"
-#include "spreadsheet/formula/FormulaPool.h"
-#include "spreadsheet/values/date_serial.h"
-#include "spreadsheet/values/number_text.h"
 #include "spreadsheet/values/range_overlap.h"
-#include "text/ascii.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 
@@ -22,38 +15,9 @@ namespace spreadsheet {
 
 // Everything in such a file may be missing: rows and cells without a name follow the one before, attributes
 // fall back to what the format says they mean. Sizes are given in digits of the default font and in points;
-// both are turned into twips here, so that a sheet stands where it stood. Array formulas wait until all
-// cells are read.
+// both are turned into twips here, so that a sheet stands where it stood.
 
 namespace {
-
-constexpr std::int64_t mostArrayCells = 1 << 20;
-
-int twips(double points)
-{
-    return points >= 0 && points <= 409.5 ? static_cast<int>(std::lround(points * twipsPerPoint)) : 0;
-}
-
-/// "2026-12-31T13:45:00" as a serial number.
-std::optional<double> dateOf(std::string_view text)
-{
-    std::array<double, 6> parts{}; // year, month, day, hour, minute, second
-    std::size_t read = 0;
-    for (; read < parts.size() && !text.empty(); ++read) {
-        const std::size_t end = std::min(text.find_first_of("-T:Z"), text.size());
-        const auto number = parseNumber(text.substr(0, end));
-        if (!number || *number < 0 || *number > 9999)
-            break;
-        parts[read] = *number;
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    if (read < 3)
-        return std::nullopt;
-    const auto serial =
-        serialOfDay(static_cast<int>(parts[0]), static_cast<int>(parts[1]), static_cast<int>(parts[2]));
-    return serial ? std::optional(*serial + (parts[3] * 3600 + parts[4] * 60 + parts[5]) / 86400.0)
-                  : std::nullopt;
-}
 
 /// Twips of a length such as "184mm", "18.4cm" or "8.5in"; 0 if it is none.
 int lengthTwips(std::string_view text)
@@ -93,16 +57,21 @@ XlsxSheetReader::XlsxSheetReader(Workbook& workbook, Sheet& sheet, XlsxStyles& s
     m_settings.print.marginLeft = m_settings.print.marginRight = 1008;
 }
 
-void XlsxSheetReader::read(pugi::xml_node root)
+void XlsxSheetReader::read(pugi::xml_node root, std::span<char> data)
 {
     m_isProtected = isTrue(attributeNamed(childNamed(root, "sheetProtection"), "sheet"));
     sizes(root);
     view(root);
-    rows(childNamed(root, "sheetData"));
+    rows(data);
     arrays();
     spans(root);
     lists(root);
     print(root);
+}
+
+int XlsxSheetReader::twipsOf(double points)
+{
+    return points >= 0 && points <= 409.5 ? static_cast<int>(std::lround(points * twipsPerPoint)) : 0;
 }
 
 void XlsxSheetReader::reach(const CellRange& range)
@@ -116,7 +85,7 @@ void XlsxSheetReader::sizes(pugi::xml_node root)
     constexpr double usualDigits = 8, margin = 5, usualHeight = 15;
     const pugi::xml_node format = childNamed(root, "sheetFormatPr");
     m_settings.rows.defaultSize =
-        std::max(1, twips(numberOf(attributeNamed(format, "defaultRowHeight"), usualHeight)));
+        std::max(1, twipsOf(numberOf(attributeNamed(format, "defaultRowHeight"), usualHeight)));
     const double digits = numberOf(attributeNamed(format, "defaultColWidth"));
     const double pixels =
         numberOf(attributeNamed(format, "baseColWidth"), usualDigits) * m_digitPixels + margin;
@@ -159,176 +128,6 @@ void XlsxSheetReader::view(pugi::xml_node root)
     m_settings.frozenRows = std::clamp(attributeNamed(pane, "ySplit").as_int(), 0, maxRows - 1);
 }
 
-void XlsxSheetReader::rows(pugi::xml_node data)
-{
-    int row = 0;
-    eachChild(data, "row", [&](pugi::xml_node node) {
-        row = attributeNamed(node, "r").as_int(row + 1);
-        requireFile(row >= 1 && row <= maxRows, "行号超出范围");
-        rowSettings(node, row);
-        int column = 0;
-        eachChild(node, "c", [&](pugi::xml_node cellNode) {
-            CellAddress at{column + 1, row};
-            if (const pugi::xml_attribute name = attributeNamed(cellNode, "r")) {
-                const auto parsed = parseCellName(name.value());
-                requireFile(parsed.has_value(), "单元格的名称不对");
-                at = *parsed;
-            }
-            requireFile(at.column <= maxColumns, "列号超出范围");
-            column = at.column;
-            cell(cellNode, at);
-        });
-    });
-}
-
-void XlsxSheetReader::rowSettings(pugi::xml_node node, int row)
-{
-    const int height = twips(numberOf(attributeNamed(node, "ht")));
-    if (height > 0 && height != m_settings.rows.defaultSize)
-        m_settings.rows.sizes[row] = height;
-    if (isTrue(attributeNamed(node, "hidden")))
-        m_settings.rows.hidden[row] = true;
-    if (isTrue(attributeNamed(node, "customFormat"))) {
-        if (const std::uint32_t style = m_styles.style(attributeNamed(node, "s").as_uint(), m_isProtected))
-            m_settings.rowStyles[row] = style;
-    }
-    m_lastRow = std::max(m_lastRow, row);
-}
-
-void XlsxSheetReader::cell(pugi::xml_node node, CellAddress at)
-{
-    reach({at.column, at.row, at.column, at.row});
-    const Column::Place place = m_sheet.loadColumn(at.column).writable(at.row);
-    place.block.setStyle(place.index, m_styles.style(attributeNamed(node, "s").as_uint(), m_isProtected));
-    pugi::xml_node valueNode, formulaNode;
-    for (const pugi::xml_node child : node.children()) {
-        const std::string_view name = localName(child.name());
-        if (name == "v" || name == "is")
-            valueNode = child;
-        else if (name == "f")
-            formulaNode = child;
-    }
-    if (valueNode)
-        place.block.setValue(place.index, value(node, valueNode));
-    if (formulaNode)
-        formula(formulaNode, at, place);
-}
-
-Value XlsxSheetReader::value(pugi::xml_node node, pugi::xml_node valueNode) const
-{
-    const std::string_view type = attributeNamed(node, "t").as_string("n"), text = valueNode.text().get();
-    if (type == "s") {
-        const auto number = static_cast<std::size_t>(valueNode.text().as_ullong(m_book.texts.size()));
-        if (number >= m_book.texts.size())
-            m_warnings.add("有单元格的文本编号超出文本表,按空白引入");
-        return number < m_book.texts.size() && !m_book.texts[number].empty() ? Value(m_book.texts[number])
-                                                                             : Value();
-    }
-    if (type == "inlineStr") {
-        const std::string rich = richText(valueNode);
-        return rich.empty() ? Value() : Value(m_workbook.texts().intern(rich));
-    }
-    if (type == "str")
-        return textResult(textOf(valueNode));
-    if (type == "b")
-        return Value::boolean(text == "1" || text == "true");
-    if (type == "e")
-        return parseErrorText(text).value_or(CellError::value);
-    return numberValue(text, type == "d");
-}
-
-Value XlsxSheetReader::numberValue(std::string_view text, bool isDate) const
-{
-    if (ascii::trimmed(text).empty())
-        return {};
-    if (const std::optional<double> number = isDate ? dateOf(text) : fileNumber(text))
-        return *number;
-    m_warnings.add("有单元格的数字看不懂,按文本引入");
-    return Value::text(text);
-}
-
-/// Programs that leave all computing to the reader write errors and truth values of formulas as texts.
-Value XlsxSheetReader::textResult(std::string_view text) const
-{
-    if (m_book.leavesComputing) {
-        if (const auto error = parseErrorText(text))
-            return *error;
-        if (text == "TRUE" || text == "FALSE")
-            return Value::boolean(text == "TRUE");
-    }
-    return m_workbook.texts().intern(text);
-}
-
-std::uint32_t XlsxSheetReader::interned(std::string_view text, CellAddress at, bool isArray)
-{
-    const std::string plain = plainFormula(text);
-    std::string problem = "引用其他文件";
-    if (plain.find('[') == std::string::npos || plain.find('"') < plain.find('[')) {
-        const auto parsed = m_workbook.formulas().intern(plain, at, m_sheetId, isArray);
-        if (const auto* number = std::get_if<std::uint32_t>(&parsed))
-            return *number;
-        problem = std::get<Refusal>(parsed).reason();
-    }
-    m_warnings.add("表“" + m_sheet.name() + "”的 " + cellName(at) + " 保留了上次算出的值: " + problem);
-    return 0;
-}
-
-void XlsxSheetReader::formula(pugi::xml_node node, CellAddress at, const Column::Place& place)
-{
-    const std::string_view kind = attributeNamed(node, "t").value();
-    const std::string text = textOf(node);
-    if (kind == "dataTable") {
-        m_warnings.add("模拟运算表保留了上次算出的值");
-        return;
-    }
-    if (kind == "array") {
-        const auto range = parseRangeName(attributeNamed(node, "ref").value());
-        const CellRange own = range.value_or(CellRange{at.column, at.row, at.column, at.row});
-        if (const std::uint32_t number = interned(text, {own.left, own.top}, true))
-            m_arrays.push_back({own, number});
-        return;
-    }
-    if (m_book.leavesComputing && parseErrorText(text)) // a constant that could only be written as a formula
-        return;
-    std::uint32_t number = 0;
-    if (kind == "shared") {
-        // In relative form it is the same for all cells that share it.
-        const int group = attributeNamed(node, "si").as_int();
-        if (!text.empty())
-            m_shared[group] = interned(text, at, false);
-        const auto found = m_shared.find(group);
-        number = found == m_shared.end() ? 0 : found->second;
-    } else if (!text.empty()) {
-        number = interned(text, at, false);
-    }
-    if (number != 0)
-        place.block.setFormula(place.index, number);
-}
-
-void XlsxSheetReader::arrays()
-{
-    std::vector<CellRange> ranges;
-    std::int64_t cells = 0;
-    for (const ArrayFormula& array : m_arrays) {
-        ranges.push_back(array.range);
-        cells += std::int64_t(array.range.rows()) * array.range.columns();
-    }
-    if (cells > mostArrayCells || anyOverlap(ranges)) {
-        m_warnings.add("表“" + m_sheet.name() + "”的数组公式互相重叠或太大,保留了上次算出的值");
-        return;
-    }
-    for (const ArrayFormula& array : m_arrays) {
-        for (int column = array.range.left; column <= array.range.right; ++column) {
-            for (int row = array.range.top; row <= array.range.bottom; ++row) {
-                const Column::Place place = m_sheet.loadColumn(column).writable(row);
-                place.block.setFormula(place.index, array.number);
-            }
-        }
-        reach(array.range);
-    }
-    m_settings.arrays = std::move(ranges);
-}
-
 void XlsxSheetReader::spans(pugi::xml_node root)
 {
     eachChild(childNamed(root, "mergeCells"), "mergeCell", [this](pugi::xml_node node) {
@@ -351,8 +150,13 @@ void XlsxSheetReader::lists(pugi::xml_node root)
         const std::string all = textOf(childNamed(node, "formula1"));
         const std::string_view text = all;
         const bool isLiteral = text.size() > 2 && text.front() == '"' && text.back() == '"';
-        if (std::string_view(attributeNamed(node, "type").value()) != "list" || !isLiteral)
+        const std::string_view type = attributeNamed(node, "type").as_string("none");
+        if (type != "list" || !isLiteral) {
+            if (type != "none")
+                m_warnings.count(type == "list" ? "{} 条从单元格取项目的下拉列表没有引入"
+                                                : "{} 条数据有效性没有引入");
             return;
+        }
         std::string plain;
         for (std::size_t i = 1; i + 1 < text.size(); ++i) {
             plain += text[i];

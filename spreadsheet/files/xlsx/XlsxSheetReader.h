@@ -1,11 +1,15 @@
 #pragma once
 #include "spreadsheet/files/exchange/drop_down_lists.h"
 #include "spreadsheet/files/exchange/Warnings.h"
+#include "spreadsheet/files/xlsx/XlsxNames.h"
 #include "spreadsheet/files/xlsx/XlsxStyles.h"
+#include "spreadsheet/files/xlsx/XmlScanner.h"
 #include "spreadsheet/formula/Lexer.h"
 #include "spreadsheet/workbook/Workbook.h"
 
+#include <optional>
 #include <pugixml.hpp>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -14,6 +18,7 @@ namespace spreadsheet {
 /// What the sheets of a read .xlsx file share.
 struct XlsxBook {
     std::vector<Text> texts;
+    XlsxNames names;
     /// Asks to be computed as soon as it is opened, so that the results in it need not tell their kinds.
     bool leavesComputing = false;
 };
@@ -23,8 +28,8 @@ class XlsxSheetReader {
 public:
     XlsxSheetReader(Workbook& workbook, Sheet& sheet, XlsxStyles& styles, const XlsxBook& book,
                     Warnings& warnings);
-    /// @throws ContentError
-    void read(pugi::xml_node root);
+    /// @param data  what stands between the tags of its "sheetData". @throws ContentError
+    void read(pugi::xml_node root, std::span<char> data);
     void readComments(pugi::xml_node root);
     /// Hands the settings to the sheet.
     void finish();
@@ -33,13 +38,37 @@ private:
     void sizes(pugi::xml_node root);
     void columnSizes(pugi::xml_node node);
     void view(pugi::xml_node root);
-    void rows(pugi::xml_node data);
-    void rowSettings(pugi::xml_node node, int row);
-    void cell(pugi::xml_node node, CellAddress at);
-    Value value(pugi::xml_node node, pugi::xml_node value) const;
+    /// What a row's or a cell's start tag says, and what stands in a cell.
+    struct RowHead {
+        int number = 0; ///< 0: the one behind the row before
+        int height = 0; ///< in twips; 0: not said
+        bool isHidden = false, isFormatted = false, isOutlined = false;
+        unsigned format = 0;
+    };
+    struct CellFormula {
+        std::string_view text, kind, range;
+        int group = 0;
+    };
+    struct CellText {
+        std::string_view name; ///< empty: the one behind the cell before
+        unsigned format = 0;
+        std::string_view type = "n";
+        std::optional<std::string_view> value{};
+        std::optional<std::string> rich{}; ///< a text that stands in the cell
+        std::optional<CellFormula> formula{};
+    };
+
+    void rows(std::span<char> data);
+    void row(XmlScanner& xml, int& number);
+    void rowSettings(const RowHead& head, int row);
+    static RowHead rowHead(const XmlScanner& xml);
+    static CellText cellText(XmlScanner& xml);
+    static CellFormula cellFormula(XmlScanner& xml);
+    void cell(const CellText& text, CellAddress at);
+    Value value(const CellText& cell) const;
     Value numberValue(std::string_view text, bool isDate) const;
     Value textResult(std::string_view text) const;
-    void formula(pugi::xml_node node, CellAddress at, const Column::Place& place);
+    void formula(const CellFormula& formula, CellAddress at, const Column::Place& place);
     std::uint32_t interned(std::string_view text, CellAddress at, bool isArray);
     void arrays();
     void spans(pugi::xml_node root);
@@ -50,6 +79,8 @@ private:
     std::string headerText(pugi::xml_node node) const;
     static void breaks(pugi::xml_node node, std::map<int, bool>& starts, int last);
     void reach(const CellRange& range);
+    /// Of a height in points; 0 for one that no row has.
+    static int twipsOf(double points);
 
     struct ArrayFormula {
         CellRange range;

@@ -1,6 +1,5 @@
 #include "spreadsheet/files/xlsx/XlsxStyleSheet.h"
 
-#include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
@@ -138,8 +137,7 @@ std::uint32_t XlsxStyleSheet::numberFormat(const CellStyle& style)
 
 std::uint32_t XlsxStyleSheet::made(const CellStyle& style)
 {
-    if (cellTypeRow(style.type).isControl)
-        m_warnings.add("按钮和复选框单元格写为普通单元格");
+    countLostLines(style, m_warnings);
     const std::uint32_t font = m_fonts.number(fontElement(style));
     const std::uint32_t fill =
         style.background == automaticColour ? 0 : m_fills.number(patternFill("solid", style.background));

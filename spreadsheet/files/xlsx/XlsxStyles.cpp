@@ -1,6 +1,7 @@
 #include "spreadsheet/files/xlsx/XlsxStyles.h"
 
 #include "spreadsheet/files/exchange/fill_patterns.h"
+#include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
 #include "spreadsheet/files/xlsx/xml.h"
@@ -54,6 +55,17 @@ Colour tinted(Colour colour, double tint)
     return result;
 }
 
+/// Such files tell their language by the usual font alone: one for letters only was not chosen in China.
+FileCountry countryOf(pugi::xml_node usualFont)
+{
+    constexpr int westernSet = 0;
+    const std::string_view family = attributeNamed(childNamed(usualFont, "name"), "val").value();
+    const bool isWestern =
+        attributeNamed(childNamed(usualFont, "charset"), "val").as_int(westernSet) == westernSet &&
+        std::ranges::all_of(family, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    return isWestern && !family.empty() && !isChineseFont(family) ? FileCountry::america : FileCountry::china;
+}
+
 /// An element that is there without a value means yes.
 bool flag(pugi::xml_node node, std::string_view name)
 {
@@ -103,8 +115,11 @@ XlsxStyles::Font XlsxStyles::font(pugi::xml_node node) const
     font.look.italic = flag(node, "i");
     font.look.strikeThrough = flag(node, "strike");
     const pugi::xml_node underline = childNamed(node, "u");
-    font.look.underline =
-        underline && std::string_view(attributeNamed(underline, "val").as_string("single")) != "none";
+    const std::string_view lines = underline ? attributeNamed(underline, "val").as_string("single") : "none";
+    font.look.underline = lines != "none";
+    font.isDoubled = lines.starts_with("double");
+    const std::string_view raised = attributeNamed(childNamed(node, "vertAlign"), "val").value();
+    font.isRaised = raised == "superscript" || raised == "subscript";
     const pugi::xml_node colourNode = childNamed(node, "color");
     // Black by theme is the colour of a text that nobody coloured.
     if (!(attributeNamed(colourNode, "theme").as_int(-1) == 1 && !attributeNamed(colourNode, "tint")))
@@ -112,16 +127,18 @@ XlsxStyles::Font XlsxStyles::font(pugi::xml_node node) const
     return font;
 }
 
-Colour XlsxStyles::fill(pugi::xml_node node) const
+XlsxStyles::Fill XlsxStyles::fill(pugi::xml_node node) const
 {
     const pugi::xml_node pattern = childNamed(node, "patternFill");
     if (!pattern) // a gradient: its first colour
-        return colour(childNamed(childNamed(childNamed(node, "gradientFill"), "stop"), "color"));
+        return {colour(childNamed(childNamed(childNamed(node, "gradientFill"), "stop"), "color")),
+                childNamed(node, "gradientFill") ? "{} 种单元格格式的渐变填充改为单色" : nullptr};
     const unsigned number = place(patternNames, attributeNamed(pattern, "patternType").as_string("none"));
     if (number == 0 || number >= patternNames.size())
-        return automaticColour;
-    return patternColour(number, colour(childNamed(pattern, "fgColor")),
-                         colour(childNamed(pattern, "bgColor")));
+        return {};
+    return {
+        patternColour(number, colour(childNamed(pattern, "fgColor")), colour(childNamed(pattern, "bgColor"))),
+        number > 1 ? "{} 种单元格格式的图案填充改为近似的单色" : nullptr};
 }
 
 BorderLine XlsxStyles::line(pugi::xml_node node) const
@@ -146,6 +163,7 @@ void XlsxStyles::read(pugi::xml_node root)
     });
     eachChild(childNamed(root, "fonts"), "font",
               [this](pugi::xml_node node) { m_fonts.push_back(font(node)); });
+    m_country = countryOf(childNamed(childNamed(root, "fonts"), "font"));
     eachChild(childNamed(root, "fills"), "fill",
               [this](pugi::xml_node node) { m_fills.push_back(fill(node)); });
     eachChild(childNamed(root, "borders"), "border", [this](pugi::xml_node node) {
@@ -153,8 +171,11 @@ void XlsxStyles::read(pugi::xml_node root)
             const pugi::xml_node found = childNamed(node, name);
             return line(found ? found : childNamed(node, other));
         };
+        const bool isCrossed =
+            (isTrue(attributeNamed(node, "diagonalUp")) || isTrue(attributeNamed(node, "diagonalDown"))) &&
+            line(childNamed(node, "diagonal")).style != LineStyle::none;
         m_borders.push_back({side("left", "start"), side("right", "end"), line(childNamed(node, "top")),
-                             line(childNamed(node, "bottom"))});
+                             line(childNamed(node, "bottom")), isCrossed});
     });
     eachChild(childNamed(root, "cellXfs"), "xf", [this](pugi::xml_node node) {
         m_cellFormats.push_back({node, {}});
@@ -184,12 +205,32 @@ void XlsxStyles::align(pugi::xml_node alignment, CellStyle& style) const
         m_warnings.add("旋转的文字按水平方向显示");
 }
 
+/// Of a format that cells use.
+void XlsxStyles::countLosses(pugi::xml_node format) const
+{
+    const std::size_t font = attributeNamed(format, "fontId").as_uint();
+    const std::size_t fill = attributeNamed(format, "fillId").as_uint();
+    const std::size_t border = attributeNamed(format, "borderId").as_uint();
+    if (font < m_fonts.size() && m_fonts[font].isRaised)
+        m_warnings.count("{} 种单元格格式的上标或下标没有引入");
+    if (font < m_fonts.size() && m_fonts[font].isDoubled)
+        m_warnings.count("{} 种单元格格式的双下划线改为单下划线");
+    if (fill < m_fills.size() && m_fills[fill].loss)
+        m_warnings.count(m_fills[fill].loss);
+    if (border < m_borders.size() && m_borders[border].isCrossed)
+        m_warnings.count("{} 种单元格格式的斜线没有引入");
+    if (isTrue(attributeNamed(childNamed(format, "alignment"), "shrinkToFit")))
+        m_warnings.count("{} 种单元格格式的缩小字体填充没有引入");
+    if (isTrue(attributeNamed(childNamed(format, "protection"), "hidden")))
+        m_warnings.count("{} 种单元格格式的隐藏公式没有引入");
+}
+
 CellStyle XlsxStyles::made(pugi::xml_node format, bool isProtected) const
 {
     CellStyle style;
     const int number = attributeNamed(format, "numFmtId").as_int();
     const auto code = m_formats.find(number);
-    applyFormatCode(code == m_formats.end() ? builtInFormatCode(number) : code->second, style);
+    applyFormatCode(code == m_formats.end() ? builtInFormatCode(number, m_country) : code->second, style);
     const std::size_t font = attributeNamed(format, "fontId").as_uint();
     const std::size_t fill = attributeNamed(format, "fillId").as_uint();
     const std::size_t border = attributeNamed(format, "borderId").as_uint();
@@ -198,7 +239,7 @@ CellStyle XlsxStyles::made(pugi::xml_node format, bool isProtected) const
         style.foreground = m_fonts[font].colour;
     }
     if (fill < m_fills.size())
-        style.background = m_fills[fill];
+        style.background = m_fills[fill].colour;
     if (border < m_borders.size()) {
         style.left = m_borders[border].left;
         style.right = m_borders[border].right;
@@ -206,6 +247,7 @@ CellStyle XlsxStyles::made(pugi::xml_node format, bool isProtected) const
         style.bottom = m_borders[border].bottom;
     }
     align(childNamed(format, "alignment"), style);
+    countLosses(format);
     style.locked = isProtected && isTrue(attributeNamed(childNamed(format, "protection"), "locked"), true);
     return style;
 }

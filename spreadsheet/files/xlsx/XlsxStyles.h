@@ -1,5 +1,6 @@
 #pragma once
 #include "spreadsheet/cells/StylePool.h"
+#include "spreadsheet/files/exchange/number_formats.h"
 #include "spreadsheet/files/exchange/Palette.h"
 #include "spreadsheet/files/exchange/Warnings.h"
 
@@ -30,9 +31,16 @@ private:
     struct Font {
         CellFont look;
         Colour colour = automaticColour;
+        bool isRaised = false;  ///< super- or subscript
+        bool isDoubled = false; ///< underlined by two lines
+    };
+    struct Fill {
+        Colour colour = automaticColour;
+        const char* loss = nullptr; ///< what of it is not shown here
     };
     struct Border {
         BorderLine left, right, top, bottom;
+        bool isCrossed = false; ///< by a diagonal line
     };
     struct CellFormat {
         pugi::xml_node node;
@@ -41,9 +49,10 @@ private:
 
     Colour colour(pugi::xml_node node) const;
     Font font(pugi::xml_node node) const;
-    Colour fill(pugi::xml_node node) const;
+    Fill fill(pugi::xml_node node) const;
     BorderLine line(pugi::xml_node node) const;
     CellStyle made(pugi::xml_node format, bool isProtected) const;
+    void countLosses(pugi::xml_node format) const;
     void align(pugi::xml_node alignment, CellStyle& style) const;
 
     StylePool& m_pool;
@@ -51,8 +60,9 @@ private:
     Palette m_palette;
     std::vector<Colour> m_theme;
     std::map<int, std::string> m_formats;
+    FileCountry m_country = FileCountry::china;
     std::vector<Font> m_fonts;
-    std::vector<Colour> m_fills;
+    std::vector<Fill> m_fills;
     std::vector<Border> m_borders;
     std::vector<CellFormat> m_cellFormats;
 };

@@ -120,26 +120,33 @@ XmlWriter& XmlWriter::open(std::string_view name)
 
 XmlWriter& XmlWriter::attribute(std::string_view name, std::string_view text)
 {
-    std::string value;
-    appendXml(value, text, true);
-    return plainAttribute(name, value);
+    beginAttribute(name);
+    appendXml(m_xml, text, true);
+    m_xml += '"';
+    return *this;
 }
 
 XmlWriter& XmlWriter::attribute(std::string_view name, double number)
 {
-    std::string value;
-    appendNumberText(value, number);
-    return plainAttribute(name, value);
+    beginAttribute(name);
+    appendNumberText(m_xml, number);
+    m_xml += '"';
+    return *this;
 }
 
 XmlWriter& XmlWriter::plainAttribute(std::string_view name, std::string_view value)
 {
-    m_xml += ' ';
-    m_xml += name;
-    m_xml += "=\"";
+    beginAttribute(name);
     m_xml += value;
     m_xml += '"';
     return *this;
+}
+
+void XmlWriter::beginAttribute(std::string_view name)
+{
+    m_xml += ' ';
+    m_xml += name;
+    m_xml += "=\"";
 }
 
 XmlWriter& XmlWriter::keepBlanks(std::string_view text)

@@ -61,6 +61,7 @@ public:
 
 private:
     XmlWriter& plainAttribute(std::string_view name, std::string_view value);
+    void beginAttribute(std::string_view name);
     void content();
 
     Sink m_sink;

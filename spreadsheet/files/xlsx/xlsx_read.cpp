@@ -5,7 +5,8 @@
 #include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/Archive.h"
 #include "spreadsheet/files/xlsx/Relations.h"
-#include "spreadsheet/files/xlsx/xlsx_formula.h"
+#include "spreadsheet/files/xlsx/xlsx_defined_names.h"
+#include "spreadsheet/files/xlsx/xlsx_losses.h"
 #include "spreadsheet/files/xlsx/XlsxSheetReader.h"
 #include "spreadsheet/files/xlsx/xml.h"
 #include "spreadsheet/workbook/Workbook.h"
@@ -34,16 +35,19 @@ public:
         requireFile(book && localName(book->root().name()) == "workbook",
                     "压缩包中没有工作簿 (不是 .xlsx 文件)");
         const Relations relations(m_archive, *path);
+        countBookLosses(relations, m_warnings);
         readStyles(relations);
         readTexts(relations);
         m_workbook.setCountsFrom1904(
             isTrue(attributeNamed(childNamed(book->root(), "workbookPr"), "date1904")));
         m_shared.leavesComputing =
             isTrue(attributeNamed(childNamed(book->root(), "calcPr"), "fullCalcOnLoad"));
-        nameSheets(childNamed(book->root(), "sheets"));
+        nameSheets(childNamed(book->root(), "sheets"), relations);
+        for (const Tab& tab : m_tabs)
+            readTables(tab);
         defineNames(childNamed(book->root(), "definedNames"));
         for (const Tab& tab : m_tabs)
-            readSheet(tab, relations);
+            readSheet(tab);
         printNames(childNamed(book->root(), "definedNames"));
         activate(book->root());
         m_workbook.markCalculated();
@@ -51,7 +55,7 @@ public:
 
 private:
     struct Tab {
-        std::string relation;
+        std::optional<std::string> path; ///< of its part
         bool isHidden;
         int sheet; ///< ours; 0: none
     };
@@ -82,11 +86,11 @@ private:
     }
 
     /// Our sheets, under the file's names where these are allowed and free.
-    void nameSheets(pugi::xml_node sheets)
+    void nameSheets(pugi::xml_node sheets, const Relations& relations)
     {
         int count = 0;
         eachChild(sheets, "sheet", [&](pugi::xml_node node) {
-            Tab tab{attributeNamed(node, "id").value(), false, 0};
+            Tab tab{relations.byId(attributeNamed(node, "id").value()), false, 0};
             tab.isHidden = std::string_view(attributeNamed(node, "state").as_string("visible")) != "visible";
             if (count == maxSheets)
                 m_warnings.add("工作表超过 256 张,其余的没有引入");
@@ -98,34 +102,45 @@ private:
         requireFile(count > 0, "没有工作表");
     }
 
-    void defineNames(pugi::xml_node names)
+    void readTables(const Tab& tab)
     {
-        constexpr int mostNames = 4096; // each definition looks for circles among all
-        int count = 0;
-        eachChild(names, "definedName", [&](pugi::xml_node node) {
-            const std::string name = textOf(attributeNamed(node, "name"));
-            if (name.starts_with("_xlnm.") || isTrue(attributeNamed(node, "function")) || ++count > mostNames)
-                return;
-            if (const Refusal problem = m_workbook.defineName(name, plainFormula(textOf(node))))
-                m_warnings.add("名称“" + name + "”没有引入: " + problem.reason());
-        });
+        if (!tab.path || tab.sheet == 0)
+            return;
+        for (const std::string& path : Relations(m_archive, *tab.path).allOfKind("/table")) {
+            const auto xml = XmlPart::read(m_archive, path);
+            if (xml)
+                readXlsxTable(xml->root(), m_workbook.sheet(tab.sheet).name(), m_shared.names, m_warnings);
+        }
     }
 
-    void readSheet(const Tab& tab, const Relations& relations)
+    void defineNames(pugi::xml_node names)
     {
-        const auto path = relations.byId(tab.relation);
-        const auto xml = path && tab.sheet != 0 ? XmlPart::read(m_archive, *path) : std::nullopt;
+        std::vector<int> sheets;
+        for (const Tab& tab : m_tabs)
+            sheets.push_back(tab.sheet);
+        defineXlsxNames(names, sheets, m_workbook, m_shared.names, m_warnings);
+    }
+
+    void readSheet(const Tab& tab)
+    {
         if (tab.sheet == 0)
             return;
-        requireFile(xml.has_value(), "压缩包中缺少工作表的内容");
+        auto xml = tab.path ? XmlPart::read(m_archive, *tab.path, "sheetData") : std::nullopt;
+        if (!xml) {
+            m_warnings.add("表“" + m_workbook.sheet(tab.sheet).name() + "”在文件中没有内容,引入为空表");
+            return;
+        }
         Sheet& sheet = m_workbook.sheet(tab.sheet);
         if (localName(xml->root().name()) != "worksheet") {
             m_warnings.add("“" + sheet.name() + "”不是工作表,引入为空表");
             return;
         }
         XlsxSheetReader reader(m_workbook, sheet, m_styles, m_shared, m_warnings);
-        reader.read(xml->root());
-        if (const auto comments = Relations(m_archive, *path).byKind("/comments")) {
+        reader.read(xml->root(), xml->apart());
+        const Relations relations(m_archive, *tab.path);
+        countSheetLosses(xml->root(), m_warnings);
+        countDrawingLosses(m_archive, relations, m_warnings);
+        if (const auto comments = relations.byKind("/comments")) {
             if (const auto commentXml = XmlPart::read(m_archive, *comments))
                 reader.readComments(commentXml->root());
         }

@@ -12,6 +12,8 @@
 #include "spreadsheet/workbook/sheet_name.h"
 #include "spreadsheet/workbook/Workbook.h"
 
+#include <algorithm>
+
 namespace spreadsheet {
 
 // Parts of the archive refer to each other by name, and strict programs refuse a file with one reference too
@@ -39,9 +41,10 @@ void requireSheetName(const std::string& name)
 /// Programs that know no report functions would make errors of them, so nothing asks for a recalculation.
 class XlsxWriter {
 public:
-    XlsxWriter(const Workbook& workbook, Warnings& warnings)
+    XlsxWriter(const Workbook& workbook, Warnings& warnings, const PutBytes& put)
         : m_workbook(workbook)
         , m_parts(workbook, warnings)
+        , m_archive(put)
     {
         for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet) {
             requireSheetName(workbook.sheet(sheet).name());
@@ -49,7 +52,7 @@ public:
         }
     }
 
-    std::vector<std::byte> write()
+    void write()
     {
         // The list of contents first: by it other programs tell what the file is.
         m_archive.part("[Content_Types].xml", [this](XmlWriter& xml) { contentTypes(xml); });
@@ -65,7 +68,7 @@ public:
         m_archive.part("xl/sharedStrings.xml", [this](XmlWriter& xml) { texts(xml); });
         m_archive.part("xl/workbook.xml", [this](XmlWriter& xml) { book(xml); });
         m_archive.part("xl/_rels/workbook.xml.rels", [this](XmlWriter& xml) { bookRelations(xml); });
-        return m_archive.take();
+        m_archive.finish();
     }
 
 private:
@@ -177,15 +180,13 @@ private:
 
     void names(XmlWriter& xml)
     {
-        std::vector<std::pair<std::string, std::string>> defined;
-        for (int number = 0; number < m_workbook.names().size(); ++number) {
-            const NameTable::Entry& entry = m_workbook.names()[number];
-            if (entry.formula != 0)
-                defined.emplace_back(entry.name,
-                                     portableFormula(m_workbook.formulas().text(entry.formula, {1, 1}),
-                                                     {1, 1}, m_parts.sheetId));
-        }
         const std::vector<std::pair<int, std::string>> titles = printTitles();
+        const NameTable& names = m_workbook.names();
+        std::vector<NameTable::Entry> defined;
+        for (int number = 0; number < names.size(); ++number) {
+            if (names[number].formula != 0)
+                defined.push_back(names[number]);
+        }
         if (defined.empty() && titles.empty())
             return;
         xml.open("definedNames");
@@ -195,9 +196,17 @@ private:
                 .attribute("localSheetId", sheet - 1)
                 .text(rows)
                 .close();
-        for (const auto& [name, formula] : defined)
-            xml.open("definedName").attribute("name", name).keepBlanks(formula).text(formula).close();
+        for (const NameTable::Entry& entry : defined)
+            definedName(entry, xml);
         xml.close();
+    }
+
+    void definedName(const NameTable::Entry& entry, XmlWriter& xml) const
+    {
+        const std::string formula =
+            portableFormula(m_workbook.formulas().text(entry.formula, {1, 1}), {1, 1}, m_parts.sheetId);
+        xml.open("definedName").attribute("name", entry.name);
+        xml.keepBlanks(formula).text(formula).close();
     }
 
     /// Rows that are repeated on each page, by sheet.
@@ -235,9 +244,19 @@ private:
 
 } // namespace
 
+void writeXlsx(const Workbook& workbook, Warnings& warnings, const PutBytes& put)
+{
+    XlsxWriter(workbook, warnings, put).write();
+}
+
 std::vector<std::byte> writeXlsx(const Workbook& workbook, Warnings& warnings)
 {
-    return XlsxWriter(workbook, warnings).write();
+    std::vector<std::byte> file;
+    writeXlsx(workbook, warnings, [&file](std::size_t place, std::span<const std::byte> bytes) {
+        file.resize(std::max(file.size(), place + bytes.size()));
+        std::ranges::copy(bytes, file.begin() + static_cast<std::ptrdiff_t>(place));
+    });
+    return file;
 }
 
 } // namespace spreadsheet

@@ -55,6 +55,8 @@ std::optional<char16_t> escapedUnit(std::string_view text)
 
 std::string withoutEscapes(std::string_view text)
 {
+    if (text.find("_x") == std::string_view::npos)
+        return std::string(text);
     std::string result;
     for (std::size_t at = 0; at < text.size();) {
         std::u16string units; // neighbours together: two may make one character
@@ -71,20 +73,53 @@ std::string withoutEscapes(std::string_view text)
     return result;
 }
 
+/// Where the content of the first element of a name stands; an empty range if it has none.
+std::pair<std::size_t, std::size_t> contentOf(std::string_view text, std::string_view name)
+{
+    for (std::size_t at = text.find(name); at != std::string_view::npos; at = text.find(name, at + 1)) {
+        const std::size_t open = text.rfind('<', at), behind = at + name.size();
+        const std::string_view prefix = text.substr(std::min(open, at) + 1, at - std::min(open, at) - 1);
+        const bool isTag = open != std::string_view::npos && behind < text.size() &&
+                           std::string_view(" \t\r\n/>").find(text[behind]) != std::string_view::npos &&
+                           (prefix.empty() || (prefix.ends_with(':') && prefix.find(' ') == prefix.npos));
+        if (!isTag)
+            continue;
+        const std::size_t begin = text.find('>', behind);
+        const std::size_t end =
+            text.rfind("</" + std::string(prefix) + std::string(name)); // it cannot stand in a text
+        return begin == std::string_view::npos || end == std::string_view::npos || end < begin
+                   ? std::pair(std::size_t(0), std::size_t(0))
+                   : std::pair(begin + 1, end);
+    }
+    return {0, 0};
+}
+
 } // namespace
 
-std::optional<XmlPart> XmlPart::read(Archive& archive, std::string_view path)
+std::optional<XmlPart> XmlPart::read(Archive& archive, std::string_view path, std::string_view apart)
 {
     std::optional<std::vector<char>> text = archive.part(path);
     if (!text)
         return std::nullopt;
-    requireMeasure(*text);
     XmlPart part;
     part.m_text = std::move(*text);
+    if (!apart.empty()) {
+        const auto [begin, end] = contentOf({part.m_text.data(), part.m_text.size()}, apart);
+        part.m_apart = begin;
+        part.m_apartSize = end - begin;
+    }
+    const auto content = part.m_text.begin() + static_cast<std::ptrdiff_t>(part.m_apart);
+    if (part.m_apartSize > 0) {
+        part.m_rest.assign(part.m_text.begin(), content);
+        part.m_rest.insert(part.m_rest.end(), content + static_cast<std::ptrdiff_t>(part.m_apartSize),
+                           part.m_text.end());
+    }
+    std::vector<char>& parsed = part.m_apartSize > 0 ? part.m_rest : part.m_text;
+    requireMeasure(parsed);
     part.m_document = std::make_unique<pugi::xml_document>();
     const auto options = (pugi::parse_default | pugi::parse_ws_pcdata_single) & ~pugi::parse_comments;
     const pugi::xml_parse_result result =
-        part.m_document->load_buffer_inplace(part.m_text.data(), part.m_text.size(), options);
+        part.m_document->load_buffer_inplace(parsed.data(), parsed.size(), options);
     if (!result)
         refuseFile("压缩包中的 " + std::string(path) + " 不是完整的 XML");
     return part;
@@ -105,6 +140,11 @@ pugi::xml_attribute attributeNamed(pugi::xml_node node, std::string_view name)
 {
     return node.find_attribute(
         [name](pugi::xml_attribute attribute) { return localName(attribute.name()) == name; });
+}
+
+std::string textOf(std::string_view text)
+{
+    return withoutEscapes(text);
 }
 
 std::string textOf(pugi::xml_node node)
@@ -146,12 +186,14 @@ std::string richText(pugi::xml_node node)
     return text;
 }
 
+bool isTrue(std::string_view value)
+{
+    return value == "1" || value == "true" || value == "on";
+}
+
 bool isTrue(pugi::xml_attribute attribute, bool otherwise)
 {
-    if (!attribute)
-        return otherwise;
-    const std::string_view value = attribute.value();
-    return value == "1" || value == "true" || value == "on";
+    return attribute ? isTrue(std::string_view(attribute.value())) : otherwise;
 }
 
 } // namespace spreadsheet

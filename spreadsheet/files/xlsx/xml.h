@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,11 +18,15 @@ class XmlPart {
 public:
     /// Null if there is no such part. @throws ContentError if it is no well-formed XML, or holds elements
     /// without measure or nested without end
-    static std::optional<XmlPart> read(Archive& archive, std::string_view path);
+    /// @param apart  an element whose content stays out of the tree: too many elements
+    static std::optional<XmlPart> read(Archive& archive, std::string_view path, std::string_view apart = {});
     pugi::xml_node root() const { return m_document->document_element(); }
+    /// What stands between the tags of the element that was to be left out.
+    std::span<char> apart() { return std::span(m_text).subspan(m_apart, m_apartSize); }
 
 private:
-    std::vector<char> m_text; ///< the document points into it
+    std::vector<char> m_text, m_rest; ///< the document points into the latter if anything was left out
+    std::size_t m_apart = 0, m_apartSize = 0;
     std::unique_ptr<pugi::xml_document> m_document;
 };
 
@@ -45,6 +50,7 @@ void eachChild(pugi::xml_node node, std::string_view name, Visit visit)
 std::string richText(pugi::xml_node node);
 /// What an element or attribute says as text. "_xHHHH_" stands for a UTF-16 unit, often one that XML cannot
 /// hold; the character 0 is left out.
+std::string textOf(std::string_view text);
 std::string textOf(pugi::xml_node node);
 std::string textOf(pugi::xml_attribute attribute);
 /// A number as it stands in the file; `otherwise` if there is none.
@@ -52,6 +58,7 @@ double numberOf(pugi::xml_attribute attribute, double otherwise = 0);
 /// A decimal comma counts as a point: programs write one under the locale of some countries.
 std::optional<double> fileNumber(std::string_view text);
 /// "1", "true" and "on" are true.
+bool isTrue(std::string_view value);
 bool isTrue(pugi::xml_attribute attribute, bool otherwise = false);
 
 } // namespace spreadsheet

@@ -138,10 +138,12 @@ print([(rows[row].height, rows[row].height_mismatch) for row in range(4)])
     }
 }
 
-void expectForeign(const std::filesystem::path& file)
+constexpr const char* severalFonts = "单元格内各段文字的不同字体没有保留,按单元格的字体显示";
+
+void expectForeign(const std::filesystem::path& file, const std::vector<std::string>& losses)
 {
     Workbook workbook;
-    EXPECT_THAT(loadWorkbook(workbook, file), testing::ElementsAre(testing::HasSubstr("不同字体")));
+    EXPECT_EQ(loadWorkbook(workbook, file), losses);
     const Sheet& sheet = workbook.sheet(1);
     EXPECT_EQ(sheet.name(), "报表");
     EXPECT_EQ(sheet.displayText({1, 1}), "科目 & 余额");
@@ -190,7 +192,7 @@ book.save(sys.argv[1])
 )",
                      folder.file("a.xls")),
               "");
-    expectForeign(folder.file("a.xls"));
+    expectForeign(folder.file("a.xls"), {severalFonts});
 }
 
 TEST(Interoperability, OpensXlsxOfAnotherWriter)
@@ -220,7 +222,7 @@ book.close()
 )",
                      folder.file("a.xlsx")),
               "");
-    expectForeign(folder.file("a.xlsx"));
+    expectForeign(folder.file("a.xlsx"), {severalFonts, "1 条从单元格取项目的下拉列表没有引入"});
     Workbook workbook;
     loadWorkbook(workbook, folder.file("a.xlsx"));
     const Sheet& sheet = workbook.sheet(1);

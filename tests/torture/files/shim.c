@@ -122,6 +122,14 @@ ssize_t write(int handle, const void* bytes, size_t size)
     return isOurHandle(handle) && isThePlace(1) ? -1 : REAL(write)(handle, bytes, size);
 }
 
+#define PWRITE(name)                                                                               \
+    ssize_t name(int handle, const void* bytes, size_t size, off_t place)                          \
+    {                                                                                              \
+        return isOurHandle(handle) && isThePlace(1) ? -1 : REAL(name)(handle, bytes, size, place); \
+    }
+PWRITE(pwrite)
+PWRITE(pwrite64)
+
 int fsync(int handle)
 {
     return isOurHandle(handle) && isThePlace(1) ? -1 : REAL(fsync)(handle);

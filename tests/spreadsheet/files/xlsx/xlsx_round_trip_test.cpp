@@ -3,23 +3,14 @@
 #include "spreadsheet/files/xlsx/xlsx_write.h"
 #include "tests/spreadsheet/files/FilesTest.h"
 #include "tests/spreadsheet/files/sample_workbook.h"
+#include "tests/spreadsheet/files/xlsx/made_archive.h"
 
-#include <fstream>
 #include <gmock/gmock.h>
 #include <limits>
-#include <minizip/zip.h>
 #include <random>
 
 namespace spreadsheet {
 namespace {
-
-std::vector<std::byte> bytesOf(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(stream)), {});
-    const Bytes bytes = std::as_bytes(std::span(text));
-    return {bytes.begin(), bytes.end()};
-}
 
 std::string reasonFor(Bytes file)
 {
@@ -31,37 +22,6 @@ std::string reasonFor(Bytes file)
         return error.what();
     }
     return {};
-}
-
-using Parts = std::vector<std::pair<std::string, std::string>>;
-
-std::vector<std::byte> archive(const TestFolder& folder, const Parts& parts)
-{
-    const std::filesystem::path path = folder.file("made.zip");
-    const zipFile zip = zipOpen64(path.c_str(), APPEND_STATUS_CREATE);
-    for (const auto& [name, content] : parts) {
-        zip_fileinfo info{};
-        zipOpenNewFileInZip(zip, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, 8, 9);
-        zipWriteInFileInZip(zip, content.data(), static_cast<unsigned>(content.size()));
-        zipCloseFileInZip(zip);
-    }
-    zipClose(zip, nullptr);
-    return bytesOf(path);
-}
-
-/// The smallest workbook, with the given sheet.
-Parts workbookOf(const std::string& sheet)
-{
-    const std::string relation = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
-    return {
-        {"_rels/.rels", "<Relationships><Relationship Id=\"r1\" Type=\"" + relation +
-                            "/officeDocument\" Target=\"/xl/workbook.xml\"/></Relationships>"},
-        {"xl/workbook.xml",
-         "<x:workbook xmlns:x=\"m\" xmlns:r=\"r\"><x:sheets><x:sheet name=\"S\" sheetId=\"1\" "
-         "r:id=\"r1\"/></x:sheets></x:workbook>"},
-        {"xl/_rels/workbook.xml.rels", "<Relationships><Relationship Id=\"r1\" Type=\"" + relation +
-                                           "/worksheet\" Target=\"worksheets/sheet1.xml\"/></Relationships>"},
-        {"xl/worksheets/sheet1.xml", sheet}};
 }
 
 TEST(Xlsx, RoundTripKeepsEverything)
@@ -197,6 +157,28 @@ TEST(Xlsx, RefusalsNameTheReason)
     };
     for (const auto& c : cases)
         EXPECT_THAT(reasonFor(archive(folder, c.parts)), testing::HasSubstr(c.reason)) << c.what;
+}
+
+/// The file goes out piece by piece; what the one who takes them throws comes out as it is.
+TEST(Xlsx, AFailureOfTheTargetPassesThrough)
+{
+    struct DiskFull {};
+    Workbook workbook;
+    std::mt19937 random(13); // NOLINT: the same amounts every time
+    for (int row = 1; row <= 40'000; ++row)
+        workbook.sheet(1).setNumber({1, row}, static_cast<double>(random()));
+    int pieces = 0;
+    Warnings warnings;
+    writeXlsx(workbook, warnings, [&](std::size_t, Bytes) { ++pieces; });
+    ASSERT_GT(pieces, 3);
+    for (int failing = 1; failing <= pieces; ++failing) {
+        int left = failing;
+        const auto put = [&](std::size_t, Bytes) {
+            if (--left == 0)
+                throw DiskFull();
+        };
+        EXPECT_THROW(writeXlsx(workbook, warnings, put), DiskFull) << failing;
+    }
 }
 
 TEST(Xlsx, DamagedBytesNeitherCrashNorTakeLong)
