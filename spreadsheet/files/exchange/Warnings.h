@@ -1,8 +1,6 @@
 #pragma once
-#include <algorithm>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace spreadsheet {
@@ -15,25 +13,8 @@ public:
     void add(const std::string& text) { count(text, 0); }
     /// A loss that is told once with its number.
     /// @param text  has "{}" where the number stands
-    void count(std::string_view text, int more = 1)
-    {
-        const auto found = std::ranges::find(m_losses, text, &Loss::text);
-        if (found != m_losses.end())
-            found->count += more;
-        else if (m_losses.size() < most)
-            m_losses.push_back({std::string(text), more});
-    }
-    std::vector<std::string> texts() const
-    {
-        std::vector<std::string> texts;
-        for (const Loss& loss : m_losses) {
-            const std::size_t place = loss.count > 0 ? loss.text.find("{}") : std::string::npos;
-            texts.push_back(loss.text);
-            if (place != std::string::npos)
-                texts.back().replace(place, 2, std::to_string(loss.count));
-        }
-        return texts;
-    }
+    void count(std::string_view text, int more = 1);
+    std::vector<std::string> texts() const;
 
 private:
     struct Loss {
