@@ -24,8 +24,6 @@ struct FileName {
 bool isOurs(pugi::xml_node node, Warnings& warnings)
 {
     const std::string_view name = attributeNamed(node, "name").value();
-    if (name.starts_with("_xlnm.Print_Area"))
-        warnings.add("打印区域没有引入,按已用区域打印");
     const bool isMacro =
         isTrue(attributeNamed(node, "function")) || isTrue(attributeNamed(node, "vbProcedure"));
     if (isMacro)
