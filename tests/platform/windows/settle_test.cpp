@@ -14,6 +14,7 @@ using OnScreen = test::WindowTest;
 TEST_F(OnScreen, WindowsOpenWithTheirTitlesInSight)
 {
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    const bool hasManager = QGuiApplication::platformName() == "xcb"; // it puts the titles round windows
     QDialog parent;
     parent.setGeometry(screen.right() - 200, 0, 200, 100);
     show(parent);
@@ -39,7 +40,9 @@ TEST_F(OnScreen, WindowsOpenWithTheirTitlesInSight)
         show(dialog);
         const QRect opened = dialog.geometry();
         QTest::qWait(600); // the manager's answers
-        EXPECT_TRUE(!c.isChild || dialog.geometry() == opened) << c.name << " jumps";
+        if (c.isChild && hasManager) {
+            EXPECT_EQ(dialog.geometry(), opened) << c.name << " jumps";
+        }
         EXPECT_TRUE(screen.contains(dialog.frameGeometry()))
             << c.name << ": " << dialog.frameGeometry().x() << ' ' << dialog.frameGeometry().y() << ' '
             << dialog.frameGeometry().width() << ' ' << dialog.frameGeometry().height();

@@ -81,7 +81,7 @@ TEST_F(DesignerControls, TheRightButtonOffersAllOfTheEditMenuWhereItIsPressed)
     grid().cursor().select({2, 2, 3, 3});
     const QStringList all = entriesOf(control<QMenu>(*window, "MenuEdit"));
     EXPECT_GT(all.size(), 50);
-    EXPECT_EQ(press(at(3, 3)), (QStringList{"MenuCut", "MenuCopy", "MenuPaste"} + all));
+    EXPECT_EQ(press(at(3, 3)), (QStringList{"MenuCut", "MenuCopy", "MenuPaste", "MenuDrill"} + all));
     EXPECT_EQ(grid().cursor().firstRange(), (spreadsheet::CellRange{2, 2, 3, 3}))
         << "within what is selected";
     press(at(4, 5));

@@ -161,7 +161,7 @@ TEST_F(Drill, GoesOutAsAnExcelFile)
     spreadsheet::Workbook read;
     spreadsheet::loadWorkbook(read, file);
     std::string items;
-    for (int row = 1; row <= 12; ++row)
+    for (int row = 1; row <= 13; ++row)
         items += read.sheet(1).displayText({2, row}) + "|";
     EXPECT_THAT(items, HasSubstr("1001|期初余额|借方发生额|贷方发生额|合计|单元格|差额|"));
 }
