@@ -133,8 +133,10 @@ void DrillTree::openCall(DrillNode& node, DatabaseAccess& database, std::size_t 
     node.way = way;
     node.page = page;
     node.pages = std::max<std::int64_t>(1, (opened.parts.lines + vouchersOnPage - 1) / vouchersOnPage);
-    if (node.ways.empty())
-        return addFault(node, "没有更细的数了");
+    if (node.ways.empty()) {
+        node.remark += (node.remark.empty() ? "" : "；") + std::string("没有更细的数了");
+        return;
+    }
     const CallParts& parts = opened.parts;
     if (!parts.failure.empty())
         return addFault(node, parts.failure);

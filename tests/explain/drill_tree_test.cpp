@@ -59,7 +59,7 @@ TEST(DrillTree, EveryFigureOfTheDemoReportsIsTheSumOfItsParts)
                 opened += tree.root().parts.empty() || !tree.root().parts.front().isOpen ? 0 : 1;
             }
         });
-    EXPECT_GT(figures, 800);
+    EXPECT_GT(figures, 500);
     EXPECT_GT(sums, figures * 9 / 10) << "of " << figures;
     EXPECT_GT(opened, 20);
     RecordProperty("figures", figures);

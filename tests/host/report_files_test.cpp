@@ -1,8 +1,8 @@
 // Where the program writes reports, and what it leaves alone.
+#include "tests/host/changed_ledger.h"
 #include "tests/host/ProgramRun.h"
 
 #include <gmock/gmock.h>
-#include <sqlite3.h>
 #include <sys/stat.h>
 
 using ::testing::AllOf;
@@ -96,13 +96,7 @@ TEST_F(ReportFiles, StayWhenAStrictRunFindsNamesWithoutMeaning)
     std::ofstream(folder.file("a.csv")) << "old csv";
     const std::string changed = folder.file("changed.db");
     std::filesystem::copy_file(demo(), changed);
-    sqlite3* connection = nullptr;
-    ASSERT_EQ(sqlite3_open(changed.c_str(), &connection), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(connection,
-                           "update tblAccount set fNumber='x'||fNumber where fNumber like '1122%'", nullptr,
-                           nullptr, nullptr),
-              SQLITE_OK);
-    sqlite3_close(connection);
+    changeLedger(changed, "update tblAccount set fNumber='x'||fNumber where fNumber like '1122%'");
     const std::string before = folder.content();
 
     const ProgramRun run(both(changed) + " --strict");

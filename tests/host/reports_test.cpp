@@ -1,7 +1,7 @@
+#include "tests/host/changed_ledger.h"
 #include "tests/host/ProgramRun.h"
 
 #include <gmock/gmock.h>
-#include <sqlite3.h>
 
 using ::testing::AllOf;
 using ::testing::HasSubstr;
@@ -28,16 +28,6 @@ protected:
 void writeFile(const std::string& file, const std::string& content)
 {
     std::ofstream(file, std::ios::binary) << content;
-}
-
-void change(const std::string& database, const char* sql)
-{
-    sqlite3* connection = nullptr;
-    ASSERT_EQ(sqlite3_open(database.c_str(), &connection), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(connection, sql, nullptr, nullptr, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(connection);
-    EXPECT_GT(sqlite3_changes(connection), 0) << sql;
-    sqlite3_close(connection);
 }
 
 } // namespace
@@ -70,7 +60,7 @@ TEST_F(Reports, FiguresAgreeWithSeparateQueriesUntilTheLedgerChanges)
 
     const TestFolder folder;
     std::filesystem::copy_file(demo(), folder.file("wrong.db"));
-    change(folder.file("wrong.db"), "update tblAccountBal set fEndBal = fEndBal + 1");
+    changeLedger(folder.file("wrong.db"), "update tblAccountBal set fEndBal = fEndBal + 1");
     const ProgramRun wrong("check --db " + folder.file("wrong.db"));
     EXPECT_EQ(wrong.exitCode, 1);
     EXPECT_THAT(wrong.output, HasSubstr("不一致"));
@@ -84,10 +74,10 @@ TEST_F(Reports, TheLedgerIsProvedAndWhatIsWrongIsPlaced)
 
     const TestFolder folder;
     std::filesystem::copy_file(demo(), folder.file("wrong.db"));
-    change(folder.file("wrong.db"),
-           "update tblAccountBal set fEndBal=fEndBal+0.01 where fYear=2025 and fPeriod=12 "
-           "and fDetailId=0 and fCurrencyid=1 and faccountid=(select fitemid from "
-           "tblAccount where fNumber='100101')");
+    changeLedger(folder.file("wrong.db"),
+                 "update tblAccountBal set fEndBal=fEndBal+0.01 where fYear=2025 and fPeriod=12 "
+                 "and fDetailId=0 and fCurrencyid=1 and faccountid=(select fitemid from "
+                 "tblAccount where fNumber='100101')");
     const ProgramRun wrong("prove --db " + folder.file("wrong.db"));
     EXPECT_EQ(wrong.exitCode, 1);
     EXPECT_THAT(wrong.output, AllOf(HasSubstr("不符\t期初 + 借方 − 贷方 = 期末\t1 行，差额合计 0.01"),
@@ -105,10 +95,10 @@ TEST_F(Reports, AFigureIsExplainedAndACentThatIsTooMuchShows)
                                         HasSubstr("100201 "), HasSubstr("\n差额\t0.00\n")));
     const TestFolder folder;
     std::filesystem::copy_file(demo(), folder.file("wrong.db"));
-    change(folder.file("wrong.db"),
-           "update tblAccountBal set fEndBal=fEndBal+0.01 where fYear=2025 and fPeriod=12 "
-           "and fDetailId=0 and fCurrencyid=1 and faccountid=(select fitemid from "
-           "tblAccount where fNumber='100201')");
+    changeLedger(folder.file("wrong.db"),
+                 "update tblAccountBal set fEndBal=fEndBal+0.01 where fYear=2025 and fPeriod=12 "
+                 "and fDetailId=0 and fCurrencyid=1 and faccountid=(select fitemid from "
+                 "tblAccount where fNumber='100201')");
     const ProgramRun wrong("explain 1 D5 --depth 4 --json --db " + folder.file("wrong.db"));
     EXPECT_EQ(wrong.exitCode, 1);
     EXPECT_THAT(wrong.output, HasSubstr("\"difference\":-0.01"));
@@ -161,8 +151,9 @@ TEST_F(Reports, FailuresNameTheThingAndLeaveNothing)
     writeFile(folder.file("old.pdf"), "old");
     std::filesystem::create_directory(folder.file("folder.pdf"));
     std::filesystem::copy_file(demo(), folder.file("damaged.db"));
-    change(folder.file("damaged.db"),
-           "update tblCWSelfReport set fFileContent = substr(fFileContent, 1, length(fFileContent) / 2)");
+    changeLedger(
+        folder.file("damaged.db"),
+        "update tblCWSelfReport set fFileContent = substr(fFileContent, 1, length(fFileContent) / 2)");
     std::filesystem::copy_file(demo(), folder.file("cut.db"));
     std::filesystem::resize_file(folder.file("cut.db"), std::filesystem::file_size(demo()) / 3);
     const std::string before = folder.content();
