@@ -97,6 +97,7 @@ struct Words {
 constexpr std::array words{
     Words{"relation \"", "\" does not exist", 208},
     Words{"column \"", "\" does not exist", 207},
+    Words{"procedure ", ") does not exist", 2812}, // or none with these parameters
 };
 
 const Meaning* meaningOf(std::span<const std::int32_t> numbers)
