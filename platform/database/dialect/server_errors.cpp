@@ -95,8 +95,7 @@ struct Words {
     std::int32_t number;
 };
 constexpr std::array words{
-    Words{"relation \"", "\" does not exist", 208},
-    Words{"column \"", "\" does not exist", 207},
+    Words{"relation \"", "\" does not exist", 208}, Words{"column \"", "\" does not exist", 207},
     Words{"procedure ", ") does not exist", 2812}, // or none with these parameters
 };
 
