@@ -81,8 +81,8 @@ void frmDrill::buildLayout()
     m_tree->setHeaderLabels({QStringLiteral("项目"), QStringLiteral("依据"), QStringLiteral("系数"),
                              QStringLiteral("金额"), QStringLiteral("占比")});
     m_tree->setUniformRowHeights(true); // there may be thousands
-    m_tree->setColumnWidth(item, 300);
-    m_tree->setColumnWidth(basis, 280);
+    m_tree->setColumnWidth(item, 270);
+    m_tree->setColumnWidth(basis, 250);
     m_tree->setColumnWidth(factor, 60);
     m_tree->setColumnWidth(amount, 140);
     m_tree->setExpandsOnDoubleClick(false); // a double click goes to the cell, as Enter does
