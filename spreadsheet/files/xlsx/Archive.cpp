@@ -96,7 +96,8 @@ std::optional<std::vector<char>> Archive::part(std::string_view path)
     m_room -= content.size();
     if (info.compression_method == 0) {
         requireFile(packed.size() == content.size(), damaged);
-        std::memcpy(content.data(), packed.data(), packed.size());
+        if (!content.empty())
+            std::memcpy(content.data(), packed.data(), packed.size());
     } else {
         requireFile(libdeflate_deflate_decompress(m_unpacker.get(), packed.data(), packed.size(),
                                                   content.data(), content.size(),
