@@ -9,6 +9,7 @@
 #include "spreadsheet/calculation/PerturbedBook.h"
 #include "spreadsheet/files/content/content.h"
 #include "spreadsheet/values/coercion.h"
+#include "tests/own_files.h"
 
 #include <algorithm>
 #include <chrono>
@@ -16,7 +17,6 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <iostream>
-#include <unistd.h>
 
 namespace selfreport {
 namespace {
@@ -90,8 +90,7 @@ int compareMoves(const std::vector<FormulaCell>& cells, PerturbedBook& copy, con
 
 TEST(DemoLinearForms, AllFiguresOfTheDemoReports)
 {
-    const auto file =
-        std::filesystem::temp_directory_path() / ("figures-" + std::to_string(::getpid()) + ".db");
+    const auto file = test::ownFile("figures.db");
     createDemoLedger(file.string());
     const std::string target = "Provider=SQLite;Data Source=" + file.string();
     storeDemoReports(target);

@@ -7,11 +7,11 @@
 #include "reports/report_run.h"
 #include "spreadsheet/files/text/csv.h"
 #include "state/shared_state.h"
+#include "tests/own_files.h"
 
 #include <cmath>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace selfreport {
 namespace {
@@ -21,7 +21,7 @@ class DemoReports : public testing::Test {
 protected:
     static void SetUpTestSuite()
     {
-        s_file = std::filesystem::temp_directory_path() / ("demo-" + std::to_string(::getpid()) + ".db");
+        s_file = test::ownFile("demo.db");
         createDemoLedger(s_file.string());
         storeDemoReports(connectionString());
     }

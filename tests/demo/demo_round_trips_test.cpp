@@ -5,19 +5,18 @@
 #include "fetch/evaluation.h"
 #include "platform/database/Connection.h"
 #include "reports/ReportStore.h"
+#include "tests/own_files.h"
 #include "tests/tdsserver/TdsServer.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace selfreport {
 namespace {
 
 TEST(DemoRoundTrips, ARecalculationTakesAHandful)
 {
-    const auto file =
-        std::filesystem::temp_directory_path() / ("trips-" + std::to_string(::getpid()) + ".db");
+    const auto file = test::ownFile("trips.db");
     createDemoLedger(file.string());
     storeDemoReports("Provider=SQLite;Data Source=" + file.string());
     const struct {

@@ -3,11 +3,11 @@
 #include "demo/ledger/demo_ledger.h"
 #include "platform/database/Connection.h"
 #include "platform/database/sqlite/sqlite_provider.h"
+#include "tests/own_files.h"
 
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <unistd.h>
 
 namespace selfreport::test {
 
@@ -37,8 +37,7 @@ private:
     static std::filesystem::path freshFile()
     {
         static int count = 0;
-        return std::filesystem::temp_directory_path() /
-               ("explained-" + std::to_string(::getpid()) + "-" + std::to_string(++count) + ".db");
+        return ownFile("explained-" + std::to_string(++count) + ".db");
     }
     struct Template {
         Template()

@@ -3,12 +3,12 @@
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "platform/services/RecordingDialogs.h"
 #include "state/shared_state.h"
+#include "tests/own_files.h"
 #include "tests/tdsserver/TestedDatabase.h"
 
 #include <cstddef>
 #include <filesystem>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace selfreport::test {
@@ -70,8 +70,7 @@ public:
 private:
     static std::filesystem::path freshFile()
     {
-        return std::filesystem::temp_directory_path() /
-               ("ledger-" + std::to_string(::getpid()) + "-" + std::to_string(++s_count) + ".db");
+        return ownFile("ledger-" + std::to_string(++s_count) + ".db");
     }
     struct Template {
         Template()

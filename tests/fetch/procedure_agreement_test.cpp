@@ -3,6 +3,7 @@
 #include "fetch/ledger_fetch.h"
 #include "platform/database/Connection.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
+#include "tests/own_files.h"
 #include "tests/tdsserver/RealServer.h"
 
 #include <array>
@@ -13,7 +14,6 @@
 #include <map>
 #include <random>
 #include <set>
-#include <unistd.h>
 
 namespace selfreport {
 namespace {
@@ -411,9 +411,7 @@ protected:
     static constexpr int calls = 2'000;
 
     ProcedureAgreement()
-        : m_file(
-              (std::filesystem::temp_directory_path() / ("agreement-" + std::to_string(::getpid()) + ".db"))
-                  .string())
+        : m_file(test::ownFile("agreement.db").string())
     {
     }
     ~ProcedureAgreement() override

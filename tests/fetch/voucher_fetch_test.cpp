@@ -2,11 +2,11 @@
 #include "fetch/voucher_fetch.h"
 #include "platform/database/Connection.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
+#include "tests/own_files.h"
 #include "tests/tdsserver/RealServer.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace selfreport {
 namespace {
@@ -57,9 +57,7 @@ protected:
             m_server.emplace();
             connection = openConnection(m_server->connectionString());
         } else {
-            m_file =
-                (std::filesystem::temp_directory_path() / ("vouchers-" + std::to_string(::getpid()) + ".db"))
-                    .string();
+            m_file = test::ownFile("vouchers.db").string();
             std::filesystem::remove(m_file);
             createDatabase(m_file);
             connection = openConnection("Provider=SQLite;Data Source=" + m_file);

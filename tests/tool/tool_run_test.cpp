@@ -3,6 +3,7 @@
 #include "spreadsheet/files/content/content.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "tests/fetch/TestLedger.h"
+#include "tests/own_files.h"
 
 #include <filesystem>
 #include <fstream>
@@ -44,8 +45,7 @@ TEST(ReportRun, AFailedFetchLeavesFilesAndOutputUnlessAllowed)
         report.sheet(1).setFormula({1, 2}, R"(Acct("1122|客户|001" ,"2" , "", "2025","1","2"))"));
     spreadsheet::demand(report.sheet(1).setFormula({1, 3}, R"(Acct("9999" ,"2" , "", "2025","1","2"))"));
     ledger.addReport(4, "应收表", spreadsheet::saveContent(report));
-    const std::filesystem::path csv =
-        std::filesystem::temp_directory_path() / ("run-" + std::to_string(::getpid()) + ".csv");
+    const std::filesystem::path csv = test::ownFile("run.csv");
     const std::string file = csv.string();
 
     EXPECT_EQ(Ran(ledger, {"", file}).exitCode, 0); // an account that there is not is no failure
