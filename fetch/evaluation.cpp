@@ -144,6 +144,8 @@ ReportEvaluation::ReportEvaluation(spreadsheet::Workbook& workbook, DatabaseAcce
     , m_record(workbook)
 {
     m_workbook.setStepEndHook([this] { keepDisplay(); });
+    m_workbook.setTextInstead(
+        [this](const Sheet& sheet, CellAddress cell) { return textInstead(sheet, cell); });
 }
 
 ReportEvaluation::~ReportEvaluation()
@@ -155,6 +157,28 @@ ReportEvaluation::~ReportEvaluation()
     m_workbook.setPrepareHook({});
     m_workbook.setPauseHook({});
     m_workbook.setStepEndHook({});
+    m_workbook.setTextInstead({});
+}
+
+std::optional<std::string> ReportEvaluation::textInstead(const Sheet& sheet, const CellAddress& cell) const
+{
+    const auto& texts = sheet.settings().nothingTexts;
+    if (texts.empty() || m_workbook.formulasShown())
+        return std::nullopt;
+    const auto found =
+        texts.find(static_cast<int>(m_record.nothingIn({sheet.id(), cell}, sheet.value(cell))));
+    return found == texts.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::map<spreadsheet::SheetCell, std::string> ReportEvaluation::textsInstead() const
+{
+    std::map<spreadsheet::SheetCell, std::string> texts;
+    m_record.eachCall([&](const spreadsheet::SheetCell& cell, const RecordedCall&) {
+        const int sheet = m_workbook.sheetIndexOfId(cell.sheetId);
+        if (auto text = sheet == 0 ? std::nullopt : textInstead(m_workbook.sheet(sheet), cell.cell))
+            texts.insert_or_assign(cell, *std::move(text));
+    });
+    return texts;
 }
 
 void ReportEvaluation::addSelfFunction()

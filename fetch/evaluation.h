@@ -5,7 +5,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -60,7 +62,12 @@ public:
     const RunRecord& record() const { return m_record; }
     std::vector<CellDiagnostic> diagnostics() const { return m_record.diagnostics(); }
 
+    /// What cells show in place of figures that are nothing, as their sheets have it.
+    std::map<spreadsheet::SheetCell, std::string> textsInstead() const;
+
 private:
+    std::optional<std::string> textInstead(const spreadsheet::Sheet& sheet,
+                                           const spreadsheet::CellAddress& cell) const;
     void fps1_CustomFunction(spreadsheet::FunctionCall& call);
     bool computed(const std::function<spreadsheet::RecalculationReport()>& recalculation);
     void explainRecord();

@@ -7,6 +7,8 @@
 #include "reports/ReportStore.h"
 
 #include <exception>
+#include <map>
+#include <utility>
 
 namespace selfreport {
 
@@ -78,13 +80,23 @@ ReportRun runReport(const std::string& connectionString, std::int32_t id, const 
     load(run, id, database);
 
     tell("取数计算");
-    ReportEvaluation evaluation(*run.workbook, database);
-    evaluation.addSelfFunction();
-    evaluation.setFetchesShared(options.fetchesShared);
-    evaluation.startRun();
-    run.diagnostics = evaluation.diagnostics();
-    if (options.computed)
-        options.computed(run, evaluation.record(), database);
+    std::map<spreadsheet::SheetCell, std::string> texts;
+    {
+        ReportEvaluation evaluation(*run.workbook, database);
+        evaluation.addSelfFunction();
+        evaluation.setFetchesShared(options.fetchesShared);
+        evaluation.startRun();
+        run.diagnostics = evaluation.diagnostics();
+        texts = evaluation.textsInstead();
+        if (options.computed)
+            options.computed(run, evaluation.record(), database);
+    }
+    if (!texts.empty())
+        run.workbook->setTextInstead(
+            [texts = std::move(texts)](const spreadsheet::Sheet& sheet, spreadsheet::CellAddress cell) {
+                const auto found = texts.find({sheet.id(), cell});
+                return found == texts.end() ? std::nullopt : std::optional(found->second);
+            });
     return run;
 }
 

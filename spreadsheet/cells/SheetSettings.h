@@ -52,6 +52,7 @@ struct PrintSettings {
     bool centredAcross = false;           ///< cells stand in the middle of the page
     bool centredDown = false;
     bool stamp = false;               ///< a last line under the footer says when and by whom it was printed
+    bool strict = false;              ///< figures that name what there is not are not printed without a word
     std::map<int, bool> rowBreaks;    ///< rows that begin a page; only entries that are true
     std::map<int, bool> columnBreaks; ///< columns that begin a page
     bool isFitted() const { return fitAcross > 0 || fitDown > 0; }
@@ -106,6 +107,9 @@ struct SheetSettings {
     int frozenRows = 0;
     int frozenColumns = 0;
     bool isHidden = false; ///< its tab is not offered
+    /// What is shown in place of a figure that is nothing, by the kind of nothing, whose numbers belong to
+    /// whoever computes the sheet. A kind without a text shows its figure.
+    std::map<int, std::string> nothingTexts;
     PrintSettings print;
     friend bool operator==(const SheetSettings&, const SheetSettings&) = default;
 };

@@ -28,6 +28,14 @@ std::string Sheet::displayText(CellAddress cell) const
     const Text shown = shownText(cell);
     if (!shown.empty())
         return std::string(shown.view());
+    if (m_workbook.textInstead())
+        if (auto text = m_workbook.textInstead()(*this, cell))
+            return *std::move(text);
+    return textOfValue(cell);
+}
+
+std::string Sheet::textOfValue(CellAddress cell) const
+{
     return spreadsheet::displayText(value(cell), style(cell), m_workbook.countsFrom1904());
 }
 

@@ -38,8 +38,11 @@ public:
 
     // Reading. A place without a cell reads as empty.
     Value value(CellAddress cell) const { return m_cells->value(cell); }
-    /// What the cell shows: its shown text if it has one, else its value as its type shows it.
+    /// What the cell shows: its shown text if it has one, else what Workbook::setTextInstead puts in place of
+    /// its value, else its value as its type shows it.
     std::string displayText(CellAddress cell) const;
+    /// Its value as its type shows it, whatever is shown in its place.
+    std::string textOfValue(CellAddress cell) const;
     /// What the cell hands on: its value as type and decimals give it, whatever it shows.
     std::string textByType(CellAddress cell) const;
     bool hasFormula(CellAddress cell) const { return m_cells->formula(cell) != 0; }

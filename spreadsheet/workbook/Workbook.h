@@ -77,6 +77,11 @@ public:
     void setCountsFrom1904(bool from1904);
     bool countsFrom1904() const;
 
+    /// What a cell shows in place of its value; nothing: its value. It is asked while texts are shown.
+    using TextInstead = std::function<std::optional<std::string>(const Sheet& sheet, CellAddress cell)>;
+    void setTextInstead(TextInstead hook) { m_textInstead = std::move(hook); }
+    const TextInstead& textInstead() const { return m_textInstead; }
+
     /// Computes every formula.
     RecalculationReport recalculate();
     /// Computes what depends on changes since the last recalculation, and volatile functions.
@@ -130,6 +135,7 @@ private:
     std::unique_ptr<Recalculation> m_recalculation;
     std::unique_ptr<UndoJournal> m_journal;
     std::function<void()> m_stepEnd;
+    TextInstead m_textInstead;
     std::uint64_t m_revision = 0;
     std::uint64_t m_designRevision = 0; ///< a value that m_revision once had
     int m_displayOnly = 0;

@@ -177,5 +177,39 @@ TEST(CallState, GoesOverReferencesToOtherReports)
         EXPECT_EQ(stateName(states[i].state), stateName(expected[i])) << references[i] << states[i].reason;
 }
 
+TEST(CallState, SheetsChooseWhatNothingsShow)
+{
+    const test::TestLedger ledger;
+    addAccounts(ledger);
+    Workbook workbook;
+    ReportEvaluation evaluation(workbook, sharedContext.database);
+    evaluation.addSelfFunction();
+    workbook.sheet(1).changeSettings([](spreadsheet::SheetSettings& settings) {
+        settings.nothingTexts = {{static_cast<int>(CallState::zeroBalance), "–"},
+                                 {static_cast<int>(CallState::noData), ""},
+                                 {static_cast<int>(CallState::missing), "无此科目"}};
+    });
+    const struct {
+        std::string formula, shown;
+    } cases[] = {
+        {call("1001", 2, 2), "100.25"},
+        {call("6001", 2, 2), "–"},
+        {call("6001", 3, 2), "0.00"},
+        {call("6001", 2, 7), ""},
+        {call("9999", 2, 2), "无此科目"},
+        {call("6001", 2, 7) + "+" + call("9999", 2, 2), "无此科目"},
+        {call("1001", 2, 2) + "+" + call("9999", 2, 2), "100.25"},
+        {call("1001", 2, 2) + "-" + call("1001", 2, 2), "0.00"},
+        {"A5*1", "0"},
+    };
+    for (int row = 1; row <= static_cast<int>(std::size(cases)); ++row)
+        demand(workbook.sheet(1).setFormula({1, row}, cases[row - 1].formula));
+    evaluation.recalculate();
+    for (int row = 1; row <= static_cast<int>(std::size(cases)); ++row)
+        EXPECT_EQ(workbook.sheet(1).displayText({1, row}), cases[row - 1].shown) << cases[row - 1].formula;
+    EXPECT_EQ(workbook.sheet(1).textByType({1, 2}), "0.00"); // what other reports get
+    EXPECT_EQ(workbook.sheet(1).value({1, 5}), spreadsheet::Value(0.0));
+}
+
 } // namespace
 } // namespace selfreport

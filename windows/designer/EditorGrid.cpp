@@ -46,6 +46,22 @@ void frmEditor::EditorGrid::goToFailedFetch()
     m_window.m_formulas->goToFailedFetch();
 }
 
+std::vector<CellWithoutData> frmEditor::EditorGrid::cellsWithoutData() const
+{
+    std::vector<CellWithoutData> cells;
+    for (const CellDiagnostic& found : m_window.m_formulas->evaluation().diagnostics())
+        if (const auto& [sheet, column, row] = found.place; isRefusedByStrictRuns(found.state))
+            cells.push_back({sheet, {column, row}, found.reason});
+    return cells;
+}
+
+void frmEditor::EditorGrid::goTo(const CellWithoutData& cell)
+{
+    m_window.m_fps1->cells().setActiveSheet(cell.sheet);
+    m_window.m_fps1->cursor().setActiveCell(cell.cell.column, cell.cell.row);
+    m_window.m_fps1->setFocus();
+}
+
 void frmEditor::EditorGrid::tellStatus(std::string_view text)
 {
     m_window.m_status->showMessage(QString::fromUtf8(text));

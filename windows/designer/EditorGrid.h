@@ -22,6 +22,8 @@ public:
     int diagnosticsCount() const override;
     std::string failedFetches() const override;
     void goToFailedFetch() override;
+    std::vector<CellWithoutData> cellsWithoutData() const override;
+    void goTo(const CellWithoutData& cell) override;
     void tellStatus(std::string_view text) override;
     void closeDesigner() override;
     spreadsheet::Refusal pageSetupRefusal() const override;

@@ -5,6 +5,7 @@
 #include "windows/designer/EditorFormulas.h"
 #include "windows/designer/frmEditor.h"
 #include "windows/designer/frmGoTo.h"
+#include "windows/designer/frmNothing.h"
 #include "windows/formatting/cell_commands.h"
 #include "windows/formatting/FormatPainter.h"
 #include "windows/formatting/frmBorders.h"
@@ -204,6 +205,7 @@ constexpr EditorCommand optionCommands[] = {
     {"MenuCoverage", "覆盖检查", [](Window w) { w.showCoverage(); }},
     {"MenuDrill", "联查", [](Window w) { w.showDrill(); }, "Ctrl+["},
     {"MenuProve", "账套自检…", [](Window w) { w.showProof(); }},
+    {"MenuNothing", "空值显示…", dialog<frmNothing>},
     separator,
     {.addsMore = [](Window w, QMenu& menu) { w.addPreferences(menu); }},
 };

@@ -18,6 +18,13 @@ namespace selfreport {
 class Connection;
 struct ReportContext;
 
+/// A cell whose call names what there is not, or failed.
+struct CellWithoutData {
+    int sheet = 1; ///< index from 1
+    spreadsheet::CellAddress cell;
+    std::string reason;
+};
+
 /// The grid that the printing windows set up, show and print: the designer's. Its active sheet is shown and
 /// printed; margins, orientation, header and footer belong to the report and go to all of its sheets.
 class PrintedGrid {
@@ -37,6 +44,9 @@ public:
     virtual std::string failedFetches() const = 0;
     /// Makes the first of their cells the active one.
     virtual void goToFailedFetch() = 0;
+    /// What sheets that are printed strictly do not hand out without a word, in the order of sheets.
+    virtual std::vector<CellWithoutData> cellsWithoutData() const { return {}; }
+    virtual void goTo(const CellWithoutData& /*cell*/) {}
     /// Something that is no error, for the status bar.
     virtual void tellStatus(std::string_view text) = 0;
     /// Closes the designer's window, which closes the preview.

@@ -213,7 +213,9 @@ void frmPrintOptions::buildPages(const PrintSettings& print, QGridLayout& places
     centred->addWidget(chkCentredAcross);
     centred->addWidget(chkCentredDown);
     form->addRow(centred);
+    chkStrict = checkBox("chkStrict", "严格打印(有不存在的科目、项目等或取数失败时先询问)", print.strict);
     form->addRow(chkStamp);
+    form->addRow(chkStrict);
 }
 
 void frmPrintOptions::buildButtons(QGridLayout& places)
@@ -273,6 +275,7 @@ bool frmPrintOptions::take(PrintSettings& print)
     print.centredAcross = chkCentredAcross->isChecked();
     print.centredDown = chkCentredDown->isChecked();
     print.stamp = chkStamp->isChecked();
+    print.strict = chkStrict->isChecked();
     const std::string problem = layoutProblem(m_grid, print);
     return problem.empty() || refuse(problem.c_str(), *cboPaper);
 }

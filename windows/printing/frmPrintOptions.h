@@ -49,7 +49,8 @@ private:
     QComboBox *cboPaper = nullptr, *cboOrder = nullptr;
     QDoubleSpinBox *txtPaperWidth = nullptr, *txtPaperHeight = nullptr, *txtTextDistance = nullptr;
     QSpinBox* txtFirstPage = nullptr;
-    QCheckBox *chkCentredAcross = nullptr, *chkCentredDown = nullptr, *chkStamp = nullptr;
+    QCheckBox *chkCentredAcross = nullptr, *chkCentredDown = nullptr, *chkStamp = nullptr,
+              *chkStrict = nullptr;
 };
 
 /// Makes a page begin at a cell's row and column, those of the sheet's first row and column aside; a second

@@ -20,9 +20,13 @@
 #include <QPageSize>
 #include <QProgressDialog>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
+#include <set>
 #include <span>
+#include <utility>
+#include <vector>
 
 namespace selfreport {
 
@@ -38,6 +42,10 @@ struct Cancelled {};
 struct GoesToCell {};
 /// … who has been told why nothing is printed, and does not want a file instead.
 struct Told {};
+/// … or that a strict sheet does not hand out.
+struct GoesTo {
+    CellWithoutData cell;
+};
 
 PrintOutcome refused(const PrintedGrid& grid, const std::string& reason)
 {
@@ -59,12 +67,86 @@ void requireFigures(const PrintedGrid& grid)
         throw GoesToCell();
 }
 
+/// What is not printed without a word: of the active sheet, or of all.
+std::vector<CellWithoutData> withheldCells(PrintedGrid& grid, bool ofAllSheets)
+{
+    std::vector<CellWithoutData> cells = grid.cellsWithoutData();
+    std::erase_if(cells, [&](const CellWithoutData& each) {
+        return !grid.workbook().sheet(each.sheet).settings().print.strict ||
+               (!ofAllSheets && each.sheet != grid.workbook().activeSheet());
+    });
+    return cells;
+}
+
+/// "※ 未取到数据 3 处"; "" for none.
+std::string withheldText(const std::vector<CellWithoutData>& cells)
+{
+    std::set<std::pair<int, spreadsheet::CellAddress>> places;
+    for (const CellWithoutData& each : cells)
+        places.emplace(each.sheet, each.cell);
+    return cells.empty() ? std::string() : "※ 未取到数据 " + std::to_string(places.size()) + " 处";
+}
+
+/// Lists the cells and asks, where the sheet is printed strictly.
+void requireData(const PrintedGrid& grid, spreadsheet::Workbook& workbook,
+                 const std::vector<CellWithoutData>& cells)
+{
+    constexpr std::size_t mostListed = 10;
+    if (cells.empty() || !grid.failedFetches().empty()) // those have been asked about
+        return;
+    std::string list;
+    for (std::size_t i = 0; i < std::min(cells.size(), mostListed); ++i)
+        list += "\n" + workbook.sheet(cells[i].sheet).name() + "!" + spreadsheet::cellName(cells[i].cell) +
+                "  " + cells[i].reason;
+    if (cells.size() > mostListed)
+        list += "\n……";
+    const auto chosen =
+        dialogs().choose(Icon::exclamation, grid.context.title,
+                         withheldText(cells) + "，是否仍然打印？" + list, {"转到", "仍然打印（加注）"});
+    if (!chosen)
+        throw Cancelled();
+    if (*chosen == 0)
+        throw GoesTo{cells.front()};
+}
+
+/// While it lives, such cells show ※ before their figures.
+class NotedCells {
+public:
+    NotedCells(spreadsheet::Workbook& workbook, const std::vector<CellWithoutData>& cells)
+        : m_workbook(workbook)
+        , m_former(workbook.textInstead())
+    {
+        std::set<std::pair<int, spreadsheet::CellAddress>> places;
+        for (const CellWithoutData& each : cells)
+            places.emplace(workbook.sheet(each.sheet).id(), each.cell);
+        if (places.empty())
+            return;
+        m_workbook.setTextInstead(
+            [former = m_former, places](const spreadsheet::Sheet& sheet, spreadsheet::CellAddress cell) {
+                auto text = former ? former(sheet, cell) : std::nullopt;
+                if (!places.contains({sheet.id(), cell}))
+                    return text;
+                return std::optional("※" + text.value_or(sheet.textOfValue(cell)));
+            });
+    }
+    ~NotedCells() { m_workbook.setTextInstead(m_former); }
+    NotedCells(const NotedCells&) = delete;
+    NotedCells& operator=(const NotedCells&) = delete;
+
+private:
+    spreadsheet::Workbook& m_workbook;
+    spreadsheet::Workbook::TextInstead m_former;
+};
+
 /// Work whose cancelling or failing ends a printing.
 template <class Work>
-PrintOutcome outcomeOf(PrintedGrid& grid, const Work& work)
+PrintOutcome outcomeOf(PrintedGrid& grid, bool ofAllSheets, const Work& work)
 {
     try {
         requireFigures(grid);
+        const std::vector<CellWithoutData> withheld = withheldCells(grid, ofAllSheets);
+        requireData(grid, grid.workbook(), withheld);
+        const NotedCells noted(grid.workbook(), withheld);
         work();
         return PrintOutcome::printed;
     } catch (const Cancelled&) {
@@ -75,6 +157,9 @@ PrintOutcome outcomeOf(PrintedGrid& grid, const Work& work)
         return PrintOutcome::failed;
     } catch (const GoesToCell&) {
         grid.goToFailedFetch();
+        return PrintOutcome::left;
+    } catch (const GoesTo& left) {
+        grid.goTo(left.cell);
         return PrintOutcome::left;
     } catch (const std::exception& error) {
         return refused(grid, failures::sentenceOf(error));
@@ -118,14 +203,22 @@ Answer askUsualService(const PrinterSetup& setup)
     }
 }
 
-spreadsheet::PageRequest requestFor(const std::string& paper, PrintedGrid& grid)
+/// The notice that every page begins with.
+std::string noticeOf(PrintedGrid& grid, bool ofAllSheets)
+{
+    const std::string failed = grid.failedFetches();
+    const std::string withheld = withheldText(withheldCells(grid, ofAllSheets));
+    return failed + (failed.empty() || withheld.empty() ? "" : "  ") + withheld;
+}
+
+spreadsheet::PageRequest requestFor(const std::string& paper, PrintedGrid& grid, bool ofAllSheets)
 {
     spreadsheet::PageRequest request;
     if (const auto size = paperSize(paper)) { // counts where the sheets have none
         request.paperWidth = size->width;
         request.paperHeight = size->height;
     }
-    request.notice = grid.failedFetches();
+    request.notice = noticeOf(grid, ofAllSheets);
     request.report = grid.reportName();
     request.stamp = stampText(stampNow(grid.context.user, grid.context.title, grid.diagnosticsCount()));
     return request;
@@ -140,7 +233,7 @@ spreadsheet::PrintDocument documentOf(PrintedGrid& grid, const std::string& pape
     document.author = QString::fromStdString(operatorName(grid.context.user));
     if (const std::string date = settingsStore().value("ParamValue", "Value1"); !date.empty())
         document.subject = QStringLiteral("截止日期 ") + QString::fromStdString(date);
-    document.page = requestFor(paper, grid);
+    document.page = requestFor(paper, grid, allSheets);
     if (allSheets)
         return document;
     document.sheet = grid.workbook().activeSheet();
@@ -239,7 +332,7 @@ void sendToPrinter(PrintedGrid& grid, const std::string& paper, const std::optio
 
 PrintOutcome print(PrintedGrid& grid, const std::optional<PrintChoice>& choice, bool allSheets)
 {
-    return outcomeOf(grid, [&] {
+    return outcomeOf(grid, allSheets, [&] {
         const spreadsheet::PrintDocument document = documentOf(grid, printerSetup().paper, choice, allSheets);
         if (!printerSetup().file.empty())
             return writeFile(grid, document, printerSetup().file);
@@ -281,7 +374,7 @@ void setPaper(PrintedGrid& grid, const std::string& name)
 
 spreadsheet::PageRequest previewRequest(PrintedGrid& grid)
 {
-    return requestFor(printerSetup().paper, grid);
+    return requestFor(printerSetup().paper, grid, false);
 }
 
 std::string layoutProblem(PrintedGrid& grid, const spreadsheet::PrintSettings& print)
@@ -309,7 +402,7 @@ PrintOutcome printAllSheets(PrintedGrid& grid)
 
 PrintOutcome exportPdf(PrintedGrid& grid, bool isArchive)
 {
-    return outcomeOf(grid, [&] {
+    return outcomeOf(grid, true, [&] {
         const auto path = chosenPdf(grid);
         if (!path)
             throw Cancelled();

@@ -67,6 +67,21 @@ bool hasPrintSetup(const stored::Content& content)
     });
 }
 
+/// Version 1 drops both when it saves, and prints what was not to be printed.
+bool hasStrictPrinting(const stored::Content& content)
+{
+    return content.sheets() && std::ranges::any_of(*content.sheets(), [](const stored::Sheet* sheet) {
+               return sheet->print() && sheet->print()->strict();
+           });
+}
+
+bool hasNothingTexts(const stored::Content& content)
+{
+    return content.sheets() && std::ranges::any_of(*content.sheets(), [](const stored::Sheet* sheet) {
+               return sheet->nothing_texts() && sheet->nothing_texts()->size() > 0;
+           });
+}
+
 /// What asks for a version beyond the first.
 constexpr struct {
     std::uint32_t since;
@@ -75,6 +90,8 @@ constexpr struct {
     {2, hasLaterLines},
     {2, hasTenThousands},
     {2, hasPrintSetup},
+    {2, hasStrictPrinting},
+    {2, hasNothingTexts},
 };
 
 } // namespace

@@ -210,7 +210,7 @@ flatbuffers::Offset<stored::Print> writePrint(flatbuffers::FlatBufferBuilder& bu
         limited(print.scale, largestPrintScale), fitsWidth ? 0 : limited(print.fitAcross, mostFittedPages),
         limited(print.fitDown, mostFittedPages), print.downFirst, limited(print.firstPage, largestFirstPage),
         limited(print.paperWidth, maxTwips), limited(print.paperHeight, maxTwips),
-        limited(print.textDistance, maxTwips));
+        limited(print.textDistance, maxTwips), print.strict);
 }
 
 PrintSettings readPrint(const stored::Print* stored)
@@ -249,6 +249,7 @@ PrintSettings readPrint(const stored::Print* stored)
     print.centredAcross = stored->centred_across();
     print.centredDown = stored->centred_down();
     print.stamp = stored->stamp();
+    print.strict = stored->strict();
     print.rowBreaks = readMarks(stored->row_breaks(), rowAxis);
     print.columnBreaks = readMarks(stored->column_breaks(), columnAxis);
     return print;
@@ -338,6 +339,27 @@ DropDowns readDropDowns(const stored::Sheet& stored, const StoredTexts& texts)
     return result;
 }
 
+/// Sheets without any have no list.
+flatbuffers::Offset<flatbuffers::Vector<flatbuffers::Offset<stored::NothingText>>>
+writeNothings(flatbuffers::FlatBufferBuilder& builder, const std::map<int, std::string>& texts)
+{
+    std::vector<flatbuffers::Offset<stored::NothingText>> written;
+    for (const auto& [kind, text] : texts)
+        written.push_back(
+            stored::CreateNothingText(builder, static_cast<std::uint8_t>(kind), builder.CreateString(text)));
+    return written.empty() ? 0 : builder.CreateVector(written);
+}
+
+std::map<int, std::string>
+readNothings(const flatbuffers::Vector<flatbuffers::Offset<stored::NothingText>>* stored)
+{
+    std::map<int, std::string> texts;
+    if (stored)
+        for (const stored::NothingText* entry : *stored)
+            texts.emplace(entry->kind(), entry->text()->str());
+    return texts;
+}
+
 } // namespace
 
 flatbuffers::Offset<stored::Sheet> writeSheet(flatbuffers::FlatBufferBuilder& builder, const Sheet& sheet,
@@ -357,6 +379,7 @@ flatbuffers::Offset<stored::Sheet> writeSheet(flatbuffers::FlatBufferBuilder& bu
     const auto notes = writeCellTexts(builder, settings.notes, writers.texts);
     const auto dropDowns = writeDropDowns(builder, settings.dropDowns, writers.texts);
     const auto captions = writeCellTexts(builder, settings.captions, writers.texts);
+    const auto nothings = writeNothings(builder, settings.nothingTexts);
     const WrittenCells cells = writeCells(builder, sheet, writers);
     return stored::CreateSheet(
         builder, name, limited(settings.rowCount, maxRows), limited(settings.columnCount, maxColumns),
@@ -364,7 +387,7 @@ flatbuffers::Offset<stored::Sheet> writeSheet(flatbuffers::FlatBufferBuilder& bu
         heights, widths, hiddenRows, hiddenColumns, rowStyles, columnStyles, spans, arrays,
         limited(settings.frozenRows, maxRows), limited(settings.frozenColumns, maxColumns), print,
         cells.stretches, cells.kinds, cells.payloads, cells.styles, cells.formulas, cells.tags,
-        cells.shownTexts, notes, dropDowns.lists, dropDowns.entries, captions, settings.isHidden);
+        cells.shownTexts, notes, dropDowns.lists, dropDowns.entries, captions, settings.isHidden, nothings);
 }
 
 void readSheet(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& meanings,
@@ -395,6 +418,7 @@ void readSheet(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& me
         std::erase_if(settings.arrays, [&sheet](const CellRange& range) {
             return !sheet.hasFormula({range.left, range.top}); // one that could not be read
         });
+    settings.nothingTexts = readNothings(stored.nothing_texts());
     checkArrays(sheet, settings.arrays, formulas);
     sheet.changeSettings([&](SheetSettings& target) { target = std::move(settings); });
 }

@@ -42,9 +42,9 @@ std::string fieldOf(const Sheet& sheet, CellAddress cell)
 {
     const std::string_view code = sheet.style(cell).numberFormat.view();
     const Value value = sheet.value(cell);
-    if (code.empty() || !sheet.shownText(cell).empty())
+    if (!sheet.shownText(cell).empty())
         return sheet.displayText(cell);
-    if (!value.isNumber())
+    if (code.empty() || !value.isNumber())
         return sheet.textByType(cell);
     const auto sections = parseFormatCode(code);
     const std::string shown(trimmedBlanks(sheet.displayText(cell)));

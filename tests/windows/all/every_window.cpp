@@ -13,6 +13,7 @@
 #include "windows/designer/frmEditor.h"
 #include "windows/designer/frmFind.h"
 #include "windows/designer/frmGoTo.h"
+#include "windows/designer/frmNothing.h"
 #include "windows/designer/frmTableInfo.h"
 #include "windows/explain/frmDrill.h"
 #include "windows/explain/frmProve.h"
@@ -160,6 +161,7 @@ std::vector<ShownWindow> EveryWindow::windows()
         {"workProgress", [] { return std::make_unique<WaitingDialog>("正在重算"); }},
         {"frmFind", [&on] { return std::make_unique<frmFind>(on.grid); }},
         {"frmGoTo", [&on] { return std::make_unique<frmGoTo>(on.grid); }},
+        {"frmNothing", [&on] { return std::make_unique<frmNothing>(on.grid); }},
         {"frmTableInfo", [&on] { return std::make_unique<frmTableInfo>(sharedContext, on.grid.cells()); }},
         {"frmDataType",
          [&on] {

@@ -50,6 +50,7 @@ TEST_F(DialogKeys, EnterPressesTheDefaultButtonAfterAWholeRoundOfTabs)
         {"MenuSetTableInfo", "frmTableInfo", "txt_1", "cmdOK"},
         {"MenuGoTo", "frmGoTo", "txtPlace", "cmdXPOK"},
         {"MenuDataType", "frmDataType", "PC_1", "cmdXPOK"},
+        {"MenuNothing", "frmNothing", "", "cmdXPOK"},
         {"MenuCellBorder", "frmCellBorder", "PC_0", "cmdXPOK"},
         {"MenuRowHeight", "frmLineSize", "size", "cmdXPOK"},
         {"MenuButtonCaption", "frmButtonCaption", "", "cmdXPOK"},

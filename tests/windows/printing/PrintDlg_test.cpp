@@ -345,5 +345,51 @@ TEST_F(FailedFigures, CanBeGoneTo)
     EXPECT_TRUE(service.printed.empty());
 }
 
+/// B2 asks for an account that there is not, and holds a figure all the same.
+struct StrictSheets : FailedFigures {
+    StrictSheets()
+    {
+        grid.failed.clear();
+        grid.withoutData = {{1, {2, 2}, "科目“1123”不存在"}};
+        grid.book.sheet(1).setNumber({2, 2}, 12345);
+        grid.book.sheet(1).changeSettings([](spreadsheet::SheetSettings& s) { s.print.strict = true; });
+    }
+};
+
+TEST_F(StrictSheets, ListTheirCellsAndAsk)
+{
+    for (const auto& [what, road] : roads) {
+        ledger.boxes.said.clear();
+        EXPECT_EQ(road(), PrintOutcome::cancelled) << what;
+        ASSERT_EQ(ledger.boxes.said.size(), 1U) << what;
+        EXPECT_EQ(ledger.boxes.said[0].text,
+                  "※ 未取到数据 1 处，是否仍然打印？\nSheet1!B2  科目“1123”不存在");
+    }
+    EXPECT_TRUE(service.printed.empty());
+    EXPECT_TRUE(files.asked.empty());
+    ledger.boxes.chosen = {"转到"};
+    EXPECT_EQ(printSheet(grid), PrintOutcome::left);
+    EXPECT_EQ(grid.wentTo, "B2");
+}
+
+TEST_F(StrictSheets, ArePrintedWithTheirCellsNoted)
+{
+    for (const auto& [what, road] : roads) {
+        service.printed.clear();
+        ledger.boxes.chosen = {"仍然打印（加注）"};
+        files.answers = {file};
+        EXPECT_EQ(road(), PrintOutcome::printed) << what;
+        const std::string text = textOf(service.printed.empty() ? contentOf(file) : service.printed[0].pdf);
+        EXPECT_NE(text.find("※ 未取到数据 1 处"), std::string::npos) << what;
+        EXPECT_NE(text.find("※12345"), std::string::npos) << what << text;
+        EXPECT_EQ(grid.book.sheet(1).displayText({2, 2}), "12345");
+    }
+    grid.book.sheet(1).changeSettings([](spreadsheet::SheetSettings& s) { s.print.strict = false; });
+    service.printed.clear();
+    EXPECT_EQ(printSheet(grid), PrintOutcome::printed);
+    ASSERT_EQ(service.printed.size(), 1U);
+    EXPECT_EQ(textOf(service.printed[0].pdf).find("※"), std::string::npos);
+}
+
 } // namespace
 } // namespace selfreport

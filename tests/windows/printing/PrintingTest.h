@@ -32,6 +32,8 @@ struct TestGrid : PrintedGrid {
     int diagnosticsCount() const override { return 0; }
     std::string failedFetches() const override { return failed; }
     void goToFailedFetch() override { ++wentToFailed; }
+    std::vector<CellWithoutData> cellsWithoutData() const override { return withoutData; }
+    void goTo(const CellWithoutData& cell) override { wentTo = spreadsheet::cellName(cell.cell); }
     void tellStatus(std::string_view text) override { status = text; }
     void closeDesigner() override
     {
@@ -62,6 +64,8 @@ struct TestGrid : PrintedGrid {
     std::string status;
     std::string failed; ///< "2 处取数失败，数字不可用"
     int wentToFailed = 0;
+    std::vector<CellWithoutData> withoutData;
+    std::string wentTo;
     int closed = 0;
 };
 

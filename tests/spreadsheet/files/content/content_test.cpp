@@ -441,6 +441,18 @@ TEST(Content, TheVersionIsTheSmallestThatHoldsAll)
              });
          },
          2},
+        {"strict printing",
+         [](Workbook& book) {
+             book.sheet(1).changeSettings([](SheetSettings& settings) { settings.print.strict = true; });
+         },
+         2},
+        {"texts in place of nothings, one of them blank",
+         [](Workbook& book) {
+             book.sheet(1).changeSettings([](SheetSettings& settings) {
+                 settings.nothingTexts = {{1, "–"}, {5, ""}};
+             });
+         },
+         2},
         {"as a text only",
          [](Workbook& book) {
              book.sheet(1).restyle({2, 2, 2, 2},
@@ -462,5 +474,6 @@ TEST(Content, TheVersionIsTheSmallestThatHoldsAll)
         Workbook loaded;
         loadContent(loaded, bytes);
         EXPECT_EQ(saveContent(loaded), bytes) << c.what;
+        EXPECT_EQ(loaded.sheet(1).settings(), workbook.sheet(1).settings()) << c.what;
     }
 }
