@@ -15,6 +15,9 @@ std::size_t hashOf(const CellStyle& style)
         static_cast<std::size_t>(style.font.bold) << 2 | static_cast<std::size_t>(style.font.italic) << 3 |
         static_cast<std::size_t>(style.font.underline) << 4 |
         static_cast<std::size_t>(style.font.strikeThrough) << 5);
+    mix(static_cast<std::size_t>(style.carried.across) << 24 |
+        static_cast<std::size_t>(style.carried.down) << 16 |
+        static_cast<std::size_t>(style.carried.indent) << 8 | style.carried.rotation);
     mix(style.foreground);
     mix(style.background);
     mix(std::hash<float>()(style.font.points));

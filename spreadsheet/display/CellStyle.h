@@ -34,6 +34,21 @@ enum class HorizontalAlignment : std::uint8_t {
 
 enum class VerticalAlignment : std::uint8_t { top = 0, centre = 1, bottom = 2 };
 
+/// How a text is spread over its cell. The codes are stored in the content file: never renumber.
+enum class Spread : std::uint8_t { none = 0, filled = 1, justified = 2, acrossCells = 3, distributed = 4 };
+
+/// What other programs know of a cell's alignment beyond what is shown here. It is carried along, so that a
+/// file goes back as it came.
+struct CarriedAlignment {
+    Spread across = Spread::none; ///< counts while the cell is aligned as what is shown in its place
+    Spread down = Spread::none;   ///< likewise; justified or distributed
+    std::uint8_t indent = 0;      ///< in steps of three blanks
+    std::uint8_t rotation = 0;    ///< degrees: 1 to 90 upwards, 91 to 180 for 1 to 90 downwards;
+                                  ///< stackedLetters
+    static constexpr std::uint8_t stackedLetters = 255;
+    friend bool operator==(const CarriedAlignment&, const CarriedAlignment&) = default;
+};
+
 /// Line styles of a border. The codes are stored in the content file: never renumber.
 enum class LineStyle : std::uint8_t {
     none = 0,
@@ -50,8 +65,10 @@ enum class LineStyle : std::uint8_t {
     fineDashDotDot = 11,
     thick = 12,
     doubled = 13, ///< two lines beside each other
+    medium = 14,  ///< between the plain line and the thick one
+    slantedDashDot = 15,
 };
-inline constexpr LineStyle lastLineStyle = LineStyle::doubled;
+inline constexpr LineStyle lastLineStyle = LineStyle::slantedDashDot;
 
 /// 0xRRGGBB; `automatic` stands for the surroundings' own text or paper colour.
 using Colour = std::uint32_t;
@@ -95,6 +112,7 @@ struct CellStyle {
     CellFont font;
     BorderLine left, right, top, bottom;
     Text numberFormat; ///< format code brought along by an imported file; empty: the type decides
+    CarriedAlignment carried;
     friend bool operator==(const CellStyle&, const CellStyle&) = default;
 };
 

@@ -17,6 +17,7 @@ public:
     struct Entry {
         std::string name;          ///< as it was first written
         std::uint32_t formula = 0; ///< in the formula pool, relative to A1; 0: not defined
+        int sheet = 0;             ///< id of the only sheet that a file has it for; here all know it
     };
 
     /// The number of a name (letter case ignored), given to it if it is new.
@@ -25,9 +26,10 @@ public:
     int find(std::string_view name) const;
     const Entry& operator[](int number) const { return m_entries[static_cast<std::size_t>(number)]; }
     int size() const { return static_cast<int>(m_entries.size()); }
-    void define(int number, std::uint32_t formula)
+    void define(int number, std::uint32_t formula, int sheet = 0)
     {
         m_entries[static_cast<std::size_t>(number)].formula = formula;
+        m_entries[static_cast<std::size_t>(number)].sheet = sheet;
     }
 
     /// Letters, digits, "_", "." and anything beyond ASCII, not beginning with a digit, and neither a

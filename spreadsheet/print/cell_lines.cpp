@@ -13,6 +13,7 @@ namespace {
 
 constexpr double normalWidth = 15; // twips
 constexpr double fineWidth = 5;
+constexpr double mediumWidth = 22;
 constexpr double thickWidth = 30;
 constexpr double doubledShift = 15; // of each of the two from the edge
 constexpr BorderLine noLine{};
@@ -31,12 +32,16 @@ int weightOf(const BorderLine& line)
 {
     if (line.style == LineStyle::none)
         return 0;
-    return line.style == LineStyle::erase ? 4 : isHeavy(line.style) ? 3 : isFine(line.style) ? 1 : 2;
+    if (line.style == LineStyle::erase)
+        return 5;
+    return isHeavy(line.style) ? 4 : line.style == LineStyle::medium ? 3 : isFine(line.style) ? 1 : 2;
 }
 
 double widthOf(LineStyle style)
 {
-    return style == LineStyle::thick ? thickWidth : isFine(style) ? fineWidth : normalWidth;
+    if (style == LineStyle::thick || style == LineStyle::medium)
+        return style == LineStyle::thick ? thickWidth : mediumWidth;
+    return isFine(style) ? fineWidth : normalWidth;
 }
 
 static_assert(doubledShift + normalWidth / 2 <= farthestLine && thickWidth / 2 <= farthestLine);
@@ -53,6 +58,7 @@ QList<qreal> dashesOf(LineStyle style)
         return {20, 30};
     case LineStyle::dashDot:
     case LineStyle::fineDashDot:
+    case LineStyle::slantedDashDot:
         return {90, 40, 20, 40};
     case LineStyle::dashDotDot:
     case LineStyle::fineDashDotDot:

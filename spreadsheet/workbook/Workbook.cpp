@@ -237,7 +237,7 @@ Refusal Workbook::setSheetCount(int count)
     return {};
 }
 
-Refusal Workbook::defineName(std::string_view name, std::string_view formula)
+Refusal Workbook::defineName(std::string_view name, std::string_view formula, int sheet)
 {
     if (!NameTable::isValid(name))
         return Refusal("名称写法不对");
@@ -249,7 +249,7 @@ Refusal Workbook::defineName(std::string_view name, std::string_view formula)
     if (!formula.empty()) {
         const auto sheetId = [this](std::string_view sheetName) {
             const int index = sheetIndex(sheetName);
-            return index == 0 ? 0 : sheet(index).id();
+            return index == 0 ? 0 : this->sheet(index).id();
         };
         const auto parsed =
             m_book->formulas.intern(formula, {1, 1}, sheetId, false, maxFormulaText, Unions::everywhere);
@@ -257,11 +257,11 @@ Refusal Workbook::defineName(std::string_view name, std::string_view formula)
             return *problem;
         meaning = std::get<std::uint32_t>(parsed);
     }
-    const std::uint32_t former = m_book->formulas.names()[number].formula;
+    const NameTable::Entry former = m_book->formulas.names()[number];
     m_journal->keepNames();
-    m_book->formulas.names().define(number, meaning);
+    m_book->formulas.names().define(number, meaning, sheet);
     if (namesTooDeep(m_book->formulas)) {
-        m_book->formulas.names().define(number, former);
+        m_book->formulas.names().define(number, former.formula, former.sheet);
         return Refusal("名称引用了自己,或嵌套得太多");
     }
     m_recalculation->noteNames();

@@ -58,7 +58,8 @@ public:
     const FormulaPool& formulas() const;
     const NameTable& names() const;
     /// Defines or replaces a name ("税率" for "Sheet1!$B$1"); an empty formula takes it away.
-    Refusal defineName(std::string_view name, std::string_view formula);
+    /// @param sheet  id of the only sheet that files are to have it for; 0: all. Here all know it
+    Refusal defineName(std::string_view name, std::string_view formula, int sheet = 0);
 
     /// From now on formulas that call `name` (letter case ignored) with this many parameters ask the
     /// handler; formulas that are already there too. Nothing is recalculated.

@@ -42,7 +42,8 @@ writeNames(flatbuffers::FlatBufferBuilder& builder, const Workbook& workbook)
             continue; // mentioned, not defined
         names.push_back(
             stored::CreateName(builder, builder.CreateString(entry.name),
-                               builder.CreateString(workbook.formulas().text(entry.formula, {1, 1}))));
+                               builder.CreateString(workbook.formulas().text(entry.formula, {1, 1})),
+                               static_cast<std::uint32_t>(workbook.sheetIndexOfId(entry.sheet))));
     }
     return builder.CreateVector(names);
 }
@@ -101,7 +102,10 @@ void readNames(const stored::Content& content, Workbook& workbook, std::vector<s
     if (!content.names())
         return;
     for (const stored::Name* name : *content.names()) {
-        if (const auto problem = workbook.defineName(name->name()->str(), name->formula()->str()))
+        const std::uint32_t sheet = name->sheet();
+        requireContent(sheet <= static_cast<std::uint32_t>(workbook.sheetCount()), "名称的表不对");
+        const int id = sheet == 0 ? 0 : workbook.sheet(static_cast<int>(sheet)).id();
+        if (const auto problem = workbook.defineName(name->name()->str(), name->formula()->str(), id))
             unreadable.push_back("名称“" + name->name()->str() + "”无法识别(" + problem.reason() + ")");
     }
 }

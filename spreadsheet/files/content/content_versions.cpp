@@ -44,6 +44,14 @@ bool hasLaterLines(const stored::Content& content)
     });
 }
 
+bool hasCarriedAlignment(const stored::Content& content)
+{
+    return anyStyle(content, [](const stored::Style* style) {
+        return style->spread_across() != 0 || style->spread_down() != 0 || style->indent() != 0 ||
+               style->rotation() != 0;
+    });
+}
+
 /// Version 1 shows figures in tens of thousands in full, under headings that say otherwise.
 bool hasTenThousands(const stored::Content& content)
 {
@@ -82,16 +90,19 @@ bool hasNothingTexts(const stored::Content& content)
            });
 }
 
+bool hasNamesOfOneSheet(const stored::Content& content)
+{
+    return content.names() &&
+           std::ranges::any_of(*content.names(), [](const stored::Name* name) { return name->sheet() != 0; });
+}
+
 /// What asks for a version beyond the first.
 constexpr struct {
     std::uint32_t since;
     bool (*isUsed)(const stored::Content& content);
 } laterThings[] = {
-    {2, hasLaterLines},
-    {2, hasTenThousands},
-    {2, hasPrintSetup},
-    {2, hasStrictPrinting},
-    {2, hasNothingTexts},
+    {2, hasLaterLines}, {2, hasCarriedAlignment}, {2, hasNamesOfOneSheet}, {2, hasTenThousands},
+    {2, hasPrintSetup}, {2, hasStrictPrinting},   {2, hasNothingTexts},
 };
 
 } // namespace

@@ -40,6 +40,17 @@ CellFont readFont(const stored::Font& font, const StoredTexts& texts)
             font.italic(),        font.underline(), font.strike_through()};
 }
 
+CarriedAlignment readCarried(const stored::Style& style)
+{
+    constexpr int most = static_cast<int>(Spread::distributed), mostDegrees = 180;
+    requireContent(
+        style.spread_across() <= most && style.spread_down() <= most &&
+            (style.rotation() <= mostDegrees || style.rotation() == CarriedAlignment::stackedLetters),
+        "对齐方式不对");
+    return {static_cast<Spread>(style.spread_across()), static_cast<Spread>(style.spread_down()),
+            style.indent(), style.rotation()};
+}
+
 CellStyle readStyle(const stored::Style& style, const std::vector<CellFont>& fonts, const StoredTexts& texts)
 {
     const auto type = cellTypeOf(style.type());
@@ -64,6 +75,7 @@ CellStyle readStyle(const stored::Style& style, const std::vector<CellFont>& fon
     result.top = readLine(style.top());
     result.bottom = readLine(style.bottom());
     result.numberFormat = texts[style.number_format()];
+    result.carried = readCarried(style);
     return result;
 }
 
@@ -75,7 +87,9 @@ flatbuffers::Offset<stored::Style> writeStyle(flatbuffers::FlatBufferBuilder& bu
     return stored::CreateStyle(
         builder, static_cast<std::uint8_t>(style.type), std::min(style.decimals, maxDecimals),
         static_cast<std::uint8_t>(style.horizontal), static_cast<std::uint8_t>(style.vertical), style.wrap,
-        style.locked, style.foreground, style.background, font, numberFormat, &left, &right, &top, &bottom);
+        style.locked, style.foreground, style.background, font, numberFormat, &left, &right, &top, &bottom,
+        static_cast<std::uint8_t>(style.carried.across), static_cast<std::uint8_t>(style.carried.down),
+        style.carried.indent, style.carried.rotation);
 }
 
 } // namespace

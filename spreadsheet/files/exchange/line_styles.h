@@ -24,12 +24,12 @@ inline constexpr std::array<std::string_view, 14> lineNames{"none",
                                                             "slantDashDot"};
 
 /// A plain line of ours is as wide as a thin one of a file, so the hair line alone is the fine one; of broken
-/// lines the thin ones are. A medium line is nearer to the plain one than to the thick one.
+/// lines the thin ones are.
 inline constexpr std::array lineStyleOfFile{
-    LineStyle::none,       LineStyle::solid,       LineStyle::solid,   LineStyle::fineDash,
-    LineStyle::fineDot,    LineStyle::thick,       LineStyle::doubled, LineStyle::fineSolid,
-    LineStyle::dash,       LineStyle::fineDashDot, LineStyle::dashDot, LineStyle::fineDashDotDot,
-    LineStyle::dashDotDot, LineStyle::dashDot,
+    LineStyle::none,       LineStyle::solid,          LineStyle::medium,  LineStyle::fineDash,
+    LineStyle::fineDot,    LineStyle::thick,          LineStyle::doubled, LineStyle::fineSolid,
+    LineStyle::dash,       LineStyle::fineDashDot,    LineStyle::dashDot, LineStyle::fineDashDotDot,
+    LineStyle::dashDotDot, LineStyle::slantedDashDot,
 };
 
 constexpr LineStyle readLineStyle(unsigned number)
@@ -68,6 +68,10 @@ constexpr unsigned fileLineStyle(LineStyle style)
         return 5;
     case LineStyle::doubled:
         return 6;
+    case LineStyle::medium:
+        return 2;
+    case LineStyle::slantedDashDot:
+        return 13;
     }
     return 0;
 }

@@ -39,6 +39,7 @@ std::string lineCss(const char* side, const BorderLine& line)
     case LineStyle::erase:
         return {};
     case LineStyle::solid:
+    case LineStyle::medium:
         isFine = false;
         [[fallthrough]];
     case LineStyle::fineSolid:
@@ -61,6 +62,7 @@ std::string lineCss(const char* side, const BorderLine& line)
     case LineStyle::dash:
     case LineStyle::dashDot:
     case LineStyle::dashDotDot:
+    case LineStyle::slantedDashDot:
         isFine = false;
         [[fallthrough]];
     default:

@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xls/StyleTable.h"
 
+#include "spreadsheet/files/exchange/alignments.h"
 #include "spreadsheet/files/exchange/fill_patterns.h"
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
@@ -9,42 +10,6 @@
 #include <algorithm>
 
 namespace spreadsheet {
-
-namespace {
-
-HorizontalAlignment horizontalOf(unsigned code)
-{
-    switch (code) {
-    case 1:
-    case 4: // filled
-    case 5: // justified
-        return HorizontalAlignment::left;
-    case 2:
-    case 6: // across the selection
-    case 7: // distributed
-        return HorizontalAlignment::centre;
-    case 3:
-        return HorizontalAlignment::right;
-    default:
-        return HorizontalAlignment::general;
-    }
-}
-
-VerticalAlignment verticalOf(unsigned code)
-{
-    switch (code) {
-    case 0:
-    case 3:
-        return VerticalAlignment::top;
-    case 1:
-    case 4:
-        return VerticalAlignment::centre;
-    default:
-        return VerticalAlignment::bottom;
-    }
-}
-
-} // namespace
 
 void StyleTable::readFont(const XlsRecord& record, const CodePage& codePage)
 {
@@ -88,7 +53,8 @@ StyleTable::CellFormat StyleTable::cellFormat8(const XlsRecord& record)
     format.horizontal = alignment & 7u;
     format.wrap = alignment & 8;
     format.vertical = alignment >> 4 & 7u;
-    format.isTurned = record.byteAt(7) != 0;
+    format.rotation = record.byteAt(7);
+    format.indent = record.byteAt(8) & 0xFu;
     const auto lines = record.at<std::uint32_t>(10), further = record.at<std::uint32_t>(14);
     for (unsigned side = 0; side < 4; ++side)
         format.lines[side] = lines >> 4 * side & 0xF;
@@ -111,7 +77,8 @@ StyleTable::CellFormat StyleTable::cellFormat5(const XlsRecord& record)
     format.horizontal = alignment & 7u;
     format.wrap = alignment & 8;
     format.vertical = alignment >> 4 & 7u;
-    format.isTurned = alignment >> 8 & 3;
+    constexpr unsigned turns[]{0, CarriedAlignment::stackedLetters, 90, 180};
+    format.rotation = turns[alignment >> 8 & 3];
     format.patternColour = paper & 0x7Fu;
     format.paperColour = paper >> 7 & 0x7Fu;
     format.pattern = bottom & 0x3Fu;
@@ -169,8 +136,8 @@ CellStyle StyleTable::made(const CellFormat& format, bool isProtected) const
         if (found->colour != xls::automaticFontColour)
             style.foreground = m_palette[found->colour];
     }
-    style.horizontal = horizontalOf(format.horizontal);
-    style.vertical = verticalOf(format.vertical);
+    readAlignment(format.horizontal, format.vertical, style);
+    readIndentAndTurn(format.indent, format.rotation, style);
     style.wrap = format.wrap;
     style.locked = format.locked && isProtected;
     BorderLine* const sides[]{&style.left, &style.right, &style.top, &style.bottom};
@@ -194,7 +161,7 @@ std::uint32_t StyleTable::style(std::size_t cellFormat, bool isProtected)
         number = m_pool.intern(made(format, isProtected));
         if (format.isCrossed)
             m_warnings.count("{} 种单元格格式的斜线没有引入");
-        if (format.isTurned)
+        if (format.rotation != 0)
             m_warnings.add("旋转的文字按水平方向显示");
     }
     return number;

@@ -46,7 +46,7 @@ private:
         unsigned horizontal = 0, vertical = 2;
         bool wrap = false;
         bool isCrossed = false; ///< by a diagonal line
-        bool isTurned = false;
+        unsigned rotation = 0, indent = 0;
         unsigned lines[4]{};   ///< left, right, top, bottom
         unsigned colours[4]{}; ///< of the lines
         unsigned pattern = 0, patternColour = Palette::text, paperColour = Palette::background;

@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xls/XlsStyles.h"
 
+#include "spreadsheet/files/exchange/alignments.h"
 #include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
@@ -16,22 +17,8 @@ namespace {
 constexpr unsigned firstOwnFormat = 164;
 constexpr std::size_t mostCellFormats = 4000; // of 4,050 that programs of the format's time take
 constexpr std::size_t mostFonts = 500;
+constexpr unsigned mostIndent = 15;
 constexpr std::size_t usualFonts = 4; ///< number 4 never stands in a file
-
-unsigned horizontalCode(HorizontalAlignment alignment)
-{
-    switch (alignment) {
-    case HorizontalAlignment::left:
-        return 1;
-    case HorizontalAlignment::centre:
-        return 2;
-    case HorizontalAlignment::right:
-        return 3;
-    case HorizontalAlignment::general:
-        break;
-    }
-    return 0;
-}
 
 } // namespace
 
@@ -141,10 +128,9 @@ void XlsStyles::writeCellFormat(RecordWriter& writer, const CellFormat& format, 
     writer.put16(format.font);
     writer.put16(format.format);
     writer.put16(isParent ? 0xFFF5 : style.locked ? 1u : 0u);
-    writer.put8(horizontalCode(style.horizontal) | (style.wrap ? 8u : 0u) |
-                static_cast<unsigned>(style.vertical) << 4);
-    writer.put8(0);
-    writer.put8(0);
+    writer.put8(horizontalNumber(style) | (style.wrap ? 8u : 0u) | verticalNumber(style) << 4);
+    writer.put8(style.carried.rotation);
+    writer.put8(std::min(indentSteps(style), mostIndent));
     writer.put8(isParent ? 0 : 0xFC); // every group of attributes is the cell's own
     writer.put32(borders);
     writer.put32(format.colours[2] | format.colours[3] << 7 | (isFilled ? 1u << 26 : 0u));

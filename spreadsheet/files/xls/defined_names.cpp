@@ -75,7 +75,10 @@ void defineNames(const std::vector<DefinedName>& names, const XlsLinks& links, W
         const auto text = reader.read(name.tokens, name.extra, {1, 1});
         std::string problem = reader.problem();
         if (text && ++defined <= mostNames) {
-            problem = workbook.defineName(name.name, *text).reason();
+            const std::string* tab =
+                name.tab > 0 ? links.tab(static_cast<std::size_t>(name.tab) - 1) : nullptr;
+            const int sheet = tab ? workbook.sheet(workbook.sheetIndex(*tab)).id() : 0;
+            problem = workbook.defineName(name.name, *text, sheet).reason();
         }
         if (!problem.empty())
             warnings.add("名称“" + name.name + "”没有引入: " + problem);

@@ -170,7 +170,8 @@ private:
                 m_parts.warnings.add("名称“" + entry.name + "”写为 #REF!: " + problem);
                 tokens = {std::byte(xls::tokenError), std::byte(0x17)};
             }
-            nameRecord(writer, utf16Of(xlsName(entry.name)), 0, 0, tokens,
+            nameRecord(writer, utf16Of(xlsName(entry.name)), 0,
+                       static_cast<unsigned>(workbook.sheetIndexOfId(entry.sheet)), tokens,
                        problem.empty() ? formula.extra : std::vector<std::byte>());
         }
         constexpr unsigned isHiddenFunction = 0x0F;

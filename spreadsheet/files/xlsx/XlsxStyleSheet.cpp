@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xlsx/XlsxStyleSheet.h"
 
+#include "spreadsheet/files/exchange/alignments.h"
 #include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/line_styles.h"
 #include "spreadsheet/files/exchange/number_formats.h"
@@ -71,14 +72,16 @@ std::string borderElement(const CellStyle& style)
 void alignment(XmlWriter& xml, const CellStyle& style)
 {
     xml.open("alignment");
-    if (style.horizontal != HorizontalAlignment::general)
-        xml.attribute("horizontal", style.horizontal == HorizontalAlignment::left    ? "left"
-                                    : style.horizontal == HorizontalAlignment::right ? "right"
-                                                                                     : "center");
+    if (const unsigned across = horizontalNumber(style))
+        xml.attribute("horizontal", horizontalNames[across]);
     if (style.vertical != VerticalAlignment::bottom)
-        xml.attribute("vertical", style.vertical == VerticalAlignment::top ? "top" : "center");
+        xml.attribute("vertical", verticalNames[verticalNumber(style)]);
+    if (style.carried.rotation != 0)
+        xml.attribute("textRotation", style.carried.rotation);
     if (style.wrap)
         xml.attribute("wrapText", 1);
+    if (const unsigned indent = indentSteps(style))
+        xml.attribute("indent", indent);
     xml.close();
 }
 

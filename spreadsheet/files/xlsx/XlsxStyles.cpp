@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xlsx/XlsxStyles.h"
 
+#include "spreadsheet/files/exchange/alignments.h"
 #include "spreadsheet/files/exchange/fill_patterns.h"
 #include "spreadsheet/files/exchange/font_family.h"
 #include "spreadsheet/files/exchange/line_styles.h"
@@ -189,19 +190,12 @@ CellFont XlsxStyles::defaultFont() const
 
 void XlsxStyles::align(pugi::xml_node alignment, CellStyle& style) const
 {
-    const std::string_view horizontal = attributeNamed(alignment, "horizontal").value();
-    if (horizontal == "left" || horizontal == "fill" || horizontal == "justify")
-        style.horizontal = HorizontalAlignment::left;
-    else if (horizontal == "right")
-        style.horizontal = HorizontalAlignment::right;
-    else if (horizontal == "center" || horizontal == "centerContinuous" || horizontal == "distributed")
-        style.horizontal = HorizontalAlignment::centre;
-    const std::string_view vertical = attributeNamed(alignment, "vertical").as_string("bottom");
-    style.vertical = vertical == "top" || vertical == "justify"          ? VerticalAlignment::top
-                     : vertical == "center" || vertical == "distributed" ? VerticalAlignment::centre
-                                                                         : VerticalAlignment::bottom;
+    readAlignment(place(horizontalNames, attributeNamed(alignment, "horizontal").value()),
+                  place(verticalNames, attributeNamed(alignment, "vertical").as_string("bottom")), style);
+    readIndentAndTurn(attributeNamed(alignment, "indent").as_uint(),
+                      attributeNamed(alignment, "textRotation").as_uint(), style);
     style.wrap = isTrue(attributeNamed(alignment, "wrapText"));
-    if (attributeNamed(alignment, "textRotation").as_int() != 0)
+    if (style.carried.rotation != 0)
         m_warnings.add("旋转的文字按水平方向显示");
 }
 

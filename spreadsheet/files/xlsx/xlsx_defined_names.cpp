@@ -72,8 +72,9 @@ void defineXlsxNames(pugi::xml_node list, std::span<const int> sheets, Workbook&
     }
     all.resize(std::min(all.size(), mostNames));
     for (const FileName& name : all) {
+        const int id = name.sheet == 0 ? 0 : workbook.sheet(name.sheet).id();
         const std::string formula = names.plain(plainFormula(name.formula), nameOfSheet(name.sheet), {1, 1});
-        if (const Refusal problem = workbook.defineName(name.ours, formula))
+        if (const Refusal problem = workbook.defineName(name.ours, formula, id))
             warnings.add("名称“" + name.ours + "”没有引入: " + problem.reason());
     }
 }

@@ -206,6 +206,8 @@ private:
         const std::string formula =
             portableFormula(m_workbook.formulas().text(entry.formula, {1, 1}), {1, 1}, m_parts.sheetId);
         xml.open("definedName").attribute("name", entry.name);
+        if (const int sheet = m_workbook.sheetIndexOfId(entry.sheet))
+            xml.attribute("localSheetId", sheet - 1);
         xml.keepBlanks(formula).text(formula).close();
     }
 

@@ -21,7 +21,7 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr quint32 magic = 0x43454C33; // "CEL3"
+constexpr quint32 magic = 0x43454C34; // "CEL4"
 
 /// What of a cell follows in the stream.
 enum Has : quint8 { hasValue = 1, hasFormula = 2, hasStyle = 4, hasTag = 8, hasShown = 16 };

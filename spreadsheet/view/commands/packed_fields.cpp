@@ -41,21 +41,27 @@ QDataStream& operator<<(QDataStream& stream, const CellStyle& style)
     stream << quint8(style.type) << quint8(style.decimals) << quint8(style.horizontal)
            << quint8(style.vertical) << quint8(flags) << quint32(style.foreground)
            << quint32(style.background) << bytesOf(font.family.view()) << font.points << style.left
-           << style.right << style.top << style.bottom << bytesOf(style.numberFormat.view());
+           << style.right << style.top << style.bottom << bytesOf(style.numberFormat.view())
+           << quint8(style.carried.across) << quint8(style.carried.down) << style.carried.indent
+           << style.carried.rotation;
     return stream;
 }
 
 QDataStream& operator>>(QDataStream& stream, CellStyle& style)
 {
     quint8 type = 0, decimals = 0, horizontal = 0, vertical = 0, flags = 0;
+    quint8 across = 0, down = 0;
     QByteArray family, numberFormat;
     CellFont& font = style.font;
     stream >> type >> decimals >> horizontal >> vertical >> flags >> style.foreground >> style.background >>
-        family >> font.points >> style.left >> style.right >> style.top >> style.bottom >> numberFormat;
+        family >> font.points >> style.left >> style.right >> style.top >> style.bottom >> numberFormat >>
+        across >> down >> style.carried.indent >> style.carried.rotation;
     style.type = cellTypeOf(type).value_or(CellType::edit);
     style.decimals = std::min(decimals, quint8(15));
     style.horizontal = horizontal <= 3 ? HorizontalAlignment(horizontal) : HorizontalAlignment::general;
     style.vertical = vertical <= 2 ? VerticalAlignment(vertical) : VerticalAlignment::centre;
+    style.carried.across = across <= quint8(Spread::distributed) ? Spread(across) : Spread::none;
+    style.carried.down = down <= quint8(Spread::distributed) ? Spread(down) : Spread::none;
     style.wrap = flags & 1;
     style.locked = flags & 2;
     font.bold = flags & 4;

@@ -387,6 +387,21 @@ TEST(Content, TheStoredSampleOfVersion2Opens)
     EXPECT_EQ(difference(expected, loaded), "");
 }
 
+TEST(Content, AlignmentsLinesAndNamesOfOtherProgramsComeBack)
+{
+    Workbook made, loaded;
+    CellStyle style;
+    style.horizontal = HorizontalAlignment::centre;
+    style.carried = {Spread::distributed, Spread::justified, 2, CarriedAlignment::stackedLetters};
+    style.right = {LineStyle::medium, 0};
+    style.bottom = {LineStyle::slantedDashDot, 0};
+    made.sheet(1).setStyle({8, 8}, style);
+    demand(made.defineName("只此表", "1", made.sheet(1).id()));
+    loadContent(loaded, saveContent(made));
+    EXPECT_EQ(loaded.sheet(1).style({8, 8}), style);
+    EXPECT_EQ(loaded.names()[loaded.names().find("只此表")].sheet, loaded.sheet(1).id());
+}
+
 /// A formula that this program cannot read leaves its cell the value; the rest opens.
 TEST(Content, AnUnreadableFormulaLeavesItsValue)
 {
@@ -452,6 +467,20 @@ TEST(Content, TheVersionIsTheSmallestThatHoldsAll)
                  settings.nothingTexts = {{1, "–"}, {5, ""}};
              });
          },
+         2},
+        {"a medium line",
+         [](Workbook& book) {
+             book.sheet(1).restyle({2, 2, 2, 2}, [](CellStyle& style) {
+                 style.right = {LineStyle::medium, 0};
+             });
+         },
+         2},
+        {"an indent",
+         [](Workbook& book) {
+             book.sheet(1).restyle({2, 2, 2, 2}, [](CellStyle& style) { style.carried.indent = 1; });
+         },
+         2},
+        {"a name of one sheet", [](Workbook& book) { demand(book.defineName("x", "1", book.sheet(1).id())); },
          2},
         {"as a text only",
          [](Workbook& book) {

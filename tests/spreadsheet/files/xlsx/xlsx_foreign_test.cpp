@@ -143,6 +143,10 @@ TEST(XlsxNames, NamesOfOneSheetStayApart)
     readXlsx(writeXlsx(workbook, none), again, none);
     EXPECT_THAT(none.texts(), testing::IsEmpty());
     check(again);
+    const NameTable& names = again.names();
+    EXPECT_EQ(names[names.find("只丙")].sheet, again.sheet(3).id());
+    EXPECT_EQ(names[names.find("税率")].sheet, 0);
+    EXPECT_EQ(names[names.find("税率_2")].sheet, again.sheet(2).id());
 }
 
 TEST(XlsxLosses, AreNamedAndCounted)

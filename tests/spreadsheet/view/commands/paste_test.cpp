@@ -206,7 +206,7 @@ TEST_F(Paste, RefusesWithAReasonAndLosesNothing)
     const auto before = workbook.revision();
     const QString rubbish(200, QChar(0x01));
     QMimeData damaged, nothing;
-    damaged.setData("application/x-report-cells", "CEL3 and rubbish");
+    damaged.setData("application/x-report-cells", "CEL4 and rubbish");
     struct Case {
         const char* what;
         std::unique_ptr<QMimeData> data;
