@@ -10,8 +10,11 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QListView>
+#include <QSplitter>
 #include <QTreeView>
 
+#include <algorithm>
 #include <memory>
 
 namespace selfreport {
@@ -31,6 +34,18 @@ void showWholeColumns(const QFileDialog& dialog)
         return;
     rows->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     rows->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
+/// The places at the side show their names.
+void showWholePlaces(const QFileDialog& dialog)
+{
+    auto* const places = dialog.findChild<QListView*>("sidebar");
+    auto* const parts = dialog.findChild<QSplitter*>("splitter");
+    if (!places || !parts)
+        return;
+    const int width = places->sizeHintForColumn(0) + 2 * places->frameWidth();
+    const int most = dialog.width() / 3;
+    parts->setSizes({std::min(width, most), dialog.width() - std::min(width, most)});
 }
 
 /// The toolkit's own dialog: that of the desktop speaks the desktop's language.
@@ -58,6 +73,7 @@ std::unique_ptr<QFileDialog> prepared(QFileDialog::AcceptMode mode, QFileDialog:
         dialog.setNameFilters(filters);
     if (!name.isEmpty() && !isPattern(name))
         dialog.selectFile(name);
+    showWholePlaces(dialog);
     return made;
 }
 
