@@ -42,6 +42,24 @@ std::optional<double> moneyAmount(std::string_view text)
     return std::nullopt;
 }
 
+/// "(1,234.50)", as statements write what is to be taken away. Whole numbers without commas are left alone:
+/// "(1)" numbers a heading.
+std::optional<double> bracketedAmount(std::string_view text)
+{
+    for (const auto& [open, close] : {std::pair("(", ")"), std::pair("（", "）")}) {
+        if (!text.starts_with(open) || !text.ends_with(close))
+            continue;
+        const std::string_view inside =
+            text.substr(std::string_view(open).size(),
+                        text.size() - std::string_view(open).size() - std::string_view(close).size());
+        const bool isAmount =
+            inside.find_first_of(",.") != std::string_view::npos && inside[0] >= '0' && inside[0] <= '9';
+        const auto amount = isAmount ? numberOfGroupedText(inside) : std::nullopt;
+        return amount ? std::optional(-*amount) : std::nullopt;
+    }
+    return std::nullopt;
+}
+
 /// "12月" or "2026年12月": a heading, which would be lost if it turned into the first day of the month.
 bool namesMonth(std::string_view text)
 {
@@ -150,6 +168,8 @@ TypedConstant typedConstant(std::string_view text)
         if (const auto number = numberOfGroupedText(typed.substr(0, typed.size() - 1)))
             return {Value(*number / 100), CellType::percent};
     }
+    if (const auto amount = bracketedAmount(typed))
+        return {Value(*amount), std::nullopt};
     if (const auto amount = moneyAmount(typed))
         return {Value(*amount), CellType::currency};
     if (const auto moment = namesMonth(typed) ? std::nullopt : parseDateTime(typed))

@@ -20,11 +20,11 @@ enum class TypedInto {
 /// Puts what a user typed into a cell, as one undo step.
 ///
 /// With "=" it is a formula. Without, a number, percentage, amount of money, date, time or truth value
-/// is a constant, a text that begins with a call of a known function is a formula, and anything else is
-/// text, a month without a day ("2026年12月") too; a leading apostrophe makes text of whatever follows. A
-/// fresh cell takes the type that the constant was written in (percent, currency, date, time). An empty text
-/// takes the content away. A cell whose number format is `textFormat` takes every text as it stands.
-/// Brackets that a formula leaves open at its end are closed.
+/// is a constant (an amount in brackets a negative one), a text that begins with a call of a known function
+/// is a formula, and anything else is text, a month without a day ("2026年12月") too; a leading apostrophe
+/// makes text of whatever follows. A fresh cell takes the type that the constant was written in (percent,
+/// currency, date, time). An empty text takes the content away. A cell whose number format is `textFormat`
+/// takes every text as it stands. Brackets that a formula leaves open at its end are closed.
 /// @return why a formula was refused; the cell then keeps what it had.
 Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text, TypedInto where);
 
