@@ -26,6 +26,8 @@ QComboBox* choice(CallState kind, const std::map<int, std::string>& texts)
     auto* const box = new QComboBox;
     box->setObjectName(QStringLiteral("cboNothing_%1").arg(static_cast<int>(kind)));
     box->setEditable(true);
+    box->setInsertPolicy(QComboBox::NoInsert);
+    box->setCompleter(nullptr); // it would take the first Enter for itself
     box->lineEdit()->setMaxLength(20);
     box->addItems(
         {asFigure, QStringLiteral("–"), asBlank,
