@@ -2,10 +2,12 @@
 
 #include "spreadsheet/print/print_colour.h"
 
+#include <QLineF>
 #include <QPainter>
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace spreadsheet {
 
@@ -68,12 +70,24 @@ QList<qreal> dashesOf(LineStyle style)
     }
 }
 
-/// Draws count edges as few lines; edge(i) is the i-th one, stroke(from, to, line) draws from..to.
+/// Changes the lengths of dashes a little so that a whole number of them fits a line of that many pen widths.
+void fitDashes(QPen& pen, double length)
+{
+    QList<qreal> dashes = pen.dashPattern();
+    const double period = std::accumulate(dashes.begin(), dashes.end(), 0.0);
+    const double fitting = length / std::max(1.0, std::round(length / period));
+    for (qreal& dash : dashes)
+        dash *= fitting / period;
+    pen.setDashPattern(dashes);
+}
+
+/// Draws count edges as few lines; edge(i) is the i-th one, stroke(from, to, line) draws from..to. Dashes
+/// begin anew with each cell: which of them are painted together must not show.
 void drawRuns(int count, const auto& edge, const auto& stroke)
 {
     for (int from = 0; from < count;) {
         int to = from + 1;
-        while (to < count && edge(to) == edge(from))
+        while (to < count && edge(to) == edge(from) && dashesOf(edge(from).style).isEmpty())
             ++to;
         if (edge(from).style != LineStyle::none)
             stroke(from, to - 1, edge(from));
@@ -182,7 +196,10 @@ void CellLines::draw(QPainter& painter, bool inColour, double twip) const
     // The two lines of a double one keep a pixel between them.
     const double shift = std::max(1.0, std::round(doubledShift * scale)) / scale * twip;
     const auto stroke = [&](const BorderLine& edge, const QPointF& from, const QPointF& to) {
-        painter.setPen(borderPen(edge, scale, inColour, twip));
+        QPen pen = borderPen(edge, scale, inColour, twip);
+        if (pen.style() == Qt::CustomDashLine)
+            fitDashes(pen, QLineF(from, to).length() * (pen.isCosmetic() ? scale / twip : 1 / pen.widthF()));
+        painter.setPen(pen);
         if (edge.style != LineStyle::doubled)
             return painter.drawLine(from, to);
         const QPointF aside = from.y() == to.y() ? QPointF(0, shift) : QPointF(shift, 0);

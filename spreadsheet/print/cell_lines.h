@@ -26,7 +26,7 @@ inline constexpr BorderLine printedGridLine{LineStyle::fineSolid, 0xA0A0A0};
 ///
 /// Where two cells meet, both have the same line if it was drawn by a command. Of others an erased edge wins,
 /// then the heavier line, then the right or lower cell's. Inside a span there are no lines; on its outline a
-/// cell shows its spanLine(). Edges that run on in the same line are drawn as one.
+/// cell shows its spanLine(). Edges that run on in the same line are drawn as one, dashed ones cell by cell.
 class CellLines {
 public:
     /// @param gridLine   drawn where cells have no line; of style `none`: no grid

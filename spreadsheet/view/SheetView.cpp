@@ -183,12 +183,24 @@ bool SheetView::scrollTo(CellAddress topLeft)
     return true;
 }
 
-/// With the line of the headings, where borders of the first column and of the first row in sight lie.
+/// With the line of the headings, where borders of the first column and of the first row in sight lie. Lines
+/// reach beyond their rows: what is at an end of the area, or was, shows the ends of those that have gone and
+/// lacks those of rows that have come.
 void SheetView::scrollStore(int down)
 {
-    const QRect all = m_store.area(), scrolled = m_geometry.scrolledArea();
-    m_store.scroll({all.left(), scrolled.top(), all.width(), scrolled.height()}, down);
-    m_store.spoil({all.left(), scrolled.top() - 1, all.width(), 1});
+    const QRect all = m_store.area(), area = m_geometry.scrolledArea();
+    const QRect scrolled(all.left(), area.top(), all.width(), area.height());
+    m_store.scroll(scrolled, down);
+    const int reach = lineReach(), first = scrolled.top(), end = first + scrolled.height();
+    m_store.spoil({all.left(), first - 1, all.width(), 1});
+    for (const int edge : {first, end, first + down, end + down})
+        m_store.spoil(QRect(all.left(), edge - reach, all.width(), 2 * reach) & scrolled);
+}
+
+/// How far lines go beyond their edges, in pixels.
+int SheetView::lineReach() const
+{
+    return 1 + static_cast<int>(std::ceil(farthestLine * m_geometry.twip()));
 }
 
 void SheetView::changeSelection(const std::function<void(Selection&, const Sheet&)>& change)
@@ -262,8 +274,7 @@ void SheetView::spoilRow(int row)
     QRect rect = m_geometry.visibleRect({1, row, m_geometry.columns().count(), row});
     if (rect.isEmpty())
         return;
-    const int reach = 1 + static_cast<int>(std::ceil(farthestLine * m_geometry.twip()));
-    rect.adjust(-1, -reach, 0, reach);
+    rect.adjust(-1, -lineReach(), 0, lineReach());
     m_store.spoil(rect);
     m_widget.update(rect);
 }

@@ -81,6 +81,7 @@ private:
     void paintPageBreaks(QPainter& painter) const;
     void spoilRow(int row);
     void scrollStore(int down);
+    int lineReach() const;
     void updateArea();
 
     QWidget& m_widget;

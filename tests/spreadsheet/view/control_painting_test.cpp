@@ -45,8 +45,12 @@ void fillAtRandom(SpreadsheetControl& control, std::mt19937& random)
                 control.cells().changeStyle({column, row, column, row}, [&](CellStyle& style) {
                     style.background = random() % 2 ? 0xFFEEDD : automaticColour;
                     style.horizontal = static_cast<HorizontalAlignment>(random() % 4);
-                    style.bottom = {static_cast<LineStyle>(random() % 14), 0x800000};
-                    style.left = {static_cast<LineStyle>(random() % 14), 0x008000};
+                    style.bottom = {
+                        static_cast<LineStyle>(random() % (static_cast<unsigned>(lastLineStyle) + 1)),
+                        0x800000};
+                    style.left = {
+                        static_cast<LineStyle>(random() % (static_cast<unsigned>(lastLineStyle) + 1)),
+                        0x008000};
                     style.wrap = random() % 5 == 0;
                 });
         }
@@ -99,8 +103,9 @@ TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
         [&] { control.cells().sheet().setText(anyCell(), random() % 3 ? "新的文字" : ""); },
         [&] {
             const CellAddress cell = anyCell();
-            control.cells().setBorder({cell.column, cell.row, cell.column + 1, cell.row + 1}, allSides, 0xFF,
-                                      static_cast<LineStyle>(random() % 14));
+            control.cells().setBorder(
+                {cell.column, cell.row, cell.column + 1, cell.row + 1}, allSides, 0xFF,
+                static_cast<LineStyle>(random() % (static_cast<unsigned>(lastLineStyle) + 1)));
         },
         [&] {
             const CellAddress cell = anyCell();
@@ -120,7 +125,7 @@ TEST_F(ControlTest, WhatIsRepaintedInPartsLooksLikeAWholeNewPicture)
                 std::to_string(step)); // by program, without a word to the control
             QApplication::processEvents();
         }
-        control.cells().addSpan({25, 90, 26, 91}); // no change, but the next pass shows all changes
+        control.showChanges();
         QApplication::processEvents();
         const QImage parts = pictureOf(control);
         control.setGridLinesShown(true); // which paints all anew
