@@ -4,17 +4,22 @@
 
 namespace spreadsheet {
 
+unsigned paperNumber(const PrintSettings& print)
+{
+    if (print.paperWidth == 0 || print.paperHeight == 0)
+        return a4Number;
+    const Paper* const paper = paperOfSize(print.paperWidth, print.paperHeight);
+    return paper ? static_cast<unsigned>(paper->number) : 0;
+}
+
 unsigned paperNumber(const PrintSettings& print, const std::string& sheet, Warnings& warnings)
 {
-    constexpr unsigned a4 = 9;
-    if (print.paperWidth == 0 || print.paperHeight == 0)
-        return a4;
+    if (const unsigned number = paperNumber(print))
+        return number;
     const Paper* const paper = paperOfSize(print.paperWidth, print.paperHeight);
-    if (paper && paper->number > 0)
-        return static_cast<unsigned>(paper->number);
     warnings.add("表“" + sheet + "”的纸张" + (paper ? " (" + std::string(paper->caption) + ")" : "") +
                  "没有写出,文件中为 A4");
-    return a4;
+    return a4Number;
 }
 
 void warnOfPrintSetup(const PrintSettings& print, const std::string& sheet, Warnings& warnings)

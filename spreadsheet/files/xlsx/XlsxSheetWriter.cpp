@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xlsx/XlsxSheetWriter.h"
 
+#include "spreadsheet/cells/papers.h"
 #include "spreadsheet/files/exchange/column_widths.h"
 #include "spreadsheet/files/exchange/drop_down_lists.h"
 #include "spreadsheet/files/exchange/font_family.h"
@@ -12,6 +13,8 @@
 #include "text/quotes.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <tuple>
 
@@ -34,6 +37,23 @@ double fileWidth(int twips, double digitPixels)
 {
     const double pixels = std::max(1.0, std::round(twips / twipsPerPixel));
     return columnDigits(static_cast<int>(pixels * twipsPerPixel), digitPixels);
+}
+
+/// In millimetres, as short as comes back to the same twips: "93.1mm".
+std::string lengthText(int twips)
+{
+    constexpr double perInch = 25.4;
+    const double exact = twips * perInch / twipsPerInch;
+    std::array<char, 16> digits{};
+    std::to_chars_result end{};
+    for (int decimals = 0; decimals <= 3; ++decimals) {
+        const double power = std::pow(10, decimals);
+        const double rounded = std::round(exact * power) / power;
+        end = std::to_chars(digits.begin(), digits.end(), rounded, std::chars_format::fixed);
+        if (twipsOfMillimetres(rounded) == twips)
+            break;
+    }
+    return std::string(digits.begin(), end.ptr) + "mm";
 }
 
 } // namespace
@@ -219,10 +239,9 @@ void XlsxSheetWriter::pageSetup()
 {
     const PrintSettings& print = m_settings.print;
     warnOfPrintSetup(print, m_sheet.name(), m_parts.warnings);
-    if (!print.area.empty() || print.titleLeft > 0)
-        m_parts.warnings.add("表“" + m_sheet.name() + "”的打印区域和每页重复的列没有写出");
-    m_xml.open("pageSetup").attribute("paperSize", paperNumber(print, m_sheet.name(), m_parts.warnings));
-    if (!print.isFitted() && print.scale != 100)
+    m_xml.open("pageSetup");
+    paper();
+    if (print.scale != 100)
         m_xml.attribute("scale", print.scale);
     if (print.firstPage != 1)
         m_xml.attribute("firstPageNumber", print.firstPage).attribute("useFirstPageNumber", 1);
@@ -234,6 +253,19 @@ void XlsxSheetWriter::pageSetup()
     if (!print.colour)
         m_xml.attribute("blackAndWhite", 1);
     m_xml.close();
+}
+
+/// A size without a number stands as lengths; programs that read none of them take the number.
+void XlsxSheetWriter::paper()
+{
+    const PrintSettings& print = m_settings.print;
+    if (const unsigned number = paperNumber(print)) {
+        m_xml.attribute("paperSize", number);
+        return;
+    }
+    m_xml.attribute("paperSize", a4Number)
+        .attribute("paperWidth", lengthText(print.paperWidth))
+        .attribute("paperHeight", lengthText(print.paperHeight));
 }
 
 void XlsxSheetWriter::headers()

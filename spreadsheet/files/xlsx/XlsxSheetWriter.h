@@ -23,6 +23,7 @@ private:
     void print();
     void margins();
     void pageSetup();
+    void paper();
     void headers();
     void breaks(const char* name, const std::map<int, bool>& starts, int across);
 

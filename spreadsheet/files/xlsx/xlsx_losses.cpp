@@ -81,9 +81,6 @@ void countSheetSettings(pugi::xml_node worksheet, Warnings& warnings)
     if (isTrue(attributeNamed(headers, "differentFirst")) ||
         isTrue(attributeNamed(headers, "differentOddEven")))
         warnings.count("{} 张表首页或偶数页自己的页眉页脚没有引入");
-    const int scale = attributeNamed(childNamed(worksheet, "pageSetup"), "scale").as_int(100);
-    if (scale != 100)
-        warnings.count("{} 张表的打印缩放比例没有引入");
     eachChild(childNamed(worksheet, "cols"), "col", [&](pugi::xml_node column) {
         if (attributeNamed(column, "outlineLevel").as_int() > 0)
             warnings.count("{} 处列的分级显示没有引入");

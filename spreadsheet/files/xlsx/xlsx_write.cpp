@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xlsx/xlsx_write.h"
 
+#include "spreadsheet/files/exchange/print_names.h"
 #include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/ArchiveWriter.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
@@ -180,21 +181,21 @@ private:
 
     void names(XmlWriter& xml)
     {
-        const std::vector<std::pair<int, std::string>> titles = printTitles();
+        const std::vector<PrintName> printed = printNames();
         const NameTable& names = m_workbook.names();
         std::vector<NameTable::Entry> defined;
         for (int number = 0; number < names.size(); ++number) {
             if (names[number].formula != 0)
                 defined.push_back(names[number]);
         }
-        if (defined.empty() && titles.empty())
+        if (defined.empty() && printed.empty())
             return;
         xml.open("definedNames");
-        for (const auto& [sheet, rows] : titles)
+        for (const PrintName& name : printed)
             xml.open("definedName")
-                .attribute("name", "_xlnm.Print_Titles")
-                .attribute("localSheetId", sheet - 1)
-                .text(rows)
+                .attribute("name", name.name)
+                .attribute("localSheetId", name.sheet - 1)
+                .text(name.ranges)
                 .close();
         for (const NameTable::Entry& entry : defined)
             definedName(entry, xml);
@@ -211,19 +212,26 @@ private:
         xml.keepBlanks(formula).text(formula).close();
     }
 
-    /// Rows that are repeated on each page, by sheet.
-    std::vector<std::pair<int, std::string>> printTitles() const
+    /// A name of the format's own.
+    struct PrintName {
+        const char* name;
+        int sheet;
+        std::string ranges;
+    };
+
+    /// What of each sheet is printed, and repeated on each page.
+    std::vector<PrintName> printNames() const
     {
-        std::vector<std::pair<int, std::string>> titles;
+        std::vector<PrintName> names;
         for (int number = 1; number <= m_workbook.sheetCount(); ++number) {
             const Sheet& sheet = m_workbook.sheet(number);
             const PrintSettings& print = sheet.settings().print;
-            if (print.titleTop >= 1 && print.titleBottom >= print.titleTop)
-                titles.emplace_back(number, sheetPrefix(sheet.name(), {}, true) + "$" +
-                                                std::to_string(print.titleTop) + ":$" +
-                                                std::to_string(print.titleBottom));
+            const std::string prefix = sheetPrefix(sheet.name(), {}, true);
+            names.push_back({"_xlnm.Print_Area", number, printAreaText(print, prefix)});
+            names.push_back({"_xlnm.Print_Titles", number, printTitlesText(print, prefix)});
         }
-        return titles;
+        std::erase_if(names, [](const PrintName& name) { return name.ranges.empty(); });
+        return names;
     }
 
     void bookRelations(XmlWriter& xml) const
