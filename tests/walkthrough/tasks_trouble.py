@@ -31,7 +31,7 @@ def mends_what_somebody_broke(desk):
     desk.chooses_from_popup(right_one, COPY)
     user.clicks(*broken)
     desk.chooses_from_popup(broken, PASTE)
-    user.presses("Escape", "ctrl+j")
+    user.presses("Escape", "F9")
     desk.saves()
     assert books.figures("利润表") == right
     assert books.asks("select fbillerid from tblCWSelfReport where noid=2") == [("wang",)]

@@ -197,7 +197,7 @@ constexpr EditorCommand insertCommands[] = {
 };
 
 constexpr EditorCommand optionCommands[] = {
-    {"MenuRecalculate", "重算", [](Window w) { w.formulas().MenuRecalculate_Click(); }, "Ctrl+J"},
+    {"MenuRecalculate", "重算", [](Window w) { w.formulas().MenuRecalculate_Click(); }, "Ctrl+J; F9"},
     {"MenuShowDate", "显示数据", [](Window w) { w.formulas().MenuShowDate_Click(); }},
     {"MenuShowFormula", "显示公式", [](Window w) { w.formulas().MenuShowFormula_Click(); }},
     separator,

@@ -17,7 +17,7 @@ struct EditorCommand {
     const char* name = nullptr;               ///< object name of the action
     const char* caption = nullptr;            ///< behind a tab: the key by which the grid does it itself
     void (*run)(frmEditor& window) = nullptr; ///< null: the entry is there and does nothing
-    const char* shortcut = "";
+    const char* shortcut = "";                ///< the menu shows the first of several, parted by "; "
     const EditorMenu* submenu = nullptr;
     bool whileTyping = false; ///< sees to an entry that is not finished itself
     void (*addsMore)(frmEditor& window, QMenu& menu) = nullptr; ///< stands for entries that a table gives

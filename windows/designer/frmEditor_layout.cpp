@@ -166,7 +166,7 @@ QAction* frmEditor::actionOf(const EditorCommand& command)
         run = [this, work = command.run] { work(*this); };
     QAction* action =
         newAction(command.name, QString::fromUtf8(command.caption), std::move(run), command.whileTyping);
-    action->setShortcut(QKeySequence(command.shortcut));
+    action->setShortcuts(QKeySequence::listFromString(command.shortcut));
     return action;
 }
 
