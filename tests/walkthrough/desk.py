@@ -147,15 +147,15 @@ class Desk:
 
     def chooses_from_popup(self, place, entry):
         """Of what the right button offers at a place, counted from 1."""
-        self.user.opens_popup(place)
-        self.user.presses(*["Down"] * entry, "Return")
+        menu = self.user.opens_menu(lambda: self.user.clicks(*place, button=3))
+        self.user.picks(menu, entry)
 
     def menu(self, menu, entry):
         """An entry of the menu bar by keys: both count from 1, lines between entries do not."""
-        before = self.display.picture()
-        self.user.presses(*MENUS[menu - 1])
-        self.user.sees_change(before)
-        self.user.presses(*["Down"] * (entry - 1), "Return")
+        opened = frozenset()
+        for key in MENUS[menu - 1]:
+            opened = self.user.opens_menu(lambda: self.user.presses(key), opened)
+        self.user.picks(opened, entry - 1)  # the first one is chosen already
 
     def prints_to(self, file):
         """Prints at once; without a printer the program offers a PDF file."""

@@ -77,6 +77,10 @@ class Display:
         done = subprocess.run(["xdotool", *arguments], env=self.environment, capture_output=True, text=True)
         return done.stdout.strip() if done.returncode == 0 else ""
 
+    def windows(self):
+        """All that are open, menus too."""
+        return set(self.xdotool("search", "--onlyvisible", "--class", ".").split())
+
     def close(self):
         for process in (self.manager, self.server):
             process.terminate()

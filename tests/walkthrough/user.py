@@ -110,15 +110,21 @@ class User:
         self.album.add(picture, caption)
         return picture
 
-    def opens_popup(self, place):
-        """Opens the menu of the right button, below a place or above. Lines may march elsewhere."""
-        def around():
-            return self.display.picture().part(place[0] + 5, place[1] - 60, 60, 120)
+    def opens_menu(self, how, former=frozenset()):
+        """Waits until a menu is open and, where it takes the place of another one, that has gone."""
+        before = self.display.windows()
 
-        before = around()
-        self.clicks(*place, button=3)
-        until("菜单", lambda: around().pixels != before.pixels)
-        self.display.still_picture(around)
+        def opened():
+            now = self.display.windows()
+            return None if now & former else now - before
+
+        how()
+        return until("菜单", opened)
+
+    def picks(self, menu, entry):
+        """An entry of an open menu, counted from 1; lines between entries do not count."""
+        self.presses(*["Down"] * entry, "Return")
+        until("菜单关闭", lambda: not self.display.windows() & menu)
 
     def sees_change(self, since):
         """Waits until the screen shows something else than a picture, and stands still."""
