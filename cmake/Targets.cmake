@@ -23,7 +23,7 @@ function(our_batches target)
   if(NOT SELFREPORT_UNITY)
     return()
   endif()
-  set(most 12)
+  set(most 40) # of a folder: what its sources have in common is compiled once
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
   foreach(source IN LISTS ARGN)
     file(STRINGS ${source} opens REGEX "^using namespace") # it would open the names to the rest of the batch

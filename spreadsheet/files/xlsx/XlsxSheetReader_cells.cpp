@@ -31,7 +31,7 @@ int integer(std::string_view text, int otherwise)
 }
 
 /// Texts of a text with runs; phonetic ones are left out.
-std::string richText(XmlScanner& xml)
+std::string runsOf(XmlScanner& xml)
 {
     std::string text;
     for (auto kind = xml.next(); kind != XmlScanner::Kind::end; kind = xml.next()) {
@@ -40,7 +40,7 @@ std::string richText(XmlScanner& xml)
         if (xml.name() == "t")
             text += textOf(xml.content());
         else if (xml.name() == "r")
-            text += richText(xml);
+            text += runsOf(xml);
         else
             xml.content();
     }
@@ -165,7 +165,7 @@ XlsxSheetReader::CellText XlsxSheetReader::cellText(XmlScanner& xml)
         else if (xml.name() == "f")
             cell.formula = cellFormula(xml);
         else if (xml.name() == "is")
-            cell.rich = richText(xml);
+            cell.rich = runsOf(xml);
         else
             xml.content();
     }
