@@ -15,7 +15,7 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr double paddingDown = 50; // of a row that grows
+constexpr double grownPadding = 50; // of a row that grows
 constexpr int tallestRow = 31'680;
 
 int widthOf(const Sheet& sheet, const CellRange& extent)
@@ -35,9 +35,9 @@ struct NeededLines {
     double em = 0; ///< twips
     std::size_t count = 0;
 
-    double whole() const { return em * lineDistance * static_cast<double>(count) + paddingDown; }
+    double whole() const { return em * lineDistance * static_cast<double>(count) + grownPadding; }
     /// The air above the first line may be cut.
-    double least() const { return whole() - paddingDown - em * (lineDistance - 1) + leastLinePadding; }
+    double least() const { return whole() - grownPadding - em * (lineDistance - 1) + leastLinePadding; }
 };
 
 NeededLines neededLines(const Sheet& sheet, CellAddress cell, PageText& text)
