@@ -1,12 +1,10 @@
 #include "spreadsheet/print/PreviewWidget.h"
 
 #include "spreadsheet/print/page_words.h"
-#include "spreadsheet/print/PagePainter.h"
-#include "spreadsheet/print/PageText.h"
-#include "spreadsheet/workbook/Workbook.h"
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -19,6 +17,9 @@ namespace spreadsheet {
 // A report may have thousands of pages. They are laid out together, since each must know where the one
 // before ended, but a page is drawn when it comes into sight, into a picture that scrolling reuses. What
 // changed in the workbook is seen by its revision when painting: nobody has to tell the preview.
+//
+// The current page is kept apart from where the strip stands: near its end several pages are in sight, any of
+// which may be the current one.
 
 namespace {
 
@@ -29,72 +30,37 @@ constexpr int mostPages = 10;  // across or down
 constexpr int closeLook = 100; // per cent
 constexpr int closerLook = 200;
 constexpr int wheelStep = 120; // eighths of a degree of one notch
+constexpr int notchesOfAWindow = 8;
+constexpr int frame = 3; // pixels around the current page
 
 } // namespace
 
 PreviewWidget::PreviewWidget(QWidget* parent)
     : QAbstractScrollArea(parent)
-    , m_text(std::make_unique<PageText>())
 {
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setBackgroundRole(QPalette::Dark);
     viewport()->setAutoFillBackground(true);
 }
 
-PreviewWidget::~PreviewWidget() = default;
-
 void PreviewWidget::attach(const Workbook& workbook, int sheet, PageRequest request)
 {
-    m_workbook = &workbook;
-    m_sheet = sheet;
-    m_request = std::move(request);
-    m_revision.reset();
-    m_pictures.clear();
+    m_pages.attach(workbook, sheet, std::move(request));
     m_currentPage = 1;
     m_toldPages = pageCount();
-    arrange();
+    renew();
 }
 
 void PreviewWidget::setRequest(PageRequest request)
 {
-    m_request = std::move(request);
-    m_revision.reset();
-    m_pictures.clear();
-    arrange();
+    m_pages.setRequest(std::move(request));
+    renew();
 }
 
 void PreviewWidget::refresh()
 {
-    if (m_workbook && m_revision != m_workbook->revision())
-        arrange();
-}
-
-const PageLayout* PreviewWidget::layout() const
-{
-    if (m_workbook && m_revision != m_workbook->revision()) {
-        m_revision = m_workbook->revision();
-        m_layout.reset();
-        m_problem.clear();
-        try {
-            m_layout = std::make_unique<PageLayout>(m_workbook->sheet(m_sheet), m_request);
-        } catch (const PageLayoutError& error) {
-            m_problem = QString::fromUtf8(error.what());
-        } catch (const std::out_of_range&) {
-            m_problem = QStringLiteral("工作表已不存在。");
-        }
-    }
-    return m_layout.get();
-}
-
-QString PreviewWidget::problem() const
-{
-    layout();
-    return m_problem;
-}
-
-int PreviewWidget::pageCount() const
-{
-    return layout() ? layout()->pageCount() : 1;
+    if (m_pages.areOld())
+        renew();
 }
 
 void PreviewWidget::setCurrentPage(int page)
@@ -103,16 +69,22 @@ void PreviewWidget::setCurrentPage(int page)
     if (page == m_currentPage)
         return;
     m_currentPage = page;
-    arrange();
-    verticalScrollBar()->setValue(0);
+    scrollTo(0);
+    viewport()->update();
     Q_EMIT pageChanged(page);
+}
+
+/// … also if it is the current one, but out of sight in part.
+void PreviewWidget::showPage(int page)
+{
+    setCurrentPage(page);
+    scrollTo(0);
 }
 
 bool PreviewWidget::find(const QString& text)
 {
-    const PageLayout* const pages = layout();
-    const auto page =
-        pages ? pageShowing(m_workbook->sheet(m_sheet), *pages, text, m_currentPage) : std::nullopt;
+    const PageLayout* const layout = m_pages.layout();
+    const auto page = layout ? pageShowing(m_pages.sheet(), *layout, text, m_currentPage) : std::nullopt;
     if (page)
         setCurrentPage(*page);
     return page.has_value();
@@ -120,12 +92,13 @@ bool PreviewWidget::find(const QString& text)
 
 QString PreviewWidget::words() const
 {
-    return layout() ? pageWords(m_workbook->sheet(m_sheet), *layout(), m_currentPage) : QString();
+    const PageLayout* const layout = m_pages.layout();
+    return layout ? pageWords(m_pages.sheet(), *layout, m_currentPage) : QString();
 }
 
 int PreviewWidget::pageStep() const
 {
-    return m_look.view == PreviewView::severalPages ? m_look.across * m_look.down : 1;
+    return pagesInRow() * pagesBelow();
 }
 
 void PreviewWidget::setView(PreviewView view)
@@ -179,23 +152,58 @@ void PreviewWidget::changeLook(const Look& look)
 {
     m_look = look;
     m_pictures.clear();
+    arrangeAnew();
+    Q_EMIT lookChanged();
+}
+
+/// Other pages: the current one stays within the report.
+void PreviewWidget::renew()
+{
+    const int pageBefore = m_currentPage;
+    m_pictures.clear();
+    m_shownVersion = m_pages.version();
+    m_currentPage = std::clamp(m_currentPage, 1, pageCount());
+    arrange();
+    Q_EMIT pagesRenewed();
+    tellPages(pageBefore);
+}
+
+/// Scroll ranges. Each row of pages can stand at the window's top, unless all pages fit into it. The part of
+/// the current page that was at the window's top stays there.
+void PreviewWidget::arrange()
+{
+    const Strip strip = this->strip();
+    const QSize area = viewport()->size();
+    {
+        const QScopedValueRollback placing(m_isPlacing, true);
+        horizontalScrollBar()->setRange(0, std::max(0, strip.extent().width() - area.width()));
+        horizontalScrollBar()->setPageStep(area.width());
+        const int beyond = strip.extent().height() - area.height();
+        const int lastRow = (strip.rows - 1) * strip.pitch().height();
+        verticalScrollBar()->setRange(0, beyond <= 0 ? 0 : std::max(beyond, lastRow));
+        verticalScrollBar()->setPageStep(area.height());
+        verticalScrollBar()->setSingleStep(fontMetrics().height() * 2);
+    }
+    scrollTo(m_within);
+    viewport()->update();
+}
+
+/// In another size a page that fits into the window is shown as a whole.
+void PreviewWidget::arrangeAnew()
+{
+    if (strip().page.height() + 2 * gap <= viewport()->height())
+        m_within = 0;
     arrange();
 }
 
-/// Scroll ranges for the pages in sight; the current page stays within the report.
-void PreviewWidget::arrange()
+/// @param within  how far down the current page the window's top lies, in parts of its height
+void PreviewWidget::scrollTo(double within)
 {
-    const int pageBefore = m_currentPage;
-    m_currentPage = std::clamp(m_currentPage, 1, pageCount());
-    const QRect last = pageRect(pageStep() - 1);
-    const QSize area = viewport()->size();
-    horizontalScrollBar()->setRange(0, std::max(0, last.right() + gap - area.width()));
-    horizontalScrollBar()->setPageStep(area.width());
-    verticalScrollBar()->setRange(0, std::max(0, last.bottom() + gap - area.height()));
-    verticalScrollBar()->setPageStep(area.height());
-    verticalScrollBar()->setSingleStep(fontMetrics().height() * 2);
-    viewport()->update();
-    tellPages(pageBefore);
+    const Strip strip = this->strip();
+    const QScopedValueRollback placing(m_isPlacing, true);
+    m_within = within;
+    verticalScrollBar()->setValue(rowOf(m_currentPage) * strip.pitch().height() +
+                                  static_cast<int>(std::lround(within * strip.page.height())));
 }
 
 void PreviewWidget::tellPages(int pageBefore)
@@ -207,87 +215,102 @@ void PreviewWidget::tellPages(int pageBefore)
         Q_EMIT pageChanged(m_currentPage);
 }
 
-/// Pixels per twip. Fitting views use the size without scroll bars that would come and go.
+/// Pixels per twip. Fitting views use the size beside a scroll bar, whether it shows or not: bars that came
+/// and went would change what fits.
 double PreviewWidget::scale() const
 {
-    const PageLayout* const pages = layout();
+    const PageLayout* const layout = m_pages.layout();
     const double natural = logicalDpiX() / twipsPerInch;
-    if (!pages || m_look.view == PreviewView::percentage)
+    if (!layout || m_look.view == PreviewView::percentage)
         return natural * m_look.percentage / 100;
     const QSize area = maximumViewportSize();
-    const int across = m_look.view == PreviewView::severalPages ? m_look.across : 1;
-    const int down = m_look.view == PreviewView::severalPages ? m_look.down : 1;
+    const int barWidth = verticalScrollBar()->sizeHint().width();
+    const int across = pagesInRow(), down = pagesBelow();
     const double byWidth =
-        static_cast<double>(area.width() - gap * (across + 1)) / across / pages->paperWidth();
-    const double byHeight =
-        static_cast<double>(area.height() - gap * (down + 1)) / down / pages->paperHeight();
-    const double barWidth = verticalScrollBar()->sizeHint().width();
+        static_cast<double>(area.width() - barWidth - gap * (across + 1)) / across / layout->paperWidth();
+    const double room =
+        area.height() - gap * (down + 1) - (m_look.view == PreviewView::pageHeight ? barWidth : 0);
+    const double byHeight = room / down / layout->paperHeight();
     const double smallest = natural * smallestPercentage / 100 / 2;
     switch (m_look.view) {
     case PreviewView::pageWidth:
-        return std::max(byWidth - barWidth / pages->paperWidth(), smallest);
+        return std::max(byWidth, smallest);
     case PreviewView::pageHeight:
-        return std::max(byHeight - barWidth / pages->paperHeight(), smallest);
+        return std::max(byHeight, smallest);
     default:
         return std::max(std::min(byWidth, byHeight), smallest);
     }
 }
 
-/// Of a page in sight, 0 for the current one; in pixels of the unscrolled area. Pages that do not fill the
-/// window stand in its middle.
-QRect PreviewWidget::pageRect(int place) const
+QSize PreviewWidget::Strip::pitch() const
 {
-    const PageLayout* const pages = layout();
-    if (!pages)
-        return viewport()->rect();
-    const int across = m_look.view == PreviewView::severalPages ? m_look.across : 1;
-    const int down = m_look.view == PreviewView::severalPages ? m_look.down : 1;
-    const QSize size(std::max(1, static_cast<int>(std::lround(pages->paperWidth() * scale()))),
-                     std::max(1, static_cast<int>(std::lround(pages->paperHeight() * scale()))));
-    const int left = std::max(gap, (viewport()->width() - across * size.width() - (across - 1) * gap) / 2);
-    const int top = std::max(gap, (viewport()->height() - down * size.height() - (down - 1) * gap) / 2);
-    return {
-        QPoint(left + place % across * (size.width() + gap), top + place / across * (size.height() + gap)),
-        size};
+    return {page.width() + gap, page.height() + gap};
+}
+
+QSize PreviewWidget::Strip::extent() const
+{
+    return {across * pitch().width() + gap, rows * pitch().height() + gap};
+}
+
+/// Pages that do not fill the window stand in its middle.
+PreviewWidget::Strip PreviewWidget::strip() const
+{
+    Strip strip;
+    const PageLayout* const layout = m_pages.layout();
+    if (!layout)
+        return strip;
+    const double scale = this->scale();
+    const auto pixels = [scale](int twips) {
+        return std::max(1, static_cast<int>(std::lround(twips * scale)));
+    };
+    strip.page = {pixels(layout->paperWidth()), pixels(layout->paperHeight())};
+    strip.across = pagesInRow();
+    strip.rows = rowOf(pageCount()) + 1;
+    strip.first = {gap + std::max(0, (viewport()->width() - strip.extent().width()) / 2),
+                   gap + std::max(0, (viewport()->height() - strip.extent().height()) / 2)};
+    return strip;
+}
+
+/// In pixels of the unscrolled strip.
+QRect PreviewWidget::pageRect(const Strip& strip, int page) const
+{
+    const int column = (page - 1) % strip.across;
+    return {strip.first + QPoint(column * strip.pitch().width(), rowOf(page) * strip.pitch().height()),
+            strip.page};
 }
 
 const QPixmap& PreviewWidget::picture(int page, QSize size)
 {
     QPixmap& picture = m_pictures[page];
-    if (!picture.isNull())
-        return picture;
-    picture = QPixmap(size * devicePixelRatioF());
-    picture.setDevicePixelRatio(devicePixelRatioF());
-    picture.fill(Qt::white);
-    QPainter painter(&picture);
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
-    painter.scale(scale(), scale());
-    PagePainter(m_workbook->sheet(m_sheet), *m_layout, *m_text).paint(painter, page);
+    if (picture.isNull())
+        picture = m_pages.picture(page, size, devicePixelRatioF());
     return picture;
 }
 
 void PreviewWidget::paintEvent(QPaintEvent* event)
 {
     QPainter painter(viewport());
-    if (!layout()) {
+    if (m_shownVersion != m_pages.version())
+        renew();
+    if (!m_pages.layout()) {
         painter.setPen(palette().color(QPalette::BrightText));
-        painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, m_problem);
+        painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, problem());
         return;
     }
-    if (m_picturesRevision != m_revision) {
-        m_picturesRevision = m_revision;
-        m_pictures.clear();
-        arrange();
-    }
-    const int last = std::min(m_currentPage + pageStep() - 1, pageCount());
-    std::erase_if(m_pictures,
-                  [&](const auto& entry) { return entry.first < m_currentPage || entry.first > last; });
+    const Strip strip = this->strip();
     const QPoint scrolled(horizontalScrollBar()->value(), verticalScrollBar()->value());
-    for (int page = m_currentPage; page <= last; ++page) {
-        const QRect rect = pageRect(page - m_currentPage).translated(-scrolled);
+    const int top = scrolled.y() - strip.first.y();
+    const int first = std::max(top / strip.pitch().height(), 0) * strip.across + 1;
+    const int last = std::clamp(((top + viewport()->height()) / strip.pitch().height() + 1) * strip.across, 1,
+                                pageCount());
+    std::erase_if(m_pictures, [&](const auto& entry) { return entry.first < first || entry.first > last; });
+    for (int page = first; page <= last; ++page) {
+        const QRect rect = pageRect(strip, page).translated(-scrolled);
         if (!rect.adjusted(-gap, -gap, gap, gap).intersects(event->rect()))
             continue;
         painter.fillRect(rect.translated(3, 3), QColor(0, 0, 0, 90));
+        if (page == m_currentPage && last > first)
+            painter.fillRect(rect.adjusted(-frame, -frame, frame, frame), palette().highlight());
         painter.drawPixmap(rect.topLeft(), picture(page, rect.size()));
     }
 }
@@ -297,40 +320,61 @@ void PreviewWidget::resizeEvent(QResizeEvent* event)
     QAbstractScrollArea::resizeEvent(event);
     if (m_look.view != PreviewView::percentage)
         m_pictures.clear();
-    arrange();
+    arrangeAnew();
 }
 
-void PreviewWidget::goOn(int pixels, bool turnsPage)
+void PreviewWidget::scrollContentsBy(int across, int down)
 {
+    QAbstractScrollArea::scrollContentsBy(across, down);
+    if (!m_isPlacing && down != 0)
+        noteScrolling();
+}
+
+/// The current page becomes the first one of which half is in sight.
+void PreviewWidget::noteScrolling()
+{
+    const Strip strip = this->strip();
+    const int top = verticalScrollBar()->value(), pitch = strip.pitch().height();
+    const int middle = top + std::min(strip.page.height(), viewport()->height()) / 2 - strip.first.y();
+    const int row = std::clamp(middle / pitch, 0, strip.rows - 1);
+    const bool turns = row != rowOf(m_currentPage);
+    if (turns)
+        m_currentPage = row * strip.across + 1;
+    m_within = (top - row * pitch) / static_cast<double>(strip.page.height());
+    if (turns)
+        Q_EMIT pageChanged(m_currentPage);
+}
+
+/// By what fits into the window, down or up: rows of pages, or a part of a page that is higher.
+void PreviewWidget::goOn(int screens)
+{
+    const Strip strip = this->strip();
+    const int room = viewport()->height() - gap;
+    if (const int rows = room / strip.pitch().height(); rows > 0)
+        return showPage((rowOf(m_currentPage) + screens * rows) * strip.across + 1);
     QScrollBar& bar = *verticalScrollBar();
-    const int before = bar.value();
-    bar.setValue(before + pixels);
-    if (bar.value() != before || !turnsPage)
-        return;
-    const int page = m_currentPage;
-    setCurrentPage(page + (pixels > 0 ? pageStep() : -pageStep()));
-    if (pixels < 0 && m_currentPage != page)
-        bar.setValue(bar.maximum());
+    bar.setValue(bar.value() + screens * std::max(room - bar.singleStep(), 1));
 }
 
 void PreviewWidget::keyPressEvent(QKeyEvent* event)
 {
-    const int page = std::max(viewport()->height() - 2 * gap, 1);
+    const bool byPages = event->modifiers() & Qt::ControlModifier;
+    QScrollBar& bar = *verticalScrollBar();
     switch (event->key()) {
     case Qt::Key_PageDown:
     case Qt::Key_Space:
-        return goOn(page, true);
+        return byPages ? setCurrentPage(m_currentPage + pageStep()) : goOn(1);
     case Qt::Key_PageUp:
     case Qt::Key_Backspace:
-        return goOn(-page, true);
+        return byPages ? setCurrentPage(m_currentPage - pageStep()) : goOn(-1);
     case Qt::Key_Down:
-        return goOn(verticalScrollBar()->singleStep(), false);
+        return bar.setValue(bar.value() + bar.singleStep());
     case Qt::Key_Up:
-        return goOn(-verticalScrollBar()->singleStep(), false);
+        return bar.setValue(bar.value() - bar.singleStep());
     case Qt::Key_Home:
-        return setCurrentPage(1);
+        return showPage(1);
     case Qt::Key_End:
-        return setCurrentPage(pageCount());
+        return showPage(pageCount());
     default:
         QAbstractScrollArea::keyPressEvent(event);
     }
@@ -339,13 +383,20 @@ void PreviewWidget::keyPressEvent(QKeyEvent* event)
 void PreviewWidget::wheelEvent(QWheelEvent* event)
 {
     event->accept();
-    m_wheel += event->angleDelta().y();
+    const QPoint angle = event->angleDelta();
+    if (!(event->modifiers() & Qt::ControlModifier)) {
+        const auto scroll = [](QScrollBar& bar, int turned, int window) {
+            bar.setValue(bar.value() - static_cast<int>(std::lround(static_cast<double>(turned) * window /
+                                                                    notchesOfAWindow / wheelStep)));
+        };
+        scroll(*horizontalScrollBar(), angle.x(), viewport()->width());
+        return scroll(*verticalScrollBar(), angle.y(), viewport()->height());
+    }
+    m_wheel += angle.y();
     const int notches = m_wheel / wheelStep;
     if (notches == 0)
         return;
     m_wheel -= notches * wheelStep;
-    if (!(event->modifiers() & Qt::ControlModifier))
-        return goOn(-notches * verticalScrollBar()->singleStep() * 2, true);
     const double shown = scale() * twipsPerInch / logicalDpiX() * 100;
     setView(PreviewView::percentage);
     setZoomPercentage(static_cast<int>(std::lround(shown * std::pow(1.1, notches))));

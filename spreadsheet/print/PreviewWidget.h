@@ -1,17 +1,12 @@
 #pragma once
-#include "spreadsheet/print/PageLayout.h"
+#include "spreadsheet/print/PreviewPages.h"
 
 #include <QAbstractScrollArea>
-#include <QPixmap>
 
 #include <map>
-#include <memory>
 #include <optional>
 
 namespace spreadsheet {
-
-class PageText;
-class Workbook;
 
 /// How the preview shows pages.
 enum class PreviewView {
@@ -22,16 +17,17 @@ enum class PreviewView {
     severalPages = 5, ///< whole pages side by side and below each other
 };
 
-/// Shows the pages of a sheet as they will be printed. Only pages that are in sight are drawn, so that the
-/// number of pages costs nothing; changes of the workbook show with the next painting.
+/// Shows the pages of a sheet as they will be printed, all on one strip that is scrolled through. Only pages
+/// that are in sight are drawn, so that the number of pages costs nothing; changes of the workbook show with
+/// the next painting.
 ///
-/// Page keys and the wheel go through a page that is higher than the window and then on to the next one,
-/// Home and End to the first and last, Ctrl with the wheel changes the size, a double click toggles it.
+/// The wheel and the arrows scroll over the ends of pages. Page keys go on by what fits into the window, with
+/// Ctrl by whole pages, Home and End to the first and last page; Ctrl with the wheel changes the size, a
+/// double click toggles it. Where several pages are in sight the current one has a frame.
 class PreviewWidget : public QAbstractScrollArea {
     Q_OBJECT
 public:
     explicit PreviewWidget(QWidget* parent = nullptr);
-    ~PreviewWidget() override;
 
     /// Shows a sheet from its first page. The workbook must outlive the widget or another attachment.
     /// @param sheet    from 1
@@ -43,9 +39,10 @@ public:
     /// Finds out whether the workbook has changed, if no painting will.
     void refresh();
 
+    const PreviewPages& pages() const { return m_pages; }
     /// Pages of the sheet with its print settings of now; at least 1.
-    int pageCount() const;
-    /// The first page in sight, from 1.
+    int pageCount() const { return m_pages.count(); }
+    /// From 1; the first one in sight once the user has scrolled.
     int currentPage() const { return m_currentPage; }
     /// A page outside the report becomes its first or last.
     void setCurrentPage(int page);
@@ -53,7 +50,7 @@ public:
     bool find(const QString& text);
     /// What the cells of the current page show, for a clipboard.
     QString words() const;
-    /// How many pages are shown at once.
+    /// How many pages the view shows at once.
     int pageStep() const;
 
     PreviewView view() const { return m_look.view; }
@@ -68,11 +65,15 @@ public:
     void toggleZoom();
 
     /// Why there are no pages to be shown, as one Chinese sentence; empty if there are.
-    QString problem() const;
+    QString problem() const { return m_pages.problem(); }
 
 Q_SIGNALS:
     void pageChanged(int page);
     void pageCountChanged(int pages);
+    /// Pages may look otherwise.
+    void pagesRenewed();
+    /// They are shown in another view or size.
+    void lookChanged();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -80,6 +81,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void scrollContentsBy(int across, int down) override;
 
 private:
     struct Look {
@@ -89,31 +91,42 @@ private:
         int down = 1;
     };
 
-    const PageLayout* layout() const;
-    void changeLook(const Look& look);
-    void arrange();
-    void tellPages(int pageBefore);
+    /// Where pages stand on the strip, in pixels.
+    struct Strip {
+        QSize page{1, 1};
+        QPoint first; ///< left top corner of the first page
+        int across = 1, rows = 1;
+        QSize pitch() const; ///< from one page to the next
+        QSize extent() const;
+    };
+    Strip strip() const;
+    QRect pageRect(const Strip& strip, int page) const;
+    int rowOf(int page) const { return (page - 1) / pagesInRow(); }
+    int pagesInRow() const { return m_look.view == PreviewView::severalPages ? m_look.across : 1; }
+    int pagesBelow() const { return m_look.view == PreviewView::severalPages ? m_look.down : 1; }
     double scale() const;
-    QRect pageRect(int place) const;
-    const QPixmap& picture(int page, QSize size);
-    /// Scrolls, or turns the page where there is no more to scroll.
-    void goOn(int pixels, bool turnsPage);
 
-    const Workbook* m_workbook = nullptr;
-    int m_sheet = 1;
-    PageRequest m_request;
+    void changeLook(const Look& look);
+    void renew();
+    void arrange();
+    void arrangeAnew();
+    void showPage(int page);
+    void scrollTo(double within);
+    void noteScrolling();
+    void goOn(int screens);
+    void tellPages(int pageBefore);
+    const QPixmap& picture(int page, QSize size);
+
+    PreviewPages m_pages;
     Look m_look;
     std::optional<Look> m_lookBefore; ///< set while the zoom is toggled
     int m_currentPage = 1;
+    double m_within = 0; ///< how far down that page the window's top lies, in parts of its height
     int m_toldPages = 1;
-    int m_wheel = 0; ///< eighths of a degree not yet acted on
-
-    mutable std::unique_ptr<PageLayout> m_layout; ///< of m_revision; none if the margins leave no room
-    mutable std::optional<std::uint64_t> m_revision;
-    mutable QString m_problem;
-    std::unique_ptr<PageText> m_text;
+    int m_wheel = 0;                   ///< eighths of a degree not yet acted on
+    bool m_isPlacing = false;          ///< what scrolls is not the user
     std::map<int, QPixmap> m_pictures; ///< pages in sight
-    std::optional<std::uint64_t> m_picturesRevision;
+    std::uint64_t m_shownVersion = 0;  ///< of the pages on the pictures
 };
 
 } // namespace spreadsheet

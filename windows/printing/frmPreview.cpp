@@ -5,19 +5,24 @@
 #include "platform/windows/settle.h"
 #include "platform/windows/WaitCursor.h"
 #include "reports/ReportContext.h"
+#include "spreadsheet/print/PageThumbnails.h"
 #include "spreadsheet/print/PreviewWidget.h"
 #include "spreadsheet/workbook/Workbook.h"
+#include "windows/printing/GetZoom.h"
 #include "windows/printing/pagesetup.h"
 #include "windows/printing/print_sheet.h"
 #include "windows/printing/PrintDlg.h"
 #include "windows/printing/PrintedGrid.h"
+#include "windows/printing/zoom_entries.h"
 
 #include <QAction>
 #include <QClipboard>
+#include <QComboBox>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSplitter>
 
 #include <memory>
 
@@ -84,9 +89,9 @@ frmPreview::frmPreview(PrintedGrid& grid)
     auto* const places = new ProportionalLayout(this, board);
     setLayout(places);
     m_fpsp1->setObjectName("fpsp1");
-    places->place(m_fpsp1, {60, 60, 11880, 7380});
     lblPage->setObjectName("lblPage");
     places->place(lblPage, {120, 8100, 2800, 420});
+    buildView();
     buildSearch();
     buildButtons();
     resize(sizeHint());
@@ -124,6 +129,54 @@ void frmPreview::buildButtons()
     findChild<QPushButton*>("cmdHelp")->setShortcut(QKeySequence::Print);
     cmdPrevious = findChild<QPushButton*>("cmdPrevious");
     cmdNext = findChild<QPushButton*>("cmdNext");
+}
+
+/// The pages with their thumbnails, and how they are shown.
+void frmPreview::buildView()
+{
+    auto* const places = static_cast<ProportionalLayout*>(layout());
+    auto* const pages = new QSplitter;
+    auto* const thumbnails = new spreadsheet::PageThumbnails(*m_fpsp1);
+    thumbnails->setObjectName("thumbnails");
+    pages->addWidget(thumbnails);
+    pages->addWidget(m_fpsp1);
+    pages->setStretchFactor(1, 1);
+    pages->setChildrenCollapsible(false);
+    places->place(pages, {60, 60, 11880, 7380});
+
+    auto* const cmdThumbnails = new QPushButton(QStringLiteral("缩略图(&T)"));
+    cmdThumbnails->setObjectName("cmdThumbnails");
+    cmdThumbnails->setAutoDefault(false);
+    cmdThumbnails->setCheckable(true);
+    cmdThumbnails->setChecked(true);
+    connect(cmdThumbnails, &QPushButton::toggled, thumbnails, &QWidget::setVisible);
+    places->place(cmdThumbnails, {5960, 7540, 1350, 450});
+
+    cboZoom = new QComboBox;
+    cboZoom->setObjectName("cboZoom");
+    for (const ZoomEntry& entry : zoomEntries)
+        cboZoom->addItem(QString::fromUtf8(entry.caption));
+    auto* const label = new QLabel(QStringLiteral("显示(&V):"));
+    label->setBuddy(cboZoom);
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    places->place(label, {7440, 7540, 1350, 450});
+    places->place(cboZoom, {8920, 7540, 1350, 450});
+    connect(cboZoom, &QComboBox::activated, this, &frmPreview::cboZoom_Click);
+    connect(m_fpsp1, &spreadsheet::PreviewWidget::lookChanged, this, &frmPreview::showView);
+    showView();
+}
+
+/// What is shown in a way that no entry names is told in percent.
+void frmPreview::showView()
+{
+    cboZoom->setPlaceholderText(QStringLiteral("%1%").arg(m_fpsp1->zoomPercentage()));
+    cboZoom->setCurrentIndex(zoomShown(*m_fpsp1));
+}
+
+void frmPreview::cboZoom_Click(int index)
+{
+    showZoom(*m_fpsp1, index);
+    m_grid.context.report.zoomIndex = static_cast<std::int16_t>(index); // page set-up begins with it
 }
 
 void frmPreview::buildSearch()

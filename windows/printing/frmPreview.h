@@ -1,6 +1,7 @@
 #pragma once
 #include <QDialog>
 
+class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -44,12 +45,16 @@ private:
     void cmdSupport_Click();
     void cmdHelp_Click();
     void buildSearch();
+    void buildView();
+    void showView();
+    void cboZoom_Click(int index);
     void cmdFind_Click();
     void cmdCopy_Click();
 
     PrintedGrid& m_grid;
     spreadsheet::PreviewWidget* m_fpsp1;
     QLabel* lblPage;
+    QComboBox* cboZoom = nullptr;
     QLineEdit* txtFind = nullptr;
     QPushButton* cmdPrevious = nullptr;
     QPushButton* cmdNext = nullptr;

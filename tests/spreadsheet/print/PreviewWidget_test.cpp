@@ -1,3 +1,4 @@
+#include "spreadsheet/print/PageThumbnails.h"
 #include "spreadsheet/print/PreviewWidget.h"
 #include "spreadsheet/workbook/Workbook.h"
 
@@ -49,6 +50,8 @@ struct PreviewWidgetTest : testing::Test {
         }
         return most;
     }
+    /// From one whole page to the next: 12 pixels are around each.
+    int pitch() const { return preview.viewport()->height() - 12; }
     void wheel(int angle, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
         QWheelEvent event(QPointF(50, 50), QPointF(50, 50), {}, {0, angle}, Qt::NoButton, modifiers,
@@ -81,11 +84,11 @@ TEST_F(PreviewWidgetTest, EachViewShowsItsPages)
 {
     const int whole = pageWidth();
     EXPECT_NEAR(whole, (800 - 24) * 11906 / 16838, 12);
-    EXPECT_EQ(preview.verticalScrollBar()->maximum(), 0);
+    EXPECT_EQ(preview.verticalScrollBar()->maximum(), 9 * pitch()) << "one page for each window";
 
     preview.setView(PreviewView::pageWidth);
     EXPECT_GT(pageWidth(), 540);
-    EXPECT_GT(preview.verticalScrollBar()->maximum(), 0) << "higher than the window";
+    EXPECT_GT(preview.verticalScrollBar()->maximum(), 9 * pitch()) << "higher than the window";
 
     preview.setView(PreviewView::percentage);
     preview.setZoomPercentage(200);
@@ -98,7 +101,6 @@ TEST_F(PreviewWidgetTest, EachViewShowsItsPages)
     preview.setPagesDown(2);
     EXPECT_EQ(preview.pageStep(), 6);
     EXPECT_GT(pageWidth(), 520) << "three pages fill the width";
-    EXPECT_EQ(preview.verticalScrollBar()->maximum(), 0);
     preview.setCurrentPage(10);
     EXPECT_LT(pageWidth(), 200) << "nothing stands beside the last page";
     EXPECT_EQ(preview.pageStep(), 6);
@@ -127,33 +129,123 @@ TEST_F(PreviewWidgetTest, TheZoomTogglesBetweenTheViewAndACloseLook)
     EXPECT_EQ(preview.view(), PreviewView::percentage) << "a chosen view starts afresh";
 }
 
-TEST_F(PreviewWidgetTest, KeysAndWheelScrollAndThenTurnThePage)
+TEST_F(PreviewWidgetTest, TheWheelScrollsOverTheEndsOfPages)
 {
-    QTest::keyClick(&preview, Qt::Key_PageDown);
+    QScrollBar& bar = *preview.verticalScrollBar();
+    for (int notch = 1; notch <= 3; ++notch)
+        wheel(-120);
+    EXPECT_EQ(preview.currentPage(), 1) << "most of it is in sight";
+    EXPECT_NEAR(bar.value(), 300, 2);
+    wheel(-180);
     EXPECT_EQ(preview.currentPage(), 2);
-    wheel(-60);
-    EXPECT_EQ(preview.currentPage(), 2) << "half a notch";
-    wheel(-60);
-    EXPECT_EQ(preview.currentPage(), 3);
-    QTest::keyClick(&preview, Qt::Key_End);
-    EXPECT_EQ(preview.currentPage(), 10);
-    QTest::keyClick(&preview, Qt::Key_Home);
-    EXPECT_EQ(preview.currentPage(), 1);
-
-    preview.setView(PreviewView::pageWidth);
-    QTest::keyClick(&preview, Qt::Key_PageDown);
-    EXPECT_EQ(preview.currentPage(), 1);
-    EXPECT_EQ(preview.verticalScrollBar()->value(), preview.verticalScrollBar()->maximum())
-        << "its lower end";
-    QTest::keyClick(&preview, Qt::Key_PageDown);
-    EXPECT_EQ(preview.currentPage(), 2);
-    EXPECT_EQ(preview.verticalScrollBar()->value(), 0);
-    wheel(120);
-    EXPECT_EQ(preview.currentPage(), 1);
-    EXPECT_EQ(preview.verticalScrollBar()->value(), preview.verticalScrollBar()->maximum())
-        << "back to its end";
+    const int between = bar.value();
+    EXPECT_NEAR(between, 450, 2) << "it stays where it was scrolled to";
+    sheet.setText({2, 2}, "改");
+    shown();
+    EXPECT_NEAR(bar.value(), between, 1) << "also with other contents";
+    QTest::keyClick(&preview, Qt::Key_Down);
+    EXPECT_EQ(bar.value(), between + bar.singleStep());
+    preview.setCurrentPage(3);
+    EXPECT_EQ(bar.value(), 2 * pitch()) << "a chosen page stands at the top";
     wheel(120, Qt::ControlModifier);
     EXPECT_EQ(preview.view(), PreviewView::percentage);
+    EXPECT_EQ(preview.currentPage(), 3);
+}
+
+TEST_F(PreviewWidgetTest, KeysGoOnByWhatFitsIntoTheWindow)
+{
+    const auto keys = [&](std::initializer_list<Qt::Key> pressed, Qt::KeyboardModifiers modifiers = {}) {
+        for (const Qt::Key key : pressed)
+            QTest::keyClick(&preview, key, modifiers);
+        return preview.currentPage();
+    };
+    QScrollBar& bar = *preview.verticalScrollBar();
+    EXPECT_EQ(keys({Qt::Key_PageDown, Qt::Key_Space}), 3);
+    EXPECT_EQ(keys({Qt::Key_PageUp}), 2);
+    EXPECT_EQ(keys({Qt::Key_End}), 10);
+    EXPECT_EQ(bar.value(), bar.maximum());
+    EXPECT_EQ(keys({Qt::Key_PageDown}), 10);
+    EXPECT_EQ(keys({Qt::Key_Home}), 1);
+    wheel(-120);
+    EXPECT_EQ(keys({Qt::Key_Home}), 1);
+    EXPECT_EQ(bar.value(), 0) << "its head was out of sight";
+
+    preview.setView(PreviewView::pageWidth); // 562 pixels: 795 high, more than the window shows
+    preview.resize(600, 400);
+    EXPECT_EQ(keys({Qt::Key_PageDown}), 1);
+    EXPECT_GT(bar.value(), 300) << "a part of the page";
+    EXPECT_EQ(keys({Qt::Key_PageDown, Qt::Key_PageDown}), 2) << "over its end";
+    const double part = bar.value() / static_cast<double>(bar.maximum() + bar.pageStep());
+    preview.resize(900, 600);
+    EXPECT_EQ(preview.currentPage(), 2);
+    EXPECT_NEAR(bar.value() / static_cast<double>(bar.maximum() + bar.pageStep()), part, 0.01)
+        << "the same part, larger";
+    EXPECT_EQ(keys({Qt::Key_PageDown}, Qt::ControlModifier), 3) << "a whole page";
+
+    preview.setView(PreviewView::severalPages);
+    preview.setPagesAcross(2);
+    preview.setPagesDown(1);
+    EXPECT_EQ(keys({Qt::Key_PageDown}), 5) << "the row of pages below that of 3 and 4";
+    EXPECT_EQ(keys({Qt::Key_PageUp, Qt::Key_PageUp}), 1);
+}
+
+struct Thumbnails : PreviewWidgetTest {
+    Thumbnails()
+    {
+        strip.resize(140, 400);
+        strip.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&strip));
+    }
+    /// Where a page's picture begins.
+    int topOf(int page) const
+    {
+        const int width = strip.viewport()->width() - 16;
+        const int pitch = width * 16838 / 11906 + strip.fontMetrics().height() + 8;
+        return 8 + (page - 1) * pitch - strip.verticalScrollBar()->value();
+    }
+    bool isFramed(int page)
+    {
+        const QImage image = strip.viewport()->grab().toImage();
+        return image.pixelColor(20, topOf(page) - 1) == strip.palette().color(QPalette::Highlight);
+    }
+    PageThumbnails strip{preview};
+};
+
+TEST_F(Thumbnails, ChooseThePageAndFollowIt)
+{
+    EXPECT_TRUE(isFramed(1));
+    QTest::mouseClick(strip.viewport(), Qt::LeftButton, {}, {40, topOf(2) + 20});
+    EXPECT_EQ(preview.currentPage(), 2);
+    EXPECT_TRUE(isFramed(2));
+    EXPECT_FALSE(isFramed(1));
+    for (const auto& [key, page] : {std::pair(Qt::Key_Down, 3), {Qt::Key_Up, 2}, {Qt::Key_End, 10}}) {
+        QTest::keyClick(&strip, key);
+        EXPECT_EQ(preview.currentPage(), page);
+    }
+    EXPECT_TRUE(isFramed(10)) << "scrolled into sight";
+    QTest::keyClick(&preview, Qt::Key_Home);
+    EXPECT_TRUE(isFramed(1));
+    setPages(3);
+    preview.refresh();
+    QTest::mouseClick(strip.viewport(), Qt::LeftButton, {}, {40, topOf(3) + 20});
+    EXPECT_EQ(preview.currentPage(), 3);
+}
+
+TEST_F(Thumbnails, ShowThePagesAsTheyAreNow)
+{
+    const auto dark = [&] {
+        QTest::qWait(50); // they are drawn when there is time
+        const QImage image = strip.viewport()->grab().toImage();
+        int count = 0;
+        for (int y = topOf(1); y < topOf(1) + 100; ++y)
+            for (int x = 8; x < image.width() - 8; ++x)
+                count += image.pixelColor(x, y).lightness() < 100;
+        return count;
+    };
+    EXPECT_LT(dark(), 20) << "two characters";
+    sheet.restyle({1, 1, 5, 1}, [](CellStyle& style) { style.background = 0x000000; });
+    preview.refresh();
+    EXPECT_GT(dark(), 60);
 }
 
 TEST_F(PreviewWidgetTest, ChangesOfTheWorkbookShow)

@@ -109,6 +109,47 @@ TEST_F(Preview, ZoomLeavesPageAndButtons)
     EXPECT_EQ(state(window), before);
 }
 
+TEST_F(Preview, TheListOfViewsFollowsWhateverChangesTheView)
+{
+    grid.setPages(9);
+    frmPreview& window = frmPreview::shared(grid);
+    show(window);
+    auto& views = control<QComboBox>(window, "cboZoom");
+    EXPECT_EQ(views.currentText(), "整页");
+    views.setFocus();
+    QTest::keyClick(&views, Qt::Key_Down); // the entry after that
+    EXPECT_EQ(window.fpsp1().pageStep(), 2);
+    EXPECT_EQ(views.currentText(), "两页");
+    window.fpsp1().setCurrentPage(5);
+    click(window, "cmdHome");
+    EXPECT_EQ(views.currentText(), "100%");
+    window.fpsp1().setZoomPercentage(90);
+    EXPECT_EQ(views.currentIndex(), -1);
+    EXPECT_EQ(views.placeholderText(), "90%");
+    whenModal("pagesetup", [](QWidget& setup) {
+        EXPECT_EQ(control<QComboBox>(setup, "Combo1").currentText(), "Two Pages") << "chosen in the preview";
+        control<QPushButton>(setup, "cmdXPOK").click();
+    });
+    click(window, "cmdSupport");
+    EXPECT_EQ(views.currentText(), "两页");
+    EXPECT_TRUE(state(window).starts_with("第 5 页")) << state(window);
+}
+
+TEST_F(Preview, ThumbnailsLeaveTheWindowToThePages)
+{
+    grid.setPages(5);
+    frmPreview& window = frmPreview::shared(grid);
+    show(window);
+    auto& thumbnails = control<QWidget>(window, "thumbnails");
+    EXPECT_TRUE(thumbnails.isVisible());
+    const int before = window.fpsp1().width();
+    QTest::keyClick(&thumbnails, Qt::Key_End);
+    EXPECT_EQ(state(window), "第 5 页,共 5 页 <");
+    click(window, "cmdThumbnails");
+    EXPECT_FALSE(thumbnails.isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.fpsp1().width() > before + 50; }));
+}
+
 TEST_F(Preview, PageSetupOverItChangesPagesAndZoom)
 {
     grid.setPages(2);

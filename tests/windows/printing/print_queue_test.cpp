@@ -1,11 +1,14 @@
 #include "platform/printers/CupsPrintService.h"
 #include "spreadsheet/print/pdf.h"
+#include "spreadsheet/print/PreviewWidget.h"
 #include "tests/windows/printing/PrintingTest.h"
 #include "tests/windows/printing/TestPrintServer.h"
 #include "windows/printing/PrintDlg.h"
 
 #include <gmock/gmock.h>
 #include <QElapsedTimer>
+#include <QLineEdit>
+#include <QRadioButton>
 #include <QRegularExpression>
 
 namespace selfreport {
@@ -91,6 +94,43 @@ TEST_F(PrintQueue, PrintsTheSamePagesAsOurPdf)
     const std::string direct = pagesOf(server.takePrinted());
     EXPECT_THAT(direct, testing::HasSubstr("page 595 x 842")) << "paper goes through a printer upright";
     EXPECT_EQ(direct, pagesOf(ownPdf(), true)) << "two pages that lie on their side";
+}
+
+TEST_F(PrintQueue, PrintsEachKindOfRangeThatTheDialogOffers)
+{
+    test::TestPrintServer server;
+    grid.block = {1, 1, 1, 1};
+    grid.others = {{1, 3, 2, 3}};
+    const struct {
+        const char* range;
+        std::vector<std::string> pages; ///< what each page holds, and nothing of the other rows
+    } cases[] = {{"Option1_0", {"第1行", "第2行", "第3行"}},
+                 {"Option1_1", {"第1行", "第3行"}},
+                 {"Option1_2", {"第2行"}},
+                 {"Option1_3", {"第2行", "第3行"}}};
+    for (const auto& [range, pages] : cases) {
+        frmPreview::shared(grid).fpsp1().setCurrentPage(2);
+        PrintDlg window(grid);
+        show(window);
+        control<QRadioButton>(window, range).click();
+        if (control<QLineEdit>(window, "Text1_0").isEnabled()) {
+            for (const auto& [field, page] : {std::pair("Text1_0", "2"), {"Text1_1", "3"}}) {
+                control<QLineEdit>(window, field).selectAll();
+                QTest::keyClicks(&control<QLineEdit>(window, field), page);
+            }
+        }
+        click(window, "Command2");
+        QFile printed(server.takePrinted());
+        ASSERT_TRUE(printed.open(QIODevice::ReadOnly)) << range;
+        const QStringList found = QString::fromStdString(textOf(printed.readAll().toStdString())).split('\f');
+        ASSERT_EQ(found.size(), std::ssize(pages) + 1) << range;
+        static const QRegularExpression row("第.行");
+        for (std::size_t i = 0; i < pages.size(); ++i) {
+            auto rows = row.globalMatch(found[static_cast<qsizetype>(i)]);
+            EXPECT_EQ(rows.next().captured().toStdString(), pages[i]) << range;
+            EXPECT_FALSE(rows.hasNext()) << range;
+        }
+    }
 }
 
 TEST_F(PrintQueue, ThePrintersOwnPaperIsUsed)
