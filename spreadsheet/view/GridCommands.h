@@ -57,6 +57,10 @@ public:
     /// A line, or all selected ones if it is selected whole. @param twips  0 hides
     void resizeLinesTo(Axis axis, int line, int twips);
     void autofitLine(Axis axis, int line);
+    /// The page that begins by hand at a row or column begins at another; at the first one the mark is gone.
+    void movePageBreak(Axis axis, int from, int to);
+    /// … that at the active cell by so many lines, and the cursor with it.
+    void movePageBreakHere(Axis axis, int lines);
 
     // Sheets
     void addSheet();

@@ -1,4 +1,5 @@
 // Commands on whole rows and columns.
+#include "spreadsheet/view/commands/page_breaks.h"
 #include "spreadsheet/view/GridCommands.h"
 #include "spreadsheet/view/needed_size.h"
 #include "spreadsheet/view/SheetView.h"
@@ -198,6 +199,29 @@ void GridCommands::autofitLine(Axis axis, int line)
         for (int each = lines.first; each <= std::min(lines.last, last); ++each)
             fitLine(book, sheet, axis, each);
     m_control.showChanges();
+}
+
+void GridCommands::movePageBreak(Axis axis, int from, int to)
+{
+    spreadsheet::movePageBreak(m_control.cells().workbook(), m_control.cells().shownSheet(), axis, from, to);
+    m_control.showChanges();
+}
+
+void GridCommands::movePageBreakHere(Axis axis, int lines)
+{
+    if (m_control.refuseInRun() || !m_control.entry().commitHere())
+        return;
+    const bool rows = axis == Axis::rows;
+    const CellAddress cell = m_control.cursor().activeCell();
+    const int from = rows ? cell.row : cell.column;
+    if (!beginsPage(m_view.sheet(), axis, from)) {
+        m_control.refuse(rows ? "活动单元格的行上没有分页符" : "活动单元格的列上没有分页符");
+        return;
+    }
+    const AxisPositions& shown = rows ? m_view.geometry().rows() : m_view.geometry().columns();
+    const int to = shown.moved(from, lines);
+    movePageBreak(axis, from, to);
+    m_control.cursor().setActiveCell(rows ? cell.column : to, rows ? to : cell.row);
 }
 
 } // namespace spreadsheet

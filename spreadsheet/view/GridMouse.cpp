@@ -3,6 +3,7 @@
 #include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/print/CellBehaviour.h"
 #include "spreadsheet/view/commands/fill.h"
+#include "spreadsheet/view/commands/page_breaks.h"
 #include "spreadsheet/view/SheetView.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 
@@ -21,7 +22,8 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr int edgeReach = 4; // pixels on either side of a heading's edge where it can be dragged
+constexpr int edgeReach = 4;  // pixels on either side of a heading's edge where it can be dragged
+constexpr int breakReach = 2; // … of a page break
 constexpr int scrollInterval = 50;
 
 int buttonNumber(Qt::MouseButton button)
@@ -76,10 +78,38 @@ GridMouse::Place GridMouse::placeOf(QPoint point) const
     }
     if (!area.contains(point))
         return {Kind::beyond, {-1, -1}, 0};
-    const bool onHandle = m_control.mode() == GridMode::edit && m_control.offersCommands() &&
-                          !m_control.entry().isOpen() &&
-                          view.fillHandle().adjusted(-2, -2, 2, 2).contains(point);
-    return {onHandle ? Kind::fillHandle : Kind::cells, geometry.nearestCell(point), 0};
+    const CellAddress cell = geometry.nearestCell(point);
+    if (m_control.mode() != GridMode::edit || !m_control.offersCommands() || m_control.entry().isOpen())
+        return {Kind::cells, cell, 0};
+    if (view.fillHandle().adjusted(-2, -2, 2, 2).contains(point))
+        return {Kind::fillHandle, cell, 0};
+    if (const int row = breakAt(point.y(), true))
+        return {Kind::rowBreak, cell, row};
+    if (const int column = breakAt(point.x(), false))
+        return {Kind::columnBreak, cell, column};
+    return {Kind::cells, cell, 0};
+}
+
+/// The line that begins a page by hand and lies at a place of the cells; 0: none does.
+int GridMouse::breakAt(int position, bool rows) const
+{
+    const CellGeometry& geometry = m_view.geometry();
+    const Axis axis = rows ? Axis::rows : Axis::columns;
+    for (const PageTrack& track : rows ? geometry.rowTracks() : geometry.columnTracks())
+        if (std::abs(track.start - 1 - position) <= breakReach &&
+            beginsPage(m_view.sheet(), axis, track.index))
+            return track.index;
+    return 0;
+}
+
+/// The line in sight whose beginning is nearest.
+int GridMouse::nearestStart(int position, bool rows) const
+{
+    const CellGeometry& geometry = m_view.geometry();
+    const auto tracks = rows ? geometry.rowTracks() : geometry.columnTracks();
+    const auto nearest = std::ranges::min_element(
+        tracks, {}, [position](const PageTrack& track) { return std::abs(track.start - position); });
+    return nearest == tracks.end() ? 0 : nearest->index;
 }
 
 /// The line whose end lies at a place of the headings; 0: none does.
@@ -108,9 +138,11 @@ void GridMouse::showCursor(const Place& place) const
     using Kind = Place::Kind;
     switch (place.kind) {
     case Kind::columnEdge:
+    case Kind::columnBreak:
         m_control.setCursor(Qt::SplitHCursor);
         break;
     case Kind::rowEdge:
+    case Kind::rowBreak:
         m_control.setCursor(Qt::SplitVCursor);
         break;
     case Kind::fillHandle:
@@ -149,6 +181,8 @@ void GridMouse::press(const QMouseEvent& event)
     } else if (place.kind == Kind::fillHandle) {
         m_doing = Doing::filling;
         m_filled = m_control.cursor().firstRange();
+    } else if (place.kind == Kind::rowBreak || place.kind == Kind::columnBreak) {
+        m_doing = place.kind == Kind::rowBreak ? Doing::movingRowBreak : Doing::movingColumnBreak;
     } else if (place.kind == Kind::cells) {
         pressCell(place, event);
     } else {
@@ -296,6 +330,10 @@ void GridMouse::dragTo(QPoint point)
         if (m_control.entry().isOpen())
             pointTo(point, true);
         break;
+    case Doing::movingRowBreak:
+    case Doing::movingColumnBreak:
+        showBreakGoal(point);
+        break;
     case Doing::holding:
         m_view.setPressed(m_view.sheet().extent(m_pressed.cell).contains(cell)
                               ? std::optional(m_control.cursor().activeCell())
@@ -311,6 +349,17 @@ bool GridMouse::pointsAtRows() const
     using Kind = Place::Kind;
     return m_doing == Doing::pointing &&
            (m_pressed.kind == Kind::rowHeading || m_pressed.kind == Kind::rowEdge);
+}
+
+/// Up and down count only.
+bool GridMouse::isAlongRows() const
+{
+    return m_doing == Doing::rows || m_doing == Doing::movingRowBreak || pointsAtRows();
+}
+
+bool GridMouse::isAlongColumns() const
+{
+    return m_doing == Doing::columns || m_doing == Doing::movingColumnBreak || pointsAtColumns();
 }
 
 bool GridMouse::pointsAtColumns() const
@@ -343,8 +392,8 @@ void GridMouse::pointTo(QPoint point, bool goesOn)
 void GridMouse::scrollIfOutside(QPoint point)
 {
     const QRect area = m_view.geometry().scrolledArea();
-    const bool alongRows = m_doing == Doing::rows || pointsAtRows();
-    const bool alongColumns = m_doing == Doing::columns || pointsAtColumns();
+    const bool alongRows = isAlongRows();
+    const bool alongColumns = isAlongColumns();
     const bool outside = alongRows      ? point.y() > area.bottom() || point.y() < area.top()
                          : alongColumns ? point.x() > area.right() || point.x() < area.left()
                                         : !area.contains(point);
@@ -364,10 +413,8 @@ void GridMouse::timerEvent(QTimerEvent*)
         const int outside = position > last ? position - last : position < first ? position - first : 0;
         return outside == 0 ? 0 : outside / 40 + (outside > 0 ? 1 : -1);
     };
-    const int down =
-        m_doing == Doing::columns || pointsAtColumns() ? 0 : steps(m_last.y(), area.top(), area.bottom());
-    const int across =
-        m_doing == Doing::rows || pointsAtRows() ? 0 : steps(m_last.x(), area.left(), area.right());
+    const int down = isAlongColumns() ? 0 : steps(m_last.y(), area.top(), area.bottom());
+    const int across = isAlongRows() ? 0 : steps(m_last.x(), area.left(), area.right());
     const CellAddress last = geometry.lastTopLeft();
     if (down != 0)
         topLeft.row = std::min(geometry.rows().moved(topLeft.row, down), last.row);
@@ -387,6 +434,19 @@ void GridMouse::showGuide(QPoint point)
     });
 }
 
+/// A line where the page would begin.
+void GridMouse::showBreakGoal(QPoint point)
+{
+    const bool rows = m_doing == Doing::movingRowBreak;
+    const int goal = nearestStart(rows ? point.y() : point.x(), rows);
+    const CellGeometry& geometry = m_view.geometry();
+    for (const PageTrack& track : rows ? geometry.rowTracks() : geometry.columnTracks())
+        if (track.index == goal)
+            m_view.changeOverlays([&](CellOverlays& overlays) {
+                (rows ? overlays.guideDown : overlays.guideAcross) = track.start - 1;
+            });
+}
+
 void GridMouse::release(const QMouseEvent& event)
 {
     if (event.button() != Qt::LeftButton)
@@ -400,6 +460,12 @@ void GridMouse::release(const QMouseEvent& event)
     } else if (done == Doing::filling) {
         hideMarks();
         endFill(!event.modifiers().testFlag(Qt::ControlModifier));
+    } else if (done == Doing::movingRowBreak || done == Doing::movingColumnBreak) {
+        hideMarks();
+        const bool rows = done == Doing::movingRowBreak;
+        if (point != m_pressedAt)
+            m_control.commands().movePageBreak(rows ? Axis::rows : Axis::columns, m_pressed.line,
+                                               nearestStart(rows ? point.y() : point.x(), rows));
     } else if (done == Doing::holding) {
         m_view.setPressed(std::nullopt);
         const CellAddress cell = m_control.cursor().activeCell();
@@ -411,7 +477,8 @@ void GridMouse::release(const QMouseEvent& event)
 
 bool GridMouse::cancel()
 {
-    if (m_doing != Doing::filling && m_doing != Doing::resizingRow && m_doing != Doing::resizingColumn)
+    if (m_doing != Doing::filling && m_doing != Doing::resizingRow && m_doing != Doing::resizingColumn &&
+        !movesBreak())
         return false;
     m_doing = Doing::nothing;
     m_scroll.stop();
@@ -419,7 +486,7 @@ bool GridMouse::cancel()
     return true;
 }
 
-/// Of what the mouse was about to fill or resize.
+/// Of what the mouse was about to fill, resize or move.
 void GridMouse::hideMarks()
 {
     m_view.changeOverlays([](CellOverlays& overlays) {

@@ -37,19 +37,38 @@ private:
         columns,
         resizingRow,
         resizingColumn,
+        movingRowBreak, ///< where a page begins by hand
+        movingColumnBreak,
         filling,
         pointing,
         holding ///< a cell that does something when it is let go
     };
     struct Place {
-        enum class Kind { cells, columnHeading, rowHeading, corner, columnEdge, rowEdge, fillHandle, beyond };
+        enum class Kind {
+            cells,
+            columnHeading,
+            rowHeading,
+            corner,
+            columnEdge,
+            rowEdge,
+            fillHandle,
+            columnBreak,
+            rowBreak,
+            beyond
+        };
         Kind kind = Kind::beyond;
         CellAddress cell; ///< row 0 or column 0 in headings
-        int line = 0;     ///< column or row that an edge resizes
+        int line = 0;     ///< column or row that an edge resizes, or that begins a page
     };
 
     Place placeOf(QPoint point) const;
     int edgeAt(int position, bool rows) const;
+    int breakAt(int position, bool rows) const;
+    int nearestStart(int position, bool rows) const;
+    bool movesBreak() const
+    {
+        return m_doing == Doing::movingRowBreak || m_doing == Doing::movingColumnBreak;
+    }
     void showCursor(const Place& place) const;
     void pressCell(const Place& place, const QMouseEvent& event);
     void pressHeading(const Place& place, Qt::KeyboardModifiers modifiers);
@@ -61,9 +80,12 @@ private:
     void pointTo(QPoint point, bool goesOn);
     bool pointsAtRows() const;
     bool pointsAtColumns() const;
+    bool isAlongRows() const;
+    bool isAlongColumns() const;
     void scrollIfOutside(QPoint point);
     void showGuide(QPoint point);
     void endResize(QPoint point);
+    void showBreakGoal(QPoint point);
     void endFill(bool asSeries);
     void fillBesides();
     void hideMarks();

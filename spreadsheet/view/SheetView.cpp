@@ -359,14 +359,13 @@ void SheetView::paintPageBreaks(QPainter& painter) const
     const PrintSettings& print = sheet().settings().print;
     painter.save();
     painter.setPen(QPen(QColor(0x20, 0x60, 0xC0), 1, Qt::DashLine));
-    for (const auto& [row, marked] : print.rowBreaks)
-        if (const QRect rect = m_geometry.visibleRect({1, row, sheet().settings().columnCount, row});
-            !rect.isEmpty())
-            painter.drawLine(rect.left(), rect.top() - 1, rect.right(), rect.top() - 1);
-    for (const auto& [column, marked] : print.columnBreaks)
-        if (const QRect rect = m_geometry.visibleRect({column, 1, column, sheet().settings().rowCount});
-            !rect.isEmpty())
-            painter.drawLine(rect.left() - 1, rect.top(), rect.left() - 1, rect.bottom());
+    const QRect cells = m_geometry.cellArea();
+    for (const PageTrack& row : m_geometry.rowTracks())
+        if (print.rowBreaks.contains(row.index))
+            painter.drawLine(cells.left(), row.start - 1, cells.right(), row.start - 1);
+    for (const PageTrack& column : m_geometry.columnTracks())
+        if (print.columnBreaks.contains(column.index))
+            painter.drawLine(column.start - 1, cells.top(), column.start - 1, cells.bottom());
     painter.restore();
 }
 

@@ -129,6 +129,101 @@ TEST_F(ControlTest, HeadingEdgesResizeAndFit)
     EXPECT_EQ(width(1), before);
 }
 
+struct PageBreaksInTheGrid : ControlTest {
+    PageBreaksInTheGrid()
+    {
+        sheet().changeSettings([](SheetSettings& settings) {
+            settings.print.rowBreaks = {{5, true}, {20, true}};
+            settings.print.columnBreaks = {{3, true}};
+        });
+        control.showChanges();
+    }
+    std::string breaks()
+    {
+        std::string text;
+        for (const auto& [row, marked] : sheet().settings().print.rowBreaks)
+            text += std::to_string(row) + ' ';
+        for (const auto& [column, marked] : sheet().settings().print.columnBreaks)
+            text += columnName(column) + ' ';
+        text.pop_back();
+        return text;
+    }
+    QPoint above(const char* cell) const
+    {
+        return {centre(cell).x(), control.cellRect(*parseCellName(cell)).top() - 1};
+    }
+    QPoint before(const char* cell) const
+    {
+        return {control.cellRect(*parseCellName(cell)).left() - 1, centre(cell).y()};
+    }
+};
+
+TEST_F(PageBreaksInTheGrid, AreMovedByTheMouse)
+{
+    click("B2");
+    const struct {
+        const char* what;
+        QPoint from, to;
+        const char* breaks;
+    } cases[] = {
+        {"to a row", above("E5"), above("F9") + QPoint(0, 4), "9 20 C"},
+        {"onto another one", above("E5"), above("E20"), "20 C"},
+        {"up to where a page begins anyway", above("E5"), above("E1"), "20 C"},
+        {"to a column", before("C8"), before("F2") - QPoint(5, 0), "5 20 F"},
+        {"nowhere", above("E5"), above("E5"), "5 20 C"},
+        {"from beside it", above("E5") + QPoint(0, 4), above("E9"), "5 20 C"},
+    };
+    for (const auto& c : cases) {
+        drag(c.from, c.to);
+        EXPECT_EQ(breaks(), c.breaks) << c.what;
+        if (breaks() != "5 20 C") {
+            EXPECT_EQ(cursor(), "B2 in B2") << c.what;
+            key(Qt::Key_Z, ctrl);
+            EXPECT_EQ(breaks(), "5 20 C") << c.what << ", undone";
+            click("B2");
+        }
+    }
+    QTest::mousePress(&control, Qt::LeftButton, {}, above("E5"));
+    QTest::mouseMove(&control, above("E9"));
+    key(Qt::Key_Escape);
+    QTest::mouseRelease(&control, Qt::LeftButton, {}, above("E9"));
+    EXPECT_EQ(breaks(), "5 20 C") << "given up";
+    control.setMode(GridMode::run);
+    drag(above("E5"), above("E9"));
+    EXPECT_EQ(breaks(), "5 20 C") << "nothing is set up in use";
+}
+
+TEST_F(PageBreaksInTheGrid, AreMovedByKeysFromTheCellBehind)
+{
+    constexpr Qt::KeyboardModifiers held = Qt::AltModifier | shift;
+    click("D5");
+    key(Qt::Key_Down, held);
+    key(Qt::Key_Down, held);
+    EXPECT_EQ(breaks() + ", " + cursor(), "7 20 C, D7 in D7");
+    click("C2");
+    key(Qt::Key_Left, held);
+    EXPECT_EQ(breaks() + ", " + cursor(), "7 20 B, B2 in B2");
+    key(Qt::Key_Right, held);
+    EXPECT_EQ(refusal, "");
+    key(Qt::Key_Down, held);
+    EXPECT_EQ(refusal, "活动单元格的行上没有分页符");
+    EXPECT_EQ(breaks() + ", " + cursor(), "7 20 C, C2 in C2");
+}
+
+TEST_F(PageBreaksInTheGrid, StandWhereTheirPagesBegin)
+{
+    const QImage shown = control.grab().toImage();
+    const auto blues = [&](QPoint from, QPoint step) { // of 40 places along a dashed line
+        int count = 0;
+        for (int i = 0; i < 40; ++i)
+            count += shown.pixelColor(from + i * step) == QColor(0x20, 0x60, 0xC0);
+        return count;
+    };
+    EXPECT_GT(blues(above("E5"), {1, 0}), 15);
+    EXPECT_EQ(blues(above("E6"), {1, 0}), 0);
+    EXPECT_GT(blues(before("C8"), {0, 1}), 15);
+}
+
 TEST_F(ControlTest, TheWheelScrollsAndZooms)
 {
     turnWheel(control, {0, -120});

@@ -1,0 +1,13 @@
+#pragma once
+#include "spreadsheet/view/commands/structure.h"
+
+namespace spreadsheet {
+
+/// Whether a page begins by hand at a row or column.
+bool beginsPage(const Sheet& sheet, Axis axis, int line);
+
+/// Makes the page that begins at `from` by hand begin at `to`; at the first line of the sheet, where one
+/// begins anyway, the mark is gone. One undo step, none if nothing changes.
+void movePageBreak(Workbook& workbook, Sheet& sheet, Axis axis, int from, int to);
+
+} // namespace spreadsheet
