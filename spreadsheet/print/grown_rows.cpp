@@ -82,10 +82,14 @@ std::map<int, int> grownRows(const Sheet& sheet, int first, int last, PageText& 
         for (std::size_t at = column->lowerSlot(first); at < slots.size() && slots[at].firstRow <= last;
              ++at) {
             const Column::Slot& slot = slots[at];
-            for (int row = std::max(first, slot.firstRow); row <= std::min(last, slot.lastRow()); ++row) {
+            const int end = std::min(last, slot.lastRow()) + 1;
+            const auto next = [&](int row) {
+                return slot.firstRow +
+                       tall.next(*slot.block, row - slot.firstRow, end - slot.firstRow, {number, row});
+            };
+            for (int row = next(std::max(first, slot.firstRow)); row < end; row = next(row + 1)) {
                 const CellAddress cell{number, row};
-                if (!tall.mayBeTall(*slot.block, row - slot.firstRow, cell) || rows.sizes.contains(row) ||
-                    rows.hidden.contains(row))
+                if (rows.sizes.contains(row) || rows.hidden.contains(row))
                     continue;
                 const NeededLines needed = neededLines(sheet, cell, text);
                 if (needed.count == 0 || needed.least() <= rows.defaultSize)

@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <random>
+
 namespace spreadsheet {
 namespace {
 
@@ -60,6 +63,38 @@ TEST_F(GrownRows, FontsAndWrappedLinesSayHowHigh)
     }
     EXPECT_TRUE(grownRows(sheet, row + 1, 500, text).empty());
     EXPECT_EQ(grownRows(sheet, 5, 5, text), (std::map<int, int>{{5, 698}})) << "alone as with others";
+}
+
+/// A pass over many rows passes over what it has found plain before; each row by itself has found nothing
+/// yet.
+TEST_F(GrownRows, ManyTogetherAreAsHighAsEachAlone)
+{
+    std::mt19937 random(7);
+    const auto one = [&](auto... choices) {
+        const std::array all{choices...};
+        return all[random() % all.size()];
+    };
+    for (int column = 1; column <= 3; ++column)
+        for (int row = 1; row <= 300; ++row) {
+            if (one(0, 1, 1, 1))
+                sheet.setText({column, row}, one("甲", "甲\n乙", "一二三四五六七八九十", "丙"));
+            if (one(0, 0, 0, 1))
+                sheet.setNumber({column, row}, row);
+            if (one(0, 0, 0, 1))
+                sheet.restyle({column, row, column, row}, [&](CellStyle& style) {
+                    style.wrap = one(false, false, true);
+                    style.font.points = one(9.0F, 9.0F, 18.0F);
+                });
+            if (one(0, 0, 0, 0, 0, 0, 0, 1))
+                sheet.setShownText({column, row}, one("=SUM(1,\n2)", "=1"));
+        }
+    sheet.changeSettings([](SheetSettings& settings) { settings.rows.sizes[9] = 285; });
+    std::map<int, int> alone;
+    for (int row = 1; row <= 300; ++row)
+        alone.merge(grownRows(sheet, row, row, text));
+    EXPECT_GT(alone.size(), 100U);
+    EXPECT_LT(alone.size(), 280U);
+    EXPECT_EQ(grownRows(sheet, 1, 300, text), alone);
 }
 
 TEST_F(GrownRows, OwnHeightsHiddenRowsAndMergedOnesStay)
