@@ -21,6 +21,10 @@ struct Annuity {
     bool atBeginning = false; ///< payments at the beginning of each period
 
     double growth() const { return std::pow(1 + rate, periods); }
+    /// Beyond it amounts due at the end count for nothing at the beginning.
+    bool growsBeyondMeasure() const { return rate > 0 && periods > 0 && std::isinf(growth()); }
+    /// What payments of 1 for ever are worth at the beginning.
+    double worthOfPerpetuity() const { return (atBeginning ? 1 + rate : 1) / rate; }
     /// What payments of 1 are worth at the end.
     double worthOfPayments() const
     {
@@ -29,9 +33,17 @@ struct Annuity {
         const double grown = rate > -1 ? std::expm1(periods * std::log1p(rate)) : growth() - 1;
         return (atBeginning ? 1 + rate : 1) * grown / rate;
     }
-    double presentValue() const { return -(future + payment * worthOfPayments()) / growth(); }
+    double presentValue() const
+    {
+        return growsBeyondMeasure() ? -payment * worthOfPerpetuity()
+                                    : -(future + payment * worthOfPayments()) / growth();
+    }
     double futureValue() const { return -(present * growth() + payment * worthOfPayments()); }
-    double paymentOf() const { return -(present * growth() + future) / worthOfPayments(); }
+    double paymentOf() const
+    {
+        return growsBeyondMeasure() ? -present / worthOfPerpetuity()
+                                    : -(present * growth() + future) / worthOfPayments();
+    }
 };
 
 Operand presentValue(Call& call)

@@ -88,7 +88,7 @@ Operand lookUp(Call& call)
 Operand match(Call& call)
 {
     const Value wanted = wantedValue(call);
-    const double kind = call.number(2, 1);
+    const int kind = call.integer(2, 1);
     if (call.failed())
         return call.error();
     const bool isEmptyCell = !call[0].isMissing() && call.value(0).isEmpty();

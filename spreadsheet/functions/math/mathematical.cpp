@@ -5,6 +5,7 @@
 #include "spreadsheet/functions/number_calls.h"
 #include "spreadsheet/functions/plain_arguments.h"
 #include "spreadsheet/values/CompensatedSum.h"
+#include "spreadsheet/values/decimal.h"
 
 #include <algorithm>
 #include <numbers>
@@ -27,12 +28,23 @@ Operand logarithm(Call& call)
     return base == 10 ? std::log10(number) : std::log(number) / std::log(base);
 }
 
+/// Whether a number is a multiple of another as both show, whatever rest their last binary digits leave:
+/// 6.3 of 0.1.
+bool isMultiple(double number, double divisor, double rest)
+{
+    const double noise = std::fabs(number) * 1e-14;
+    const double beside = std::min(std::fabs(rest), std::fabs(divisor) - std::fabs(rest));
+    return beside <= noise && roundToMultiple(number, divisor, Rounding::half) == number;
+}
+
 Operand remainder(double number, double divisor)
 {
     if (divisor == 0)
         return CellError::div0;
     const double rest = std::fmod(number, divisor);
-    return rest != 0 && (rest < 0) != (divisor < 0) ? rest + divisor : rest;
+    if (rest == 0 || isMultiple(number, divisor, rest))
+        return 0.0;
+    return (rest < 0) != (divisor < 0) ? rest + divisor : rest;
 }
 
 Operand quotient(double number, double divisor)

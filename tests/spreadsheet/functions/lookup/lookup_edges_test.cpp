@@ -8,6 +8,7 @@ TEST(LookupEdges, PlacesAmongMixedKinds)
     sheet.expect({
         {"MATCH(2,{1,2,2,2,3},0)", "2"},
         {"MATCH(2,{1,2,2,2,3},1)", "4"},
+        {"MATCH(2,{3,1,2},0.9)", "3"},   // the kind is a whole number
         {"MATCH(6,{8,6,6,9,1},1)", "3"}, // halving meets an equal one: its equal neighbours, and no further
         {"MATCH(\"m\",{\"x\",\"b\",\"m\",\"a\",\"b\"})", "3"},
         {"LOOKUP(4,{9,1,4,2,3},{1,2,3,4,5})", "3"},
