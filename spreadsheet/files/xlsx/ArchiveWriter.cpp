@@ -15,7 +15,7 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr int level = 5; ///< of 9: the next takes a quarter more time for a hundredth of the size
+constexpr int level = 2; ///< of 9: half the time of 5 for an eighth more of the size; 1 saves little more
 
 } // namespace
 
