@@ -6,6 +6,10 @@
 
 namespace selfreport::demo {
 
+// The demo statements are made by code, so that they follow the generated ledger, and look as printed
+// statutory ones do: that is what an accountant judges a report by first. All looks are settled here, and a
+// statement's source says only what stands in its rows.
+
 namespace {
 
 using spreadsheet::CellStyle;

@@ -13,6 +13,11 @@
 
 namespace selfreport {
 
+// A sound ledger can still be read wrongly. So the same figure is asked for in several ways that share no
+// code: by the procedure and from the tables, a range and its accounts, a batch and single calls, a figure
+// and its parts. The calls are drawn from what the ledger has, with a fixed seed: who repeats the proof sees
+// the same.
+
 namespace {
 
 using State = ProvedIdentity::State;

@@ -17,6 +17,10 @@
 
 namespace selfreport {
 
+// Two users may save at the same moment, and a user may stop waiting for either. An attempt therefore works
+// on copies of its own and can be left behind; one that met another session is made again after a pause that
+// differs from the other's; and what a commit wrote is noted where the waiting side can still read it.
+
 namespace {
 
 /// Two writers that met must not meet again.

@@ -15,6 +15,10 @@
 
 namespace selfreport {
 
+// A row is only replaced if it is still the one that was loaded, and row and menu item change together or not
+// at all. Whether a commit was done can be unknown when the connection goes; then the content is compared
+// with what stands there before anything is stored a second time.
+
 namespace {
 
 /// Makes those who store new reports wait for each other. Without a row, or when whoever held it has put

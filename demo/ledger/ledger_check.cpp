@@ -5,6 +5,10 @@
 
 namespace selfreport {
 
+// The generated ledger must be sound before any figure of it is compared with another. Each identity is one
+// statement that lists what breaks it, so that the check asks the database alone and not the code that made
+// the rows.
+
 namespace {
 
 struct Identity {

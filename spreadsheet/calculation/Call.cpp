@@ -9,6 +9,10 @@
 
 namespace spreadsheet {
 
+// Spreadsheet functions differ less in what they compute than in how they take their arguments: a text may
+// count as its number or as an error, a range as its cells or as the one beside the formula. Each way is
+// written once here, and a function says by the reader it calls which one is its own.
+
 namespace {
 
 /// The cell of an area that stands in the row, the column or, of a block, both of the formula's cell.

@@ -8,6 +8,10 @@
 
 namespace spreadsheet {
 
+// A rule is as narrow as what can be proven of its function. Where a coefficient would itself depend on a
+// call (a product of two figures, a search for one) there is none, and the figure is not linear: better no
+// sum than one that only happens to agree.
+
 namespace {
 
 FigureParts numberOf(const TracedCall& call, std::size_t argument)

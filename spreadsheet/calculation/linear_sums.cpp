@@ -8,6 +8,9 @@
 
 namespace spreadsheet {
 
+// Ranges are long and mostly hold no calls. So a range is handed on whole with one factor, and of its cells
+// only those are looked at one by one that depend on calls.
+
 namespace {
 
 /// Adds an element as sums take it: what is no number there counts as nothing.

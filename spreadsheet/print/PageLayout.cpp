@@ -13,6 +13,10 @@
 
 namespace spreadsheet {
 
+// Where pages end depends on the scale, and a fitted scale on how many pages it gives. So the sizes of rows
+// and columns are measured once and dealt out to pages as often as needed; a page's cells are placed only
+// when that page is asked for, or a preview of 100,000 rows would not open.
+
 namespace {
 
 constexpr int smallestBody = 720;      // twips; less than half an inch shows no cell worth printing

@@ -9,6 +9,9 @@
 
 namespace spreadsheet {
 
+// Commands on rows and columns are the same command with another axis, and what they refuse is told the same
+// way. The names that menus and keys use are one line each.
+
 namespace {
 
 /// Lines that autofit measures at most; beyond the data they are empty anyway.

@@ -20,6 +20,10 @@
 
 namespace selfreport {
 
+// The code is what is stored; the lists are a way to write it. So each choice makes a code, a code that the
+// lists can express fills them, and any other stays as it was typed. Every choice shows what it makes of the
+// cell's own value, since accountants choose by looks and not by codes.
+
 using Choice = NumberFormatChoice;
 using spreadsheet::Value;
 

@@ -27,6 +27,10 @@
 
 namespace selfreport {
 
+// Everything is checked before anything is taken, so that a refused field leaves the report as it was and
+// gets the focus. The settings are the sheet's but for the paper, which lies in the printer for the whole
+// report.
+
 namespace {
 
 using spreadsheet::PrintSettings;

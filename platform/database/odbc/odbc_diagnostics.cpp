@@ -11,6 +11,10 @@
 
 namespace selfreport {
 
+// What a driver says of a failure is neither complete nor in order: the cause may stand in the last record, a
+// lost connection under a state of the warning class, a refused login beside a refused database. So all
+// records are read, and judged by server numbers first, states second, and texts last.
+
 namespace {
 
 template <std::size_t N>

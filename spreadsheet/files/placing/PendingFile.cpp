@@ -14,6 +14,10 @@
 
 namespace spreadsheet {
 
+// A user's file must be the old one or the new one, whatever ends the program in between: content is written
+// beside it, brought to the disk, and takes its name in one step. Several files have no such step, so the
+// order of their renames is written down first, and whoever comes next finishes it.
+
 namespace {
 
 constexpr unsigned ownerOnly = 0600; // until the file has the permissions of the one that it replaces

@@ -8,6 +8,10 @@
 
 namespace spreadsheet {
 
+// Users change several stretches of lines at once and mean them as they see them. Everything that could
+// refuse is looked at for all stretches before the first one moves, and they are worked on from the end, so
+// that the numbers of those before stay what they were.
+
 namespace {
 
 AxisSizes& sizesOf(SheetSettings& settings, Axis axis)
