@@ -112,7 +112,11 @@ void GridCommands::travelInTime(std::optional<ChangedCells> (UndoJournal::*trave
     }
     m_control.afterEdit();
     const bool showsAnother = m_control.cells().shownSheet().id() != shownId;
-    if (changed && !showsAnother)
+    // Of several ranges that a command worked on, what lies between them is not selected with them.
+    const bool isSelected = changed && changed->sheetId == shownId &&
+                            m_control.cursor().selection().size() > 1 &&
+                            m_control.cursor().selectedBlock().contains(changed->range);
+    if (changed && !showsAnother && !isSelected)
         m_control.cursor().showRange(m_control.cells().workbook().sheetIndexOfId(changed->sheetId),
                                      changed->range);
 }

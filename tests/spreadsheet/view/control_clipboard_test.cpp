@@ -328,6 +328,9 @@ TEST_F(ClipboardByUser, SeveralSelectedRangesAreClearedTogether)
     EXPECT_EQ(shown("B2", "F6"), "    ;    ;    ;    ;    x");
     key(Qt::Key_Z, ctrl);
     EXPECT_EQ(shown("B2", "D4"), "x  ;x  ;  x") << "one step";
+    put("C3", "between");
+    key(Qt::Key_Delete);
+    EXPECT_EQ(shown("B2", "D4"), "  ; between ;  ") << "both ranges are selected still, and no more";
 }
 
 } // namespace spreadsheet
