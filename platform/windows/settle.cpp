@@ -8,6 +8,7 @@
 #include <QScreen>
 #include <QTimer>
 #include <QWidget>
+#include <QWindow>
 
 #include <algorithm>
 #include <utility>
@@ -16,11 +17,13 @@ namespace selfreport {
 
 namespace {
 
-constexpr int titleTime = 300; // milliseconds in which a window manager has put its title round a window
+// Milliseconds in which a window manager puts its title round a window, or a busy one some time later.
+constexpr int titleTime = 300;
+constexpr int mostLooks = 30;
 
-QSize borderOf(const QWidget& window)
+QMargins titleOf(const QWidget& window)
 {
-    return window.frameGeometry().size() - window.size();
+    return window.windowHandle() ? window.windowHandle()->frameMargins() : QMargins();
 }
 
 /// Makes a window as large as the screen allows. @return where its frame stands within the screen.
@@ -38,18 +41,20 @@ QPoint fitted(QWidget& window, QRect frame)
 
 void bringOntoScreen(QWidget& window)
 {
-    const QPoint corner = fitted(window, window.frameGeometry());
-    if (corner != window.frameGeometry().topLeft())
-        window.move(corner);
+    const QRect frame = window.geometry().marginsAdded(titleOf(window)); // the widget may not know it yet
+    const QPoint corner = fitted(window, frame);
+    if (corner != frame.topLeft())
+        window.move(window.pos() + corner - frame.topLeft());
 }
 
 /// A window that has no title yet gets one like that of the window that it opens over. The toolkit would
 /// centre it without one, and it would jump when it has it.
 void openOver(QWidget& window, const QWidget& parent)
 {
-    QRect frame({}, window.size() + borderOf(parent));
-    frame.moveCenter(parent.frameGeometry().center());
-    window.move(fitted(window, frame) + parent.geometry().topLeft() - parent.frameGeometry().topLeft());
+    const QMargins title = titleOf(parent);
+    QRect frame = QRect({}, window.size()).marginsAdded(title);
+    frame.moveCenter(parent.geometry().marginsAdded(title).center());
+    window.move(fitted(window, frame) + QPoint(title.left(), title.top()));
 }
 
 void open(QWidget& window)
@@ -68,6 +73,18 @@ bool fillsTheScreen(const QWidget& window)
     return window.windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen);
 }
 
+/// Looks again until the window has its title, unless the user or the program wants it otherwise meanwhile.
+void lookAfterTitle(QWidget& window, int looks)
+{
+    QTimer::singleShot(titleTime, &window, [&window, opened = window.size(), looks] {
+        if (window.size() != opened || !window.isVisible() || fillsTheScreen(window))
+            return;
+        bringOntoScreen(window);
+        if (titleOf(window).isNull() && looks > 1)
+            lookAfterTitle(window, looks - 1);
+    });
+}
+
 class WithinScreen : public QObject {
 public:
     using QObject::QObject;
@@ -78,11 +95,7 @@ protected:
         auto& window = static_cast<QWidget&>(*watched);
         if (event->type() == QEvent::Show && !event->spontaneous() && !fillsTheScreen(window)) {
             open(window);
-            QTimer::singleShot(titleTime, &window, [&window, opened = window.size()] {
-                const bool isWantedOtherwise = window.size() != opened || !window.isVisible();
-                if (!isWantedOtherwise && !fillsTheScreen(window))
-                    bringOntoScreen(window);
-            });
+            lookAfterTitle(window, mostLooks);
         }
         return false;
     }

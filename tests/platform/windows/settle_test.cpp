@@ -5,6 +5,9 @@
 
 #include <QDialog>
 #include <QScreen>
+#include <QWindow>
+
+#include <csignal>
 
 namespace selfreport {
 namespace {
@@ -47,6 +50,35 @@ TEST_F(OnScreen, WindowsOpenWithTheirTitlesInSight)
             << c.name << ": " << dialog.frameGeometry().x() << ' ' << dialog.frameGeometry().y() << ' '
             << dialog.frameGeometry().width() << ' ' << dialog.frameGeometry().height();
         EXPECT_TRUE(QString(c.name) != "small" || dialog.size() == c.size);
+    }
+}
+
+TEST_F(OnScreen, ATitleThatComesLateIsInSightToo)
+{
+    const int manager = qEnvironmentVariableIntValue("WINDOW_MANAGER");
+    if (manager == 0)
+        GTEST_SKIP() << "no window manager";
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    QDialog parent;
+    parent.resize(screen.size());
+    ::kill(manager, SIGSTOP); // as busy as a machine makes it that builds
+    QDialog alone, over(&parent);
+    alone.setGeometry({{40, 0}, QSize(300, 200)});
+    over.resize(screen.width() / 2, screen.height());
+    parent.show();
+    for (QDialog* const dialog : {&alone, &over}) {
+        openOnScreen(*dialog);
+        dialog->show();
+    }
+    QTest::qWait(800);
+    ::kill(manager, SIGCONT);
+    for (const QDialog* const dialog : {&alone, &over}) {
+        const auto frame = [dialog] {
+            return dialog->geometry().marginsAdded(dialog->windowHandle()->frameMargins());
+        };
+        EXPECT_TRUE(QTest::qWaitFor([&] { return frame().height() > dialog->height(); }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return screen.contains(frame()); }, 3000))
+            << frame().x() << ' ' << frame().y() << ' ' << frame().width() << ' ' << frame().height();
     }
 }
 
