@@ -1,6 +1,8 @@
 """Our engine and other spreadsheet programs, each in a process of its own: what the cells of a sheet are for them."""
 
 import json
+import math
+import os
 import re
 import shutil
 import subprocess
@@ -8,6 +10,7 @@ import zipfile
 from pathlib import Path
 from xml.etree import ElementTree
 
+FAULT = "SELFREPORT_FAULT"  # the switch of planted faults
 SPREADSHEET = "{http://schemas.openxmlformats.org/spreadsheetml/2006/main}"
 # Formulas of the file are computed, not taken as they were stored.
 RECALCULATES = """<?xml version="1.0" encoding="UTF-8"?>
@@ -17,14 +20,26 @@ RECALCULATES = """<?xml version="1.0" encoding="UTF-8"?>
 """
 
 
+class Died(Exception):
+    """Another program did not outlive a file."""
+
+
+def compute(command, seconds):
+    try:
+        subprocess.run(command, check=True, capture_output=True, timeout=seconds)
+    except (subprocess.CalledProcessError, subprocess.TimeoutExpired) as problem:
+        raise Died(f"{command[0]} ended with {getattr(problem, 'returncode', 'no answer')}") from problem
+
+
 def request(cells, wanted):
     return json.dumps({"id": 1, "sheets": [{"name": "Sheet1", "cells": cells}],
                        "want": [f"Sheet1!{cell}" for cell in wanted]}, ensure_ascii=False)
 
 
-def ours(sheet_eval, cells, wanted):
+def ours(sheet_eval, cells, wanted, fault=0):
     """Values by cell: numbers, texts, truth values; errors as ("e", text)."""
-    done = subprocess.run([sheet_eval], input=request(cells, wanted) + "\n", capture_output=True, text=True, check=True)
+    done = subprocess.run([sheet_eval], input=request(cells, wanted) + "\n", capture_output=True, text=True, check=True,
+                          env={**os.environ, FAULT: str(fault)})
     values = json.loads(done.stdout)["values"]
     return {name.split("!")[1]: ("e", value["v"]) if value["t"] == "e" else value["v"] for name, value in values.items()}
 
@@ -35,7 +50,7 @@ def write_file(write_sheet, cells, file):
 
 def gnumeric(file, folder):
     result = Path(folder) / "gnumeric.xlsx"
-    subprocess.run(["ssconvert", "--recalc", str(file), str(result)], check=True, capture_output=True, timeout=300)
+    compute(["ssconvert", "--recalc", str(file), str(result)], 300)
     return cells_of(result)
 
 
@@ -45,8 +60,8 @@ def calc(file, folder):
     if not settings.exists():
         settings.parent.mkdir(parents=True, exist_ok=True)
         settings.write_text(RECALCULATES)
-    subprocess.run(["soffice", f"-env:UserInstallation=file://{profile.resolve()}", "--headless", "--convert-to", "xlsx",
-                    "--outdir", str(out), str(file)], check=True, capture_output=True, timeout=600)
+    compute(["soffice", f"-env:UserInstallation=file://{profile.resolve()}", "--headless", "--convert-to", "xlsx",
+             "--outdir", str(out), str(file)], 600)
     return cells_of(out / Path(file).name)
 
 
@@ -81,4 +96,7 @@ def value_of(cell, shared):
         return value.text == "1"
     if kind == "e":
         return ("e", value.text)
-    return value.text if kind == "str" else float(value.text)
+    if kind == "str":
+        return value.text
+    number = float(value.text)
+    return number if math.isfinite(number) else ("e", "#NUM!")
