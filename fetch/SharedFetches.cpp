@@ -21,8 +21,9 @@ struct SharedFetches::LoadedReport {
     ReportProblem problem;
 };
 
-SharedFetches::SharedFetches(DatabaseAccess& database)
+SharedFetches::SharedFetches(DatabaseAccess& database, bool tellsKinds)
     : m_database(database)
+    , m_tellsKinds(tellsKinds)
 {
 }
 
@@ -160,9 +161,10 @@ std::shared_ptr<const ReferenceFetch> SharedFetches::reference(const ReportRefer
         return known->second;
     loadReports({reference.report}, {});
     const auto found = m_reports.find(reference.report);
-    ReferenceAnswer answer = found == m_reports.end() ? fetchFromReport(m_database, reference)
-                                                      : readReferencedCell(found->second->hidden, reference,
-                                                                           found->second->problem);
+    ReferenceAnswer answer =
+        found == m_reports.end()
+            ? fetchFromReport(m_database, reference)
+            : readReferencedCell(found->second->hidden, reference, found->second->problem, m_tellsKinds);
     auto fetch = std::make_shared<const ReferenceFetch>(ReferenceFetch{reference, std::move(answer)});
     if (found != m_reports.end())
         m_references.emplace(reference, fetch);

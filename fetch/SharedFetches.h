@@ -19,7 +19,8 @@ namespace selfreport {
 /// values are the same as with one fetch for each call.
 class SharedFetches {
 public:
-    explicit SharedFetches(DatabaseAccess& database);
+    /// @param tellsKinds  see ReportEvaluation::setKindsTold
+    SharedFetches(DatabaseAccess& database, bool tellsKinds);
     ~SharedFetches();
     SharedFetches(const SharedFetches&) = delete;
     SharedFetches& operator=(const SharedFetches&) = delete;
@@ -46,6 +47,7 @@ private:
     std::unique_ptr<Connection>& waveConnection();
 
     DatabaseAccess& m_database;
+    bool m_tellsKinds;
     std::unique_ptr<Connection> m_connection; ///< of the waves; none before the first one
     std::map<LedgerArguments, std::shared_ptr<const LedgerFetch>> m_ledger;
     std::map<ReportReference, std::shared_ptr<const ReferenceFetch>> m_references;

@@ -217,7 +217,7 @@ void ReportEvaluation::fps1_CustomFunction(spreadsheet::FunctionCall& call)
 
 bool ReportEvaluation::computed(const std::function<spreadsheet::RecalculationReport()>& recalculation)
 {
-    SharedFetches shared(m_database);
+    SharedFetches shared(m_database, m_kindsTold);
     const SlotInUse<SharedFetches> inUse(m_shared, m_fetchesShared ? &shared : nullptr);
     const bool isComplete = !recalculation().stopped;
     m_connection = shared.takeConnection();
@@ -228,7 +228,8 @@ bool ReportEvaluation::computed(const std::function<spreadsheet::RecalculationRe
 
 void ReportEvaluation::explainRecord()
 {
-    m_record.explain([this](const FetchesToExplain& fetches) {
+    m_record.explain([this](FetchesToExplain fetches) {
+        fetches.kindsTold = m_kindsTold;
         return explainFetches(fetches, m_database, std::move(m_connection));
     });
     m_connection.reset();

@@ -36,6 +36,10 @@ public:
     /// Sharing off: each call makes its own fetch, as it would alone. On at first.
     void setFetchesShared(bool shared) { m_fetchesShared = shared; }
 
+    /// Kinds of nothing are told apart, totals of other reports included, which costs the ledger questions.
+    /// Off: a call without a row counts as one without data, unless it names what there is not. On at first.
+    void setKindsTold(bool told) { m_kindsTold = told; }
+
     // Recalculations. Each returns false if the waiting user cancelled it: every cell has the value that it
     // had before, and the record is that of before.
 
@@ -79,6 +83,7 @@ private:
     std::unique_ptr<Connection> m_connection; ///< that its waves left open, for the explanations
     RunRecord m_record;
     bool m_fetchesShared = true;
+    bool m_kindsTold = true;
 };
 
 } // namespace selfreport

@@ -59,7 +59,7 @@ void frmEditor1::prepare(std::span<spreadsheet::PreparedCall> calls)
     m_gathered->merge(ledgerCallsAmong(calls));
 }
 
-std::shared_ptr<const LedgerFetch> frmEditor1::doubtfulBehind(spreadsheet::CallPlace cell)
+std::shared_ptr<const LedgerFetch> frmEditor1::doubtfulBehind(spreadsheet::CallPlace cell, bool looksIntoForm)
 {
     const spreadsheet::SheetCell asked{fps1.sheet(cell.sheet).id(), {cell.column, cell.row}};
     std::shared_ptr<const LedgerFetch> failed, own, declined;
@@ -78,7 +78,7 @@ std::shared_ptr<const LedgerFetch> frmEditor1::doubtfulBehind(spreadsheet::CallP
     });
     if (failed || own || !any)
         return failed ? failed : own;
-    const auto carried = doubtfulInForm(cell);
+    const auto carried = looksIntoForm ? doubtfulInForm(cell) : nullptr;
     return carried ? carried : declined;
 }
 

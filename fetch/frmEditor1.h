@@ -35,7 +35,8 @@ public:
     /// The fetch that makes a cell's figure doubtful: a failed one that it holds or is computed from, else
     /// its own, else one that its linear form holds, else one that the procedure declined and that it is
     /// computed from. Null if there is none.
-    std::shared_ptr<const LedgerFetch> doubtfulBehind(spreadsheet::CallPlace cell);
+    /// @param looksIntoForm  false: totals do not carry the doubt in a part
+    std::shared_ptr<const LedgerFetch> doubtfulBehind(spreadsheet::CallPlace cell, bool looksIntoForm);
     /// Of a cell all of whose own calls came to nothing without doubt the worst of their states, else
     /// `value`.
     CallState plainStateOf(spreadsheet::CallPlace cell) const;

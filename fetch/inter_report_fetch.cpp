@@ -110,7 +110,7 @@ std::optional<spreadsheet::CallPlace> referencedPlace(const spreadsheet::Workboo
 }
 
 ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& reference,
-                                   const ReportProblem& problem)
+                                   const ReportProblem& problem, bool tellsKinds)
 {
     const ReferencedCell cell = parseReferencedCell(reference.cell);
     ReferenceAnswer answer;
@@ -128,7 +128,7 @@ ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& re
     const spreadsheet::Workbook& workbook = hidden.fps1;
     if (const auto place = referencedPlace(workbook, reference)) {
         answer.text = workbook.sheet(place->sheet).textByType({place->column, place->row});
-        answer.doubtful = hidden.doubtfulBehind(*place);
+        answer.doubtful = hidden.doubtfulBehind(*place, tellsKinds);
         answer.state = std::max(answer.state, hidden.plainStateOf(*place));
     }
     if (!isSilent)

@@ -78,8 +78,9 @@ ReportProblem unreadableReport(std::string_view report, const std::exception& er
 
 /// What the referenced cell of a loaded report hands over: number format codes change only what is seen and
 /// printed. Row 0 or a cell beyond the sheet reads as empty.
-/// @param problem  of the report's loading: the answer's reason, if there is one
+/// @param problem     of the report's loading: the answer's reason, if there is one
+/// @param tellsKinds  whether a total carries the doubt in its parts
 ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& reference,
-                                   const ReportProblem& problem);
+                                   const ReportProblem& problem, bool tellsKinds = true);
 
 } // namespace selfreport

@@ -238,19 +238,19 @@ Explanation explained(const LedgerFetch& fetch, const std::function<Explanation(
 }
 
 /// The answers to all questions of the fetches, in two round trips.
-LedgerQuestions answersFor(Connection& connection, std::span<const LedgerFetch> fetches,
-                           std::span<const LedgerArguments> withBlanks = {})
+LedgerQuestions answersFor(Connection& connection, const FetchesToExplain& fetches)
 {
     LedgerQuestions questions;
-    for (const LedgerArguments& arguments : withBlanks)
+    for (const LedgerArguments& arguments : fetches.withBlanks)
         addBlanks(questions, arguments);
-    for (const LedgerFetch& fetch : fetches)
+    for (const LedgerFetch& fetch : fetches.doubtful)
         if (isOpen(fetch)) {
             addNames(questions, fetch.arguments);
-            addReach(questions, fetch.arguments);
+            if (fetches.kindsTold)
+                addReach(questions, fetch.arguments);
         }
     questions.ask(connection);
-    for (const LedgerFetch& fetch : fetches)
+    for (const LedgerFetch& fetch : fetches.doubtful)
         if (isOpen(fetch))
             addItems(questions, fetch.arguments);
     questions.ask(connection);
@@ -278,23 +278,22 @@ LedgerQuestions fetchedAnswers(const DatabaseAccess& database, std::unique_ptr<C
 {
     if (!connection)
         connection = explainingConnection(database);
-    return driverCall<LedgerQuestions>(connection, [fetches = std::move(fetches)](Connection& open) {
-        return answersFor(open, fetches.doubtful, fetches.withBlanks);
-    });
+    return driverCall<LedgerQuestions>(
+        connection, [fetches = std::move(fetches)](Connection& open) { return answersFor(open, fetches); });
 }
 
 } // namespace
 
 std::string explainLedgerFetch(Connection& connection, const LedgerFetch& fetch)
 {
-    const LedgerQuestions answers = answersFor(connection, {&fetch, 1});
+    const LedgerQuestions answers = answersFor(connection, {.doubtful = {fetch}, .withBlanks = {}});
     return explained(fetch, [&] { return causeOfNoData(answers, fetch); }).reason;
 }
 
 FetchExplanations explainFetches(const FetchesToExplain& fetches, const DatabaseAccess& database,
                                  std::unique_ptr<Connection> connection)
 {
-    FetchesToExplain open{{}, fetches.withBlanks};
+    FetchesToExplain open{{}, fetches.withBlanks, fetches.kindsTold};
     std::ranges::copy_if(fetches.doubtful, std::back_inserter(open.doubtful), isOpen);
     std::optional<LedgerQuestions> answers;
     std::string unanswered;

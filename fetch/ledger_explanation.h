@@ -28,6 +28,7 @@ std::string explainLedgerFetch(Connection& connection, const LedgerFetch& fetch)
 struct FetchesToExplain {
     std::vector<LedgerFetch> doubtful;       ///< without a figure, or with one that is in doubt
     std::vector<LedgerArguments> withBlanks; ///< that leave a year or period to the procedure
+    bool kindsTold = true;                   ///< see ReportEvaluation::setKindsTold
 };
 struct FetchExplanations {
     std::vector<Explanation> explanations; ///< of the doubtful ones, one for each

@@ -40,6 +40,14 @@ void load(ReportRun& run, std::int32_t id, DatabaseAccess& database)
     }
 }
 
+bool showsKinds(const spreadsheet::Workbook& workbook)
+{
+    for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet)
+        if (!workbook.sheet(sheet).settings().nothingTexts.empty())
+            return true;
+    return false;
+}
+
 } // namespace
 
 std::unique_ptr<Connection> provenConnection(const std::string& connectionString)
@@ -85,6 +93,7 @@ ReportRun runReport(const std::string& connectionString, std::int32_t id, const 
         ReportEvaluation evaluation(*run.workbook, database);
         evaluation.addSelfFunction();
         evaluation.setFetchesShared(options.fetchesShared);
+        evaluation.setKindsTold(options.kindsTold || showsKinds(*run.workbook));
         evaluation.startRun();
         run.diagnostics = evaluation.diagnostics();
         texts = evaluation.textsInstead();

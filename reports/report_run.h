@@ -34,6 +34,8 @@ struct ReportRun {
 struct RunOptions {
     /// Fetches of one recalculation are shared and sent in batches; off: one call for each cell.
     bool fetchesShared = true;
+    /// See ReportEvaluation::setKindsTold; on in any case if a sheet shows kinds of nothing as it likes.
+    bool kindsTold = false;
     /// Told what goes on, in Chinese, before each longer step.
     std::function<void(std::string_view)> progress{};
     /// Told what the calculation fetched, at its end.

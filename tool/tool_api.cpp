@@ -147,7 +147,8 @@ void writeReport(const std::string& database, std::int32_t reportId, const Repor
     QtSettings settings;
     const SettingsInUse settingsInUse(settings);
     const auto tell = [&](std::string_view what) { streams.notes << what << " …" << std::endl; };
-    const ReportRun run = runReport(connectionString(database), reportId, {.progress = tell});
+    const ReportRun run =
+        runReport(connectionString(database), reportId, {.kindsTold = files.isStrict, .progress = tell});
     tellDiagnostics(run, streams.notes);
     requireFigures(run, files, streams.notes);
     if (pdf)

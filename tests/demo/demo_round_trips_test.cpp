@@ -10,9 +10,34 @@
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <iostream>
 
 namespace selfreport {
 namespace {
+
+/// What was sent, and of it what is asked only to tell kinds of nothing apart.
+struct Sent {
+    std::size_t requests = 0, questions = 0, kinds = 0;
+};
+
+Sent sentTo(const tds::TdsServer& server)
+{
+    Sent sent;
+    const auto count = [](const std::string& text, std::string_view part) {
+        std::size_t found = 0;
+        for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size())
+            ++found;
+        return found;
+    };
+    for (const tds::Request& request : server.journal.requests()) {
+        ++sent.requests;
+        sent.questions += count(request.text, " as fordinal");
+        for (const char* const kind :
+             {"max(a.fYear*100+a.fPeriod)", "from tblQtyBalance as q", "from tblProfitAndLoss as p"})
+            sent.kinds += count(request.text, kind);
+    }
+    return sent;
+}
 
 TEST(DemoRoundTrips, ARecalculationTakesAHandful)
 {
@@ -41,6 +66,16 @@ TEST(DemoRoundTrips, ARecalculationTakesAHandful)
             EXPECT_LE(server.journal.requests().size(), report.most) << report.id << ' ' << time;
             EXPECT_EQ(!evaluation.diagnostics().empty(), report.hasEmptyCells) << report.id;
         }
+        const Sent told = sentTo(server);
+        EXPECT_EQ(told.kinds > 0, report.hasEmptyCells) << report.id;
+        evaluation.setKindsTold(false);
+        server.journal.clear();
+        ASSERT_TRUE(evaluation.recalculate());
+        const Sent plain = sentTo(server);
+        EXPECT_EQ(plain.kinds, 0U) << report.id << ": a report that is only run";
+        EXPECT_EQ(plain.requests, told.requests) << report.id << ": kinds take no round trip of their own";
+        std::cout << "report " << report.id << ": " << plain.requests << " requests, " << plain.questions
+                  << " questions, " << told.questions << " with kinds of nothing\n";
     }
     closeIdleSessions();
     std::filesystem::remove(file);
