@@ -219,6 +219,20 @@ void SqliteDatabase::run(const std::string& script) const
         fail(handle());
 }
 
+void SqliteDatabase::copyTo(const std::string& file) const
+{
+    const std::unique_ptr<sqlite3, Close> copy(openFile(file, SQLITE_OPEN_READWRITE));
+    // What is lost with the program anyway needs no care.
+    sqlite3_exec(copy.get(), "pragma journal_mode=off;pragma synchronous=off", nullptr, nullptr, nullptr);
+    sqlite3_backup* const backup = sqlite3_backup_init(copy.get(), "main", handle(), "main");
+    if (!backup)
+        failOnFile(file, sqliteError(copy.get()).description);
+    constexpr int allPages = -1;
+    sqlite3_backup_step(backup, allPages);
+    if (sqlite3_backup_finish(backup) != SQLITE_OK)
+        failOnFile(file, sqliteError(copy.get()).description);
+}
+
 void createDatabase(const std::string& file)
 {
     std::error_code error;

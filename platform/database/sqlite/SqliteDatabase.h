@@ -57,6 +57,10 @@ public:
     /// Runs several statements without values, in the embedded database's own SQL.
     void run(const std::string& script) const;
 
+    /// Writes all of it, as it stands at one moment, into an empty file. Others may write again as soon as
+    /// that is done. @throws DatabaseError, of a full disk too
+    void copyTo(const std::string& file) const;
+
     sqlite3* handle() const { return m_handle.get(); }
     const std::string& file() const { return m_file; }
 

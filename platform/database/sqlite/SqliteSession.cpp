@@ -6,10 +6,42 @@
 #include "platform/database/sqlite/binary_columns.h"
 #include "platform/database/sqlite/tsql_rewriter.h"
 
+#include <filesystem>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
 namespace selfreport {
+
+// A transaction that reads keeps others from writing for as long as it lasts, and the proof of a big ledger
+// lasts. So reads of one moment are made in a copy, which takes a fraction of a second.
+
+namespace {
+
+/// An empty file that nobody else may read; its name is gone at the end, and the file with whoever has it
+/// open.
+class UnnamedFile {
+public:
+    UnnamedFile()
+        : m_path((std::filesystem::temp_directory_path() / "selfreport-XXXXXX").string())
+    {
+        const int made = ::mkstemp(m_path.data());
+        if (made < 0)
+            throw DatabaseError(unspecifiedError, "临时文件 " + m_path + " 不能建立");
+        ::close(made);
+    }
+    ~UnnamedFile() { ::unlink(m_path.c_str()); }
+    UnnamedFile(const UnnamedFile&) = delete;
+    UnnamedFile& operator=(const UnnamedFile&) = delete;
+
+    const std::string& path() const { return m_path; }
+
+private:
+    std::string m_path;
+};
+
+} // namespace
 
 SqliteSession::SqliteSession(const std::string& file)
     : m_database(file)
@@ -42,6 +74,8 @@ std::int64_t SqliteSession::execute(std::string_view sql, std::span<const SqlVal
 
 Recordset SqliteSession::query(std::string_view sql, std::span<const SqlValue> values, BinaryColumns binaries)
 {
+    if (m_copy)
+        return m_copy->query(sql, values, binaries);
     StatementCache& statements = binaries == BinaryColumns::left ? m_lists : m_statements;
     SqliteStatement& statement = statements.statement(sql);
     statement.bind(values);
@@ -50,6 +84,8 @@ Recordset SqliteSession::query(std::string_view sql, std::span<const SqlValue> v
 
 std::vector<ProcedureResult> SqliteSession::callProcedures(std::span<const ProcedureCall> calls)
 {
+    if (m_copy)
+        return m_copy->callProcedures(calls);
     // One read transaction takes the file's lock once, and all calls see the same ledger.
     const bool ownTransaction = !inTransaction();
     if (ownTransaction)
@@ -101,11 +137,29 @@ bool SqliteSession::inTransaction() const
     return sqlite3_get_autocommit(m_database.handle()) == 0;
 }
 
-/// The file's lock is shared with who reads; who writes waits for it.
+void SqliteSession::keepCopy(std::unique_ptr<SqliteSession> copy)
+{
+    const std::lock_guard lock(m_copyMutex);
+    m_copy.swap(copy);
+}
+
+/// Where there is no room for a copy, who writes waits.
 bool SqliteSession::beginReading()
 {
-    m_database.run("begin");
+    try {
+        const UnnamedFile file;
+        m_database.copyTo(file.path());
+        keepCopy(std::make_unique<SqliteSession>(file.path()));
+    } catch (const std::exception&) {
+        m_database.run("begin");
+    }
     return true;
+}
+
+void SqliteSession::endReading()
+{
+    keepCopy(nullptr);
+    rollBack();
 }
 
 /// A file that was removed or replaced since is another database.
@@ -117,7 +171,7 @@ bool SqliteSession::looksAlive()
 bool SqliteSession::resetForReuse()
 {
     try {
-        rollBack();
+        endReading();
         return m_statements.statement("select 1 from sqlite_temp_schema limit 1").rows().isEmpty();
     } catch (const DatabaseError&) {
         return false;
@@ -127,6 +181,9 @@ bool SqliteSession::resetForReuse()
 void SqliteSession::cancel()
 {
     sqlite3_interrupt(m_database.handle());
+    const std::lock_guard lock(m_copyMutex);
+    if (m_copy)
+        m_copy->cancel();
 }
 
 } // namespace selfreport

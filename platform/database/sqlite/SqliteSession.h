@@ -5,6 +5,8 @@
 #include "platform/database/sqlite/StatementCache.h"
 #include "platform/database/sqlite/VoucherProcedure.h"
 
+#include <memory>
+#include <mutex>
 #include <string>
 
 namespace selfreport {
@@ -24,7 +26,7 @@ public:
     void rollBack() override;
     bool inTransaction() const override;
     bool beginReading() override;
-    void endReading() override { rollBack(); }
+    void endReading() override;
     bool looksAlive() override;
     bool answers() override { return looksAlive(); }
     bool resetForReuse() override;
@@ -39,6 +41,7 @@ private:
         bool operator==(const FileIdentity&) const = default;
     };
     static FileIdentity identityOf(const std::string& file);
+    void keepCopy(std::unique_ptr<SqliteSession> copy);
 
     SqliteDatabase m_database;
     FileIdentity m_identity; ///< of the file when it was opened
@@ -46,6 +49,8 @@ private:
     StatementCache m_lists; ///< queries without their binary columns
     AcctProcedure m_acctProcedure;
     VoucherProcedure m_voucherProcedure;
+    std::mutex m_copyMutex;                ///< against those who cancel
+    std::unique_ptr<SqliteSession> m_copy; ///< that is read while reads are of one moment
 };
 
 } // namespace selfreport

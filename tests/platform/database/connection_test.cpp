@@ -65,6 +65,24 @@ TEST(Connection, FailuresAreToldInChineseFirst)
     }
 }
 
+/// Another program saves while a long proof reads.
+TEST(EmbeddedConnection, ReadsOfOneMomentKeepNobodyFromWriting)
+{
+    const DatabaseFolder folder;
+    const auto reader = folder.create();
+    const auto writer = openConnection(folder.connectionString());
+    const auto name = [&] { return reader->query("select fname from tblCurrency").text(0, "fname"); };
+    writer->execute("insert into tblCurrency values(1,'RMB','人民币')");
+    {
+        const ReadingOfOneMoment reading(*reader);
+        EXPECT_TRUE(reading.isOne());
+        EXPECT_EQ(name(), "人民币");
+        EXPECT_EQ(failureOf([&] { writer->execute("update tblCurrency set fname='元'"); }), "");
+        EXPECT_EQ(name(), "人民币");
+    }
+    EXPECT_EQ(name(), "元");
+}
+
 TEST(EmbeddedConnection, KindsOfFailuresHaveWordsOfTheirOwn)
 {
     EXPECT_EQ(sqliteReason(SQLITE_BUSY_SNAPSHOT, "database is locked"),
