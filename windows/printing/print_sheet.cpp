@@ -15,15 +15,14 @@
 #include "windows/printing/print_settings.h"
 #include "windows/printing/print_stamp.h"
 #include "windows/printing/PrintedGrid.h"
+#include "windows/printing/strict_printing.h"
 
 #include <QApplication>
 #include <QPageSize>
 #include <QProgressDialog>
 
-#include <algorithm>
 #include <cmath>
 #include <memory>
-#include <set>
 #include <span>
 #include <utility>
 #include <vector>
@@ -67,76 +66,21 @@ void requireFigures(const PrintedGrid& grid)
         throw GoesToCell();
 }
 
-/// What is not printed without a word: of the active sheet, or of all.
-std::vector<CellWithoutData> withheldCells(PrintedGrid& grid, bool ofAllSheets)
-{
-    std::vector<CellWithoutData> cells = grid.cellsWithoutData();
-    std::erase_if(cells, [&](const CellWithoutData& each) {
-        return !grid.workbook().sheet(each.sheet).settings().print.strict ||
-               (!ofAllSheets && each.sheet != grid.workbook().activeSheet());
-    });
-    return cells;
-}
-
-/// "※ 未取到数据 3 处"; "" for none.
-std::string withheldText(const std::vector<CellWithoutData>& cells)
-{
-    std::set<std::pair<int, spreadsheet::CellAddress>> places;
-    for (const CellWithoutData& each : cells)
-        places.emplace(each.sheet, each.cell);
-    return cells.empty() ? std::string() : "※ 未取到数据 " + std::to_string(places.size()) + " 处";
-}
-
-/// Lists the cells and asks, where the sheet is printed strictly.
+/// What there is no data for is printed by a strict sheet only if the user says so.
 void requireData(const PrintedGrid& grid, spreadsheet::Workbook& workbook,
                  const std::vector<CellWithoutData>& cells)
 {
-    constexpr std::size_t mostListed = 10;
     if (cells.empty() || !grid.failedFetches().empty()) // those have been asked about
         return;
-    std::string list;
-    for (std::size_t i = 0; i < std::min(cells.size(), mostListed); ++i)
-        list += "\n" + workbook.sheet(cells[i].sheet).name() + "!" + spreadsheet::cellName(cells[i].cell) +
-                "  " + cells[i].reason;
-    if (cells.size() > mostListed)
-        list += "\n……";
-    const auto chosen =
-        dialogs().choose(Icon::exclamation, grid.context.title,
-                         withheldText(cells) + "，是否仍然打印？" + list, {"转到", "仍然打印（加注）"});
-    if (!chosen)
+    switch (askAboutWithheld(grid, workbook, cells)) {
+    case WithheldAnswer::cancel:
         throw Cancelled();
-    if (*chosen == 0)
+    case WithheldAnswer::goThere:
         throw GoesTo{cells.front()};
-}
-
-/// While it lives, such cells show ※ before their figures.
-class NotedCells {
-public:
-    NotedCells(spreadsheet::Workbook& workbook, const std::vector<CellWithoutData>& cells)
-        : m_workbook(workbook)
-        , m_former(workbook.textInstead())
-    {
-        std::set<std::pair<int, spreadsheet::CellAddress>> places;
-        for (const CellWithoutData& each : cells)
-            places.emplace(workbook.sheet(each.sheet).id(), each.cell);
-        if (places.empty())
-            return;
-        m_workbook.setTextInstead(
-            [former = m_former, places](const spreadsheet::Sheet& sheet, spreadsheet::CellAddress cell) {
-                auto text = former ? former(sheet, cell) : std::nullopt;
-                if (!places.contains({sheet.id(), cell}))
-                    return text;
-                return std::optional("※" + text.value_or(sheet.textOfValue(cell)));
-            });
+    case WithheldAnswer::print:
+        break;
     }
-    ~NotedCells() { m_workbook.setTextInstead(m_former); }
-    NotedCells(const NotedCells&) = delete;
-    NotedCells& operator=(const NotedCells&) = delete;
-
-private:
-    spreadsheet::Workbook& m_workbook;
-    spreadsheet::Workbook::TextInstead m_former;
-};
+}
 
 /// Work whose cancelling or failing ends a printing.
 template <class Work>
