@@ -38,6 +38,11 @@ bool CallOpening::Call::isClosing() const
     return kind->key == "2" || kind->key == "10";
 }
 
+bool CallOpening::Call::isOpening() const
+{
+    return kind->key == "1" || kind->key == "9";
+}
+
 bool CallOpening::Call::hasPeriods() const
 {
     const bool isToDate = kind->key == "5" || kind->key == "6" || kind->key == "8";

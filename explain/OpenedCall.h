@@ -15,6 +15,7 @@ struct CallOpening::Call {
 
     bool namesOne() const; ///< one exact code, whether it exists or not
     bool isClosing() const;
+    bool isOpening() const;
     bool hasPeriods() const;
     bool hasVouchers() const;
     bool leavesCarried() const { return kind->column.front() == 'e'; }

@@ -47,6 +47,8 @@ std::string PartsWay::text() const
         return "期初、借方和贷方";
     case PartsBy::periods:
         return "期间";
+    case PartsBy::previous:
+        return "上期期末";
     case PartsBy::vouchers:
         return "凭证";
     }
@@ -155,6 +157,9 @@ std::vector<PartsWay> CallOpening::waysOf(const LedgerArguments& arguments)
         ways.push_back({PartsBy::movement, {}});
     if (call.hasPeriods())
         ways.push_back({PartsBy::periods, {}});
+    // A year may end with periods that some items have and others have not.
+    if (call.isOpening() && call.account && (call.first() > 1 || call.items().empty()))
+        ways.push_back({PartsBy::previous, {}});
     if (call.account && call.hasVouchers())
         ways.push_back({PartsBy::vouchers, {}});
     return ways;
@@ -181,6 +186,8 @@ CallParts CallOpening::partsOf(const LedgerArguments& arguments, const PartsWay&
             byMovement(parts, call);
         else if (way.by == PartsBy::periods)
             byPeriods(parts, call);
+        else if (way.by == PartsBy::previous)
+            byPrevious(parts, call);
         else
             byVouchers(parts, call, page);
     } catch (const ConnectionLost&) {
@@ -376,6 +383,37 @@ void CallOpening::byPeriods(CallParts& parts, const Call& call)
     std::erase_if(parts.parts, [](const CallPart& part) {
         return (!part.amount || (part.less && *part.amount == 0)) && part.failure.empty();
     });
+}
+
+/// So that a balance can be followed back to the period that it arose in.
+void CallOpening::byPrevious(CallParts& parts, const Call& call)
+{
+    const std::string_view key = call.kind->key == "9" ? "10" : "2";
+    std::vector<LedgerArguments> closings;
+    if (call.first() > 1)
+        closings.push_back(call.ofKey(key, call.first() - 1, call.first() - 1));
+    else
+        for (const int last : {13, 12}) {
+            closings.push_back(call.ofKey(key, last, last));
+            closings.back().year = std::to_string(std::stoi(call.year()) - 1);
+        }
+    const std::vector<LedgerAnswer> found = answers(closings);
+    const auto closed =
+        std::ranges::find_if(found, [](const LedgerAnswer& one) { return one.amount.has_value(); });
+    const bool isCarriedOn = closed != found.end();
+    if (isCarriedOn) {
+        const LedgerArguments& before = closings[static_cast<std::size_t>(closed - found.begin())];
+        parts.parts.push_back(
+            {.item = before.year + " 年 " + before.lastPeriod + " 期期末", .arguments = before});
+    }
+    fetch(parts, call);
+    if (isCarriedOn && parts.whole)
+        return;
+    parts.parts.clear();
+    if (parts.whole)
+        parts.parts.push_back({.item = "期初", .basis = "上一期没有数据", .amount = parts.whole});
+    parts.sum = parts.whole.value_or(0);
+    parts.difference = 0;
 }
 
 void CallOpening::byVouchers(CallParts& parts, const Call& call, std::int64_t page)

@@ -23,6 +23,7 @@ enum class PartsBy {
     items,       ///< of one class
     movement,    ///< opening, debit and credit of the last period
     periods,     ///< and what was there before the ledger's first period
+    previous,    ///< the closing balance of the period before
     vouchers,
 };
 
@@ -104,6 +105,7 @@ private:
     void byItems(CallParts& parts, const Call& call, const std::string& className);
     void byMovement(CallParts& parts, const Call& call);
     void byPeriods(CallParts& parts, const Call& call);
+    void byPrevious(CallParts& parts, const Call& call);
     void byVouchers(CallParts& parts, const Call& call, std::int64_t page);
 
     void fetch(CallParts& parts, const Call& call);

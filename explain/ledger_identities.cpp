@@ -427,9 +427,12 @@ LedgerIdentity vouchersBalance(int year)
             {"借方 − 贷方"}};
 }
 
-LedgerIdentity vouchersAreTheMovement(int year)
+/// @param columns    of the lines of vouchers and of the table alike
+/// @param condition  of lines
+LedgerIdentity vouchersAreTheMovement(const std::string& name, const std::string& table, const Texts& columns,
+                                      const std::string& condition, const char* places, const Texts& captions,
+                                      int year)
 {
-    const Texts columns{"fDebit", "fCredit", "fDebitFor", "fCreditFor"};
     std::string posted, moved;
     for (std::size_t at = 0; at < columns.size(); ++at) {
         const std::string as = " as v" + std::to_string(at);
@@ -438,13 +441,28 @@ LedgerIdentity vouchersAreTheMovement(int year)
     }
     const Texts sums = sumsOfValues(columns.size());
     return identity(
-        "凭证 = 发生额",
-        "select " + keyOf("u") + differencesOf(sums, "2") +
+        name,
+        "select " + keyOf("u") + differencesOf(sums, places) +
             " from (select e.faccountid,e.fDetailId,v.fYear,v.fPeriod,e.fCurrencyid" + posted +
             " from tblVoucherEntry as e join tblVoucher as v on v.fvoucherid=e.fvoucherid where 1=1" +
-            ofYear("v", year) + " union all select " + keyOf("a") + moved + postedTo("tblAccountBal", year) +
-            ") as u group by " + keyOf("u") + " having " + anyDiffers(sums, "2"),
-        {"借方", "贷方", "原币借方", "原币贷方"});
+            condition + ofYear("v", year) + " union all select " + keyOf("a") + moved +
+            postedTo(table, year) + ") as u group by " + keyOf("u") + " having " + anyDiffers(sums, places),
+        captions);
+}
+
+LedgerIdentity vouchersMoveTheBalances(int year)
+{
+    return vouchersAreTheMovement("凭证 = 发生额", "tblAccountBal",
+                                  {"fDebit", "fCredit", "fDebitFor", "fCreditFor"}, "", "2",
+                                  {"借方", "贷方", "原币借方", "原币贷方"}, year);
+}
+
+/// Lines of accounts that keep no quantities may have some all the same.
+LedgerIdentity vouchersMoveTheQuantities(int year)
+{
+    return vouchersAreTheMovement("数量：凭证 = 收入、发出", "tblQtyBalance", {"fDebitQty", "fCreditQty"},
+                                  " and e.faccountid in (select fAccountId from tblQtyBalance)", "4",
+                                  {"收入", "发出"}, year);
 }
 
 LedgerIdentity vouchersAreTheIncome(int year)
@@ -489,7 +507,8 @@ std::vector<LedgerIdentity> ledgerIdentities(const LedgerOutline& ledger, int ye
     add({knowsTheAccounts(year), knowsTheCombinations(year), knowsTheParents()});
     add(knowsTheItems(ledger));
     if (ledger.hasVouchers)
-        add({vouchersBalance(year), vouchersAreTheMovement(year), vouchersAreTheIncome(year)});
+        add({vouchersBalance(year), vouchersMoveTheBalances(year), vouchersMoveTheQuantities(year),
+             vouchersAreTheIncome(year)});
     return all;
 }
 

@@ -5,11 +5,19 @@
 #include "platform/database/sqlite/sqlite_provider.h"
 #include "tests/own_files.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 namespace selfreport::test {
+
+/// How many of what is drawn at random are tried: more by hand, by a variable of the environment.
+inline std::size_t manyBy(const char* variable, std::size_t usual)
+{
+    const char* const wanted = std::getenv(variable);
+    return wanted ? static_cast<std::size_t>(std::atoll(wanted)) : usual;
+}
 
 /// A smaller demo company with its reports in a file of the test's own. It is made once; each test has a
 /// copy.
@@ -20,6 +28,12 @@ public:
     {
         static const Template made;
         std::filesystem::copy_file(made.file, m_file, std::filesystem::copy_options::overwrite_existing);
+    }
+    /// Another company, without reports.
+    explicit ExplainedDemo(const DemoLedgerOptions& options)
+        : m_file(freshFile())
+    {
+        createDemoLedger(file(), options);
     }
     ~ExplainedDemo()
     {

@@ -149,6 +149,10 @@ TEST_F(LedgerProofTest, FindsAndPlacesEachKindOfCorruption)
         {"update tblVoucherEntry set fDebit=fDebit+0.01 where fvoucherid=5 and fentryid=1",
          "每张凭证借贷相等", "2024/1/记-5", 0.01},
         {"delete from tblVoucherEntry where fvoucherid=5", "凭证 = 发生额", "", 0},
+        {"update tblVoucherEntry set fCreditQty=fCreditQty+1 where fvoucherid=(select min(fvoucherid) from "
+         "tblVoucherEntry where fCreditQty>0 and faccountid" +
+             of("1405") + ") and fCreditQty>0 and faccountid" + of("1405"),
+         "数量：凭证 = 收入、发出", "2024/1/1405", 0},
         {"update tblVoucher set fcarryover=0 where fcarryover=1 and fYear=2025 and fPeriod=3",
          "损益表 = 科目发生额（不含结转）", "2025/3/6001", 0},
         {"update tblSelfReportFieldKey set fKeyName='贷方发生额' where fKey='3'",
