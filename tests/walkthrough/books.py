@@ -57,6 +57,33 @@ class Books:
                          "where a.fNumber||''=? and b.fYear=? and b.fPeriod=? and b.fDetailId=0", account, year, period)
         return rows[0][0]
 
+    def books_a_deposit(self, amount):
+        """122102 押金 to 100101 现金 by a voucher of December 2025, with the balances of both and of those above."""
+        connection = sqlite3.connect(self.database)
+        with connection:
+            voucher = connection.execute("select max(fvoucherid)+1 from tblVoucher").fetchone()[0]
+            connection.execute("insert into tblVoucher values(?,2025,12,'2025-12-18 00:00:00',?,'付仓库押金',0)",
+                               (voucher, f"记-{voucher}"))
+            for line, (codes, side, sign) in enumerate(((("1221", "122102"), "Debit", 1),
+                                                        (("1001", "100101"), "Credit", -1)), 1):
+                ids = [connection.execute("select fitemid from tblAccount where fNumber||''=?", (code,)).fetchone()[0]
+                       for code in codes]
+                connection.execute(f"insert into tblVoucherEntry(fvoucherid,fentryid,faccountid,fCurrencyid,f{side}For,"
+                                   f"f{side}) values(?,?,?,1,?,?)", (voucher, line, ids[-1], amount, amount))
+                for account in ids:
+                    for unit in ("", "For"):
+                        connection.execute(
+                            f"update tblAccountBal set f{side}{unit}=f{side}{unit}+?,fYtd{side}{unit}=fYtd{side}{unit}+?,"
+                            f"fEndBal{unit}=fEndBal{unit}+? where faccountid=? and fYear=2025 and fPeriod=12 and "
+                            "fDetailId=0 and fCurrencyid=1", (amount, amount, sign * amount, account))
+        connection.close()
+
+    def largest_debit(self, account, year, period):
+        """Number and amount of the voucher, by a query of its own."""
+        return self.asks("select v.fnumber,e.fDebit from tblVoucherEntry e join tblVoucher v on v.fvoucherid=e.fvoucherid "
+                         "join tblAccount a on a.fitemid=e.faccountid where a.fNumber||''=? and v.fYear=? and v.fPeriod=? "
+                         "order by e.fDebit desc limit 1", account, year, period)[0]
+
     def run(self, *arguments):
         done = subprocess.run([self.program, *arguments], capture_output=True, text=True)
         assert done.returncode == 0, f"{arguments}: {done.stderr}"

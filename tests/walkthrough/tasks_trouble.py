@@ -1,6 +1,9 @@
 """Tasks in which something has gone wrong: a figure, a formula, the database, the program, the user."""
 
 import shutil
+
+import openpyxl
+
 from waiting import until
 
 from desk import DESIGNER, HOST, LIST
@@ -58,6 +61,42 @@ def finds_out_why_a_figure_is_nothing(desk):
     desk.saves()
     assert float(books.figures("货币资金")[0][0].replace(",", "")) == books.balance("1002", 2025, 12)
     assert "A1" not in books.complaints("货币资金")
+    desk.leaves_all()
+
+
+def finds_the_voucher_behind_a_wrong_figure(desk):
+    """The board asks why 其他应收款 is so high: a deposit was booked with a digit too many. By keys alone."""
+    user, books = desk.user, desk.books
+    right = books.balance("1221", 2025, 12)
+    books.books_a_deposit(888880.00)
+    desk.opens_for_design(1)
+    desk.goes_to("D12")
+    user.presses("ctrl+j", "ctrl+bracketleft")
+    user.sees("联查")
+    user.keeps("联查: 其他应收款")
+    user.presses("Right", "Right", "Down")  # its accounts, and the second of them
+    user.keeps("联查: 押金")
+    user.presses("Right", "Right", "Down", "Right", "Right")  # opening, debit; the vouchers of the debit
+    user.keeps("联查: 凭证")
+    exported = desk.folder / "drill.xlsx"
+    user.presses("alt+x")
+    user.sees("引出联查")
+    user.presses("ctrl+a")
+    user.types(str(exported))
+    user.presses("Return")
+    user.sees_gone()
+    until("引出的文件", exported.exists)
+    rows = [[cell.value for cell in row] for row in openpyxl.load_workbook(exported).active]
+    number, amount = books.largest_debit("122102", 2025, 12)
+    found = [row for row in rows if row[1] and f" {number}/" in row[1]]
+    assert [row[4] for row in found] == [amount], rows
+    totals = {row[1]: row[4] for row in rows if row[1] in ("合计", "单元格", "差额")}
+    assert totals["差额"] == 0 and round(totals["单元格"] - right, 2) == 888880, totals
+
+    user.presses("Escape")  # up to the first level
+    user.keeps("联查: 回到第一级")
+    user.presses("Escape")
+    user.sees_gone()
     desk.leaves_all()
 
 
