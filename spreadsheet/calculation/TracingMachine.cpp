@@ -59,10 +59,10 @@ FigureTrace TracingMachine::trace(const Formula& formula, const EvaluationPlace&
     bounded.indexes = &m_indexes;
     runTraced(formula, 0, static_cast<int>(formula.code.size()), bounded);
     const TracedCall call = traced({}, 1, m_stack.back(), bounded);
-    FigureTrace found;
+    FigureTrace found = m_traces.back();
     if (formula.isArrayFormula)
         found = call.dependsOnCalls(0) ? shared(tracedElements(call, 0)) : nullptr;
-    else
+    else if (!found || found->parts.size() > 1)
         found = shared(FigureElements(call.single(0).parts));
     dropTraced(1);
     return found;

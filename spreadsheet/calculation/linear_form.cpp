@@ -32,16 +32,18 @@ public:
 private:
     struct Node {
         CallPlace cell;
-        CallPlace caller; ///< the first cell of its array formula
-        FigureParts parts;
-        bool isCounted; ///< in sums
+        CallPlace caller;         ///< the first cell of its array formula
+        FigureTrace trace;        ///< that holds the parts
+        const FigureParts* parts; ///< of this cell
+        bool isCounted;           ///< in sums
         double weight = 0;
         bool isReached = false;
         bool isByCondition = false;
     };
 
     void look(const CallPlace& cell);
-    void keep(const CallPlace& cell, const CallPlace& caller, const FigureParts* parts);
+    void keep(const CallPlace& cell, const CallPlace& caller, const FigureTrace& trace,
+              const FigureParts* parts);
     void handOn(const Node& node, LinearForm& form);
     void handOnCells(const Node& node, const FigurePart& part);
 
@@ -94,18 +96,19 @@ void Cone::look(const CallPlace& cell)
         return;
     }
     eachCell([&](const CallPlace& each) {
-        keep(each, {cell.sheet, base.column, base.row},
+        keep(each, {cell.sheet, base.column, base.row}, trace,
              trace ? trace->spread(each.row - range.top, each.column - range.left) : nullptr);
     });
 }
 
-void Cone::keep(const CallPlace& cell, const CallPlace& caller, const FigureParts* parts)
+void Cone::keep(const CallPlace& cell, const CallPlace& caller, const FigureTrace& trace,
+                const FigureParts* parts)
 {
     if (!parts || !parts->dependsOnCalls())
         return m_cells.settle(cell, -1);
     m_cells.settle(cell, static_cast<int>(m_nodes.size()));
     const Value value = cellValue(m_book, cell.sheet, {cell.column, cell.row});
-    m_nodes.push_back({cell, caller, *parts, countedNumber(value).has_value()});
+    m_nodes.push_back({cell, caller, trace, parts, countedNumber(value).has_value()});
 }
 
 void Cone::handOnCells(const Node& node, const FigurePart& part)
@@ -121,10 +124,10 @@ void Cone::handOnCells(const Node& node, const FigurePart& part)
 
 void Cone::handOn(const Node& node, LinearForm& form)
 {
-    form.constant += node.weight * node.parts.constant;
+    form.constant += node.weight * node.parts->constant;
     if (form.nonlinearFunction.empty())
-        form.nonlinearFunction = node.parts.nonlinear;
-    for (const FigurePart& part : node.parts.parts) {
+        form.nonlinearFunction = node.parts->nonlinear;
+    for (const FigurePart& part : node.parts->parts) {
         const double coefficient = node.weight * part.coefficient;
         switch (part.kind) {
         case FigurePart::Kind::cells:
@@ -199,7 +202,7 @@ std::vector<CarriedSeverity> Cone::carried(const CallSeverity& severity)
     std::vector<CarriedSeverity> found;
     for (std::size_t at = 0; at < m_nodes.size(); ++at) {
         const Node& node = m_nodes[at];
-        for (const FigurePart& part : node.parts.parts) {
+        for (const FigurePart& part : node.parts->parts) {
             if (part.kind == FigurePart::Kind::call)
                 worst[at] = std::max(worst[at], severity(node.caller, part.call));
             if (part.kind == FigurePart::Kind::cells)
