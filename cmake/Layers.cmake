@@ -49,7 +49,7 @@ our_layer(window_pickers QT MAY selfreport_platform selfreport_reports spreadshe
 our_layer(window_formulas QT MAY window_pickers)
 our_layer(window_formatting QT MAY selfreport_platform spreadsheet_view)
 our_layer(window_printing QT MAY selfreport_platform selfreport_reports spreadsheet_files spreadsheet_view)
-our_layer(window_explain QT MAY selfreport_platform selfreport_explain spreadsheet_view spreadsheet_files)
+our_layer(window_explain QT MAY selfreport_explain window_printing)
 our_layer(window_designer QT MAY window_explain window_formatting window_formulas window_printing selfreport_state)
 our_layer(selfreport_objects QT MAY window_designer window_list)
 our_layer(selfreport QT MAY selfreport_objects)

@@ -4,6 +4,7 @@
 #include "explain/figure_parts.h"
 #include "failures/failure_text.h"
 #include "fetch/frmEditor1.h"
+#include "fetch/ledger_query.h"
 #include "fetch/quoted_text.h"
 #include "fetch/referenced_place.h"
 #include "fetch/RunRecord.h"
@@ -54,6 +55,20 @@ Opened openedCall(Connection& connection, std::shared_ptr<const AccountChart> ch
     return opened;
 }
 
+/// The account that a call names by its code alone; nothing of a range or pattern.
+std::optional<std::string> onlyCode(const LedgerArguments& call)
+{
+    const std::vector<std::string> codes = parseAccountExpression(call.account).codes;
+    const bool isOne = codes.size() == 1 && codes.front().find('*') == std::string::npos;
+    return isOne ? std::optional(codes.front()) : std::nullopt;
+}
+
+bool namesNoAccount(const LedgerArguments& call, const AccountChart& chart)
+{
+    const auto code = onlyCode(call);
+    return code && !chart.ofCode(*code);
+}
+
 void addFault(DrillNode& node, std::string reason)
 {
     DrillNode fault;
@@ -101,6 +116,30 @@ DrillTree::DrillTree(const std::string& report, const spreadsheet::Workbook& wor
     addDifference(m_root, "公式的各部分加起来不等于单元格的数");
 }
 
+void DrillTree::nameAccounts(DatabaseAccess& database)
+{
+    try {
+        m_chart = database.asked<std::shared_ptr<const AccountChart>>(
+            [](Connection& connection) { return std::make_shared<const AccountChart>(connection); });
+        nameParts(m_root);
+    } catch (const WorkCancelled&) {
+        throw;
+    } catch (const std::exception&) {
+        // Rows that are opened say why the database does not answer.
+    }
+}
+
+/// "1221" becomes "1221 其他应收款".
+void DrillTree::nameParts(DrillNode& node) const
+{
+    for (DrillNode& part : node.parts) {
+        const auto code = part.call ? onlyCode(*part.call) : std::nullopt;
+        const AccountChart::Account* const account = code && m_chart ? m_chart->ofCode(*code) : nullptr;
+        if (account && part.item == part.call->account)
+            part.item += " " + account->name;
+    }
+}
+
 void DrillTree::open(DrillNode& node, DatabaseAccess& database, std::size_t way, std::int64_t page)
 {
     node.parts.clear();
@@ -134,7 +173,11 @@ void DrillTree::openCall(DrillNode& node, DatabaseAccess& database, std::size_t 
     node.page = page;
     node.pages = std::max<std::int64_t>(1, (opened.parts.lines + vouchersOnPage - 1) / vouchersOnPage);
     if (node.ways.empty()) {
-        node.remark += (node.remark.empty() ? "" : "；") + std::string("没有更细的数了");
+        const bool isGone = node.amount && namesNoAccount(*node.call, *m_chart);
+        m_head.ledgerHasChanged = m_head.ledgerHasChanged || isGone;
+        node.isFault = node.isFault || isGone;
+        node.remark += (node.remark.empty() ? "" : "；") +
+                       (isGone ? "科目" + quoted(node.call->account) + "已不存在" : "没有更细的数了");
         return;
     }
     const CallParts& parts = opened.parts;
@@ -172,6 +215,7 @@ void DrillTree::openReference(DrillNode& node, DatabaseAccess& database)
         part.report = name;
         node.parts.push_back(std::move(part));
     }
+    nameParts(node);
     if (!figure.sum)
         return;
     const std::string handed = hidden.fps1.sheet(place->sheet).textByType({place->column, place->row});

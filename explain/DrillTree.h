@@ -71,12 +71,17 @@ public:
     DrillNode& root() { return m_root; }
     const DrillNode& root() const { return m_root; }
 
+    /// Writes the names of accounts behind their codes. Where the chart cannot be read these stay alone.
+    /// @throws WorkCancelled
+    void nameAccounts(DatabaseAccess& database);
+
     /// Opens a row by one of its ways, or turns to a page of its vouchers. @throws WorkCancelled
     void open(DrillNode& node, DatabaseAccess& database, std::size_t way = 0, std::int64_t page = 1);
 
 private:
     void openCall(DrillNode& node, DatabaseAccess& database, std::size_t way, std::int64_t page);
     void openReference(DrillNode& node, DatabaseAccess& database);
+    void nameParts(DrillNode& node) const;
 
     DrillHead m_head;
     DrillNode m_root;

@@ -21,7 +21,7 @@ std::string headText(const DrillHead& head)
     text += "显示\t" + head.shown + "\n精确\t" + (head.value ? numberText(*head.value) : "不是数") + "\n";
     if (!head.remark.empty())
         text += "说明\t" + head.remark + "\n";
-    return text + (head.ledgerHasChanged ? "注意\t账已变动：计算之后有人记了账\n" : "");
+    return text + (head.ledgerHasChanged ? "注意\t" + std::string(ledgerHasChangedText) + "\n" : "");
 }
 
 void addRow(std::string& text, const DrillNode& node, double sum, int level)
@@ -34,6 +34,8 @@ void addRow(std::string& text, const DrillNode& node, double sum, int level)
     text += "\n";
     for (const DrillNode& part : node.parts)
         addRow(text, part, node.sum.value_or(0), level + 1);
+    if (node.pages > 1)
+        text += indent + "  " + pageText(node) + "\n";
 }
 
 std::string rowJson(const DrillNode& node)
@@ -65,10 +67,16 @@ std::string shareText(const DrillNode& node, double sum)
     if (sum == 0 || !node.amount)
         return {};
     std::array<char, 400> digits{};
-    const double share = std::round(contribution(node) / sum * 1000) / 10;
+    const double share = std::round(contribution(node) / sum * 1000) / 10 + 0.0; // no "-0.0"
     const auto end =
         std::to_chars(digits.data(), digits.data() + digits.size(), share, std::chars_format::fixed, 1);
     return std::string(digits.data(), end.ptr) + "%";
+}
+
+std::string pageText(const DrillNode& node)
+{
+    return "第 " + std::to_string(node.page) + " 页，共 " + std::to_string(node.pages) +
+           " 页，这里只有这一页";
 }
 
 std::string oneLine(const std::string& text)

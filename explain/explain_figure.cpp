@@ -44,9 +44,11 @@ Explained explainFigure(const std::string& connectionString, std::int32_t report
 {
     std::optional<Explained> explained;
     RunOptions options;
+    options.kindsTold = true;
     options.progress = progress;
     options.computed = [&](const ReportRun& run, const RunRecord& record, DatabaseAccess& database) {
         DrillTree tree(run.name, *run.workbook, record, placeOf(*run.workbook, cell));
+        tree.nameAccounts(database);
         openLevels(tree, tree.root(), database, depth);
         explained = {tree.head(), tree.root()};
     };

@@ -8,6 +8,8 @@
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 
+#include <algorithm>
+
 namespace selfreport {
 
 using spreadsheet::CallPlace;
@@ -16,13 +18,22 @@ using spreadsheet::LinearTerm;
 
 namespace {
 
-/// "期末余额，2025 年 1–3 期，USD"
+/// The periods that count for the fetch type: "1–12".
+std::string periodsText(const LedgerArguments& call, AcctPeriods counted)
+{
+    if (counted == AcctPeriods::last)
+        return call.lastPeriod;
+    if (counted == AcctPeriods::first || call.firstPeriod == call.lastPeriod)
+        return call.firstPeriod;
+    return call.firstPeriod + "–" + call.lastPeriod;
+}
+
+/// "借方发生额，2025 年 1–3 期，USD"
 std::string measureText(const LedgerArguments& call)
 {
     const AcctKind* kind = acctKindOf(trimmed(call.fetchType));
     std::string text = kind ? std::string(kind->name) : "取数类型" + quoted(call.fetchType);
-    text += "，" + call.year + " 年 " + call.firstPeriod;
-    text += (call.firstPeriod == call.lastPeriod ? "" : "–" + call.lastPeriod) + " 期";
+    text += "，" + call.year + " 年 " + periodsText(call, kind ? kind->periods : AcctPeriods::all) + " 期";
     return text + (call.currency.empty() ? "" : "，" + call.currency);
 }
 
@@ -98,6 +109,13 @@ DrillNode partOf(const spreadsheet::Workbook& workbook, const RunRecord& record,
 std::string placeText(const spreadsheet::Workbook& workbook, const CallPlace& cell)
 {
     return workbook.sheet(cell.sheet).name() + "!" + spreadsheet::cellName({cell.column, cell.row});
+}
+
+bool isRecorded(const spreadsheet::Workbook& workbook, const RunRecord& record, const CallPlace& cell)
+{
+    return std::ranges::all_of(
+        spreadsheet::linearForm(workbook.book(), cell, record.answers()).terms,
+        [&](const LinearTerm& term) { return recordedCall(workbook, record, term) != nullptr; });
 }
 
 DrillNode figureParts(const spreadsheet::Workbook& workbook, const RunRecord& record, const CallPlace& cell,

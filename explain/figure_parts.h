@@ -9,6 +9,10 @@ namespace selfreport {
 DrillNode figureParts(const spreadsheet::Workbook& workbook, const RunRecord& record,
                       const spreadsheet::CallPlace& cell, bool reads);
 
+/// Whether the record holds every call that a figure is made of: not if the workbook was never computed.
+bool isRecorded(const spreadsheet::Workbook& workbook, const RunRecord& record,
+                const spreadsheet::CallPlace& cell);
+
 /// "Sheet1!B7"
 std::string placeText(const spreadsheet::Workbook& workbook, const spreadsheet::CallPlace& cell);
 

@@ -3,6 +3,7 @@
 #include "access/DatabaseAccess.h"
 #include "failures/failure_text.h"
 #include "reports/commit_outcome.h"
+#include "reports/report_list.h"
 #include "reports/report_statements.h"
 #include "spreadsheet/files/content/content.h"
 #include "spreadsheet/files/content/content_frame.h"
@@ -190,8 +191,7 @@ std::optional<SaveConflict> ReportStore::restore(const std::string& name,
 
 bool ReportStore::hasName(const std::string& name)
 {
-    return m_database.asked<bool>(
-        [name](Connection& open) { return !open.query(reportOfNameStatement, {name}).isEmpty(); });
+    return m_database.asked<bool>([name](Connection& open) { return reportOfName(open, name).has_value(); });
 }
 
 void ReportStore::remove(std::int32_t id)

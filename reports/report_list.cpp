@@ -24,6 +24,14 @@ bool isReportStored(Connection& connection, std::int32_t id)
     return connection.query(countReportStatement(id)).integer(0, "fcount") > 0;
 }
 
+std::optional<std::int32_t> reportOfName(Connection& connection, const std::string& name)
+{
+    const Recordset rows = connection.query(reportOfNameStatement, {name});
+    if (rows.isEmpty())
+        return std::nullopt;
+    return static_cast<std::int32_t>(rows.integer(0, "noid"));
+}
+
 std::vector<MenuReport> reportMenu(Connection& connection)
 {
     constexpr std::string_view prefix = "RSelf";

@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,9 @@ std::vector<ListedReport> storedReports(Connection& connection);
 /// Whether a report stands under the id: another user may have deleted it since it was listed.
 /// @throws DatabaseError
 bool isReportStored(Connection& connection, std::int32_t id);
+
+/// The first stored report of a name; nothing if there is none. @throws DatabaseError
+std::optional<std::int32_t> reportOfName(Connection& connection, const std::string& name);
 
 /// An entry of the suite's menu of stored reports.
 struct MenuReport {

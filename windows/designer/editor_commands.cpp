@@ -240,6 +240,8 @@ constexpr EditorButton buttons[] = {
     gap,
     {"Thousands", "千分位", "thousands", "MenuThousands", nullptr, true},
     {"Borders", "边框", "borders", "MenuBorders"},
+    gap,
+    {"Drill", "联查", "drill", "MenuDrill"},
 };
 
 } // namespace

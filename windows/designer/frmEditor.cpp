@@ -1,5 +1,6 @@
 #include "windows/designer/frmEditor.h"
 
+#include "platform/services/Dialogs.h"
 #include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -12,6 +13,7 @@
 #include "windows/designer/FormulaBox.h"
 #include "windows/designer/frmFind.h"
 #include "windows/designer/frmTableInfo.h"
+#include "windows/designer/referred_report.h"
 #include "windows/explain/frmDrill.h"
 #include "windows/explain/frmProve.h"
 #include "windows/formatting/cell_commands.h"
@@ -230,13 +232,27 @@ void frmEditor::showCoverage()
     window->check();
 }
 
-/// It stays open while cells are looked at.
+/// It stays open while cells are looked at. A design is not computed when it opens.
 void frmEditor::showDrill()
 {
     auto* window = findChild<frmDrill*>();
-    if (!window)
+    if (!window) {
         window = new frmDrill(m_context, *m_fps1, this);
-    window->explain(m_txtReportName->text().toStdString(), m_formulas->evaluation().record());
+        window->openReport = [this, window](const std::string& report, const frmDrill::PlaceIn& place) {
+            showReferredReport(m_context, report, place, window);
+        };
+    }
+    const auto explain = [this, window] {
+        return window->explain(m_txtReportName->text().toStdString(), m_formulas->evaluation().record());
+    };
+    if (!explain()) {
+        if (!dialogs().question(m_context.title,
+                                "这张报表打开后还没有计算过，联查要先重新计算，现在计算吗？"))
+            return;
+        m_formulas->MenuShowDate_Click();
+        if (!explain())
+            return m_status->showMessage(QStringLiteral("没有计算完，不能联查"));
+    }
     window->show();
     window->activateWindow();
 }

@@ -2,7 +2,9 @@
 
 #include "explain/drill_sheet.h"
 #include "explain/drill_text.h"
+#include "explain/figure_parts.h"
 #include "failures/failure_text.h"
+#include "fetch/referenced_place.h"
 #include "fetch/RunRecord.h"
 #include "platform/database/session/Recordset.h"
 #include "platform/services/FileDialog.h"
@@ -12,14 +14,17 @@
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "text/amount_text.h"
+#include "windows/explain/DrillPages.h"
+#include "windows/printing/frmPreview.h"
 
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -50,6 +55,19 @@ DrillNode* nodeOf(const QTreeWidgetItem* row)
     return row ? static_cast<DrillNode*>(row->data(item, nodeRole).value<void*>()) : nullptr;
 }
 
+/// What opening it may change: its remark, and whether it is a fault.
+void showRemark(QTreeWidgetItem* row, const DrillNode& node)
+{
+    const QString from = rowText(node.basis), remark = rowText(node.remark);
+    row->setText(basis, from + (from.isEmpty() || remark.isEmpty() ? "" : QStringLiteral("　")) + remark);
+    for (int column = item; column <= share; ++column) {
+        if (node.isFault)
+            row->setForeground(column, Qt::red);
+        if (column <= basis)
+            row->setToolTip(column, row->text(column));
+    }
+}
+
 } // namespace
 
 frmDrill::frmDrill(ReportContext& context, spreadsheet::SpreadsheetControl& grid, QWidget* parent)
@@ -68,8 +86,15 @@ frmDrill::frmDrill(ReportContext& context, spreadsheet::SpreadsheetControl& grid
     connect(m_tree, &QTreeWidget::itemExpanded, this, &frmDrill::openRow);
     connect(m_tree, &QTreeWidget::currentItemChanged, this, &frmDrill::enterRow);
     connect(m_tree, &QTreeWidget::itemActivated, this, &frmDrill::activateRow);
+    // From a cell of another column the arrow to the right would not lead into the row.
+    connect(m_tree->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& now) {
+                if (now.column() > item)
+                    m_tree->setCurrentItem(m_tree->currentItem(), item);
+            });
     connect(m_cboWay, &QComboBox::activated, this, &frmDrill::chooseWay);
-    resize(900, 600);
+    connect(new QShortcut(QKeySequence::Print, this), &QShortcut::activated, this, &frmDrill::printTree);
+    resize(960, 600);
     settle(*this);
 }
 
@@ -81,10 +106,12 @@ void frmDrill::buildLayout()
     m_tree->setHeaderLabels({QStringLiteral("项目"), QStringLiteral("依据"), QStringLiteral("系数"),
                              QStringLiteral("金额"), QStringLiteral("占比")});
     m_tree->setUniformRowHeights(true); // there may be thousands
-    m_tree->setColumnWidth(item, 270);
-    m_tree->setColumnWidth(basis, 250);
-    m_tree->setColumnWidth(factor, 60);
-    m_tree->setColumnWidth(amount, 140);
+    m_tree->setColumnWidth(item, 330);
+    m_tree->setColumnWidth(basis, 310);
+    m_tree->setColumnWidth(factor, 50);
+    m_tree->setColumnWidth(amount, 130);
+    for (const int column : {factor, amount, share})
+        m_tree->headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
     m_tree->setExpandsOnDoubleClick(false); // a double click goes to the cell, as Enter does
     for (const auto& [label, name] :
          {std::pair(m_head, "lblHead"), std::pair(m_foot, "lblFoot"), std::pair(m_status, "lblStatus")}) {
@@ -102,7 +129,8 @@ void frmDrill::buildLayout()
     ways->addStretch();
     auto* buttons = new QDialogButtonBox;
     for (const auto& [text, name, run] :
-         {std::tuple("引出(&X)…", "cmdExport", &frmDrill::exportTree),
+         {std::tuple("打印(&P)…", "cmdPrint", &frmDrill::printTree),
+          std::tuple("引出(&X)…", "cmdExport", &frmDrill::exportTree),
           std::tuple("关闭(&E)", "cmdXPClose", static_cast<void (frmDrill::*)()>(&frmDrill::hide))}) {
         auto* button = buttons->addButton(QString::fromUtf8(text), QDialogButtonBox::ActionRole);
         button->setObjectName(name);
@@ -118,20 +146,34 @@ void frmDrill::buildLayout()
     layout->addWidget(buttons);
 }
 
-void frmDrill::explain(const std::string& report, const RunRecord& record)
+bool frmDrill::explain(const std::string& report, const RunRecord& record)
 {
-    const int sheet = m_grid.cells().activeSheet();
-    const spreadsheet::CellAddress cell = m_grid.cursor().activeCell();
-    m_sheetId = m_grid.cells().workbook().sheet(sheet).id();
-    m_figure = std::make_unique<DrillTree>(report, m_grid.cells().workbook(), record,
-                                           spreadsheet::CallPlace{sheet, cell.column, cell.row});
+    const spreadsheet::Workbook& workbook = m_grid.cells().workbook();
+    const spreadsheet::CellAddress active = m_grid.cursor().activeCell();
+    const spreadsheet::CallPlace cell{m_grid.cells().activeSheet(), active.column, active.row};
+    if (!isRecorded(workbook, record, cell))
+        return false;
+    m_figure = std::make_unique<DrillTree>(report, workbook, record, cell);
     m_tree->clear();
     m_status->clear();
+    nameAccounts();
     addRows(m_tree->invisibleRootItem(), m_figure->root());
     showHead();
     m_tree->setFocus();
     if (m_tree->topLevelItemCount() > 0)
         m_tree->setCurrentItem(m_tree->topLevelItem(0));
+    return true;
+}
+
+/// Who does not want to wait for names reads codes.
+void frmDrill::nameAccounts()
+{
+    try {
+        const CancellableWait waiting(windowTitle(), this);
+        m_figure->nameAccounts(m_context.database);
+    } catch (const WorkCancelled&) {
+        m_status->setText(QStringLiteral("已取消，科目只有代码"));
+    }
 }
 
 void frmDrill::showHead()
@@ -145,7 +187,7 @@ void frmDrill::showHead()
     if (!head.remark.empty())
         text += "\n" + rowText(head.remark);
     if (head.ledgerHasChanged)
-        text += QStringLiteral("\n账已变动：计算之后有人记了账，请重算");
+        text += "\n" + rowText(ledgerHasChangedText) + QStringLiteral("，请重算");
     m_head->setText(text);
     const DrillNode& root = m_figure->root();
     const bool isSum = root.sum && root.whole;
@@ -161,20 +203,13 @@ void frmDrill::showHead()
 void frmDrill::addRow(QTreeWidgetItem* above, DrillNode& node, double sum)
 {
     auto* row = new QTreeWidgetItem(above);
-    const QString remark = rowText(node.remark);
     row->setText(item, rowText(node.item));
-    row->setText(basis, rowText(node.basis) + (remark.isEmpty() ? "" : QStringLiteral("　") + remark));
     row->setText(factor, node.factor == 1 ? "" : QString::fromStdString(numberText(node.factor)));
     row->setText(amount, node.amount ? groupedText(*node.amount) : QString());
     row->setText(share, QString::fromStdString(shareText(node, sum)));
     for (const int column : {factor, amount, share})
         row->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
-    for (int column = item; column <= share; ++column) {
-        if (node.isFault)
-            row->setForeground(column, Qt::red);
-        if (column <= basis)
-            row->setToolTip(column, row->text(column));
-    }
+    showRemark(row, node);
     row->setData(item, nodeRole, QVariant::fromValue(static_cast<void*>(&node)));
     if (node.canOpen())
         row->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
@@ -220,8 +255,9 @@ void frmDrill::reopen(QTreeWidgetItem* row, std::size_t way, std::int64_t page)
     }
     addRows(row, node);
     row->setExpanded(true);
-    row->setText(basis, rowText(node.basis) +
-                            (node.remark.empty() ? QString() : QStringLiteral("　") + rowText(node.remark)));
+    if (node.parts.empty())
+        row->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicatorWhenChildless);
+    showRemark(row, node);
     showHead();
     enterRow();
 }
@@ -260,14 +296,16 @@ void frmDrill::activateRow(QTreeWidgetItem* row)
 
 void frmDrill::goToCell(const DrillNode& node)
 {
+    using spreadsheet::Workbook;
+    if (const auto& read = node.reference)
+        return openReport(read->report,
+                          [read](const Workbook& book) { return referencedPlace(book, *read); });
     if (!node.cell) {
         m_status->setText(QStringLiteral("这一行不是单元格里写的"));
         return;
     }
-    if (!node.report.empty()) {
-        m_status->setText(QStringLiteral("单元格在报表“%1”中").arg(rowText(node.report)));
-        return;
-    }
+    if (!node.report.empty())
+        return openReport(node.report, [cell = node.cell](const Workbook&) { return cell; });
     if (!m_grid.entry().commit() || node.cell->sheet > m_grid.cells().sheetCount())
         return;
     if (node.cell->sheet != m_grid.cells().activeSheet())
@@ -293,6 +331,13 @@ void frmDrill::closeEvent(QCloseEvent* event)
 {
     QDialog::reject();
     event->accept();
+}
+
+/// The preview shows the open part of the tree, and prints it.
+void frmDrill::printTree()
+{
+    DrillPages pages(m_context, m_figure->head(), m_figure->root());
+    frmPreview::showModally(pages);
 }
 
 void frmDrill::exportTree()

@@ -3,6 +3,7 @@
 
 #include <QDialog>
 
+#include <functional>
 #include <memory>
 
 class QComboBox;
@@ -28,9 +29,16 @@ public:
     frmDrill(ReportContext& context, spreadsheet::SpreadsheetControl& grid, QWidget* parent = nullptr);
     ~frmDrill() override;
 
-    /// Takes the grid's active cell apart.
+    /// Takes the grid's active cell apart. False, and nothing changes, if the record lacks calls of it: the
+    /// report was not computed since it was opened.
     /// @param report  its name
-    void explain(const std::string& report, const RunRecord& record);
+    [[nodiscard]] bool explain(const std::string& report, const RunRecord& record);
+
+    using PlaceIn =
+        std::function<std::optional<spreadsheet::CallPlace>(const spreadsheet::Workbook& workbook)>;
+    /// Opens another report by its name. @param place  of the cell that is shown there, if it has it
+    std::function<void(const std::string& report, const PlaceIn& place)> openReport = [](const std::string&,
+                                                                                         const PlaceIn&) {};
 
     /// Esc goes up to the first level, and from there closes this window.
     void reject() override;
@@ -40,6 +48,7 @@ protected:
 
 private:
     void buildLayout();
+    void nameAccounts();
     void showHead();
     void addRow(QTreeWidgetItem* above, DrillNode& node, double sum);
     void addRows(QTreeWidgetItem* above, DrillNode& node);
@@ -50,6 +59,7 @@ private:
     void chooseWay(int way);
     void goToCell(const DrillNode& node);
     void exportTree();
+    void printTree();
 
     ReportContext& m_context;
     spreadsheet::SpreadsheetControl& m_grid;
@@ -59,7 +69,6 @@ private:
     QComboBox* m_cboWay;
     QTreeWidget* m_tree;
     std::unique_ptr<DrillTree> m_figure;
-    int m_sheetId = 0; ///< of the figure
 };
 
 } // namespace selfreport

@@ -128,7 +128,8 @@ struct EveryWindow::Ground {
         editor.finishOpening();
         editor.fps1().cursor().moveTo({4, 5});
         auto window = std::make_unique<frmDrill>(sharedContext, editor.fps1());
-        window->explain("资产负债表", editor.formulas().evaluation().record());
+        if (!window->explain("资产负债表", editor.formulas().evaluation().record()))
+            throw std::runtime_error("the report was not computed");
         return window;
     }
 

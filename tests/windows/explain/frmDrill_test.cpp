@@ -1,14 +1,20 @@
 // 联查 as a user drives it from the designer: by keys, by the mouse, by the menu.
 #include "windows/explain/frmDrill.h"
 
+#include "explain/drill_sheet.h"
 #include "platform/services/FileDialog.h"
+#include "platform/toolkit/QtDialogs.h"
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/windows/designer/DesignerTest.h"
+#include "windows/designer/EditorFormulas.h"
+#include "windows/printing/print_sheet.h"
 
 #include <gmock/gmock.h>
 #include <QComboBox>
 #include <QLabel>
+#include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
 #include <QTreeWidget>
 
@@ -52,7 +58,7 @@ TEST_F(Drill, IsWalkedByKeysFromTheCellToTheMovementAndBack)
     EXPECT_THAT(label("lblHead"),
                 ::testing::AllOf(HasSubstr("Sheet1!A2"), HasSubstr("=A1*2"), HasSubstr("200.5")));
     EXPECT_EQ(label("lblFoot"), "合计：200.50    单元格：200.50    差额：0.00");
-    EXPECT_THAT(rowsOf(*tree().invisibleRootItem()), ::testing::ElementsAre("1001 2 100.25"));
+    EXPECT_THAT(rowsOf(*tree().invisibleRootItem()), ::testing::ElementsAre("1001 库存现金 2 100.25"));
     QTest::keyClick(&tree(), Qt::Key_Right);
     EXPECT_THAT(rowsOf(*tree().topLevelItem(0)),
                 ::testing::ElementsAre("期初余额  75.25", "借方发生额  25.00", "贷方发生额 -1 0.00"));
@@ -60,7 +66,7 @@ TEST_F(Drill, IsWalkedByKeysFromTheCellToTheMovementAndBack)
     EXPECT_EQ(current(), "期初余额");
     QTest::keyClick(drill(), Qt::Key_Escape);
     EXPECT_TRUE(drill()->isVisible()) << "Esc leads to the first level before it closes";
-    EXPECT_EQ(current(), "1001");
+    EXPECT_EQ(current(), "1001 库存现金");
     QTest::keyClick(&tree(), Qt::Key_Left);
     EXPECT_FALSE(tree().topLevelItem(0)->isExpanded());
     QTest::keyClick(&tree(), Qt::Key_Return);
@@ -73,6 +79,34 @@ TEST_F(Drill, IsWalkedByKeysFromTheCellToTheMovementAndBack)
     QTest::keyClick(&tree(), Qt::Key_Right);
     drill()->close();
     EXPECT_FALSE(drill()->isVisible()) << "the close box closes from any row";
+}
+
+/// A design opens as it was stored: there is nothing yet that its figures could be taken apart into.
+TEST_F(Drill, AsksBeforeItComputesADesign)
+{
+    QtDialogs real;
+    const DialogsInUse inUse(real);
+    storeReport();
+    open();
+    moveTo(1, 2);
+    const auto press = [](QMessageBox::StandardButton button) {
+        whenModal("messageBox", [button](QWidget& shown) {
+            auto& box = dynamic_cast<QMessageBox&>(shown);
+            EXPECT_THAT(box.text().toStdString(), HasSubstr("还没有计算过"));
+            box.button(button)->click();
+        });
+    };
+    press(QMessageBox::No);
+    QTest::keyClick(&grid(), Qt::Key_BracketLeft, Qt::ControlModifier);
+    EXPECT_FALSE(drill()->isVisible());
+    press(QMessageBox::Yes);
+    trigger("MenuDrill");
+    EXPECT_TRUE(drill()->isVisible());
+    EXPECT_EQ(label("lblFoot"), "合计：200.50    单元格：200.50    差额：0.00");
+    drill()->hide();
+    moveTo(2, 1);
+    trigger("MenuDrill"); // a text is asked about without a question
+    EXPECT_TRUE(drill()->isVisible());
 }
 
 TEST_F(Drill, OpensByADoubleClickWhereTheCellWasOnlySaidToBeLocked)
@@ -162,8 +196,135 @@ TEST_F(Drill, GoesOutAsAnExcelFile)
     spreadsheet::loadWorkbook(read, file);
     std::string items;
     for (int row = 1; row <= 13; ++row)
-        items += read.sheet(1).displayText({2, row}) + "|";
-    EXPECT_THAT(items, HasSubstr("1001|期初余额|借方发生额|贷方发生额|合计|单元格|差额|"));
+        items += read.sheet(1).textByType({2, row}) + "|";
+    EXPECT_THAT(items, HasSubstr("1001 库存现金|期初余额|借方发生额|贷方发生额|合计|单元格|差额|"));
+    EXPECT_EQ(read.sheet(1).displayText({2, 8}), "　期初余额") << "a row's level shows";
+}
+
+TEST_F(Drill, HasRoomForAllRowsAndSaysWhichPageOfVouchersItShows)
+{
+    ledger.run("insert into tblVoucher values(1,2025,2,'2025-02-05','记-1','',0)"); // a line without a text
+    for (int line = 1; line <= 650; ++line)
+        ledger.run("insert into tblVoucherEntry values(1," + std::to_string(line) +
+                   ",1,0,1,0.1,0.1,0,0,0,0)");
+    openForUse();
+    moveTo(1, 1);
+    trigger("MenuDrill");
+    DrillTree tree("现金表", grid().cells().workbook(), window->formulas().evaluation().record(), {1, 1, 1});
+    tree.open(tree.root().parts.front(), sharedContext.database, 1, 1);
+    const DrillNode open = tree.root().parts.front();
+    tree.root().parts.insert(tree.root().parts.end(), 2, open); // more rows than a fresh sheet has
+    spreadsheet::Workbook sheet;
+    writeDrillSheet(sheet, tree.head(), tree.root());
+    EXPECT_GT(sheet.sheet(1).lastDataRow(), 600);
+    EXPECT_LE(sheet.sheet(1).lastDataRow(), sheet.sheet(1).settings().rowCount);
+    std::string pages;
+    for (int row = 1; row <= sheet.sheet(1).lastDataRow(); ++row)
+        pages += sheet.sheet(1).textByType({2, row}) + "|";
+    EXPECT_THAT(pages, HasSubstr("第 1 页，共 4 页，这里只有这一页"));
+}
+
+TEST_F(Drill, IsPrintedAsItStandsOpen)
+{
+    openForUse();
+    moveTo(1, 2);
+    ledger.run("update tblAccountBal set fEndBal=fEndBal+0.01 where faccountid=1 and fPeriod=2");
+    trigger("MenuDrill");
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    const std::string file = folder.filePath("联查.pdf").toStdString();
+    printerSetup().file = file;
+    whenModal("frmPreview", [](QWidget& preview) {
+        whenModal("PrintDlg", [](QWidget& dialog) { control<QPushButton>(dialog, "Command2").click(); });
+        control<QPushButton>(preview, "cmdHelp").click();
+    });
+    show(*drill()); // it is in front, as keys of the designer are the designer's
+    QTest::keyClick(&tree(), Qt::Key_P, Qt::ControlModifier);
+    printerSetup() = {};
+    EXPECT_TRUE(window->isVisible() && drill()->isVisible()) << "printing closes neither";
+    QProcess process;
+    process.start("pdftotext", {"-layout", QString::fromStdString(file), "-"});
+    process.waitForFinished();
+    const std::string text = process.readAllStandardOutput().toStdString();
+    for (const char* shown : {"现金表", "Sheet1!A2", "1001", "借方发生额", "差额", "0.01", "账已变动"})
+        EXPECT_THAT(text, HasSubstr(shown));
+}
+
+/// Reports that read another: A1 that report's figure, A2 their own, A3 of a report that is gone.
+class DrillIntoReports : public Drill {
+protected:
+    void openReader()
+    {
+        storeReport();
+        spreadsheet::Workbook reader;
+        reader.registerFunction("REF_F", 3, [](spreadsheet::FunctionCall& call) { call.decline(); });
+        const char* const formulas[] = {R"(REF_F("现金表","A2","1"))", R"(REF_F("汇总","B9","1"))",
+                                        R"(REF_F("没有","A1","1"))"};
+        int row = 0;
+        for (const char* formula : formulas)
+            demand(reader.sheet(1).setFormula({1, ++row}, formula));
+        reader.sheet(1).setNumber({2, 9}, 5);
+        ledger.addReport(4, "汇总", spreadsheet::saveContent(reader));
+        gReportId = 4;
+        gRunMode = true;
+        open();
+        QApplication::processEvents();
+        QApplication::processEvents();
+    }
+    /// "report!cell" of the window that opens over the tree while something is done.
+    std::string shownBy(const std::function<void()>& act)
+    {
+        std::string shown;
+        whenModal("frmEditor", [&](QWidget& other) {
+            const auto& cells = control<spreadsheet::SpreadsheetControl>(other, "fps1");
+            shown = control<QLineEdit>(other, "txtReportName").text().toStdString() + "!" +
+                    spreadsheet::cellName(cells.cursor().activeCell()) +
+                    (cells.mode() == spreadsheet::GridMode::run ? "" : " for design");
+            other.close();
+        });
+        act();
+        return shown;
+    }
+};
+
+TEST_F(DrillIntoReports, EnterAndDoubleClickOpenTheReportAtItsCell)
+{
+    openReader();
+    moveTo(1, 1);
+    trigger("MenuDrill");
+    const auto enter = [this] { QTest::keyClick(&tree(), Qt::Key_Return); };
+    EXPECT_EQ(shownBy(enter), "现金表!A2");
+    const auto doubleClick = [this] {
+        const QPoint place = tree().visualItemRect(tree().topLevelItem(0)).center();
+        QTest::mouseClick(tree().viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseDClick(tree().viewport(), Qt::LeftButton, {}, place);
+    };
+    EXPECT_EQ(shownBy(doubleClick), "现金表!A2");
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    EXPECT_EQ(current(), "1001 库存现金");
+    EXPECT_EQ(shownBy(enter), "现金表!A1") << "where the call is written";
+    EXPECT_TRUE(drill()->isVisible());
+    EXPECT_EQ(gReportId, 4) << "what is open below stays open";
+    EXPECT_EQ(edit("txtReportName").text(), QStringLiteral("汇总"));
+}
+
+TEST_F(DrillIntoReports, AReportMayReadItselfOrOneThatIsGone)
+{
+    openReader();
+    moveTo(1, 2);
+    trigger("MenuDrill");
+    const auto enter = [this] { QTest::keyClick(&tree(), Qt::Key_Return); };
+    EXPECT_EQ(shownBy(enter), "汇总!B9");
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    EXPECT_THAT(rowsOf(*tree().topLevelItem(0)), ::testing::ElementsAre("常数  5.00"));
+    drill()->hide();
+    moveTo(1, 3);
+    trigger("MenuDrill");
+    enter();
+    ASSERT_FALSE(ledger.boxes.said.empty());
+    EXPECT_THAT(ledger.boxes.said.back().text, HasSubstr("没有名为“没有”的报表"));
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    EXPECT_THAT(tree().topLevelItem(0)->child(0)->text(0).toStdString(), HasSubstr("没有名为“没有”的报表"));
 }
 
 } // namespace
