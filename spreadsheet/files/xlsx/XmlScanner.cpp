@@ -6,14 +6,14 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstring>
 #include <string>
 
 namespace spreadsheet {
 
 // A sheet of a million cells is a hundred megabytes of XML, and a tree of it ten times that. Cells are needed
 // once and in order, so the scanner hands out views of the text and undoes escapes where they stand, which
-// never makes a text longer.
+// never makes a text longer. Names and values of cells are a few bytes long: a loop over them is done before
+// a call into the library has begun.
 
 namespace {
 
@@ -27,8 +27,11 @@ bool isXmlBlank(char c)
 
 std::string_view withoutPrefix(std::string_view name)
 {
-    const std::size_t colon = name.find(':');
-    return colon == std::string_view::npos ? name : name.substr(colon + 1);
+    for (std::size_t at = 0; at < name.size(); ++at) {
+        if (name[at] == ':')
+            return name.substr(at + 1);
+    }
+    return name;
 }
 
 /// The character that an escape stands for ("lt", "#x41"); "" for one that is not known.
@@ -56,9 +59,6 @@ std::string escaped(std::string_view name)
 /// Undoes escapes in place; what they stand for is never longer. Line ends become '\n'.
 std::string_view decoded(char* begin, char* end)
 {
-    const auto size = static_cast<std::size_t>(end - begin);
-    if (!std::memchr(begin, '&', size) && !std::memchr(begin, '\r', size))
-        return {begin, size};
     char* out = begin;
     for (char* at = begin; at != end;) {
         constexpr std::ptrdiff_t longest = 12;
@@ -78,6 +78,16 @@ std::string_view decoded(char* begin, char* end)
         }
     }
     return {begin, static_cast<std::size_t>(out - begin)};
+}
+
+/// What stands before a sign or the end, undone.
+std::string_view decodedUpTo(char sign, char*& at, const char* end)
+{
+    char* const begin = at;
+    bool isPlain = true;
+    for (; at != end && *at != sign; ++at)
+        isPlain = isPlain && *at != '&' && *at != '\r';
+    return isPlain ? std::string_view(begin, static_cast<std::size_t>(at - begin)) : decoded(begin, at);
 }
 
 } // namespace
@@ -123,10 +133,7 @@ XmlScanner::Kind XmlScanner::next()
 
 XmlScanner::Kind XmlScanner::run()
 {
-    char* const begin = m_at;
-    auto* const stop = static_cast<char*>(std::memchr(m_at, '<', static_cast<std::size_t>(m_end - m_at)));
-    m_at = stop ? stop : m_end;
-    m_text = decoded(begin, m_at);
+    m_text = decodedUpTo('<', m_at, m_end);
     return Kind::text;
 }
 
@@ -151,7 +158,8 @@ XmlScanner::Kind XmlScanner::endTag()
 {
     constexpr std::ptrdiff_t mark = 2; // "</"
     const char* const begin = m_at + mark;
-    char* const stop = find(">");
+    char* const stop = std::find(m_at, m_end, '>');
+    requireFile(stop != m_end, incomplete);
     const char* end = stop;
     while (end > begin && isXmlBlank(end[-1]))
         --end;
@@ -194,10 +202,10 @@ void XmlScanner::attribute()
     skipBlanks();
     const char quote = *m_at++;
     requireFile(quote == '"' || quote == '\'', incomplete);
-    auto* const stop = static_cast<char*>(std::memchr(m_at, quote, static_cast<std::size_t>(m_end - m_at)));
-    requireFile(stop != nullptr, incomplete);
-    m_attributes.push_back({withoutPrefix(name), decoded(m_at, stop)});
-    m_at = stop + 1;
+    const std::string_view value = decodedUpTo(quote, m_at, m_end);
+    requireFile(m_at != m_end, incomplete);
+    m_attributes.push_back({withoutPrefix(name), value});
+    ++m_at;
 }
 
 std::string_view XmlScanner::content()
