@@ -1,6 +1,7 @@
 #pragma once
 // How a value looks: styles and cell types, number format codes, codes of headers and footers. A function of
 // value and style, of nothing else. What other rooms may include:
+#include "spreadsheet/display/cell_indent.h"
 #include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/display/CellStyle.h"
 #include "spreadsheet/display/display_text.h"

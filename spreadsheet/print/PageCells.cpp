@@ -1,5 +1,6 @@
 #include "spreadsheet/print/PageCells.h"
 
+#include "spreadsheet/display/cell_indent.h"
 #include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/print/CellBehaviour.h"
@@ -100,6 +101,7 @@ PageCell PageCells::read(CellAddress cell) const
                     (value.isNumber() || (value.isText() && value.text().countsAsNumber()));
     read.isTrue = countsAsChecked(value);
     read.alignment = alignmentOf(*read.style, value, read.isFigure, showsOtherText);
+    read.indent = showsOtherText ? 0 : indentOf(*read.style, read.alignment);
     read.colour = read.isFigure ? textColour(value, *read.style) : read.style->foreground;
     read.text = QString::fromUtf8(caption ? *caption : m_sheet.displayText(cell));
     return read;

@@ -19,7 +19,8 @@ struct PageCell {
     bool isTrue = false;                                       ///< state of a check box
     Colour colour = automaticColour;                           ///< of the text
     HorizontalAlignment alignment = HorizontalAlignment::left; ///< never general
-    int span = -1; ///< index into PageCells::spans(), -1: stands alone
+    int indent = 0; ///< twips from where the text would stand otherwise
+    int span = -1;  ///< index into PageCells::spans(), -1: stands alone
 };
 
 /// A span that a page shows, wholly or in part.

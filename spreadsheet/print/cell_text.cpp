@@ -97,18 +97,18 @@ void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const R
     const CellStyle& style = *cell.style;
     const QFont& font = fontOf(m_text, style.font);
     const double twip = m_text.twip();
-    const double padding = paddingAcross();
-    const double inner = box.width - 2 * padding;
+    const TextEdges edges = edgesOf(cell, box);
+    const double inner = std::max(edges.right - edges.left, 0.0);
     const bool wraps = style.wrap && !cell.isFigure;
     std::vector<TextLine> lines =
         m_text.lines(cell.text, font, wraps ? std::optional<double>(inner) : std::nullopt);
-    if (cell.isFigure && widest(lines) > inner + figureSlack * padding)
+    if (cell.isFigure && widest(lines) > inner + figureSlack * paddingAcross())
         lines = m_text.lines(numberSigns(m_text, font, inner), font);
 
     const double em = style.font.points * twipsPerPoint * twip;
     const double height = em * lineDistance * static_cast<double>(lines.size());
     const double width = widest(lines);
-    const double left = leftOf(cell.alignment, box.left + padding, box.right() - padding, width);
+    const double left = leftOf(cell.alignment, edges.left, edges.right, width);
     Room room{box.left, box.right(), m_column, m_column};
     if (neighbours && !wraps && !cell.isFigure && (left < box.left || left + width > box.right())) {
         room = {left < box.left ? neighbours->left : box.left,
@@ -127,7 +127,7 @@ void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const R
         topOf(style.vertical, box, height, lines.size() > 1, paddingDown * twip) + baselineInLine * em;
     const QColor colour = printColour(cell.colour, 0x000000, m_inColour);
     for (const TextLine& line : lines) {
-        const double start = leftOf(cell.alignment, box.left + padding, box.right() - padding, line.width);
+        const double start = leftOf(cell.alignment, edges.left, edges.right, line.width);
         m_text.draw(m_painter, {start, baseline}, line, colour);
         drawDecoration(m_painter, {start, baseline}, line.width, em,
                        {style.font.underline, style.font.strikeThrough}, colour);
@@ -142,6 +142,13 @@ double CellTextPainter::paddingAcross() const
     return m_cells.sheet().settings().print.textDistance * m_text.twip();
 }
 
+CellTextPainter::TextEdges CellTextPainter::edgesOf(const PageCell& cell, const PageBox& box) const
+{
+    const double padding = paddingAcross(), indent = cell.indent * m_text.twip();
+    const bool isRight = cell.alignment == HorizontalAlignment::right;
+    return {box.left + padding + (isRight ? 0 : indent), box.right() - padding - (isRight ? indent : 0)};
+}
+
 /// Draws the rest of a text that began on the page to the left.
 void CellTextPainter::drawTextFromPageBefore()
 {
@@ -152,13 +159,11 @@ void CellTextPainter::drawTextFromPageBefore()
     if (!before || before->cell.isFigure || before->cell.style->wrap)
         return;
     const double width = widest(m_text.lines(before->cell.text, fontOf(m_text, before->cell.style->font)));
-    const PageBox& box = before->box;
-    const double padding = paddingAcross();
-    if (leftOf(before->cell.alignment, box.left + padding, box.right() - padding, width) + width <=
-        m_cells.column(0).start)
+    const TextEdges edges = edgesOf(before->cell, before->box);
+    if (leftOf(before->cell.alignment, edges.left, edges.right, width) + width <= m_cells.column(0).start)
         return;
     const Room room = roomOf(m_row, 0);
-    drawText(before->cell, box, &room);
+    drawText(before->cell, before->box, &room);
 }
 
 /// Draws the beginning of a text that is aligned to the right, or centred, on the page to the right.
@@ -172,13 +177,11 @@ void CellTextPainter::drawTextFromPageBehind()
         behind->cell.style->wrap)
         return;
     const double width = widest(m_text.lines(behind->cell.text, fontOf(m_text, behind->cell.style->font)));
-    const PageBox& box = behind->box;
-    const double padding = paddingAcross();
-    if (leftOf(behind->cell.alignment, box.left + padding, box.right() - padding, width) >=
-        m_cells.column(m_column).end())
+    const TextEdges edges = edgesOf(behind->cell, behind->box);
+    if (leftOf(behind->cell.alignment, edges.left, edges.right, width) >= m_cells.column(m_column).end())
         return;
     const Room room = roomOf(m_row, m_column);
-    drawText(behind->cell, box, &room);
+    drawText(behind->cell, behind->box, &room);
 }
 
 /// The places of a room into which a text runs from the cell's.

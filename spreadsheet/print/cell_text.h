@@ -42,6 +42,9 @@ public:
     std::vector<TextOverflow> draw();
 
 private:
+    struct TextEdges { ///< between which a text is aligned
+        double left, right;
+    };
     struct Room { ///< horizontal room of a text
         int left, right;
         int firstColumn, lastColumn; ///< places on the page
@@ -54,6 +57,7 @@ private:
     TextOverflow reached(double left, double right, const Room& room) const;
     Room roomOf(int row, int column) const;
     double paddingAcross() const;
+    TextEdges edgesOf(const PageCell& cell, const PageBox& box) const;
 
     QPainter& m_painter;
     PageText& m_text;

@@ -1,5 +1,6 @@
 #include "spreadsheet/print/grown_rows.h"
 
+#include "spreadsheet/display/cell_indent.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/workbook/TallCells.h"
 
@@ -49,7 +50,8 @@ NeededLines neededLines(const Sheet& sheet, CellAddress cell, PageText& text)
     const CellStyle& style = sheet.style(cell);
     const bool wraps = style.wrap && !isFigure(sheet.value(cell));
     const double em = style.font.points * twipsPerPoint;
-    const double width = std::max(widthOf(sheet, extent) - 2.0 * sheet.settings().print.textDistance, 1.0);
+    const int beside = 2 * sheet.settings().print.textDistance + indentOf(style, style.horizontal);
+    const double width = std::max(widthOf(sheet, extent) - beside, 1);
     // Laying out takes long. No character is wider than the font is high, and none has more units than bytes.
     const bool fits = static_cast<double>(shown.size()) * em * 1.1 <= width;
     if ((!wraps || fits) && shown.find('\n') == shown.npos)

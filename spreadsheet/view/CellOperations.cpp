@@ -199,18 +199,44 @@ void CellOperations::changeStyle(const CellRange& range, const std::function<voi
     changed();
 }
 
+namespace {
+
+constexpr std::int64_t mostKept = 100'000; ///< cells of a range
+
+void keepStyles(const Sheet& sheet, const CellRange& range,
+                std::vector<std::pair<CellAddress, CellStyle>>& kept)
+{
+    for (int column = range.left; column <= range.right; ++column)
+        for (int row = range.top; row <= range.bottom; ++row)
+            kept.emplace_back(CellAddress{column, row}, sheet.style({column, row}));
+}
+
+} // namespace
+
 void CellOperations::changeStyleOfEach(const std::vector<CellRange>& ranges,
                                        const std::function<void(CellStyle&)>& change)
 {
     const UndoStep step(*m_workbook, "格式");
     std::vector<CellRange> done;
     for (const CellRange& range : ranges) {
+        // Ranges stay whole, as a whole row or column has one style; cells that were changed before get what
+        // they had then. Of too many to be kept what was inverted is inverted again.
+        std::vector<std::pair<CellAddress, CellStyle>> before;
+        std::vector<CellRange> again;
+        for (const CellRange& part : disjoint(done)) {
+            if (!part.intersects(range))
+                continue;
+            const CellRange both = common(part, range);
+            if (std::int64_t{both.rows()} * both.columns() <= mostKept)
+                keepStyles(sheet(), both, before);
+            else
+                again.push_back(both);
+        }
         changeStyle(range, change);
-        // Ranges stay whole, as a whole row or column has one style; cells that were inverted before and are
-        // back now are inverted again.
-        for (const CellRange& part : disjoint(done))
-            if (part.intersects(range))
-                changeStyle(common(part, range), change);
+        for (const CellRange& both : again)
+            changeStyle(both, change);
+        for (const auto& [cell, style] : before)
+            sheet().setStyle(cell, style);
         done.push_back(range);
     }
 }

@@ -1,5 +1,6 @@
 #include "spreadsheet/view/needed_size.h"
 
+#include "spreadsheet/display/cell_indent.h"
 #include "spreadsheet/print/CellBehaviour.h"
 #include "spreadsheet/print/grown_rows.h"
 #include "spreadsheet/print/PageCells.h"
@@ -50,14 +51,14 @@ int neededColumnWidth(const Sheet& sheet, int column)
                 continue;
             const CellStyle& style = sheet.style(cell);
             const QString shown = QString::fromUtf8(sheet.displayText(cell));
+            const int beside = behaviourOf(style.type).roomBeside(1);
+            const int taken = (beside > 0 ? beside + gap : 0) + indentOf(style, style.horizontal);
             // Laying out takes long: only texts that may be the widest. No character is wider than the font
             // is high.
-            if (style.font.points * twipsPerPoint * static_cast<double>(shown.size()) * 1.1 < needed)
+            if (style.font.points * twipsPerPoint * static_cast<double>(shown.size()) * 1.1 + taken < needed)
                 continue;
             const QFont& font =
                 text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic});
-            const int beside = behaviourOf(style.type).roomBeside(1);
-            const int taken = beside > 0 ? beside + gap : 0;
             for (const TextLine& line : text.lines(shown, font))
                 needed = std::max(needed, line.width + taken);
         }

@@ -104,6 +104,8 @@ constexpr EditorCommand fillCommands[] = {
 constexpr EditorCommand lookCommands[] = {
     {"MenuStrikeOut", "删除线", onGrid<toggleStrikeOut>},
     {"MenuWrap", "自动换行", onGrid<toggleWrap>},
+    {"MenuIndentMore", "增加缩进", onGrid<indentMore>},
+    {"MenuIndentLess", "减少缩进", onGrid<indentLess>},
     {"MenuBorders", "边框…", dialog<frmBorders>},
     {"MenuClearFormats", "清除格式", onGrid<clearFormats>},
     {"MenuFormatPainter", "格式刷", onGrid<FormatPainter::start>},

@@ -1,6 +1,7 @@
 #include "windows/formatting/cell_commands.h"
 
 #include "platform/services/ColourDialog.h"
+#include "spreadsheet/display/cell_indent.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "windows/formatting/number_format_choice.h"
 
@@ -174,6 +175,31 @@ void alignCells(SpreadsheetControl& grid, spreadsheet::HorizontalAlignment align
 void alignCells(SpreadsheetControl& grid, spreadsheet::VerticalAlignment alignment)
 {
     changeCells(grid, "垂直对齐", [=](CellStyle& style) { style.vertical = alignment; });
+}
+
+void indentMore(SpreadsheetControl& grid)
+{
+    constexpr std::uint8_t mostSteps = 15; // as many as .xls files hold
+    changeCells(grid, "增加缩进", [](CellStyle& style) {
+        const bool isDistributed = style.carried.across == spreadsheet::Spread::distributed &&
+                                   style.horizontal == spreadsheet::HorizontalAlignment::centre;
+        if (!isDistributed && !takesIndent(style))
+            style.carried.indent = 0; // it counted for nothing
+        if (!isDistributed && style.horizontal != spreadsheet::HorizontalAlignment::right) {
+            style.horizontal = spreadsheet::HorizontalAlignment::left;
+            style.carried.across = spreadsheet::Spread::none;
+        }
+        if (style.carried.indent < mostSteps)
+            ++style.carried.indent;
+    });
+}
+
+void indentLess(SpreadsheetControl& grid)
+{
+    changeCells(grid, "减少缩进", [](CellStyle& style) {
+        if (style.carried.indent > 0)
+            --style.carried.indent;
+    });
 }
 
 void setFontName(SpreadsheetControl& grid, const std::string& name)

@@ -35,6 +35,10 @@ void toggleWrap(spreadsheet::SpreadsheetControl& grid);
 void toggleLock(spreadsheet::SpreadsheetControl& grid);
 void alignCells(spreadsheet::SpreadsheetControl& grid, spreadsheet::HorizontalAlignment alignment);
 void alignCells(spreadsheet::SpreadsheetControl& grid, spreadsheet::VerticalAlignment alignment);
+/// Moves texts a step to the right, or away from the right side where they are aligned to it, and back.
+/// Cells that know no indent are aligned to the left first.
+void indentMore(spreadsheet::SpreadsheetControl& grid);
+void indentLess(spreadsheet::SpreadsheetControl& grid);
 void setFontName(spreadsheet::SpreadsheetControl& grid, const std::string& name);
 /// @param points  5 to 72
 void setFontSize(spreadsheet::SpreadsheetControl& grid, int points);

@@ -1,5 +1,7 @@
 #include "spreadsheet/files/exchange/alignments.h"
 
+#include "spreadsheet/display/cell_indent.h"
+
 #include <algorithm>
 
 namespace spreadsheet {
@@ -84,9 +86,8 @@ unsigned verticalNumber(const CellStyle& style)
 
 unsigned indentSteps(const CellStyle& style)
 {
-    constexpr unsigned left = 1, right = 3, distributed = 7;
-    const unsigned across = horizontalNumber(style);
-    return across == left || across == right || across == distributed ? style.carried.indent : 0;
+    constexpr unsigned distributed = 7;
+    return takesIndent(style) || horizontalNumber(style) == distributed ? style.carried.indent : 0;
 }
 
 } // namespace spreadsheet

@@ -106,6 +106,40 @@ TEST_F(PagePainterTest, TextsStandWhereTheirKindAndAlignmentSay)
     EXPECT_EQ(halves(1, 6), right) << "text that counts as a number";
 }
 
+/// A step is three blanks of half an em in 9 points: 27 pixels.
+TEST_F(PagePainterTest, IndentsMoveTextsAwayFromTheirSide)
+{
+    constexpr int cells = 6;
+    for (int row = 1; row <= 2 * cells; ++row)
+        sheet.setText({1, row}, "目");
+    sheet.setNumber({1, 6}, 7); // stands at the right by itself
+    sheet.setNumber({1, 12}, 7);
+    using enum HorizontalAlignment;
+    constexpr struct {
+        HorizontalAlignment alignment;
+        Spread across;
+        int pixels; ///< to the right, of two steps
+    } looks[cells]{{left, Spread::none, 54},  {general, Spread::none, 54},  {right, Spread::none, -54},
+                   {centre, Spread::none, 0}, {left, Spread::justified, 0}, {general, Spread::none, -54}};
+    for (int i = 0; i < cells; ++i) {
+        for (const int row : {1 + i, 1 + i + cells})
+            style({1, row, 1, row}, [&](CellStyle& s) {
+                s.horizontal = looks[i].alignment;
+                s.carried.across = looks[i].across;
+                s.carried.indent = row > cells ? 2 : 0;
+            });
+    }
+    draw();
+    const auto firstInk = [this](int row) {
+        int x = 100;
+        while (x < 200 && inked(QRect(x, 73 + row * 30, 1, 24)) == 0)
+            ++x;
+        return x;
+    };
+    for (int i = 0; i < cells; ++i)
+        EXPECT_EQ(firstInk(1 + i + cells) - firstInk(1 + i), looks[i].pixels) << i;
+}
+
 TEST_F(PagePainterTest, LongTextsRunIntoBlankNeighboursOnly)
 {
     sheet.setText({1, 1}, longText);

@@ -97,6 +97,21 @@ TEST_F(GrownRows, ManyTogetherAreAsHighAsEachAlone)
     EXPECT_EQ(grownRows(sheet, 1, 300, text), alone);
 }
 
+/// An indent of a step leaves 730 of the 1,000 twips, four characters.
+TEST_F(GrownRows, AnIndentTakesFromTheRoom)
+{
+    for (int row = 1; row <= 4; ++row) {
+        sheet.setText({1, row}, row % 2 ? "货币资金" : "交易性金融");
+        sheet.restyle({1, row, 1, row}, [&](CellStyle& style) {
+            style.wrap = true;
+            style.font.family = Text("宋体");
+            style.horizontal = row > 2 ? HorizontalAlignment::right : HorizontalAlignment::left;
+            style.carried.indent = 1;
+        });
+    }
+    EXPECT_EQ(grownRows(sheet, 1, 4, text), (std::map<int, int>{{2, 482}, {4, 482}}));
+}
+
 TEST_F(GrownRows, OwnHeightsHiddenRowsAndMergedOnesStay)
 {
     const char* const longText = "一二三四五六七八九十甲乙丙丁"; // 14: three lines of a column

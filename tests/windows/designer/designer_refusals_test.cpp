@@ -207,12 +207,12 @@ TEST_F(DesignerRefusals, InUseNothingIsChangedWithoutAWord)
     moveTo(2, 1);
     const std::vector<std::byte> before = spreadsheet::saveContent(grid().cells().workbook());
     const char* const inStatusBar[]{
-        "MenuBold",     "MenuItalic",       "MenuUnderline",  "MenuStrikeOut",     "MenuWrap",
-        "MenuLeft",     "MenuVTop",         "MenuForeColor",  "MenuBackColor",     "MenuLock",
-        "MenuCellSpan", "MenuUnCellSpan",   "MenuDataType",   "MenuCellBorder",    "MenuBorders",
-        "MenuClear",    "MenuClearFormats", "MenuInsertRow",  "MenuInsertCol",     "MenuDropDownEntries",
-        "MenuPaste",    "MenuDeleteRows",   "MenuRowHeight",  "MenuFormatPainter", "MenuButtonCaption",
-        "MenuFillDown", "MenuHideRows",     "MenuAutofitRows"};
+        "MenuBold",     "MenuItalic",       "MenuUnderline",   "MenuStrikeOut",     "MenuWrap",
+        "MenuLeft",     "MenuVTop",         "MenuForeColor",   "MenuBackColor",     "MenuLock",
+        "MenuCellSpan", "MenuUnCellSpan",   "MenuDataType",    "MenuCellBorder",    "MenuBorders",
+        "MenuClear",    "MenuClearFormats", "MenuInsertRow",   "MenuInsertCol",     "MenuDropDownEntries",
+        "MenuPaste",    "MenuDeleteRows",   "MenuRowHeight",   "MenuFormatPainter", "MenuButtonCaption",
+        "MenuFillDown", "MenuHideRows",     "MenuAutofitRows", "MenuIndentMore",    "MenuIndentLess"};
     QApplication::clipboard()->setText("1");
     for (const char* const command : inStatusBar) {
         control<QStatusBar>(*window, "statusBar").clearMessage();

@@ -103,6 +103,7 @@ TEST_F(Formatting, SeveralRangesAreExactlyTheSelectedCells)
         {"bold", toggleBold, [](const CellStyle& s) { return s.font.bold; }},
         {"lock", toggleLock, [](const CellStyle& s) { return s.locked; }},
         {"wrap", toggleWrap, [](const CellStyle& s) { return s.wrap; }},
+        {"indent", indentMore, [](const CellStyle& s) { return s.carried.indent == 1; }},
         {"centre", [](Grid g) { alignCells(g, spreadsheet::HorizontalAlignment::centre); },
          [](const CellStyle& s) { return s.horizontal == spreadsheet::HorizontalAlignment::centre; }},
         {"size", [](Grid g) { setFontSize(g, 16); }, [](const CellStyle& s) { return s.font.points == 16; }},
@@ -155,6 +156,36 @@ TEST_F(Formatting, SeveralRangesAreExactlyTheSelectedCells)
     unmergeCells(grid);
     grid.commands().clear();
     EXPECT_EQ(grid.cells().text(2, 2) + grid.cells().text(4, 2) + grid.cells().text(5, 5), "外");
+}
+
+TEST_F(Formatting, IndentsGoByStepsOverEachCellOfABlock)
+{
+    using spreadsheet::HorizontalAlignment;
+    using spreadsheet::Spread;
+    const auto steps = [this](int row) { return static_cast<int>(style(1, row).carried.indent); };
+    grid.cells().changeStyle({1, 2, 1, 2}, [](CellStyle& s) { s.horizontal = HorizontalAlignment::right; });
+    grid.cells().changeStyle({1, 3, 1, 3}, [](CellStyle& s) {
+        s.horizontal = HorizontalAlignment::centre;
+        s.carried.indent = 7; // of no meaning there
+    });
+    grid.cells().changeStyle({1, 4, 1, 4}, [](CellStyle& s) {
+        s.horizontal = HorizontalAlignment::centre;
+        s.carried = {Spread::distributed, Spread::none, 3, 0};
+    });
+    grid.cells().changeStyle({1, 5, 1, 5}, [](CellStyle& s) { s.carried.indent = 15; });
+    grid.cursor().select({1, 1, 1, 5});
+    indentMore(grid);
+    EXPECT_EQ(style(1, 1).horizontal, HorizontalAlignment::left);
+    EXPECT_EQ(style(1, 2).horizontal, HorizontalAlignment::right);
+    EXPECT_EQ(style(1, 3).horizontal, HorizontalAlignment::left);
+    EXPECT_EQ(style(1, 4).carried.across, Spread::distributed);
+    EXPECT_EQ((std::array{steps(1), steps(2), steps(3), steps(4), steps(5)}), (std::array{1, 1, 1, 4, 15}));
+    indentLess(grid);
+    indentLess(grid);
+    EXPECT_EQ((std::array{steps(1), steps(2), steps(3), steps(4), steps(5)}), (std::array{0, 0, 0, 2, 13}));
+    for (int i = 0; i < 3; ++i)
+        grid.commands().undo();
+    EXPECT_EQ((std::array{steps(1), steps(2), steps(3), steps(4), steps(5)}), (std::array{0, 0, 7, 3, 15}));
 }
 
 TEST_F(Formatting, SetsAndColours)
