@@ -383,6 +383,23 @@ void CallOpening::byPeriods(CallParts& parts, const Call& call)
     std::erase_if(parts.parts, [](const CallPart& part) {
         return (!part.amount || (part.less && *part.amount == 0)) && part.failure.empty();
     });
+    if (isToDate && !parts.whole && parts.failure.empty() && !hasLastPeriod(call)) {
+        parts = {};
+        parts.parts.push_back(
+            {.item = "账上没有 " + call.year() + " 年 " + std::to_string(call.last()) + " 期"});
+    }
+}
+
+/// Whether any account has a row in the last period of a call.
+bool CallOpening::hasLastPeriod(const Call& call)
+{
+    const std::string table = call.kind->column.front() == 'e'   ? "tblProfitAndLoss"
+                              : call.kind->column.front() == 'd' ? "tblQtyBalance"
+                                                                 : "tblAccountBal";
+    return !m_connection
+                .query("select top 1 fPeriod from " + table + " where fYear=" + call.year() +
+                       " and fPeriod=" + std::to_string(call.last()))
+                .isEmpty();
 }
 
 /// So that a balance can be followed back to the period that it arose in.
@@ -439,11 +456,14 @@ void CallOpening::byVouchers(CallParts& parts, const Call& call, std::int64_t pa
     parts.sum +=
         call.voucherAmount(read.total) - call.voucherAmount(read.carried) * (call.leavesCarried() ? 1 : 0);
     parts.difference = std::round((parts.whole.value_or(0) - parts.sum) * 10'000) / 10'000;
+    const bool isOneSided = !call.isClosing() && call.kind->column != "e.fAmount"; // debits or credits alone
     double balance = opening;
     for (const VoucherLine& line : read.lines) {
         const bool counts = !(line.carriesOver && call.leavesCarried());
         const double amount = counts ? call.voucherAmount(line.amounts) : 0;
         balance += amount;
+        if (isOneSided && call.voucherAmount(line.amounts) == 0)
+            continue; // of the other side
         parts.parts.push_back(
             {.item = line.date + " " + line.number + "/" + std::to_string(line.line) + " " + line.text,
              .basis = (counts ? "" : "结转损益，不计入；") + line.account +

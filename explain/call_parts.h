@@ -108,6 +108,7 @@ private:
     void byPrevious(CallParts& parts, const Call& call);
     void byVouchers(CallParts& parts, const Call& call, std::int64_t page);
 
+    bool hasLastPeriod(const Call& call);
     void fetch(CallParts& parts, const Call& call);
     std::vector<LedgerAnswer> answers(std::span<const LedgerArguments> calls);
     std::string twofoldReason(const Call& call, const std::string& className);

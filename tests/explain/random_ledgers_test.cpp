@@ -1,6 +1,7 @@
 // Ledgers of random content: sound ones raise no alarm, and a cent more in any amount of theirs is found.
 #include "explain/ledger_proof.h"
 #include "tests/explain/ExplainedDemo.h"
+#include "tests/tdsserver/RealServer.h"
 
 #include <array>
 #include <gmock/gmock.h>
@@ -124,6 +125,23 @@ TEST(ProveRandomLedgers, SoundOnesRaiseNoAlarmAndACentAnywhereDoes)
         }
     }
     std::cout << ledgers << " ledgers, " << found << " of " << ledgers * centsInEach << " cents found\n";
+}
+
+TEST(ProveRandomLedgers, TheSameOnARealServer)
+{
+    if (!tds::RealServer::isThere())
+        GTEST_SKIP() << "SELFREPORT_TEST_SERVER names no server";
+    tds::RealServer server;
+    const auto connection = openConnection(server.connectionString());
+    writeDemoLedger(*connection,
+                    {.seed = 27, .customers = 6, .suppliers = 5, .goods = 6, .salesPerPeriod = 15});
+    EXPECT_THAT(broken(*connection), ::testing::IsEmpty());
+    std::mt19937 random(27);
+    const std::size_t cents = test::manyBy("SELFREPORT_CENTS", 8);
+    for (std::size_t cent = 0; cent < cents; ++cent) {
+        const PlantedCent planted(*connection, random);
+        EXPECT_FALSE(broken(*connection).empty()) << planted.what();
+    }
 }
 
 } // namespace
