@@ -165,7 +165,8 @@ void writeDrillSheet(spreadsheet::Workbook& workbook, const DrillHead& head, con
     SheetRows rows(workbook.sheet(1));
     named(rows, "报表", head.report);
     named(rows, "单元格", head.cell);
-    named(rows, "公式", head.formula);
+    if (!head.formula.empty())
+        named(rows, "公式", "=" + head.formula);
     named(rows, "显示", head.shown);
     if (!head.remark.empty())
         named(rows, "说明", head.remark);

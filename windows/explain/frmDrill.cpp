@@ -121,6 +121,7 @@ void frmDrill::buildLayout()
         label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     }
     m_cboWay->setObjectName("cboWay");
+    m_cboWay->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     auto* caption = new QLabel(QStringLiteral("展开方式(&B)："));
     caption->setBuddy(m_cboWay);
     auto* ways = new QHBoxLayout;
