@@ -1,6 +1,7 @@
 """What cells and sheets have: how another library writes it into a file, and how others read it again."""
 
 import datetime
+import math
 
 from openpyxl.comments import Comment
 from openpyxl.styles import Alignment, Border, Color, Font, PatternFill, Protection, Side
@@ -73,7 +74,7 @@ BORDER_VALUES = [(style, COLOURS[number % 3]) for number, style in enumerate(LIN
 CELLS = [
     ("values", [1.5, -1e-300, "文字", True, False, "#DIV/0!", "#N/A", " 空 ", "<&>\"'"],
      lambda cell, value: setattr(cell, "value", value), lambda cell: cell.value, XlsCell.value),
-    ("bold", [True], font(bold=None), lambda cell: cell.font.bold, lambda cell: bool(cell.font.bold)),
+    ("bold", [True], font(bold=None), lambda cell: cell.font.bold, lambda cell: cell.font.weight >= 700),
     ("italic", [True], font(italic=None), lambda cell: cell.font.italic, lambda cell: bool(cell.font.italic)),
     ("underline", ["single"], font(underline=None), lambda cell: cell.font.underline,
      lambda cell: "single" if cell.font.underline_type == 1 else None),
@@ -102,6 +103,11 @@ CELLS = [
     ("unlocked", [False], lambda cell, value: setattr(cell, "protection", Protection(locked=value)),
      lambda cell: cell.protection.locked, lambda cell: bool(cell.look.protection.cell_locked)),
 ]
+
+
+def pixels(digits, points):
+    """Of a width, which files count in digits of their usual font."""
+    return round(digits * {11: 7, 10: 7, 9: 6}.get(points, math.nan))
 
 
 def set_margins(sheet, _):
@@ -153,8 +159,9 @@ def fit(sheet, value):
 
 # name, value, written into a sheet, read by openpyxl, read by xlrd from book and sheet
 SHEETS = [
-    ("column width", 20.0, lambda sheet, value: setattr(sheet.column_dimensions["A"], "width", value),
-     lambda sheet: round(sheet.column_dimensions["A"].width), lambda book, sheet: round(sheet.colinfo_map[0].width / 256)),
+    ("column width in pixels", 140, lambda sheet, value: setattr(sheet.column_dimensions["A"], "width", value / 7),
+     lambda sheet: pixels(sheet.column_dimensions["A"].width, sheet.parent._fonts[0].sz),
+     lambda book, sheet: pixels(sheet.colinfo_map[0].width / 256, book.font_list[0].height / 20)),
     ("row height", 40.0, lambda sheet, value: setattr(sheet.row_dimensions[60], "height", value),
      lambda sheet: sheet.row_dimensions[60].height, lambda book, sheet: sheet.rowinfo_map[59].height / 20),
     ("hidden row", True, lambda sheet, value: setattr(sheet.row_dimensions[61], "hidden", value),
@@ -182,9 +189,9 @@ SHEETS = [
     ("print area", "$A$1:$F$90", lambda sheet, value: setattr(sheet, "print_area", "A1:F90"),
      lambda sheet: "".join(sheet.print_area).split("!")[-1], None),
     ("repeated rows", "1:2", lambda sheet, value: setattr(sheet, "print_title_rows", value),
-     lambda sheet: sheet.print_title_rows, None),
+     lambda sheet: sheet.print_title_rows.replace("$", ""), None),
     ("repeated columns", "A:B", lambda sheet, value: setattr(sheet, "print_title_cols", value),
-     lambda sheet: sheet.print_title_cols, None),
+     lambda sheet: sheet.print_title_cols.replace("$", ""), None),
     ("orientation", "landscape", *page("orientation"), None),
     ("paper", 8, *page("paperSize"), None),
     ("scale", 80, *page("scale"), None),
