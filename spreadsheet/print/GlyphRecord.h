@@ -4,6 +4,7 @@
 #include <QRawFont>
 #include <QString>
 
+#include <cstdint>
 #include <deque>
 #include <unordered_map>
 #include <vector>
@@ -16,12 +17,20 @@ namespace spreadsheet {
 class GlyphRecord {
 public:
     struct Face {
-        QByteArray name;             ///< tells faces apart, also those that share one file
-        QRawFont font;               ///< of some size
-        std::vector<quint32> glyphs; ///< drawn, in the order of first use
-        std::vector<bool> drawn;     ///< by glyph
+        QByteArray name;                  ///< tells faces apart, also those that share one file
+        QRawFont font;                    ///< of some size
+        std::vector<quint32> glyphs;      ///< drawn, in the order of first use
+        std::vector<std::uint16_t> codes; ///< by glyph: its place in that order, from 1; 0: not drawn
         std::unordered_map<quint32, QString> texts;
-        bool used = false; ///< if only by the sign for a missing character
+        int number = 0; ///< in the order of first use, from 1, if only by the sign for a missing character
+        std::vector<float> widths = {}; ///< of glyphs in thousandths of the font size, as far as asked for
+    };
+
+    /// What a run was drawn with.
+    struct Drawn {
+        Face* face = nullptr;
+        bool isSlanted = false;   ///< the face has no italics: they are made up
+        bool isThickened = false; ///< … or no bold letters
     };
 
     /// The glyph stands for this text, unless it is known to stand for another.
@@ -29,17 +38,19 @@ public:
     /// The glyphs stand for the characters of a text, one each.
     void name(const QRawFont& font, const QList<quint32>& glyphs, const QString& text);
     /// The run is drawn next.
-    void draw(const QGlyphRun& run);
+    Drawn draw(const QGlyphRun& run);
+    /// In thousandths of the font size.
+    double width(Face& face, quint32 glyph);
 
     /// Faces in the order of their first use.
     const std::vector<const Face*>& faces() const { return m_used; }
 
 private:
-    Face& faceOf(const QRawFont& font);
+    const Drawn& faceOf(const QRawFont& font);
 
     std::deque<Face> m_faces;
     std::vector<const Face*> m_used;
-    std::vector<std::pair<QRawFont, Face*>> m_byFont; ///< a document uses few fonts
+    std::vector<std::pair<QRawFont, Drawn>> m_byFont; ///< a document uses few fonts
 };
 
 } // namespace spreadsheet

@@ -48,6 +48,12 @@ std::optional<QList<uint>> plainCharacters(const QString& text, const QList<QGly
     return characters;
 }
 
+/// Seldom said twice, and laid out as quickly as found.
+bool isFigure(const QString& text)
+{
+    return std::ranges::all_of(text, [](QChar c) { return c.unicode() >= '+' && c.unicode() <= '9'; });
+}
+
 QString textOf(uint character)
 {
     const char32_t c = character;
@@ -64,7 +70,7 @@ QString withLineSeparators(QString text)
 std::vector<TextLine> PageText::lines(const QString& text, const QFont& font, std::optional<double> wrapWidth)
 {
     constexpr std::size_t mostLines = 20'000;
-    if (!m_keepsLines)
+    if (!m_keepsLines || isFigure(text))
         return laidOut(text, font, wrapWidth);
     const Key key{&font, wrapWidth.value_or(-1), text};
     if (const auto known = m_lines.find(key); known != m_lines.end())
@@ -162,8 +168,12 @@ void PageText::nameGlyphs(const QTextLayout& layout, const QTextLine& line, cons
 
 void PageText::draw(QPainter& painter, QPointF baseline, const TextLine& line, QColor colour)
 {
-    painter.setPen(colour);
     for (const QGlyphRun& run : line.runs) {
+        if (m_ink) {
+            m_ink->drawGlyphs(painter, baseline, run, colour);
+            continue;
+        }
+        painter.setPen(colour);
         if (m_record)
             m_record->draw(run);
         painter.drawGlyphRun(baseline, run);

@@ -20,6 +20,15 @@ namespace spreadsheet {
 
 class GlyphRecord;
 
+/// Takes glyphs down in a painter's place.
+class GlyphInk {
+public:
+    virtual ~GlyphInk() = default;
+    /// @param baseline  left end of the run, in the painter's units
+    virtual void drawGlyphs(QPainter& painter, QPointF baseline, const QGlyphRun& run,
+                            const QColor& colour) = 0;
+};
+
 /// A text laid out in one line, ready to be drawn.
 struct TextLine {
     QList<QGlyphRun> runs; ///< positions count from the line's left end on its baseline
@@ -39,6 +48,8 @@ public:
     }
 
     double twip() const { return m_twip; }
+    /// Glyphs go to an ink, which notes them, instead of the painter.
+    void useInk(GlyphInk& ink) { m_ink = &ink; }
     /// Keeps laid out lines for the next time they are drawn.
     void keepLines() { m_keepsLines = true; }
 
@@ -72,6 +83,7 @@ private:
 
     PrintFonts m_fonts;
     GlyphRecord* m_record;
+    GlyphInk* m_ink = nullptr;
     double m_twip;
     bool m_keepsLines = false;
     std::unordered_map<Key, std::vector<TextLine>, KeyHash> m_lines;

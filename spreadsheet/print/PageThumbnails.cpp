@@ -129,10 +129,22 @@ void PageThumbnails::timerEvent(QTimerEvent* event)
         m_pictures.clear();
     for (int page = firstInSight(); page <= lastInSight(); ++page)
         if (!m_pictures.contains(page)) {
-            m_pictures[page] = m_preview.pages().picture(page, pageSize(), devicePixelRatioF());
+            m_pictures[page] = drawn(page);
             viewport()->update(); // which asks for the next one
             return;
         }
+}
+
+/// Made smaller from a larger picture: lines, which take a pixel at least, would be all that is seen.
+QPixmap PageThumbnails::drawn(int page) const
+{
+    constexpr int larger = 3;
+    const double ratio = devicePixelRatioF();
+    QPixmap picture = m_preview.pages()
+                          .picture(page, pageSize() * larger, ratio)
+                          .scaled(pageSize() * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    picture.setDevicePixelRatio(ratio);
+    return picture;
 }
 
 void PageThumbnails::resizeEvent(QResizeEvent* event)

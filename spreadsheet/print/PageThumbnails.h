@@ -33,6 +33,7 @@ private:
     QRect pageRect(int page) const;
     int firstInSight() const;
     int lastInSight() const;
+    QPixmap drawn(int page) const;
     void arrange();
     void renew();
     void showCurrent();

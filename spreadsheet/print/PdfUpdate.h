@@ -32,6 +32,9 @@ public:
     /// The file with its update; the file as it was if nothing is replaced.
     QByteArray result() const;
 
+    /// The body of a stream that holds data.
+    /// @param effort  1 to 9, of packing it
+    static QByteArray packed(const QByteArray& data, int effort = 6);
     /// The object number of `/Key n 0 R` or `/Key [n 0 R]` in a dictionary; 0 if the key is not there.
     static int reference(QByteArrayView dictionary, std::string_view key);
 

@@ -1,24 +1,32 @@
 #include "spreadsheet/print/pdf.h"
 
-#include "spreadsheet/print/GlyphRecord.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/print/pdf_description.h"
+#include "spreadsheet/print/pdf_pages.h"
 #include "spreadsheet/print/text_layer.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <QBuffer>
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QPainter>
 #include <QPdfWriter>
 
+#include <functional>
 #include <vector>
 
 namespace spreadsheet {
 
+// The toolkit's writer makes the file and embeds the fonts, for which one page with each glyph in use
+// suffices. The pages themselves, written by us, take that page's place: the writer would take three times as
+// long. Where a font cannot be embedded the writer draws its letters as shapes, on pages that it makes as a
+// whole.
+
 namespace {
 
-QByteArray drawn(const std::vector<SheetPages>& sheets, const PrintDocument& document, GlyphRecord& record)
+QByteArray written(const PrintDocument& document, const std::vector<SheetPages>& sheets,
+                   const std::function<bool(QPdfWriter&)>& draw)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
@@ -27,11 +35,58 @@ QByteArray drawn(const std::vector<SheetPages>& sheets, const PrintDocument& doc
     if (document.isArchive)
         writer.setPdfVersion(QPagedPaintDevice::PdfVersion_A1b);
     writer.setTitle(titleOf(document, sheets));
-    PageText text(&record);
-    text.keepLines(); // reports say the same again and again
-    if (!drawPages(writer, sheets, document, text))
+    if (!draw(writer))
         throw PdfError("无法生成PDF页面。");
     return buffer.data();
+}
+
+/// Each glyph in the order of its first use, so that it has the same code as on the pages.
+bool drawGlyphs(QPdfWriter& writer, const GlyphRecord& record)
+{
+    QPainter painter;
+    if (!painter.begin(&writer))
+        return false;
+    for (const GlyphRecord::Face* const face : record.faces()) {
+        QGlyphRun run;
+        run.setRawFont(face->font);
+        run.setGlyphIndexes(face->glyphs.empty() ? QList<quint32>{0}
+                                                 : QList<quint32>(face->glyphs.begin(), face->glyphs.end()));
+        run.setPositions(QList<QPointF>(run.glyphIndexes().size()));
+        painter.drawGlyphRun({}, run);
+    }
+    return painter.end();
+}
+
+/// Nothing if a font cannot be embedded.
+std::optional<QByteArray> quickly(const PrintDocument& document, const std::vector<SheetPages>& sheets)
+{
+    GlyphRecord record;
+    const std::vector<PdfPage> pages = contentsOf(sheets, document, record);
+    auto update = PdfUpdate::open(
+        written(document, sheets, [&](QPdfWriter& writer) { return drawGlyphs(writer, record); }));
+    if (!update)
+        return std::nullopt;
+    const std::vector<int> fonts = correctTextLayer(*update, record);
+    if (fonts.size() != record.faces().size() ||
+        !std::ranges::all_of(fonts, [&](int font) { return isEmbedded(*update, font); }))
+        return std::nullopt;
+    describePdf(*update, document, sheets, replacePages(*update, pages, fonts));
+    return update->result();
+}
+
+QByteArray byTheWriter(const PrintDocument& document, const std::vector<SheetPages>& sheets)
+{
+    GlyphRecord record;
+    PageText text(&record);
+    text.keepLines();
+    const QByteArray pdf = written(
+        document, sheets, [&](QPdfWriter& writer) { return drawPages(writer, sheets, document, text); });
+    auto update = PdfUpdate::open(pdf);
+    if (!update)
+        return pdf;
+    correctTextLayer(*update, record);
+    describePdf(*update, document, sheets, pageObjects(*update));
+    return update->result();
 }
 
 Pdf make(const Workbook& workbook, const PrintDocument& document)
@@ -41,14 +96,8 @@ Pdf make(const Workbook& workbook, const PrintDocument& document)
     const std::vector<SheetPages> sheets = layOut(workbook, document);
     if (sheets.empty())
         throw PdfError("打印范围内没有页。");
-    GlyphRecord record;
-    Pdf made{drawn(sheets, document, record), pageCount(sheets)};
-    if (auto update = PdfUpdate::open(made.bytes)) {
-        correctTextLayer(*update, record);
-        describePdf(*update, document, sheets);
-        made.bytes = update->result();
-    }
-    return made;
+    auto pdf = quickly(document, sheets);
+    return {pdf ? std::move(*pdf) : byTheWriter(document, sheets), pageCount(sheets)};
 }
 
 } // namespace

@@ -45,25 +45,9 @@ QByteArray pageLabels(const std::vector<SheetPages>& sheets)
     return "/PageLabels << /Nums [" + labels + " ] >>\n";
 }
 
-/// The page objects, all of which the writer lists in one node.
-std::vector<int> pageObjects(const PdfUpdate& update)
-{
-    const QByteArrayView node = update.object(PdfUpdate::reference(update.object(update.root()), "Pages"));
-    const qsizetype open = node.indexOf('[', std::max<qsizetype>(node.indexOf("/Kids"), 0));
-    const qsizetype close = node.indexOf(']', std::max<qsizetype>(open, 0));
-    std::vector<int> pages;
-    if (open < 0 || close < 0)
-        return pages;
-    for (const QByteArray& kid : node.sliced(open + 1, close - open - 1).toByteArray().split('R'))
-        if (const int number = kid.trimmed().split(' ').value(0).toInt(); number > 0)
-            pages.push_back(number);
-    return pages;
-}
-
 /// An outline (ISO 32000-1, 12.3.3) that leads to the first page of each sheet, as entries of the root.
-QByteArray outline(PdfUpdate& update, const std::vector<SheetPages>& sheets)
+QByteArray outline(PdfUpdate& update, const std::vector<SheetPages>& sheets, const std::vector<int>& pages)
 {
-    const std::vector<int> pages = pageObjects(update);
     if (sheets.size() < 2 || std::ssize(pages) != pageCount(sheets))
         return {};
     const int tree = update.add();
@@ -115,7 +99,8 @@ void describeInMetadata(PdfUpdate& update, const PrintDocument& document)
 
 } // namespace
 
-void describePdf(PdfUpdate& update, const PrintDocument& document, const std::vector<SheetPages>& sheets)
+void describePdf(PdfUpdate& update, const PrintDocument& document, const std::vector<SheetPages>& sheets,
+                 const std::vector<int>& pages)
 {
     QByteArray properties;
     if (!document.author.isEmpty())
@@ -126,7 +111,7 @@ void describePdf(PdfUpdate& update, const PrintDocument& document, const std::ve
     if (document.isArchive)
         describeInMetadata(update, document);
     extend(update, update.root(),
-           pageLabels(sheets) + outline(update, sheets) +
+           pageLabels(sheets) + outline(update, sheets, pages) +
                "/ViewerPreferences << /DisplayDocTitle true >>\n/Lang (zh-CN)");
 }
 

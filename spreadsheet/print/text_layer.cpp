@@ -84,13 +84,6 @@ QByteArray mapOf(const CodeTexts& texts)
     return map + "endcmap\nCMapName currentdict /CMap defineresource pop\nend\nend\n";
 }
 
-QByteArray compressedStream(const QByteArray& data)
-{
-    const QByteArray packed = qCompress(data).mid(4); // without the length that the toolkit puts before it
-    return "<< /Length " + QByteArray::number(static_cast<qlonglong>(packed.size())) +
-           " /Filter /FlateDecode >>\nstream\n" + packed + "\nendstream";
-}
-
 /// The font's glyphs are those of the record, as far as the old map tells.
 bool agrees(const std::map<quint32, quint32>& oldMap, const GlyphRecord::Face& face)
 {
@@ -117,10 +110,10 @@ CodeTexts textsOf(const GlyphRecord::Face& face, const std::map<quint32, quint32
 
 } // namespace
 
-int correctTextLayer(PdfUpdate& update, const GlyphRecord& record)
+std::vector<int> correctTextLayer(PdfUpdate& update, const GlyphRecord& record)
 {
     auto face = record.faces().begin();
-    int kept = 0;
+    std::vector<int> fonts;
     for (const auto& [number, offset] : update.objects()) {
         const QByteArrayView font = update.object(number);
         if (!font.trimmed().startsWith("<<") || font.indexOf("/Subtype /Type0") < 0)
@@ -129,14 +122,13 @@ int correctTextLayer(PdfUpdate& update, const GlyphRecord& record)
         const auto oldMap = readMap(update.object(map));
         const auto agreeing =
             std::find_if(face, record.faces().end(), [&](const auto* f) { return agrees(oldMap, *f); });
-        if (agreeing == record.faces().end()) {
-            ++kept;
+        if (agreeing == record.faces().end())
             continue;
-        }
-        update.replace(map, compressedStream(mapOf(textsOf(**agreeing, oldMap))));
+        update.replace(map, PdfUpdate::packed(mapOf(textsOf(**agreeing, oldMap))));
+        fonts.push_back(number);
         face = std::next(agreeing);
     }
-    return kept;
+    return fonts;
 }
 
 } // namespace spreadsheet

@@ -2,6 +2,8 @@
 #include "spreadsheet/print/GlyphRecord.h"
 #include "spreadsheet/print/PdfUpdate.h"
 
+#include <vector>
+
 namespace spreadsheet {
 
 /// Makes the text of a PDF what was drawn: a text search finds 科目 and not its look-alike.
@@ -12,8 +14,8 @@ namespace spreadsheet {
 /// for the blank, and nothing beyond the basic plane. Here each font's ToUnicode map is written anew
 /// from the record. A font whose old map contradicts the record keeps it.
 ///
-/// @return  how many fonts kept their old map; 0 is right for every document whose texts were all
-///          drawn with `record`
-int correctTextLayer(PdfUpdate& update, const GlyphRecord& record);
+/// @return  the font objects of the record's faces, in their order; fewer if a font kept its old map, which
+///          is wrong for every document whose texts were all drawn with `record`
+std::vector<int> correctTextLayer(PdfUpdate& update, const GlyphRecord& record);
 
 } // namespace spreadsheet

@@ -269,6 +269,9 @@ TEST_F(PageLayoutTest, ASheetHasItsOwnPaper)
     });
     EXPECT_EQ(pages(), "1-3 1-11\n1-3 12-12\n");
     EXPECT_EQ(PageLayout(sheet, smallPaper).paperWidth(), 5320);
+    print([](PrintSettings& settings) { settings.landscape = true; });
+    EXPECT_EQ(pages(), "1-3 1-7\n1-3 8-12\n") << "turned: 3,880 twips for rows";
+    EXPECT_EQ(PageLayout(sheet, smallPaper).paperWidth(), 7200);
 }
 
 TEST_F(PageLayoutTest, FieldsAreThoseOfThePage)
@@ -295,6 +298,11 @@ TEST_F(PageLayoutTest, CellsStandInTheMiddleOfThePage)
     EXPECT_EQ(last.cells, (PageBox{720 + 940, 720 + 2130, 1000, 1500})) << "a title and two rows";
     EXPECT_EQ(last.rowTracks.front().start, last.cells.top);
     EXPECT_EQ(last.columnTracks.front().start, last.cells.left);
+    fill(3, 13);
+    print([](PrintSettings& settings) { settings.titleLeft = settings.titleRight = 1; });
+    const PrintedPage beside = PageLayout(sheet, smallPaper).page(2);
+    EXPECT_EQ(beside.cells.left, 720 + 440) << "a repeated column and one more";
+    EXPECT_EQ(beside.columnTracks.front().start, beside.cells.left);
 }
 
 TEST_F(PageLayoutTest, AStampIsALineBelowTheFooterWhereItIsAskedFor)

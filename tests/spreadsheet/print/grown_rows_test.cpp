@@ -63,6 +63,8 @@ TEST_F(GrownRows, FontsAndWrappedLinesSayHowHigh)
     }
     EXPECT_TRUE(grownRows(sheet, row + 1, 500, text).empty());
     EXPECT_EQ(grownRows(sheet, 5, 5, text), (std::map<int, int>{{5, 698}})) << "alone as with others";
+    sheet.changeSettings([](SheetSettings& settings) { settings.print.textDistance = 100; });
+    EXPECT_EQ(grownRows(sheet, 2, 2, text), (std::map<int, int>{{2, 482}})) << "880 twips hold four";
 }
 
 /// A pass over many rows passes over what it has found plain before; each row by itself has found nothing

@@ -4,9 +4,12 @@
 #include "tests/CommaLocale.h"
 
 #include <gtest/gtest.h>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QFontDatabase>
+#include <QImage>
+#include <QPdfWriter>
 #include <QPrinter>
 #include <QProcess>
 #include <QRawFont>
@@ -340,6 +343,115 @@ TEST_F(PdfTest, APrinterDrawsTheSamePages)
         return run("pdfinfo", {"-l", "9", path(name)}).second.split('\n').filter("size:").filter("Page ");
     };
     EXPECT_EQ(sizes("printer.pdf"), sizes("report.pdf"));
+}
+
+/// Pages of a PDF as grey pictures of 60 dots per inch.
+std::vector<QImage> picturesOf(const QTemporaryDir& folder, const QString& pdf)
+{
+    run("pdftoppm", {"-r", "60", "-gray", folder.filePath(pdf), folder.filePath("page-" + pdf)});
+    std::vector<QImage> pictures;
+    for (const QString& name : QDir(folder.path()).entryList({"page-" + pdf + "*"}, QDir::Files, QDir::Name))
+        pictures.emplace_back(folder.filePath(name));
+    return pictures;
+}
+
+/// A second way: the toolkit's own writer draws every page by itself.
+TEST_F(PdfTest, LooksAsTheToolkitsWriterDrawsIt)
+{
+    const LineStyle lines[] = {LineStyle::solid, LineStyle::thick,   LineStyle::doubled,
+                               LineStyle::dash,  LineStyle::fineDot, LineStyle::dashDot};
+    const char* const families[] = {"宋体", "黑体", "楷体", "DejaVu Sans", "WenQuanYi Zen Hei"};
+    for (int row = 1; row <= 40; ++row) {
+        sheet.setText({1, row}, "应收账款 Total 科目日月，长得放不进这一格的文字");
+        sheet.setNumber({2, row}, row * 1234.5);
+        sheet.setNumber({3, row}, 123456789.0 * row);
+        sheet.setText({4, row}, row % 3 == 0 ? "" : "短");
+        const CellRange cells{1, row, 5, row};
+        sheet.restyle(cells, [&](CellStyle& style) {
+            style.font.family = Text(families[row % 5]);
+            style.font.bold = (row & 1) && row % 5 != 4; // made-up bold letters are drawn otherwise
+            style.font.italic = row & 2;
+            style.font.underline = row & 4;
+            style.font.strikeThrough = row % 7 == 0;
+            style.foreground = row % 4 == 0 ? 0x0000C0 : 0;
+            style.wrap = row % 6 == 0;
+            style.bottom = style.right = {lines[row % 6], row % 2 ? 0U : 0x00A000U};
+        });
+    }
+    sheet.restyle({2, 3, 4, 5}, [](CellStyle& style) { style.background = 0xC0F0F0; });
+    sheet.setValue({5, 7}, Value::boolean(true));
+    sheet.restyle({5, 7, 5, 7}, [](CellStyle& style) { style.type = CellType::checkBox; });
+    sheet.addSpan({1, 10, 3, 11});
+    sheet.changeSettings([](SheetSettings& settings) {
+        settings.print.header = R"(/fn"黑体"/fz"14"/fb1/fi0/fu1/fk0/c资产负债表/n)";
+        settings.print.rowHeadings = settings.print.columnHeadings = settings.print.shadows = true;
+        settings.print.gridLines = settings.print.border = true;
+        settings.columns.sizes[3] = 700;
+    });
+    for (const int scale : {100, 45}) {
+        sheet.changeSettings([&](SheetSettings& settings) { settings.print.scale = scale; });
+        const PrintDocument document;
+        write(document, path("ours.pdf"));
+        {
+            QPdfWriter writer(path("theirs.pdf"));
+            writer.setResolution(1440);
+            PageText text;
+            ASSERT_TRUE(drawPages(writer, layOut(workbook, document), document, text));
+        }
+        const auto ours = picturesOf(folder, "ours.pdf"), theirs = picturesOf(folder, "theirs.pdf");
+        ASSERT_EQ(ours.size(), theirs.size());
+        ASSERT_FALSE(ours.empty());
+        for (std::size_t page = 0; page < ours.size(); ++page) {
+            ASSERT_EQ(ours[page].size(), theirs[page].size());
+            int inked = 0, other = 0;
+            for (int y = 0; y < ours[page].height(); ++y)
+                for (int x = 0; x < ours[page].width(); ++x) {
+                    const int a = qGray(ours[page].pixel(x, y)), b = qGray(theirs[page].pixel(x, y));
+                    inked += b < 128;
+                    other += std::abs(a - b) > 80;
+                }
+            EXPECT_GT(inked, 1000) << scale;
+            EXPECT_LT(other, inked / 50) << scale << " %, page " << page + 1;
+        }
+        QDir(folder.path()).removeRecursively();
+        QDir().mkpath(folder.path());
+    }
+}
+
+/// … and takes less room, however long the texts are.
+TEST_F(PdfTest, ALongTextEndsWhereItsFontLetsIt)
+{
+    const QString text = QString("货币资金 Cash 12,345.67 ").repeated(6) + "末";
+    sheet.setText({1, 1}, text.toStdString());
+    sheet.changeSettings([](SheetSettings& settings) {
+        settings.columns.sizes[1] = 15'000;
+        settings.print.landscape = true;
+    });
+    write();
+    PageText measure;
+    const double width = measure.lines(text.left(text.size() - 1), measure.font({})).front().width;
+    const QString words = run("pdftotext", {"-bbox", path(), "-"}).second;
+    static const QRegularExpression last(R"re(<word xMin="([\d.]+)"[^>]*>末<)re");
+    const QRegularExpressionMatch found = last.match(words);
+    ASSERT_TRUE(found.hasMatch()) << words.toStdString();
+    EXPECT_NEAR(found.captured(1).toDouble(), (864 + 40 + width) / 20, 0.5) << "points";
+}
+
+TEST_F(PdfTest, TextsKeepTheirDistanceFromTheRules)
+{
+    sheet.setText({1, 1}, "甲");
+    sheet.setText({2, 1}, "乙");
+    sheet.restyle({2, 1, 2, 1}, [](CellStyle& style) { style.horizontal = HorizontalAlignment::right; });
+    for (const int distance : {0, 40, 300}) { // twips; columns of 1,080 from 864 on
+        sheet.changeSettings([&](SheetSettings& settings) { settings.print.textDistance = distance; });
+        write();
+        const QString words = run("pdftotext", {"-bbox", path(), "-"}).second;
+        static const QRegularExpression first(R"re(xMin="([\d.]+)"[^>]*>甲<)re"),
+            second(R"re(xMax="([\d.]+)"[^>]*>乙<)re");
+        EXPECT_NEAR(first.match(words).captured(1).toDouble(), (864 + distance) / 20.0, 0.1) << distance;
+        EXPECT_NEAR(second.match(words).captured(1).toDouble(), (864 + 2160 - distance) / 20.0, 0.1)
+            << distance;
+    }
 }
 
 TEST_F(PdfTest, TellsItsOperatorAndLeadsToItsSheets)
