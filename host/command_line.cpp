@@ -176,7 +176,8 @@ const CLI::App* addRunCommand(CLI::App& app, RunCommand& run)
     CLI::App* command = addCommand(app, "run", "计算一张报表,写成 PDF 或 CSV", runHelp);
     command->add_option("ID", run.reportId, "报表编号,见 list")->required()->type_name("");
     addDatabase(command, run.database);
-    command->add_option("--pdf", run.pdf, "写出 PDF (全部表页)")->type_name("FILE");
+    CLI::Option* const pdf = command->add_option("--pdf", run.pdf, "写出 PDF (全部表页)")->type_name("FILE");
+    command->add_flag("--archive", run.isArchive, "PDF 按 PDF/A-1b 存档格式写出")->needs(pdf);
     command->add_option("--csv", run.csv, "写出 CSV (全部表页,UTF-8)")->type_name("FILE");
     command->add_flag("--allow-failed", run.allowFailed, "有取数失败时也写出,并加注");
     command->add_flag("--strict", run.isStrict, "有取数失败或不存在的科目、项目、货币时什么也不写出");

@@ -19,6 +19,7 @@ struct RunCommand {
     std::string pdf, csv; ///< "" for one that is not wanted
     bool allowFailed = false;
     bool isStrict = false;
+    bool isArchive = false;
 };
 struct CheckCommand {
     std::string database;

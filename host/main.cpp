@@ -16,8 +16,8 @@ struct Carry {
     int operator()(const ListCommand& list) const { return toolList(list.database, streams); }
     int operator()(const RunCommand& run) const
     {
-        return toolRun(run.database, run.reportId, {run.pdf, run.csv, run.allowFailed, run.isStrict},
-                       streams);
+        return toolRun(run.database, run.reportId,
+                       {run.pdf, run.csv, run.allowFailed, run.isStrict, run.isArchive}, streams);
     }
     int operator()(const CheckCommand& check) const { return toolCheck(check.database, streams); }
     int operator()(const ProveCommand& prove) const

@@ -75,12 +75,13 @@ std::string csvOf(const ReportRun& run)
     return spreadsheet::workbookCsv(*run.workbook) + (failed.empty() ? failed : "\r\n" + failed + "\r\n");
 }
 
-void writeReportPdf(const ReportRun& run, PendingFile& file)
+void writeReportPdf(const ReportRun& run, bool isArchive, PendingFile& file)
 {
     startToolkit(Display::none);
     spreadsheet::PrintDocument document;
     document.title = QString::fromStdString(run.name);
     document.author = QString::fromStdString(operatorName({}));
+    document.isArchive = isArchive;
     document.page.report = run.name;
     document.page.notice = failedFetchesText(run.diagnostics);
     document.page.stamp = stampText(stampNow({}, {}, static_cast<int>(run.diagnostics.size())));
@@ -152,7 +153,7 @@ void writeReport(const std::string& database, std::int32_t reportId, const Repor
     tellDiagnostics(run, streams.notes);
     requireFigures(run, files, streams.notes);
     if (pdf)
-        writeReportPdf(run, *pdf);
+        writeReportPdf(run, files.isArchive, *pdf);
     if (csv)
         csv->write(csvOf(run));
     pendingFiles.putInPlace();

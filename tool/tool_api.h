@@ -23,6 +23,7 @@ struct ReportFiles {
     /// Whether nothing is written while a call names what there is not, or its fetch failed: the second
     /// whatever `allowFailed` says.
     bool isStrict = false;
+    bool isArchive = false; ///< the PDF keeps to PDF/A-1b
 };
 
 // The commands of the program. Each returns its exit code: 0, or 1 after a line on `notes` that says why it
