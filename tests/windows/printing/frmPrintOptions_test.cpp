@@ -48,6 +48,7 @@ TEST_F(PrintOptions, AreKeptWithTheActiveSheetAndPrinted)
 TEST_F(PrintOptions, EverySetUpIsTakenAndShownAgain)
 {
     demand(grid.book.addSheet("附表"));
+    grid.book.setUndoEnabled(true);
     grid.block = {2, 2, 3, 9};
     const auto open = [&](const char* button, const std::function<void(frmPrintOptions&)>& act) {
         frmPrintOptions window(grid);
@@ -99,6 +100,12 @@ TEST_F(PrintOptions, EverySetUpIsTakenAndShownAgain)
     EXPECT_EQ(grid.print().scale, 70);
     EXPECT_EQ(grid.print().paperWidth, 11339) << "200 mm";
     EXPECT_TRUE(ledger.boxes.said.empty());
+    grid.book.undo();
+    EXPECT_EQ(grid.print(), print) << "paper and the rest were one step";
+    EXPECT_EQ(grid.print(2).paperWidth, 10431) << "… on all sheets";
+    grid.book.undo();
+    for (const int sheet : {1, 2})
+        EXPECT_EQ(grid.print(sheet), spreadsheet::PrintSettings());
 }
 
 TEST_F(PrintOptions, WhatCannotBeIsRefused)
