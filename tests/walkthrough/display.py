@@ -29,7 +29,8 @@ class Display:
         reading, writing = os.pipe()
         server = subprocess.Popen(
             ["Xvfb", "-displayfd", str(writing), "-screen", "0", f"{width}x{height}x24", "-fbdir", str(self.folder),
-             "-nolisten", "tcp", "-dpi", "96"],
+             "-nolisten", "tcp", "-dpi", "96",
+             "-r"],  # a key that a slow machine releases late is no second one
             pass_fds=[writing], stdout=self.log, stderr=self.log)
         os.close(writing)
         with os.fdopen(reading) as answer:
@@ -78,8 +79,8 @@ class Display:
         return done.stdout.strip() if done.returncode == 0 else ""
 
     def windows(self):
-        """All that are open, menus too."""
-        return set(self.xdotool("search", "--onlyvisible", "--class", ".").split())
+        """All that are open, menus too. The list fails where one closes while it is made."""
+        return until("窗口列表", lambda: set(self.xdotool("search", "--onlyvisible", "--class", ".").split()))
 
     def close(self):
         for process in (self.manager, self.server):
