@@ -13,7 +13,7 @@ from waiting import until
 
 HOST, LIST, DESIGNER = "财务报表", "自定义报表", "报表系统"  # the titles of the windows; boxes have the first one's
 
-MENUS = [["alt+f"], ["alt+e"], ["alt+i"], ["alt+i", "alt+i"]]  # the last two have the same letter
+MENUS = [["alt+f"], ["alt+e"], ["alt+f", "Left", "Left"], ["alt+f", "Left"]]  # the last two have the same letter
 FRAME = (48, 140, 198)  # red, green, blue of the line around what is selected
 
 # What a desktop tells programs. A cursor that does not blink lets pictures stand still.
