@@ -13,8 +13,8 @@ namespace spreadsheet {
 
 namespace {
 
-constexpr int gap = 8; // pixels around each picture
-constexpr int frame = 2;
+constexpr int pictureGap = 8; // pixels around each picture
+constexpr int pictureFrame = 2;
 constexpr std::size_t mostPictures = 60; // kept
 
 } // namespace
@@ -40,35 +40,35 @@ QSize PageThumbnails::sizeHint() const
 
 QSize PageThumbnails::pageSize() const
 {
-    const int width = std::max(viewport()->width() - 2 * gap, 1);
+    const int width = std::max(viewport()->width() - 2 * pictureGap, 1);
     const PageLayout* const layout = m_preview.pages().layout();
     return {width, layout ? std::max(width * layout->paperHeight() / layout->paperWidth(), 1) : width};
 }
 
 int PageThumbnails::pitch() const
 {
-    return pageSize().height() + fontMetrics().height() + gap;
+    return pageSize().height() + fontMetrics().height() + pictureGap;
 }
 
 QRect PageThumbnails::pageRect(int page) const
 {
-    return {QPoint(gap, gap + (page - 1) * pitch() - verticalScrollBar()->value()), pageSize()};
+    return {QPoint(pictureGap, pictureGap + (page - 1) * pitch() - verticalScrollBar()->value()), pageSize()};
 }
 
 int PageThumbnails::firstInSight() const
 {
-    return std::clamp((verticalScrollBar()->value() - gap) / pitch() + 1, 1, m_preview.pageCount());
+    return std::clamp((verticalScrollBar()->value() - pictureGap) / pitch() + 1, 1, m_preview.pageCount());
 }
 
 int PageThumbnails::lastInSight() const
 {
-    return std::clamp((verticalScrollBar()->value() + viewport()->height() - gap) / pitch() + 1, 1,
+    return std::clamp((verticalScrollBar()->value() + viewport()->height() - pictureGap) / pitch() + 1, 1,
                       m_preview.pageCount());
 }
 
 void PageThumbnails::arrange()
 {
-    const int height = m_preview.pageCount() * pitch() + gap;
+    const int height = m_preview.pageCount() * pitch() + pictureGap;
     verticalScrollBar()->setRange(0, std::max(height - viewport()->height(), 0));
     verticalScrollBar()->setPageStep(viewport()->height());
     verticalScrollBar()->setSingleStep(pitch() / 4);
@@ -85,7 +85,7 @@ void PageThumbnails::renew()
 void PageThumbnails::showCurrent()
 {
     const QRect rect = pageRect(m_preview.currentPage());
-    const int above = rect.top() - gap;
+    const int above = rect.top() - pictureGap;
     const int below = rect.top() + pitch() - viewport()->height();
     QScrollBar& bar = *verticalScrollBar();
     if (above < 0)
@@ -103,7 +103,7 @@ void PageThumbnails::paintEvent(QPaintEvent* /*event*/)
     for (int page = firstInSight(); page <= lastInSight(); ++page) {
         const QRect rect = pageRect(page);
         const bool isCurrent = page == m_preview.currentPage();
-        painter.fillRect(rect.adjusted(-frame, -frame, frame, frame),
+        painter.fillRect(rect.adjusted(-pictureFrame, -pictureFrame, pictureFrame, pictureFrame),
                          isCurrent ? palette().highlight() : palette().mid());
         const auto picture = m_pictures.find(page);
         if (picture != m_pictures.end()) {
@@ -113,8 +113,9 @@ void PageThumbnails::paintEvent(QPaintEvent* /*event*/)
             m_drawing.start(0, this);
         }
         painter.setPen(palette().color(QPalette::WindowText));
-        painter.drawText(QRect(rect.left(), rect.bottom() + frame, rect.width(), fontMetrics().height()),
-                         Qt::AlignCenter, QString::number(page));
+        painter.drawText(
+            QRect(rect.left(), rect.bottom() + pictureFrame, rect.width(), fontMetrics().height()),
+            Qt::AlignCenter, QString::number(page));
     }
 }
 
@@ -179,7 +180,7 @@ void PageThumbnails::keyPressEvent(QKeyEvent* event)
 
 void PageThumbnails::mousePressEvent(QMouseEvent* event)
 {
-    const int y = event->position().toPoint().y() + verticalScrollBar()->value() - gap;
+    const int y = event->position().toPoint().y() + verticalScrollBar()->value() - pictureGap;
     if (event->button() == Qt::LeftButton && y >= 0 && y / pitch() < m_preview.pageCount())
         m_preview.setCurrentPage(y / pitch() + 1);
 }

@@ -16,11 +16,6 @@ QByteArray textString(const QString& text)
     return hex + '>';
 }
 
-QByteArray referenceTo(int object)
-{
-    return QByteArray::number(object) + " 0 R";
-}
-
 /// Puts entries at the end of a dictionary of the file.
 void extend(PdfUpdate& update, int object, const QByteArray& entries)
 {
@@ -57,18 +52,19 @@ QByteArray outline(PdfUpdate& update, const std::vector<SheetPages>& sheets, con
     std::size_t page = 0;
     for (std::size_t i = 0; i < sheets.size(); ++i) {
         QByteArray item = "<< /Title " + textString(QString::fromUtf8(sheets[i].sheet.name())) + " /Parent " +
-                          referenceTo(tree) + " /Dest [" + referenceTo(pages[page]) + " /Fit]";
+                          PdfUpdate::referenceTo(tree) + " /Dest [" + PdfUpdate::referenceTo(pages[page]) +
+                          " /Fit]";
         if (i > 0)
-            item += " /Prev " + referenceTo(items[i - 1]);
+            item += " /Prev " + PdfUpdate::referenceTo(items[i - 1]);
         if (i + 1 < items.size())
-            item += " /Next " + referenceTo(items[i + 1]);
+            item += " /Next " + PdfUpdate::referenceTo(items[i + 1]);
         update.replace(items[i], item + " >>");
         page += static_cast<std::size_t>(sheets[i].pages.count());
     }
-    update.replace(tree, "<< /Type /Outlines /First " + referenceTo(items.front()) + " /Last " +
-                             referenceTo(items.back()) + " /Count " +
+    update.replace(tree, "<< /Type /Outlines /First " + PdfUpdate::referenceTo(items.front()) + " /Last " +
+                             PdfUpdate::referenceTo(items.back()) + " /Count " +
                              QByteArray::number(static_cast<qlonglong>(items.size())) + " >>");
-    return "/Outlines " + referenceTo(tree) + "\n/PageMode /UseOutlines\n";
+    return "/Outlines " + PdfUpdate::referenceTo(tree) + "\n/PageMode /UseOutlines\n";
 }
 
 /// An archive file says the same of itself in its metadata (XMP), which are a stream in plain text.

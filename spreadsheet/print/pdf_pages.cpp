@@ -13,11 +13,6 @@ namespace {
 
 constexpr int quickPacking = 2; // the usual one takes three times as long for a fifth less
 
-QByteArray referenceTo(int object)
-{
-    return QByteArray::number(object) + " 0 R ";
-}
-
 } // namespace
 
 std::vector<PdfPage> contentsOf(const std::vector<SheetPages>& sheets, const PrintDocument& document,
@@ -64,7 +59,8 @@ std::vector<int> replacePages(PdfUpdate& update, const std::vector<PdfPage>& pag
     const int tree = PdfUpdate::reference(update.object(update.root()), "Pages");
     QByteArray resources = "<< /ProcSet [/PDF /Text] /Font <<";
     for (std::size_t i = 0; i < fonts.size(); ++i)
-        resources += " /F" + QByteArray::number(static_cast<qulonglong>(i + 1)) + ' ' + referenceTo(fonts[i]);
+        resources += " /F" + QByteArray::number(static_cast<qulonglong>(i + 1)) + ' ' +
+                     PdfUpdate::referenceTo(fonts[i]);
     const int shared = update.add();
     update.replace(shared, resources + ">> >>");
     std::vector<int> objects = pageObjects(update); // the only one becomes the first
@@ -75,11 +71,12 @@ std::vector<int> replacePages(PdfUpdate& update, const std::vector<PdfPage>& pag
             objects.push_back(update.add());
         const int content = update.add();
         update.replace(content, pages[i].content);
-        update.replace(objects[i], "<< /Type /Page /Parent " + referenceTo(tree) + "/MediaBox [0 0 " +
-                                       QByteArray::number(pages[i].points.width()) + ' ' +
-                                       QByteArray::number(pages[i].points.height()) + "] /Contents " +
-                                       referenceTo(content) + "/Resources " + referenceTo(shared) + ">>");
-        kids += referenceTo(objects[i]);
+        update.replace(objects[i], "<< /Type /Page /Parent " + PdfUpdate::referenceTo(tree) +
+                                       " /MediaBox [0 0 " + QByteArray::number(pages[i].points.width()) +
+                                       ' ' + QByteArray::number(pages[i].points.height()) + "] /Contents " +
+                                       PdfUpdate::referenceTo(content) + " /Resources " +
+                                       PdfUpdate::referenceTo(shared) + ">>");
+        kids += PdfUpdate::referenceTo(objects[i]) + ' ';
     }
     update.replace(tree, "<< /Type /Pages /Kids [ " + kids + "] /Count " +
                              QByteArray::number(static_cast<qulonglong>(pages.size())) + " >>");
