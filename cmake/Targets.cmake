@@ -136,6 +136,6 @@ function(our_tests name)
     add_test(NAME ${name}_on_real_server
       COMMAND ${CMAKE_SOURCE_DIR}/tests/on_real_server $<TARGET_FILE:${name}> ${our_ON_SERVER})
     set_tests_properties(${name}_on_real_server PROPERTIES
-      LABELS real_server SKIP_RETURN_CODE 77 TIMEOUT 300 ENVIRONMENT "${environment}")
+      LABELS real_server SKIP_RETURN_CODE 77 TIMEOUT 600 ENVIRONMENT "${environment}")
   endif()
 endfunction()
