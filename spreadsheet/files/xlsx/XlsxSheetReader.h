@@ -69,6 +69,7 @@ private:
     Value numberValue(std::string_view text, bool isDate) const;
     Value textResult(std::string_view text) const;
     void formula(const CellFormula& formula, CellAddress at, const Column::Place& place);
+    bool continuesAbove(std::string_view text, CellAddress at) const;
     std::uint32_t interned(std::string_view text, CellAddress at, bool isArray);
     void arrays();
     void spans(pugi::xml_node root);
@@ -95,6 +96,7 @@ private:
     SheetResolver m_sheetId;
     SheetSettings m_settings;
     std::unordered_map<int, std::uint32_t> m_shared; ///< formulas in the pool by the file's number
+    std::vector<std::uint32_t> m_above;              ///< by column: the formula that was read last
     std::vector<ArrayFormula> m_arrays;
     std::vector<OfferedList> m_lists;
     double m_digitPixels;

@@ -240,14 +240,30 @@ Value XlsxSheetReader::textResult(std::string_view text) const
     return m_workbook.texts().intern(text);
 }
 
+/// True if the column's formula before this one shows this text here: it is the same then and need not be
+/// read. An error's text may stand for a reference that leads out of the sheet, or for itself.
+bool XlsxSheetReader::continuesAbove(std::string_view text, CellAddress at) const
+{
+    const auto column = static_cast<std::size_t>(at.column);
+    const std::uint32_t above = column < m_above.size() ? m_above[column] : 0;
+    return above != 0 && text.find('#') == std::string_view::npos &&
+           m_workbook.formulas().text(above, at) == text;
+}
+
 std::uint32_t XlsxSheetReader::interned(std::string_view text, CellAddress at, bool isArray)
 {
     const std::string plain = m_book.names.plain(plainFormula(text), m_sheet.name(), at);
+    if (!isArray && continuesAbove(plain, at))
+        return m_above[static_cast<std::size_t>(at.column)];
     std::string problem = "引用其他文件";
     if (plain.find('[') == std::string::npos || plain.find('"') < plain.find('[')) {
         const auto parsed = m_workbook.formulas().intern(plain, at, m_sheetId, isArray);
-        if (const auto* number = std::get_if<std::uint32_t>(&parsed))
+        if (const auto* number = std::get_if<std::uint32_t>(&parsed)) {
+            m_above.resize(std::max(m_above.size(), static_cast<std::size_t>(at.column) + 1));
+            if (!isArray)
+                m_above[static_cast<std::size_t>(at.column)] = *number;
             return *number;
+        }
         problem = std::get<Refusal>(parsed).reason();
     }
     m_warnings.add("表“" + m_sheet.name() + "”的 " + cellName(at) + " 保留了上次算出的值: " + problem);

@@ -86,6 +86,8 @@ std::string portableFormula(std::string_view text, CellAddress base, const Sheet
 std::string plainFormula(std::string_view text)
 {
     static constexpr std::array<std::string_view, 3> prefixes{"_xlfn.", "_xlws.", "_xludf."};
+    if (text.find("_x") == std::string_view::npos)
+        return std::string(text);
     std::string result;
     bool inText = false;
     for (std::size_t at = 0; at < text.size();) {

@@ -108,6 +108,43 @@ TEST(XlsxNames, ATableIsReadAsItsRange)
     EXPECT_THAT(warnings.texts(), testing::ElementsAre(testing::HasSubstr("表格“表1”")));
 }
 
+/// Formulas are read once for those filled down a column; each is what stands in the file all the same.
+TEST(XlsxFormulas, BelowEachOtherAreWhatTheFileSays)
+{
+    const TestFolder folder;
+    const std::vector<std::string> formulas{"SUM(A1:E1)*2",
+                                            "SUM(A2:E2)*2",
+                                            "SUM(A3:E3)*3",
+                                            "SUM(A3:E3)*3",
+                                            "SUM(A5:E5)*3",
+                                            "LOG10(A1)",
+                                            "LOG10(A2)",
+                                            "LOG11(A2)",
+                                            "a9+$A$1&\"A9\"",
+                                            "a10+$A$1&\"A10\"",
+                                            "a11+$A$1&\"A10\"",
+                                            "A12+$A$1&\"A10\"",
+                                            "乙!A1+A:A",
+                                            "乙!A2+A:A",
+                                            "A3+A:A",
+                                            "1+1",
+                                            "1+1",
+                                            "2+2"};
+    Workbook workbook;
+    Warnings warnings;
+    readXlsx(archive(folder, workbookOfSheets({cellsOf(formulas), ""})), workbook, warnings);
+    for (int row = 1; row <= static_cast<int>(formulas.size()); ++row)
+        EXPECT_EQ(workbook.sheet(1).formula({6, row}), formulas[static_cast<std::size_t>(row - 1)]);
+    Workbook other;
+    readXlsx(
+        archive(folder, workbookOfSheets({"<sheetData><row r=\"2\"><c r=\"F2\"><f>F1</f></c></row>"
+                                          "<row r=\"1\"><c r=\"F1\"><f>#REF!</f></c></row></sheetData>"})),
+        other, warnings);
+    demand(other.sheet(1).fillDown({6, 1, 6, 3}));
+    EXPECT_EQ(other.sheet(1).formula({6, 3}), "#REF!")
+        << "an error, not a reference that led out of the sheet";
+}
+
 /// One name means another thing on each sheet; each formula goes on with its own.
 TEST(XlsxNames, NamesOfOneSheetStayApart)
 {
