@@ -91,14 +91,16 @@ void writeReportPdf(const ReportRun& run, bool isArchive, PendingFile& file)
 
 void tellDiagnostics(const ReportRun& run, std::ostream& notes)
 {
+    std::string text; // standard error writes each piece by itself
     for (const std::string& message : run.messages)
-        notes << "提示: " << message << '\n';
+        text += "提示: " + message + '\n';
     for (const CellDiagnostic& diagnostic : run.diagnostics) {
         const auto& [sheet, column, row] = diagnostic.place;
-        notes << (diagnostic.hasFailed() ? "取数失败: " : "取数诊断: ") << run.workbook->sheet(sheet).name()
-              << '!' << spreadsheet::cellName({column, row}) << ' ' << diagnostic.function << ": "
-              << diagnostic.reason << '\n';
+        text += (diagnostic.hasFailed() ? "取数失败: " : "取数诊断: ") + run.workbook->sheet(sheet).name() +
+                '!' + spreadsheet::cellName({column, row}) + ' ' + diagnostic.function + ": " +
+                diagnostic.reason + '\n';
     }
+    notes << text;
 }
 
 /// A strict run found what must not be handed out.

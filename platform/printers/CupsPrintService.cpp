@@ -1,10 +1,10 @@
 #include "platform/printers/CupsPrintService.h"
 
+#include "platform/printers/cups_library.h"
 #include "platform/services/CLocale.h"
 
 #include <algorithm>
 #include <array>
-#include <cups/cups.h>
 #include <memory>
 #include <span>
 
@@ -16,7 +16,7 @@ constexpr int connectTimeout = 5000; // milliseconds
 constexpr double answerTimeout = 3;  // seconds without a byte, of each of the library's tries
 
 struct CloseConnection {
-    void operator()(http_t* connection) const { httpClose(connection); }
+    void operator()(http_t* connection) const { cups().httpClose(connection); }
 };
 using Server = std::unique_ptr<http_t, CloseConnection>;
 
@@ -27,11 +27,11 @@ int giveUp(http_t*, void*)
 
 Server connectServer()
 {
-    Server server(httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1,
-                               connectTimeout, nullptr));
+    Server server(cups().httpConnect2(cups().cupsServer(), cups().ippPort(), nullptr, AF_UNSPEC,
+                                      cups().cupsEncryption(), 1, connectTimeout, nullptr));
     if (!server)
         throw PrintServiceError("打印服务没有回答。");
-    httpSetTimeout(server.get(), answerTimeout, giveUp, nullptr);
+    cups().httpSetTimeout(server.get(), answerTimeout, giveUp, nullptr);
     return server;
 }
 
@@ -54,7 +54,7 @@ std::string lastReason()
         Known{IPP_STATUS_ERROR_NOT_ACCEPTING_JOBS, "打印机现在不接受打印"},
         Known{IPP_STATUS_ERROR_BUSY, "打印服务正忙"},
     };
-    const ipp_status_t status = cupsLastError();
+    const ipp_status_t status = cups().cupsLastError();
     if (status <= IPP_STATUS_OK_EVENTS_COMPLETE)
         return "打印服务没有说明原因";
     const auto found = std::ranges::find(known, status, &Known::status);
@@ -71,13 +71,13 @@ std::string lastReason()
 class Destinations {
 public:
     explicit Destinations(http_t* server)
-        : m_count(cupsGetDests2(server, &m_first))
+        : m_count(cups().cupsGetDests2(server, &m_first))
     {
-        if (m_count == 0 && cupsLastError() > IPP_STATUS_OK_EVENTS_COMPLETE &&
-            cupsLastError() != IPP_STATUS_ERROR_NOT_FOUND)
+        if (m_count == 0 && cups().cupsLastError() > IPP_STATUS_OK_EVENTS_COMPLETE &&
+            cups().cupsLastError() != IPP_STATUS_ERROR_NOT_FOUND)
             failWith("打印服务没有给出打印机");
     }
-    ~Destinations() { cupsFreeDests(m_count, m_first); }
+    ~Destinations() { cups().cupsFreeDests(m_count, m_first); }
     Destinations(const Destinations&) = delete;
     Destinations& operator=(const Destinations&) = delete;
 
@@ -100,20 +100,20 @@ private:
 
 std::string optionOf(const cups_dest_t& printer, const char* name)
 {
-    const char* const value = cupsGetOption(name, printer.num_options, printer.options);
+    const char* const value = cups().cupsGetOption(name, printer.num_options, printer.options);
     return value ? value : std::string();
 }
 
 class Options {
 public:
     Options() = default;
-    ~Options() { cupsFreeOptions(m_count, m_first); }
+    ~Options() { cups().cupsFreeOptions(m_count, m_first); }
     Options(const Options&) = delete;
     Options& operator=(const Options&) = delete;
 
     void add(const char* name, const std::string& value)
     {
-        m_count = cupsAddOption(name, value.c_str(), m_count, &m_first);
+        m_count = cups().cupsAddOption(name, value.c_str(), m_count, &m_first);
     }
     int count() const { return m_count; }
     cups_option_t* first() const { return m_first; }
@@ -161,15 +161,15 @@ std::string CupsPrintService::usualPaper(const std::string& printer)
     const Server server = connectServer();
     const Destinations destinations(server.get());
     cups_dest_t* const destination = const_cast<cups_dest_t*>(&destinations.named(printer));
-    cups_dinfo_t* const details = cupsCopyDestInfo(server.get(), destination);
+    cups_dinfo_t* const details = cups().cupsCopyDestInfo(server.get(), destination);
     if (!details)
         return {};
     // The library's own search for a default medium prefers borderless ones to what the queue is set to.
-    ipp_attribute_t* const usual = cupsFindDestDefault(server.get(), destination, details, CUPS_MEDIA);
-    const char* const name = usual ? ippGetString(usual, 0, nullptr) : nullptr;
-    const pwg_media_t* const media = name ? pwgMediaForPWG(name) : nullptr;
+    ipp_attribute_t* const usual = cups().cupsFindDestDefault(server.get(), destination, details, CUPS_MEDIA);
+    const char* const name = usual ? cups().ippGetString(usual, 0, nullptr) : nullptr;
+    const pwg_media_t* const media = name ? cups().pwgMediaForPWG(name) : nullptr;
     std::string paper = media && media->ppd ? media->ppd : std::string();
-    cupsFreeDestInfo(details);
+    cups().cupsFreeDestInfo(details);
     return paper;
 }
 
@@ -182,17 +182,18 @@ void CupsPrintService::print(std::string_view pdf, const std::string& title, con
     Options options;
     setUp(options, setup);
     const int job =
-        cupsCreateJob(server.get(), name.c_str(), title.c_str(), options.count(), options.first());
+        cups().cupsCreateJob(server.get(), name.c_str(), title.c_str(), options.count(), options.first());
     if (job == 0)
         failWith("打印机“" + name + "”没有接受打印");
-    const bool sent = cupsStartDocument(server.get(), name.c_str(), job, title.c_str(), CUPS_FORMAT_PDF, 1) ==
-                          HTTP_STATUS_CONTINUE &&
-                      cupsWriteRequestData(server.get(), pdf.data(), pdf.size()) == HTTP_STATUS_CONTINUE &&
-                      cupsFinishDocument(server.get(), name.c_str()) <= IPP_STATUS_OK_EVENTS_COMPLETE;
+    const bool sent =
+        cups().cupsStartDocument(server.get(), name.c_str(), job, title.c_str(), CUPS_FORMAT_PDF, 1) ==
+            HTTP_STATUS_CONTINUE &&
+        cups().cupsWriteRequestData(server.get(), pdf.data(), pdf.size()) == HTTP_STATUS_CONTINUE &&
+        cups().cupsFinishDocument(server.get(), name.c_str()) <= IPP_STATUS_OK_EVENTS_COMPLETE;
     if (sent)
         return;
     const std::string reason = lastReason();
-    cupsCancelJob2(server.get(), name.c_str(), job, 0); // half a document prints nonsense
+    cups().cupsCancelJob2(server.get(), name.c_str(), job, 0); // half a document prints nonsense
     throw PrintServiceError("没有能把报表送到打印机“" + name + "”：" + reason + "。");
 }
 
