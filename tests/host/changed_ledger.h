@@ -1,4 +1,5 @@
 #pragma once
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <string>
@@ -19,4 +20,12 @@ inline void changeLedger(const std::string& file, const char* sql)
         << sqlite3_errmsg(connection);
     EXPECT_GT(sqlite3_changes(connection), 0) << sql;
     sqlite3_close(connection);
+}
+
+/// A copy of a ledger, changed. @return its file
+inline std::string changedLedger(const std::string& ledger, const std::string& copy, const std::string& sql)
+{
+    std::filesystem::copy_file(ledger, copy);
+    changeLedger(copy, sql.c_str());
+    return copy;
 }

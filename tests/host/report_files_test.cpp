@@ -94,9 +94,9 @@ TEST_F(ReportFiles, StayWhenAStrictRunFindsNamesWithoutMeaning)
     EXPECT_EQ(ProgramRun(both() + " --strict").exitCode, 0); // zeros and periods without rows are figures
     std::ofstream(folder.file("a.pdf")) << "old pdf";
     std::ofstream(folder.file("a.csv")) << "old csv";
-    const std::string changed = folder.file("changed.db");
-    std::filesystem::copy_file(demo(), changed);
-    changeLedger(changed, "update tblAccount set fNumber='x'||fNumber where fNumber like '1122%'");
+    const std::string changed =
+        changedLedger(demo(), folder.file("changed.db"),
+                      "update tblAccount set fNumber='x'||fNumber where fNumber like '1122%'");
     const std::string before = folder.content();
 
     const ProgramRun run(both(changed) + " --strict");

@@ -25,6 +25,15 @@ protected:
     inline static std::unique_ptr<TestFolder> s_folder;
 };
 
+/// At the end of the last period of an account.
+std::string aCentTooMuch(const std::string& account)
+{
+    return "update tblAccountBal set fEndBal=fEndBal+0.01 where fYear=2025 and fPeriod=12 and fDetailId=0 "
+           "and "
+           "fCurrencyid=1 and faccountid=(select fitemid from tblAccount where fNumber='" +
+           account + "')";
+}
+
 void writeFile(const std::string& file, const std::string& content)
 {
     std::ofstream(file, std::ios::binary) << content;
@@ -59,9 +68,9 @@ TEST_F(Reports, FiguresAgreeWithSeparateQueriesUntilTheLedgerChanges)
     EXPECT_THAT(run.output, HasSubstr("资产负债表"));
 
     const TestFolder folder;
-    std::filesystem::copy_file(demo(), folder.file("wrong.db"));
-    changeLedger(folder.file("wrong.db"), "update tblAccountBal set fEndBal = fEndBal + 1");
-    const ProgramRun wrong("check --db " + folder.file("wrong.db"));
+    const std::string changed =
+        changedLedger(demo(), folder.file("wrong.db"), "update tblAccountBal set fEndBal = fEndBal + 1");
+    const ProgramRun wrong("check --db " + changed);
     EXPECT_EQ(wrong.exitCode, 1);
     EXPECT_THAT(wrong.output, HasSubstr("不一致"));
 }
@@ -73,16 +82,12 @@ TEST_F(Reports, TheLedgerIsProvedAndWhatIsWrongIsPlaced)
     EXPECT_THAT(sound.output, HasSubstr("通过\t凭证 = 发生额\n"));
 
     const TestFolder folder;
-    std::filesystem::copy_file(demo(), folder.file("wrong.db"));
-    changeLedger(folder.file("wrong.db"),
-                 "update tblAccountBal set fEndBal=fEndBal+0.01 where fYear=2025 and fPeriod=12 "
-                 "and fDetailId=0 and fCurrencyid=1 and faccountid=(select fitemid from "
-                 "tblAccount where fNumber='100101')");
-    const ProgramRun wrong("prove --db " + folder.file("wrong.db"));
+    const std::string changed = changedLedger(demo(), folder.file("wrong.db"), aCentTooMuch("100101"));
+    const ProgramRun wrong("prove --db " + changed);
     EXPECT_EQ(wrong.exitCode, 1);
     EXPECT_THAT(wrong.output, AllOf(HasSubstr("不符\t期初 + 借方 − 贷方 = 期末\t1 行，差额合计 0.01"),
                                     HasSubstr("2025\t12\t100101"), HasSubstr("查询: select")));
-    const ProgramRun other("prove --json --year 2024 --db " + folder.file("wrong.db"));
+    const ProgramRun other("prove --json --year 2024 --db " + changed);
     EXPECT_EQ(other.exitCode, 0) << "another year\n" << other.errors;
     EXPECT_THAT(other.output, StartsWith("{\"faults\":0,"));
 }
@@ -94,12 +99,8 @@ TEST_F(Reports, AFigureIsExplainedAndACentThatIsTooMuchShows)
     EXPECT_THAT(explained.output, AllOf(HasSubstr("1001:1012"), HasSubstr("1002 银行存款"),
                                         HasSubstr("100201 "), HasSubstr("\n差额\t0.00\n")));
     const TestFolder folder;
-    std::filesystem::copy_file(demo(), folder.file("wrong.db"));
-    changeLedger(folder.file("wrong.db"),
-                 "update tblAccountBal set fEndBal=fEndBal+0.01 where fYear=2025 and fPeriod=12 "
-                 "and fDetailId=0 and fCurrencyid=1 and faccountid=(select fitemid from "
-                 "tblAccount where fNumber='100201')");
-    const ProgramRun wrong("explain 1 D5 --depth 4 --json --db " + folder.file("wrong.db"));
+    const std::string changed = changedLedger(demo(), folder.file("wrong.db"), aCentTooMuch("100201"));
+    const ProgramRun wrong("explain 1 D5 --depth 4 --json --db " + changed);
     EXPECT_EQ(wrong.exitCode, 1);
     EXPECT_THAT(wrong.output, HasSubstr("\"difference\":-0.01"));
     EXPECT_THAT(wrong.errors, HasSubstr("差额"));
@@ -150,9 +151,8 @@ TEST_F(Reports, FailuresNameTheThingAndLeaveNothing)
     writeFile(folder.file("plain"), "");
     writeFile(folder.file("old.pdf"), "old");
     std::filesystem::create_directory(folder.file("folder.pdf"));
-    std::filesystem::copy_file(demo(), folder.file("damaged.db"));
-    changeLedger(
-        folder.file("damaged.db"),
+    changedLedger(
+        demo(), folder.file("damaged.db"),
         "update tblCWSelfReport set fFileContent = substr(fFileContent, 1, length(fFileContent) / 2)");
     std::filesystem::copy_file(demo(), folder.file("cut.db"));
     std::filesystem::resize_file(folder.file("cut.db"), std::filesystem::file_size(demo()) / 3);
