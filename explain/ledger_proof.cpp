@@ -72,18 +72,18 @@ void ask(Connection& connection, const LedgerIdentity& identity, ProvedIdentity&
                                    ") as x order by x.fYear,x.fPeriod" + (hasAccounts ? ",x.fNumber" : "")));
 }
 
-ProvedIdentity proved(Connection& connection, const LedgerIdentity& identity)
+/// What comes of asking, or why it could not be asked.
+ProvedIdentity proved(ProvedIdentity identity, const std::function<void(ProvedIdentity&)>& prove)
 {
-    ProvedIdentity proved{.name = identity.name, .statement = identity.statement};
     try {
-        ask(connection, identity, proved);
+        prove(identity);
     } catch (const ConnectionLost&) {
         throw;
     } catch (const DatabaseError& error) {
-        proved.state = State::failed;
-        proved.reason = failures::sentenceOf(error);
+        identity.state = State::failed;
+        identity.reason = failures::sentenceOf(error);
     }
-    return proved;
+    return identity;
 }
 
 /// A suite may keep its vouchers elsewhere, or not for this user to read.
@@ -142,13 +142,15 @@ LedgerProof proveLedger(Connection& connection, int year, const std::function<vo
     };
     for (const LedgerIdentity& identity : ledgerIdentities(outline, year)) {
         told(identity.name);
-        add(proved(connection, identity));
+        add(proved({.name = identity.name, .statement = identity.statement},
+                   [&](ProvedIdentity& one) { ask(connection, identity, one); }));
     }
     if (!outline.hasVouchers)
         add({.name = "凭证 = 发生额", .state = State::skipped, .reason = "账套中没有可以成批读取的凭证"});
     for (const ReadingIdentity& identity : readingIdentities()) {
         told(identity.name);
-        add(provedReading(connection, identity, outline, year));
+        add(proved({.name = identity.name},
+                   [&](ProvedIdentity& one) { proveReading(connection, identity, outline, year, one); }));
     }
     proof.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
     return proof;

@@ -1,7 +1,6 @@
 #include "explain/reading_proof.h"
 
 #include "explain/call_parts.h"
-#include "failures/failure_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/dialect/acct_kinds.h"
 #include "text/amount_text.h"
@@ -245,35 +244,26 @@ std::vector<ReadingIdentity> readingIdentities()
             {"取数：联查各级 = 取数（50 个）", Of::explanations}};
 }
 
-ProvedIdentity provedReading(Connection& connection, const ReadingIdentity& identity,
-                             const LedgerOutline& ledger, int year)
+void proveReading(Connection& connection, const ReadingIdentity& identity, const LedgerOutline& ledger,
+                  int year, ProvedIdentity& proved)
 {
     using Of = ReadingIdentity::Of;
-    ProvedIdentity proved{.name = identity.name};
-    try {
-        DrawnCalls calls(connection, ledger, year);
-        if (calls.isEmpty()) {
-            proved.state = State::skipped;
-            proved.reason = "账套在这一年没有余额";
-            return proved;
-        }
-        const AccountChart chart(connection);
-        CallOpening opening(connection, chart);
-        if (identity.of == Of::fetchTypes)
-            proveFetchTypes(connection, calls, proved);
-        else if (identity.of == Of::ranges)
-            proveRanges(opening, calls, proved);
-        else if (identity.of == Of::batches)
-            proveBatches(connection, calls, proved);
-        else
-            proveExplanations(opening, calls, proved);
-    } catch (const ConnectionLost&) {
-        throw;
-    } catch (const DatabaseError& error) {
-        proved.state = State::failed;
-        proved.reason = failures::sentenceOf(error);
+    DrawnCalls calls(connection, ledger, year);
+    if (calls.isEmpty()) {
+        proved.state = State::skipped;
+        proved.reason = "账套在这一年没有余额";
+        return;
     }
-    return proved;
+    const AccountChart chart(connection);
+    CallOpening opening(connection, chart);
+    if (identity.of == Of::fetchTypes)
+        proveFetchTypes(connection, calls, proved);
+    else if (identity.of == Of::ranges)
+        proveRanges(opening, calls, proved);
+    else if (identity.of == Of::batches)
+        proveBatches(connection, calls, proved);
+    else
+        proveExplanations(opening, calls, proved);
 }
 
 } // namespace selfreport

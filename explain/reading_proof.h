@@ -24,8 +24,8 @@ struct ReadingIdentity {
 std::vector<ReadingIdentity> readingIdentities();
 
 /// Tries it with calls that are drawn from the ledger, the same ones each time.
-/// @param year  of the calls; 0: the latest. @throws ConnectionLost
-ProvedIdentity provedReading(Connection& connection, const ReadingIdentity& identity,
-                             const LedgerOutline& ledger, int year);
+/// @param year  of the calls; 0: the latest. @throws DatabaseError
+void proveReading(Connection& connection, const ReadingIdentity& identity, const LedgerOutline& ledger,
+                  int year, ProvedIdentity& proved);
 
 } // namespace selfreport
