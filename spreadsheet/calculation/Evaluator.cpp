@@ -328,45 +328,46 @@ int Evaluator::branchOnEquality(const Formula& formula, const Instruction& instr
 int Evaluator::everyBranch(const Formula& formula, const Instruction& instruction, int position,
                            const EvaluationPlace& place)
 {
-    const std::size_t base = m_stack.size() - (instruction.op == Op::jumpIfUnequal ? 2 : 1);
-    int function = instruction.count;
-    int end = instruction.other;
-    if (instruction.op == Op::choose) {
-        function = instruction.index;
-        everyCase(formula, instruction, position, place);
-    } else if (instruction.op == Op::jumpIfOk) {
-        function = instruction.other;
-        end = instruction.index;
-        push(runPart(formula, position + 1, end, place));
-    } else {
-        Operand wanted = instruction.op == Op::jumpIfUnequal ? pop() : Operand();
-        push(runPart(formula, position + 1, instruction.index - 1, place));
-        if (instruction.op == Op::jumpIfFalse) {
-            push(runPart(formula, instruction.index, end, place));
-        } else { // the cases that follow stand on the value, and leave theirs in its place
-            push(std::move(wanted));
-            for (int next = instruction.index; next < end;)
-                next = step(formula, formula.code[static_cast<std::size_t>(next)], next, place);
-        }
+    const bool hasCases = instruction.op == Op::jumpIfUnequal;
+    const std::size_t base = m_stack.size() - (hasCases ? 2 : 1);
+    const Branches branches = branchesOf(formula, instruction, position);
+    Operand wanted = hasCases ? pop() : Operand();
+    for (const auto& [first, end] : branches.parts) {
+        if (!m_keep)
+            push(runPart(formula, first, end, place));
+    }
+    if (hasCases) { // those that follow stand on the value, and leave theirs in its place
+        push(std::move(wanted));
+        for (int next = instruction.index; next < branches.end;)
+            next = step(formula, formula.code[static_cast<std::size_t>(next)], next, place);
     }
     if (m_keep) {
         m_stack.resize(base);
         return static_cast<int>(formula.code.size());
     }
-    call(*formula.functions[static_cast<std::size_t>(function)], m_stack.size() - base, true, place);
-    return end;
+    call(*formula.functions[static_cast<std::size_t>(branches.function)], m_stack.size() - base, true, place);
+    return branches.end;
 }
 
-/// Each case ends with its jump, right before the next one or the table.
-void Evaluator::everyCase(const Formula& formula, const Instruction& instruction, int position,
-                          const EvaluationPlace& place)
+Evaluator::Branches Evaluator::branchesOf(const Formula& formula, const Instruction& instruction,
+                                          int position)
 {
+    const int end = instruction.other;
+    if (instruction.op == Op::jumpIfOk)
+        return {instruction.other, instruction.index, {{position + 1, instruction.index}}};
+    if (instruction.op == Op::jumpIfFalse)
+        return {instruction.count, end, {{position + 1, instruction.index - 1}, {instruction.index, end}}};
+    if (instruction.op == Op::jumpIfUnequal)
+        return {instruction.count, end, {{position + 1, instruction.index - 1}}};
+    Branches branches{instruction.index, end, {}};
+    // Each case ends with its jump, right before the next one or the table.
     const auto start = [&](int number) {
         return number > instruction.count ? position
                                           : formula.code[static_cast<std::size_t>(position + number)].index;
     };
-    for (int number = 1; number <= instruction.count && !m_keep; ++number)
-        push(runPart(formula, start(number), start(number + 1) - 1, place));
+    for (int number = 1; number <= instruction.count; ++number)
+        branches.parts.emplace_back(start(number), start(number + 1) - 1);
+    return branches;
 }
 
 Operand Evaluator::reference(const ReferenceSlot& slot, const EvaluationPlace& place) const

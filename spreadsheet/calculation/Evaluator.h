@@ -75,8 +75,14 @@ protected: // for the machine that goes the same steps with its eye on what they
     bool chooses(const Operand& operand, const Instruction& instruction) const;
     int everyBranch(const Formula& formula, const Instruction& instruction, int position,
                     const EvaluationPlace& place);
-    void everyCase(const Formula& formula, const Instruction& instruction, int position,
-                   const EvaluationPlace& place);
+    /// What follows a condition: code by branch, the function that takes what all of them leave, and where
+    /// it goes on. Of several cases the first; the others are conditions of their own.
+    struct Branches {
+        int function;
+        int end;
+        std::vector<std::pair<int, int>> parts; ///< first and behind the last
+    };
+    static Branches branchesOf(const Formula& formula, const Instruction& instruction, int position);
     Operand reference(const ReferenceSlot& slot, const EvaluationPlace& place) const;
     Operand guarded(const Formula& formula, int slot, const EvaluationPlace& place);
     Operand named(int name, const EvaluationPlace& place);

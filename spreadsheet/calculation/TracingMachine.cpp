@@ -303,34 +303,18 @@ int TracingMachine::branchesTraced(const Formula& formula, const Instruction& in
                                    const EvaluationPlace& place)
 {
     const std::size_t base = m_stack.size() - (instruction.op == Op::jumpIfUnequal ? 2 : 1);
-    int function = instruction.count;
-    int end = instruction.other;
-    if (instruction.op == Op::choose) {
-        function = instruction.index;
-        for (int number = 1; number <= instruction.count; ++number) {
-            const auto target = [&](int of) {
-                return formula.code[static_cast<std::size_t>(position + of)].index;
-            };
-            const int stop = number == instruction.count ? position : target(number + 1);
-            runTraced(formula, target(number), stop - 1, place);
-        }
-    } else if (instruction.op == Op::jumpIfOk) {
-        function = instruction.other;
-        end = instruction.index;
-        runTraced(formula, position + 1, end, place);
-    } else if (instruction.op == Op::jumpIfFalse) {
-        runTraced(formula, position + 1, instruction.index - 1, place);
-        runTraced(formula, instruction.index, end, place);
-    } else { // which case an element takes is nothing that adds up
-        runTraced(formula, position + 1, instruction.index - 1, place);
-        const std::size_t count = m_stack.size() - base;
+    const Branches branches = branchesOf(formula, instruction, position);
+    for (const auto& [first, end] : branches.parts)
+        runTraced(formula, first, end, place);
+    const std::size_t count = m_stack.size() - base;
+    if (instruction.op == Op::jumpIfUnequal) { // which case an element takes is nothing that adds up
         FigureParts parts = traced("SWITCH", count, m_stack.back(), place).nonlinear();
         dropTraced(count);
         pushTraced(CellError::value, shared(FigureElements(std::move(parts))));
-        return end;
+        return branches.end;
     }
-    callTraced(*formula.functions[static_cast<std::size_t>(function)], m_stack.size() - base, true, place);
-    return end;
+    callTraced(*formula.functions[static_cast<std::size_t>(branches.function)], count, true, place);
+    return branches.end;
 }
 
 /// What a condition has let through counts by condition.
