@@ -5,7 +5,7 @@
 #include "bench/bench_table.h"
 #include "demo/demo_reports.h"
 #include "demo/ledger/demo_ledger.h"
-#include "fetch/evaluation.h"
+#include "fetch/ReportEvaluation.h"
 #include "platform/database/Connection.h"
 #include "platform/database/dialect/connection_string.h"
 #include "platform/database/dialect/sql_text.h"

@@ -3,7 +3,7 @@
 #include "access/DatabaseAccess.h"
 #include "demo/demo_report.h"
 #include "failures/failure_text.h"
-#include "fetch/evaluation.h"
+#include "fetch/ReportEvaluation.h"
 #include "reports/ReportStore.h"
 
 #include <stdexcept>

@@ -1,6 +1,6 @@
 #include "fetch/coverage_calls.h"
 
-#include "fetch/evaluation.h"
+#include "fetch/ReportEvaluation.h"
 #include "spreadsheet/files/content/content.h"
 #include "spreadsheet/workbook/Workbook.h"
 

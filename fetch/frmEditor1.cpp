@@ -1,7 +1,7 @@
 #include "fetch/frmEditor1.h"
 
-#include "fetch/evaluation.h"
 #include "fetch/report_functions.h"
+#include "fetch/ReportEvaluation.h"
 #include "fetch/SharedFetches.h"
 #include "platform/services/UserWait.h"
 #include "spreadsheet/calculation/Recalculation.h"

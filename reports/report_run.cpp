@@ -2,7 +2,7 @@
 
 #include "access/DatabaseAccess.h"
 #include "failures/failure_text.h"
-#include "fetch/evaluation.h"
+#include "fetch/ReportEvaluation.h"
 #include "platform/database/dialect/connection_string.h"
 #include "reports/ReportStore.h"
 

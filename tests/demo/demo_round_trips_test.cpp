@@ -2,7 +2,7 @@
 #include "access/DatabaseAccess.h"
 #include "demo/demo_reports.h"
 #include "demo/ledger/demo_ledger.h"
-#include "fetch/evaluation.h"
+#include "fetch/ReportEvaluation.h"
 #include "platform/database/Connection.h"
 #include "reports/ReportStore.h"
 #include "tests/own_files.h"

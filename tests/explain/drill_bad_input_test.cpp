@@ -1,7 +1,7 @@
 // Figures that cannot be taken apart as usual: the tree says why, and stays.
 #include "access/DatabaseAccess.h"
 #include "explain/DrillTree.h"
-#include "fetch/evaluation.h"
+#include "fetch/ReportEvaluation.h"
 #include "platform/services/UserWait.h"
 #include "tests/explain/ExplainedDemo.h"
 #include "tests/tdsserver/TdsServer.h"

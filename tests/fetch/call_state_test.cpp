@@ -1,5 +1,5 @@
 // Which kind of nothing a call gave, and which totals carry it.
-#include "fetch/evaluation.h"
+#include "fetch/ReportEvaluation.h"
 #include "spreadsheet/files/content/content.h"
 #include "tests/fetch/TestLedger.h"
 

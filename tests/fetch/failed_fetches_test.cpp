@@ -1,5 +1,5 @@
 // A fetch that failed is told from one that found nothing.
-#include "fetch/evaluation.h"
+#include "fetch/ReportEvaluation.h"
 #include "spreadsheet/calculation/Recalculation.h"
 #include "spreadsheet/files/content/content.h"
 #include "tests/fetch/names_in.h"

@@ -1,7 +1,7 @@
 // What a stored cell hands over to REF_F: the text of its type and decimals, whatever a number format code
 // makes of it on screen; and how that text counts in ranges.
-#include "fetch/evaluation.h"
 #include "fetch/inter_report_fetch.h"
+#include "fetch/ReportEvaluation.h"
 #include "spreadsheet/files/content/content.h"
 #include "state/fetch_procedures.h"
 #include "state/shared_state.h"

@@ -1,5 +1,5 @@
 // What a calculation fetched stays with its cells, whatever moves them.
-#include "fetch/evaluation.h"
+#include "fetch/ReportEvaluation.h"
 #include "spreadsheet/files/content/content.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/UndoJournal.h"

@@ -1,6 +1,6 @@
 // What windows do with a real server that is killed, loses a session, holds a lock or falls silent:
 // afterwards everything is as before or as wanted, the user has been told, and the next action works.
-#include "fetch/evaluation.h"
+#include "fetch/ReportEvaluation.h"
 #include "tests/tdsserver/OwnServer.h"
 #include "tests/tdsserver/RealServer.h"
 #include "tests/tdsserver/Relay.h"

@@ -1,5 +1,5 @@
 #pragma once
-#include "fetch/evaluation.h"
+#include "fetch/ReportEvaluation.h"
 
 #include <QObject>
 
