@@ -75,24 +75,34 @@ double GlyphRecord::width(Face& face, quint32 glyph)
     return width;
 }
 
-const GlyphRecord::Drawn& GlyphRecord::faceOf(const QRawFont& font)
+QByteArray GlyphRecord::nameOf(const QRawFont& font)
 {
-    const auto known = std::ranges::find(m_byFont, font, &std::pair<QRawFont, Drawn>::first);
-    if (known != m_byFont.end())
-        return known->second;
     QByteArray name = font.fontTable("name");
     if (name.isEmpty()) // Type 1 fonts have no tables
         name = (font.familyName() + '/' + font.styleName() + '/' + QString::number(font.weight()) + '/' +
                 QString::number(font.style()))
                    .toUtf8();
+    return name;
+}
+
+const GlyphRecord::Drawn& GlyphRecord::faceOf(const QRawFont& font)
+{
+    const auto known = std::ranges::find(m_byFont, font, &std::pair<QRawFont, Drawn>::first);
+    if (known != m_byFont.end())
+        return known->second;
+    const QByteArray name = nameOf(font);
     auto face = std::ranges::find(m_faces, name, &Face::name);
     if (face == m_faces.end())
-        face = m_faces.insert(m_faces.end(), Face{name, font, {}, {}, {}});
+        face = m_faces.insert(m_faces.end(), Face{name, font});
     const OwnLook own = ownLook(font);
-    return m_byFont
-        .emplace_back(font, Drawn{&*face, font.style() != QFont::StyleNormal && !own.isItalic,
-                                  font.weight() >= QFont::Bold && !own.isBold})
-        .second;
+    const bool isSlanted = font.style() != QFont::StyleNormal && !own.isItalic;
+    const bool isThickened = font.weight() >= QFont::Bold && !own.isBold;
+    if (!face->isPlain) {
+        face->font = font;
+        face->isPlain = !isSlanted && !isThickened;
+        face->isThickened = isThickened;
+    }
+    return m_byFont.emplace_back(font, Drawn{&*face, isSlanted, isThickened}).second;
 }
 
 } // namespace spreadsheet

@@ -17,11 +17,12 @@ namespace spreadsheet {
 class GlyphRecord {
 public:
     struct Face {
-        QByteArray name;                  ///< tells faces apart, also those that share one file
-        QRawFont font;                    ///< of some size
-        std::vector<quint32> glyphs;      ///< drawn, in the order of first use
-        std::vector<std::uint16_t> codes; ///< by glyph: its place in that order, from 1; 0: not drawn
-        std::unordered_map<quint32, QString> texts;
+        QByteArray name; ///< tells faces apart, also those that share one file
+        QRawFont font;   ///< of some size; as the file draws it, if it was ever drawn so
+        bool isPlain = false, isThickened = false; ///< what is made up in `font`
+        std::vector<quint32> glyphs = {};          ///< drawn, in the order of first use
+        std::vector<std::uint16_t> codes = {}; ///< by glyph: its place in that order, from 1; 0: not drawn
+        std::unordered_map<quint32, QString> texts = {};
         int number = 0; ///< in the order of first use, from 1, if only by the sign for a missing character
         std::vector<float> widths = {}; ///< of glyphs in thousandths of the font size, as far as asked for
     };
@@ -44,6 +45,9 @@ public:
 
     /// Faces in the order of their first use.
     const std::vector<const Face*>& faces() const { return m_used; }
+
+    /// Tells the face of a font file.
+    static QByteArray nameOf(const QRawFont& font);
 
 private:
     const Drawn& faceOf(const QRawFont& font);

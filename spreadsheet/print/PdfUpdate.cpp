@@ -87,11 +87,11 @@ int PdfUpdate::reference(QByteArrayView dictionary, std::string_view key)
     return std::max(static_cast<int>(numberAfter(dictionary, mark)), 0);
 }
 
-QByteArray PdfUpdate::packed(const QByteArray& data, int effort)
+QByteArray PdfUpdate::packed(const QByteArray& data, int effort, const QByteArray& entries)
 {
     const QByteArray packed =
         qCompress(data, effort).mid(4); // without the length that the toolkit puts before it
-    return "<< /Length " + QByteArray::number(static_cast<qlonglong>(packed.size())) +
+    return "<< " + entries + "/Length " + QByteArray::number(static_cast<qlonglong>(packed.size())) +
            " /Filter /FlateDecode >>\nstream\n" + packed + "\nendstream";
 }
 

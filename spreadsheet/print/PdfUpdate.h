@@ -33,8 +33,9 @@ public:
     QByteArray result() const;
 
     /// The body of a stream that holds data.
-    /// @param effort  1 to 9, of packing it
-    static QByteArray packed(const QByteArray& data, int effort = 6);
+    /// @param effort   1 to 9, of packing it
+    /// @param entries  of its dictionary, beside those that tell of the packing
+    static QByteArray packed(const QByteArray& data, int effort = 6, const QByteArray& entries = {});
     /// "n 0 R"
     static QByteArray referenceTo(int object) { return QByteArray::number(object) + " 0 R"; }
     /// The object number of `/Key n 0 R` or `/Key [n 0 R]` in a dictionary; 0 if the key is not there.

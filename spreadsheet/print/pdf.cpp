@@ -1,5 +1,6 @@
 #include "spreadsheet/print/pdf.h"
 
+#include "spreadsheet/print/embedded_fonts.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageText.h"
 #include "spreadsheet/print/pdf_description.h"
@@ -18,10 +19,9 @@
 
 namespace spreadsheet {
 
-// The toolkit's writer makes the file and embeds the fonts, for which one page with each glyph in use
-// suffices. The pages themselves, written by us, take that page's place: the writer would take three times as
-// long. Where a font cannot be embedded the writer draws its letters as shapes, on pages that it makes as a
-// whole.
+// The toolkit's writer makes the file with one empty page, whose place our pages take, with fonts of our own:
+// the writer would take three times as long. Where a font cannot be embedded the writer draws its letters as
+// shapes, on pages that it makes as a whole.
 
 namespace {
 
@@ -40,21 +40,10 @@ QByteArray written(const PrintDocument& document, const std::vector<SheetPages>&
     return buffer.data();
 }
 
-/// Each glyph in the order of its first use, so that it has the same code as on the pages.
-bool drawGlyphs(QPdfWriter& writer, const GlyphRecord& record)
+bool drawNothing(QPdfWriter& writer)
 {
     QPainter painter;
-    if (!painter.begin(&writer))
-        return false;
-    for (const GlyphRecord::Face* const face : record.faces()) {
-        QGlyphRun run;
-        run.setRawFont(face->font);
-        run.setGlyphIndexes(face->glyphs.empty() ? QList<quint32>{0}
-                                                 : QList<quint32>(face->glyphs.begin(), face->glyphs.end()));
-        run.setPositions(QList<QPointF>(run.glyphIndexes().size()));
-        painter.drawGlyphRun({}, run);
-    }
-    return painter.end();
+    return painter.begin(&writer) && painter.end();
 }
 
 /// Nothing if a font cannot be embedded.
@@ -62,15 +51,13 @@ std::optional<QByteArray> quickly(const PrintDocument& document, const std::vect
 {
     GlyphRecord record;
     const std::vector<PdfPage> pages = contentsOf(sheets, document, record);
-    auto update = PdfUpdate::open(
-        written(document, sheets, [&](QPdfWriter& writer) { return drawGlyphs(writer, record); }));
+    auto update = PdfUpdate::open(written(document, sheets, drawNothing));
     if (!update)
         return std::nullopt;
-    const std::vector<int> fonts = correctTextLayer(*update, record);
-    if (fonts.size() != record.faces().size() ||
-        !std::ranges::all_of(fonts, [&](int font) { return isEmbedded(*update, font); }))
+    const auto fonts = embedFonts(*update, record, document.isArchive);
+    if (!fonts)
         return std::nullopt;
-    describePdf(*update, document, sheets, replacePages(*update, pages, fonts));
+    describePdf(*update, document, sheets, replacePages(*update, pages, *fonts));
     return update->result();
 }
 

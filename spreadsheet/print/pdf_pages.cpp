@@ -83,11 +83,4 @@ std::vector<int> replacePages(PdfUpdate& update, const std::vector<PdfPage>& pag
     return objects;
 }
 
-bool isEmbedded(const PdfUpdate& update, int font)
-{
-    const int descendant = PdfUpdate::reference(update.object(font), "DescendantFonts");
-    const int descriptor = PdfUpdate::reference(update.object(descendant), "FontDescriptor");
-    return update.object(descriptor).indexOf("/FontFile") >= 0;
-}
-
 } // namespace spreadsheet

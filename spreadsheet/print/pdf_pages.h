@@ -30,7 +30,4 @@ std::vector<int> pageObjects(const PdfUpdate& update);
 std::vector<int> replacePages(PdfUpdate& update, const std::vector<PdfPage>& pages,
                               const std::vector<int>& fonts);
 
-/// Whether a font object brings its letters along.
-bool isEmbedded(const PdfUpdate& update, int font);
-
 } // namespace spreadsheet

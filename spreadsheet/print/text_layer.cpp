@@ -61,7 +61,6 @@ QByteArray utf16Hex(const QString& text)
     return hex;
 }
 
-/// A ToUnicode map (ISO 32000-1, 9.10.3).
 QByteArray mapOf(const CodeTexts& texts)
 {
     QByteArray map = "/CIDInit /ProcSet findresource begin\n12 dict begin\nbegincmap\n"
@@ -82,6 +81,23 @@ QByteArray mapOf(const CodeTexts& texts)
             map += "endbfchar\n";
     }
     return map + "endcmap\nCMapName currentdict /CMap defineresource pop\nend\nend\n";
+}
+
+/// The first character of the basic plane for which the font has each letter that was drawn, by code. Takes
+/// as long as a short report.
+std::map<quint32, quint32> knownToFont(const GlyphRecord::Face& face)
+{
+    std::map<quint32, quint32> characters;
+    constexpr char32_t blank = 0x20, end = 0xFFFE;
+    for (char32_t character = blank; character < end; ++character) {
+        if (QChar::isSurrogate(character))
+            continue;
+        const quint32 glyph =
+            face.font.glyphIndexesForString(QString(QChar(static_cast<char16_t>(character)))).value(0);
+        if (glyph < face.codes.size() && face.codes[glyph] != 0)
+            characters.try_emplace(face.codes[glyph], character);
+    }
+    return characters;
 }
 
 /// The font's glyphs are those of the record, as far as the old map tells.
@@ -110,10 +126,9 @@ CodeTexts textsOf(const GlyphRecord::Face& face, const std::map<quint32, quint32
 
 } // namespace
 
-std::vector<int> correctTextLayer(PdfUpdate& update, const GlyphRecord& record)
+void correctTextLayer(PdfUpdate& update, const GlyphRecord& record)
 {
     auto face = record.faces().begin();
-    std::vector<int> fonts;
     for (const auto& [number, offset] : update.objects()) {
         const QByteArrayView font = update.object(number);
         if (!font.trimmed().startsWith("<<") || font.indexOf("/Subtype /Type0") < 0)
@@ -125,10 +140,15 @@ std::vector<int> correctTextLayer(PdfUpdate& update, const GlyphRecord& record)
         if (agreeing == record.faces().end())
             continue;
         update.replace(map, PdfUpdate::packed(mapOf(textsOf(**agreeing, oldMap))));
-        fonts.push_back(number);
         face = std::next(agreeing);
     }
-    return fonts;
+}
+
+QByteArray characterMap(const GlyphRecord::Face& face)
+{
+    const bool isWhole =
+        std::ranges::all_of(face.glyphs, [&](quint32 glyph) { return face.texts.contains(glyph); });
+    return mapOf(textsOf(face, isWhole ? std::map<quint32, quint32>() : knownToFont(face)));
 }
 
 } // namespace spreadsheet

@@ -13,9 +13,11 @@ namespace spreadsheet {
 /// for a glyph. With common Chinese fonts that answer is a radical for 月, 日, 目 and many more, a tab
 /// for the blank, and nothing beyond the basic plane. Here each font's ToUnicode map is written anew
 /// from the record. A font whose old map contradicts the record keeps it.
-///
-/// @return  the font objects of the record's faces, in their order; fewer if a font kept its old map, which
-///          is wrong for every document whose texts were all drawn with `record`
-std::vector<int> correctTextLayer(PdfUpdate& update, const GlyphRecord& record);
+void correctTextLayer(PdfUpdate& update, const GlyphRecord& record);
+
+/// The ToUnicode map (ISO 32000-1, 9.10.3) of a font that has a face's letters under their codes in the
+/// record. Letters that scripts put together from several have the text that their font knows them by, if
+/// any.
+QByteArray characterMap(const GlyphRecord::Face& face);
 
 } // namespace spreadsheet

@@ -2,6 +2,7 @@
 #include "spreadsheet/print/pdf.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "tests/CommaLocale.h"
+#include "tests/spreadsheet/print/pdf_pictures.h"
 
 #include <gtest/gtest.h>
 #include <QDir>
@@ -21,16 +22,6 @@
 
 namespace spreadsheet {
 namespace {
-
-std::pair<int, QString> run(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(program, arguments);
-    if (!process.waitForFinished(60'000))
-        return {-1, program + ": " + process.errorString()};
-    return {process.exitCode(), QString::fromUtf8(process.readAll())};
-}
 
 /// What a reader's text search would meet on the pages from..to.
 QString textOf(const QString& path, int from = 1, int to = 9999)
@@ -345,16 +336,6 @@ TEST_F(PdfTest, APrinterDrawsTheSamePages)
     EXPECT_EQ(sizes("printer.pdf"), sizes("report.pdf"));
 }
 
-/// Pages of a PDF as grey pictures of 60 dots per inch.
-std::vector<QImage> picturesOf(const QTemporaryDir& folder, const QString& pdf)
-{
-    run("pdftoppm", {"-r", "60", "-gray", folder.filePath(pdf), folder.filePath("page-" + pdf)});
-    std::vector<QImage> pictures;
-    for (const QString& name : QDir(folder.path()).entryList({"page-" + pdf + "*"}, QDir::Files, QDir::Name))
-        pictures.emplace_back(folder.filePath(name));
-    return pictures;
-}
-
 /// A second way: the toolkit's own writer draws every page by itself.
 TEST_F(PdfTest, LooksAsTheToolkitsWriterDrawsIt)
 {
@@ -398,21 +379,8 @@ TEST_F(PdfTest, LooksAsTheToolkitsWriterDrawsIt)
             PageText text;
             ASSERT_TRUE(drawPages(writer, layOut(workbook, document), document, text));
         }
-        const auto ours = picturesOf(folder, "ours.pdf"), theirs = picturesOf(folder, "theirs.pdf");
-        ASSERT_EQ(ours.size(), theirs.size());
-        ASSERT_FALSE(ours.empty());
-        for (std::size_t page = 0; page < ours.size(); ++page) {
-            ASSERT_EQ(ours[page].size(), theirs[page].size());
-            int inked = 0, other = 0;
-            for (int y = 0; y < ours[page].height(); ++y)
-                for (int x = 0; x < ours[page].width(); ++x) {
-                    const int a = qGray(ours[page].pixel(x, y)), b = qGray(theirs[page].pixel(x, y));
-                    inked += b < 128;
-                    other += std::abs(a - b) > 80;
-                }
-            EXPECT_GT(inked, 1000) << scale;
-            EXPECT_LT(other, inked / 50) << scale << " %, page " << page + 1;
-        }
+        SCOPED_TRACE(scale);
+        expectAlike(picturesOf(folder, "ours.pdf"), picturesOf(folder, "theirs.pdf"), 1000);
         QDir(folder.path()).removeRecursively();
         QDir().mkpath(folder.path());
     }
