@@ -2,6 +2,8 @@
 
 #include "spreadsheet/formula/Compiler.h"
 
+#include <algorithm>
+
 namespace spreadsheet {
 
 namespace {
@@ -35,6 +37,11 @@ bool isBlockwise(const Formula& formula)
     return !formula.code.empty();
 }
 
+std::uint32_t hashOf(std::string_view key)
+{
+    return static_cast<std::uint32_t>(std::hash<std::string_view>()(key));
+}
+
 } // namespace
 
 /// Pieces and slots, not the text: a formula filled down has another text in each row but the same distances,
@@ -61,22 +68,63 @@ std::variant<std::uint32_t, Refusal> FormulaPool::intern(std::string_view text, 
     LexedFormula lexed;
     if (auto problem = lexFormula(text, base, sheetId, lexed))
         return problem;
-    std::string formulaKey = key(lexed.pieces, lexed.slots, asArray);
-    if (const auto known = m_byKey.find(formulaKey); known != m_byKey.end())
-        return known->second;
+    const std::string formulaKey = key(lexed.pieces, lexed.slots, asArray);
+    if (const std::uint32_t known = find(formulaKey))
+        return known;
     Formula formula;
     if (auto problem = compileFormula(lexed, m_vocabulary, asArray, unions, formula))
         return problem;
-    return add(std::move(formulaKey), std::move(formula));
+    return add(formulaKey, std::move(formula));
 }
 
-std::uint32_t FormulaPool::add(std::string key, Formula formula)
+std::string FormulaPool::keyOf(std::uint32_t number) const
+{
+    const Formula& formula = (*this)[number];
+    return key(formula.pieces, formula.slots, formula.isArrayFormula);
+}
+
+/// Where the formula with this key stands, or would.
+FormulaPool::Known& FormulaPool::slotOf(std::string_view key, std::uint32_t hash)
+{
+    const std::size_t mask = m_byKey.size() - 1;
+    std::size_t slot = hash & mask;
+    while (m_byKey[slot].number != 0 && (m_byKey[slot].hash != hash || keyOf(m_byKey[slot].number) != key))
+        slot = (slot + 1) & mask;
+    return m_byKey[slot];
+}
+
+std::uint32_t FormulaPool::find(std::string_view key)
+{
+    return m_byKey.empty() ? 0 : slotOf(key, hashOf(key)).number;
+}
+
+void FormulaPool::enter(std::string_view key, std::uint32_t number)
+{
+    constexpr std::size_t least = 64;
+    if (2 * std::size_t(number) > m_byKey.size()) {
+        std::vector<Known> before(std::max(least, 2 * m_byKey.size()));
+        before.swap(m_byKey);
+        const std::size_t mask = m_byKey.size() - 1;
+        for (const Known& known : before) {
+            std::size_t slot = known.hash & mask;
+            while (known.number != 0 && m_byKey[slot].number != 0)
+                slot = (slot + 1) & mask;
+            if (known.number != 0)
+                m_byKey[slot] = known;
+        }
+    }
+    const std::uint32_t hash = hashOf(key);
+    Known& slot = slotOf(key, hash);
+    if (slot.number == 0)
+        slot = {hash, number};
+}
+
+std::uint32_t FormulaPool::add(std::string_view key, Formula formula)
 {
     formula.blockwise = isBlockwise(formula);
     m_formulas.push_back(std::move(formula));
-    const auto number = static_cast<std::uint32_t>(m_formulas.size());
-    m_byKey.emplace(std::move(key), number);
-    return number;
+    enter(key, size());
+    return size();
 }
 
 std::string FormulaPool::text(std::uint32_t number, CellAddress base) const
@@ -94,18 +142,16 @@ std::string FormulaPool::text(std::uint32_t number, CellAddress base) const
 std::uint32_t FormulaPool::withSlots(std::uint32_t number, std::vector<ReferenceSlot> slots)
 {
     const Formula& formula = (*this)[number];
-    std::string formulaKey = key(formula.pieces, slots, formula.isArrayFormula);
-    if (const auto known = m_byKey.find(formulaKey); known != m_byKey.end())
-        return known->second;
+    const std::string formulaKey = key(formula.pieces, slots, formula.isArrayFormula);
+    if (const std::uint32_t known = find(formulaKey))
+        return known;
     Formula changed = formula;
     changed.slots = std::move(slots);
-    return add(std::move(formulaKey), std::move(changed));
+    return add(formulaKey, std::move(changed));
 }
 
 void FormulaPool::respellSheet(int sheetId, const std::function<std::string(int)>& nameOfId)
 {
-    m_byKey.clear();
-    std::uint32_t number = 0;
     for (Formula& formula : m_formulas) {
         for (ReferenceSlot& slot : formula.slots) {
             if (slot.firstSheet != 0 && (slot.firstSheet == sheetId || slot.lastSheet == sheetId))
@@ -114,8 +160,10 @@ void FormulaPool::respellSheet(int sheetId, const std::function<std::string(int)
                                 slot.lastSheet == slot.firstSheet ? std::string() : nameOfId(slot.lastSheet),
                                 slot.sheetQuoted);
         }
-        m_byKey.emplace(key(formula.pieces, formula.slots, formula.isArrayFormula), ++number);
     }
+    m_byKey.clear();
+    for (std::uint32_t number = 1; number <= size(); ++number)
+        enter(keyOf(number), number);
 }
 
 std::size_t FormulaPool::bytes() const
@@ -127,7 +175,7 @@ std::size_t FormulaPool::bytes() const
         for (const std::string& piece : formula.pieces)
             sum += sizeof(std::string) + piece.capacity();
     }
-    return sum + m_byKey.size() * 2 * sizeof(std::string);
+    return sum + m_byKey.size() * sizeof(Known);
 }
 
 } // namespace spreadsheet

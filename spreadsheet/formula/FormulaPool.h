@@ -9,8 +9,8 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <variant>
+#include <vector>
 
 namespace spreadsheet {
 
@@ -51,13 +51,21 @@ public:
     std::size_t bytes() const;
 
 private:
+    struct Known {
+        std::uint32_t hash = 0, number = 0; ///< number 0: free
+    };
+
     static std::string key(const std::vector<std::string>& pieces, const std::vector<ReferenceSlot>& slots,
                            bool asArray);
-    std::uint32_t add(std::string key, Formula formula);
+    std::string keyOf(std::uint32_t number) const;
+    Known& slotOf(std::string_view key, std::uint32_t hash);
+    std::uint32_t find(std::string_view key);
+    void enter(std::string_view key, std::uint32_t number);
+    std::uint32_t add(std::string_view key, Formula formula);
 
     Vocabulary m_vocabulary;
     std::deque<Formula> m_formulas; ///< a deque: references stay good
-    std::unordered_map<std::string, std::uint32_t> m_byKey;
+    std::vector<Known> m_byKey;     ///< a hash table; keys would take as much as the formulas do
 };
 
 } // namespace spreadsheet
