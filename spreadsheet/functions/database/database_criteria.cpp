@@ -75,6 +75,10 @@ DatabaseCriteria::DatabaseCriteria(Call& call, std::size_t argument, const Datab
         return;
     }
     const Area area = call[argument].area();
+    if (area.cells.rows() < 2) { // names without anything to compare with
+        call.fail(CellError::value);
+        return;
+    }
     m_sheet = area.sheet;
     std::vector<int> fields;
     for (int column = area.cells.left; column <= area.cells.right; ++column) {

@@ -22,23 +22,30 @@ void checkCells(Call& call)
         call.fail(CellError::value);
 }
 
-/// The value to look for: an empty cell counts as 0. Sticks at errors, also of the range.
+/// The value to look for: an argument left out counts as 0, an empty cell is nothing that could be found.
+/// Sticks at errors, also of the range.
 Value wantedValue(Call& call)
 {
-    Value wanted = call.value(0);
+    const Value wanted = call.value(0);
     if (wanted.isError())
         call.fail(wanted.error());
     checkCells(call);
+    if (wanted.isEmpty() && !call[0].isMissing())
+        call.fail(CellError::na);
     return wanted.isEmpty() ? Value(0.0) : wanted;
 }
 
-/// One cell as a reference, one element of an array as a value.
+/// One cell as a reference, so that it can be told what a figure is made of; an empty one as a value, which
+/// counts as 0 in MIN. An element of an array is a value.
 Operand elementOf(const Call& call, std::size_t argument, int row, int column)
 {
     if (!call[argument].isArea())
         return call.element(argument, row, column);
     const Area& area = call[argument].area();
     const CellAddress cell{area.cells.left + column, area.cells.top + row};
+    // Cells below the result vector of LOOKUP are read by whoever takes the reference.
+    if (area.cells.contains(cell) && cellValue(call.place().book, area.sheet, cell).isEmpty())
+        return Value();
     return Area{area.sheet, {cell.column, cell.row, cell.column, cell.row}};
 }
 
@@ -84,15 +91,13 @@ Operand lookUp(Call& call)
     return resultAlongRow ? elementOf(call, 2, 0, *place) : elementOf(call, 2, *place, 0);
 }
 
-/// An empty cell is nothing that could be found.
 Operand match(Call& call)
 {
     const Value wanted = wantedValue(call);
     const int kind = call.integer(2, 1);
     if (call.failed())
         return call.error();
-    const bool isEmptyCell = !call[0].isMissing() && call.value(0).isEmpty();
-    if (isEmptyCell || (call.rows(1) > 1 && call.columns(1) > 1))
+    if (call.rows(1) > 1 && call.columns(1) > 1)
         return CellError::na;
     const Line line = Line::longerSide(call, 1);
     const auto place = kind == 0  ? line.equal(wanted)

@@ -31,23 +31,22 @@ std::string romanText(int number, int form)
 }
 
 /// Forms 0 (classic) to 4 (shortest), or TRUE and FALSE for these two.
-int formArgument(Call& call)
+double formArgument(Call& call)
 {
     const Value form = call.value(1);
     if (form.isBoolean())
         return form.boolean() ? 0 : 4;
-    return call.integer(1, 0);
+    return call.number(1, 0);
 }
 
 Operand roman(Call& call)
 {
-    const int number = call.integer(0);
-    const int form = formArgument(call);
+    const double number = call.number(0), form = formArgument(call);
     if (call.failed())
         return call.error();
-    if (number < 0 || number > 3999 || form < 0 || form > 4)
+    if (number < 0 || number >= 4000 || form < 0 || form >= 5)
         return CellError::value;
-    return Value::text(romanText(number, form));
+    return Value::text(romanText(static_cast<int>(number), static_cast<int>(form)));
 }
 
 int worthOf(char letter)

@@ -76,15 +76,20 @@ Operand intercept(const PairedSample& sample)
     return heightAt(sample, 0);
 }
 
-/// Standard error of the heights: sqrt((Syy - Sxy²/Sxx) / (n-2)).
+/// Standard error of the heights, from their distances to the line: a difference of sums would lose the
+/// digits of points that lie close to it.
 Operand standardError(const PairedSample& sample)
 {
-    const double spreadOfX = squaredDeviations(sample.second);
-    const double cross = sample.crossDeviations();
-    if (spreadOfX == 0)
-        return CellError::div0;
-    const double rest = squaredDeviations(sample.first) - cross * cross / spreadOfX;
-    return checked(std::sqrt(std::max(rest, 0.0) / (sample.size() - 2)));
+    const Operand rise = slope(sample);
+    if (rise.value().isError())
+        return rise;
+    const double meanY = meanOf(sample.first), meanX = meanOf(sample.second);
+    CompensatedSum rest;
+    for (std::size_t i = 0; i < sample.first.size(); ++i) {
+        const double distance = sample.first[i] - meanY - rise.value().number() * (sample.second[i] - meanX);
+        rest.add(distance * distance);
+    }
+    return checked(std::sqrt(rest.total() / (sample.size() - 2)));
 }
 
 Operand forecast(Call& call)

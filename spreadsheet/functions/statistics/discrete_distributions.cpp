@@ -98,10 +98,13 @@ Operand poissonDistribution(Call& call)
     const double events = parameter(call, 0);
     const double mean = parameter(call, 1);
     const bool cumulative = call.logical(2);
-    return inRangeOrNum(call, isCount(events) && isCount(mean), [&] {
+    const bool isBeyond = mean > 2 * largestParameter; // so far above any count that nothing is left
+    return inRangeOrNum(call, isCount(events) && (isCount(mean) || isBeyond), [&] {
         const double count = std::trunc(events);
         if (mean == 0)
             return checked(count == 0 || cumulative ? 1.0 : 0.0);
+        if (isBeyond)
+            return Operand(0.0);
         const Poisson poisson(mean);
         return checked(cumulative ? cdf(poisson, count) : pdf(poisson, count));
     });

@@ -62,7 +62,8 @@ Operand position(Call& call)
     const int first = call.integer(2, 1);
     if (call.failed())
         return call.error();
-    if (first < 1 || static_cast<std::size_t>(first) > unitCount(text) + 1)
+    const std::size_t last = withWildcards ? unitCount(text) + 1 : std::max<std::size_t>(unitCount(text), 1);
+    if (first < 1 || static_cast<std::size_t>(first) > last)
         return CellError::value;
     const std::size_t from = byteOfUnit(text, static_cast<std::size_t>(first - 1));
     const std::optional<std::size_t> found = placeOf(wanted, text, from, withWildcards);

@@ -84,7 +84,8 @@ TEST(DatabaseFunctions, Summaries)
         {"DSUM(A1:D6,5,F1:F2)", "#VALUE!"},
         {"DSUM(A1:D6,0,F1:F2)", "#VALUE!"},
         {"DSUM(7,1,F1:F2)", "#VALUE!"},
-        {"DSUM(A:D,3,F1:F2)", "200"}, // whole columns cost what they hold
+        {"DSUM(A1:D6,3,F1)", "#VALUE!"}, // a name without a condition
+        {"DSUM(A:D,3,F1:F2)", "200"},    // whole columns cost what they hold
     });
     sheet.put("C4", "#N/A");
     sheet.expect({{"DSUM(A1:D6,3,F1:F2)", "#N/A"}, {"DSUM(A1:D6,3,H1:H2)", "60"}});

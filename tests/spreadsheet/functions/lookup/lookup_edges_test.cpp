@@ -24,7 +24,8 @@ TEST(LookupEdges, PlacesAmongMixedKinds)
         {"MATCH(0,D1:D9,0)", "#N/A"},                  // an empty cell is no 0
         {"MATCH(D1,{1,0},0)&MATCH(,{1,0},0)", "#N/A"}, // nor anything to look for
         {"MATCH(,{1,0},0)", "2"},
-        {"VLOOKUP(D1,{0,\"zero\"},2,0)", "\"zero\""},
+        {"VLOOKUP(D1,{0,\"zero\"},2,0)", "#N/A"},
+        {"VLOOKUP(,{0,\"zero\"},2,0)", "\"zero\""},
         {"VLOOKUP(1/0,A1:B3,3)", "#REF!"}, // the number of the column is looked at first
         {"VLOOKUP(NA(),A1:B3,0)", "#VALUE!"},
         {"HLOOKUP(NA(),A1:B3,1/0)", "#DIV/0!"},

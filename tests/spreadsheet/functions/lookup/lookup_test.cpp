@@ -21,7 +21,15 @@ TEST(Lookup, TablesAndVectors)
         {"VLOOKUP(3,A1:B6,0,0)", "#VALUE!"},
         {"VLOOKUP(3,A1:B6,3,0)", "#REF!"},
         {"VLOOKUP(NA(),A1:B6,2,0)", "#N/A"},
-        {"VLOOKUP(3,A:B,2,)", "\"three\""}, // left empty is FALSE
+        {"VLOOKUP(3,A:B,2,)", "\"three\""},       // left empty is FALSE
+        {"MIN(9,VLOOKUP(3,A1:C6,3,FALSE))", "0"}, // an empty cell is handed on as a value
+        {"COUNT(VLOOKUP(3,A1:C6,3,FALSE))", "1"},
+        {"MIN(9,LOOKUP(3,A1:A4,C1:C4))", "0"},
+        {"ISBLANK(VLOOKUP(3,A1:C6,3,FALSE))", "TRUE"},
+        {"VLOOKUP(Z1,{0,7},2)", "#N/A"},
+        {"VLOOKUP(Z1,{0,7},3,0)", "#REF!"},
+        {"HLOOKUP(Z1,{0;7},2,FALSE)", "#N/A"},
+        {"LOOKUP(Z1,{0,1},{7,8})", "#N/A"},
         {"VLOOKUP(2,{1,\"x\";2,\"y\"},2,0)", "\"y\""},
         {"HLOOKUP(\"k2\",D1:F2,2,FALSE)", "20"},
         {"HLOOKUP(\"?2\",D1:F2,2,FALSE)", "20"},

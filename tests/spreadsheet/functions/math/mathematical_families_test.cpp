@@ -90,6 +90,9 @@ TEST(RomanNumerals, FormsAndBack)
     sheet.expect({
         {"ROMAN(499)&\" \"&ROMAN(499,1)&\" \"&ROMAN(499,2)&\" \"&ROMAN(499,3)&\" \"&ROMAN(499,FALSE)",
          "\"CDXCIX LDVLIV XDIX VDIV ID\""},
+        {"ROMAN(-0.1)", "#VALUE!"}, // checked before it is cut
+        {"ROMAN(7,-0.1)", "#VALUE!"},
+        {"ROMAN(0.9,4.9)", "\"\""},
         {"ROMAN(3999.9,TRUE)", "\"MMMCMXCIX\""},
         {"ROMAN(0)", "\"\""},
         {"ROMAN(4000)", "#VALUE!"},

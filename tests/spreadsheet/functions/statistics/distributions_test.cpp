@@ -147,7 +147,8 @@ TEST(Distributions, WholeNumbers)
         {"POISSON(-1,5,FALSE)", "#NUM!"},
         {"POISSON(-0.1,5,TRUE)", "#NUM!"}, // less than 0 before it is cut off
         {"POISSON(2.9,5,FALSE)", "0.0842243374886"},
-        {"HYPGEOMDIST(1,4,8,20)*4845", "1760"}, // 8 · C(12,3) of C(20,4)
+        {"POISSON(4,1E80,FALSE)+POISSON(4,1E80,TRUE)", "0"}, // too small for a number
+        {"HYPGEOMDIST(1,4,8,20)*4845", "1760"},              // 8 · C(12,3) of C(20,4)
         {"HYPGEOM.DIST(1,4,8,20,TRUE)*4845", "2255"},
         {"HYPGEOM.DIST(0,2,1,9E8,FALSE)*9E8-9E8", "-2"}, // (N - n)/N
         {"HYPGEOM.DIST(3,500,1000,200000,FALSE)", "0.214647999626"},

@@ -30,6 +30,7 @@ TEST(Samples, PairsThatCount)
         {"PEARSON(A1:A6,B1:B6)^2*26.75", "26"},
         {"RSQ(A1:A6,B1:B6)*26.75", "26"},
         {"STEYX(A1:A6,B1:B6)^2*2", "0.75"},
+        {"STEYX({2972.27,3596.94,-4633.68,4458},{2972.27,3596.94,-4633.68,4458})<1E-9", "TRUE"},
         {"CORREL(A1:A3,C1:C3)", "#DIV/0!"}, // no spread
         {"SLOPE(A1:A2,C1:C2)", "#DIV/0!"},
         {"CORREL(A1:A3,B1:B4)", "#N/A"},

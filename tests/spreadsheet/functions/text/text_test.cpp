@@ -27,6 +27,8 @@ TEST(TextFunctions, CountCharactersNotBytes)
         {"FIND(\"\",A1,3)", "3"},
         {"FIND(\"a\",\"banana\",3)", "4"},
         {"FIND(\"a\",\"banana\",9)", "#VALUE!"},
+        {"FIND(\"\",\"zz\",3)", "#VALUE!"}, // begins behind the text
+        {"FIND(\"\",\"\")", "1"},
         {"SEARCH(\"B\",A2)", "4"},
         {"SEARCH(\"n?n\",\"banana\")", "3"},
         {"SEARCH(\"~?\",\"what?\")", "5"},
