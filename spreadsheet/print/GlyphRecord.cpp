@@ -1,18 +1,12 @@
 #include "spreadsheet/print/GlyphRecord.h"
 
+#include "spreadsheet/print/font_table.h"
+
 #include <algorithm>
 
 namespace spreadsheet {
 
 namespace {
-
-/// A number of two bytes in a font's table; 0 if the table is shorter.
-int numberIn(const QByteArray& table, qsizetype at)
-{
-    if (at + 1 >= table.size())
-        return 0;
-    return static_cast<unsigned char>(table[at]) << 8 | static_cast<unsigned char>(table[at + 1]);
-}
 
 /// What the font file's face is by itself (OpenType, tables OS/2 and head).
 struct OwnLook {

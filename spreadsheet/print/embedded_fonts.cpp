@@ -1,6 +1,7 @@
 #include "spreadsheet/print/embedded_fonts.h"
 
 #include "spreadsheet/print/cff_font.h"
+#include "spreadsheet/print/font_table.h"
 #include "spreadsheet/print/text_layer.h"
 
 #include <QCryptographicHash>
@@ -17,14 +18,6 @@ namespace spreadsheet {
 namespace {
 
 constexpr int unitsPerSize = 1000; // PDF counts widths and letters in thousandths of the font size
-
-/// A number of two bytes in a font's table; 0 if the table is shorter.
-int numberIn(const QByteArray& table, qsizetype at)
-{
-    if (at + 1 >= table.size())
-        return 0;
-    return static_cast<unsigned char>(table[at]) << 8 | static_cast<unsigned char>(table[at + 1]);
-}
 
 /// What the font's maker allows (OpenType, table OS/2, fsType).
 bool mayBeEmbedded(const QRawFont& font)
