@@ -209,6 +209,23 @@ void checkSum(const CalledBook& book, const LinearForm& form, double value, cons
 
 } // namespace
 
+TEST(PerturbedBook, ACallThatIsOnlyMadeThenHasTheAnswerOfAnEqualOne)
+{
+    CalledBook book;
+    book.type("A1", "Fetch(1)");
+    book.type("A2", "Fetch(3)");
+    book.type("A3", "Fetch(7)");
+    book.type("B1", "IF(A1>0,5,Fetch(7))");
+    book.type("B2", "IF(A1>0,5,Fetch(9))");
+    book.workbook.recalculate();
+    PerturbedBook copy(book.workbook.book(),
+                       [&](const CallPlace& cell, int call) { return book.answer(cell, call); });
+    EXPECT_EQ(copy.value({1, 2, 1}), Value(5.0));
+    copy.compute({1, 1, 1}, 0, Value(-1.0));
+    EXPECT_EQ(copy.value({1, 2, 1}), Value(7.0));
+    EXPECT_EQ(copy.value({1, 2, 2}), Value(CellError::na)) << "no other asks that";
+}
+
 TEST(LinearFormOracle, CoefficientsAreWhatAChangedAnswerShows)
 {
     const char* const asked = std::getenv("SELFREPORT_FORMULAS"); // 20000 takes some ten seconds

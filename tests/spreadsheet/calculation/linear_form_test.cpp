@@ -42,6 +42,7 @@ void fill(CalledBook& book)
     book.type("A6", "Label(\"1,234.50\")");
     book.type("A7", "Label(\"现金\")");
     book.type("A9", "Fetch(9)");
+    book.type("G1", "A1/B4");
     book.type("F1", "SUBTOTAL(9,A1:A2)");
     book.sheet().changeSettings([](SheetSettings& settings) { settings.rows.hidden[9] = true; });
     book.sheet().setNumber({2, 1}, 5);
@@ -112,6 +113,7 @@ TEST(LinearForm, FunctionsOfRanges)
         {"SUMIF(C1:C3,\"现金\",A1:A3)", "A1*1 A3*1"},
         {"SUMIFS(A1:A3,C1:C3,\"现金\",B1:B3,\">1\")", "A1*1"},
         {"SUMIF(A1:A3,\">0\")", "!SUMIF A1 A2 A3"},
+        {"SUMIF(C1,C3,G1)", "!SUMIF A1"}, // an error is no sum
         {"INDEX(A1:B3,2,1)+INDEX(A1:A3*2,3)", "A2*-1 A3*2"},
         {"VLOOKUP(\"银行\",C1:D3,2,FALSE)", "A2*-1"},
         {"VLOOKUP(A1,A1:B3,2,FALSE)", "!VLOOKUP A1 A2 A3"},
@@ -133,6 +135,7 @@ TEST(LinearForm, ConditionsAndRounding)
         {"IF(A1<0,A2,7)", "=7"},
         {"SUM(IF(A1>0,A2:A3,A1))", "A2*-1? A3*1?"},
         {"SUM(IF(A1:A3>0,A1:A3,0))", ""},
+        {"SUM(IF({1;0},5,A1:A2))", "A2*-1 =5"},
         {"IFERROR(A1/B4,A2)", "A2*-1?"},
         {"IFERROR(A1/B1,A2)", "A1*0.2?"},
         {"CHOOSE(B2,A1,A3)", "A3*1"},

@@ -38,6 +38,12 @@ TEST(CompoundFile, RoundTripOfAllSizes)
         ASSERT_GE(stream->bytes().size(), size);
         EXPECT_TRUE(std::ranges::equal(stream->bytes().first(size), content)) << size;
         EXPECT_FALSE(CompoundFile(file).stream("Book"));
+        const std::size_t directory = 512 * (1 + numberAt<std::uint32_t>(file, 48));
+        const auto sizeOf = [&](std::size_t entry) {
+            return numberAt<std::uint32_t>(file, directory + 128 * entry + 120);
+        };
+        EXPECT_EQ(sizeOf(0), 0u) << "the root has no short streams";
+        EXPECT_EQ(sizeOf(2) + sizeOf(3), 0u) << "of nothing";
     }
 }
 

@@ -90,6 +90,7 @@ TEST(MathematicalFunctions, NumbersAndTheirLimits)
         {"LCM(A1:A2,5)", "180"},
         {"GCD(-2)", "#NUM!"},
         {"SIGN(-0.1)", "-1"},
+        {"SIGN(0)", "0"},
         {"ATAN2(-1,0)-PI()", "0"},
         {"ATAN2(0,0)", "#DIV/0!"},
         {"ASIN(2)", "#NUM!"},

@@ -132,6 +132,7 @@ TEST(Distributions, WholeNumbers)
         {"BINOM.DIST.RANGE(60,0.75,45,50)", "0.523629793472"},
         {"BINOM.DIST.RANGE(10,0.5,6)", "0.205078125"},
         {"BINOM.DIST.RANGE(10,0.5,6,5)", "#NUM!"},
+        {"BINOM.DIST.RANGE(10,0.3,0,10)", "1"}, // any count
         {"CRITBINOM(6,0.5,0.75)", "4"},
         {"BINOM.INV(1,0.5,0.5)", "0"},
         {"BINOM.INV(100,0.3,0.999999)", "53"},
