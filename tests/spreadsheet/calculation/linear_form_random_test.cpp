@@ -224,6 +224,7 @@ TEST(PerturbedBook, ACallThatIsOnlyMadeThenHasTheAnswerOfAnEqualOne)
     copy.compute({1, 1, 1}, 0, Value(-1.0));
     EXPECT_EQ(copy.value({1, 2, 1}), Value(7.0));
     EXPECT_EQ(copy.value({1, 2, 2}), Value(CellError::na)) << "no other asks that";
+    EXPECT_EQ(book.sheet().value({2, 1}), Value(5.0)) << "the book itself";
 }
 
 TEST(LinearFormOracle, CoefficientsAreWhatAChangedAnswerShows)

@@ -136,6 +136,7 @@ TEST(LinearForm, ConditionsAndRounding)
         {"SUM(IF(A1>0,A2:A3,A1))", "A2*-1? A3*1?"},
         {"SUM(IF(A1:A3>0,A1:A3,0))", ""},
         {"SUM(IF({1;0},5,A1:A2))", "A2*-1 =5"},
+        {"SUM(IF({1;0}*A1>0,5,A1:A2))", "A2*-1? =5"},
         {"IFERROR(A1/B4,A2)", "A2*-1?"},
         {"IFERROR(A1/B1,A2)", "A1*0.2?"},
         {"CHOOSE(B2,A1,A3)", "A3*1"},

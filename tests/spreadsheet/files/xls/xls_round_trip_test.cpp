@@ -77,11 +77,16 @@ TEST(Xls, WhatTheFormatLacksBecomesTheLastValueWithAWarning)
 
 TEST(Xls, RefusesWhatDoesNotFitBeforeWriting)
 {
-    for (const CellAddress at : {CellAddress{1, 65'537}, CellAddress{257, 1}}) {
+    const struct {
+        CellAddress at;
+        const char* named;
+    } cases[] = {{{1, 65'537}, "表“Sheet1”用到第 65537 行"}, {{257, 1}, "表“Sheet1”用到第 IW 列"}};
+    for (const auto& [at, named] : cases) {
         Workbook workbook;
         workbook.sheet(1).setNumber(at, 1);
         Warnings warnings;
-        EXPECT_THROW(writeXls(workbook, warnings), ContentError);
+        EXPECT_THAT([&] { writeXls(workbook, warnings); },
+                    testing::ThrowsMessage<ContentError>(testing::StartsWith(named)));
     }
     Workbook workbook, found;
     workbook.sheet(1).setNumber({256, 65'536}, 1);

@@ -198,7 +198,10 @@ TEST(XlsxLosses, AreNamedAndCounted)
          "<dataValidations><dataValidation type=\"whole\"/><dataValidation type=\"list\"><formula1>$A$1:$A$9"
          "</formula1></dataValidation><dataValidation/></dataValidations>"
          "<hyperlinks><hyperlink/></hyperlinks><drawing r:id=\"r1\"/>",
-         "<sheetData/><conditionalFormatting><cfRule/></conditionalFormatting>"});
+         "<sheetData/><conditionalFormatting><cfRule/></conditionalFormatting>"},
+        "<definedNames><definedName name=\"宏\" function=\"1\">1</definedName>"
+        "<definedName name=\"_xlnm.Criteria\">甲!$A$1</definedName>"
+        "<definedName name=\"过程\" vbProcedure=\"1\">1</definedName></definedNames>");
     parts.emplace_back("xl/worksheets/_rels/sheet1.xml.rels",
                        relations({{"/drawing", "../d.xml"}, {"/pivotTable", "../p.xml"}}));
     parts.emplace_back("xl/d.xml", "<wsDr><twoCellAnchor><from/><pic/></twoCellAnchor><oneCellAnchor><pic/>"
@@ -211,7 +214,8 @@ TEST(XlsxLosses, AreNamedAndCounted)
                     "1 张表的标签颜色没有引入", "1 处列的分级显示没有引入", "2 行的分级显示没有引入",
                     "1 处自动筛选没有引入", "4 条条件格式没有引入", "1 条数据有效性没有引入",
                     "1 条从单元格取项目的下拉列表没有引入", "1 处超链接没有引入,文字保留", "2 张图片没有引入",
-                    "1 个图表没有引入", "1 个数据透视表只引入了单元格的值"));
+                    "1 个图表没有引入", "1 个数据透视表只引入了单元格的值", "2 个宏的名称没有引入"));
+    EXPECT_EQ(workbook.names().size(), 0);
 }
 
 TEST(XlsxArchive, PartsNeedNotBeCompressed)
