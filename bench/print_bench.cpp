@@ -70,7 +70,7 @@ int main(int argc, char** argv)
     std::printf("   (%d pages)\n", pages);
 
     const double showing = bestSeconds(
-        5, [] {},
+        40, [] {},
         [&] {
             PreviewWidget preview;
             preview.resize(1280, 800);

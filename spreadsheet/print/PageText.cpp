@@ -1,5 +1,6 @@
 #include "spreadsheet/print/PageText.h"
 
+#include "spreadsheet/print/GlyphPictures.h"
 #include "spreadsheet/print/GlyphRecord.h"
 
 #include <QPainter>
@@ -173,9 +174,11 @@ void PageText::draw(QPainter& painter, QPointF baseline, const TextLine& line, Q
             m_ink->drawGlyphs(painter, baseline, run, colour);
             continue;
         }
-        painter.setPen(colour);
         if (m_record)
             m_record->draw(run);
+        if (GlyphPictures::shared().draw(painter, baseline, run, colour))
+            continue;
+        painter.setPen(colour);
         painter.drawGlyphRun(baseline, run);
     }
 }
