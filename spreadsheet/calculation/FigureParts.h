@@ -34,6 +34,28 @@ struct FigureParts {
     void setNonlinear(std::string_view function);
 };
 
+/// Elements row by row. A single one, as nearly all are, asks for no memory beside.
+class FigurePartsList {
+public:
+    explicit FigurePartsList(std::size_t count)
+        : m_several(count == 1 ? 0 : count)
+    {
+    }
+    std::size_t size() const { return m_several.empty() ? 1 : m_several.size(); }
+    FigureParts* begin() { return m_several.empty() ? &m_single : m_several.data(); }
+    FigureParts* end() { return begin() + size(); }
+    const FigureParts* begin() const { return m_several.empty() ? &m_single : m_several.data(); }
+    const FigureParts* end() const { return begin() + size(); }
+    FigureParts& front() { return *begin(); }
+    const FigureParts& front() const { return *begin(); }
+    FigureParts& operator[](std::size_t at) { return begin()[at]; }
+    const FigureParts& operator[](std::size_t at) const { return begin()[at]; }
+
+private:
+    FigureParts m_single;
+    std::vector<FigureParts> m_several;
+};
+
 /// … for each element of an array.
 struct FigureElements {
     FigureElements(int rowCount, int columnCount)
@@ -57,7 +79,7 @@ struct FigureElements {
 
     int rows;
     int columns;
-    std::vector<FigureParts> parts; ///< row by row
+    FigurePartsList parts;
 };
 
 /// What is known of an operand beside its value. Null: a reference, whose cells know, or a value that depends

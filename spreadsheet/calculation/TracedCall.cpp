@@ -59,11 +59,20 @@ TracedCall::Element TracedCall::single(std::size_t argument) const
     const Operand& operand = m_operands[argument];
     if (m_traces[argument])
         return {singleValue(operand, m_place), m_traces[argument]->parts.front()};
+    if (operand.isValue())
+        return {operand.value(), {}};
     const Areas areas = operand.areas();
     if (areas.size() == 1)
         if (const auto found = intersected(m_place, areas.front().cells))
             return cell(areas.front().sheet, *found);
     return {singleValue(operand, m_place), {}};
+}
+
+bool TracedCall::singleDependsOnCalls(std::size_t argument) const
+{
+    if (const FigureTrace& trace = m_traces[argument])
+        return trace->parts.front().dependsOnCalls();
+    return m_operands[argument].isReference() && single(argument).parts.dependsOnCalls();
 }
 
 int TracedCall::rows(std::size_t argument) const

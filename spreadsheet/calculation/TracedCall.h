@@ -47,6 +47,7 @@ public:
     };
     /// The single value that an operator takes of an argument.
     Element single(std::size_t argument) const;
+    bool singleDependsOnCalls(std::size_t argument) const;
     Element cell(int sheet, CellAddress cell) const;
 
     int rows(std::size_t argument) const;    ///< up to the used part of the sheet

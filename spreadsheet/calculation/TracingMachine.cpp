@@ -6,6 +6,7 @@
 #include "spreadsheet/formula/FormulaPool.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace spreadsheet {
@@ -14,6 +15,25 @@ namespace spreadsheet {
 // were; only what makes calls, or runs formulas within formulas, is gone through here.
 
 namespace {
+
+bool isConstant(Op op)
+{
+    return op == Op::number || op == Op::text || op == Op::boolean || op == Op::missing;
+}
+
+/// Where a custom function is called with the constants that begin at a position and nothing else; -1: it is
+/// not.
+int callOfConstants(const Formula& formula, int position, int end)
+{
+    int call = position;
+    while (call < end && isConstant(formula.code[static_cast<std::size_t>(call)].op))
+        ++call;
+    if (call == position || call == end)
+        return -1;
+    const Instruction& instruction = formula.code[static_cast<std::size_t>(call)];
+    const bool takesAll = static_cast<int>(instruction.count) == call - position;
+    return instruction.op == Op::callCustom && takesAll ? call : -1;
+}
 
 bool isSeveral(const Operand& operand)
 {
@@ -97,6 +117,12 @@ void TracingMachine::runTraced(const Formula& formula, int first, int end, const
     const std::size_t base = m_stack.size();
     Conditions conditions;
     for (int position = first; position < end;) {
+        const int call = callOfConstants(formula, position, end);
+        if (call >= 0 && (conditions.empty() || conditions.back() > call)) {
+            answerTraced(formula, formula.code[static_cast<std::size_t>(call)], false, place);
+            position = call + 1;
+            continue;
+        }
         position = stepTraced(formula, formula.code[static_cast<std::size_t>(position)], position, place,
                               conditions);
         for (; !conditions.empty() && position >= conditions.back(); conditions.pop_back())
@@ -104,8 +130,10 @@ void TracingMachine::runTraced(const Formula& formula, int first, int end, const
     }
     if (m_stack.size() == base)
         return pushTraced({});
-    Operand result = m_stack.back();
-    FigureTrace trace = m_traces.back();
+    if (m_stack.size() == base + 1)
+        return;
+    Operand result = std::move(m_stack.back());
+    FigureTrace trace = std::move(m_traces.back());
     dropTraced(m_stack.size() - base);
     pushTraced(std::move(result), std::move(trace));
 }
@@ -168,13 +196,15 @@ void TracingMachine::operatorTraced(const Formula& formula, const Instruction& i
     const bool isSign =
         instruction.op == Op::negate || instruction.op == Op::plus || instruction.op == Op::percent;
     const std::size_t count = isSign ? 1 : 2;
-    const std::vector<Operand> operands(m_stack.end() - static_cast<std::ptrdiff_t>(count), m_stack.end());
-    const std::vector<FigureTrace> traces(m_traces.end() - static_cast<std::ptrdiff_t>(count),
-                                          m_traces.end());
+    std::array<Operand, 2> operands;
+    std::array<FigureTrace, 2> traces;
+    std::copy(m_stack.end() - static_cast<std::ptrdiff_t>(count), m_stack.end(), operands.begin());
+    std::move(m_traces.end() - static_cast<std::ptrdiff_t>(count), m_traces.end(), traces.begin());
     step(formula, instruction, position, place);
     m_traces.resize(m_stack.size() - 1);
     const Operand& result = m_stack.back();
-    const TracedCall call(operatorText(instruction.op), place, m_cells, operands, traces, result);
+    const TracedCall call(operatorText(instruction.op), place, m_cells, std::span(operands).first(count),
+                          std::span(traces).first(count), result);
     m_traces.push_back(operatorTrace(instruction, call, result));
 }
 
@@ -185,9 +215,9 @@ FigureTrace TracingMachine::operatorTrace(const Instruction& instruction, const 
         instruction.op == Op::unite)
         return instruction.op == Op::plus ? call.trace(0) : nullptr;
     const bool from1904 = m_book.countsFrom1904;
-    const auto combined = [&](const TracedCall::Element& left, auto&& right, const Value& value) {
-        return call.count() == 1 ? partsOfSign(instruction.op, asNumber(left, from1904))
-                                 : partsOfOperator(instruction.op, left, right(), value, from1904);
+    const auto combined = [&](TracedCall::Element left, auto&& right, const Value& value) {
+        return call.count() == 1 ? partsOfSign(instruction.op, asNumber(std::move(left), from1904))
+                                 : partsOfOperator(instruction.op, std::move(left), right(), value, from1904);
     };
     if (!isSeveral(result)) {
         const auto right = [&] { return call.single(1); };
@@ -257,14 +287,23 @@ void TracingMachine::customTraced(const Formula& formula, const Instruction& ins
                                   const EvaluationPlace& place)
 {
     const TracedCall call = traced({}, instruction.count, m_nothing, place);
-    FigurePart part;
-    part.kind = FigurePart::Kind::call;
+    bool isByCondition = false;
     for (std::size_t argument = 0; argument < call.count(); ++argument)
-        part.isByCondition = call.single(argument).parts.dependsOnCalls() || part.isByCondition;
+        isByCondition = call.singleDependsOnCalls(argument) || isByCondition;
     dropTraced(instruction.count);
+    answerTraced(formula, instruction, isByCondition, place);
+}
+
+/// What a call of a custom function handed back in the last calculation.
+void TracingMachine::answerTraced(const Formula& formula, const Instruction& instruction, bool isByCondition,
+                                  const EvaluationPlace& place)
+{
     const int custom = formula.customs[static_cast<std::size_t>(instruction.index)];
     if (!m_book.formulas.customs()[custom].handler)
         return pushTraced(CellError::name);
+    FigurePart part;
+    part.kind = FigurePart::Kind::call;
+    part.isByCondition = isByCondition;
     part.call = m_calls++;
     FigureParts parts;
     parts.parts.push_back(part);
@@ -283,7 +322,7 @@ int TracingMachine::branchTraced(const Formula& formula, const Instruction& inst
     for (std::size_t operand = 0; operand < asked; ++operand) {
         if (chooses(call.operand(operand), instruction))
             return branchesTraced(formula, instruction, position, place);
-        depends = call.single(operand).parts.dependsOnCalls() || depends;
+        depends = call.singleDependsOnCalls(operand) || depends;
     }
     const std::size_t before = m_stack.size();
     const int next = branch(formula, instruction, position, place);

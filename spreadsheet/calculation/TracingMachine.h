@@ -34,6 +34,8 @@ private:
     void callTraced(const FunctionDescriptor& function, std::size_t count, bool arrayMode,
                     const EvaluationPlace& place);
     void customTraced(const Formula& formula, const Instruction& instruction, const EvaluationPlace& place);
+    void answerTraced(const Formula& formula, const Instruction& instruction, bool isByCondition,
+                      const EvaluationPlace& place);
     int branchTraced(const Formula& formula, const Instruction& instruction, int position,
                      const EvaluationPlace& place, Conditions& conditions);
     int branchesTraced(const Formula& formula, const Instruction& instruction, int position,

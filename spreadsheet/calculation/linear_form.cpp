@@ -148,7 +148,9 @@ void Cone::handOn(const Node& node, LinearForm& form)
 void gather(std::vector<LinearTerm>& terms)
 {
     const auto place = [](const LinearTerm& term) { return std::pair(term.cell, term.call); };
-    std::ranges::stable_sort(terms, {}, place);
+    std::ranges::reverse(terms); // mostly that is their order
+    if (!std::ranges::is_sorted(terms, {}, place))
+        std::ranges::stable_sort(terms, {}, place);
     std::vector<LinearTerm> gathered;
     for (const LinearTerm& term : terms) {
         if (gathered.empty() || place(gathered.back()) != place(term)) {

@@ -194,11 +194,11 @@ const LinearRule* linearRule(std::string_view function)
     return found == ruleTable.end() ? nullptr : &*found;
 }
 
-FigureParts partsOfOperator(Op op, const TracedCall::Element& left, const TracedCall::Element& right,
-                            const Value& result, bool from1904)
+FigureParts partsOfOperator(Op op, TracedCall::Element left, TracedCall::Element right, const Value& result,
+                            bool from1904)
 {
-    FigureParts first = asNumber(left, from1904);
-    const FigureParts second = asNumber(right, from1904);
+    FigureParts first = asNumber(std::move(left), from1904);
+    const FigureParts second = asNumber(std::move(right), from1904);
     const bool isProduct = op == Op::multiply && !(first.dependsOnCalls() && second.dependsOnCalls());
     if (result.isNumber() && (op == Op::add || op == Op::subtract)) {
         first.add(second, op == Op::add ? 1 : -1);

@@ -21,8 +21,8 @@ const LinearRule* linearRule(std::string_view function);
 std::string_view operatorText(Op op);
 
 /// Of an operator between two values, some of which depend on calls, or of a sign or percent of one.
-FigureParts partsOfOperator(Op op, const TracedCall::Element& left, const TracedCall::Element& right,
-                            const Value& result, bool from1904);
+FigureParts partsOfOperator(Op op, TracedCall::Element left, TracedCall::Element right, const Value& result,
+                            bool from1904);
 FigureParts partsOfSign(Op op, FigureParts operand);
 
 /// Whether it depends on calls which cell a function has found that came to a reference.
