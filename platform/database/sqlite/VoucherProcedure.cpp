@@ -76,6 +76,13 @@ std::string codeCondition(std::string_view codes, std::vector<SqlValue>& values)
     return (isPattern ? "i.fNumber like " : "i.fNumber=") + place(values, std::move(code));
 }
 
+std::string ofPeriods(const std::string& voucher, const std::string& year, const std::string& first,
+                      const std::string& last)
+{
+    return " and " + voucher + ".fYear=" + year + " and " + voucher + ".fPeriod>=" + first + " and " +
+           voucher + ".fPeriod<=" + last;
+}
+
 } // namespace
 
 VoucherProcedure::VoucherProcedure(const SqliteDatabase& database)
@@ -141,11 +148,15 @@ ProcedureResult VoucherProcedure::run(const ProcedureCall& call)
     const auto last = wholeNumber(call, "fPeriod2");
     const std::string latestYear = "(select max(fYear) from tblAccountBal)";
     const std::string ofYear = year ? place(values, *year) : latestYear;
-    rows += " and v.fYear=" + ofYear;
-    rows += " and v.fPeriod>=" + place(values, wholeNumber(call, "fPeriod1").value_or(1));
-    rows += " and v.fPeriod<=" +
-            (last ? place(values, *last)
-                  : "(select ifnull(max(fPeriod),1) from tblAccountBal where fYear=" + ofYear + ")");
+    const std::string first = place(values, wholeNumber(call, "fPeriod1").value_or(1));
+    const std::string until =
+        last ? place(values, *last)
+             : "(select ifnull(max(fPeriod),1) from tblAccountBal where fYear=" + ofYear + ")";
+    rows += ofPeriods("v", ofYear, first, until);
+    // Vouchers are numbered about as they are posted, so most lines of other periods are not even looked at.
+    const std::string bound =
+        "(fvoucherid) from tblVoucher as p where 1=1" + ofPeriods("p", ofYear, first, until);
+    rows += " and e.fvoucherid>=(select min" + bound + ") and e.fvoucherid<=(select max" + bound + ")";
     rows += itemConditions(trimmedParameter(call, "items"), values);
     result.returnValue = 1;
     SqliteStatement& totals = m_statements.statement(std::string(below) + std::string(totalColumns) + rows +
