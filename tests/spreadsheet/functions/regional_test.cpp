@@ -30,6 +30,7 @@ TEST(RegionalFunctions, ThaiWords)
         {"THAINUMSOUND(111.05)", "\"หนึ่งร้อยสิบเอ็ดจุดศูนย์ห้า\""},
         {"THAINUMSTRING(12)", "\"หนึ่งสอง\""},
         {"THAIDIGIT(\"7-90\")", "\"๗-๙๐\""},
+        {"ISTHAIDIGIT(\"๗七๐\")", "FALSE"},
         {"ISTHAIDIGIT(\"๗๙\")&ISTHAIDIGIT(\"๗9๐\")&ISTHAIDIGIT(\"\")", "\"TRUEFALSEFALSE\""},
         {"THAISTRINGLENGTH(\"ที่นี่ab\")", "4"},
         {"THAIDAYOFWEEK(40607)&THAIMONTHOFYEAR(40607)&THAIYEAR(40607)", "\"วันเสาร์มีนาคม2554\""},

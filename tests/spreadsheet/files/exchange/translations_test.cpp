@@ -150,6 +150,7 @@ TEST(Texts, EncodingsThereAndBack)
     const std::string text = "a é 文 𠮷";
     EXPECT_EQ(utf8Of(utf16Of(text)), text);
     EXPECT_EQ(utf8Of(u"\xD800x"), "\uFFFDx");
+    EXPECT_EQ(utf16Of("\xE6x文"), u"\uFFFDx文") << "only the byte that leads nowhere is lost";
     EXPECT_FALSE(isUtf8("\xC0\x80"));
     EXPECT_FALSE(isUtf8("\xED\xA0\x80"));
     EXPECT_EQ(CodePage("GB18030").decoded(CodePage("GB18030").encoded(text)), text);

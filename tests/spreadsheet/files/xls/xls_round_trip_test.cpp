@@ -55,6 +55,29 @@ TEST(Xls, RoundTripKeepsEverything)
     expectSame(workbook, found);
 }
 
+/// Programs that show notes trust what a text's record says of the two that go on with it.
+TEST(Xls, TextsOfNotesAnnounceTheirCharactersAndRuns)
+{
+    const std::vector<std::byte> bytes = sampleStream();
+    RecordStream stream(bytes);
+    int notes = 0;
+    while (stream.next()) {
+        if (stream.record().id != xls::textObject)
+            continue;
+        ++notes;
+        ASSERT_EQ(stream.record().size(), 18U);
+        const std::size_t characters = stream.record().wordAt(10), runs = stream.record().wordAt(12);
+        ASSERT_TRUE(stream.next());
+        const bool wide = stream.record().byteAt(0) != 0;
+        EXPECT_EQ(stream.record().size(), 1 + characters * (wide ? 2 : 1));
+        ASSERT_TRUE(stream.next());
+        EXPECT_EQ(stream.record().id, xls::continued);
+        EXPECT_EQ(stream.record().size(), runs);
+        EXPECT_EQ(stream.record().wordAt(8), characters) << "where the last run ends";
+    }
+    EXPECT_GT(notes, 0);
+}
+
 TEST(Xls, WhatTheFormatLacksBecomesTheLastValueWithAWarning)
 {
     Workbook workbook, found;

@@ -21,7 +21,7 @@ std::string relations(const std::vector<std::pair<std::string, std::string>>& ta
     return xml + "</Relationships>";
 }
 
-/// A workbook of sheets "甲", "乙" … with what stands behind the list of sheets.
+/// A workbook of sheets "甲", "乙", "丙", "表4" … with what stands behind the list of sheets.
 Parts workbookOfSheets(const std::vector<std::string>& sheets, const std::string& behind = {})
 {
     static constexpr const char* names[]{"甲", "乙", "丙"};
@@ -30,8 +30,8 @@ Parts workbookOfSheets(const std::vector<std::string>& sheets, const std::string
     Parts parts{{"_rels/.rels", relations({{"/officeDocument", "/xl/workbook.xml"}})}};
     for (std::size_t i = 0; i < sheets.size(); ++i) {
         const std::string number = std::to_string(i + 1);
-        list += "<sheet name=\"" + std::string(names[i]) + "\" sheetId=\"" + number + "\" r:id=\"r" + number +
-                "\"/>";
+        list += "<sheet name=\"" + (i < std::size(names) ? names[i] : "表" + number) + "\" sheetId=\"" +
+                number + "\" r:id=\"r" + number + "\"/>";
         targets.emplace_back("/worksheet", "worksheets/sheet" + number + ".xml");
         if (!sheets[i].empty())
             parts.emplace_back("xl/worksheets/sheet" + number + ".xml",
@@ -232,6 +232,21 @@ TEST(XlsxArchive, PartsNeedNotBeCompressed)
     ASSERT_NE(place, file.end());
     *(place + 3) = std::byte('8');
     EXPECT_THROW(readXlsx(file, workbook, warnings), ContentError) << "no longer what was summed up";
+}
+
+TEST(XlsxLosses, SheetsBeyondTheMostAreLeftOut)
+{
+    std::vector<std::string> sheets(maxSheets + 1, "<sheetData/>");
+    sheets.front() = cellsOf({"1+1"});
+    sheets.back() = cellsOf({"2+2", "3+3"});
+    const TestFolder folder;
+    Workbook workbook;
+    Warnings warnings;
+    readXlsx(archive(folder, workbookOfSheets(sheets)), workbook, warnings);
+    EXPECT_EQ(workbook.sheetCount(), maxSheets);
+    EXPECT_EQ(workbook.sheet(1).formula({6, 1}), "1+1");
+    EXPECT_EQ(workbook.sheet(1).lastDataRow(), 1);
+    EXPECT_THAT(warnings.texts(), testing::ElementsAre("工作表超过 256 张,其余的没有引入"));
 }
 
 TEST(XlsxLosses, ASheetWithoutItsPartIsEmpty)
