@@ -167,20 +167,29 @@ void PageText::nameGlyphs(const QTextLayout& layout, const QTextLine& line, cons
     }
 }
 
-void PageText::draw(QPainter& painter, QPointF baseline, const TextLine& line, QColor colour)
+void PageText::draw(QPainter& painter, QPointF baseline, const TextLine& line, QColor colour, double degrees)
 {
+    if (m_ink) {
+        for (const QGlyphRun& run : line.runs)
+            m_ink->drawGlyphs(painter, baseline, run, colour, degrees);
+        return;
+    }
+    const QTransform before = painter.transform();
+    if (degrees != 0) {
+        painter.translate(baseline);
+        painter.rotate(-degrees);
+        baseline = {};
+    }
     for (const QGlyphRun& run : line.runs) {
-        if (m_ink) {
-            m_ink->drawGlyphs(painter, baseline, run, colour);
-            continue;
-        }
         if (m_record)
             m_record->draw(run);
-        if (GlyphPictures::shared().draw(painter, baseline, run, colour))
+        if (degrees == 0 && GlyphPictures::shared().draw(painter, baseline, run, colour))
             continue;
         painter.setPen(colour);
         painter.drawGlyphRun(baseline, run);
     }
+    if (degrees != 0)
+        painter.setTransform(before);
 }
 
 } // namespace spreadsheet

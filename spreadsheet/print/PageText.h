@@ -25,8 +25,9 @@ class GlyphInk {
 public:
     virtual ~GlyphInk() = default;
     /// @param baseline  left end of the run, in the painter's units
-    virtual void drawGlyphs(QPainter& painter, QPointF baseline, const QGlyphRun& run,
-                            const QColor& colour) = 0;
+    /// @param degrees   against the clock, around that point
+    virtual void drawGlyphs(QPainter& painter, QPointF baseline, const QGlyphRun& run, const QColor& colour,
+                            double degrees) = 0;
 };
 
 /// A text laid out in one line, ready to be drawn.
@@ -61,7 +62,8 @@ public:
     std::vector<TextLine> lines(const QString& text, const QFont& font,
                                 std::optional<double> wrapWidth = std::nullopt);
 
-    void draw(QPainter& painter, QPointF baseline, const TextLine& line, QColor colour);
+    /// @param degrees  against the clock, around the line's left end
+    void draw(QPainter& painter, QPointF baseline, const TextLine& line, QColor colour, double degrees = 0);
 
 private:
     struct Key {

@@ -134,7 +134,8 @@ public:
         // pages have none
     }
 
-    void drawGlyphs(const QPainter& painter, QPointF baseline, const QGlyphRun& run, const QColor& colour)
+    void drawGlyphs(const QPainter& painter, QPointF baseline, const QGlyphRun& run, const QColor& colour,
+                    double degrees)
     {
         const GlyphRecord::Drawn drawn = m_record.draw(run);
         const QTransform transform = painter.deviceTransform();
@@ -148,7 +149,10 @@ public:
             m_page.word("2 Tr");
         }
         m_page.word("BT");
-        placeGlyphs(run, drawn, transform.map(baseline), transform.m11(), size);
+        const QTransform turn =
+            QTransform::fromTranslate(transform.map(baseline).x(), transform.map(baseline).y())
+                .rotate(-degrees);
+        placeGlyphs(run, drawn, turn, transform.m11(), size);
         m_page.word("ET");
         if (drawn.isThickened)
             m_page.word("0 Tr");
@@ -244,15 +248,23 @@ private:
         m_page.word(fills && strokes ? "B" : fills ? "f" : strokes ? "S" : "n");
     }
 
-    void placeText(QPointF place, bool isSlanted)
+    /// @param turn  of the letters' directions
+    void placeText(QPointF place, const QTransform& turn, bool isSlanted)
     {
-        m_page.text() += "1 0 ";
-        m_page.fraction(isSlanted ? slant : 0).number(-1).point(place).word("Tm");
+        const double slanted = isSlanted ? slant : 0;
+        if (turn.isRotating())
+            m_page.fraction(turn.m11())
+                .fraction(turn.m12())
+                .fraction(slanted * turn.m11() - turn.m21())
+                .fraction(slanted * turn.m12() - turn.m22());
+        else
+            m_page.number(1).number(0).fraction(slanted).number(-1);
+        m_page.point(place).word("Tm");
     }
 
     /// A text goes on by the widths that its font tells; where the run goes on otherwise, that is written.
-    void placeGlyphs(const QGlyphRun& run, const GlyphRecord::Drawn& drawn, QPointF origin, double scale,
-                     double size)
+    void placeGlyphs(const QGlyphRun& run, const GlyphRecord::Drawn& drawn, const QTransform& turn,
+                     double scale, double size)
     {
         constexpr double noticed = 2; // thousandths of the font size
         const QList<quint32> glyphs = run.glyphIndexes();
@@ -264,7 +276,7 @@ private:
             if (!isOpen || place.y() != height) {
                 if (isOpen)
                     m_page.word(">] TJ");
-                placeText(origin + place, drawn.isSlanted);
+                placeText(turn.map(place), turn, drawn.isSlanted);
                 m_page.text() += "[<";
                 expected = place.x();
                 height = place.y();
@@ -314,9 +326,10 @@ QByteArray PdfCanvas::content() const
     return m_engine->content();
 }
 
-void PdfCanvas::drawGlyphs(QPainter& painter, QPointF baseline, const QGlyphRun& run, const QColor& colour)
+void PdfCanvas::drawGlyphs(QPainter& painter, QPointF baseline, const QGlyphRun& run, const QColor& colour,
+                           double degrees)
 {
-    m_engine->drawGlyphs(painter, baseline, run, colour);
+    m_engine->drawGlyphs(painter, baseline, run, colour, degrees);
 }
 
 QPaintEngine* PdfCanvas::paintEngine() const

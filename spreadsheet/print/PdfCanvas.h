@@ -27,7 +27,8 @@ public:
     /// What was painted since then.
     QByteArray content() const;
 
-    void drawGlyphs(QPainter& painter, QPointF baseline, const QGlyphRun& run, const QColor& colour) override;
+    void drawGlyphs(QPainter& painter, QPointF baseline, const QGlyphRun& run, const QColor& colour,
+                    double degrees) override;
     QPaintEngine* paintEngine() const override;
 
 protected:

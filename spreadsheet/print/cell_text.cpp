@@ -95,6 +95,8 @@ void CellTextPainter::drawCell(const PageCell& cell, const PageBox& box, const R
 void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const Room* neighbours)
 {
     const CellStyle& style = *cell.style;
+    if (const TextTurn turn = turnOf(style); !turn.isNone())
+        return drawTurned(cell, box, turn);
     const QFont& font = fontOf(m_text, style.font);
     const double twip = m_text.twip();
     const TextEdges edges = edgesOf(cell, box);
@@ -137,6 +139,55 @@ void CellTextPainter::drawText(const PageCell& cell, const PageBox& box, const R
         m_painter.restore();
 }
 
+/// The lines of a turned text; signs for a figure that does not fit.
+std::vector<TextLine> CellTextPainter::turnedLines(const PageCell& cell, QSizeF room, const TextTurn& turn)
+{
+    const CellStyle& style = *cell.style;
+    const QFont& font = fontOf(m_text, style.font);
+    const double height = style.font.points * twipsPerPoint * m_text.twip() * lineDistance;
+    if (turn.isStacked) {
+        const QString letters = stackedLetters(cell.text);
+        const bool isCut = static_cast<double>(letters.count('\n') + 1) * height > room.height();
+        return m_text.lines(cell.isFigure && isCut ? QStringLiteral("#") : letters, font);
+    }
+    const bool wraps = style.wrap && turn.isUpright() && !cell.isFigure;
+    std::vector<TextLine> lines =
+        m_text.lines(cell.text, font, wraps ? std::optional<double>(room.height()) : std::nullopt);
+    const double longest = turn.longestLine(room, height);
+    return cell.isFigure && widest(lines) > longest ? m_text.lines(numberSigns(m_text, font, longest), font)
+                                                    : lines;
+}
+
+void CellTextPainter::drawTurned(const PageCell& cell, const PageBox& box, const TextTurn& turn)
+{
+    const CellStyle& style = *cell.style;
+    const double twip = m_text.twip(), em = style.font.points * twipsPerPoint * twip,
+                 padding = paddingDown * twip;
+    const TextEdges edges = edgesOf(cell, box);
+    const QSizeF room(std::max(edges.right - edges.left, 0.0), std::max(box.height - padding, 0.0));
+    const std::vector<TextLine> lines = turnedLines(cell, room, turn);
+    const QSizeF block(widest(lines), em * lineDistance * static_cast<double>(lines.size()));
+    const QSizeF extent = turn.extent(block);
+    const QRectF place(leftOf(cell.alignment, edges.left, edges.right, extent.width()),
+                       topOf(style.vertical, box, extent.height(), false, padding), extent.width(),
+                       extent.height());
+    m_painter.save();
+    m_painter.setRenderHint(QPainter::Antialiasing); // of oblique lines under and through it
+    if (!QRectF(rectOf(box)).contains(place))
+        m_painter.setClipRect(rectOf(box), Qt::IntersectClip);
+    const QColor colour = printColour(cell.colour, 0x000000, m_inColour);
+    double down = baselineInLine * em - block.height() / 2;
+    for (const TextLine& line : lines) {
+        const double across = turn.isStacked ? -line.width / 2 : -block.width() / 2;
+        const QPointF start = place.center() + turn.turned({across, down});
+        m_text.draw(m_painter, start, line, colour, turn.degrees);
+        drawDecoration(m_painter, start, line.width, em, {style.font.underline, style.font.strikeThrough},
+                       colour, turn);
+        down += em * lineDistance;
+    }
+    m_painter.restore();
+}
+
 double CellTextPainter::paddingAcross() const
 {
     return m_cells.sheet().settings().print.textDistance * m_text.twip();
@@ -156,7 +207,7 @@ void CellTextPainter::drawTextFromPageBefore()
     if (!m_cells.isBlank(m_row, 0) || m_cells.column(0).index == 1)
         return;
     const auto before = m_cells.textBefore(m_row);
-    if (!before || before->cell.isFigure || before->cell.style->wrap)
+    if (!before || before->cell.isFigure || before->cell.style->wrap || !turnOf(*before->cell.style).isNone())
         return;
     const double width = widest(m_text.lines(before->cell.text, fontOf(m_text, before->cell.style->font)));
     const TextEdges edges = edgesOf(before->cell, before->box);
@@ -174,7 +225,7 @@ void CellTextPainter::drawTextFromPageBehind()
         return;
     const auto behind = m_cells.textBehind(m_row);
     if (!behind || behind->cell.alignment == HorizontalAlignment::left || behind->cell.isFigure ||
-        behind->cell.style->wrap)
+        behind->cell.style->wrap || !turnOf(*behind->cell.style).isNone())
         return;
     const double width = widest(m_text.lines(behind->cell.text, fontOf(m_text, behind->cell.style->font)));
     const TextEdges edges = edgesOf(behind->cell, behind->box);

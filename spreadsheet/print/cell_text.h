@@ -8,6 +8,8 @@ class QPainter;
 namespace spreadsheet {
 
 class PageText;
+struct TextLine;
+struct TextTurn;
 
 /// A text that ran out of its cell: no grid line is drawn between the places first..last of its row.
 struct TextOverflow {
@@ -20,9 +22,9 @@ struct TextOverflow {
 ///
 /// Figures that do not fit show as "####". Other single-line texts run into blank neighbours on the side
 /// away from their alignment, over the page's edge onto the page beside it too, and are cut where a neighbour
-/// is in use; wrapped texts break at the cell's width and are cut at its height, their end first. In a span
-/// that goes on over several pages the text stands in each page's part. Units are those of `text` and of the
-/// cells' tracks.
+/// is in use; wrapped texts break at the cell's width and are cut at its height, their end first. Turned
+/// texts stay in their cell. In a span that goes on over several pages the text stands in each page's part.
+/// Units are those of `text` and of the cells' tracks.
 /// @param rightLimit  how far texts may run beyond the page's last column
 class CellTextPainter {
 public:
@@ -52,6 +54,8 @@ private:
 
     void drawCell(const PageCell& cell, const PageBox& box, const Room* neighbours);
     void drawText(const PageCell& cell, const PageBox& box, const Room* neighbours);
+    void drawTurned(const PageCell& cell, const PageBox& box, const TextTurn& turn);
+    std::vector<TextLine> turnedLines(const PageCell& cell, QSizeF room, const TextTurn& turn);
     void drawTextFromPageBefore();
     void drawTextFromPageBehind();
     TextOverflow reached(double left, double right, const Room& room) const;

@@ -2,6 +2,7 @@
 
 #include "spreadsheet/display/cell_indent.h"
 #include "spreadsheet/print/PageText.h"
+#include "spreadsheet/print/turned_text.h"
 #include "spreadsheet/workbook/TallCells.h"
 
 #include <algorithm>
@@ -35,11 +36,29 @@ bool isFigure(const Value& value)
 struct NeededLines {
     double em = 0; ///< twips
     std::size_t count = 0;
+    double turned = 0; ///< height of turned lines; 0: of plain ones
 
-    double whole() const { return em * lineDistance * static_cast<double>(count) + grownPadding; }
+    double whole() const
+    {
+        return (turned > 0 ? turned : em * lineDistance * static_cast<double>(count)) + grownPadding;
+    }
     /// The air above the first line may be cut.
     double least() const { return whole() - grownPadding - em * (lineDistance - 1) + leastLinePadding; }
 };
+
+/// In one line: one that wraps in a turned cell takes the height that there is.
+NeededLines neededTurned(const QString& shown, const CellStyle& style, const TextTurn& turn, PageText& text)
+{
+    const double em = style.font.points * twipsPerPoint;
+    if (style.wrap && turn.isUpright())
+        return {em, 1};
+    const QFont& font =
+        text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic});
+    const auto lines = text.lines(turn.isStacked ? stackedLetters(shown) : shown, font);
+    const double width = std::ranges::max_element(lines, {}, &TextLine::width)->width;
+    return {em, lines.size(),
+            turn.extent({width, em * lineDistance * static_cast<double>(lines.size())}).height()};
+}
 
 NeededLines neededLines(const Sheet& sheet, CellAddress cell, PageText& text)
 {
@@ -50,6 +69,8 @@ NeededLines neededLines(const Sheet& sheet, CellAddress cell, PageText& text)
     const CellStyle& style = sheet.style(cell);
     const bool wraps = style.wrap && !isFigure(sheet.value(cell));
     const double em = style.font.points * twipsPerPoint;
+    if (const TextTurn turn = turnOf(style); !turn.isNone())
+        return neededTurned(QString::fromUtf8(shown), style, turn, text);
     const int beside = 2 * sheet.settings().print.textDistance + indentOf(style, style.horizontal);
     const double width = std::max(widthOf(sheet, extent) - beside, 1);
     // Laying out takes long. No character is wider than the font is high, and none has more units than bytes.

@@ -84,6 +84,12 @@ void CellEditor::open(const FormulaContext& context, const QString& text, Mode m
     raise();
 }
 
+void CellEditor::setIndent(int pixels)
+{
+    setViewportMargins(pixels, 0, 0, 0);
+    fit();
+}
+
 void CellEditor::place(const QRect& cell, const QRect& limits)
 {
     m_cell = cell;
@@ -106,7 +112,8 @@ void CellEditor::fit()
 {
     if (!m_open)
         return;
-    const int margins = 2 * static_cast<int>(std::ceil(document()->documentMargin())) + cursorWidth() + 4;
+    const int margins = 2 * static_cast<int>(std::ceil(document()->documentMargin())) + cursorWidth() + 4 +
+                        viewportMargins().left();
     int wanted = 0;
     int lines = 0;
     const QString composed = textCursor().block().layout()->preeditAreaText();

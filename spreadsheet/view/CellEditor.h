@@ -28,6 +28,8 @@ public:
     /// @param limits  how far the editor may grow
     void open(const FormulaContext& context, const QString& text, Mode mode, const QRect& cell,
               const QRect& limits);
+    /// Room in pixels that the text leaves on its left.
+    void setIndent(int pixels);
     /// The cell's place after scrolling or zooming.
     void place(const QRect& cell, const QRect& limits);
     void close();

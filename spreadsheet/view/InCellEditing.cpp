@@ -1,6 +1,8 @@
 #include "spreadsheet/view/InCellEditing.h"
 
+#include "spreadsheet/display/cell_indent.h"
 #include "spreadsheet/values/characters.h"
+#include "spreadsheet/values/twips.h"
 #include "spreadsheet/view/CellEditor.h"
 #include "spreadsheet/view/commands/edited_text.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
@@ -37,6 +39,7 @@ InCellEditing::InCellEditing(SpreadsheetControl& control, CellAddress cell, Edit
     const Sheet& own = *sheet();
     m_editor->setFont(control.screenFont(own.style(cell).font));
     m_editor->setPalette(paperOf(own.style(cell)));
+    m_editor->setIndent(indentOnScreen());
     const QString text = QString::fromStdString(editedText(workbook, own, cell));
     m_editor->open({&workbook, control.cells().activeSheet(), cell}, text,
                    start == EditStart::keep ? CellEditor::Mode::edit : CellEditor::Mode::enter,
@@ -65,6 +68,17 @@ Sheet* InCellEditing::sheet() const
 {
     const int index = m_control.cells().workbook().sheetIndexOfId(m_sheetId);
     return index == 0 ? nullptr : &m_control.cells().workbook().sheet(index);
+}
+
+/// What is typed begins where the text will stand, unless that is at the right.
+int InCellEditing::indentOnScreen() const
+{
+    const CellStyle& style = sheet()->style(m_cell);
+    const bool isLeft =
+        style.horizontal == HorizontalAlignment::left ||
+        (style.horizontal == HorizontalAlignment::general && !sheet()->value(m_cell).isNumber());
+    return isLeft ? static_cast<int>(indentOf(style, style.horizontal) * m_control.zoom() / twipsPerPixel)
+                  : 0;
 }
 
 QString InCellEditing::text() const
@@ -108,8 +122,10 @@ void InCellEditing::place()
     QRect cell = m_control.cellRect(m_cell);
     if (away || cell.isEmpty()) // out of sight the text stays where it was
         cell = m_editor->geometry().adjusted(1, 1, -1, -1);
-    if (const Sheet* own = sheet())
+    if (const Sheet* own = sheet()) {
         m_editor->setFont(m_control.screenFont(own->style(m_cell).font));
+        m_editor->setIndent(indentOnScreen());
+    }
     m_editor->place(cell, m_control.cellArea());
 }
 

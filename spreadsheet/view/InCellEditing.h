@@ -33,6 +33,7 @@ public:
     CellEditor& editor();
     /// The sheet of the cell; null if it is gone.
     Sheet* sheet() const;
+    int indentOnScreen() const;
 
 private:
     EntryOutcome outcomeOf(const Refusal& problem);

@@ -5,6 +5,7 @@
 #include "spreadsheet/print/grown_rows.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageText.h"
+#include "spreadsheet/print/turned_text.h"
 #include "spreadsheet/view/commands/structure.h"
 #include "spreadsheet/workbook/Sheet.h"
 
@@ -59,8 +60,12 @@ int neededColumnWidth(const Sheet& sheet, int column)
                 continue;
             const QFont& font =
                 text.font({style.font.family.view(), style.font.points, style.font.bold, style.font.italic});
-            for (const TextLine& line : text.lines(shown, font))
-                needed = std::max(needed, line.width + taken);
+            const TextTurn turn = turnOf(style);
+            const auto lines = text.lines(turn.isStacked ? stackedLetters(shown) : shown, font);
+            const double height =
+                style.font.points * twipsPerPoint * lineDistance * static_cast<double>(lines.size());
+            for (const TextLine& line : lines)
+                needed = std::max(needed, turn.extent({line.width, height}).width() + taken);
         }
     if (needed == 0)
         return defaultColumnWidth;

@@ -61,7 +61,7 @@ bool TallCells::hasTallStyle(std::uint32_t number, CellAddress cell)
     if (m_styles[number] == unknown) {
         const CellStyle& style = m_sheet.style(cell);
         const bool isLarge = style.font.points * twipsPerPoint + leastLinePadding > m_usual;
-        m_styles[number] = style.wrap || isLarge ? tall : plain;
+        m_styles[number] = style.wrap || isLarge || style.carried.rotation != 0 ? tall : plain;
     }
     return m_styles[number] == tall;
 }

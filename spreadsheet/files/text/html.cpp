@@ -1,5 +1,6 @@
 #include "spreadsheet/files/text/html.h"
 
+#include "spreadsheet/display/cell_indent.h"
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/values/html_escape.h"
 #include "spreadsheet/values/twips.h"
@@ -90,6 +91,16 @@ std::string fontCss(const CellFont& font)
     return css;
 }
 
+/// @param shown  the side that texts are aligned to; general counts as left
+std::string indentCss(const CellStyle& style, HorizontalAlignment shown)
+{
+    const int indent = indentOf(style, shown);
+    if (indent == 0)
+        return {};
+    return (shown == HorizontalAlignment::right ? "padding-right:" : "padding-left:") + pointsText(indent) +
+           ";";
+}
+
 std::string styleCss(const CellStyle& style)
 {
     static constexpr std::array horizontals{"left", "right", "center"};
@@ -103,6 +114,7 @@ std::string styleCss(const CellStyle& style)
         css += std::string("text-align:") + horizontals[static_cast<std::size_t>(style.horizontal)] + ";";
     css += std::string("vertical-align:") + verticals[static_cast<std::size_t>(style.vertical)] + ";";
     css += style.wrap ? "white-space:pre-wrap;" : "white-space:pre;";
+    css += indentCss(style, style.horizontal);
     return css + lineCss("left", style.left) + lineCss("right", style.right) + lineCss("top", style.top) +
            lineCss("bottom", style.bottom);
 }
@@ -113,7 +125,11 @@ std::string numberCss(const Value& value, const CellStyle& style)
 {
     if (!value.isNumber())
         return {};
-    std::string css = style.horizontal == HorizontalAlignment::general ? "text-align:right" : "";
+    std::string css;
+    if (style.horizontal == HorizontalAlignment::general) {
+        const std::string indent = indentCss(style, HorizontalAlignment::right);
+        css = (indent.empty() ? "" : "padding-left:3px;" + indent) + "text-align:right";
+    }
     if (const Colour colour = textColour(value, style); colour != style.foreground)
         css += (css.empty() ? "color:" : ";color:") + colourText(colour);
     return css;

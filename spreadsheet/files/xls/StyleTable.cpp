@@ -161,8 +161,6 @@ std::uint32_t StyleTable::style(std::size_t cellFormat, bool isProtected)
         number = m_pool.intern(made(format, isProtected));
         if (format.isCrossed)
             m_warnings.count("{} 种单元格格式的斜线没有引入");
-        if (format.rotation != 0)
-            m_warnings.add("旋转的文字按水平方向显示");
     }
     return number;
 }

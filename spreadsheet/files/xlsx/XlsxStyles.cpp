@@ -195,8 +195,6 @@ void XlsxStyles::align(pugi::xml_node alignment, CellStyle& style) const
     readIndentAndTurn(attributeNamed(alignment, "indent").as_uint(),
                       attributeNamed(alignment, "textRotation").as_uint(), style);
     style.wrap = isTrue(attributeNamed(alignment, "wrapText"));
-    if (style.carried.rotation != 0)
-        m_warnings.add("旋转的文字按水平方向显示");
 }
 
 /// Of a format that cells use.

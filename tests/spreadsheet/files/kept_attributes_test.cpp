@@ -116,12 +116,12 @@ TEST(KeptAttributes, ComeBackFromEachFormat)
     checkAttributes(".xlsx", [](const Workbook& from, Workbook& to) {
         Warnings warnings;
         readXlsx(writeXlsx(from, warnings), to, warnings);
-        EXPECT_THAT(warnings.texts(), testing::ElementsAre(testing::HasSubstr("旋转的文字")));
+        EXPECT_THAT(warnings.texts(), testing::IsEmpty());
     });
     checkAttributes(".xls", [](const Workbook& from, Workbook& to) {
         Warnings warnings;
         readXls(writeXls(from, warnings), to, warnings);
-        EXPECT_THAT(warnings.texts(), testing::ElementsAre(testing::HasSubstr("旋转的文字")));
+        EXPECT_THAT(warnings.texts(), testing::IsEmpty());
     });
     checkAttributes(".ss7", [](const Workbook& from, Workbook& to) {
         const TestFolder folder;

@@ -6,6 +6,8 @@
 #include <QImage>
 #include <QPainter>
 
+#include <cmath>
+
 namespace spreadsheet {
 namespace {
 
@@ -138,6 +140,75 @@ TEST_F(PagePainterTest, IndentsMoveTextsAwayFromTheirSide)
     };
     for (int i = 0; i < cells; ++i)
         EXPECT_EQ(firstInk(1 + i + cells) - firstInk(1 + i), looks[i].pixels) << i;
+}
+
+/// A line of four characters is 72 pixels long and 18 high, without the air around the letters.
+TEST_F(PagePainterTest, TurnedTextsStandInTheirCell)
+{
+    constexpr std::uint8_t turns[]{0, 90, 180, 45, 135, CarriedAlignment::stackedLetters};
+    sheet.changeSettings([](SheetSettings& settings) { settings.rows.sizes[1] = 1000; });
+    for (int column = 1; column <= 6; ++column) {
+        sheet.setText({column, 1}, "■■□■"); // begins with more ink
+        style({column, 1, column, 1}, [&](CellStyle& s) {
+            s.font.family = Text("宋体");
+            s.vertical = column == 5 ? VerticalAlignment::top : VerticalAlignment::bottom;
+            s.horizontal = column == 2 ? HorizontalAlignment::right : HorizontalAlignment::left;
+            s.carried.rotation = turns[column - 1];
+        });
+    }
+    draw();
+    const auto inkIn = [this](int column) {
+        QRect ink;
+        for (int y = 102; y < 198; ++y)
+            for (int x = column * 100 + 2; x < column * 100 + 98; ++x)
+                if (qGray(image.pixel(x, y)) < 160)
+                    ink |= QRect(x, y, 1, 1);
+        return ink;
+    };
+    const QRect plain = inkIn(1);
+    const auto expectInk = [&](int column, double width, double height) {
+        const QRect ink = inkIn(column);
+        EXPECT_NEAR(ink.width(), width, 2) << column;
+        EXPECT_NEAR(ink.height(), height, 2) << column;
+        return ink;
+    };
+    const auto halfOf = [this](const QRect& ink, bool upper) {
+        return inked(upper ? ink.adjusted(0, 0, 0, -ink.height() / 2)
+                           : ink.adjusted(0, ink.height() / 2, 0, 0));
+    };
+    const QRect up = expectInk(2, plain.height(), plain.width());
+    EXPECT_LT(1.2 * halfOf(up, true), halfOf(up, false)) << "begins at the bottom";
+    EXPECT_GT(up.left(), 270) << "aligned right";
+    const QRect down = expectInk(3, plain.height(), plain.width());
+    EXPECT_GT(halfOf(down, true), 1.2 * halfOf(down, false));
+    EXPECT_LT(down.right(), 330);
+    EXPECT_GT(down.bottom(), 190);
+    const double oblique = (plain.width() + plain.height()) / std::sqrt(2.0);
+    EXPECT_GT(expectInk(4, oblique, oblique).bottom(), 188);
+    EXPECT_LT(expectInk(5, oblique, oblique).top(), 112);
+    EXPECT_NEAR(inkIn(6).width(), plain.height(), 4) << "letters below each other";
+    EXPECT_NEAR(inkIn(6).height(), plain.width() * 1.2, 8);
+}
+
+TEST_F(PagePainterTest, TurnedTextsThatDoNotFitAreCutAndFiguresSaySo)
+{
+    sheet.setText({1, 1}, longText);
+    sheet.setNumber({2, 1}, 123456789);
+    for (int signs = 1; signs <= 4; ++signs)
+        sheet.setText({2 + signs, 1}, std::string(static_cast<std::size_t>(signs), '#'));
+    style({1, 1, 6, 1}, [](CellStyle& s) {
+        s.carried.rotation = 90;
+        s.horizontal = HorizontalAlignment::left;
+    });
+    sheet.changeSettings([](SheetSettings& settings) { settings.rows.sizes[1] = 300; });
+    draw();
+    EXPECT_FALSE(blank(1, 1));
+    EXPECT_TRUE(blank(1, 2));
+    const auto cell = [this](int column) { return image.copy(column * 100 + 2, 100, 96, 30); };
+    int alike = 0;
+    for (int signs = 1; signs <= 4; ++signs)
+        alike += cell(2) == cell(2 + signs);
+    EXPECT_EQ(alike, 1) << "as many signs as fit, no digits";
 }
 
 TEST_F(PagePainterTest, LongTextsRunIntoBlankNeighboursOnly)

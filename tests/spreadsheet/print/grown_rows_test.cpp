@@ -114,6 +114,34 @@ TEST_F(GrownRows, AnIndentTakesFromTheRoom)
     EXPECT_EQ(grownRows(sheet, 1, 4, text), (std::map<int, int>{{2, 482}, {4, 482}}));
 }
 
+/// Ten characters of 9 points are 1,800 twips long and 216 high.
+TEST_F(GrownRows, TurnedTextsTakeTheirLength)
+{
+    const struct {
+        std::uint8_t rotation;
+        bool wraps;
+        int height;
+    } cases[] = {{90, false, 1850},
+                 {180, false, 1850}, // downwards
+                 {45, false, 1476},  // (1,800 + 216) / √2 + 50
+                 {120, false, 1138}, // 30 degrees down: 1,800 / 2 + 216 · cos 30° + 50
+                 {CarriedAlignment::stackedLetters, false, 2210},
+                 {90, true, 0}}; // wraps in the height that there is
+    int row = 0;
+    std::map<int, int> expected;
+    for (const auto& c : cases) {
+        sheet.setText({1, ++row}, "一二三四五六七八九十");
+        sheet.restyle({1, row, 1, row}, [&](CellStyle& style) {
+            style.carried.rotation = c.rotation;
+            style.wrap = c.wraps;
+            style.font.family = Text("宋体");
+        });
+        if (c.height > 0)
+            expected[row] = c.height;
+    }
+    EXPECT_EQ(grownRows(sheet, 1, row, text), expected);
+}
+
 TEST_F(GrownRows, OwnHeightsHiddenRowsAndMergedOnesStay)
 {
     const char* const longText = "一二三四五六七八九十甲乙丙丁"; // 14: three lines of a column

@@ -336,6 +336,18 @@ TEST_F(PdfTest, APrinterDrawsTheSamePages)
     EXPECT_EQ(sizes("printer.pdf"), sizes("report.pdf"));
 }
 
+/// A turned text stands in its cell: it runs over no page's edge, though the cell beside it is blank.
+TEST_F(PdfTest, TurnedTextsStandOnOnePageOnly)
+{
+    constexpr int texts = 16;
+    for (int i = 0; i < texts; ++i) {
+        sheet.setText({1 + 3 * i, 1}, std::string(180, 'x') + "Q");
+        sheet.restyle({1 + 3 * i, 1, 1 + 3 * i, 1}, [](CellStyle& style) { style.carried.rotation = 90; });
+    }
+    EXPECT_GT(write(), 4);
+    EXPECT_EQ(textOf(path()).count('Q'), texts);
+}
+
 /// A second way: the toolkit's own writer draws every page by itself.
 TEST_F(PdfTest, LooksAsTheToolkitsWriterDrawsIt)
 {
@@ -358,6 +370,11 @@ TEST_F(PdfTest, LooksAsTheToolkitsWriterDrawsIt)
             style.wrap = row % 6 == 0;
             style.bottom = style.right = {lines[row % 6], row % 2 ? 0U : 0x00A000U};
         });
+    }
+    constexpr std::uint8_t turns[] = {45, 90, 120, 180, CarriedAlignment::stackedLetters};
+    for (int row = 8; row <= 40; ++row) {
+        sheet.setText({5, row}, "转 Turn");
+        sheet.restyle({5, row, 5, row}, [&](CellStyle& style) { style.carried.rotation = turns[row % 5]; });
     }
     sheet.restyle({2, 3, 4, 5}, [](CellStyle& style) { style.background = 0xC0F0F0; });
     sheet.setValue({5, 7}, Value::boolean(true));

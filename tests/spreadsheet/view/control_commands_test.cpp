@@ -76,6 +76,23 @@ TEST_F(ControlCommands, AutofitFollowsTheTexts)
     EXPECT_EQ(sheet().settings().columns.size(1), fitted);
 }
 
+/// Upwards a text is as wide as a line is high, 216 twips, with 110 beside it.
+TEST_F(ControlCommands, AutofitFollowsTurnedTexts)
+{
+    const std::pair<std::uint8_t, int> turns[]{
+        {90, 326}, {180, 326}, {CarriedAlignment::stackedLetters, 290}};
+    for (const auto& [code, width] : turns) {
+        sheet().setText({1, 1}, "一二三四五六七八九十");
+        sheet().restyle({1, 1, 1, 1}, [&, turn = code](CellStyle& style) {
+            style.carried.rotation = turn;
+            style.font.family = Text("宋体");
+        });
+        control.cursor().select({1, 1, 1, 1});
+        control.commands().autofitColumns();
+        EXPECT_NEAR(sheet().settings().columns.size(1), width, 3) << int(code);
+    }
+}
+
 TEST_F(ControlCommands, PanesFreezeAndThawAtTheActiveCell)
 {
     control.cursor().setActiveCell(2, 4);

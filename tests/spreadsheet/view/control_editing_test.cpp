@@ -72,6 +72,32 @@ struct ControlEditing : testing::Test {
 
 } // namespace
 
+/// Two steps of 270 twips, 15 of which are a pixel.
+TEST_F(ControlEditing, TypedTextsBeginBehindTheIndent)
+{
+    using enum HorizontalAlignment;
+    const struct {
+        HorizontalAlignment alignment;
+        int pixels;
+    } cases[]{{left, 36}, {general, 36}, {right, 0}, {centre, 0}};
+    sheet().setText({1, 1}, "目");
+    for (const auto& c : cases) {
+        sheet().restyle({1, 1, 1, 1}, [&](CellStyle& style) {
+            style.horizontal = c.alignment;
+            style.carried.indent = 2;
+        });
+        control.cursor().setActiveCell(1, 1);
+        control.setZoom(1);
+        key(Qt::Key_F2);
+        ASSERT_TRUE(editor());
+        const int plain = editor()->viewport()->x() - c.pixels;
+        EXPECT_LE(std::abs(plain), 2) << int(c.alignment);
+        control.setZoom(2);
+        EXPECT_EQ(editor()->viewport()->x(), plain + 2 * c.pixels);
+        key(Qt::Key_Escape);
+    }
+}
+
 TEST_F(ControlEditing, TypingEntersAndKeysMoveOn)
 {
     type("12.5");

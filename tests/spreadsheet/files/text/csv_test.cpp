@@ -115,5 +115,36 @@ TEST(Html, EscapesTextsAndJoinsSpans)
     EXPECT_THAT(html, testing::HasSubstr("<td colspan=\"2\" rowspan=\"2\">合并</td></tr>"));
 }
 
+/// Two steps are 27 points, on the side that the text is aligned to.
+TEST(Html, IndentsAreRoomBesideTheText)
+{
+    using enum HorizontalAlignment;
+    const struct {
+        HorizontalAlignment alignment;
+        const char *text, *number;
+    } cases[] = {{left, "padding-left:27pt", "padding-left:27pt"},
+                 {right, "padding-right:27pt", "padding-right:27pt"},
+                 {general, "padding-left:27pt", "padding-left:3px;padding-right:27pt"},
+                 {centre, "", ""}};
+    for (const auto& c : cases) {
+        for (const bool isNumber : {false, true}) {
+            Workbook workbook;
+            Sheet& sheet = workbook.sheet(1);
+            sheet.setValue({1, 1}, isNumber ? Value(5.0) : Value::text("目"));
+            sheet.restyle({1, 1, 1, 1}, [&](CellStyle& style) {
+                style.horizontal = c.alignment;
+                style.carried.indent = 2;
+            });
+            std::string html = workbookHtml(workbook, "");
+            html.erase(0, html.find(".s")); // every cell's room comes first
+            const std::string expected = isNumber ? c.number : c.text;
+            if (expected.empty())
+                EXPECT_THAT(html, testing::Not(testing::HasSubstr("padding")));
+            else
+                EXPECT_THAT(html, testing::HasSubstr(expected));
+        }
+    }
+}
+
 } // namespace
 } // namespace spreadsheet
