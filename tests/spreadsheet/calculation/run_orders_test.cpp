@@ -142,6 +142,24 @@ TEST(RunOrders, CirclesAreOnlyWhereSomethingIsRead)
     }
 }
 
+/// The third argument names one cell and is read as far as the first one reaches.
+TEST(RunOrders, WhatIsReadBesideTheNamedCellCounts)
+{
+    for (const char* formula : {"SUMIF(A1:A3,1,B1)", "AVERAGEIF(A1:A3,1,B1)*3"}) {
+        Workbook workbook;
+        Sheet& sheet = workbook.sheet(1);
+        for (int row = 1; row <= 3; ++row)
+            sheet.setNumber({1, row}, 1);
+        type(sheet, "B3", "D1*2");
+        type(sheet, "C1", formula);
+        workbook.recalculate();
+        sheet.setNumber({4, 1}, 21);
+        sheet.setNumber({2, 2}, 5);
+        workbook.recalculateChanged();
+        EXPECT_EQ(shown(sheet, "C1"), formula[0] == 'S' ? "47" : "70.5") << formula;
+    }
+}
+
 /// Two columns that read each other in every row, one way or the other as a switch says.
 TEST(RunOrders, WhatReadsWhomMayChange)
 {

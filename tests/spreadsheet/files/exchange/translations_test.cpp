@@ -93,6 +93,7 @@ TEST(HeaderCodes, ForeignTextsBecomeOurs)
         {"&&日期&Z", plain + "/c＆日期/n", 1},
         {"&CA/nB/", plain + "/cA／nB／/n", 0},
         {"&R&K01+000红", plain + "/r红/n", 0},
+        {"&1234", "/fn\"宋体\"/fz\"123\"/fb0/fi0/fu0/fk0/c4/n", 0}, // a size has three digits
         {"&", plain + "/c&/n", 0},
         {"&\"不闭合", "", 0},
     };

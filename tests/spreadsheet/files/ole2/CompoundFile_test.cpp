@@ -83,6 +83,66 @@ TEST(CompoundFile, LiesAreRefused)
     EXPECT_FALSE(isRefused(good));
 }
 
+constexpr std::uint32_t free = 0xFFFFFFFF, end = 0xFFFFFFFE;
+
+/// As other programs write small streams: one of 100 bytes in sectors of 64. Behind the header lie the table,
+/// the directory, the table of short sectors and these.
+std::vector<std::byte> fileOfShortSectors(const std::vector<std::byte>& content)
+{
+    std::vector<std::byte> file = compoundFile("Workbook", content); // its header, to begin with
+    file.resize(512);
+    for (const auto& [at, number] :
+         {std::pair{44u, 1u}, {48u, 1u}, {60u, 2u}, {64u, 1u}, {68u, end}, {76u, 0u}})
+        putNumber(file, at, number);
+    for (std::size_t at = 80; at < 512; at += 4)
+        putNumber(file, at, free);
+    file.resize(512 * 5);
+    for (std::size_t at = 512; at < 1024; at += 4) {
+        putNumber(file, at, at < 528 ? (at == 512 ? 0xFFFFFFFD : end) : free);
+        putNumber(file, at + 1024, at == 512 ? 1 : at == 516 ? end : free);
+    }
+    const auto entry = [&](std::size_t at, std::u16string_view name, int kind, std::uint32_t child,
+                           std::uint32_t first, std::uint32_t size) {
+        for (std::size_t i = 0; i < name.size(); ++i)
+            putNumber(file, at + 2 * i, static_cast<std::uint16_t>(name[i]));
+        putNumber(file, at + 64, static_cast<std::uint16_t>(2 * name.size() + 2));
+        file[at + 66] = static_cast<std::byte>(kind);
+        const std::uint32_t numbers[]{free, free, child};
+        for (std::size_t i = 0; i < 3; ++i)
+            putNumber(file, at + 68 + 4 * i, numbers[i]);
+        putNumber(file, at + 116, first);
+        putNumber(file, at + 120, size);
+    };
+    entry(1024, u"Root Entry", 5, 1, 3, 128);
+    entry(1152, u"Workbook", 2, free, 0, static_cast<std::uint32_t>(content.size()));
+    std::ranges::copy(content, file.begin() + 512 * 4);
+    return file;
+}
+
+TEST(CompoundFile, ShortSectorsOfOtherPrograms)
+{
+    const std::vector<std::byte> content = pattern(100);
+    const std::vector<std::byte> good = fileOfShortSectors(content);
+    const auto stream = CompoundFile(good).stream("Workbook");
+    ASSERT_TRUE(stream);
+    EXPECT_TRUE(std::ranges::equal(stream->bytes(), content));
+    const struct {
+        const char* what;
+        std::size_t at;
+        std::uint32_t number;
+    } cases[] = {
+        {"a chain that ends early", 1536, end},
+        {"a chain that loops", 1536, 0},
+        {"a chain that leaves the sectors", 1536, 5},
+        {"a stream longer than all of them", 1152 + 120, 129},
+    };
+    for (const auto& c : cases) {
+        std::vector<std::byte> file = good;
+        putNumber(file, c.at, c.number);
+        EXPECT_TRUE(isRefused(file)) << c.what;
+    }
+}
+
 /// Some programs leave room in the table for sectors that the file does not have.
 TEST(CompoundFile, ATableLongerThanTheFileIsTaken)
 {
