@@ -78,7 +78,7 @@ std::string complexText(std::complex<double> value, char unit)
     const double imaginary = value.imag();
     std::string text;
     if (real != 0 || imaginary == 0)
-        text = generalNumberText(real + 0.0);
+        text = generalNumberText(real);
     if (imaginary == 0)
         return text;
     if (imaginary > 0 && !text.empty())

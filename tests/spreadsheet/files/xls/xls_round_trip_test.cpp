@@ -10,7 +10,9 @@
 #include "tests/spreadsheet/files/sample_workbook.h"
 
 #include <gmock/gmock.h>
+#include <map>
 #include <random>
+#include <set>
 
 namespace spreadsheet {
 namespace {
@@ -53,6 +55,28 @@ TEST(Xls, RoundTripKeepsEverything)
     readXls(file, found, warnings);
     EXPECT_THAT(warnings.texts(), testing::IsEmpty());
     expectSame(workbook, found);
+}
+
+/// Strict readers refuse a file in which one of these is shorter.
+TEST(Xls, RecordsHaveTheSizesOfTheirKinds)
+{
+    const std::map<std::uint16_t, std::size_t> sizes{
+        {xls::beginOfFile, 16}, {xls::endOfFile, 0},   {xls::columnInfo, 12}, {xls::country, 4},
+        {xls::dimensions, 14},  {xls::guts, 8},        {xls::note, 12},       {xls::extendedFormat, 20},
+        {xls::row, 16},         {xls::setup, 34},      {xls::window1, 18},    {xls::window2, 18},
+        {xls::style, 4},        {xls::textObject, 18}, {xls::object, 52},     {xls::defaultRowHeight, 4},
+    };
+    const std::vector<std::byte> bytes = sampleStream();
+    RecordStream stream(bytes);
+    std::set<std::uint16_t> seen;
+    while (stream.next()) {
+        const auto size = sizes.find(stream.record().id);
+        if (size == sizes.end())
+            continue;
+        EXPECT_EQ(stream.record().size(), size->second) << std::hex << size->first;
+        seen.insert(size->first);
+    }
+    EXPECT_EQ(seen.size(), sizes.size());
 }
 
 /// Programs that show notes trust what a text's record says of the two that go on with it.

@@ -87,6 +87,7 @@ TEST(EngineeringFunctions, ComplexNumbers)
         {"IMSUM(A1:A4,\"i\")", "\"10+2i\""}, // an empty cell is passed over
         {"IMSUM(\"i\",\"j\")", "#VALUE!"},
         {"IMPRODUCT(A1:A4)", "\"54+22i\""},
+        {"IMPRODUCT(-1,0)", "\"0\""},
         {"IMSUB(A1,A2)", "\"-2+7i\""},
         {"IMDIV(\"-238+240i\",\"10+24i\")", "\"5+12i\""},
         {"IMDIV(1,0)", "#NUM!"},
