@@ -113,8 +113,8 @@ std::vector<std::byte> fileOfShortSectors(const std::vector<std::byte>& content)
         putNumber(file, at + 116, first);
         putNumber(file, at + 120, size);
     };
-    entry(1024, u"Root Entry", 5, 1, 3, 128);
-    entry(1152, u"Workbook", 2, free, 0, static_cast<std::uint32_t>(content.size()));
+    entry(1024, u"Root Entry", 5, 3, 3, 128);
+    entry(1024 + 3 * 128, u"Workbook", 2, free, 0, static_cast<std::uint32_t>(content.size()));
     std::ranges::copy(content, file.begin() + 512 * 4);
     return file;
 }
@@ -134,7 +134,7 @@ TEST(CompoundFile, ShortSectorsOfOtherPrograms)
         {"a chain that ends early", 1536, end},
         {"a chain that loops", 1536, 0},
         {"a chain that leaves the sectors", 1536, 5},
-        {"a stream longer than all of them", 1152 + 120, 129},
+        {"a stream longer than all of them", 1024 + 3 * 128 + 120, 129},
     };
     for (const auto& c : cases) {
         std::vector<std::byte> file = good;

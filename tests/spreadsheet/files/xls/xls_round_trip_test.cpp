@@ -79,6 +79,38 @@ TEST(Xls, RecordsHaveTheSizesOfTheirKinds)
     EXPECT_EQ(seen.size(), sizes.size());
 }
 
+/// Records of drawings lie in each other: a kind, its length, and inside a container others to its end.
+bool isNested(Bytes drawing)
+{
+    while (drawing.size() >= 8) {
+        const bool isContainer = (numberAt<std::uint16_t>(drawing, 0) & 0xF) == 0xF;
+        const std::size_t length = numberAt<std::uint32_t>(drawing, 4);
+        if (length > drawing.size() - 8 || (isContainer && !isNested(drawing.subspan(8, length))))
+            return false;
+        drawing = drawing.subspan(8 + length);
+    }
+    return drawing.empty();
+}
+
+TEST(Xls, DrawingsOfNotesAreNested)
+{
+    const std::vector<std::byte> bytes = sampleStream();
+    RecordStream stream(bytes);
+    std::vector<std::byte> drawing; // of one sheet
+    int drawings = 0;
+    while (stream.next()) {
+        const std::uint16_t id = stream.record().id;
+        if (id == xls::drawing || id == xls::drawingGroup)
+            drawing.insert(drawing.end(), stream.record().data.begin(), stream.record().data.end());
+        if (id != xls::endOfFile || drawing.empty())
+            continue;
+        EXPECT_TRUE(isNested(drawing));
+        drawing.clear();
+        ++drawings;
+    }
+    EXPECT_EQ(drawings, 2) << "one of the sheet with notes, and what all have in common";
+}
+
 /// Programs that show notes trust what a text's record says of the two that go on with it.
 TEST(Xls, TextsOfNotesAnnounceTheirCharactersAndRuns)
 {

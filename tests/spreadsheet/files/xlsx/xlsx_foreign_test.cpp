@@ -234,6 +234,21 @@ TEST(XlsxArchive, PartsNeedNotBeCompressed)
     EXPECT_THROW(readXlsx(file, workbook, warnings), ContentError) << "no longer what was summed up";
 }
 
+TEST(XlsxColumns, UpToTheSheetsEndAreNotUsed)
+{
+    const TestFolder folder;
+    const auto columns = [](const char* last) {
+        return "<cols><col min=\"2\" max=\"" + std::string(last) + "\" width=\"20\"/></cols><sheetData/>";
+    };
+    Workbook workbook;
+    Warnings warnings;
+    readXlsx(archive(folder, workbookOfSheets({columns("255"), columns("256"), columns("16384")})), workbook,
+             warnings);
+    EXPECT_EQ(workbook.sheet(1).settings().columnCount, 255);
+    EXPECT_LT(workbook.sheet(2).settings().columnCount, 255) << "where old sheets end";
+    EXPECT_LT(workbook.sheet(3).settings().columnCount, 255);
+}
+
 TEST(XlsxLosses, SheetsBeyondTheMostAreLeftOut)
 {
     std::vector<std::string> sheets(maxSheets + 1, "<sheetData/>");
