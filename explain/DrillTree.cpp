@@ -43,7 +43,7 @@ struct Opened {
 };
 
 Opened openedCall(Connection& connection, std::shared_ptr<const AccountChart> chart,
-                  const LedgerArguments& call, std::size_t way, std::int64_t page)
+                  const LedgerArguments& call, std::size_t way, const VouchersPlace& vouchers)
 {
     Opened opened{std::move(chart), {}, {}};
     if (!opened.chart)
@@ -51,7 +51,7 @@ Opened openedCall(Connection& connection, std::shared_ptr<const AccountChart> ch
     CallOpening opening(connection, *opened.chart);
     opened.ways = opening.waysOf(call);
     if (way < opened.ways.size())
-        opened.parts = opening.partsOf(call, opened.ways[way], page);
+        opened.parts = opening.partsOf(call, opened.ways[way], vouchers);
     return opened;
 }
 
@@ -163,10 +163,17 @@ void DrillTree::open(DrillNode& node, DatabaseAccess& database, std::size_t way,
 /// The figure may have been fetched a while ago: the whole is asked for again together with its parts.
 void DrillTree::openCall(DrillNode& node, DatabaseAccess& database, std::size_t way, std::int64_t page)
 {
+    if (page == 1 || way != node.way)
+        node.balances.clear();
+    VouchersPlace vouchers{page};
+    if (const auto before = node.balances.find(page - 1); before != node.balances.end())
+        vouchers.balance = before->second;
     Opened opened =
-        database.asked<Opened>([chart = m_chart, call = *node.call, way, page](Connection& connection) {
-            return openedCall(connection, chart, call, way, page);
+        database.asked<Opened>([chart = m_chart, call = *node.call, way, vouchers](Connection& connection) {
+            return openedCall(connection, chart, call, way, vouchers);
         });
+    if (opened.parts.balance)
+        node.balances[page] = *opened.parts.balance;
     m_chart = std::move(opened.chart);
     node.ways = std::move(opened.ways);
     node.way = way;

@@ -4,6 +4,7 @@
 #include "spreadsheet/formula/CustomFunction.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -39,6 +40,7 @@ struct DrillNode {
     std::size_t way = 0;          ///< the one that it was opened by
     std::int64_t page = 1;        ///< of vouchers
     std::int64_t pages = 1;
+    std::map<std::int64_t, double> balances{}; ///< behind the pages that were seen
     std::vector<DrillNode> parts{};
 
     // The foot of the parts; nothing if they are no sum.

@@ -165,7 +165,8 @@ std::vector<PartsWay> CallOpening::waysOf(const LedgerArguments& arguments)
     return ways;
 }
 
-CallParts CallOpening::partsOf(const LedgerArguments& arguments, const PartsWay& way, std::int64_t page)
+CallParts CallOpening::partsOf(const LedgerArguments& arguments, const PartsWay& way,
+                               const VouchersPlace& vouchers)
 {
     CallParts parts;
     try {
@@ -189,7 +190,7 @@ CallParts CallOpening::partsOf(const LedgerArguments& arguments, const PartsWay&
         else if (way.by == PartsBy::previous)
             byPrevious(parts, call);
         else
-            byVouchers(parts, call, page);
+            byVouchers(parts, call, vouchers);
     } catch (const ConnectionLost&) {
         throw;
     } catch (const DatabaseError& error) {
@@ -433,13 +434,13 @@ void CallOpening::byPrevious(CallParts& parts, const Call& call)
     parts.difference = 0;
 }
 
-void CallOpening::byVouchers(CallParts& parts, const Call& call, std::int64_t page)
+void CallOpening::byVouchers(CallParts& parts, const Call& call, const VouchersPlace& place)
 {
     const int first = call.isClosing() ? call.last() : call.first();
     const VoucherPage read = fetchVouchers(m_connection,
                                            {call.account->code, call.items(), call.arguments.currency,
                                             call.year(), std::to_string(first), std::to_string(call.last())},
-                                           page);
+                                           place.page);
     if (read.state != VoucherPage::State::read) {
         parts.failure = read.reason;
         return;
@@ -457,17 +458,19 @@ void CallOpening::byVouchers(CallParts& parts, const Call& call, std::int64_t pa
         call.voucherAmount(read.total) - call.voucherAmount(read.carried) * (call.leavesCarried() ? 1 : 0);
     parts.difference = std::round((parts.whole.value_or(0) - parts.sum) * 10'000) / 10'000;
     const bool isOneSided = !call.isClosing() && call.kind->column != "e.fAmount"; // debits or credits alone
-    double balance = opening;
+    if (call.isClosing())
+        parts.balance = place.page == 1 ? opening : place.balance;
     for (const VoucherLine& line : read.lines) {
         const bool counts = !(line.carriesOver && call.leavesCarried());
         const double amount = counts ? call.voucherAmount(line.amounts) : 0;
-        balance += amount;
+        if (parts.balance)
+            *parts.balance += amount;
         if (isOneSided && call.voucherAmount(line.amounts) == 0)
             continue; // of the other side
         parts.parts.push_back(
             {.item = line.date + " " + line.number + "/" + std::to_string(line.line) + " " + line.text,
              .basis = (counts ? "" : "结转损益，不计入；") + line.account +
-                      (call.isClosing() && page == 1 ? "，余额 " + call.amountText(balance) : ""),
+                      (parts.balance ? "，余额 " + call.amountText(*parts.balance) : ""),
              .amount = amount});
     }
 }

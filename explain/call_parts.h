@@ -51,12 +51,19 @@ struct CallParts {
     std::optional<double> whole; ///< fetched together with the parts
     std::string failure;         ///< why they were not fetched; nothing else is known then
     std::vector<CallPart> parts;
-    double sum = 0;         ///< of factor × amount
-    double difference = 0;  ///< whole less sum, rounded to the fen's hundredth part
-    std::string reason;     ///< of a difference, if it is known
-    std::int64_t lines = 0; ///< of vouchers, on all pages
+    double sum = 0;                  ///< of factor × amount
+    double difference = 0;           ///< whole less sum, rounded to the fen's hundredth part
+    std::string reason;              ///< of a difference, if it is known
+    std::int64_t lines = 0;          ///< of vouchers, on all pages
+    std::optional<double> balance{}; ///< behind the last line of vouchers; nothing where none runs along
 
     bool isWhole() const; ///< the difference is below half a fen
+};
+
+/// Which lines of vouchers are wanted.
+struct VouchersPlace {
+    std::int64_t page = 1;
+    std::optional<double> balance{}; ///< behind the page before; nothing: unknown, then none runs along
 };
 
 /// The chart of accounts, read once for as long as figures are looked at.
@@ -91,8 +98,8 @@ public:
     /// In the order in which they are offered; none for a call that is a leaf.
     /// @param arguments  as they were really used: no blanks but the currency's
     std::vector<PartsWay> waysOf(const LedgerArguments& arguments);
-    /// @param page  of vouchers, from 1
-    CallParts partsOf(const LedgerArguments& arguments, const PartsWay& way, std::int64_t page = 1);
+    CallParts partsOf(const LedgerArguments& arguments, const PartsWay& way,
+                      const VouchersPlace& vouchers = {});
 
 private:
     struct Call; ///< a call with its expression read
@@ -106,7 +113,7 @@ private:
     void byMovement(CallParts& parts, const Call& call);
     void byPeriods(CallParts& parts, const Call& call);
     void byPrevious(CallParts& parts, const Call& call);
-    void byVouchers(CallParts& parts, const Call& call, std::int64_t page);
+    void byVouchers(CallParts& parts, const Call& call, const VouchersPlace& place);
 
     bool hasLastPeriod(const Call& call);
     void fetch(CallParts& parts, const Call& call);

@@ -7,6 +7,7 @@
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/windows/designer/DesignerTest.h"
+#include "text/amount_text.h"
 #include "windows/designer/EditorFormulas.h"
 #include "windows/printing/print_sheet.h"
 
@@ -169,9 +170,17 @@ TEST_F(Drill, VouchersComeInPages)
     QTreeWidgetItem& call = *tree().topLevelItem(0);
     ASSERT_EQ(call.childCount(), 202) << "opening, 200 lines, the next page";
     EXPECT_EQ(call.child(201)->text(0), "下一页（第 2 页，共 2 页）");
+    const double opening = call.child(0)->text(3).remove(',').toDouble();
+    const auto runsTo = [&](const QTreeWidgetItem& line, double moved) {
+        EXPECT_THAT(line.text(1).toStdString(), ::testing::EndsWith("，余额 " + amountText(opening + moved)));
+    };
+    runsTo(*call.child(1), 0.1);
+    runsTo(*call.child(200), 20);
     tree().setCurrentItem(call.child(201));
     QTest::keyClick(&tree(), Qt::Key_Return);
-    EXPECT_EQ(call.childCount(), 52) << "opening, 50 lines, the page before";
+    ASSERT_EQ(call.childCount(), 52) << "opening, 50 lines, the page before";
+    runsTo(*call.child(1), 20.1);
+    runsTo(*call.child(50), 25);
 }
 
 TEST_F(Drill, GoesOutAsAnExcelFile)
