@@ -40,10 +40,12 @@ void load(ReportRun& run, std::int32_t id, DatabaseAccess& database)
     }
 }
 
-bool showsKinds(const spreadsheet::Workbook& workbook)
+/// Sheets show kinds of nothing, or print none without a word.
+bool tellsKinds(const spreadsheet::Workbook& workbook)
 {
-    for (int sheet = 1; sheet <= workbook.sheetCount(); ++sheet)
-        if (!workbook.sheet(sheet).settings().nothingTexts.empty())
+    for (int index = 1; index <= workbook.sheetCount(); ++index)
+        if (const spreadsheet::SheetSettings& settings = workbook.sheet(index).settings();
+            !settings.nothingTexts.empty() || settings.print.strict)
             return true;
     return false;
 }
@@ -93,7 +95,7 @@ ReportRun runReport(const std::string& connectionString, std::int32_t id, const 
         ReportEvaluation evaluation(*run.workbook, database);
         evaluation.addSelfFunction();
         evaluation.setFetchesShared(options.fetchesShared);
-        evaluation.setKindsTold(options.kindsTold || showsKinds(*run.workbook));
+        evaluation.setKindsTold(options.kindsTold || tellsKinds(*run.workbook));
         evaluation.startRun();
         run.diagnostics = evaluation.diagnostics();
         texts = evaluation.textsInstead();

@@ -34,7 +34,8 @@ struct ReportRun {
 struct RunOptions {
     /// Fetches of one recalculation are shared and sent in batches; off: one call for each cell.
     bool fetchesShared = true;
-    /// See ReportEvaluation::setKindsTold; on in any case if a sheet shows kinds of nothing as it likes.
+    /// See ReportEvaluation::setKindsTold; on in any case if a sheet shows kinds of nothing as it
+    /// likes, or is printed strictly.
     bool kindsTold = false;
     /// Told what goes on, in Chinese, before each longer step.
     std::function<void(std::string_view)> progress{};

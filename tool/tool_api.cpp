@@ -22,6 +22,7 @@
 #include "text/amount_text.h"
 #include "tool/frmHost.h"
 #include "windows/printing/print_stamp.h"
+#include "windows/printing/strict_printing.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -75,6 +76,16 @@ std::string csvOf(const ReportRun& run)
     return spreadsheet::workbookCsv(*run.workbook) + (failed.empty() ? failed : "\r\n" + failed + "\r\n");
 }
 
+/// Nobody is there to be asked, so paper of strict sheets says what it lacks.
+std::vector<CellWithoutData> withheldCells(const ReportRun& run)
+{
+    std::vector<CellWithoutData> cells;
+    for (const CellDiagnostic& each : run.diagnostics)
+        if (const auto& [sheet, column, row] = each.place; isRefusedByStrictRuns(each.state))
+            cells.push_back({sheet, {column, row}, each.reason});
+    return withheldCells(*run.workbook, std::move(cells), true);
+}
+
 void writeReportPdf(const ReportRun& run, bool isArchive, PendingFile& file)
 {
     startToolkit(Display::none);
@@ -84,6 +95,10 @@ void writeReportPdf(const ReportRun& run, bool isArchive, PendingFile& file)
     document.isArchive = isArchive;
     document.page.report = run.name;
     document.page.notice = failedFetchesText(run.diagnostics);
+    const std::vector<CellWithoutData> withheld = withheldCells(run);
+    if (!withheld.empty())
+        document.page.notice += (document.page.notice.empty() ? "" : "  ") + withheldText(withheld);
+    const NotedCells noted(*run.workbook, withheld);
     document.page.stamp = stampText(stampNow({}, {}, static_cast<int>(run.diagnostics.size())));
     const spreadsheet::Pdf pdf = spreadsheet::pdfOf(*run.workbook, document);
     file.write(std::as_bytes(std::span(pdf.bytes)));

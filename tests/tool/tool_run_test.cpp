@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <QProcess>
 #include <sstream>
 
 namespace selfreport {
@@ -23,6 +24,14 @@ std::string contentOf(const std::filesystem::path& file)
 {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::string textOf(const std::filesystem::path& pdf)
+{
+    QProcess process;
+    process.start("pdftotext", {"-layout", QString::fromStdString(pdf.string()), "-"});
+    process.waitForFinished();
+    return process.readAllStandardOutput().toStdString();
 }
 
 /// One run of the operation, its outputs kept.
@@ -69,6 +78,30 @@ TEST(ReportRun, AFailedFetchLeavesFilesAndOutputUnlessAllowed)
     EXPECT_THAT(contentOf(csv), AllOf(HasSubstr("100.25"), EndsWith("\r\n\r\n1 处取数失败，数字不可用\r\n")));
     EXPECT_EQ(Ran(ledger, {"", "", true}).output.str(), contentOf(csv));
     std::filesystem::remove(csv);
+}
+
+/// Nobody can be asked whether a strict sheet may go out without its data.
+TEST(ReportRun, AStrictSheetSaysOnPaperWhatItLacks)
+{
+    const test::TestLedger ledger;
+    const std::filesystem::path pdf = test::ownFile("strict.pdf");
+    for (const bool isStrict : {false, true}) {
+        spreadsheet::Workbook report;
+        spreadsheet::demand(report.sheet(1).setFormula({1, 1}, R"(Acct("1001","2","","2025","1","2"))"));
+        spreadsheet::demand(report.sheet(1).setFormula({1, 2}, R"(Acct("9999","2","","2025","1","2")+7)"));
+        report.sheet(1).changeSettings(
+            [&](spreadsheet::SheetSettings& settings) { settings.print.strict = isStrict; });
+        ledger.addReport(isStrict ? 4 : 5, "应收表", spreadsheet::saveContent(report));
+        std::ostringstream output, notes;
+        ASSERT_EQ(toolRun(ledger.connectionString(), isStrict ? 4 : 5, {pdf.string(), ""}, {output, notes}),
+                  0)
+            << notes.str();
+        const std::string text = textOf(pdf);
+        EXPECT_EQ(text.find("※ 未取到数据 1 处") != std::string::npos, isStrict) << text;
+        EXPECT_EQ(text.find("※7") != std::string::npos, isStrict) << text;
+        EXPECT_THAT(text, HasSubstr("7"));
+    }
+    std::filesystem::remove(pdf);
 }
 
 } // namespace

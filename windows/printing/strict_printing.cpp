@@ -10,14 +10,19 @@
 
 namespace selfreport {
 
-std::vector<CellWithoutData> withheldCells(PrintedGrid& grid, bool ofAllSheets)
+std::vector<CellWithoutData> withheldCells(const spreadsheet::Workbook& workbook,
+                                           std::vector<CellWithoutData> cells, bool ofAllSheets)
 {
-    std::vector<CellWithoutData> cells = grid.cellsWithoutData();
     std::erase_if(cells, [&](const CellWithoutData& each) {
-        return !grid.workbook().sheet(each.sheet).settings().print.strict ||
-               (!ofAllSheets && each.sheet != grid.workbook().activeSheet());
+        return !workbook.sheet(each.sheet).settings().print.strict ||
+               (!ofAllSheets && each.sheet != workbook.activeSheet());
     });
     return cells;
+}
+
+std::vector<CellWithoutData> withheldCells(PrintedGrid& grid, bool ofAllSheets)
+{
+    return withheldCells(grid.workbook(), grid.cellsWithoutData(), ofAllSheets);
 }
 
 std::string withheldText(const std::vector<CellWithoutData>& cells)

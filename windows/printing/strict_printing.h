@@ -10,7 +10,9 @@ namespace selfreport {
 // Sheets that are printed strictly hand out no figure without data unless the user is told, and the paper
 // says so: each such cell has a ※, and every page a notice.
 
-/// What strict sheets withhold: of the active sheet, or of all.
+/// Those of the cells that strict sheets withhold: of the active sheet, or of all.
+std::vector<CellWithoutData> withheldCells(const spreadsheet::Workbook& workbook,
+                                           std::vector<CellWithoutData> cells, bool ofAllSheets);
 std::vector<CellWithoutData> withheldCells(PrintedGrid& grid, bool ofAllSheets);
 
 /// "※ 未取到数据 3 处"; "" for none. A cell counts once.
