@@ -36,7 +36,12 @@ public:
     {
         if (!m_days.is360())
             return m_period.next - m_settlement;
-        return m_days.ofWholePeriod(m_period.previous, m_period.next) - daysPassed();
+        // The last of February counts as a 30th where coupons fall on the ends of months.
+        const CalendarDay maturity = *dayOfSerial(m_maturity);
+        const bool isMonthEnd = maturity.day == daysOfMonth(maturity.year, maturity.month);
+        return (isMonthEnd ? m_days.ofWholePeriod(m_period.previous, m_period.next)
+                           : m_days.between(m_period.previous, m_period.next)) -
+               daysPassed();
     }
     /// Parts of the period before and after settlement. They add up to 1 but where the days pass by the
     /// calendar and the period is a part of 360 or 365 days.

@@ -33,7 +33,9 @@ std::optional<double> bySecants(const std::function<double(double)>& function, d
             next = (rate + lowest) / 2;
         if (next - lowest < 1e-9)
             break; // on its way to the pole, not to a zero
-        if (isClose(next - rate, rate))
+        // A step from afar is short for another reason: the function is steep there, not near a zero here.
+        const bool wasNear = std::fabs(rate - before) <= 1e-3 * std::max(1.0, std::fabs(rate));
+        if (wasNear && isClose(next - rate, rate))
             return next;
         before = std::exchange(rate, next);
         valueBefore = value;

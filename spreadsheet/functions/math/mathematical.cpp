@@ -49,7 +49,7 @@ Operand remainder(double number, double divisor)
 
 Operand quotient(double number, double divisor)
 {
-    return divisor == 0 ? Operand(CellError::div0) : checked(std::trunc(number / divisor));
+    return divisor == 0 ? Operand(CellError::div0) : checked(roundDecimal(number / divisor, 0, Rounding::toward));
 }
 
 /// A function of two numbers that takes neither truth values nor ranges.
@@ -79,6 +79,8 @@ Operand powerSeries(Call& call)
     CompensatedSum sum;
     double power = first;
     for (const double coefficient : coefficients) {
+        if (x == 0 && power == 0)
+            return CellError::num; // as 0^0
         sum.add(coefficient * std::pow(x, power));
         power += step;
     }

@@ -25,6 +25,7 @@ TEST(FinancialFunctions, Annuities)
         {"NPER(0.1,-5,100)", "#NUM!"}, // the payments do not even cover the interest
         {"RATE(48,-200,8000)", "0.0077014724882"},
         {"RATE(12,100,1000)", "#NUM!"},
+        {"ABS(PV(RATE(7,11.6,1,-1409960),7,11.6,-1409960)-1)<1E-6", "TRUE"}, // far from the guess
         {"ROUND(RATE(10,-100,1000),12)", "0"},
         {"RATE(0,-100,1000)", "#NUM!"},
         {"ABS(FV(RATE(7,-3,18,1,1,0.4),7,-3,18,1)-1)<1E-9", "TRUE"},

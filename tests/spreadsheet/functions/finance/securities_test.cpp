@@ -16,6 +16,8 @@ TEST(SecurityFunctions, CouponDays)
         {"COUPDAYS(A1,A2,4,2)", "90"},
         {"COUPDAYSNC(A1,A2,2,1)", "110"},
         {"COUPDAYSNC(A1,A2,2)", "110"},
+        {"COUPDAYSNC(DATE(2015,2,11),DATE(2024,2,28),2)", "17"}, // each 28th is one
+        {"COUPDAYSNC(DATE(2015,2,11),DATE(2024,2,29),2)", "19"}, // each end of a month is a 30th
         {"COUPNCD(A1,A2,2)=DATE(2011,5,15)", "TRUE"},
         {"COUPPCD(A1,A2,2)=DATE(2010,11,15)", "TRUE"},
         {"COUPNUM(A1,A2,4)", "4"},

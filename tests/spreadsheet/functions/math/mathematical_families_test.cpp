@@ -72,6 +72,8 @@ TEST(Combinatorics, FactorialsAndChoices)
         {"SQRTPI(2)", "2.50662827463"},
         {"SQRTPI(-1)", "#NUM!"},
         {"SERIESSUM(2,1,2,{1;-3;0.5})", "-6"},
+        {"SERIESSUM(0,0,1,5)", "#NUM!"}, // 0^0
+        {"SERIESSUM(0,1,1,5)", "0"},
         {"SUMX2MY2({2,3,9},{6,5,11})", "-88"},
         {"SUMX2PY2({2,\"x\",9},{6,5,11})", "242"}, // a pair with a text is passed over
         {"SUMXMY2(A2:A4,A1:A3)", "#DIV/0!"},       // no pair at all

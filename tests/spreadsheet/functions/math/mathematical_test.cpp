@@ -65,6 +65,8 @@ TEST(MathematicalFunctions, NumbersAndTheirLimits)
         {"MOD(1000000.00000001,0.01)>0", "TRUE"},
         {"MOD(1000000000000001,2)", "1"},
         {"QUOTIENT(-7,2)", "-3"},
+        {"QUOTIENT(35.8,0.05)", "716"}, // as the numbers show
+        {"QUOTIENT(-35.8,0.05)", "-716"},
         {"QUOTIENT(1,0)", "#DIV/0!"},
         {"POWER(0,0)", "#NUM!"},
         {"POWER(-8,1/3)", "#NUM!"},
