@@ -49,7 +49,8 @@ Operand remainder(double number, double divisor)
 
 Operand quotient(double number, double divisor)
 {
-    return divisor == 0 ? Operand(CellError::div0) : checked(roundDecimal(number / divisor, 0, Rounding::toward));
+    return divisor == 0 ? Operand(CellError::div0)
+                        : checked(roundDecimal(number / divisor, 0, Rounding::toward));
 }
 
 /// A function of two numbers that takes neither truth values nor ranges.
