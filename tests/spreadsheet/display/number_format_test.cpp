@@ -91,6 +91,8 @@ TEST(NumberFormat, CommonCodes)
         text("-0.004", "#.##", "."),
         text("-0.0004", "0.0%", "0.0%"),
         text("-0.01", "# ?/?", "0    "),
+        text("-0.5", "?/?", "-1/2"),
+        text("-3", "# ?/?", "-3    "),
         text("-0.005", "0.00", "-0.01"),
         text("-0.4", "\"x\"", "-x"),
         text("-0.4", "0;(0)", "(0)"), // a part of its own says what stands there

@@ -295,3 +295,23 @@ TEST(UndoJournal, CountsTextsAndRemovedSheetsAndStaysWithinItsBound)
     EXPECT_LE(workbook.journal().bytes(), UndoJournal::maxBytes);
     EXPECT_TRUE(workbook.canUndo());
 }
+
+/// Who keeps something by its place follows it there and back.
+TEST(Shift, MovesAreToldAndToldBack)
+{
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+    SheetCell kept{sheet.id(), {5, 5}};
+    workbook.journal().setMoveHook([&](const CellMove& move) { kept = move.placeOf(kept).value_or(kept); });
+    workbook.setUndoEnabled(true);
+    demand(twoRowsAt3(sheet));
+    EXPECT_EQ(kept.cell, (CellAddress{5, 7}));
+    demand(columnAtC(sheet));
+    EXPECT_EQ(kept.cell, (CellAddress{6, 7}));
+    workbook.undo();
+    EXPECT_EQ(kept.cell, (CellAddress{5, 7}));
+    workbook.undo();
+    EXPECT_EQ(kept.cell, (CellAddress{5, 5}));
+    workbook.redo();
+    EXPECT_EQ(kept.cell, (CellAddress{5, 7}));
+}

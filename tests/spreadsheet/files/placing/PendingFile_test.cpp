@@ -323,6 +323,35 @@ TEST(PendingFiles, APipeThatNobodyReadsPutsTheFileBack)
     close(port);
 }
 
+/// Nor can it be put back where a folder has come meanwhile: then it stays, and is named.
+TEST(PendingFiles, AFileThatCannotBePutBackIsKept)
+{
+    const TestFolder folder;
+    put(folder.file("old"), "old");
+    const std::string pipe = folder.file("pipe").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread reader([&] {
+        const int handle = open(pipe.c_str(), O_RDONLY); // the file is in its place by then
+        char some[10];
+        EXPECT_EQ(read(handle, some, sizeof some), 10);
+        fs::remove(folder.file("old"));
+        fs::create_directories(folder.file("old/full"));
+        close(handle);
+    });
+    std::string why;
+    {
+        PendingFiles files;
+        files.add(pipe).write(repeated("0123456789", 30'000));
+        files.add(folder.file("old")).write("new");
+        why = refusal([&] { files.putInPlace(); });
+    }
+    reader.join();
+    const std::string sign = "留在 ";
+    const std::size_t at = why.find(sign);
+    ASSERT_NE(at, why.npos) << why;
+    EXPECT_EQ(contentOf(why.substr(at + sign.size())), "old");
+}
+
 TEST(PendingFiles, OneFileUnderTwoNamesIsRefused)
 {
     const TestFolder folder;

@@ -74,6 +74,9 @@ TEST(Xls, RecordsHaveTheSizesOfTheirKinds)
         if (size == sizes.end())
             continue;
         EXPECT_EQ(stream.record().size(), size->second) << std::hex << size->first;
+        if (size->first == xls::extendedFormat) {
+            EXPECT_EQ(stream.record().wordAt(18) >> 7, 65) << "the usual paper behind a pattern";
+        }
         seen.insert(size->first);
     }
     EXPECT_EQ(seen.size(), sizes.size());
@@ -105,6 +108,7 @@ TEST(Xls, DrawingsOfNotesAreNested)
         if (id != xls::endOfFile || drawing.empty())
             continue;
         EXPECT_TRUE(isNested(drawing));
+        EXPECT_EQ(numberAt<std::uint32_t>(drawing, 4), drawing.size() - 8) << "one holds all";
         drawing.clear();
         ++drawings;
     }
@@ -362,6 +366,17 @@ TEST(Xls, RefusalsNameTheReason)
     };
     for (const auto& c : cases)
         EXPECT_THAT(reasonFor(c.file), testing::HasSubstr(c.reason)) << c.what;
+}
+
+TEST(Xls, SpansThatEndBeforeTheyBeginAreNone)
+{
+    // By first and last row, first and last column. One cell is none either.
+    StreamMaker maker;
+    maker.sheet().record(xls::mergedCells, {4, 3, 1, 0, 5, 0, 5, 3, 1, 6, 6, 6, 6, 0, 1, 7, 8});
+    Workbook workbook;
+    Warnings warnings;
+    readXls(maker.end(), workbook, warnings);
+    EXPECT_EQ(workbook.sheet(1).settings().spans, (std::vector<CellRange>{{8, 1, 9, 2}}));
 }
 
 TEST(Xls, ShortRecordsAreReadAsFarAsTheyGo)

@@ -264,6 +264,19 @@ TEST(XlsxLosses, SheetsBeyondTheMostAreLeftOut)
     EXPECT_THAT(warnings.texts(), testing::ElementsAre("工作表超过 256 张,其余的没有引入"));
 }
 
+TEST(XlsxArchive, SheetsThatAreNoXmlAreRefused)
+{
+    const TestFolder folder;
+    for (const char* cell : {"<c r=xF1x><v>1</v></c>", "<c r=\"F1><v>1</v></c>", "<c r=\"F1\"><v>1</c></v>",
+                             "<c r \"F1\"><v>1</v></c>"}) {
+        Workbook workbook;
+        Warnings warnings;
+        const std::string sheet = "<sheetData><row r=\"1\">" + std::string(cell) + "</row></sheetData>";
+        EXPECT_THROW(readXlsx(archive(folder, workbookOfSheets({sheet})), workbook, warnings), ContentError)
+            << cell;
+    }
+}
+
 TEST(XlsxLosses, ASheetWithoutItsPartIsEmpty)
 {
     const TestFolder folder;

@@ -58,6 +58,7 @@ TEST(SecurityFunctions, PricesAndYields)
         // A regular first period is no odd one: both prices agree.
         {"ROUND(ODDFPRICE(A1,A2,DATE(2007,11,15),A3,0.0575,0.065,100,2)-PRICE(A1,A2,0.0575,0.065,100,2),9)",
          "0"},
+        {"ROUND(ODDFPRICE(A1,A2,DATE(2007,11,15),A3,0,0.065,100,2)-PRICE(A1,A2,0,0.065,100,2),9)", "0"},
         {"ODDFPRICE(A1,A2,DATE(2007,11,15),A3+1,0.0575,0.065,100,2)", "#NUM!"},
         {"ODDFYIELD(A1,A2,DATE(2005,7,4),A3,0.05,ODDFPRICE(A1,A2,DATE(2005,7,4),A3,0.05,0.04,100,2,3),100,2,"
          "3)",

@@ -68,6 +68,8 @@ TEST(ArrayShaping, FilterSortUnique)
         {"COLUMNS(RANDARRAY(2,3))", "3"},
         {"AND(RANDARRAY(20,20,5,7,TRUE)>=5,RANDARRAY(20,20,5,7,TRUE)<=7)", "TRUE"},
         {"SUMPRODUCT(--(MOD(RANDARRAY(9,9,5,7,TRUE),1)=0))", "81"},
+        {"AND(RANDARRAY(20,20,5,7)>=5,RANDARRAY(20,20,5,7)<7)", "TRUE"},
+        {"SUMPRODUCT(--(RANDARRAY(40,50,5,7,TRUE)=5))>500", "TRUE"}, // a third of 2000
         {"RANDARRAY(2,2,1,0)", "#VALUE!"},
         {"SUM(SORT(A1:C4,1/0))", "#DIV/0!"},
     });
