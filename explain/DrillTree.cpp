@@ -12,6 +12,7 @@
 #include "platform/services/UserWait.h"
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/Workbook.h"
+#include "text/amount_text.h"
 
 #include <cmath>
 
@@ -196,7 +197,7 @@ void DrillTree::openCall(DrillNode& node, DatabaseAccess& database, std::size_t 
     node.whole = parts.whole.value_or(0);
     if (std::abs(*node.whole - node.amount.value_or(0)) >= leastDifference) {
         m_head.ledgerHasChanged = true;
-        node.remark = "账已变动，现为 " + numberText(*node.whole);
+        node.remark = "账已变动，现为 " + amountText(*node.whole);
     }
     addDifference(node, parts.reason);
 }

@@ -138,6 +138,10 @@ DrillNode figureParts(const spreadsheet::Workbook& workbook, const RunRecord& re
                           : "非线性（" + form.nonlinearFunction + "），只列出取数，没有合计";
         return root;
     }
+    if (form.terms.empty() && workbook.sheet(cell.sheet).value({cell.column, cell.row}).isEmpty()) {
+        root.remark = "单元格是空的";
+        return root;
+    }
     if (form.constant != 0 || form.terms.empty())
         root.parts.push_back({.item = "常数", .basis = "公式中的数和手工录入的数", .amount = form.constant});
     for (const spreadsheet::LinearRounding& rounding : form.roundings) {

@@ -90,6 +90,17 @@ TEST(DrillTree, AReadingOfAnotherReportOpensIntoItsCell)
     EXPECT_GE(readings, 3);
 }
 
+TEST(DrillTree, AnEmptyCellIsNoNumber)
+{
+    const test::ExplainedDemo demo;
+    withReport(demo, 1, [&](const ReportRun& run, const RunRecord& record, DatabaseAccess&) {
+        const DrillTree tree(run.name, *run.workbook, record, {1, 11, 5});
+        EXPECT_EQ(tree.head().remark, "单元格是空的");
+        EXPECT_TRUE(tree.root().parts.empty());
+        EXPECT_FALSE(tree.root().sum);
+    });
+}
+
 class ExplainCommand : public ::testing::Test {
 protected:
     void fault(const std::string& cell, const char* wanted)

@@ -211,6 +211,8 @@ void frmDrill::addRow(QTreeWidgetItem* above, DrillNode& node, double sum)
     for (const int column : {factor, amount, share})
         row->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
     showRemark(row, node);
+    if (node.isFault && !node.amount && row->text(basis).isEmpty())
+        row->setFirstColumnSpanned(true); // a sentence
     row->setData(item, nodeRole, QVariant::fromValue(static_cast<void*>(&node)));
     if (node.canOpen())
         row->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);

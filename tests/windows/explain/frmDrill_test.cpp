@@ -150,6 +150,7 @@ TEST_F(Drill, ABranchThatFailsSaysSoAndTheTreeStays)
     ASSERT_EQ(tree().topLevelItemCount(), 1);
     ASSERT_EQ(tree().topLevelItem(0)->childCount(), 1);
     EXPECT_EQ(tree().topLevelItem(0)->child(0)->foreground(0).color(), QColor(Qt::red));
+    EXPECT_TRUE(tree().topLevelItem(0)->child(0)->isFirstColumnSpanned()) << "a sentence needs room";
     ledger.run("alter table gone rename to tblAccountBal");
 }
 
