@@ -41,6 +41,7 @@ PreviewWidget::PreviewWidget(QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setBackgroundRole(QPalette::Dark);
     viewport()->setAutoFillBackground(true);
+    connect(&m_counting, &QTimer::timeout, this, &PreviewWidget::countHits);
 }
 
 void PreviewWidget::attach(const Workbook& workbook, int sheet, PageRequest request)
@@ -81,13 +82,74 @@ void PreviewWidget::showPage(int page)
     scrollTo(0);
 }
 
-bool PreviewWidget::find(const QString& text)
+void PreviewWidget::mark(const QString& text)
 {
-    const PageLayout* const layout = m_pages.layout();
-    const auto page = layout ? pageShowing(m_pages.sheet(), *layout, text, m_currentPage) : std::nullopt;
-    if (page)
-        setCurrentPage(*page);
-    return page.has_value();
+    m_search.setText(text);
+    m_counting.start();
+    viewport()->update();
+    Q_EMIT hitsChanged();
+}
+
+bool PreviewWidget::find(const QString& text, bool isForward)
+{
+    m_search.setText(text);
+    const bool isFound = m_search.go(isForward, m_currentPage);
+    if (isFound) {
+        setCurrentPage(m_search.current().page);
+        showHit();
+    }
+    mark(text);
+    return isFound;
+}
+
+/// Scrolls as far as the current hit needs.
+void PreviewWidget::showHit()
+{
+    const auto [page, index] = m_search.current();
+    const Strip strip = this->strip();
+    const QRect onPaper = m_search.on(page)[static_cast<std::size_t>(index)];
+    const QRect hit = onScreen(onPaper).translated(pageRect(strip, page).topLeft());
+    const auto scroll = [](QScrollBar& bar, int first, int last, int room) {
+        if (first - gap < bar.value() || last + gap > bar.value() + room)
+            bar.setValue((first + last - room) / 2);
+    };
+    {
+        const QScopedValueRollback placing(m_isPlacing, true); // the page stays the current one
+        scroll(*verticalScrollBar(), hit.top(), hit.bottom(), viewport()->height());
+        scroll(*horizontalScrollBar(), hit.left(), hit.right(), viewport()->width());
+    }
+    m_within = (verticalScrollBar()->value() - rowOf(page) * strip.pitch().height()) /
+               static_cast<double>(strip.page.height());
+}
+
+void PreviewWidget::countHits()
+{
+    if (m_search.text().isEmpty() || !m_search.countOn())
+        m_counting.stop();
+    Q_EMIT hitsChanged();
+}
+
+/// Twips on a page as pixels on its picture.
+QRect PreviewWidget::onScreen(const QRect& onPaper) const
+{
+    const double scale = this->scale();
+    return QRectF(onPaper.x() * scale, onPaper.y() * scale, onPaper.width() * scale, onPaper.height() * scale)
+        .toRect();
+}
+
+void PreviewWidget::drawHits(QPainter& painter, int page, const QRect& place)
+{
+    const QColor hitColour(255, 214, 0, 100), currentColour(255, 140, 0, 130);
+    const std::vector<QRect>& hits = m_search.on(page);
+    for (std::size_t i = 0; i < hits.size(); ++i) {
+        const bool isCurrent = m_search.current() == PreviewSearch::Hit{page, static_cast<int>(i)};
+        const QRect hit = onScreen(hits[i]).translated(place.topLeft());
+        painter.fillRect(hit, isCurrent ? currentColour : hitColour);
+        if (!isCurrent)
+            continue;
+        painter.setPen(QPen(QColor(200, 90, 0), 2));
+        painter.drawRect(hit);
+    }
 }
 
 QString PreviewWidget::words() const
@@ -162,6 +224,8 @@ void PreviewWidget::renew()
     const int pageBefore = m_currentPage;
     m_pictures.clear();
     m_shownVersion = m_pages.version();
+    if (!m_search.text().isEmpty())
+        m_counting.start(); // there may be others
     m_currentPage = std::clamp(m_currentPage, 1, pageCount());
     arrange();
     Q_EMIT pagesRenewed();
@@ -312,6 +376,7 @@ void PreviewWidget::paintEvent(QPaintEvent* event)
         if (page == m_currentPage && last > first)
             painter.fillRect(rect.adjusted(-frame, -frame, frame, frame), palette().highlight());
         painter.drawPixmap(rect.topLeft(), picture(page, rect.size()));
+        drawHits(painter, page, rect);
     }
 }
 

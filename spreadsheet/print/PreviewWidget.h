@@ -1,7 +1,9 @@
 #pragma once
 #include "spreadsheet/print/PreviewPages.h"
+#include "spreadsheet/print/PreviewSearch.h"
 
 #include <QAbstractScrollArea>
+#include <QTimer>
 
 #include <map>
 #include <optional>
@@ -46,8 +48,12 @@ public:
     int currentPage() const { return m_currentPage; }
     /// A page outside the report becomes its first or last.
     void setCurrentPage(int page);
-    /// Goes to the next page, at last the current one, whose cells show a text. False if none does.
-    bool find(const QString& text);
+    /// Marks the cells that show a text; none if it is empty.
+    void mark(const QString& text);
+    /// Marks them and goes from one to the next or former one, which comes into sight; first to the nearest
+    /// from the current page on. False if there are none.
+    bool find(const QString& text, bool isForward = true);
+    PreviewSearch& search() { return m_search; }
     /// What the cells of the current page show, for a clipboard.
     QString words() const;
     /// How many pages the view shows at once.
@@ -74,6 +80,8 @@ Q_SIGNALS:
     void pagesRenewed();
     /// They are shown in another view or size.
     void lookChanged();
+    /// Other hits of the search, another current one, or more of them counted.
+    void hitsChanged();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -116,8 +124,14 @@ private:
     void goOn(int screens);
     void tellPages(int pageBefore);
     const QPixmap& picture(int page, QSize size);
+    void drawHits(QPainter& painter, int page, const QRect& place);
+    void showHit();
+    void countHits();
+    QRect onScreen(const QRect& onPaper) const;
 
     PreviewPages m_pages;
+    PreviewSearch m_search{m_pages};
+    QTimer m_counting; ///< of hits, while nothing else is to be done
     Look m_look;
     std::optional<Look> m_lookBefore; ///< set while the zoom is toggled
     int m_currentPage = 1;

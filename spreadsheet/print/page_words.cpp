@@ -2,6 +2,8 @@
 
 #include "spreadsheet/print/PageCells.h"
 
+#include <cmath>
+
 namespace spreadsheet {
 
 namespace {
@@ -41,15 +43,28 @@ QString pageWords(const Sheet& sheet, const PageLayout& layout, int number)
     return words;
 }
 
-std::optional<int> pageShowing(const Sheet& sheet, const PageLayout& layout, const QString& text, int from)
+std::vector<QRect> pageHits(const Sheet& sheet, const PageLayout& layout, int number, const QString& text)
 {
-    const int pages = layout.pageCount();
-    for (int step = 1; !text.isEmpty() && step <= pages; ++step) {
-        const int number = (from - 1 + step) % pages + 1;
-        if (pageWords(sheet, layout, number).contains(text, Qt::CaseInsensitive))
-            return number;
-    }
-    return std::nullopt;
+    const PrintedPage page = layout.page(number);
+    const PageCells cells(sheet, page);
+    const PageBox& body = layout.body();
+    const auto onPaper = [&](const PageBox& box) {
+        const auto scaled = [&](int place, int from) {
+            return from + static_cast<int>(std::lround((place - from) * layout.scale()));
+        };
+        return QRect(QPoint(scaled(box.left, body.left), scaled(box.top, body.top)),
+                     QPoint(scaled(box.right(), body.left) - 1, scaled(box.bottom(), body.top) - 1));
+    };
+    std::vector<QRect> hits;
+    for (int row = 0; row < cells.rows(); ++row)
+        for (int column = 0; column < cells.columns(); ++column) {
+            if (!shownAt(cells, row, column).contains(text, Qt::CaseInsensitive))
+                continue;
+            const int span = cells.at(row, column).span;
+            hits.push_back(onPaper(span < 0 ? cells.boxOf(row, column)
+                                            : cells.spans()[static_cast<std::size_t>(span)].visible));
+        }
+    return hits;
 }
 
 } // namespace spreadsheet

@@ -1,6 +1,8 @@
 #pragma once
-#include <optional>
+#include <QRect>
 #include <QString>
+
+#include <vector>
 
 namespace spreadsheet {
 
@@ -11,7 +13,8 @@ class Sheet;
 /// @param number  1 to layout.pageCount()
 QString pageWords(const Sheet& sheet, const PageLayout& layout, int number);
 
-/// The first page behind `from`, going round to it, one of whose cells shows the text in either letter case.
-std::optional<int> pageShowing(const Sheet& sheet, const PageLayout& layout, const QString& text, int from);
+/// Where the cells stand that show a text, which is not empty, in either letter case: twips from the paper's
+/// corner.
+std::vector<QRect> pageHits(const Sheet& sheet, const PageLayout& layout, int number, const QString& text);
 
 } // namespace spreadsheet

@@ -187,36 +187,62 @@ void frmPreview::buildSearch()
     txtFind->setPlaceholderText(QStringLiteral("在各页中查找"));
     places->place(txtFind, {120, 7540, 2800, 450});
     connect(txtFind, &QLineEdit::returnPressed, this, &frmPreview::cmdFind_Click);
-    const auto button = [&](const char* name, const char* caption, int left, QKeySequence key, auto clicked) {
+    const auto button = [&](const char* name, const char* caption, int left, auto clicked) {
         auto* const made = new QPushButton(QString::fromUtf8(caption));
         made->setObjectName(QLatin1String(name));
         made->setAutoDefault(false);
-        made->setShortcut(key);
         places->place(made, {left, 7540, 1350, 450});
         connect(made, &QPushButton::clicked, this, clicked);
     };
-    button("cmdFind", "查找下一个", 3000, QKeySequence::FindNext, &frmPreview::cmdFind_Click);
-    button("cmdCopy", "复制文字", 4480, {}, &frmPreview::cmdCopy_Click);
+    button("cmdFind", "查找下一个", 3000, &frmPreview::cmdFind_Click);
+    button("cmdCopy", "复制文字", 4480, &frmPreview::cmdCopy_Click);
     const auto shortcut = [this](QKeySequence::StandardKey key, QWidget* of, auto act) {
         auto* const action = new QAction(of);
         action->setShortcut(key);
-        action->setShortcutContext(Qt::WidgetShortcut);
+        action->setShortcutContext(of == this ? Qt::WindowShortcut : Qt::WidgetShortcut);
         connect(action, &QAction::triggered, this, act);
         of->addAction(action);
     };
     shortcut(QKeySequence::Find, m_fpsp1, [this] { txtFind->setFocus(Qt::ShortcutFocusReason); });
     shortcut(QKeySequence::Copy, m_fpsp1, [this] { cmdCopy_Click(); });
+    // Not the button's: that would wait for a picture of it pressed.
+    shortcut(QKeySequence::FindNext, this, [this] { findOn(true); });
+    shortcut(QKeySequence::FindPrevious, this, [this] { findOn(false); });
+    lblHits = new QLabel;
+    lblHits->setObjectName("lblHits");
+    places->place(lblHits, {10400, 7540, 1480, 450});
+    connect(txtFind, &QLineEdit::textChanged, m_fpsp1, &spreadsheet::PreviewWidget::mark);
+    connect(m_fpsp1, &spreadsheet::PreviewWidget::hitsChanged, this, &frmPreview::showHits);
 }
 
-/// Goes to the next page that shows the text.
 void frmPreview::cmdFind_Click()
+{
+    findOn(true);
+}
+
+/// Goes to the next place that shows the text, or to the former one.
+void frmPreview::findOn(bool isForward)
 {
     if (txtFind->text().isEmpty())
         return txtFind->setFocus();
     const WaitCursor waiting;
-    if (!m_fpsp1->find(txtFind->text()))
+    if (!m_fpsp1->find(txtFind->text(), isForward))
         dialogs().message(Icon::information, m_grid.context.title,
                           "没有找到“" + txtFind->text().toStdString() + "”。");
+}
+
+/// Which of how many hits, as far as they have been counted.
+void frmPreview::showHits()
+{
+    spreadsheet::PreviewSearch& search = m_fpsp1->search();
+    const auto number = [](std::optional<int> count) {
+        return count ? QString::number(*count) : QStringLiteral("…");
+    };
+    if (search.text().isEmpty())
+        return lblHits->clear();
+    const bool isAtHit = search.current().page != 0;
+    lblHits->setText((isAtHit ? number(search.ordinal()) + '/' : QString()) + number(search.total()) +
+                     QStringLiteral(" 处"));
 }
 
 void frmPreview::cmdCopy_Click()

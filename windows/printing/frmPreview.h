@@ -49,6 +49,8 @@ private:
     void showView();
     void cboZoom_Click(int index);
     void cmdFind_Click();
+    void findOn(bool isForward);
+    void showHits();
     void cmdCopy_Click();
 
     PrintedGrid& m_grid;
@@ -56,6 +58,7 @@ private:
     QLabel* lblPage;
     QComboBox* cboZoom = nullptr;
     QLineEdit* txtFind = nullptr;
+    QLabel* lblHits = nullptr;
     QPushButton* cmdPrevious = nullptr;
     QPushButton* cmdNext = nullptr;
     bool m_shownModally = false;

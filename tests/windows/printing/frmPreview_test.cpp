@@ -57,16 +57,22 @@ TEST_F(Preview, TextsAreFoundAndCopied)
     QTest::keyClick(&window.fpsp1(), Qt::Key_F, Qt::ControlModifier);
     auto& text = control<QLineEdit>(window, "txtFind");
     EXPECT_TRUE(text.hasFocus());
+    auto& hits = control<QLabel>(window, "lblHits");
     const struct {
-        const char *text, *page;
-    } cases[] = {{"net 合", "第 4 页"}, {"net 合", "第 4 页"}, {"行", "第 5 页"}, {"行", "第 1 页"}};
-    for (const auto& [sought, page] : cases) {
+        const char *text, *page, *hits;
+        Qt::KeyboardModifiers modifiers = {};
+    } cases[] = {{"net 合", "第 4 页", "1/1 处"}, {"net 合", "第 4 页", "1/1 处"},
+                 {"行", "第 4 页", "4/5 处"},     {"行", "第 5 页", "5/5 处"},
+                 {"行", "第 1 页", "1/5 处"},     {"行", "第 5 页", "5/5 处", Qt::ShiftModifier},
+                 {"行", "第 1 页", "1/5 处"}};
+    for (const auto& [sought, page, count, modifiers] : cases) {
         text.setText(sought);
-        QTest::keyClick(&text, Qt::Key_Return);
+        QTest::keyClick(&text, Qt::Key_F3, modifiers);
         EXPECT_TRUE(state(window).starts_with(page)) << sought << ' ' << state(window);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return hits.text() == count; })) << hits.text().toStdString();
     }
     text.setText("没有");
-    click(window, "cmdFind");
+    QTest::keyClick(&text, Qt::Key_Return);
     ASSERT_EQ(ledger.boxes.said.size(), 1U);
     EXPECT_EQ(ledger.boxes.said[0].text, "没有找到“没有”。");
     EXPECT_TRUE(state(window).starts_with("第 1 页"));
