@@ -139,12 +139,14 @@ QRect PreviewWidget::onScreen(const QRect& onPaper) const
 
 void PreviewWidget::drawHits(QPainter& painter, int page, const QRect& place)
 {
-    const QColor hitColour(255, 214, 0, 100), currentColour(255, 140, 0, 130);
+    const QColor hitColour(255, 236, 150), currentColour(255, 190, 110);
     const std::vector<QRect>& hits = m_search.on(page);
     for (std::size_t i = 0; i < hits.size(); ++i) {
         const bool isCurrent = m_search.current() == PreviewSearch::Hit{page, static_cast<int>(i)};
         const QRect hit = onScreen(hits[i]).translated(place.topLeft());
+        painter.setCompositionMode(QPainter::CompositionMode_Multiply); // letters stay as dark
         painter.fillRect(hit, isCurrent ? currentColour : hitColour);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
         if (!isCurrent)
             continue;
         painter.setPen(QPen(QColor(200, 90, 0), 2));
