@@ -216,14 +216,15 @@ void GridCommands::movePageBreakHere(Axis axis, int lines)
         return;
     const bool rows = axis == Axis::rows;
     const CellAddress cell = m_control.cursor().activeCell();
-    const int from = rows ? cell.row : cell.column;
-    if (!beginsPage(m_view.sheet(), axis, from)) {
+    const int line = rows ? cell.row : cell.column;
+    const int mark = pageMarkAt(m_view.sheet(), axis, line);
+    if (mark == 0) {
         m_control.refuse(rows ? "活动单元格的行上没有分页符" : "活动单元格的列上没有分页符");
         return;
     }
     const AxisPositions& shown = rows ? m_view.geometry().rows() : m_view.geometry().columns();
-    const int to = shown.moved(from, lines);
-    movePageBreak(axis, from, to);
+    const int to = shown.moved(line, lines);
+    movePageBreak(axis, mark, to);
     m_control.cursor().setActiveCell(rows ? cell.column : to, rows ? to : cell.row);
 }
 

@@ -90,15 +90,15 @@ GridMouse::Place GridMouse::placeOf(QPoint point) const
     return {Kind::cells, cell, 0};
 }
 
-/// The line that begins a page by hand and lies at a place of the cells; 0: none does.
+/// The mark of a page that begins by hand and lies at a place of the cells; 0: none does.
 int GridMouse::breakAt(int position, bool rows) const
 {
     const CellGeometry& geometry = m_view.geometry();
     const Axis axis = rows ? Axis::rows : Axis::columns;
     for (const PageTrack& track : rows ? geometry.rowTracks() : geometry.columnTracks())
-        if (std::abs(track.start - 1 - position) <= breakReach &&
-            beginsPage(m_view.sheet(), axis, track.index))
-            return track.index;
+        if (std::abs(track.start - 1 - position) <= breakReach)
+            if (const int mark = pageMarkAt(m_view.sheet(), axis, track.index))
+                return mark;
     return 0;
 }
 

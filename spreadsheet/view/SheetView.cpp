@@ -1,6 +1,7 @@
 #include "spreadsheet/view/SheetView.h"
 
 #include "spreadsheet/print/cell_lines.h"
+#include "spreadsheet/view/commands/page_breaks.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <QPainter>
@@ -356,15 +357,14 @@ void SheetView::paintPane(QPainter& painter, const Pane& pane, const QRect& part
 /// Where pages begin by hand.
 void SheetView::paintPageBreaks(QPainter& painter) const
 {
-    const PrintSettings& print = sheet().settings().print;
     painter.save();
     painter.setPen(QPen(QColor(0x20, 0x60, 0xC0), 1, Qt::DashLine));
     const QRect cells = m_geometry.cellArea();
     for (const PageTrack& row : m_geometry.rowTracks())
-        if (print.rowBreaks.contains(row.index))
+        if (pageMarkAt(sheet(), Axis::rows, row.index))
             painter.drawLine(cells.left(), row.start - 1, cells.right(), row.start - 1);
     for (const PageTrack& column : m_geometry.columnTracks())
-        if (print.columnBreaks.contains(column.index))
+        if (pageMarkAt(sheet(), Axis::columns, column.index))
             painter.drawLine(column.start - 1, cells.top(), column.start - 1, cells.bottom());
     painter.restore();
 }

@@ -224,6 +224,36 @@ TEST_F(PageBreaksInTheGrid, StandWhereTheirPagesBegin)
     EXPECT_GT(blues(before("C8"), {0, 1}), 15);
 }
 
+/// A page that begins at hidden lines begins with the next one in sight; its mark stands and is moved there.
+TEST_F(PageBreaksInTheGrid, AtHiddenLinesStandInFrontOfTheNextInSight)
+{
+    sheet().changeSettings([](SheetSettings& settings) {
+        settings.rows.hidden = {{4, true}, {5, true}, {6, true}, {18, true}};
+        settings.columns.hidden = {{3, true}, {4, true}};
+    });
+    control.showChanges();
+    const QImage shown = control.grab().toImage();
+    const auto isMarked = [&](QPoint from, QPoint step) {
+        int count = 0;
+        for (int i = 0; i < 40; ++i)
+            count += shown.pixelColor(from + i * step) == QColor(0x20, 0x60, 0xC0);
+        return count > 15;
+    };
+    EXPECT_TRUE(isMarked(above("F7"), {1, 0}));
+    EXPECT_FALSE(isMarked(above("F8"), {1, 0}));
+    EXPECT_FALSE(isMarked(above("F19"), {1, 0})) << "its page begins at 20, in sight";
+    EXPECT_TRUE(isMarked(before("E8"), {0, 1}));
+    drag(above("F7"), above("F9"));
+    EXPECT_EQ(breaks(), "9 20 C");
+    drag(before("E8"), before("G8"));
+    EXPECT_EQ(breaks(), "9 20 G");
+    key(Qt::Key_Z, ctrl);
+    key(Qt::Key_Z, ctrl);
+    click("F7");
+    key(Qt::Key_Up, Qt::AltModifier | shift);
+    EXPECT_EQ(breaks() + ", " + cursor(), "3 20 C, F3 in F3");
+}
+
 TEST_F(ControlTest, TheWheelScrollsAndZooms)
 {
     turnWheel(control, {0, -120});
