@@ -5,6 +5,7 @@
 #include "spreadsheet/files/exchange/header_codes.h"
 #include "spreadsheet/files/exchange/page_margins.h"
 #include "spreadsheet/files/exchange/print_paper.h"
+#include "spreadsheet/files/exchange/written_losses.h"
 #include "spreadsheet/files/xls/list_checks.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/write_notes.h"
@@ -75,6 +76,7 @@ void SheetWriter::printSettings()
 {
     const PrintSettings& print = m_settings.print;
     warnOfPrintSetup(print, m_sheet.name(), m_parts.warnings);
+    countLostChoices(m_sheet.settings(), m_parts.warnings);
     m_writer.record16(xls::printHeaders, print.columnHeadings || print.rowHeadings);
     m_writer.record16(xls::printGridLines, print.gridLines);
     m_writer.record16(xls::gridSet, 1);

@@ -1,5 +1,5 @@
-#include "spreadsheet/files/exchange/control_losses.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
+#include "spreadsheet/files/exchange/written_losses.h"
 #include "spreadsheet/files/xls/cell_codes.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/files/xls/SheetWriter.h"

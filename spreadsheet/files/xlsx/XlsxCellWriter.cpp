@@ -1,8 +1,8 @@
 #include "spreadsheet/files/xlsx/XlsxCellWriter.h"
 
 #include "spreadsheet/cells/SheetSettings.h"
-#include "spreadsheet/files/exchange/control_losses.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
+#include "spreadsheet/files/exchange/written_losses.h"
 #include "spreadsheet/files/xlsx/xlsx_formula.h"
 #include "spreadsheet/formula/FormulaPool.h"
 

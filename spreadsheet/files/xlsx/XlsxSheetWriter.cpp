@@ -8,6 +8,7 @@
 #include "spreadsheet/files/exchange/page_margins.h"
 #include "spreadsheet/files/exchange/print_paper.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
+#include "spreadsheet/files/exchange/written_losses.h"
 #include "spreadsheet/files/xlsx/xlsx_names.h"
 #include "spreadsheet/files/xlsx/XlsxCellWriter.h"
 #include "text/quotes.h"
@@ -239,6 +240,7 @@ void XlsxSheetWriter::pageSetup()
 {
     const PrintSettings& print = m_settings.print;
     warnOfPrintSetup(print, m_sheet.name(), m_parts.warnings);
+    countLostChoices(m_settings, m_parts.warnings);
     m_xml.open("pageSetup");
     paper();
     if (print.scale != 100)

@@ -117,5 +117,26 @@ print(page.firstPageNumber, page.useFirstPageNumber, page.orientation, page.pape
               "7 True landscape 184mm 260mm\n");
 }
 
+TEST(LostChoices, AreCountedBySheets)
+{
+    Workbook book;
+    demand(book.addSheet("乙"));
+    for (const int sheet : {1, 2})
+        book.sheet(sheet).changeSettings([&](SheetSettings& settings) {
+            settings.nothingTexts[3] = "–";
+            settings.print.strict = sheet == 2;
+        });
+    Warnings xlsx, xls;
+    writeXlsx(book, xlsx);
+    writeXls(book, xls);
+    for (const Warnings* told : {&xlsx, &xls})
+        EXPECT_THAT(told->texts(),
+                    ::testing::ElementsAre("2 张表页的空值显示没有写出,那里没有取到数的单元格显示为 0",
+                                           "1 张表页的严格打印没有写出"));
+    Warnings none;
+    writeXlsx(Workbook(), none);
+    EXPECT_THAT(none.texts(), ::testing::IsEmpty());
+}
+
 } // namespace
 } // namespace spreadsheet
