@@ -142,6 +142,19 @@ TEST(RunOrders, CirclesAreOnlyWhereSomethingIsRead)
     }
 }
 
+TEST(RunOrders, WhatIsComputedShowsItsValueAgain)
+{
+    for (const char* formula : {"IF(B1=0,5,A1+1)", "B1+5"}) { // the first one by itself, as part of a circle
+        Workbook workbook;
+        Sheet& sheet = workbook.sheet(1);
+        type(sheet, "A1", formula);
+        workbook.recalculate();
+        sheet.setShownText({1, 1}, "旧");
+        workbook.recalculate();
+        EXPECT_EQ(sheet.shownText({1, 1}).view(), "") << formula;
+    }
+}
+
 /// The third argument names one cell and is read as far as the first one reaches.
 TEST(RunOrders, WhatIsReadBesideTheNamedCellCounts)
 {

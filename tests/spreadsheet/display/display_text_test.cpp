@@ -260,6 +260,7 @@ TEST(DisplayText, NumberFormatCodesGoBeforeTheType)
         {-0.004, "0.00", "0.00"},
         {-0.00004, "0.00%", "0.00%"},
         {-4.0, "0.00,", "0.00"},
+        {-0.004, "0.0 @", "-0.0 0.004"}, // which shows more than zeros
         {-0.004, "0.00E+00", "-4.00E-03"},
         // Tens of thousands: the decimal point goes four places to the left.
         {12345678.0, "[万元]#,##0.00", "1,234.57"},

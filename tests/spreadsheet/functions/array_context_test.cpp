@@ -124,3 +124,12 @@ TEST(ArrayContext, NamesMayBeUnions)
     sheet.expect({{"SUM(Corners)", "19"}, {"AREAS(Corners)", "2"}, {"COUNT(Corners,1)", "5"}});
     EXPECT_TRUE(sheet.workbook().sheet(1).setFormula({8, 1}, "=A1,C1")); // in a cell it is a slip
 }
+
+TEST(ArrayContext, WholeRowsReachAsFarAsAnythingIsUsed)
+{
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+    ASSERT_FALSE(sheet.setFormula({1, 2}, "SUMPRODUCT(--(1:1=\"\"))"));
+    workbook.recalculate();
+    EXPECT_EQ(valueText(sheet.value({1, 2})), "1");
+}

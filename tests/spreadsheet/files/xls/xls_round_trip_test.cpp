@@ -427,6 +427,30 @@ TEST(Xls, AnyRecordMayBeShort)
     EXPECT_GT(shortened, 100U);
 }
 
+TEST(Xls, ColumnsOfOneSizeComeBack)
+{
+    Workbook workbook, found;
+    workbook.sheet(1).changeSettings([](SheetSettings& settings) {
+        for (const int column : {3, 4, 5})
+            settings.columns.hidden[column] = true;
+    });
+    Warnings warnings;
+    readXls(writeXls(workbook, warnings), found, warnings);
+    EXPECT_EQ(found.sheet(1).settings().columns.hidden, workbook.sheet(1).settings().columns.hidden);
+}
+
+TEST(Xls, BlanksInFormulasComeBack)
+{
+    const char* const formulas[] = {"1+   A2", "SUM(   A2,  B2)", "-  A2", "(  A2)*2", "IF(A2>   1,  2,3)"};
+    Workbook workbook, found;
+    for (int row = 1; const char* formula : formulas)
+        ASSERT_FALSE(workbook.sheet(1).setFormula({4, row++}, formula)) << formula;
+    Warnings warnings;
+    readXls(writeXls(workbook, warnings), found, warnings);
+    for (int row = 1; const char* formula : formulas)
+        EXPECT_EQ(found.sheet(1).formula({4, row++}), formula);
+}
+
 /// Where sheets end at IV65536 a name may look like a cell of ours.
 TEST(Xls, NamesThatAreCellsHereComeAndGo)
 {

@@ -56,6 +56,7 @@ TEST(Combinatorics, FactorialsAndChoices)
         {"COMBINA(4,3)&\"/\"&COMBINA(0,0)", "\"20/1\""},
         {"COMBINA(0,1)", "#NUM!"},
         {"COMBINA(-0.5,0)", "#NUM!"}, // less than 0 before it is cut off
+        {"COMBIN(5,0)", "1"},
         {"PERMUT(100,3)", "970200"},
         {"PERMUT(2,3)", "#NUM!"},
         {"PERMUT(2,-0.1)", "#NUM!"},

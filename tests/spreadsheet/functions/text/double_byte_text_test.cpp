@@ -94,6 +94,8 @@ TEST(AmountText, SignsAndChineseNumbers)
         {"RMBDX(1E15)", "#NUM!"},
         {"NUMBERVALUE(\"2.500,27\",\",\",\".\")", "2500.27"},
         {"NUMBERVALUE(\"3.5%\")", "0.035"},
+        {"NUMBERVALUE(\"1\",\".\",\"\")", "#VALUE!"},
+        {"NUMBERVALUE(\"1\",\"\",\",\")", "#VALUE!"},
         {"NUMBERVALUE(\"9%%\")", "0.0009"},
         {"NUMBERVALUE(\" 1 2,3 \")", "123"},
         {"NUMBERVALUE(\"\")", "0"},
