@@ -130,6 +130,17 @@ TEST_F(CancellableWaits, WhatIsTypedForAWindowThatOpensReachesIt)
     EXPECT_EQ(owner.text->text(), "");
 }
 
+TEST_F(CancellableWaits, WhatIsTypedBeforeItHasArrivedComesBehind)
+{
+    Window window;
+    show(window);
+    QTimer::singleShot(200, &window, [&] { type("100"); });
+    EXPECT_EQ(waitFor(window, 300ms), CallEnd::done);
+    typeFor(*window.windowHandle(), "9");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.text->text() == "1009"; }))
+        << window.text->text().toStdString();
+}
+
 TEST_F(CancellableWaits, CancellingLeavesASilentCallWithinHalfASecond)
 {
     Window window;
