@@ -129,6 +129,56 @@ TEST_F(PreviewWidgetTest, TheZoomTogglesBetweenTheViewAndACloseLook)
     EXPECT_EQ(preview.view(), PreviewView::percentage) << "a chosen view starts afresh";
 }
 
+/// Whatever the view was before, it shows what one opened that way shows.
+TEST_F(PreviewWidgetTest, AViewLeavesNothingOfTheOneBefore)
+{
+    const auto fresh = [&](int page) {
+        PreviewWidget other;
+        other.attach(workbook, 1);
+        other.resize(preview.size());
+        other.setCurrentPage(page);
+        other.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&other));
+        return other.viewport()->grab().toImage();
+    };
+    preview.setView(PreviewView::percentage);
+    preview.setZoomPercentage(200);
+    preview.setCurrentPage(3);
+    shown();
+    preview.verticalScrollBar()->setValue(preview.verticalScrollBar()->value() + 300);
+    EXPECT_EQ(preview.currentPage(), 3);
+    preview.setView(PreviewView::wholePage);
+    EXPECT_EQ(shown(), fresh(3)) << "smaller";
+    preview.resize(420, 500);
+    EXPECT_EQ(shown(), fresh(3)) << "another window";
+}
+
+TEST_F(PreviewWidgetTest, OnlyAmongSeveralTheCurrentPageHasAFrame)
+{
+    const QColor frame = preview.palette().color(QPalette::Highlight);
+    const auto framed = [&] {
+        const QImage image = shown();
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                count += image.pixelColor(x, y) == frame;
+        return count;
+    };
+    preview.setView(PreviewView::severalPages);
+    preview.setPagesAcross(2);
+    EXPECT_GT(framed(), 1000);
+    setPages(1);
+    EXPECT_EQ(framed(), 0);
+}
+
+TEST_F(PreviewWidgetTest, PartsOfNotchesOfTheWheelAddUp)
+{
+    preview.setView(PreviewView::percentage);
+    wheel(180, Qt::ControlModifier);
+    wheel(180, Qt::ControlModifier);
+    EXPECT_NEAR(preview.zoomPercentage(), 133, 1) << "three times a tenth more";
+}
+
 TEST_F(PreviewWidgetTest, TheWheelScrollsOverTheEndsOfPages)
 {
     QScrollBar& bar = *preview.verticalScrollBar();
@@ -229,6 +279,17 @@ TEST_F(Thumbnails, ChooseThePageAndFollowIt)
     preview.refresh();
     QTest::mouseClick(strip.viewport(), Qt::LeftButton, {}, {40, topOf(3) + 20});
     EXPECT_EQ(preview.currentPage(), 3);
+    QTest::keyClick(&strip, Qt::Key_Home);
+    strip.resize(strip.width(), 2 * (topOf(2) - topOf(1)) + 40);
+    QTest::keyClick(&strip, Qt::Key_PageDown);
+    EXPECT_EQ(preview.currentPage(), 3) << "by two, as many as fit";
+    setPages(1);
+    preview.refresh();
+    setPages(2);
+    preview.refresh();
+    strip.resize(strip.width(), 900);
+    QTest::mouseClick(strip.viewport(), Qt::LeftButton, {}, {40, topOf(3) + 20});
+    EXPECT_EQ(preview.currentPage(), 1) << "below the last page";
 }
 
 TEST_F(Thumbnails, ShowThePagesAsTheyAreNow)
