@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <string>
 
 namespace spreadsheet {
@@ -216,8 +217,14 @@ std::string_view XmlScanner::content()
         const Kind kind = next();
         depth += kind == Kind::start;
         depth -= kind == Kind::end;
-        if (kind == Kind::text && depth == 1 && first.empty())
+        if (kind != Kind::text || depth != 1 || m_text.empty())
+            continue;
+        if (first.empty()) {
             first = m_text;
+        } else { // a comment or the like stands between: the pieces are put together where the first one is
+            std::memmove(const_cast<char*>(first.data() + first.size()), m_text.data(), m_text.size());
+            first = {first.data(), first.size() + m_text.size()};
+        }
     }
     return first;
 }

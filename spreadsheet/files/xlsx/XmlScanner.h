@@ -31,7 +31,7 @@ public:
     std::string_view text() const { return m_text; }
 
     /// Behind a start tag: goes to the element's end.
-    /// @return the text that stands first in it
+    /// @return the text that stands in it, without that of elements in it
     std::string_view content();
 
 private:

@@ -1,0 +1,187 @@
+#include "spreadsheet/files/exchange/alignments.h"
+#include "spreadsheet/files/xlsx/xlsx_formula.h"
+#include "spreadsheet/files/xlsx/xlsx_read.h"
+#include "spreadsheet/files/xlsx/XlsxNames.h"
+#include "spreadsheet/files/xlsx/XmlWriter.h"
+#include "tests/spreadsheet/files/xlsx/made_archive.h"
+
+#include <gmock/gmock.h>
+
+namespace spreadsheet {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::string sheetOf(const std::string& content)
+{
+    return "<worksheet>" + content + "</worksheet>";
+}
+
+std::vector<std::string> read(const Parts& parts, Workbook& workbook)
+{
+    const TestFolder folder;
+    Warnings warnings;
+    readXlsx(archive(folder, parts), workbook, warnings);
+    return warnings.texts();
+}
+
+/// A cell by itself: what it holds, and what is told.
+TEST(XlsxMeaning, OfCells)
+{
+    const struct {
+        const char *cell, *formula;
+        Value value;
+        const char* warning = "";
+    } cases[] = {
+        {"<c r=\"A1\" t=\"inlineStr\"><is><t>a\r\nb\rc</t></is></c>", "", Value::text("a\nb\nc")},
+        {"<c r=\"A1\" t=\"inlineStr\"><is><t>漢</t><rPh sb=\"0\"><t>かん</t></rPh></is></c>", "",
+         Value::text("漢")},
+        {"<c r=\"A1\" t=\"str\"><f>\"_xlfn.A\"&amp;_xlfn.CSC(1)</f><v>x</v></c>", "\"_xlfn.A\"&CSC(1)",
+         Value::text("x")},
+        {"<c r=\"A1\"><v>1<!-- 9 -->2<![CDATA[.]]>5</v></c>", "", Value(12.5)},
+        {"<c r=\"A1\" t=\"s\"><v>9</v></c>", "", Value(), "文本编号"},
+        {"<c r=\"A1\"><f t=\"dataTable\" ref=\"A1:A2\" r1=\"B1\">B1</f><v>3</v></c>", "", Value(3.0),
+         "模拟运算表"},
+        {"<c r=\"A1\"><f t=\"array\" ref=\"A1:A2\">1+1</f><v>3</v></c><c r=\"A2\"><f t=\"array\" "
+         "ref=\"A2:A3\">2</f><v>4</v></c>",
+         "", Value(3.0), "重叠"},
+        {"<c r=\"A1\" t=\"e\"><f>#N/A</f><v>#N/A</v></c>", "#N/A", Value(CellError::na)},
+    };
+    for (const auto& c : cases) {
+        Workbook workbook;
+        const auto warnings = read(
+            workbookOf(sheetOf("<sheetData><row>" + std::string(c.cell) + "</row></sheetData>")), workbook);
+        EXPECT_EQ(workbook.sheet(1).formula({1, 1}), c.formula) << c.cell;
+        EXPECT_EQ(workbook.sheet(1).value({1, 1}), c.value) << c.cell;
+        if (*c.warning)
+            EXPECT_THAT(warnings, ElementsAre(HasSubstr(c.warning))) << c.cell;
+        else
+            EXPECT_THAT(warnings, IsEmpty()) << c.cell;
+    }
+}
+
+/// Where all computing is left to the reader, a constant error can only be written as a formula.
+TEST(XlsxMeaning, OfConstantsThatHadToBeFormulas)
+{
+    Parts parts = workbookOf(
+        sheetOf("<sheetData><row><c r=\"A1\" t=\"e\"><f>#N/A</f><v>#N/A</v></c></row></sheetData>"));
+    parts[1].second.insert(parts[1].second.find("</x:workbook>"), "<x:calcPr fullCalcOnLoad=\"1\"/>");
+    Workbook workbook;
+    EXPECT_THAT(read(parts, workbook), IsEmpty());
+    EXPECT_EQ(workbook.sheet(1).formula({1, 1}), "");
+    EXPECT_EQ(workbook.sheet(1).value({1, 1}), Value(CellError::na));
+}
+
+TEST(XlsxMeaning, RowsThatAreNoXmlAreRefused)
+{
+    std::string deep, behind;
+    for (int i = 0; i < 100; ++i) {
+        deep += "<a>";
+        behind += "</a>";
+    }
+    for (const std::string& content :
+         {std::string("<row><c r=\"A1\"></row></c>"), std::string("<row><c r=\"A1\"><v>1</f></c></row>"),
+          "<row>" + deep + behind + "</row>"}) {
+        Workbook workbook;
+        EXPECT_THROW(read(workbookOf(sheetOf("<sheetData>" + content + "</sheetData>")), workbook),
+                     ContentError)
+            << content.substr(0, 40);
+    }
+}
+
+TEST(XlsxMeaning, OfPanesAndColumns)
+{
+    Workbook workbook;
+    read(workbookOf(sheetOf(
+             "<sheetViews><sheetView><pane xSplit=\"2\" ySplit=\"3\" state=\"frozenSplit\"/></sheetView>"
+             "</sheetViews><cols><col min=\"4\" max=\"4\" width=\"0\"/></cols><sheetData/>")),
+         workbook);
+    const SheetSettings& settings = workbook.sheet(1).settings();
+    EXPECT_EQ(settings.frozenColumns, 2);
+    EXPECT_EQ(settings.frozenRows, 3);
+    EXPECT_TRUE(settings.columns.hidden.contains(4));
+}
+
+TEST(XlsxMeaning, OfLooks)
+{
+    Parts parts =
+        workbookOf(sheetOf("<sheetData><row><c r=\"A1\" s=\"1\"/><c r=\"B1\" s=\"2\"/></row></sheetData>"));
+    const std::string relation =
+        "Type=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+    parts[2].second.insert(parts[2].second.find("</Relationships>"),
+                           "<Relationship Id=\"r2\" " + relation + "styles\" Target=\"styles.xml\"/>" +
+                               "<Relationship Id=\"r3\" " + relation + "theme\" Target=\"theme.xml\"/>");
+    parts.emplace_back("xl/theme.xml",
+                       "<theme><themeElements><clrScheme><dk1><srgbClr val=\"010203\"/></dk1>"
+                       "<lt1><srgbClr val=\"FFFFFF\"/></lt1></clrScheme></themeElements></theme>");
+    parts.emplace_back(
+        "xl/styles.xml",
+        "<styleSheet><fonts><font><sz val=\"9\"/></font><font><color "
+        "theme=\"1\"/></font></fonts><fills><fill/><fill>"
+        "<gradientFill><stop position=\"0\"><color "
+        "rgb=\"FF00FF00\"/></stop></gradientFill></fill></fills><borders>"
+        "<border/><border><start style=\"thin\"/><end style=\"double\"/></border></borders><cellXfs><xf/>"
+        "<xf fontId=\"1\" fillId=\"1\" borderId=\"1\"><alignment horizontal=\"left\" indent=\"300\" "
+        "textRotation=\"200\"/>"
+        "</xf><xf><alignment horizontal=\"center\" indent=\"3\" "
+        "textRotation=\"255\"/></xf></cellXfs></styleSheet>");
+    Workbook workbook;
+    EXPECT_THAT(read(parts, workbook), ElementsAre(HasSubstr("渐变填充")));
+    const CellStyle &first = workbook.sheet(1).style({1, 1}), &second = workbook.sheet(1).style({2, 1});
+    EXPECT_EQ(first.foreground, automaticColour) << "nobody coloured it";
+    EXPECT_EQ(first.background, 0x00FF00u);
+    EXPECT_EQ(first.left.style, LineStyle::solid);
+    EXPECT_EQ(first.right.style, LineStyle::doubled);
+    EXPECT_EQ(first.carried.indent, 250) << "the most that there is";
+    EXPECT_EQ(first.carried.rotation, 0) << "no such turn";
+    EXPECT_EQ(second.carried.rotation, CarriedAlignment::stackedLetters);
+    EXPECT_EQ(indentSteps(second), 0u) << "of a centred text";
+}
+
+TEST(XlsxMeaning, OfNamesAndParts)
+{
+    XlsxNames names;
+    names.addName("", "RATE", "RATE");
+    names.addName("甲", "RATE", "RATE_2");
+    EXPECT_EQ(names.plain("RATE(1)+RATE", "甲", {1, 1}), "RATE(1)+RATE_2") << "a function is none";
+    XlsxTable table;
+    table.name = "表";
+    table.sheet = "甲";
+    table.range = {2, 3, 4, 9};
+    table.columns = {"一", "二", "三"};
+    names.addTable(table);
+    EXPECT_EQ(names.plain("表[[三]:[二]]", "甲", {1, 1}), "$C$4:$D$9");
+    EXPECT_EQ(names.plain("表[[#Totals],[一]]", "甲", {1, 1}), "#REF!") << "it has none";
+}
+
+/// What stands behind a name of one sheet means the names of that sheet.
+TEST(XlsxMeaning, OfNamesInNames)
+{
+    Parts parts =
+        workbookOf(sheetOf("<sheetData><row><c r=\"A1\"><f>双倍</f><v>1</v></c></row></sheetData>"));
+    parts[1].second.insert(
+        parts[1].second.find("</x:workbook>"),
+        "<x:definedNames><x:definedName name=\"税率\">1</x:definedName>"
+        "<x:definedName name=\"税率\" localSheetId=\"0\">5</x:definedName>"
+        "<x:definedName name=\"双倍\" localSheetId=\"0\">税率*2</x:definedName></x:definedNames>");
+    Workbook workbook;
+    read(parts, workbook);
+    workbook.recalculate();
+    EXPECT_EQ(workbook.sheet(1).value({1, 1}), Value(10.0));
+}
+
+TEST(XlsxMeaning, OfWhatIsWritten)
+{
+    const SheetResolver none = [](std::string_view) { return 0; };
+    EXPECT_EQ(portableFormula("A1　+　2", {1, 1}, none), "A1 + 2") << "blanks that others know";
+    std::string attribute, text;
+    appendXml(attribute, "a\tb\nc\"", true);
+    appendXml(text, "a\tb\nc\"", false);
+    EXPECT_EQ(attribute, "a&#9;b&#10;c&quot;") << "readers make blanks of them";
+    EXPECT_EQ(text, "a\tb\nc\"");
+}
+
+} // namespace
+} // namespace spreadsheet
