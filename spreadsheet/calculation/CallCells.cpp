@@ -36,8 +36,12 @@ CellRange used(const Book& book, const Area& area)
 CallCells::Line& CallCells::line(int sheet, int column)
 {
     const std::int64_t key = static_cast<std::int64_t>(sheet) * (maxColumns + 1) + column;
+    if (key == m_lastKey) // mostly cells of a column are asked for together
+        return *m_lastLine;
     const auto [found, isNew] = m_lines.try_emplace(key);
     Line& line = found->second;
+    m_lastKey = key;
+    m_lastLine = &line;
     const Column* const cells = isNew ? m_book.sheet(sheet).column(column) : nullptr;
     if (!cells || cells->empty())
         return line;

@@ -55,6 +55,8 @@ private:
 
     const Book& m_book;
     std::unordered_map<std::int64_t, Line> m_lines; ///< by sheet and column
+    std::int64_t m_lastKey = -1;
+    Line* m_lastLine = nullptr; ///< of that key; lines stay where they are
     std::vector<CallPlace> m_needed;
 };
 

@@ -32,6 +32,8 @@ bool TracedCall::dependsOnCalls(std::size_t argument) const
 {
     if (const FigureTrace& trace = m_traces[argument])
         return std::ranges::any_of(trace->parts, &FigureParts::dependsOnCalls);
+    if (m_operands[argument].isValue())
+        return false;
     bool any = false; // all areas are asked, so that what is not known is found out at once
     for (const Area& area : m_operands[argument].areas())
         any = m_cells.anyIn(area) || any;

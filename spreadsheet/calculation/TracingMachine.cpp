@@ -246,7 +246,7 @@ void TracingMachine::callTraced(const FunctionDescriptor& function, std::size_t 
 }
 
 FigureTrace TracingMachine::traceOf(const FunctionDescriptor& function, const TracedCall& call,
-                                    const Operand& result) const
+                                    const Operand& result)
 {
     if (function.has(placesOnly) || function.has(asksNoValues))
         return nullptr;
@@ -260,7 +260,11 @@ FigureTrace TracingMachine::traceOf(const FunctionDescriptor& function, const Tr
         depends = call.dependsOnCalls(argument) || depends;
     if (!depends)
         return nullptr;
-    const LinearRule* const rule = linearRule(function.name);
+    if (m_lastFunction != &function) { // columns of formulas call one
+        m_lastFunction = &function;
+        m_lastRule = linearRule(function.name);
+    }
+    const LinearRule* const rule = m_lastRule;
     if (!rule || (!rule->ofEach && isSeveral(result)))
         return shared(FigureElements(call.nonlinear()));
     if (!isSeveral(result))

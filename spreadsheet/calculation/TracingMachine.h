@@ -10,6 +10,8 @@
 
 namespace spreadsheet {
 
+struct LinearRule;
+
 /// The stack machine once more over formulas whose cells are computed: values come out as they did, and
 /// beside each operand lies what it is made of. Calls of custom functions are not made; they answer what they
 /// did.
@@ -42,8 +44,7 @@ private:
                        const EvaluationPlace& place);
     void markTop(const EvaluationPlace& place);
 
-    FigureTrace traceOf(const FunctionDescriptor& function, const TracedCall& call,
-                        const Operand& result) const;
+    FigureTrace traceOf(const FunctionDescriptor& function, const TracedCall& call, const Operand& result);
     FigureTrace operatorTrace(const Instruction& instruction, const TracedCall& call,
                               const Operand& result) const;
     TracedCall traced(std::string_view function, std::size_t count, const Operand& result,
@@ -56,8 +57,10 @@ private:
     Effort m_effort;
     LookupIndexes m_indexes;
     std::vector<FigureTrace> m_traces; ///< one for each operand on the stack
-    int m_calls = 0;                   ///< that the formula has made
-    const Operand m_nothing;           ///< the result of what has none
+    const FunctionDescriptor* m_lastFunction = nullptr;
+    const LinearRule* m_lastRule = nullptr; ///< of that function
+    int m_calls = 0;                        ///< that the formula has made
+    const Operand m_nothing;                ///< the result of what has none
 };
 
 } // namespace spreadsheet

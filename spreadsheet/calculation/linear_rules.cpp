@@ -23,6 +23,8 @@ double plainNumber(const TracedCall& call, std::size_t argument, double otherwis
 {
     if (argument >= call.count() || call.operand(argument).isMissing())
         return otherwise;
+    if (const Operand& plain = call.operand(argument); plain.isValue() && plain.value().isNumber())
+        return plain.value().number();
     const Value number = toNumber(call.single(argument).value, call.place().book.countsFrom1904);
     return number.isNumber() ? number.number() : otherwise;
 }
