@@ -309,6 +309,36 @@ TEST_F(Thumbnails, ShowThePagesAsTheyAreNow)
     EXPECT_GT(dark(), 60);
 }
 
+/// On a finer screen a page has as many more dots as the screen.
+TEST_F(PreviewWidgetTest, PicturesHaveTheDotsOfTheScreen)
+{
+    sheet.restyle({1, 1, 1, 1}, [](CellStyle& style) { style.background = 0; });
+    const QSize size(300, 424);
+    const QImage one = preview.pages().picture(1, size, 1).toImage();
+    const QPixmap two = preview.pages().picture(1, size, 2);
+    EXPECT_EQ(two.deviceIndependentSize().toSize(), size);
+    ASSERT_EQ(two.size(), size * 2);
+    int dark = 0, other = 0;
+    const QImage fine = two.toImage();
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x) {
+            dark += qGray(one.pixel(x, y)) < 50;
+            other += std::abs(qGray(one.pixel(x, y)) - qGray(fine.pixel(2 * x, 2 * y))) > 150;
+        }
+    EXPECT_GT(dark, 50);
+    EXPECT_LT(other, dark / 4);
+}
+
+TEST_F(PreviewWidgetTest, ASheetThatIsGoneIsTold)
+{
+    demand(workbook.addSheet("利润表"));
+    preview.attach(workbook, 2);
+    EXPECT_EQ(preview.problem().toStdString(), "");
+    demand(workbook.removeSheet(2));
+    shown();
+    EXPECT_EQ(preview.problem().toStdString(), "工作表已不存在。");
+}
+
 TEST_F(PreviewWidgetTest, ChangesOfTheWorkbookShow)
 {
     const QImage before = shown();

@@ -254,6 +254,7 @@ TEST_F(PdfTest, SeveralSheetsCountTheirPagesApart)
     EXPECT_TRUE(info.contains("Page    3 size:  842 x 595"));
     const QString labels = run("qpdf", {"--json", "--json-key=pagelabels", path()}).second;
     EXPECT_TRUE(labels.contains("资产负债表-") && labels.contains("利润表-")) << labels.toStdString();
+    EXPECT_TRUE(labels.contains(QRegularExpression("\"index\": *2"))) << "the second sheet's first page";
 
     PrintDocument one;
     one.sheet = 2;
