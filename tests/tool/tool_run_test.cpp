@@ -1,5 +1,6 @@
 #include "tool/tool_api.h"
 
+#include "fetch/CallState.h"
 #include "spreadsheet/files/content/content.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "tests/fetch/TestLedger.h"
@@ -101,6 +102,21 @@ TEST(ReportRun, AStrictSheetSaysOnPaperWhatItLacks)
         EXPECT_EQ(text.find("※7") != std::string::npos, isStrict) << text;
         EXPECT_THAT(text, HasSubstr("7"));
     }
+    std::filesystem::remove(pdf);
+}
+
+TEST(ReportRun, ShowsKindsOfNothingAsTheSheetSays)
+{
+    const test::TestLedger ledger;
+    spreadsheet::Workbook report;
+    spreadsheet::demand(report.sheet(1).setFormula({1, 1}, R"(Acct("9999","2","","2025","1","2"))"));
+    report.sheet(1).changeSettings([](spreadsheet::SheetSettings& settings) {
+        settings.nothingTexts[static_cast<int>(CallState::missing)] = "无此科目";
+    });
+    ledger.addReport(4, "应收表", spreadsheet::saveContent(report));
+    const std::filesystem::path pdf = test::ownFile("kinds.pdf");
+    EXPECT_EQ(Ran(ledger, {pdf.string(), ""}).exitCode, 0);
+    EXPECT_THAT(textOf(pdf), HasSubstr("无此科目"));
     std::filesystem::remove(pdf);
 }
 
