@@ -39,12 +39,15 @@ QPoint fitted(QWidget& window, QRect frame)
             std::max(screen.top(), std::min(frame.top(), screen.bottom() + 1 - frame.height()))};
 }
 
-void bringOntoScreen(QWidget& window)
+/// @return whether it had to be moved
+bool bringOntoScreen(QWidget& window)
 {
     const QRect frame = window.geometry().marginsAdded(titleOf(window)); // the widget may not know it yet
     const QPoint corner = fitted(window, frame);
-    if (corner != frame.topLeft())
-        window.move(window.pos() + corner - frame.topLeft());
+    if (corner == frame.topLeft())
+        return false;
+    window.move(window.pos() + corner - frame.topLeft());
+    return true;
 }
 
 /// A window that has no title yet gets one like that of the window that it opens over. The toolkit would
@@ -73,14 +76,15 @@ bool fillsTheScreen(const QWidget& window)
     return window.windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen);
 }
 
-/// Looks again until the window has its title, unless the user or the program wants it otherwise meanwhile.
+/// Looks again until the window has its title and stands well, unless the user or the program wants it
+/// otherwise meanwhile.
 void lookAfterTitle(QWidget& window, int looks)
 {
     QTimer::singleShot(titleTime, &window, [&window, opened = window.size(), looks] {
         if (window.size() != opened || !window.isVisible() || fillsTheScreen(window))
             return;
-        bringOntoScreen(window);
-        if (titleOf(window).isNull() && looks > 1)
+        const bool hasMoved = bringOntoScreen(window);
+        if ((hasMoved || titleOf(window).isNull()) && looks > 1)
             lookAfterTitle(window, looks - 1);
     });
 }

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <map>
 #include <set>
@@ -237,8 +238,11 @@ LedgerProof provedBy(Connection& connection, const ProvedIdentity& sound)
     return proof;
 }
 
+/// One in so many of them is planted on a server, where each takes seconds; SELFREPORT_ALL_FAULTS=1 plants
+/// all.
 TEST(LedgerProofOnARealServer, FindsAndPlacesEachKindOfCorruption)
 {
+    constexpr std::size_t usualStep = 4;
     if (!tds::RealServer::isThere())
         GTEST_SKIP() << "SELFREPORT_TEST_SERVER names no server";
     tds::RealServer server;
@@ -246,7 +250,9 @@ TEST(LedgerProofOnARealServer, FindsAndPlacesEachKindOfCorruption)
     writeDemoLedger(*connection, {.customers = 12, .suppliers = 6, .goods = 10, .salesPerPeriod = 60});
     const LedgerProof sound = proveLedger(*connection, 0);
     EXPECT_THAT(broken(sound), IsEmpty());
-    for (const Corruption& corruption : corruptions()) {
+    const std::vector<Corruption> all = corruptions();
+    for (std::size_t at = 0; at < all.size(); at += std::getenv("SELFREPORT_ALL_FAULTS") ? 1 : usualStep) {
+        const Corruption& corruption = all[at];
         const std::string& sql = corruption.damage;
         const std::size_t name = sql.find("tbl");
         const KeptTable kept(*connection, sql.substr(name, sql.find_first_of(" (", name) - name));

@@ -5,6 +5,7 @@
 #include "spreadsheet/workbook/Workbook.h"
 #include "tests/fetch/TestLedger.h"
 #include "tests/own_files.h"
+#include "tests/platform/WindowTest.h"
 
 #include <filesystem>
 #include <fstream>
@@ -81,8 +82,11 @@ TEST(ReportRun, AFailedFetchLeavesFilesAndOutputUnlessAllowed)
     std::filesystem::remove(csv);
 }
 
+/// With an application of the test's own: the run would make the program its owner for all tests behind it.
+using RunOnPaper = test::WindowTest;
+
 /// Nobody can be asked whether a strict sheet may go out without its data.
-TEST(ReportRun, AStrictSheetSaysOnPaperWhatItLacks)
+TEST_F(RunOnPaper, AStrictSheetSaysWhatItLacks)
 {
     const test::TestLedger ledger;
     const std::filesystem::path pdf = test::ownFile("strict.pdf");
@@ -105,7 +109,7 @@ TEST(ReportRun, AStrictSheetSaysOnPaperWhatItLacks)
     std::filesystem::remove(pdf);
 }
 
-TEST(ReportRun, ShowsKindsOfNothingAsTheSheetSays)
+TEST_F(RunOnPaper, ShowsKindsOfNothingAsTheSheetSays)
 {
     const test::TestLedger ledger;
     spreadsheet::Workbook report;
