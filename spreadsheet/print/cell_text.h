@@ -1,6 +1,7 @@
 #pragma once
 #include "spreadsheet/print/PageCells.h"
 
+#include <QSizeF>
 #include <vector>
 
 class QPainter;
