@@ -109,6 +109,25 @@ TEST_F(RunOnPaper, AStrictSheetSaysWhatItLacks)
     std::filesystem::remove(pdf);
 }
 
+/// The call that lacks its account stands in another report, behind a total that is read.
+TEST_F(RunOnPaper, AStrictSheetSaysWhatReportsThatItReadsLack)
+{
+    const test::TestLedger ledger;
+    spreadsheet::Workbook below, report;
+    spreadsheet::demand(below.sheet(1).setFormula({1, 1}, R"(Acct("9999","2","","2025","1","2"))"));
+    spreadsheet::demand(below.sheet(1).setFormula({1, 2}, "A1+7"));
+    ledger.addReport(5, "底表", spreadsheet::saveContent(below));
+    spreadsheet::demand(report.sheet(1).setFormula({1, 1}, R"(REF_F("底表","A2",""))"));
+    report.sheet(1).changeSettings(
+        [](spreadsheet::SheetSettings& settings) { settings.print.strict = true; });
+    ledger.addReport(4, "汇总", spreadsheet::saveContent(report));
+    const std::filesystem::path pdf = test::ownFile("reads.pdf");
+    const Ran ran(ledger, {pdf.string(), ""});
+    EXPECT_EQ(ran.exitCode, 0) << ran.notes.str();
+    EXPECT_THAT(textOf(pdf), HasSubstr("※ 未取到数据 1 处"));
+    std::filesystem::remove(pdf);
+}
+
 TEST_F(RunOnPaper, ShowsKindsOfNothingAsTheSheetSays)
 {
     const test::TestLedger ledger;
