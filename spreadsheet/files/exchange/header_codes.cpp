@@ -50,7 +50,7 @@ public:
             else if (c == '\n')
                 lines().emplace_back();
             else if (c != '\r')
-                append(std::string_view(&c, 1));
+                appendPlain(std::string_view(&c, 1));
         }
         return m_sections;
     }
@@ -60,12 +60,21 @@ private:
 
     void resetFont() { m_font = {m_surroundings.family, m_surroundings.points, false, false, false, false}; }
 
-    void append(std::string_view text)
+    std::string& append(std::string_view text)
     {
         auto& line = lines().back();
         if (line.empty() || line.back().pageNumber || !(line.back().font == m_font))
             line.push_back({m_font, {}, false});
-        line.back().text += text;
+        return line.back().text += text;
+    }
+
+    /// Text that looks like a field of ours, once it is whole, is none: its sign becomes full-width.
+    void appendPlain(std::string_view piece)
+    {
+        std::string& text = append(piece);
+        for (const HeaderFieldName& name : headerFieldNames)
+            if (text.ends_with(name.text))
+                text.replace(text.size() - name.text.size(), 1, "＆");
     }
 
     void enter(HeaderPart part)
@@ -91,7 +100,7 @@ private:
             lines().back().push_back({m_font, {}, true});
             return skipOffset();
         case '&':
-            return append(headerFieldAt("&" + std::string(m_rest)) ? "＆" : "&");
+            return appendPlain("&");
         case '"':
             return family();
         case 'B':
@@ -157,8 +166,10 @@ private:
     void field(char code)
     {
         for (const auto& [own, letter] : fieldLetters)
-            if (letter == code)
-                return append(headerFieldNames[static_cast<std::size_t>(own)].text);
+            if (letter == code) {
+                append(headerFieldNames[static_cast<std::size_t>(own)].text);
+                return;
+            }
         static constexpr std::array<std::pair<char, std::string_view>, 2> known{
             {{'Z', "路径"}, {'G', "图片"}}};
         for (const auto& [letter, what] : known) {

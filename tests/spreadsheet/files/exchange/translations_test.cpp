@@ -91,6 +91,7 @@ TEST(HeaderCodes, ForeignTextsBecomeOurs)
          "/fn\"黑体\"/fz\"14\"/fb1/fi1/fu0/fk0/l甲/fn\"黑体\"/fz\"14\"/fb1/fi1/fu1/fk0/l乙/n", 0},
         {"&A && &D&N", plain + "/c&表名 & &日期&总页数/n", 0},
         {"&&日期&Z", plain + "/c＆日期/n", 1},
+        {"&&日&G期", plain + "/c＆日期/n", 1}, // what stands between is lost
         {"&CA/nB/", plain + "/cA／nB／/n", 0},
         {"&R&K01+000红", plain + "/r红/n", 0},
         {"&1234", "/fn\"宋体\"/fz\"123\"/fb0/fi0/fu0/fk0/c4/n", 0}, // a size has three digits
