@@ -46,15 +46,22 @@ std::int64_t nextNumber(Connection& connection, std::string_view statement, std:
     return number;
 }
 
-/// The time of a save, which tells it from the one before: columns of times count in 300ths of a second.
+/// The time of a save. Columns of times count in 300ths of a second: whole hundredths come back as they went.
+SqlDateTime momentOfSave()
+{
+    constexpr int hundredth = 10'000'000; // nanoseconds
+    SqlDateTime now = localNow();
+    now.nanosecond -= now.nanosecond % hundredth;
+    return now;
+}
+
+/// … which tells it from the one before.
 SqlDateTime momentAfter(const std::string& savedAt)
 {
-    constexpr std::size_t toHundredths = std::string_view("2009-12-31 08:05:09.12").size();
-    const auto shortened = [](const std::string& moment) { return moment.substr(0, toHundredths); };
-    SqlDateTime now = localNow();
-    while (shortened(dateTimeText(now)) == shortened(savedAt)) {
+    SqlDateTime now = momentOfSave();
+    while (dateTimeText(now) == savedAt) {
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        now = localNow();
+        now = momentOfSave();
     }
     return now;
 }
@@ -166,7 +173,7 @@ void storeReport(Connection& connection, RememberedReport& remembered, const Rep
     Transaction transaction(connection);
     queueForNewReport(connection);
     const std::int64_t id = nextNumber(connection, lastReportIdStatement, 1);
-    insertRow(connection, id, report, localNow(), pageSetup);
+    insertRow(connection, id, report, momentOfSave(), pageSetup);
     insertMenuItem(connection, id, report.name);
     finish(connection, transaction, remembered, report, id, pageSetup.value_or(StoredPageSetup()));
 }
@@ -201,7 +208,7 @@ std::optional<SaveConflict> restoreReport(Connection& connection, RememberedRepo
         return std::move(found.conflict);
     const std::int32_t id = remembered.id;
     const StoredPageSetup setup = remembered.pageSetup;
-    insertRow(connection, id, report, localNow(), setup);
+    insertRow(connection, id, report, momentOfSave(), setup);
     if (connection.query(menuItemStatement(id)).isEmpty())
         insertMenuItem(connection, id, report.name);
     finish(connection, transaction, remembered, report, id, setup);

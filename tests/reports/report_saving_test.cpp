@@ -8,6 +8,7 @@
 #include <atomic>
 #include <gtest/gtest.h>
 #include <set>
+#include <string_view>
 #include <thread>
 
 namespace selfreport {
@@ -111,6 +112,8 @@ TEST(ReportSaving, ASaveOfTheSameUserAndLengthInTheSameMomentIsAnotherVersion)
     RememberedReport second = open.remembered;
     for (int round = 0; round < 20; ++round) {
         ASSERT_EQ(kindOf(updateReport(sharedContext, "利润表", WorkbookWith("甲"), second)), std::nullopt);
+        // no column of times rounds whole hundredths, up to those of a save that follows
+        ASSERT_LE(second.version->savedAt.size(), std::string_view("2009-12-31 08:05:09.12").size());
         ASSERT_EQ(kindOf(open.save("乙")), Kind::savedMeanwhile) << round;
         open.remembered = second;
     }
