@@ -113,6 +113,13 @@ TracedCall::Element TracedCall::element(std::size_t argument, int row, int colum
     return found;
 }
 
+TracedCall::Element TracedCall::taken(std::size_t argument, int row, int column, bool arrayMode) const
+{
+    const Operand& operand = m_operands[argument];
+    const bool isIntersected = !arrayMode && operand.isReference() && !operand.isReferenceArray();
+    return isIntersected ? single(argument) : element(argument, row, column);
+}
+
 FigureParts TracedCall::nonlinear() const
 {
     FigureParts all;

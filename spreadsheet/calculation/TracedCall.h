@@ -54,6 +54,8 @@ public:
     int columns(std::size_t argument) const; ///< likewise
     /// A single row or column repeats.
     Element element(std::size_t argument, int row, int column) const;
+    /// … that a call for each element takes. Outside array mode ranges beside arrays give a single cell.
+    Element taken(std::size_t argument, int row, int column, bool arrayMode) const;
 
     /// All that the arguments depend on, as something that is no sum.
     FigureParts nonlinear() const;

@@ -228,9 +228,9 @@ FigureTrace TracingMachine::operatorTrace(const Instruction& instruction, const 
     FigureElements elements(result.array().rows(), result.array().columns());
     for (int row = 0; row < elements.rows; ++row)
         for (int column = 0; column < elements.columns; ++column) {
-            const auto right = [&] { return call.element(1, row, column); };
-            elements.at(row, column) =
-                combined(call.element(0, row, column), right, result.array().at(row, column));
+            const auto right = [&] { return call.taken(1, row, column, instruction.arrayMode); };
+            elements.at(row, column) = combined(call.taken(0, row, column, instruction.arrayMode), right,
+                                                result.array().at(row, column));
         }
     return shared(std::move(elements));
 }
@@ -240,12 +240,12 @@ void TracingMachine::callTraced(const FunctionDescriptor& function, std::size_t 
 {
     const std::span<const Operand> arguments(m_stack.data() + (m_stack.size() - count), count);
     Operand result = applied(function, arguments, arrayMode, place);
-    FigureTrace trace = traceOf(function, traced(function.name, count, result, place), result);
+    FigureTrace trace = traceOf(function, traced(function.name, count, result, place), arrayMode, result);
     dropTraced(count);
     pushTraced(std::move(result), std::move(trace));
 }
 
-FigureTrace TracingMachine::traceOf(const FunctionDescriptor& function, const TracedCall& call,
+FigureTrace TracingMachine::traceOf(const FunctionDescriptor& function, const TracedCall& call, bool arrayMode,
                                     const Operand& result)
 {
     if (function.has(placesOnly) || function.has(asksNoValues))
@@ -275,7 +275,7 @@ FigureTrace TracingMachine::traceOf(const FunctionDescriptor& function, const Tr
     for (int row = 0; row < elements.rows; ++row)
         for (int column = 0; column < elements.columns; ++column) {
             for (std::size_t argument = 0; argument < call.count(); ++argument) {
-                TracedCall::Element element = call.element(argument, row, column);
+                TracedCall::Element element = call.taken(argument, row, column, arrayMode);
                 operands[argument] = element.value;
                 traces[argument] = shared(FigureElements(std::move(element.parts)));
             }

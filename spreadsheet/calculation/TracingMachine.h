@@ -44,7 +44,8 @@ private:
                        const EvaluationPlace& place);
     void markTop(const EvaluationPlace& place);
 
-    FigureTrace traceOf(const FunctionDescriptor& function, const TracedCall& call, const Operand& result);
+    FigureTrace traceOf(const FunctionDescriptor& function, const TracedCall& call, bool arrayMode,
+                        const Operand& result);
     FigureTrace operatorTrace(const Instruction& instruction, const TracedCall& call,
                               const Operand& result) const;
     TracedCall traced(std::string_view function, std::size_t count, const Operand& result,

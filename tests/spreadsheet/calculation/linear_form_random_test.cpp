@@ -96,7 +96,11 @@ private:
     std::string ofRanges(std::size_t above)
     {
         const std::string a = "A1:A12";
-        switch (choose(9)) {
+        switch (choose(11)) {
+        case 9: // a range beside an array gives the cell of the formula's row
+            return "SUM(A1:A60*{1,2;3,4})";
+        case 10:
+            return "SUM(IF({1;0;1},A3:A5," + leaf(above) + "))";
         case 0:
             return "AVERAGE(" + range("A") + "," + cell("B") + ")";
         case 1:

@@ -43,6 +43,7 @@ void fill(CalledBook& book)
     book.type("A7", "Label(\"现金\")");
     book.type("A9", "Fetch(9)");
     book.type("G1", "A1/B4");
+    book.type("J1", "Fetch(3)");
     book.type("F1", "SUBTOTAL(9,A1:A2)");
     book.sheet().changeSettings([](SheetSettings& settings) { settings.rows.hidden[9] = true; });
     book.sheet().setNumber({2, 1}, 5);
@@ -115,6 +116,9 @@ TEST(LinearForm, FunctionsOfRanges)
         {"SUMIF(A1:A3,\">0\")", "!SUMIF A1 A2 A3"},
         {"SUMIF(C1,C3,G1)", "!SUMIF A1"}, // an error is no sum
         {"INDEX(A1:B3,2,1)+INDEX(A1:A3*2,3)", "A2*-1 A3*2"},
+        {"INDEX(A1:A3*2,1)-INDEX(B1:A2*1,1,1)", "A1*1"},
+        {"INDEX(I1:J1*2,2)", "J1*2"},
+        {"INDEX(A1:B3*1,2)", "!INDEX A1 A2 A3"}, // a whole row
         {"VLOOKUP(\"银行\",C1:D3,2,FALSE)", "A2*-1"},
         {"VLOOKUP(A1,A1:B3,2,FALSE)", "!VLOOKUP A1 A2 A3"},
         {"HLOOKUP(5,B1:B2,2,FALSE)*A1", "A1*2"},
@@ -122,6 +126,10 @@ TEST(LinearForm, FunctionsOfRanges)
         {"INDIRECT(\"A\"&B2)", "A2*-1"},
         {"N(A1)+VALUE(A6)", "A1*1 A6*1"},
         {"SUM(E1:E3)", "A1*2 A2*-3 A3*4"},
+        {"SUM(A1:A3*{1,2})", "A2*-3"}, // beside an array, a range gives the cell of the formula's row
+        {"SUM({1;2;3}*(A1:A3))", "A2*-6"},
+        {"SUM(ROUND(A1:A3,{1,0}))", "A2*-2 ~0.1:0 ~1:0"},
+        {"SUM(IF({1;0;0},5,A1:A3))", "A2*-1 A3*1 =5"}, // chosen for each element
         {"A:A+A$1:A$3", "A2*-2"},
         {"COLUMNS(A1:C1)*A1+ROW(A2)", "A1*3 =2"},
     });
@@ -146,6 +154,7 @@ TEST(LinearForm, ConditionsAndRounding)
         {"ABS(A2)", "A2*1?"},
         {"ROUND(A3,2)*B2", "A3*2 ~0.01:0.008"},
         {"ROUND(A3,2)+INT(A3)-CEILING(A3,0.5)", "A3*1 ~0.01:0.004 ~0.5:-0.244 ~1:-0.256"},
+        {"SUMPRODUCT(ROUND(A1:A3*{1,2},1))", "A1*3 A2*-3 A3*3 ~0.1:0.032"}, // 7.3 and 14.5
         {"ROUND(A1,A2)", "!ROUND A1 A2"},
         {"SQRT(A1)+A2", "!SQRT A1 A2"},
         {"IF(SQRT(A1)>3,A2)", "A2*-1?"},
