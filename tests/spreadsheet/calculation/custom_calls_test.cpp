@@ -87,6 +87,20 @@ TEST(CustomCalls, ParametersAndWhatTheCellShows)
     }
 }
 
+TEST(CustomCalls, ParametersThatThereAreNotAreMissing)
+{
+    Workbook workbook;
+    std::vector<ParameterStatus> asked;
+    workbook.registerFunction("Fetch", 2, [&](FunctionCall& call) {
+        for (int number = 0; number <= 3; ++number)
+            asked.push_back(call.parameterStatus(number));
+    });
+    ASSERT_FALSE(workbook.sheet(1).setFormula({1, 1}, "Fetch(\"a\",1)"));
+    workbook.recalculate();
+    using enum ParameterStatus;
+    EXPECT_EQ(asked, (std::vector{missing, usable, usable, missing}));
+}
+
 TEST(CustomCalls, RegisteringReachesFormulasThatAreThere)
 {
     Workbook workbook;

@@ -121,6 +121,7 @@ TEST(EngineeringFunctions, BesselAndErrorFunctions)
         {"BESSELI(-1.5,1.9)", "-0.981666428578"},
         {"BESSELJ(1.9,2)", "0.329925727692"},
         {"BESSELJ(0,0)", "1"},
+        {"BESSELK(1E6,1E6)", "0"},
         {"BESSELJ(1,-1)", "#NUM!"},
         {"BESSELJ(2,-0.5)", "#NUM!"},
         {"BESSELI(3,3E9)+BESSELJ(1000,1E7)", "0"}, // far beyond x nothing is left

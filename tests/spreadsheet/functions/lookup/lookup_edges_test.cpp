@@ -101,6 +101,7 @@ TEST(LookupEdges, AddressesAsText)
         {"INDIRECT(\"R[-97]C[-701]\",FALSE)", "9"},
         {"INDIRECT(\"R[-99]C1\",FALSE)", "#REF!"},
         {"INDIRECT(\"R[1C1\",FALSE)", "#REF!"},
+        {"ROW(INDIRECT(\"R1048576C1\",FALSE))", "1048576"},
         {"INDIRECT(NA())", "#N/A"},
         {"ADDRESS(1,16384)", "\"$XFD$1\""},
         {"ADDRESS(1,16385)", "#VALUE!"},

@@ -63,6 +63,7 @@ TEST(Combinatorics, FactorialsAndChoices)
         {"PERMUT(1E15,1E14)", "#NUM!"}, // beyond the range of numbers, and soon
         {"PERMUTATIONA(3,2)", "9"},
         {"PERMUTATIONA(-0.3,2)", "#NUM!"},
+        {"PERMUTATIONA(0,2)", "0"},
         {"MULTINOMIAL(2,3,4)", "1260"},
         {"MULTINOMIAL(A2:A4)=COMBIN(60,24)", "TRUE"},
         {"MULTINOMIAL(1,-1)", "#NUM!"},
@@ -116,6 +117,7 @@ TEST(Matrices, DeterminantInverseProduct)
         {"MDETERM({1,2,3;4,5,6})", "#VALUE!"},
         {"MDETERM(A1:B2)", "#VALUE!"}, // a text is no number, whatever it reads as
         {"MDETERM(A:A)", "#VALUE!"},
+        {"MDETERM(A:Z)", "#VALUE!"}, // more than any array holds
         {"INDEX(MINVERSE({4,-1;2,0}),2,1)", "-1"},
         {"MINVERSE({1,2;2,4})", "#NUM!"},
         {"SUM(MMULT(MINVERSE({1,2,1;3,4,-1;0,2,0}),{1,2,1;3,4,-1;0,2,0}))", "3"},
