@@ -245,8 +245,8 @@ void TracingMachine::callTraced(const FunctionDescriptor& function, std::size_t 
     pushTraced(std::move(result), std::move(trace));
 }
 
-FigureTrace TracingMachine::traceOf(const FunctionDescriptor& function, const TracedCall& call, bool arrayMode,
-                                    const Operand& result)
+FigureTrace TracingMachine::traceOf(const FunctionDescriptor& function, const TracedCall& call,
+                                    bool arrayMode, const Operand& result)
 {
     if (function.has(placesOnly) || function.has(asksNoValues))
         return nullptr;

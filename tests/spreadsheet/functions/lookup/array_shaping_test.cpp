@@ -113,7 +113,7 @@ TEST(ExtendedLookup, EitherEndAndNextValue)
         {"XLOOKUP(21,A1:A4,B1:B4,,-1)", "\"c\""},
         {"XLOOKUP(\"b\",B1:B4,A1:A4)", "30"},
         {"XLOOKUP(2,{1,2,3},{7,8,9})", "8"},
-        {"SUM(XLOOKUP(20,A1:A4,A1:C4))", "20"},      // the whole row
+        {"SUM(XLOOKUP(20,A1:A4,A1:C4))", "20"}, // the whole row
         {"SUM(XLOOKUP(2,{1;2;3},{1,10;2,20;3,30}))", "22"},
         {"SUM(XLOOKUP(2,{1,2,3},{1,2,3;10,20,30}))", "22"},
         {"ROW(XLOOKUP(30,A1:A4,B1:B4,,0,-1))", "4"}, // a reference
