@@ -35,6 +35,7 @@ public:
         m_count = isInside ? m_cells.columns() * m_cells.rows() : 0;
     }
 
+    const Side& side() const { return m_side; }
     int count() const { return m_count; } ///< 0 at the sheet's edge
     CellAddress cell(int place) const
     {
@@ -170,6 +171,26 @@ BorderLine usualLine(const Strip& strip)
     return {most->first.first, most->first.second};
 }
 
+/// Draws what a strip shows where that is wanted; of a whole row or column, if it may, most at once.
+void drawStrip(Workbook& workbook, Sheet& sheet, const Strip& strip, const auto& isWanted, bool mayBeWhole)
+{
+    struct Run {
+        int first, last;
+        BorderLine line;
+    };
+    std::vector<Run> runs; // drawing the usual line changes what the strip shows
+    const auto keep = [&](int first, int last) { runs.push_back({first, last, strip.own(first)}); };
+    if (mayBeWhole && strip.isWholeLine()) {
+        const BorderLine usual = usualLine(strip);
+        strip.eachRun([&](int place) { return !isSameLine(strip.own(place), usual); }, keep);
+        drawAt(workbook, sheet, strip.part(0, strip.count() - 1), strip.side(), usual);
+    } else {
+        strip.eachRun(isWanted, keep);
+    }
+    for (const Run& run : runs)
+        drawAt(workbook, sheet, strip.part(run.first, run.last), strip.side(), run.line);
+}
+
 } // namespace
 
 void bringSides(Workbook& workbook, Sheet& sheet, const CellRange& range,
@@ -187,12 +208,8 @@ void bringSides(Workbook& workbook, Sheet& sheet, const CellRange& range,
         bool any = false;
         for (int place = 0; place < strip.count() && !any; ++place)
             any = differs(place);
-        if (any && strip.isWholeLine() && !origin)
-            drawAt(workbook, sheet, strip.part(0, strip.count() - 1), side, usualLine(strip));
         if (any)
-            strip.eachRun(differs, [&](int first, int last) {
-                drawAt(workbook, sheet, strip.part(first, last), side, strip.own(first));
-            });
+            drawStrip(workbook, sheet, strip, differs, !origin);
     }
 }
 

@@ -183,6 +183,69 @@ TEST_F(CellBorders, LinesOfDeletedRowsGoWithThem)
     }
 }
 
+/// Where whole columns have one line or two, all of their cells are ends.
+TEST_F(CellBorders, ShortColumnsAndRowsHaveAnOutline)
+{
+    sheet.changeSettings([](SheetSettings& settings) { settings.rowCount = settings.columnCount = 3; });
+    drawBorders(workbook, sheet, {2, 1, 2, 3}, BorderLines::outline(line));
+    EXPECT_EQ(sidesOf(2, 1) + " " + sidesOf(2, 2) + " " + sidesOf(2, 3), "ltr- l-r- l-rb");
+    workbook.undo();
+    drawBorders(workbook, sheet, {1, 2, 3, 2}, BorderLines::outline(line));
+    EXPECT_EQ(sidesOf(1, 2) + " " + sidesOf(2, 2) + " " + sidesOf(3, 2), "lt-b -t-b -trb");
+}
+
+/// Cells get looks of their own, as by a paste, and then bring their sides to what is beside them.
+TEST_F(CellBorders, WhatCellsBringIsShownOnBothSides)
+{
+    struct Look {
+        CellRange range;
+        BorderLine left, right;
+    };
+    const BorderLine none{};
+    const struct {
+        const char* what;
+        CellRange brought;
+        std::vector<Look> looks;
+        std::vector<std::pair<CellAddress, const char*>> sides;
+    } cases[] = {
+        {"one cell", {2, 2, 2, 2}, {{{2, 2, 2, 2}, line, line}}, {{{1, 2}, "--r-"}, {{3, 2}, "l---"}}},
+        {"one without, beside one with lines",
+         {2, 2, 2, 2},
+         {{{3, 2, 3, 2}, line, line}},
+         {{{3, 2}, "--r-"}}},
+        {"a whole column, at one row",
+         {5, 1, 5, maxRows},
+         {{{5, 7, 5, 7}, line, none}},
+         {{{4, 7}, "--r-"}, {{5, 7}, "l---"}, {{4, 8}, "----"}, {{5, 8}, "----"}}},
+        {"a whole column, but for one row, in two lines",
+         {5, 1, 5, maxRows},
+         {{{5, 1, 5, maxRows}, line, none}, {{5, 7, 5, 7}, none, none}, {{5, 9, 5, 9}, other, none}},
+         {{{4, 6}, "--r-"}, {{5, 6}, "l---"}, {{4, 7}, "----"}, {{5, 7}, "----"}, {{4, 9}, "--r-"}}},
+        {"at the sheet's edge", {1, 2, 1, 2}, {{{1, 2, 1, 2}, line, none}}, {{{1, 2}, "l---"}}},
+    };
+    for (const auto& [what, brought, looks, sides] : cases) {
+        for (const Look& look : looks)
+            sheet.restyle(look.range,
+                          [&](CellStyle& style) { style.left = look.left, style.right = look.right; });
+        bringSides(workbook, sheet, brought);
+        for (const auto& [cell, expected] : sides)
+            EXPECT_EQ(sidesOf(cell.column, cell.row), expected) << what << " " << cellName(cell);
+        EXPECT_EQ(sheet.style({4, 9}).right, sheet.style({5, 9}).left) << what;
+        while (workbook.canUndo())
+            workbook.undo();
+    }
+}
+
+/// Cut from a row that is ruled as a whole, a cell takes along what it shares with others, but not what the
+/// row has at the sheet's edge.
+TEST_F(CellBorders, NothingIsSharedBeyondTheSheet)
+{
+    sheet.restyle({1, 5, sheet.settings().columnCount, 5},
+                  [](CellStyle& style) { style.left = style.right = line; });
+    SharedLines(workbook, sheet, {1, 5, 1, 5}).clear(workbook, sheet, std::nullopt);
+    EXPECT_EQ(sidesOf(1, 5) + sidesOf(2, 5), "l-----r-");
+}
+
 /// A span from B2 to C4. What its cells show at its outline, clockwise from the top left.
 TEST_F(CellBorders, ASpanHasOneOutline)
 {
