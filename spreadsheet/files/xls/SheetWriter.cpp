@@ -52,7 +52,7 @@ void SheetWriter::write()
     columns();
     dimensions();
     rows();
-    writeNotes(m_settings.notes, m_index, m_writer);
+    writeNotes(m_settings.notes, m_index, m_writer, m_parts.warnings);
     window();
     spans();
     writeLists(writtenLists(m_sheet, m_parts.workbook.styles(), xls::maxRows, m_parts.warnings), m_writer);

@@ -127,13 +127,16 @@ void textObject(RecordWriter& writer, const std::string& text)
 
 } // namespace
 
-void writeNotes(const std::map<CellAddress, std::string>& notes, int index, RecordWriter& writer)
+void writeNotes(const std::map<CellAddress, std::string>& notes, int index, RecordWriter& writer,
+                Warnings& warnings)
 {
     std::vector<std::pair<CellAddress, const std::string*>> written;
     for (const auto& [cell, text] : notes) {
         const bool fits = cell.row <= xls::maxRows && cell.column <= xls::maxColumns && !text.empty();
         if (fits && written.size() < mostNotes)
             written.emplace_back(cell, &text);
+        else if (fits)
+            warnings.count("{} 个批注没有写出: 一张表最多 1000 个");
     }
     auto shape = static_cast<std::uint32_t>(index) * shapesOfCluster;
     std::uint16_t number = 0;

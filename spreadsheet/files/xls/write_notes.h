@@ -1,4 +1,5 @@
 #pragma once
+#include "spreadsheet/files/exchange/Warnings.h"
 #include "spreadsheet/files/xls/RecordWriter.h"
 #include "spreadsheet/values/CellAddress.h"
 
@@ -8,9 +9,11 @@
 
 namespace spreadsheet {
 
-/// Writes notes as text boxes of the sheet's drawing, hidden until the mouse points at the cell.
+/// Writes notes as text boxes of the sheet's drawing, hidden until the mouse points at the cell; of one sheet
+/// at most 1,000, the others are told.
 /// @param index  of the sheet, from 1
-void writeNotes(const std::map<CellAddress, std::string>& notes, int index, RecordWriter& writer);
+void writeNotes(const std::map<CellAddress, std::string>& notes, int index, RecordWriter& writer,
+                Warnings& warnings);
 
 /// The record before the sheets that counts the drawings' shapes; nothing if no sheet has notes.
 /// @param notes  how many each sheet has
