@@ -256,7 +256,6 @@ std::optional<ChangedCells> UndoJournal::redo()
     weigh(step);
     const auto changed = changedBy(step);
     m_undo.push_back(std::move(step));
-    trim();
     return changed;
 }
 

@@ -296,6 +296,47 @@ TEST(UndoJournal, CountsTextsAndRemovedSheetsAndStaysWithinItsBound)
     EXPECT_TRUE(workbook.canUndo());
 }
 
+/// Undone, steps weigh what they would bring back. Those before them were within the bound and stay.
+TEST(UndoJournal, RedoingTakesNoFormerStepAway)
+{
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+    sheet.setTag({1, 1}, std::string(1'000'000, 'x'));
+    demand(sheet.fillDown({1, 1, 1, 140}));
+    workbook.setUndoEnabled(true);
+    sheet.setNumber({9, 1}, 7);
+    for (const int column : {2, 3, 4})
+        demand(sheet.copyCells({1, 1, 1, 140}, sheet, {column, 1}));
+    for (int step = 0; step < 3; ++step)
+        workbook.undo();
+    ASSERT_GT(workbook.journal().bytes(), UndoJournal::maxBytes);
+    workbook.redo();
+    workbook.undo();
+    workbook.undo();
+    EXPECT_TRUE(sheet.value({9, 1}).isEmpty());
+}
+
+TEST(UndoJournal, TellsTheEndOfEachStepThatMayHaveChangedSomething)
+{
+    const struct {
+        bool canUndo, changes;
+        int told;
+    } cases[] = {{true, true, 1}, {true, false, 0}, {false, true, 1}, {false, false, 1}};
+    for (const auto& [canUndo, changes, told] : cases) {
+        Workbook workbook;
+        workbook.setUndoEnabled(canUndo);
+        int ends = 0;
+        workbook.setStepEndHook([&ends] { ++ends; });
+        {
+            const UndoStep step(workbook, "两次");
+            for (int row = 1; changes && row <= 2; ++row)
+                workbook.sheet(1).setNumber({1, row}, 1);
+            EXPECT_EQ(ends, 0);
+        }
+        EXPECT_EQ(ends, told) << canUndo << changes;
+    }
+}
+
 /// Who keeps something by its place follows it there and back.
 TEST(Shift, MovesAreToldAndToldBack)
 {
@@ -314,4 +355,44 @@ TEST(Shift, MovesAreToldAndToldBack)
     EXPECT_EQ(kept.cell, (CellAddress{5, 5}));
     workbook.redo();
     EXPECT_EQ(kept.cell, (CellAddress{5, 7}));
+}
+
+TEST(Shift, CellsThatAreRemovedOrPushedOffHaveNoPlace)
+{
+    const struct {
+        const char* what;
+        AxisShift shift;
+        CellAddress cell;
+        std::optional<CellAddress> place;
+    } cases[] = {
+        {"before the removed rows", {true, 3, 0, 2}, {5, 2}, CellAddress{5, 2}},
+        {"the first of them", {true, 3, 0, 2}, {5, 3}, {}},
+        {"the last of them", {true, 3, 0, 2}, {5, 4}, {}},
+        {"behind them", {true, 3, 0, 2}, {5, 5}, CellAddress{5, 3}},
+        {"the last row", {true, 3, 2, 0}, {5, maxRows}, {}},
+        {"one that comes to be the last", {true, 3, 2, 0}, {5, maxRows - 2}, CellAddress{5, maxRows}},
+        {"a removed column", {false, 3, 0, 1}, {3, 5}, {}},
+        {"the last column", {false, 3, 1, 0}, {maxColumns, 5}, {}},
+    };
+    for (const auto& c : cases) {
+        const auto place = CellMove::ofShift(7, c.shift).placeOf({7, c.cell});
+        EXPECT_EQ(place, c.place ? std::optional(SheetCell{7, *c.place}) : std::nullopt) << c.what;
+        EXPECT_EQ(CellMove::ofShift(7, c.shift).placeOf({8, c.cell}), (SheetCell{8, c.cell})) << c.what;
+    }
+}
+
+/// The values of the first row (column) take its place, and cells of it can be edited.
+TEST(Fill, ArrayFormulasThatLieWhollyBelowGiveWay)
+{
+    for (const bool down : {true, false}) {
+        Workbook workbook;
+        Sheet& sheet = workbook.sheet(1);
+        sheet.setNumber({1, 1}, 7);
+        demand(sheet.setArrayFormula(down ? CellRange{1, 2, 1, 3} : CellRange{2, 1, 3, 1}, "1+1"));
+        demand(down ? sheet.fillDown({1, 1, 1, 3}) : sheet.fillRight({1, 1, 3, 1}));
+        const CellAddress last = down ? CellAddress{1, 3} : CellAddress{3, 1};
+        EXPECT_EQ(sheet.value(last), Value(7.0)) << down;
+        EXPECT_EQ(sheet.arrayRange(last), std::nullopt) << down;
+        EXPECT_FALSE(sheet.setFormula(last, "2")) << down;
+    }
 }
