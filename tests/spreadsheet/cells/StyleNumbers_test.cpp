@@ -59,4 +59,17 @@ TEST(StyleNumbers, ReadAsWhatWasWritten)
     }
 }
 
+/// However cells come to their numbers, there is room for as many as the caller said.
+TEST(StyleNumbers, CopiedOnesHaveRoomForWhatFollows)
+{
+    constexpr int count = 10, capacity = 64;
+    StyleNumbers source, copied, set;
+    source.set(1, 5, count, capacity);
+    copied.copy(2, source, 0, 4, count, capacity);
+    set.set(3, 5, count, capacity);
+    EXPECT_EQ(copied.bytes(), set.bytes());
+    for (int cell = 0; cell < count; ++cell)
+        EXPECT_EQ(copied[cell], cell == 3 ? 5U : 0U) << cell;
+}
+
 } // namespace spreadsheet

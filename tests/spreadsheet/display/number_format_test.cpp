@@ -1,3 +1,4 @@
+#include "spreadsheet/display/number_format_code.h"
 #include "tests/spreadsheet/functions/FormulaSheet.h"
 
 using namespace spreadsheet;
@@ -212,6 +213,24 @@ TEST(NumberFormat, DatesAndElapsedTime)
         text("40607", "aa", "#VALUE!"),
         text("40607", "[$-804]yyyy\"年\"", "2011年"),
     });
+}
+
+/// A code may be a piece of a longer text.
+TEST(NumberFormat, CodesEndWhereTheyEnd)
+{
+    const std::string_view text = "mmmm\\x000[h]ss";
+    for (const std::size_t length : {2U, 5U, 8U, 14U}) {
+        const auto piece = parseFormatCode(text.substr(0, length)),
+                   alone = parseFormatCode(std::string(text.substr(0, length)));
+        ASSERT_EQ(piece.has_value(), alone.has_value()) << length;
+        if (!piece)
+            continue;
+        ASSERT_EQ(piece->front().parts.size(), alone->front().parts.size()) << length;
+        for (std::size_t part = 0; part < alone->front().parts.size(); ++part) {
+            EXPECT_EQ(piece->front().parts[part].count, alone->front().parts[part].count) << length;
+            EXPECT_EQ(piece->front().parts[part].text, alone->front().parts[part].text) << length;
+        }
+    }
 }
 
 TEST(NumberFormat, ChineseNumerals)

@@ -153,6 +153,7 @@ TEST(FileFormats, RefusalsNameTheReasonAndLoseNothing)
         {"b.xls", "\xEF\xBB\xBF  <!DOCTYPE html>", "网页"},
         {"c.xls", "科目,金额\n1,2\n", "文本"},
         {"d.xlsx", "PK\x03\x04rest", "压缩包"},
+        {"d.csv", "PK", "压缩包"}, // as short as what it is known by
         {"e.xls", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", "截断"},
         {"f.csv", "", "空的"},
         {"g.ss7", "\x89SS7\r\n\x1A\n", "不完整"},

@@ -38,6 +38,8 @@ constexpr PageSetup setups[]{
     {"a scale that waits behind fitting", [](PrintSettings& print) { print.scale = 73, print.fitDown = 2; }},
     {"fitted both ways", [](PrintSettings& print) { print.fitAcross = 2, print.fitDown = 5; }},
     {"fitted across", [](PrintSettings& print) { print.fitAcross = 1; }},
+    {"in the middle across", [](PrintSettings& print) { print.centredAcross = true; }},
+    {"in the middle down", [](PrintSettings& print) { print.centredDown = true; }},
     {"down first", [](PrintSettings& print) { print.downFirst = true; }},
     {"a first page", [](PrintSettings& print) { print.firstPage = 17; }},
     {"a paper with a number",

@@ -62,6 +62,26 @@ TEST(Sheets, SumsThroughSheetsFollowTheirOrder)
     EXPECT_EQ(sum(), "111");
 }
 
+TEST(Sheets, MoveToAnyPlaceThereIs)
+{
+    const struct {
+        int from, to;
+        const char* order; ///< of A, B and C; null: refused
+    } cases[] = {{1, 3, "BCA"}, {3, 1, "CAB"}, {2, 2, "ABC"},   {1, 2, "BAC"},
+                 {0, 1, {}},    {1, 0, {}},    {4, 1, nullptr}, {1, 4, nullptr}};
+    for (const auto& [from, to, order] : cases) {
+        Workbook workbook;
+        demand(workbook.renameSheet(1, "A"));
+        demand(workbook.addSheet("B"));
+        demand(workbook.addSheet("C"));
+        EXPECT_EQ(!workbook.moveSheet(from, to), order != nullptr) << from << " to " << to;
+        std::string found;
+        for (int index = 1; index <= 3; ++index)
+            found += workbook.sheet(index).name();
+        EXPECT_EQ(found, order ? order : "ABC") << from << " to " << to;
+    }
+}
+
 TEST(Sheets, NameWithWideSignsStaysReadableInFormulas)
 {
     Workbook workbook;

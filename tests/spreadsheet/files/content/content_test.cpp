@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <limits>
 
 using namespace spreadsheet;
 using testing::HasSubstr;
@@ -180,6 +181,34 @@ TEST(Content, AnEmptyWorkbookIsAContent)
     demand(loaded.addSheet("more"));
     loadContent(loaded, saveContent(Workbook()));
     EXPECT_EQ(difference(Workbook(), loaded), "");
+}
+
+TEST(Content, TheMostSheetsComeBack)
+{
+    Workbook workbook, loaded;
+    demand(workbook.setSheetCount(maxSheets));
+    loadContent(loaded, saveContent(workbook));
+    EXPECT_EQ(loaded.sheetCount(), maxSheets);
+}
+
+/// Programs may put any number into the settings; a report with it must be saved, and open again.
+TEST(Content, PrintSetupsBeyondAllBoundsAreReadBack)
+{
+    int PrintSettings::*const numbers[]{&PrintSettings::marginTop,  &PrintSettings::marginLeft,
+                                        &PrintSettings::titleTop,   &PrintSettings::titleRight,
+                                        &PrintSettings::scale,      &PrintSettings::fitAcross,
+                                        &PrintSettings::fitDown,    &PrintSettings::firstPage,
+                                        &PrintSettings::paperWidth, &PrintSettings::paperHeight};
+    for (const int wild : {-5, std::numeric_limits<int>::max()}) {
+        for (std::size_t i = 0; i < std::size(numbers); ++i) {
+            Workbook workbook, loaded;
+            workbook.sheet(1).setNumber({1, 1}, 7);
+            workbook.sheet(1).changeSettings(
+                [&](SheetSettings& settings) { settings.print.*numbers[i] = wild; });
+            EXPECT_NO_THROW(loadContent(loaded, saveContent(workbook))) << i << " " << wild;
+            EXPECT_EQ(loaded.sheet(1).value({1, 1}), Value(7.0)) << i << " " << wild;
+        }
+    }
 }
 
 /// What was referred to may be gone, and its sheet later too: the text must still be read back.

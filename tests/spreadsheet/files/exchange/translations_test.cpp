@@ -155,6 +155,7 @@ TEST(Texts, EncodingsThereAndBack)
     EXPECT_EQ(utf16Of("\xE6x文"), u"\uFFFDx文") << "only the byte that leads nowhere is lost";
     EXPECT_FALSE(isUtf8("\xC0\x80"));
     EXPECT_FALSE(isUtf8("\xED\xA0\x80"));
+    EXPECT_FALSE(isUtf8("\xB0\xA1")) << "啊 in GB 2312";
     EXPECT_EQ(CodePage("GB18030").decoded(CodePage("GB18030").encoded(text)), text);
     EXPECT_EQ(CodePage(1252).decoded("\x80"), "€");
 }

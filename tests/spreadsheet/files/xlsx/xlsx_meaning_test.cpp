@@ -104,6 +104,20 @@ TEST(XlsxMeaning, OfPanesAndColumns)
     EXPECT_TRUE(settings.columns.hidden.contains(4));
 }
 
+/// A break stands behind the row or column that the file names; there is none before the first and behind the
+/// last.
+TEST(XlsxMeaning, OfBreaks)
+{
+    Workbook workbook;
+    read(workbookOf(sheetOf("<sheetData/><rowBreaks><brk id=\"0\"/><brk id=\"1\"/><brk id=\"1048575\"/>"
+                            "<brk id=\"1048576\"/></rowBreaks>"
+                            "<colBreaks><brk id=\"-1\"/><brk id=\"16383\"/><brk id=\"16384\"/></colBreaks>")),
+         workbook);
+    const PrintSettings& print = workbook.sheet(1).settings().print;
+    EXPECT_EQ(print.rowBreaks, (std::map<int, bool>{{2, true}, {1'048'576, true}}));
+    EXPECT_EQ(print.columnBreaks, (std::map<int, bool>{{16'384, true}}));
+}
+
 TEST(XlsxMeaning, OfLooks)
 {
     Parts parts =

@@ -30,6 +30,8 @@ with zipfile.ZipFile(sys.argv[1]) as archive:
 named = {'/' + name for name in parts} - {'/[Content_Types].xml'}
 for kind in parts['[Content_Types].xml']:
     assert kind.tag.endswith('Default') or kind.get('PartName') in named, kind.attrib
+for name, part in parts.items(): # what strict readers miss
+    assert all(view.get('workbookViewId') == '0' for view in part.iter(ns + 'sheetView')), name
 shared = [''.join(t.text or '' for t in si.iter(ns + 't')) for si in parts['xl/sharedStrings.xml']]
 for cell in parts['xl/worksheets/sheet1.xml'].iter(ns + 'c'):
     f, v = cell.find(ns + 'f'), cell.find(ns + 'v')
