@@ -183,7 +183,7 @@ TEST_F(CellBorders, LinesOfDeletedRowsGoWithThem)
     }
 }
 
-/// Where whole columns have one line or two, all of their cells are ends.
+/// Of three cells two are ends; the one between them stands for what a longer line has within.
 TEST_F(CellBorders, ShortColumnsAndRowsHaveAnOutline)
 {
     sheet.changeSettings([](SheetSettings& settings) { settings.rowCount = settings.columnCount = 3; });
