@@ -12,7 +12,7 @@ using namespace spreadsheet;
 
 namespace {
 
-/// Formulas over A1:A12 (calls), B1:B12 (plain numbers), C1:C12 (keys) and the formulas above them.
+/// Formulas over A1:A12 (calls), B1:B12 (plain numbers), C1:C12 (keys), G1:G12 (an array) and those above them.
 class FormulaDraw {
 public:
     explicit FormulaDraw(unsigned seed)
@@ -95,12 +95,10 @@ private:
     }
     std::string ofRanges(std::size_t above)
     {
-        const std::string a = "A1:A12";
-        switch (choose(11)) {
-        case 9: // a range beside an array gives the cell of the formula's row
-            return "SUM(A1:A60*{1,2;3,4})";
-        case 10:
-            return "SUM(IF({1;0;1},A3:A5," + leaf(above) + "))";
+        if (choose(2) == 0)
+            return ofArrays(above);
+        const std::string a = "A1:A12", to12 = std::to_string(1 + choose(12));
+        switch (choose(16)) {
         case 0:
             return "AVERAGE(" + range("A") + "," + cell("B") + ")";
         case 1:
@@ -112,15 +110,62 @@ private:
         case 4:
             return "SUMIFS(" + a + ",C1:C12,\"甲\",B1:B12,\">4\")";
         case 5:
-            return "INDEX(A1:B12," + std::to_string(1 + choose(12)) + "," + std::to_string(1 + choose(2)) +
-                   ")";
+            return "INDEX(A1:B12," + to12 + "," + std::to_string(1 + choose(2)) + ")";
         case 6:
-            return "VLOOKUP(" + std::to_string(1 + choose(12)) + ",D1:E12,2,FALSE)";
+            return "VLOOKUP(" + to12 + ",D1:E12,2,FALSE)";
         case 7:
             return "SUBTOTAL(" + std::string(choose(2) == 0 ? "9" : "101") + "," + range("A") + ")";
+        case 8:
+            return "LOOKUP(" + to12 + ",D1:D12," + a + ")";
+        case 9:
+            return "XLOOKUP(" + to12 + ",D1:D12," + a + ")*" + cell("B");
+        case 10:
+            return "SUMIF(B1:B12,\">4\",A1)"; // the shape is the first one's
+        case 11:
+            return "SUM((" + range("A") + "," + range("B") + "))";
+        case 12:
+            return "SUM(A1:A7 A3:A12,净额)";
+        case 13:
+            return "SUM(OFFSET(A1," + std::to_string(choose(9)) + ",0,3,2))/COUNT(" + range("A") + ")";
+        case 14:
+            return "SUM(" + range("G") + ")-" + cell("G");
         default:
             return above == 0 ? "SUM(" + range("A") + ")"
                               : "SUM(F1:F" + std::to_string(1 + choose(above)) + ")";
+        }
+    }
+    std::string ofArrays(std::size_t above)
+    {
+        const std::string to12 = std::to_string(1 + choose(12));
+        switch (choose(14)) {
+        case 0: // a range beside an array gives the cell of the formula's row
+            return "SUM(A1:A60*{1,2;3,4})";
+        case 1:
+            return "SUM(IF({1;0;1},A3:A5," + leaf(above) + "))";
+        case 2:
+            return "SUMPRODUCT(A1:A12/B1:B12)";
+        case 3:
+            return "SUMPRODUCT(--(C1:C12=\"甲\"),A1:A12)";
+        case 4:
+            return "SUMPRODUCT(IF(B1:B12>5,A1:A12,B1:B12)*1)";
+        case 5:
+            return "SUMPRODUCT(ROUND(A1:A12*{1,2},1))";
+        case 6:
+            return "INDEX(A1:A12*2," + to12 + ")-INDEX(A1:B12*{1,2}," + to12 + ",1)";
+        case 7:
+            return "SUM(INDEX(A1:B12,0,1))+SUM(ROUND(" + leaf(above) + ",{0,1,2}))";
+        case 8:
+            return "MAX({1,2}*" + leaf(above) + "," + cell("A") + ")";
+        case 9:
+            return "SUMPRODUCT(TRANSPOSE(A1:A12)*{1})";
+        case 10:
+            return "SUM({1,-1,2}*" + leaf(above) + "," + cell("A") + ")";
+        case 11:
+            return "SUMPRODUCT(ABS(A1:A12)+INT(A1:A12))";
+        case 12:
+            return "SUM(IFERROR(A1:A12/{1;0;2}," + leaf(above) + "))";
+        default:
+            return "SUMPRODUCT(CHOOSE({1,2},A1:A12,B1:B12)*{1,3})";
         }
     }
 
@@ -141,6 +186,8 @@ void fill(CalledBook& book, FormulaDraw& draw)
         book.sheet().setNumber({4, row}, row);
         book.type("E" + number, "A" + number + "*2");
     }
+    EXPECT_FALSE(book.workbook.defineName("净额", "Sheet1!$A$1-Sheet1!$A$3"));
+    EXPECT_FALSE(book.sheet().setArrayFormula({7, 1, 7, 12}, "A1:A12*2-B1:B12"));
     for (std::size_t row = 1; row <= formulasPerBook; ++row)
         book.type("F" + std::to_string(row), draw.formula(static_cast<int>(draw.choose(4)), row - 1));
     book.workbook.recalculate();
