@@ -12,7 +12,7 @@ using namespace spreadsheet;
 
 namespace {
 
-/// Formulas over A1:A12 (calls), B1:B12 (plain numbers), C1:C12 (keys), G1:G12 (an array) and those above them.
+/// Formulas over A1:A12 (calls), B1:B12 (numbers), C1:C12 (keys), G1:G12 (an array) and those above them.
 class FormulaDraw {
 public:
     explicit FormulaDraw(unsigned seed)
