@@ -440,6 +440,7 @@ TEST(Xls, ReadsTextsAndValuesOfOlderFiles)
     writer.patch32(place, static_cast<std::uint32_t>(writer.size()));
     record(xls::beginOfFile, {0, 5, 0x10, 0, 0, 0, 0, 0});
     record(xls::label, {0, 0, 0, 0, 0, 0, 4, 0, 0xBF, 0xC6, 0xC4, 0xBF}); // 科目
+    record(xls::label, {1, 0, 0, 0, 0, 0, 40, 0, 0xBF, 0xC6});            // 38 bytes are missing
     record(xls::rk, {0, 0, 1, 0, 0, 0, 0x2B, 0x23, 0, 0});                // 22.5 as hundredths: 2250
     record(xls::endOfFile, {});
     Workbook workbook;
@@ -451,6 +452,7 @@ TEST(Xls, ReadsTextsAndValuesOfOlderFiles)
     EXPECT_EQ(sheet.style({1, 1}).font.family.view(), "宋体");
     EXPECT_TRUE(sheet.style({1, 1}).font.bold);
     EXPECT_EQ(sheet.displayText({2, 1}), "22.50");
+    EXPECT_THAT(warnings.texts(), testing::ElementsAre(testing::HasSubstr("0x0204")));
 }
 
 } // namespace
