@@ -10,6 +10,7 @@
 #include "windows/designer/editor_commands.h"
 #include "windows/designer/EditorFiles.h"
 #include "windows/designer/EditorFormulas.h"
+#include "windows/designer/EditorMenuBar.h"
 #include "windows/designer/EditorStatus.h"
 #include "windows/designer/FailedFetchBar.h"
 #include "windows/designer/FormulaBox.h"
@@ -22,7 +23,6 @@
 #include <QFontDatabase>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QScreen>
 #include <QSignalBlocker>
 #include <QSplitter>
@@ -209,7 +209,7 @@ QMenu* frmEditor::newPopup(const EditorMenu& menu)
 
 void frmEditor::buildCommands()
 {
-    auto* bar = new QMenuBar;
+    auto* bar = new EditorMenuBar;
     layout()->setMenuBar(bar);
     for (const EditorMenu& menu : editorMenus())
         fillMenu(*bar->addMenu(QString::fromUtf8(menu.caption)), menu);

@@ -19,6 +19,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -196,18 +197,17 @@ void frmPreview::buildSearch()
     };
     button("cmdFind", "查找下一个", 3000, &frmPreview::cmdFind_Click);
     button("cmdCopy", "复制文字", 4480, &frmPreview::cmdCopy_Click);
-    const auto shortcut = [this](QKeySequence::StandardKey key, QWidget* of, auto act) {
-        auto* const action = new QAction(of);
+    const auto shortcut = [this](QKeySequence::StandardKey key, auto act) {
+        auto* const action = new QAction(this);
         action->setShortcut(key);
-        action->setShortcutContext(of == this ? Qt::WindowShortcut : Qt::WidgetShortcut);
         connect(action, &QAction::triggered, this, act);
-        of->addAction(action);
+        addAction(action);
     };
-    shortcut(QKeySequence::Find, m_fpsp1, [this] { txtFind->setFocus(Qt::ShortcutFocusReason); });
-    shortcut(QKeySequence::Copy, m_fpsp1, [this] { cmdCopy_Click(); });
+    shortcut(QKeySequence::Find, [this] { txtFind->setFocus(Qt::ShortcutFocusReason); });
+    shortcut(QKeySequence::Copy, [this] { cmdCopy_Click(); }); // the search box copies its own text
     // Not the button's: that would wait for a picture of it pressed.
-    shortcut(QKeySequence::FindNext, this, [this] { findOn(true); });
-    shortcut(QKeySequence::FindPrevious, this, [this] { findOn(false); });
+    shortcut(QKeySequence::FindNext, [this] { findOn(true); });
+    shortcut(QKeySequence::FindPrevious, [this] { findOn(false); });
     lblHits = new QLabel;
     lblHits->setObjectName("lblHits");
     places->place(lblHits, {10400, 7540, 1480, 450});
@@ -248,6 +248,21 @@ void frmPreview::showHits()
 void frmPreview::cmdCopy_Click()
 {
     QGuiApplication::clipboard()->setText(m_fpsp1->words());
+}
+
+/// Keys that turn pages do so from the buttons, too, which leave them.
+void frmPreview::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_PageDown:
+    case Qt::Key_PageUp:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+        QCoreApplication::sendEvent(m_fpsp1, event);
+        break;
+    default:
+        QDialog::keyPressEvent(event);
+    }
 }
 
 void frmPreview::UpdatePageCount()

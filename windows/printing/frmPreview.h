@@ -37,6 +37,9 @@ public:
     void UpdatePageCount();
     spreadsheet::PreviewWidget& fpsp1() { return *m_fpsp1; }
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void buildButtons();
     void cmdPrevious_Click();

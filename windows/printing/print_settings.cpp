@@ -24,8 +24,7 @@ void changePrintSettings(spreadsheet::Workbook& workbook,
     const spreadsheet::DisplayOnly storedApart(workbook);
     const spreadsheet::UndoStep step(workbook, "页面设置");
     for (int index = 1; index <= workbook.sheetCount(); ++index)
-        workbook.sheet(index).changeSettings(
-            [&](spreadsheet::SheetSettings& settings) { change(settings.print); });
+        changeIfOther(workbook.sheet(index), change);
 }
 
 void changeReportsPrint(spreadsheet::Workbook& workbook,

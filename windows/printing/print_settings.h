@@ -9,8 +9,8 @@ class Workbook;
 
 namespace selfreport {
 
-/// Changes the print settings of every sheet, as one undo step: those that stand in the report's row and
-/// come from there with every opening, so that the design is the same as before.
+/// Changes the print settings of every sheet, as one undo step, if it makes a difference: those that stand in
+/// the report's row and come from there with every opening, so that the design is the same as before.
 void changePrintSettings(spreadsheet::Workbook& workbook,
                          const std::function<void(spreadsheet::PrintSettings&)>& change);
 

@@ -42,6 +42,28 @@ protected:
     QStringList copies() const { return QDir(folder.path()).entryList({"Recovery_*"}); }
 };
 
+/// Looking through the menus by their letters, closing each by Esc.
+TEST_F(Escape, LeavesMenusForTheCell)
+{
+    openOnFive();
+    const auto openMenu = [](Qt::Key letter) {
+        press(letter, Qt::AltModifier);
+        ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+        press(Qt::Key_Escape);
+        ASSERT_EQ(QApplication::activePopupWidget(), nullptr);
+    };
+    openMenu(Qt::Key_F);
+    openMenu(Qt::Key_E);
+    openMenu(Qt::Key_F);
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(grid().hasFocus());
+    edit("txtReportName").setFocus();
+    openMenu(Qt::Key_E);
+    openMenu(Qt::Key_F);
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(edit("txtReportName").hasFocus()) << "back to where it was";
+}
+
 TEST_F(Escape, NeverClosesTheDesigner)
 {
     const std::pair<const char*, std::function<void()>> places[] = {

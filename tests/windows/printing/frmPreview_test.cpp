@@ -82,6 +82,42 @@ TEST_F(Preview, TextsAreFoundAndCopied)
     EXPECT_EQ(QApplication::clipboard()->text(), "第4行\tNet 合计\n");
 }
 
+/// It is on a button after a click, and in the list of views after a choice.
+TEST_F(Preview, ItsKeysWorkWhereverTheFocusIs)
+{
+    grid.setPages(5);
+    frmPreview& window = frmPreview::shared(grid);
+    show(window);
+    const struct {
+        Qt::Key key;
+        const char* page;
+        Qt::KeyboardModifiers modifiers = {};
+    } keys[] = {{Qt::Key_End, "第 5 页"},      {Qt::Key_Home, "第 1 页"},
+                {Qt::Key_PageDown, "第 2 页"}, {Qt::Key_PageDown, "第 3 页", Qt::ControlModifier},
+                {Qt::Key_PageUp, "第 2 页"},   {Qt::Key_PageUp, "第 1 页", Qt::ControlModifier}};
+    for (const char* name : {"cmdNext", "cmdThumbnails", "cmdFind"}) {
+        auto& button = control<QPushButton>(window, name);
+        for (const auto& [key, page, modifiers] : keys) {
+            button.setFocus();
+            QTest::keyClick(&button, key, modifiers);
+            EXPECT_TRUE(state(window).starts_with(page)) << name << ' ' << state(window);
+        }
+    }
+    auto& text = control<QLineEdit>(window, "txtFind");
+    for (const char* name : {"cmdNext", "cboZoom", "thumbnails"}) {
+        auto& widget = control<QWidget>(window, name);
+        widget.setFocus();
+        QTest::keyClick(&widget, Qt::Key_C, Qt::ControlModifier);
+        EXPECT_EQ(QApplication::clipboard()->text(), "第1行\n") << name;
+        QTest::keyClick(&widget, Qt::Key_F, Qt::ControlModifier);
+        EXPECT_TRUE(text.hasFocus()) << name;
+    }
+    text.setText("合计");
+    text.selectAll();
+    QTest::keyClick(&text, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "合计") << "a selected text before the page's";
+}
+
 TEST_F(Preview, OnePageTurnsNowhere)
 {
     grid.setPages(1);

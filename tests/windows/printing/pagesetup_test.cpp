@@ -177,6 +177,21 @@ TEST_F(PageSetup, AFailedSavingIsToldAndClosesAllTheSame)
     EXPECT_EQ(grid.print().marginTop, 864);
 }
 
+TEST_F(PageSetup, UndoSkipsAnOkThatChangedNothing)
+{
+    grid.book.setUndoEnabled(true);
+    const spreadsheet::PrintSettings before = grid.print();
+    ledger.run("update tblCWSelfReport set fLeft=2");
+    for (int time = 0; time < 2; ++time) {
+        pagesetup window(grid);
+        show(window);
+        click(window, "cmdXPOK");
+    }
+    EXPECT_EQ(grid.print().marginLeft, 2 * spreadsheet::twipsPerInch);
+    grid.book.undo();
+    EXPECT_EQ(grid.print(), before);
+}
+
 TEST_F(PageSetup, EveryWayOfClosingKeepsTheZoomEntry)
 {
     const auto closings = std::to_array<std::function<void(pagesetup&)>>(
