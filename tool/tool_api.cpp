@@ -185,7 +185,7 @@ int toolDemo(const std::string& file, bool replaces, const ToolStreams& streams)
     return command(streams, [&] {
         if (!replaces && std::filesystem::exists(file))
             throw FileError("文件已存在: " + file);
-        PendingFile database(file);
+        PendingFile database(file, spreadsheet::Replacing::anything);
         streams.notes << "生成演示账套 …" << std::endl;
         createDemoLedger(database.path().string());
         streams.notes << "生成演示报表 …" << std::endl;

@@ -132,6 +132,19 @@ TEST_F(ReportFiles, AreRefusedTogether)
     }
 }
 
+TEST_F(ReportFiles, AreNeverTheLedgerItself)
+{
+    const std::string own = folder.file("own.db");
+    std::filesystem::copy_file(demo(), own);
+    for (const char* option : {"--csv ", "--pdf "}) {
+        const ProgramRun run("run 1 --db " + own + " --allow-failed " + option + own);
+        EXPECT_EQ(run.exitCode, 1) << option;
+        EXPECT_THAT(run.errors, HasSubstr("账套数据库"));
+    }
+    EXPECT_EQ(contentOf(own), contentOf(demo()));
+    EXPECT_EQ(ProgramRun("demo --overwrite " + own).exitCode, 0) << "that is what it is for";
+}
+
 TEST_F(ReportFiles, MayBePipesAndLinks)
 {
     ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);

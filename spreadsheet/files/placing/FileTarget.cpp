@@ -4,6 +4,8 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <fstream>
+#include <string_view>
 #include <system_error>
 #include <unistd.h>
 
@@ -36,6 +38,15 @@ void requireWritable(const FileTarget& target)
         refuseToWrite(target.named, errno);
 }
 
+/// Databases of the embedded provider, whatever their names.
+bool isDatabase(const std::filesystem::path& file)
+{
+    constexpr std::string_view magic{"SQLite format 3", 16}; // its zero included
+    std::string head(magic.size(), ' ');
+    std::ifstream stream(file, std::ios::binary);
+    return stream.read(head.data(), static_cast<std::streamsize>(head.size())) && head == magic;
+}
+
 std::filesystem::path folderOf(const FileTarget& target)
 {
     return target.file.has_parent_path() ? target.file.parent_path() : ".";
@@ -53,7 +64,7 @@ void refuseToWrite(const std::filesystem::path& file, int error)
     refuseToWrite(file, failures::reasonOfErrno(error));
 }
 
-FileTarget fileTargetOf(const std::filesystem::path& named)
+FileTarget fileTargetOf(const std::filesystem::path& named, Replacing replacing)
 {
     FileTarget target;
     target.named = named;
@@ -78,6 +89,8 @@ FileTarget fileTargetOf(const std::filesystem::path& named)
     target.file = std::filesystem::canonical(named, error);
     if (error)
         refuseToWrite(named, error.value());
+    if (replacing == Replacing::documents && isDatabase(target.file))
+        refuseToWrite(named, "这是账套数据库，不能替换");
     return target;
 }
 

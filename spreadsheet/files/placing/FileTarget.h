@@ -28,10 +28,16 @@ struct FileTarget {
     struct stat status {};       ///< of what is there
 };
 
+/// What a file may take the place of.
+enum class Replacing {
+    documents, ///< any file but a database: no report is worth the ledger that it was made from
+    anything,
+};
+
 /// Follows the name and looks at what is there.
 /// @throws FileError  a folder, links in a circle, a file that nobody or not this user may write (the
-///                    superuser neither), a name that the system does not take
-FileTarget fileTargetOf(const std::filesystem::path& named);
+///                    superuser neither), a name that the system does not take, a database unless it may be
+FileTarget fileTargetOf(const std::filesystem::path& named, Replacing replacing = Replacing::documents);
 
 /// Whether both lead to the same file, be it there yet or not.
 bool isSameTarget(const FileTarget& one, const FileTarget& other);

@@ -61,8 +61,8 @@ void takeOver(const FileTarget& target, int file)
 
 } // namespace
 
-PendingFile::PendingFile(const std::filesystem::path& finalName)
-    : m_target(fileTargetOf(finalName))
+PendingFile::PendingFile(const std::filesystem::path& finalName, Replacing replacing)
+    : m_target(fileTargetOf(finalName, replacing))
     , m_temporary(temporaryFor(m_target, m_target.kind == FileTarget::Kind::fresh ? everybody : ownerOnly))
 {
 }

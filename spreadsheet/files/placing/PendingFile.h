@@ -18,7 +18,7 @@ class PendingFile {
 public:
     /// Makes the file, empty. @throws FileError if there is something that may not be written, or the folder
     /// does not take it
-    explicit PendingFile(const std::filesystem::path& finalName);
+    explicit PendingFile(const std::filesystem::path& finalName, Replacing replacing = Replacing::documents);
     ~PendingFile();
     PendingFile(const PendingFile&) = delete;
     PendingFile& operator=(const PendingFile&) = delete;

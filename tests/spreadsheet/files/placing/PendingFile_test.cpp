@@ -139,6 +139,28 @@ TEST(PendingFile, WhatCannotBeWrittenIsNamedAndStays)
     EXPECT_EQ(contentOf(folder.file("readonly")), "old");
 }
 
+/// A hurried user names the ledger itself as the report's file.
+TEST(PendingFile, ADatabaseIsNotReplacedUnlessItMayBe)
+{
+    const TestFolder folder;
+    const std::string database("SQLite format 3\0rows", 20);
+    put(folder.file("ledger.csv"), database);
+    fs::create_symlink("ledger.csv", folder.file("link.pdf"));
+    for (const char* name : {"ledger.csv", "link.pdf"}) {
+        EXPECT_THAT(refusal([&] { write(folder.file(name), "new"); }), HasSubstr("账套数据库")) << name;
+        EXPECT_EQ(contentOf(folder.file("ledger.csv")), database) << name;
+    }
+    put(folder.file("about.csv"), "SQLite format 3, as text");
+    put(folder.file("short.csv"), "SQLite format 3");
+    for (const char* name : {"about.csv", "short.csv"})
+        EXPECT_EQ(refusal([&] { write(folder.file(name), "new"); }), "") << name;
+
+    PendingFile demo(folder.file("ledger.csv"), Replacing::anything);
+    demo.write("new");
+    demo.putInPlace();
+    EXPECT_EQ(contentOf(folder.file("ledger.csv")), "new");
+}
+
 TEST(PendingFile, PermissionsAndOwnerAreThoseOfTheFormerFile)
 {
     const TestFolder folder;
