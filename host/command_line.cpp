@@ -4,6 +4,8 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <charconv>
+#include <limits>
 #include <memory>
 #include <string_view>
 
@@ -104,6 +106,7 @@ public:
         label("REQUIRED", "(必填)");
         label("SUBCOMMAND", "命令");
         label("SUBCOMMANDS", "命令");
+        label("Needs", "需要");
     }
     std::string make_usage(const CLI::App* app, std::string name) const override
     {
@@ -143,8 +146,9 @@ std::string reasonOf(const CLI::ParseError& error)
         return "缺少 " + text.substr(0, text.find(" is required"));
     if (dynamic_cast<const CLI::ConversionError*>(&error))
         return "不是有效的值: " + named;
-    if (dynamic_cast<const CLI::ValidationError*>(&error))
-        return "不在允许的范围: " + text.substr(0, text.find(':'));
+    if (dynamic_cast<const CLI::RequiresError*>(&error))
+        return text.substr(0, text.find(" requires ")) + " 要和 " + text.substr(text.rfind(' ') + 1) +
+               " 一起用";
     if (dynamic_cast<const CLI::ExtrasError*>(&error))
         return "不认识: " + named;
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error))
@@ -166,19 +170,51 @@ CLI::App* addCommand(CLI::App& app, const char* name, const std::string& descrip
     return command;
 }
 
+/// May stand before the command, too: whether it is given is found out at the end.
 void addDatabase(CLI::App* command, std::string& database)
 {
-    command->add_option("--db", database, "连接串,或内置数据库的文件名")->required()->type_name("DB");
+    command->add_option("--db", database, "连接串,或内置数据库的文件名")->type_name("DB (必填)");
+}
+
+/// Digits alone, as people write numbers: 010 is ten, 0x10 none.
+CLI::Validator wholeNumber(std::int64_t least, std::int64_t most)
+{
+    const auto read = [least, most](std::string& text) {
+        std::int64_t number = 0;
+        const char* const end = text.data() + text.size();
+        const auto [rest, error] = std::from_chars(text.data(), end, number);
+        if (error != std::errc() || rest != end || number < least || number > most)
+            return "应为 " + std::to_string(least) + " 到 " + std::to_string(most) + " 的整数, 不是 \"" +
+                   text + "\"";
+        text = std::to_string(number);
+        return std::string();
+    };
+    return {read, ""};
+}
+
+/// A variable of a script that was never set must not count as an option that was not given.
+CLI::Validator someName()
+{
+    return {[](std::string& text) { return std::string(text.empty() ? "没有给出文件名" : ""); }, ""};
+}
+
+CLI::Option* addReportId(CLI::App* command, std::int32_t& id)
+{
+    return command->add_option("ID", id, "报表编号,见 list")
+        ->required()
+        ->transform(wholeNumber(1, std::numeric_limits<std::int32_t>::max()))
+        ->type_name("");
 }
 
 const CLI::App* addRunCommand(CLI::App& app, RunCommand& run)
 {
     CLI::App* command = addCommand(app, "run", "计算一张报表,写成 PDF 或 CSV", runHelp);
-    command->add_option("ID", run.reportId, "报表编号,见 list")->required()->type_name("");
+    addReportId(command, run.reportId);
     addDatabase(command, run.database);
-    CLI::Option* const pdf = command->add_option("--pdf", run.pdf, "写出 PDF (全部表页)")->type_name("FILE");
+    CLI::Option* const pdf = command->add_option("--pdf", run.pdf, "写出 PDF (全部表页)");
+    pdf->check(someName())->type_name("FILE");
     command->add_flag("--archive", run.isArchive, "PDF 按 PDF/A-1b 存档格式写出")->needs(pdf);
-    command->add_option("--csv", run.csv, "写出 CSV (全部表页,UTF-8)")->type_name("FILE");
+    command->add_option("--csv", run.csv, "写出 CSV (全部表页,UTF-8)")->check(someName())->type_name("FILE");
     command->add_flag("--allow-failed", run.allowFailed, "有取数失败时也写出,并加注");
     command->add_flag("--strict", run.isStrict, "有取数失败或不存在的科目、项目、货币时什么也不写出");
     return command;
@@ -240,18 +276,20 @@ Command readCommandLine(int count, const char* const* arguments)
     ProveCommand prove;
     CLI::App* proveCommand = addCommand(app, "prove", "账套自检: 账簿各数之间应有的关系是否成立", proveHelp);
     addDatabase(proveCommand, prove.database);
-    proveCommand->add_option("--year", prove.year, "只查一年")->type_name("Y");
+    proveCommand->add_option("--year", prove.year, "只查一年")
+        ->transform(wholeNumber(1, 9999))
+        ->type_name("Y");
     proveCommand->add_flag("--json", prove.asJson, "写成 JSON");
 
     ExplainCommand explain;
     CLI::App* explainCommand = addCommand(app, "explain", "联查: 一个数是由哪些数组成的", explainHelp);
-    explainCommand->add_option("ID", explain.reportId, "报表编号,见 list")->required()->type_name("");
+    addReportId(explainCommand, explain.reportId);
     explainCommand->add_option("CELL", explain.cell, "单元格: Sheet1!B7,或第一个表页的 B7")
         ->required()
         ->type_name("");
     addDatabase(explainCommand, explain.database);
     explainCommand->add_option("--depth", explain.depth, "展开几级 (1 到 9,不给时 3)")
-        ->check(CLI::Range(1, 9))
+        ->transform(wholeNumber(1, 9))
         ->type_name("N");
     explainCommand->add_flag("--json", explain.asJson, "写成 JSON");
 
@@ -267,18 +305,25 @@ Command readCommandLine(int count, const char* const* arguments)
     } catch (const CLI::ParseError& error) {
         return Finished{refusal(app, error)};
     }
+    const auto onDatabase = [&](auto& command) -> Command {
+        if (command.database.empty())
+            command.database = window.database;
+        if (command.database.empty())
+            return Finished{refusal(app, CLI::RequiredError("--db"))};
+        return command;
+    };
     if (demoCommand->parsed())
         return demo;
     if (listCommand->parsed())
-        return list;
+        return onDatabase(list);
     if (runCommand->parsed())
-        return run;
+        return onDatabase(run);
     if (checkCommand->parsed())
-        return check;
+        return onDatabase(check);
     if (proveCommand->parsed())
-        return prove;
+        return onDatabase(prove);
     if (explainCommand->parsed())
-        return explain;
+        return onDatabase(explain);
     if (convertCommand->parsed())
         return convert;
     if (functionsCommand->parsed())

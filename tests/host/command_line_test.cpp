@@ -31,6 +31,41 @@ TEST(CommandLine, WrongUseIsRefusedWithTwoAndNothingOnStandardOutput)
     }
 }
 
+/// Each says in Chinese what is wrong, and of which option.
+TEST(CommandLine, ReasonsNameTheOption)
+{
+    const struct {
+        const char *arguments, *reason;
+    } cases[] = {
+        {"run 1 --db ''", "缺少 --db"},
+        {"run 1 --db a.db --csv ''", "--csv: 没有给出文件名"}, // of a script whose variable was never set
+        {"run 1 --db a.db --pdf ''", "--pdf: 没有给出文件名"},
+        {"run 1 --db a.db --archive", "--archive 要和 --pdf 一起用"},
+        {"run '' --db a.db", "ID: 应为 1 到 2147483647 的整数"},
+        {"run 0x1 --db a.db", "不是 \"0x1\""},
+        {"run 1.0 --db a.db", "不是 \"1.0\""},
+        {"run 2147483648 --db a.db", "不是 \"2147483648\""},
+        {"prove --year 0 --db a.db", "--year: 应为 1 到 9999 的整数"},
+        {"explain 1 A1 --depth 10 --db a.db", "--depth: 应为 1 到 9 的整数, 不是 \"10\""},
+    };
+    for (const auto& [arguments, reason] : cases) {
+        const ProgramRun run(arguments);
+        EXPECT_EQ(run.exitCode, 2) << arguments;
+        EXPECT_THAT(run.errors, HasSubstr(reason)) << arguments;
+    }
+}
+
+TEST(CommandLine, TheDatabaseMayStandBeforeTheCommandAndNumbersAreDecimal)
+{
+    const TestFolder folder;
+    const std::string database = folder.file("demo.db");
+    ASSERT_EQ(ProgramRun("demo " + database).exitCode, 0);
+    const ProgramRun behind("run 2 --db " + database), before("--db " + database + " run 002");
+    EXPECT_EQ(before.exitCode, 0) << before.errors;
+    EXPECT_EQ(before.output, behind.output);
+    EXPECT_THAT(ProgramRun("run 010 --db " + database).errors, HasSubstr("编号为10的"));
+}
+
 TEST(CommandLine, HelpExplainsEveryCommandAndOption)
 {
     struct Case {
