@@ -119,6 +119,13 @@ LedgerOutline outlineOf(Connection& connection)
     return outline;
 }
 
+/// Without any every identity holds, which says nothing.
+bool hasBalances(const LedgerOutline& ledger, int year)
+{
+    return std::ranges::any_of(ledger.periods,
+                               [year](const LedgerPeriod& one) { return year == 0 || one.year == year; });
+}
+
 } // namespace
 
 std::int64_t LedgerProof::faults() const
@@ -140,6 +147,11 @@ LedgerProof proveLedger(Connection& connection, int year, const std::function<vo
         if (tell)
             tell(name);
     };
+    if (!hasBalances(outline, year))
+        add({.name = "账上有余额",
+             .state = State::failed,
+             .reason = year == 0 ? "账上没有余额，其余各项没有可查的数"
+                                 : "账上没有" + std::to_string(year) + "年的余额，其余各项没有可查的数"});
     for (const LedgerIdentity& identity : ledgerIdentities(outline, year)) {
         told(identity.name);
         add(proved({.name = identity.name, .statement = identity.statement},

@@ -1,5 +1,6 @@
 #include "explain/proof_text.h"
 
+#include "explain/drill_text.h"
 #include "platform/database/session/Recordset.h"
 #include "text/amount_text.h"
 #include "text/json_text.h"
@@ -74,8 +75,11 @@ std::string identityDetails(const ProvedIdentity& one)
     std::string text = one.reason.empty() ? "" : one.reason + "\n";
     if (one.state == State::broken) {
         text += joined(one.columns, "\t") + "\n";
-        for (const auto& row : one.firstRows)
-            text += joined(row, "\t") + "\n";
+        for (const auto& row : one.firstRows) {
+            std::vector<std::string> cells; // names of accounts may have breaks and tabs in them
+            std::ranges::transform(row, std::back_inserter(cells), oneLine);
+            text += joined(cells, "\t") + "\n";
+        }
         if (one.rows > static_cast<std::int64_t>(one.firstRows.size()))
             text += "……共 " + std::to_string(one.rows) + " 行\n";
     }

@@ -177,6 +177,20 @@ TEST_F(LedgerProofTest, ASoundLedgerRaisesNoAlarm)
     EXPECT_THAT(broken(proveLedger(*demo.open(), 2024)), IsEmpty());
 }
 
+/// Of no rows at all every identity holds: that must not pass for a proof.
+TEST_F(LedgerProofTest, AYearWithoutBalancesIsNotProved)
+{
+    const auto connection = demo.open();
+    EXPECT_EQ(proveLedger(*connection, 2025).faults(), 0);
+    const LedgerProof none = proveLedger(*connection, 2030);
+    EXPECT_EQ(none.faults(), 1);
+    EXPECT_EQ(none.identities.front().reason, "账上没有2030年的余额，其余各项没有可查的数");
+    for (const char* table :
+         {"tblAccountBal", "tblQtyBalance", "tblProfitAndLoss", "tblVoucherEntry", "tblVoucher"})
+        connection->execute("delete from " + std::string(table));
+    EXPECT_EQ(proveLedger(*connection, 0).faults(), 1);
+}
+
 TEST_F(LedgerProofTest, WithoutVouchersTheRestIsProved)
 {
     demo.open()->execute("drop table tblVoucher");
@@ -371,6 +385,20 @@ TEST_F(LedgerProofTest, ShowsTenRowsAndTheStatementForAll)
                 ElementsAre("年度", "期间", "科目", "科目名称", "项目组合", "币别", "本位币", "原币"));
     EXPECT_EQ(named(proveLedger(*connection, 2024), "期初 + 借方 − 贷方 = 期末")->state, State::holds)
         << "of another year";
+}
+
+TEST_F(LedgerProofTest, WritesOneRowALineWhateverTheNames)
+{
+    const auto connection = demo.open();
+    connection->execute("update tblAccount set fName='库存\n现\r金\t'||fName");
+    connection->execute("update tblAccountBal set fEndBal=fEndBal+0.01 where fYear=2025 and fDetailId=0");
+    const LedgerProof proof = proveLedger(*connection, 0);
+    const std::string text = identityDetails(*named(proof, "期初 + 借方 − 贷方 = 期末"));
+    EXPECT_EQ(std::ranges::count(text, '\n'), 1 + 10 + 2) << text; // captions, rows, how many, the statement
+    const std::size_t captions = text.find('\n');
+    const std::string_view row =
+        std::string_view(text).substr(captions + 1, text.find('\n', captions + 1) - captions - 1);
+    EXPECT_EQ(std::ranges::count(row, '\t'), std::ranges::count(text.substr(0, captions), '\t')) << row;
 }
 
 /// A ledger may begin within a year, and a thirteenth period may hold adjustments of some accounts only.
