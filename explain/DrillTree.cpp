@@ -7,7 +7,6 @@
 #include "fetch/ledger_query.h"
 #include "fetch/quoted_text.h"
 #include "fetch/referenced_place.h"
-#include "fetch/RunRecord.h"
 #include "platform/database/session/Recordset.h"
 #include "platform/services/UserWait.h"
 #include "spreadsheet/values/number_text.h"
@@ -70,8 +69,10 @@ bool namesNoAccount(const LedgerArguments& call, const AccountChart& chart)
     return code && !chart.ofCode(*code);
 }
 
+/// Why a row did not open. It stays closed: what failed once may be tried again.
 void addFault(DrillNode& node, std::string reason)
 {
+    node.isOpen = false;
     DrillNode fault;
     fault.item = std::move(reason);
     fault.isFault = true;
@@ -94,7 +95,7 @@ void addDifference(DrillNode& node, const std::string& reason)
 
 double DrillNode::difference() const
 {
-    return sum && whole ? std::round((*whole - *sum) * 10'000) / 10'000 : 0;
+    return sum && whole ? std::round((*whole - *sum) * 10'000) / 10'000 + 0.0 : 0; // no "-0.00"
 }
 
 bool DrillNode::isWhole() const
@@ -146,6 +147,7 @@ void DrillTree::open(DrillNode& node, DatabaseAccess& database, std::size_t way,
     node.parts.clear();
     node.sum.reset();
     node.whole.reset();
+    node.isOpen = true;
     try {
         if (node.call)
             openCall(node, database, way, page);
@@ -158,7 +160,6 @@ void DrillTree::open(DrillNode& node, DatabaseAccess& database, std::size_t way,
         node.parts.clear();
         addFault(node, "没有展开：" + failures::sentenceOf(error));
     }
-    node.isOpen = true;
 }
 
 /// The figure may have been fetched a while ago: the whole is asked for again together with its parts.
@@ -181,6 +182,8 @@ void DrillTree::openCall(DrillNode& node, DatabaseAccess& database, std::size_t 
     node.page = page;
     node.pages = std::max<std::int64_t>(1, (opened.parts.lines + vouchersOnPage - 1) / vouchersOnPage);
     if (node.ways.empty()) {
+        if (node.isUnknown)
+            return;
         const bool isGone = node.amount && namesNoAccount(*node.call, *m_chart);
         m_head.ledgerHasChanged = m_head.ledgerHasChanged || isGone;
         node.isFault = node.isFault || isGone;

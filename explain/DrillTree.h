@@ -1,6 +1,7 @@
 #pragma once
 #include "explain/call_parts.h"
 #include "fetch/inter_report_fetch.h"
+#include "fetch/RunRecord.h"
 #include "spreadsheet/formula/CustomFunction.h"
 
 #include <cstdint>
@@ -17,7 +18,6 @@ class Workbook;
 namespace selfreport {
 
 class DatabaseAccess;
-class RunRecord;
 
 /// A row of what a figure is made of. It adds factor × amount to the row above it.
 struct DrillNode {
@@ -33,9 +33,11 @@ struct DrillNode {
     std::optional<ReportReference> reference{};
 
     std::optional<spreadsheet::CallPlace> cell{}; ///< where it is written
+    RunRecord::FollowedPlace place{};             ///< where that cell has come to lie since
     std::string report{};                         ///< of the cell; "": the one that was asked for
+    bool isUnknown = false;                       ///< the call named what there was not when it was made
 
-    bool isOpen = false;
+    bool isOpen = false;          ///< not if that failed, though a part says why
     std::vector<PartsWay> ways{}; ///< that the call offers, once it was opened
     std::size_t way = 0;          ///< the one that it was opened by
     std::int64_t page = 1;        ///< of vouchers

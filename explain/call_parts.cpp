@@ -3,6 +3,7 @@
 #include "explain/OpenedCall.h"
 #include "failures/failure_text.h"
 #include "platform/database/Connection.h"
+#include "platform/database/dialect/chinese_collation.h"
 #include "platform/database/dialect/sql_text.h"
 #include "text/ascii.h"
 
@@ -79,10 +80,8 @@ const Account* AccountChart::ofId(std::int64_t id) const
 
 const Account* AccountChart::ofCode(std::string_view code) const
 {
-    const std::string_view wanted = ascii::trimmed(code, " ");
-    const auto found = std::ranges::find_if(m_accounts, [&](const auto& entry) {
-        return ascii::lower(entry.second.code) == ascii::lower(wanted);
-    });
+    const auto found = std::ranges::find_if(
+        m_accounts, [&](const auto& entry) { return compareChinese(entry.second.code, code) == 0; });
     return found == m_accounts.end() ? nullptr : &found->second;
 }
 

@@ -15,12 +15,17 @@ spreadsheet::CallPlace placeOf(const spreadsheet::Workbook& workbook, const std:
 {
     const std::size_t mark = text.rfind('!');
     std::string sheet = mark == std::string::npos ? "" : text.substr(0, mark);
-    if (sheet.size() > 1 && sheet.front() == '\'' && sheet.back() == '\'')
+    if (sheet.size() > 1 && sheet.front() == '\'' && sheet.back() == '\'') {
         sheet = sheet.substr(1, sheet.size() - 2);
+        for (std::size_t at = 0; (at = sheet.find("''", at)) != std::string::npos; ++at)
+            sheet.erase(at, 1);
+    }
     const int index = mark == std::string::npos ? 1 : workbook.sheetIndex(sheet);
     if (index == 0)
         throw ReportRunError("报表没有名为" + quoted(sheet) + "的表页");
-    const auto cell = spreadsheet::parseCellName(mark == std::string::npos ? text : text.substr(mark + 1));
+    std::string name = mark == std::string::npos ? text : text.substr(mark + 1);
+    std::erase(name, '$'); // copied from a formula
+    const auto cell = spreadsheet::parseCellName(name);
     const spreadsheet::SheetSettings& settings = workbook.sheet(index).settings();
     if (!cell || cell->row > settings.rowCount || cell->column > settings.columnCount)
         throw ReportRunError("没有单元格" + quoted(text) + "，写法如 Sheet1!B7");

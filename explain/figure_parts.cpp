@@ -55,6 +55,14 @@ const RecordedCall* recordedCall(const spreadsheet::Workbook& workbook, const Ru
     return term.call >= 0 && at < calls.size() ? &calls[at] : nullptr;
 }
 
+/// Cells in a circle are not evaluated, so what they call is not made. They show what broken references do,
+/// but a formula with one of these makes its calls.
+bool isInCircle(const spreadsheet::Workbook& workbook, const RunRecord& record, const CallPlace& cell)
+{
+    const spreadsheet::Value value = workbook.sheet(cell.sheet).value({cell.column, cell.row});
+    return record.isOfCalculation() && value.isError() && value.error() == spreadsheet::CellError::ref;
+}
+
 void addRemark(DrillNode& node, const std::string& remark)
 {
     if (!remark.empty())
@@ -79,6 +87,8 @@ void describe(DrillNode& node, const RecordedCall& call, bool reads)
         node.item = std::string(call.function);
         addRemark(node, "参数有错");
     }
+    node.isUnknown = call.state() == CallState::missing;
+    node.isFault = node.isFault || node.isUnknown;
     if (call.remarks.empty() && call.state() != CallState::value)
         addRemark(node, std::string(stateName(call.state())));
     for (const Explanation& remark : call.remarks)
@@ -90,6 +100,7 @@ DrillNode partOf(const spreadsheet::Workbook& workbook, const RunRecord& record,
 {
     DrillNode node;
     node.cell = term.cell;
+    node.place = record.followed(term.cell);
     node.basis = placeText(workbook, term.cell);
     node.factor = isLinear ? term.coefficient : 1;
     if (term.isByCondition)
@@ -99,7 +110,8 @@ DrillNode partOf(const spreadsheet::Workbook& workbook, const RunRecord& record,
         describe(node, *call, reads);
     } else {
         node.item = "取数";
-        addRemark(node, "上次计算没有这次取数");
+        addRemark(node, isInCircle(workbook, record, term.cell) ? "单元格循环引用，没有取数"
+                                                                : "上次计算没有这次取数");
     }
     return node;
 }
@@ -114,8 +126,9 @@ std::string placeText(const spreadsheet::Workbook& workbook, const CallPlace& ce
 bool isRecorded(const spreadsheet::Workbook& workbook, const RunRecord& record, const CallPlace& cell)
 {
     return std::ranges::all_of(
-        spreadsheet::linearForm(workbook.book(), cell, record.answers()).terms,
-        [&](const LinearTerm& term) { return recordedCall(workbook, record, term) != nullptr; });
+        spreadsheet::linearForm(workbook.book(), cell, record.answers()).terms, [&](const LinearTerm& term) {
+            return recordedCall(workbook, record, term) || isInCircle(workbook, record, term.cell);
+        });
 }
 
 DrillNode figureParts(const spreadsheet::Workbook& workbook, const RunRecord& record, const CallPlace& cell,
@@ -151,6 +164,8 @@ DrillNode figureParts(const spreadsheet::Workbook& workbook, const RunRecord& re
     }
     root.sum = sum;
     root.whole = root.amount;
+    if (root.difference() == 0)
+        root.sum = root.whole; // else half a fen may be shown up here and down there
     return root;
 }
 

@@ -92,6 +92,7 @@ void RunRecord::add(const CallPlace& place, RecordedCall call)
 void RunRecord::takeAll()
 {
     m_states.reset();
+    m_isOfCalculation = true;
     m_cells = std::exchange(m_fresh, {});
     std::erase_if(m_cells, [](const auto& entry) { return entry.second.empty(); });
 }
@@ -126,13 +127,30 @@ void RunRecord::followContent(const spreadsheet::CellMove::Contents& contents)
     else
         m_parked.insert_or_assign(contents.former, std::move(m_cells));
     auto back = m_parked.extract(contents.present);
+    m_isOfCalculation = !back.empty();
     m_cells = back ? std::move(back.mapped()) : Cells();
     m_fresh.clear();
+}
+
+RunRecord::FollowedPlace RunRecord::followed(const CallPlace& place) const
+{
+    auto cell = std::make_shared<std::optional<SheetCell>>(cellAt(place));
+    std::erase_if(m_followed, [](const auto& other) { return other.expired(); });
+    m_followed.push_back(cell);
+    return cell;
+}
+
+void RunRecord::followPlaces(const spreadsheet::CellMove& move)
+{
+    for (const auto& each : m_followed)
+        if (const auto cell = each.lock(); cell && *cell)
+            *cell = move.placeOf(**cell);
 }
 
 void RunRecord::follow(const spreadsheet::CellMove& move)
 {
     m_states.reset();
+    followPlaces(move);
     if (const auto contents = move.replaced())
         return followContent(*contents);
     Cells moved;

@@ -75,6 +75,13 @@ public:
     std::span<const RecordedCall> callsOf(const spreadsheet::SheetCell& cell) const;
     void
     eachCall(const std::function<void(const spreadsheet::SheetCell&, const RecordedCall&)>& report) const;
+    /// Whether the workbook's content was computed at all: a cell without an entry then made no call, as
+    /// those in a circle do.
+    bool isOfCalculation() const { return m_isOfCalculation; }
+
+    /// A cell's place, kept up to date by whatever moves the cell; nothing once it was removed.
+    using FollowedPlace = std::shared_ptr<const std::optional<spreadsheet::SheetCell>>;
+    FollowedPlace followed(const spreadsheet::CallPlace& place) const;
     /// What its calls handed back, for linear forms. The record must outlive it.
     spreadsheet::CallAnswers answers() const;
     /// The first remark on a cell; "" without one.
@@ -100,6 +107,7 @@ private:
     CallState stateOf(const spreadsheet::CallPlace& cell, int call) const;
     std::string carriedNote(const spreadsheet::SheetCell& cell, CallState state) const;
     void followContent(const spreadsheet::CellMove::Contents& contents);
+    void followPlaces(const spreadsheet::CellMove& move);
 
     spreadsheet::Workbook& m_workbook;
     Cells m_cells;                           ///< of the last calculation
@@ -108,6 +116,8 @@ private:
     Cells m_fresh;                           ///< of the one under way, also cells that made no call
     Cells::iterator m_caller;                ///< the cell of `m_fresh` that makes calls now, if there is any
     spreadsheet::CallPlace m_callerPlace;
+    bool m_isOfCalculation = false;
+    mutable std::vector<std::weak_ptr<std::optional<spreadsheet::SheetCell>>> m_followed;
 };
 
 } // namespace selfreport

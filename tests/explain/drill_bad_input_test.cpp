@@ -6,6 +6,7 @@
 #include "tests/explain/ExplainedDemo.h"
 #include "tests/tdsserver/TdsServer.h"
 
+#include <cmath>
 #include <gmock/gmock.h>
 
 namespace selfreport {
@@ -48,6 +49,9 @@ TEST(DrillBadInput, ACellInACircleHasNoSum)
         const DrillTree tree = computed.tree(row);
         EXPECT_FALSE(tree.root().sum) << row;
         EXPECT_NE(tree.head().remark, "") << row;
+        ASSERT_EQ(tree.root().parts.size(), row < 3 ? 1U : 0U) << row;
+        for (const DrillNode& call : tree.root().parts)
+            EXPECT_EQ(call.remark, "单元格循环引用，没有取数") << row;
     }
 }
 
@@ -79,6 +83,50 @@ TEST(DrillBadInput, AnAccountThatWasDeletedSinceSaysSo)
     tree.open(tree.root().parts[1], computed.database);
     EXPECT_TRUE(tree.root().parts[1].isWhole());
     EXPECT_GT(tree.root().parts[1].parts.size(), 1U);
+}
+
+/// A code with a typing error was wrong before anybody could change the ledger.
+TEST(DrillBadInput, AnAccountThatNeverWasIsNoChangeOfTheLedger)
+{
+    const test::ExplainedDemo demo;
+    Computed computed(demo.connectionString(), {closing("1999"), closing("1001")});
+    DrillTree tree = computed.tree(1);
+    DrillNode& call = tree.root().parts[0];
+    EXPECT_TRUE(call.isFault) << "a figure of what there is not is not known";
+    tree.open(call, computed.database);
+    EXPECT_EQ(call.remark, "科目“1999”不存在");
+    EXPECT_FALSE(tree.head().ledgerHasChanged);
+    EXPECT_FALSE(computed.tree(2).root().parts[0].isFault);
+}
+
+/// The ledger finds accounts whatever the width and case of their codes, and so they open.
+TEST(DrillBadInput, ACodeInFullWidthOpensIntoTheSameAccounts)
+{
+    const test::ExplainedDemo demo;
+    Computed computed(demo.connectionString(), {closing("1001"), closing("１００１")});
+    std::vector<std::string> items[2];
+    for (const int row : {1, 2}) {
+        DrillTree tree = computed.tree(row);
+        DrillNode& call = tree.root().parts[0];
+        tree.open(call, computed.database);
+        for (const DrillNode& part : call.parts)
+            items[row - 1].push_back(part.item);
+    }
+    EXPECT_GT(items[0].size(), 1U);
+    EXPECT_EQ(items[1], items[0]);
+}
+
+/// 14184.425 is the same figure in both lines of the foot, whichever way its parts were added.
+TEST(DrillBadInput, HalfAFenIsShownAlikeInSumAndCell)
+{
+    const test::ExplainedDemo demo;
+    const Computed computed(demo.connectionString(), {closing("1001") + "%", closing("1002") + "%"});
+    for (const int row : {1, 2}) {
+        const DrillTree tree = computed.tree(row);
+        ASSERT_TRUE(tree.root().sum && tree.root().whole);
+        EXPECT_EQ(*tree.root().sum, *tree.root().whole);
+        EXPECT_FALSE(std::signbit(tree.root().difference()));
+    }
 }
 
 TEST(DrillBadInput, AServerThatGoesAwayLeavesTheTree)

@@ -122,6 +122,14 @@ TEST_F(ExplainCommand, RefusesWhatIsNoCell)
     fault("7B", "没有单元格");
     fault("", "没有单元格");
     fault("XFE1", "没有单元格");
+    fault("D5:D6", "没有单元格");
+}
+
+TEST_F(ExplainCommand, TakesACellAsFormulasWriteIt)
+{
+    for (const char* cell : {"d5", "$D$5", "资产负债表!D5", "'资产负债表'!$D5"})
+        EXPECT_EQ(explainFigure(demo.connectionString(), 1, cell, 1).head.cell, "资产负债表!D5") << cell;
+    fault("'it''s'!D5", "没有名为“it's”的表页");
 }
 
 TEST_F(ExplainCommand, WritesOneRowALineWhateverTheNames)

@@ -21,12 +21,15 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace selfreport {
 
@@ -93,6 +96,7 @@ frmDrill::frmDrill(ReportContext& context, spreadsheet::SpreadsheetControl& grid
                     m_tree->setCurrentItem(m_tree->currentItem(), item);
             });
     connect(m_cboWay, &QComboBox::activated, this, &frmDrill::chooseWay);
+    m_tree->installEventFilter(this);
     connect(new QShortcut(QKeySequence::Print, this), &QShortcut::activated, this, &frmDrill::printTree);
     resize(960, 600);
     settle(*this);
@@ -159,6 +163,7 @@ bool frmDrill::explain(const std::string& report, const RunRecord& record)
     m_status->clear();
     nameAccounts();
     addRows(m_tree->invisibleRootItem(), m_figure->root());
+    makeRoom(nullptr);
     showHead();
     m_tree->setFocus();
     if (m_tree->topLevelItemCount() > 0)
@@ -258,11 +263,24 @@ void frmDrill::reopen(QTreeWidgetItem* row, std::size_t way, std::int64_t page)
     }
     addRows(row, node);
     row->setExpanded(true);
+    makeRoom(row);
     if (node.parts.empty())
         row->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicatorWhenChildless);
     showRemark(row, node);
     showHead();
     enterRow();
+}
+
+/// Each level stands further to the right: names of deep ones would have no room, and long ones no end.
+void frmDrill::makeRoom(const QTreeWidgetItem* row)
+{
+    int most = m_tree->viewport()->width() / 2;
+    for (; row; row = row->parent())
+        most += m_tree->indentation();
+    const QAbstractItemView& view = *m_tree;
+    const int wanted = std::min(view.sizeHintForColumn(item), most);
+    if (wanted > m_tree->columnWidth(item))
+        m_tree->setColumnWidth(item, wanted);
 }
 
 /// The ways of the row that is current; a part that is none has those of the row above it.
@@ -309,11 +327,17 @@ void frmDrill::goToCell(const DrillNode& node)
     }
     if (!node.report.empty())
         return openReport(node.report, [cell = node.cell](const Workbook&) { return cell; });
-    if (!m_grid.entry().commit() || node.cell->sheet > m_grid.cells().sheetCount())
+    if (!m_grid.entry().commit())
         return;
-    if (node.cell->sheet != m_grid.cells().activeSheet())
-        m_grid.cells().setActiveSheet(node.cell->sheet);
-    m_grid.cursor().moveTo({node.cell->column, node.cell->row});
+    const std::optional<spreadsheet::SheetCell>& place = *node.place;
+    const int sheet = place ? m_grid.cells().workbook().sheetIndexOfId(place->sheetId) : 0;
+    if (sheet == 0) {
+        m_status->setText(QStringLiteral("这个单元格已经删除"));
+        return;
+    }
+    if (sheet != m_grid.cells().activeSheet())
+        m_grid.cells().setActiveSheet(sheet);
+    m_grid.cursor().moveTo(place->cell);
     m_grid.window()->activateWindow();
     m_grid.setFocus();
 }
@@ -327,6 +351,16 @@ void frmDrill::reject()
         row = row->parent();
     m_tree->setCurrentItem(row);
     m_tree->setFocus();
+}
+
+/// At a star the toolkit would open whatever lies below, which leads through all periods of a ledger.
+bool frmDrill::eventFilter(QObject* watched, QEvent* event)
+{
+    const bool isStar = watched == m_tree && event->type() == QEvent::KeyPress &&
+                        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Asterisk;
+    if (isStar && m_tree->currentItem())
+        m_tree->currentItem()->setExpanded(true);
+    return isStar || QDialog::eventFilter(watched, event);
 }
 
 /// Whatever row is current.

@@ -44,6 +44,7 @@ public:
     void reject() override;
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
@@ -54,6 +55,7 @@ private:
     void addRows(QTreeWidgetItem* above, DrillNode& node);
     void openRow(QTreeWidgetItem* row);
     void reopen(QTreeWidgetItem* row, std::size_t way, std::int64_t page);
+    void makeRoom(const QTreeWidgetItem* row);
     void enterRow();
     void activateRow(QTreeWidgetItem* row);
     void chooseWay(int way);

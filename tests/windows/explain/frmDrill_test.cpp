@@ -110,6 +110,87 @@ TEST_F(Drill, AsksBeforeItComputesADesign)
     EXPECT_TRUE(drill()->isVisible());
 }
 
+/// It stays open while the report is worked on: rows lead to where their cells have come to lie.
+TEST_F(Drill, RowsFollowTheirCells)
+{
+    storeReport();
+    open();
+    trigger("MenuShowDate");
+    moveTo(1, 2);
+    trigger("MenuDrill");
+    ASSERT_TRUE(drill()->isVisible());
+    const auto goes = [&] {
+        moveTo(3, 9);
+        QTest::keyClick(&tree(), Qt::Key_Return);
+        return spreadsheet::cellName(grid().cursor().activeCell());
+    };
+    EXPECT_EQ(goes(), "A1");
+    moveTo(1, 1);
+    trigger("MenuInsertRow");
+    EXPECT_EQ(goes(), "A2");
+    trigger("MenuUndo");
+    EXPECT_EQ(goes(), "A1");
+    moveTo(1, 1);
+    trigger("MenuDeleteRows");
+    EXPECT_EQ(goes(), "C9") << "its cell is gone";
+    EXPECT_EQ(label("lblStatus"), "这个单元格已经删除");
+}
+
+/// Computing once more would bring nothing: a cell in a circle fetches nothing.
+TEST_F(Drill, SaysThatACellIsInACircleWithoutAQuestion)
+{
+    storeReport();
+    open();
+    moveTo(3, 1);
+    typeInBox(QString("=C2+") + test::closingBalance, Qt::Key_Return);
+    moveTo(3, 2);
+    typeInBox("=C1", Qt::Key_Return);
+    trigger("MenuShowDate");
+    moveTo(3, 1);
+    trigger("MenuDrill");
+    ASSERT_TRUE(drill()->isVisible());
+    EXPECT_THAT(tree().topLevelItem(0)->text(1).toStdString(), HasSubstr("循环引用"));
+}
+
+/// One key must not lead through every period of a ledger.
+TEST_F(Drill, TheStarOpensOneRow)
+{
+    openForUse();
+    moveTo(1, 2);
+    trigger("MenuDrill");
+    QTest::keyClick(&tree(), Qt::Key_Asterisk);
+    ASSERT_EQ(tree().topLevelItem(0)->childCount(), 3);
+    for (int part = 0; part < 3; ++part)
+        EXPECT_FALSE(tree().topLevelItem(0)->child(part)->isExpanded()) << part;
+}
+
+/// Each level begins further to the right.
+TEST_F(Drill, DeepLevelsHaveRoomForTheirNames)
+{
+    constexpr int levels = 25;
+    for (int level = 1; level < levels; ++level) { // accounts below each other
+        const std::string id = std::to_string(100 + level);
+        ledger.run("insert into tblAccount(fitemid,fNumber,fName,fParentId) values(" + id + ",'1001." + id +
+                   "','科目'," + std::to_string(level == 1 ? 1 : 99 + level) + ")");
+        ledger.run(
+            "insert into tblAccountBal(faccountid,fDetailId,fYear,fPeriod,fCurrencyid,fBeginBal,fDebit,"
+            "fEndBal) select " +
+            id +
+            ",fDetailId,fYear,fPeriod,fCurrencyid,fBeginBal,fDebit,fEndBal from tblAccountBal where "
+            "faccountid=1");
+    }
+    openForUse();
+    moveTo(1, 1);
+    trigger("MenuDrill");
+    for (int level = 1; level < levels; ++level) {
+        QTest::keyClick(&tree(), Qt::Key_Right);
+        QTest::keyClick(&tree(), Qt::Key_Right);
+    }
+    EXPECT_EQ(current(), "1001.124 科目");
+    EXPECT_GE(tree().columnWidth(0), levels * tree().indentation() + tree().fontMetrics().horizontalAdvance(
+                                                                         tree().currentItem()->text(0)));
+}
+
 TEST_F(Drill, OpensByADoubleClickWhereTheCellWasOnlySaidToBeLocked)
 {
     openForUse();
@@ -151,7 +232,10 @@ TEST_F(Drill, ABranchThatFailsSaysSoAndTheTreeStays)
     ASSERT_EQ(tree().topLevelItem(0)->childCount(), 1);
     EXPECT_EQ(tree().topLevelItem(0)->child(0)->foreground(0).color(), QColor(Qt::red));
     EXPECT_TRUE(tree().topLevelItem(0)->child(0)->isFirstColumnSpanned()) << "a sentence needs room";
-    ledger.run("alter table gone rename to tblAccountBal");
+    ledger.run("alter table gone rename to tblAccountBal"); // it was locked for a moment only
+    QTest::keyClick(&tree(), Qt::Key_Left);
+    QTest::keyClick(&tree(), Qt::Key_Right);
+    EXPECT_EQ(tree().topLevelItem(0)->childCount(), 3) << "and may be tried again";
 }
 
 TEST_F(Drill, VouchersComeInPages)
