@@ -93,6 +93,15 @@ void ListGrid::addRow(const QString& text, const QString& sortText)
         setRow(1);
 }
 
+QString ListGrid::columnText(const std::string& name)
+{
+    QString text = QString::fromStdString(name);
+    for (QChar& character : text)
+        if (character == '\t' || character == '\n' || character == '\r')
+            character = ' ';
+    return text;
+}
+
 void ListGrid::removeRow(int row)
 {
     if (row < 1 || row >= rowCount())

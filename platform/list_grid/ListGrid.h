@@ -2,6 +2,7 @@
 #include <QElapsedTimer>
 #include <QTableView>
 
+#include <string>
 #include <vector>
 
 namespace selfreport {
@@ -32,6 +33,8 @@ public:
     /// @param text      one text for each column, joined by tabs
     /// @param sortText  likewise, for columns that do not sort by what they show; "" sorts as shown
     void addRow(const QString& text, const QString& sortText = {});
+    /// One column's text out of a name, in UTF-8: a tab or line end in it would begin another column or line.
+    static QString columnText(const std::string& name);
 
     /// The last row is current after its removal, or what follows the removed row. Row 0 or a row that is
     /// not there: nothing happens.

@@ -70,8 +70,9 @@ void CallPreview::show(const CallTrial& trial)
     m_value->setText(lines.join('\n'));
     m_accounts->clearRows();
     for (const auto& [code, name, countedInParent] : trial.meaning.accounts)
-        m_accounts->addRow(
-            QString::fromStdString(code + '\t' + name + '\t' + (countedInParent ? "已含在上级科目" : "")));
+        m_accounts->addRow(QStringList{ListGrid::columnText(code), ListGrid::columnText(name),
+                                       countedInParent ? QStringLiteral("已含在上级科目") : QString()}
+                               .join('\t'));
 }
 
 } // namespace selfreport

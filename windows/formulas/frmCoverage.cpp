@@ -220,8 +220,8 @@ void frmCoverage::listAccounts()
         if (m_chkFaults->isChecked() && !isFault(account))
             continue;
         const QString times = QString::number(account.calls.size());
-        const QString code = QString::fromStdString(account.code);
-        const QString name = QString::fromStdString(account.name);
+        const QString code = ListGrid::columnText(account.code);
+        const QString name = ListGrid::columnText(account.name);
         const QString cells = cellsText(account, m_sheet.calls);
         const QString sortable =
             account.amount ? QString::fromStdString(amountText(*account.amount)) : QString();

@@ -1,5 +1,6 @@
 #include "windows/list/report_rows.h"
 
+#include "platform/list_grid/ListGrid.h"
 #include "platform/windows/time_text.h"
 #include "reports/report_list.h"
 
@@ -10,19 +11,9 @@ namespace selfreport {
 
 namespace {
 
-/// One column's text: a tab or line end in a name would begin another column or line.
-QString columnText(const std::string& text)
-{
-    QString column = QString::fromStdString(text);
-    for (QChar& character : column)
-        if (character == '\t' || character == '\n' || character == '\r')
-            character = ' ';
-    return column;
-}
-
 QString savedText(const std::string& savedAt)
 {
-    const QString stored = columnText(savedAt);
+    const QString stored = ListGrid::columnText(savedAt);
     const QDateTime time = QDateTime::fromString(stored.left(19), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     return time.isValid() ? timeText(time) : stored;
 }
@@ -31,14 +22,15 @@ QString savedText(const std::string& savedAt)
 
 QString reportRow(const ListedReport& report)
 {
-    return QStringList{QString::number(report.id), columnText(report.name), columnText(report.savedBy),
-                       savedText(report.savedAt), QString::fromUtf8(report.shownText())}
+    return QStringList{QString::number(report.id), ListGrid::columnText(report.name),
+                       ListGrid::columnText(report.savedBy), savedText(report.savedAt),
+                       QString::fromUtf8(report.shownText())}
         .join('\t');
 }
 
 QString reportSortRow(const ListedReport& report)
 {
-    return "\t\t\t" + columnText(report.savedAt);
+    return "\t\t\t" + ListGrid::columnText(report.savedAt);
 }
 
 } // namespace selfreport

@@ -31,7 +31,8 @@ ListGrid* buildCodePicker(QDialog& dialog, const char* caption, std::function<vo
 
 QString codeRow(const std::string& first, const std::string& code, const std::string& name)
 {
-    return QString::fromStdString(first + '\t' + code + '\t' + name);
+    return QStringList{ListGrid::columnText(first), ListGrid::columnText(code), ListGrid::columnText(name)}
+        .join('\t');
 }
 
 void pickCode(QDialog& dialog, const ListGrid& list, const std::function<void(const QString&)>& handBack)

@@ -93,6 +93,13 @@ TEST_F(CoverageWindow, ShowsTheDoubleAndTheGapAndGoesToTheCells)
     EXPECT_TRUE(ledger.boxes.said.empty());
 }
 
+/// What was pasted into an account's name must not push its amount into another column.
+TEST_F(CoverageWindow, NamesStayInTheirColumn)
+{
+    ledger.run("update tblAccount set fName='库存\t现金\r\n' where fNumber='1001'");
+    EXPECT_EQ(lines(open()).value(0), "1001|库存 现金  |100.25|2|B2、B4");
+}
+
 TEST_F(CoverageWindow, RangeAndMeasureAreChosenByKeyboard)
 {
     QWidget& window = open();
