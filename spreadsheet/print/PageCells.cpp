@@ -130,12 +130,12 @@ bool PageCells::showsText(CellAddress cell) const
            (!m_sheet.settings().captions.empty() && !read(cell).text.isEmpty());
 }
 
-std::optional<PageCells::TextBeyond> PageCells::textBefore(int rowPlace) const
+std::optional<PageCells::TextBeyond> PageCells::textBefore(int rowPlace, int columnPlace) const
 {
     const PageTrack& down = row(rowPlace);
-    int start = column(0).start;
-    for (int index = column(0).index - 1; index >= 1 && column(0).start - start < m_lengths.farthestText;
-         --index) {
+    const PageTrack& edge = column(columnPlace);
+    int start = edge.start;
+    for (int index = edge.index - 1; index >= 1 && edge.start - start < m_lengths.farthestText; --index) {
         const int size = m_lengths.columns(index, index);
         start -= size;
         const CellAddress address{index, down.index};

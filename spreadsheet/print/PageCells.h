@@ -62,14 +62,14 @@ public:
     PageBox boxOf(int row, int column) const;
     /// Repeated columns end before this one, so that texts do not run over into it.
     bool isBehindRepeated(int column) const { return column > 0 && column == m_page.repeatedColumns; }
-    /// A text beside the page's columns, with its place beyond the page's edge.
+    /// A text beside columns of the page, with its place beyond their edge.
     struct TextBeyond {
         PageCell cell;
         PageBox box;
     };
-    /// The nearest one left of the page's columns in a row.
-    std::optional<TextBeyond> textBefore(int row) const;
-    /// The nearest one to the right.
+    /// The nearest one that the sheet has in a row left of a column.
+    std::optional<TextBeyond> textBefore(int row, int column) const;
+    /// The nearest one right of the page's columns.
     std::optional<TextBeyond> textBehind(int row) const;
     /// Nothing shows there, and no span covers it.
     bool isBlank(int row, int column) const

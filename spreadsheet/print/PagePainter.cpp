@@ -12,6 +12,10 @@
 
 #include <QPainter>
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 namespace spreadsheet {
 
 namespace {
@@ -21,6 +25,68 @@ constexpr BorderLine frameLine{LineStyle::solid, 0x000000};
 constexpr BorderLine headingLine{LineStyle::fineSolid, 0x606060};
 constexpr Colour headingShadow = 0xDCDCDC;
 constexpr double partGap = 120; // twips between two parts of a header line
+
+/// Where the tracks of a band begin, behind the repeated ones.
+int bandStart(const std::vector<PageTrack>& tracks, const PageBand& band)
+{
+    const auto first = std::ranges::find(tracks, band.first, &PageTrack::index);
+    return first == tracks.end() ? 0 : first->start + band.skipped;
+}
+
+/// The part of a track that a page shows: one that goes on from the page before, or over to the next, is
+/// longer.
+PageTrack shownPart(PageTrack track, const PageBand& band, int bandStart)
+{
+    if (track.index < band.first)
+        return track; // repeated
+    const int end = std::min(track.end(), bandStart + band.length);
+    track.start = std::max(track.start, bandStart);
+    track.size = end - track.start;
+    return track;
+}
+
+/// Cuts pages where the repeated tracks end, if a track that goes on from the page before would lie over
+/// them. The part behind them comes first: their lines lie over it.
+template <class Tracks, class Cut>
+std::vector<PrintedPage> cutBehindRepeated(std::vector<PrintedPage> pages, PageBand PrintedPage::*band,
+                                           Tracks PrintedPage::*tracks, const Cut& cut)
+{
+    if ((pages[0].*band).skipped == 0 || !(pages[0].*band).repeats)
+        return pages;
+    std::vector<PrintedPage> parts;
+    for (const PrintedPage& page : pages) {
+        PrintedPage repeated = page, rest = page;
+        const auto first = std::ranges::find(page.*tracks, (page.*band).first, &PageTrack::index);
+        (repeated.*tracks).assign((page.*tracks).begin(), first);
+        (rest.*tracks).assign(first, (page.*tracks).end());
+        cut(repeated.cells, rest.cells, bandStart(page.*tracks, page.*band));
+        parts.push_back(std::move(rest));
+        parts.push_back(std::move(repeated));
+    }
+    return parts;
+}
+
+/// The page as it is drawn, nearly always in one piece.
+std::vector<PrintedPage> piecesOf(const PrintedPage& page)
+{
+    const auto below = [](PageBox& repeated, PageBox& rest, int at) {
+        rest.height = rest.bottom() - at;
+        rest.top = at;
+        repeated.height = at - repeated.top;
+    };
+    const auto beside = [](PageBox& repeated, PageBox& rest, int at) {
+        rest.width = rest.right() - at;
+        rest.left = at;
+        repeated.width = at - repeated.left;
+    };
+    std::vector<PrintedPage> pieces =
+        cutBehindRepeated({page}, &PrintedPage::rows, &PrintedPage::rowTracks, below);
+    const bool isCutBeside = page.columns.skipped > 0;
+    pieces = cutBehindRepeated(std::move(pieces), &PrintedPage::columns, &PrintedPage::columnTracks, beside);
+    for (PrintedPage& piece : pieces)
+        piece.repeatedColumns = isCutBeside ? 0 : page.repeatedColumns;
+    return pieces;
+}
 
 } // namespace
 
@@ -46,7 +112,8 @@ void PagePainter::paintTable(QPainter& painter, const PrintedPage& page)
     painter.translate(body.left, body.top);
     painter.scale(m_layout.scale(), m_layout.scale());
     painter.translate(-body.left, -body.top);
-    paintCells(painter, page);
+    for (const PrintedPage& piece : piecesOf(page))
+        paintCells(painter, piece);
     paintHeadings(painter, page);
     if (m_layout.print().border)
         paintBorder(painter, page);
@@ -56,11 +123,16 @@ void PagePainter::paintTable(QPainter& painter, const PrintedPage& page)
 void PagePainter::paintCells(QPainter& painter, const PrintedPage& page)
 {
     const PrintSettings& print = m_layout.print();
-    const bool lastAcross = page.columns.last == page.range.right;
-    const int rightLimit = lastAcross ? m_layout.body().right() : page.cells.right();
+    int lastColumn = page.columnTracks.back().index;
+    while (lastColumn < page.range.right && m_sheet.settings().columns.size(lastColumn + 1) == 0)
+        ++lastColumn;
+    const int rightLimit = lastColumn == page.range.right ? m_layout.body().right() : page.cells.right();
+    // What goes on from the page before has no line at its beginning.
+    const int left = page.cells.left - (page.columnTracks.front().start < page.cells.left ? 0 : lineRoom);
+    const int top = page.cells.top - (page.rowTracks.front().start < page.cells.top ? 0 : lineRoom);
     painter.save();
-    painter.setClipRect(QRect(page.cells.left - lineRoom, page.cells.top - lineRoom,
-                              rightLimit - page.cells.left + 2 * lineRoom, page.cells.height + 2 * lineRoom));
+    painter.setClipRect(
+        QRect(QPoint(left, top), QPoint(rightLimit + lineRoom, page.cells.bottom() + lineRoom)));
     TrackLengths lengths = lengthsInTwips(m_sheet);
     lengths.rows = [this](int first, int last) {
         int sum = 0;
@@ -87,13 +159,18 @@ void PagePainter::paintHeadings(QPainter& painter, const PrintedPage& page)
     if (width > 0 && height > 0)
         paintHeading(painter, {cells.left - width, cells.top - height, width, height}, {});
     if (height > 0)
-        for (const PageTrack& track : page.columnTracks)
+        for (const PageTrack& whole : page.columnTracks) {
+            const PageTrack track =
+                shownPart(whole, page.columns, bandStart(page.columnTracks, page.columns));
             paintHeading(painter, {track.start, cells.top - height, track.size, height},
                          QString::fromUtf8(columnName(track.index)));
+        }
     if (width > 0)
-        for (const PageTrack& track : page.rowTracks)
+        for (const PageTrack& whole : page.rowTracks) {
+            const PageTrack track = shownPart(whole, page.rows, bandStart(page.rowTracks, page.rows));
             paintHeading(painter, {cells.left - width, track.start, width, track.size},
                          QString::number(track.index));
+        }
     painter.setClipping(false);
 }
 

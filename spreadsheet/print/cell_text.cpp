@@ -57,7 +57,9 @@ QString numberSigns(PageText& text, const QFont& font, double width)
 std::vector<TextOverflow> CellTextPainter::draw()
 {
     for (m_row = 0; m_row < m_cells.rows(); ++m_row) {
-        drawTextFromPageBefore();
+        for (m_column = 0; m_column < m_cells.columns(); ++m_column)
+            if (m_column == 0 || m_cells.isBehindRepeated(m_column))
+                drawTextFromPageBefore();
         drawTextFromPageBehind();
         for (m_column = 0; m_column < m_cells.columns(); ++m_column) {
             const PageCell& cell = m_cells.at(m_row, m_column);
@@ -73,7 +75,14 @@ std::vector<TextOverflow> CellTextPainter::draw()
             box.top = span.visible.top;
             box.height = span.visible.height;
         }
+        const bool isCut = box.left < span.visible.left || box.right() > span.visible.right();
+        if (isCut) { // it may end, or begin, beside columns that it does not reach
+            m_painter.save();
+            m_painter.setClipRect(rectOf(span.visible), Qt::IntersectClip);
+        }
         drawCell(span.anchor, box, nullptr);
+        if (isCut)
+            m_painter.restore();
     }
     return std::move(m_overflows);
 }
@@ -200,21 +209,27 @@ CellTextPainter::TextEdges CellTextPainter::edgesOf(const PageCell& cell, const 
     return {box.left + padding + (isRight ? 0 : indent), box.right() - padding - (isRight ? indent : 0)};
 }
 
-/// Draws the rest of a text that began on the page to the left.
+/// Draws the rest of a text that began on the page to the left of a column.
 void CellTextPainter::drawTextFromPageBefore()
 {
-    m_column = 0;
-    if (!m_cells.isBlank(m_row, 0) || m_cells.column(0).index == 1)
+    const PageTrack& column = m_cells.column(m_column);
+    if (!m_cells.isBlank(m_row, m_column) || column.index == 1)
         return;
-    const auto before = m_cells.textBefore(m_row);
+    const auto before = m_cells.textBefore(m_row, m_column);
     if (!before || before->cell.isFigure || before->cell.style->wrap || !turnOf(*before->cell.style).isNone())
         return;
     const double width = widest(m_text.lines(before->cell.text, fontOf(m_text, before->cell.style->font)));
     const TextEdges edges = edgesOf(before->cell, before->box);
-    if (leftOf(before->cell.alignment, edges.left, edges.right, width) + width <= m_cells.column(0).start)
+    if (leftOf(before->cell.alignment, edges.left, edges.right, width) + width <= column.start)
         return;
-    const Room room = roomOf(m_row, 0);
+    const Room room = roomOf(m_row, m_column);
+    m_painter.save();
+    if (m_column > 0) // not over the repeated ones
+        m_painter.setClipRect(
+            QRect(column.start, before->box.top, room.right - column.start, before->box.height),
+            Qt::IntersectClip);
     drawText(before->cell, before->box, &room);
+    m_painter.restore();
 }
 
 /// Draws the beginning of a text that is aligned to the right, or centred, on the page to the right.

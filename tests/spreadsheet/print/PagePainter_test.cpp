@@ -334,6 +334,72 @@ TEST_F(PagePainterTest, ARowHigherThanAPageGoesOn)
     EXPECT_EQ(inked(QRect(0, 0, 800, 98)), 0) << "nothing above the page's area";
 }
 
+/// A dark row and a dark column that go on over three pages each.
+TEST_F(PagePainterTest, RepeatedRowsAndColumnsStayFreeOfWhatGoesOnBelowAndBeside)
+{
+    const auto dark = [](CellStyle& s) {
+        s.background = 0x404040;
+        s.left = s.right = s.top = s.bottom = {LineStyle::thick, 0};
+    };
+    style({1, 2, 6, 2}, dark);
+    style({2, 1, 2, 8}, dark);
+    style({1, 1, 1, 1}, [](CellStyle& s) { s.background = 0xFFFFFF; });
+    for (const CellAddress cell : {CellAddress{1, 1}, {3, 1}, {1, 3}})
+        sheet.setText(cell, "目");
+    sheet.changeSettings([](SheetSettings& settings) {
+        settings.rows.sizes[2] = settings.columns.sizes[2] = 12000;
+        PrintSettings& print = settings.print;
+        print.titleTop = print.titleBottom = print.titleLeft = print.titleRight = 1;
+        print.downFirst = true;
+        print.rowHeadings = print.columnHeadings = print.shadows = true;
+    });
+    draw(2);
+    const QImage begins = image;
+    const int down = 4; // pages: the title alone, the high row on three
+    for (const int goesOn : {3, 4}) {
+        draw(goesOn);
+        const QRect titles(0, 0, 800, 145); // heading and row 1, but for the line below
+        EXPECT_EQ(image.copy(titles), begins.copy(titles)) << "page " << goesOn;
+    }
+    draw(down + 1);
+    const QImage beginsBeside = image;
+    for (const int goesOn : {2 * down + 1, 3 * down + 1}) {
+        draw(goesOn);
+        const QRect titles(0, 0, 215, 800);
+        EXPECT_EQ(image.copy(titles), beginsBeside.copy(titles)) << "page " << goesOn;
+    }
+}
+
+TEST_F(PagePainterTest, SpansAndLongTextsKeepToTheirColumnsBesideRepeatedOnes)
+{
+    sheet.addSpan({6, 2, 7, 3}); // over the page's edge
+    sheet.addSpan({1, 4, 3, 4}); // ends before the second page's columns
+    for (const CellAddress cell : {CellAddress{6, 1}, {6, 2}, {1, 4}})
+        sheet.setText(cell, longText);
+    sheet.setText({9, 9}, ".");
+    sheet.changeSettings([](SheetSettings& settings) {
+        settings.print.titleLeft = 1;
+        settings.print.titleRight = 2;
+        settings.print.columnHeadings = true; // cells begin a row lower
+    });
+    draw(2); // A, B, G, H, I
+    const int below = 1;
+    for (const int column : {1, 2})
+        for (const int row : {1, 2, 3})
+            EXPECT_TRUE(blank(column, row + below)) << column << ' ' << row;
+    EXPECT_FALSE(blank(3, 1 + below)) << "goes on from F";
+    EXPECT_FALSE(blank(1, 4 + below));
+    EXPECT_TRUE(blank(3, 4 + below)) << "the text of A4:C4 ends where C would be";
+}
+
+TEST_F(PagePainterTest, TextsRunOverTheEndOfTheCellsAlsoBesideHiddenColumns)
+{
+    sheet.setText({5, 1}, longText);
+    sheet.changeSettings([](SheetSettings& settings) { settings.columns.hidden[6] = true; });
+    draw();
+    EXPECT_FALSE(blank(6, 1));
+}
+
 TEST_F(PagePainterTest, EdgesShowTheHeavierLineAndErasedOnesNone)
 {
     const auto bottom = [&](int column, LineStyle line) {
