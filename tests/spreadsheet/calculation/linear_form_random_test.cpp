@@ -188,8 +188,14 @@ void fill(CalledBook& book, FormulaDraw& draw)
     }
     EXPECT_FALSE(book.workbook.defineName("净额", "Sheet1!$A$1-Sheet1!$A$3"));
     EXPECT_FALSE(book.sheet().setArrayFormula({7, 1, 7, 12}, "A1:A12*2-B1:B12"));
-    for (std::size_t row = 1; row <= formulasPerBook; ++row)
-        book.type("F" + std::to_string(row), draw.formula(static_cast<int>(draw.choose(4)), row - 1));
+    for (int row = 1; row <= formulasPerBook; ++row) {
+        const std::string formula =
+            draw.formula(static_cast<int>(draw.choose(4)), static_cast<std::size_t>(row) - 1);
+        if (draw.choose(4) == 0)
+            EXPECT_FALSE(book.sheet().setArrayFormula({6, row, 6, row}, formula));
+        else
+            book.type("F" + std::to_string(row), formula);
+    }
     book.workbook.recalculate();
 }
 
@@ -220,7 +226,7 @@ double roundingOf(const LinearForm& form)
 
 struct Figures {
     std::vector<LinearForm> forms;
-    std::vector<double> values;
+    std::vector<double> values; ///< of an error, none
     /// By formula: whether a change has agreed with the coefficient of the call in question, or, of one that
     /// is not linear, with what it says it is made of.
     std::vector<bool> agreed;
@@ -237,7 +243,8 @@ void compare(const CalledBook& book, const PerturbedBook& copy, const PerturbedB
         });
         const double coefficient = term == form.terms.end() ? 0 : term->coefficient;
         const Value value = copy.value({1, 6, row});
-        const double moved = value.isNumber() ? value.number() - figures.values[at] : NAN;
+        const bool staysError = value.isError() && std::isnan(figures.values[at]);
+        const double moved = staysError ? 0 : value.isNumber() ? value.number() - figures.values[at] : NAN;
         const double size = std::abs(change);
         const double rounded = size < 1e3 * roundingOf(form) ? 1e-6 * size : roundingOf(form);
         const double tolerance = 1e-3 * toleranceOf(form, book) + 1e-6 * std::abs(coefficient * change) +
@@ -292,7 +299,7 @@ TEST(LinearFormOracle, CoefficientsAreWhatAChangedAnswerShows)
             const CallPlace cell{1, 6, row};
             const Value value = book.sheet().value({6, row});
             figures.forms.push_back(book.form(cell));
-            figures.values.push_back(value.isNumber() ? value.number() : 0);
+            figures.values.push_back(value.isNumber() ? value.number() : NAN);
             if (!figures.forms.back().isLinear)
                 continue;
             ++linear;
