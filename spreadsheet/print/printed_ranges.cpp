@@ -25,6 +25,29 @@ CellRange withSpans(CellRange area, const std::vector<CellRange>& spans)
     return whole;
 }
 
+CellRange usedArea(const Sheet& sheet)
+{
+    const CellAddress last = lastShownCell(sheet);
+    return withSpans({1, 1, last.column, last.row}, sheet.settings().spans);
+}
+
+/// Whole columns and rows are chosen by their headings, without a thought of all that is empty in them.
+void endWithWhatShows(std::vector<CellRange>& ranges, const Sheet& sheet)
+{
+    const SheetSettings& settings = sheet.settings();
+    std::optional<CellRange> used;
+    for (CellRange& range : ranges) {
+        const bool wholeColumns = range.top == 1 && range.bottom == settings.rowCount;
+        const bool wholeRows = range.left == 1 && range.right == settings.columnCount;
+        if (!used && (wholeColumns || wholeRows))
+            used = usedArea(sheet);
+        if (wholeColumns)
+            range.bottom = std::clamp(used->bottom, 1, range.bottom);
+        if (wholeRows)
+            range.right = std::clamp(used->right, 1, range.right);
+    }
+}
+
 /// What of `range` lies outside `other`, which it intersects: above, left, right, below.
 std::vector<CellRange> restOf(const CellRange& range, const CellRange& other)
 {
@@ -143,15 +166,15 @@ std::vector<CellRange> printedRanges(const Sheet& sheet, const PrintSettings& pr
     const SheetSettings& settings = sheet.settings();
     if (asked.empty())
         asked = print.area;
-    if (asked.empty() && print.usedAreaOnly) {
-        const CellAddress last = lastShownCell(sheet);
-        asked = {withSpans({1, 1, last.column, last.row}, settings.spans)};
-    } else if (asked.empty()) {
+    if (asked.empty() && print.usedAreaOnly)
+        asked = {usedArea(sheet)};
+    else if (asked.empty())
         asked = {{1, 1, settings.columnCount, settings.rowCount}};
-    }
     for (CellRange& range : asked)
         range = {std::max(range.left, 1), std::max(range.top, 1), std::min(range.right, settings.columnCount),
                  std::min(range.bottom, settings.rowCount)};
+    if (print.usedAreaOnly)
+        endWithWhatShows(asked, sheet);
     std::erase_if(asked, [](const CellRange& range) { return range.columns() <= 0 || range.rows() <= 0; });
     return withoutOverlaps(std::move(asked));
 }

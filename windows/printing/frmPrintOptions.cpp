@@ -170,8 +170,12 @@ void frmPrintOptions::buildPaper(const PrintSettings& print, QGridLayout& places
         cboPaper->addItem(QString::fromUtf8(all[i].caption), static_cast<int>(i));
     cboPaper->addItem(QStringLiteral("自定义"), ownPaper);
     constexpr double least = 20, most = 2000;
-    txtPaperWidth = millimetreField("txtPaperWidth", print.paperWidth, least, most);
-    txtPaperHeight = millimetreField("txtPaperHeight", print.paperHeight, least, most);
+    const spreadsheet::PageRequest usual; // an own size begins with its paper
+    const bool isOwn = print.paperWidth > 0;
+    txtPaperWidth =
+        millimetreField("txtPaperWidth", isOwn ? print.paperWidth : usual.paperWidth, least, most);
+    txtPaperHeight =
+        millimetreField("txtPaperHeight", isOwn ? print.paperHeight : usual.paperHeight, least, most);
     form->addRow(QStringLiteral("纸张:"), cboPaper);
     form->addRow(QStringLiteral("宽:"), txtPaperWidth);
     form->addRow(QStringLiteral("高:"), txtPaperHeight);

@@ -70,6 +70,34 @@ TEST_F(PageLayoutTest, TheRangeIsWhatWasAskedFor)
     EXPECT_EQ(PageLayout(sheet, smallPaper).pageCount(), 25 * 46) << "50 columns, 500 rows";
 }
 
+/// 50 columns, 500 rows; data to C3, a span to C4.
+TEST_F(PageLayoutTest, WholeColumnsAndRowsEndWithWhatShows)
+{
+    fill(3, 3);
+    sheet.addSpan({1, 3, 3, 4});
+    const struct {
+        CellRange range;
+        CellAddress last;
+    } cases[] = {
+        {{2, 1, 3, 500}, {3, 4}}, {{1, 2, 50, 9}, {3, 9}},    {{1, 1, 50, 500}, {3, 4}},
+        {{5, 1, 6, 500}, {6, 4}}, {{2, 2, 2, 500}, {2, 500}}, {{2, 1, 2, 499}, {2, 499}},
+        {{2, 3, 50, 3}, {50, 3}},
+    };
+    for (const auto& [range, last] : cases)
+        for (const bool isArea : {false, true}) {
+            PrintSettings settings;
+            if (isArea)
+                settings.area = {range};
+            const auto printed =
+                printedRanges(sheet, settings, isArea ? std::vector<CellRange>() : std::vector{range});
+            EXPECT_EQ(printed, (std::vector<CellRange>{{range.left, range.top, last.column, last.row}}))
+                << cellName({range.left, range.top});
+            settings.usedAreaOnly = false;
+            EXPECT_EQ(printedRanges(sheet, settings, {range}), std::vector{range})
+                << cellName({range.left, range.top});
+        }
+}
+
 TEST_F(PageLayoutTest, ASheetWithoutDataHasOneEmptyPage)
 {
     const PageLayout layout(sheet, smallPaper);

@@ -108,6 +108,17 @@ TEST_F(PrintOptions, EverySetUpIsTakenAndShownAgain)
         EXPECT_EQ(grid.print(sheet), spreadsheet::PrintSettings());
 }
 
+TEST_F(PrintOptions, AnOwnPaperBeginsAsLargeAsTheUsualOne)
+{
+    frmPrintOptions window(grid);
+    show(window);
+    control<QComboBox>(window, "cboPaper").setCurrentText("自定义");
+    click(window, "cmdXPOK");
+    const spreadsheet::PageRequest usual;
+    EXPECT_NEAR(grid.print().paperWidth, usual.paperWidth, 3); // the field has tenths of a millimetre
+    EXPECT_NEAR(grid.print().paperHeight, usual.paperHeight, 3);
+}
+
 TEST_F(PrintOptions, WhatCannotBeIsRefused)
 {
     const struct {
