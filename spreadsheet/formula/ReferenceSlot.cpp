@@ -33,9 +33,25 @@ void appendRow(AxisPoint point, int base, std::string& text)
     text.append(digits.data(), end.ptr);
 }
 
+/// "R1C1", "RC", "c2": a reference in a notation that other programs know.
+bool isCellByNumbers(std::string_view name)
+{
+    const auto take = [&name](char letter) {
+        if (name.empty() || ascii::upper(name.front()) != letter)
+            return;
+        do
+            name.remove_prefix(1);
+        while (!name.empty() && ascii::isDigit(name.front()));
+    };
+    take('R');
+    take('C');
+    return name.empty();
+}
+
 bool needsQuotes(std::string_view name)
 {
-    if (name.empty() || ascii::isDigit(name.front()) || parseCellName(name))
+    if (name.empty() || ascii::isDigit(name.front()) || name.front() == '.' || parseCellName(name) ||
+        isCellByNumbers(name) || ascii::equalFolded(name, "TRUE") || ascii::equalFolded(name, "FALSE"))
         return true;
     for (const std::string_view sign : {"（", "）", "，", "；", "\u3000"}) { // formulas take them as signs
         if (name.find(sign) != std::string_view::npos)

@@ -1,3 +1,4 @@
+#include "spreadsheet/formula/ReferenceSlot.h"
 #include "tests/spreadsheet/functions/FormulaSheet.h"
 
 using namespace spreadsheet;
@@ -82,17 +83,30 @@ TEST(Sheets, MoveToAnyPlaceThereIs)
     }
 }
 
-TEST(Sheets, NameWithWideSignsStaysReadableInFormulas)
+/// What is written for a sheet's new name reads as the same reference again.
+TEST(Sheets, NamesStayReadableInFormulas)
 {
-    Workbook workbook;
-    demand(workbook.addSheet("二月"));
-    Sheet& sheet = workbook.sheet(1);
-    ASSERT_FALSE(sheet.setFormula({1, 1}, "二月!B2"));
-    for (const char* name : {"表（1）", "一，二", "三　四", "五；六"}) {
-        ASSERT_FALSE(workbook.renameSheet(2, name)) << name;
-        EXPECT_EQ(sheet.formula({1, 1}), "'" + std::string(name) + "'!B2");
-        EXPECT_FALSE(sheet.setFormula({1, 2}, sheet.formula({1, 1}))) << name;
+    const char* names[] = {"表（1）", "一，二", "五；六", "1月",  "2025", "A1",     "RC",    "TRUE", "a b",
+                           "a!b",     "a'b",    "=a",     "SUM",  "-1",   "1.5",    ".",     "..",   ".5",
+                           ".a",      "._",     ".月",    "#N/A", "a:b",  "三　四", "\"a\"", "😀"};
+    for (const char* name : names) {
+        Workbook workbook;
+        demand(workbook.addSheet("二月"));
+        workbook.sheet(2).setNumber({2, 2}, 7);
+        Sheet& sheet = workbook.sheet(1);
+        demand(sheet.setFormula({1, 1}, "二月!B2+SUM(二月!A:B)"));
+        if (workbook.renameSheet(2, name))
+            continue; // refused
+        demand(sheet.setFormula({1, 2}, sheet.formula({1, 1})));
+        workbook.recalculate();
+        for (const int row : {1, 2})
+            EXPECT_EQ(valueText(sheet.value({1, row})), "14") << sheet.formula({1, row});
     }
+    for (const char* name :
+         {"R", "c", "RC", "r1c1", "R12", "C3", "true"}) // cells or values, for other programs
+        EXPECT_EQ(sheetPrefix(name), "'" + std::string(name) + "'!");
+    for (const char* name : {"RCR", "R1C1x", "现金R1", "CR"})
+        EXPECT_EQ(sheetPrefix(name), std::string(name) + "!");
 }
 
 TEST(Sheets, NameHas31CharactersAsOtherSpreadsheetsCount)
