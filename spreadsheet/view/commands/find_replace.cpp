@@ -114,6 +114,12 @@ std::optional<CellAddress> lastBefore(const SheetSearch& search, CellAddress fro
     return std::nullopt;
 }
 
+bool readsAsDate(std::string_view text)
+{
+    const auto type = typedConstant(text).type;
+    return type == CellType::date || type == CellType::time;
+}
+
 /// Why the cell keeps what it has, or that it was replaced.
 bool replaceCell(Workbook& workbook, Sheet& sheet, CellAddress cell, const TextSearch& search,
                  std::string_view replacement)
@@ -132,7 +138,8 @@ bool replaceCell(Workbook& workbook, Sheet& sheet, CellAddress cell, const TextS
     const auto text = search.replaced(whole, replacement);
     if (!text)
         return false;
-    if (value.isText() && typedConstant(*text).value.isText() && !text->starts_with('=')) {
+    const bool staysText = typedConstant(*text).value.isText() || (readsAsDate(whole) && readsAsDate(*text));
+    if (value.isText() && staysText && !text->starts_with('=')) {
         sheet.setText(cell, *text);
         return true;
     }

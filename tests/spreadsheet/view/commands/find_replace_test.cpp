@@ -100,6 +100,31 @@ TEST_F(FindReplace, ReplacesInOneStepAndKeepsWhatWouldBreak)
     EXPECT_EQ(sheet.formula({3, 2}), "A3*3");
 }
 
+/// A text becomes a figure where what hindered it is taken away; a date that somebody wrote as a text stays
+/// one.
+TEST_F(FindReplace, TextsOfDatesStayAsTheyAreWritten)
+{
+    const struct {
+        const char *text, *what, *by;
+        std::string becomes;
+        bool isText;
+    } cases[] = {
+        {"2025年12月31日", "2025", "2024", "2024年12月31日", true},
+        {"9:30", "9", "10", "10:30", true},
+        {"12元", "元", "", "12", false},
+        {"'12", "2", "3", "13", false},
+        {"2025/12/31止", "止", "", "2025-12-31", false},
+    };
+    for (const auto& [text, what, by, becomes, isText] : cases) {
+        const CellAddress cell{5, 1};
+        sheet.setStyle(cell, {});
+        sheet.setText(cell, *text == '\'' ? text + 1 : text);
+        EXPECT_EQ(replaceIn(workbook, sheet, {cell}, {what}, by).replaced, 1);
+        EXPECT_EQ(sheet.displayText(cell), becomes);
+        EXPECT_EQ(sheet.value(cell).isText(), isText) << text;
+    }
+}
+
 TEST_F(FindReplace, NumbersKeepTheDigitsThatTheirCellsDoNotShow)
 {
     CellStyle thousands, rounded, percent;
