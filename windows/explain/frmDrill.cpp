@@ -389,7 +389,9 @@ void frmDrill::exportTree()
     try {
         spreadsheet::Workbook sheet;
         writeDrillSheet(sheet, m_figure->head(), m_figure->root());
-        spreadsheet::saveWorkbook(sheet, *file, *spreadsheet::fileFormatOfName("a.xlsx"));
+        const auto* const named = spreadsheet::fileFormatOfName(*file);
+        const auto* const usual = spreadsheet::fileFormatOfName("a.xlsx");
+        spreadsheet::saveWorkbook(sheet, *file, named && named->isStrict ? *named : *usual);
         m_status->setText(QStringLiteral("已引出：%1").arg(QString::fromStdString(*file)));
     } catch (const std::exception& error) {
         m_status->setText(

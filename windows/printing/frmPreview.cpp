@@ -22,6 +22,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QSplitter>
 
@@ -72,11 +73,14 @@ void frmPreview::refresh()
 
 void frmPreview::showModally(PrintedGrid& grid)
 {
+    const QPointer<QWidget> beneath = QApplication::activeWindow();
     frmPreview& window = shared(grid);
     window.m_shownModally = true;
     window.exec();
     window.m_shownModally = false;
     discard();
+    if (beneath && beneath->isVisible())
+        beneath->activateWindow(); // it owns nothing, so a window manager chooses freely who comes next
 }
 
 frmPreview::frmPreview(PrintedGrid& grid)

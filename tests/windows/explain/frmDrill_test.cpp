@@ -4,6 +4,7 @@
 #include "explain/drill_sheet.h"
 #include "platform/services/FileDialog.h"
 #include "platform/toolkit/QtDialogs.h"
+#include "platform/toolkit/QtFileDialog.h"
 #include "spreadsheet/files/FileFormats.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "tests/windows/designer/DesignerTest.h"
@@ -13,6 +14,7 @@
 
 #include <gmock/gmock.h>
 #include <QComboBox>
+#include <QFile>
 #include <QLabel>
 #include <QMessageBox>
 #include <QProcess>
@@ -274,7 +276,6 @@ TEST_F(Drill, GoesOutAsAnExcelFile)
     moveTo(1, 2);
     trigger("MenuDrill");
     QTest::keyClick(&tree(), Qt::Key_Right);
-    const std::string file = folder.filePath("联查.xlsx").toStdString();
     struct Chosen : FileDialog {
         explicit Chosen(std::string chosen)
             : path(std::move(chosen))
@@ -283,16 +284,55 @@ TEST_F(Drill, GoesOutAsAnExcelFile)
         std::optional<std::string> chooseToOpen(const FileDialogSettings&) override { return {}; }
         std::optional<std::string> chooseToSave(const FileDialogSettings&) override { return path; }
         std::string path;
-    } chosen(file);
-    const FileDialogInUse inUse(chosen);
+    };
+    for (const auto& [name, begins] : {std::pair("联查.xlsx", "PK"), std::pair("联查.xls", "\xD0\xCF")}) {
+        Chosen chosen(folder.filePath(name).toStdString());
+        const FileDialogInUse inUse(chosen);
+        control<QPushButton>(*drill(), "cmdExport").click();
+        spreadsheet::Workbook read;
+        spreadsheet::loadWorkbook(read, chosen.path);
+        std::string items;
+        for (int row = 1; row <= 13; ++row)
+            items += read.sheet(1).textByType({2, row}) + "|";
+        EXPECT_THAT(items, HasSubstr("1001 库存现金|期初余额|借方发生额|贷方发生额|合计|单元格|差额|"));
+        EXPECT_EQ(read.sheet(1).displayText({2, 8}), "　期初余额") << "a row's level shows";
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_TRUE(file.readAll().startsWith(begins)) << "other programs mind the ending of " << name;
+    }
+}
+
+/// A window manager gives the focus back to the owner of a dialog. Were that the report, the next keys would
+/// go into its cells.
+TEST_F(Drill, OwnsTheDialogsThatItOpensOverAModalReport)
+{
+    storeReport();
+    gRunMode = true;
+    window = std::make_unique<frmEditor>(sharedContext);
+    window->setWindowModality(Qt::ApplicationModal); // as it is within a host's call
+    show(*window);
+    QApplication::processEvents();
+    QApplication::processEvents();
+    moveTo(1, 2);
+    trigger("MenuDrill");
+    const auto isActive = [this] { return QApplication::activeWindow() == drill(); };
+    drill()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor(isActive));
+    QtFileDialog real;
+    const FileDialogInUse inUse(real);
+    whenModal("fileDialog", [this](QWidget& dialog) {
+        EXPECT_EQ(dialog.parentWidget(), drill());
+        dialog.close();
+    });
     control<QPushButton>(*drill(), "cmdExport").click();
-    spreadsheet::Workbook read;
-    spreadsheet::loadWorkbook(read, file);
-    std::string items;
-    for (int row = 1; row <= 13; ++row)
-        items += read.sheet(1).textByType({2, row}) + "|";
-    EXPECT_THAT(items, HasSubstr("1001 库存现金|期初余额|借方发生额|贷方发生额|合计|单元格|差额|"));
-    EXPECT_EQ(read.sheet(1).displayText({2, 8}), "　期初余额") << "a row's level shows";
+    drill()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor(isActive));
+    whenModal("frmPreview", [this](QWidget& preview) {
+        preview.close();
+        window->activateWindow(); // as some window managers would
+    });
+    control<QPushButton>(*drill(), "cmdPrint").click();
+    EXPECT_TRUE(QTest::qWaitFor(isActive, 500));
 }
 
 TEST_F(Drill, HasRoomForAllRowsAndSaysWhichPageOfVouchersItShows)
