@@ -177,6 +177,23 @@ TEST(CallState, GoesOverReferencesToOtherReports)
         EXPECT_EQ(stateName(states[i].state), stateName(expected[i])) << references[i] << states[i].reason;
 }
 
+TEST(CallState, ReferencesToNoCellSayWhy)
+{
+    const test::TestLedger ledger;
+    ledger.addReport(3, "底稿", spreadsheet::saveContent(Workbook()));
+    const std::pair<std::string, std::string> cases[] = {
+        {"REF_F(\"底稿\",\"A1\",\"九\")", "报表“底稿”没有第“九”个标签"},
+        {"REF_F(\"底稿\",\"A1\",\"1\")", "报表“底稿”的单元格A1为空"},
+        {"REF_F(\"没有的\",\"A1\",\"1\")", "没有的"},
+    };
+    std::vector<std::string> references;
+    for (const auto& [reference, reason] : cases)
+        references.push_back(reference);
+    const std::vector<Called> found = called(references);
+    for (std::size_t i = 0; i < std::size(cases); ++i)
+        EXPECT_THAT(found[i].reason, HasSubstr(cases[i].second)) << references[i];
+}
+
 TEST(CallState, SheetsChooseWhatNothingsShow)
 {
     const test::TestLedger ledger;

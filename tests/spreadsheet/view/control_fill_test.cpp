@@ -153,10 +153,10 @@ TEST_F(FillByUser, ADoubleClickOnTheHandleFillsBesideTheTable)
     enter("H1", {"1"});
     doubleClick("H1", "H1");
     EXPECT_EQ(shown("H1", "H3"), "1;;") << "nothing beside it";
-    enter("B6", {"x"});
-    sheet().clearContents({2, 2, 2, 3});
+    enter("B3", {"x"});
+    sheet().clearContents({2, 2, 2, 2});
     doubleClick("B1", "B1");
-    EXPECT_EQ(shown("B6"), "x") << "nothing that is there is overwritten";
+    EXPECT_EQ(shown("B1", "B3"), "1;2;x") << "nothing that is there is overwritten";
 }
 
 TEST_F(FillByUser, KeysFillDownAndRight)

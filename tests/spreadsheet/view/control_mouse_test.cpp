@@ -378,6 +378,17 @@ TEST_F(ControlTest, TheMouseReachesCellsOnBothSidesOfFrozenEdges)
     EXPECT_EQ(sheet().settings().frozenRows, 0) << "again: they are free";
 }
 
+TEST_F(ControlTest, HeadingsGiveACellOfAFrozenLineTheCursor)
+{
+    control.cursor().setActiveCell(2, 2);
+    control.commands().freezeHere(); // row 1 and column A
+    turnWheel(control, {0, -120 * 4});
+    click(columnHeading("B1"));
+    EXPECT_EQ(cursor(), "B1 in B1:B100");
+    click(rowHeading("A17"));
+    EXPECT_EQ(cursor(), "A17 in A17:AD17");
+}
+
 TEST_F(ControlTest, ClicksHitTheirCellsAtAnyZoom)
 {
     put("C3", "x");
