@@ -130,15 +130,52 @@ std::size_t openBrackets(std::string_view formula)
     return quote == 0 ? open : 0;
 }
 
-/// Enters a typed formula; if that is refused, with its brackets closed. What is told is told of what was
-/// typed.
+/// A formula whose texts stand in the quotation marks that Chinese input methods give, in plain ones. What
+/// stands in plain ones already stays as it is, as does a pair with plain ones in it, or around a sheet's
+/// name.
+std::string withPlainQuotes(std::string_view formula)
+{
+    constexpr std::string_view open = "“", close = "”";
+    std::string plain;
+    char quote = 0;
+    while (!formula.empty()) {
+        if (quote == 0 && formula.starts_with(open)) {
+            const std::size_t end = formula.find(close);
+            const std::string_view inside = formula.substr(open.size(), end - open.size());
+            const std::string_view rest = formula.substr(std::min(end, formula.size()));
+            if (end != formula.npos && inside.find('"') == inside.npos && !rest.starts_with("”!")) {
+                plain.append("\"").append(inside).append("\"");
+                formula.remove_prefix(end + close.size());
+                continue;
+            }
+        }
+        const char c = formula.front();
+        if (c == quote)
+            quote = 0;
+        else if (quote == 0 && (c == '"' || c == '\''))
+            quote = c;
+        plain += c;
+        formula.remove_prefix(1);
+    }
+    return plain;
+}
+
+/// Enters a typed formula; if that is refused, with its brackets closed.
 template <class Enter>
-Refusal enterClosed(std::string_view text, Enter enter)
+Refusal enterBracketed(std::string_view text, Enter enter)
 {
     Refusal problem = enter(text);
     const std::size_t open = problem ? openBrackets(text) : 0;
     const bool isMended = open > 0 && !enter(std::string(text).append(open, ')'));
     return isMended ? Refusal() : problem;
+}
+
+/// Enters a typed formula, mended where that is needed. What is told is told of what was typed.
+template <class Enter>
+Refusal enterClosed(std::string_view text, Enter enter)
+{
+    const std::string plain = withPlainQuotes(text);
+    return plain != text && !enterBracketed(plain, enter) ? Refusal() : enterBracketed(text, enter);
 }
 
 } // namespace

@@ -160,6 +160,10 @@ TEST(TypedText, MeansWhatItsWriterMeans)
         {"Acct(\"1\")", cell, "9", "Acct(\"1\")"},
         {"合计(不含税)", cell, "合计(不含税)", ""},
         {"=", cell, "=", ""},
+        {"=IF(A1>1,“是”,“否”)", cell, "是", "IF(A1>1,\"是\",\"否\")"},
+        {"=IF(A1>1,“是”", box, "是", "IF(A1>1,\"是\")"},
+        {"=“甲”&\"“乙”\"&“”", cell, "甲“乙”", "\"甲\"&\"“乙”\"&\"\""},
+        {"=“甲”", TypedInto::nothing, "#NAME?", "“甲”"},
     };
     for (const Case& c : cases) {
         Workbook workbook;
