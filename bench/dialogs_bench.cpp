@@ -8,6 +8,7 @@
 #include "platform/database/Connection.h"
 #include "platform/list_grid/ListGrid.h"
 #include "state/shared_state.h"
+#include "windows/designer/EditorFormulas.h"
 #include "windows/designer/frmEditor.h"
 #include "windows/formulas/FormulaCell.h"
 #include "windows/formulas/frmCoverage.h"
@@ -87,7 +88,8 @@ void timeCoverage(BenchTable& table)
     designer.show();
     std::unique_ptr<frmCoverage> window;
     const auto open = [&] {
-        window = std::make_unique<frmCoverage>(sharedContext, designer.fps1());
+        window = std::make_unique<frmCoverage>(sharedContext, designer.fps1(),
+                                               designer.formulas().evaluation().record());
         window->show();
         window->check();
         QCoreApplication::processEvents();

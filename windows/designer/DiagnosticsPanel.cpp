@@ -69,15 +69,19 @@ DiagnosticsPanel::DiagnosticsPanel(QWidget* parent)
 void DiagnosticsPanel::setDiagnostics(const std::vector<CellDiagnostic>& diagnostics,
                                       const spreadsheet::Workbook& workbook)
 {
-    if (m_showsDiagnostics && diagnostics == m_diagnostics && m_list->rowCount() > 1)
-        return;
+    QStringList lines; // a sheet may have got another name
+    for (const CellDiagnostic& diagnostic : diagnostics)
+        lines.append(placeName(diagnostic.place, workbook) + '\t' + oneField(diagnostic.function) + '\t' +
+                     oneField(diagnostic.reason));
     m_diagnostics = diagnostics;
+    if (m_showsDiagnostics && lines == m_lines && m_list->rowCount() > 1)
+        return;
+    m_lines = lines;
     m_showsDiagnostics = true;
     m_list->setColumns({{"单元格", 1800}, {"取数函数", 1300}, {"原因", 8000}});
     m_list->clearRows();
-    for (const CellDiagnostic& diagnostic : diagnostics)
-        m_list->addRow(placeName(diagnostic.place, workbook) + '\t' + oneField(diagnostic.function) + '\t' +
-                       oneField(diagnostic.reason));
+    for (const QString& line : lines)
+        m_list->addRow(line);
     showHeading(QStringLiteral("取数诊断"), diagnostics.size());
     setVisible(!diagnostics.empty() && !m_isClosed);
 }

@@ -1,6 +1,7 @@
 #pragma once
 #include "fetch/diagnostics.h"
 
+#include <QStringList>
 #include <QWidget>
 
 #include <cstddef>
@@ -32,6 +33,7 @@ public:
     void setDiagnostics(const std::vector<CellDiagnostic>& diagnostics,
                         const spreadsheet::Workbook& workbook);
 
+    bool showsDiagnostics() const { return m_showsDiagnostics; }
     void open(); ///< by hand: also what was closed
 
     /// Shows sentences instead, until the next recalculation.
@@ -50,7 +52,8 @@ private:
 
     QLabel* m_heading;
     ListGrid* m_list;
-    std::vector<CellDiagnostic> m_diagnostics; ///< the lines on show
+    std::vector<CellDiagnostic> m_diagnostics;
+    QStringList m_lines; ///< their texts on show
     bool m_showsDiagnostics = true;
     bool m_isClosed = false;  ///< by the user
     bool m_hasOpened = false; ///< from then on its height is the user's matter

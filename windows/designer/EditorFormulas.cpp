@@ -54,6 +54,10 @@ EditorFormulas::EditorFormulas(ReportContext& context, spreadsheet::SpreadsheetC
         [this](int sheetId, spreadsheet::CellAddress cell) {
             return markOn(m_evaluation.record(), {sheetId, cell});
         });
+    connect(&grid, &spreadsheet::SpreadsheetControl::sheetsChanged, this, [this] {
+        if (m_diagnostics.showsDiagnostics()) // their cells lie on sheets of other names or places
+            tellFetches();
+    });
     connect(&failedFetches, &FailedFetchBar::clicked, this, &EditorFormulas::goToFailedFetch);
     connect(&diagnostics, &DiagnosticsPanel::chosen, this, &EditorFormulas::goTo);
     connect(&status, &EditorStatus::diagnosticsWanted, this, &EditorFormulas::showDiagnostics);

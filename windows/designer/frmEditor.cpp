@@ -224,7 +224,7 @@ void frmEditor::showCoverage()
 {
     auto* window = findChild<frmCoverage*>();
     if (!window) {
-        window = new frmCoverage(m_context, *m_fps1, this);
+        window = new frmCoverage(m_context, *m_fps1, m_formulas->evaluation().record(), this);
         window->setAttribute(Qt::WA_DeleteOnClose);
     }
     window->show();

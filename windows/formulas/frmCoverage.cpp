@@ -65,10 +65,12 @@ bool isFault(const AccountCoverage& account)
 
 } // namespace
 
-frmCoverage::frmCoverage(ReportContext& context, spreadsheet::SpreadsheetControl& grid, QWidget* parent)
+frmCoverage::frmCoverage(ReportContext& context, spreadsheet::SpreadsheetControl& grid,
+                         const RunRecord& record, QWidget* parent)
     : QDialog(parent)
     , m_context(context)
     , m_grid(grid)
+    , m_record(record)
     , m_cboMeasure(new QComboBox)
     , m_chkFaults(new QCheckBox(QStringLiteral("只列遗漏、重复和仅取部分项目的科目")))
     , m_summary(new QLabel)
@@ -156,12 +158,14 @@ bool frmCoverage::readSheet()
         chosen < 0 ? LedgerArguments() : m_measures[static_cast<std::size_t>(chosen)].arguments;
     m_measures.clear();
     m_cboMeasure->clear();
-    m_sheetId = m_grid.cells().shownSheet().id();
     std::optional<SheetCalls> found;
     guardedEvaluation(m_context.database, [&] {
         found = acctCallsOf(m_grid.cells().workbook(), m_grid.cells().activeSheet(), m_context.database);
     });
     m_sheet = found.value_or(SheetCalls());
+    m_places.clear();
+    for (const CellCall& call : m_sheet.calls)
+        m_places.push_back(m_record.followed({m_grid.cells().activeSheet(), call.column, call.row}));
     if (!found)
         return false;
     auto measures = measuresOf(m_sheet.calls);
@@ -262,15 +266,17 @@ void frmCoverage::goToCells()
     if (line < 1)
         return;
     const std::vector<std::size_t>& calls = m_accounts[m_listed[static_cast<std::size_t>(line - 1)]].calls;
-    const int sheet = m_grid.cells().workbook().sheetIndexOfId(m_sheetId);
-    if (calls.empty() || sheet == 0 || !m_grid.entry().commit())
+    if (calls.empty() || !m_grid.entry().commit())
         return;
     m_visits = line == m_visitedLine ? m_visits + 1 : 0;
     m_visitedLine = line;
-    const CellCall& call = m_sheet.calls[calls[m_visits % calls.size()]];
+    const std::optional<spreadsheet::SheetCell>& place = *m_places[calls[m_visits % calls.size()]];
+    const int sheet = place ? m_grid.cells().workbook().sheetIndexOfId(place->sheetId) : 0;
+    if (sheet == 0)
+        return; // it is gone
     if (sheet != m_grid.cells().activeSheet())
         m_grid.cells().setActiveSheet(sheet);
-    m_grid.cursor().moveTo({call.column, call.row});
+    m_grid.cursor().moveTo(place->cell);
 }
 
 } // namespace selfreport

@@ -1,5 +1,6 @@
 #pragma once
 #include "fetch/coverage_calls.h"
+#include "fetch/RunRecord.h"
 
 #include <QDialog>
 #include <vector>
@@ -26,7 +27,9 @@ class frmCoverage : public QDialog {
 
 public:
     /// @param context  whose database is asked
-    frmCoverage(ReportContext& context, spreadsheet::SpreadsheetControl& grid, QWidget* parent = nullptr);
+    /// @param record   of the grid's workbook, which knows where cells have come to lie
+    frmCoverage(ReportContext& context, spreadsheet::SpreadsheetControl& grid, const RunRecord& record,
+                QWidget* parent = nullptr);
 
     /// Looks at the sheet as it is now. A failure is told and empties the list.
     void check();
@@ -45,13 +48,14 @@ private:
 
     ReportContext& m_context;
     spreadsheet::SpreadsheetControl& m_grid;
+    const RunRecord& m_record;
     ArgumentBoxes* m_txt;
     QComboBox* m_cboMeasure;
     QCheckBox* m_chkFaults;
     QLabel* m_summary;
     ListGrid* m_vsf1;
-    int m_sheetId = 0; ///< that was looked at
-    SheetCalls m_sheet;
+    SheetCalls m_sheet;                             ///< as it was looked at
+    std::vector<RunRecord::FollowedPlace> m_places; ///< of its calls
     std::vector<CoverageMeasure> m_measures;
     std::vector<AccountCoverage> m_accounts;
     std::vector<std::size_t> m_listed; ///< the account of each line

@@ -116,7 +116,9 @@ struct EveryWindow::Ground {
 
     std::unique_ptr<QWidget> coverage()
     {
-        auto window = std::make_unique<frmCoverage>(sharedContext, openReport().fps1());
+        frmEditor& designer = openReport();
+        auto window = std::make_unique<frmCoverage>(sharedContext, designer.fps1(),
+                                                    designer.formulas().evaluation().record());
         window->check();
         return window;
     }

@@ -86,6 +86,16 @@ TEST_F(DesignerStatus, DiagnosticsOpenOnceAndSayHowMany)
     button.click();
     EXPECT_TRUE(panel.isVisible());
     EXPECT_EQ(control<QLabel>(*window, "lblDiagnostics").text(), "取数诊断：2 处");
+    auto* list = panel.findChild<ListGrid*>();
+    grid().commands().renameSheet(1, "月报");
+    EXPECT_EQ(list->text(2, 0).toStdString(), "月报!A2");
+    grid().commands().addSheet();
+    grid().commands().moveSheet(1, 2);
+    EXPECT_EQ(list->text(2, 0).toStdString(), "月报!A2");
+    list->setRow(2);
+    Q_EMIT list->dblClick();
+    EXPECT_EQ(grid().cells().shownSheet().name(), "月报");
+    EXPECT_EQ(grid().cursor().activeCell().row, 2);
     grid().cursor().select({1, 1, 1, 2});
     trigger("MenuClear");
     EXPECT_FALSE(panel.isVisible() || button.isVisible());

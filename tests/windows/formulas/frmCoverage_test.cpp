@@ -93,6 +93,26 @@ TEST_F(CoverageWindow, ShowsTheDoubleAndTheGapAndGoesToTheCells)
     EXPECT_TRUE(ledger.boxes.said.empty());
 }
 
+/// It stays open while cells are mended: lines lead to where their cells have come to lie.
+TEST_F(CoverageWindow, LinesFollowTheirCells)
+{
+    QWidget& window = open();
+    grid().cursor().moveTo({1, 1});
+    control<QAction>(*designer, "MenuInsertRow").trigger();
+    clickLine(window, 1);
+    EXPECT_EQ(cell(), "B3");
+    grid().cursor().moveTo({1, 5});
+    control<QAction>(*designer, "MenuDeleteRows").trigger();
+    clickLine(window, 1);
+    EXPECT_EQ(cell(), "A5") << "the other one is gone";
+    clickLine(window, 1);
+    EXPECT_EQ(cell(), "B3");
+    control<QAction>(*designer, "MenuUndo").trigger();
+    control<QAction>(*designer, "MenuUndo").trigger();
+    clickLine(window, 2);
+    EXPECT_EQ(cell(), "B5");
+}
+
 /// What was pasted into an account's name must not push its amount into another column.
 TEST_F(CoverageWindow, NamesStayInTheirColumn)
 {
