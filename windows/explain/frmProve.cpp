@@ -71,14 +71,18 @@ void frmProve::buildLayout()
 void frmProve::check()
 {
     std::optional<LedgerProof> proof;
+    const int year = m_txtYear->text().toInt();
     {
         const CancellableWait waiting(windowTitle(), this);
         proof = m_context.database.read<LedgerProof>(
-            Icon::critical,
-            [year = m_txtYear->text().toInt()](Connection& open) { return proveLedger(open, year); });
+            Icon::critical, [year](Connection& open) { return proveLedger(open, year); });
     }
-    if (!proof)
+    if (!proof) {
+        m_summary->setText(
+            QStringLiteral("没有查完") +
+            (m_listed.isEmpty() ? QString() : QStringLiteral("，列的还是上一次的。") + m_listed));
         return;
+    }
     m_proof = std::move(*proof);
     m_vsf1->clearRows();
     for (const ProvedIdentity& one : m_proof.identities) {
@@ -89,7 +93,9 @@ void frmProve::check()
                                    isBroken ? QString::number(one.rows) : QString()}
                            .join('\t'));
     }
-    m_summary->setText(QString::fromStdString(proofSummary(m_proof)));
+    m_listed = (year == 0 ? QStringLiteral("全部年度：") : QStringLiteral("%1 年：").arg(year)) +
+               QString::fromStdString(proofSummary(m_proof));
+    m_summary->setText(m_listed);
     m_summary->setStyleSheet(m_proof.faults() > 0 ? QStringLiteral("color: red") : QString());
     for (std::size_t at = 0; at < m_proof.identities.size(); ++at)
         if (m_proof.identities[at].state == ProvedIdentity::State::broken) {

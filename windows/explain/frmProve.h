@@ -32,7 +32,8 @@ private:
     ListGrid* m_vsf1;
     QPlainTextEdit* m_rows;
     QLabel* m_summary;
-    LedgerProof m_proof;
+    LedgerProof m_proof; ///< on show
+    QString m_listed;    ///< what it says, and of which year; "" at first
 };
 
 } // namespace selfreport
