@@ -220,6 +220,30 @@ const CLI::App* addRunCommand(CLI::App& app, RunCommand& run)
     return command;
 }
 
+const CLI::App* addProveCommand(CLI::App& app, ProveCommand& prove)
+{
+    CLI::App* command = addCommand(app, "prove", "账套自检: 账簿各数之间应有的关系是否成立", proveHelp);
+    addDatabase(command, prove.database);
+    command->add_option("--year", prove.year, "只查一年")->transform(wholeNumber(1, 9999))->type_name("Y");
+    command->add_flag("--json", prove.asJson, "写成 JSON");
+    return command;
+}
+
+const CLI::App* addExplainCommand(CLI::App& app, ExplainCommand& explain)
+{
+    CLI::App* command = addCommand(app, "explain", "联查: 一个数是由哪些数组成的", explainHelp);
+    addReportId(command, explain.reportId);
+    command->add_option("CELL", explain.cell, "单元格: Sheet1!B7,或第一个表页的 B7")
+        ->required()
+        ->type_name("");
+    addDatabase(command, explain.database);
+    command->add_option("--depth", explain.depth, "展开几级 (1 到 9,不给时 3)")
+        ->transform(wholeNumber(1, 9))
+        ->type_name("N");
+    command->add_flag("--json", explain.asJson, "写成 JSON");
+    return command;
+}
+
 /// Endings of the formats that are read, or of those that are only written.
 std::string endings(bool areRead, const char* between)
 {
@@ -274,24 +298,10 @@ Command readCommandLine(int count, const char* const* arguments)
     addDatabase(checkCommand, check.database);
 
     ProveCommand prove;
-    CLI::App* proveCommand = addCommand(app, "prove", "账套自检: 账簿各数之间应有的关系是否成立", proveHelp);
-    addDatabase(proveCommand, prove.database);
-    proveCommand->add_option("--year", prove.year, "只查一年")
-        ->transform(wholeNumber(1, 9999))
-        ->type_name("Y");
-    proveCommand->add_flag("--json", prove.asJson, "写成 JSON");
+    const CLI::App* proveCommand = addProveCommand(app, prove);
 
     ExplainCommand explain;
-    CLI::App* explainCommand = addCommand(app, "explain", "联查: 一个数是由哪些数组成的", explainHelp);
-    addReportId(explainCommand, explain.reportId);
-    explainCommand->add_option("CELL", explain.cell, "单元格: Sheet1!B7,或第一个表页的 B7")
-        ->required()
-        ->type_name("");
-    addDatabase(explainCommand, explain.database);
-    explainCommand->add_option("--depth", explain.depth, "展开几级 (1 到 9,不给时 3)")
-        ->transform(wholeNumber(1, 9))
-        ->type_name("N");
-    explainCommand->add_flag("--json", explain.asJson, "写成 JSON");
+    const CLI::App* explainCommand = addExplainCommand(app, explain);
 
     ConvertCommand convert;
     const CLI::App* convertCommand = addConvertCommand(app, convert);

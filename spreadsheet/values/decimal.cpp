@@ -265,8 +265,8 @@ double roundDecimal(double number, int places, Rounding rounding)
 
 double roundToMultiple(double number, double step, Rounding rounding)
 {
-    const Decimal decimal = shownDecimal(number);
-    const double size = multipleOf(decimal, shownDecimal(step), rounding);
+    const Decimal decimal = shownDecimal(number), unit = shownDecimal(step);
+    const double size = unit.coefficient == 0 ? 0 : multipleOf(decimal, unit, rounding);
     return decimal.negative && size != 0 ? -size : size;
 }
 

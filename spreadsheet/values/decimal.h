@@ -52,7 +52,7 @@ Decimal shownDecimal(double number);
 /// Numbers that are not finite stay as they are.
 double roundDecimal(double number, int places, Rounding rounding = Rounding::half);
 
-/// The double nearest to the multiple of `step` (not 0, its sign does not count) beside a number, both
+/// The double nearest to the multiple of `step` (its sign does not count; of 0 it is 0) beside a number, both
 /// taken as they show. Infinite beyond the largest doubles.
 double roundToMultiple(double number, double step, Rounding rounding);
 

@@ -16,6 +16,7 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <thread>
+#include <utility>
 
 namespace selfreport {
 

@@ -2,6 +2,7 @@
 #include "spreadsheet/display/CellStyle.h"
 
 #include <array>
+#include <cmath>
 
 namespace spreadsheet {
 
@@ -20,7 +21,7 @@ inline Colour patternColour(unsigned pattern, Colour ink, Colour paper)
         const double from =
             static_cast<double>((paper == automaticColour ? 0xFFFFFFu : paper) >> shift & 0xFF);
         const double to = static_cast<double>((ink == automaticColour ? 0u : ink) >> shift & 0xFF);
-        return static_cast<Colour>(from + (to - from) * share + 0.5) << shift;
+        return static_cast<Colour>(std::lround(from + (to - from) * share)) << shift;
     };
     return mixed(16) | mixed(8) | mixed(0);
 }

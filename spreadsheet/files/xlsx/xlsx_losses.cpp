@@ -43,13 +43,13 @@ constexpr std::string_view drawingLosses[][2] = {
 void countPlainElement(pugi::xml_node node, Warnings& warnings)
 {
     const std::string_view name = localName(node.name());
-    for (const auto& [element, each, loss] : sheetLosses) {
-        if (name != element)
+    for (const auto& row : sheetLosses) {
+        if (name != row.element)
             continue;
-        if (each.empty())
-            warnings.count(loss);
+        if (row.each.empty())
+            warnings.count(row.loss);
         else
-            eachChild(node, each, [&](pugi::xml_node) { warnings.count(loss); });
+            eachChild(node, row.each, [&](pugi::xml_node) { warnings.count(row.loss); });
     }
 }
 

@@ -65,11 +65,11 @@ TEST_F(Preview, TextsAreFoundAndCopied)
                  {"行", "第 4 页", "4/5 处"},     {"行", "第 5 页", "5/5 处"},
                  {"行", "第 1 页", "1/5 处"},     {"行", "第 5 页", "5/5 处", Qt::ShiftModifier},
                  {"行", "第 1 页", "1/5 处"}};
-    for (const auto& [sought, page, count, modifiers] : cases) {
-        text.setText(sought);
-        QTest::keyClick(&text, Qt::Key_F3, modifiers);
-        EXPECT_TRUE(state(window).starts_with(page)) << sought << ' ' << state(window);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return hits.text() == count; })) << hits.text().toStdString();
+    for (const auto& c : cases) {
+        text.setText(c.text);
+        QTest::keyClick(&text, Qt::Key_F3, c.modifiers);
+        EXPECT_TRUE(state(window).starts_with(c.page)) << c.text << ' ' << state(window);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return hits.text() == c.hits; })) << hits.text().toStdString();
     }
     text.setText("没有");
     QTest::keyClick(&text, Qt::Key_Return);
