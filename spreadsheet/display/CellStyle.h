@@ -37,8 +37,8 @@ enum class VerticalAlignment : std::uint8_t { top = 0, centre = 1, bottom = 2 };
 /// How a text is spread over its cell. The codes are stored in the content file: never renumber.
 enum class Spread : std::uint8_t { none = 0, filled = 1, justified = 2, acrossCells = 3, distributed = 4 };
 
-/// What other programs know of a cell's alignment beyond what commands set here. It is carried along, so that a
-/// file goes back as it came.
+/// What other programs know of a cell's alignment beyond what commands set here. It is carried along, so that
+/// a file goes back as it came.
 struct CarriedAlignment {
     Spread across = Spread::none; ///< counts while the cell is aligned as what is shown in its place
     Spread down = Spread::none;   ///< likewise; justified or distributed
