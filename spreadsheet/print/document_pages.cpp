@@ -21,6 +21,18 @@ PageRequest requestOf(const PrintDocument& document)
     return request;
 }
 
+/// Of several sheets one that has no room says that it is the one.
+PageLayout layoutOf(const Sheet& sheet, const PrintDocument& document, bool isOneOfSeveral)
+{
+    try {
+        return {sheet, requestOf(document)};
+    } catch (const PageLayoutError& error) {
+        if (!isOneOfSeveral)
+            throw;
+        throw PageLayoutError("表“" + sheet.name() + "”：" + error.what());
+    }
+}
+
 } // namespace
 
 std::vector<SheetPages> layOut(const Workbook& workbook, const PrintDocument& document)
@@ -32,7 +44,7 @@ std::vector<SheetPages> layOut(const Workbook& workbook, const PrintDocument& do
     std::vector<SheetPages> sheets;
     for (int index = first; index <= last; ++index) {
         const Sheet& sheet = workbook.sheet(index);
-        PageLayout layout(sheet, requestOf(document));
+        PageLayout layout = layoutOf(sheet, document, first != last);
         if (const auto pages = pagesToPrint(document.range, layout.pageCount()))
             sheets.push_back({sheet, std::move(layout), *pages});
     }

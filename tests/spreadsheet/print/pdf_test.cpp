@@ -279,6 +279,25 @@ TEST_F(PdfTest, ASheetThatIsNotThereIsRefused)
     EXPECT_THROW(pdfOf(workbook, document), PdfError);
 }
 
+TEST_F(PdfTest, OfSeveralSheetsTheOneWithoutRoomIsNamed)
+{
+    demand(workbook.addSheet("附注"));
+    workbook.sheet(2).changeSettings([](SheetSettings& settings) { settings.print.marginTop = 1'000'000; });
+    const auto refusal = [this](std::optional<int> only) -> std::string {
+        PrintDocument document;
+        document.sheet = only;
+        try {
+            pdfOf(workbook, document);
+        } catch (const PdfError& error) {
+            return error.what();
+        }
+        return "";
+    };
+    const std::string noRoom = "页边距、页眉和页脚占满了纸张，没有打印表格的地方。";
+    EXPECT_EQ(refusal(std::nullopt), "表“附注”：" + noRoom);
+    EXPECT_EQ(refusal(2), noRoom);
+}
+
 /// Above the sheet's own header, whether or not the sheet asks for a stamp.
 TEST_F(PdfTest, ANoticeHeadsEveryPage)
 {
