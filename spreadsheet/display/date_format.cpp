@@ -6,6 +6,7 @@
 #include "spreadsheet/values/numerals.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace spreadsheet {
@@ -58,29 +59,40 @@ std::optional<Moment> momentOf(const FormatSection& section, double serial)
     return moment;
 }
 
-std::string monthText(int month, int count)
+constexpr std::array<std::string_view, 12> chineseMonths{"一月", "二月", "三月", "四月", "五月",   "六月",
+                                                         "七月", "八月", "九月", "十月", "十一月", "十二月"};
+
+std::string monthText(int month, int count, bool inChinese)
 {
-    const std::string_view name = englishMonths[static_cast<std::size_t>(month - 1)];
     if (count <= 2)
         return padded(month, count);
+    const auto index = static_cast<std::size_t>(month - 1);
+    if (inChinese)
+        return count == 3 ? std::to_string(month) + "月" : std::string(chineseMonths[index]);
+    const std::string_view name = englishMonths[index];
     return std::string(name.substr(0, count == 3 ? 3 : count == 5 ? 1 : name.size()));
 }
 
-std::string dayText(const Moment& moment, int count)
+std::string dayText(const Moment& moment, int count, bool inChinese)
 {
     if (count <= 2)
         return padded(moment.day.day, count);
-    const std::string_view name = englishWeekdays[static_cast<std::size_t>((moment.days + 6) % 7)];
+    const auto weekday = static_cast<std::size_t>((moment.days + 6) % 7);
+    if (inChinese)
+        return (count == 3 ? "周" : "星期") + std::string(chineseWeekdays[weekday]);
+    const std::string_view name = englishWeekdays[weekday];
     return std::string(name.substr(0, count == 3 ? 3 : name.size()));
 }
 
-std::string halfDayText(const Moment& moment, std::string_view halves)
+std::string halfDayText(const Moment& moment, std::string_view halves, bool inChinese)
 {
+    if (inChinese)
+        halves = "上午/下午";
     const std::size_t slash = halves.find('/');
     return std::string(moment.seconds < 43200 ? halves.substr(0, slash) : halves.substr(slash + 1));
 }
 
-std::string partText(const FormatPart& part, const Moment& moment)
+std::string partText(const FormatPart& part, const Moment& moment, bool inChinese)
 {
     const long long hours = moment.seconds / 3600;
     const long long seconds = moment.days * 86400 + moment.seconds;
@@ -89,9 +101,9 @@ std::string partText(const FormatPart& part, const Moment& moment)
     case Kind::year:
         return part.count <= 2 ? padded(moment.day.year % 100, 2) : padded(moment.day.year, 4);
     case Kind::month:
-        return monthText(moment.day.month, part.count);
+        return monthText(moment.day.month, part.count, inChinese);
     case Kind::day:
-        return dayText(moment, part.count);
+        return dayText(moment, part.count, inChinese);
     case Kind::chineseWeekday:
         return (part.count > 3 ? "星期" : "") +
                std::string(chineseWeekdays[static_cast<std::size_t>((moment.days + 6) % 7)]);
@@ -104,7 +116,7 @@ std::string partText(const FormatPart& part, const Moment& moment)
     case Kind::secondFraction:
         return "." + padded(moment.fraction, std::min(part.count, 6));
     case Kind::halfDay:
-        return halfDayText(moment, part.text);
+        return halfDayText(moment, part.text, inChinese);
     case Kind::elapsedHours:
         return padded(seconds / 3600, part.count);
     case Kind::elapsedMinutes:
@@ -125,7 +137,7 @@ std::optional<std::string> dateText(const FormatSection& section, double serial)
         return std::nullopt;
     std::string text;
     for (const FormatPart& part : section.parts) {
-        const std::string plain = partText(part, *moment);
+        const std::string plain = partText(part, *moment, section.inChinese);
         const bool digitwise =
             part.kind == Kind::year || plain.starts_with('0') || part.kind == Kind::literal;
         text +=

@@ -347,6 +347,15 @@ std::optional<std::string> numberBySection(const FormatSection& section, double 
     return withSign && number < 0 && !shown.isZero && !shown.text.empty() ? "-" + shown.text : shown.text;
 }
 
+/// The last of several sections is for texts if it shows one, and the fourth always is.
+std::size_t sectionsForNumbers(const std::vector<FormatSection>& sections)
+{
+    const bool lastIsForTexts =
+        sections.size() > 1 && std::ranges::find(sections.back().parts, Kind::text, &FormatPart::kind) !=
+                                   sections.back().parts.end();
+    return std::min<std::size_t>(sections.size() - lastIsForTexts, 3);
+}
+
 /// Such a section says itself how a negative number looks, like the second one without conditions.
 bool holdsOnlyNegative(const FormatSection& section)
 {
@@ -364,7 +373,7 @@ struct ChosenSection {
 ChosenSection sectionFor(const std::vector<FormatSection>& sections, double number)
 {
     using Condition = FormatSection::Condition;
-    const std::size_t count = std::min<std::size_t>(sections.size(), 3); // the fourth is for texts
+    const std::size_t count = sectionsForNumbers(sections);
     const bool conditional = std::ranges::any_of(
         sections, [](const FormatSection& section) { return section.condition != Condition::none; });
     if (conditional) {
@@ -406,8 +415,8 @@ std::optional<std::string> numberText(const std::vector<FormatSection>& sections
     if (chosen.section)
         return numberBySection(*chosen.section, number, chosen.withSign, from1904);
     // A condition alone says nothing of the other numbers; several leave no room for them.
-    return sections.size() == 1 ? (number < 0 ? "-" : "") + shortGeneralText(std::fabs(number))
-                                : std::string("#");
+    return sectionsForNumbers(sections) == 1 ? (number < 0 ? "-" : "") + shortGeneralText(std::fabs(number))
+                                             : std::string("#");
 }
 
 std::string textBySections(const std::vector<FormatSection>& sections, std::string_view text)

@@ -213,6 +213,7 @@ private:
         m_bracketed = true;
         if (inside.starts_with('$')) { // "[$￥-804]": a currency sign and a language
             literal(inside.substr(1, std::min(inside.find('-'), inside.size()) - 1));
+            m_section.inChinese = m_section.inChinese || inside.ends_with("804");
         } else if (startsWithFolded(inside, "dbnum") && inside.size() == 6) {
             const int style = inside[5] - '0';
             m_good = m_good && style >= 1 && style <= 3;

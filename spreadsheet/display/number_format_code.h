@@ -58,6 +58,7 @@ struct FormatSection {
     std::optional<Colour> colour; ///< "[Red]", "[红色]"
 
     bool isDate = false;
+    bool inChinese = false;          ///< "[$-804]": names of months, weekdays and halves of a day
     bool holds(double number) const; ///< the condition
 };
 

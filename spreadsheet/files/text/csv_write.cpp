@@ -2,9 +2,12 @@
 
 #include "spreadsheet/display/number_format_code.h"
 #include "spreadsheet/values/decimal.h"
+#include "spreadsheet/values/decimal_text.h"
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "text/quotes.h"
+
+#include <algorithm>
 
 namespace spreadsheet {
 
@@ -36,8 +39,15 @@ bool readsAs(std::string_view shown, double number)
     return read && *read == roundDecimal(number, decimals);
 }
 
+/// Whether it shows "1 1/4", which is no figure.
+bool showsFraction(const FormatSection& section)
+{
+    return std::ranges::find(section.parts, FormatPart::Kind::fraction, &FormatPart::kind) !=
+           section.parts.end();
+}
+
 /// A file is read as figures again: a number format code that groups, scales or replaces them gives way to
-/// the cell's type. One that only pads them, or shows a day, stays.
+/// the cell's type, a fraction to all decimals. One that only pads them, or shows a day, stays.
 std::string fieldOf(const Sheet& sheet, CellAddress cell)
 {
     const std::string_view code = sheet.style(cell).numberFormat.view();
@@ -47,6 +57,8 @@ std::string fieldOf(const Sheet& sheet, CellAddress cell)
     if (code.empty() || !value.isNumber())
         return sheet.textByType(cell);
     const auto sections = parseFormatCode(code);
+    if (sections && std::ranges::any_of(*sections, showsFraction))
+        return generalNumberText(value.number());
     const std::string shown(trimmedBlanks(sheet.displayText(cell)));
     const bool stays = sections && (sections->front().isDate || readsAs(shown, value.number()));
     return stays ? shown : sheet.textByType(cell);

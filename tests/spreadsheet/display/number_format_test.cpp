@@ -160,6 +160,10 @@ TEST(NumberFormat, SectionsConditionsAndLiterals)
         text("\"abc\"", ";;;", ""),
         text("-5", "0;0", "5"),
         text("-5", "0;-0;0;@", "-5"),
+        text("-5.5", "0.0;@", "-5.5"), // a last section with "@" is for texts only
+        text("0", "0.0;(0.0);@", "0.0"),
+        text("-1", "yyyy-m-d;@", "#VALUE!"),
+        text("3", "[>5]0.0;@", "3"),
         text("0", "0.0;(0.0)", "0.0"), // without a third section zero is positive
         text("5", "0.00_);(0.00)", "5.00 "),
         text("\"abc\"", "@@", "abcabc"),
@@ -212,6 +216,10 @@ TEST(NumberFormat, DatesAndElapsedTime)
         text("2958466", "yyyy-mm-dd", "#VALUE!"),
         text("40607", "aa", "#VALUE!"),
         text("40607", "[$-804]yyyy\"年\"", "2011年"),
+        text("40607", "[$-804]dddd mmmm", "星期六 三月"),
+        text("40608", "[$-804]ddd mmm", "周日 3月"),
+        text("0.75", "[$-804]AM/PM h:mm", "下午 6:00"),
+        text("40607", "[$-409]dddd mmm", "Saturday Mar"),
     });
 }
 

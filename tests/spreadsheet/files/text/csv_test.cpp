@@ -47,6 +47,8 @@ TEST(Csv, FiguresAreWrittenAsTheyAreNotAsACodeDressesThem)
         {Value::text("货币资金"), CellType::edit, "_ @", "货币资金"},
         {123.0, CellType::edit, "000000", "000123"}, // a code of an account
         {46022.0, CellType::edit, "yyyy-mm-dd", "2025-12-31"},
+        {-1.25, CellType::number, "# ?/?", "-1.25"},    // a fraction is no figure
+        {-1.5, CellType::edit, "yyyy-mm-dd;@", "-1.5"}, // no day, and no section for it
         {1234.565, CellType::edit, "0.00_ ", "1234.57"},
     };
     for (const auto& c : cases) {
