@@ -96,8 +96,17 @@ std::size_t evenness(std::string_view text, char separator)
     return best;
 }
 
+/// A first line such as "sep=;" names the separator and is no row.
+bool namesSeparator(std::string_view text)
+{
+    return text.size() > 5 && ascii::equalFolded(text.substr(0, 4), "sep=") &&
+           (text[5] == '\r' || text[5] == '\n') && text[4] != '"';
+}
+
 char sensedSeparator(std::string_view text)
 {
+    if (namesSeparator(text))
+        return text[4];
     static constexpr std::array separators{',', '\t', ';', '|'};
     return *std::ranges::max_element(separators, {},
                                      [text](char separator) { return evenness(text, separator); });
@@ -129,6 +138,8 @@ void readCsv(Bytes file, Workbook& workbook)
     CellAddress at{1, 1};
     int lastColumn = 1;
     std::string field;
+    for (bool inFirst = namesSeparator(text); inFirst;)
+        inFirst = !reader.next(field);
     while (!reader.atEnd()) {
         requireFile(at.row <= maxRows && at.column <= maxColumns, "行数或列数超出一张表的范围");
         const bool isLast = reader.next(field);
