@@ -206,6 +206,25 @@ CLI::Option* addReportId(CLI::App* command, std::int32_t& id)
         ->type_name("");
 }
 
+/// What stands without a command, and in front of one.
+void prepare(CLI::App& app, WindowCommand& window)
+{
+    app.formatter(std::make_shared<ChineseFormatter>());
+    app.set_help_flag("-h,--help", "显示用法");
+    app.footer(overview);
+    app.require_subcommand(0, 1);
+    app.add_option("--db", window.database, "不给命令时打开窗口: 连接串,或内置数据库的文件名")
+        ->type_name("DB");
+}
+
+const CLI::App* addDemoCommand(CLI::App& app, DemoCommand& demo)
+{
+    CLI::App* command = addCommand(app, "demo", "建立演示账套和报表", demoHelp);
+    command->add_option("FILE", demo.file, "新建的数据库文件")->required()->type_name("");
+    command->add_flag("--overwrite", demo.replaces, "文件已存在时覆盖");
+    return command;
+}
+
 const CLI::App* addRunCommand(CLI::App& app, RunCommand& run)
 {
     CLI::App* command = addCommand(app, "run", "计算一张报表,写成 PDF 或 CSV", runHelp);
@@ -267,24 +286,27 @@ const CLI::App* addConvertCommand(CLI::App& app, ConvertCommand& convert)
     return command;
 }
 
+/// A command with the database that was given behind it, or else before it.
+template <class OfDatabase>
+Command onDatabase(const CLI::App& app, OfDatabase command, const WindowCommand& window)
+{
+    if (command.database.empty())
+        command.database = window.database;
+    if (command.database.empty())
+        return Finished{refusal(app, CLI::RequiredError("--db"))};
+    return command;
+}
+
 } // namespace
 
 Command readCommandLine(int count, const char* const* arguments)
 {
     CLI::App app("自定义财务报表", "selfreport");
-    app.formatter(std::make_shared<ChineseFormatter>());
-    app.set_help_flag("-h,--help", "显示用法");
-    app.footer(overview);
-    app.require_subcommand(0, 1);
-
     WindowCommand window;
-    app.add_option("--db", window.database, "不给命令时打开窗口: 连接串,或内置数据库的文件名")
-        ->type_name("DB");
+    prepare(app, window);
 
     DemoCommand demo;
-    CLI::App* demoCommand = addCommand(app, "demo", "建立演示账套和报表", demoHelp);
-    demoCommand->add_option("FILE", demo.file, "新建的数据库文件")->required()->type_name("");
-    demoCommand->add_flag("--overwrite", demo.replaces, "文件已存在时覆盖");
+    const CLI::App* demoCommand = addDemoCommand(app, demo);
 
     ListCommand list;
     CLI::App* listCommand = addCommand(app, "list", "列出报表: 编号、名称、保存人、保存时间", listHelp);
@@ -315,25 +337,18 @@ Command readCommandLine(int count, const char* const* arguments)
     } catch (const CLI::ParseError& error) {
         return Finished{refusal(app, error)};
     }
-    const auto onDatabase = [&](auto& command) -> Command {
-        if (command.database.empty())
-            command.database = window.database;
-        if (command.database.empty())
-            return Finished{refusal(app, CLI::RequiredError("--db"))};
-        return command;
-    };
     if (demoCommand->parsed())
         return demo;
     if (listCommand->parsed())
-        return onDatabase(list);
+        return onDatabase(app, list, window);
     if (runCommand->parsed())
-        return onDatabase(run);
+        return onDatabase(app, run, window);
     if (checkCommand->parsed())
-        return onDatabase(check);
+        return onDatabase(app, check, window);
     if (proveCommand->parsed())
-        return onDatabase(prove);
+        return onDatabase(app, prove, window);
     if (explainCommand->parsed())
-        return onDatabase(explain);
+        return onDatabase(app, explain, window);
     if (convertCommand->parsed())
         return convert;
     if (functionsCommand->parsed())
