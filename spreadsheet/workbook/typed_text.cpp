@@ -3,6 +3,7 @@
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/functions/FunctionTable.h"
 #include "spreadsheet/values/case_fold.h"
+#include "spreadsheet/values/characters.h"
 #include "spreadsheet/values/date_text.h"
 #include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/Workbook.h"
@@ -178,6 +179,36 @@ Refusal enterClosed(std::string_view text, Enter enter)
     return plain != text && !enterBracketed(plain, enter) ? Refusal() : enterBracketed(text, enter);
 }
 
+/// What an input method that is set to full width leaves, in plain characters; not within quotation marks.
+std::string inPlainWidth(std::string_view typed)
+{
+    constexpr char32_t firstWide = U'！', lastWide = U'～', wideBlank = U'　';
+    std::string text;
+    char32_t quote = 0;
+    for (std::size_t at = 0; at < typed.size();) {
+        const char32_t c = takeCharacter(typed, at);
+        const bool isWide = c >= firstWide && c <= lastWide;
+        const char32_t plain = isWide ? c - firstWide + U'!' : c == wideBlank ? U' ' : c;
+        appendCharacter(text, quote == 0 || plain == quote ? plain : c);
+        if (quote != 0)
+            quote = plain == quote ? 0 : quote;
+        else if (plain == U'"' || plain == U'\'' || plain == U'“')
+            quote = plain == U'“' ? U'”' : plain;
+    }
+    return text;
+}
+
+/// A formula or constant that was typed in full width, "＝Ａ１＋１" or "１２．５％", as it is meant.
+std::optional<std::string> meantByFullWidth(std::string_view typed)
+{
+    constexpr std::string_view wideEquals = "＝";
+    std::string plain = inPlainWidth(typed);
+    const bool isFormula = typed.starts_with(wideEquals) && typed.size() > wideEquals.size();
+    if (plain != typed && (isFormula || (typed.front() != '=' && !typedConstant(plain).value.isText())))
+        return plain;
+    return std::nullopt;
+}
+
 } // namespace
 
 Refusal enterFormula(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text)
@@ -236,6 +267,9 @@ Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::strin
         sheet.setText(cell, text);
         return {};
     }
+    if (where != TypedInto::nothing && !typed.empty())
+        if (const auto meant = meantByFullWidth(typed))
+            return enterText(workbook, sheet, cell, *meant, where);
     if (typed.starts_with('=') && typed.size() > 1)
         return enterTyped();
     if (text.starts_with('\'')) {

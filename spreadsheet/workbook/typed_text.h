@@ -24,8 +24,9 @@ enum class TypedInto {
 /// is a formula, and anything else is text, a month without a day ("2026年12月") too; a leading apostrophe
 /// makes text of whatever follows. A fresh cell takes the type that the constant was written in (percent,
 /// currency, date, time). An empty text takes the content away. A cell whose number format is `textFormat`
-/// takes every text as it stands. Brackets that a formula leaves open at its end are closed, and “ ” in it
-/// are taken for plain quotation marks.
+/// takes every text as it stands. Brackets that a formula leaves open at its end are closed, “ ” in it are
+/// taken for plain quotation marks, and what was typed in full width, "＝Ａ１＋１" or "１２．５％", for what
+/// it means.
 /// @return why a formula was refused; the cell then keeps what it had.
 Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text, TypedInto where);
 

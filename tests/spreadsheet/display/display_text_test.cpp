@@ -164,6 +164,16 @@ TEST(TypedText, MeansWhatItsWriterMeans)
         {"=IF(A1>1,“是”", box, "是", "IF(A1>1,\"是\")"},
         {"=“甲”&\"“乙”\"&“”", cell, "甲“乙”", "\"甲\"&\"“乙”\"&\"\""},
         {"=“甲”", TypedInto::nothing, "#NAME?", "“甲”"},
+        {"＝Ａ１＋１", cell, "6", "A1+1"},
+        {"　＝ＩＦ（Ａ１＞１，“ＡＢ　是”，＂否＂）", box, "ＡＢ　是", "IF(A1>1,\"ＡＢ　是\",\"否\")"},
+        {"＝", cell, "＝", ""},
+        {"１２．５", cell, "12.5", ""},
+        {"－１，２３４．５", cell, "-1234.5", ""},
+        {"５０％", box, "50.00%", "", CellType::percent},
+        {"２０２５年１２月３１日", cell, "2025-12-31", "", CellType::date},
+        {"３００", TypedInto::nothing, "３００", ""},
+        {"（１）", cell, "（１）", ""},
+        {"第１号", cell, "第１号", ""},
     };
     for (const Case& c : cases) {
         Workbook workbook;
