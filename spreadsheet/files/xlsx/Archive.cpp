@@ -78,10 +78,19 @@ Bytes Archive::currentPart(std::uint64_t size)
     return file.subspan(static_cast<std::size_t>(place), static_cast<std::size_t>(size));
 }
 
-std::optional<std::vector<char>> Archive::part(std::string_view path)
+/// Some programs put the separator of their system between the folders of a path.
+bool Archive::goesTo(std::string path)
 {
     constexpr int ignoringCase = 2;
-    if (unzLocateFile(m_archive, std::string(path).c_str(), ignoringCase) != UNZ_OK)
+    if (unzLocateFile(m_archive, path.c_str(), ignoringCase) == UNZ_OK)
+        return true;
+    std::ranges::replace(path, '/', '\\');
+    return unzLocateFile(m_archive, path.c_str(), ignoringCase) == UNZ_OK;
+}
+
+std::optional<std::vector<char>> Archive::part(std::string_view path)
+{
+    if (!goesTo(std::string(path)))
         return std::nullopt;
     unz_file_info64 info{};
     requireFile(unzGetCurrentFileInfo64(m_archive, &info, nullptr, 0, nullptr, 0, nullptr, 0) == UNZ_OK,

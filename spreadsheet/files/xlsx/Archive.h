@@ -26,6 +26,7 @@ public:
     std::optional<std::vector<char>> part(std::string_view path);
 
 private:
+    bool goesTo(std::string path);
     Bytes currentPart(std::uint64_t size);
 
     struct Source;

@@ -234,6 +234,18 @@ TEST(XlsxArchive, PartsNeedNotBeCompressed)
     EXPECT_THROW(readXlsx(file, workbook, warnings), ContentError) << "no longer what was summed up";
 }
 
+TEST(XlsxArchive, PathsMayHaveTheSeparatorOfAnotherSystem)
+{
+    const TestFolder folder;
+    Parts parts = workbookOfSheets({cellsOf({"1+1"})});
+    for (auto& [path, content] : parts)
+        std::ranges::replace(path, '/', '\\');
+    Workbook workbook;
+    Warnings warnings;
+    readXlsx(archive(folder, parts), workbook, warnings);
+    EXPECT_EQ(workbook.sheet(1).formula({6, 1}), "1+1");
+}
+
 TEST(XlsxColumns, UpToTheSheetsEndAreNotUsed)
 {
     const TestFolder folder;
