@@ -8,6 +8,7 @@
 #include "spreadsheet/values/coercion.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace spreadsheet {
@@ -97,10 +98,13 @@ std::size_t costOfTexts(std::span<const Operand> arguments)
     return bytes * perByte;
 }
 
-/// What a call comes to; an array that it makes counts against what its cell may spend.
+/// What a call comes to; an array that it makes counts against what its cell may spend. There are no infinite
+/// numbers.
 Operand answered(const FunctionDescriptor& function, Call& call)
 {
     Operand result = answer(function, call);
+    if (result.isValue() && result.value().isNumber() && !std::isfinite(result.value().number()))
+        return CellError::num;
     const bool affordable =
         !result.isArray() || call.place().spend(elementsOf(result.array().rows(), result.array().columns()));
     return affordable ? result : Operand(CellError::value);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 #include <unordered_map>
 
 namespace spreadsheet {
@@ -78,7 +79,7 @@ Operand median(Call& call)
     const double upper = sortedAt(numbers, numbers.size() / 2);
     if (numbers.size() % 2 == 1)
         return upper;
-    return (sortedAt(numbers, numbers.size() / 2 - 1) + upper) / 2;
+    return std::midpoint(sortedAt(numbers, numbers.size() / 2 - 1), upper);
 }
 
 /// The most frequent numbers in the order in which they first appear; none if all differ.
