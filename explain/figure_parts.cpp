@@ -137,6 +137,7 @@ DrillNode figureParts(const spreadsheet::Workbook& workbook, const RunRecord& re
     const LinearForm form = spreadsheet::linearForm(workbook.book(), cell, record.answers());
     DrillNode root;
     root.cell = cell;
+    root.place = record.followed(cell);
     root.item = placeText(workbook, cell);
     root.amount = numberOf(workbook.sheet(cell.sheet).value({cell.column, cell.row}));
     root.isOpen = true;

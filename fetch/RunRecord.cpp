@@ -135,7 +135,8 @@ void RunRecord::followContent(const spreadsheet::CellMove::Contents& contents)
 RunRecord::FollowedPlace RunRecord::followed(const CallPlace& place) const
 {
     auto cell = std::make_shared<std::optional<SheetCell>>(cellAt(place));
-    std::erase_if(m_followed, [](const auto& other) { return other.expired(); });
+    if (m_followed.size() == m_followed.capacity()) // a tree follows thousands
+        std::erase_if(m_followed, [](const auto& other) { return other.expired(); });
     m_followed.push_back(cell);
     return cell;
 }

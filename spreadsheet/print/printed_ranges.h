@@ -11,8 +11,7 @@ struct PrintSettings;
 /// The ranges of a sheet that are printed, each on pages of its own, in the order of the sheet: from the top,
 /// then from the left. No cell stands in two of them. Empty if nothing is to be printed.
 /// @param asked  only these cells; empty: the print area, or what the settings say without one. Of whole
-/// columns
-///               and rows only what is used, if the settings want no more than that
+///               columns and rows only what is used, if the settings want no more than that
 std::vector<CellRange> printedRanges(const Sheet& sheet, const PrintSettings& print,
                                      std::vector<CellRange> asked);
 

@@ -25,12 +25,6 @@ QString placeName(const spreadsheet::CallPlace& place, const spreadsheet::Workbo
            QString::fromStdString(spreadsheet::cellName({place.column, place.row}));
 }
 
-/// Tabs part the columns of a list.
-QString oneField(const std::string& text)
-{
-    return QString::fromStdString(text).replace('\t', ' ').replace('\n', ' ');
-}
-
 } // namespace
 
 DiagnosticsPanel::DiagnosticsPanel(QWidget* parent)
@@ -71,8 +65,9 @@ void DiagnosticsPanel::setDiagnostics(const std::vector<CellDiagnostic>& diagnos
 {
     QStringList lines; // a sheet may have got another name
     for (const CellDiagnostic& diagnostic : diagnostics)
-        lines.append(placeName(diagnostic.place, workbook) + '\t' + oneField(diagnostic.function) + '\t' +
-                     oneField(diagnostic.reason));
+        lines.append(placeName(diagnostic.place, workbook) + '\t' +
+                     ListGrid::columnText(diagnostic.function) + '\t' +
+                     ListGrid::columnText(diagnostic.reason));
     m_diagnostics = diagnostics;
     if (m_showsDiagnostics && lines == m_lines && m_list->rowCount() > 1)
         return;
@@ -125,7 +120,7 @@ void DiagnosticsPanel::showNotices(const QString& heading, const std::vector<std
     m_list->setColumns({{name.c_str(), 11000}});
     m_list->clearRows();
     for (const std::string& notice : notices)
-        m_list->addRow(oneField(notice));
+        m_list->addRow(ListGrid::columnText(notice));
     showHeading(heading, notices.size());
     setVisible(!notices.empty());
 }

@@ -138,8 +138,9 @@ void readCsv(Bytes file, Workbook& workbook)
     CellAddress at{1, 1};
     int lastColumn = 1;
     std::string field;
-    for (bool inFirst = namesSeparator(text); inFirst;)
-        inFirst = !reader.next(field);
+    if (namesSeparator(text))
+        while (!reader.next(field)) {
+        }
     while (!reader.atEnd()) {
         requireFile(at.row <= maxRows && at.column <= maxColumns, "行数或列数超出一张表的范围");
         const bool isLast = reader.next(field);
