@@ -21,9 +21,12 @@ namespace {
 constexpr int titleTime = 300;
 constexpr int mostLooks = 30;
 
+/// @return none for one that is being put round: the toolkit then measures a frame that has no size yet
 QMargins titleOf(const QWidget& window)
 {
-    return window.windowHandle() ? window.windowHandle()->frameMargins() : QMargins();
+    const QMargins title = window.windowHandle() ? window.windowHandle()->frameMargins() : QMargins();
+    const bool isWhole = std::min({title.left(), title.top(), title.right(), title.bottom()}) >= 0;
+    return isWhole ? title : QMargins();
 }
 
 /// Makes a window as large as the screen allows. @return where its frame stands within the screen.
@@ -76,16 +79,17 @@ bool fillsTheScreen(const QWidget& window)
     return window.windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen);
 }
 
-/// Looks again until the window has its title and stands well, unless the user or the program wants it
-/// otherwise meanwhile.
-void lookAfterTitle(QWidget& window, int looks)
+/// Looks again until the window has had the same title twice and stands well, unless the user or the program
+/// wants it otherwise meanwhile.
+void lookAfterTitle(QWidget& window, int looks, const QMargins& former = {})
 {
-    QTimer::singleShot(titleTime, &window, [&window, opened = window.size(), looks] {
+    QTimer::singleShot(titleTime, &window, [&window, opened = window.size(), looks, former] {
         if (window.size() != opened || !window.isVisible() || fillsTheScreen(window))
             return;
         const bool hasMoved = bringOntoScreen(window);
-        if ((hasMoved || titleOf(window).isNull()) && looks > 1)
-            lookAfterTitle(window, looks - 1);
+        const QMargins title = titleOf(window);
+        if ((hasMoved || title.isNull() || title != former) && looks > 1)
+            lookAfterTitle(window, looks - 1, title);
     });
 }
 

@@ -3,6 +3,7 @@
 
 #include "tests/platform/WindowTest.h"
 
+#include <QDebug>
 #include <QDialog>
 #include <QScreen>
 #include <QWindow>
@@ -12,7 +13,14 @@
 namespace selfreport {
 namespace {
 
-using OnScreen = test::WindowTest;
+class OnScreen : public test::WindowTest {
+protected:
+    /// A widget's own `frameGeometry` may keep what it measured while the manager put the frame round it.
+    static QRect frameOf(const QWidget& window)
+    {
+        return window.geometry().marginsAdded(window.windowHandle()->frameMargins());
+    }
+};
 
 TEST_F(OnScreen, WindowsOpenWithTheirTitlesInSight)
 {
@@ -47,9 +55,8 @@ TEST_F(OnScreen, WindowsOpenWithTheirTitlesInSight)
             EXPECT_EQ(dialog.geometry(), opened) << c.name << " jumps";
         }
         // A busy manager answers later.
-        EXPECT_TRUE(QTest::qWaitFor([&] { return screen.contains(dialog.frameGeometry()); }))
-            << c.name << ": " << dialog.frameGeometry().x() << ' ' << dialog.frameGeometry().y() << ' '
-            << dialog.frameGeometry().width() << ' ' << dialog.frameGeometry().height();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return screen.contains(frameOf(dialog)); }))
+            << c.name << ": " << QDebug::toString(frameOf(dialog)).toStdString();
         EXPECT_TRUE(QString(c.name) != "small" || dialog.size() == c.size);
     }
 }
@@ -74,12 +81,9 @@ TEST_F(OnScreen, ATitleThatComesLateIsInSightToo)
     QTest::qWait(800);
     ::kill(manager, SIGCONT);
     for (const QDialog* const dialog : {&alone, &over}) {
-        const auto frame = [dialog] {
-            return dialog->geometry().marginsAdded(dialog->windowHandle()->frameMargins());
-        };
-        EXPECT_TRUE(QTest::qWaitFor([&] { return frame().height() > dialog->height(); }));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return screen.contains(frame()); }, 3000))
-            << frame().x() << ' ' << frame().y() << ' ' << frame().width() << ' ' << frame().height();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return frameOf(*dialog).height() > dialog->height(); }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return screen.contains(frameOf(*dialog)); }, 3000))
+            << QDebug::toString(frameOf(*dialog)).toStdString();
     }
 }
 
