@@ -8,6 +8,8 @@
 #include <future>
 #include <optional>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace selfreport::torture {
 
@@ -19,7 +21,7 @@ public:
     CallEnd runApart(std::function<void()> call, std::function<void()> stop) override
     {
         std::packaged_task<void()> task(std::move(call));
-        const std::future<void> ended = task.get_future();
+        std::future<void> ended = task.get_future();
         std::thread thread(std::move(task));
         std::optional<Clock::time_point> cancelledAt;
         bool isLeft = false;
@@ -34,14 +36,26 @@ public:
         if (cancelledAt)
             waited = std::max<Clock::duration>(waited, Clock::now() - *cancelledAt);
         isLeft ? thread.detach() : thread.join();
+        if (isLeft)
+            m_leftBehind.push_back(std::move(ended));
         return isLeft ? CallEnd::leftBehind : cancelledAt ? CallEnd::cancelled : CallEnd::done;
     }
     bool pause() override { return isSilent; }
     bool isCancelled() const override { return false; } ///< each call is asked about by itself
 
+    /// Until the calls have ended that were left behind.
+    void awaitLeftBehind() const
+    {
+        for (const std::future<void>& ended : m_leftBehind)
+            ended.wait();
+    }
+
     std::atomic<bool> isSilent = false;
     std::chrono::milliseconds longestWait{450};
     Clock::duration waited{}; ///< longest time from a cancellation until it could go on
+
+private:
+    std::vector<std::future<void>> m_leftBehind;
 };
 
 } // namespace selfreport::torture

@@ -15,7 +15,6 @@
 #include <span>
 #include <sstream>
 #include <string_view>
-#include <thread>
 
 namespace selfreport::torture {
 namespace {
@@ -157,7 +156,7 @@ Outcome embedded(const WindowAction& action, Disturbance how, int place, int& co
         outcome.told = action.act(reports);
         count = EmbeddedSteps::count();
         gate->set_value();
-        std::this_thread::sleep_for(how == Disturbance::silence ? 20ms : 0ms);
+        user.awaitLeftBehind();
     }
     closeIdleSessions();
     if (otherWaits)
