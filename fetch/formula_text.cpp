@@ -1,6 +1,7 @@
 #include "fetch/formula_text.h"
 
 #include "platform/database/session/names.h"
+#include "text/quotes.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -86,6 +87,14 @@ private:
     std::string_view m_rest;
 };
 
+bool areQuotesDoubled(std::string_view text)
+{
+    for (std::size_t at = text.find('"'); at != std::string_view::npos; at = text.find('"', at + 2))
+        if (text.substr(at, 2) != "\"\"")
+            return false;
+    return true;
+}
+
 } // namespace
 
 // Blanks stand where stored reports have them: formula texts are compared letter by letter.
@@ -110,6 +119,17 @@ std::optional<std::array<std::string, 6>> acctArguments(std::string_view formula
 std::optional<std::array<std::string, 3>> refArguments(std::string_view formula)
 {
     return CallReader(formula).arguments<3>("REF_F");
+}
+
+std::string withQuotesDoubled(std::string_view argument)
+{
+    return areQuotesDoubled(argument) ? std::string(argument) : quotes::doubled(argument, '"');
+}
+
+std::string withQuotesRead(std::string_view argument)
+{
+    return areQuotesDoubled(argument) ? quotes::within('"' + std::string(argument) + '"')
+                                      : std::string(argument);
 }
 
 } // namespace selfreport

@@ -21,4 +21,10 @@ std::optional<std::array<std::string, 6>> acctArguments(std::string_view formula
 /// As acctArguments, for `REF_F` and its three arguments.
 std::optional<std::array<std::string, 3>> refArguments(std::string_view formula);
 
+/// A text that has a quote of its own, as a formula writes it: "6\"管" gives "6\"\"管". One whose quotes are
+/// all doubled already stays as it is.
+std::string withQuotesDoubled(std::string_view argument);
+/// What a formula with that text between quotes means: "6\"\"管" and "6\"管" are both "6\"管".
+std::string withQuotesRead(std::string_view argument);
+
 } // namespace selfreport

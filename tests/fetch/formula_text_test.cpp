@@ -32,5 +32,25 @@ TEST(FormulaText, CallsAreReadBackWhateverTheirBlanks)
         EXPECT_FALSE(acctArguments(other)) << other;
 }
 
+TEST(FormulaText, AQuoteIsDoubledOnceAndReadOnce)
+{
+    const struct {
+        const char* typed;
+        const char* written;
+        const char* read;
+    } texts[] = {
+        {"", "", ""},
+        {"1001", "1001", "1001"},
+        {"6\"管", "6\"\"管", "6\"管"},
+        {"6\"\"管", "6\"\"管", "6\"管"},
+        {"\"", "\"\"", "\""},
+        {"\"a\"\"b", "\"\"a\"\"\"\"b", "\"a\"\"b"}, // one alone: none of them is written for a formula yet
+    };
+    for (const auto& [typed, written, read] : texts) {
+        EXPECT_EQ(withQuotesDoubled(typed), written) << typed;
+        EXPECT_EQ(withQuotesRead(typed), read) << typed;
+    }
+}
+
 } // namespace
 } // namespace selfreport

@@ -1,6 +1,7 @@
 #include "windows/formulas/CallPreview.h"
 
 #include "fetch/call_trial.h"
+#include "fetch/formula_text.h"
 #include "platform/list_grid/ListGrid.h"
 #include "reports/ReportContext.h"
 
@@ -49,7 +50,7 @@ CallPreview::CallPreview(const ReportContext& context, QWidget* parent)
 
 void CallPreview::textsChanged(const std::array<std::string, 6>& texts)
 {
-    m_texts = texts;
+    std::ranges::transform(texts, m_texts.begin(), withQuotesRead);
     m_pause.start();
 }
 

@@ -66,7 +66,7 @@ void frmFunctionInput::setArguments(const std::array<std::string, 6>& arguments)
 
 void frmFunctionInput::cmdXPOK_Click()
 {
-    if (writeFormula(m_cell, acctFormula(m_txt->texts<std::array<std::string, 6>>())))
+    if (writeCall(m_cell, m_txt->texts<std::array<std::string, 6>>(), acctFormula))
         close();
 }
 

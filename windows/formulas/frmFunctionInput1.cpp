@@ -43,7 +43,7 @@ void frmFunctionInput1::setArguments(const std::array<std::string, 3>& arguments
 
 void frmFunctionInput1::cmdXPOK_Click()
 {
-    if (writeFormula(m_cell, refFormula(m_txt->texts<std::array<std::string, 3>>())))
+    if (writeCall(m_cell, m_txt->texts<std::array<std::string, 3>>(), refFormula))
         close();
 }
 

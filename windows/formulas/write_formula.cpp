@@ -5,9 +5,11 @@
 
 namespace selfreport {
 
-bool writeFormula(FormulaCell& cell, const std::string& formula)
+bool writeFormula(FormulaCell& cell, const std::string& formula, const std::string& otherwise)
 {
-    const spreadsheet::Refusal refused = cell.writeFormula(QString::fromStdString(formula));
+    spreadsheet::Refusal refused = cell.writeFormula(QString::fromStdString(formula));
+    if (refused && otherwise != formula)
+        refused = cell.writeFormula(QString::fromStdString(otherwise));
     if (refused)
         cell.context.database.tell(Icon::critical, refused.reason());
     return !refused;

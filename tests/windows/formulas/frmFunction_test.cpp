@@ -171,6 +171,13 @@ TEST_F(FormulaDialogs, CallIsPutIntoWordsAndFetchedOnceTypingPauses)
     EXPECT_TRUE(text("lblValue").startsWith("科目“10010”不存在,最接近的是“1001”"))
         << text("lblValue").toStdString();
     EXPECT_EQ(control<ListGrid>(dialog, "vsfAccounts").rowCount(), 1);
+    for (const char* code : {"6\"管", "6\"\"管"}) { // as typed and as a formula has it
+        type(dialog, {code});
+        ASSERT_TRUE(QTest::qWaitFor([&] { return text("lblValue").contains("管"); }));
+        EXPECT_TRUE(text("lblValue").startsWith("科目“6\"管”不存在")) << text("lblValue").toStdString();
+        type(dialog, {"1001"});
+        ASSERT_TRUE(QTest::qWaitFor([&] { return text("lblValue").contains("100.25"); }));
+    }
     EXPECT_TRUE(ledger.boxes.said.empty());
 }
 
