@@ -3,13 +3,40 @@
 #include "fetch/report_functions.h"
 #include "fetch/ReportEvaluation.h"
 #include "fetch/SharedFetches.h"
+#include "platform/database/session/names.h"
 #include "platform/services/UserWait.h"
 #include "spreadsheet/calculation/Recalculation.h"
 #include "spreadsheet/files/content/content.h"
+#include "text/ascii.h"
 
+#include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace selfreport {
+
+namespace {
+
+/// Whether a formula calls `REF_F` outside its quoted texts and sheet names.
+bool callsReports(std::string_view formula)
+{
+    constexpr std::string_view name = "REF_F";
+    const auto continuesName = [](char c) {
+        return ascii::isLetter(c) || ascii::isDigit(c) || c == '_' || c == '.' || c < 0;
+    };
+    for (std::size_t at = 0; at < formula.size(); ++at) {
+        const char c = formula[at];
+        if (c == '"' || c == '\'')
+            at = std::min(formula.find(c, at + 1), formula.size());
+        else if (sameName(formula.substr(at, name.size()), name) &&
+                 (at == 0 || !continuesName(formula[at - 1])) &&
+                 trimmed(formula.substr(at + name.size())).starts_with('('))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
 
 frmEditor1::frmEditor1(DatabaseAccess& database, SharedFetches* shared)
     : m_database(database)
@@ -31,6 +58,7 @@ void frmEditor1::load(std::span<const std::byte> content)
 
 void frmEditor1::open(std::span<const std::byte> content)
 {
+    m_readers.reset();
     spreadsheet::loadContent(fps1, content);
     showStoredValues(fps1);
 }
@@ -114,6 +142,30 @@ bool frmEditor1::isBehind(const spreadsheet::SheetCell& caller, const spreadshee
     const spreadsheet::CallPlace place{fps1.sheetIndexOfId(caller.sheetId), caller.cell.column,
                                        caller.cell.row};
     return place == cell || fps1.recalculation().isComputedFrom(cell, place);
+}
+
+std::vector<spreadsheet::CallPlace> frmEditor1::readersOfReports() const
+{
+    std::vector<spreadsheet::CallPlace> readers;
+    for (int index = 1; index <= fps1.sheetCount(); ++index) {
+        const spreadsheet::Sheet& sheet = fps1.sheet(index);
+        const int lastRow = sheet.lastDataRow();
+        const int lastColumn = sheet.lastDataColumn();
+        for (int column = 1; column <= lastColumn; ++column)
+            for (int row = 1; row <= lastRow; ++row)
+                if (sheet.hasFormula({column, row}) && callsReports(sheet.formula({column, row})))
+                    readers.push_back({index, column, row});
+    }
+    return readers;
+}
+
+bool frmEditor1::readsReports(spreadsheet::CallPlace cell)
+{
+    if (!m_readers)
+        m_readers = readersOfReports();
+    return std::ranges::any_of(*m_readers, [&](const spreadsheet::CallPlace& reader) {
+        return reader == cell || fps1.recalculation().isComputedFrom(cell, reader);
+    });
 }
 
 void frmEditor1::fps1_CustomFunction(spreadsheet::FunctionCall& call)

@@ -6,8 +6,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <set>
 #include <span>
+#include <vector>
 
 namespace selfreport {
 
@@ -40,6 +42,8 @@ public:
     /// Of a cell all of whose own calls came to nothing without doubt the worst of their states, else
     /// `value`.
     CallState plainStateOf(spreadsheet::CallPlace cell) const;
+    /// Whether a cell calls `REF_F`, which means nothing here, or is computed from one that does.
+    bool readsReports(spreadsheet::CallPlace cell);
 
     spreadsheet::Workbook fps1;
     std::int16_t isShowFormula = 0; ///< never set to 1: the callback always evaluates
@@ -48,12 +52,14 @@ public:
 private:
     std::shared_ptr<const LedgerFetch> doubtfulInForm(const spreadsheet::CallPlace& cell) const;
     bool isBehind(const spreadsheet::SheetCell& caller, const spreadsheet::CallPlace& cell);
+    std::vector<spreadsheet::CallPlace> readersOfReports() const;
     void fps1_CustomFunction(spreadsheet::FunctionCall& call);
     void prepare(std::span<spreadsheet::PreparedCall> calls);
 
     DatabaseAccess& m_database;
     SharedFetches* m_shared;
     std::set<LedgerArguments>* m_gathered = nullptr; ///< while calls are only looked for
+    std::optional<std::vector<spreadsheet::CallPlace>> m_readers; ///< of reports, once somebody has asked
 };
 
 } // namespace selfreport

@@ -44,6 +44,22 @@ std::optional<int> namedSheet(const spreadsheet::Workbook& workbook, std::string
     return static_cast<int>(index);
 }
 
+/// Says why a cell hands over an error's name.
+void explainError(ReferenceAnswer& answer, frmEditor1& hidden, const ReportReference& reference,
+                  const spreadsheet::CallPlace& place)
+{
+    const spreadsheet::Value value = hidden.fps1.sheet(place.sheet).value({place.column, place.row});
+    if (!value.isError() || answer.doubtful)
+        return;
+    answer.reason = "报表" + quoted(reference.report) + "的单元格" + reference.cell;
+    if (value.error() == spreadsheet::CellError::name && hidden.readsReports(place)) {
+        answer.reason += "本身要取别的报表的数，REF_F只取一层";
+        answer.state = CallState::missing;
+    } else {
+        answer.reason += "是错误值" + std::string(spreadsheet::errorText(value.error()));
+    }
+}
+
 } // namespace
 
 ReferencedCell parseReferencedCell(std::string_view name)
@@ -130,6 +146,8 @@ ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& re
         answer.text = workbook.sheet(place->sheet).textByType({place->column, place->row});
         answer.doubtful = hidden.doubtfulBehind(*place, tellsKinds);
         answer.state = std::max(answer.state, hidden.plainStateOf(*place));
+        if (isSilent)
+            explainError(answer, hidden, reference, *place);
     }
     if (!isSilent)
         return answer;
@@ -138,7 +156,7 @@ ReferenceAnswer readReferencedCell(frmEditor1& hidden, const ReportReference& re
         answer.reason = "单元格名称" + quoted(reference.cell) + "读不出列，按第1列取数";
     else if (!named && !reference.sheetTab.empty())
         answer.reason = "报表" + quoted(reference.report) + "没有第" + quoted(reference.sheetTab) + "个标签";
-    else if (answer.text.empty())
+    else if (answer.reason.empty() && answer.text.empty())
         answer.reason = "报表" + quoted(reference.report) + "的单元格" + reference.cell + "为空";
     const bool isElsewhere = !cell.columnIsNamed || (!named && !reference.sheetTab.empty());
     if (isElsewhere)

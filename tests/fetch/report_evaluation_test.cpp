@@ -152,7 +152,8 @@ TEST(Evaluation, ReferencesAndWhatTheyShow)
     const test::TestLedger ledger;
     {
         Workbook referenced;
-        fill(referenced.sheet(1), {closing("1001"), "REF_F(\"乙表\" ,\"A1\" , \"\")", "1234.5*2"});
+        fill(referenced.sheet(1), {closing("1001"), "REF_F(\"乙表\" ,\"A1\" , \"\")", "1234.5*2", "A2+1",
+                                   "1/0", "IFERROR(A4,5)", "\"REF_F(\"&NoSuch(1)"});
         demand(referenced.addSheet("第二页"));
         referenced.sheet(2).setText({27, 3}, "文字");
         referenced.sheet(2).setText({1, 5}, "ABC5");
@@ -174,7 +175,11 @@ TEST(Evaluation, ReferencesAndWhatTheyShow)
         {R"(REF_F("丙'表'" ,"A1" , "1"))", "", "没有名为“丙'表'”的报表"},
         {R"(REF_F("甲'表" ,"a1" , "1"))", "100.25", ""},
         {R"(ref_f("甲'表" ,"1A" , "1"))", "100.25", ""},
-        {R"(REF_F("甲'表" ,"A2" , "1"))", "#NAME?", ""}, // not evaluated there
+        {R"(REF_F("甲'表" ,"A2" , "1"))", "#NAME?", "A2本身要取别的报表的数"}, // not evaluated there
+        {R"(REF_F("甲'表" ,"A4" , "1"))", "#NAME?", "A4本身要取别的报表的数"},
+        {R"(REF_F("甲'表" ,"A5" , "1"))", "#DIV/0!", "A5是错误值#DIV/0!"},
+        {R"(REF_F("甲'表" ,"A6" , "1"))", "5", ""},
+        {R"(REF_F("甲'表" ,"A7" , "1"))", "#NAME?", "A7是错误值#NAME?"},
         {R"(REF_F("甲'表" ,"A3" , "1"))", "2469", ""},
         {R"(REF_F("甲'表" ,"AA3" , "2"))", "文字", ""},
         {R"(REF_F("甲'表" ,"AA3" , ""))", "文字", ""}, // the sheet that it opens on
@@ -186,7 +191,7 @@ TEST(Evaluation, ReferencesAndWhatTheyShow)
         {R"(REF_F("没有" ,"A1" , ""))", "", "没有名为“没有”的报表"},
         {R"(REF_F("坏表" ,"A1" , ""))", "", "内容"},
         {R"(REF_F("空表" ,"A1" , ""))", "", "内容"},
-        {R"(REF_F("自己" ,"A1" , ""))", "#NAME?", ""},
+        {R"(REF_F("自己" ,"A1" , ""))", "#NAME?", "A1本身要取别的报表的数"},
         {R"(REF_F("自己" ,"A2" , ""))", "2000.50", ""},
     };
     for (const Case& c : cases) {
