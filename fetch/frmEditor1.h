@@ -58,7 +58,7 @@ private:
 
     DatabaseAccess& m_database;
     SharedFetches* m_shared;
-    std::set<LedgerArguments>* m_gathered = nullptr; ///< while calls are only looked for
+    std::set<LedgerArguments>* m_gathered = nullptr;              ///< while calls are only looked for
     std::optional<std::vector<spreadsheet::CallPlace>> m_readers; ///< of reports, once somebody has asked
 };
 

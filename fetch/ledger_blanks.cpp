@@ -3,6 +3,12 @@
 #include "fetch/LedgerQuestions.h"
 #include "platform/database/dialect/sql_text.h"
 
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <set>
+#include <string_view>
+
 namespace selfreport {
 
 namespace {
@@ -32,24 +38,37 @@ bool hasBlanks(const LedgerArguments& arguments)
     return arguments.year.empty() || arguments.firstPeriod.empty() || arguments.lastPeriod.empty();
 }
 
-void addBlanks(LedgerQuestions& questions, const LedgerArguments& arguments)
+// A run asks for few years with many calls: the texts of its questions are made once a year.
+
+void addBlanks(LedgerQuestions& questions, std::span<const LedgerArguments> calls)
 {
-    if (arguments.year.empty())
+    if (std::ranges::any_of(calls, [](const LedgerArguments& call) { return call.year.empty(); }))
         questions.addNumber(latestYear);
-    if (arguments.lastPeriod.empty())
-        questions.addNumber(lastPeriodOf(arguments.year));
+    std::set<std::string_view> years;
+    for (const LedgerArguments& call : calls)
+        if (call.lastPeriod.empty() && years.insert(call.year).second)
+            questions.addNumber(lastPeriodOf(call.year));
 }
 
-LedgerArguments withBlanksFilled(const LedgerQuestions& answers, LedgerArguments arguments)
+std::vector<LedgerArguments> withBlanksFilled(const LedgerQuestions& answers,
+                                              std::vector<LedgerArguments> calls)
 {
-    if (arguments.firstPeriod.empty())
-        arguments.firstPeriod = "1";
-    if (arguments.lastPeriod.empty())
-        if (const auto last = answers.number(lastPeriodOf(arguments.year)))
-            arguments.lastPeriod = last->empty() ? "1" : *last;
-    if (arguments.year.empty())
-        arguments.year = answers.number(latestYear).value_or("");
-    return arguments;
+    std::map<std::string, std::optional<std::string>> lastPeriods;
+    const std::optional<std::string> latest = answers.number(latestYear);
+    for (LedgerArguments& call : calls) {
+        if (call.firstPeriod.empty())
+            call.firstPeriod = "1";
+        if (call.lastPeriod.empty()) {
+            const auto [found, isNew] = lastPeriods.try_emplace(call.year);
+            if (isNew)
+                found->second = answers.number(lastPeriodOf(call.year));
+            if (const auto& last = found->second)
+                call.lastPeriod = last->empty() ? "1" : *last;
+        }
+        if (call.year.empty())
+            call.year = latest.value_or("");
+    }
+    return calls;
 }
 
 } // namespace selfreport

@@ -1,6 +1,9 @@
 #pragma once
 #include "fetch/ledger_fetch.h"
 
+#include <span>
+#include <vector>
+
 namespace selfreport {
 
 class LedgerQuestions;
@@ -10,10 +13,11 @@ class LedgerQuestions;
 /// Whether a call leaves a year or period to the procedure.
 bool hasBlanks(const LedgerArguments& arguments);
 
-/// Asks what the procedure takes the blanks of a call for.
-void addBlanks(LedgerQuestions& questions, const LedgerArguments& arguments);
+/// Asks what the procedure takes the blanks of the calls for.
+void addBlanks(LedgerQuestions& questions, std::span<const LedgerArguments> calls);
 
 /// The arguments as the procedure takes them. What the ledger did not tell, or was not asked, stays blank.
-LedgerArguments withBlanksFilled(const LedgerQuestions& answers, LedgerArguments arguments);
+std::vector<LedgerArguments> withBlanksFilled(const LedgerQuestions& answers,
+                                              std::vector<LedgerArguments> calls);
 
 } // namespace selfreport

@@ -241,8 +241,7 @@ Explanation explained(const LedgerFetch& fetch, const std::function<Explanation(
 LedgerQuestions answersFor(Connection& connection, const FetchesToExplain& fetches)
 {
     LedgerQuestions questions;
-    for (const LedgerArguments& arguments : fetches.withBlanks)
-        addBlanks(questions, arguments);
+    addBlanks(questions, fetches.withBlanks);
     for (const LedgerFetch& fetch : fetches.doubtful)
         if (isOpen(fetch)) {
             addNames(questions, fetch.arguments);
@@ -314,8 +313,7 @@ FetchExplanations explainFetches(const FetchesToExplain& fetches, const Database
                            : Explanation{unanswered, outcomeUnexplained(fetch.answer), CallState::failed};
         }));
     if (answers)
-        for (const LedgerArguments& arguments : fetches.withBlanks)
-            found.filled.push_back(withBlanksFilled(*answers, arguments));
+        found.filled = withBlanksFilled(*answers, fetches.withBlanks);
     return found;
 }
 
