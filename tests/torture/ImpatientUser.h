@@ -18,10 +18,12 @@ class ImpatientUser : public UserWait {
 public:
     using Clock = std::chrono::steady_clock;
 
+    ~ImpatientUser() override { std::ranges::for_each(m_leftBehind, &std::thread::detach); }
+
     CallEnd runApart(std::function<void()> call, std::function<void()> stop) override
     {
         std::packaged_task<void()> task(std::move(call));
-        std::future<void> ended = task.get_future();
+        const std::future<void> ended = task.get_future();
         std::thread thread(std::move(task));
         std::optional<Clock::time_point> cancelledAt;
         bool isLeft = false;
@@ -35,19 +37,21 @@ public:
         }
         if (cancelledAt)
             waited = std::max<Clock::duration>(waited, Clock::now() - *cancelledAt);
-        isLeft ? thread.detach() : thread.join();
         if (isLeft)
-            m_leftBehind.push_back(std::move(ended));
+            m_leftBehind.push_back(std::move(thread));
+        else
+            thread.join();
         return isLeft ? CallEnd::leftBehind : cancelledAt ? CallEnd::cancelled : CallEnd::done;
     }
     bool pause() override { return isSilent; }
     bool isCancelled() const override { return false; } ///< each call is asked about by itself
 
-    /// Until the calls have ended that were left behind.
-    void awaitLeftBehind() const
+    /// Until the calls that were left behind have ended, and closed what they held.
+    void awaitLeftBehind()
     {
-        for (const std::future<void>& ended : m_leftBehind)
-            ended.wait();
+        for (std::thread& thread : m_leftBehind)
+            thread.join();
+        m_leftBehind.clear();
     }
 
     std::atomic<bool> isSilent = false;
@@ -55,7 +59,7 @@ public:
     Clock::duration waited{}; ///< longest time from a cancellation until it could go on
 
 private:
-    std::vector<std::future<void>> m_leftBehind;
+    std::vector<std::thread> m_leftBehind;
 };
 
 } // namespace selfreport::torture
