@@ -18,6 +18,8 @@ struct StoredPageSetup {
     double top = defaultMargin, bottom = defaultMargin, left = defaultMargin,
            right = defaultMargin; ///< inches
     std::int64_t direction = 1;   ///< 1: portrait; any other value: landscape
+
+    friend bool operator==(const StoredPageSetup&, const StoredPageSetup&) = default;
 };
 
 /// Of the first row, each null as its default; the defaults if there is no row.

@@ -236,6 +236,30 @@ std::optional<int> PageLayout::rowSize(int row) const
     return m_titleRows.size(row);
 }
 
+int PageLayout::footerTop() const
+{
+    int top = m_printable.bottom();
+    for (const HeaderLine& line : m_footer)
+        top -= headerLineHeight(line);
+    return top;
+}
+
+std::string PageLayout::titlesLeftOut() const
+{
+    const auto areLeftOut = [this](const Titles& titles, int capacity, auto bands) {
+        return isLeftOut(titles.repeated(), capacity) && std::ranges::any_of(m_parts, [&](const Part& part) {
+                   return std::ranges::any_of(part.*bands, [&](const PageBand& band) {
+                       return band.first > titles.repeated().last;
+                   });
+               });
+    };
+    if (areLeftOut(m_titleRows, m_body.height - m_columnHeadingHeight, &Part::rowBands))
+        return "重复的行高于半页，没有在各页重复";
+    if (areLeftOut(m_titleColumns, m_body.width - m_rowHeadingWidth, &Part::columnBands))
+        return "重复的列宽于半页，没有在各页重复";
+    return {};
+}
+
 HeaderFieldValues PageLayout::fieldValues(int number) const
 {
     HeaderFieldValues values = m_fields;

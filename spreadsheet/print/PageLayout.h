@@ -88,6 +88,9 @@ public:
     const std::vector<HeaderLine>& header() const { return m_header; }
     /// The stamp's line included.
     const std::vector<HeaderLine>& footer() const { return m_footer; }
+    int footerTop() const; ///< where its first line begins
+    /// One Chinese sentence if repeated rows or columns are left out, as they would take too much of a page.
+    std::string titlesLeftOut() const;
     /// What the fields of header and footer stand for on a page.
     /// @param number  1 to pageCount()
     HeaderFieldValues fieldValues(int number) const;

@@ -3,7 +3,7 @@
 #include "spreadsheet/print/cell_backgrounds.h"
 #include "spreadsheet/print/cell_lines.h"
 #include "spreadsheet/print/cell_text.h"
-#include "spreadsheet/print/header_places.h"
+#include "spreadsheet/print/header_pieces.h"
 #include "spreadsheet/print/page_rect.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/print/PageText.h"
@@ -24,7 +24,6 @@ constexpr int lineRoom = 15; // twips around the cells that a border on their ou
 constexpr BorderLine frameLine{LineStyle::solid, 0x000000};
 constexpr BorderLine headingLine{LineStyle::fineSolid, 0x606060};
 constexpr Colour headingShadow = 0xDCDCDC;
-constexpr double partGap = 120; // twips between two parts of a header line
 
 /// Where the tracks of a band begin, behind the repeated ones.
 int bandStart(const std::vector<PageTrack>& tracks, const PageBand& band)
@@ -98,10 +97,7 @@ void PagePainter::paint(QPainter& painter, int number)
         paintTable(painter, page);
     m_fields = m_layout.fieldValues(number);
     paintHeaderLines(painter, m_layout.header(), m_layout.printable().top);
-    int footerTop = m_layout.printable().bottom();
-    for (const HeaderLine& line : m_layout.footer())
-        footerTop -= headerLineHeight(line);
-    paintHeaderLines(painter, m_layout.footer(), footerTop);
+    paintHeaderLines(painter, m_layout.footer(), m_layout.footerTop());
     painter.restore();
 }
 
@@ -216,14 +212,7 @@ void PagePainter::paintHeaderLines(QPainter& painter, const std::vector<HeaderLi
 
 void PagePainter::paintHeaderLine(QPainter& painter, const HeaderLine& line, double baseline)
 {
-    std::array<std::vector<TextLine>, 3> pieces;
-    std::array<double, 3> widths{};
-    for (std::size_t part = 0; part < pieces.size(); ++part)
-        for (const HeaderRun& run : line.parts[part]) {
-            pieces[part].push_back(pieceOf(run));
-            widths[part] += pieces[part].back().width;
-        }
-    const HeaderPlaces places = placeHeaderParts(widths, m_layout.printable().width, partGap);
+    const auto& [pieces, widths, places] = headerPieces(line, m_fields, m_layout.printable().width, m_text);
     painter.save();
     painter.translate(m_layout.printable().left, baseline);
     painter.scale(places.scale, places.scale);
@@ -238,15 +227,6 @@ void PagePainter::paintHeaderLine(QPainter& painter, const HeaderLine& line, dou
         }
     }
     painter.restore();
-}
-
-TextLine PagePainter::pieceOf(const HeaderRun& run)
-{
-    const std::string filled = run.pageNumber ? m_fields[static_cast<std::size_t>(HeaderField::page)]
-                                              : withFields(run.text, m_fields);
-    const QString text = QString::fromUtf8(filled).replace('\n', ' ');
-    const HeaderFont& font = run.font;
-    return m_text.lines(text, m_text.font({font.family, font.points, font.bold, font.italic})).front();
 }
 
 } // namespace spreadsheet

@@ -9,7 +9,6 @@ namespace spreadsheet {
 
 class PageCells;
 class PageText;
-struct TextLine;
 class Sheet;
 
 /// Draws pages of a layout. The painter's unit is the twip and its origin the paper's top left corner;
@@ -34,7 +33,6 @@ private:
     void paintBorder(QPainter& painter, const PrintedPage& page);
     void paintHeaderLines(QPainter& painter, const std::vector<HeaderLine>& lines, int top);
     void paintHeaderLine(QPainter& painter, const HeaderLine& line, double baseline);
-    TextLine pieceOf(const HeaderRun& run);
 
     const Sheet& m_sheet;
     const PageLayout& m_layout;

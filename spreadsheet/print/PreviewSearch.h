@@ -10,9 +10,9 @@ namespace spreadsheet {
 
 class PreviewPages;
 
-/// Searches a text in the cells of pages. A hit is a cell that shows it, on each page on which the cell
-/// stands. Pages are read when they are asked for: a report may have thousands. Once the pages have changed,
-/// the hits are those of the new ones.
+/// Searches a text in pages. A hit is a cell that shows it, or a part of header or footer, on each page on
+/// which it stands. Pages are read when they are asked for: a report may have thousands. Once the pages have
+/// changed, the hits are those of the new ones.
 class PreviewSearch {
 public:
     struct Hit {

@@ -13,7 +13,7 @@ public:
         , m_repeated(repeated)
         , m_breaks(breaks)
     {
-        if (repeated.length > capacity / 2)
+        if (isLeftOut(repeated, capacity))
             m_repeated.length = 0;
     }
 
@@ -59,6 +59,11 @@ private:
 };
 
 } // namespace
+
+bool isLeftOut(const RepeatedRows& repeated, int capacity)
+{
+    return repeated.length > capacity / 2;
+}
 
 std::vector<PageBand> pageBands(std::span<const int> sizes, int first, int capacity, RepeatedRows repeated,
                                 const PageBreaks& breaks)

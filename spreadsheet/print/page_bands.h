@@ -22,6 +22,9 @@ struct RepeatedRows {
     int length = 0; ///< twips; 0: nothing is repeated
 };
 
+/// Whether they would take more than half a page.
+bool isLeftOut(const RepeatedRows& repeated, int capacity);
+
 /// Rows (or columns) that begin a page wherever they stand; only entries that are true.
 using PageBreaks = std::map<int, bool>;
 
@@ -30,8 +33,7 @@ using PageBreaks = std::map<int, bool>;
 /// @param sizes     one per row in twips, 0 = hidden
 /// @param first     number of the row that sizes[0] belongs to
 /// @param capacity  twips that a page holds; greater than 0
-/// @param repeated  its length takes room from each page that repeats; left out on all pages if it
-///                  would take more than half a page
+/// @param repeated  its length takes room from each page that repeats; nothing if isLeftOut
 /// @param breaks    a break at a hidden row counts for the next one that shows
 /// @return  bands in ascending order; empty if no row shows. Hidden rows neither fill nor open a page.
 ///          A row that is larger than a page begins on a new one and goes on over the next ones.

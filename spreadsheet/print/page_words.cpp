@@ -1,8 +1,10 @@
 #include "spreadsheet/print/page_words.h"
 
+#include "spreadsheet/print/header_pieces.h"
 #include "spreadsheet/print/PageCells.h"
 
 #include <cmath>
+#include <optional>
 
 namespace spreadsheet {
 
@@ -20,6 +22,37 @@ QString shownAt(const PageCells& cells, int row, int column)
     if (belongs(row - 1, column) || belongs(row, column - 1))
         return {};
     return cells.spans()[static_cast<std::size_t>(cell.span)].anchor.text;
+}
+
+QString shownPart(const std::vector<HeaderRun>& runs, const HeaderFieldValues& fields)
+{
+    QString shown;
+    for (const HeaderRun& run : runs)
+        shown += shownRun(run, fields);
+    return shown;
+}
+
+/// Lines of a header or footer, the first one at `top`. Measured are only those that show the text.
+void addHeaderHits(std::vector<QRect>& hits, const std::vector<HeaderLine>& lines, int top,
+                   const PageLayout& layout, int number, const QString& text)
+{
+    const HeaderFieldValues fields = layout.fieldValues(number);
+    const PageBox& printable = layout.printable();
+    for (const HeaderLine& line : lines) {
+        std::optional<HeaderPieces> pieces;
+        for (std::size_t part = 0; part < line.parts.size(); ++part) {
+            if (!shownPart(line.parts[part], fields).contains(text, Qt::CaseInsensitive))
+                continue;
+            PageText measure;
+            if (!pieces)
+                pieces = headerPieces(line, fields, printable.width, measure);
+            const HeaderPlaces& places = pieces->places;
+            hits.emplace_back(printable.left + static_cast<int>(places.left[part] * places.scale), top,
+                              static_cast<int>(std::ceil(pieces->widths[part] * places.scale)),
+                              headerLineHeight(line));
+        }
+        top += headerLineHeight(line);
+    }
 }
 
 } // namespace
@@ -56,6 +89,7 @@ std::vector<QRect> pageHits(const Sheet& sheet, const PageLayout& layout, int nu
                      QPoint(scaled(box.right(), body.left) - 1, scaled(box.bottom(), body.top) - 1));
     };
     std::vector<QRect> hits;
+    addHeaderHits(hits, layout.header(), layout.printable().top, layout, number, text);
     for (int row = 0; row < cells.rows(); ++row)
         for (int column = 0; column < cells.columns(); ++column) {
             if (!shownAt(cells, row, column).contains(text, Qt::CaseInsensitive))
@@ -64,6 +98,7 @@ std::vector<QRect> pageHits(const Sheet& sheet, const PageLayout& layout, int nu
             hits.push_back(onPaper(span < 0 ? cells.boxOf(row, column)
                                             : cells.spans()[static_cast<std::size_t>(span)].visible));
         }
+    addHeaderHits(hits, layout.footer(), layout.footerTop(), layout, number, text);
     return hits;
 }
 

@@ -13,8 +13,8 @@ class Sheet;
 /// @param number  1 to layout.pageCount()
 QString pageWords(const Sheet& sheet, const PageLayout& layout, int number);
 
-/// Where the cells stand that show a text, which is not empty, in either letter case: twips from the paper's
-/// corner.
+/// Where the parts of header and footer and the cells stand that show a text, which is not empty, in either
+/// letter case: twips from the paper's corner, from top to bottom.
 std::vector<QRect> pageHits(const Sheet& sheet, const PageLayout& layout, int number, const QString& text);
 
 } // namespace spreadsheet

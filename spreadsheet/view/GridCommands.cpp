@@ -100,6 +100,8 @@ void GridCommands::travelInTime(std::optional<ChangedCells> (UndoJournal::*trave
     const auto names = sheetNames(m_control.cells().workbook());
     const int shownId = m_control.cells().shownSheet().id();
     const Book* const book = &m_control.cells().workbook().book();
+    const std::uint64_t design = m_control.cells().workbook().designRevision();
+    const PrintSettings print = m_control.cells().workbook().sheet(1).settings().print;
     const auto changed = (m_control.cells().workbook().journal().*travel)(); // afterEdit recalculates
     if (&m_control.cells().workbook().book() != book) {
         m_control.cells().setWorkbook(&m_control.cells().workbook()); // another content: from its first cell
@@ -119,6 +121,8 @@ void GridCommands::travelInTime(std::optional<ChangedCells> (UndoJournal::*trave
     if (changed && !showsAnother && !isSelected)
         m_control.cursor().showRange(m_control.cells().workbook().sheetIndexOfId(changed->sheetId),
                                      changed->range);
+    if (m_control.cells().workbook().sheet(1).settings().print != print)
+        Q_EMIT m_control.printSettingsTravelled(m_control.cells().workbook().designRevision() == design);
 }
 
 void GridCommands::undo()

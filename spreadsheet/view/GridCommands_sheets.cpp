@@ -6,6 +6,33 @@
 
 namespace spreadsheet {
 
+/// What all sheets of a report have alike.
+static void takeReportsPrint(PrintSettings& print, const PrintSettings& other)
+{
+    print.marginTop = other.marginTop;
+    print.marginBottom = other.marginBottom;
+    print.marginLeft = other.marginLeft;
+    print.marginRight = other.marginRight;
+    print.landscape = other.landscape;
+    print.header = other.header;
+    print.footer = other.footer;
+    print.paperWidth = other.paperWidth;
+    print.paperHeight = other.paperHeight;
+}
+
+/// Behind the others, printed as the given one.
+static Refusal addSheetLike(Workbook& workbook, const Sheet& other, const std::string& name)
+{
+    const UndoStep step(workbook, "插入表");
+    const PrintSettings print = other.settings().print;
+    if (auto refused = workbook.addSheet(name))
+        return refused;
+    workbook.sheet(workbook.sheetCount()).changeSettings([&](SheetSettings& settings) {
+        takeReportsPrint(settings.print, print);
+    });
+    return {};
+}
+
 void GridCommands::addSheet()
 {
     if (m_control.refuseInRun() || !m_control.entry().commit())
@@ -17,10 +44,12 @@ void GridCommands::addSheet()
     int number = m_control.cells().workbook().sheetCount() + 1;
     while (m_control.cells().workbook().sheetIndex("Sheet" + std::to_string(number)) != 0)
         ++number;
+    Workbook& workbook = m_control.cells().workbook();
     if (!m_control.cursor().leave(-1, -1) ||
-        m_control.refuse(m_control.cells().workbook().addSheet("Sheet" + std::to_string(number))))
+        m_control.refuse(addSheetLike(m_control.cells().workbook(), m_control.cells().shownSheet(),
+                                      "Sheet" + std::to_string(number))))
         return;
-    m_control.cells().setActiveSheet(m_control.cells().workbook().sheetCount());
+    m_control.cells().setActiveSheet(workbook.sheetCount());
     Q_EMIT m_control.sheetsChanged();
     Q_EMIT m_control.undoChanged();
 }

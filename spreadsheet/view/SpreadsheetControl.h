@@ -129,6 +129,9 @@ Q_SIGNALS:
     void viewChanged();               ///< scrolled, zoomed, rows or columns resized
     void refused(const QString& why); ///< one Chinese sentence for the status bar
     void undoChanged();               ///< what undo and redo would do may have changed
+    /// Undo or redo has given the sheets other print settings.
+    /// @param alone  and changed nothing of the design
+    void printSettingsTravelled(bool alone);
 
 protected:
     bool event(QEvent* event) override;

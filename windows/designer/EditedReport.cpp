@@ -43,12 +43,14 @@ void EditedReport::beginNew()
     m_context.report.header.clear(); // those of the report before
     m_context.report.footer.clear();
     m_stored = {};
+    m_pageSetups.clear();
     m_isUnread = false;
 }
 
 bool EditedReport::load(std::string& name, spreadsheet::Workbook& workbook)
 {
     m_isUnread = !loadReport(m_context, name, workbook, &m_stored);
+    m_pageSetups.begin(m_stored.pageSetup, workbook.sheet(1).settings().print);
     if (!m_isUnread && !m_stored.unreadable.empty())
         m_context.database.tell(Icon::exclamation, leftOutText(m_stored.unreadable));
     return !m_isUnread;
@@ -91,6 +93,8 @@ std::optional<std::string_view> EditedReport::insert(const std::string& name,
         return std::nullopt;
     m_context.report.editFlag = 1;
     m_isUnread = false;
+    if (!setup) // the row has none of its own, whatever the sheets show
+        m_pageSetups.begin({}, {});
     return inserted;
 }
 
@@ -107,6 +111,7 @@ std::optional<std::string_view> EditedReport::insertAgain(const std::string& nam
     }
     m_context.report.id = m_stored.id;
     m_context.report.editFlag = 1;
+    m_pageSetups.begin({}, {});
     return inserted;
 }
 
@@ -121,8 +126,10 @@ std::optional<std::string_view> EditedReport::replace(std::string& name, spreads
         const auto* const conflict = std::get_if<SaveConflict>(&outcome);
         if (!conflict) {
             m_context.report.id = m_stored.id;
-            if (std::exchange(m_isUnread, false))
+            if (std::exchange(m_isUnread, false)) {
                 applyPageSetup(workbook, m_stored.pageSetup); // that of the row, which was not loaded either
+                m_pageSetups.begin(m_stored.pageSetup, workbook.sheet(1).settings().print);
+            }
             return store == updateReport ? replaced : inserted;
         }
         switch (choiceFor(*conflict, name)) {
@@ -168,6 +175,12 @@ EditedReport::Choice EditedReport::choiceFor(const SaveConflict& conflict, const
     }
     const auto chosen = dialogs().choose(Icon::question, m_context.title, question.text, question.buttons);
     return chosen ? question.choices[*chosen] : Choice::cancel;
+}
+
+void EditedReport::pageSetupStored(const StoredPageSetup& setup, const spreadsheet::PrintSettings& shown)
+{
+    m_stored.pageSetup = setup;
+    m_pageSetups.note(setup, shown);
 }
 
 /// A copy keeps the page set-up of the report that it was made from.

@@ -1,5 +1,6 @@
 #pragma once
 #include "state/report_procedures.h"
+#include "windows/designer/PageSetupHistory.h"
 
 #include <functional>
 #include <optional>
@@ -49,8 +50,12 @@ public:
         return [stored = m_stored](Connection& open) { return isRowOf(open, stored); };
     }
 
-    /// The page set-up that the row is known to hold. Who stores one writes it here too.
-    StoredPageSetup& pageSetup() { return m_stored.pageSetup; }
+    /// The page set-up that the row is known to hold.
+    const StoredPageSetup& pageSetup() const { return m_stored.pageSetup; }
+    /// The row has been given another one, which the sheets show.
+    void pageSetupStored(const StoredPageSetup& setup, const spreadsheet::PrintSettings& shown);
+    /// … and what it held before.
+    const PageSetupHistory& pageSetups() const { return m_pageSetups; }
 
 private:
     enum class Choice { cancel, overwrite, recreate, saveAsNew };
@@ -69,6 +74,7 @@ private:
 
     ReportContext& m_context;
     RememberedReport m_stored;
+    PageSetupHistory m_pageSetups;
     bool m_isUnread = false;
 };
 

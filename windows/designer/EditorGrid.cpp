@@ -6,6 +6,7 @@
 #include "windows/designer/EditorFiles.h"
 #include "windows/designer/EditorFormulas.h"
 #include "windows/designer/EditorStatus.h"
+#include "windows/printing/stored_page_setup.h"
 
 #include <QLineEdit>
 
@@ -79,17 +80,50 @@ spreadsheet::Refusal frmEditor::EditorGrid::pageSetupRefusal() const
     return "打开时没有读出这张报表，保存以前不能改变页面设置和页眉页脚。";
 }
 
+/// Of the first sheet, as of all of them.
+static const spreadsheet::PrintSettings& shownPrint(spreadsheet::Workbook& workbook)
+{
+    return workbook.sheet(1).settings().print;
+}
+
+bool frmEditor::EditorGrid::showsStoredMargins() const
+{
+    const PageSetupHistory& known = m_window.m_files->report().pageSetups();
+    return known.areMarginsOfRow(shownPrint(m_window.m_fps1->cells().workbook()));
+}
+
 void frmEditor::EditorGrid::pageSetupStored(const std::array<double, 4>& inches, bool isPortrait)
 {
-    StoredPageSetup& setup = m_window.m_files->report().pageSetup();
+    EditedReport& report = m_window.m_files->report();
+    StoredPageSetup setup = report.pageSetup();
     const auto& [left, right, top, bottom] = inches;
     setup = {setup.header, setup.footer, top, bottom, left, right, isPortrait ? 1 : 0};
+    report.pageSetupStored(setup, shownPrint(workbook()));
 }
 
 void frmEditor::EditorGrid::headerStored(bool isFooter, const std::string& codes)
 {
-    StoredPageSetup& setup = m_window.m_files->report().pageSetup();
+    EditedReport& report = m_window.m_files->report();
+    StoredPageSetup setup = report.pageSetup();
     (isFooter ? setup.footer : setup.header) = codes;
+    report.pageSetupStored(setup, shownPrint(workbook()));
+}
+
+void frmEditor::EditorGrid::pageSetupTravelled(bool alone)
+{
+    EditedReport& report = m_window.m_files->report();
+    OpenReport& open = PrintedGrid::context.report;
+    const spreadsheet::PrintSettings& shown = shownPrint(workbook());
+    if (open.editFlag == 0 || report.isUnread() || report.pageSetups().isOfRow(shown))
+        return;
+    std::optional<StoredPageSetup> setup = report.pageSetups().former(shown);
+    if (!setup && alone) // what a file brought, and the dialog replaced
+        setup = report.pageSetups().withShown(report.pageSetup(), shown);
+    if (!setup || !storePageSetup(*this, *setup))
+        return;
+    open.header = setup->header;
+    open.footer = setup->footer;
+    report.pageSetupStored(*setup, shown);
 }
 
 std::function<bool(Connection&)> frmEditor::EditorGrid::ownershipOfRow() const

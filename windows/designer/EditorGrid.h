@@ -27,9 +27,13 @@ public:
     void tellStatus(std::string_view text) override;
     void closeDesigner() override;
     spreadsheet::Refusal pageSetupRefusal() const override;
+    bool showsStoredMargins() const override;
     std::function<bool(Connection&)> ownershipOfRow() const override;
     void pageSetupStored(const std::array<double, 4>& inches, bool isPortrait) override;
     void headerStored(bool isFooter, const std::string& codes) override;
+    /// Undo has given the sheets other print settings: the row gets them too, if it gave them what was
+    /// undone.
+    void pageSetupTravelled(bool alone);
     spreadsheet::Refusal writeFormula(const QString& formula) override;
 
 private:

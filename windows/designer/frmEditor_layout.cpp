@@ -10,6 +10,7 @@
 #include "windows/designer/editor_commands.h"
 #include "windows/designer/EditorFiles.h"
 #include "windows/designer/EditorFormulas.h"
+#include "windows/designer/EditorGrid.h"
 #include "windows/designer/EditorMenuBar.h"
 #include "windows/designer/EditorStatus.h"
 #include "windows/designer/FailedFetchBar.h"
@@ -303,6 +304,8 @@ void frmEditor::connectGrid()
     m_fps1->setMovesByRightButton(true);
     connect(m_fps1, &SpreadsheetControl::editModeChanged, this, [this] { m_refusedAtClosing.clear(); });
     connect(m_fps1, &SpreadsheetControl::undoChanged, this, &frmEditor::showTitle); // with every change
+    connect(m_fps1, &SpreadsheetControl::printSettingsTravelled, this,
+            [this](bool alone) { m_grid->pageSetupTravelled(alone); });
     connect(m_files.get(), &EditorFiles::stored, this, &frmEditor::showTitle);
     connect(m_txtReportName, &QLineEdit::textChanged, this, &frmEditor::showTitle);
 }

@@ -53,6 +53,9 @@ public:
     virtual void closeDesigner() = 0;
     /// Why page set-up, header and footer may not be changed now.
     virtual spreadsheet::Refusal pageSetupRefusal() const { return {}; }
+    /// Whether the sheets show the margins and the orientation that the report's row gave them: a file that
+    /// was imported brings others.
+    virtual bool showsStoredMargins() const { return true; }
     /// Finds out whether the row under the report's id is not another report's now, and takes its lock in the
     /// transaction under way. It owns what it uses.
     virtual std::function<bool(Connection&)> ownershipOfRow() const

@@ -32,6 +32,7 @@ namespace selfreport {
 
 namespace {
 
+constexpr const char* caption = "报表打印";
 constexpr QSize board(12000, 8700); // twips
 
 std::unique_ptr<frmPreview>& instance()
@@ -89,7 +90,7 @@ frmPreview::frmPreview(PrintedGrid& grid)
     , lblPage(new QLabel(QStringLiteral("页数 ")))
 {
     setObjectName("frmPreview");
-    setWindowTitle(QStringLiteral("报表打印"));
+    setWindowTitle(QString::fromUtf8(caption));
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     auto* const places = new ProportionalLayout(this, board);
     setLayout(places);
@@ -276,6 +277,10 @@ void frmPreview::UpdatePageCount()
     lblPage->setText(QStringLiteral("第 %1 页,共 %2 页").arg(page).arg(pages));
     cmdPrevious->setEnabled(page > 1);
     cmdNext->setEnabled(page < pages);
+    const spreadsheet::PageLayout* const layout = m_fpsp1->pages().layout();
+    const std::string leftOut = layout ? layout->titlesLeftOut() : std::string();
+    setWindowTitle(QString::fromUtf8(caption) +
+                   (leftOut.empty() ? QString() : "  (" + QString::fromStdString(leftOut) + ')'));
 }
 
 void frmPreview::cmdNext_Click()

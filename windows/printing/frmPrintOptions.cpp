@@ -261,6 +261,12 @@ bool frmPrintOptions::takeTitles(PrintSettings& print)
     return true;
 }
 
+static void takePaper(PrintSettings& print, const PrintSettings& other)
+{
+    print.paperWidth = other.paperWidth;
+    print.paperHeight = other.paperHeight;
+}
+
 bool frmPrintOptions::take(PrintSettings& print)
 {
     const auto area = readArea(txtPrintArea->text().toStdString());
@@ -284,7 +290,12 @@ bool frmPrintOptions::take(PrintSettings& print)
     print.centredDown = chkCentredDown->isChecked();
     print.stamp = chkStamp->isChecked();
     print.strict = chkStrict->isChecked();
-    const std::string problem = layoutProblem(m_grid, print);
+    const std::string problem = layoutProblemOfAll(m_grid, [&](int sheet, PrintSettings& changed) {
+        if (sheet == m_grid.workbook().activeSheet())
+            changed = print;
+        else
+            takePaper(changed, print);
+    });
     return problem.empty() || refuse(problem.c_str(), *cboPaper);
 }
 
@@ -293,13 +304,15 @@ void frmPrintOptions::cmdXPOK_Click()
     PrintSettings changed = activeSheetsPrint(m_grid.workbook());
     if (!take(changed))
         return;
-    const spreadsheet::UndoStep step(m_grid.workbook(), "打印选项");
-    changeActiveSheetsPrint(m_grid.workbook(), [&](PrintSettings& print) { print = changed; });
-    changeReportsPrint(m_grid.workbook(), [&](PrintSettings& print) {
-        print.paperWidth = changed.paperWidth;
-        print.paperHeight = changed.paperHeight;
-    });
+    const std::string former = titlesLeftOut(m_grid);
+    {
+        const spreadsheet::UndoStep step(m_grid.workbook(), "打印选项");
+        changeActiveSheetsPrint(m_grid.workbook(), [&](PrintSettings& print) { print = changed; });
+        changeReportsPrint(m_grid.workbook(), [&](PrintSettings& print) { takePaper(print, changed); });
+    }
     frmPreview::refresh();
+    if (const std::string leftOut = titlesLeftOut(m_grid); !leftOut.empty() && former.empty())
+        dialogs().message(Icon::information, m_grid.context.title, leftOut + "。");
     accept();
 }
 

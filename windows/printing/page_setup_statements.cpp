@@ -41,4 +41,11 @@ std::string saveHeaderStatement(std::int64_t report, bool footer)
     return "update tblCWSelfReport set " + column + "=?  where noid=" + std::to_string(report);
 }
 
+std::string storeWholePageSetupStatement(std::int64_t report)
+{
+    return "update tblCWSelfReport set fTop=?,fBottom=?,fLeft=?,fRight=?,fDirection=?,fHeader=?,fFooter=?"
+           "  where noid=" +
+           std::to_string(report);
+}
+
 } // namespace selfreport

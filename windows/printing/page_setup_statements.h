@@ -16,4 +16,7 @@ std::string savePageSetupStatement(std::int64_t report, const std::array<double,
 /// Its one parameter is the code string.
 std::string saveHeaderStatement(std::int64_t report, bool footer);
 
+/// Its parameters are the margins top, bottom, left and right, the direction, header and footer.
+std::string storeWholePageSetupStatement(std::int64_t report);
+
 } // namespace selfreport

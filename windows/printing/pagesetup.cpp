@@ -129,11 +129,25 @@ void pagesetup::showMargin(int index, double value)
     pagemargin[static_cast<std::size_t>(index)]->showInches(*text);
 }
 
+/// What the sheets show instead of what is stored.
+void pagesetup::showShownPrint()
+{
+    const spreadsheet::PrintSettings& print = activeSheetsPrint(m_grid.workbook());
+    const int margins[] = {print.marginLeft, print.marginRight, print.marginTop, print.marginBottom};
+    for (int i = 0; i < 4; ++i)
+        showMargin(i, static_cast<double>(margins[i]) / spreadsheet::twipsPerInch);
+    porientation[print.landscape ? 1 : 0]->setChecked(true);
+}
+
 void pagesetup::getReportInfo()
 {
     ReportContext& context = m_grid.context;
     if (context.report.editFlag == 0 || m_grid.pageSetupRefusal())
         return; // the row under its id is another report's
+    if (!m_grid.showsStoredMargins()) {
+        context.database.done(Icon::critical, [&] { showShownPrint(); });
+        return;
+    }
     context.database.done(Icon::critical, [&] {
         const auto rows =
             context.database.asked<Recordset>([statement = loadPageSetupStatement(context.report.id)](
@@ -179,12 +193,11 @@ void pagesetup::apply(spreadsheet::PrintSettings& print) const
     print.landscape = !porientation[0]->isChecked();
 }
 
-/// Tells why if the active sheet could not be printed so.
+/// Tells why if a sheet could not be printed so.
 bool pagesetup::marginsLeaveRoom()
 {
-    spreadsheet::PrintSettings print = activeSheetsPrint(m_grid.workbook());
-    apply(print);
-    const std::string problem = layoutProblem(m_grid, print);
+    const std::string problem =
+        layoutProblemOfAll(m_grid, [this](int, spreadsheet::PrintSettings& print) { apply(print); });
     if (problem.empty())
         return true;
     m_grid.context.database.tell(Icon::exclamation, problem);

@@ -38,6 +38,7 @@ private:
     void buildChoices();
     void buildButtons();
     void showMargin(int index, double inches);
+    void showShownPrint();
     [[nodiscard]] bool marginsAreComplete();
     [[nodiscard]] bool marginsLeaveRoom();
     void apply(spreadsheet::PrintSettings& print) const;

@@ -321,16 +321,46 @@ spreadsheet::PageRequest previewRequest(PrintedGrid& grid)
     return requestFor(printerSetup().paper, grid, false);
 }
 
-std::string layoutProblem(PrintedGrid& grid, const spreadsheet::PrintSettings& print)
+/// A sheet's problem with other settings.
+static std::string layoutProblemOf(PrintedGrid& grid, const spreadsheet::Sheet& sheet,
+                                   const spreadsheet::PrintSettings& print)
 {
     spreadsheet::PageRequest request = previewRequest(grid);
     request.ranges = {{1, 1, 1, 1}};
     request.print = print;
     try {
-        const spreadsheet::PageLayout layout(grid.workbook().sheet(grid.workbook().activeSheet()), request);
+        const spreadsheet::PageLayout layout(sheet, request);
         return {};
     } catch (const spreadsheet::PageLayoutError& error) {
         return error.what();
+    }
+}
+
+std::string layoutProblemOfAll(PrintedGrid& grid, const ChangeOfSheet& change)
+{
+    const spreadsheet::Workbook& workbook = grid.workbook();
+    const auto problemOf = [&](int index, bool isChanged) {
+        spreadsheet::PrintSettings print = workbook.sheet(index).settings().print;
+        if (isChanged)
+            change(index, print);
+        return layoutProblemOf(grid, workbook.sheet(index), print);
+    };
+    if (std::string problem = problemOf(workbook.activeSheet(), true); !problem.empty())
+        return problem;
+    for (int index = 1; index <= workbook.sheetCount(); ++index)
+        if (const std::string problem = problemOf(index, true);
+            !problem.empty() && problemOf(index, false).empty())
+            return "表“" + workbook.sheet(index).name() + "”: " + problem;
+    return {};
+}
+
+std::string titlesLeftOut(PrintedGrid& grid)
+{
+    try {
+        const spreadsheet::Sheet& sheet = grid.workbook().sheet(grid.workbook().activeSheet());
+        return spreadsheet::PageLayout(sheet, previewRequest(grid)).titlesLeftOut();
+    } catch (const spreadsheet::PageLayoutError&) {
+        return {}; // which is told where pages are wanted
     }
 }
 

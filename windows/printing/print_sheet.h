@@ -27,6 +27,9 @@ std::string paperName(PrintedGrid& grid);
 /// Gives the report a paper by name, stored with it; "" takes it away. One undo step.
 void setPaper(PrintedGrid& grid, const std::string& name);
 
+/// Why the active sheet's repeated rows or columns are not repeated, as one sentence; "" if they are.
+std::string titlesLeftOut(PrintedGrid& grid);
+
 /// What a printing prints in place of what sheet and grid hold.
 struct PrintChoice {
     spreadsheet::PrintSettings settings;
@@ -37,8 +40,10 @@ struct PrintChoice {
 /// printer is asked), and the stamp of now.
 spreadsheet::PageRequest previewRequest(PrintedGrid& grid);
 
-/// Why the active sheet cannot be printed with other settings, as one sentence; "" if it can.
-std::string layoutProblem(PrintedGrid& grid, const spreadsheet::PrintSettings& print);
+/// Why one of the sheets, by index from 1, cannot be printed once all are changed so, as one sentence; "" if
+/// they can. The active one is asked first, of the others those that could be printed before.
+using ChangeOfSheet = std::function<void(int sheet, spreadsheet::PrintSettings& print)>;
+std::string layoutProblemOfAll(PrintedGrid& grid, const ChangeOfSheet& change);
 
 // Where fetches of cells stand failed, both ask first, and what is printed all the same says so on every
 // page.

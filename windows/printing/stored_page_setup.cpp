@@ -2,8 +2,10 @@
 
 #include "reports/commit_outcome.h"
 #include "reports/report_statements.h"
+#include "reports/report_texts.h"
 #include "reports/ReportContext.h"
 #include "reports/ReportStore.h"
+#include "windows/printing/page_setup_statements.h"
 #include "windows/printing/PrintedGrid.h"
 
 #include <stdexcept>
@@ -38,6 +40,18 @@ bool changeStoredPageSetup(PrintedGrid& grid, const std::string& statement,
             throw std::runtime_error("操作已取消，页面设置和页眉页脚没有存入数据库。");
         }
     });
+}
+
+bool storePageSetup(PrintedGrid& grid, const StoredPageSetup& setup)
+{
+    const auto isStored = [setup](const StoredPageSetup& found) { return found == setup; };
+    return changeStoredPageSetup(
+        grid, storeWholePageSetupStatement(grid.context.report.id),
+        {setup.top, setup.bottom, setup.left, setup.right, setup.direction, setup.header, setup.footer},
+        isStored, [setup](Connection& open) {
+            const std::string problem = headerRefusal(open, false, setup.header);
+            return problem.empty() ? headerRefusal(open, true, setup.footer) : problem;
+        });
 }
 
 } // namespace selfreport

@@ -20,4 +20,7 @@ bool changeStoredPageSetup(PrintedGrid& grid, const std::string& statement,
                            const std::function<bool(const StoredPageSetup&)>& isStored,
                            const std::function<std::string(Connection&)>& refusal = {});
 
+/// Writes a whole page set-up into the row of the report that is open; likewise.
+bool storePageSetup(PrintedGrid& grid, const StoredPageSetup& setup);
+
 } // namespace selfreport

@@ -133,5 +133,43 @@ TEST_F(Search, MarksStandOnTheirCellsAndComeIntoSight)
     EXPECT_EQ(preview.currentPage(), pages);
 }
 
+/// A part of a line is found where it is printed: its end of the margins' width, above or below the cells.
+TEST_F(Search, FindsHeadersAndFooters)
+{
+    sheet.changeSettings([](SheetSettings& settings) {
+        settings.print.header = "/l现金/r单位：元/n";
+        settings.print.footer = "/c第/p页/r共&总页数";
+    });
+    PreviewPages pages;
+    pages.attach(workbook, 1, {});
+    PreviewSearch search(pages);
+    const struct {
+        const char* text;
+        std::vector<std::size_t> hits; // by page
+    } cases[] = {{"现金", {3, 1, 2, 1, 2}},
+                 {"单位", {1, 1, 1, 1, 1}},
+                 {"第4页", {0, 0, 0, 1, 0}},
+                 {"共5", {1, 1, 1, 1, 1}},
+                 {"总页数", {0, 0, 0, 0, 0}}};
+    for (const auto& [text, hits] : cases) {
+        search.setText(QString::fromUtf8(text));
+        for (int page = 1; page <= 5; ++page)
+            EXPECT_EQ(search.on(page).size(), hits[static_cast<std::size_t>(page - 1)]) << text << page;
+    }
+    constexpr int margin = 864, paperWidth = 11906, paperHeight = 16838;
+    search.setText("单位");
+    const QRect above = search.on(1).at(0);
+    EXPECT_EQ(above.top(), margin);
+    EXPECT_NEAR(above.right(), paperWidth - margin, 30);
+    EXPECT_LT(above.width(), paperWidth / 8);
+    search.setText("第4");
+    const QRect below = search.on(4).at(0);
+    EXPECT_NEAR(below.bottom(), paperHeight - margin, 30);
+    EXPECT_NEAR(below.center().x(), paperWidth / 2, 30);
+    search.setText("现金");
+    EXPECT_EQ(search.on(1).at(0).left(), margin) << "the header is read first";
+    EXPECT_LT(search.on(1).at(0).bottom(), search.on(1).at(1).top());
+}
+
 } // namespace
 } // namespace spreadsheet

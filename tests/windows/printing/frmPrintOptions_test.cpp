@@ -162,5 +162,59 @@ TEST(PrintStamp, LeavesOutWhatIsNotKnown)
     EXPECT_EQ(stampText({"2026-12-31 08:05:09", "", "", 0}), "打印时间 2026-12-31 08:05:09　取数无诊断");
 }
 
+TEST_F(PrintOptions, TitlesTooHighToBeRepeatedAreTold)
+{
+    constexpr int rowHeight = 1440; // ten of them fill A4
+    grid.book.sheet(1).changeSettings([](spreadsheet::SheetSettings& settings) {
+        for (int row = 1; row <= 12; ++row)
+            settings.rows.sizes[row] = rowHeight;
+    });
+    grid.book.sheet(1).setText({1, 30}, "末行");
+    const struct {
+        int last;
+        std::size_t told;
+    } cases[] = {{2, 0}, {8, 1}, {7, 0}, {2, 0}};
+    for (const auto& [last, told] : cases) {
+        frmPrintOptions window(grid);
+        show(window);
+        ledger.boxes.said.clear();
+        control<QSpinBox>(window, "txtTitleTop").setValue(1);
+        control<QSpinBox>(window, "txtTitleBottom").setValue(last);
+        click(window, "cmdXPOK");
+        EXPECT_FALSE(window.isVisible()) << last;
+        ASSERT_EQ(ledger.boxes.said.size(), told) << last;
+        frmPreview& preview = frmPreview::shared(grid);
+        const bool isLeftOut = last > 5; // of ten rows that a page holds
+        EXPECT_EQ(preview.windowTitle().contains("重复"), isLeftOut) << last;
+        if (told > 0) {
+            EXPECT_NE(ledger.boxes.said[0].text.find("重复的行高于半页"), std::string::npos);
+        }
+    }
+}
+
+/// Paper, margins and orientation go to all sheets, so there must be room on all of them.
+TEST_F(PrintOptions, EverySheetIsAskedForRoom)
+{
+    demand(grid.book.addSheet("附表"));
+    grid.book.sheet(2).changeSettings([](spreadsheet::SheetSettings& settings) {
+        settings.print.scale = 400; // a quarter of the cells find room
+    });
+    const spreadsheet::PrintSettings before = grid.print(2);
+    frmPrintOptions options(grid);
+    show(options);
+    auto& paper = control<QComboBox>(options, "cboPaper");
+    paper.setCurrentIndex(paper.count() - 1); // of an own size
+    control<QDoubleSpinBox>(options, "txtPaperWidth").setValue(75);
+    control<QDoubleSpinBox>(options, "txtPaperHeight").setValue(200);
+    click(options, "cmdXPOK");
+    EXPECT_TRUE(options.isVisible());
+    ASSERT_EQ(ledger.boxes.said.size(), 1U);
+    EXPECT_NE(ledger.boxes.said[0].text.find("附表"), std::string::npos) << ledger.boxes.said[0].text;
+    EXPECT_EQ(grid.print(2), before);
+    control<QDoubleSpinBox>(options, "txtPaperWidth").setValue(100);
+    click(options, "cmdXPOK");
+    EXPECT_FALSE(options.isVisible());
+}
+
 } // namespace
 } // namespace selfreport
