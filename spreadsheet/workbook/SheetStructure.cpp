@@ -341,6 +341,9 @@ void SheetStructure::shiftSettings(Sheet& sheet, const AxisShift& shift)
     std::erase_if(print.area, [&](CellRange& range) { return !shiftRange(shift, range); });
     auto& breaks = shift.rows ? print.rowBreaks : print.columnBreaks;
     breaks = shiftedKeys(breaks, shift);
+    int& frozen = shift.rows ? settings.frozenRows : settings.frozenColumns;
+    int first = 1, last = frozen; // what stands in the frozen part goes on standing there
+    frozen = frozen > 0 && shiftEnds(shift, first, last) ? last : 0;
     int& count = shift.rows ? settings.rowCount : settings.columnCount;
     const int removed = std::clamp(count - (shift.at - 1), 0, shift.removed);
     count = std::clamp(count + shift.inserted - removed, 1, shift.limit());

@@ -131,6 +131,37 @@ TEST(Shift, SettingsMoveAlong)
     EXPECT_EQ(settings.print.area, (std::vector<CellRange>{{1, 2, 3, 9}})) << "one went with its column";
 }
 
+/// What stands in the frozen part, the heading of the table say, goes on standing there.
+TEST(Shift, FrozenRowsAndColumnsStayFrozen)
+{
+    const struct {
+        Edit edit;
+        int rows, columns; // frozen after it, of three rows and two columns
+    } cases[] = {{[](Sheet& s) { return s.insertRows(1, 2); }, 5, 2},
+                 {[](Sheet& s) { return s.insertRows(3, 1); }, 4, 2},
+                 {[](Sheet& s) { return s.insertRows(4, 1); }, 3, 2},
+                 {[](Sheet& s) { return s.deleteRows(2, 1); }, 2, 2},
+                 {[](Sheet& s) { return s.deleteRows(3, 5); }, 2, 2},
+                 {[](Sheet& s) { return s.deleteRows(1, 3); }, 0, 2},
+                 {[](Sheet& s) { return s.insertColumns(2, 1); }, 3, 3},
+                 {[](Sheet& s) { return s.deleteColumns(1, 2); }, 3, 0}};
+    for (const auto& [edit, rows, columns] : cases) {
+        Workbook workbook;
+        workbook.setUndoEnabled(true);
+        Sheet& sheet = workbook.sheet(1);
+        sheet.changeSettings([](SheetSettings& settings) {
+            settings.frozenRows = 3;
+            settings.frozenColumns = 2;
+        });
+        ASSERT_FALSE(edit(sheet));
+        EXPECT_EQ(sheet.settings().frozenRows, rows);
+        EXPECT_EQ(sheet.settings().frozenColumns, columns);
+        workbook.undo();
+        EXPECT_EQ(sheet.settings().frozenRows, 3);
+        EXPECT_EQ(sheet.settings().frozenColumns, 2);
+    }
+}
+
 TEST(Shift, RefusedEditsChangeNothing)
 {
     struct Case {
