@@ -195,7 +195,10 @@ std::string shortGeneralText(double size)
 /// A number in its general form, in numerals if the section asks for them.
 std::string generalText(const FormatSection& section, double size)
 {
-    const std::string text = shortGeneralText(size);
+    constexpr double longest = 1e15; // words have room for digits
+    const bool isLongWhole = size >= 1e11 && size < longest && size == std::floor(size);
+    const bool isSpelled = section.numerals != NumeralStyle::ordinary && isLongWhole;
+    const std::string text = isSpelled ? fixedNumberText(size, 0) : shortGeneralText(size);
     if (section.numerals == NumeralStyle::ordinary || text.find('E') != text.npos)
         return text;
     const std::size_t point = std::min(text.find('.'), text.size());

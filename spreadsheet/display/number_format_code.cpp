@@ -45,6 +45,9 @@ const ColourName* colourNamed(std::string_view name)
     return found == colourNames.end() ? nullptr : &*found;
 }
 
+/// How days and times are written in China.
+constexpr std::string_view usersDate = R"(yyyy"年"m"月"d"日")", usersTime = "h:mm:ss";
+
 class FormatCodeReader {
 public:
     explicit FormatCodeReader(std::string_view code)
@@ -211,9 +214,8 @@ private:
         const std::string_view inside = m_rest.substr(1, end - 1);
         skip(end + 1);
         m_bracketed = true;
-        if (inside.starts_with('$')) { // "[$￥-804]": a currency sign and a language
-            literal(inside.substr(1, std::min(inside.find('-'), inside.size()) - 1));
-            m_section.inChinese = m_section.inChinese || inside.ends_with("804");
+        if (inside.starts_with('$')) {
+            currencyAndLanguage(inside.substr(1));
         } else if (startsWithFolded(inside, "dbnum") && inside.size() == 6) {
             const int style = inside[5] - '0';
             m_good = m_good && style >= 1 && style <= 3;
@@ -231,6 +233,21 @@ private:
                    })) {
             elapsed(ascii::lower(inside[0]), static_cast<int>(inside.size()));
         } // anything else is a colour of a palette
+    }
+
+    /// "￥-804": either may be missing. Some languages stand for how the computer's user writes days and
+    /// times.
+    void currencyAndLanguage(std::string_view text)
+    {
+        const std::size_t dash = std::min(text.find('-'), text.size());
+        const std::string_view language = text.substr(std::min(dash + 1, text.size()));
+        literal(text.substr(0, dash));
+        m_section.inChinese =
+            m_section.inChinese || language.ends_with("804") || startsWithFolded(language, "zh-");
+        if (ascii::equalFolded(language, "F800") || startsWithFolded(language, "x-sysdate"))
+            m_usersOwn = usersDate;
+        else if (ascii::equalFolded(language, "F400") || startsWithFolded(language, "x-systime"))
+            m_usersOwn = usersTime;
     }
 
     void elapsed(char letter, int count)
@@ -339,6 +356,13 @@ private:
 
     void endSection()
     {
+        if (!m_usersOwn.empty()) { // whatever the code itself says
+            m_section.parts.clear();
+            const std::string_view rest = std::exchange(m_rest, std::exchange(m_usersOwn, {}));
+            while (!m_rest.empty())
+                readPart();
+            m_rest = rest;
+        }
         tellMinutesFromMonths();
         if (m_bracketed && m_section.parts.empty()) // "[DBNum2]" alone
             m_section.parts.push_back({Kind::general, "", 1});
@@ -351,10 +375,11 @@ private:
     std::string_view m_rest;
     std::vector<FormatSection> m_sections;
     FormatSection m_section;
-    int m_scaling = 0;        ///< commas before the decimal point
-    bool m_point = false;     ///< behind the decimal point
-    bool m_exponent = false;  ///< behind the "E"
-    bool m_bracketed = false; ///< the section holds something in brackets
+    int m_scaling = 0;           ///< commas before the decimal point
+    bool m_point = false;        ///< behind the decimal point
+    bool m_exponent = false;     ///< behind the "E"
+    bool m_bracketed = false;    ///< the section holds something in brackets
+    std::string_view m_usersOwn; ///< what the section stands for instead of its own letters
     bool m_good = true;
 };
 

@@ -92,6 +92,13 @@ constexpr std::array americanBuiltIns{
 
 constexpr std::string_view general = "General";
 
+/// Languages that are none: dates and times are shown as the computer's user has them.
+bool namesUsersOwn(std::string_view language)
+{
+    static constexpr std::string_view names[] = {"f800", "f400", "x-sysdate", "x-systime"};
+    return std::ranges::find(names, ascii::lower(language)) != std::end(names);
+}
+
 /// Spellings of one code that differ by program: "yyyy\-mm\-dd;@", "[$-804]yyyy-mm-dd".
 std::string plainSpelling(std::string_view code)
 {
@@ -101,6 +108,8 @@ std::string plainSpelling(std::string_view code)
             const std::size_t end = code.find(']', i);
             if (end == std::string_view::npos)
                 break;
+            if (namesUsersOwn(code.substr(i + 3, end - i - 3)))
+                return std::string(code);
             i = end;
         } else if (code[i] == '\\' && i + 1 < code.size() && std::string_view("-/: ").find(code[i + 1]) < 4) {
             continue;

@@ -220,6 +220,12 @@ TEST(NumberFormat, DatesAndElapsedTime)
         text("40608", "[$-804]ddd mmm", "周日 3月"),
         text("0.75", "[$-804]AM/PM h:mm", "下午 6:00"),
         text("40607", "[$-409]dddd mmm", "Saturday Mar"),
+        text("40607", "[$-zh-CN]dddd", "星期六"),
+        text("40607.75", "[$-F800]dddd\\, mmmm dd\\, yyyy", "2011年3月5日"), // as the system writes it
+        text("40607.75", "[$-x-sysdate]mm/dd/yy;@", "2011年3月5日"),
+        text("40607.3", "[$-F400]h:mm:ss AM/PM", "7:12:00"),
+        text("40607.3", "[$-x-systime]hh", "7:12:00"),
+        text("\"无\"", "[$-F800]yyyy;;;\"文\"@", "文无"),
     });
 }
 
@@ -251,6 +257,10 @@ TEST(NumberFormat, ChineseNumerals)
         text("0", "[DBNum2]", "零"),
         text("10010", "[DBNum1]", "一万〇一十"),
         text("100000000", "[DBNum2]", "壹亿"),
+        text("123456789012", "[DBNum2]",
+             "壹仟贰佰叁拾肆亿伍仟陆佰柒拾捌万玖仟零壹拾贰"), // too long for a cell's digits
+        text("-100000000001", "[DBNum2][$-804]General", "-壹仟亿零壹"),
+        text("1E15", "[DBNum2]", "1E+15"),
         text("-5", "[DBNum2]", "-伍"),
         text("3.5", "[DBNum2]0.00", "叁.伍零"),
         text("25", "[DBNum3]0", "２５"),

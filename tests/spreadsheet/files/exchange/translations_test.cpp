@@ -56,6 +56,8 @@ TEST(NumberFormats, CodesBecomeTypesOrAreKept)
         {"[$-804]yyyy\"年\"m\"月\"d\"日\"", CellType::date, 2, true},
         {"hh:mm:ss", CellType::time, 2, false},
         {"[h]:mm", CellType::time, 2, true},
+        {"[$-F800]yyyy-mm-dd", CellType::date, 2, true}, // not what it seems to show
+        {"[$-x-systime]hh:mm:ss", CellType::time, 2, true},
         {"mmm-yy", CellType::date, 2, true},
         {"\"￥\"#,##0.00", CellType::currency, 2, false},
         {"\"days\" 0.0", CellType::number, 1, true},
