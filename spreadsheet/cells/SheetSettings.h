@@ -106,7 +106,8 @@ struct SheetSettings {
     std::map<CellAddress, std::string> notes; ///< remarks on cells; none is empty
     int frozenRows = 0;
     int frozenColumns = 0;
-    bool isHidden = false; ///< its tab is not offered
+    bool isHidden = false;     ///< carried for other programs: ours offers the tab of every sheet
+    bool isVeryHidden = false; ///< beside isHidden: others do not even list it among the hidden ones
     /// What is shown in place of a figure that is nothing, by the kind of nothing, whose numbers belong to
     /// whoever computes the sheet. A kind without a text shows its figure.
     std::map<int, std::string> nothingTexts;

@@ -90,6 +90,14 @@ bool hasNothingTexts(const stored::Content& content)
            });
 }
 
+/// Version 1 leaves it hidden only.
+bool hasVeryHidden(const stored::Content& content)
+{
+    return content.sheets() && std::ranges::any_of(*content.sheets(), [](const stored::Sheet* sheet) {
+               return sheet->is_very_hidden();
+           });
+}
+
 bool hasNamesOfOneSheet(const stored::Content& content)
 {
     return content.names() &&
@@ -102,7 +110,7 @@ constexpr struct {
     bool (*isUsed)(const stored::Content& content);
 } laterThings[] = {
     {2, hasLaterLines}, {2, hasCarriedAlignment}, {2, hasNamesOfOneSheet}, {2, hasTenThousands},
-    {2, hasPrintSetup}, {2, hasStrictPrinting},   {2, hasNothingTexts},
+    {2, hasPrintSetup}, {2, hasStrictPrinting},   {2, hasNothingTexts},    {2, hasVeryHidden},
 };
 
 } // namespace

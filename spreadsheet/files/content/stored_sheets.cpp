@@ -387,7 +387,8 @@ flatbuffers::Offset<stored::Sheet> writeSheet(flatbuffers::FlatBufferBuilder& bu
         heights, widths, hiddenRows, hiddenColumns, rowStyles, columnStyles, spans, arrays,
         limited(settings.frozenRows, maxRows), limited(settings.frozenColumns, maxColumns), print,
         cells.stretches, cells.kinds, cells.payloads, cells.styles, cells.formulas, cells.tags,
-        cells.shownTexts, notes, dropDowns.lists, dropDowns.entries, captions, settings.isHidden, nothings);
+        cells.shownTexts, notes, dropDowns.lists, dropDowns.entries, captions, settings.isHidden, nothings,
+        settings.isVeryHidden);
 }
 
 void readSheet(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& meanings,
@@ -413,6 +414,7 @@ void readSheet(const stored::Sheet& stored, Sheet& sheet, const CellMeanings& me
     settings.dropDowns = readDropDowns(stored, meanings.texts);
     settings.captions = readCellTexts(stored.button_captions(), 0, meanings.texts, "按钮标题的位置不对");
     settings.isHidden = stored.is_hidden();
+    settings.isVeryHidden = stored.is_very_hidden();
     if (std::ranges::find(meanings.formulas.begin() + 1, meanings.formulas.end(), 0u) !=
         meanings.formulas.end())
         std::erase_if(settings.arrays, [&sheet](const CellRange& range) {

@@ -46,7 +46,7 @@ public:
 private:
     struct Tab {
         std::size_t offset = 0; ///< of its records in the stream
-        bool isHidden = false;
+        bool isHidden = false, isVeryHidden = false;
         bool isWorksheet = false;
         std::string name;
         int sheet = 0; ///< ours; 0: none
@@ -141,6 +141,7 @@ private:
         Tab tab;
         tab.offset = record.at<std::uint32_t>(0);
         tab.isHidden = (record.byteAt(4) & 3) != 0;
+        tab.isVeryHidden = (record.byteAt(4) & 3) == 2;
         tab.isWorksheet = record.byteAt(5) == 0;
         RecordCursor cursor(record);
         cursor.skip(6);
@@ -189,7 +190,10 @@ private:
         Sheet& sheet = m_workbook.sheet(tab.sheet);
         SheetReader(m_workbook, sheet, m_globals).read(stream);
         if (tab.isHidden)
-            sheet.changeSettings([](SheetSettings& settings) { settings.isHidden = true; });
+            sheet.changeSettings([&](SheetSettings& settings) {
+                settings.isHidden = true;
+                settings.isVeryHidden = tab.isVeryHidden;
+            });
     }
 
     void activate()

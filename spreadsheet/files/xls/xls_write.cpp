@@ -149,7 +149,7 @@ private:
             m_writer.begin(xls::boundSheet);
             m_offsets.push_back(m_writer.size());
             m_writer.put32(0);
-            m_writer.put8(source.settings().isHidden);
+            m_writer.put8(!source.settings().isHidden ? 0 : source.settings().isVeryHidden ? 2 : 1);
             m_writer.put8(0);
             m_writer.putShortText(name);
             m_writer.end();

@@ -56,7 +56,7 @@ public:
 private:
     struct Tab {
         std::optional<std::string> path; ///< of its part
-        bool isHidden;
+        bool isHidden, isVeryHidden;
         int sheet; ///< ours; 0: none
     };
 
@@ -90,8 +90,9 @@ private:
     {
         int count = 0;
         eachChild(sheets, "sheet", [&](pugi::xml_node node) {
-            Tab tab{relations.byId(attributeNamed(node, "id").value()), false, 0};
-            tab.isHidden = std::string_view(attributeNamed(node, "state").as_string("visible")) != "visible";
+            const std::string_view state = attributeNamed(node, "state").as_string("visible");
+            Tab tab{relations.byId(attributeNamed(node, "id").value()), state != "visible",
+                    state == "veryHidden", 0};
             if (count == maxSheets)
                 m_warnings.add("工作表超过 256 张,其余的没有引入");
             else
@@ -146,7 +147,10 @@ private:
         }
         reader.finish();
         if (tab.isHidden)
-            sheet.changeSettings([](SheetSettings& settings) { settings.isHidden = true; });
+            sheet.changeSettings([&](SheetSettings& settings) {
+                settings.isHidden = true;
+                settings.isVeryHidden = tab.isVeryHidden;
+            });
     }
 
     void printNames(pugi::xml_node names)

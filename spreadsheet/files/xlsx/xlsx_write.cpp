@@ -169,7 +169,7 @@ private:
             const Sheet& sheet = m_workbook.sheet(number);
             xml.open("sheet").attribute("name", sheet.name()).attribute("sheetId", number);
             if (sheet.settings().isHidden)
-                xml.attribute("state", "hidden");
+                xml.attribute("state", sheet.settings().isVeryHidden ? "veryHidden" : "hidden");
             xml.attribute("r:id", "rId" + std::to_string(number)).close();
         }
         xml.close();

@@ -71,6 +71,7 @@ inline void expectSame(const Workbook& expected, const Workbook& found)
         EXPECT_EQ(s.notes, t.notes);
         EXPECT_EQ(s.dropDowns, t.dropDowns);
         EXPECT_EQ(s.isHidden, t.isHidden);
+        EXPECT_EQ(s.isVeryHidden, t.isVeryHidden);
         EXPECT_EQ(s.frozenRows, t.frozenRows);
         EXPECT_EQ(s.frozenColumns, t.frozenColumns);
         EXPECT_EQ(s.print.header, t.print.header);

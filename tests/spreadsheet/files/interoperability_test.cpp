@@ -138,6 +138,40 @@ print([(rows[row].height, rows[row].height_mismatch) for row in range(4)])
     }
 }
 
+TEST(Interoperability, SheetsStayAsHiddenAsTheyWere)
+{
+    const TestFolder folder;
+    EXPECT_EQ(python(folder, R"(
+import sys, openpyxl
+book = openpyxl.Workbook()
+book.create_sheet('b').sheet_state = 'hidden'
+book.create_sheet('c').sheet_state = 'veryHidden'
+book.save(sys.argv[1])
+)",
+                     folder.file("foreign.xlsx")),
+              "");
+    std::filesystem::path last = folder.file("foreign.xlsx");
+    for (const char* format : {".xlsx", ".ss7", ".xls", ".ss7"}) { // each from the one before
+        Workbook workbook;
+        loadWorkbook(workbook, last);
+        last = folder.file(std::string("own") + format);
+        saveWorkbook(workbook, last, fileFormat(format));
+    }
+    EXPECT_EQ(python(folder, R"(
+import sys, openpyxl, xlrd
+print([sheet.sheet_state for sheet in openpyxl.load_workbook(sys.argv[1] + '/own.xlsx')])
+print([sheet.visibility for sheet in xlrd.open_workbook(sys.argv[1] + '/own.xls').sheets()])
+)",
+                     folder.file("")),
+              "['visible', 'hidden', 'veryHidden']\n[0, 1, 2]\n");
+    Workbook workbook;
+    loadWorkbook(workbook, last);
+    for (int sheet = 1; sheet <= 3; ++sheet) {
+        EXPECT_EQ(workbook.sheet(sheet).settings().isHidden, sheet > 1) << sheet;
+        EXPECT_EQ(workbook.sheet(sheet).settings().isVeryHidden, sheet > 2) << sheet;
+    }
+}
+
 constexpr const char* severalFonts = "单元格内各段文字的不同字体没有保留,按单元格的字体显示";
 
 void expectForeign(const std::filesystem::path& file, const std::vector<std::string>& losses)

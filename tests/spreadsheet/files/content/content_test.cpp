@@ -497,6 +497,12 @@ TEST(Content, TheVersionIsTheSmallestThatHoldsAll)
              });
          },
          2},
+        {"a very hidden sheet",
+         [](Workbook& book) {
+             book.sheet(1).changeSettings(
+                 [](SheetSettings& settings) { settings.isHidden = settings.isVeryHidden = true; });
+         },
+         2},
         {"a medium line",
          [](Workbook& book) {
              book.sheet(1).restyle({2, 2, 2, 2}, [](CellStyle& style) {
