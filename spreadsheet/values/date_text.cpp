@@ -152,7 +152,7 @@ std::optional<double> namedMonthDate(Scanner& text, const std::optional<Digits>&
     return isDay ? dateSerial(presentYear(), *month, next->value) : dateSerial(fullYear(*next), *month, 1);
 }
 
-/// "2026-12-31", "12/31/2026", "12/31", "2026/12", "12/2026".
+/// "2026-12-31", "12/31/2026", "26-12-31", "12/31", "2026/12", "12/2026".
 std::optional<double> numericDate(Scanner& text, const Digits& first, std::string_view mark)
 {
     const auto second = text.digits();
@@ -164,6 +164,9 @@ std::optional<double> numericDate(Scanner& text, const Digits& first, std::strin
             return std::nullopt;
         if (first.count > 2)
             return dateSerial(first.value, second->value, third->value);
+        constexpr int mostMonths = 12;
+        if (first.value > mostMonths && third->count <= 2)
+            return dateSerial(fullYear(first), second->value, third->value);
         return dateSerial(fullYear(*third), first.value, second->value);
     }
     if (first.count > 2)

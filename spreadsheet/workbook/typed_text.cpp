@@ -9,6 +9,7 @@
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace spreadsheet {
 
@@ -65,6 +66,22 @@ std::optional<double> bracketedAmount(std::string_view text)
 bool namesMonth(std::string_view text)
 {
     return text.ends_with("月");
+}
+
+/// "25:30": hours, but no day.
+bool isClock(std::string_view text)
+{
+    return text.find_first_not_of("0123456789:.") == std::string_view::npos;
+}
+
+/// The types show a time of a day, or a day; what is both, or hours beyond a day, takes a code.
+TypedConstant typedMoment(double moment, bool isClock)
+{
+    if (moment < 1)
+        return {Value(moment), CellType::time};
+    if (isClock)
+        return {Value(moment), CellType::time, "[h]:mm:ss"};
+    return {Value(moment), CellType::date, moment == std::floor(moment) ? "" : "yyyy-mm-dd hh:mm:ss"};
 }
 
 /// Why a call of a registered function cannot be meant: it has another number of arguments.
@@ -227,6 +244,15 @@ Refusal enterArrayFormula(Workbook& workbook, Sheet& sheet, const CellRange& ran
     });
 }
 
+void TypedConstant::dress(CellStyle& style) const
+{
+    if (!type || style.type != CellType::edit)
+        return;
+    style.type = *type;
+    if (!format.empty() && style.numberFormat.empty())
+        style.numberFormat = Text(format);
+}
+
 TypedConstant typedConstant(std::string_view text)
 {
     const std::string_view typed = trimmedBlanks(text);
@@ -241,7 +267,7 @@ TypedConstant typedConstant(std::string_view text)
     if (const auto amount = moneyAmount(typed))
         return {Value(*amount), CellType::currency};
     if (const auto moment = namesMonth(typed) ? std::nullopt : parseDateTime(typed))
-        return {Value(*moment), *moment < 1 ? CellType::time : CellType::date};
+        return typedMoment(*moment, isClock(typed));
     const std::string folded = foldedName(typed);
     if (folded == "TRUE" || folded == "FALSE")
         return {Value::boolean(folded == "TRUE"), std::nullopt};
@@ -286,7 +312,7 @@ Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::strin
     }
     if (constant.type && sheet.style(cell).type == CellType::edit) {
         CellStyle style = sheet.style(cell);
-        style.type = *constant.type;
+        constant.dress(style);
         sheet.setStyle(cell, style);
     }
     sheet.setValue(cell, std::move(constant.value));

@@ -23,10 +23,10 @@ enum class TypedInto {
 /// is a constant (an amount in brackets a negative one), a text that begins with a call of a known function
 /// is a formula, and anything else is text, a month without a day ("2026年12月") too; a leading apostrophe
 /// makes text of whatever follows. A fresh cell takes the type that the constant was written in (percent,
-/// currency, date, time). An empty text takes the content away. A cell whose number format is `textFormat`
-/// takes every text as it stands. Brackets that a formula leaves open at its end are closed, “ ” in it are
-/// taken for plain quotation marks, and what was typed in full width, "＝Ａ１＋１" or "１２．５％", for what
-/// it means.
+/// currency, date, time, with a code for days with a time and hours beyond a day). An empty text takes the
+/// content away. A cell whose number format is `textFormat` takes every text as it stands. Brackets that a
+/// formula leaves open at its end are closed, “ ” in it are taken for plain quotation marks, and what was
+/// typed in full width, "＝Ａ１＋１" or "１２．５％", for what it means.
 /// @return why a formula was refused; the cell then keeps what it had.
 Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text, TypedInto where);
 
@@ -38,10 +38,13 @@ Refusal enterFormula(Workbook& workbook, Sheet& sheet, CellAddress cell, std::st
 /// open are closed.
 Refusal enterArrayFormula(Workbook& workbook, Sheet& sheet, const CellRange& range, std::string_view text);
 
-/// The constant that a text stands for, and the cell type that it was written in if it shows one.
+/// The constant that a text stands for, and the look that it was written in if it shows one.
 struct TypedConstant {
     Value value;
     std::optional<CellType> type;
+    std::string_view format = {}; ///< a number format code, where the type alone would not show it
+    /// Gives a look that has no type of its own yet this one.
+    void dress(CellStyle& style) const;
 };
 TypedConstant typedConstant(std::string_view text);
 

@@ -76,6 +76,10 @@ TEST(DateEdges, TextsAndClock)
     sheet.expect({
         {"DATEVALUE(\"3/5/29\")=DATE(2029,3,5)", "TRUE"},
         {"DATEVALUE(\"3/5/30\")=DATE(1930,3,5)", "TRUE"},
+        {"DATEVALUE(\"26/3/5\")=DATE(2026,3,5)", "TRUE"}, // no month is 26
+        {"DATEVALUE(\"30-3-5\")=DATE(1930,3,5)", "TRUE"},
+        {"DATEVALUE(\"26/13/5\")", "#VALUE!"},
+        {"DATEVALUE(\"26/3/2005\")", "#VALUE!"},
         {"DATEVALUE(\"2011-13-1\")", "#VALUE!"},
         {"DATEVALUE(\"2011-3-5x\")", "#VALUE!"},
         {"DATEVALUE(\"2011\")", "#VALUE!"},

@@ -24,6 +24,7 @@ TEST(EditedText, EnteredAgainGivesTheCellWhatItHad)
         {Value(46387.5), CellType::date, "46387.5"},
         {Value(0.5), CellType::time, "12:00:00"},
         {Value(-1234.5), CellType::currency, "-1234.5"},
+        {Value(1.0625), CellType::time, "1.0625"}, // the type shows the time of a day
         {Value::text("应收"), CellType::edit, "应收"},
         {Value::text("007"), CellType::edit, "'007"},
         {Value::text("=A1"), CellType::edit, "'=A1"},
