@@ -2,6 +2,7 @@
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/text/csv.h"
+#include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "text/ascii.h"
@@ -103,28 +104,79 @@ bool namesSeparator(std::string_view text)
            (text[5] == '\r' || text[5] == '\n') && text[4] != '"';
 }
 
+/// Whether every tab of the beginning stands beside a comma or a line's end: it keeps digits from being taken
+/// for a number, as banks write them, and parts nothing.
+bool tabsOnlyPad(std::string_view text)
+{
+    constexpr std::size_t beginning = 10'000;
+    text = text.substr(0, beginning);
+    const auto isEdge = [text](std::size_t at) {
+        return at >= text.size() || text[at] == ',' || text[at] == '\r' || text[at] == '\n';
+    };
+    for (std::size_t at = text.find('\t'); at != text.npos; at = text.find('\t', at + 1)) {
+        if (at > 0 && !isEdge(at - 1) && !isEdge(at + 1))
+            return false;
+    }
+    return true;
+}
+
 char sensedSeparator(std::string_view text)
 {
     if (namesSeparator(text))
         return text[4];
     static constexpr std::array separators{',', '\t', ';', '|'};
-    return *std::ranges::max_element(separators, {},
-                                     [text](char separator) { return evenness(text, separator); });
+    const char best = *std::ranges::max_element(separators, {},
+                                                [text](char separator) { return evenness(text, separator); });
+    return best == '\t' && evenness(text, ',') > 0 && tabsOnlyPad(text) ? ',' : best;
+}
+
+/// The text that a field of the form ="001" stands for, in which other programs wrap digits so that they
+/// stay.
+std::optional<std::string> wrappedText(std::string_view field)
+{
+    if (field.size() < 3 || !field.starts_with("=\"") || !field.ends_with('"'))
+        return std::nullopt;
+    std::string text;
+    const std::string_view inside = field.substr(2, field.size() - 3);
+    for (std::size_t at = 0; at < inside.size(); ++at) {
+        text += inside[at];
+        if (inside[at] == '"' && (++at == inside.size() || inside[at] != '"'))
+            return std::nullopt; // a formula of several texts
+    }
+    return text;
+}
+
+/// The constant that a field stands for. Digits that do not survive as a number stay as they are but for
+/// blanks and tabs at the ends, which are there to keep them.
+TypedConstant constantOf(std::string_view field, Workbook& workbook)
+{
+    const auto asText = [&](std::string_view text) {
+        return TypedConstant{Value(workbook.texts().intern(text)), std::nullopt};
+    };
+    if (const auto text = wrappedText(field))
+        return asText(*text);
+    field = ascii::trimmed(field, "\t");
+    if (field.empty())
+        return {};
+    if (isDigitCode(trimmedBlanks(field)))
+        return asText(trimmedBlanks(field));
+    TypedConstant constant;
+    if (!field.starts_with('='))
+        constant = typedConstant(field);
+    return constant.value.isEmpty() || constant.value.isText() ? asText(field) : constant;
 }
 
 void enter(Workbook& workbook, Sheet& sheet, CellAddress at, std::string_view field)
 {
-    TypedConstant constant;
-    if (!isDigitCode(field) && !field.starts_with('='))
-        constant = typedConstant(field);
-    if (constant.value.isEmpty() || constant.value.isText())
-        constant = {Value(workbook.texts().intern(field)), std::nullopt};
+    const TypedConstant constant = constantOf(field, workbook);
+    if (constant.value.isEmpty())
+        return;
     const Column::Place place = sheet.loadColumn(at.column).writable(at.row);
     place.block.setValue(place.index, constant.value);
     if (!constant.type)
         return;
     CellStyle style;
-    style.type = *constant.type;
+    constant.dress(style);
     place.block.setStyle(place.index, workbook.styles().intern(style));
 }
 

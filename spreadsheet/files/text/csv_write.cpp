@@ -30,6 +30,14 @@ void appendField(const std::string& text, std::string& csv)
     csv += quotes::around(text, '"');
 }
 
+/// What the cell's type alone shows; an amount of money as a figure.
+std::string shownByType(const Sheet& sheet, CellAddress cell)
+{
+    const Value value = sheet.value(cell);
+    const bool isMoney = sheet.style(cell).type == CellType::currency && value.isNumber();
+    return isMoney ? fixedNumberText(value.number(), 2) : sheet.textByType(cell);
+}
+
 /// Whether a displayed number reads as the cell's own, apart from what its decimals leave out.
 bool readsAs(std::string_view shown, double number)
 {
@@ -55,21 +63,38 @@ std::string fieldOf(const Sheet& sheet, CellAddress cell)
     if (!sheet.shownText(cell).empty())
         return sheet.displayText(cell);
     if (code.empty() || !value.isNumber())
-        return sheet.textByType(cell);
+        return shownByType(sheet, cell);
     const auto sections = parseFormatCode(code);
     if (sections && std::ranges::any_of(*sections, showsFraction))
         return generalNumberText(value.number());
     const std::string shown(trimmedBlanks(sheet.displayText(cell)));
     const bool stays = sections && (sections->front().isDate || readsAs(shown, value.number()));
-    return stays ? shown : sheet.textByType(cell);
+    return stays ? shown : shownByType(sheet, cell);
+}
+
+/// Where a line of a sheet that reaches far both ways ends: with the row's last cell. Lines of equal length
+/// would be gigabytes of commas.
+int lastColumnOf(const Sheet& sheet, const std::vector<int>& usedColumns, int row)
+{
+    const auto found = std::find_if(usedColumns.rbegin(), usedColumns.rend(),
+                                    [&](int column) { return !sheet.column(column)->value(row).isEmpty(); });
+    return found == usedColumns.rend() ? 1 : *found;
 }
 
 void appendSheet(const Sheet& sheet, std::string& csv)
 {
+    constexpr long long mostPadded = 50'000'000; // cells
     const int lastRow = sheet.lastDataRow();
     const int lastColumn = sheet.lastDataColumn();
+    const bool isPadded = static_cast<long long>(lastRow) * lastColumn <= mostPadded;
+    std::vector<int> usedColumns;
+    for (int column = 1; column <= lastColumn && !isPadded; ++column) {
+        if (sheet.column(column) && !sheet.column(column)->empty())
+            usedColumns.push_back(column);
+    }
     for (int row = 1; row <= lastRow; ++row) {
-        for (int column = 1; column <= lastColumn; ++column) {
+        const int last = isPadded ? lastColumn : lastColumnOf(sheet, usedColumns, row);
+        for (int column = 1; column <= last; ++column) {
             if (column > 1)
                 csv += ',';
             appendField(fieldOf(sheet, {column, row}), csv);

@@ -2,6 +2,7 @@
 
 #include "spreadsheet/display/cell_indent.h"
 #include "spreadsheet/display/display_text.h"
+#include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/values/html_escape.h"
 #include "spreadsheet/values/twips.h"
 #include "spreadsheet/workbook/Workbook.h"
@@ -148,6 +149,10 @@ public:
             if (span.top <= m_rows && span.left <= m_columns)
                 m_columns = std::max(m_columns, span.right);
         }
+        constexpr long long mostCells = 50'000'000;
+        if (static_cast<long long>(m_rows) * m_columns > mostCells)
+            throw ContentError("表“" + sheet.name() + "”用到 " + cellName({m_columns, m_rows}) +
+                               ",单元格太多,不能引出为网页,请引出为 .xlsx");
     }
 
     void write()

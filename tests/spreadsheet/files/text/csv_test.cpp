@@ -50,6 +50,9 @@ TEST(Csv, FiguresAreWrittenAsTheyAreNotAsACodeDressesThem)
         {-1.25, CellType::number, "# ?/?", "-1.25"},    // a fraction is no figure
         {-1.5, CellType::edit, "yyyy-mm-dd;@", "-1.5"}, // no day, and no section for it
         {1234.565, CellType::edit, "0.00_ ", "1234.57"},
+        {-45322.5, CellType::currency, "", "-45322.50"},
+        {-45322.5, CellType::currency, "\"US$\"#,##0.0_ ", "-45322.50"},
+        {Value::text("无"), CellType::currency, "", "无"},
     };
     for (const auto& c : cases) {
         Workbook workbook;
@@ -61,6 +64,19 @@ TEST(Csv, FiguresAreWrittenAsTheyAreNotAsACodeDressesThem)
         sheet.setStyle({1, 1}, style);
         EXPECT_EQ(sheetCsv(sheet), std::string("\xEF\xBB\xBF") + c.field + "\r\n") << c.code;
     }
+}
+
+/// Padded lines would be 17 thousand million commas.
+TEST(Csv, OfASheetUsedFarBothWaysIsNoLongerThanItsCells)
+{
+    Workbook workbook;
+    Sheet& sheet = workbook.sheet(1);
+    sheet.setNumber({maxColumns, 1}, 1);
+    sheet.setNumber({2, maxRows}, 2);
+    const std::string csv = sheetCsv(sheet);
+    EXPECT_EQ(csv.size(), std::size_t(3 + maxColumns + 2 * (maxRows - 1) + 2 + 2));
+    EXPECT_THAT(csv, testing::EndsWith("\r\n,2\r\n"));
+    EXPECT_THROW(workbookHtml(workbook, ""), ContentError);
 }
 
 /// Cells of the first two rows as they show, rows parted by "/" and cells by "|".
@@ -97,6 +113,13 @@ TEST(Csv, SensesEncodingAndSeparator)
         {"sep=|\r\n1;2;3|乙\r\n4;5;6|", "1;2;3|乙||/4;5;6|||/"},
         {"sep=\n1,2", "sep=|||/1#|2#||/"},
         {"一列\n两行", "一列|||/两行|||/"},
+        // digits that their writer wants to keep
+        {"=\"001\",\"=\"\"002\"\"\",=\"\"\n=\"a\"\"b\",=\"1\"&\"2\",=\"",
+         "001|002||/a\"b|=\"1\"&\"2\"|=\"|/"},
+        {"2026-11-27 10:30:05,25:30\n", "2026-11-27 10:30:05#|25:30:00#||/|||/"},
+        {"\t6222021234567890123,0012\t,1.50\t", "6222021234567890123|0012|1.5#|/|||/"},
+        {"甲\t,\t乙\t\r\n1\t,2\t\n", "甲|乙||/1#|2#||/"},
+        {"甲\t1,234\t\n乙\t2,345\t\n", "甲|1234#||/乙|2345#||/"},
         {"\xFF\xFF,1", "\uFFFD\uFFFD|1#||/|||/"},
     };
     for (const auto& c : cases)
