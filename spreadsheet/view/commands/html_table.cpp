@@ -38,11 +38,11 @@ public:
                 open();
             else
                 close();
-            if (m_row > maxRows || m_table.columns > maxColumns || m_table.cells.size() > maxPastedCells)
+            if (m_row > maxRows || m_column - 1 > maxColumns || m_table.cells.size() > maxPastedCells)
                 return "剪贴板的表格太大，不能粘贴";
         }
-        closeCell();
-        m_table.rows = std::max(m_table.rows, m_row);
+        if (m_depth > 0)
+            endTable();
         return std::move(m_table);
     }
 
@@ -87,6 +87,7 @@ private:
         while (m_coveredUntil.size() >= static_cast<std::size_t>(m_column) &&
                m_coveredUntil[static_cast<std::size_t>(m_column) - 1] >= m_row)
             ++m_column;
+        m_begun = std::max(m_begun, m_column);
         m_inCell = true;
         m_cell = {};
         m_cell.column = m_column;
@@ -131,13 +132,31 @@ private:
     void cover()
     {
         m_column += m_cell.columns;
-        m_table.columns = std::max(m_table.columns, m_column - 1);
         if (m_cell.rows == 1)
             return;
         m_coveredUntil.resize(std::max(m_coveredUntil.size(), static_cast<std::size_t>(m_column) - 1));
         for (int column = m_cell.column; column < m_column; ++column)
             m_coveredUntil[static_cast<std::size_t>(column) - 1] = m_row + m_cell.rows - 1;
-        m_lowest = std::max(m_lowest, m_row + m_cell.rows - 1);
+    }
+
+    /// Web pages say "colspan=1000" for a cell as wide as its table, however few columns that has.
+    void endTable()
+    {
+        constexpr int all = 100;
+        closeCell();
+        m_table.rows = m_row;
+        m_table.columns = std::max(m_table.columns, m_begun);
+        for (std::size_t i = m_first; i < m_table.cells.size(); ++i) {
+            PastedTable::Cell& cell = m_table.cells[i];
+            if (cell.columns >= all)
+                cell.columns = std::min(cell.columns, m_begun - cell.column + 1);
+            if (cell.rows >= all)
+                cell.rows = std::min(cell.rows, m_row - cell.row + 1);
+            m_table.columns = std::max(m_table.columns, cell.column + cell.columns - 1);
+            m_table.rows = std::max(m_table.rows, cell.row + cell.rows - 1);
+        }
+        m_first = m_table.cells.size();
+        m_begun = 0;
     }
 
     void openInside(const std::string& name)
@@ -165,9 +184,7 @@ private:
     {
         const std::string& name = m_scanner.name();
         if (name == "table" && m_depth > 0 && --m_depth == 0) {
-            closeCell();
-            m_table.rows = std::max(m_row, m_lowest);
-            m_lowest = 0;
+            endTable();
         } else if (m_depth == 1 && (name == "td" || name == "th" || name == "tr")) {
             closeCell();
         }
@@ -211,7 +228,8 @@ private:
     int m_depth = 0; ///< of tables inside tables
     int m_row = 0;
     int m_column = 1;
-    int m_lowest = 0;                ///< row that the longest merged cell reaches
+    int m_begun = 0;                 ///< last column of the table in which a cell begins
+    std::size_t m_first = 0;         ///< the table's first cell
     std::vector<int> m_coveredUntil; ///< by column: last row that a merged cell above takes
 };
 

@@ -85,7 +85,13 @@ TEST(HtmlTable, IsReadAsOtherProgramsWriteIt)
         {"empty cells kept open by a line end", "<table><tr><td><br></td><td>a<br>b<br></td></table>",
          "2x1 B1=a\nb"},
         {"no table", "<b>x</b>", "0x0 "},
-        {"absurd spans", "<table><tr><td colspan=99999999 rowspan=-4>a</table>", "16384x1 A1:16384x1=a"},
+        {"absurd spans", "<table><tr><td colspan=99999999 rowspan=-4>a</table>", "1x1 A1=a"},
+        {"spans that mean the whole table",
+         "<table><tr><td colspan=1000>a<tr><td rowspan=100>b<td>c<td><tr><td>d<td colspan=999>e"
+         "<table><tr><td>f<td>g</table>",
+         "3x3 A1:3x1=a;A2:1x2=b;B2=c;B3=d;C3=efg"},
+        {"a wide merged cell alone", "<table><tr><td colspan=99>a</table><table><tr><td>b</table>",
+         "99x2 A1:99x1=a;A2=b"},
     };
     for (const Case& c : cases)
         EXPECT_EQ(summary(parseHtmlTable(c.html)), c.cells) << c.what;
