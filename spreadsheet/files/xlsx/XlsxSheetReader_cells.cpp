@@ -273,7 +273,9 @@ std::uint32_t XlsxSheetReader::interned(std::string_view text, CellAddress at, b
 void XlsxSheetReader::formula(const CellFormula& formula, CellAddress at, const Column::Place& place)
 {
     const std::string_view kind = formula.kind;
-    const std::string text = textOf(formula.text);
+    std::string text = textOf(formula.text);
+    if (text.starts_with('=')) // as some programs write it
+        text.erase(0, 1);
     if (kind == "dataTable") {
         m_warnings.add("模拟运算表保留了上次算出的值");
         return;

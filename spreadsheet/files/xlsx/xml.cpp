@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xlsx/xml.h"
 
+#include "spreadsheet/files/exchange/CodePage.h"
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/Archive.h"
@@ -94,6 +95,33 @@ std::pair<std::size_t, std::size_t> contentOf(std::string_view text, std::string
     return {0, 0};
 }
 
+/// What its XML declaration says it is encoded in, in small letters; empty if it says nothing.
+std::string declaredEncoding(std::string_view text)
+{
+    const std::string head = ascii::lower(text.substr(0, std::min<std::size_t>(text.find('>'), 200)));
+    const std::size_t at = head.find("encoding=");
+    if (!head.starts_with("<?xml") || at == head.npos || at + 10 >= head.size())
+        return {};
+    const std::size_t begin = at + 10; // behind the quotation mark
+    return head.substr(begin, head.find(head[begin - 1], begin) - begin);
+}
+
+/// Whatever it is encoded in, as UTF-8.
+std::vector<char> inUtf8(std::vector<char> text)
+{
+    const std::string_view bytes(text.data(), text.size());
+    std::string plain;
+    if (bytes.starts_with("\xFF\xFE"))
+        plain = CodePage("UTF-16LE").decoded(bytes.substr(2));
+    else if (bytes.starts_with("\xFE\xFF"))
+        plain = CodePage("UTF-16BE").decoded(bytes.substr(2));
+    else if (declaredEncoding(bytes).starts_with("gb"))
+        plain = CodePage("GB18030").decoded(bytes);
+    else
+        return text;
+    return {plain.begin(), plain.end()};
+}
+
 } // namespace
 
 std::optional<XmlPart> XmlPart::read(Archive& archive, std::string_view path, std::string_view apart)
@@ -102,7 +130,7 @@ std::optional<XmlPart> XmlPart::read(Archive& archive, std::string_view path, st
     if (!text)
         return std::nullopt;
     XmlPart part;
-    part.m_text = std::move(*text);
+    part.m_text = inUtf8(std::move(*text));
     if (!apart.empty()) {
         const auto [begin, end] = contentOf({part.m_text.data(), part.m_text.size()}, apart);
         part.m_apart = begin;

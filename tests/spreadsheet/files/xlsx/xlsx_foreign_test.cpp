@@ -1,3 +1,4 @@
+#include "spreadsheet/files/exchange/CodePage.h"
 #include "spreadsheet/files/xlsx/xlsx_read.h"
 #include "spreadsheet/files/xlsx/xlsx_write.h"
 #include "spreadsheet/files/xlsx/XlsxNames.h"
@@ -244,6 +245,27 @@ TEST(XlsxArchive, PathsMayHaveTheSeparatorOfAnotherSystem)
     Warnings warnings;
     readXlsx(archive(folder, parts), workbook, warnings);
     EXPECT_EQ(workbook.sheet(1).formula({6, 1}), "1+1");
+}
+
+TEST(XlsxArchive, PartsAreReadInTheirEncoding)
+{
+    const std::string sheet =
+        "<worksheet><sheetData><row><c t=\"str\"><v>科目</v></c></row></sheetData></worksheet>";
+    const auto declared = [&](const char* encoding) {
+        return "<?xml version='1.0' encoding='" + std::string(encoding) + "'?>" + sheet;
+    };
+    const std::string contents[] = {declared("UTF-8"), "\xEF\xBB\xBF" + declared("utf-8"),
+                                    "\xFF\xFE" + CodePage("UTF-16LE").encoded(declared("UTF-16")),
+                                    "\xFE\xFF" + CodePage("UTF-16BE").encoded(sheet),
+                                    CodePage("GB18030").encoded(declared("GB2312"))};
+    for (const std::string& content : contents) {
+        const TestFolder folder;
+        Workbook workbook;
+        Warnings warnings;
+        readXlsx(archive(folder, workbookOf(content)), workbook, warnings);
+        EXPECT_EQ(workbook.sheet(1).displayText({1, 1}), "科目") << content;
+        EXPECT_TRUE(warnings.texts().empty());
+    }
 }
 
 TEST(XlsxColumns, UpToTheSheetsEndAreNotUsed)

@@ -48,6 +48,7 @@ TEST(XlsxMeaning, OfCells)
          "ref=\"A2:A3\">2</f><v>4</v></c>",
          "", Value(3.0), "重叠"},
         {"<c r=\"A1\" t=\"e\"><f>#N/A</f><v>#N/A</v></c>", "#N/A", Value(CellError::na)},
+        {"<c r=\"A1\"><f>=1+1</f><v>2</v></c>", "1+1", Value(2.0)},
     };
     for (const auto& c : cases) {
         Workbook workbook;
