@@ -15,6 +15,7 @@ namespace spreadsheet {
 namespace {
 
 constexpr std::size_t sensedLines = 30;
+constexpr int widthOfMoment = 2'100; ///< twips that a day with a time takes
 
 std::string utf8OfFile(Bytes file)
 {
@@ -178,6 +179,10 @@ void enter(Workbook& workbook, Sheet& sheet, CellAddress at, std::string_view fi
     CellStyle style;
     constant.dress(style);
     place.block.setStyle(place.index, workbook.styles().intern(style));
+    const bool showsMore = !constant.format.empty() && *constant.type == CellType::date;
+    if (showsMore && sheet.settings().columns.size(at.column) < widthOfMoment)
+        sheet.changeSettings(
+            [&](SheetSettings& settings) { settings.columns.sizes[at.column] = widthOfMoment; });
 }
 
 } // namespace

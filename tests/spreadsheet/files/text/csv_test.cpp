@@ -129,6 +129,15 @@ TEST(Csv, SensesEncodingAndSeparator)
     EXPECT_THROW(cellsOf(std::string(maxColumns, ',') + "x"), ContentError);
 }
 
+TEST(Csv, ColumnsHaveRoomForDaysWithATime)
+{
+    const std::string text = "2026-11-27,2026-11-27 10:30\n,\n";
+    Workbook workbook;
+    readCsv(std::as_bytes(std::span(text)), workbook);
+    EXPECT_EQ(workbook.sheet(1).settings().columns.size(1), defaultColumnWidth);
+    EXPECT_GT(workbook.sheet(1).settings().columns.size(2), defaultColumnWidth * 3 / 2);
+}
+
 TEST(Html, EscapesTextsAndJoinsSpans)
 {
     Workbook workbook;
