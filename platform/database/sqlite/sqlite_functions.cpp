@@ -7,6 +7,8 @@
 #include "platform/database/sqlite/sqlite_failure.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <memory>
 #include <sqlite3.h>
 #include <string>
@@ -104,6 +106,24 @@ void len(sqlite3_context* context, int /*count*/, sqlite3_value** values)
     sqlite3_result_int64(context, length);
 }
 
+/// round(number, decimals): the library's own knows 16 digits only, and takes fen from amounts of ten
+/// billions of ten thousands.
+void roundNumber(sqlite3_context* context, int /*count*/, sqlite3_value** values)
+{
+    if (sqlite3_value_type(values[0]) == SQLITE_NULL || sqlite3_value_type(values[1]) == SQLITE_NULL)
+        return sqlite3_result_null(context);
+    constexpr int mostDecimals = 30;
+    const double number = sqlite3_value_double(values[0]);
+    const int decimals = std::clamp(sqlite3_value_int(values[1]), 0, mostDecimals);
+    std::array<char, 400> text{}; // the largest number has 309 digits
+    const auto [end, failure] =
+        std::to_chars(text.begin(), text.end(), number, std::chars_format::fixed, decimals);
+    double rounded = number;
+    if (failure == std::errc())
+        std::from_chars(text.begin(), end, rounded);
+    sqlite3_result_double(context, rounded + 0.0); // no "-0"
+}
+
 } // namespace
 
 void registerServerFunctions(sqlite3* database)
@@ -118,6 +138,7 @@ void registerServerFunctions(sqlite3* database)
     static constexpr Function functions[] = {
         {"like", 2, fixed, like},          {"like", 3, fixed, like}, {"like_first", 1, fixed, likeFirst},
         {"like_last", 1, fixed, likeLast}, {"len", 1, fixed, len},   {"getdate", 0, SQLITE_UTF8, getdate},
+        {"round", 2, fixed, roundNumber},
     };
     bool registered =
         sqlite3_create_collation(database, "chinese", SQLITE_UTF8, nullptr, collate) == SQLITE_OK;

@@ -217,6 +217,19 @@ TEST_F(AcctProcedureTest, BlankYearsAndPeriodsFollowTheLedger)
     EXPECT_EQ(amounts(), "5 100 5 ");
 }
 
+TEST_F(AcctProcedureTest, AmountsAreTheNearestToTheirFen)
+{
+    balance("6,0,2010,1,1, 0,0, 0,0.1, 0,0, 0,0, 0,0, 0,0");
+    balance("6,0,2010,2,1, 0,0, 0,0.2, 0,0, 0,0, 0,0, 0,0");
+    EXPECT_EQ(fetched(acctCall(account("6601"), "3", "", "2010", "1", "2")), "0.3");
+    for (const char* amount : {"1234567890123.67", "12345678901234.67", "-12345678901234.67",
+                               "99999999999999.98", "123456789012345.67"}) {
+        m_connection->execute("delete from tblAccountBal where faccountid=6 and fYear=2011");
+        balance("6,0,2011,1,1, 0,0, 0,0, 0,0, 0,0, 0,0, 0," + std::string(amount));
+        EXPECT_EQ(fetched(acctCall(account("6601"), "2", "", "2011", "1", "1")), amount);
+    }
+}
+
 TEST_F(AcctProcedureTest, EveryAmountCountsOnce)
 {
     const auto range = [](const std::string& first, const std::string& last) {
