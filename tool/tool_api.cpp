@@ -108,12 +108,12 @@ void tellDiagnostics(const ReportRun& run, std::ostream& notes)
 {
     std::string text; // standard error writes each piece by itself
     for (const std::string& message : run.messages)
-        text += "提示: " + message + '\n';
+        text += "提示: " + oneLine(message) + '\n';
     for (const CellDiagnostic& diagnostic : run.diagnostics) {
         const auto& [sheet, column, row] = diagnostic.place;
         text += (diagnostic.hasFailed() ? "取数失败: " : "取数诊断: ") + run.workbook->sheet(sheet).name() +
                 '!' + spreadsheet::cellName({column, row}) + ' ' + diagnostic.function + ": " +
-                diagnostic.reason + '\n';
+                oneLine(diagnostic.reason) + '\n';
     }
     notes << text;
 }
@@ -200,8 +200,8 @@ int toolList(const std::string& database, const ToolStreams& streams) noexcept
 {
     return command(streams, [&] {
         for (const ListedReport& report : listReports(connectionString(database)))
-            streams.results << std::to_string(report.id) << '\t' << report.name << '\t' << report.savedBy
-                            << '\t' << report.savedAt << '\n';
+            streams.results << std::to_string(report.id) << '\t' << oneLine(report.name) << '\t'
+                            << oneLine(report.savedBy) << '\t' << report.savedAt << '\n';
     });
 }
 

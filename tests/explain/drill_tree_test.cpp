@@ -134,7 +134,8 @@ TEST_F(ExplainCommand, TakesACellAsFormulasWriteIt)
 
 TEST_F(ExplainCommand, WritesOneRowALineWhateverTheNames)
 {
-    demo.open()->execute("update tblAccount set fName='长\n名\t\"称\\' where fLevel=2");
+    demo.open()->execute("update tblAccount set fName='长\n名\t\"称\\'||cast(x'B2E241EDA080F09F9880E4' as "
+                         "text) where fLevel=2");
     const auto explained = [&] {
         std::optional<Explained> found;
         withReport(demo, 1, [&](const ReportRun& run, const RunRecord& record, DatabaseAccess& database) {
@@ -148,7 +149,8 @@ TEST_F(ExplainCommand, WritesOneRowALineWhateverTheNames)
     const std::string text = drillText(explained.head, explained.root);
     EXPECT_THAT(text, HasSubstr("长 名 \"称\\"));
     EXPECT_THAT(text, HasSubstr("\n差额\t0.00\n"));
-    EXPECT_THAT(drillJson(explained.head, explained.root), HasSubstr("长\\u000a名\\u0009\\\"称\\\\"));
+    EXPECT_THAT(drillJson(explained.head, explained.root),
+                HasSubstr("长\\u000a名\\u0009\\\"称\\\\\\ufffd\\ufffdA\\ufffd\\ufffd\\ufffd😀\\ufffd\""));
 }
 
 TEST_F(ExplainCommand, TellsThatTheLedgerHasChangedSince)

@@ -7,6 +7,7 @@
 #include "tests/own_files.h"
 #include "tests/platform/WindowTest.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -45,6 +46,20 @@ struct Ran {
     std::ostringstream output, notes;
     int exitCode;
 };
+
+TEST(ReportRun, NamesOfSeveralLinesTakeOne)
+{
+    const test::TestLedger ledger;
+    spreadsheet::Workbook report;
+    report.sheet(1).setText({1, 1}, "99\n98");
+    spreadsheet::demand(report.sheet(1).setFormula({1, 2}, R"(Acct(A1 ,"2" , "", "2025","1","2"))"));
+    ledger.addReport(4, "应收\r\n\t表", spreadsheet::saveContent(report));
+    std::ostringstream output, notes;
+    EXPECT_EQ(toolList(ledger.connectionString(), {output, notes}), 0);
+    EXPECT_THAT(output.str(), AllOf(HasSubstr("4\t应收   表\t"), EndsWith("\n")));
+    EXPECT_EQ(std::ranges::count(output.str(), '\n'), 1) << output.str();
+    EXPECT_THAT(Ran(ledger, {}).notes.str(), HasSubstr("取数诊断: Sheet1!A2 Acct: 科目“99 98”不存在\n"));
+}
 
 /// The fetch that fails is the second: what came before it was good.
 TEST(ReportRun, AFailedFetchLeavesFilesAndOutputUnlessAllowed)

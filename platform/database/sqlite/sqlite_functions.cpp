@@ -106,8 +106,8 @@ void len(sqlite3_context* context, int /*count*/, sqlite3_value** values)
     sqlite3_result_int64(context, length);
 }
 
-/// round(number, decimals): the library's own knows 16 digits only, and takes fen from amounts of ten
-/// billions of ten thousands.
+/// round(number, decimals): the library's own knows 16 digits only, and takes fen from amounts of more
+/// than ten trillion.
 void roundNumber(sqlite3_context* context, int /*count*/, sqlite3_value** values)
 {
     if (sqlite3_value_type(values[0]) == SQLITE_NULL || sqlite3_value_type(values[1]) == SQLITE_NULL)
