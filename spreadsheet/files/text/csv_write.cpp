@@ -41,7 +41,14 @@ std::string shownByType(const Sheet& sheet, CellAddress cell)
 /// Whether a displayed number reads as the cell's own, apart from what its decimals leave out.
 bool readsAs(std::string_view shown, double number)
 {
+    if (shown.ends_with('%')) {
+        Decimal share = shownDecimal(number);
+        share.exponent += 2;
+        return readsAs(shown.substr(0, shown.size() - 1), share.number());
+    }
     const auto read = parseNumber(shown);
+    if (read && shown.find('E') != shown.npos)
+        return true; // its digits are as many as the code says
     const std::size_t point = shown.find('.');
     const auto decimals = point == shown.npos ? 0 : static_cast<int>(shown.size() - point - 1);
     return read && *read == roundDecimal(number, decimals);

@@ -50,6 +50,10 @@ TEST(Csv, FiguresAreWrittenAsTheyAreNotAsACodeDressesThem)
         {-1.25, CellType::number, "# ?/?", "-1.25"},    // a fraction is no figure
         {-1.5, CellType::edit, "yyyy-mm-dd;@", "-1.5"}, // no day, and no section for it
         {1234.565, CellType::edit, "0.00_ ", "1234.57"},
+        {0.04125, CellType::percent, "0.000%", "4.125%"},
+        {-0.5, CellType::percent, "0%", "-50%"},
+        {12.5, CellType::percent, "#,##0%", "1250.00%"},
+        {123456.0, CellType::scientific, "0.0000E+00", "1.2346E+05"},
         {-45322.5, CellType::currency, "", "-45322.50"},
         {-45322.5, CellType::currency, "\"US$\"#,##0.0_ ", "-45322.50"},
         {Value::text("无"), CellType::currency, "", "无"},
