@@ -1,5 +1,7 @@
 #include "spreadsheet/files/exchange/function_numbers.h"
 
+#include "text/ascii.h"
+
 #include <algorithm>
 #include <array>
 
@@ -298,6 +300,21 @@ const XlsFunction* xlsFunction(std::string_view name)
     }();
     const auto found = std::ranges::lower_bound(byName, name, {}, &XlsFunction::name);
     return found != byName.end() && found->name == name ? &*found : nullptr;
+}
+
+std::string_view laterFunctionPrefix(std::string_view name)
+{
+    const bool isOfSheet = ascii::equalFolded(name, "SORT") || ascii::equalFolded(name, "FILTER");
+    return isOfSheet ? "_xlfn._xlws." : "_xlfn.";
+}
+
+std::string_view withoutLaterPrefix(std::string_view name)
+{
+    for (const std::string_view prefix : {"_xlfn.", "_xlws."}) {
+        if (name.starts_with(prefix))
+            name.remove_prefix(prefix.size());
+    }
+    return name;
 }
 
 bool isXlsAddInFunction(std::string_view name)

@@ -33,13 +33,6 @@ std::string numberText(double number)
     return {digits.data(), end};
 }
 
-/// Newer functions were written by name with a prefix.
-std::string functionName(const std::string& name)
-{
-    constexpr std::string_view prefix = "_xlfn.";
-    return name.starts_with(prefix) ? name.substr(prefix.size()) : name;
-}
-
 std::string columnText(int column, bool isRelative)
 {
     return (isRelative ? "" : "$") + columnName(column + 1);
@@ -295,7 +288,7 @@ bool FormulaReader::function(int number, std::size_t arguments)
     std::size_t first = m_stack.size() - arguments;
     std::string call = blanksBefore();
     if (number == functionByName) {
-        call += functionName(m_stack[first++]);
+        call += withoutLaterPrefix(m_stack[first++]);
     } else {
         const XlsFunction* known = xlsFunction(number);
         if (!known)

@@ -1,5 +1,6 @@
 #include "spreadsheet/files/xls/LinkTable.h"
 
+#include "spreadsheet/files/exchange/function_numbers.h"
 #include "spreadsheet/files/xls/records.h"
 #include "spreadsheet/formula/NameTable.h"
 
@@ -51,7 +52,7 @@ int LinkTable::function(std::string_view name)
 
 int LinkTable::laterFunction(std::string_view name)
 {
-    const std::string prefixed = "_xlfn." + std::string(name);
+    const std::string prefixed = std::string(laterFunctionPrefix(name)).append(name);
     auto found = std::ranges::find(m_laterFunctions, prefixed);
     if (found == m_laterFunctions.end())
         found = m_laterFunctions.insert(found, prefixed);

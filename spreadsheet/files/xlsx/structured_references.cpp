@@ -57,7 +57,7 @@ bool addPart(std::string_view text, Parts& parts)
     return true;
 }
 
-/// "[#Headers],[First]:[Last]"
+/// "[#Headers],[First]:[Last]", or as some programs write it "[#This Row],First"
 bool addBracketed(std::string_view text, Parts& parts)
 {
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -70,7 +70,10 @@ bool addBracketed(std::string_view text, Parts& parts)
             if (at >= text.size() || !addPart(text.substr(begin, at - begin), parts))
                 return false;
         } else if (std::string_view(" ,:").find(text[at]) == std::string_view::npos) {
-            return false;
+            const std::size_t end = std::min(text.find_first_of(",[]", at), text.size()); // a bare heading
+            if (!addPart(ascii::trimmed(text.substr(at, end - at)), parts))
+                return false;
+            at = end - 1;
         }
     }
     return true;

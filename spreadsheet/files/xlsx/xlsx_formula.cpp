@@ -51,7 +51,8 @@ void appendToken(const Token& token, std::string& result)
         result += ';';
         break;
     case Token::Kind::function:
-        result += (needsPrefix(token.text) ? "_xlfn." : "") + std::string(token.text) + "(";
+        result.append(needsPrefix(token.text) ? laterFunctionPrefix(token.text) : "").append(token.text) +=
+            '(';
         break;
     default:
         result += token.text;

@@ -188,6 +188,7 @@ TEST(KeptAttributes, OtherProgramsReadThem)
     Workbook workbook;
     fillNamed(workbook);
     demand(workbook.sheet(1).setFormula({2, 1}, "IFERROR(1/0,7)"));
+    demand(workbook.sheet(1).setFormula({4, 1}, "SUM(SORT(B1:B2))"));
     workbook.sheet(1).setValue({3, 1}, Value::text(""));
     demand(workbook.defineName("一列", "Sheet1!$A$1:$A$3,Sheet1!$C$1", workbook.sheet(1).id()));
     workbook.recalculate();
@@ -229,12 +230,13 @@ print(sheet.cell(0, 1).value, [(name.name, name.scope) for name in book.name_obj
               "5 1 0 255 5\n"
               "6 1 0 0 6\n"
               "7 4 1 90 7\n"
-              "7.0 [('一列', 0), ('_xlfn.IFERROR', -1)]\n");
+              "7.0 [('一列', 0), ('_xlfn.IFERROR', -1), ('_xlfn._xlws.SORT', -1)]\n");
     for (const char* file : {"a.xlsx", "a.xls"}) {
         Workbook again;
         loadWorkbook(again, folder.file(file));
         EXPECT_EQ(again.sheet(1).value({3, 1}), Value::text("")) << file << ": a text, if an empty one";
         EXPECT_EQ(again.sheet(1).formula({2, 1}), "IFERROR(1/0,7)") << file;
+        EXPECT_EQ(again.sheet(1).formula({4, 1}), "SUM(SORT(B1:B2))") << file;
         const NameTable& names = again.names();
         ASSERT_GE(names.find("一列"), 0);
         EXPECT_EQ(again.formulas().text(names[names.find("一列")].formula, {1, 1}),

@@ -191,6 +191,8 @@ TEST(XlsxMeaning, OfWhatIsWritten)
 {
     const SheetResolver none = [](std::string_view) { return 0; };
     EXPECT_EQ(portableFormula("A1　+　2", {1, 1}, none), "A1 + 2") << "blanks that others know";
+    EXPECT_EQ(portableFormula("sort(FILTER(A1:A9,UNIQUE(A1:A9)<SUM(1)))", {1, 1}, none),
+              "_xlfn._xlws.sort(_xlfn._xlws.FILTER(A1:A9,_xlfn.UNIQUE(A1:A9)<SUM(1)))");
     std::string attribute, text;
     appendXml(attribute, "a\tb\nc\"", true);
     appendXml(text, "a\tb\nc\"", false);
