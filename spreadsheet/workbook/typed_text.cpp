@@ -44,11 +44,11 @@ std::optional<double> moneyAmount(std::string_view text)
     return std::nullopt;
 }
 
-/// "(1,234.50)", as statements write what is to be taken away. Whole numbers without commas are left alone:
-/// "(1)" numbers a heading.
+/// "(1,234.50)", as statements write what is to be taken away, or "1,234.50-", as some ledgers do. Whole
+/// numbers without commas are left alone: "(1)" numbers a heading.
 std::optional<double> bracketedAmount(std::string_view text)
 {
-    for (const auto& [open, close] : {std::pair("(", ")"), std::pair("（", "）")}) {
+    for (const auto& [open, close] : {std::pair("(", ")"), std::pair("（", "）"), std::pair("", "-")}) {
         if (!text.starts_with(open) || !text.ends_with(close))
             continue;
         const std::string_view inside =
@@ -244,6 +244,20 @@ Refusal enterArrayFormula(Workbook& workbook, Sheet& sheet, const CellRange& ran
     });
 }
 
+std::string_view withoutPadding(std::string_view text)
+{
+    constexpr std::string_view noBreak = "\u00A0";
+    for (;;) {
+        text = trimmedBlanks(text);
+        if (text.starts_with(noBreak))
+            text.remove_prefix(noBreak.size());
+        else if (text.ends_with(noBreak))
+            text.remove_suffix(noBreak.size());
+        else
+            return text;
+    }
+}
+
 void TypedConstant::dress(CellStyle& style) const
 {
     if (!type || style.type != CellType::edit)
@@ -255,7 +269,7 @@ void TypedConstant::dress(CellStyle& style) const
 
 TypedConstant typedConstant(std::string_view text)
 {
-    const std::string_view typed = trimmedBlanks(text);
+    const std::string_view typed = withoutPadding(text);
     if (const auto number = numberOfGroupedText(typed))
         return {Value(*number), std::nullopt};
     if (typed.ends_with('%')) {

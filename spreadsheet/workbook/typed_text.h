@@ -20,13 +20,13 @@ enum class TypedInto {
 /// Puts what a user typed into a cell, as one undo step.
 ///
 /// With "=" it is a formula. Without, a number, percentage, amount of money, date, time or truth value
-/// is a constant (an amount in brackets a negative one), a text that begins with a call of a known function
-/// is a formula, and anything else is text, a month without a day ("2026年12月") too; a leading apostrophe
-/// makes text of whatever follows. A fresh cell takes the type that the constant was written in (percent,
-/// currency, date, time, with a code for days with a time and hours beyond a day). An empty text takes the
-/// content away. A cell whose number format is `textFormat` takes every text as it stands. Brackets that a
-/// formula leaves open at its end are closed, “ ” in it are taken for plain quotation marks, and what was
-/// typed in full width, "＝Ａ１＋１" or "１２．５％", for what it means.
+/// is a constant (an amount in brackets or before a minus a negative one), a text that begins with a call of
+/// a known function is a formula, and anything else is text, a month without a day ("2026年12月") too; a
+/// leading apostrophe makes text of whatever follows. A fresh cell takes the type that the constant was
+/// written in (percent, currency, date, time, with a code for days with a time and hours beyond a day). An
+/// empty text takes the content away. A cell whose number format is `textFormat` takes every text as it
+/// stands. Brackets that a formula leaves open at its end are closed, “ ” in it are taken for plain quotation
+/// marks, and what was typed in full width, "＝Ａ１＋１" or "１２．５％", for what it means.
 /// @return why a formula was refused; the cell then keeps what it had.
 Refusal enterText(Workbook& workbook, Sheet& sheet, CellAddress cell, std::string_view text, TypedInto where);
 
@@ -47,6 +47,9 @@ struct TypedConstant {
     void dress(CellStyle& style) const;
 };
 TypedConstant typedConstant(std::string_view text);
+
+/// Without blanks at its ends, those too that web pages pad figures with.
+std::string_view withoutPadding(std::string_view text);
 
 /// Digits only that would not all survive as a number: "0101" (not "0"), or more than 15 of them. Such are
 /// codes of accounts and numbers of identity cards.

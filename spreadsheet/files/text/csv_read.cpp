@@ -2,7 +2,6 @@
 #include "spreadsheet/files/exchange/unicode_text.h"
 #include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/text/csv.h"
-#include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "text/ascii.h"
@@ -159,8 +158,8 @@ TypedConstant constantOf(std::string_view field, Workbook& workbook)
     field = ascii::trimmed(field, "\t");
     if (field.empty())
         return {};
-    if (isDigitCode(trimmedBlanks(field)))
-        return asText(trimmedBlanks(field));
+    if (isDigitCode(withoutPadding(field)))
+        return asText(withoutPadding(field));
     TypedConstant constant;
     if (!field.starts_with('='))
         constant = typedConstant(field);

@@ -1,6 +1,5 @@
 #include "spreadsheet/view/commands/paste.h"
 
-#include "spreadsheet/values/number_text.h"
 #include "spreadsheet/workbook/cell_borders.h"
 #include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/Workbook.h"
@@ -114,7 +113,7 @@ std::string withPlainMinus(const std::string& text)
 
 void enterPasted(Workbook& workbook, Sheet& sheet, CellAddress cell, const PastedTable::Cell& pasted)
 {
-    const std::string_view typed = trimmedBlanks(pasted.text);
+    const std::string_view typed = withoutPadding(pasted.text);
     if (pasted.literal || (!pasted.number && isDigitCode(typed))) {
         sheet.setText(cell, pasted.literal ? pasted.text : typed);
         return;

@@ -157,6 +157,11 @@ TEST_F(Paste, CodesOfDigitsStayTexts)
         EXPECT_TRUE(!c.isText || value.textView() == digits) << c.pasted;
         sheet().setStyle({1, 1}, CellStyle());
     }
+    QMimeData padded; // by a web page
+    padded.setHtml("<table><tr><td>&#160;0101&nbsp;</td><td>\u00A01,234.50</td></tr></table>");
+    EXPECT_EQ(pasteAt(padded, {1, 1, 1, 1}), "");
+    EXPECT_EQ(shown({1, 1}), "0101");
+    EXPECT_EQ(sheet().value({2, 1}), Value(1234.5));
     QMimeData html; // whose figure came along
     html.setHtml("<table><tr><td x:num=\"101\">0101</td><td>0101</td></tr></table>");
     EXPECT_EQ(pasteAt(html, {1, 1, 1, 1}), "");
