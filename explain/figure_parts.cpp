@@ -1,5 +1,6 @@
 #include "explain/figure_parts.h"
 
+#include "fetch/plain_arguments.h"
 #include "fetch/quoted_text.h"
 #include "fetch/RunRecord.h"
 #include "platform/database/dialect/acct_kinds.h"
@@ -73,7 +74,7 @@ void addRemark(DrillNode& node, const std::string& remark)
 void describe(DrillNode& node, const RecordedCall& call, bool reads)
 {
     if (call.ledger) {
-        const LedgerArguments& used = call.argumentsUsed();
+        const LedgerArguments used = plainArguments(call.argumentsUsed());
         node.item = used.account;
         node.basis += " " + measureText(used);
         node.call = used;

@@ -1,6 +1,7 @@
 #include "fetch/CallState.h"
 
 #include "fetch/ledger_fetch.h"
+#include "fetch/plain_arguments.h"
 
 #include <algorithm>
 #include <array>
@@ -14,7 +15,7 @@ using namespace std::string_view_literals;
 template <typename Keys>
 bool isAmong(const Keys& keys, std::string_view fetchType)
 {
-    return std::ranges::find(keys, trimmed(fetchType)) != std::end(keys);
+    return std::ranges::find(keys, plainFetchType(fetchType)) != std::end(keys);
 }
 
 bool asksBalance(std::string_view fetchType)

@@ -1,6 +1,7 @@
 #include "fetch/call_in_words.h"
 
 #include "fetch/compound_statement.h"
+#include "fetch/plain_arguments.h"
 #include "fetch/quoted_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/dialect/sql_text.h"
@@ -119,8 +120,9 @@ public:
     {
     }
 
-    CallInWords of(const LedgerArguments& arguments)
+    CallInWords of(const LedgerArguments& call)
     {
+        const LedgerArguments arguments = plainArguments(call);
         const AccountExpression expression = parseAccountExpression(arguments.account);
         std::vector<std::string> parts{typeWords(arguments), accountWords(expression)};
         for (const ItemQualifier& qualifier : expression.qualifiers)

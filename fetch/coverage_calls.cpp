@@ -1,5 +1,6 @@
 #include "fetch/coverage_calls.h"
 
+#include "fetch/plain_arguments.h"
 #include "fetch/ReportEvaluation.h"
 #include "spreadsheet/files/content/content.h"
 #include "spreadsheet/workbook/Workbook.h"
@@ -20,7 +21,8 @@ std::optional<SheetCalls> acctCallsOf(const spreadsheet::Workbook& workbook, int
         if (copy.sheetIndexOfId(place.sheetId) != sheet || call.function != "Acct")
             return;
         if (call.ledger)
-            found.calls.push_back({place.cell.column, place.cell.row, call.ledger->arguments});
+            found.calls.push_back(
+                {place.cell.column, place.cell.row, plainArguments(call.ledger->arguments)});
         else
             ++found.unusable;
     });

@@ -6,6 +6,7 @@
 #include "fetch/ledger_blanks.h"
 #include "fetch/ledger_query.h"
 #include "fetch/LedgerQuestions.h"
+#include "fetch/plain_arguments.h"
 #include "fetch/quoted_text.h"
 #include "platform/database/Connection.h"
 #include "platform/database/dialect/sql_text.h"
@@ -283,8 +284,9 @@ LedgerQuestions fetchedAnswers(const DatabaseAccess& database, std::unique_ptr<C
 
 } // namespace
 
-std::string explainLedgerFetch(Connection& connection, const LedgerFetch& fetch)
+std::string explainLedgerFetch(Connection& connection, const LedgerFetch& asCalled)
 {
+    const LedgerFetch fetch{plainArguments(asCalled.arguments), asCalled.answer};
     const LedgerQuestions answers = answersFor(connection, {.doubtful = {fetch}, .withBlanks = {}});
     return explained(fetch, [&] { return causeOfNoData(answers, fetch); }).reason;
 }
@@ -292,8 +294,11 @@ std::string explainLedgerFetch(Connection& connection, const LedgerFetch& fetch)
 FetchExplanations explainFetches(const FetchesToExplain& fetches, const DatabaseAccess& database,
                                  std::unique_ptr<Connection> connection)
 {
+    std::vector<LedgerFetch> doubtful;
+    for (const auto& [arguments, answer] : fetches.doubtful)
+        doubtful.push_back({plainArguments(arguments), answer});
     FetchesToExplain open{{}, fetches.withBlanks, fetches.kindsTold};
-    std::ranges::copy_if(fetches.doubtful, std::back_inserter(open.doubtful), isOpen);
+    std::ranges::copy_if(doubtful, std::back_inserter(open.doubtful), isOpen);
     std::optional<LedgerQuestions> answers;
     std::string unanswered;
     try {
@@ -307,7 +312,7 @@ FetchExplanations explainFetches(const FetchesToExplain& fetches, const Database
         unanswered = notFound + failures::sentenceOf(error);
     }
     FetchExplanations found;
-    for (const LedgerFetch& fetch : fetches.doubtful)
+    for (const LedgerFetch& fetch : doubtful)
         found.explanations.push_back(explained(fetch, [&] {
             return answers ? causeOfNoData(*answers, fetch)
                            : Explanation{unanswered, outcomeUnexplained(fetch.answer), CallState::failed};

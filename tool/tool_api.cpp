@@ -259,7 +259,7 @@ int toolExplain(const std::string& database, std::int32_t reportId, const std::s
                           [&](std::string_view what) { streams.notes << what << " …" << std::endl; });
         streams.results << (asJson ? drillJson(explained.head, explained.root)
                                    : drillText(explained.head, explained.root));
-        if (const std::string fault = firstFault(explained.root); !fault.empty())
+        if (const std::string fault = oneLine(firstFault(explained.root)); !fault.empty())
             throw ReportRunError(fault);
     });
 }

@@ -14,9 +14,10 @@ namespace {
 
 using ::testing::HasSubstr;
 
-std::string closing(const std::string& account)
+std::string closing(const std::string& account, const std::string& key = "2",
+                    const std::string& currency = "")
 {
-    return "Acct(\"" + account + "\",\"2\",\"\",\"2025\",\"1\",\"12\")";
+    return "Acct(\"" + account + "\",\"" + key + "\",\"" + currency + "\",\"2025\",\"1\",\"12\")";
 }
 
 /// A workbook of formulas in column A, computed.
@@ -99,21 +100,39 @@ TEST(DrillBadInput, AnAccountThatNeverWasIsNoChangeOfTheLedger)
     EXPECT_FALSE(computed.tree(2).root().parts[0].isFault);
 }
 
-/// The ledger finds accounts whatever the width and case of their codes, and so they open.
-TEST(DrillBadInput, ACodeInFullWidthOpensIntoTheSameAccounts)
+/// The ledger finds accounts whatever the width and case of their codes and the blanks around them, and so
+/// they open.
+TEST(DrillBadInput, CodesInFullWidthAndBetweenBlanksOpenIntoTheSame)
 {
     const test::ExplainedDemo demo;
-    Computed computed(demo.connectionString(), {closing("1001"), closing("１００１")});
-    std::vector<std::string> items[2];
-    for (const int row : {1, 2}) {
-        DrillTree tree = computed.tree(row);
-        DrillNode& call = tree.root().parts[0];
-        tree.open(call, computed.database);
-        for (const DrillNode& part : call.parts)
-            items[row - 1].push_back(part.item);
+    const struct {
+        std::string plain, other;
+    } calls[] = {
+        {closing("1001"), closing("１００１")},
+        {closing("1001"), closing(" 1001")},
+        {closing("1001:1002"), closing("1001 : 1002 ")},
+        {closing("10**"), closing(" 10**")},
+        {closing("1122|客户|00:99"), closing(" 1122 |客户 | 00: 99 ")},
+        {closing("1122:1221", "13"), closing(" 1122: 1221", " １３")},
+        {closing("1001", "3", "RMB"), closing("1001", "３", " RMB ")},
+        {closing("1001", "3"), closing("1001", " 3", " ")},
+    };
+    for (const auto& [plain, other] : calls) {
+        Computed computed(demo.connectionString(), {plain, other});
+        std::vector<std::string> items[2];
+        for (const int row : {1, 2}) {
+            DrillTree tree = computed.tree(row);
+            DrillNode& call = tree.root().parts[0];
+            tree.open(call, computed.database);
+            EXPECT_TRUE(call.isWhole()) << other;
+            EXPECT_FALSE(tree.head().ledgerHasChanged) << other;
+            items[row - 1].push_back(call.remark);
+            for (const DrillNode& part : call.parts)
+                items[row - 1].push_back(part.item);
+        }
+        EXPECT_GT(items[0].size(), 1U) << plain;
+        EXPECT_EQ(items[1], items[0]) << other;
     }
-    EXPECT_GT(items[0].size(), 1U);
-    EXPECT_EQ(items[1], items[0]);
 }
 
 /// 14184.425 is the same figure in both lines of the foot, whichever way its parts were added.

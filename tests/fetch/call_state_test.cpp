@@ -96,6 +96,7 @@ TEST(CallState, OfEachKeyAndKindOfNothing)
 TEST(CallState, OfNamesWithoutMeaningAndFailures)
 {
     const test::TestLedger ledger;
+    addAccounts(ledger);
     const struct {
         std::string formula;
         CallState state;
@@ -105,6 +106,10 @@ TEST(CallState, OfNamesWithoutMeaningAndFailures)
         {call("1122|供应商", 2, 2), CallState::missing},
         {call("1122|客户|009", 2, 2), CallState::missing},
         {call("1122|部门|01", 2, 2), CallState::noData},
+        {call(" 1122 |部门| 01 ", 2, 2), CallState::noData},
+        {"Acct(\"1122|部门|01\",\" 2\",\" \",2025,2,2)", CallState::noData},
+        {"Acct(\"1122|部门|01\",\"２\",\" RMB\",2025,2,2)", CallState::noData},
+        {"Acct(\"6001\",\"３\",\"\",2025,2,2)", CallState::noMovement},
         {call("1001", 15, 2), CallState::missing},
         {call("1001", 2, 2, "USD"), CallState::missing},
         {call("", 2, 2), CallState::missing},

@@ -73,7 +73,7 @@ TEST_F(Coverage, CallsAreThoseThatTheCellsMake)
         EXPECT_FALSE(on.setFormula(cell, formula)) << formula;
     };
     sheet.setNumber({4, 1}, 2025);
-    write(sheet, {2, 3}, R"(Acct("1002","2","",D1,"0",2))"); // computed arguments, 0 is not given
+    write(sheet, {2, 3}, R"(Acct(" 1002 "," 2"," ",D1,"0",2))"); // computed arguments, 0 is not given
     write(sheet, {2, 1}, R"(ROUND(-acct("1001","2","","2025","1","2"),2)+Acct("1001","2","","","",""))");
     // 1001 holds 100.25: the branch that is not taken covers nothing
     write(sheet, {1, 9}, R"(IF(B1<0,Acct("1122","2","","","",""),Acct("2001","2","","","","")))");
