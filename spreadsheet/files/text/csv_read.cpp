@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace spreadsheet {
 
@@ -146,6 +147,13 @@ std::optional<std::string> wrappedText(std::string_view field)
     return text;
 }
 
+/// Digits that no cell of a usual width shows: the number of a payment, which a tab keeps whole.
+bool isLongNumber(std::string_view text)
+{
+    constexpr std::size_t shown = 11;
+    return text.size() > shown && std::ranges::all_of(text, ascii::isDigit);
+}
+
 /// The constant that a field stands for. Digits that do not survive as a number stay as they are but for
 /// blanks and tabs at the ends, which are there to keep them.
 TypedConstant constantOf(std::string_view field, Workbook& workbook)
@@ -153,13 +161,14 @@ TypedConstant constantOf(std::string_view field, Workbook& workbook)
     const auto asText = [&](std::string_view text) {
         return TypedConstant{Value(workbook.texts().intern(text)), std::nullopt};
     };
-    if (const auto text = wrappedText(field))
-        return asText(*text);
-    field = ascii::trimmed(field, "\t");
+    const std::string_view padded = std::exchange(field, ascii::trimmed(field, "\t"));
     if (field.empty())
         return {};
-    if (isDigitCode(withoutPadding(field)))
-        return asText(withoutPadding(field));
+    if (const auto text = wrappedText(field))
+        return asText(*text);
+    const std::string_view plain = withoutPadding(field);
+    if (isDigitCode(plain) || (padded != field && isLongNumber(plain)))
+        return asText(plain);
     TypedConstant constant;
     if (!field.starts_with('='))
         constant = typedConstant(field);
