@@ -127,6 +127,8 @@ std::vector<DemoFigure> demoFigures(const std::string& connectionString)
     DemoRuns runs(connectionString);
     const std::unique_ptr<Connection> connection = openConnection(connectionString);
     const std::string year = connection->query("select max(fYear) as y from tblAccountBal").text(0, "y");
+    if (year.empty())
+        throw ReportRunError("账上没有余额，没有可核对的数");
     std::vector<DemoFigure> checked;
     for (const CheckedFigure& figure : figures)
         checked.push_back({figure.report, std::string(figure.label) + " " + figure.column,

@@ -109,14 +109,18 @@ LedgerOutline outlineOf(Connection& connection)
     for (std::size_t row = 0; row < periods.rowCount(); ++row)
         outline.periods.push_back({static_cast<int>(periods.integer(row, "fYear")),
                                    static_cast<int>(periods.integer(row, "fPeriod"))});
+    outline.hasVouchers = canReadVouchers(connection);
+    return outline;
+}
+
+void readClasses(Connection& connection, LedgerOutline& outline)
+{
     const Recordset classes =
         connection.query("select fitemclassid,fItemname,fitemtable from tblItemClass order by fitemclassid");
     for (std::size_t row = 0; row < classes.rowCount(); ++row)
         if (const auto table = plainTable(classes.text(row, "fitemtable")))
             outline.classes.push_back(
                 {classes.text(row, "fitemclassid"), classes.text(row, "fItemname"), *table});
-    outline.hasVouchers = canReadVouchers(connection);
-    return outline;
 }
 
 /// Without any every identity holds, which says nothing.
@@ -141,7 +145,7 @@ LedgerProof proveLedger(Connection& connection, int year, const std::function<vo
     LedgerProof proof;
     const ReadingOfOneMoment reading(connection);
     proof.isOfOneMoment = reading.isOne();
-    const LedgerOutline outline = outlineOf(connection);
+    LedgerOutline outline = outlineOf(connection);
     const auto add = [&](ProvedIdentity one) { proof.identities.push_back(std::move(one)); };
     const auto told = [&](std::string_view name) {
         if (tell)
@@ -152,6 +156,11 @@ LedgerProof proveLedger(Connection& connection, int year, const std::function<vo
              .state = State::failed,
              .reason = year == 0 ? "账上没有余额，其余各项没有可查的数"
                                  : "账上没有" + std::to_string(year) + "年的余额，其余各项没有可查的数"});
+    // Those who may not read the classes have the rest proved.
+    if (ProvedIdentity classes =
+            proved({.name = "核算项目类别"}, [&](ProvedIdentity&) { readClasses(connection, outline); });
+        classes.state == State::failed)
+        add(std::move(classes));
     for (const LedgerIdentity& identity : ledgerIdentities(outline, year)) {
         told(identity.name);
         add(proved({.name = identity.name, .statement = identity.statement},

@@ -47,6 +47,21 @@ TEST_F(DemoReports, FiguresAgreeWithSeparateQueries)
     }
 }
 
+TEST_F(DemoReports, WithoutBalancesThereIsNothingToCheck)
+{
+    const auto connection = openConnection(connectionString());
+    connection->execute("create table kept as select * from tblAccountBal");
+    connection->execute("delete from tblAccountBal");
+    try {
+        demoFigures(connectionString());
+        ADD_FAILURE() << "of nothing";
+    } catch (const ReportRunError& error) {
+        EXPECT_STREQ(error.what(), "账上没有余额，没有可核对的数");
+    }
+    connection->execute("insert into tblAccountBal select * from kept");
+    connection->execute("drop table kept");
+}
+
 TEST_F(DemoReports, StoredInOrderAndWithoutErrors)
 {
     const char* const names[] = {"资产负债表",         "利润表",         "部门费用明细表",

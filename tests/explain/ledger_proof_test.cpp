@@ -199,6 +199,17 @@ TEST_F(LedgerProofTest, WithoutVouchersTheRestIsProved)
     EXPECT_EQ(proof.faults(), 0);
 }
 
+TEST_F(LedgerProofTest, WithoutClassesTheRestIsProved)
+{
+    const auto connection = demo.open();
+    const std::size_t all = proveLedger(*connection, 0).identities.size();
+    connection->execute("drop table tblItemClass");
+    const LedgerProof proof = proveLedger(*connection, 0);
+    EXPECT_EQ(proof.identities.front().name, "核算项目类别");
+    EXPECT_THAT(proof.identities.front().reason, ::testing::HasSubstr("tblItemClass"));
+    EXPECT_GT(std::ranges::count(proof.identities, State::holds, &ProvedIdentity::state), all / 2);
+}
+
 TEST_F(LedgerProofTest, FindsAndPlacesEachKindOfCorruption)
 {
     for (const Corruption& corruption : corruptions()) {
