@@ -137,8 +137,17 @@ public:
     }
 };
 
+/// What no option or argument took, as it was typed; the library's text has it backwards.
+std::string unknownTexts(const CLI::App& app)
+{
+    std::string texts;
+    for (const std::string& text : app.remaining(true))
+        texts += (texts.empty() ? "" : " ") + text;
+    return texts;
+}
+
 /// What the library says in English, in Chinese; the names and values in its text stay.
-std::string reasonOf(const CLI::ParseError& error)
+std::string reasonOf(const CLI::App& app, const CLI::ParseError& error)
 {
     const std::string text = error.what();
     const std::string named = text.substr(text.find(": ") == std::string::npos ? 0 : text.find(": ") + 2);
@@ -150,7 +159,7 @@ std::string reasonOf(const CLI::ParseError& error)
         return text.substr(0, text.find(" requires ")) + " 要和 " + text.substr(text.rfind(' ') + 1) +
                " 一起用";
     if (dynamic_cast<const CLI::ExtrasError*>(&error))
-        return "不认识: " + named;
+        return "不认识: " + unknownTexts(app);
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error))
         return "要有且只有一个值: " + text.substr(0, text.find(':'));
     return text;
@@ -158,7 +167,8 @@ std::string reasonOf(const CLI::ParseError& error)
 
 int refusal(const CLI::App& app, const CLI::ParseError& error)
 {
-    std::cerr << "命令行有误: " << reasonOf(error) << "\n用 " << app.get_name() << " --help 查看用法。\n";
+    std::cerr << "命令行有误: " << reasonOf(app, error) << "\n用 " << app.get_name()
+              << " --help 查看用法。\n";
     return 2;
 }
 

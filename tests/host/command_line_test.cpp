@@ -40,6 +40,9 @@ TEST(CommandLine, ReasonsNameTheOption)
         {"run 1 --db ''", "缺少 --db"},
         {"run 1 --db a.db --csv ''", "--csv: 没有给出文件名"}, // of a script whose variable was never set
         {"run 1 --db a.db --pdf ''", "--pdf: 没有给出文件名"},
+        {"run 1 --db a.db --pfd a.pdf --zzz=1 -x", "不认识: --pfd a.pdf --zzz=1 -x\n"},
+        {"run 1 'a b' c --db a.db", "不认识: a b c\n"},
+        {"--nonsense", "不认识: --nonsense\n"},
         {"run 1 --db a.db --archive", "--archive 要和 --pdf 一起用"},
         {"run '' --db a.db", "ID: 应为 1 到 2147483647 的整数"},
         {"run 0x1 --db a.db", "不是 \"0x1\""},
