@@ -75,6 +75,42 @@ TEST(XlsxMeaning, OfConstantsThatHadToBeFormulas)
     EXPECT_EQ(workbook.sheet(1).value({1, 1}), Value(CellError::na));
 }
 
+/// Libraries that cannot compute write no results, or 0, and ask for computing.
+TEST(XlsxMeaning, OfFormulasWithoutTheirResults)
+{
+    const std::string asks = "<x:calcPr fullCalcOnLoad=\"1\"/>", none;
+    const struct {
+        std::string book, formula, value;
+        Value shown;
+    } cases[] = {
+        {none, "B1+1", "", Value(6.0)},
+        {none, "B1+1", "<v></v>", Value(6.0)},
+        {none, "B1+1", "<v>99</v>", Value(99.0)}, // as it was
+        {none, "Acct(1)", "", Value()},           // is computed by whoever has it
+        {none, "Acct(1)", "<v>99</v>", Value(99.0)},
+        {asks, "B1+1", "<v>0</v>", Value(6.0)},
+        {asks, "B1+1", "<v>99</v>", Value(6.0)},
+        {asks, "Acct(1)", "<v>99</v>", Value(99.0)},
+        {asks, "Acct(1)", "<v>0</v>", Value(CellError::name)},
+        {asks, "B1/0", "<v>0</v>", Value(CellError::div0)},
+    };
+    for (const auto& c : cases) {
+        for (const bool another : {false, true}) { // formula that has no result
+            if (another && c.shown == Value(99.0) && c.formula == "B1+1")
+                continue;
+            Parts parts =
+                workbookOf(sheetOf("<sheetData><row><c r=\"A1\"><f>" + c.formula + "</f>" + c.value +
+                                   "</c><c r=\"B1\"><v>5</v></c>" +
+                                   (another ? "<c r=\"C1\"><f>B1*2</f></c>" : "") + "</row></sheetData>"));
+            parts[1].second.insert(parts[1].second.find("</x:workbook>"), c.book);
+            Workbook workbook;
+            EXPECT_THAT(read(parts, workbook), IsEmpty());
+            EXPECT_EQ(workbook.sheet(1).value({1, 1}), c.shown) << c.book << c.formula << c.value << another;
+            EXPECT_EQ(workbook.sheet(1).value({3, 1}), another ? Value(10.0) : Value());
+        }
+    }
+}
+
 TEST(XlsxMeaning, RowsThatAreNoXmlAreRefused)
 {
     std::string deep, behind;

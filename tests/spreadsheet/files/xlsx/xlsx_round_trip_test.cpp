@@ -94,8 +94,8 @@ TEST(Xlsx, ReadsWhatOtherProgramsWrite)
     } cases[] = {
         {"", " t=\"str\"><f>1</f><v>TRUE</v>", "0.75", Value::text("TRUE"), 1080},
         {"", " t=\"str\"><v>#N/A</v>", "0.75", Value::text("#N/A"), 1080},
-        {"<calcPr fullCalcOnLoad=\"1\"/>", " t=\"str\"><f>1</f><v>TRUE</v>", "0.75", Value::boolean(true),
-         1080},
+        {"<calcPr fullCalcOnLoad=\"1\"/>", " t=\"str\"><f>NOSUCH(1)</f><v>TRUE</v>", "0.75",
+         Value::boolean(true), 1080},
         {"<calcPr fullCalcOnLoad=\"1\"/>", " t=\"str\"><f>#N/A</f><v>#N/A</v>", "0.75", CellError::na, 1080},
         {"", " t=\"b\"><v>true</v>", "0.75", Value::boolean(true), 1080},
         {"", " t=\"e\"><v>#NUM!</v>", " 0.75 ", CellError::num, 1080},
