@@ -112,6 +112,9 @@ Refusal deleteLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vect
 {
     if (countOf(lines) >= countOf(sheet.settings(), axis))
         return axis == Axis::rows ? "不能删除所有的行" : "不能删除所有的列";
+    if (shownBesides(sheet, axis, lines) < 1)
+        return axis == Axis::rows ? "不能删除所有显示的行，其余的行都隐藏着"
+                                  : "不能删除所有显示的列，其余的列都隐藏着";
     if (auto problem = arrayRefusal(sheet, axis, lines, false))
         return problem;
     UndoStep step(workbook, axis == Axis::rows ? "删除行" : "删除列");

@@ -45,6 +45,24 @@ TEST_F(ControlCommands, RowsAndColumnsComeAndGoWithUndo)
     EXPECT_EQ(shown({2, 2}), "x");
 }
 
+/// Nobody could get at the rest.
+TEST_F(ControlCommands, WhatIsLeftAfterDeletingIsNotHiddenWhole)
+{
+    const int columns = control.cells().columnCount(), rows = control.cells().rowCount();
+    sheet().setText({2, 2}, "x");
+    control.cursor().select({1, 4, columns, rows});
+    control.commands().hideRows();
+    control.cursor().select({1, 1, columns, 3});
+    control.commands().deleteRows();
+    EXPECT_TRUE(refusal.contains("隐藏")) << refusal.toStdString();
+    EXPECT_EQ(shown({2, 2}), "x");
+    refusal.clear();
+    control.cursor().select({1, 2, columns, rows});
+    control.commands().deleteRows();
+    EXPECT_EQ(refusal, "") << "one row in sight is left";
+    EXPECT_EQ(control.cells().rowCount(), 1);
+}
+
 /// Columns are meant only if all that is selected are columns.
 TEST_F(ControlTest, KeysForLinesMeanNothingThatIsNotSelected)
 {
