@@ -3,6 +3,7 @@
 #include "spreadsheet/display/cell_types.h"
 #include "spreadsheet/print/PageCells.h"
 #include "spreadsheet/view/commands/disjoint_ranges.h"
+#include "spreadsheet/view/commands/structure.h"
 #include "spreadsheet/workbook/typed_text.h"
 
 #include <algorithm>
@@ -66,7 +67,10 @@ QString CellOperations::sheetName() const
 Refusal CellOperations::setSheetCount(int count)
 {
     const UndoStep step(*m_workbook, "表的个数");
+    const int former = sheetCount();
+    const PrintSettings print = m_workbook->sheet(1).settings().print;
     auto refusal = m_workbook->setSheetCount(count);
+    printAlike(*m_workbook, former + 1, print);
     if (activeSheet() > sheetCount())
         setActiveSheet(sheetCount());
     changed();

@@ -6,20 +6,6 @@
 
 namespace spreadsheet {
 
-/// What all sheets of a report have alike.
-static void takeReportsPrint(PrintSettings& print, const PrintSettings& other)
-{
-    print.marginTop = other.marginTop;
-    print.marginBottom = other.marginBottom;
-    print.marginLeft = other.marginLeft;
-    print.marginRight = other.marginRight;
-    print.landscape = other.landscape;
-    print.header = other.header;
-    print.footer = other.footer;
-    print.paperWidth = other.paperWidth;
-    print.paperHeight = other.paperHeight;
-}
-
 /// Behind the others, printed as the given one.
 static Refusal addSheetLike(Workbook& workbook, const Sheet& other, const std::string& name)
 {
@@ -27,9 +13,7 @@ static Refusal addSheetLike(Workbook& workbook, const Sheet& other, const std::s
     const PrintSettings print = other.settings().print;
     if (auto refused = workbook.addSheet(name))
         return refused;
-    workbook.sheet(workbook.sheetCount()).changeSettings([&](SheetSettings& settings) {
-        takeReportsPrint(settings.print, print);
-    });
+    printAlike(workbook, workbook.sheetCount(), print);
     return {};
 }
 

@@ -196,25 +196,6 @@ Refusal enterClosed(std::string_view text, Enter enter)
     return plain != text && !enterBracketed(plain, enter) ? Refusal() : enterBracketed(text, enter);
 }
 
-/// What an input method that is set to full width leaves, in plain characters; not within quotation marks.
-std::string inPlainWidth(std::string_view typed)
-{
-    constexpr char32_t firstWide = U'！', lastWide = U'～', wideBlank = U'　';
-    std::string text;
-    char32_t quote = 0;
-    for (std::size_t at = 0; at < typed.size();) {
-        const char32_t c = takeCharacter(typed, at);
-        const bool isWide = c >= firstWide && c <= lastWide;
-        const char32_t plain = isWide ? c - firstWide + U'!' : c == wideBlank ? U' ' : c;
-        appendCharacter(text, quote == 0 || plain == quote ? plain : c);
-        if (quote != 0)
-            quote = plain == quote ? 0 : quote;
-        else if (plain == U'"' || plain == U'\'' || plain == U'“')
-            quote = plain == U'“' ? U'”' : plain;
-    }
-    return text;
-}
-
 /// A formula or constant that was typed in full width, "＝Ａ１＋１" or "１２．５％", as it is meant.
 std::optional<std::string> meantByFullWidth(std::string_view typed)
 {
@@ -265,6 +246,24 @@ void TypedConstant::dress(CellStyle& style) const
     style.type = *type;
     if (!format.empty() && style.numberFormat.empty())
         style.numberFormat = Text(format);
+}
+
+std::string inPlainWidth(std::string_view typed)
+{
+    constexpr char32_t firstWide = U'！', lastWide = U'～', wideBlank = U'　';
+    std::string text;
+    char32_t quote = 0;
+    for (std::size_t at = 0; at < typed.size();) {
+        const char32_t c = takeCharacter(typed, at);
+        const bool isWide = c >= firstWide && c <= lastWide;
+        const char32_t plain = isWide ? c - firstWide + U'!' : c == wideBlank ? U' ' : c;
+        appendCharacter(text, quote == 0 || plain == quote ? plain : c);
+        if (quote != 0)
+            quote = plain == quote ? 0 : quote;
+        else if (plain == U'"' || plain == U'\'' || plain == U'“')
+            quote = plain == U'“' ? U'”' : plain;
+    }
+    return text;
 }
 
 TypedConstant typedConstant(std::string_view text)

@@ -4,6 +4,7 @@
 #include "spreadsheet/workbook/Sheet.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace spreadsheet {
@@ -50,6 +51,9 @@ TypedConstant typedConstant(std::string_view text);
 
 /// Without blanks at its ends, those too that web pages pad figures with.
 std::string_view withoutPadding(std::string_view text);
+
+/// What an input method that is set to full width leaves, in plain characters; not within quotation marks.
+std::string inPlainWidth(std::string_view typed);
 
 /// Digits only that would not all survive as a number: "0101" (not "0"), or more than 15 of them. Such are
 /// codes of accounts and numbers of identity cards.

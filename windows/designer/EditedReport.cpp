@@ -183,6 +183,17 @@ void EditedReport::pageSetupStored(const StoredPageSetup& setup, const spreadshe
     m_pageSetups.note(setup, shown);
 }
 
+void EditedReport::showStoredPageSetup(spreadsheet::Workbook& workbook)
+{
+    if (m_context.report.editFlag == 0 || m_isUnread)
+        return;
+    const spreadsheet::DisplayOnly storedApart(workbook);
+    workbook.setUndoEnabled(false);
+    applyPageSetup(workbook, m_stored.pageSetup);
+    workbook.setUndoEnabled(true);
+    m_pageSetups.note(m_stored.pageSetup, workbook.sheet(1).settings().print);
+}
+
 /// A copy keeps the page set-up of the report that it was made from.
 std::optional<std::string_view>
 EditedReport::saveAsNew(std::string& name, const spreadsheet::Workbook& workbook, QWidget* window)

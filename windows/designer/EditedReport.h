@@ -56,6 +56,8 @@ public:
     void pageSetupStored(const StoredPageSetup& setup, const spreadsheet::PrintSettings& shown);
     /// … and what it held before.
     const PageSetupHistory& pageSetups() const { return m_pageSetups; }
+    /// Gives a restored design what the row holds: the copy knows an older one. No step of undo.
+    void showStoredPageSetup(spreadsheet::Workbook& workbook);
 
 private:
     enum class Choice { cancel, overwrite, recreate, saveAsNew };

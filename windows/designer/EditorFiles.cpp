@@ -148,6 +148,7 @@ void EditorFiles::restoreDesign()
     try {
         spreadsheet::Workbook& workbook = m_grid.cells().workbook();
         const Recovery::Heading restored = m_recovery->restore(workbook);
+        m_report.showStoredPageSetup(workbook);
         if (!restored.name.empty()) // earlier programs kept none
             m_name.setText(QString::fromStdString(restored.name));
         if (m_context.report.editFlag == 1)

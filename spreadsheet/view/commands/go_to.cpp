@@ -2,6 +2,7 @@
 
 #include "spreadsheet/formula/FormulaPool.h"
 #include "spreadsheet/values/number_text.h"
+#include "spreadsheet/workbook/typed_text.h"
 #include "spreadsheet/workbook/Workbook.h"
 
 #include <algorithm>
@@ -39,9 +40,9 @@ std::optional<GoToPlace> placeOfName(const Workbook& workbook, std::string_view 
 
 } // namespace
 
-std::optional<GoToPlace> placeOfText(const Workbook& workbook, std::string_view text, int activeSheet)
+static std::optional<GoToPlace> placeOfPlain(const Workbook& workbook, std::string_view place,
+                                             int activeSheet)
 {
-    const std::string_view place = trimmedBlanks(text);
     const auto sheetId = [&](std::string_view name) {
         const int index = workbook.sheetIndex(name);
         return index == 0 ? 0 : workbook.sheet(index).id();
@@ -54,6 +55,14 @@ std::optional<GoToPlace> placeOfText(const Workbook& workbook, std::string_view 
     if (lexed.tokens[0].kind == Token::Kind::name)
         return placeOfName(workbook, place, activeSheet);
     return std::nullopt;
+}
+
+std::optional<GoToPlace> placeOfText(const Workbook& workbook, std::string_view text, int activeSheet)
+{
+    const std::string_view typed = trimmedBlanks(text);
+    const auto place =
+        placeOfPlain(workbook, typed, activeSheet); // names may have wide characters themselves
+    return place ? place : placeOfPlain(workbook, trimmedBlanks(inPlainWidth(typed)), activeSheet);
 }
 
 } // namespace spreadsheet

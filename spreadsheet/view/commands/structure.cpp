@@ -63,6 +63,28 @@ CellRange wholeLines(const Sheet& sheet, Axis axis, const LineRange& lines)
                               : CellRange{lines.first, 1, lines.last, settings.rowCount};
 }
 
+/// What a merged area shows stands in its first cell. If that goes and others stay, the first of these gets
+/// it, and formulas that read it follow.
+void keepWhatSpansShow(Sheet& sheet, Axis axis, const LineRange& lines)
+{
+    const bool isRows = axis == Axis::rows;
+    const std::vector<CellRange> spans = sheet.settings().spans;
+    for (const CellRange& span : spans) {
+        const CellAddress first{span.left, span.top};
+        const int begin = isRows ? span.top : span.left, end = isRows ? span.bottom : span.right;
+        const bool isEmpty = !sheet.hasFormula(first) && sheet.value(first).isEmpty();
+        if (isEmpty || begin < lines.first || begin > lines.last || end <= lines.last)
+            continue;
+        CellRange rest = span;
+        (isRows ? rest.top : rest.left) = lines.last + 1;
+        sheet.removeSpans(span);
+        if (sheet.moveCells({first.column, first.row, first.column, first.row}, sheet, {rest.left, rest.top}))
+            rest = span; // part of an array
+        if (!rest.isOneCell())
+            sheet.addSpan(rest);
+    }
+}
+
 int countOf(const std::vector<LineRange>& lines)
 {
     int count = 0;
@@ -119,6 +141,7 @@ Refusal deleteLines(Workbook& workbook, Sheet& sheet, Axis axis, const std::vect
         return problem;
     UndoStep step(workbook, axis == Axis::rows ? "删除行" : "删除列");
     for (const LineRange& line : std::views::reverse(lines)) {
+        keepWhatSpansShow(sheet, axis, line);
         takeSharedEdges(workbook, sheet, wholeLines(sheet, axis, line));
         if (auto problem = axis == Axis::rows ? sheet.deleteRows(line.first, line.count())
                                               : sheet.deleteColumns(line.first, line.count())) {
@@ -213,6 +236,23 @@ Refusal clearRanges(Workbook& workbook, Sheet& sheet, const std::vector<CellRang
     for (const CellRange& range : ranges)
         sheet.clearContents(range);
     return {};
+}
+
+void printAlike(Workbook& workbook, int first, const PrintSettings& like)
+{
+    for (int index = first; index <= workbook.sheetCount(); ++index)
+        workbook.sheet(index).changeSettings([&](SheetSettings& settings) {
+            PrintSettings& print = settings.print;
+            print.marginTop = like.marginTop;
+            print.marginBottom = like.marginBottom;
+            print.marginLeft = like.marginLeft;
+            print.marginRight = like.marginRight;
+            print.landscape = like.landscape;
+            print.header = like.header;
+            print.footer = like.footer;
+            print.paperWidth = like.paperWidth;
+            print.paperHeight = like.paperHeight;
+        });
 }
 
 } // namespace spreadsheet

@@ -10,6 +10,7 @@ namespace spreadsheet {
 
 class Sheet;
 class Workbook;
+struct PrintSettings;
 
 enum class Axis { rows, columns };
 
@@ -47,5 +48,9 @@ void freezeAt(Workbook& workbook, Sheet& sheet, CellAddress cell);
 
 /// Takes contents away, looks stay. An array formula goes only as a whole.
 Refusal clearRanges(Workbook& workbook, Sheet& sheet, const std::vector<CellRange>& ranges);
+
+/// Gives the sheets from `first` on what all sheets of a report have alike: paper, margins, orientation,
+/// header and footer.
+void printAlike(Workbook& workbook, int first, const PrintSettings& like);
 
 } // namespace spreadsheet

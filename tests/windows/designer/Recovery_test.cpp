@@ -1,6 +1,7 @@
 // Copies of unsaved designs: whose they are, when they are offered, and when they go.
 #include "windows/designer/Recovery.h"
 
+#include "spreadsheet/workbook/UndoJournal.h"
 #include "tests/windows/designer/DesignerTest.h"
 #include "windows/printing/print_settings.h"
 #include "windows/printing/print_sheet.h"
@@ -106,6 +107,23 @@ TEST_F(RecoveryTest, YesRestoresNameAndSheetAndSavingRemovesTheCopy)
     EXPECT_EQ(copies(), QStringList());
     window->close();
     EXPECT_EQ(copies(), QStringList()) << "saved";
+}
+
+/// Page set-up is stored at once and changes no design: the copy does not know of it.
+TEST_F(RecoveryTest, ARestoredDesignIsPrintedAsTheRowSays)
+{
+    storeReport();
+    leave(Left::open);
+    ledger.run("update tblCWSelfReport set fLeft=2,fRight=1,fTop=1,fBottom=1,fDirection=0 where noid=3");
+    ledger.boxes.answer = true;
+    open();
+    ASSERT_EQ(formula(1, 1), "6*7");
+    spreadsheet::Workbook& workbook = grid().cells().workbook();
+    EXPECT_TRUE(workbook.journal().enabled());
+    while (workbook.canUndo())
+        workbook.undo();
+    EXPECT_EQ(workbook.sheet(1).settings().print.marginLeft, 2880) << "no step of undo";
+    EXPECT_TRUE(workbook.sheet(1).settings().print.landscape);
 }
 
 TEST_F(RecoveryTest, OnlyAnotherDesignIsKept)

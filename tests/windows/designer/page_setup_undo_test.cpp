@@ -128,6 +128,9 @@ TEST_F(PageSetupUndo, ANewSheetIsPrintedAsTheOthers)
     EXPECT_EQ(print.header, workbook.sheet(1).settings().print.header);
     press(Qt::Key_Z);
     EXPECT_EQ(workbook.sheetCount(), 1) << "one step";
+    demand(grid().cells().setSheetCount(3)); // as 设置表格信息 does
+    for (const int index : {2, 3})
+        EXPECT_EQ(workbook.sheet(index).settings().print.marginLeft, 2880) << index;
 }
 
 } // namespace

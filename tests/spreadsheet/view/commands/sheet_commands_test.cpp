@@ -190,6 +190,8 @@ TEST_F(SheetCommands, TheNameBoxReadsPlaces)
         {"C:D", 1, {3, 1, 4, 500}},
         {"2:3", 1, {1, 2, 50, 3}},
         {"税率", 2, {2, 1, 2, 1}},
+        {"Ｃ３：ｄ４", 1, {3, 3, 4, 4}}, // as a Chinese input method writes it
+        {"一月！Ｃ３", 2, {3, 3, 3, 3}},
         {"合计", 0, {}},
         {"二月!A1", 0, {}},
         {"A501", 0, {}},
@@ -204,6 +206,47 @@ TEST_F(SheetCommands, TheNameBoxReadsPlaces)
             continue;
         EXPECT_EQ(place->sheet, c.sheet) << c.text;
         EXPECT_EQ(place->range, c.range) << c.text;
+    }
+}
+
+/// A heading over merged columns must not go with the first of them.
+TEST_F(SheetCommands, WhatAMergedAreaShowsOutlivesItsFirstLines)
+{
+    const struct {
+        const char* what;
+        CellRange span;
+        Axis axis;
+        std::vector<LineRange> lines;
+        CellRange left; ///< of the span, one cell if it is none
+        const char* reader;
+    } cases[] = {
+        {"first column", {1, 1, 4, 1}, Axis::columns, {{1, 1}}, {1, 1, 3, 1}, "A1&\"!\""},
+        {"two of three rows", {2, 3, 2, 5}, Axis::rows, {{3, 4}}, {2, 3, 2, 3}, "B3&\"!\""},
+        {"also what stands above", {2, 3, 3, 6}, Axis::rows, {{2, 4}}, {2, 2, 3, 3}, "B2&\"!\""},
+        {"the middle", {1, 1, 4, 1}, Axis::columns, {{2, 3}}, {1, 1, 2, 1}, "A1&\"!\""},
+        {"first and last", {1, 1, 4, 1}, Axis::columns, {{1, 1}, {4, 4}}, {1, 1, 2, 1}, "A1&\"!\""},
+    };
+    for (const auto& [what, span, axis, lines, left, reader] : cases) {
+        Workbook book;
+        book.setUndoEnabled(true);
+        Sheet& edited = book.sheet(1);
+        const CellAddress first{span.left, span.top};
+        edited.setText(first, "资产负债表");
+        edited.restyle({first.column, first.row, first.column, first.row},
+                       [](CellStyle& style) { style.font.bold = true; });
+        edited.addSpan(span);
+        demand(book.addSheet("其他"));
+        ASSERT_FALSE(book.sheet(2).setFormula({1, 1}, "Sheet1!" + cellName(first) + "&\"!\""));
+        ASSERT_FALSE(deleteLines(book, edited, axis, lines)) << what;
+        const CellAddress now{left.left, left.top};
+        EXPECT_EQ(edited.displayText(now), "资产负债表") << what;
+        EXPECT_TRUE(edited.style(now).font.bold) << what;
+        EXPECT_EQ(edited.extent(now), left) << what;
+        EXPECT_EQ(edited.settings().spans.size(), left.isOneCell() ? 0U : 1U) << what;
+        EXPECT_EQ(book.sheet(2).formula({1, 1}), std::string("Sheet1!") + reader) << what;
+        book.undo();
+        EXPECT_EQ(edited.displayText(first), "资产负债表") << what;
+        EXPECT_EQ(edited.extent(first), span) << what;
     }
 }
 
