@@ -94,7 +94,11 @@ bool GridCursor::moveByKey(const QKeyEvent& event)
     m_tabColumn = 0;
     const bool isPage = event.key() == Qt::Key_PageUp || event.key() == Qt::Key_PageDown;
     const CellAddress topLeft = topLeftCell();
-    if (!moveTo(*target, extend) || !isPage)
+    if (!moveTo(*target, extend))
+        return true;
+    if (event.key() == Qt::Key_Home && chord(event.modifiers()) == Qt::ControlModifier)
+        setTopLeftCell({1, 1}); // a frozen cell is in sight anyway
+    if (!isPage)
         return true;
     turnPage(topLeft, event.key() == Qt::Key_PageDown ? 1 : -1, chord(event.modifiers()) == Qt::AltModifier);
     bringIntoSight(*target);

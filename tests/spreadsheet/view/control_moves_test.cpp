@@ -152,6 +152,25 @@ TEST_F(ControlTest, TheCursorStaysInSightBesideFrozenCells)
     }
 }
 
+/// The first cell is frozen and so in sight anyway: what is asked for is the beginning of the table.
+TEST_F(ControlTest, ControlHomeScrollsToTheBeginningBesideFrozenCells)
+{
+    control.cells().sheet().changeSettings([](SheetSettings& settings) {
+        settings.frozenRows = 3;
+        settings.frozenColumns = 2;
+    });
+    control.showChanges();
+    for (const Qt::KeyboardModifiers held : {ctrl, ctrl | shift}) {
+        for (int page = 0; page < 3; ++page)
+            key(Qt::Key_PageDown);
+        key(Qt::Key_PageDown, alt);
+        ASSERT_GT(control.cursor().topLeftCell().row, 20);
+        key(Qt::Key_Home, held);
+        EXPECT_EQ(control.cursor().topLeftCell(), (CellAddress{3, 4}));
+        EXPECT_TRUE(control.cursor().selectedBlock().contains(CellAddress{1, 1}));
+    }
+}
+
 TEST_F(ControlTest, KeysOfTheWindowPassAndListenersMaySwallowOthers)
 {
     for (const Qt::Key pressed : {Qt::Key_G, Qt::Key_J, Qt::Key_N, Qt::Key_O, Qt::Key_S}) {
