@@ -72,7 +72,8 @@ bool frmTableInfo::refuse(int box, const QString& why)
 bool frmTableInfo::readNumber(int box, int most, int& number)
 {
     bool whole = false;
-    number = m_txt[box]->text().trimmed().toInt(&whole);
+    const QString typed = m_txt[box]->text().normalized(QString::NormalizationForm_KC); // １２ is 12
+    number = typed.trimmed().toInt(&whole);
     return (whole && number >= 1 && number <= most) ||
            refuse(box, QString::fromUtf8(labels[box]) + QStringLiteral("请输入 1 到 %1 的整数。").arg(most));
 }

@@ -1,6 +1,7 @@
 #include "windows/formatting/frmLineSize.h"
 
 #include "platform/windows/buttons.h"
+#include "platform/windows/number_fields.h"
 #include "platform/windows/settle.h"
 #include "spreadsheet/cells/SheetSettings.h"
 #include "spreadsheet/view/needed_size.h"
@@ -22,7 +23,7 @@ frmLineSize::frmLineSize(spreadsheet::SpreadsheetControl& grid, Lines lines, QWi
     : QDialog(parent)
     , m_grid(grid)
     , m_lines(lines)
-    , m_size(new QDoubleSpinBox)
+    , m_size(new DecimalField)
 {
     const bool rows = lines == Lines::rows;
     setObjectName("frmLineSize");

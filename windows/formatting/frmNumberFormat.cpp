@@ -2,6 +2,7 @@
 
 #include "platform/windows/buttons.h"
 #include "platform/windows/named_list.h"
+#include "platform/windows/number_fields.h"
 #include "platform/windows/settle.h"
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/display/number_format_code.h"
@@ -74,7 +75,7 @@ frmNumberFormat::frmNumberFormat(spreadsheet::SpreadsheetControl& grid, QWidget*
     , m_kinds(named(new QListWidget, "lstKind"))
     , m_grouped(named(new QCheckBox(QStringLiteral("千分位(&T)")), "chkGrouped"))
     , m_apart(named(new QCheckBox(QStringLiteral("与右边线留空(&S)")), "chkApart"))
-    , m_decimals(named(new QSpinBox, "spnDecimals"))
+    , m_decimals(named<QSpinBox>(new WholeNumberField, "spnDecimals"))
     , m_negative(namedList("cboNegative"))
     , m_zero(namedList("cboZero"))
     , m_unit(namedList("cboUnit"))

@@ -10,10 +10,18 @@ namespace selfreport {
 
 MarginField::MarginField(QWidget* parent)
     : QLineEdit(QString::fromUtf8(MarginText::empty.data()), parent)
+    , m_shown(text())
 {
     setContextMenuPolicy(Qt::NoContextMenu); // its entries would go past the mask
     setDragEnabled(false);
     setAcceptDrops(false);
+    // So would keys that delete to an end, and a selection that a middle button drops.
+    connect(this, &QLineEdit::textEdited, this, [this] {
+        const int place = cursorPosition();
+        setText(m_shown);
+        setCursorPosition(place);
+    });
+    connect(this, &QLineEdit::textChanged, this, [this] { m_shown = text(); });
 }
 
 void MarginField::showInches(const std::string& text)

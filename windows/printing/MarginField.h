@@ -25,6 +25,7 @@ private:
     bool eraseSelected(MarginText& field) const;
 
     MarginText m_field; ///< as the last key left it: what was typed before decides what a point means
+    QString m_shown;    ///< before an edit that knows no mask
 };
 
 } // namespace selfreport

@@ -1,6 +1,7 @@
 #include "windows/printing/frmPrintOptions.h"
 
 #include "platform/services/Dialogs.h"
+#include "platform/windows/number_fields.h"
 #include "platform/windows/settle.h"
 #include "reports/ReportContext.h"
 #include "spreadsheet/cells/papers.h"
@@ -39,10 +40,16 @@ constexpr double millimetresPerTwip = 25.4 / spreadsheet::twipsPerInch;
 constexpr int printersPaper = -1; // data of the entry; that of the other entries is an index into papers()
 constexpr int ownPaper = -2;
 
+/// Letters, digits and signs of full width as plain ones.
+std::string plainText(const QLineEdit& field)
+{
+    return field.text().normalized(QString::NormalizationForm_KC).toStdString();
+}
+
 /// @param zero  what is shown for 0; empty: nothing else
 QSpinBox* numberField(const char* name, int value, int least, int most, const char* zero = "")
 {
-    auto* const field = new QSpinBox;
+    auto* const field = new WholeNumberField;
     field->setObjectName(QLatin1String(name));
     field->setRange(least, most);
     field->setSpecialValueText(QString::fromUtf8(zero));
@@ -52,7 +59,7 @@ QSpinBox* numberField(const char* name, int value, int least, int most, const ch
 
 QDoubleSpinBox* millimetreField(const char* name, int twips, double least, double most)
 {
-    auto* const field = new QDoubleSpinBox;
+    auto* const field = new DecimalField;
     field->setObjectName(QLatin1String(name));
     field->setDecimals(1);
     field->setRange(least, most);
@@ -254,7 +261,7 @@ bool frmPrintOptions::takeTitles(PrintSettings& print)
     print.titleBottom = txtTitleBottom->value();
     if ((print.titleTop == 0) != (print.titleBottom == 0) || print.titleTop > print.titleBottom)
         return refuse("重复的末行不能在首行之前!", *txtTitleBottom);
-    const auto columns = readColumns(txtTitleColumns->text().toStdString());
+    const auto columns = readColumns(plainText(*txtTitleColumns));
     if (!columns)
         return refuse("重复的列写作 A 或 A:B!", *txtTitleColumns);
     std::tie(print.titleLeft, print.titleRight) = *columns;
@@ -269,7 +276,7 @@ static void takePaper(PrintSettings& print, const PrintSettings& other)
 
 bool frmPrintOptions::take(PrintSettings& print)
 {
-    const auto area = readArea(txtPrintArea->text().toStdString());
+    const auto area = readArea(plainText(*txtPrintArea));
     if (!area)
         return refuse("打印区域写作 A1:F20,几块之间用逗号分开!", *txtPrintArea);
     print.area = *area;

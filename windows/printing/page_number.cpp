@@ -1,5 +1,6 @@
 #include "windows/printing/page_number.h"
 
+#include "spreadsheet/workbook/typed_text.h"
 #include "text/ascii.h"
 
 #include <charconv>
@@ -10,9 +11,10 @@ namespace selfreport {
 
 namespace {
 
-std::optional<double> numberOf(std::string_view text)
+std::optional<double> numberOf(std::string_view typed)
 {
-    text = ascii::trimmed(text, " ");
+    const std::string plain = spreadsheet::inPlainWidth(typed);
+    std::string_view text = ascii::trimmed(plain, " ");
     if (text.size() > 1 && text.front() == '+' && text[1] != '-')
         text.remove_prefix(1);
     double number = 0;

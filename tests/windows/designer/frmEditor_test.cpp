@@ -326,7 +326,7 @@ TEST_F(Designer, TableProperties)
         });
         trigger("MenuSetTableInfo");
     };
-    answer({"80", "12", "3", "一月"}, "cmdOK");
+    answer({"80", "１２", "3", "一月"}, "cmdOK");
     EXPECT_EQ(grid().cells().rowCount(), 80);
     EXPECT_EQ(grid().cells().columnCount(), 12);
     EXPECT_EQ(grid().cells().sheetCount(), 3);

@@ -155,9 +155,9 @@ TEST_F(PrintDialog, PageFieldsHoldNumbers)
     const struct {
         const char* text;
         std::optional<int> number;
-    } cases[] = {{"3", 3},         {" 12 ", 12},  {"-2", -2},     {"+7", 7},  {"2.5", 2},
-                 {"3.5", 4},       {"2.6", 3},    {"", {}},       {" ", {}},  {"1x", {}},
-                 {"32767", 32767}, {"32768", {}}, {"-32769", {}}, {"inf", {}}};
+    } cases[] = {{"3", 3},         {" 12 ", 12},  {"-2", -2},     {"+7", 7},   {"2.5", 2},
+                 {"3.5", 4},       {"2.6", 3},    {"", {}},       {" ", {}},   {"1x", {}},
+                 {"32767", 32767}, {"32768", {}}, {"-32769", {}}, {"inf", {}}, {"１２", 12}};
     for (const auto& [text, number] : cases)
         EXPECT_EQ(pageNumber(text), number) << text;
 }

@@ -61,8 +61,8 @@ TEST_F(PrintOptions, EverySetUpIsTakenAndShownAgain)
         control<QRadioButton>(window, "optFit").click();
         control<QSpinBox>(window, "txtFitAcross").setValue(2);
         control<QSpinBox>(window, "txtFitDown").setValue(3);
-        control<QLineEdit>(window, "txtPrintArea").setText(" a1：c20，$E$1:F9 ");
-        control<QLineEdit>(window, "txtTitleColumns").setText("b:a");
+        control<QLineEdit>(window, "txtPrintArea").setText(" a1：c20，$E$1:Ｆ９ ");
+        control<QLineEdit>(window, "txtTitleColumns").setText("ｂ：a");
         control<QComboBox>(window, "cboOrder").setCurrentText("先列后行");
         control<QSpinBox>(window, "txtFirstPage").setValue(5);
         control<QComboBox>(window, "cboPaper").setCurrentText("16K");
@@ -190,6 +190,24 @@ TEST_F(PrintOptions, TitlesTooHighToBeRepeatedAreTold)
             EXPECT_NE(ledger.boxes.said[0].text.find("重复的行高于半页"), std::string::npos);
         }
     }
+}
+
+/// As a Chinese input method writes them.
+TEST_F(PrintOptions, NumbersOfFullWidthAreTaken)
+{
+    frmPrintOptions window(grid);
+    show(window);
+    const auto type = [](QAbstractSpinBox& field, const char* text) {
+        field.setFocus();
+        field.selectAll();
+        QInputMethodEvent committed;
+        committed.setCommitString(QString::fromUtf8(text));
+        QApplication::sendEvent(field.findChild<QLineEdit*>(), &committed);
+    };
+    type(control<QSpinBox>(window, "txtFirstPage"), "１２");
+    EXPECT_EQ(control<QSpinBox>(window, "txtFirstPage").value(), 12);
+    type(control<QDoubleSpinBox>(window, "txtTextDistance"), "２．５");
+    EXPECT_EQ(control<QDoubleSpinBox>(window, "txtTextDistance").value(), 2.5);
 }
 
 /// Paper, margins and orientation go to all sheets, so there must be room on all of them.

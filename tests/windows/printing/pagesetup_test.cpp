@@ -147,6 +147,12 @@ TEST_F(PageSetup, FieldsRefuseWhatDoesNotFit)
     EXPECT_EQ(field.text(), "0.75");
     QTest::keyClick(&field, Qt::Key_Backspace);
     EXPECT_EQ(field.text(), "0.7_");
+    field.paste(); // as a middle button does, and other keys of the system
+    EXPECT_EQ(field.text(), "0.7_");
+    field.setCursorPosition(2);
+    field.cursorForward(true, 2);
+    field.cut();
+    EXPECT_EQ(field.text(), "0.7_") << "a rest that is no number would be taken for 0";
 }
 
 TEST_F(PageSetup, AReportThatWasNeverSavedTouchesNoRow)
