@@ -1,6 +1,7 @@
 #include "spreadsheet/files/xls/xls_read.h"
 
 #include "spreadsheet/files/exchange/imported_sheets.h"
+#include "spreadsheet/files/exchange/lacking_results.h"
 #include "spreadsheet/files/ole2/CompoundFile.h"
 #include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xls/defined_names.h"
@@ -40,6 +41,7 @@ public:
         }
         applyPrintNames(m_names, m_globals.links, m_workbook, m_globals.warnings);
         activate();
+        computeLackingResults(m_workbook, false);
         m_workbook.markCalculated();
     }
 

@@ -1,6 +1,7 @@
 #include "spreadsheet/files/xlsx/xlsx_read.h"
 
 #include "spreadsheet/files/exchange/imported_sheets.h"
+#include "spreadsheet/files/exchange/lacking_results.h"
 #include "spreadsheet/files/exchange/print_names.h"
 #include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xlsx/Archive.h"
@@ -50,7 +51,7 @@ public:
             readSheet(tab);
         printNames(childNamed(book->root(), "definedNames"));
         activate(book->root());
-        computeResults();
+        computeLackingResults(m_workbook, m_shared.leavesComputing);
         m_workbook.markCalculated();
     }
 
@@ -152,55 +153,6 @@ private:
                 settings.isHidden = true;
                 settings.isVeryHidden = tab.isVeryHidden;
             });
-    }
-
-    /// What the file says that a formula shows.
-    struct Result {
-        int sheet;
-        CellAddress cell;
-        Value value;
-    };
-
-    template <typename Visit>
-    void eachResult(Visit visit) const
-    {
-        for (int sheet = 1; sheet <= m_workbook.sheetCount(); ++sheet) {
-            const Sheet& cells = m_workbook.sheet(sheet);
-            for (int column = 1; column <= cells.lastDataColumn(); ++column) {
-                for (const Column::Slot& slot : cells.column(column)->slots()) {
-                    for (int i = 0; slot.block->formulas() && i < slot.block->count(); ++i) {
-                        if (slot.block->formula(i) != 0)
-                            visit(Result{sheet, {column, slot.firstRow + i}, slot.block->value(i)});
-                    }
-                }
-            }
-        }
-    }
-
-    /// Programs that leave computing to the reader write nothing in place of results, or 0. What cannot be
-    /// computed here keeps what is told.
-    void computeResults()
-    {
-        bool isAsked = false;
-        eachResult([&](const Result& result) {
-            isAsked = isAsked || m_shared.leavesComputing || result.value.isEmpty();
-        });
-        if (!isAsked)
-            return;
-        std::vector<Result> told;
-        eachResult([&](Result result) { told.push_back(std::move(result)); });
-        m_workbook.recalculate();
-        for (const Result& result : told) {
-            Sheet& sheet = m_workbook.sheet(result.sheet);
-            const Value now = sheet.value(result.cell);
-            const bool isNothing = result.value.isEmpty() || result.value == Value(0.0);
-            const bool isUnknown = now == Value(CellError::name) ? !isNothing || !m_shared.leavesComputing
-                                                                 : now == Value(CellError::ref) && !isNothing;
-            if (!isUnknown)
-                continue;
-            const Column::Place place = sheet.loadColumn(result.cell.column).writable(result.cell.row);
-            place.block.setValue(place.index, result.value);
-        }
     }
 
     void printNames(pugi::xml_node names)

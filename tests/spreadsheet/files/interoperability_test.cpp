@@ -183,6 +183,7 @@ void expectForeign(const std::filesystem::path& file, const std::vector<std::str
     EXPECT_EQ(sheet.displayText({1, 1}), "科目 & 余额");
     EXPECT_EQ(sheet.value({2, 1}), Value(1234.5));
     EXPECT_EQ(sheet.formula({3, 1}), "SUM(A1:B1)*2");
+    EXPECT_EQ(sheet.value({3, 1}), Value(2469.0)); // even if its writer did not know
     EXPECT_EQ(sheet.value({4, 1}), Value::boolean(true));
     EXPECT_EQ(sheet.displayText({1, 2}), "2026-12-31");
     EXPECT_EQ(sheet.displayText({2, 2}), "科目"); // in two fonts
