@@ -15,12 +15,13 @@ namespace {
 
 std::string headText(const DrillHead& head)
 {
-    std::string text = "报表\t" + head.report + "\n单元格\t" + head.cell + "\n";
+    std::string text = "报表\t" + oneLine(head.report) + "\n单元格\t" + oneLine(head.cell) + "\n";
     if (!head.formula.empty())
-        text += "公式\t=" + head.formula + "\n";
-    text += "显示\t" + head.shown + "\n精确\t" + (head.value ? numberText(*head.value) : "不是数") + "\n";
+        text += "公式\t=" + oneLine(head.formula) + "\n";
+    text += "显示\t" + oneLine(head.shown) + "\n精确\t" + (head.value ? numberText(*head.value) : "不是数") +
+            "\n";
     if (!head.remark.empty())
-        text += "说明\t" + head.remark + "\n";
+        text += "说明\t" + oneLine(head.remark) + "\n";
     return text + (head.ledgerHasChanged ? "注意\t" + std::string(ledgerHasChangedText) + "\n" : "");
 }
 

@@ -54,11 +54,16 @@ TEST(ReportRun, NamesOfSeveralLinesTakeOne)
     report.sheet(1).setText({1, 1}, "99\n98");
     spreadsheet::demand(report.sheet(1).setFormula({1, 2}, R"(Acct(A1 ,"2" , "", "2025","1","2"))"));
     ledger.addReport(4, "应收\r\n\t表", spreadsheet::saveContent(report));
-    std::ostringstream output, notes;
+    ledger.run("insert into tblUser(fUserId,fUserName) values(77,'王\n芳')");
+    ledger.run("update tblCWSelfReport set fBillerId=77");
+    std::ostringstream output, notes, parts, why;
     EXPECT_EQ(toolList(ledger.connectionString(), {output, notes}), 0);
-    EXPECT_THAT(output.str(), AllOf(HasSubstr("4\t应收   表\t"), EndsWith("\n")));
+    EXPECT_THAT(output.str(), AllOf(HasSubstr("4\t应收   表\t王 芳\t"), EndsWith("\n")));
     EXPECT_EQ(std::ranges::count(output.str(), '\n'), 1) << output.str();
     EXPECT_THAT(Ran(ledger, {}).notes.str(), HasSubstr("取数诊断: Sheet1!A2 Acct: 科目“99 98”不存在\n"));
+    EXPECT_EQ(toolExplain(ledger.connectionString(), 4, "A2", 1, false, {parts, why}), 1);
+    EXPECT_THAT(parts.str(), AllOf(HasSubstr("报表\t应收   表\n"), HasSubstr("\n99 98\t")));
+    EXPECT_THAT(why.str(), EndsWith("科目“99 98”不存在\n"));
 }
 
 /// The fetch that fails is the second: what came before it was good.
