@@ -8,6 +8,7 @@
 #include "reports/report_run.h"
 #include "spreadsheet/workbook/Workbook.h"
 #include "tests/explain/ExplainedDemo.h"
+#include "text/json_text.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
@@ -64,6 +65,37 @@ TEST(DrillTree, EveryFigureOfTheDemoReportsIsTheSumOfItsParts)
     EXPECT_GT(opened, 20);
     RecordProperty("figures", figures);
     RecordProperty("sums", sums);
+}
+
+TEST(JsonText, BytesThatAreNoCharacterAreReplaced)
+{
+    const struct {
+        std::string_view bytes;
+        int wrong; ///< bytes of no character; 0: all are one
+    } cases[] = {
+        {"\x7F", 0},
+        {"\x80", 1},
+        {"\xC2\x80", 0},
+        {"\xC1\xBF", 2}, // 7F, too long
+        {"\xE0\xA0\x80", 0},
+        {"\xE0\x9F\xBF", 3},
+        {"\xED\x9F\xBF", 0},
+        {"\xED\xA0\x80", 3}, // surrogate
+        {"\xEF\xBF\xBF", 0},
+        {"\xE4\xB8", 2},
+        {"\xF0\x90\x80\x80", 0},
+        {"\xF0\x8F\xBF\xBF", 4},
+        {"\xF4\x8F\xBF\xBF", 0},
+        {"\xF4\x90\x80\x80", 4},
+        {"\xF5\x80\x80\x80", 4},
+        {"\xFF", 1},
+    };
+    for (const auto& [bytes, wrong] : cases) {
+        std::string replaced;
+        for (int byte = 0; byte < wrong; ++byte)
+            replaced += "\\ufffd";
+        EXPECT_EQ(jsonText(bytes), '"' + (wrong > 0 ? replaced : std::string(bytes)) + '"') << wrong;
+    }
 }
 
 /// A reading of another report opens into that report's cell.

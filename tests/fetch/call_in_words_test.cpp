@@ -94,6 +94,8 @@ TEST_F(CallInWordsTest, UnknownCodesComeWithTheNearestOne)
         {{"3001:3002", "2", "", "", "", ""},
          {"科目“3001”不存在,最接近的是“1001”", "科目“3002”不存在,最接近的是“1002”"}},
         {{"1122|客|01", "2", "", "", "", ""}, {"核算项目类别“客”不存在,最接近的是“客户”"}},
+        {{"1122| 客户|001", "2", "", "", "", ""}, {"核算项目类别“ 客户”不存在,最接近的是“客户”"}},
+        {{" ", "2", "", "", "", ""}, {"科目“ ”不存在,最接近的是“1001”"}},
         {{"1122|客户|0011", "2", "", "", "", ""}, {"客户“0011”不存在,最接近的是“001”"}},
         {{"1001", "22", "", "", "", ""}, {"取数类型“22”不存在,最接近的是“2”"}},
         {{"1001", "2", "RMD", "", "", ""}, {"货币“RMD”不存在,最接近的是“RMB”"}},
@@ -102,6 +104,13 @@ TEST_F(CallInWordsTest, UnknownCodesComeWithTheNearestOne)
     for (const auto& [texts, problems] : cases)
         EXPECT_EQ(tryCall(gConnString, texts, ample).meaning.problems, problems);
     EXPECT_EQ(nearestCode("1", {}), "");
+}
+
+TEST_F(CallInWordsTest, WhyNothingIsFoundIsTheSameBetweenBlanks)
+{
+    const std::string why = tryCall(gConnString, {"1122|部门|01", "2", "RMB", "2025", "2", "2"}, ample).value;
+    EXPECT_THAT(why, HasSubstr("2025年2期没有科目“1122|部门|01”的数据"));
+    EXPECT_EQ(tryCall(gConnString, {" 1122 |部门| 01 ", " ２", " RMB", "2025", "2", "2"}, ample).value, why);
 }
 
 TEST_F(CallInWordsTest, WhatCannotBeFetchedIsSaidAndShowsNoBox)

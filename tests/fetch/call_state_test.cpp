@@ -109,14 +109,19 @@ TEST(CallState, OfNamesWithoutMeaningAndFailures)
         {call(" 1122 |部门| 01 ", 2, 2), CallState::noData},
         {"Acct(\"1122|部门|01\",\" 2\",\" \",2025,2,2)", CallState::noData},
         {"Acct(\"1122|部门|01\",\"２\",\" RMB\",2025,2,2)", CallState::noData},
-        {"Acct(\"6001\",\"３\",\"\",2025,2,2)", CallState::noMovement},
+        {"Acct(\"6001\",\"２\",\"\",2025,2,2)", CallState::zeroBalance},
+        {"Acct(\"7001\",\" ９\",\"\",2025,1,1)", CallState::notApplicable},
         {call("1001", 15, 2), CallState::missing},
         {call("1001", 2, 2, "USD"), CallState::missing},
         {call("", 2, 2), CallState::missing},
         {"Acct(\"1001\",\"2\",\"\",\"x\",1,1)", CallState::missing},
         {call(std::string(2100, '1'), 2, 2), CallState::failed},
         {"REF_F(\"没有\",\"A1\",\"1\")", CallState::missing},
+        {"REF_F(\"甲\",\"A1\",\"1\")", CallState::missing}, // reads another itself
     };
+    Workbook reading;
+    demand(reading.sheet(1).setFormula({1, 1}, "REF_F(\"乙\",\"A1\",\"1\")"));
+    ledger.addReport(1, "甲", spreadsheet::saveContent(reading));
     std::vector<std::string> formulas;
     for (const auto& [formula, state] : cases)
         formulas.push_back(formula);

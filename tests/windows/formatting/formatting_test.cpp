@@ -4,6 +4,7 @@
 #include "spreadsheet/files/content/content.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
 #include "spreadsheet/workbook/UndoJournal.h"
+#include "tests/platform/commit_text.h"
 #include "tests/platform/WindowTest.h"
 #include "windows/formatting/FormatPainter.h"
 #include "windows/formatting/frmBorders.h"
@@ -357,7 +358,7 @@ TEST_F(Formatting, SizesOfSelectedLines)
     EXPECT_EQ(control<QDoubleSpinBox>(heights, "size").value(), spreadsheet::defaultRowHeight / 20.0);
     control<QDoubleSpinBox>(heights, "size").setValue(30);
     control<QPushButton>(heights, "cmdXPOK").click();
-    control<QDoubleSpinBox>(widths, "size").setValue(100.5);
+    test::commitText(control<QDoubleSpinBox>(widths, "size"), "１００．５"); // of full width
     control<QPushButton>(widths, "cmdXPOK").click();
     const auto& settings = grid.cells().sheet().settings();
     EXPECT_EQ(settings.rows.sizes, (std::map<int, int>{{3, 600}, {4, 600}, {5, 600}}));

@@ -1,6 +1,7 @@
 #include "spreadsheet/display/display_text.h"
 #include "spreadsheet/display/number_format_code.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "tests/platform/commit_text.h"
 #include "tests/platform/KeyScript.h"
 #include "tests/platform/WindowTest.h"
 #include "windows/formatting/cell_commands.h"
@@ -12,6 +13,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QSpinBox>
 
 #include <random>
 
@@ -145,6 +147,9 @@ TEST_F(NumberFormats, EachChoiceIsShownOnTheCellsOwnValue)
     auto& kinds = control<QListWidget>(dialog, "lstKind");
     kinds.setCurrentRow(1);
     EXPECT_EQ(preview(), "-1,234.50");
+    test::commitText(control<QSpinBox>(dialog, "spnDecimals"), "３"); // of full width
+    EXPECT_EQ(preview(), "-1,234.500");
+    test::commitText(control<QSpinBox>(dialog, "spnDecimals"), "2");
     EXPECT_EQ(control<QComboBox>(dialog, "cboNegative").itemText(2), "(1,234.50)");
     EXPECT_EQ(control<QComboBox>(dialog, "cboZero").itemText(2), "空白");
     control<QComboBox>(dialog, "cboNegative").setCurrentIndex(1);

@@ -1,5 +1,6 @@
 #include "windows/printing/frmPrintOptions.h"
 
+#include "tests/platform/commit_text.h"
 #include "tests/windows/printing/PrintingTest.h"
 #include "windows/printing/print_stamp.h"
 
@@ -197,16 +198,9 @@ TEST_F(PrintOptions, NumbersOfFullWidthAreTaken)
 {
     frmPrintOptions window(grid);
     show(window);
-    const auto type = [](QAbstractSpinBox& field, const char* text) {
-        field.setFocus();
-        field.selectAll();
-        QInputMethodEvent committed;
-        committed.setCommitString(QString::fromUtf8(text));
-        QApplication::sendEvent(field.findChild<QLineEdit*>(), &committed);
-    };
-    type(control<QSpinBox>(window, "txtFirstPage"), "１２");
+    test::commitText(control<QSpinBox>(window, "txtFirstPage"), "１２");
     EXPECT_EQ(control<QSpinBox>(window, "txtFirstPage").value(), 12);
-    type(control<QDoubleSpinBox>(window, "txtTextDistance"), "２．５");
+    test::commitText(control<QDoubleSpinBox>(window, "txtTextDistance"), "２．５");
     EXPECT_EQ(control<QDoubleSpinBox>(window, "txtTextDistance").value(), 2.5);
 }
 

@@ -93,6 +93,8 @@ TEST(XlsxMeaning, OfFormulasWithoutTheirResults)
         {asks, "Acct(1)", "<v>99</v>", Value(99.0)},
         {asks, "Acct(1)", "<v>0</v>", Value(CellError::name)},
         {asks, "B1/0", "<v>0</v>", Value(CellError::div0)},
+        {asks, "INDIRECT(\"没有!A1\")", "<v>99</v>", Value(99.0)},
+        {asks, "INDIRECT(\"没有!A1\")", "<v>0</v>", Value(CellError::ref)},
     };
     for (const auto& c : cases) {
         for (const bool another : {false, true}) { // formula that has no result

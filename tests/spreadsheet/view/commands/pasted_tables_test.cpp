@@ -90,6 +90,9 @@ TEST(HtmlTable, IsReadAsOtherProgramsWriteIt)
          "<table><tr><td colspan=1000>a<tr><td rowspan=100>b<td>c<td><tr><td>d<td colspan=999>e"
          "<table><tr><td>f<td>g</table>",
          "3x3 A1:3x1=a;A2:1x2=b;B2=c;B3=d;C3=efg"},
+        {"the whole table, not the one above",
+         "<table><tr><td>a<td>b<td>c</table><table><tr><td colspan=1000>d<tr><td>e</table>",
+         "3x3 A1=a;B1=b;C1=c;A2=d;A3=e"},
         {"a wide merged cell alone", "<table><tr><td colspan=99>a</table><table><tr><td>b</table>",
          "99x2 A1:99x1=a;A2=b"},
     };

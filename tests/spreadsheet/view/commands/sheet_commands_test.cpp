@@ -248,6 +248,14 @@ TEST_F(SheetCommands, WhatAMergedAreaShowsOutlivesItsFirstLines)
         EXPECT_EQ(edited.displayText(first), "资产负债表") << what;
         EXPECT_EQ(edited.extent(first), span) << what;
     }
+    Workbook book; // nothing of the area stays
+    Sheet& edited = book.sheet(1);
+    edited.setText({1, 1}, "标题");
+    edited.addSpan({1, 1, 2, 1});
+    edited.setText({3, 1}, "旁边");
+    ASSERT_FALSE(deleteLines(book, edited, Axis::columns, {{1, 2}}));
+    EXPECT_EQ(edited.displayText({1, 1}), "旁边");
+    EXPECT_TRUE(edited.settings().spans.empty());
 }
 
 } // namespace spreadsheet
