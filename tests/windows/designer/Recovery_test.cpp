@@ -94,6 +94,8 @@ TEST_F(RecoveryTest, YesRestoresNameAndSheetAndSavingRemovesTheCopy)
 {
     open();
     edit("txtReportName").setText("新表");
+    grid().cells().workbook().sheet(1).changeSettings(
+        [](spreadsheet::SheetSettings& settings) { settings.print.marginLeft = 2880; });
     design("=6*7");
     window->close();
     window.reset();
@@ -103,6 +105,7 @@ TEST_F(RecoveryTest, YesRestoresNameAndSheetAndSavingRemovesTheCopy)
     EXPECT_EQ(ledger.boxes.said, std::vector{question()});
     EXPECT_EQ(formula(1, 1), "6*7");
     EXPECT_EQ(edit("txtReportName").text(), "新表");
+    EXPECT_EQ(grid().cells().workbook().sheet(1).settings().print.marginLeft, 2880) << "no row has others";
     trigger("MenuFileSave");
     EXPECT_EQ(copies(), QStringList());
     window->close();

@@ -48,6 +48,21 @@ protected:
         control<QPushButton>(dialog, "cmdXPOK").click();
         EXPECT_FALSE(dialog.isVisible());
     }
+    /// A file with a left margin of two inches.
+    void importLandscape()
+    {
+        const std::string path = folder.path().toStdString() + "/other.xlsx";
+        spreadsheet::Workbook other;
+        other.sheet(1).changeSettings([](spreadsheet::SheetSettings& settings) {
+            settings.print.marginLeft = 2 * 1440;
+            settings.print.landscape = true;
+        });
+        spreadsheet::saveWorkbook(other, path, spreadsheet::fileFormat(".xlsx"));
+        ScriptedFileDialog files;
+        const FileDialogInUse inUse{files};
+        files.answers = {path};
+        trigger("MenuImportXlsx");
+    }
     void press(Qt::Key key) { QTest::keyClick(&grid(), key, Qt::ControlModifier); }
 };
 
@@ -93,27 +108,31 @@ TEST_F(PageSetupUndo, PlaceholdersOfTheHeaderComeBack)
 
 TEST_F(PageSetupUndo, AnImportedSetupIsShownAndStoredByTheDialogAlone)
 {
-    const std::string path = folder.path().toStdString() + "/other.xlsx", before = row();
-    spreadsheet::Workbook other;
-    other.sheet(1).changeSettings([](spreadsheet::SheetSettings& settings) {
-        settings.print.marginLeft = 2 * 1440;
-        settings.print.landscape = true;
-    });
-    spreadsheet::saveWorkbook(other, path, spreadsheet::fileFormat(".xlsx"));
-    ScriptedFileDialog files;
-    const FileDialogInUse inUse{files};
-    files.answers = {path};
-    trigger("MenuImportXlsx");
+    const std::string before = row();
+    importLandscape();
     EXPECT_EQ(row(), before);
     EXPECT_EQ(shown(), "2.00 0.60 0.60 0.60 横向");
 
     setLandscape("3.00");
     EXPECT_EQ(row(), "3 0.6 0.6 0.6 0 /c&Comp");
     press(Qt::Key_Z);
+    EXPECT_EQ(row(), "2 0.6 0.6 0.6 0 /c&Comp");
     EXPECT_EQ(shown(), "2.00 0.60 0.60 0.60 横向");
     press(Qt::Key_Z);
     EXPECT_EQ(shown(), "0.50 0.75 1.00 1.25 纵向");
     EXPECT_EQ(row(), before);
+}
+
+/// Saving a new report gives its row no page set-up, whatever a file brought.
+TEST_F(PageSetupUndo, OfANewReportAnImportedSetupIsShownToo)
+{
+    gEditFlag = 0;
+    open();
+    edit("txtReportName").setText("新表");
+    importLandscape();
+    trigger("MenuFileSave");
+    ASSERT_EQ(gEditFlag, 1);
+    EXPECT_EQ(shown(), "2.00 0.60 0.60 0.60 横向");
 }
 
 TEST_F(PageSetupUndo, ANewSheetIsPrintedAsTheOthers)

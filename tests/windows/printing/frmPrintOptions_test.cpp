@@ -223,9 +223,13 @@ TEST_F(PrintOptions, EverySheetIsAskedForRoom)
     ASSERT_EQ(ledger.boxes.said.size(), 1U);
     EXPECT_NE(ledger.boxes.said[0].text.find("附表"), std::string::npos) << ledger.boxes.said[0].text;
     EXPECT_EQ(grid.print(2), before);
+    demand(grid.book.addSheet("坏表")); // which nothing here made worse
+    grid.book.sheet(3).changeSettings(
+        [](spreadsheet::SheetSettings& settings) { settings.print.marginLeft = 20 * 1440; });
     control<QDoubleSpinBox>(options, "txtPaperWidth").setValue(100);
     click(options, "cmdXPOK");
     EXPECT_FALSE(options.isVisible());
+    EXPECT_EQ(ledger.boxes.said.size(), 1U);
 }
 
 } // namespace
