@@ -152,8 +152,9 @@ TEST(Evaluation, ReferencesAndWhatTheyShow)
     const test::TestLedger ledger;
     {
         Workbook referenced;
-        fill(referenced.sheet(1), {closing("1001"), "REF_F(\"乙表\" ,\"A1\" , \"\")", "1234.5*2", "A2+1",
-                                   "1/0", "IFERROR(A4,5)", "\"REF_F(\"&NoSuch(1)"});
+        fill(referenced.sheet(1),
+             {closing("1001"), "REF_F(\"乙表\" ,\"A1\" , \"\")", "1234.5*2", "A2+1", "1/0", "IFERROR(A4,5)",
+              "\"REF_F(\"&NoSuch(1)", "MyREF_F(1)", "1+ref_f (\"乙表\",\"A1\",\"\")"});
         demand(referenced.addSheet("第二页"));
         referenced.sheet(2).setText({27, 3}, "文字");
         referenced.sheet(2).setText({1, 5}, "ABC5");
@@ -180,6 +181,8 @@ TEST(Evaluation, ReferencesAndWhatTheyShow)
         {R"(REF_F("甲'表" ,"A5" , "1"))", "#DIV/0!", "A5是错误值#DIV/0!"},
         {R"(REF_F("甲'表" ,"A6" , "1"))", "5", ""},
         {R"(REF_F("甲'表" ,"A7" , "1"))", "#NAME?", "A7是错误值#NAME?"},
+        {R"(REF_F("甲'表" ,"A8" , "1"))", "#NAME?", "A8是错误值#NAME?"},
+        {R"(REF_F("甲'表" ,"A9" , "1"))", "#NAME?", "A9本身要取别的报表的数"},
         {R"(REF_F("甲'表" ,"A3" , "1"))", "2469", ""},
         {R"(REF_F("甲'表" ,"AA3" , "2"))", "文字", ""},
         {R"(REF_F("甲'表" ,"AA3" , ""))", "文字", ""}, // the sheet that it opens on
