@@ -108,6 +108,7 @@ TEST(Sums, SubtotalPassesOverItselfAndHiddenRows)
     sheet.expect({
         {"SUBTOTAL(9,A1:A6)", "35"},
         {"SUBTOTAL(109,A1:A6)", "15"},
+        {"SUBTOTAL(101,A1:A6)", "7.5"},
         {"SUBTOTAL(2,A1:A6)", "3"},
         {"SUBTOTAL(103,A1:A6)", "3"},
         {"SUBTOTAL(4,A1:A2,A4)", "20"},
