@@ -32,7 +32,7 @@ namespace selfreport {
 
 namespace {
 
-constexpr const char* caption = "报表打印";
+constexpr const char* windowCaption = "报表打印";
 constexpr QSize board(12000, 8700); // twips
 
 std::unique_ptr<frmPreview>& instance()
@@ -90,7 +90,7 @@ frmPreview::frmPreview(PrintedGrid& grid)
     , lblPage(new QLabel(QStringLiteral("页数 ")))
 {
     setObjectName("frmPreview");
-    setWindowTitle(QString::fromUtf8(caption));
+    setWindowTitle(QString::fromUtf8(windowCaption));
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     auto* const places = new ProportionalLayout(this, board);
     setLayout(places);
@@ -279,7 +279,7 @@ void frmPreview::UpdatePageCount()
     cmdNext->setEnabled(page < pages);
     const spreadsheet::PageLayout* const layout = m_fpsp1->pages().layout();
     const std::string leftOut = layout ? layout->titlesLeftOut() : std::string();
-    setWindowTitle(QString::fromUtf8(caption) +
+    setWindowTitle(QString::fromUtf8(windowCaption) +
                    (leftOut.empty() ? QString() : "  (" + QString::fromStdString(leftOut) + ')'));
 }
 
