@@ -16,6 +16,7 @@
 #include "windows/printing/zoom_entries.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QGuiApplication>
