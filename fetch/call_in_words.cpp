@@ -1,5 +1,6 @@
 #include "fetch/call_in_words.h"
 
+#include "fetch/code_hint.h"
 #include "fetch/compound_statement.h"
 #include "fetch/plain_arguments.h"
 #include "fetch/quoted_text.h"
@@ -147,9 +148,11 @@ private:
 
     void unknown(const std::string& what, const std::string& code, const std::vector<std::string>& known)
     {
-        const std::string nearest = code.empty() ? std::string() : nearestCode(code, known);
-        m_result.problems.push_back(what + quoted(code) + "不存在" +
-                                    (nearest.empty() ? "" : ",最接近的是" + quoted(nearest)));
+        std::string hint = codeHint({&code, 1});
+        if (const std::string nearest = nearestCode(code, known);
+            hint.empty() && !code.empty() && !nearest.empty())
+            hint = ",最接近的是" + quoted(nearest);
+        m_result.problems.push_back(what + quoted(code) + "不存在" + hint);
     }
 
     void unknownCodes(const std::string& what, const std::string& table,
@@ -157,9 +160,13 @@ private:
     {
         const std::vector<std::string> known =
             textsOf(m_connection.query("select fNumber from " + table + " order by fNumber"), 0);
+        const std::size_t before = m_result.problems.size();
         for (std::size_t index = 0; index < std::min<std::size_t>(codes.size(), 2); ++index)
             if (std::ranges::find(known, codes[index]) == known.end())
                 unknown(what, codes[index], known);
+        const std::string hint = codeHint(codes);
+        if (m_result.problems.size() == before && !hint.empty())
+            m_result.problems.push_back(what + quoted(codesText(codes)) + "不存在" + hint);
     }
 
     std::string accountWords(const AccountExpression& expression)

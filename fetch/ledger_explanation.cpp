@@ -3,6 +3,7 @@
 #include "access/DatabaseAccess.h"
 #include "access/driver_call.h"
 #include "failures/failure_text.h"
+#include "fetch/code_hint.h"
 #include "fetch/ledger_blanks.h"
 #include "fetch/ledger_query.h"
 #include "fetch/LedgerQuestions.h"
@@ -147,7 +148,8 @@ std::string unknownItem(const LedgerQuestions& answers, const ItemQualifier& qua
     const auto table = qualifier.codes.empty() ? std::nullopt : answers.itemTable(qualifier.className);
     if (!table || answers.hasRow(itemRows(*table, qualifier)))
         return {};
-    return quoted(qualifier.className) + "中没有项目" + quoted(rangeText(qualifier.codes));
+    return quoted(qualifier.className) + "中没有项目" + quoted(rangeText(qualifier.codes)) +
+           codeHint(qualifier.codes);
 }
 
 /// What the fetch names that there is not; empty if there is all of it.
@@ -159,7 +161,7 @@ std::string nameWithoutMeaning(const LedgerQuestions& answers, const LedgerArgum
         return "货币" + quoted(arguments.currency) + "不存在";
     const AccountExpression expression = parseAccountExpression(arguments.account);
     if (!expression.codes.empty() && !answers.hasRow(accountRows(expression)))
-        return "科目" + quoted(rangeText(expression.codes)) + "不存在";
+        return "科目" + quoted(rangeText(expression.codes)) + "不存在" + codeHint(expression.codes);
     for (const ItemQualifier& qualifier : expression.qualifiers)
         if (std::string cause = unknownItem(answers, qualifier); !cause.empty())
             return cause;
