@@ -56,12 +56,16 @@ int command(const ToolStreams& streams, const std::function<void()>& work) noexc
     return 1;
 }
 
-/// A connection string as it stands; else the string for the embedded database in that file.
+/// A connection string as it stands; else the string for the embedded database in that file, by its whole
+/// path: a design that a crash left is found again by the string, and each folder may have a demo.db.
 std::string connectionString(const std::string& database)
 {
     std::error_code unreadable;
     const bool isFile = std::filesystem::exists(database, unreadable) && !unreadable;
-    return isFile || database.find('=') == std::string::npos ? fileConnectionString(database) : database;
+    if (!isFile && database.find('=') != std::string::npos)
+        return database;
+    const std::filesystem::path whole = std::filesystem::absolute(database, unreadable);
+    return fileConnectionString(unreadable ? database : whole.string());
 }
 
 /// A file that is written if it is wanted.

@@ -42,8 +42,9 @@ class Desk:
 
     # The program
 
-    def starts(self):
-        self.process = subprocess.Popen([self.program, "--db", str(self.database)], cwd=self.folder,
+    def starts(self, ledger=None, folder=None):
+        """By default on its ledger by its whole name."""
+        self.process = subprocess.Popen([self.program, "--db", ledger or str(self.database)], cwd=folder or self.folder,
                                         env=self.display.environment, stdout=self.display.log,
                                         stderr=self.display.log)
         self.user.sees(HOST)
@@ -72,14 +73,14 @@ class Desk:
 
     # Roads that many tasks take
 
-    def opens_list(self):
-        self.starts()
+    def opens_list(self, ledger=None, folder=None):
+        self.starts(ledger, folder)
         self.user.presses("alt+d")
         self.user.sees(LIST)
 
-    def begins_report(self, name):
+    def begins_report(self, name, ledger=None):
         """A new design under a name, the cursor in A1."""
-        self.opens_list()
+        self.opens_list(ledger)
         self.user.presses("alt+n")
         self.user.sees(DESIGNER)
         self.names(name)

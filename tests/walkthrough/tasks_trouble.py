@@ -125,12 +125,21 @@ def recovery_copies(desk):
 
 def comes_back_after_a_crash(desk):
     user, books = desk.user, desk.books
-    desk.begins_report("来不及保存")
+    name = desk.database.name
+    desk.begins_report("来不及保存", name)
     user.enters("1", "2", "=A1+A2")
     user.keeps("还没有保存")
     until("恢复副本", lambda: recovery_copies(desk), patience=120)
     desk.is_killed()
     assert books.report("来不及保存") is None
+
+    elsewhere = desk.folder.with_name("elsewhere")  # another ledger of that name is not asked
+    elsewhere.mkdir()
+    shutil.copyfile(desk.database, elsewhere / name)
+    desk.opens_list(name, elsewhere)
+    user.presses("alt+n")
+    user.sees(DESIGNER)
+    desk.leaves_all()
 
     desk.opens_list()
     user.presses("alt+n")
