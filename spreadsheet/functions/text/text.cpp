@@ -224,30 +224,88 @@ Operand concatenatedAll(Call& call)
     return call.failed() ? call.error() : textResult(result);
 }
 
-Operand joined(Call& call)
+/// Pieces with separators between them.
+class JoinedText {
+public:
+    JoinedText(Call& call, std::vector<std::string> separators)
+        : m_call(call)
+        , m_separators(std::move(separators))
+    {
+    }
+
+    /// True if a separator has letters, so that empty pieces show.
+    bool separates() const
+    {
+        return std::ranges::any_of(m_separators, [](const std::string& text) { return !text.empty(); });
+    }
+    /// The call fails if the text gets too long.
+    void add(std::string_view piece)
+    {
+        if (m_count > 0 && !m_separators.empty())
+            m_text += m_separators[(m_count - 1) % m_separators.size()]; // several take turns
+        m_text += piece;
+        ++m_count;
+        if (m_text.size() > mostBytes)
+            m_call.fail(CellError::value);
+    }
+    const std::string& text() const { return m_text; }
+
+private:
+    Call& m_call;
+    std::vector<std::string> m_separators;
+    std::string m_text;
+    std::size_t m_count = 0;
+};
+
+/// Calls `use(const Value&)` for every cell of a reference row by row, beyond the sheet's used part too, and
+/// for every other value, until the call fails.
+template <typename Use>
+void eachPlace(Call& call, std::size_t argument, Use&& use)
+{
+    if (!call[argument].isReference())
+        return call.eachValue(argument, use);
+    for (const Area& area : call[argument].areas()) {
+        const CellRange& cells = area.cells;
+        for (int row = cells.top; row <= cells.bottom; ++row) {
+            for (int column = cells.left; column <= cells.right && !call.failed(); ++column)
+                use(cellValue(call.place().book, area.sheet, {column, row}));
+        }
+    }
+}
+
+std::vector<std::string> separatorsOf(Call& call)
 {
     std::vector<std::string> separators;
-    call.eachValue(0, [&](const Value& value) {
+    eachPlace(call, 0, [&](const Value& value) {
         call.pay(workOfPiece(value));
         if (value.isError())
             call.fail(value.error());
-        else if (!call.failed())
+        else if (!call.failed() && separators.size() <= longestText) // more come never to their turn
             separators.emplace_back(toText(value).textView());
     });
+    return separators;
+}
+
+Operand joined(Call& call)
+{
+    JoinedText text(call, separatorsOf(call));
     const bool withoutEmpty = call.logical(1);
-    std::string result;
-    std::size_t count = 0;
-    for (const std::string& piece : pieces(call, 2)) {
-        if (withoutEmpty && piece.empty())
-            continue;
-        if (count > 0 && !separators.empty())
-            result += separators[(count - 1) % separators.size()]; // several take turns
-        result += piece;
-        ++count;
-        if (result.size() > mostBytes)
-            return call.failed() ? call.error() : CellError::value;
+    const auto take = [&](const Value& value) {
+        call.pay(workOfPiece(value));
+        const Value piece = toText(value);
+        if (piece.isError())
+            call.fail(piece.error());
+        else if (!call.failed() && !(withoutEmpty && piece.textView().empty()))
+            text.add(piece.textView());
+    };
+    const bool gapsShow = !withoutEmpty && text.separates();
+    for (std::size_t argument = 2; argument < call.count() && !call.failed(); ++argument) {
+        if (gapsShow)
+            eachPlace(call, argument, take);
+        else
+            call.eachValue(argument, take);
     }
-    return call.failed() ? call.error() : textResult(result);
+    return call.failed() ? call.error() : textResult(text.text());
 }
 
 Operand formatted(Call& call)

@@ -62,6 +62,13 @@ TEST(TextFunctions, ChangeAndJoin)
         {"TEXTJOIN(\",\",TRUE,A1:A4)", "\"x,5,TRUE\""},
         {"TEXTJOIN({\"-\",\"+\"},FALSE,A1:A4)", "\"x-5+-TRUE\""},
         {"CONCAT(A1:B1)", "#N/A"},
+        // Every empty cell is a piece, also where nothing stands in any row or column.
+        {"TEXTJOIN(\";\",FALSE,A1:A6)", "\"x;5;;TRUE;;\""},
+        {"TEXTJOIN(\"|\",FALSE,AAC1,XFC1:XFC2,\"x\")", "\"|||x\""},
+        {"TEXTJOIN(\",\",FALSE,(AAD200:AAE201,A2))", "\",,,,5\""},
+        {"TEXTJOIN(A3:A4,FALSE,A5:A8)&TEXTJOIN(A399:A400,FALSE,A5:A8)", "\"TRUE\""},
+        {"TEXTJOIN(AAC1:AAC2,FALSE,A:A)&TEXTJOIN(\",\",TRUE,A:A)", "\"x5TRUEx,5,TRUE\""},
+        {"TEXTJOIN(\",\",FALSE,AAC:AAC)", "#VALUE!"}, // a million commas
         {"T(A2)", "\"\""},
         {"T(A1:A2)", "\"x\""},
         {"N(A2)", "5"},
