@@ -1,6 +1,7 @@
 #include "spreadsheet/calculation/LineIndex.h"
 
 #include "spreadsheet/calculation/Call.h"
+#include "spreadsheet/calculation/criteria.h"
 #include "spreadsheet/values/folding.h"
 
 #include <bit>
@@ -104,7 +105,8 @@ LineIndex::TextEntry& LineIndex::textEntry(Text::Body* body)
     if (!isNew)
         return entry;
     const std::string_view view = viewOf(body);
-    const auto number = body && body->countsAsNumber ? std::optional(body->number) : numberOfText(view);
+    const auto number = body && body->countsAsNumber ? std::optional(body->number)
+                                                     : numberOfText(view, m_book.countsFrom1904);
     entry.owner = Text::share(body);
     entry.places = &m_texts[foldedText(view)];
     entry.numeric = number ? &m_numericTexts[*number] : nullptr;

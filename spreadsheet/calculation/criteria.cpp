@@ -59,7 +59,16 @@ int sign(double difference)
 
 } // namespace
 
+std::optional<double> numberOfText(std::string_view text, bool from1904)
+{
+    if (!from1904)
+        return numberOfText(text);
+    const Value number = toNumber(Value::text(text), from1904);
+    return number.isNumber() ? std::optional(number.number()) : std::nullopt;
+}
+
 Criterion::Criterion(const Value& condition, bool from1904)
+    : m_from1904(from1904)
 {
     switch (condition.kind()) {
     case ValueKind::empty:
@@ -81,22 +90,22 @@ Criterion::Criterion(const Value& condition, bool from1904)
             if (!operand.starts_with(text))
                 continue;
             m_comparison = comparison;
-            readOperand(operand.substr(text.size()), true, from1904);
+            readOperand(operand.substr(text.size()), true);
             return;
         }
-        readOperand(operand, false, from1904);
+        readOperand(operand, false);
         break;
     }
     }
 }
 
-void Criterion::readOperand(std::string_view operand, bool hasOperator, bool from1904)
+void Criterion::readOperand(std::string_view operand, bool hasOperator)
 {
     if (operand.empty()) {
         m_kind = hasOperator ? Kind::empty : Kind::emptyOrText;
         return;
     }
-    if (const Value number = toNumber(Value::text(operand), from1904); number.isNumber()) {
+    if (const Value number = toNumber(Value::text(operand), m_from1904); number.isNumber()) {
         m_number = number.number();
         return;
     }
@@ -173,7 +182,7 @@ bool Criterion::equals(ValueKind kind, const Payload& payload) const
     case Kind::number:
         if (const auto number = countedNumber(kind, payload))
             return *number == m_number;
-        return kind == ValueKind::text && numberOfText(viewOf(payload)) == m_number;
+        return kind == ValueKind::text && numberOfText(viewOf(payload), m_from1904) == m_number;
     case Kind::text:
         return kind == ValueKind::text && equalsFolded(viewOf(payload), m_text);
     case Kind::pattern:

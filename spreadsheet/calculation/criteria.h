@@ -8,6 +8,9 @@
 
 namespace spreadsheet {
 
+/// What a text reads as where it is compared with numbers; `from1904`: how dates in it count.
+std::optional<double> numberOfText(std::string_view text, bool from1904);
+
 /// A condition of SUMIF, COUNTIF and their kind: ">=1000", "<>现金", "55*", 12, TRUE, "#N/A", "=".
 /// Texts ignore letter case and width; "=" alone means empty cells, "<>" alone cells that are not
 /// empty, an empty text both empty cells and empty texts. An empty value is the number 0.
@@ -24,7 +27,7 @@ public:
         emptyOrText, ///< the empty text
     };
 
-    /// `from1904`: how dates in the condition count.
+    /// `from1904`: how dates in the condition and in texts count.
     Criterion(const Value& condition, bool from1904);
 
     Comparison comparison() const { return m_comparison; }
@@ -39,11 +42,12 @@ public:
     bool matchesEmpty() const { return matches(ValueKind::empty, Payload{}); }
 
 private:
-    void readOperand(std::string_view operand, bool hasOperator, bool from1904);
+    void readOperand(std::string_view operand, bool hasOperator);
     bool equals(ValueKind kind, const Payload& payload) const;
     /// Less than 0, 0 or more than 0; nothing if the cell holds another kind of value.
     std::optional<int> order(ValueKind kind, const Payload& payload) const;
 
+    bool m_from1904;
     Comparison m_comparison = Comparison::equal;
     Kind m_kind = Kind::number;
     double m_number = 0;

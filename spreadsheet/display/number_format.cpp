@@ -447,7 +447,7 @@ std::string otherText(const std::vector<FormatSection>& sections, const Value& v
 
 std::optional<std::string> formattedText(const Value& value, std::string_view code, bool from1904)
 {
-    const Value asNumber = value.isBoolean() ? value : toNumber(value);
+    const Value asNumber = value.isBoolean() ? value : toNumber(value, from1904);
     const Value& shown = asNumber.isError() ? value : asNumber;
     const auto sections = parseFormatCode(code);
     if (!sections)

@@ -129,7 +129,16 @@ TEST(DateEdges, ChosenWeekends)
 
 TEST(DateEdges, DaysCountedFrom1904)
 {
-    FormulaSheet sheet({{"A1", "39145"}});
+    FormulaSheet sheet({{"A1", "39145"},
+                        {"B1", "2024-02-29"}, // a text
+                        {"C1", "5"},
+                        {"B2", "43889"},
+                        {"C2", "7"},
+                        {"E1", "day"},
+                        {"F1", "day"},
+                        {"E2", "2024/2/29"},
+                        {"F2", "2024/2/29"},
+                        {"G1", "1903-12-31"}});
     sheet.workbook().setCountsFrom1904(true);
     sheet.expect({
         {"DATE(1904,1,1)", "0"},
@@ -148,6 +157,15 @@ TEST(DateEdges, DaysCountedFrom1904)
         {"SUM(-{\"2011-3-5\",1})", "-39146"},
         {"\"6:00\"*2", "0.5"},
         {"\"1901-1-1\"+0", "#VALUE!"},
+        {"TEXT(\"2024-2-29\",\"yyyy-mm-dd\")&TEXT(B1,\"0\")&TEXT(\"6:00\",\"h:mm\")",
+         "\"2024-02-29438896:00\""}, // 45,351 from 1900
+        {"TEXT(G1,\"yyyy\")", "\"1903-12-31\""},
+        {"COUNTIF(B1,\"2024-2-29\")&COUNTIF(B1,45351)&COUNTIF(B1,43889)", "\"101\""},
+        {"SUMIF(B1,DATE(2024,2,29),C1)&SUMIFS(C1:C2,B1:B2,\"2024-2-29\")", "\"512\""},
+        {"DSUM(E1:E2,1,F1:F2)&DCOUNTA(E1:E2,1,F1:F2)", "\"01\""},
+        // The index answers from the second question on.
+        {"SUMIF(B1:B99,43889,C1:C99)&SUMIF(B1:B99,\"2024-2-29\",C1:C99)&COUNTIF(B1:B99,DATE(2024,2,29))",
+         "\"12122\""},
         {"COUNTIF(A1,\">2011-3-4\")&COUNTIF(A1,\"2011-3-5\")&COUNTIF(A1,\">2011-3-5\")", "\"110\""},
         {"NETWORKDAYS(DATE(2011,3,1),DATE(2011,3,31))", "23"},
         {"COUPNCD(DATE(2011,1,25),DATE(2011,11,15),2)=DATE(2011,5,15)", "TRUE"},
