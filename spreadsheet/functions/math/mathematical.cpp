@@ -32,6 +32,8 @@ Operand logarithm(Call& call)
 /// 6.3 of 0.1.
 bool isMultiple(double number, double divisor, double rest)
 {
+    if (std::trunc(number) == number && std::trunc(divisor) == divisor)
+        return rest == 0; // the rest of whole numbers is exact, however large they are
     const double noise = std::fabs(number) * 1e-14;
     const double beside = std::min(std::fabs(rest), std::fabs(divisor) - std::fabs(rest));
     return beside <= noise && roundToMultiple(number, divisor, Rounding::half) == number;

@@ -64,6 +64,9 @@ TEST(MathematicalFunctions, NumbersAndTheirLimits)
         {"ROUND(MOD(6.35,0.1),9)", "0.05"},
         {"MOD(1000000.00000001,0.01)>0", "TRUE"},
         {"MOD(1000000000000001,2)", "1"},
+        {"MOD(1E16,3)", "1"},
+        {"MOD(-1E16,3)", "2"},
+        {"MOD(2^60,7)", "1"}, // 8^20
         {"QUOTIENT(-7,2)", "-3"},
         {"QUOTIENT(35.8,0.05)", "716"}, // as the numbers show
         {"QUOTIENT(-35.8,0.05)", "-716"},
