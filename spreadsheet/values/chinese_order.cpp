@@ -62,8 +62,14 @@ char32_t halfWidth(char32_t character)
     return length == 1 ? static_cast<char32_t>(whole[0]) : character;
 }
 
+/// The mark that repeats a character stands behind all of them: who looks a column up for it finds its last
+/// text.
+constexpr char32_t repetition = 0x3005; // 々
+
 std::uint32_t chineseWeight(char32_t character)
 {
+    if (character == repetition)
+        return chineseClass | (0x10000 + 0xA000);
     const std::uint32_t code = gbkCode(character);
     const std::uint32_t lead = code >> 8;
     const std::uint32_t trail = code & 0xFF;
@@ -80,7 +86,7 @@ std::uint32_t characterWeight(char32_t wide)
     if (character < 128)
         return asciiWeights[character];
     const auto lower = static_cast<char32_t>(utf8proc_tolower(static_cast<utf8proc_int32_t>(character)));
-    if (lower >= 0x3400 && lower < 0xA000)
+    if ((lower >= 0x3400 && lower < 0xA000) || lower == repetition)
         return chineseWeight(lower);
     switch (utf8proc_category(static_cast<utf8proc_int32_t>(lower))) {
     case UTF8PROC_CATEGORY_LU:

@@ -12,9 +12,9 @@ using namespace spreadsheet;
 TEST(ChineseOrder, PlacesOfTexts)
 {
     const std::vector<std::string> ascending{
-        "",     " x",   "-",    "_",    "0",    "10",   "2",        "a",    "A1",   "ab",
-        "à",    "e",    "é",    "ê",    "ea",   "f",    "Œ",        "阿",   "安徽", "北京",
-        "长沙", "重庆", "财务", "现金", "银行", "应收", "中国银行", "张三", "亍"};
+        "",     " x",   "-",    "_",    "0",        "10",   "2",  "a",    "A1",   "ab",   "à",
+        "e",    "é",    "ê",    "ea",   "f",        "Œ",    "阿", "安徽", "北京", "长沙", "重庆",
+        "财务", "现金", "银行", "应收", "中国银行", "张三", "亍", "々",   "㐀",   "龥"};
     // By pinyin: 阿 a, 安 an, 北 bei, 财 cai, 长 chang, 现 xian, 银 yin, 应 ying, 张 zhang, 中 zhong, 重
     // zhong.
     std::vector<std::string> sorted = ascending;
@@ -22,7 +22,7 @@ TEST(ChineseOrder, PlacesOfTexts)
     const std::vector<std::string> byRule{"",     " x",   "-",        "_",    "0",    "10",   "2",    "a",
                                           "à",    "A1",   "ab",       "e",    "é",    "ê",    "ea",   "f",
                                           "Œ",    "阿",   "安徽",     "北京", "财务", "长沙", "现金", "银行",
-                                          "应收", "张三", "中国银行", "重庆", "亍"};
+                                          "应收", "张三", "中国银行", "重庆", "亍",   "㐀",   "龥",   "々"};
     EXPECT_EQ(sorted, byRule);
 }
 
