@@ -109,8 +109,14 @@ SharedFetches::contentsOf(const std::set<std::string>& names)
                 break;
             contents.emplace(name, fetchedContent(m_connection, name));
         }
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
         m_connection.reset(); // what was read so far is good; the other calls fetch for themselves
+        const auto* const refused = dynamic_cast<const DatabaseError*>(&error);
+        if (refused && refused->isTimeOut) // each of them alone would be waited for as long
+            for (const std::string& name : names)
+                if (!contents.contains(name) && !m_reports.contains(name))
+                    m_reports.emplace(name, std::make_unique<LoadedReport>(m_database, this))
+                        .first->second->problem = unreadableReport(name, error);
     }
     return contents;
 }

@@ -5,6 +5,7 @@
 #include "tests/fetch/names_in.h"
 #include "tests/fetch/TestLedger.h"
 
+#include <chrono>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -117,6 +118,34 @@ TEST(FailedFetches, ADatabaseThatCannotBeOpenedFailsAllOfThem)
         EXPECT_EQ(report.failed(), "2 处取数失败，数字不可用"); // cells, not calls
         EXPECT_EQ(report.workbook.sheet(1).displayText({1, 1}), "0.00");
     }
+}
+
+/// Five seconds for each of them would be minutes for a sheet.
+TEST(FailedFetches, OfALockedLedgerAreWaitedForTogether)
+{
+    if (tds::road() != tds::Road::embedded)
+        GTEST_SKIP() << "a server's locks are waited for by itself";
+    const test::TestLedger ledger;
+    Evaluated report;
+    spreadsheet::Sheet& sheet = report.workbook.sheet(1);
+    constexpr int cells = 5;
+    for (int row = 1; row <= cells; ++row) {
+        spreadsheet::demand(sheet.setFormula({1, row}, closing("100" + std::to_string(row))));
+        spreadsheet::demand(sheet.setFormula({2, row}, reference("报表" + std::to_string(row), "A1")));
+    }
+    report.evaluation.recalculate(); // leaves a session open
+    const SqliteDatabase other(ledger.file());
+    other.run("begin exclusive");
+    const auto begin = std::chrono::steady_clock::now();
+    report.evaluation.recalculate();
+    const std::chrono::duration<double> waited = std::chrono::steady_clock::now() - begin;
+    EXPECT_LT(waited.count(), 4 * 5) << "for reports and ledger, and a session to each";
+    EXPECT_EQ(report.failed(), std::to_string(2 * cells) + " 处取数失败，数字不可用");
+    for (const CellDiagnostic& diagnostic : report.evaluation.diagnostics())
+        EXPECT_THAT(diagnostic.reason, HasSubstr("数据库正被其他程序占用")) << diagnostic.reason;
+    other.run("commit");
+    report.evaluation.recalculate();
+    EXPECT_EQ(report.failed(), "");
 }
 
 TEST(FailedFetches, StandUntilTheirCellsAreFetchedAgainWhereverTheyMove)

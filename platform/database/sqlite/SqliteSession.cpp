@@ -103,6 +103,10 @@ std::vector<ProcedureResult> SqliteSession::callProcedures(std::span<const Proce
                 throw DatabaseError(procedureMissing, "找不到存储过程 " + call.procedure);
         } catch (const DatabaseError& error) {
             result.error = error;
+            if (error.isTimeOut) { // each of the others would be waited for as long
+                results.resize(calls.size(), ProcedureResult{.error = error});
+                break;
+            }
         }
     }
     if (ownTransaction)

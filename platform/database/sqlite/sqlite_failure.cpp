@@ -45,7 +45,10 @@ std::string sqliteReason(int code, const char* said)
 
 DatabaseError sqliteError(sqlite3* database)
 {
-    return {unspecifiedError, sqliteReason(sqlite3_errcode(database), sqlite3_errmsg(database))};
+    const int code = sqlite3_errcode(database);
+    DatabaseError error(unspecifiedError, sqliteReason(code, sqlite3_errmsg(database)));
+    error.isTimeOut = (code & primaryCode) == SQLITE_BUSY; // which came after the time that is waited
+    return error;
 }
 
 } // namespace selfreport
