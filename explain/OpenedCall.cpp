@@ -10,6 +10,13 @@ namespace selfreport {
 
 namespace {
 
+/// One code, or a range from one to itself, which takes a star in it for no pattern.
+bool isOneCode(const std::vector<std::string>& codes)
+{
+    return codes.size() == 1 ? codes.front().find('*') == std::string::npos
+                             : codes.size() == 2 && codes.front() == codes.back();
+}
+
 int numberOf(const std::string& text, int otherwise)
 {
     const std::string_view digits = trimmed(text);
@@ -30,7 +37,7 @@ CallOpening::Call::Call(const LedgerArguments& used, const AccountChart& chart)
 
 bool CallOpening::Call::namesOne() const
 {
-    return expression.codes.size() == 1 && expression.codes.front().find('*') == std::string::npos;
+    return isOneCode(expression.codes);
 }
 
 bool CallOpening::Call::isClosing() const
@@ -57,7 +64,7 @@ bool CallOpening::Call::hasVouchers() const
 bool CallOpening::Call::namesOneItemOf(const std::string& className) const
 {
     const std::vector<std::string>* codes = codesOf(className);
-    return codes && codes->size() == 1 && codes->front().find('*') == std::string::npos;
+    return codes && isOneCode(*codes);
 }
 
 const std::vector<std::string>* CallOpening::Call::codesOf(const std::string& className) const

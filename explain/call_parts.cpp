@@ -33,6 +33,29 @@ double factorOf(const AcctKind& kind, const Account& child, const Account& above
     return isSigned ? child.direction * above.direction : 1;
 }
 
+constexpr const char* unnamable = "代码里有“:”或“|”，公式不能单取";
+
+/// A range from the first to the last code of a table. A code that no formula can name is cut off where that
+/// begins, and what follows it is behind all that can stand there.
+std::string rangeOfAll(const std::string& first, const std::string& last)
+{
+    const std::size_t end = last.find_first_of(":|");
+    return first.substr(0, first.find_first_of(":|")) + ":" +
+           (end == last.npos ? last : last.substr(0, end) + "龥");
+}
+
+/// A part of one code. A star in it would be a pattern; a range knows none, and from a code to itself is that
+/// code.
+/// @param call  the call of what it is given
+template <class OfCode>
+CallPart partOf(std::string caption, const std::string& code, OfCode call)
+{
+    if (code.find_first_of(":|") != std::string::npos)
+        return {.item = std::move(caption), .failure = unnamable};
+    const bool isPattern = code.find('*') != std::string::npos;
+    return {.item = std::move(caption), .arguments = call(isPattern ? code + ":" + code : code)};
+}
+
 } // namespace
 
 std::string PartsWay::text() const
@@ -225,6 +248,8 @@ void CallOpening::fetch(CallParts& parts, const Call& call)
     parts.failure = found.front().failure;
     std::size_t next = 1;
     for (CallPart& part : parts.parts) {
+        if (part.failure == unnamable)
+            parts.reason = unnamable;
         if (!part.arguments.account.empty()) {
             part.amount = found[next].amount;
             part.failure = found[next++].failure;
@@ -245,6 +270,7 @@ void CallOpening::fetch(CallParts& parts, const Call& call)
 void CallOpening::byAccounts(CallParts& parts, const Call& call)
 {
     const std::vector<const Account*> all = matched(call);
+    const auto ofAccount = [&](const std::string& code) { return call.ofAccount(code); };
     std::set<std::int64_t> ids;
     for (const Account* account : all)
         ids.insert(account->id);
@@ -272,8 +298,7 @@ void CallOpening::byAccounts(CallParts& parts, const Call& call)
         wave.clear();
         for (std::size_t at = 0; at < asked.size(); ++at)
             if (found[at].amount || !found[at].failure.empty())
-                parts.parts.push_back(
-                    {.item = captionOf(*asked[at]), .arguments = call.ofAccount(asked[at]->code)});
+                parts.parts.push_back(partOf(captionOf(*asked[at]), asked[at]->code, ofAccount));
             else
                 wave.push_back(asked[at]->id);
     }
@@ -283,10 +308,11 @@ void CallOpening::byAccounts(CallParts& parts, const Call& call)
 
 void CallOpening::bySubaccounts(CallParts& parts, const Call& call)
 {
-    for (const Account* child : m_chart.childrenOf(call.account->id))
-        parts.parts.push_back({.item = captionOf(*child),
-                               .factor = factorOf(*call.kind, *child, *call.account),
-                               .arguments = call.ofAccount(child->code)});
+    for (const Account* child : m_chart.childrenOf(call.account->id)) {
+        parts.parts.push_back(partOf(captionOf(*child), child->code,
+                                     [&](const std::string& code) { return call.ofAccount(code); }));
+        parts.parts.back().factor = factorOf(*call.kind, *child, *call.account);
+    }
     fetch(parts, call);
     std::erase_if(parts.parts, [](const CallPart& part) { return !part.amount && part.failure.empty(); });
 }
@@ -308,19 +334,20 @@ void CallOpening::byItems(CallParts& parts, const Call& call, const std::string&
         std::to_string(call.account->id) + " and a.fYear=" + call.year() + ")" +
         (narrowed ? codeCondition("i.fNumber", *narrowed) : "") + " order by i.fNumber");
     for (std::size_t row = 0; row < items.rowCount(); ++row)
-        parts.parts.push_back({.item = items.text(row, 0) + " " + items.text(row, 1),
-                               .arguments = call.ofItem(className, items.text(row, 0))});
+        parts.parts.push_back(partOf(items.text(row, 0) + " " + items.text(row, 1), items.text(row, 0),
+                                     [&](const std::string& code) { return call.ofItem(className, code); }));
     const Recordset ends = m_connection.query("select min(fNumber) as f,max(fNumber) as g from " + *table);
     if (!narrowed && !ends.isEmpty() && !ends.isNull(0, "f"))
-        parts.parts.push_back({.item = "未指定" + className,
-                               .basis = "全部项目组合减去有" + className + "的组合",
-                               .arguments = call.ofItem(className, ""),
-                               .less = call.ofItem(className, ends.text(0, "f") + ":" + ends.text(0, "g"))});
+        parts.parts.push_back(
+            {.item = "未指定" + className,
+             .basis = "全部项目组合减去有" + className + "的组合",
+             .arguments = call.ofItem(className, ""),
+             .less = call.ofItem(className, rangeOfAll(ends.text(0, "f"), ends.text(0, "g")))});
     fetch(parts, call);
     std::erase_if(parts.parts, [](const CallPart& part) {
         return (!part.amount || (part.less && *part.amount == 0)) && part.failure.empty();
     });
-    if (!parts.isWhole())
+    if (!parts.isWhole() && parts.reason.empty())
         parts.reason = twofoldReason(call, className);
 }
 
@@ -355,14 +382,30 @@ void CallOpening::byMovement(CallParts& parts, const Call& call)
     fetch(parts, call);
 }
 
+/// Of a call's year the periods that its accounts have rows in, to its last one. A day that was typed for a
+/// period, 20251231, or a stray row would else be millions of calls.
+std::vector<int> CallOpening::periodsOf(const Call& call, int from)
+{
+    const Recordset rows = m_connection.query(
+        "select distinct a.fPeriod from tblAccount as b join tblAccountBal as a on a.faccountid=b.fitemid "
+        "where a.fYear=" +
+        call.year() + " and a.fPeriod>=" + std::to_string(from) +
+        " and a.fPeriod<=" + std::to_string(call.last()) + codeCondition("b.fNumber", call.expression.codes) +
+        " order by a.fPeriod");
+    std::vector<int> periods;
+    for (std::size_t row = 0; row < rows.rowCount(); ++row)
+        periods.push_back(static_cast<int>(rows.integer(row, 0)));
+    return periods;
+}
+
 /// Amounts to date begin with what was before the first period that the ledger has.
 void CallOpening::byPeriods(CallParts& parts, const Call& call)
 {
     const bool isToDate = call.kind->periods == AcctPeriods::last;
     const std::string key = isToDate ? std::string(call.movementKey()) : call.arguments.fetchType;
-    const int from = isToDate ? 1 : call.first();
+    const std::vector<int> periods = periodsOf(call, isToDate ? 1 : call.first());
     std::vector<LedgerArguments> probes;
-    for (int period = from; period <= call.last(); ++period) {
+    for (const int period : periods) {
         parts.parts.push_back({.item = call.year() + " 年 " + std::to_string(period) + " 期",
                                .arguments = call.ofKey(key, period, period)});
         if (isToDate)
@@ -372,7 +415,7 @@ void CallOpening::byPeriods(CallParts& parts, const Call& call)
     const auto begun =
         std::ranges::find_if(rows, [](const LedgerAnswer& one) { return one.amount.has_value(); });
     if (begun != rows.end()) {
-        const int period = from + static_cast<int>(begun - rows.begin());
+        const int period = periods[static_cast<std::size_t>(begun - rows.begin())];
         parts.parts.insert(parts.parts.begin(),
                            {.item = "启用前累计",
                             .basis = std::to_string(period) + " 期的累计减去当期发生额",
@@ -433,6 +476,30 @@ void CallOpening::byPrevious(CallParts& parts, const Call& call)
     parts.difference = 0;
 }
 
+/// Vouchers may begin after the balances, or have been put away, and balances may lie beyond the last of
+/// them.
+std::string CallOpening::beyondVouchers(const Call& call, int first)
+{
+    std::int64_t begin = 0, end = 0; // as 202501
+    try {
+        const Recordset ends = m_connection.query(
+            "select min(fYear*100+fPeriod) as f,max(fYear*100+fPeriod) as g from tblVoucher");
+        begin = ends.integer(0, "f");
+        end = ends.integer(0, "g");
+    } catch (const ConnectionLost&) {
+        throw;
+    } catch (const DatabaseError&) {
+        return {}; // the suite's procedure reads them from elsewhere
+    }
+    const std::int64_t year = std::stoll(call.year()) * 100;
+    if (year + first >= begin && year + call.last() <= end)
+        return {};
+    const auto text = [](std::int64_t period) {
+        return std::to_string(period / 100) + "年" + std::to_string(period % 100) + "期";
+    };
+    return "凭证从" + text(begin) + "到" + text(end) + "，此外的期间只有余额";
+}
+
 void CallOpening::byVouchers(CallParts& parts, const Call& call, const VouchersPlace& place)
 {
     const int first = call.isClosing() ? call.last() : call.first();
@@ -456,6 +523,8 @@ void CallOpening::byVouchers(CallParts& parts, const Call& call, const VouchersP
     parts.sum +=
         call.voucherAmount(read.total) - call.voucherAmount(read.carried) * (call.leavesCarried() ? 1 : 0);
     parts.difference = std::round((parts.whole.value_or(0) - parts.sum) * 10'000) / 10'000;
+    if (!parts.isWhole())
+        parts.reason = beyondVouchers(call, first);
     const bool isOneSided = !call.isClosing() && call.kind->column != "e.fAmount"; // debits or credits alone
     if (call.isClosing())
         parts.balance = place.page == 1 ? opening : place.balance;

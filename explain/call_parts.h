@@ -115,10 +115,12 @@ private:
     void byPrevious(CallParts& parts, const Call& call);
     void byVouchers(CallParts& parts, const Call& call, const VouchersPlace& place);
 
+    std::vector<int> periodsOf(const Call& call, int from);
     bool hasLastPeriod(const Call& call);
     void fetch(CallParts& parts, const Call& call);
     std::vector<LedgerAnswer> answers(std::span<const LedgerArguments> calls);
     std::string twofoldReason(const Call& call, const std::string& className);
+    std::string beyondVouchers(const Call& call, int first);
 
     Connection& m_connection;
     const AccountChart& m_chart;

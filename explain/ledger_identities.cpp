@@ -324,7 +324,7 @@ LedgerIdentity topAccountsBalance(int year)
                     "select 0 as faccountid,0 as fDetailId,a.fYear,a.fPeriod,0 as fCurrencyid" +
                         differencesOf(sums, "2") +
                         " from tblAccount as b join tblAccountBal as a on a.faccountid=b.fitemid where "
-                        "b.fParentId=0 and a.fDetailId=0" +
+                        "coalesce(b.fParentId,0)=0 and a.fDetailId=0" +
                         ofYear("a", year) + " group by a.fYear,a.fPeriod having " + anyDiffers(sums, "2"),
                     {"期初", "借方 − 贷方", "期末"});
 }
@@ -411,7 +411,8 @@ std::string postedTo(const std::string& table, const Texts& columns, int year)
         moved += (moved.empty() ? "a." : " or a.") + name + "<>0";
     return " from " + table + " as a join tblAccount as b on b.fitemid=a.faccountid where (" + moved +
            ") and a.faccountid not in (select fParentId "
-           "from tblAccount) and (a.fDetailId<>0 or a.faccountid not in (select faccountid from " +
+           "from tblAccount where fParentId is not null) and (a.fDetailId<>0 or a.faccountid not in (select "
+           "faccountid from " +
            table +
            " where fDetailId<>0)) and a.fYear*100+a.fPeriod>=(select min(fYear*100+fPeriod) from tblVoucher) "
            "and "

@@ -195,8 +195,8 @@ void proveParts(CallOpening& opening, const LedgerArguments& call, const PartsWa
     if (parts.failure.empty() && parts.isWhole())
         return;
     const bool isUnread = way.by == PartsBy::vouchers && !parts.failure.empty() && !parts.whole;
-    if (isUnread)
-        return; // there are none, which is told elsewhere
+    if (isUnread || !parts.reason.empty())
+        return; // there are no vouchers, which is told elsewhere, or it is known why the parts are not all
     addRow(proved, callText(call) + " 按" + way.text(), amountText(parts.whole.value_or(0)),
            parts.failure.empty() ? amountText(parts.sum) : parts.failure, parts.difference);
 }

@@ -182,6 +182,12 @@ std::vector<AlteredLedger> alteredLedgers()
         {"codes with dots",
          {"update tblAccount set fNumber=substring(fNumber,1,4)||'.'||substring(fNumber,5,10) where "
           "fLevel>1"}},
+        {"codes that are patterns of others",
+         {"update tblCustomer set fNumber=substring(fNumber,1,3)||'*' where fitemid=(select min(fitemid) "
+          "from "
+          "tblCustomer)",
+          "update tblAccount set fNumber='10020*' where fNumber='100201'",
+          "update tblAccount set fNumber='660*' where fNumber='6601'"}},
         {"another company", {}, 4711},
         {"a third company, without vouchers", {"delete from tblVoucher", "delete from tblVoucherEntry"}, 99},
     };
@@ -366,6 +372,73 @@ TEST(CallParts, AnOpeningIsTheClosingOfThePeriodBefore)
     EXPECT_EQ(before("2025", "1"), "2024 年 13 期期末");
     connection->execute("update tblAccountBal set fEndBal=fEndBal+0.01 where fYear=2024 and fPeriod=13");
     EXPECT_EQ(before("2025", "1"), "2024 年 13 期期末 ≠");
+}
+
+/// Whoever types a day for a period gets the right figure, and no more parts than the ledger has.
+TEST(CallParts, AreOfPeriodsThatThereAre)
+{
+    const test::ExplainedDemo demo;
+    const auto connection = demo.open();
+    connection->execute("insert into tblAccountBal(faccountid,fDetailId,fYear,fPeriod,fCurrencyid) select "
+                        "faccountid,fDetailId,fYear,99999999,fCurrencyid from tblAccountBal where fYear=2025 "
+                        "and fPeriod=12");
+    const AccountChart chart(*connection);
+    CallOpening opening(*connection, chart);
+    for (const char* key : {"3", "5"}) {
+        const CallParts parts =
+            opening.partsOf({"100101", key, "", "2025", "1", "2147483647"}, {PartsBy::periods, ""});
+        EXPECT_EQ(parts.failure, "");
+        EXPECT_LE(parts.parts.size(), 13U) << key;
+    }
+    EXPECT_TRUE(
+        opening.partsOf({"100101", "3", "", "2025", "1", "20251231"}, {PartsBy::periods, ""}).isWhole());
+}
+
+TEST(CallParts, SayWhereVouchersBeginAndEnd)
+{
+    const test::ExplainedDemo demo;
+    const auto connection = demo.open();
+    connection->execute("delete from tblVoucher where fYear=2024 or fPeriod in (1,12)");
+    const AccountChart chart(*connection);
+    CallOpening opening(*connection, chart);
+    const auto reason = [&](const char* year, const char* first, const char* last) {
+        const CallParts parts =
+            opening.partsOf({"100101", "3", "", year, first, last}, {PartsBy::vouchers, ""});
+        EXPECT_EQ(parts.isWhole(), parts.reason.empty()) << year << first << last;
+        return parts.reason;
+    };
+    const char* const there = "凭证从2025年2期到2025年11期，此外的期间只有余额";
+    EXPECT_EQ(reason("2024", "5", "5"), there);
+    EXPECT_EQ(reason("2025", "1", "3"), there);
+    EXPECT_EQ(reason("2025", "2", "11"), "");
+    EXPECT_EQ(reason("2025", "11", "12"), there);
+}
+
+TEST(CallParts, NameCodesThatNoFormulaCan)
+{
+    const test::ExplainedDemo demo;
+    const auto connection = demo.open();
+    connection->execute(
+        "update tblCustomer set fNumber='K:1' where fitemid=(select min(fitemid) from tblCustomer)");
+    const AccountChart chart(*connection);
+    CallOpening opening(*connection, chart);
+    const CallParts parts = opening.partsOf({"1122", "2", "", "2025", "6", "6"}, {PartsBy::items, "客户"});
+    const auto part =
+        std::ranges::find_if(parts.parts, [](const CallPart& one) { return one.item.starts_with("K:1 "); });
+    ASSERT_NE(part, parts.parts.end());
+    EXPECT_EQ(part->amount, std::nullopt);
+    EXPECT_NE(part->failure, "");
+    const double amount =
+        connection
+            ->query(
+                "select sum(a.fEndBal) as f from tblAccountBal as a join tblItemDetailV as v on "
+                "v.fdetailId=a.fDetailId and v.fitemclassid=1 where a.fYear=2025 and a.fPeriod=6 and "
+                "a.faccountid=(select fitemid from tblAccount where fNumber='1122') and v.fitemid=(select "
+                "min(fitemid) from tblCustomer)")
+            .number(0, "f");
+    ASSERT_NE(amount, 0);
+    EXPECT_NEAR(parts.difference, amount, 0.001);
+    EXPECT_EQ(parts.reason, part->failure);
 }
 
 TEST(CallParts, SayWhatIsWrongAndKeepTheRest)

@@ -440,6 +440,25 @@ TEST_F(LedgerProofTest, SoundLedgersOfOtherShapesRaiseNoAlarm)
     EXPECT_THAT(broken(proveLedger(*connection, 0)), IsEmpty()) << "one against its parent's side";
 }
 
+/// Vouchers of former years may have been put away, and suites differ in what stands for "no parent".
+TEST_F(LedgerProofTest, LedgersOfOtherSuitesAreProvedAsOurs)
+{
+    const auto connection = demo.open();
+    connection->execute("delete from tblVoucher where fYear=2024");
+    connection->execute(
+        "delete from tblVoucherEntry where fvoucherid not in (select fvoucherid from tblVoucher)");
+    for (const int year : {0, 2024, 2025})
+        EXPECT_THAT(broken(proveLedger(*connection, year)), IsEmpty()) << year;
+    for (const char* change : {"create table charted as select * from tblAccount", "drop table tblAccount",
+                               "alter table charted rename to tblAccount",
+                               "update tblAccount set fParentId=null where fParentId=0"})
+        connection->execute(change);
+    EXPECT_THAT(broken(proveLedger(*connection, 0)), IsEmpty()) << "no parent is null";
+    connection->execute("update tblAccountBal set fEndBal=fEndBal+5 where fDetailId=0 and fYear=2025 and "
+                        "fPeriod=12 and faccountid=(select fitemid from tblAccount where fNumber='4001')");
+    EXPECT_EQ(named(proveLedger(*connection, 0), "一级科目合计 = 0（试算平衡）")->state, State::broken);
+}
+
 TEST_F(LedgerProofTest, OnlyReads)
 {
     std::ifstream before(demo.file(), std::ios::binary);
