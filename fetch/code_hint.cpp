@@ -22,7 +22,7 @@ std::string_view fullWidthIn(std::string_view code)
 
 bool isPlain(std::string_view code)
 {
-    return std::ranges::all_of(code, [](char c) { return c > ' ' && c <= '~'; });
+    return !code.empty() && std::ranges::all_of(code, [](char c) { return c > ' ' && c <= '~'; });
 }
 
 } // namespace

@@ -1,12 +1,12 @@
 #include "platform/toolkit/QtFontDialog.h"
 
 #include "platform/windows/front_window.h"
+#include "platform/windows/number_fields.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
-#include <QDoubleValidator>
 #include <QFontDatabase>
 #include <QGridLayout>
 #include <QLabel>
@@ -100,7 +100,7 @@ private:
         m_size.setObjectName("fontSize");
         m_size.setEditable(true);
         m_size.setInsertPolicy(QComboBox::NoInsert);
-        auto* const range = new QDoubleValidator(smallest, largest, 1, &m_size);
+        auto* const range = new DecimalValidator(smallest, largest, 1, &m_size);
         range->setLocale(QLocale::c());
         m_size.setValidator(range);
         for (const char* size : sizes)

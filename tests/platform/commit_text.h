@@ -7,13 +7,17 @@
 namespace selfreport::test {
 
 /// Replaces what a field holds by what an input method gives it, as no key does.
-inline void commitText(QAbstractSpinBox& field, const char* text)
+inline void commitText(QLineEdit& line, const char* text)
 {
-    field.setFocus();
-    field.selectAll();
+    line.setFocus();
+    line.selectAll();
     QInputMethodEvent committed;
     committed.setCommitString(QString::fromUtf8(text));
-    QApplication::sendEvent(field.findChild<QLineEdit*>(), &committed);
+    QApplication::sendEvent(&line, &committed);
+}
+inline void commitText(QAbstractSpinBox& field, const char* text)
+{
+    commitText(*field.findChild<QLineEdit*>(), text);
 }
 
 } // namespace selfreport::test

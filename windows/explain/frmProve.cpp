@@ -4,12 +4,12 @@
 #include "platform/list_grid/ListGrid.h"
 #include "platform/windows/buttons.h"
 #include "platform/windows/CancellableWait.h"
+#include "platform/windows/number_fields.h"
 #include "platform/windows/settle.h"
 #include "platform/windows/text_room.h"
 #include "reports/ReportContext.h"
 #include "text/amount_text.h"
 
-#include <QIntValidator>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
@@ -37,7 +37,7 @@ frmProve::frmProve(ReportContext& context, QWidget* parent)
 void frmProve::buildLayout()
 {
     m_txtYear->setObjectName("txtYear");
-    m_txtYear->setValidator(new QIntValidator(1, 9999, m_txtYear));
+    m_txtYear->setValidator(new WholeNumberValidator(1, 9999, m_txtYear));
     m_txtYear->setPlaceholderText(QStringLiteral("空：全部年度"));
     m_txtYear->setFixedWidth(textRoom(*m_txtYear, 20, 1).width());
     auto* caption = new QLabel(QStringLiteral("年度(&Y)："));

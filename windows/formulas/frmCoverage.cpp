@@ -1,6 +1,7 @@
 #include "windows/formulas/frmCoverage.h"
 
 #include "fetch/call_in_words.h"
+#include "fetch/code_hint.h"
 #include "fetch/report_functions.h"
 #include "platform/basicdata/clsAccountChooser.h"
 #include "platform/list_grid/ListGrid.h"
@@ -142,6 +143,7 @@ void frmCoverage::check()
     if (!m_grid.entry().commit())
         return; // what is being typed is no formula: its reason is on screen
     m_accounts.clear();
+    m_asked.reset();
     {
         const CancellableWait waiting(windowTitle(), this);
         if (readSheet())
@@ -200,18 +202,21 @@ void frmCoverage::readAccounts()
 void frmCoverage::askAccounts()
 {
     m_accounts.clear();
+    m_asked.reset();
     const int chosen = m_cboMeasure->currentIndex();
     if (chosen < 0)
         return;
-    const auto range = m_txt->texts<std::array<std::string, 2>>();
+    auto range = m_txt->texts<std::array<std::string, 2>>();
+    for (std::string& code : range)
+        code = std::string(ascii::trimmed(code, " "));
     auto accounts = m_context.database.read<std::vector<AccountCoverage>>(
-        Icon::critical, [range, measure = m_measures[static_cast<std::size_t>(chosen)].arguments,
-                         calls = m_sheet.calls](Connection& open) {
-            return accountCoverage(open, std::string(ascii::trimmed(range[0], " ")),
-                                   std::string(ascii::trimmed(range[1], " ")), measure, calls);
-        });
-    if (accounts)
-        m_accounts = std::move(*accounts);
+        Icon::critical,
+        [range, measure = m_measures[static_cast<std::size_t>(chosen)].arguments, calls = m_sheet.calls](
+            Connection& open) { return accountCoverage(open, range[0], range[1], measure, calls); });
+    if (!accounts)
+        return;
+    m_accounts = std::move(*accounts);
+    m_asked = std::move(range);
 }
 
 void frmCoverage::listAccounts()
@@ -246,6 +251,8 @@ QString frmCoverage::summary() const
                                  : QString();
     if (m_measures.empty())
         return QStringLiteral("当前表页没有可用的 Acct 取数公式") + unusable;
+    if (m_accounts.empty() && m_asked) // nothing was looked at: that is not all well
+        return QStringLiteral("没有这样的末级科目") + QString::fromStdString(codeHint(*m_asked)) + unusable;
     const auto count = [this](auto&& condition) { return std::ranges::count_if(m_accounts, condition); };
     const auto isGap = [](const AccountCoverage& account) { return account.calls.empty(); };
     const auto matters = [&](const AccountCoverage& account) {

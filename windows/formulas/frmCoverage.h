@@ -2,7 +2,10 @@
 #include "fetch/coverage_calls.h"
 #include "fetch/RunRecord.h"
 
+#include <array>
+#include <optional>
 #include <QDialog>
+#include <string>
 #include <vector>
 
 class QCheckBox;
@@ -58,6 +61,8 @@ private:
     std::vector<RunRecord::FollowedPlace> m_places; ///< of its calls
     std::vector<CoverageMeasure> m_measures;
     std::vector<AccountCoverage> m_accounts;
+    std::optional<std::array<std::string, 2>>
+        m_asked;                       ///< the codes that they lie between, once they were read
     std::vector<std::size_t> m_listed; ///< the account of each line
     int m_visitedLine = 0;             ///< 0: none
     std::size_t m_visits = 0;          ///< of that line's calls

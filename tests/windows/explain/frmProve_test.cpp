@@ -1,6 +1,7 @@
 #include "windows/explain/frmProve.h"
 
 #include "platform/list_grid/ListGrid.h"
+#include "tests/platform/commit_text.h"
 #include "tests/windows/designer/DesignerTest.h"
 
 #include <gmock/gmock.h>
@@ -39,11 +40,13 @@ TEST_F(Proof, ACheckThatFailsSaysWhichOneIsListed)
     open();
     whenModal("frmProve", [&](QWidget& dialog) {
         const auto check = [&](const char* year) {
-            control<QLineEdit>(dialog, "txtYear").setText(year);
+            test::commitText(control<QLineEdit>(dialog, "txtYear"), year);
             control<QPushButton>(dialog, "cmdXPOK").click();
             return control<QLabel>(dialog, "lblSummary").text().toStdString();
         };
         EXPECT_THAT(check(""), ::testing::StartsWith("全部年度："));
+        EXPECT_THAT(check("2025"), ::testing::StartsWith("2025 年："));
+        EXPECT_THAT(check("２０２4"), ::testing::StartsWith("2024 年：")) << "as input methods write it";
         EXPECT_THAT(check("2025"), ::testing::StartsWith("2025 年："));
         ledger.run("alter table tblAccountBal rename to gone");
         EXPECT_THAT(check("2024"), ::testing::StartsWith("没有查完，列的还是上一次的。2025 年："));

@@ -120,6 +120,25 @@ TEST_F(CoverageWindow, NamesStayInTheirColumn)
     EXPECT_EQ(lines(open()).value(0), "1001|库存 现金  |100.25|2|B2、B4");
 }
 
+TEST_F(CoverageWindow, AccountsThatThereAreNotAreNoPass)
+{
+    QWidget& window = open();
+    const struct {
+        const char *from, *to, *said;
+    } cases[] = {
+        {"2001", "1001", "没有这样的末级科目，区间的起点大于终点"},
+        {"66*", "", "没有这样的末级科目"},
+        {"", "1001：2001", "没有这样的末级科目，“：”是全角字符，应为半角的“:”"},
+        {"1001", "2001", "末级科目 4 个：未取 1 个(其中 1 个有金额)，重复 1 个，仅取部分项目 1 个"},
+    };
+    for (const auto& [from, to, said] : cases) {
+        control<QLineEdit>(window, "txt_0").setText(from);
+        control<QLineEdit>(window, "txt_1").setText(to);
+        QTest::keyClick(&control<QLineEdit>(window, "txt_1"), Qt::Key_Return);
+        EXPECT_EQ(summary(window), said) << from;
+    }
+}
+
 TEST_F(CoverageWindow, RangeAndMeasureAreChosenByKeyboard)
 {
     QWidget& window = open();
