@@ -2,6 +2,7 @@
 #include "platform/toolkit/QtColourDialog.h"
 #include "platform/toolkit/QtFileDialog.h"
 #include "platform/toolkit/QtFontDialog.h"
+#include "tests/platform/commit_text.h"
 #include "tests/platform/WindowTest.h"
 
 #include <QColorDialog>
@@ -77,9 +78,11 @@ TEST_F(SystemDialogs, FontKeepsWhatTheUserLeaves)
 
     const FontChoice unknown{"没有的字体", 10.5, false, false, false, false, 0};
     for (const auto& [typed, points] :
-         {std::pair("12.5", 12.5), std::pair("", 10.5), std::pair("4000", 10.5)}) {
+         {std::pair("12.5", 12.5), std::pair("", 10.5), std::pair("4000", 10.5), std::pair("１２．５", 12.5)}) {
         whenModal("fontDialog", [text = typed](QWidget& window) {
-            control<QComboBox>(window, "fontSize").setEditText(text);
+            auto& size = control<QComboBox>(window, "fontSize");
+            size.clearEditText();
+            test::commitText(*size.lineEdit(), text);
             control<QPushButton>(window, "fontOK").click();
         });
         FontChoice sized = unknown;
