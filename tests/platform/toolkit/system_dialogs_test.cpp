@@ -77,8 +77,8 @@ TEST_F(SystemDialogs, FontKeepsWhatTheUserLeaves)
     EXPECT_EQ(fonts.choose(first), changed);
 
     const FontChoice unknown{"没有的字体", 10.5, false, false, false, false, 0};
-    for (const auto& [typed, points] :
-         {std::pair("12.5", 12.5), std::pair("", 10.5), std::pair("4000", 10.5), std::pair("１２．５", 12.5)}) {
+    for (const auto& [typed, points] : {std::pair("12.5", 12.5), std::pair("", 10.5), std::pair("4000", 10.5),
+                                        std::pair("１２．５", 12.5)}) {
         whenModal("fontDialog", [text = typed](QWidget& window) {
             auto& size = control<QComboBox>(window, "fontSize");
             size.clearEditText();
