@@ -113,6 +113,62 @@ TEST(XlsxMeaning, OfFormulasWithoutTheirResults)
     }
 }
 
+/// A formula that cannot be computed here is a constant for the others.
+TEST(XlsxMeaning, OfWhatReadsFormulasThatKeepTheirResults)
+{
+    struct Cell {
+        std::string formula, told;
+        Value shown;
+    };
+    const std::string let = "_xlfn.LET(_xlpm.x,5,_xlpm.x)";
+    const std::vector<Cell> books[] = {
+        {{let, "5", 5.0},
+         {"IFERROR(A1,0)", "5", 5.0},
+         {"SUMIF(A1:A1,\">0\")", "5", 5.0},
+         {"COUNT(A1)", "1", 1.0},
+         {"A1*2", "10", 10.0},
+         {"B1+100", "105", 105.0},
+         {"1+2", "", 3.0},
+         {"IFERROR(NOPE(1),1)+1", "8", 8.0},
+         {"IF(G1>2,H1,NOPE(1))", "", 8.0}},
+        {{"NOPE(1)", "", CellError::name},
+         {"A1+1", "", CellError::name},
+         {"SUM(A1,10)", "", CellError::name},
+         {"Acct(1)", "", Value()},
+         {"ref_f(1,2,3)", "", Value()},
+         {"SUM(D1,10)", "", 10.0},
+         {"IF(F1>9,7,Acct(1))", "", 7.0}},
+        {{"nosuch+1", "8", 8.0}, {"A1*2", "", 16.0}, {"INDIRECT(\"没有!A1\")", "9", 9.0}, {"C1+1", "", 10.0}},
+    };
+    for (const std::vector<Cell>& cells : books) {
+        std::string row;
+        for (const Cell& cell : cells) {
+            row += "<c><f>";
+            appendXml(row, cell.formula);
+            row += "</f>" + (cell.told.empty() ? "" : "<v>" + cell.told + "</v>") + "</c>";
+        }
+        Workbook workbook;
+        EXPECT_THAT(read(workbookOf(sheetOf("<sheetData><row>" + row + "</row></sheetData>")), workbook),
+                    IsEmpty());
+        const Sheet& sheet = workbook.sheet(1);
+        for (int column = 1; column <= static_cast<int>(cells.size()); ++column) {
+            const Cell& cell = cells[static_cast<std::size_t>(column) - 1];
+            EXPECT_EQ(sheet.value({column, 1}), cell.shown) << cell.formula << sheet.displayText({column, 1});
+            EXPECT_NE(sheet.formula({column, 1}), "");
+        }
+        EXPECT_FALSE(workbook.formulas().customs().isRegistered("NOPE"));
+        workbook.recalculate();
+        EXPECT_EQ(sheet.value({1, 1}), Value(CellError::name));
+    }
+
+    Workbook workbook; // an array
+    read(workbookOf(sheetOf("<sheetData><row><c r=\"A1\"><f t=\"array\" ref=\"A1:A2\">" + let +
+                            "</f><v>3</v></c><c r=\"B1\"><f>SUM(A1:A2)</f></c></row>"
+                            "<row><c r=\"A2\"><v>4</v></c></row></sheetData>")),
+         workbook);
+    EXPECT_EQ(workbook.sheet(1).value({2, 1}), Value(7.0));
+}
+
 TEST(XlsxMeaning, RowsThatAreNoXmlAreRefused)
 {
     std::string deep, behind;
