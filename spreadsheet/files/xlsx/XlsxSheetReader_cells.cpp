@@ -47,11 +47,15 @@ std::string runsOf(XmlScanner& xml)
     return text;
 }
 
-/// "2026-12-31T13:45:00" as a serial number.
-std::optional<double> dateOf(std::string_view text)
+/// "2026-12-31T13:45:00", "2026-12-31" or "13:45:00" as a serial number.
+std::optional<double> dateOf(std::string_view text, bool from1904)
 {
+    text = ascii::trimmed(text);
     std::array<double, 6> parts{}; // year, month, day, hour, minute, second
-    std::size_t read = 0;
+    const bool isTime = std::min(text.find(':'), text.size()) < text.find_first_of("-T", 1);
+    if (isTime && text.starts_with('T'))
+        text.remove_prefix(1);
+    std::size_t read = isTime ? 3 : 0;
     for (; read < parts.size() && !text.empty(); ++read) {
         const std::size_t end = std::min(text.find_first_of("-T:Z"), text.size());
         const auto number = parseNumber(text.substr(0, end));
@@ -60,12 +64,15 @@ std::optional<double> dateOf(std::string_view text)
         parts[read] = *number;
         text.remove_prefix(std::min(end + 1, text.size()));
     }
+    const double ofDay = (parts[3] * 3600 + parts[4] * 60 + parts[5]) / 86400.0;
+    if (isTime)
+        return read > 4 ? std::optional(ofDay) : std::nullopt;
     if (read < 3)
         return std::nullopt;
     const auto serial =
         serialOfDay(static_cast<int>(parts[0]), static_cast<int>(parts[1]), static_cast<int>(parts[2]));
-    return serial ? std::optional(*serial + (parts[3] * 3600 + parts[4] * 60 + parts[5]) / 86400.0)
-                  : std::nullopt;
+    const int shift = from1904 ? daysFrom1900To1904 : 0;
+    return serial && *serial >= shift ? std::optional(*serial - shift + ofDay) : std::nullopt;
 }
 
 } // namespace
@@ -222,7 +229,8 @@ Value XlsxSheetReader::numberValue(std::string_view text, bool isDate) const
 {
     if (ascii::trimmed(text).empty())
         return {};
-    if (const std::optional<double> number = isDate ? dateOf(text) : fileNumber(text))
+    if (const std::optional<double> number =
+            isDate ? dateOf(text, m_workbook.countsFrom1904()) : fileNumber(text))
         return *number;
     m_warnings.add("有单元格的数字看不懂,按文本引入");
     return Value::text(text);
