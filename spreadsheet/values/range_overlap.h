@@ -5,7 +5,11 @@
 
 namespace spreadsheet {
 
-/// True if two of the ranges share a cell. Takes n log n steps.
+/// Takes out the ranges that share a cell with one that stays, and returns them. Of two those stay that begin
+/// in a higher row, or else stand first. Takes n log n steps.
+std::vector<CellRange> takeOverlapping(std::vector<CellRange>& ranges);
+
+/// True if two of the ranges share a cell.
 bool anyOverlap(std::vector<CellRange> ranges);
 
 } // namespace spreadsheet

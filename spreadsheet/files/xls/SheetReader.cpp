@@ -1,13 +1,13 @@
 #include "spreadsheet/files/xls/SheetReader.h"
 
 #include "spreadsheet/files/exchange/column_widths.h"
+#include "spreadsheet/files/exchange/merged_cells.h"
 #include "spreadsheet/files/exchange/page_margins.h"
 #include "spreadsheet/files/placing/ContentError.h"
 #include "spreadsheet/files/xls/cell_codes.h"
 #include "spreadsheet/files/xls/list_checks.h"
 #include "spreadsheet/files/xls/lost_records.h"
 #include "spreadsheet/files/xls/records.h"
-#include "spreadsheet/values/range_overlap.h"
 
 #include <algorithm>
 #include <cmath>
@@ -163,10 +163,7 @@ void SheetReader::finish()
                   [this](const auto& entry) { return entry.second == m_settings.columns.defaultSize; });
     std::erase_if(m_settings.rows.sizes,
                   [this](const auto& entry) { return entry.second == m_settings.rows.defaultSize; });
-    if (anyOverlap(m_settings.spans)) {
-        m_globals.warnings.add("表“" + m_sheet.name() + "”的合并单元格互相重叠,没有引入");
-        m_settings.spans.clear();
-    }
+    keepSpansApart(m_settings.spans, m_sheet.name(), m_globals.warnings);
     placeArrays();
     m_settings.notes = m_notes.notes();
     for (const auto& [place, text] : m_settings.notes) {

@@ -3,9 +3,9 @@
 #include "spreadsheet/cells/papers.h"
 #include "spreadsheet/files/exchange/column_widths.h"
 #include "spreadsheet/files/exchange/header_codes.h"
+#include "spreadsheet/files/exchange/merged_cells.h"
 #include "spreadsheet/files/exchange/page_margins.h"
 #include "spreadsheet/files/xlsx/xml.h"
-#include "spreadsheet/values/range_overlap.h"
 
 #include <algorithm>
 #include <charconv>
@@ -137,10 +137,7 @@ void XlsxSheetReader::spans(pugi::xml_node root)
         m_settings.spans.push_back(*range);
         reach(*range);
     });
-    if (anyOverlap(m_settings.spans)) {
-        m_warnings.add("表“" + m_sheet.name() + "”的合并单元格互相重叠,没有引入");
-        m_settings.spans.clear();
-    }
+    keepSpansApart(m_settings.spans, m_sheet.name(), m_warnings);
 }
 
 /// Input checks against a list whose entries stand in the check itself.

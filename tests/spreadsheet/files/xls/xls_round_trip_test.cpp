@@ -322,6 +322,17 @@ TEST(Xls, SpansThatEndBeforeTheyBeginAreNone)
     EXPECT_EQ(workbook.sheet(1).settings().spans, (std::vector<CellRange>{{8, 1, 9, 2}}));
 }
 
+TEST(Xls, SpansThatOverlapOthersAreToldAndNone)
+{
+    StreamMaker maker;
+    maker.sheet().record(xls::mergedCells, {3, 0, 0, 0, 5, 2, 3, 0, 1, 3, 4, 1, 2});
+    Workbook workbook;
+    Warnings warnings;
+    readXls(maker.end(), workbook, warnings);
+    EXPECT_EQ(workbook.sheet(1).settings().spans, (std::vector<CellRange>{{1, 1, 6, 1}, {1, 3, 2, 4}}));
+    EXPECT_THAT(warnings.texts(), testing::ElementsAre(testing::HasSubstr(" B4:C5 ")));
+}
+
 TEST(Xls, ShortRecordsAreReadAsFarAsTheyGo)
 {
     const struct {

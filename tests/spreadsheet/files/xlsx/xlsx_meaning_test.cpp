@@ -169,6 +169,19 @@ TEST(XlsxMeaning, OfWhatReadsFormulasThatKeepTheirResults)
     EXPECT_EQ(workbook.sheet(1).value({2, 1}), Value(7.0));
 }
 
+TEST(XlsxMeaning, OfMergedCellsThatOverlap)
+{
+    Workbook workbook;
+    const auto warnings =
+        read(workbookOf(sheetOf("<sheetData/><mergeCells><mergeCell ref=\"B4:C5\"/><mergeCell "
+                                "ref=\"A1:F1\"/><mergeCell ref=\"A3:B4\"/><mergeCell ref=\"C5:D6\"/>"
+                                "<mergeCell ref=\"F1:G2\"/></mergeCells>")),
+             workbook);
+    EXPECT_EQ(workbook.sheet(1).settings().spans,
+              (std::vector<CellRange>{{1, 1, 6, 1}, {1, 3, 2, 4}, {3, 5, 4, 6}}));
+    EXPECT_THAT(warnings, ElementsAre(HasSubstr(" B4:C5、F1:G2 ")));
+}
+
 TEST(XlsxMeaning, RowsThatAreNoXmlAreRefused)
 {
     std::string deep, behind;
