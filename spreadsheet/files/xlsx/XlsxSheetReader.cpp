@@ -63,6 +63,7 @@ void XlsxSheetReader::read(pugi::xml_node root, std::span<char> data)
     sizes(root);
     view(root);
     rows(data);
+    sharedFormulas();
     arrays();
     spans(root);
     lists(root);

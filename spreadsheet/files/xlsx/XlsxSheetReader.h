@@ -71,6 +71,7 @@ private:
     void formula(const CellFormula& formula, CellAddress at, const Column::Place& place);
     bool continuesAbove(std::string_view text, CellAddress at) const;
     std::uint32_t interned(std::string_view text, CellAddress at, bool isArray);
+    void sharedFormulas();
     void arrays();
     void spans(pugi::xml_node root);
     void lists(pugi::xml_node root);
@@ -95,8 +96,9 @@ private:
     Warnings& m_warnings;
     SheetResolver m_sheetId;
     SheetSettings m_settings;
-    std::unordered_map<int, std::uint32_t> m_shared; ///< formulas in the pool by the file's number
-    std::vector<std::uint32_t> m_above;              ///< by column: the formula that was read last
+    std::unordered_map<int, std::uint32_t> m_shared;    ///< formulas in the pool by the file's number
+    std::vector<std::pair<int, CellAddress>> m_sharing; ///< groups of cells that came before their formula
+    std::vector<std::uint32_t> m_above;                 ///< by column: the formula that was read last
     std::vector<ArrayFormula> m_arrays;
     std::vector<OfferedList> m_lists;
     double m_digitPixels;

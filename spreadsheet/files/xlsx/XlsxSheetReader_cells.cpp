@@ -304,12 +304,29 @@ void XlsxSheetReader::formula(const CellFormula& formula, CellAddress at, const 
         if (!text.empty())
             m_shared[group] = interned(text, at, false);
         const auto found = m_shared.find(group);
-        number = found == m_shared.end() ? 0 : found->second;
+        if (found == m_shared.end())
+            m_sharing.emplace_back(group, at);
+        else
+            number = found->second;
     } else if (!text.empty()) {
         number = interned(text, at, false);
     }
     if (number != 0)
         place.block.setFormula(place.index, number);
+}
+
+/// Formulas of cells that stand before the one whose formula they share.
+void XlsxSheetReader::sharedFormulas()
+{
+    for (const auto& [group, at] : m_sharing) {
+        const auto [shared, isMissing] = m_shared.try_emplace(group, 0);
+        if (isMissing) // told once
+            m_warnings.add("表“" + m_sheet.name() + "”的 " + cellName(at) +
+                           " 等单元格保留了上次算出的值: 共用的公式不在文件中");
+        const Column::Place place = m_sheet.loadColumn(at.column).writable(at.row);
+        if (shared->second != 0)
+            place.block.setFormula(place.index, shared->second);
+    }
 }
 
 void XlsxSheetReader::arrays()

@@ -182,6 +182,26 @@ TEST(XlsxMeaning, OfMergedCellsThatOverlap)
     EXPECT_THAT(warnings, ElementsAre(HasSubstr(" B4:C5、F1:G2 ")));
 }
 
+/// A cell may come before the one whose formula it shares, or share one that the file lacks.
+TEST(XlsxMeaning, OfSharedFormulas)
+{
+    const auto shared = [](const char* name, const char* group, const char* text) {
+        return "<c r=\"" + std::string(name) + "\"><f t=\"shared\" si=\"" + group + "\">" + text +
+               "</f><v>9</v></c>";
+    };
+    Workbook workbook;
+    const auto warnings =
+        read(workbookOf(sheetOf("<sheetData><row>" + shared("B1", "0", "") + shared("C1", "1", "") +
+                                "</row><row>" + shared("B2", "0", "A2+1") + shared("C2", "1", "") +
+                                "</row><row>" + shared("B3", "0", "") + "</row></sheetData>")),
+             workbook);
+    const Sheet& sheet = workbook.sheet(1);
+    EXPECT_EQ(sheet.formula({2, 1}) + sheet.formula({2, 2}) + sheet.formula({2, 3}), "A1+1A2+1A3+1");
+    EXPECT_EQ(sheet.formula({3, 1}) + sheet.formula({3, 2}), "");
+    EXPECT_EQ(sheet.value({3, 2}), Value(9.0));
+    EXPECT_THAT(warnings, ElementsAre(HasSubstr("C1 等单元格保留了上次算出的值: 共用的公式不在文件中")));
+}
+
 TEST(XlsxMeaning, RowsThatAreNoXmlAreRefused)
 {
     std::string deep, behind;
