@@ -2,23 +2,29 @@
 
 #include "spreadsheet/files/xlsx/xml.h"
 
+#include <algorithm>
+
 namespace spreadsheet {
 
 namespace {
 
-/// "xl/worksheets" and "../comments1.xml" make "xl/comments1.xml"; a leading slash begins at the root.
-std::string joinedPath(std::string folder, std::string_view target)
+/// "xl/worksheets" and "../comments1.xml" make "xl/comments1.xml"; a leading slash begins at the root. Steps
+/// up and "." may stand anywhere (RFC 3986, 5.2.4).
+std::string joinedPath(std::string_view folder, std::string_view target)
 {
-    if (target.starts_with('/'))
-        return std::string(target.substr(1));
-    while (target.starts_with("../") || target.starts_with("./")) {
-        if (target.starts_with("../")) {
-            const std::size_t slash = folder.rfind('/');
-            folder = slash == std::string::npos ? std::string() : folder.substr(0, slash);
-        }
-        target.remove_prefix(target.find('/') + 1);
+    std::string path;
+    const std::string joined =
+        (target.starts_with('/') ? "" : std::string(folder) + "/") + std::string(target);
+    for (std::string_view rest = joined; !rest.empty();) {
+        const std::size_t end = std::min(rest.find('/'), rest.size());
+        const std::string_view step = rest.substr(0, end);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+        if (step == "..")
+            path.resize(path.find('/') == std::string::npos ? 0 : path.rfind('/'));
+        else if (!step.empty() && step != ".")
+            path += (path.empty() ? "" : "/") + std::string(step);
     }
-    return folder.empty() ? std::string(target) : folder + "/" + std::string(target);
+    return path;
 }
 
 } // namespace

@@ -32,6 +32,8 @@ public:
     void read()
     {
         const auto path = Relations(m_archive, "").byKind("/officeDocument");
+        if (path && path->ends_with(".bin"))
+            refuseFile("这是二进制工作簿 (.xlsb),请先在原来的程序中另存为 .xlsx");
         const auto book = path ? XmlPart::read(m_archive, *path) : std::nullopt;
         requireFile(book && localName(book->root().name()) == "workbook",
                     "压缩包中没有工作簿 (不是 .xlsx 文件)");

@@ -202,6 +202,36 @@ TEST(XlsxMeaning, OfSharedFormulas)
     EXPECT_THAT(warnings, ElementsAre(HasSubstr("C1 等单元格保留了上次算出的值: 共用的公式不在文件中")));
 }
 
+TEST(XlsxMeaning, OfPathsWithStepsUp)
+{
+    for (const std::string path :
+         {"worksheets/a/../sheet1.xml", "../xl/./worksheets/sheet1.xml", "./worksheets/./sheet1.xml",
+          "/xl/a/b/../../worksheets/sheet1.xml", "../../../xl/worksheets/sheet1.xml"}) {
+        Parts parts = workbookOf(sheetOf("<sheetData><row><c><v>5</v></c></row></sheetData>"));
+        std::string& relations = parts[2].second;
+        const std::string plain = "worksheets/sheet1.xml";
+        relations.replace(relations.find(plain), plain.size(), path);
+        Workbook workbook;
+        EXPECT_THAT(read(parts, workbook), IsEmpty()) << path;
+        EXPECT_EQ(workbook.sheet(1).value({1, 1}), Value(5.0)) << path;
+    }
+}
+
+TEST(XlsxMeaning, BinaryWorkbooksAreRefusedByTheirName)
+{
+    Parts parts = workbookOf("");
+    std::string& relations = parts[0].second;
+    relations.replace(relations.find("workbook.xml"), 12, "workbook.bin");
+    parts[1] = {"xl/workbook.bin", std::string("\x83\x01\0\x80", 4)};
+    Workbook workbook;
+    try {
+        read(parts, workbook);
+        FAIL();
+    } catch (const ContentError& error) {
+        EXPECT_THAT(error.what(), HasSubstr(".xlsb"));
+    }
+}
+
 TEST(XlsxMeaning, RowsThatAreNoXmlAreRefused)
 {
     std::string deep, behind;
