@@ -52,6 +52,8 @@ std::string editedText(const Workbook& workbook, const Sheet& sheet, CellAddress
     if (!value.isText())
         return displayText(value, {});
     const std::string_view text = value.textView();
+    if (sheet.style(cell).numberFormat.view() == textFormat)
+        return std::string(text); // an apostrophe would come into the text
     const std::size_t first = text.find_first_not_of(ascii::blanks);
     const bool likeFormula = first != std::string_view::npos && text[first] == '=' && text.size() > first + 1;
     const bool misread = text.empty() || text.starts_with('\'') || likeFormula ||

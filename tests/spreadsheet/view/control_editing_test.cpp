@@ -136,6 +136,18 @@ TEST_F(ControlEditing, TypingEntersAndKeysMoveOn)
     EXPECT_EQ(shown({1, 1}), "12.5");
 }
 
+TEST_F(ControlEditing, ACellForTextsGoesOnWithWhatItHolds)
+{
+    sheet().restyle({1, 1, 1, 1}, [](CellStyle& style) { style.numberFormat = Text("@"); });
+    type("01");
+    key(Qt::Key_Return);
+    click({1, 1});
+    key(Qt::Key_F2);
+    type("2");
+    key(Qt::Key_Return);
+    EXPECT_EQ(shown({1, 1}), "012");
+}
+
 TEST_F(ControlEditing, OpenedAndLeftAsItWasIsNoEdit)
 {
     sheet().setText({1, 1}, "007");

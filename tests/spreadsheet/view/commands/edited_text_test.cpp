@@ -13,6 +13,7 @@ TEST(EditedText, EnteredAgainGivesTheCellWhatItHad)
         Value value;
         CellType type;
         const char* text;
+        const char* format = "";
     };
     const Case cases[] = {
         {Value(0.1), CellType::edit, "0.1"},
@@ -35,11 +36,18 @@ TEST(EditedText, EnteredAgainGivesTheCellWhatItHad)
         {Value::text("2026年12月"), CellType::edit, "2026年12月"},
         {Value::boolean(true), CellType::edit, "TRUE"},
         {Value(), CellType::edit, ""},
+        {Value::text("001"), CellType::edit, "001", "@"},
+        {Value::text("12%"), CellType::edit, "12%", "@"},
+        {Value::text("=A1"), CellType::edit, "=A1", "@"},
+        {Value::text("'x"), CellType::edit, "'x", "@"},
     };
     for (const Case& c : cases) {
         Workbook workbook;
         Sheet& sheet = workbook.sheet(1);
-        sheet.restyle({1, 1, 1, 1}, [&](CellStyle& style) { style.type = c.type; });
+        sheet.restyle({1, 1, 1, 1}, [&](CellStyle& style) {
+            style.type = c.type;
+            style.numberFormat = Text(c.format);
+        });
         sheet.setValue({1, 1}, c.value);
         const std::string text = editedText(workbook, sheet, {1, 1});
         EXPECT_EQ(text, c.text);
