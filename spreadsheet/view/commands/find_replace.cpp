@@ -138,7 +138,8 @@ bool replaceCell(Workbook& workbook, Sheet& sheet, CellAddress cell, const TextS
     const auto text = search.replaced(whole, replacement);
     if (!text)
         return false;
-    const bool staysText = typedConstant(*text).value.isText() || (readsAsDate(whole) && readsAsDate(*text));
+    const bool staysText = typedConstant(*text).value.isText() || isDigitCode(withoutPadding(*text)) ||
+                           (readsAsDate(whole) && readsAsDate(*text));
     if (value.isText() && staysText && !text->starts_with('=')) {
         sheet.setText(cell, *text);
         return true;

@@ -101,8 +101,8 @@ TEST_F(FindReplace, ReplacesInOneStepAndKeepsWhatWouldBreak)
 }
 
 /// A text becomes a figure where what hindered it is taken away; a date that somebody wrote as a text stays
-/// one.
-TEST_F(FindReplace, TextsOfDatesStayAsTheyAreWritten)
+/// one, and so do digits of which a figure would lose some.
+TEST_F(FindReplace, TextsOfDatesAndCodesStayAsTheyAreWritten)
 {
     const struct {
         const char *text, *what, *by;
@@ -114,6 +114,9 @@ TEST_F(FindReplace, TextsOfDatesStayAsTheyAreWritten)
         {"12元", "元", "", "12", false},
         {"'12", "2", "3", "13", false},
         {"2025/12/31止", "止", "", "2025-12-31", false},
+        {"'001002", "1002", "1003", "001003", true},
+        {"'0099 ", "99", "98", "0098 ", true},
+        {"'6222020200112233445", "445", "446", "6222020200112233446", true},
     };
     for (const auto& [text, what, by, becomes, isText] : cases) {
         const CellAddress cell{5, 1};
