@@ -2,6 +2,7 @@
 #include "spreadsheet/view/GridEntry.h"
 #include "spreadsheet/view/InCellEditing.h"
 #include "spreadsheet/view/SpreadsheetControl.h"
+#include "spreadsheet/workbook/typed_text.h"
 
 #include <algorithm>
 
@@ -29,11 +30,28 @@ std::vector<CellAddress> cellsToFill(const Sheet& own, const std::vector<CellRan
     return cells;
 }
 
-/// Puts what a cell holds into others, each of which keeps its own look.
-Refusal putEntered(Sheet& own, CellAddress entered, const std::vector<CellAddress>& cells)
+/// What a text typed in whatever width stands for, if that is what came into its cell; else a text.
+TypedConstant enteredFigure(const Sheet& own, CellAddress entered, const std::string& text)
+{
+    TypedConstant figure = typedConstant(text);
+    if (figure.value.isText())
+        figure = typedConstant(inPlainWidth(text));
+    return figure.value == own.value(entered) ? figure : TypedConstant{Value::text(text), std::nullopt};
+}
+
+/// Puts what a cell holds into others, each of which keeps its own look. A figure comes to them as if it had
+/// been typed there: a fresh cell takes the type that it was written in, one for texts only the text.
+Refusal putEntered(Sheet& own, CellAddress entered, const std::vector<CellAddress>& cells,
+                   const std::string& text)
 {
     const LiftedCells lifted = own.lift({entered.column, entered.row, entered.column, entered.row});
+    const TypedConstant figure = enteredFigure(own, entered, text);
     for (const CellAddress cell : cells) {
+        CellStyle style = own.style(cell);
+        if (!figure.value.isText() && style.numberFormat.view() == textFormat) {
+            own.setText(cell, text);
+            continue;
+        }
         LiftedCells content = lifted;
         content.cells[0].style = own.styleNumber(cell);
         content.cells[0].tag = own.tag(cell);
@@ -44,6 +62,10 @@ Refusal putEntered(Sheet& own, CellAddress entered, const std::vector<CellAddres
             return problem;
         if (span)
             own.addSpan(*span);
+        if (figure.type && style.type == CellType::edit) {
+            figure.dress(style);
+            own.setStyle(cell, style);
+        }
     }
     return {};
 }
@@ -79,10 +101,11 @@ void GridEntry::fillSelection()
         m_control.refuse("不能更改数组公式的一部分");
         return;
     }
+    const std::string text = m_inCell->text().toStdString();
     UndoStep step(m_control.cells().workbook(), "输入");
     if (!commit())
         return;
-    const Refusal why = putEntered(*own, cell, cells);
+    const Refusal why = putEntered(*own, cell, cells, text);
     if (why)
         step.takeBack();
     m_control.afterEdit();

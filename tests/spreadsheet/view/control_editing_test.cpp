@@ -362,6 +362,28 @@ TEST_F(ControlEditing, ControlEnterFillsTheSelection)
     EXPECT_TRUE(sheet().settings().spans.empty());
 }
 
+TEST_F(ControlEditing, WhatControlEnterFillsIsAsIfTypedIntoEachCell)
+{
+    int column = 1;
+    for (const char* text : {"2026-11-27", "5%", "￥5", "8:05", "25:30", "12", "５％", "TRUE", "应收"}) {
+        const int filled = column++, single = column++;
+        sheet().restyle({filled, 3, single, 3}, [](CellStyle& style) { style.type = CellType::number; });
+        sheet().restyle({filled, 4, single, 4}, [](CellStyle& style) { style.numberFormat = Text("@"); });
+        const auto enter = [&](const CellRange& range, Qt::KeyboardModifiers modifiers) {
+            control.cursor().select(range);
+            ASSERT_TRUE(control.entry().begin(EditStart::replace, QString::fromUtf8(text)));
+            key(Qt::Key_Return, modifiers);
+        };
+        enter({filled, 1, filled, 4}, Qt::ControlModifier);
+        for (int row = 1; row <= 4; ++row) {
+            enter({single, row, single, row}, {});
+            EXPECT_EQ(shown({filled, row}), shown({single, row})) << text << " in row " << row;
+            EXPECT_EQ(sheet().style({filled, row}), sheet().style({single, row})) << text << ' ' << row;
+            EXPECT_EQ(sheet().value({filled, row}), sheet().value({single, row})) << text << ' ' << row;
+        }
+    }
+}
+
 TEST_F(ControlEditing, ACutThatWasEditedSinceIsACopy)
 {
     sheet().setText({1, 1}, "a");
