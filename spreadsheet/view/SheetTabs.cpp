@@ -117,6 +117,10 @@ bool SheetTabs::eventFilter(QObject* watched, QEvent* event)
         endRename(false);
         return true;
     }
+    if (watched == m_bar && event->type() == QEvent::KeyPress) {
+        event->accept(); // the field had no use for it; it would move to another tab, or act on the cells
+        return true;
+    }
     return QWidget::eventFilter(watched, event);
 }
 

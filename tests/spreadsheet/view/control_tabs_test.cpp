@@ -169,6 +169,41 @@ TEST_F(Tabs, SheetsAreAddedAndRenamedInPlace)
     EXPECT_EQ(control.cells().sheetCount(), 3);
 }
 
+TEST_F(Tabs, KeysOfARenamingDoNothingToTheCells)
+{
+    const struct {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+    } keys[] = {
+        {Qt::Key_Minus, Qt::ControlModifier},
+        {Qt::Key_9, Qt::ControlModifier},
+        {Qt::Key_Down, {}},
+        {Qt::Key_PageDown, {}},
+        {Qt::Key_PageDown, Qt::ControlModifier},
+        {Qt::Key_F11, Qt::ShiftModifier},
+        {Qt::Key_Left, Qt::AltModifier},
+        {Qt::Key_Return, {}},
+    };
+    clickTab(2);
+    click("C3");
+    logged();
+    const int rows = control.cells().rowCount();
+    for (const auto& [pressed, modifiers] : keys) {
+        QTest::mouseDClick(&bar(), Qt::LeftButton, {}, tab(2));
+        ASSERT_TRUE(nameField().hasFocus()) << pressed;
+        QTest::keyClick(&nameField(), pressed, modifiers);
+        EXPECT_EQ(nameField().isVisible(), pressed != Qt::Key_Return) << pressed;
+        if (nameField().isVisible())
+            QTest::keyClick(&nameField(), Qt::Key_Escape);
+        EXPECT_TRUE(control.hasFocus()) << pressed;
+        EXPECT_EQ(names(), "Sheet1 *Sheet2 Sheet3") << pressed;
+        EXPECT_EQ(cursor(), "C3 in C3") << pressed;
+        EXPECT_EQ(control.cells().rowCount(), rows) << pressed;
+        EXPECT_TRUE(sheet().settings().rows.hidden.empty()) << pressed;
+        EXPECT_EQ(logged(), "") << pressed;
+    }
+}
+
 TEST_F(Tabs, DraggingMovesASheet)
 {
     control.cells().workbook().sheet(1).setText({1, 1}, "first");
