@@ -161,7 +161,9 @@ void GridMouse::press(const QMouseEvent& event)
     m_pressed = place;
     m_pressedAt = m_last = point;
     Q_EMIT m_control.mouseDown(buttonNumber(event.button()), place.cell.column, place.cell.row);
-    if (event.button() == Qt::RightButton && (!m_control.movesByRightButton() || moveToPlace(place)))
+    const bool isInside = QRect(QPoint(), m_view.geometry().area()).contains(point); // not between the bars
+    if (event.button() == Qt::RightButton && isInside &&
+        (!m_control.movesByRightButton() || moveToPlace(place)))
         Q_EMIT m_control.contextMenuWanted(event.globalPosition().toPoint(), place.cell.column,
                                            place.cell.row);
     if (event.button() != Qt::LeftButton || place.kind == Kind::beyond)

@@ -20,6 +20,7 @@ SheetTabs::SheetTabs(QWidget* parent)
     , m_name(new QLineEdit(m_bar))
 {
     setObjectName(QStringLiteral("sheetTabs"));
+    setAttribute(Qt::WA_NoMousePropagation); // buttons that tabs have no use for are not meant for the cells
     m_bar->setObjectName(QStringLiteral("sheetTabBar"));
     m_bar->setShape(QTabBar::RoundedSouth);
     m_bar->setMovable(true);

@@ -204,6 +204,21 @@ TEST_F(Tabs, KeysOfARenamingDoNothingToTheCells)
     }
 }
 
+TEST_F(Tabs, TheRightButtonMeansNoCellsHereNorBetweenTheBars)
+{
+    control.setMovesByRightButton(true);
+    click("C3");
+    logged();
+    for (const Qt::MouseButton button : {Qt::RightButton, Qt::MiddleButton}) {
+        QTest::mouseClick(&bar(), button, {}, tab(2));
+        QTest::mouseClick(control.findChild<QToolButton*>("addSheet"), button);
+    }
+    EXPECT_EQ(logged(), "");
+    click(control.rect().bottomRight() - QPoint(3, 3), {}, Qt::RightButton);
+    EXPECT_EQ(logged(), "down2 -1,-1");
+    EXPECT_EQ(cursor(), "C3 in C3");
+}
+
 TEST_F(Tabs, DraggingMovesASheet)
 {
     control.cells().workbook().sheet(1).setText({1, 1}, "first");
