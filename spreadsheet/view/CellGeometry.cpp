@@ -34,6 +34,13 @@ int lastFirst(const AxisPositions& axis, int frozen, int room)
     return std::max(first, std::min(frozen + 1, axis.count()));
 }
 
+/// Whether beside frozen lines one of the others can be seen, or `enough` pixels of it.
+bool leavesRoom(const AxisPositions& axis, int frozen, int room, int enough)
+{
+    const int next = axis.shown(frozen + 1, 1);
+    return frozen == 0 || next == 0 || axis.length(1, frozen) + std::min(axis.size(next), enough) <= room;
+}
+
 } // namespace
 
 void CellGeometry::setSheet(const Sheet& sheet, double zoom, const std::map<int, int>& grown)
@@ -42,10 +49,8 @@ void CellGeometry::setSheet(const Sheet& sheet, double zoom, const std::map<int,
     m_twip = zoom * pixelsPerTwip;
     m_rows = AxisPositions(settings.rows, settings.rowCount, m_twip, grown);
     m_columns = AxisPositions(settings.columns, settings.columnCount, m_twip);
-    m_frozenRows = std::clamp(settings.frozenRows, 0, settings.rowCount - 1);
-    m_frozenColumns = std::clamp(settings.frozenColumns, 0, settings.columnCount - 1);
-    m_frozenHeight = pixels(m_rows.length(1, m_frozenRows));
-    m_frozenWidth = pixels(m_columns.length(1, m_frozenColumns));
+    m_wantedRows = std::clamp(settings.frozenRows, 0, settings.rowCount - 1);
+    m_wantedColumns = std::clamp(settings.frozenColumns, 0, settings.columnCount - 1);
     keepFull();
 }
 
@@ -55,9 +60,32 @@ void CellGeometry::setArea(QSize area)
     keepFull();
 }
 
+bool CellGeometry::holdsFrozen(int rows, int columns) const
+{
+    return m_area.isEmpty() || (leavesRoom(m_rows, rows, m_area.height() - m_headingHeight, 20) &&
+                                leavesRoom(m_columns, columns, m_area.width() - m_headingWidth, 60));
+}
+
+void CellGeometry::freeze()
+{
+    measureHeadings();
+    // What is not scrolled stays so, with more frozen lines or less.
+    const auto hold = [](int& first, int& frozen, int wanted, bool fits) {
+        const int held = fits ? wanted : 0;
+        if (first <= frozen + 1)
+            first = held + 1;
+        frozen = held;
+    };
+    hold(m_firstRow, m_frozenRows, m_wantedRows, holdsFrozen(m_wantedRows, 0));
+    hold(m_firstColumn, m_frozenColumns, m_wantedColumns, holdsFrozen(0, m_wantedColumns));
+    m_frozenHeight = pixels(m_rows.length(1, m_frozenRows));
+    m_frozenWidth = pixels(m_columns.length(1, m_frozenColumns));
+}
+
 /// No emptiness below and beside the cells while others are scrolled out of sight.
 void CellGeometry::keepFull()
 {
+    freeze();
     scrollTo(topLeft());
     const CellAddress last = lastTopLeft();
     scrollTo({std::min(m_firstColumn, last.column), std::min(m_firstRow, last.row)});

@@ -39,6 +39,9 @@ public:
     CellAddress topLeft() const { return {m_firstColumn, m_firstRow}; }
     /// The largest topLeft(): the sheet's last cells are in sight there.
     CellAddress lastTopLeft() const;
+    /// False if so many frozen rows or columns leave the others no room: nobody could get at these.
+    bool holdsFrozen(int rows, int columns) const;
+    /// None while the area does not hold those of the sheet.
     int frozenRows() const { return m_frozenRows; }
     int frozenColumns() const { return m_frozenColumns; }
     int headingHeight() const { return m_headingHeight; }
@@ -74,11 +77,13 @@ public:
 private:
     std::vector<PageTrack> tracks(const AxisPositions& axis, int frozen, int first, int start, int end) const;
     void measureHeadings();
+    void freeze();
     void keepFull();
 
     AxisPositions m_rows, m_columns;
     double m_twip = 1 / twipsPerPixel;
     QSize m_area;
+    int m_wantedRows = 0, m_wantedColumns = 0; ///< frozen in the sheet
     int m_frozenRows = 0, m_frozenColumns = 0;
     int m_frozenHeight = 0, m_frozenWidth = 0;
     int m_firstRow = 1, m_firstColumn = 1;

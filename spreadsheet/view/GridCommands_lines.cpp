@@ -152,8 +152,13 @@ void GridCommands::freezeHere()
         [this](Workbook& book, Sheet& sheet, Axis, const std::vector<LineRange>&) -> Refusal {
             const CellAddress cell = m_control.cursor().activeCell();
             const SheetSettings& settings = sheet.settings();
+            const CellGeometry& geometry = m_view.geometry();
+            // More than the window holds is not seen to be frozen, and freed from anywhere.
             const bool again =
-                settings.frozenRows == cell.row - 1 && settings.frozenColumns == cell.column - 1;
+                (settings.frozenRows == cell.row - 1 && settings.frozenColumns == cell.column - 1) ||
+                !geometry.holdsFrozen(settings.frozenRows, settings.frozenColumns);
+            if (!again && !geometry.holdsFrozen(cell.row - 1, cell.column - 1))
+                return "要冻结的行或列比窗口还大，其余部分将无法显示。请选定靠近左上角的单元格";
             freezeAt(book, sheet, again ? CellAddress{1, 1} : cell);
             return {};
         },

@@ -119,6 +119,40 @@ TEST_F(ControlCommands, PanesFreezeAndThawAtTheActiveCell)
     EXPECT_EQ(sheet().settings().frozenColumns, 1);
     control.commands().freezeHere();
     EXPECT_EQ(sheet().settings().frozenRows, 0);
+    EXPECT_FALSE(control.cellRect({1, 1}).isEmpty()) << "nothing was scrolled";
+}
+
+/// The window is 800 x 500 pixels: about 24 rows and 10 columns.
+TEST_F(ControlCommands, PanesThatTheWindowDoesNotHoldAreNotFrozen)
+{
+    for (const CellAddress cell : {CellAddress{3, 60}, CellAddress{15, 3}}) {
+        refusal.clear();
+        control.cursor().setActiveCell(cell.column, cell.row);
+        control.commands().freezeHere();
+        EXPECT_TRUE(refusal.contains("窗口")) << refusal.toStdString();
+        EXPECT_EQ(sheet().settings().frozenRows + sheet().settings().frozenColumns, 0);
+    }
+    // Stored so, or frozen in a larger window: what is shown is as if nothing was, and any cell frees it.
+    sheet().changeSettings([](SheetSettings& settings) { settings.frozenRows = 59; });
+    control.showChanges();
+    refusal.clear();
+    for (const int row : {1, 30, 70}) {
+        control.cursor().setActiveCell(2, row);
+        EXPECT_FALSE(control.cellRect({2, row}).isEmpty()) << row;
+    }
+    control.commands().freezeHere();
+    EXPECT_EQ(sheet().settings().frozenRows, 0);
+    EXPECT_TRUE(refusal.isEmpty()) << refusal.toStdString();
+    // Small windows keep what comes back with their size.
+    control.cursor().setActiveCell(1, 6);
+    control.commands().freezeHere();
+    control.resize(300, 120);
+    control.cursor().setActiveCell(1, 50);
+    EXPECT_FALSE(control.cellRect({1, 50}).isEmpty());
+    EXPECT_TRUE(control.cellRect({1, 1}).isEmpty());
+    control.resize(800, 500);
+    EXPECT_FALSE(control.cellRect({1, 1}).isEmpty());
+    EXPECT_FALSE(control.cellRect({1, 50}).isEmpty());
 }
 
 TEST_F(ControlCommands, FindSelectsReplaceCountsAndLocksHold)
