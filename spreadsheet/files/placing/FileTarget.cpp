@@ -41,7 +41,8 @@ void requireWritable(const FileTarget& target)
 /// Databases of the embedded provider, whatever their names.
 bool isDatabase(const std::filesystem::path& file)
 {
-    constexpr std::string_view magic{"SQLite format 3", 16}; // its zero included
+    constexpr char text[] = "SQLite format 3";
+    constexpr std::string_view magic{text, sizeof text}; // its zero included
     std::string head(magic.size(), ' ');
     std::ifstream stream(file, std::ios::binary);
     return stream.read(head.data(), static_cast<std::streamsize>(head.size())) && head == magic;
