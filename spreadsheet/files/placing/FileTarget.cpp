@@ -42,7 +42,7 @@ void requireWritable(const FileTarget& target)
 bool isDatabase(const std::filesystem::path& file)
 {
     constexpr char text[] = "SQLite format 3";
-    constexpr std::string_view magic{text, sizeof text}; // its zero included
+    const std::string_view magic(text, sizeof text); // its zero included
     std::string head(magic.size(), ' ');
     std::ifstream stream(file, std::ios::binary);
     return stream.read(head.data(), static_cast<std::streamsize>(head.size())) && head == magic;
