@@ -194,12 +194,12 @@ double workOfPiece(const Value& value)
     return value.isEmpty() ? 4 : 64;
 }
 
-/// Every value of the arguments from `first` on as a piece; the call fails if they are too long together.
-std::vector<std::string> pieces(Call& call, std::size_t first)
+/// Every value of the arguments as a piece; the call fails if they are too long together.
+std::vector<std::string> pieces(Call& call)
 {
     std::vector<std::string> all;
     std::size_t bytes = 0;
-    for (std::size_t argument = first; argument < call.count(); ++argument) {
+    for (std::size_t argument = 0; argument < call.count(); ++argument) {
         call.eachValue(argument, [&](const Value& value) {
             call.pay(workOfPiece(value));
             if (call.failed())
@@ -219,7 +219,7 @@ std::vector<std::string> pieces(Call& call, std::size_t first)
 Operand concatenatedAll(Call& call)
 {
     std::string result;
-    for (const std::string& piece : pieces(call, 0))
+    for (const std::string& piece : pieces(call))
         result += piece;
     return call.failed() ? call.error() : textResult(result);
 }
